@@ -1,0 +1,167 @@
+// Adding, removing and renaming documents.
+#include <kestan/engine/kestan.h>
+#include <kestan/engine/keys.h>
+#include <kestan/engine/records.h>
+#include <kestan/engine/scratch.h>
+#include <kestan/indexing/document_words.h>
+#include <kestan/storage/memory.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+
+namespace {
+
+using kestan::AsDatum;
+using kestan::Code;
+using kestan::DocumentWords;
+using kestan::Fetch;
+using kestan::ItemKey;
+using kestan::kEngineName;
+
+std::uint32_t Now() { return static_cast<std::uint32_t>(std::time(nullptr)); }
+
+void MarkDirty(const DBDatumPtr& value) { value.ptr->dirty = true; }
+
+// Counts one code further.
+//   Returns  the code; 0 if every code has been handed out, which it says.
+Code NextCode(Database& store) {
+  const DBDatumPtr counter = Fetch(store, kestan::kCounterKey);
+  if (counter.ptr == nullptr) {
+    store.Put(AsDatum(kestan::kCounterKey), AsDatum(kestan::EncodeCode(1)));
+    return 1;
+  }
+  const Code highest = kestan::DecodeCounter(*counter.ptr);
+  if (highest == kestan::kMaxCode) {
+    std::fprintf(stderr, "%s: Too many documents (max=65535) -- try shrinking database\n",
+                 kEngineName);
+    return 0;
+  }
+  kestan::SetCounter(counter.ptr, static_cast<Code>(highest + 1));
+  MarkDirty(counter);
+  return static_cast<Code>(highest + 1);
+}
+
+// Takes the code that became reusable last.
+Code ReuseCode(const DBDatumPtr& available) {
+  const Code code = kestan::TakeLastCode(available.ptr);
+  MarkDirty(available);
+  if (code == 0) {
+    std::fprintf(stderr, "%s: Attempted to use code #0 (oops!)\n", kEngineName);
+    std::exit(1);
+  }
+  return code;
+}
+
+using Word = DocumentWords::Table::value_type;  // a word and its positions
+
+// The one new entry of each posting record that a document touches.
+struct Entry {
+  Code code;
+  bool with_positions;
+};
+
+void AddEntry(const DBDatumPtr& record, const Word& word, Entry entry) {
+  if (kestan::AppendPosting(record.ptr, entry.code,
+                            entry.with_positions ? &word.second : nullptr)) {
+    MarkDirty(record);
+  } else {
+    std::fprintf(stderr, "%s: Posting record of '%s' is full -- entry left out\n", kEngineName,
+                 kestan::String(word.first).c_str());
+  }
+}
+
+// Adds the entry to the records of those words that have one. Their order does not matter, for the
+// records change only in memory.
+//   Returns  the other words, in order of their bytes.
+kestan::Vector<const Word*> PostKnownWords(Database& store, const DocumentWords& words,
+                                           Entry entry) {
+  kestan::Vector<const Word*> unknown;
+  for (const Word& word : words.table()) {
+    const DBDatumPtr record = Fetch(store, word.first);
+    if (record.ptr != nullptr) {
+      AddEntry(record, word, entry);
+    } else {
+      unknown.push_back(&word);
+    }
+  }
+  std::sort(unknown.begin(), unknown.end(),
+            [](const Word* left, const Word* right) { return left->first < right->first; });
+  return unknown;
+}
+
+// Creates a record for each of `words`, empty in the file and with the entry in memory, and adds
+// the word to `lines`.
+void PostNewWords(Database& store, const kestan::Vector<const Word*>& words, Entry entry,
+                  kestan::ScratchText* lines) {
+  for (const Word* word : words) {
+    store.Put(AsDatum(word->first), AsDatum(""));
+    AddEntry(Fetch(store, word->first), *word, entry);
+    lines->AppendLine(word->first, word->first.size() + 2);
+  }
+}
+
+}  // namespace
+
+const char* Kestan::AddDocumentWords(const char* name, const char* text) {
+  const kestan::String document(
+      name);  // both may lie in the scratch buffer, which is written below
+  const DocumentWords words(text);
+  RemoveDocumentWords(document.c_str());
+  if (!IsOpen()) return "";
+  kestan::ScratchText lines;
+  const bool reuse = kestan::CountCodes(*AvailCodes.ptr) != 0;
+  const Code code = reuse ? ReuseCode(AvailCodes) : NextCode(store_);
+  if (code == 0) return "";
+
+  const Entry entry{code, (OptionFlags & kestan::kFlagNoPositions) == 0};
+  PostNewWords(store_, PostKnownWords(store_, words, entry), entry, &lines);
+  const auto record = kestan::EncodeDocument(Now(), code);
+  store_.Put(AsDatum(kestan::NameKey(code)), AsDatum(document));
+  store_.Put(AsDatum(ItemKey(kestan::kDocumentFamily, document)), AsDatum(record));
+  return lines.Finish();
+}
+
+int Kestan::RemoveDocumentWords(const char* name) {
+  const kestan::String key = ItemKey(kestan::kDocumentFamily, name);
+  const DBDatumPtr record = Fetch(store_, key);
+  if (record.ptr == nullptr) return 1;
+  const Code code = kestan::DocumentCode(*record.ptr);
+  const DBDatumPtr deleted = Fetch(store_, kestan::kDeletedKey);
+  if (deleted.ptr == nullptr) {
+    store_.Put(AsDatum(kestan::kDeletedKey), AsDatum(kestan::EncodeCode(code)));
+  } else {
+    kestan::AppendCode(deleted.ptr, code);
+    MarkDirty(deleted);
+  }
+  store_.Del(AsDatum(kestan::NameKey(code)));
+  store_.Del(AsDatum(key));
+  return 0;
+}
+
+int Kestan::MoveDocumentWords(const char* oldname, const char* newname) {
+  const kestan::String old_key = ItemKey(kestan::kDocumentFamily, oldname);
+  const DBDatumPtr record = Fetch(store_, old_key);
+  if (record.ptr == nullptr) return -1;
+  store_.Del(AsDatum(old_key));
+  const Code code = kestan::DocumentCode(*record.ptr);
+  kestan::SetDocumentTimestamp(record.ptr, Now());
+  store_.Put(AsDatum(ItemKey(kestan::kDocumentFamily, newname)), *record.ptr);
+
+  DBDatumPtr name;
+  store_.Get(&name, AsDatum(kestan::NameKey(code)));
+  if (name.ptr == nullptr) {
+    std::fprintf(stderr, "%s: Could not fetch document for code %d (oops!)\n", kEngineName, code);
+    return -1;
+  }
+  kestan::SetName(name.ptr, newname);
+  MarkDirty(name);
+  return 0;
+}
+
+std::uint32_t Kestan::DocumentTimestamp(const char* name) {
+  const DBDatumPtr record = Fetch(store_, ItemKey(kestan::kDocumentFamily, name));
+  return record.ptr != nullptr ? kestan::DocumentTimestamp(*record.ptr) : 0;
+}

@@ -1,0 +1,40 @@
+// Reclaiming what removed documents left behind.
+#include <kestan/engine/kestan.h>
+#include <kestan/engine/keys.h>
+#include <kestan/engine/records.h>
+
+namespace {
+
+// Tells words from system records by the second byte alone. One-byte words are passed over, so
+// their records keep the entries of removed documents: files in use have always been shrunk this
+// way.
+bool IsPurgedKey(const DBDatum& key) { return key.size >= 2 && key.data[1] != '-'; }
+
+// Takes the entries of `codes` out of the words' records; they reach the file at the next flush.
+void PurgeWords(Database& store, const kestan::CodeSet& codes, bool with_positions) {
+  DBDatumPtr key;
+  DBDatumPtr value;
+  for (int end = store.First(&key, &value); end == 0; end = store.Next(&key, &value)) {
+    if (!IsPurgedKey(*key.ptr)) continue;
+    if (kestan::PurgePostings(value.ptr, codes, with_positions)) value.ptr->dirty = true;
+  }
+}
+
+}  // namespace
+
+int Kestan::ShrinkIndex() {
+  const DBDatumPtr deleted = kestan::Fetch(store_, kestan::kDeletedKey);
+  if (deleted.ptr == nullptr) return store_.Shrink();
+
+  kestan::CodeSet codes;
+  kestan::CollectCodes(*deleted.ptr, &codes);
+  codes.set(0);  // no document has it: its entries are damage, and go too
+  PurgeWords(store_, codes, (OptionFlags & kestan::kFlagNoPositions) == 0);
+
+  const bool was_empty = AvailCodes.ptr->size == 0;
+  kestan::AppendCodes(AvailCodes.ptr, *deleted.ptr);
+  AvailCodes.ptr->dirty = true;
+  store_.Del(kestan::AsDatum(kestan::kDeletedKey));
+  if (was_empty) store_.Put(kestan::AsDatum(kestan::kAvailableKey), *AvailCodes.ptr);
+  return store_.Shrink();
+}

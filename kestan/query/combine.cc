@@ -1,0 +1,177 @@
+// From result sets to result sets: AND, OR, NOT.
+#include <kestan/engine/kestan.h>
+#include <kestan/engine/keys.h>
+#include <kestan/engine/records.h>
+#include <kestan/query/result_set.h>
+
+#include <algorithm>
+#include <bitset>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+using kestan::Code;
+using kestan::Position;
+using kestan::Positions;
+using kestan::ResultSet;
+using kestan::Score;
+
+constexpr int kCloseWords = 20;  // pairs of words up to this far apart earn a bonus
+constexpr int kClosestBonus = 401;
+constexpr std::size_t kMaxPositions = 65535;  // of one document
+
+Score CutScore(std::uint32_t score) {
+  return static_cast<Score>(std::min(score, kestan::kMaxScore));
+}
+
+// Matches the positions of two words in one document after another.
+class PositionMatcher {
+ public:
+  // `distance` is how far apart a pair may be; 0: any distance.
+  explicit PositionMatcher(int distance) : distance_(distance) {}
+
+  // Compares every position of `first` with every one of `second`.
+  void Match(Positions first, Positions second) {
+    for (const Position position : found_) seen_.reset(position);
+    found_.clear();
+    bonus_ = 0;
+    for (const Position a : first) {
+      for (const Position b : second) MatchPair(a, b);
+    }
+    std::sort(found_.begin(), found_.end());
+  }
+
+  // The positions that the last Match() found, ascending; as many as a document can have.
+  Positions found() const {
+    return {found_.data(), static_cast<std::uint16_t>(std::min(found_.size(), kMaxPositions))};
+  }
+
+  // What the close pairs of the last Match() earn, modulo 2^32.
+  std::uint32_t bonus() const { return bonus_; }
+
+ private:
+  void MatchPair(Position a, Position b) {
+    if (b == 0) return Keep(a);
+    if (a == 0) return Keep(b);
+    const int difference = b - a;
+    if (!IsInReach(difference)) return;
+    if (-kCloseWords <= difference && difference <= kCloseWords) {
+      bonus_ += static_cast<std::uint32_t>(kClosestBonus - difference * difference);
+    }
+    Keep(b);
+  }
+
+  // In 64 bits, for the least distance has no counterpart in 32.
+  bool IsInReach(std::int64_t difference) const {
+    if (distance_ == 0) return true;
+    return difference != 0 && -distance_ <= difference && difference <= distance_;
+  }
+
+  void Keep(Position position) {
+    if (seen_[position]) return;
+    seen_.set(position);
+    found_.push_back(position);
+  }
+
+  const std::int64_t distance_;
+  std::bitset<65536> seen_;
+  kestan::Vector<Position> found_;
+  std::uint32_t bonus_ = 0;
+};
+
+// Calls `on_both` with each pair of documents that have the same code.
+template <typename OnBoth>
+void ForEachCommonDocument(const ResultSet& first, const ResultSet& second, OnBoth on_both) {
+  auto a = first.documents().begin();
+  auto b = second.documents().begin();
+  while (a != first.documents().end() && b != second.documents().end()) {
+    if (a->code < b->code) {
+      ++a;
+    } else if (b->code < a->code) {
+      ++b;
+    } else {
+      on_both(*a++, *b++);
+    }
+  }
+}
+
+// Adds one document with the positions of `b` and behind them those of `a`. Their number is counted
+// in 16 bits; where it passes 65535, only as many positions stay as it then says.
+void AddMerged(const ResultSet& a_set, const ResultSet::Document& a, const ResultSet& b_set,
+               const ResultSet::Document& b, ResultSet* merged) {
+  const Score score = CutScore(std::uint32_t{a.score} + b.score);
+  const auto count = static_cast<std::uint16_t>(a.count + b.count);
+  Position* const to = merged->Add(b.code, score, count);
+  const Positions of_a = a_set.PositionsOf(a);
+  const Positions of_b = b_set.PositionsOf(b);
+  const std::uint16_t from_b = std::min(of_b.count, count);
+  std::copy_n(of_b.first, from_b, to);
+  std::copy_n(of_a.first, count - from_b, to + from_b);
+}
+
+void Unite(const ResultSet& first, const ResultSet& second, ResultSet* united) {
+  auto a = first.documents().begin();
+  auto b = second.documents().begin();
+  const auto a_end = first.documents().end();
+  const auto b_end = second.documents().end();
+  while (a != a_end || b != b_end) {
+    if (b == b_end || (a != a_end && a->code < b->code)) {
+      united->Add(a->code, a->score, first.PositionsOf(*a));
+      ++a;
+    } else if (a == a_end || b->code < a->code) {
+      united->Add(b->code, b->score, second.PositionsOf(*b));
+      ++b;
+    } else {
+      AddMerged(first, *a++, second, *b++, united);
+    }
+  }
+}
+
+}  // namespace
+
+int Kestan::QueryAnd(int first, int second, int distance) {
+  const ResultSet* const a_set = kestan::FindQueryResult(first);
+  const ResultSet* const b_set = kestan::FindQueryResult(second);
+  if (a_set == nullptr || b_set == nullptr) return -1;
+  auto* const both = kestan::New<ResultSet>();
+  PositionMatcher matcher(distance);
+  ForEachCommonDocument(*a_set, *b_set, [&](const auto& a, const auto& b) {
+    matcher.Match(a_set->PositionsOf(a), b_set->PositionsOf(b));
+    if (matcher.found().count == 0) return;
+    const std::uint32_t score = std::uint32_t{a.score} + b.score + matcher.bonus();
+    both->Add(a.code, CutScore(score), matcher.found());
+  });
+  return kestan::AddQueryResult(both);
+}
+
+int Kestan::QueryOr(int first, int second) {
+  static const ResultSet kEmpty;
+  const ResultSet* const a_set = kestan::FindQueryResult(first);
+  const ResultSet* const b_set = kestan::FindQueryResult(second);
+  if (a_set == nullptr && b_set == nullptr) return -1;
+  auto* const either = kestan::New<ResultSet>();
+  Unite(a_set != nullptr ? *a_set : kEmpty, b_set != nullptr ? *b_set : kEmpty, either);
+  return kestan::AddQueryResult(either);
+}
+
+int Kestan::QueryNegate(int id) {
+  kestan::CodeSet excluded;
+  if (IsOpen()) kestan::CollectCodes(*AvailCodes.ptr, &excluded);
+  if (const ResultSet* const set = kestan::FindQueryResult(id)) {
+    for (const auto& document : set->documents()) excluded.set(document.code);
+  }
+  const DBDatumPtr counter = kestan::Fetch(store_, kestan::kCounterKey);
+  if (counter.ptr == nullptr) {
+    std::fprintf(stderr, "%s: Could not locate global-code (oops!)\n", kestan::kEngineName);
+    std::exit(1);
+  }
+  const unsigned top = kestan::DecodeCounter(*counter.ptr);
+  constexpr Position kUnknown = 0;
+  auto* const others = kestan::New<ResultSet>();
+  for (unsigned code = 1; code <= top; ++code) {
+    if (!excluded[code]) others->Add(static_cast<Code>(code), 0, {&kUnknown, 1});
+  }
+  return kestan::AddQueryResult(others);
+}

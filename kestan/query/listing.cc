@@ -1,0 +1,58 @@
+// From a result set to the lines that a host shows.
+#include <kestan/engine/kestan.h>
+#include <kestan/engine/keys.h>
+#include <kestan/engine/records.h>
+#include <kestan/engine/scratch.h>
+#include <kestan/query/result_set.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+
+namespace {
+
+using kestan::ResultSet;
+
+constexpr std::uint32_t kScale = 65536;
+constexpr std::size_t kRoomBesideName = 20;  // for the percentage, the blank and the line feed
+
+// A removed document must not set the scale for the others.
+std::uint32_t BestScore(const ResultSet& set, const kestan::CodeSet& removed) {
+  std::uint32_t best = 0;
+  for (const auto& document : set.documents()) {
+    if (!removed[document.code]) best = std::max<std::uint32_t>(best, document.score);
+  }
+  return best;
+}
+
+// Appends a number and a blank.
+void AppendPercent(std::uint32_t percent, kestan::ScratchText* lines) {
+  char digits[10];
+  const char* const end = std::to_chars(std::begin(digits), std::end(digits), percent).ptr;
+  lines->Append({digits, static_cast<std::size_t>(end - digits)});
+  lines->Append(" ");
+}
+
+}  // namespace
+
+char* Kestan::QueryResults(int id) {
+  const ResultSet* const set = kestan::FindQueryResult(id);
+  if (set == nullptr) return const_cast<char*>("");
+  DBDatumPtr record = kestan::Fetch(store_, kestan::kDeletedKey);
+  kestan::CodeSet removed;
+  if (record.ptr != nullptr) kestan::CollectCodes(*record.ptr, &removed);
+
+  const std::uint32_t best = BestScore(*set, removed);
+  const std::uint32_t factor = best != 0 ? 100 * kScale / best : kScale;
+  kestan::ScratchText lines;
+  for (const auto& document : set->documents()) {
+    if (removed[document.code]) continue;
+    store_.Get(&record, kestan::AsDatum(kestan::NameKey(document.code)));
+    if (record.ptr == nullptr) continue;
+    lines.MakeRoom(record.ptr->size + kRoomBesideName);
+    AppendPercent((factor * document.score + kScale / 2) / kScale, &lines);
+    lines.Append({record.ptr->data, record.ptr->size});
+    lines.Append("\n");
+  }
+  return lines.Finish();
+}

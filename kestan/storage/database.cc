@@ -1,0 +1,164 @@
+#include <gdbm.h>
+#include <kestan/storage/database.h>
+#include <kestan/storage/dbcache.h>
+#include <kestan/storage/memory.h>
+#include <kestan/storage/owned_datum.h>
+
+#include <climits>
+#include <cstdio>
+
+namespace {
+
+constexpr int kBlockBytes = 512;
+constexpr int kFileMode = 0644;
+
+// gdbm counts bytes in a signed int.
+bool FitsGdbm(const DBDatum& bytes) { return bytes.size <= INT_MAX; }
+
+// gdbm refuses null pointers, even to no bytes at all.
+datum ForGdbm(const DBDatum& bytes) {
+  static char nothing;
+  return {bytes.data != nullptr ? bytes.data : &nothing, static_cast<int>(bytes.size)};
+}
+
+// A handle to a datum that may be counted; counting changes it, whatever the caller may change.
+DBDatumPtr Share(const DBDatum& datum) { return DBDatumPtr(const_cast<DBDatum*>(&datum)); }
+
+// Gives `target` a fresh buffer with the bytes of `source`, which may lie in the old one.
+void Rewrite(DBDatum* target, const DBDatum& source) {
+  char* const bytes = kestan::CopyBytes(source.data, source.size);
+  target->size = source.size;
+  std::free(target->data);
+  target->data = bytes;
+}
+
+}  // namespace
+
+Database::Database() : cache_(kestan::New<kestan::DBCache>()) {}
+
+Database::~Database() { Close(); }
+
+int Database::Open(const char* name, int writer) {
+  if (dbf != nullptr) return -1;
+  cache_->DropUnheld();  // what was read from an earlier file must not answer for this one
+  const int flags = writer != 0 ? GDBM_WRCREAT | GDBM_FAST : GDBM_READER;
+  dbf = gdbm_open(name, kBlockBytes, flags, kFileMode, nullptr);
+  return dbf != nullptr ? 0 : gdbm_errno;
+}
+
+int Database::Close() {
+  if (dbf == nullptr) return 0;
+  const int result = Flush();
+  gdbm_close(dbf);
+  dbf = nullptr;
+  return result;
+}
+
+int Database::Flush() {
+  if (!IsOpenFor("flush")) return -1;
+  int result = 0;
+  for (const kestan::DBCache::Entry* entry : cache_->DirtyInKeyOrder()) {
+    const DBDatum& key = *entry->key.ptr;
+    const int error = Store(key, *entry->value.ptr);
+    if (error == 0) continue;
+    result = error;
+    const kestan::String name(key.data, key.size);  // printed up to its first NUL, if it has one
+    std::fprintf(stderr, "%s: Could not write item '%s' -- %s\n", kestan::kEngineName, name.c_str(),
+                 ErrorString(error));
+  }
+  cache_->DropUnheld();
+  Sync();
+  return result;
+}
+
+const char* Database::ErrorString(int error) { return gdbm_strerror(error); }
+
+int Database::Get(DBDatumPtr* value, const DBDatum& key) {
+  const DBDatumPtr previous = std::move(*value);  // `key` may be the datum that it held
+  if (!IsOpenFor("get")) return -1;
+  const kestan::DBCache::Entry* entry = cache_->Find(key);
+  if (entry == nullptr) {
+    if (!FitsGdbm(key)) return GDBM_ITEM_NOT_FOUND;
+    const datum found = gdbm_fetch(dbf, ForGdbm(key));
+    if (found.dptr == nullptr) return gdbm_errno;
+    entry = cache_->Insert(kestan::CopyDatum(key),
+                           kestan::AdoptDatum(found.dptr, static_cast<std::uint32_t>(found.dsize)));
+  }
+  *value = entry->value;
+  return 0;
+}
+
+int Database::Put(const DBDatum& key, const DBDatum& value) {
+  if (!IsOpenFor("put")) return -1;
+  kestan::DBCache::Entry* entry = cache_->Find(key);
+  if (entry == nullptr) {
+    const bool counted = value.refs > 0;
+    entry = cache_->Insert(counted && key.refs > 0 ? Share(key) : kestan::CopyDatum(key),
+                           counted ? Share(value) : kestan::CopyDatum(value));
+  } else {
+    if (value.refs > 0) {
+      entry->value = Share(value);
+    } else {
+      Rewrite(entry->value.ptr, value);
+    }
+    entry->value.ptr->dirty = false;
+  }
+  return Store(*entry->key.ptr, *entry->value.ptr);
+}
+
+int Database::Del(const DBDatum& key) {
+  if (!IsOpenFor("del")) return -1;
+  if (FitsGdbm(key)) gdbm_delete(dbf, ForGdbm(key));
+  cache_->Erase(key);  // last, for it may free the bytes of `key`
+  return 0;
+}
+
+int Database::First(DBDatumPtr* key, DBDatumPtr* value) {
+  key->Free();
+  if (!IsOpenFor("first")) return -1;
+  const datum found = gdbm_firstkey(dbf);
+  return Visit(key, value, found.dptr, found.dsize);
+}
+
+int Database::Next(DBDatumPtr* key, DBDatumPtr* value) {
+  key->Free();
+  if (!IsOpenFor("next") || cursor.ptr == nullptr) return -1;
+  const datum found = gdbm_nextkey(dbf, ForGdbm(*cursor.ptr));
+  return Visit(key, value, found.dptr, found.dsize);
+}
+
+// Moves the walk to the key of `found_bytes` bytes at `found`, which it takes; null ends the walk.
+int Database::Visit(DBDatumPtr* key, DBDatumPtr* value, char* found, int found_bytes) {
+  if (found == nullptr) return -1;
+  cursor = kestan::AdoptDatum(found, static_cast<std::uint32_t>(found_bytes));
+  if (const kestan::DBCache::Entry* entry = cache_->Find(*cursor.ptr)) cursor = entry->key;
+  *key = cursor;
+  return value != nullptr ? Get(value, *cursor.ptr) : 0;
+}
+
+int Database::Sync() {
+  if (!IsOpenFor("sync")) return -1;
+  gdbm_sync(dbf);
+  return 0;
+}
+
+int Database::Shrink() {
+  if (!IsOpenFor("shrink")) return -1;
+  Flush();
+  gdbm_reorganize(dbf);
+  return Sync();
+}
+
+bool Database::IsOpenFor(const char* operation) const {
+  if (dbf != nullptr) return true;
+  std::fprintf(stderr, "%s: Call to database::%s without an open database\n", kestan::kEngineName,
+               operation);
+  return false;
+}
+
+// Writes one record to the file.
+//   Returns  0 or gdbm's error number.
+int Database::Store(const DBDatum& key, const DBDatum& value) {
+  if (!FitsGdbm(key) || !FitsGdbm(value)) return GDBM_MALFORMED_DATA;
+  return gdbm_store(dbf, ForGdbm(key), ForGdbm(value), GDBM_REPLACE) == 0 ? 0 : gdbm_errno;
+}

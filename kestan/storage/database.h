@@ -1,0 +1,94 @@
+// One gdbm file with a write-back cache in front of it.
+#ifndef KESTAN_STORAGE_DATABASE_H_
+#define KESTAN_STORAGE_DATABASE_H_
+
+#include <kestan/export.h>
+#include <kestan/storage/dbdatum.h>
+
+#include <memory>
+
+struct gdbm_file_info;
+
+namespace kestan {
+class DBCache;
+}
+
+// A key/value file whose records, once read or written, stay in a cache.
+//
+// Put() writes to the file at once. A holder of a value from Get(), First() or Next() may change it
+// in place and mark it `dirty`; it reaches the file at the next Flush(), which then drops every
+// cached record that nobody else holds. So a record that grows many times is written once.
+//
+// Every operation but Open(), Close() and ErrorString() needs an open file. Without one it prints
+// "Kestan: Call to database::NAME without an open database" on the standard error stream and
+// returns -1. Each object has a cache of its own. One thread at a time.
+class KESTAN_EXPORT Database {
+ public:
+  Database();
+  ~Database();  // closes the file
+  Database(const Database&) = delete;
+  Database& operator=(const Database&) = delete;
+
+  // Opens the file `name`. With `writer` 0 it must exist and is only read; otherwise it is read and
+  // written, and created with mode 0644 where it is missing. Drops what the cache holds from an
+  // earlier file, except records that somebody still holds.
+  //   Returns  0; -1 if a file is open already, which stays open; or gdbm's error number.
+  int Open(const char* name, int writer);
+
+  // Flushes and closes the file; records that somebody holds stay in the cache.
+  //   Returns  what Flush() returned; 0 if no file was open.
+  int Close();
+
+  // Writes every dirty record, in key order, drops every record that only the cache holds, and
+  // syncs. A dirty record that somebody holds stays dirty, and the next Flush() writes it again.
+  //   Returns  0, -1 without a file, or gdbm's error number of the last record that failed.
+  //   Prints   "Kestan: Could not write item 'KEY' -- ERROR" for each record that failed.
+  int Flush();
+
+  // Returns gdbm's text for `error`, a constant string.
+  static const char* ErrorString(int error);
+
+  // Fetches the value of `key` into `*value`, which first gives up what it held. `key` may be the
+  // very datum that `*value` held.
+  //   Returns  0; -1 without a file; or gdbm's error number (GDBM_ITEM_NOT_FOUND if there is no
+  //            such record), with `*value` null.
+  //   Owner    shared with the cache: `*value` sees what others do to the value and keeps it alive.
+  int Get(DBDatumPtr* value, const DBDatum& key);
+
+  // Stores `value` under `key`, replacing an earlier one, in the file at once. Copies bytes of
+  // datums that are not counted; a counted value is shared, and so is the counted key of one that
+  // was not cached. Those who hold the cached value see the new bytes.
+  //   Returns  0, -1 without a file, or gdbm's error number; then the cache has the new value and
+  //            the file the old one. Prints nothing then.
+  int Put(const DBDatum& key, const DBDatum& value);
+
+  // Removes the record of `key` from the cache and the file; those who hold its value keep it.
+  //   Returns  0 whether there was such a record or not; -1 without a file.
+  int Del(const DBDatum& key);
+
+  // Starts (First) or continues (Next) a walk over the keys of the file, in gdbm's order. `*key`
+  // first gives up what it held. Where `value` is not null, fetches the value as Get() does.
+  //   Returns  0; -1 at the end, before any First(), or without a file, with `*key` null and
+  //            `*value` as it was; or what Get() returned.
+  int First(DBDatumPtr* key, DBDatumPtr* value = nullptr);
+  int Next(DBDatumPtr* key, DBDatumPtr* value = nullptr);
+
+  // Waits until the file is on the disk.
+  //   Returns  0, or -1 without a file.
+  int Sync();
+
+  // Flushes, has gdbm rewrite the file without its free space, and syncs.
+  //   Returns  0 whatever these returned; -1 without a file.
+  int Shrink();
+
+ private:
+  bool IsOpenFor(const char* operation) const;
+  int Visit(DBDatumPtr* key, DBDatumPtr* value, char* found, int found_bytes);
+  int Store(const DBDatum& key, const DBDatum& value);
+
+  gdbm_file_info* dbf = nullptr;
+  DBDatumPtr cursor;  // the key that First() or Next() found last
+  std::unique_ptr<kestan::DBCache> cache_;
+};
+
+#endif  // KESTAN_STORAGE_DATABASE_H_

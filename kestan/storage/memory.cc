@@ -1,0 +1,25 @@
+#include <kestan/storage/memory.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace kestan {
+
+void EndForLackOfMemory(std::size_t bytes) {
+  const int error = errno;
+  std::fprintf(stderr, "%s: could not allocate %zu bytes -- %s\n", kEngineName, bytes,
+               std::strerror(error));
+  std::exit(error);
+}
+
+void* Allocate(std::size_t bytes) { return Reallocate(nullptr, bytes); }
+
+void* Reallocate(void* block, std::size_t bytes) {
+  void* const served = std::realloc(block, std::max<std::size_t>(bytes, 1));
+  if (served == nullptr) EndForLackOfMemory(bytes);
+  return served;
+}
+
+}  // namespace kestan

@@ -1,0 +1,58 @@
+// Memory that is there or ends the process: nothing in the library has a path for "no memory".
+#ifndef KESTAN_STORAGE_MEMORY_H_
+#define KESTAN_STORAGE_MEMORY_H_
+
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace kestan {
+
+// What every diagnostic line begins with.
+inline constexpr char kEngineName[] = "Kestan";
+
+// Prints "Kestan: could not allocate BYTES bytes -- REASON" on the standard error stream, the
+// reason taken from errno, and ends the process with errno as its exit status.
+[[noreturn]] void EndForLackOfMemory(std::size_t bytes);
+
+// Allocate with malloc and realloc; `block` may be null. 0 bytes are served like 1, because
+// realloc(block, 0) would free the block and return null.
+//   Returns  the memory, never null. The caller owns it and releases it with free.
+void* Allocate(std::size_t bytes);
+void* Reallocate(void* block, std::size_t bytes);
+
+// Makes an object that the caller releases with delete.
+template <typename T, typename... Arguments>
+T* New(Arguments&&... arguments) {
+  T* const made = new (std::nothrow) T(std::forward<Arguments>(arguments)...);
+  if (made == nullptr) EndForLackOfMemory(sizeof(T));
+  return made;
+}
+
+// Lets the standard containers allocate as above, so that none of them throws bad_alloc at a host.
+template <typename T>
+struct Allocator {
+  using value_type = T;
+
+  Allocator() = default;
+  template <typename U>
+  Allocator(const Allocator<U>&) {}  // NOLINT(google-explicit-constructor): containers rebind it
+
+  T* allocate(std::size_t count) { return static_cast<T*>(Allocate(count * sizeof(T))); }
+  void deallocate(T* block, std::size_t) { std::free(block); }
+
+  friend bool operator==(const Allocator&, const Allocator&) { return true; }
+  friend bool operator!=(const Allocator&, const Allocator&) { return false; }
+};
+
+using String = std::basic_string<char, std::char_traits<char>, Allocator<char>>;
+
+template <typename T>
+using Vector = std::vector<T, Allocator<T>>;
+
+}  // namespace kestan
+
+#endif  // KESTAN_STORAGE_MEMORY_H_
