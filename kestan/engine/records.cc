@@ -93,7 +93,7 @@ bool AppendPosting(DBDatum* record, Code code, const Vector<Position>* positions
   StoreUnit(bytes, code);
   if (positions == nullptr) return true;
   StoreUnit(bytes + kUnitBytes, static_cast<std::uint16_t>(count));
-  bytes += 2 * kUnitBytes;
+  bytes += std::size_t{2} * kUnitBytes;
   for (std::size_t i = 0; i < count; ++i) StoreUnit(bytes + i * kUnitBytes, (*positions)[i]);
   return true;
 }

@@ -3,6 +3,7 @@
 #include <kestan/storage/memory.h>
 #include <strings.h>
 
+#include <array>
 #include <cctype>
 #include <cstring>
 #include <set>
@@ -72,7 +73,7 @@ void AddStopWords(kestan::String* text, StopSet* stops) {
 
 // A word without its apostrophes, cut to its first letters.
 struct Word {
-  char letters[kWordLetters + 1];
+  std::array<char, kWordLetters + 1> letters;
   unsigned count;
 };
 
@@ -107,8 +108,8 @@ int Kestan::StripWords(char* text, unsigned length, const char* stopText,
   unsigned write = 0;
   while (read < length) {
     const Word word = ReadWord(text, length, &read);
-    if (keep_all || (word.count > kShortWordLetters && stops.count(word.letters) == 0)) {
-      std::memcpy(text + write, word.letters, word.count);
+    if (keep_all || (word.count > kShortWordLetters && stops.count(word.letters.data()) == 0)) {
+      std::memcpy(text + write, word.letters.data(), word.count);
       write += word.count;
     }
     while (read < length && !IsLetter(text[read])) text[write++] = text[read++];

@@ -6,6 +6,7 @@
 #include <kestan/query/result_set.h>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstdint>
 
@@ -27,9 +28,9 @@ std::uint32_t BestScore(const ResultSet& set, const kestan::CodeSet& removed) {
 
 // Appends a number and a blank.
 void AppendPercent(std::uint32_t percent, kestan::ScratchText* lines) {
-  char digits[10];
-  const char* const end = std::to_chars(std::begin(digits), std::end(digits), percent).ptr;
-  lines->Append({digits, static_cast<std::size_t>(end - digits)});
+  std::array<char, 10> digits;
+  const char* const end = std::to_chars(digits.begin(), digits.end(), percent).ptr;
+  lines->Append({digits.data(), static_cast<std::size_t>(end - digits.data())});
   lines->Append(" ");
 }
 

@@ -30,7 +30,7 @@ Vector<const DBCache::Entry*> DBCache::DirtyInKeyOrder() const {
     if (entry.value.ptr->dirty) dirty.push_back(&entry);
   }
   std::sort(dirty.begin(), dirty.end(), [](const Entry* left, const Entry* right) {
-    return std::less<DBDatumPtr>()(left->key, right->key);
+    return std::less<>()(*left->key.ptr, *right->key.ptr);
   });
   return dirty;
 }

@@ -12,7 +12,7 @@
 namespace kestan {
 
 // What every diagnostic line begins with.
-inline constexpr char kEngineName[] = "Kestan";
+inline constexpr const char* kEngineName = "Kestan";
 
 // Prints "Kestan: could not allocate BYTES bytes -- REASON" on the standard error stream, the
 // reason taken from errno, and ends the process with errno as its exit status.
@@ -41,7 +41,9 @@ struct Allocator {
   template <typename U>
   Allocator(const Allocator<U>&) {}  // NOLINT(google-explicit-constructor): containers rebind it
 
-  T* allocate(std::size_t count) { return static_cast<T*>(Allocate(count * sizeof(T))); }
+  T* allocate(std::size_t count) {
+    return static_cast<T*>(Allocate(count * sizeof(T)));  // NOLINT(bugprone-sizeof-expression)
+  }
   void deallocate(T* block, std::size_t) { std::free(block); }
 
   friend bool operator==(const Allocator&, const Allocator&) { return true; }
