@@ -33,7 +33,6 @@ void ResultSet::Add(Code code, Score score, Positions positions) {
 }
 
 void ResultSet::Sort() {
-  if (std::is_sorted(documents_.begin(), documents_.end(), CodeIsLower)) return;
   std::stable_sort(documents_.begin(), documents_.end(), CodeIsLower);
   const auto same_code = [](const Document& left, const Document& right) {
     return left.code == right.code;

@@ -1,0 +1,34 @@
+#include "adder.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "document.h"
+#include "files.h"
+#include "message.h"
+
+namespace kestan_cli {
+
+void Adder::Add(const std::string& name) {
+  const Document document = MakeDocument(ReadFile(name));
+  AddWords(name, document.words);
+  index_.CheckWritten(index_.engine().DBPutTitle(name.c_str(), document.title.c_str()));
+  index_.CheckWritten(index_.engine().DBPutSummary(name.c_str(), document.summary.c_str()));
+  SaveWhenDue(document.words.size());
+}
+
+void Adder::AddWords(const std::string& name, const std::string& words) {
+  const std::string_view unseen = index_.engine().AddDocumentWords(name.c_str(), words.c_str());
+  new_words_ += static_cast<unsigned long>(std::count(unseen.begin(), unseen.end(), '\n'));
+  if (index_.engine().DocumentTimestamp(name.c_str()) != 0) return;
+  throw CommandError("index " + Quoted(index_.path()) + " did not take " + Quoted(name));
+}
+
+void Adder::SaveWhenDue(std::size_t added_bytes) {
+  waiting_bytes_ += added_bytes;
+  if (waiting_bytes_ < text_bytes_between_flushes_) return;
+  index_.Save();
+  waiting_bytes_ = 0;
+}
+
+}  // namespace kestan_cli

@@ -1,0 +1,43 @@
+// Adding text files to an open index.
+#ifndef KESTAN_CLI_ADDER_H_
+#define KESTAN_CLI_ADDER_H_
+
+#include <cstddef>
+#include <string>
+
+#include "opened_index.h"
+
+namespace kestan_cli {
+
+// How much text is added between two flushes, which bound the memory that waiting records take.
+// Flushes are to be few: each writes every record that has changed, and gdbm leaves holes behind
+// records that grew.
+constexpr std::size_t kTextBytesBetweenFlushes = std::size_t{1} << 26;
+
+// Adds text files one by one, and counts the words that the index had never seen.
+class Adder {
+ public:
+  // Borrows `index`, which is open for writing. Saving it at the end is up to the caller.
+  explicit Adder(OpenedIndex& index,
+                 std::size_t text_bytes_between_flushes = kTextBytesBetweenFlushes)
+      : index_(index), text_bytes_between_flushes_(text_bytes_between_flushes) {}
+
+  // Adds the file at `name`, with its title and its summary, in place of an earlier version.
+  //   Throws   CommandError if it cannot be read, or the index does not take it.
+  void Add(const std::string& name);
+
+  unsigned long new_words() const { return new_words_; }
+
+ private:
+  void AddWords(const std::string& name, const std::string& words);
+  void SaveWhenDue(std::size_t added_bytes);
+
+  OpenedIndex& index_;
+  const std::size_t text_bytes_between_flushes_;
+  unsigned long new_words_ = 0;
+  std::size_t waiting_bytes_ = 0;
+};
+
+}  // namespace kestan_cli
+
+#endif  // KESTAN_CLI_ADDER_H_

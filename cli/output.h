@@ -1,0 +1,38 @@
+// The standard streams of the command.
+#ifndef KESTAN_CLI_OUTPUT_H_
+#define KESTAN_CLI_OUTPUT_H_
+
+#include <array>
+#include <cstdio>
+#include <exception>
+#include <memory>
+#include <string_view>
+
+namespace kestan_cli {
+
+struct CloseFile {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using OpenFile = std::unique_ptr<std::FILE, CloseFile>;
+
+// Whoever read the standard output has closed it and wants no more. Ends the command with status 2
+// and without a word: nothing is wrong.
+class ReaderLeft : public std::exception {};
+
+// Writes `text` to the standard output and makes sure that it has left.
+//   Throws   CommandError if it cannot be written, ReaderLeft on a closed pipe.
+void Print(std::string_view text);
+
+// Keeps the three standard descriptors taken, for a caller may start the command with some closed.
+// The index file would be opened in their place, and what is printed would be written into it.
+class StandardDescriptors {
+ public:
+  StandardDescriptors();
+
+ private:
+  std::array<OpenFile, 3> placeholders_;
+};
+
+}  // namespace kestan_cli
+
+#endif  // KESTAN_CLI_OUTPUT_H_

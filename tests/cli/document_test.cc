@@ -1,0 +1,89 @@
+#include "cli/document.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace kestan_cli {
+namespace {
+
+std::string Repeated(std::size_t count, const std::string& text) {
+  std::string all;
+  while (count-- > 0) all += text;
+  return all;
+}
+
+TEST(DocumentTest, TitleIsTheFirstLineThatIsNotBlank) {
+  const Document document = MakeDocument("\n \t\n  The \t title\r\nBody  text.\n\nMore.\n");
+  EXPECT_EQ(document.title, "The title");
+  EXPECT_EQ(document.summary, "Body text. More.");
+}
+
+TEST(DocumentTest, BlankTextHasNoTitle) {
+  const Document document = MakeDocument(" \n\t\n");
+  EXPECT_EQ(document.title, "");
+  EXPECT_EQ(document.summary, "");
+}
+
+TEST(DocumentTest, SingleLineHasNoSummary) {
+  const Document document = MakeDocument("Title");
+  EXPECT_EQ(document.title, "Title");
+  EXPECT_EQ(document.summary, "");
+}
+
+TEST(DocumentTest, TitleHasAtMost200Bytes) {
+  EXPECT_EQ(MakeDocument(std::string(200, 'x')).title, std::string(200, 'x'));
+  EXPECT_EQ(MakeDocument(std::string(201, 'x')).title, std::string(200, 'x'));
+}
+
+TEST(DocumentTest, SummaryHasAtMost300Bytes) {
+  EXPECT_EQ(MakeDocument("t\n" + std::string(300, 'x')).summary, std::string(300, 'x'));
+  EXPECT_EQ(MakeDocument("t\n" + std::string(301, 'x')).summary, std::string(300, 'x'));
+}
+
+TEST(ExcerptTest, CharactersAreNotCutInTwo) {
+  EXPECT_EQ(Excerpt("abc\xc3\xa9", 5), "abc\xc3\xa9");
+  EXPECT_EQ(Excerpt("abc\xc3\xa9", 4), "abc");
+  EXPECT_EQ(Excerpt("abc\xc3\xa9", 3), "abc");
+  EXPECT_EQ(Excerpt("ab\xf0\x9f\x98\x80", 5), "ab");
+  EXPECT_EQ(Excerpt("ab\xf0\x9f\x98\x80z", 6), "ab\xf0\x9f\x98\x80");
+}
+
+TEST(ExcerptTest, OtherEncodingsAreCutWhereItComes) {
+  EXPECT_EQ(Excerpt(Repeated(9, "\x80"), 5), Repeated(5, "\x80"));
+  EXPECT_EQ(Excerpt(Repeated(9, "\x80"), 2), Repeated(2, "\x80"));
+}
+
+TEST(ExcerptTest, EndsWithoutABlank) {
+  EXPECT_EQ(Excerpt("ab cd", 3), "ab");
+  EXPECT_EQ(Excerpt("ab  ", 9), "ab");
+}
+
+TEST(CleanWordsTest, KeepsLettersOnly) {
+  EXPECT_EQ(CleanWords("e-mail, 2nd \"try\"."), "e mail nd try ");
+}
+
+TEST(CleanWordsTest, TakesApostrophesOut) {
+  EXPECT_EQ(CleanWords("don't 'quote'."), "dont quote ");
+}
+
+TEST(CleanWordsTest, CutsWordsAfter64Letters) {
+  EXPECT_EQ(CleanWords(std::string(64, 'x')), std::string(64, 'x') + " ");
+  EXPECT_EQ(CleanWords(std::string(65, 'x') + " y."), std::string(64, 'x') + " y ");
+}
+
+TEST(CleanWordsTest, NothingStaysNothing) { EXPECT_EQ(CleanWords(""), ""); }
+
+TEST(DocumentTest, WordsLeaveOutLinesOfEncodedData) {
+  const std::string encoded = "M" + std::string(60, 'A') + "\n";
+  EXPECT_EQ(MakeDocument("first line.\n" + encoded + "last.\n").words, "first line\n\nlast\n");
+}
+
+TEST(DocumentTest, WordsLeaveOutLinesWithBytesAbove127) {
+  EXPECT_EQ(MakeDocument("one.\ncaf\xc3\xa9 two.\nthree.\n").words, "one\n\nthree\n");
+}
+
+TEST(DocumentTest, EmptyTextIsAnEmptyDocument) { EXPECT_EQ(MakeDocument("").words, ""); }
+
+}  // namespace
+}  // namespace kestan_cli

@@ -1,0 +1,113 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <string>
+#include <vector>
+
+#include "tests/cli/command_test.h"
+
+namespace kestan_tests {
+namespace {
+
+using MainTest = CommandTest;
+
+TEST_F(MainTest, VersionIsPrinted) {
+  const Outcome outcome = Run({"--version"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out.substr(0, 7), "kestan ");
+  EXPECT_EQ(outcome.err, "");
+}
+
+TEST_F(MainTest, HelpNamesEverySubcommand) {
+  const Outcome outcome = Run({"--help"});
+  EXPECT_EQ(outcome.status, 0);
+  for (const char* name : {"index", "search", "list", "stats", "remove", "shrink"}) {
+    EXPECT_NE(outcome.out.find(std::string("\n  ") + name + " "), std::string::npos) << name;
+  }
+}
+
+TEST_F(MainTest, HelpOfEverySubcommandHasAnExample) {
+  for (const char* name : {"index", "search", "list", "stats", "remove", "shrink"}) {
+    const Outcome outcome = Run({name, "--help"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_NE(outcome.out.find(std::string("\nExample: kestan ") + name + " my.index"),
+              std::string::npos)
+        << outcome;
+  }
+}
+
+TEST_F(MainTest, WrongArgumentsAreToldInOneLine) {
+  const std::vector<std::vector<std::string>> wrong = {{},
+                                                       {"sing"},
+                                                       {"search"},
+                                                       {"search", "my.index"},
+                                                       {"list"},
+                                                       {"list", "a", "b"},
+                                                       {"index", "a"},
+                                                       {"list", "--loud", "a"},
+                                                       {"remove", "a"},
+                                                       {"--\n"}};
+  for (const auto& arguments : wrong) {
+    const Outcome outcome = Run(arguments);
+    EXPECT_EQ(outcome.status, 2) << outcome;
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err.substr(0, 8), "kestan: ");
+    EXPECT_EQ(outcome.err.find('\n'), outcome.err.size() - 1) << outcome;
+  }
+}
+
+TEST_F(MainTest, TwoDashesEndTheOptions) {
+  Write("-a", "cat\n");
+  EXPECT_EQ(Run({"index", "my.index", "-a"}).status, 2);
+  EXPECT_EQ(Run({"index", "my.index", "--", "-a"}).status, 0);
+  EXPECT_EQ(Run({"list", "my.index"}), Success("-a\n"));
+}
+
+TEST_F(MainTest, FullDiskBehindTheOutputIsTold) {
+  Add("a", "cat\n");
+  const auto full = [] { dup2(open("/dev/full", O_WRONLY | O_CLOEXEC), STDOUT_FILENO); };
+  const Outcome told = Failure("cannot write to the standard output: no space left on device");
+  EXPECT_EQ(Run({"search", "my.index", "cat"}, full), told);
+  EXPECT_EQ(Run({"list", "my.index"}, full), told);
+  EXPECT_EQ(Run({"--help"}, full), told);
+}
+
+TEST_F(MainTest, ReaderThatLeavesEndsTheCommandQuietly) {
+  Add("a", "cat\n");
+  const auto broken = [] {
+    int ends[2];
+    if (pipe(ends) != 0) _exit(127);
+    dup2(ends[1], STDOUT_FILENO);
+    close(ends[0]);
+    close(ends[1]);
+  };
+  EXPECT_EQ(Run({"list", "my.index"}, broken), (Outcome{2, "", ""}));
+}
+
+TEST_F(MainTest, DiagnosticsForAClosedStreamNeverReachTheIndex) {
+  Add("a", "cat\n");
+  // A reusable code of 0 makes the engine speak while the index is open.
+  Plant(Path("my.index"), {{"g-avail", Units({0})}});
+  EXPECT_EQ(Run({"index", "my.index", "a"}, [] { close(STDERR_FILENO); }).status, 1);
+  EXPECT_EQ(IndexBytes().find("oops"), std::string::npos);
+  EXPECT_NE(Run({"index", "my.index", "a"}).err.find("oops"), std::string::npos);
+}
+
+TEST_F(MainTest, CommandWorksWithAllStreamsClosed) {
+  Write("a", "cat\n");
+  const auto closed = [] {
+    for (int descriptor : {0, 1, 2}) close(descriptor);
+  };
+  EXPECT_EQ(Run({"index", "my.index", "a"}, closed).status, 2);  // it cannot tell
+  EXPECT_EQ(Run({"search", "my.index", "cat"}), Success("100 a\n"));
+}
+
+TEST_F(MainTest, ClosedOutputIsTold) {
+  Add("a", "cat\n");
+  EXPECT_EQ(Run({"list", "my.index"}, [] { close(STDOUT_FILENO); }),
+            Failure("cannot write to the standard output: bad file descriptor"));
+}
+
+}  // namespace
+}  // namespace kestan_tests

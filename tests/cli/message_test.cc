@@ -1,0 +1,27 @@
+#include "cli/message.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+
+namespace kestan_cli {
+namespace {
+
+TEST(MessageTest, ControlCharactersAreSpelledOut) {
+  EXPECT_EQ(OneLine("a\nb\x1b[1m\x7f"), "a\\nb\\x1b[1m\\x7f");
+}
+
+TEST(MessageTest, OtherBytesStayAsTheyAre) { EXPECT_EQ(OneLine(" caf\xc3\xa9~"), " caf\xc3\xa9~"); }
+
+TEST(MessageTest, NamesStandBetweenQuotesOnOneLine) { EXPECT_EQ(Quoted("a\nb"), "'a\\nb'"); }
+
+TEST(MessageTest, ReasonsBeginInLowerCase) { EXPECT_EQ(ReasonOf(EACCES), "permission denied"); }
+
+TEST(MessageTest, OnlyOneIsSingular) {
+  EXPECT_EQ(Counted(0, "link"), "0 links");
+  EXPECT_EQ(Counted(1, "link"), "1 link");
+  EXPECT_EQ(Counted(2, "link"), "2 links");
+}
+
+}  // namespace
+}  // namespace kestan_cli

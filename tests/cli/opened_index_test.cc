@@ -1,0 +1,229 @@
+#include "cli/opened_index.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <csignal>
+#include <string>
+#include <vector>
+
+#include "cli/message.h"
+#include "tests/cli/command_test.h"
+
+namespace kestan_tests {
+namespace {
+
+using Arguments = std::vector<std::string>;
+
+class OpenedIndexTest : public CommandTest {
+ protected:
+  void SetUp() override { Write("docs/a", "some words\n"); }
+
+  // Every subcommand, at work on the index `index`.
+  static std::vector<Arguments> EveryCommand(const std::string& index) {
+    std::vector<Arguments> commands = ReadingCommands(index);
+    for (const Arguments& command : ChangingCommands(index)) commands.push_back(command);
+    return commands;
+  }
+
+  static std::vector<Arguments> ReadingCommands(const std::string& index) {
+    return {{"search", index, "cat"}, {"list", index}, {"stats", index}};
+  }
+
+  static std::vector<Arguments> ChangingCommands(const std::string& index) {
+    return {{"remove", index, "docs/a"}, {"shrink", index}, {"index", index, "docs"}};
+  }
+
+  // Runs `commands`, which must all give `reason` for not opening `index`.
+  void ExpectRefusal(
+      const std::vector<Arguments>& commands, const std::string& index, const std::string& reason,
+      const InChild& prepare = [] {}) {
+    for (const Arguments& command : commands) {
+      EXPECT_EQ(Run(command, prepare), Failure("cannot open index '" + index + "': " + reason))
+          << command.front();
+    }
+  }
+
+  // The same, and the file at `index` must keep its bytes.
+  void ExpectRefusalOfFile(
+      const std::vector<Arguments>& commands, const std::string& index, const std::string& reason,
+      const InChild& prepare = [] {}) {
+    const std::string before = BytesOfFile(Path(index));
+    ExpectRefusal(commands, index, reason, prepare);
+    EXPECT_EQ(BytesOfFile(Path(index)), before);
+  }
+};
+
+TEST_F(OpenedIndexTest, MissingIndexIsOnlyMadeByIndexing) {
+  ExpectRefusal({{"search", "new", "cat"},
+                 {"list", "new"},
+                 {"stats", "new"},
+                 {"remove", "new", "a"},
+                 {"shrink", "new"}},
+                "new", "no such file");
+  EXPECT_FALSE(std::filesystem::exists(Path("new")));
+  EXPECT_EQ(Run({"index", "new", "docs"}).status, 0);
+}
+
+TEST_F(OpenedIndexTest, NewIndexNeedsAFolder) {
+  ExpectRefusal({{"index", "nowhere/new", "docs"}}, "nowhere/new", "no such folder");
+  ExpectRefusal({{"index", "", "docs"}}, "", "no such folder");
+}
+
+TEST_F(OpenedIndexTest, FolderIsNoIndex) {
+  ExpectRefusal(EveryCommand("docs"), "docs", "is a folder");
+}
+
+TEST_F(OpenedIndexTest, DeviceIsNoIndex) {
+  ExpectRefusal(EveryCommand("/dev/null"), "/dev/null", "not an index file");
+}
+
+TEST_F(OpenedIndexTest, PipeIsNotWaitedFor) {
+  ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0644), 0);
+  ExpectRefusal(EveryCommand("pipe"), "pipe", "not an index file");
+}
+
+TEST_F(OpenedIndexTest, ShortTextIsNoIndex) {
+  Write("note", "buy milk\n");
+  ExpectRefusalOfFile(EveryCommand("note"), "note", "not an index file (Unexpected end of file)");
+}
+
+TEST_F(OpenedIndexTest, LongTextIsNoIndex) {
+  Write("book", std::string(100000, 'x'));
+  ExpectRefusalOfFile(EveryCommand("book"), "book", "not an index file (Bad magic number)");
+}
+
+TEST_F(OpenedIndexTest, EmptyFileIsAnIndexForIndexingOnly) {
+  Write("empty", "");
+  std::vector<Arguments> commands = ReadingCommands("empty");
+  commands.push_back({"remove", "empty", "a"});
+  commands.push_back({"shrink", "empty"});
+  ExpectRefusalOfFile(commands, "empty", "not an index file (Empty database)");
+  EXPECT_EQ(Run({"index", "empty", "docs"}).status, 0);
+  EXPECT_EQ(Run({"list", "empty"}), Success("docs/a\n"));
+}
+
+TEST_F(OpenedIndexTest, EmptyFileStaysEmptyWhenThereIsNothingToIndex) {
+  Write("empty", "");
+  EXPECT_EQ(Run({"index", "empty", "nowhere"}).status, 2);
+  EXPECT_EQ(BytesOfFile(Path("empty")), "");
+}
+
+TEST_F(OpenedIndexTest, FileOfAnotherProgramIsNoIndex) {
+  Plant(Path("other"), {{"key", "value"}});
+  ExpectRefusalOfFile(EveryCommand("other"), "other", "not an index file");
+}
+
+TEST_F(OpenedIndexTest, TruncatedIndexIsNoIndex) {
+  Add("docs/a", "some words\n");
+  Write("part", IndexBytes().substr(0, IndexBytes().size() / 2));
+  ExpectRefusalOfFile(EveryCommand("part"), "part",
+                      "not an index file (Malformed database file header)");
+}
+
+TEST_F(OpenedIndexTest, IndexThatAnotherProcessWritesIsLocked) {
+  Add("docs/a", "some words\n");
+  Database holder;
+  ASSERT_EQ(holder.Open(Path("my.index").c_str(), 1), 0);
+  ExpectRefusalOfFile(EveryCommand("my.index"), "my.index", "locked by another process");
+}
+
+TEST_F(OpenedIndexTest, IndexThatAnotherProcessReadsCanBeReadOnly) {
+  Add("docs/a", "some words\n");
+  Database holder;
+  ASSERT_EQ(holder.Open(Path("my.index").c_str(), 0), 0);
+  ExpectRefusalOfFile(ChangingCommands("my.index"), "my.index", "locked by another process");
+  EXPECT_EQ(Run({"list", "my.index"}), Success("docs/a\n"));
+}
+
+TEST_F(OpenedIndexTest, IndexWithoutLeaveToReadIsRefused) {
+  Add("docs/a", "some words\n");
+  OpenFolderToAll(0755);
+  ASSERT_EQ(chmod(Path("my.index").c_str(), 0), 0);
+  ExpectRefusal(EveryCommand("my.index"), "my.index", "permission denied", GiveUpPrivileges);
+}
+
+TEST_F(OpenedIndexTest, IndexWithoutLeaveToWriteCanBeReadOnly) {
+  Add("docs/a", "some words\n");
+  OpenFolderToAll(0755);
+  ASSERT_EQ(chmod(Path("my.index").c_str(), 0444), 0);
+  ExpectRefusalOfFile({{"shrink", "my.index"}, {"index", "my.index", "docs"}}, "my.index",
+                      "permission denied", GiveUpPrivileges);
+  EXPECT_EQ(Run({"list", "my.index"}, GiveUpPrivileges), Success("docs/a\n"));
+  ExpectRefusalOfFile({{"remove", "my.index", "docs/a"}}, "my.index", "permission denied",
+                      GiveUpPrivileges);
+}
+
+TEST_F(OpenedIndexTest, FolderWithoutLeaveToWriteTakesNoNewIndex) {
+  OpenFolderToAll(0555);
+  ExpectRefusal({{"index", "new", "docs"}}, "new", "permission denied", GiveUpPrivileges);
+  EXPECT_FALSE(std::filesystem::exists(Path("new")));
+}
+
+TEST_F(OpenedIndexTest, FolderWithoutLeaveToLookHidesItsIndex) {
+  Write("closed/index", "");
+  ASSERT_EQ(chmod(Path("closed").c_str(), 0), 0);
+  OpenFolderToAll(0755);
+  ExpectRefusal(EveryCommand("closed/index"), "closed/index", "permission denied",
+                GiveUpPrivileges);
+  ASSERT_EQ(chmod(Path("closed").c_str(), 0755), 0);
+}
+
+// Leaves the child's files room for `bytes` each. Where a limit ends a process, the command must
+// see to it that it does not.
+auto FileSizeLimit(rlim_t bytes) {
+  return [bytes] {
+    const rlimit limit{bytes, bytes};
+    if (setrlimit(RLIMIT_FSIZE, &limit) != 0) _exit(127);
+  };
+}
+
+TEST_F(OpenedIndexTest, FullDiskIsToldWhileIndexing) {
+  Add("docs/a", "some words\n");
+  Write("docs/b", std::string(100, 'b') + "\n" + std::string(400, 'c'));
+  const Outcome outcome =
+      Run({"index", "my.index", "docs"}, FileSizeLimit(IndexBytes().size() + 1));
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_NE(outcome.err.find("kestan: cannot write to index 'my.index': "), std::string::npos)
+      << outcome;
+  EXPECT_EQ(outcome.out, "");
+}
+
+TEST_F(OpenedIndexTest, SavingTellsThatTheFileRefusedRecords) {
+  Kestan engine;
+  kestan_cli::OpenedIndex index(engine, Path("my.index"), kestan_cli::Access::kCreate);
+  EXPECT_NO_THROW(index.Save());
+  std::signal(SIGXFSZ, SIG_IGN);
+  FileSizeLimit(IndexBytes().size() + 1)();
+  engine.AddDocumentWords("a", (std::string(3000, 'x') + " y").c_str());
+  EXPECT_THROW(index.Save(), kestan_cli::CommandError);
+}
+
+TEST_F(OpenedIndexTest, FactsTellHowManyDocumentsFit) {
+  using kestan_cli::Access;
+  using kestan_cli::ExamineIndex;
+  Add("docs/a", "some words\n");
+  EXPECT_EQ(ExamineIndex(Path("my.index"), Access::kRead).free_codes, 65534u);
+  Plant(Path("my.index"), {{"g-code", Units({65535})}, {"g-avail", Units({7, 9, 11})}});
+  EXPECT_EQ(ExamineIndex(Path("my.index"), Access::kRead).free_codes, 3u);
+}
+
+TEST_F(OpenedIndexTest, FactsSurviveDamagedRecords) {
+  using kestan_cli::Access;
+  Add("docs/a", "some words\n");
+  Plant(Path("my.index"), {{"g-code", "\x05"}, {"g-avail", "abc"}});
+  const kestan_cli::IndexFacts facts = kestan_cli::ExamineIndex(Path("my.index"), Access::kWrite);
+  EXPECT_TRUE(facts.had_documents);
+  EXPECT_EQ(facts.free_codes, 65536u - 5);
+}
+
+TEST_F(OpenedIndexTest, NewIndexNeverHadADocument) {
+  using kestan_cli::Access;
+  const kestan_cli::IndexFacts facts = kestan_cli::ExamineIndex(Path("new"), Access::kCreate);
+  EXPECT_FALSE(facts.had_documents);
+  EXPECT_EQ(facts.free_codes, 65535u);
+}
+
+}  // namespace
+}  // namespace kestan_tests

@@ -1,0 +1,123 @@
+// Kestan::AddDocumentWords of kestan/indexing/index.cc: the list of new words and its buffer.
+#include "tests/indexing/planting.h"
+
+namespace kestan_tests {
+namespace {
+
+class NewWords : public IndexTest {
+ protected:
+  // Adds a document and returns its new words, which lie in the scratch buffer.
+  std::string Of(const std::string& text) {
+    const char* const words = engine_.AddDocumentWords("document", text.c_str());
+    EXPECT_EQ(words, Kestan::WordBuf);
+    return words;
+  }
+
+  // A word that is `length` bytes long and has no capitals.
+  static std::string Word(std::size_t length, char letter = 'w') {
+    return std::string(length, letter);
+  }
+};
+
+TEST_F(NewWords, BufferIsUnsetBeforeTheFirstDocument) {
+  EXPECT_EQ(Kestan::WordBuf, nullptr);
+  EXPECT_EQ(Kestan::WBSize, 0U);
+}
+
+TEST_F(NewWords, EmptyListLiesInTheBufferToo) {
+  EXPECT_EQ(Of(""), "");
+  EXPECT_EQ(Kestan::WBSize, 4096U);
+}
+
+TEST_F(NewWords, AreInOrderOfTheirBytes) {
+  EXPECT_EQ(Of("b ab a \xff abc 1 aa"), "1\na\naa\nab\nabc\nb\n\xff\n");
+}
+
+TEST_F(NewWords, CapitalsSortBeforeSmallLetters) {
+  EXPECT_EQ(Of("Hello world"), "Hello\nhello\nworld\n");
+}
+
+TEST_F(NewWords, AreOnlyThoseWithoutARecord) {
+  Of("cat dog");
+  EXPECT_EQ(Of("cat cow Dog"), "Dog\ncow\n");
+}
+
+TEST_F(NewWords, DoNotComeBackWhileTheirRecordIsEmpty) {
+  PlantAndReopen({{"cat", ""}});
+  EXPECT_EQ(Of("cat"), "");
+}
+
+TEST_F(NewWords, WordWithTwoBytesToSpareFitsTheBuffer) {
+  EXPECT_EQ(Of(Word(4094)), Word(4094) + "\n");
+  EXPECT_EQ(Kestan::WBSize, 4096U);
+}
+
+TEST_F(NewWords, WordWithOneByteToSpareDoublesTheBuffer) {
+  EXPECT_EQ(Of(Word(4095)), Word(4095) + "\n");
+  EXPECT_EQ(Kestan::WBSize, 8192U);
+}
+
+TEST_F(NewWords, RoomIsCountedFromTheEndOfTheList) {
+  EXPECT_EQ(Of(Word(2000) + " " + Word(2093, 'x')), Word(2000) + "\n" + Word(2093, 'x') + "\n");
+  EXPECT_EQ(Kestan::WBSize, 4096U);
+}
+
+TEST_F(NewWords, ListOneByteLongerDoublesTheBuffer) {
+  EXPECT_EQ(Of(Word(2000) + " " + Word(2094, 'x')), Word(2000) + "\n" + Word(2094, 'x') + "\n");
+  EXPECT_EQ(Kestan::WBSize, 8192U);
+}
+
+TEST_F(NewWords, BufferDoublesOnlyOnceForOneWord) {
+  EXPECT_EQ(Of(Word(10000)), Word(10000) + "\n");
+  EXPECT_EQ(Kestan::WBSize, 8192U);
+}
+
+TEST_F(NewWords, BufferDoublesAgainAtTheNextWord) {
+  EXPECT_EQ(Of(Word(10000) + " x"), Word(10000) + "\nx\n");
+  EXPECT_EQ(Kestan::WBSize, 16384U);
+}
+
+TEST_F(NewWords, BufferDoublesForEachWordThatIsPastItsEnd) {
+  EXPECT_EQ(Of(Word(40000) + " x y z"), Word(40000) + "\nx\ny\nz\n");
+  EXPECT_EQ(Kestan::WBSize, 65536U);
+}
+
+TEST_F(NewWords, BufferNeverShrinks) {
+  Of(Word(4095));
+  EXPECT_EQ(Of("x"), "x\n");
+  EXPECT_EQ(Kestan::WBSize, 8192U);
+}
+
+TEST_F(NewWords, KnownWordsTakeNoRoom) {
+  PlantAndReopen({{Word(10000), ""}});
+  EXPECT_EQ(Of(Word(10000)), "");
+  EXPECT_EQ(Kestan::WBSize, 4096U);
+}
+
+TEST_F(NewWords, ManyWordsAllComeBack) {
+  std::string text, expected;
+  for (unsigned i = 10000; i < 20000; ++i) {
+    text += std::to_string(i) + " ";
+    expected += std::to_string(i) + "\n";
+  }
+  EXPECT_EQ(Of(text), expected);
+  EXPECT_EQ(Kestan::WBSize, 65536U);
+}
+
+TEST_F(NewWords, LargerBufferIsKeptAsItIs) {
+  engine_.DBPutWords("list", std::string(5000, 'l').c_str());
+  ASSERT_EQ(Kestan::WBSize, 9096U);
+  Of("word");
+  EXPECT_EQ(Kestan::WBSize, 9096U);
+}
+
+TEST_F(NewWords, BufferCountedAs0GrowsTo4096) {
+  engine_.DBPutTitle("name", std::string(5000, 't').c_str());
+  engine_.DBGetTitle("name");
+  ASSERT_EQ(Kestan::WBSize, 0U);
+  EXPECT_EQ(Of("word"), "word\n");
+  EXPECT_EQ(Kestan::WBSize, 4096U);
+}
+
+}  // namespace
+}  // namespace kestan_tests

@@ -1,0 +1,183 @@
+// Kestan::ShrinkIndex of kestan/indexing/shrink.cc: what it purges, keeps and gives back.
+#include "tests/indexing/planting.h"
+
+namespace kestan_tests {
+namespace {
+
+class ShrinkIndex : public IndexTest {
+ protected:
+  // Plants `records`, shrinks, and returns what is stored then, but for the option flags.
+  Records Shrunk(const Records& records) {
+    PlantAndReopen(records);
+    EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(engine_.ShrinkIndex(), 0); }), "");
+    Records stored = Stored();
+    stored.erase("g-opts");
+    return stored;
+  }
+
+  // Shrinks an index where the codes 2 and 5 are removed, and returns the record of "apple".
+  std::string Apple(const std::string& postings, const std::string& options = kPositions) {
+    return Shrunk({{"apple", postings}, {"g-deleted", Units({2, 5})}, {"g-opts", options}})
+        .at("apple");
+  }
+};
+
+TEST_F(ShrinkIndex, PurgesTheEntriesOfRemovedCodes) {
+  const std::string kept_first = Entry(1, {4}), kept_last = Entry(7, {300});
+  EXPECT_EQ(Apple(kept_first + Entry(2, {1, 2}) + Entry(5, {9}) + kept_last),
+            kept_first + kept_last);
+}
+
+TEST_F(ShrinkIndex, PurgesBareCodesWherePositionsAreNotKept) {
+  EXPECT_EQ(Apple(Units({1, 2, 5, 7}), kNoPositions), Units({1, 7}));
+}
+
+TEST_F(ShrinkIndex, PurgesTheFirstAndTheLastEntry) {
+  EXPECT_EQ(Apple(Entry(5, {1}) + Entry(1, {2, 5}) + Entry(2, {})), Entry(1, {2, 5}));
+}
+
+TEST_F(ShrinkIndex, PurgesEveryEntryOfACode) {
+  EXPECT_EQ(Apple(Entry(2, {1}) + Entry(1, {1}) + Entry(2, {3})), Entry(1, {1}));
+}
+
+TEST_F(ShrinkIndex, PositionsThatEqualRemovedCodesStay) {
+  EXPECT_EQ(Apple(Entry(1, {2, 5}) + Entry(2, {5}) + Entry(4, {5, 2})),
+            Entry(1, {2, 5}) + Entry(4, {5, 2}));
+}
+
+TEST_F(ShrinkIndex, RecordThatLosesEverythingStaysEmpty) {
+  EXPECT_EQ(Apple(Entry(2, {1}) + Entry(5, {1, 2})), "");
+}
+
+TEST_F(ShrinkIndex, RecordWithoutRemovedCodesStaysAsItIs) {
+  EXPECT_EQ(Apple(Entry(9, {1}) + Entry(3, {1, 2})), Entry(9, {1}) + Entry(3, {1, 2}));
+  EXPECT_EQ(Apple(""), "");
+}
+
+TEST_F(ShrinkIndex, OtherOptionFlagsKeepPositions) {
+  EXPECT_EQ(Apple(Entry(1, {2}) + Entry(2, {1}), Units({4, 0})), Entry(1, {2}));
+}
+
+TEST_F(ShrinkIndex, OneByteWordsKeepRemovedCodes) {
+  const std::string postings = Entry(2, {1}) + Entry(3, {1});
+  const Records stored = Shrunk({{"a", postings}, {"ab", postings}, {"g-deleted", Units({2})}});
+  EXPECT_EQ(stored.at("a"), postings);
+  EXPECT_EQ(stored.at("ab"), Entry(3, {1}));
+}
+
+TEST_F(ShrinkIndex, KeysWithADashInSecondPlaceAreNotPurged) {
+  const std::string postings = Entry(2, {1}) + Entry(3, {1});
+  const Records stored = Shrunk({{"x-", postings},
+                                 {"x-y", postings},
+                                 {"--", postings},
+                                 {"xy-", postings},
+                                 {"-x", postings},
+                                 {"g-deleted", Units({2})}});
+  for (const char* key : {"x-", "x-y", "--"}) EXPECT_EQ(stored.at(key), postings) << key;
+  for (const char* key : {"xy-", "-x"}) EXPECT_EQ(stored.at(key), Entry(3, {1})) << key;
+}
+
+TEST_F(ShrinkIndex, ReusedCodeFindsItsNewDocumentThroughAOneByteWord) {
+  engine_.AddDocumentWords("old", "a bc");
+  engine_.RemoveDocumentWords("old");
+  engine_.ShrinkIndex();
+  engine_.AddDocumentWords("new", "other");
+  EXPECT_EQ(Listing(engine_.QueryWord("a")), "100 new\n");
+  EXPECT_EQ(Listing(engine_.QueryWord("bc")), "");
+}
+
+TEST_F(ShrinkIndex, AppendsRemovedCodesToTheReusableOnes) {
+  const Records stored = Shrunk({{"g-avail", Units({3})}, {"g-deleted", Units({8, 6})}});
+  EXPECT_EQ(stored, (Records{{"g-avail", Units({3, 8, 6})}}));
+}
+
+TEST_F(ShrinkIndex, NextDocumentsTakeTheCodesFromTheEnd) {
+  PlantAndReopen({{"g-avail", Units({3})}, {"g-deleted", Units({8, 6})}, {"g-code", Units({8})}});
+  engine_.ShrinkIndex();
+  for (const char* name : {"first", "second", "third"}) engine_.AddDocumentWords(name, "");
+  const Records stored = Stored();
+  EXPECT_EQ(stored.at(NameKey(6)), "first");
+  EXPECT_EQ(stored.at(NameKey(8)), "second");
+  EXPECT_EQ(stored.at(NameKey(3)), "third");
+}
+
+TEST_F(ShrinkIndex, CreatesTheListOfReusableCodes) {
+  EXPECT_EQ(Shrunk({{"g-deleted", Units({8})}}), (Records{{"g-avail", Units({8})}}));
+}
+
+TEST_F(ShrinkIndex, FillsAnEmptyListOfReusableCodes) {
+  EXPECT_EQ(Shrunk({{"g-deleted", Units({8})}, {"g-avail", ""}}),
+            (Records{{"g-avail", Units({8})}}));
+}
+
+TEST_F(ShrinkIndex, CodesTakenBeforeAreNotGivenTwice) {
+  PlantAndReopen({{"g-avail", Units({3})}, {"g-code", Units({3})}});
+  engine_.AddDocumentWords("one", "");
+  engine_.RemoveDocumentWords("one");
+  engine_.ShrinkIndex();
+  EXPECT_EQ(Stored().at("g-avail"), Units({3}));
+}
+
+TEST_F(ShrinkIndex, DuplicatesAreKept) {
+  EXPECT_EQ(Shrunk({{"g-avail", Units({6})}, {"g-deleted", Units({6, 6})}}).at("g-avail"),
+            Units({6, 6, 6}));
+}
+
+TEST_F(ShrinkIndex, WithoutRemovedCodesChangesNoRecord) {
+  const Records records = {{"apple", Entry(2, {1}) + "odd"}, {"g-avail", Units({2})}};
+  EXPECT_EQ(Shrunk(records), records);
+}
+
+TEST_F(ShrinkIndex, SecondTimeChangesNothing) {
+  const Records once = Shrunk({{"apple", Entry(2, {1})}, {"g-deleted", Units({2})}});
+  EXPECT_EQ(Shrunk({}), once);
+}
+
+TEST_F(ShrinkIndex, EmptyListOfRemovedCodesGoesToo) {
+  EXPECT_EQ(Shrunk({{"g-deleted", ""}, {"apple", Entry(1, {1})}}),
+            (Records{{"g-avail", ""}, {"apple", Entry(1, {1})}}));
+}
+
+TEST_F(ShrinkIndex, OneMoreLookBehindTheListPurgesNothingLive) {
+  std::string postings;
+  for (unsigned code = 1; code < 600; ++code) postings += Entry(code, {});
+  const std::string live = postings.substr(4);
+  EXPECT_EQ(Shrunk({{"apple", postings}, {"g-deleted", Units({1})}}).at("apple"), live);
+}
+
+TEST_F(ShrinkIndex, NoLiveEntryGoesWithAnEmptyList) {
+  std::string codes;
+  for (unsigned code = 1; code < 65536; ++code) codes += Units({code});
+  const Records stored = Shrunk({{"apple", codes}, {"g-deleted", ""}, {"g-opts", kNoPositions}});
+  EXPECT_EQ(stored.at("apple"), codes);
+}
+
+TEST_F(ShrinkIndex, RemovedCodesVanishFromQueries) {
+  engine_.AddDocumentWords("one", "cat");
+  engine_.AddDocumentWords("two", "cat");
+  engine_.RemoveDocumentWords("one");
+  engine_.ShrinkIndex();
+  EXPECT_EQ(Listing(engine_.QueryWord("cat")), "100 two\n");
+  EXPECT_EQ(Stored().at("cat"), Entry(2, {1}));
+}
+
+TEST_F(ShrinkIndex, ReclaimsTheSpaceInTheFile) {
+  for (int i = 0; i < 100; ++i) {
+    engine_.DBPutTitle(std::to_string(i).c_str(), std::string(10000, 't').c_str());
+  }
+  for (int i = 0; i < 100; ++i) engine_.DBDelTitle(std::to_string(i).c_str());
+  engine_.FlushIndex();
+  const auto before = std::filesystem::file_size(path_);
+  EXPECT_EQ(engine_.ShrinkIndex(), 0);
+  EXPECT_LT(std::filesystem::file_size(path_), before / 2);
+}
+
+TEST_F(ShrinkIndex, WithoutAnIndexIsMinus1) {
+  engine_.CloseIndex();
+  EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(engine_.ShrinkIndex(), -1); }),
+            "Kestan: Call to database::get without an open database\n"
+            "Kestan: Call to database::shrink without an open database\n");
+}
+
+}  // namespace
+}  // namespace kestan_tests

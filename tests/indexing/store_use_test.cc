@@ -1,0 +1,101 @@
+// What the calls of kestan/indexing/ cost in the file, and what they write at once.
+#include <algorithm>
+
+#include "tests/indexing/planting.h"
+#include "tests/support/gdbm_calls.h"
+
+namespace kestan_tests {
+namespace {
+
+class StoreUse : public IndexTest {
+ protected:
+  // Runs `action` and returns how often it called `function` with `key`.
+  template <typename Action>
+  static long CallsOf(const std::string& function, const std::string& key, Action action) {
+    const GdbmWatch watch;
+    action();
+    return std::count_if(watch.Calls().begin(), watch.Calls().end(), [&](const GdbmCall& call) {
+      return call.function == function && call.key == key;
+    });
+  }
+};
+
+TEST_F(StoreUse, KnownWordIsFetchedOnceForADocument) {
+  PlantAndReopen({{"cat", Entry(1, {1})}, {"g-code", Units({1})}});
+  const auto add = [&] { engine_.AddDocumentWords("one", "cat cat dog cat"); };
+  EXPECT_EQ(CallsOf("fetch", "cat", add), 1);
+}
+
+TEST_F(StoreUse, KnownWordIsStoredOnceForManyDocuments) {
+  PlantAndReopen({{"cat", Entry(1, {1})}, {"g-code", Units({1})}});
+  const auto add_and_flush = [&] {
+    for (const char* name : {"one", "two", "three"}) engine_.AddDocumentWords(name, "cat");
+    engine_.FlushIndex();
+  };
+  EXPECT_EQ(CallsOf("store", "cat", add_and_flush), 1);
+}
+
+TEST_F(StoreUse, NewWordIsStoredAtOnceAndAgainAtTheFlush) {
+  const auto add = [&] { engine_.AddDocumentWords("one", "cat"); };
+  EXPECT_EQ(CallsOf("store", "cat", add), 1);
+  EXPECT_EQ(CallsOf("store", "cat", [&] { engine_.FlushIndex(); }), 1);
+}
+
+TEST_F(StoreUse, RenamedDocumentReachesTheFileAtOnceAndItsNameAtTheFlush) {
+  PlantAndReopen(Document("old", 7));
+  const auto move = [&] { engine_.MoveDocumentWords("old", "new"); };
+  EXPECT_EQ(CallsOf("store", "d-new", move), 1);
+  EXPECT_EQ(CallsOf("store", NameKey(7), [&] { engine_.FlushIndex(); }), 1);
+}
+
+TEST_F(StoreUse, FirstRemovedCodeIsStoredAtOnceAndTheOthersAtTheFlush) {
+  PlantAndReopen(Document("a", 4) + Document("b", 2) + Document("c", 7));
+  const auto remove = [&](const char* name) {
+    return CallsOf("store", "g-deleted", [&] { engine_.RemoveDocumentWords(name); });
+  };
+  EXPECT_EQ(remove("a"), 1);
+  EXPECT_EQ(remove("b"), 0);
+  EXPECT_EQ(remove("c"), 0);
+  EXPECT_EQ(CallsOf("store", "g-deleted", [&] { engine_.FlushIndex(); }), 1);
+}
+
+TEST_F(StoreUse, RemovalDeletesBothRecordsAtOnce) {
+  PlantAndReopen(Document("a", 4));
+  const GdbmWatch watch;
+  engine_.RemoveDocumentWords("a");
+  EXPECT_EQ(watch.Count("delete"), 2U);
+}
+
+TEST_F(StoreUse, ShrinkingStoresOnlyTheWordsThatChanged) {
+  PlantAndReopen(
+      {{"cat", Entry(1, {1}) + Entry(2, {1})}, {"dog", Entry(1, {1})}, {"g-deleted", Units({2})}});
+  const GdbmWatch watch;
+  engine_.ShrinkIndex();
+  const std::vector<std::string> lines = watch.Lines();
+  EXPECT_EQ(std::count(lines.begin(), lines.end(), "store cat"), 1);
+  EXPECT_EQ(std::count(lines.begin(), lines.end(), "store dog"), 0);
+  EXPECT_EQ(watch.Count("reorganize"), 1U);
+}
+
+TEST_F(StoreUse, ListOfReusableCodesThatIsInTheFileIsStoredOnlyAtTheFlush) {
+  PlantAndReopen({{"g-avail", Units({3})}, {"g-deleted", Units({2})}});
+  EXPECT_EQ(CallsOf("store", "g-avail", [&] { engine_.ShrinkIndex(); }), 1);
+}
+
+TEST_F(StoreUse, ShrinkingWithoutRemovedCodesDoesNotWalk) {
+  PlantAndReopen({{"cat", Entry(1, {1})}});
+  const GdbmWatch watch;
+  EXPECT_EQ(engine_.ShrinkIndex(), 0);
+  EXPECT_EQ(watch.Count("firstkey"), 0U);
+  EXPECT_EQ(watch.Count("store"), 0U);
+  EXPECT_EQ(watch.Count("reorganize"), 1U);
+}
+
+TEST_F(StoreUse, ResultOfTheCompactionIsNotReported) {
+  GdbmWatch watch;
+  watch.Fail("reorganize", 1, GDBM_REORGANIZE_FAILED);
+  EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(engine_.ShrinkIndex(), 0); }), "");
+}
+
+}  // namespace
+}  // namespace kestan_tests

@@ -1,0 +1,107 @@
+// Result ids and what they keep alive, of kestan/query/registry.cc.
+#include <climits>
+
+#include "tests/query/query_test.h"
+
+namespace kestan_tests {
+namespace {
+
+class Registry : public QueryTest {
+ protected:
+  void SetUp() override {
+    QueryTest::SetUp();
+    PlantAndReopen(Document("one", 1) + Records{{"cat", Entry(1, {1})}, {"g-code", Units({1})}});
+  }
+};
+
+TEST_F(Registry, IdsStartAt1AndGrowByOne) {
+  EXPECT_EQ(Word("cat"), 1);
+  EXPECT_EQ(Word("cat"), 2);
+  EXPECT_EQ(And(1, 2, 0), 3);
+  EXPECT_EQ(Or(1, 2), 4);
+  EXPECT_EQ(Not(1), 5);
+}
+
+TEST_F(Registry, FreedIdIsNotUsedAgain) {
+  EXPECT_EQ(Word("cat"), 1);
+  engine_.FreeQueryResult(1);
+  EXPECT_EQ(Word("cat"), 2);
+  EXPECT_EQ(kestan::FindQueryResult(1), nullptr);
+}
+
+TEST_F(Registry, FailuresTakeNoId) {
+  EXPECT_EQ(Word("dog"), -1);
+  EXPECT_EQ(And(1, 2, 0), -1);
+  EXPECT_EQ(Or(1, 2), -1);
+  EXPECT_EQ(Word("cat"), 1);
+}
+
+TEST_F(Registry, EmptySetTakesAnId) {
+  EXPECT_EQ(Not(Word("cat")), 2);
+  EXPECT_EQ(HitsOf(2), Hits{});
+  EXPECT_EQ(And(1, 2, 0), 3);
+  EXPECT_EQ(HitsOf(3), Hits{});
+}
+
+TEST_F(Registry, SecondFreeDoesNothing) {
+  Word("cat");
+  Word("cat");
+  engine_.FreeQueryResult(1);
+  engine_.FreeQueryResult(1);
+  EXPECT_EQ(HitsOf(2), (Hits{{1, 1, {1}}}));
+}
+
+TEST_F(Registry, UnknownIdsAreFreedSilently) {
+  Word("cat");
+  const auto free_unknown = [&] {
+    for (int id : {-1, 0, 2, 1000, INT_MAX, INT_MIN}) engine_.FreeQueryResult(id);
+  };
+  EXPECT_EQ(StandardErrorOf(free_unknown), "");
+  EXPECT_EQ(HitsOf(1), (Hits{{1, 1, {1}}}));
+}
+
+TEST_F(Registry, OperandsStayAsTheyAre) {
+  PlantAndReopen({{"dog", Entry(1, {2}) + Entry(3, {9})}});
+  const int cat = Word("cat"), dog = Word("dog");
+  const Hits cat_before = HitsOf(cat), dog_before = HitsOf(dog);
+  And(cat, dog, 1);
+  Or(cat, dog);
+  Not(dog);
+  engine_.QueryResults(dog);
+  EXPECT_EQ(HitsOf(cat), cat_before);
+  EXPECT_EQ(HitsOf(dog), dog_before);
+}
+
+TEST_F(Registry, ResultOutlivesItsOperands) {
+  Word("cat");
+  And(1, 1, 0);
+  engine_.FreeQueryResult(1);
+  EXPECT_EQ(Listing(2), "100 one\n");
+}
+
+TEST_F(Registry, SetsOutliveTheOpenIndex) {
+  Word("cat");
+  engine_.CloseIndex();
+  EXPECT_EQ(And(1, 1, 0), 2);
+  ASSERT_EQ(engine_.OpenIndex(path_.c_str(), 0), 0);
+  EXPECT_EQ(Listing(2), "100 one\n");
+}
+
+// The second engine is never destroyed: two destructors would release one scratch buffer twice.
+TEST_F(Registry, EnginesShareIdsAndSets) {
+  static Kestan* const second = new Kestan;
+  const std::string other_path = folder_ / "other";
+  Plant(other_path, {{"dog", Entry(1, {2})}});
+  ASSERT_EQ(second->OpenIndex(other_path.c_str(), 1), 0);
+  EXPECT_EQ(engine_.QueryWord("cat"), 1);
+  EXPECT_EQ(second->QueryWord("dog"), 2);
+  EXPECT_EQ(second->QueryAnd(1, 2, 1), 3);
+  EXPECT_EQ(Listing(3), "100 one\n");
+  second->FreeQueryResult(1);
+  engine_.FreeQueryResult(2);
+  EXPECT_EQ(engine_.QueryOr(1, 2), -1);
+  second->CloseIndex();
+}
+
+}  // namespace
+}  // namespace kestan_tests

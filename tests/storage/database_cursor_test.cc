@@ -1,0 +1,217 @@
+// Walking the keys of the file.
+#include "tests/storage/database_test.h"
+
+namespace kestan_tests {
+namespace {
+
+class DatabaseCursor : public DatabaseTest {
+ protected:
+  // Walks the whole store, values included.
+  Records Walk() {
+    Records records;
+    DBDatumPtr key;
+    DBDatumPtr value;
+    int end = store_.First(&key, &value);
+    for (; end == 0; end = store_.Next(&key, &value)) {
+      records[Bytes(*key.ptr)] = Bytes(*value.ptr);
+    }
+    EXPECT_EQ(end, -1);
+    EXPECT_EQ(key.ptr, nullptr);
+    return records;
+  }
+
+  // Walks the keys alone, in the order they come.
+  Lines Keys() {
+    Lines keys;
+    DBDatumPtr key;
+    for (int end = store_.First(&key); end == 0; end = store_.Next(&key)) {
+      keys.push_back(Bytes(*key.ptr));
+    }
+    return keys;
+  }
+
+  // The keys of a file in gdbm's order.
+  static Lines GdbmKeys(const std::string& path) {
+    Lines keys;
+    GDBM_FILE file = gdbm_open(path.c_str(), 0, GDBM_READER, 0, nullptr);
+    for (datum key = gdbm_firstkey(file); key.dptr != nullptr;) {
+      keys.emplace_back(key.dptr, static_cast<std::size_t>(key.dsize));
+      const datum next = gdbm_nextkey(file, key);
+      std::free(key.dptr);
+      key = next;
+    }
+    gdbm_close(file);
+    return keys;
+  }
+
+  const Records three_ = {{"a", "1"}, {"b", "2"}, {std::string("c\0c", 3), ""}};
+};
+
+TEST_F(DatabaseCursor, AnEmptyFileEndsAtOnceWithANullKey) {
+  DBDatumPtr key = Counted("old");
+  DBDatumPtr value = Counted("kept");
+  EXPECT_EQ(store_.First(&key, &value), -1);
+  EXPECT_EQ(key.ptr, nullptr);
+  EXPECT_EQ(Bytes(*value.ptr), "kept");
+}
+
+TEST_F(DatabaseCursor, NextBeforeAnyFirstIsTheEnd) {
+  Put("key", "value");
+  DBDatumPtr key = Counted("old");
+  DBDatumPtr value = Counted("kept");
+  EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(store_.Next(&key, &value), -1); }), "");
+  EXPECT_EQ(key.ptr, nullptr);
+  EXPECT_EQ(Bytes(*value.ptr), "kept");
+}
+
+TEST_F(DatabaseCursor, VisitsEveryRecordOnce) {
+  PlantAndReopen(three_);
+  EXPECT_EQ(Walk(), three_);
+  EXPECT_EQ(Walk(), three_);
+}
+
+TEST_F(DatabaseCursor, VisitsKeysInGdbmsOrder) {
+  Records many;
+  for (int i = 0; i < 500; ++i) many["key" + std::to_string(i)] = "value";
+  PlantAndReopen(many);
+  const Lines keys = Keys();
+  store_.Close();
+  EXPECT_EQ(keys, GdbmKeys(path_));
+}
+
+TEST_F(DatabaseCursor, WithoutAValueReadsNoValues) {
+  PlantAndReopen(three_);
+  GdbmWatch gdbm;
+  EXPECT_EQ(Keys().size(), 3u);
+  EXPECT_EQ(gdbm.Count("fetch"), 0u);
+}
+
+TEST_F(DatabaseCursor, WithAValueReadsThroughTheCache) {
+  PlantAndReopen(three_);
+  Get("a");
+  GdbmWatch gdbm;
+  Walk();
+  Walk();
+  EXPECT_EQ(gdbm.Count("fetch"), 2u);
+}
+
+TEST_F(DatabaseCursor, SeesWhatWasPutAndNotWhatWasDeleted) {
+  PlantAndReopen(three_);
+  Put("d", "4");
+  store_.Del(Datum("a"));
+  EXPECT_EQ(Walk(), (Records{{"b", "2"}, {std::string("c\0c", 3), ""}, {"d", "4"}}));
+}
+
+TEST_F(DatabaseCursor, SeesChangesThatWaitForAFlush) {
+  PlantAndReopen(three_);
+  Change(Held("a"), "X");
+  EXPECT_EQ(Walk().at("a"), "X");
+  EXPECT_EQ(InFile().at("a"), "1");
+}
+
+TEST_F(DatabaseCursor, ValuesMayBeChangedDuringTheWalk) {
+  PlantAndReopen({{"a", "1"}, {"b", "2"}, {"c", "3"}});
+  DBDatumPtr key;
+  DBDatumPtr value;
+  for (int end = store_.First(&key, &value); end == 0; end = store_.Next(&key, &value)) {
+    Change(value, "X");
+  }
+  EXPECT_EQ(Stored(), (Records{{"a", "X"}, {"b", "X"}, {"c", "X"}}));
+}
+
+TEST_F(DatabaseCursor, AWalkSurvivesFlushes) {
+  PlantAndReopen(three_);
+  Records seen;
+  DBDatumPtr key;
+  DBDatumPtr value;
+  for (int end = store_.First(&key, &value); end == 0; end = store_.Next(&key, &value)) {
+    seen[Bytes(*key.ptr)] = Bytes(*value.ptr);
+    store_.Flush();
+  }
+  EXPECT_EQ(seen, three_);
+}
+
+TEST_F(DatabaseCursor, TheEndFreesTheKeyAndLeavesTheValue) {
+  PlantAndReopen({{"a", "1"}});
+  DBDatumPtr key;
+  DBDatumPtr value;
+  ASSERT_EQ(store_.First(&key, &value), 0);
+  EXPECT_EQ(store_.Next(&key, &value), -1);
+  EXPECT_EQ(key.ptr, nullptr);
+  EXPECT_EQ(Bytes(*value.ptr), "1");
+}
+
+TEST_F(DatabaseCursor, TheEndIsReachedAgainAndAgainWithTheLastKey) {
+  PlantAndReopen({{"a", "1"}});
+  DBDatumPtr key;
+  store_.First(&key);
+  GdbmWatch gdbm;
+  EXPECT_EQ(store_.Next(&key), -1);
+  EXPECT_EQ(store_.Next(&key), -1);
+  EXPECT_EQ(gdbm.Lines(), (Lines{"nextkey a", "nextkey a"}));
+}
+
+TEST_F(DatabaseCursor, GdbmsErrorsEndTheWalk) {
+  PlantAndReopen(three_);
+  GdbmWatch gdbm;
+  gdbm.Fail("firstkey", 1, GDBM_FILE_READ_ERROR);
+  gdbm.Fail("nextkey", 1, GDBM_FILE_READ_ERROR);
+  DBDatumPtr key;
+  EXPECT_EQ(store_.First(&key), -1);
+  EXPECT_EQ(store_.First(&key), 0);
+  EXPECT_EQ(store_.Next(&key), -1);
+  EXPECT_EQ(store_.Next(&key), 0);
+}
+
+TEST_F(DatabaseCursor, AValueThatCannotBeReadIsReported) {
+  PlantAndReopen({{"a", "1"}});
+  GdbmWatch gdbm;
+  gdbm.Fail("fetch", 1, GDBM_FILE_READ_ERROR);
+  DBDatumPtr key;
+  DBDatumPtr value = Counted("old");
+  EXPECT_EQ(store_.First(&key, &value), GDBM_FILE_READ_ERROR);
+  EXPECT_EQ(Bytes(*key.ptr), "a");
+  EXPECT_EQ(value.ptr, nullptr);
+}
+
+TEST_F(DatabaseCursor, TheKeyIsHeldByTheCallerAndTheCursor) {
+  PlantAndReopen({{"a", "1"}});
+  DBDatumPtr key;
+  store_.First(&key);
+  EXPECT_EQ(key.ptr->refs, 2);
+}
+
+TEST_F(DatabaseCursor, ACachedKeyIsTheCachesOwn) {
+  PlantAndReopen({{"a", "1"}});
+  Get("a");
+  DBDatumPtr key;
+  store_.First(&key);
+  EXPECT_EQ(key.ptr->refs, 3);
+  DBDatumPtr again;
+  store_.First(&again);
+  EXPECT_EQ(again.ptr, key.ptr);
+}
+
+TEST_F(DatabaseCursor, TheKeyMayBeTheHandleOfTheLastStep) {
+  PlantAndReopen({{"a", "b"}, {"b", "a"}});
+  DBDatumPtr handle;
+  ASSERT_EQ(store_.First(&handle), 0);
+  const std::string first = Bytes(*handle.ptr);
+  EXPECT_EQ(store_.Get(&handle, *handle.ptr), 0);
+  EXPECT_NE(Bytes(*handle.ptr), first);
+  EXPECT_EQ(store_.Next(&handle), 0);
+  EXPECT_NE(Bytes(*handle.ptr), first);
+}
+
+TEST_F(DatabaseCursor, TheCurrentRecordMayBeDeleted) {
+  PlantAndReopen({{"a", "1"}});
+  DBDatumPtr key;
+  DBDatumPtr value;
+  ASSERT_EQ(store_.First(&key, &value), 0);
+  EXPECT_EQ(store_.Del(*key.ptr), 0);
+  EXPECT_EQ(Bytes(*key.ptr), "a");
+  EXPECT_EQ(store_.First(&key), -1);
+}
+
+}  // namespace
+}  // namespace kestan_tests

@@ -1,0 +1,104 @@
+// The store without a file, and what errors are called.
+#include "tests/storage/database_test.h"
+
+namespace kestan_tests {
+namespace {
+
+class ClosedDatabase : public DatabaseTest {
+ protected:
+  void SetUp() override {}
+
+  // Runs `operation`, which must return -1 and print one line that names it as `name`.
+  template <typename Operation>
+  void ExpectRefusal(const std::string& name, Operation operation) {
+    int result = 0;
+    const std::string printed = StandardErrorOf([&] { result = operation(); });
+    EXPECT_EQ(result, -1);
+    EXPECT_EQ(printed, "Kestan: Call to database::" + name + " without an open database\n");
+  }
+
+  DBDatumPtr key_ = Counted("key");
+  DBDatumPtr value_ = Counted("value");
+};
+
+TEST_F(ClosedDatabase, GetFailsAndFreesItsHandle) {
+  ExpectRefusal("get", [&] { return store_.Get(&value_, Datum("key")); });
+  EXPECT_EQ(value_.ptr, nullptr);
+}
+
+TEST_F(ClosedDatabase, PutFails) {
+  ExpectRefusal("put", [&] { return store_.Put(*key_.ptr, *value_.ptr); });
+  EXPECT_EQ(key_.ptr->refs, 1);
+  EXPECT_EQ(value_.ptr->refs, 1);
+}
+
+TEST_F(ClosedDatabase, DelFails) {
+  ExpectRefusal("del", [&] { return store_.Del(Datum("key")); });
+}
+
+TEST_F(ClosedDatabase, FirstFailsAndFreesTheKeyAlone) {
+  ExpectRefusal("first", [&] { return store_.First(&key_, &value_); });
+  EXPECT_EQ(key_.ptr, nullptr);
+  EXPECT_EQ(Bytes(*value_.ptr), "value");
+}
+
+TEST_F(ClosedDatabase, NextFailsAndFreesTheKeyAlone) {
+  ExpectRefusal("next", [&] { return store_.Next(&key_, &value_); });
+  EXPECT_EQ(key_.ptr, nullptr);
+  EXPECT_EQ(Bytes(*value_.ptr), "value");
+}
+
+TEST_F(ClosedDatabase, SyncFails) {
+  ExpectRefusal("sync", [&] { return store_.Sync(); });
+}
+
+TEST_F(ClosedDatabase, ShrinkFails) {
+  ExpectRefusal("shrink", [&] { return store_.Shrink(); });
+}
+
+TEST_F(ClosedDatabase, FlushFails) {
+  ExpectRefusal("flush", [&] { return store_.Flush(); });
+}
+
+TEST_F(ClosedDatabase, AClosedAgainStoreFailsToo) {
+  store_.Open(path_.c_str(), 1);
+  Put("key", "value");
+  store_.Close();
+  ExpectRefusal("get", [&] { return store_.Get(&value_, Datum("key")); });
+  ExpectRefusal("next", [&] { return store_.Next(&key_); });
+}
+
+TEST_F(ClosedDatabase, AHeldRecordDoesNotAnswerWithoutAFile) {
+  store_.Open(path_.c_str(), 1);
+  Put("key", "value");
+  const DBDatumPtr held = Held("key");
+  store_.Close();
+  ExpectRefusal("get", [&] { return store_.Get(&value_, Datum("key")); });
+  EXPECT_EQ(value_.ptr, nullptr);
+}
+
+TEST_F(ClosedDatabase, NothingReachesGdbm) {
+  GdbmWatch gdbm;
+  StandardErrorOf([&] {
+    store_.Get(&value_, Datum("key"));
+    store_.Put(Datum("key"), Datum("value"));
+    store_.Del(Datum("key"));
+    store_.First(&key_);
+    store_.Next(&key_);
+    store_.Sync();
+    store_.Shrink();
+    store_.Flush();
+    store_.Close();
+  });
+  EXPECT_TRUE(gdbm.Calls().empty());
+}
+
+TEST_F(ClosedDatabase, ErrorsAreCalledAsGdbmCallsThem) {
+  for (int error : {0, 1, 7, 15, 1000}) {
+    EXPECT_STREQ(Database::ErrorString(error), gdbm_strerror(error));
+  }
+  EXPECT_STREQ(Database::ErrorString(GDBM_ITEM_NOT_FOUND), "Item not found");
+}
+
+}  // namespace
+}  // namespace kestan_tests

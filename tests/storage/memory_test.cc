@@ -1,0 +1,114 @@
+// Memory that is there or ends the process.
+#include "kestan/storage/memory.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "tests/support/out_of_memory.h"
+
+namespace kestan_tests {
+namespace {
+
+TEST(Memory, AllocatedBytesCanAllBeWritten) {
+  char* const block = static_cast<char*>(kestan::Allocate(100));
+  std::memset(block, 'x', 100);
+  std::free(block);
+}
+
+TEST(Memory, NoBytesAreServedToo) {
+  errno = ENOMEM;  // if the process ended here, it would be with this status
+  void* const block = kestan::Allocate(0);
+  EXPECT_NE(block, nullptr);
+  std::free(block);
+}
+
+TEST(Memory, ReallocatedMemoryKeepsItsBytes) {
+  char* block = static_cast<char*>(kestan::Allocate(4));
+  std::memcpy(block, "word", 4);
+  block = static_cast<char*>(kestan::Reallocate(block, 100000));
+  EXPECT_EQ(std::string(block, 4), "word");
+  std::free(block);
+}
+
+TEST(Memory, ReallocatingNothingAllocates) {
+  char* const block = static_cast<char*>(kestan::Reallocate(nullptr, 3));
+  std::memcpy(block, "abc", 3);
+  std::free(block);
+}
+
+TEST(Memory, ReallocatingToNoBytesStillOwnsABlock) {
+  errno = ENOMEM;  // if the process ended here, it would be with this status
+  void* block = kestan::Allocate(10);
+  block = kestan::Reallocate(block, 0);
+  EXPECT_NE(block, nullptr);
+  std::free(block);
+}
+
+TEST(Memory, NewPassesItsArgumentsOn) {
+  const std::string* const text = kestan::New<std::string>(std::size_t{3}, 'x');
+  EXPECT_EQ(*text, "xxx");
+  delete text;
+}
+
+TEST(MemoryDeathTest, AllocateEndsTheProcessWithErrno) {
+  EXPECT_EXIT(
+      {
+        LimitMemory();
+        kestan::Allocate(kTooManyBytes);
+      },
+      testing::ExitedWithCode(ENOMEM), IsLine(NoMemoryLine(kTooManyBytes)));
+}
+
+TEST(MemoryDeathTest, ReallocateEndsTheProcessWithErrno) {
+  EXPECT_EXIT(
+      {
+        LimitMemory();
+        kestan::Reallocate(kestan::Allocate(1), kTooManyBytes);
+      },
+      testing::ExitedWithCode(ENOMEM), IsLine(NoMemoryLine(kTooManyBytes)));
+}
+
+// As many as a vector may ask for at all in 32 bits.
+constexpr std::size_t kTooManyForAVector =
+    sizeof(std::size_t) > 4 ? std::size_t{kTooManyBytes} : std::size_t{2147483647u};
+
+TEST(MemoryDeathTest, ContainersEndTheProcessRatherThanThrow) {
+  EXPECT_EXIT(
+      {
+        LimitMemory();
+        kestan::Vector<char> bytes;
+        bytes.reserve(kTooManyForAVector);
+      },
+      testing::ExitedWithCode(ENOMEM), IsLine(NoMemoryLine(kTooManyForAVector)));
+}
+
+TEST(MemoryDeathTest, TheExitStatusIsTheErrorThatTheLineNames) {
+  const std::string reason = std::strerror(EAGAIN);
+  EXPECT_EXIT(
+      {
+        errno = EAGAIN;
+        kestan::EndForLackOfMemory(12);
+      },
+      testing::ExitedWithCode(EAGAIN),
+      testing::Eq("Kestan: could not allocate 12 bytes -- " + reason + "\n"));
+}
+
+TEST(Memory, AllocatorsAreAllTheSame) {
+  EXPECT_TRUE(kestan::Allocator<int>() == kestan::Allocator<int>());
+  EXPECT_FALSE(kestan::Allocator<int>() != kestan::Allocator<int>());
+}
+
+TEST(Memory, StringsAndVectorsHoldWhatIsPutIn) {
+  kestan::String text("abc");
+  text.append(1000, 'x');
+  EXPECT_EQ(text.size(), 1003u);
+  const kestan::Vector<int> numbers = {1, 2, 3};
+  EXPECT_EQ(numbers.back(), 3);
+}
+
+}  // namespace
+}  // namespace kestan_tests

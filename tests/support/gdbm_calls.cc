@@ -1,0 +1,136 @@
+#include "tests/support/gdbm_calls.h"
+
+#include <gdbm.h>
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+namespace kestan_tests {
+namespace {
+
+GdbmWatch* watch = nullptr;
+
+// Files that were opened before the watch began are called by their names too.
+std::map<GDBM_FILE, std::string>& OpenFiles() {
+  static std::map<GDBM_FILE, std::string> files;
+  return files;
+}
+
+std::string Text(datum bytes) {
+  if (bytes.dptr == nullptr) return std::string();
+  return std::string(bytes.dptr, static_cast<std::size_t>(bytes.dsize));
+}
+
+// Notes a call, and sets gdbm's error number if it has to fail.
+bool MustFail(const char* function, GDBM_FILE file, datum key = {}, datum value = {}) {
+  if (watch == nullptr) return false;
+  const int error = watch->Note({function, OpenFiles()[file], Text(key), Text(value)});
+  if (error == 0) return false;
+  gdbm_errno = error;
+  return true;
+}
+
+}  // namespace
+
+GdbmWatch::GdbmWatch() { watch = this; }
+
+GdbmWatch::~GdbmWatch() { watch = nullptr; }
+
+void GdbmWatch::Fail(std::string_view function, int nth, int error) {
+  failures_.push_back({std::string(function), nth, error});
+}
+
+std::vector<std::string> GdbmWatch::Lines() const {
+  std::vector<std::string> lines;
+  for (const GdbmCall& call : calls_) {
+    lines.push_back(call.key.empty() ? call.function : call.function + " " + call.key);
+  }
+  return lines;
+}
+
+std::size_t GdbmWatch::Count(std::string_view function) const {
+  const auto is_such = [function](const GdbmCall& call) { return call.function == function; };
+  return static_cast<std::size_t>(std::count_if(calls_.begin(), calls_.end(), is_such));
+}
+
+int GdbmWatch::Note(GdbmCall call) {
+  int error = 0;
+  for (Failure& failure : failures_) {
+    if (failure.function == call.function && --failure.calls_left == 0) error = failure.error;
+  }
+  calls_.push_back(std::move(call));
+  return error;
+}
+
+}  // namespace kestan_tests
+
+// The linker leads every call of gdbm_NAME to __wrap_gdbm_NAME, and __real_gdbm_NAME to gdbm_NAME.
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming)
+extern "C" {
+
+using FatalCallback = void (*)(const char*);
+
+GDBM_FILE __real_gdbm_open(const char*, int, int, int, FatalCallback);
+int __real_gdbm_close(GDBM_FILE);
+int __real_gdbm_store(GDBM_FILE, datum, datum, int);
+datum __real_gdbm_fetch(GDBM_FILE, datum);
+int __real_gdbm_delete(GDBM_FILE, datum);
+datum __real_gdbm_firstkey(GDBM_FILE);
+datum __real_gdbm_nextkey(GDBM_FILE, datum);
+int __real_gdbm_sync(GDBM_FILE);
+int __real_gdbm_reorganize(GDBM_FILE);
+
+GDBM_FILE __wrap_gdbm_open(const char* path, int block_bytes, int flags, int mode,
+                           FatalCallback fatal) {
+  if (kestan_tests::watch != nullptr) {
+    kestan_tests::watch->Note({path, block_bytes, flags, mode, fatal != nullptr});
+  }
+  GDBM_FILE file = __real_gdbm_open(path, block_bytes, flags, mode, fatal);
+  if (file != nullptr) kestan_tests::OpenFiles()[file] = path;
+  return file;
+}
+
+int __wrap_gdbm_close(GDBM_FILE file) {
+  kestan_tests::MustFail("close", file);  // it is closed all the same
+  kestan_tests::OpenFiles().erase(file);
+  return __real_gdbm_close(file);
+}
+
+int __wrap_gdbm_store(GDBM_FILE file, datum key, datum value, int flag) {
+  if (kestan_tests::MustFail("store", file, key, value)) return -1;
+  return __real_gdbm_store(file, key, value, flag);
+}
+
+datum __wrap_gdbm_fetch(GDBM_FILE file, datum key) {
+  if (kestan_tests::MustFail("fetch", file, key)) return {};
+  return __real_gdbm_fetch(file, key);
+}
+
+int __wrap_gdbm_delete(GDBM_FILE file, datum key) {
+  if (kestan_tests::MustFail("delete", file, key)) return -1;
+  return __real_gdbm_delete(file, key);
+}
+
+datum __wrap_gdbm_firstkey(GDBM_FILE file) {
+  if (kestan_tests::MustFail("firstkey", file)) return {};
+  return __real_gdbm_firstkey(file);
+}
+
+datum __wrap_gdbm_nextkey(GDBM_FILE file, datum key) {
+  if (kestan_tests::MustFail("nextkey", file, key)) return {};
+  return __real_gdbm_nextkey(file, key);
+}
+
+int __wrap_gdbm_sync(GDBM_FILE file) {
+  if (kestan_tests::MustFail("sync", file)) return -1;
+  return __real_gdbm_sync(file);
+}
+
+int __wrap_gdbm_reorganize(GDBM_FILE file) {
+  if (kestan_tests::MustFail("reorganize", file)) return -1;
+  return __real_gdbm_reorganize(file);
+}
+
+}  // extern "C"
+// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)

@@ -1,0 +1,68 @@
+// A witness of the gdbm calls of a test program, which can also make a call fail. The calls of the
+// library and those of the test itself both pass through it; kestan_watch_gdbm(TARGET) links it in.
+#ifndef KESTAN_TESTS_SUPPORT_GDBM_CALLS_H_
+#define KESTAN_TESTS_SUPPORT_GDBM_CALLS_H_
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kestan_tests {
+
+struct GdbmCall {
+  std::string function;  // without its "gdbm_": "store", "fetch", "delete", "sync", ...
+  std::string file;      // the path that the file was opened with
+  std::string key;       // empty where the function takes none
+  std::string value;     // of a store
+};
+
+// How gdbm_open was called.
+struct GdbmOpening {
+  std::string file;
+  int block_bytes = 0;
+  int flags = 0;
+  int mode = 0;
+  bool has_fatal_callback = false;
+};
+
+// Records every call from its construction to its end. One at a time.
+class GdbmWatch {
+ public:
+  GdbmWatch();
+  ~GdbmWatch();
+  GdbmWatch(const GdbmWatch&) = delete;
+  GdbmWatch& operator=(const GdbmWatch&) = delete;
+
+  // Makes the `nth` call of `function` from now on, counted from 1, do nothing and report `error`.
+  // The calls before it and after it take their course.
+  void Fail(std::string_view function, int nth, int error);
+
+  const std::vector<GdbmCall>& Calls() const { return calls_; }
+  const std::vector<GdbmOpening>& Openings() const { return openings_; }
+
+  // Returns the calls as "store KEY" or "sync", in the order they were made.
+  std::vector<std::string> Lines() const;
+
+  std::size_t Count(std::string_view function) const;
+
+  // For the stand-ins of the gdbm functions: notes a call.
+  //   Returns  the error that the call has to report, 0 if it is to take its course.
+  int Note(GdbmCall call);
+  void Note(GdbmOpening opening) { openings_.push_back(std::move(opening)); }
+
+ private:
+  struct Failure {
+    std::string function;
+    int calls_left;
+    int error;
+  };
+
+  std::vector<GdbmCall> calls_;
+  std::vector<GdbmOpening> openings_;
+  std::vector<Failure> failures_;
+};
+
+}  // namespace kestan_tests
+
+#endif  // KESTAN_TESTS_SUPPORT_GDBM_CALLS_H_
