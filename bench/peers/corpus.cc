@@ -1,4 +1,4 @@
-#include "bench/peers/corpus.h"
+#include "peers/corpus.h"
 
 #include <array>
 #include <cstdlib>

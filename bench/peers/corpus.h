@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "bench/peers/engine.h"
+#include "peers/engine.h"
 
 namespace kestan_bench {
 

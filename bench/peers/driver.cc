@@ -3,9 +3,8 @@
 //
 //   index FOLDER CORPUS (words|as-is) EVERY      index; commit after EVERY documents, 0: at the end
 //   optimise FOLDER                              what makes a finished index smaller or faster
-//   query FOLDER QUERIES CORPUS ANSWERS PASSES   all queries, PASSES times, and once to keep answers
-//   cold FOLDER KIND FIRST [SECOND]              open, one query, its listing
-//   version
+//   query FOLDER QUERIES CORPUS ANSWERS PASSES   all queries, PASSES times, and once to keep
+//   answers cold FOLDER KIND FIRST [SECOND]              open, one query, its listing version
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -16,9 +15,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "bench/peers/corpus.h"
-#include "bench/peers/engine.h"
-#include "bench/peers/measure.h"
+#include "peers/corpus.h"
+#include "peers/engine.h"
+#include "peers/measure.h"
 
 namespace kestan_bench {
 namespace {

@@ -64,10 +64,10 @@ class Listing {
 void CleanText(std::string* text);
 
 enum class OpenMode {
-  kCreateAtOnce,  // a new index, to be committed once
+  kCreateAtOnce,   // a new index, to be committed once
   kCreateInSteps,  // a new index, to be committed again and again
-  kUpdate,        // an index that is there, for Optimise()
-  kRead,          // an index that is there, for queries
+  kUpdate,         // an index that is there, for Optimise()
+  kRead,           // an index that is there, for queries
 };
 
 // One search engine over one index in a folder. Ends the process with a message on any failure.

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "bench/peers/engine.h"
+#include "peers/engine.h"
 
 namespace kestan_bench {
 namespace {
@@ -100,10 +100,9 @@ class GroongaEngine : public Engine {
   }
 
   void CreateTables() {
-    documents_ =
-        Checked(grn_table_create(context_, "Documents", std::strlen("Documents"), nullptr,
-                                 GRN_TABLE_HASH_KEY | GRN_OBJ_PERSISTENT, Find("ShortText"),
-                                 nullptr));
+    documents_ = Checked(grn_table_create(context_, "Documents", std::strlen("Documents"), nullptr,
+                                          GRN_TABLE_HASH_KEY | GRN_OBJ_PERSISTENT,
+                                          Find("ShortText"), nullptr));
     body_ = CreateColumn(documents_, "body", GRN_OBJ_COLUMN_SCALAR, Find("Text"));
     words_ = Checked(grn_table_create(context_, "Words", std::strlen("Words"), nullptr,
                                       GRN_TABLE_PAT_KEY | GRN_OBJ_PERSISTENT, Find("ShortText"),
@@ -113,8 +112,8 @@ class GroongaEngine : public Engine {
   }
 
   void CreateIndex() {
-    index_ = CreateColumn(words_, "documents", GRN_OBJ_COLUMN_INDEX | GRN_OBJ_WITH_POSITION,
-                          documents_);
+    index_ =
+        CreateColumn(words_, "documents", GRN_OBJ_COLUMN_INDEX | GRN_OBJ_WITH_POSITION, documents_);
     grn_obj source;
     GRN_UINT32_INIT(&source, GRN_OBJ_VECTOR);
     GRN_UINT32_PUT(context_, &source, grn_obj_id(context_, body_));
@@ -137,14 +136,14 @@ class GroongaEngine : public Engine {
 
   void SearchNear(const Query& query, grn_obj* found) {
     grn_search_optarg options{};
-    options.mode = GRN_OP_NEAR;
+    options.mode = GRN_OP_NEAR_PHRASE;  // GRN_OP_NEAR counts from one word more on one side
     options.max_interval = NearDistance(query.kind);
     Search(query.first + ' ' + query.second, GRN_OP_OR, found, &options);
   }
 
   void List(grn_obj* found, Listing* listing) {
-    grn_table_cursor* cursor = grn_table_cursor_open(context_, found, nullptr, 0, nullptr, 0, 0, -1,
-                                                     GRN_CURSOR_BY_ID);
+    grn_table_cursor* cursor =
+        grn_table_cursor_open(context_, found, nullptr, 0, nullptr, 0, 0, -1, GRN_CURSOR_BY_ID);
     char name[GRN_TABLE_MAX_KEY_SIZE];
     while (grn_table_cursor_next(context_, cursor) != GRN_ID_NIL) {
       void* key = nullptr;

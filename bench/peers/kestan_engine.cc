@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "bench/peers/engine.h"
+#include "peers/engine.h"
 
 namespace kestan_bench {
 namespace {

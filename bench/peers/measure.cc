@@ -1,4 +1,4 @@
-#include "bench/peers/measure.h"
+#include "peers/measure.h"
 
 #include <ctime>
 #include <filesystem>

@@ -9,8 +9,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "bench/peers/corpus.h"
-#include "bench/peers/engine.h"
+#include "peers/corpus.h"
+#include "peers/engine.h"
 
 namespace kestan_bench {
 namespace {
@@ -28,7 +28,7 @@ class NaiveEngine : public Engine {
     path_ = folder + "/documents";
     if (mode == OpenMode::kRead) {
       ReadDocuments();
-    } else {
+    } else if (mode != OpenMode::kUpdate) {
       out_.open(path_, std::ios::binary);
     }
   }
@@ -81,11 +81,16 @@ class NaiveEngine : public Engine {
       return std::find(words.begin(), words.end(), word) != words.end();
     };
     switch (kind) {
-      case QueryKind::kWord: return holds(first);
-      case QueryKind::kAnd: return holds(first) && holds(second);
-      case QueryKind::kOr: return holds(first) || holds(second);
-      case QueryKind::kAndNot: return holds(first) && !holds(second);
-      default: return AreNear(words, first, second, NearDistance(kind));
+      case QueryKind::kWord:
+        return holds(first);
+      case QueryKind::kAnd:
+        return holds(first) && holds(second);
+      case QueryKind::kOr:
+        return holds(first) || holds(second);
+      case QueryKind::kAndNot:
+        return holds(first) && !holds(second);
+      default:
+        return AreNear(words, first, second, NearDistance(kind));
     }
   }
 

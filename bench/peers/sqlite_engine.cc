@@ -1,4 +1,4 @@
-#include "bench/peers/sqlite_engine.h"
+#include "peers/sqlite_engine.h"
 
 namespace kestan_bench {
 namespace {
@@ -8,10 +8,14 @@ std::string MatchExpression(const Query& query) {
   const std::string first = '"' + query.first + '"';
   const std::string second = '"' + query.second + '"';
   switch (query.kind) {
-    case QueryKind::kWord: return first;
-    case QueryKind::kAnd: return first + " AND " + second;
-    case QueryKind::kOr: return first + " OR " + second;
-    case QueryKind::kAndNot: return first + " NOT " + second;
+    case QueryKind::kWord:
+      return first;
+    case QueryKind::kAnd:
+      return first + " AND " + second;
+    case QueryKind::kOr:
+      return first + " OR " + second;
+    case QueryKind::kAndNot:
+      return first + " NOT " + second;
     default:
       return "NEAR(" + first + ' ' + second + ", " + std::to_string(NearDistance(query.kind) - 1) +
              ')';
@@ -22,8 +26,8 @@ std::string MatchExpression(const Query& query) {
 
 void SqliteEngine::Open(const std::string& folder, OpenMode mode) {
   const std::string path = folder + "/index.sqlite";
-  const int flags = mode == OpenMode::kRead ? SQLITE_OPEN_READONLY
-                                            : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+  const int flags =
+      mode == OpenMode::kRead ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
   if (sqlite3_open_v2(path.c_str(), &connection_, flags | SQLITE_OPEN_NOMUTEX, nullptr) !=
       SQLITE_OK) {
     Fail(path, "cannot be opened");

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "bench/peers/engine.h"
+#include "peers/engine.h"
 
 namespace kestan_bench {
 

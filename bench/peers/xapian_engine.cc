@@ -1,4 +1,5 @@
-// Xapian with positions; the name of a document is its value 0, which is read in order of documents.
+// Xapian with positions; the name of a document is its value 0, which is read in order of
+// documents.
 #include <xapian.h>
 
 #include <algorithm>
@@ -9,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "bench/peers/engine.h"
+#include "peers/engine.h"
 
 namespace kestan_bench {
 namespace {

@@ -57,10 +57,11 @@ char* Kestan::ListDocuments() {
 }
 
 char* Kestan::CommonWords(double low, double high) {
-  const DBDatumPtr counter = kestan::Fetch(store_, kestan::kCounterKey);
+  DBDatumPtr counter = kestan::Fetch(store_, kestan::kCounterKey);
   if (counter.ptr == nullptr) return const_cast<char*>("");
   const auto documents = static_cast<std::uint32_t>(kestan::DecodeCounter(*counter.ptr) -
                                                     kestan::CountCodes(*AvailCodes.ptr));
+  counter.Free();  // a flush during the walk must not find it held, or it would be written twice
   const std::uint32_t lower = BoundOf(low, documents);
   const std::uint32_t upper = high >= 0 ? BoundOf(high, documents) : documents;
   const bool with_positions = (OptionFlags & kestan::kFlagNoPositions) == 0;

@@ -45,10 +45,17 @@ struct Allocator {
     return static_cast<T*>(Allocate(count * sizeof(T)));  // NOLINT(bugprone-sizeof-expression)
   }
   void deallocate(T* block, std::size_t) { std::free(block); }
-
-  friend bool operator==(const Allocator&, const Allocator&) { return true; }
-  friend bool operator!=(const Allocator&, const Allocator&) { return false; }
 };
+
+template <typename T, typename U>
+bool operator==(const Allocator<T>&, const Allocator<U>&) {
+  return true;
+}
+
+template <typename T, typename U>
+bool operator!=(const Allocator<T>&, const Allocator<U>&) {
+  return false;
+}
 
 using String = std::basic_string<char, std::char_traits<char>, Allocator<char>>;
 

@@ -127,4 +127,6 @@ Operations LifecycleOperations() {
 
 Operations FillOperation(const rc::Gen<int>& counts) { return rc::gen::map(counts, Fill); }
 
+std::vector<Operation> CopyAndLook() { return {Copy("copy"), LookIntoTheFiles()}; }
+
 }  // namespace kestan_model

@@ -2,6 +2,8 @@
 
 namespace kestan_model {
 
+void showValue(const Operation& operation, std::ostream& out) { out << operation.shown; }
+
 void showValue(const Script& script, std::ostream& out) {
   out << "\n";
   int number = 1;

@@ -18,6 +18,7 @@ struct Operation {
   std::string shown;
   std::function<void(World&)> run;
 };
+void showValue(const Operation& operation, std::ostream& out);
 
 using Operations = rc::Gen<Operation>;
 
@@ -52,6 +53,9 @@ Operations PlantOperation(const rc::Gen<Records>& records);
 
 // Plants so many words that walks over the index flush on their way.
 Operations FillOperation(const rc::Gen<int>& counts);
+
+// Copies the index and compares what the files hold then.
+std::vector<Operation> CopyAndLook();
 
 }  // namespace kestan_model
 
