@@ -14,9 +14,16 @@ run() {
   printf '\n$ kestan %s\n' "$*"
   "$kestan" "$@"
 }
+
+# Shows the best six; `sed` reads to the end, so that the command never writes to a closed pipe.
+search() {
+  printf "\n\$ kestan search %s '%s' | head -n 6\n" "$index" "$1"
+  "$kestan" search "$index" "$1" | sed -n 1,6p
+}
+
 rm -f "$index"
 run index "$index" "$documents"
-run search "$index" 'free AND software AND NOT warranty' | head -n 8
-run search "$index" 'public NEAR/1 domain' | head -n 8
-run search "$index" '(bug OR error) NEAR/3 fixed' | head -n 8
+search 'free software NOT warranty'
+search 'public NEAR/1 domain'
+search '(bug OR error) NEAR/3 fixed'
 run stats "$index"
