@@ -3,7 +3,7 @@
 set -euo pipefail
 
 packages=(g++ clang clang-format clang-tidy cmake ninja-build pkg-config libgdbm-dev libcli11-dev
-  libgtest-dev librapidcheck-dev g++-multilib)
+  libclang-rt-dev libgtest-dev librapidcheck-dev g++-multilib locales)
 
 missing=()
 for package in "${packages[@]}"; do
