@@ -11,6 +11,7 @@ namespace {
 
 constexpr int kBlockBytes = 512;
 constexpr int kFileMode = 0644;
+constexpr std::size_t kCachedBuckets = 65536;  // of 512 bytes: as many as a million keys fill
 
 // gdbm counts bytes in a signed int.
 bool FitsGdbm(const DBDatum& bytes) { return bytes.size <= INT_MAX; }
@@ -19,6 +20,14 @@ bool FitsGdbm(const DBDatum& bytes) { return bytes.size <= INT_MAX; }
 datum ForGdbm(const DBDatum& bytes) {
   static char nothing;
   return {bytes.data != nullptr ? bytes.data : &nothing, static_cast<int>(bytes.size)};
+}
+
+// gdbm maps the file anew each time it grows, which costs a writer more than the mapping saves.
+void StopMapping(GDBM_FILE file) {
+  int off = 0;
+  gdbm_setopt(file, GDBM_SETMMAP, &off, sizeof off);
+  std::size_t buckets = kCachedBuckets;
+  gdbm_setopt(file, GDBM_SETCACHESIZE, &buckets, sizeof buckets);
 }
 
 // A handle to a datum that may be counted; counting changes it, whatever the caller may change.
@@ -40,10 +49,13 @@ Database::~Database() { Close(); }
 
 int Database::Open(const char* name, int writer) {
   if (dbf != nullptr) return -1;
+  ++changes_;
   cache_->DropUnheld();  // what was read from an earlier file must not answer for this one
   const int flags = writer != 0 ? GDBM_WRCREAT | GDBM_FAST : GDBM_READER;
   dbf = gdbm_open(name, kBlockBytes, flags, kFileMode, nullptr);
-  return dbf != nullptr ? 0 : gdbm_errno;
+  if (dbf == nullptr) return gdbm_errno;
+  if (writer != 0) StopMapping(dbf);
+  return 0;
 }
 
 int Database::Close() {
@@ -56,6 +68,7 @@ int Database::Close() {
 
 int Database::Flush() {
   if (!IsOpenFor("flush")) return -1;
+  ++changes_;
   int result = 0;
   for (const kestan::DBCache::Entry* entry : cache_->DirtyInKeyOrder()) {
     const DBDatum& key = *entry->key.ptr;
@@ -88,8 +101,19 @@ int Database::Get(DBDatumPtr* value, const DBDatum& key) {
   return 0;
 }
 
+int Database::GetMany(DBDatumPtr* values, const DBDatum* keys, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) values[i].Free();
+  if (!IsOpenFor("get")) return -1;
+  cache_->FindMany(values, keys, count);
+  for (std::size_t i = 0; i < count; ++i) {
+    if (values[i].ptr == nullptr) Get(&values[i], keys[i]);
+  }
+  return 0;
+}
+
 int Database::Put(const DBDatum& key, const DBDatum& value) {
   if (!IsOpenFor("put")) return -1;
+  ++changes_;
   kestan::DBCache::Entry* entry = cache_->Find(key);
   if (entry == nullptr) {
     const bool counted = value.refs > 0;
@@ -108,6 +132,7 @@ int Database::Put(const DBDatum& key, const DBDatum& value) {
 
 int Database::Del(const DBDatum& key) {
   if (!IsOpenFor("del")) return -1;
+  ++changes_;
   if (FitsGdbm(key)) gdbm_delete(dbf, ForGdbm(key));
   cache_->Erase(key);  // last, for it may free the bytes of `key`
   return 0;

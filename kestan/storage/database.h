@@ -5,6 +5,8 @@
 #include <kestan/export.h>
 #include <kestan/storage/dbdatum.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 
 struct gdbm_file_info;
@@ -55,6 +57,12 @@ class KESTAN_EXPORT Database {
   //   Owner    shared with the cache: `*value` sees what others do to the value and keeps it alive.
   int Get(DBDatumPtr* value, const DBDatum& key);
 
+  // Fetches the values of `count` keys, as that many calls of Get() would. Much faster where most
+  // of them are cached, since it waits for the memory of many at a time. `keys` must not be datums
+  // that only `values` hold.
+  //   Returns  0, or -1 without a file; each of `values` is null where its key has no record.
+  int GetMany(DBDatumPtr* values, const DBDatum* keys, std::size_t count);
+
   // Stores `value` under `key`, replacing an earlier one, in the file at once. Copies bytes of
   // datums that are not counted; a counted value is shared, and so is the counted key of one that
   // was not cached. Those who hold the cached value see the new bytes.
@@ -73,6 +81,10 @@ class KESTAN_EXPORT Database {
   int First(DBDatumPtr* key, DBDatumPtr* value = nullptr);
   int Next(DBDatumPtr* key, DBDatumPtr* value = nullptr);
 
+  // Returns a number that grows with every call that may change what some key answers: Open(),
+  // Put(), Del(), Flush() and what they are part of. Changes in place do not show in it.
+  std::uint64_t Changes() const { return changes_; }
+
   // Waits until the file is on the disk.
   //   Returns  0, or -1 without a file.
   int Sync();
@@ -89,6 +101,7 @@ class KESTAN_EXPORT Database {
   gdbm_file_info* dbf = nullptr;
   DBDatumPtr cursor;  // the key that First() or Next() found last
   std::unique_ptr<kestan::DBCache> cache_;
+  std::uint64_t changes_ = 0;
 };
 
 #endif  // KESTAN_STORAGE_DATABASE_H_
