@@ -7,6 +7,11 @@
 #include <kestan/storage/dbdatum.h>
 
 #include <cstdint>
+#include <memory>
+
+namespace kestan {
+class NameTable;
+}
 
 // A full-text search engine over one index file.
 //
@@ -242,6 +247,7 @@ class KESTAN_EXPORT Kestan {
   Database store_;
   DBDatumPtr AvailCodes;          // the reusable codes: the value of "g-avail"; null while closed
   std::uint32_t OptionFlags = 0;  // the value of "g-opts"
+  std::unique_ptr<kestan::NameTable> names_;
 };
 
 #endif  // KESTAN_ENGINE_KESTAN_H_

@@ -1,6 +1,8 @@
 #include <kestan/engine/keys.h>
 #include <kestan/engine/records.h>
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <climits>
 #include <cstring>
@@ -42,6 +44,15 @@ void Resize(DBDatum* record, std::size_t bytes) {
   record->size = static_cast<std::uint32_t>(bytes);
 }
 
+// Resizes a record that will grow again and again.
+void ResizeWithSlack(DBDatum* record, std::size_t bytes) {
+  if (record->data == nullptr || malloc_usable_size(record->data) < bytes) {
+    const std::size_t roomy = std::min<std::size_t>(bytes + bytes / 4, kMaxRecordBytes);
+    record->data = static_cast<char*>(Reallocate(record->data, roomy));
+  }
+  record->size = static_cast<std::uint32_t>(bytes);
+}
+
 // Makes the record at least `bytes` long; what is new is 0.
 void GrowTo(DBDatum* record, std::uint32_t bytes) {
   const std::uint32_t had = record->size;
@@ -68,9 +79,10 @@ bool PostingReader::Next(PostingEntry* entry) {
   return true;
 }
 
-void PostingReader::ReadPositions(const PostingEntry& entry, Position* positions) const {
-  const char* bytes = UnitAddress(record_, entry.first_unit + 2);
-  for (std::size_t i = 0; i < entry.positions; ++i) positions[i] = LoadUnit(bytes + i * kUnitBytes);
+Vector<std::uint16_t> CopyUnits(const DBDatum& record) {
+  Vector<std::uint16_t> units(record.size / kUnitBytes);
+  for (std::size_t i = 0; i < units.size(); ++i) units[i] = LoadUnit(UnitAddress(record, i));
+  return units;
 }
 
 std::size_t CountPostings(const DBDatum& record, bool with_positions) {
@@ -82,19 +94,19 @@ std::size_t CountPostings(const DBDatum& record, bool with_positions) {
   return count;
 }
 
-bool AppendPosting(DBDatum* record, Code code, const Vector<Position>* positions) {
+bool AppendPosting(DBDatum* record, Code code, const Positions* positions) {
   const std::size_t count =
-      positions == nullptr ? 0 : std::min<std::size_t>(positions->size(), USHRT_MAX);
+      positions == nullptr ? 0 : std::min<std::size_t>(positions->count, USHRT_MAX);
   const std::size_t units = positions == nullptr ? 1 : 2 + count;
   const std::size_t had = record->size;
   if (had > kMaxRecordBytes - units * kUnitBytes) return false;
-  Resize(record, had + units * kUnitBytes);
+  ResizeWithSlack(record, had + units * kUnitBytes);
   char* bytes = record->data + had;
   StoreUnit(bytes, code);
   if (positions == nullptr) return true;
   StoreUnit(bytes + kUnitBytes, static_cast<std::uint16_t>(count));
   bytes += std::size_t{2} * kUnitBytes;
-  for (std::size_t i = 0; i < count; ++i) StoreUnit(bytes + i * kUnitBytes, (*positions)[i]);
+  for (std::size_t i = 0; i < count; ++i) StoreUnit(bytes + i * kUnitBytes, positions->first[i]);
   return true;
 }
 

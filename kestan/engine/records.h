@@ -41,6 +41,15 @@ struct PostingEntry {
   std::uint16_t positions;  // how many of its positions the record holds; they end the entry
 };
 
+// Positions of a word in one document, side by side in memory that somebody else owns.
+struct Positions {
+  const Position* begin() const { return first; }
+  const Position* end() const { return first + count; }
+
+  const Position* first;
+  std::size_t count;
+};
+
 // Walks the entries of a record in the order they were added.
 class PostingReader {
  public:
@@ -52,9 +61,6 @@ class PostingReader {
   //   Returns  false, with `*entry` as it was, if there is none.
   bool Next(PostingEntry* entry);
 
-  // Reads the positions of `entry` into `positions`, which has room for all of them.
-  void ReadPositions(const PostingEntry& entry, Position* positions) const;
-
  private:
   const DBDatum& record_;
   const std::size_t units_;
@@ -62,13 +68,16 @@ class PostingReader {
   std::size_t next_unit_ = 0;
 };
 
+// Returns all units of the record, codes and counts among them.
+Vector<std::uint16_t> CopyUnits(const DBDatum& record);
+
 // Returns how many documents the record lists.
 std::size_t CountPostings(const DBDatum& record, bool with_positions);
 
 // Adds an entry at the end; with `positions` null, one without positions. Not marked dirty here.
 //   Returns  false with nothing changed if the record would grow past what gdbm can store. Of more
 //            than 65535 positions the first 65535 are kept, for that is what the count can say.
-bool AppendPosting(DBDatum* record, Code code, const Vector<Position>* positions);
+bool AppendPosting(DBDatum* record, Code code, const Positions* positions);
 
 // Takes the positions out of every entry. The buffer keeps its size. Not marked dirty here.
 void DropPositions(DBDatum* record);

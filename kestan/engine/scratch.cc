@@ -2,7 +2,6 @@
 #include <kestan/storage/memory.h>
 
 #include <algorithm>
-#include <cstring>
 
 namespace kestan {
 namespace {
@@ -18,8 +17,7 @@ void ScratchBuffer::Grow(std::uint32_t new_size) {
   Reserve(new_size);
 }
 
-void ScratchBuffer::Reserve(std::size_t count) {
-  if (capacity != 0 && count <= capacity) return;
+void ScratchBuffer::Enlarge(std::size_t count) {
   const std::size_t roomy = capacity + capacity / 2;  // long texts must not be moved for every line
   const std::size_t target = std::max({count, roomy, static_cast<std::size_t>(size)});
   bytes = static_cast<char*>(Reallocate(capacity != 0 ? bytes : nullptr, target));
@@ -39,12 +37,6 @@ void ScratchText::MakeRoom(std::size_t room) {
   // The text may have passed the stated size: then the room left is negative.
   const auto left = static_cast<std::int64_t>(scratch.size) - static_cast<std::int64_t>(used_);
   if (left < static_cast<std::int64_t>(room)) scratch.Grow(scratch.size * 2);
-}
-
-void ScratchText::Append(std::string_view text) {
-  scratch.Reserve(used_ + text.size() + 1);
-  if (!text.empty()) std::memcpy(scratch.bytes + used_, text.data(), text.size());
-  used_ += text.size();
 }
 
 void ScratchText::AppendLine(std::string_view line, std::size_t room) {

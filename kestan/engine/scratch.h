@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 namespace kestan {
@@ -15,7 +16,9 @@ struct ScratchBuffer {
   void Grow(std::uint32_t new_size);
 
   // Makes sure of memory for `count` bytes; the stated size stays as it is.
-  void Reserve(std::size_t count);
+  void Reserve(std::size_t count) {
+    if (capacity == 0 || count > capacity) Enlarge(count);
+  }
 
   // Releases the memory. `bytes` and `size` stay as they were; the next Reserve() starts anew.
   void Release();
@@ -23,6 +26,9 @@ struct ScratchBuffer {
   char* bytes = nullptr;
   std::uint32_t size = 0;
   std::size_t capacity = 0;  // of the memory at `bytes`; 0 when there is none
+
+ private:
+  void Enlarge(std::size_t count);
 };
 
 extern ScratchBuffer scratch;
@@ -36,7 +42,11 @@ class ScratchText {
   // Doubles the stated size, once, if less than `room` bytes of it are left.
   void MakeRoom(std::size_t room);
 
-  void Append(std::string_view text);
+  void Append(std::string_view text) {
+    scratch.Reserve(used_ + text.size() + 1);
+    if (!text.empty()) std::memcpy(scratch.bytes + used_, text.data(), text.size());
+    used_ += text.size();
+  }
 
   // Makes room for `line` and its line feed, `room` bytes as the caller counts them, and adds both.
   void AppendLine(std::string_view line, std::size_t room);

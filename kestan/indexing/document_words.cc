@@ -1,35 +1,78 @@
 #include <kestan/engine/white_space.h>
 #include <kestan/indexing/document_words.h>
+#include <kestan/storage/hash.h>
 
 namespace kestan {
 namespace {
 
-String Fold(std::string_view text) {
-  String folded(text);
-  for (char& byte : folded) byte = static_cast<char>(byte | 0x20);
-  return folded;
-}
+constexpr std::size_t kFirstTable = 512;
 
 }  // namespace
 
-DocumentWords::DocumentWords(std::string_view text) : text_(text), folded_(Fold(text)) {
-  std::size_t start = 0;
-  for (std::size_t i = 0; i < text_.size(); ++i) {
-    if (!IsWhiteSpace(text_[i])) continue;
-    RecordWord(start, i);
-    start = i + 1;
-  }
-  RecordWord(start, text_.size());
+DocumentWords::DocumentWords(std::string_view text)
+    : text_(text), folded_(text), table_(kFirstTable) {
+  for (char& byte : folded_) byte = static_cast<char>(byte | 0x20);
+  Split();
+  SortPositions();
 }
 
-// Records the bytes from `start` up to `end`, unless there are none.
-void DocumentWords::RecordWord(std::size_t start, std::size_t end) {
-  if (start == end) return;
-  const std::string_view word = std::string_view(text_).substr(start, end - start);
-  const std::string_view folded = std::string_view(folded_).substr(start, end - start);
-  table_[word].push_back(next_position_);
-  if (folded != word) table_[folded].push_back(next_position_);
-  if (++next_position_ == 0) next_position_ = 1;  // 0 means that a position is not known
+void DocumentWords::Split() {
+  const char* const begin = text_.data();
+  const char* const end = begin + text_.size();
+  for (const char* next = begin;;) {
+    while (next < end && IsWhiteSpace(*next)) ++next;
+    if (next == end) break;
+    const char* const start = next;
+    unsigned all = 0x20;
+    while (next < end && !IsWhiteSpace(*next)) all &= static_cast<unsigned char>(*next++);
+    const auto length = static_cast<std::size_t>(next - start);
+    Record({start, length});
+    if (all == 0) Record({folded_.data() + (start - begin), length});
+    if (++next_position_ == 0) next_position_ = 1;  // 0 means that a position is not known
+  }
+}
+
+void DocumentWords::Record(std::string_view word) {
+  const std::uint32_t index = IndexOf(word);
+  ++words_[index].positions.count;
+  occurrences_.push_back({index, next_position_});
+}
+
+// Finds or adds a word.
+std::uint32_t DocumentWords::IndexOf(std::string_view word) {
+  if (words_.size() * 2 >= table_.size()) GrowTable();
+  const std::size_t mask = table_.size() - 1;
+  const std::uint32_t hash = Hash(word);
+  std::size_t place = hash & mask;
+  for (; table_[place] != 0; place = (place + 1) & mask) {
+    const Word& known = words_[table_[place] - 1];
+    if (known.hash == hash && known.bytes == word) return table_[place] - 1;
+  }
+  words_.push_back({word, {nullptr, 0}, hash});
+  table_[place] = static_cast<std::uint32_t>(words_.size());
+  return table_[place] - 1;
+}
+
+void DocumentWords::GrowTable() {
+  table_.assign(table_.size() * 4, 0);
+  const std::size_t mask = table_.size() - 1;
+  for (std::uint32_t i = 0; i < words_.size(); ++i) {
+    std::size_t place = words_[i].hash & mask;
+    while (table_[place] != 0) place = (place + 1) & mask;
+    table_[place] = i + 1;
+  }
+}
+
+// Gathers the positions of each word from the occurrences, which stand in text order.
+void DocumentWords::SortPositions() {
+  positions_.resize(occurrences_.size());
+  Vector<Position*> ends(words_.size());
+  Position* next = positions_.data();
+  for (std::size_t i = 0; i < words_.size(); ++i) {
+    words_[i].positions.first = ends[i] = next;
+    next += words_[i].positions.count;
+  }
+  for (const Occurrence& occurrence : occurrences_) *ends[occurrence.word]++ = occurrence.position;
 }
 
 }  // namespace kestan

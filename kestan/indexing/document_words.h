@@ -6,10 +6,8 @@
 #include <kestan/storage/memory.h>
 
 #include <cstddef>
-#include <functional>
+#include <cstdint>
 #include <string_view>
-#include <unordered_map>
-#include <utility>
 
 namespace kestan {
 
@@ -18,24 +16,37 @@ namespace kestan {
 // the same position.
 class DocumentWords {
  public:
-  // A distinct word and its positions in the order of the text.
-  using Table = std::unordered_map<std::string_view, Vector<Position>, std::hash<std::string_view>,
-                                   std::equal_to<>,
-                                   Allocator<std::pair<const std::string_view, Vector<Position>>>>;
+  struct Word {
+    std::string_view bytes;
+    Positions positions;
+    std::uint32_t hash;
+  };
 
   // Copies `text`.
   explicit DocumentWords(std::string_view text);
 
-  // The words look at memory of this object.
-  const Table& table() const { return table_; }
+  // Each distinct word. They look at memory of this object.
+  const Vector<Word>& words() const { return words_; }
 
  private:
-  void RecordWord(std::size_t start, std::size_t end);
+  struct Occurrence {
+    std::uint32_t word;  // its index
+    Position position;
+  };
+
+  void Split();
+  void Record(std::string_view word);
+  std::uint32_t IndexOf(std::string_view word);
+  void GrowTable();
+  void SortPositions();
 
   const String text_;
-  const String folded_;  // the same bytes, folded, at the same places
+  String folded_;  // the same bytes, folded, at the same places
   Position next_position_ = 1;
-  Table table_;
+  Vector<Word> words_;
+  Vector<std::uint32_t> table_;  // by hash: the index of a word plus 1, or 0
+  Vector<Occurrence> occurrences_;
+  Vector<Position> positions_;
 };
 
 }  // namespace kestan

@@ -55,7 +55,7 @@ Code ReuseCode(const DBDatumPtr& available) {
   return code;
 }
 
-using Word = DocumentWords::Table::value_type;  // a word and its positions
+using Word = DocumentWords::Word;
 
 // The one new entry of each posting record that a document touches.
 struct Entry {
@@ -65,11 +65,11 @@ struct Entry {
 
 void AddEntry(const DBDatumPtr& record, const Word& word, Entry entry) {
   if (kestan::AppendPosting(record.ptr, entry.code,
-                            entry.with_positions ? &word.second : nullptr)) {
+                            entry.with_positions ? &word.positions : nullptr)) {
     MarkDirty(record);
   } else {
     std::fprintf(stderr, "%s: Posting record of '%s' is full -- entry left out\n", kEngineName,
-                 kestan::String(word.first).c_str());
+                 kestan::String(word.bytes).c_str());
   }
 }
 
@@ -78,17 +78,24 @@ void AddEntry(const DBDatumPtr& record, const Word& word, Entry entry) {
 //   Returns  the other words, in order of their bytes.
 kestan::Vector<const Word*> PostKnownWords(Database& store, const DocumentWords& words,
                                            Entry entry) {
+  kestan::Vector<DBDatum> keys;
+  keys.reserve(words.words().size());
+  for (const Word& word : words.words()) keys.push_back(AsDatum(word.bytes));
+  kestan::Vector<DBDatumPtr> records(keys.size());
+  store.GetMany(records.data(), keys.data(), keys.size());
+
   kestan::Vector<const Word*> unknown;
-  for (const Word& word : words.table()) {
-    const DBDatumPtr record = Fetch(store, word.first);
-    if (record.ptr != nullptr) {
-      AddEntry(record, word, entry);
+  auto record = records.begin();
+  for (const Word& word : words.words()) {
+    if (record->ptr != nullptr) {
+      AddEntry(*record, word, entry);
     } else {
       unknown.push_back(&word);
     }
+    ++record;
   }
   std::sort(unknown.begin(), unknown.end(),
-            [](const Word* left, const Word* right) { return left->first < right->first; });
+            [](const Word* left, const Word* right) { return left->bytes < right->bytes; });
   return unknown;
 }
 
@@ -97,17 +104,17 @@ kestan::Vector<const Word*> PostKnownWords(Database& store, const DocumentWords&
 void PostNewWords(Database& store, const kestan::Vector<const Word*>& words, Entry entry,
                   kestan::ScratchText* lines) {
   for (const Word* word : words) {
-    store.Put(AsDatum(word->first), AsDatum(""));
-    AddEntry(Fetch(store, word->first), *word, entry);
-    lines->AppendLine(word->first, word->first.size() + 2);
+    store.Put(AsDatum(word->bytes), AsDatum(""));
+    AddEntry(Fetch(store, word->bytes), *word, entry);
+    lines->AppendLine(word->bytes, word->bytes.size() + 2);
   }
 }
 
 }  // namespace
 
 const char* Kestan::AddDocumentWords(const char* name, const char* text) {
-  const kestan::String document(
-      name);  // both may lie in the scratch buffer, which is written below
+  // Copies: both strings may lie in the scratch buffer, which is written below.
+  const kestan::String document(name);
   const DocumentWords words(text);
   RemoveDocumentWords(document.c_str());
   if (!IsOpen()) return "";

@@ -2,10 +2,10 @@
 #include <kestan/engine/kestan.h>
 #include <kestan/engine/keys.h>
 #include <kestan/engine/records.h>
+#include <kestan/query/position_matcher.h>
 #include <kestan/query/result_set.h>
 
 #include <algorithm>
-#include <bitset>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -18,68 +18,9 @@ using kestan::Positions;
 using kestan::ResultSet;
 using kestan::Score;
 
-constexpr int kCloseWords = 20;  // pairs of words up to this far apart earn a bonus
-constexpr int kClosestBonus = 401;
-constexpr std::size_t kMaxPositions = 65535;  // of one document
-
 Score CutScore(std::uint32_t score) {
   return static_cast<Score>(std::min(score, kestan::kMaxScore));
 }
-
-// Matches the positions of two words in one document after another.
-class PositionMatcher {
- public:
-  // `distance` is how far apart a pair may be; 0: any distance.
-  explicit PositionMatcher(int distance) : distance_(distance) {}
-
-  // Compares every position of `first` with every one of `second`.
-  void Match(Positions first, Positions second) {
-    for (const Position position : found_) seen_.reset(position);
-    found_.clear();
-    bonus_ = 0;
-    for (const Position a : first) {
-      for (const Position b : second) MatchPair(a, b);
-    }
-    std::sort(found_.begin(), found_.end());
-  }
-
-  // The positions that the last Match() found, ascending; as many as a document can have.
-  Positions found() const {
-    return {found_.data(), static_cast<std::uint16_t>(std::min(found_.size(), kMaxPositions))};
-  }
-
-  // What the close pairs of the last Match() earn, modulo 2^32.
-  std::uint32_t bonus() const { return bonus_; }
-
- private:
-  void MatchPair(Position a, Position b) {
-    if (b == 0) return Keep(a);
-    if (a == 0) return Keep(b);
-    const int difference = b - a;
-    if (!IsInReach(difference)) return;
-    if (-kCloseWords <= difference && difference <= kCloseWords) {
-      bonus_ += static_cast<std::uint32_t>(kClosestBonus - difference * difference);
-    }
-    Keep(b);
-  }
-
-  // In 64 bits, for the least distance has no counterpart in 32.
-  bool IsInReach(std::int64_t difference) const {
-    if (distance_ == 0) return true;
-    return difference != 0 && -distance_ <= difference && difference <= distance_;
-  }
-
-  void Keep(Position position) {
-    if (seen_[position]) return;
-    seen_.set(position);
-    found_.push_back(position);
-  }
-
-  const std::int64_t distance_;
-  std::bitset<65536> seen_;
-  kestan::Vector<Position> found_;
-  std::uint32_t bonus_ = 0;
-};
 
 // Calls `on_both` with each pair of documents that have the same code.
 template <typename OnBoth>
@@ -106,7 +47,7 @@ void AddMerged(const ResultSet& a_set, const ResultSet::Document& a, const Resul
   Position* const to = merged->Add(b.code, score, count);
   const Positions of_a = a_set.PositionsOf(a);
   const Positions of_b = b_set.PositionsOf(b);
-  const std::uint16_t from_b = std::min(of_b.count, count);
+  const std::size_t from_b = std::min<std::size_t>(of_b.count, count);
   std::copy_n(of_b.first, from_b, to);
   std::copy_n(of_a.first, count - from_b, to + from_b);
 }
@@ -136,7 +77,7 @@ int Kestan::QueryAnd(int first, int second, int distance) {
   const ResultSet* const b_set = kestan::FindQueryResult(second);
   if (a_set == nullptr || b_set == nullptr) return -1;
   auto* const both = kestan::New<ResultSet>();
-  PositionMatcher matcher(distance);
+  kestan::PositionMatcher matcher(distance);
   ForEachCommonDocument(*a_set, *b_set, [&](const auto& a, const auto& b) {
     matcher.Match(a_set->PositionsOf(a), b_set->PositionsOf(b));
     if (matcher.found().count == 0) return;

@@ -1,6 +1,7 @@
 // From a result set to the lines that a host shows.
 #include <kestan/engine/kestan.h>
 #include <kestan/engine/keys.h>
+#include <kestan/engine/name_table.h>
 #include <kestan/engine/records.h>
 #include <kestan/engine/scratch.h>
 #include <kestan/query/result_set.h>
@@ -46,13 +47,14 @@ char* Kestan::QueryResults(int id) {
   const std::uint32_t best = BestScore(*set, removed);
   const std::uint32_t factor = best != 0 ? 100 * kScale / best : kScale;
   kestan::ScratchText lines;
+  names_->Refresh(store_);
   for (const auto& document : set->documents()) {
     if (removed[document.code]) continue;
-    store_.Get(&record, kestan::AsDatum(kestan::NameKey(document.code)));
-    if (record.ptr == nullptr) continue;
-    lines.MakeRoom(record.ptr->size + kRoomBesideName);
+    const std::string_view name = names_->Find(store_, document.code, &record);
+    if (name.data() == nullptr) continue;
+    lines.MakeRoom(name.size() + kRoomBesideName);
     AppendPercent((factor * document.score + kScale / 2) / kScale, &lines);
-    lines.Append({record.ptr->data, record.ptr->size});
+    lines.Append(name);
     lines.Append("\n");
   }
   return lines.Finish();

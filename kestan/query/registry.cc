@@ -19,6 +19,10 @@ bool CodeIsLower(const ResultSet::Document& left, const ResultSet::Document& rig
   return left.code < right.code;
 }
 
+bool CodeIsNotLower(const ResultSet::Document& left, const ResultSet::Document& right) {
+  return !CodeIsLower(left, right);
+}
+
 }  // namespace
 
 Position* ResultSet::Add(Code code, Score score, std::uint16_t count) {
@@ -29,10 +33,14 @@ Position* ResultSet::Add(Code code, Score score, std::uint16_t count) {
 }
 
 void ResultSet::Add(Code code, Score score, Positions positions) {
-  std::copy(positions.begin(), positions.end(), Add(code, score, positions.count));
+  std::copy(positions.begin(), positions.end(),
+            Add(code, score, static_cast<std::uint16_t>(positions.count)));
 }
 
 void ResultSet::Sort() {
+  const auto out_of_order =
+      std::adjacent_find(documents_.begin(), documents_.end(), CodeIsNotLower);
+  if (out_of_order == documents_.end()) return;
   std::stable_sort(documents_.begin(), documents_.end(), CodeIsLower);
   const auto same_code = [](const Document& left, const Document& right) {
     return left.code == right.code;

@@ -7,21 +7,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 namespace kestan {
 
 using Score = std::uint16_t;
 inline constexpr std::uint32_t kMaxScore = 65535;
-
-// The positions at which one document matched, in the order of the operation that found them. 0
-// means that the position is not known.
-struct Positions {
-  const Position* begin() const { return first; }
-  const Position* end() const { return first + count; }
-
-  const Position* first;
-  std::uint16_t count;
-};
 
 // Documents in ascending order of their codes. All positions of a set lie in one block of memory.
 class ResultSet {
@@ -38,8 +29,15 @@ class ResultSet {
   //   Returns  where the positions go. Valid until the next call.
   Position* Add(Code code, Score score, std::uint16_t count);
 
-  // Adds a document with the positions given.
+  // Adds a document with the positions given, at most 65535.
   void Add(Code code, Score score, Positions positions);
+
+  // Takes `units` as the block of positions of a set that has none yet, and adds a document whose
+  // positions stand in it already, from `first` on.
+  void TakePositions(Vector<Position> units) { positions_ = std::move(units); }
+  void AddTaken(Code code, Score score, std::size_t first, std::uint16_t count) {
+    documents_.push_back({code, score, count, static_cast<std::uint32_t>(first)});
+  }
 
   // Puts the documents in order. Of those with one code only the first that was added stays.
   void Sort();

@@ -13,7 +13,7 @@
 namespace kestan_tests {
 namespace {
 
-using Positions = kestan::Vector<kestan::Position>;
+using PositionVector = std::vector<kestan::Position>;
 
 const std::string kGood = Units({7, 2, 10, 20, 9, 0, 300, 3, 1, 65535, 1, 65535, 1, 5});
 
@@ -37,12 +37,9 @@ std::vector<PlainEntry> Entries(const std::string& record, bool with_positions) 
   kestan::PostingEntry entry{};
   std::vector<PlainEntry> entries;
   while (reader.Next(&entry)) {
-    std::vector<kestan::Position> positions(entry.positions);
-    reader.ReadPositions(entry, positions.data());
     const auto first = units.begin() + static_cast<std::ptrdiff_t>(entry.first_unit);
-    entries.push_back({{first, first + static_cast<std::ptrdiff_t>(entry.units)},
-                       entry.code,
-                       {positions.begin(), positions.end()}});
+    const auto end = first + static_cast<std::ptrdiff_t>(entry.units);
+    entries.push_back({{first, end}, entry.code, {end - entry.positions, end}});
   }
   return entries;
 }
@@ -122,19 +119,32 @@ TEST(Postings, OfDamagedRecordsAreCountedAsTheReaderFindsThem) {
   });
 }
 
+bool Append(DBDatum* record, kestan::Code code, const PositionVector& positions) {
+  const kestan::Positions borrowed{positions.data(), positions.size()};
+  return kestan::AppendPosting(record, code, &borrowed);
+}
+
 TEST(Postings, AreAddedAtTheEnd) {
   const DBDatumPtr record = Counted(Units({7, 1, 10}));
-  const Positions positions = {1, 65535};
-  EXPECT_TRUE(kestan::AppendPosting(record.ptr, 3, &positions));
+  EXPECT_TRUE(Append(record.ptr, 3, {1, 65535}));
   EXPECT_EQ(Bytes(*record.ptr), Units({7, 1, 10, 3, 2, 1, 65535}));
   EXPECT_FALSE(record.ptr->dirty);
 }
 
 TEST(Postings, AreAddedToAnEmptyRecord) {
   const DBDatumPtr record = Counted("");
-  const Positions none;
-  EXPECT_TRUE(kestan::AppendPosting(record.ptr, 65535, &none));
+  EXPECT_TRUE(Append(record.ptr, 65535, {}));
   EXPECT_EQ(Bytes(*record.ptr), Units({65535, 0}));
+}
+
+TEST(Postings, AddedOneByOneMakeTheRecordThatAPlainListMakes) {
+  const DBDatumPtr record = Counted("");
+  std::string plain;
+  for (unsigned code = 1; code < 2000; ++code) {
+    EXPECT_TRUE(Append(record.ptr, static_cast<kestan::Code>(code), {9, 10}));
+    plain += Units({code, 2, 9, 10});
+    ASSERT_EQ(Bytes(*record.ptr), plain);
+  }
 }
 
 TEST(Postings, WithoutPositionsAreTheCodeAlone) {
@@ -146,8 +156,8 @@ TEST(Postings, WithoutPositionsAreTheCodeAlone) {
 TEST(Postings, HoldAtMost65535Positions) {
   const DBDatumPtr full = Counted("");
   const DBDatumPtr over = Counted("");
-  EXPECT_TRUE(kestan::AppendPosting(full.ptr, 1, std::make_unique<Positions>(65535, 4).get()));
-  EXPECT_TRUE(kestan::AppendPosting(over.ptr, 1, std::make_unique<Positions>(65536, 4).get()));
+  EXPECT_TRUE(Append(full.ptr, 1, PositionVector(65535, 4)));
+  EXPECT_TRUE(Append(over.ptr, 1, PositionVector(65536, 4)));
   EXPECT_EQ(full.ptr->size, 2u + 2u + 2u * 65535u);
   EXPECT_EQ(Bytes(*over.ptr), Bytes(*full.ptr));
   EXPECT_EQ(Bytes(*full.ptr).substr(0, 6), Units({1, 65535, 4}));
@@ -158,8 +168,7 @@ TEST(Postings, WouldNotGrowARecordPastWhatGdbmStores) {
   record.size = INT_MAX - 1;
   EXPECT_FALSE(kestan::AppendPosting(&record, 1, nullptr));
   record.size = INT_MAX - 5;
-  const Positions one = {1};
-  EXPECT_FALSE(kestan::AppendPosting(&record, 1, &one));
+  EXPECT_FALSE(Append(&record, 1, {1}));
   EXPECT_EQ(record.size, static_cast<std::uint32_t>(INT_MAX - 5));
   EXPECT_EQ(record.data, nullptr);
 }
