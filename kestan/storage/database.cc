@@ -22,14 +22,6 @@ datum ForGdbm(const DBDatum& bytes) {
   return {bytes.data != nullptr ? bytes.data : &nothing, static_cast<int>(bytes.size)};
 }
 
-// gdbm maps the file anew each time it grows, which costs a writer more than the mapping saves.
-void StopMapping(GDBM_FILE file) {
-  int off = 0;
-  gdbm_setopt(file, GDBM_SETMMAP, &off, sizeof off);
-  std::size_t buckets = kCachedBuckets;
-  gdbm_setopt(file, GDBM_SETCACHESIZE, &buckets, sizeof buckets);
-}
-
 // A handle to a datum that may be counted; counting changes it, whatever the caller may change.
 DBDatumPtr Share(const DBDatum& datum) { return DBDatumPtr(const_cast<DBDatum*>(&datum)); }
 
@@ -54,7 +46,8 @@ int Database::Open(const char* name, int writer) {
   const int flags = writer != 0 ? GDBM_WRCREAT | GDBM_FAST : GDBM_READER;
   dbf = gdbm_open(name, kBlockBytes, flags, kFileMode, nullptr);
   if (dbf == nullptr) return gdbm_errno;
-  if (writer != 0) StopMapping(dbf);
+  writes_ = writer != 0;
+  if (writes_) PrepareToWrite();
   return 0;
 }
 
@@ -133,6 +126,7 @@ int Database::Put(const DBDatum& key, const DBDatum& value) {
 int Database::Del(const DBDatum& key) {
   if (!IsOpenFor("del")) return -1;
   ++changes_;
+  MapFile(false);
   if (FitsGdbm(key)) gdbm_delete(dbf, ForGdbm(key));
   cache_->Erase(key);  // last, for it may free the bytes of `key`
   return 0;
@@ -141,6 +135,7 @@ int Database::Del(const DBDatum& key) {
 int Database::First(DBDatumPtr* key, DBDatumPtr* value) {
   key->Free();
   if (!IsOpenFor("first")) return -1;
+  MapFile(true);
   const datum found = gdbm_firstkey(dbf);
   return Visit(key, value, found.dptr, found.dsize);
 }
@@ -171,6 +166,7 @@ int Database::Shrink() {
   if (!IsOpenFor("shrink")) return -1;
   Flush();
   gdbm_reorganize(dbf);
+  if (writes_) PrepareToWrite();  // it is another file now
   return Sync();
 }
 
@@ -181,9 +177,27 @@ bool Database::IsOpenFor(const char* operation) const {
   return false;
 }
 
+// Walks are twice as fast over a mapped file. But gdbm maps a file anew each time it grows, which
+// costs far more than it saves, so nothing is written through a mapping.
+void Database::MapFile(bool mapped) {
+  if (!writes_ || mapped == mapped_) return;
+  int wanted = mapped ? 1 : 0;
+  gdbm_setopt(dbf, GDBM_SETMMAP, &wanted, sizeof wanted);
+  mapped_ = mapped;
+}
+
+// Sets up the file that gdbm has just opened or made.
+void Database::PrepareToWrite() {
+  std::size_t buckets = kCachedBuckets;
+  gdbm_setopt(dbf, GDBM_SETCACHESIZE, &buckets, sizeof buckets);
+  mapped_ = true;  // as gdbm opens files
+  MapFile(false);
+}
+
 // Writes one record to the file.
 //   Returns  0 or gdbm's error number.
 int Database::Store(const DBDatum& key, const DBDatum& value) {
   if (!FitsGdbm(key) || !FitsGdbm(value)) return GDBM_MALFORMED_DATA;
+  MapFile(false);
   return gdbm_store(dbf, ForGdbm(key), ForGdbm(value), GDBM_REPLACE) == 0 ? 0 : gdbm_errno;
 }

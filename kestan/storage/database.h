@@ -97,11 +97,15 @@ class KESTAN_EXPORT Database {
   bool IsOpenFor(const char* operation) const;
   int Visit(DBDatumPtr* key, DBDatumPtr* value, char* found, int found_bytes);
   int Store(const DBDatum& key, const DBDatum& value);
+  void PrepareToWrite();
+  void MapFile(bool mapped);
 
   gdbm_file_info* dbf = nullptr;
   DBDatumPtr cursor;  // the key that First() or Next() found last
   std::unique_ptr<kestan::DBCache> cache_;
   std::uint64_t changes_ = 0;
+  bool writes_ = false;  // the open file was opened for writing
+  bool mapped_ = false;  // and is mapped into memory at the moment
 };
 
 #endif  // KESTAN_STORAGE_DATABASE_H_
