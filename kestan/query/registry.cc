@@ -48,11 +48,6 @@ void ResultSet::Sort() {
   documents_.erase(std::unique(documents_.begin(), documents_.end(), same_code), documents_.end());
 }
 
-void ResultSet::Reserve(std::size_t documents, std::size_t positions) {
-  documents_.reserve(documents);
-  positions_.reserve(positions);
-}
-
 int AddQueryResult(ResultSet* set) {
   MatchList.emplace(MatchCounter, set);
   return MatchCounter++;

@@ -42,9 +42,6 @@ class ResultSet {
   // Puts the documents in order. Of those with one code only the first that was added stays.
   void Sort();
 
-  // Makes room for this many documents and positions in all.
-  void Reserve(std::size_t documents, std::size_t positions);
-
   const Vector<Document>& documents() const { return documents_; }
 
   // Returns the positions of a document of this set. Valid until the next Add().

@@ -22,7 +22,8 @@ bool IsSame(const KeyDigest& left, const KeyDigest& right) {
 
 KeyDigest::KeyDigest(const DBDatum& key)
     : hash(Hash(BytesOf(key))), length(static_cast<std::uint8_t>(std::min(key.size, 255u))) {
-  if (key.size != 0) std::memcpy(start.data(), key.data, std::min<std::size_t>(key.size, kShortBytes));
+  const std::size_t count = std::min<std::size_t>(key.size, kShortBytes);
+  if (count != 0) std::memcpy(start.data(), key.data, count);
 }
 
 DBCache::Entry* DBCache::Find(const DBDatum& key) {
