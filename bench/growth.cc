@@ -1,14 +1,16 @@
-// Measures whether costs stay flat as the index grows: at 1,000, 4,000, 16,000 and 65,535
-// documents, the time a document takes to be added and to be flushed, a match takes in each kind of
-// query, and a document takes to be shrunk away. Prints a Markdown table of CPU times.
+// Measures whether costs stay flat from 1,000 to 4,000, 16,000 and 65,535 documents: how long a
+// document takes to be added, flushed and shrunk, and a match to be found and listed by each kind
+// of query. Prints a Markdown table of CPU times, medians of three runs.
 //
-//   growth [WORDS]      WORDS: a corpus that bench/peers/make_corpus.py wrote; without it, the
-//   texts
-//                       are generated, 200 words each
+//   growth [WORDS]
+//
+// WORDS is a corpus that peers/make_corpus.py wrote; without it, the texts are generated.
 #include <kestan/kestan.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <functional>
+#include <iterator>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -24,6 +26,7 @@ namespace {
 
 constexpr unsigned kSizes[] = {1000, 4000, 16000, 65535};
 constexpr unsigned kWords = 200;
+constexpr int kRuns = 3;
 constexpr int kFewestPasses = 3;
 constexpr double kFewestSeconds = 0.2;
 
@@ -48,25 +51,33 @@ std::vector<Document> MakeDocuments(unsigned count) {
   return documents;
 }
 
-// A row of the table: one number for each size.
+// A row of the table: for each size, what each run measured.
 struct Row {
   std::string name;
-  std::vector<double> values;
+  std::vector<std::vector<double>> values;
 };
+
+double Median(std::vector<double> values) {
+  std::sort(values.begin(), values.end());
+  return values[values.size() / 2];
+}
 
 class Growth {
  public:
   explicit Growth(const std::vector<Document>& documents) : documents_(documents) {}
 
-  void MeasureAt(unsigned size) {
+  void MeasureAt(std::size_t column) {
+    const unsigned size = kSizes[column];
     const TempDir folder;
     engine_.OpenIndex((folder / "index").c_str(), 1);
+    column_ = column;
     row_ = 0;
     Record("add, us a document", 1e6 * Seconds([&] { AddFirst(size); }) / size);
     Record("flush, us a document", 1e6 * Seconds([&] { engine_.FlushIndex(); }) / size);
     MeasureQueries();
+    Remove(size);
     Record("shrink after removing one in eight, us a document",
-           1e6 * (Remove(size), Seconds([&] { engine_.ShrinkIndex(); })) / size);
+           1e6 * Seconds([&] { engine_.ShrinkIndex(); }) / size);
     engine_.CloseIndex();
   }
 
@@ -77,7 +88,7 @@ class Growth {
     for (std::size_t i = 0; i < std::size(kSizes); ++i) std::printf("---:|");
     for (const Row& row : rows_) {
       std::printf("\n| %s |", row.name.c_str());
-      for (const double value : row.values) std::printf(" %.3g |", value);
+      for (const auto& values : row.values) std::printf(" %.3g |", Median(values));
     }
     std::printf("\n");
   }
@@ -90,8 +101,8 @@ class Growth {
   }
 
   void Record(const std::string& name, double value) {
-    if (row_ == rows_.size()) rows_.push_back({name, {}});
-    rows_[row_++].values.push_back(value);
+    if (row_ == rows_.size()) rows_.push_back({name, {std::size(kSizes), std::vector<double>{}}});
+    rows_[row_++].values[column_].push_back(value);
   }
 
   void AddFirst(unsigned size) {
@@ -116,22 +127,32 @@ class Growth {
     return words;
   }
 
-  // Runs `ask(first, second)`, which returns a result id or -1, on neighbouring words of the list
+  using Ask = std::function<int(int first, int second)>;
+
+  // Combines neighbouring words of the list with `ask`, from looking them up to listing the answer,
   // until there was enough to time, and says how long a match takes.
+  void MeasurePairs(const std::string& name, const std::vector<std::string>& words,
+                    const Ask& ask) {
+    MeasureKind(name, words, [&](std::size_t i, std::vector<int>* ids) {
+      ids->push_back(engine_.QueryWord(words[i - 1].c_str()));
+      ids->push_back(engine_.QueryWord(words[i].c_str()));
+      ids->push_back(ask((*ids)[0], (*ids)[1]));
+    });
+  }
+
   void MeasureKind(const std::string& name, const std::vector<std::string>& words,
-                   const std::function<int(int, int)>& ask) {
+                   const std::function<void(std::size_t, std::vector<int>*)>& ask) {
     std::uint64_t matches = 0;
     double seconds = 0;
     for (int pass = 0; pass < kFewestPasses || seconds < kFewestSeconds; ++pass) {
       for (std::size_t i = 1; i < words.size(); ++i) {
+        std::vector<int> ids;
         const Stopwatch stopwatch;
-        const int first = engine_.QueryWord(words[i - 1].c_str());
-        const int second = engine_.QueryWord(words[i].c_str());
-        const int id = ask(first, second);
-        const char* lines = engine_.QueryResults(id);
+        ask(i, &ids);
+        const char* lines = engine_.QueryResults(ids.back());
         seconds += stopwatch.Read().cpu_seconds;
         matches += CountLines(lines);
-        for (const int used : {first, second, id}) engine_.FreeQueryResult(used);
+        for (const int id : ids) engine_.FreeQueryResult(id);
       }
     }
     Check(matches > 0, "some document matches");
@@ -140,24 +161,27 @@ class Growth {
 
   void MeasureQueries() {
     const auto words = MiddlingWords();
-    const auto near = [this](int distance) {
-      return [this, distance](int first, int second) {
+    MeasureKind("word", words, [&](std::size_t i, std::vector<int>* ids) {
+      ids->push_back(engine_.QueryWord(words[i].c_str()));
+    });
+    MeasureKind("NOT", words, [&](std::size_t i, std::vector<int>* ids) {
+      ids->push_back(engine_.QueryWord(words[i].c_str()));
+      ids->push_back(engine_.QueryNegate(ids->back()));
+    });
+    for (const int distance : {0, 1, 10}) {
+      const auto near = distance == 0 ? "AND" : "NEAR/" + std::to_string(distance);
+      MeasurePairs(near, words, [&](int first, int second) {
         return engine_.QueryAnd(first, second, distance);
-      };
-    };
-    MeasureKind("two words, one listed", words, [](int first, int /*second*/) { return first; });
-    MeasureKind("AND", words, near(0));
-    MeasureKind("NEAR/1", words, near(1));
-    MeasureKind("NEAR/10", words, near(10));
-    MeasureKind("OR", words,
-                [this](int first, int second) { return engine_.QueryOr(first, second); });
-    MeasureKind("NOT", words,
-                [this](int first, int /*second*/) { return engine_.QueryNegate(first); });
+      });
+    }
+    MeasurePairs("OR", words,
+                 [&](int first, int second) { return engine_.QueryOr(first, second); });
   }
 
   const std::vector<Document>& documents_;
   Kestan engine_;
   std::vector<Row> rows_;
+  std::size_t column_ = 0;
   std::size_t row_ = 0;
 };
 
@@ -165,9 +189,9 @@ int Run(int argc, char** argv) {
   const auto documents =
       argc > 1 ? ReadDocuments(argv[1]) : MakeDocuments(kSizes[std::size(kSizes) - 1]);
   Growth growth(documents);
-  for (const unsigned size : kSizes) {
-    if (documents.size() < size) Fail("growth", "the corpus has too few documents");
-    growth.MeasureAt(size);
+  Check(documents.size() >= kSizes[std::size(kSizes) - 1], "a corpus of enough documents");
+  for (int run = 0; run < kRuns; ++run) {
+    for (std::size_t column = 0; column < std::size(kSizes); ++column) growth.MeasureAt(column);
   }
   growth.Print();
   return 0;

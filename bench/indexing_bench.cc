@@ -95,8 +95,8 @@ std::uint64_t Matches(Kestan* engine, const std::string& word) {
   return lines;
 }
 
-// Adds, and then flushes, kDocuments documents to a new index: `part` 0 times the adding, 1 the
-// flush. Making the texts is timed with the adding; BM TextsAlone shows how long that takes.
+// Adds kDocuments documents to a new index and flushes them; times the one or the other. Making the
+// texts is timed with the adding; TextsAlone shows how long that takes.
 void AddOrFlush(benchmark::State& state, bool times_adding, bool capitalised) {
   const TempDir folder;
   for (auto _ : state) {

@@ -5,9 +5,9 @@
 
 Writes a line "KIND<TAB>FIRST<TAB>SECOND" for each query: 66 common words, and 200 each of and,
 near1, near10, or, andnot. Words fall into four classes by the number of documents that hold them,
-each class spanning the same ratio, and each pair of classes gets the same number of queries. The words of and, near1 and near10
-stand that close in at least one document, so that no answer is empty. The same words always give
-the same queries.
+each class spanning the same ratio, and each pair of classes gets the same number of queries. The
+words of and, near1 and near10 stand that close in at least one document, so that no answer is
+empty. The same words always give the same queries.
 """
 
 import collections

@@ -36,7 +36,8 @@ FEWEST_WORDS, MOST_WORDS = 150, 250
 
 WORD = re.compile(r"[A-Za-z]+(?:'[A-Za-z]+)*")
 HTML_NOISE = re.compile(r"<(script|style|head)\b.*?</\1\s*>|<!--.*?-->", re.S | re.I)
-HTML_BREAK = re.compile(r"</?(?:p|div|li|h\d|tr|dt|dd|pre|br|table|ul|ol|section|nav)\b[^>]*>", re.I)
+HTML_BREAK = re.compile(
+    r"</?(?:p|div|li|h\d|tr|dt|dd|pre|br|table|ul|ol|section|nav)\b[^>]*>", re.I)
 HTML_TAG = re.compile(r"<[^>]*>")
 MAN_DEFINITION = re.compile(r"^\.de.*?^\.\.$", re.S | re.M)
 MAN_LOGIC = re.compile(r"^[.'](?:if|ie|el|ds|tr|nr|rr|\\\"|\s|\{|\}|IX|TH|so|nh|ad).*$|^'.*$", re.M)

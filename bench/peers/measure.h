@@ -28,7 +28,7 @@ Elapsed operator+(const Elapsed& left, const Elapsed& right);
 // Returns the most memory that the process ever had resident, in bytes.
 std::uint64_t PeakMemoryBytes();
 
-// Returns the sizes of the files in `folder` and below, added up.
+// Returns how much of the disk the files in `folder` and below take; holes in them take none.
 std::uint64_t FolderBytes(const std::string& folder);
 
 }  // namespace kestan_bench

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <utility>
@@ -36,8 +36,6 @@ class XapianEngine : public Engine {
     if (mode == OpenMode::kRead) {
       reader_ = Xapian::Database(path_);
     } else if (mode != OpenMode::kUpdate) {
-      // How many documents wait in memory before Xapian writes them of its own accord.
-      setenv("XAPIAN_FLUSH_THRESHOLD", "100000", 1);
       writer_ = Xapian::WritableDatabase(
           path_, Xapian::DB_CREATE | Xapian::DB_BACKEND_GLASS | Xapian::DB_NO_SYNC);
     }
@@ -62,9 +60,8 @@ class XapianEngine : public Engine {
   void Optimise() override {
     const std::string compacted = path_ + ".compacted";
     Xapian::Database(path_).compact(compacted, Xapian::DBCOMPACT_NO_RENUMBER);
-    if (std::system(("rm -r '" + path_ + "' && mv '" + compacted + "' '" + path_ + "'").c_str())) {
-      Fail(path_, "cannot be replaced");
-    }
+    std::filesystem::remove_all(path_);
+    std::filesystem::rename(compacted, path_);
   }
 
   void RunQuery(const Query& query, Listing* listing) override {

@@ -9,7 +9,8 @@ namespace {
 constexpr kestan::Position kUnknownPosition = 0;
 
 // Each document scores the number of its positions. The set takes all units of the record in one
-// copy; the codes and counts between the positions cost less memory than sorting them out costs time.
+// copy; the codes and counts between the positions cost less memory than sorting them out costs
+// time.
 void AddPostings(const DBDatum& record, kestan::ResultSet* set) {
   set->TakePositions(kestan::CopyUnits(record));
   kestan::PostingReader reader(record, true);

@@ -9,7 +9,7 @@ namespace {
 constexpr int kCloseWords = 20;  // pairs up to this far apart earn a bonus
 constexpr int kClosestBonus = 401;
 constexpr std::size_t kMaxPositions = 65535;  // of one document
-constexpr std::size_t kFewPairs = 8;             // not worth a look at their order
+constexpr std::size_t kFewPairs = 8;          // not worth a look at their order
 
 // Known, and each higher than the one before: what indexing writes, up to 65535 words a document.
 bool AreAscending(Positions positions) {
@@ -60,7 +60,8 @@ void PositionMatcher::Keep(Position position) {
   found_.push_back(position);
 }
 
-// One pass over both: no more than 41 of the first word's positions are close to one of the second's.
+// One pass over both: no more than 41 of the first word's positions are close to one of the
+// second's.
 void PositionMatcher::MatchAscending(Positions first, Positions second) {
   const Position* close = first.begin();  // the first one that is close to b, or after it
   const Position* after = first.begin();  // the first one above b

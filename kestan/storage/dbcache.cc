@@ -98,7 +98,8 @@ void DBCache::Erase(const DBDatum& key) {
   CloseGap(static_cast<std::size_t>(entry - places_.data()));
 }
 
-// Moves entries that stand after the free place `gap` back into it where a look-up would stop at it.
+// Moves entries that stand after the free place `gap` back into it where a look-up would stop at
+// it.
 void DBCache::CloseGap(std::size_t gap) {
   for (std::size_t place = After(gap); places_[place].key.ptr != nullptr; place = After(place)) {
     const std::size_t mask = places_.size() - 1;
@@ -116,8 +117,8 @@ Vector<const DBCache::Entry*> DBCache::DirtyInKeyOrder() const {
     if (entry.key.ptr != nullptr && entry.value.ptr->dirty) dirty.push_back(&entry);
   }
   std::sort(dirty.begin(), dirty.end(), [](const Entry* left, const Entry* right) {
-    const int order = std::memcmp(left->digest.start.data(), right->digest.start.data(),
-                                  KeyDigest::kShortBytes);
+    const int order =
+        std::memcmp(left->digest.start.data(), right->digest.start.data(), KeyDigest::kShortBytes);
     return order != 0 ? order < 0 : *left->key.ptr < *right->key.ptr;
   });
   return dirty;

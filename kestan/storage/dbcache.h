@@ -22,12 +22,12 @@ struct KeyDigest {
   bool IsWhole() const { return length <= kShortBytes; }
 
   std::uint32_t hash = 0;
-  std::uint8_t length = 0;                      // of the key; 255: or more
+  std::uint8_t length = 0;                   // of the key; 255: or more
   std::array<char, kShortBytes> start = {};  // the first bytes of the key, padded with zeros
 };
 
-// A map from key to value that holds each of its datums. It is hashed, not ordered: words are looked
-// up by the million, and only a flush asks for their order.
+// A map from key to value that holds each of its datums. It is hashed, not ordered: words are
+// looked up by the million, and only a flush asks for their order.
 class DBCache {
  public:
   struct Entry {
