@@ -10,15 +10,16 @@ namespace {
 
 constexpr int kFlushPeriod = 101;  // records; it keeps the cache small during a walk
 
-// Visits every key of the store and lists what `select` appends to the text; it returns false to
-// end the walk.
+// Visits every record of the store and lists what `select` appends to the text. Fetches each value,
+// wanted or not: a later Put under its key goes by whether the record is cached.
 template <typename Select>
 char* ListRecords(Database& store, Select select) {
   kestan::ScratchText lines;
   DBDatumPtr key;
+  DBDatumPtr value;
   int since_flush = 0;
-  for (int end = store.First(&key); end == 0; end = store.Next(&key)) {
-    if (!select(*key.ptr, &lines)) break;
+  for (int end = store.First(&key, &value); end == 0; end = store.Next(&key, &value)) {
+    select(*key.ptr, *value.ptr, &lines);
     if (++since_flush == kFlushPeriod) {
       store.Flush();
       since_flush = 0;
@@ -51,9 +52,8 @@ std::uint32_t BoundOf(double bound, std::uint32_t documents) {
 
 char* Kestan::ListDocuments() {
   if (kestan::Fetch(store_, kestan::kCounterKey).ptr == nullptr) return const_cast<char*>("");
-  return ListRecords(store_, [](const DBDatum& key, kestan::ScratchText* lines) {
+  return ListRecords(store_, [](const DBDatum& key, const DBDatum&, kestan::ScratchText* lines) {
     if (IsDocumentKey(key)) lines->AppendLine({key.data + 2, key.size - 2}, key.size);
-    return true;
   });
 }
 
@@ -66,14 +66,12 @@ char* Kestan::CommonWords(double low, double high) {
   const std::uint32_t lower = BoundOf(low, documents);
   const std::uint32_t upper = high >= 0 ? BoundOf(high, documents) : documents;
   const bool with_positions = (OptionFlags & kestan::kFlagNoPositions) == 0;
-  DBDatumPtr record;
-  return ListRecords(store_, [&](const DBDatum& key, kestan::ScratchText* lines) {
-    if (kestan::IsSystemKey(key)) return true;
-    if (store_.Get(&record, key) != 0) return false;
-    const std::size_t count = kestan::CountPostings(*record.ptr, with_positions);
-    if (lower <= count && count <= upper) {
-      lines->AppendLine({key.data, key.size}, std::size_t{key.size} + 2);
-    }
-    return true;
-  });
+  return ListRecords(store_,
+                     [=](const DBDatum& key, const DBDatum& value, kestan::ScratchText* lines) {
+                       if (kestan::IsSystemKey(key)) return;
+                       const std::size_t count = kestan::CountPostings(value, with_positions);
+                       if (lower <= count && count <= upper) {
+                         lines->AppendLine({key.data, key.size}, std::size_t{key.size} + 2);
+                       }
+                     });
 }

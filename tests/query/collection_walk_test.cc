@@ -180,5 +180,18 @@ TEST_F(CollectionWalk, ManyRecordsAreVisitedOnceAcrossFlushes) {
   EXPECT_EQ(Stored().at("g-code"), Units({500}));
 }
 
+// What a walk has passed is cached until the next flush, and a shared value that is put under a
+// cached key becomes clean: only the word "d-a", moved to the key of "d-b", tells the two apart.
+TEST_F(CollectionWalk, AWalkLeavesTheRecordsThatItPassedInTheCache) {
+  engine_.AddDocumentWords("code", "d-b");
+  engine_.CloseIndex();
+  ASSERT_EQ(engine_.OpenIndex(path_.c_str(), 0), 0);
+  engine_.AddDocumentWords("", "d-a");
+  engine_.ListDocuments();
+  engine_.MoveDocumentWords("a", "b");
+  const std::string said = StandardErrorOf([&] { engine_.CloseIndex(); });
+  EXPECT_EQ(said.find("'d-b'"), std::string::npos) << said;
+}
+
 }  // namespace
 }  // namespace kestan_tests
