@@ -109,10 +109,9 @@ int Kestan::QueryNegate(int id) {
     std::exit(1);
   }
   const unsigned top = kestan::DecodeCounter(*counter.ptr);
-  constexpr Position kUnknown = 0;
   auto* const others = kestan::New<ResultSet>();
   for (unsigned code = 1; code <= top; ++code) {
-    if (!excluded[code]) others->Add(static_cast<Code>(code), 0, {&kUnknown, 1});
+    if (!excluded[code]) others->AddUnplaced(static_cast<Code>(code), 0);
   }
   return kestan::AddQueryResult(others);
 }

@@ -6,8 +6,6 @@
 
 namespace {
 
-constexpr kestan::Position kUnknownPosition = 0;
-
 // Each document scores the number of its positions. The set takes all units of the record in one
 // copy; the codes and counts between the positions cost less memory than sorting them out costs
 // time.
@@ -23,7 +21,7 @@ void AddPostings(const DBDatum& record, kestan::ResultSet* set) {
 void AddCodes(const DBDatum& record, kestan::ResultSet* set) {
   kestan::PostingReader reader(record, false);
   kestan::PostingEntry entry;
-  while (reader.Next(&entry)) set->Add(entry.code, 1, {&kUnknownPosition, 1});
+  while (reader.Next(&entry)) set->AddUnplaced(entry.code, 1);
 }
 
 }  // namespace

@@ -33,10 +33,17 @@ class ResultSet {
   void Add(Code code, Score score, Positions positions);
 
   // Takes `units` as the block of positions of a set that has none yet, and adds a document whose
-  // positions stand in it already, from `first` on.
+  // positions stand in it already, from `first` on. Documents may share them.
   void TakePositions(Vector<Position> units) { positions_ = std::move(units); }
   void AddTaken(Code code, Score score, std::size_t first, std::uint16_t count) {
     documents_.push_back({code, score, count, static_cast<std::uint32_t>(first)});
+  }
+
+  // Adds a document that matched at a place that is not known, to a set that has only such
+  // documents.
+  void AddUnplaced(Code code, Score score) {
+    if (positions_.empty()) positions_.push_back(0);
+    AddTaken(code, score, 0, 1);
   }
 
   // Puts the documents in order. Of those with one code only the first that was added stays.
