@@ -1,6 +1,7 @@
 #include <kestan/engine/keys.h>
 #include <kestan/engine/records.h>
 
+#include <endian.h>
 #include <malloc.h>
 
 #include <algorithm>
@@ -24,13 +25,6 @@ std::uint32_t ReadNumber(const DBDatum& record, std::size_t offset, std::size_t 
 
 void WriteNumber(char* bytes, std::size_t count, std::uint32_t number) {
   for (std::size_t i = 0; i < count; ++i) bytes[i] = static_cast<char>(number >> (CHAR_BIT * i));
-}
-
-// The unit that stands whole at `bytes`.
-std::uint16_t LoadUnit(const char* bytes) {
-  const unsigned low = static_cast<unsigned char>(bytes[0]);
-  const unsigned high = static_cast<unsigned char>(bytes[1]);
-  return static_cast<std::uint16_t>(low | high << CHAR_BIT);
 }
 
 void StoreUnit(char* bytes, std::uint16_t unit) { WriteNumber(bytes, kUnitBytes, unit); }
@@ -63,25 +57,11 @@ void GrowTo(DBDatum* record, std::uint32_t bytes) {
 
 }  // namespace
 
-bool PostingReader::Next(PostingEntry* entry) {
-  if (next_unit_ >= units_) return false;
-  const std::size_t left = units_ - next_unit_;
-  entry->first_unit = next_unit_;
-  entry->code = LoadUnit(UnitAddress(record_, next_unit_));
-  entry->positions = 0;
-  entry->units = 1;
-  if (with_positions_ && left >= 2) {
-    const std::size_t count = LoadUnit(UnitAddress(record_, next_unit_ + 1));
-    entry->positions = static_cast<std::uint16_t>(std::min(count, left - 2));
-    entry->units = 2u + entry->positions;
-  }
-  next_unit_ += entry->units;
-  return true;
-}
-
-Vector<std::uint16_t> CopyUnits(const DBDatum& record) {
-  Vector<std::uint16_t> units(record.size / kUnitBytes);
-  for (std::size_t i = 0; i < units.size(); ++i) units[i] = LoadUnit(UnitAddress(record, i));
+UnfilledVector<std::uint16_t> CopyUnits(const DBDatum& record) {
+  UnfilledVector<std::uint16_t> units(record.size / kUnitBytes);
+  if (units.empty()) return units;
+  std::memcpy(units.data(), record.data, units.size() * kUnitBytes);
+  for (std::uint16_t& unit : units) unit = le16toh(unit);
   return units;
 }
 
@@ -143,7 +123,7 @@ std::array<char, kUnitBytes> EncodeCode(Code code) {
 
 std::size_t CountCodes(const DBDatum& array) { return array.size / kUnitBytes; }
 
-Code CodeAt(const DBDatum& array, std::size_t index) { return LoadUnit(UnitAddress(array, index)); }
+Code CodeAt(const DBDatum& array, std::size_t index) { return UnitAt(array, index); }
 
 void CollectCodes(const DBDatum& array, CodeSet* codes) {
   for (std::size_t i = 0; i < CountCodes(array); ++i) codes->set(CodeAt(array, i));
@@ -165,7 +145,7 @@ void AppendCodes(DBDatum* array, const DBDatum& more) {
 Code TakeLastCode(DBDatum* array) {
   const std::size_t last = CountCodes(*array) - 1;
   array->size = static_cast<std::uint32_t>(last * kUnitBytes);
-  return LoadUnit(UnitAddress(*array, last));
+  return UnitAt(*array, last);
 }
 
 Code DecodeCounter(const DBDatum& record) {

@@ -7,8 +7,10 @@
 #include <kestan/storage/dbdatum.h>
 #include <kestan/storage/memory.h>
 
+#include <algorithm>
 #include <array>
 #include <bitset>
+#include <climits>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -28,6 +30,14 @@ using Position = std::uint16_t;
 inline constexpr std::uint32_t kUnitBytes = 2;  // codes, counts and positions are units
 inline constexpr std::uint32_t kTimestampBytes = 4;
 inline constexpr std::uint32_t kDocumentRecordBytes = kTimestampBytes + 4;  // the code takes 4 here
+
+// Returns unit `index` of the record, which must hold it whole.
+inline std::uint16_t UnitAt(const DBDatum& record, std::size_t index) {
+  const char* const bytes = record.data + index * kUnitBytes;
+  const unsigned low = static_cast<unsigned char>(bytes[0]);
+  const unsigned high = static_cast<unsigned char>(bytes[1]);
+  return static_cast<std::uint16_t>(low | high << CHAR_BIT);
+}
 
 // ---- Posting record: which documents hold a word, and where ----
 //
@@ -59,7 +69,21 @@ class PostingReader {
 
   // Moves to the next entry.
   //   Returns  false, with `*entry` as it was, if there is none.
-  bool Next(PostingEntry* entry);
+  bool Next(PostingEntry* entry) {
+    if (next_unit_ >= units_) return false;
+    const std::size_t left = units_ - next_unit_;
+    entry->first_unit = next_unit_;
+    entry->code = UnitAt(record_, next_unit_);
+    entry->positions = 0;
+    entry->units = 1;
+    if (with_positions_ && left >= 2) {
+      const std::size_t count = UnitAt(record_, next_unit_ + 1);
+      entry->positions = static_cast<std::uint16_t>(std::min(count, left - 2));
+      entry->units = 2u + entry->positions;
+    }
+    next_unit_ += entry->units;
+    return true;
+  }
 
  private:
   const DBDatum& record_;
@@ -69,7 +93,7 @@ class PostingReader {
 };
 
 // Returns all units of the record, codes and counts among them.
-Vector<std::uint16_t> CopyUnits(const DBDatum& record);
+UnfilledVector<std::uint16_t> CopyUnits(const DBDatum& record);
 
 // Returns how many documents the record lists.
 std::size_t CountPostings(const DBDatum& record, bool with_positions);

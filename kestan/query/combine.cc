@@ -28,13 +28,11 @@ void ForEachCommonDocument(const ResultSet& first, const ResultSet& second, OnBo
   auto a = first.documents().begin();
   auto b = second.documents().begin();
   while (a != first.documents().end() && b != second.documents().end()) {
-    if (a->code < b->code) {
-      ++a;
-    } else if (b->code < a->code) {
-      ++b;
-    } else {
-      on_both(*a++, *b++);
-    }
+    const Code a_code = a->code;
+    const Code b_code = b->code;
+    if (a_code == b_code) on_both(*a, *b);
+    a += a_code <= b_code ? 1 : 0;
+    b += b_code <= a_code ? 1 : 0;
   }
 }
 
@@ -42,17 +40,18 @@ void ForEachCommonDocument(const ResultSet& first, const ResultSet& second, OnBo
 // in 16 bits; where it passes 65535, only as many positions stay as it then says.
 void AddMerged(const ResultSet& a_set, const ResultSet::Document& a, const ResultSet& b_set,
                const ResultSet::Document& b, ResultSet* merged) {
-  const Score score = CutScore(std::uint32_t{a.score} + b.score);
-  const auto count = static_cast<std::uint16_t>(a.count + b.count);
-  Position* const to = merged->Add(b.code, score, count);
   const Positions of_a = a_set.PositionsOf(a);
   const Positions of_b = b_set.PositionsOf(b);
+  const auto count = static_cast<std::uint16_t>(of_a.count + of_b.count);
+  Position* const to = merged->Add(b.code, CutScore(std::uint32_t{a.score} + b.score), count);
   const std::size_t from_b = std::min<std::size_t>(of_b.count, count);
   std::copy_n(of_b.first, from_b, to);
   std::copy_n(of_a.first, count - from_b, to + from_b);
 }
 
 void Unite(const ResultSet& first, const ResultSet& second, ResultSet* united) {
+  united->Reserve(first.documents().size() + second.documents().size(),
+                  first.units() + second.units());
   auto a = first.documents().begin();
   auto b = second.documents().begin();
   const auto a_end = first.documents().end();
@@ -77,6 +76,7 @@ int Kestan::QueryAnd(int first, int second, int distance) {
   const ResultSet* const b_set = kestan::FindQueryResult(second);
   if (a_set == nullptr || b_set == nullptr) return -1;
   auto* const both = kestan::New<ResultSet>();
+  both->Reserve(std::min(a_set->documents().size(), b_set->documents().size()), 0);
   kestan::PositionMatcher matcher(distance);
   ForEachCommonDocument(*a_set, *b_set, [&](const auto& a, const auto& b) {
     matcher.Match(a_set->PositionsOf(a), b_set->PositionsOf(b));
@@ -108,10 +108,7 @@ int Kestan::QueryNegate(int id) {
     std::fprintf(stderr, "%s: Could not locate global-code (oops!)\n", kestan::kEngineName);
     std::exit(1);
   }
-  const unsigned top = kestan::DecodeCounter(*counter.ptr);
   auto* const others = kestan::New<ResultSet>();
-  for (unsigned code = 1; code <= top; ++code) {
-    if (!excluded[code]) others->AddUnplaced(static_cast<Code>(code), 0);
-  }
+  others->AddAllBut(excluded, kestan::DecodeCounter(*counter.ptr));
   return kestan::AddQueryResult(others);
 }

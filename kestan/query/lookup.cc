@@ -4,18 +4,30 @@
 #include <kestan/engine/records.h>
 #include <kestan/query/result_set.h>
 
+#include <cstdint>
+#include <utility>
+
 namespace {
 
+constexpr std::size_t kSmallestEntryUnits = 3;  // code, count, one position
+
+// A damaged record may end behind a code, or count more positions at its end than it holds.
+void CloseLastEntry(const kestan::PostingEntry& last,
+                    kestan::UnfilledVector<std::uint16_t>* units) {
+  if (last.units == 1) units->push_back(0);
+  if (last.units > 1) (*units)[last.first_unit + 1] = last.positions;
+}
+
 // Each document scores the number of its positions. The set takes all units of the record in one
-// copy; the codes and counts between the positions cost less memory than sorting them out costs
-// time.
+// copy; the codes between the positions cost less memory than sorting them out costs time.
 void AddPostings(const DBDatum& record, kestan::ResultSet* set) {
-  set->TakePositions(kestan::CopyUnits(record));
+  auto units = kestan::CopyUnits(record);
+  set->Reserve(units.size() / kSmallestEntryUnits + 1, 0);
   kestan::PostingReader reader(record, true);
-  kestan::PostingEntry entry;
-  while (reader.Next(&entry)) {
-    set->AddTaken(entry.code, entry.positions, entry.first_unit + 2, entry.positions);
-  }
+  kestan::PostingEntry entry{};
+  while (reader.Next(&entry)) set->AddTaken(entry.code, entry.positions, entry.first_unit + 1);
+  CloseLastEntry(entry, &units);
+  set->TakeUnits(std::move(units));
 }
 
 void AddCodes(const DBDatum& record, kestan::ResultSet* set) {

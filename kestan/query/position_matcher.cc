@@ -21,11 +21,15 @@ bool AreAscending(Positions positions) {
   return true;
 }
 
+bool IsUnknown(Positions positions) { return positions.count == 1 && *positions.first == 0; }
+
 }  // namespace
 
 void PositionMatcher::Match(Positions first, Positions second) {
-  found_.clear();
+  kept_.clear();
   bonus_ = 0;
+  if (IsUnknown(first)) return KeepAll(second);
+  if (IsUnknown(second)) return KeepAll(first);
   const bool few = first.count * second.count <= kFewPairs;
   if (!few && AreAscending(first) && AreAscending(second)) {
     MatchAscending(first, second);
@@ -34,16 +38,19 @@ void PositionMatcher::Match(Positions first, Positions second) {
   }
 }
 
-Positions PositionMatcher::found() const {
-  return {found_.data(), std::min(found_.size(), kMaxPositions)};
+// What a position that is not known leaves of the other word's.
+void PositionMatcher::KeepAll(Positions positions) {
+  found_ = positions;
+  if (positions.count <= 1 || AreAscending(positions)) return;
+  for (const Position position : positions) Keep(position);
+  SortKept();
 }
 
 void PositionMatcher::MatchAllPairs(Positions first, Positions second) {
   for (const Position a : first) {
     for (const Position b : second) MatchPair(a, b);
   }
-  std::sort(found_.begin(), found_.end());
-  for (const Position position : found_) seen_.reset(position);
+  SortKept();
 }
 
 void PositionMatcher::MatchPair(Position a, Position b) {
@@ -57,28 +64,38 @@ void PositionMatcher::MatchPair(Position a, Position b) {
 void PositionMatcher::Keep(Position position) {
   if (seen_[position]) return;
   seen_.set(position);
-  found_.push_back(position);
+  kept_.push_back(position);
+}
+
+void PositionMatcher::SortKept() {
+  std::sort(kept_.begin(), kept_.end());
+  for (const Position position : kept_) seen_.reset(position);
+  found_ = {kept_.data(), std::min(kept_.size(), kMaxPositions)};
 }
 
 // One pass over both: no more than 41 of the first word's positions are close to one of the
 // second's.
 void PositionMatcher::MatchAscending(Positions first, Positions second) {
-  const Position* close = first.begin();  // the first one that is close to b, or after it
-  const Position* after = first.begin();  // the first one above b
+  const Position* close = first.begin();  // the first one that can earn a bonus with b, or after it
+  const Position* near = first.begin();   // the first one in reach of b, or after it
   for (const Position b : second) {
-    while (close != first.end() && *close + kCloseWords < b) ++close;
-    bool found = distance_ == 0;
-    for (const Position* a = close; a != first.end() && *a <= b + kCloseWords; ++a) {
-      if (!IsInReach(b - *a)) continue;
-      AddBonus(b - *a);
-      found = true;
-    }
-    while (after != first.end() && *after <= b) ++after;
-    if (!found && after != first.end()) found = IsInReach(b - *after);
-    const Position* const before = after - (after != first.begin() && after[-1] == b ? 1 : 0);
-    if (!found && before != first.begin()) found = IsInReach(b - before[-1]);
-    if (found) found_.push_back(b);
+    AddBonuses(first, b, &close);
+    if (distance_ != 0 && HasNear(first, b, &near)) kept_.push_back(b);
   }
+  found_ = distance_ == 0 ? second : Positions{kept_.data(), kept_.size()};
+}
+
+void PositionMatcher::AddBonuses(Positions first, int b, const Position** close) {
+  while (*close != first.end() && **close < b - kCloseWords) ++*close;
+  for (const Position* a = *close; a != first.end() && *a <= b + kCloseWords; ++a) {
+    if (IsInReach(b - *a)) AddBonus(b - *a);
+  }
+}
+
+bool PositionMatcher::HasNear(Positions first, int b, const Position** near) const {
+  while (*near != first.end() && **near < b - distance_) ++*near;
+  const Position* const other = *near + (*near != first.end() && **near == b ? 1 : 0);
+  return other != first.end() && *other <= b + distance_;
 }
 
 void PositionMatcher::AddBonus(int difference) {

@@ -22,23 +22,29 @@ class PositionMatcher {
   // all, earns nothing and leaves the other one to be found.
   void Match(Positions first, Positions second);
 
-  // The positions that the last Match() found, ascending; as many as a document can have.
-  Positions found() const;
+  // The positions that the last Match() found, ascending; as many as a document can have. Valid
+  // until the next Match(), while what that one was given is.
+  Positions found() const { return found_; }
 
   // What the pairs of the last Match() earned, modulo 2^32.
   std::uint32_t bonus() const { return bonus_; }
 
  private:
+  void KeepAll(Positions positions);
   void MatchAllPairs(Positions first, Positions second);
   void MatchPair(Position a, Position b);
   void Keep(Position position);
+  void SortKept();
   void MatchAscending(Positions first, Positions second);
+  void AddBonuses(Positions first, int b, const Position** close);
+  bool HasNear(Positions first, int b, const Position** near) const;
   void AddBonus(int difference);
   bool IsInReach(std::int64_t difference) const;
 
   const std::int64_t distance_;  // in 64 bits, for the least int has no counterpart in 32
   std::bitset<65536> seen_;
-  Vector<Position> found_;
+  Vector<Position> kept_;
+  Positions found_{nullptr, 0};
   std::uint32_t bonus_ = 0;
 };
 

@@ -25,16 +25,22 @@ bool CodeIsNotLower(const ResultSet::Document& left, const ResultSet::Document& 
 
 }  // namespace
 
-Position* ResultSet::Add(Code code, Score score, std::uint16_t count) {
-  const std::size_t first = positions_.size();
-  documents_.push_back({code, score, count, static_cast<std::uint32_t>(first)});
-  positions_.resize(first + count);
-  return positions_.data() + first;
+void ResultSet::AddUnplaced(Code code, Score score) {
+  if (units_.empty()) units_ = {1, 0};
+  AddTaken(code, score, 0);
 }
 
-void ResultSet::Add(Code code, Score score, Positions positions) {
-  std::copy(positions.begin(), positions.end(),
-            Add(code, score, static_cast<std::uint16_t>(positions.count)));
+// Writes every code and steps on only behind those that stay: a jump that nobody can foresee would
+// cost more.
+void ResultSet::AddAllBut(const CodeSet& excluded, Code top) {
+  units_ = {1, 0};
+  std::size_t added = documents_.size();
+  documents_.resize(added + top + 1);
+  for (unsigned code = 1; code <= top; ++code) {
+    documents_[added] = {static_cast<Code>(code), 0, 0};
+    if (!excluded[code]) ++added;
+  }
+  documents_.resize(added);
 }
 
 void ResultSet::Sort() {

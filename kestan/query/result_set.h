@@ -5,6 +5,7 @@
 #include <kestan/engine/records.h>
 #include <kestan/storage/memory.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <utility>
@@ -14,51 +15,68 @@ namespace kestan {
 using Score = std::uint16_t;
 inline constexpr std::uint32_t kMaxScore = 65535;
 
-// Documents in ascending order of their codes. All positions of a set lie in one block of memory.
+// Documents in ascending order of their codes. All positions of a set lie in one block of units:
+// for each document its number of positions and then these, which is how a posting record has them.
 class ResultSet {
  public:
   struct Document {
     Code code;
     Score score;
-    std::uint16_t count;  // of its positions
-    std::uint32_t first;  // the index of the first one
+    std::uint32_t first;  // the index of the unit that counts its positions
   };
+
+  // Makes room for about so many documents, and units of all of them together.
+  void Reserve(std::size_t documents, std::size_t units) {
+    documents_.reserve(documents);
+    units_.reserve(units);
+  }
 
   // Adds a document with room for `count` positions. Unless codes come in ascending order, Sort()
   // must follow the last one.
   //   Returns  where the positions go. Valid until the next call.
-  Position* Add(Code code, Score score, std::uint16_t count);
+  Position* Add(Code code, Score score, std::uint16_t count) {
+    const std::size_t first = units_.size();
+    AddTaken(code, score, first);
+    units_.resize(first + 1 + count);
+    units_[first] = count;
+    return units_.data() + first + 1;
+  }
 
   // Adds a document with the positions given, at most 65535.
-  void Add(Code code, Score score, Positions positions);
+  void Add(Code code, Score score, Positions positions) {
+    std::copy(positions.begin(), positions.end(),
+              Add(code, score, static_cast<std::uint16_t>(positions.count)));
+  }
 
-  // Takes `units` as the block of positions of a set that has none yet, and adds a document whose
+  // Takes `units` as the block of a set that has none yet, and adds a document whose count and
   // positions stand in it already, from `first` on. Documents may share them.
-  void TakePositions(Vector<Position> units) { positions_ = std::move(units); }
-  void AddTaken(Code code, Score score, std::size_t first, std::uint16_t count) {
-    documents_.push_back({code, score, count, static_cast<std::uint32_t>(first)});
+  void TakeUnits(UnfilledVector<std::uint16_t> units) { units_ = std::move(units); }
+  void AddTaken(Code code, Score score, std::size_t first) {
+    documents_.push_back({code, score, static_cast<std::uint32_t>(first)});
   }
 
-  // Adds a document that matched at a place that is not known, to a set that has only such
-  // documents.
-  void AddUnplaced(Code code, Score score) {
-    if (positions_.empty()) positions_.push_back(0);
-    AddTaken(code, score, 0, 1);
-  }
+  // To a set that has only such documents, adds some that matched at a place that is not known: the
+  // document `code`, or all from 1 to `top` but those of `excluded`, with score 0.
+  void AddUnplaced(Code code, Score score);
+  void AddAllBut(const CodeSet& excluded, Code top);
 
   // Puts the documents in order. Of those with one code only the first that was added stays.
   void Sort();
 
-  const Vector<Document>& documents() const { return documents_; }
+  const UnfilledVector<Document>& documents() const { return documents_; }
+
+  // Returns how large the block of positions is.
+  std::size_t units() const { return units_.size(); }
 
   // Returns the positions of a document of this set. Valid until the next Add().
   Positions PositionsOf(const Document& document) const {
-    return {positions_.data() + document.first, document.count};
+    const std::uint16_t* const count = units_.data() + document.first;
+    return {count + 1, *count};
   }
 
  private:
-  Vector<Document> documents_;
-  Vector<Position> positions_;
+  UnfilledVector<Document> documents_;
+  UnfilledVector<std::uint16_t> units_;
 };
 
 // Registers `set`, which it takes; a set lives until Kestan::FreeQueryResult.

@@ -62,6 +62,27 @@ using String = std::basic_string<char, std::char_traits<char>, Allocator<char>>;
 template <typename T>
 using Vector = std::vector<T, Allocator<T>>;
 
+// Leaves new numbers as the memory came: for what is written over at once.
+template <typename T>
+struct UnfilledAllocator : Allocator<T> {
+  template <typename U>
+  struct rebind {
+    using other = UnfilledAllocator<U>;
+  };
+
+  template <typename U>
+  void construct(U* at) {
+    ::new (static_cast<void*>(at)) U;
+  }
+  template <typename U, typename... Arguments>
+  void construct(U* at, Arguments&&... arguments) {
+    ::new (static_cast<void*>(at)) U(std::forward<Arguments>(arguments)...);
+  }
+};
+
+template <typename T>
+using UnfilledVector = std::vector<T, UnfilledAllocator<T>>;
+
 }  // namespace kestan
 
 #endif  // KESTAN_STORAGE_MEMORY_H_
