@@ -1,0 +1,106 @@
+#include "tests/faults/child.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <new>
+#include <sstream>
+
+namespace kestan_faults {
+namespace {
+
+constexpr long kLongestUs = 10'000'000;
+
+// A transcript that a child writes and its parent reads.
+class SharedTranscript {
+ public:
+  SharedTranscript()
+      : memory_(mmap(nullptr, sizeof(Transcript), PROT_READ | PROT_WRITE,
+                     MAP_SHARED | MAP_ANONYMOUS, -1, 0)) {
+    if (memory_ == MAP_FAILED) std::abort();
+    transcript_ = new (memory_) Transcript;
+  }
+  ~SharedTranscript() { munmap(memory_, sizeof(Transcript)); }
+  SharedTranscript(const SharedTranscript&) = delete;
+  SharedTranscript& operator=(const SharedTranscript&) = delete;
+
+  Transcript* get() { return transcript_; }
+
+ private:
+  void* memory_;
+  Transcript* transcript_;
+};
+
+[[noreturn]] void RunAndExit(const std::function<void(Transcript*)>& action, Transcript* transcript,
+                             int standard_error) {
+  dup2(standard_error, STDERR_FILENO);
+  action(transcript);
+  std::exit(0);
+}
+
+void KillLater(pid_t child, long after_us) {
+  const timespec pause{after_us / 1'000'000, after_us % 1'000'000 * 1000};
+  nanosleep(&pause, nullptr);
+  kill(child, SIGKILL);
+}
+
+// Waits for the end of `child`, and after 10 s brings it about.
+//   Returns  whether it ended by itself.
+bool Wait(pid_t child, int* status, rusage* usage) {
+  constexpr long kStepUs = 200;
+  const timespec pause{0, kStepUs * 1000};
+  for (long waited_us = 0; waited_us < kLongestUs; waited_us += kStepUs) {
+    if (wait4(child, status, WNOHANG, usage) == child) return true;
+    nanosleep(&pause, nullptr);
+  }
+  kill(child, SIGKILL);
+  wait4(child, status, 0, usage);
+  return false;
+}
+
+std::string ReadAll(int file) {
+  std::string bytes(static_cast<std::size_t>(lseek(file, 0, SEEK_END)), '\0');
+  if (pread(file, bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size()))
+    std::abort();
+  return bytes;
+}
+
+}  // namespace
+
+Outcome RunInChild(const std::function<void(Transcript*)>& action, long kill_after_us) {
+  SharedTranscript transcript;
+  const int standard_error = memfd_create("stderr", MFD_CLOEXEC);
+  const pid_t child = fork();
+  if (child == 0) RunAndExit(action, transcript.get(), standard_error);
+  if (kill_after_us > 0) KillLater(child, kill_after_us);
+
+  Outcome outcome;
+  int status = 0;
+  rusage usage{};
+  outcome.ended = Wait(child, &status, &usage);
+  outcome.exit_status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  outcome.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+  outcome.peak_kib = usage.ru_maxrss;
+  outcome.transcript = transcript.get()->text();
+  outcome.standard_error = ReadAll(standard_error);
+  close(standard_error);
+  return outcome;
+}
+
+std::string Describe(const Outcome& outcome) {
+  std::ostringstream text;
+  if (!outcome.ended) text << "did not end by itself; ";
+  text << "exit status " << outcome.exit_status << ", signal " << outcome.signal
+       << "\nstandard error:\n"
+       << outcome.standard_error << "transcript:\n"
+       << outcome.transcript;
+  return text.str();
+}
+
+}  // namespace kestan_faults
