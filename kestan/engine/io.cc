@@ -49,10 +49,16 @@ int Kestan::OpenIndex(const char* path, int mode) {
     return -1;
   }
   if (store_.Open(path, mode) != 0) return -1;
-  GetOptions();
-  AvailCodes = Fetch(store_, kestan::kAvailableKey);
+  if (LoadOptions() && LoadReusableCodes()) return 0;
+  CloseIndex();
+  return -1;
+}
+
+bool Kestan::LoadReusableCodes() {
+  bool is_unreadable = false;
+  AvailCodes = Fetch(store_, kestan::kAvailableKey, &is_unreadable);
   if (AvailCodes.ptr == nullptr) AvailCodes = kestan::CopyDatum(DBDatum());
-  return 0;
+  return !is_unreadable;
 }
 
 int Kestan::CloseIndex() {

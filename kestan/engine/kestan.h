@@ -47,7 +47,8 @@ class KESTAN_EXPORT Kestan {
 
   // Opens the index at `path`. With `mode` 0 it must exist and is only read; otherwise it is read
   // and written, and created where it is missing. An index without option flags gets them.
-  //   Returns  0; -1 if an index is open already, which stays open, or `path` cannot be opened.
+  //   Returns  0; -1 if an index is open already, which stays open, or `path` cannot be opened, or
+  //            its options or reusable codes cannot be read.
   //   Prints   "Kestan: Index file is already open" in the first case, nothing in the second.
   int OpenIndex(const char* path, int mode);
 
@@ -71,7 +72,8 @@ class KESTAN_EXPORT Kestan {
   // Returns the option flags of the open index, as they were loaded or set last.
   unsigned long Options() const;
 
-  // Loads the option flags from the index; stores 0 where there are none. OpenIndex has done it.
+  // Loads the option flags from the index; stores 0 where there are none. Flags that cannot be read
+  // change nothing. OpenIndex has done it.
   void GetOptions();
 
   // Stores the option flags in the index.
@@ -167,7 +169,8 @@ class KESTAN_EXPORT Kestan {
   // each byte, which makes capital letters small. Either string may lie in the scratch buffer.
   //   Returns  the words that the index had never seen, in order of their bytes, each followed by
   //            a line feed, in the scratch buffer; a constant empty string if the index is full
-  //            (an earlier version is removed all the same) or none is open.
+  //            or its code counter cannot be read (an earlier version is removed all the same), or
+  //            none is open. A word whose record cannot be read is left out.
   //   Prints   "Kestan: Too many documents (max=65535) -- try shrinking database" when it is full;
   //            "Kestan: Posting record of 'WORD' is full -- entry left out" where a record would
   //            pass 2,147,483,647 bytes. An index whose list of reusable codes holds a 0 makes it
@@ -190,7 +193,8 @@ class KESTAN_EXPORT Kestan {
   std::uint32_t DocumentTimestamp(const char* name);
 
   // Purges the postings of removed documents, makes their codes reusable and compacts the file.
-  // The postings of one-byte words are not purged.
+  // The postings of one-byte words are not purged. If a record cannot be read, no code becomes
+  // reusable.
   //   Returns  0; -1 without an index.
   int ShrinkIndex();
 
@@ -242,6 +246,8 @@ class KESTAN_EXPORT Kestan {
   char* ListDocuments();
 
  private:
+  bool LoadOptions();
+  bool LoadReusableCodes();
   bool IsOpen() const { return AvailCodes.ptr != nullptr; }
 
   Database store_;

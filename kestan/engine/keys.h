@@ -40,10 +40,12 @@ inline DBDatum AsDatum(std::string_view bytes) {
 inline bool IsSystemKey(const DBDatum& key) { return key.size > 2 && key.data[1] == '-'; }
 
 // Fetches the value of `key`.
-//   Returns  a handle shared with the store's cache; a null one if there is no such record.
-inline DBDatumPtr Fetch(Database& store, std::string_view key) {
+//   Returns  a handle shared with the store's cache; a null one if there is no such record. Where
+//            `is_unreadable` is given, it says whether there may be one that cannot be read.
+inline DBDatumPtr Fetch(Database& store, std::string_view key, bool* is_unreadable = nullptr) {
   DBDatumPtr value;
-  store.Get(&value, AsDatum(key));
+  const int error = store.Get(&value, AsDatum(key));
+  if (is_unreadable != nullptr) *is_unreadable = Database::IsReadFailure(error);
   return value;
 }
 

@@ -20,14 +20,19 @@ void DropAllPositions(Database& store) {
 
 unsigned long Kestan::Options() const { return OptionFlags; }
 
-void Kestan::GetOptions() {
-  const DBDatumPtr stored = kestan::Fetch(store_, kestan::kOptionsKey);
+void Kestan::GetOptions() { LoadOptions(); }
+
+// Flags that cannot be read stay as they are in the file: without them its records mean nothing.
+bool Kestan::LoadOptions() {
+  bool is_unreadable = false;
+  const DBDatumPtr stored = kestan::Fetch(store_, kestan::kOptionsKey, &is_unreadable);
   if (stored.ptr != nullptr) {
     OptionFlags = kestan::DecodeOptions(*stored.ptr);
-  } else {
+  } else if (!is_unreadable) {
     OptionFlags = 0;
     PutOptions();
   }
+  return !is_unreadable;
 }
 
 int Kestan::PutOptions() {

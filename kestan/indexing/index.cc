@@ -26,9 +26,12 @@ std::uint32_t Now() { return static_cast<std::uint32_t>(std::time(nullptr)); }
 void MarkDirty(const DBDatumPtr& value) { value.ptr->dirty = true; }
 
 // Counts one code further.
-//   Returns  the code; 0 if every code has been handed out, which it says.
+//   Returns  the code; 0 if every code has been handed out, which it says, or nobody knows how
+//   many.
 Code NextCode(Database& store) {
-  const DBDatumPtr counter = Fetch(store, kestan::kCounterKey);
+  bool is_unreadable = false;
+  const DBDatumPtr counter = Fetch(store, kestan::kCounterKey, &is_unreadable);
+  if (is_unreadable) return 0;
   if (counter.ptr == nullptr) {
     store.Put(AsDatum(kestan::kCounterKey), AsDatum(kestan::EncodeCode(1)));
     return 1;
@@ -82,14 +85,16 @@ kestan::Vector<const Word*> PostKnownWords(Database& store, const DocumentWords&
   keys.reserve(words.words().size());
   for (const Word& word : words.words()) keys.push_back(AsDatum(word.bytes));
   kestan::Vector<DBDatumPtr> records(keys.size());
-  store.GetMany(records.data(), keys.data(), keys.size());
+  const bool all_read = store.GetMany(records.data(), keys.data(), keys.size()) == 0;
 
   kestan::Vector<const Word*> unknown;
   auto record = records.begin();
   for (const Word& word : words.words()) {
+    bool is_unreadable = false;
+    if (record->ptr == nullptr && !all_read) *record = Fetch(store, word.bytes, &is_unreadable);
     if (record->ptr != nullptr) {
       AddEntry(*record, word, entry);
-    } else {
+    } else if (!is_unreadable) {
       unknown.push_back(&word);
     }
     ++record;
@@ -136,12 +141,13 @@ int Kestan::RemoveDocumentWords(const char* name) {
   const DBDatumPtr record = Fetch(store_, key);
   if (record.ptr == nullptr) return 1;
   const Code code = kestan::DocumentCode(*record.ptr);
-  const DBDatumPtr deleted = Fetch(store_, kestan::kDeletedKey);
-  if (deleted.ptr == nullptr) {
-    store_.Put(AsDatum(kestan::kDeletedKey), AsDatum(kestan::EncodeCode(code)));
-  } else {
+  bool is_unreadable = false;
+  const DBDatumPtr deleted = Fetch(store_, kestan::kDeletedKey, &is_unreadable);
+  if (deleted.ptr != nullptr) {
     kestan::AppendCode(deleted.ptr, code);
     MarkDirty(deleted);
+  } else if (!is_unreadable) {
+    store_.Put(AsDatum(kestan::kDeletedKey), AsDatum(kestan::EncodeCode(code)));
   }
   store_.Del(AsDatum(kestan::NameKey(code)));
   store_.Del(AsDatum(key));

@@ -11,13 +11,17 @@ namespace {
 bool IsPurgedKey(const DBDatum& key) { return key.size >= 2 && key.data[1] != '-'; }
 
 // Takes the entries of `codes` out of the words' records; they reach the file at the next flush.
-void PurgeWords(Database& store, const kestan::CodeSet& codes, bool with_positions) {
+//   Returns  false if there may be records that could not be read.
+bool PurgeWords(Database& store, const kestan::CodeSet& codes, bool with_positions) {
   DBDatumPtr key;
   DBDatumPtr value;
-  for (int end = store.First(&key, &value); end == 0; end = store.Next(&key, &value)) {
-    if (!IsPurgedKey(*key.ptr)) continue;
+  bool all_read = true;
+  for (int end = store.First(&key, &value); end != -1; end = store.Next(&key, &value)) {
+    if (end != 0) all_read = false;
+    if (end != 0 || !IsPurgedKey(*key.ptr)) continue;
     if (kestan::PurgePostings(value.ptr, codes, with_positions)) value.ptr->dirty = true;
   }
+  return all_read && store.WalkError() == 0;
 }
 
 }  // namespace
@@ -29,7 +33,9 @@ int Kestan::ShrinkIndex() {
   kestan::CodeSet codes;
   kestan::CollectCodes(*deleted.ptr, &codes);
   codes.set(0);  // no document has it: its entries are damage, and go too
-  PurgeWords(store_, codes, (OptionFlags & kestan::kFlagNoPositions) == 0);
+  const bool with_positions = (OptionFlags & kestan::kFlagNoPositions) == 0;
+  // A code that is used again must not find entries of its earlier document in any record.
+  if (!PurgeWords(store_, codes, with_positions)) return store_.Shrink();
 
   const bool was_empty = AvailCodes.ptr->size == 0;
   kestan::AppendCodes(AvailCodes.ptr, *deleted.ptr);

@@ -94,14 +94,18 @@ int Database::Get(DBDatumPtr* value, const DBDatum& key) {
   return 0;
 }
 
+bool Database::IsReadFailure(int error) { return error > 0 && error != GDBM_ITEM_NOT_FOUND; }
+
 int Database::GetMany(DBDatumPtr* values, const DBDatum* keys, std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) values[i].Free();
   if (!IsOpenFor("get")) return -1;
   cache_->FindMany(values, keys, count);
+  int result = 0;
   for (std::size_t i = 0; i < count; ++i) {
-    if (values[i].ptr == nullptr) Get(&values[i], keys[i]);
+    const int error = values[i].ptr == nullptr ? Get(&values[i], keys[i]) : 0;
+    if (IsReadFailure(error)) result = error;
   }
-  return 0;
+  return result;
 }
 
 int Database::Put(const DBDatum& key, const DBDatum& value) {
@@ -149,6 +153,7 @@ int Database::Next(DBDatumPtr* key, DBDatumPtr* value) {
 
 // Moves the walk to the key of `found_bytes` bytes at `found`, which it takes; null ends the walk.
 int Database::Visit(DBDatumPtr* key, DBDatumPtr* value, char* found, int found_bytes) {
+  walk_error_ = found == nullptr && IsReadFailure(gdbm_errno) ? gdbm_errno : 0;
   if (found == nullptr) return -1;
   cursor = kestan::AdoptDatum(found, static_cast<std::uint32_t>(found_bytes));
   if (const kestan::DBCache::Entry* entry = cache_->Find(*cursor.ptr)) cursor = entry->key;

@@ -57,10 +57,15 @@ class KESTAN_EXPORT Database {
   //   Owner    shared with the cache: `*value` sees what others do to the value and keeps it alive.
   int Get(DBDatumPtr* value, const DBDatum& key);
 
+  // Tells whether Get() returned `error` because it could not read the file. There may be a record
+  // then, and nothing should be put in its place.
+  static bool IsReadFailure(int error);
+
   // Fetches the values of `count` keys, as that many calls of Get() would. Much faster where most
   // of them are cached, since it waits for the memory of many at a time. `keys` must not be datums
   // that only `values` hold.
-  //   Returns  0, or -1 without a file; each of `values` is null where its key has no record.
+  //   Returns  0; -1 without a file; or gdbm's error number of the last read failure. Each of
+  //            `values` is null where its key has no record or that could not be read.
   int GetMany(DBDatumPtr* values, const DBDatum* keys, std::size_t count);
 
   // Stores `value` under `key`, replacing an earlier one, in the file at once. Copies bytes of
@@ -80,6 +85,9 @@ class KESTAN_EXPORT Database {
   //            `*value` as it was; or what Get() returned.
   int First(DBDatumPtr* key, DBDatumPtr* value = nullptr);
   int Next(DBDatumPtr* key, DBDatumPtr* value = nullptr);
+
+  // Returns 0 if the last walk ended because there are no more keys, else gdbm's error number.
+  int WalkError() const { return walk_error_; }
 
   // Returns a number that grows with every call that may change what some key answers: Open(),
   // Put(), Del(), Flush() and what they are part of. Changes in place do not show in it.
@@ -102,6 +110,7 @@ class KESTAN_EXPORT Database {
 
   gdbm_file_info* dbf = nullptr;
   DBDatumPtr cursor;  // the key that First() or Next() found last
+  int walk_error_ = 0;
   std::unique_ptr<kestan::DBCache> cache_;
   std::uint64_t changes_ = 0;
   bool writes_ = false;  // the open file was opened for writing

@@ -1,0 +1,134 @@
+// Records that are there but cannot be read: nothing may be put in their place.
+#include <gdbm.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+
+#include "tests/support/gdbm_calls.h"
+#include "tests/support/index_test.h"
+
+namespace kestan_tests {
+namespace {
+
+using Action = std::function<void(Kestan*)>;
+
+class UnreadableRecord : public testing::Test {
+ protected:
+  // An index with two documents, one more that is removed, and a reusable code.
+  void SetUp() override {
+    Kestan engine;
+    engine.OpenIndex(path_.c_str(), 1);
+    for (const char* name : {"a", "b", "c", "d"}) engine.AddDocumentWords(name, "cat dog");
+    engine.RemoveDocumentWords("d");
+    engine.ShrinkIndex();
+    engine.RemoveDocumentWords("c");
+    engine.CloseIndex();
+    before_ = Dump(path_);
+  }
+
+  // Opens the index and runs `action`. The first fetch of `key` fails in it, and so does the one
+  // `again` fetches later, where a second look comes.
+  //   Returns  what the file holds then.
+  Records After(const std::string& key, const Action& action, int again = 0) {
+    const auto calls = FetchesOf(action);
+    const auto found = std::find(calls.begin(), calls.end(), "fetch " + key);
+    EXPECT_NE(found, calls.end()) << key;
+    const int nth = static_cast<int>(found - calls.begin()) + 1;
+    GdbmWatch watch;
+    watch.Fail("fetch", nth, GDBM_FILE_READ_ERROR);
+    if (again > 0) watch.Fail("fetch", nth + again, GDBM_FILE_READ_ERROR);
+    Run(path_, action);
+    return Dump(path_);
+  }
+
+  TempDir folder_;
+  const std::string path_ = folder_ / "index";
+  Records before_;
+
+ private:
+  static void Run(const std::string& path, const Action& action) {
+    Kestan engine;
+    engine.OpenIndex(path.c_str(), 1);
+    action(&engine);
+  }
+
+  // The fetches of a run on a copy in which nothing fails.
+  std::vector<std::string> FetchesOf(const Action& action) {
+    std::filesystem::copy_file(path_, folder_ / "copy");
+    GdbmWatch watch;
+    Run(folder_ / "copy", action);
+    std::vector<std::string> fetches;
+    for (const std::string& line : watch.Lines()) {
+      if (line.rfind("fetch ", 0) == 0) fetches.push_back(line);
+    }
+    return fetches;
+  }
+};
+
+void AddDocument(Kestan* engine) { engine->AddDocumentWords("new", "cat dog"); }
+
+TEST_F(UnreadableRecord, OfAWordKeepsItsPostingsWhenADocumentIsAdded) {
+  const Records after = After("cat", AddDocument, 2);  // "dog" is fetched in between
+  EXPECT_EQ(after.at("cat"), before_.at("cat"));
+  EXPECT_EQ(after.at("dog"), before_.at("dog") + Units({4, 1, 2}));
+  EXPECT_EQ(after.count("d-new"), 1u);
+}
+
+TEST_F(UnreadableRecord, OfAWordIsUsedWhenASecondLookFindsIt) {
+  const Records after = After("dog", AddDocument);
+  EXPECT_EQ(after.at("dog"), before_.at("dog") + Units({4, 1, 2}));
+}
+
+TEST_F(UnreadableRecord, OfTheCounterLeavesTheIndexAsItWas) {
+  std::string new_words = "?";
+  const Records after = After("g-code", [&](Kestan* engine) {
+    engine->AddDocumentWords("x", "cat");  // takes the reusable code
+    new_words = engine->AddDocumentWords("new", "cat fresh");
+  });
+  EXPECT_EQ(after.at("g-code"), before_.at("g-code"));
+  EXPECT_EQ(after.count("d-new"), 0u);
+  EXPECT_EQ(after.count("fresh"), 0u);
+  EXPECT_EQ(new_words, "");
+}
+
+TEST_F(UnreadableRecord, OfRemovedCodesStaysWhenADocumentIsRemoved) {
+  int result = -1;
+  const Records after =
+      After("g-deleted", [&](Kestan* engine) { result = engine->RemoveDocumentWords("b"); });
+  EXPECT_EQ(result, 0);
+  EXPECT_EQ(after.at("g-deleted"), before_.at("g-deleted"));
+  EXPECT_EQ(after.count("d-b"), 0u);
+}
+
+TEST_F(UnreadableRecord, OfReusableCodesKeepsTheIndexFromOpening) {
+  const Records after = After("g-avail", [](Kestan* engine) { engine->ShrinkIndex(); });
+  EXPECT_EQ(after, before_);
+}
+
+TEST_F(UnreadableRecord, OfOptionsKeepsTheIndexFromOpening) {
+  const Records after = After("g-opts", AddDocument);
+  EXPECT_EQ(after, before_);
+}
+
+TEST_F(UnreadableRecord, OfAWordKeepsCodesFromBeingReused) {
+  const Records after = After("cat", [](Kestan* engine) { engine->ShrinkIndex(); });
+  EXPECT_EQ(after.at("cat"), before_.at("cat"));
+  EXPECT_EQ(after.at("dog"), Units({1, 1, 2, 2, 1, 2}));
+  EXPECT_EQ(after.at("g-deleted"), before_.at("g-deleted"));
+  EXPECT_EQ(after.at("g-avail"), before_.at("g-avail"));
+}
+
+TEST_F(UnreadableRecord, OfAWordStaysWhereTheWalkOfAShrinkBreaksOff) {
+  GdbmWatch watch;
+  watch.Fail("nextkey", 2, GDBM_FILE_READ_ERROR);
+  Kestan engine;
+  ASSERT_EQ(engine.OpenIndex(path_.c_str(), 1), 0);
+  engine.ShrinkIndex();
+  engine.CloseIndex();
+  EXPECT_EQ(Dump(path_).at("g-deleted"), before_.at("g-deleted"));
+}
+
+}  // namespace
+}  // namespace kestan_tests
