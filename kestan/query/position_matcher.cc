@@ -10,6 +10,8 @@ constexpr int kCloseWords = 20;  // pairs up to this far apart earn a bonus
 constexpr int kClosestBonus = 401;
 constexpr std::size_t kMaxPositions = 65535;  // of one document
 constexpr std::size_t kFewPairs = 8;          // not worth a look at their order
+constexpr std::size_t kManyPairs = 65536;     // worth a table of all positions
+constexpr int kLastPosition = 65535;
 
 // Known, and each higher than the one before: what indexing writes, up to 65535 words a document.
 bool AreAscending(Positions positions) {
@@ -21,6 +23,11 @@ bool AreAscending(Positions positions) {
   return true;
 }
 
+// What two words so far apart earn, if they are close.
+std::uint32_t BonusOf(int difference) {
+  return static_cast<std::uint32_t>(kClosestBonus - difference * difference);
+}
+
 bool IsUnknown(Positions positions) { return positions.count == 1 && *positions.first == 0; }
 
 }  // namespace
@@ -30,9 +37,11 @@ void PositionMatcher::Match(Positions first, Positions second) {
   bonus_ = 0;
   if (IsUnknown(first)) return KeepAll(second);
   if (IsUnknown(second)) return KeepAll(first);
-  const bool few = first.count * second.count <= kFewPairs;
-  if (!few && AreAscending(first) && AreAscending(second)) {
+  const std::uint64_t pairs = std::uint64_t{first.count} * second.count;
+  if (pairs > kFewPairs && AreAscending(first) && AreAscending(second)) {
     MatchAscending(first, second);
+  } else if (pairs > kManyPairs) {
+    MatchByTable(first, second);
   } else {
     MatchAllPairs(first, second);
   }
@@ -98,9 +107,49 @@ bool PositionMatcher::HasNear(Positions first, int b, const Position** near) con
   return other != first.end() && *other <= b + distance_;
 }
 
+// Positions in any order, some of them many times over: each of the second word's is looked at with
+// its surroundings in a table of the first's.
+void PositionMatcher::MatchByTable(Positions first, Positions second) {
+  Tabulate(first);
+  const bool has_unknown = std::find(first.begin(), first.end(), 0) != first.end();
+  for (const Position b : second) {
+    if (b == 0) continue;
+    bonus_ += BonusesAt(b);
+    if (distance_ == 0 || has_unknown || HasNearInTable(b)) Keep(b);
+  }
+  if (std::find(second.begin(), second.end(), 0) != second.end()) {
+    for (const Position a : first) Keep(a);
+  }
+  SortKept();
+}
+
+void PositionMatcher::Tabulate(Positions first) {
+  times_.assign(kLastPosition + 1, 0);
+  for (const Position a : first) ++times_[a];
+  times_[0] = 0;  // what is not known is close to nothing
+  up_to_.assign(kLastPosition + 1, 0);
+  for (int i = 1; i <= kLastPosition; ++i) up_to_[i] = up_to_[i - 1] + (times_[i] != 0 ? 1 : 0);
+}
+
+// What all pairs of `b` earn, modulo 2^32.
+std::uint32_t PositionMatcher::BonusesAt(Position b) const {
+  std::uint32_t bonuses = 0;
+  for (int a = std::max(b - kCloseWords, 1); a <= std::min(b + kCloseWords, kLastPosition); ++a) {
+    if (times_[a] != 0 && IsInReach(b - a)) bonuses += times_[a] * BonusOf(b - a);
+  }
+  return bonuses;
+}
+
+bool PositionMatcher::HasNearInTable(Position b) const {
+  if (distance_ < 0) return false;
+  const auto first = static_cast<int>(std::max<std::int64_t>(b - distance_, 1));
+  const auto last = static_cast<int>(std::min<std::int64_t>(b + distance_, kLastPosition));
+  const std::uint32_t same = times_[b] != 0 ? 1 : 0;
+  return up_to_[last] - up_to_[first - 1] > same;
+}
+
 void PositionMatcher::AddBonus(int difference) {
-  if (difference < -kCloseWords || difference > kCloseWords) return;
-  bonus_ += static_cast<std::uint32_t>(kClosestBonus - difference * difference);
+  if (difference >= -kCloseWords && difference <= kCloseWords) bonus_ += BonusOf(difference);
 }
 
 bool PositionMatcher::IsInReach(std::int64_t difference) const {

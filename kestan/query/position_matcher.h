@@ -36,6 +36,10 @@ class PositionMatcher {
   void Keep(Position position);
   void SortKept();
   void MatchAscending(Positions first, Positions second);
+  void MatchByTable(Positions first, Positions second);
+  void Tabulate(Positions first);
+  std::uint32_t BonusesAt(Position b) const;
+  bool HasNearInTable(Position b) const;
   void AddBonuses(Positions first, int b, const Position** close);
   bool HasNear(Positions first, int b, const Position** near) const;
   void AddBonus(int difference);
@@ -44,6 +48,8 @@ class PositionMatcher {
   const std::int64_t distance_;  // in 64 bits, for the least int has no counterpart in 32
   std::bitset<65536> seen_;
   Vector<Position> kept_;
+  Vector<std::uint32_t> times_;  // how often the first word has each known position
+  Vector<std::uint32_t> up_to_;  // how many different ones it has up to each
   Positions found_{nullptr, 0};
   std::uint32_t bonus_ = 0;
 };

@@ -55,6 +55,7 @@ void ResultSet::Sort() {
 }
 
 int AddQueryResult(ResultSet* set) {
+  set->Trim();
   MatchList.emplace(MatchCounter, set);
   return MatchCounter++;
 }

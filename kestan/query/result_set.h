@@ -65,6 +65,11 @@ class ResultSet {
 
   const UnfilledVector<Document>& documents() const { return documents_; }
 
+  // Gives back room that was made for documents that did not come, if it is more than half.
+  void Trim() {
+    if (documents_.size() < documents_.capacity() / 2) documents_.shrink_to_fit();
+  }
+
   // Returns how large the block of positions is.
   std::size_t units() const { return units_.size(); }
 
@@ -79,7 +84,7 @@ class ResultSet {
   UnfilledVector<std::uint16_t> units_;
 };
 
-// Registers `set`, which it takes; a set lives until Kestan::FreeQueryResult.
+// Registers `set`, which it takes and trims; a set lives until Kestan::FreeQueryResult.
 //   Returns  its id.
 int AddQueryResult(ResultSet* set);
 

@@ -3,6 +3,7 @@
 #include <kestan/storage/dbcache.h>
 #include <kestan/storage/memory.h>
 #include <kestan/storage/owned_datum.h>
+#include <sys/stat.h>
 
 #include <climits>
 #include <cstdio>
@@ -130,7 +131,6 @@ int Database::Put(const DBDatum& key, const DBDatum& value) {
 int Database::Del(const DBDatum& key) {
   if (!IsOpenFor("del")) return -1;
   ++changes_;
-  MapFile(false);
   if (FitsGdbm(key)) gdbm_delete(dbf, ForGdbm(key));
   cache_->Erase(key);  // last, for it may free the bytes of `key`
   return 0;
@@ -182,13 +182,21 @@ bool Database::IsOpenFor(const char* operation) const {
   return false;
 }
 
-// Walks are twice as fast over a mapped file. But gdbm maps a file anew each time it grows, which
-// costs far more than it saves, so nothing is written through a mapping.
+// Walks are twice as fast over a mapped file, and so are writes after one that find room in it. But
+// gdbm maps a file anew each time it grows, which costs far more than it saves: the first growth
+// ends the mapping, and before a walk there is none.
 void Database::MapFile(bool mapped) {
   if (!writes_ || mapped == mapped_) return;
   int wanted = mapped ? 1 : 0;
   gdbm_setopt(dbf, GDBM_SETMMAP, &wanted, sizeof wanted);
   mapped_ = mapped;
+  if (mapped) mapped_bytes_ = FileBytes();
+}
+
+std::int64_t Database::FileBytes() const {
+  struct stat status {};
+  fstat(gdbm_fdesc(dbf), &status);
+  return status.st_size;
 }
 
 // Sets up the file that gdbm has just opened or made.
@@ -203,6 +211,8 @@ void Database::PrepareToWrite() {
 //   Returns  0 or gdbm's error number.
 int Database::Store(const DBDatum& key, const DBDatum& value) {
   if (!FitsGdbm(key) || !FitsGdbm(value)) return GDBM_MALFORMED_DATA;
-  MapFile(false);
-  return gdbm_store(dbf, ForGdbm(key), ForGdbm(value), GDBM_REPLACE) == 0 ? 0 : gdbm_errno;
+  const int failed = gdbm_store(dbf, ForGdbm(key), ForGdbm(value), GDBM_REPLACE);
+  const int error = failed != 0 ? gdbm_errno : 0;
+  if (mapped_ && FileBytes() != mapped_bytes_) MapFile(false);
+  return error;
 }

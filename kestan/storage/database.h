@@ -107,14 +107,16 @@ class KESTAN_EXPORT Database {
   int Store(const DBDatum& key, const DBDatum& value);
   void PrepareToWrite();
   void MapFile(bool mapped);
+  std::int64_t FileBytes() const;
 
   gdbm_file_info* dbf = nullptr;
   DBDatumPtr cursor;  // the key that First() or Next() found last
   int walk_error_ = 0;
   std::unique_ptr<kestan::DBCache> cache_;
   std::uint64_t changes_ = 0;
-  bool writes_ = false;  // the open file was opened for writing
-  bool mapped_ = false;  // and is mapped into memory at the moment
+  bool writes_ = false;            // the open file was opened for writing
+  bool mapped_ = false;            // and is mapped into memory at the moment
+  std::int64_t mapped_bytes_ = 0;  // its size when it was mapped
 };
 
 #endif  // KESTAN_STORAGE_DATABASE_H_

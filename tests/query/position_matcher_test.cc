@@ -4,12 +4,15 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <climits>
 #include <cstdint>
 #include <cstdlib>
 #include <numeric>
+#include <random>
 #include <set>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -107,14 +110,40 @@ TEST(PositionMatcher, OfAllPositionsKeepsAsManyAsADocumentCanHave) {
   EXPECT_EQ(match.found, PositionVector(all.begin(), all.end() - 1));
 }
 
-// All pairs would be 3.6 billion; this takes milliseconds, with a wide margin for slow machines.
-TEST(PositionMatcher, TakesNoTimeForTwoWordsThatFillADocument) {
-  PositionVector odd;
-  PositionVector even;
-  for (unsigned i = 1; i <= 60000; i += 2) {
-    odd.push_back(static_cast<kestan::Position>(i));
-    even.push_back(static_cast<kestan::Position>(i + 1));
+// So many that all pairs are no longer looked at one by one: in any order, many of them several
+// times, at either end of the range.
+PositionVector ManyPositions(std::mt19937* draw, unsigned least, unsigned range) {
+  PositionVector positions(300);
+  std::uniform_int_distribution<unsigned> any(least, std::min(least + range, 65535u));
+  for (kestan::Position& position : positions) position = static_cast<kestan::Position>(any(*draw));
+  return positions;
+}
+
+RC_GTEST_PROP(PositionMatcher, MatchesManyPositionsAsAllPairsDo, ()) {
+  std::mt19937 draw(*rc::gen::arbitrary<unsigned>());
+  const unsigned range = *rc::gen::element(5u, 100u, 2000u, 65535u);
+  for (const unsigned least : {0u, 1u, 65435u}) {
+    const int distance = *AnyDistance();
+    kestan::PositionMatcher matcher(distance);
+    const PositionVector first = ManyPositions(&draw, least, range);
+    const PositionVector second = ManyPositions(&draw, least, range);
+    RC_ASSERT(Matched(&matcher, first, second) == AllPairs(first, second, distance));
   }
+}
+
+// The positions of two words that take turns, each `times` times, counted on from 1 after 65535.
+std::pair<PositionVector, PositionVector> TakingTurns(unsigned times) {
+  std::pair<PositionVector, PositionVector> words;
+  for (unsigned i = 0; i < times; ++i) {
+    words.first.push_back(static_cast<kestan::Position>(2 * i % 65535 + 1));
+    words.second.push_back(static_cast<kestan::Position>((2 * i + 1) % 65535 + 1));
+  }
+  return words;
+}
+
+// All pairs would be billions; these take milliseconds, with a wide margin for slow machines.
+TEST(PositionMatcher, TakesNoTimeForTwoWordsThatFillADocument) {
+  const auto [odd, even] = TakingTurns(30000);
   kestan::PositionMatcher matcher(1);
   const auto start = std::chrono::steady_clock::now();
   const Match match = Matched(&matcher, odd, even);
@@ -123,8 +152,18 @@ TEST(PositionMatcher, TakesNoTimeForTwoWordsThatFillADocument) {
   EXPECT_EQ(match.bonus, 400u * (2 * 30000 - 1));
 }
 
+TEST(PositionMatcher, TakesNoTimeWhereThePositionsOfTwoWordsWrapAround) {
+  const auto [first, second] = TakingTurns(60000);
+  kestan::PositionMatcher matcher(1);
+  const auto start = std::chrono::steady_clock::now();
+  const Match match = Matched(&matcher, first, second);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+  EXPECT_EQ(match.found, Ascending(second));
+  EXPECT_EQ(match.bonus, 400u * (2 * 60000 - 2));  // one pair stands at 65535 and 1
+}
+
 TEST(PositionMatcher, CountsTheBonusModulo32Bits) {
-  PositionVector same(65535, 7);  // not ascending, so all pairs are looked at: 401 for each
+  PositionVector same(65535, 7);  // 401 for each pair
   kestan::PositionMatcher matcher(0);
   const Match match = Matched(&matcher, same, PositionVector(100, 7));
   EXPECT_EQ(match.bonus, static_cast<std::uint32_t>(401ull * 65535 * 100));
