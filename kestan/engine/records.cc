@@ -40,7 +40,7 @@ void Resize(DBDatum* record, std::size_t bytes) {
 
 // Resizes a record that will grow again and again.
 void ResizeWithSlack(DBDatum* record, std::size_t bytes) {
-  if (record->data == nullptr || malloc_usable_size(record->data) < bytes) {
+  if (malloc_usable_size(record->data) < bytes) {
     const std::size_t roomy = std::min<std::size_t>(bytes + bytes / 4, kMaxRecordBytes);
     record->data = static_cast<char*>(Reallocate(record->data, roomy));
   }

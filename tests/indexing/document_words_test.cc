@@ -2,6 +2,7 @@
 #include "kestan/indexing/document_words.h"
 
 #include <gtest/gtest.h>
+#include <kestan/storage/hash.h>
 #include <rapidcheck/gtest.h>
 
 #include <map>
@@ -49,6 +50,12 @@ TEST(DocumentWords, OfALongTextAreThoseOfAPlainMap) {
   for (unsigned i = 0; i < 200000; ++i) {
     text += (i % 3 == 0 ? "Word" : "word") + std::to_string(i * 7919 % 5003) + " ";
   }
+  EXPECT_EQ(Words(text), PlainWords(text));
+}
+
+TEST(DocumentWords, OfOneHashAreToldApart) {
+  const std::string text = "dkjtijds gboreqeq dkjtijds";
+  ASSERT_EQ(kestan::Hash("dkjtijds"), kestan::Hash("gboreqeq"));
   EXPECT_EQ(Words(text), PlainWords(text));
 }
 

@@ -2,6 +2,7 @@
 #include "kestan/storage/dbcache.h"
 
 #include <gtest/gtest.h>
+#include <kestan/storage/hash.h>
 
 #include <string>
 #include <string_view>
@@ -73,6 +74,25 @@ TEST_F(DBCacheTest, FindingDoesNotHold) {
   DBDatum& value = Add("key", "value");
   cache_.Find(Datum("key"));
   EXPECT_EQ(value.refs, 1);
+}
+
+// Two pairs of keys of one length that chance gave one hash.
+TEST_F(DBCacheTest, TellsKeysOfOneHashApart) {
+  ASSERT_EQ(kestan::Hash("dkjtijds"), kestan::Hash("gboreqeq"));
+  Add("dkjtijds", "one");
+  EXPECT_EQ(Value("gboreqeq"), "none");
+  Add("gboreqeq", "two");
+  EXPECT_EQ(Value("dkjtijds"), "one");
+  EXPECT_EQ(Value("gboreqeq"), "two");
+}
+
+TEST_F(DBCacheTest, TellsKeysOfOneHashAndOneBeginningApart) {
+  ASSERT_EQ(kestan::Hash("commonbeginningxoquyyyk"), kestan::Hash("commonbeginningfqdcpmtw"));
+  Add("commonbeginningxoquyyyk", "one");
+  EXPECT_EQ(Value("commonbeginningfqdcpmtw"), "none");
+  Add("commonbeginningfqdcpmtw", "two");
+  EXPECT_EQ(Value("commonbeginningxoquyyyk"), "one");
+  EXPECT_EQ(Value("commonbeginningfqdcpmtw"), "two");
 }
 
 TEST_F(DBCacheTest, ErasingLeavesTheValueToItsHolders) {

@@ -23,6 +23,12 @@ TEST(DBDatumPtr, CopyingCountsOneHolderMore) {
   EXPECT_EQ(first.ptr->refs, 2);
 }
 
+TEST(DBDatumPtr, CopyingANullHandleGivesAnother) {
+  const DBDatumPtr null;
+  const DBDatumPtr copy = null;
+  EXPECT_EQ(copy.ptr, nullptr);
+}
+
 TEST(DBDatumPtr, AssigningCountsOneHolderMore) {
   const DBDatumPtr first = Counted("value");
   DBDatumPtr second;
