@@ -127,25 +127,28 @@ void PositionMatcher::Tabulate(Positions first) {
   times_.assign(kLastPosition + 1, 0);
   for (const Position a : first) ++times_[a];
   times_[0] = 0;  // what is not known is close to nothing
-  up_to_.assign(kLastPosition + 1, 0);
-  for (int i = 1; i <= kLastPosition; ++i) up_to_[i] = up_to_[i - 1] + (times_[i] != 0 ? 1 : 0);
+  up_to_.assign(times_.size(), 0);
+  for (std::size_t i = 1; i < times_.size(); ++i) {
+    up_to_[i] = up_to_[i - 1] + (times_[i] != 0 ? 1 : 0);
+  }
 }
 
 // What all pairs of `b` earn, modulo 2^32.
-std::uint32_t PositionMatcher::BonusesAt(Position b) const {
+std::uint32_t PositionMatcher::BonusesAt(int b) const {
   std::uint32_t bonuses = 0;
   for (int a = std::max(b - kCloseWords, 1); a <= std::min(b + kCloseWords, kLastPosition); ++a) {
-    if (times_[a] != 0 && IsInReach(b - a)) bonuses += times_[a] * BonusOf(b - a);
+    const std::uint32_t times = times_[static_cast<Position>(a)];
+    if (times != 0 && IsInReach(b - a)) bonuses += times * BonusOf(b - a);
   }
   return bonuses;
 }
 
-bool PositionMatcher::HasNearInTable(Position b) const {
+bool PositionMatcher::HasNearInTable(int b) const {
   if (distance_ < 0) return false;
-  const auto first = static_cast<int>(std::max<std::int64_t>(b - distance_, 1));
-  const auto last = static_cast<int>(std::min<std::int64_t>(b + distance_, kLastPosition));
-  const std::uint32_t same = times_[b] != 0 ? 1 : 0;
-  return up_to_[last] - up_to_[first - 1] > same;
+  const std::int64_t first = std::max<std::int64_t>(b - distance_, 1);
+  const std::int64_t last = std::min<std::int64_t>(b + distance_, kLastPosition);
+  const std::uint32_t same = times_[static_cast<Position>(b)] != 0 ? 1 : 0;
+  return up_to_[static_cast<Position>(last)] - up_to_[static_cast<Position>(first - 1)] > same;
 }
 
 void PositionMatcher::AddBonus(int difference) {

@@ -38,8 +38,8 @@ class PositionMatcher {
   void MatchAscending(Positions first, Positions second);
   void MatchByTable(Positions first, Positions second);
   void Tabulate(Positions first);
-  std::uint32_t BonusesAt(Position b) const;
-  bool HasNearInTable(Position b) const;
+  std::uint32_t BonusesAt(int b) const;
+  bool HasNearInTable(int b) const;
   void AddBonuses(Positions first, int b, const Position** close);
   bool HasNear(Positions first, int b, const Position** near) const;
   void AddBonus(int difference);

@@ -1,12 +1,14 @@
 #include <gdbm.h>
 #include <kestan/storage/database.h>
 #include <kestan/storage/dbcache.h>
+#include <kestan/storage/gdbm_file.h>
 #include <kestan/storage/memory.h>
 #include <kestan/storage/owned_datum.h>
-#include <sys/stat.h>
+#include <kestan/storage/walk_guard.h>
 
 #include <climits>
 #include <cstdio>
+#include <utility>
 
 namespace {
 
@@ -36,7 +38,8 @@ void Rewrite(DBDatum* target, const DBDatum& source) {
 
 }  // namespace
 
-Database::Database() : cache_(kestan::New<kestan::DBCache>()) {}
+Database::Database()
+    : walk_guard_(kestan::New<kestan::WalkGuard>()), cache_(kestan::New<kestan::DBCache>()) {}
 
 Database::~Database() { Close(); }
 
@@ -47,6 +50,10 @@ int Database::Open(const char* name, int writer) {
   const int flags = writer != 0 ? GDBM_WRCREAT | GDBM_FAST : GDBM_READER;
   dbf = gdbm_open(name, kBlockBytes, flags, kFileMode, nullptr);
   if (dbf == nullptr) return gdbm_errno;
+  if (const int error = writer != 0 ? kestan::CheckFreeSpace(dbf) : 0; error != 0) {
+    kestan::CloseFile(std::exchange(dbf, nullptr));
+    return error;
+  }
   writes_ = writer != 0;
   if (writes_) PrepareToWrite();
   return 0;
@@ -55,8 +62,7 @@ int Database::Open(const char* name, int writer) {
 int Database::Close() {
   if (dbf == nullptr) return 0;
   const int result = Flush();
-  gdbm_close(dbf);
-  dbf = nullptr;
+  kestan::CloseFile(std::exchange(dbf, nullptr));
   return result;
 }
 
@@ -112,6 +118,7 @@ int Database::GetMany(DBDatumPtr* values, const DBDatum* keys, std::size_t count
 int Database::Put(const DBDatum& key, const DBDatum& value) {
   if (!IsOpenFor("put")) return -1;
   ++changes_;
+  walk_guard_->Restart();
   kestan::DBCache::Entry* entry = cache_->Find(key);
   if (entry == nullptr) {
     const bool counted = value.refs > 0;
@@ -131,6 +138,7 @@ int Database::Put(const DBDatum& key, const DBDatum& value) {
 int Database::Del(const DBDatum& key) {
   if (!IsOpenFor("del")) return -1;
   ++changes_;
+  walk_guard_->Restart();
   if (FitsGdbm(key)) gdbm_delete(dbf, ForGdbm(key));
   cache_->Erase(key);  // last, for it may free the bytes of `key`
   return 0;
@@ -140,6 +148,7 @@ int Database::First(DBDatumPtr* key, DBDatumPtr* value) {
   key->Free();
   if (!IsOpenFor("first")) return -1;
   MapFile(true);
+  walk_guard_->Restart();
   const datum found = gdbm_firstkey(dbf);
   return Visit(key, value, found.dptr, found.dsize);
 }
@@ -157,6 +166,10 @@ int Database::Visit(DBDatumPtr* key, DBDatumPtr* value, char* found, int found_b
   if (found == nullptr) return -1;
   cursor = kestan::AdoptDatum(found, static_cast<std::uint32_t>(found_bytes));
   if (const kestan::DBCache::Entry* entry = cache_->Find(*cursor.ptr)) cursor = entry->key;
+  if (walk_guard_->IsCircle(*cursor.ptr)) {
+    walk_error_ = GDBM_BAD_HASH_TABLE;
+    return -1;
+  }
   *key = cursor;
   return value != nullptr ? Get(value, *cursor.ptr) : 0;
 }
@@ -170,6 +183,9 @@ int Database::Sync() {
 int Database::Shrink() {
   if (!IsOpenFor("shrink")) return -1;
   Flush();
+  // gdbm maps the new file whatever the setting, and unmaps a file only where the setting says that
+  // it is mapped. A mapping that stayed would be all that later syncs wait for.
+  MapFile(true);
   gdbm_reorganize(dbf);
   if (writes_) PrepareToWrite();  // it is another file now
   return Sync();
@@ -186,24 +202,19 @@ bool Database::IsOpenFor(const char* operation) const {
 // gdbm maps a file anew each time it grows, which costs far more than it saves: the first growth
 // ends the mapping, and before a walk there is none.
 void Database::MapFile(bool mapped) {
-  if (!writes_ || mapped == mapped_) return;
+  if (!writes_ || mapped == mapped_ || (mapped && !mappable_)) return;
   int wanted = mapped ? 1 : 0;
-  gdbm_setopt(dbf, GDBM_SETMMAP, &wanted, sizeof wanted);
-  mapped_ = mapped;
-  if (mapped) mapped_bytes_ = FileBytes();
-}
-
-std::int64_t Database::FileBytes() const {
-  struct stat status {};
-  fstat(gdbm_fdesc(dbf), &status);
-  return status.st_size;
+  const bool done = gdbm_setopt(dbf, GDBM_SETMMAP, &wanted, sizeof wanted) == 0;
+  if (done) mapped_ = mapped;
+  mappable_ = done;  // after a failure gdbm would take the next try for done, and read nowhere
+  if (mapped_) mapped_bytes_ = kestan::BytesOfFile(dbf);
 }
 
 // Sets up the file that gdbm has just opened or made.
 void Database::PrepareToWrite() {
   std::size_t buckets = kCachedBuckets;
   gdbm_setopt(dbf, GDBM_SETCACHESIZE, &buckets, sizeof buckets);
-  mapped_ = true;  // as gdbm opens files
+  mapped_ = mappable_ = true;  // as gdbm opens files
   MapFile(false);
 }
 
@@ -213,6 +224,6 @@ int Database::Store(const DBDatum& key, const DBDatum& value) {
   if (!FitsGdbm(key) || !FitsGdbm(value)) return GDBM_MALFORMED_DATA;
   const int failed = gdbm_store(dbf, ForGdbm(key), ForGdbm(value), GDBM_REPLACE);
   const int error = failed != 0 ? gdbm_errno : 0;
-  if (mapped_ && FileBytes() != mapped_bytes_) MapFile(false);
+  if (mapped_ && kestan::BytesOfFile(dbf) != mapped_bytes_) MapFile(false);
   return error;
 }

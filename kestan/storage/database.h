@@ -13,7 +13,8 @@ struct gdbm_file_info;
 
 namespace kestan {
 class DBCache;
-}
+class WalkGuard;
+}  // namespace kestan
 
 // A key/value file whose records, once read or written, stay in a cache.
 //
@@ -34,7 +35,8 @@ class KESTAN_EXPORT Database {
   // Opens the file `name`. With `writer` 0 it must exist and is only read; otherwise it is read and
   // written, and created with mode 0644 where it is missing. Drops what the cache holds from an
   // earlier file, except records that somebody still holds.
-  //   Returns  0; -1 if a file is open already, which stays open; or gdbm's error number.
+  //   Returns  0; -1 if a file is open already, which stays open; or gdbm's error number, also for
+  //            a file whose record of its own free space is damaged, if `writer` is not 0.
   int Open(const char* name, int writer);
 
   // Flushes and closes the file; records that somebody holds stay in the cache.
@@ -86,7 +88,8 @@ class KESTAN_EXPORT Database {
   int First(DBDatumPtr* key, DBDatumPtr* value = nullptr);
   int Next(DBDatumPtr* key, DBDatumPtr* value = nullptr);
 
-  // Returns 0 if the last walk ended because there are no more keys, else gdbm's error number.
+  // Returns 0 if the last walk ended because there are no more keys, else gdbm's error number,
+  // which is GDBM_BAD_HASH_TABLE where the walk went in circles.
   int WalkError() const { return walk_error_; }
 
   // Returns a number that grows with every call that may change what some key answers: Open(),
@@ -107,15 +110,16 @@ class KESTAN_EXPORT Database {
   int Store(const DBDatum& key, const DBDatum& value);
   void PrepareToWrite();
   void MapFile(bool mapped);
-  std::int64_t FileBytes() const;
 
   gdbm_file_info* dbf = nullptr;
   DBDatumPtr cursor;  // the key that First() or Next() found last
+  std::unique_ptr<kestan::WalkGuard> walk_guard_;
   int walk_error_ = 0;
   std::unique_ptr<kestan::DBCache> cache_;
   std::uint64_t changes_ = 0;
-  bool writes_ = false;            // the open file was opened for writing
-  bool mapped_ = false;            // and is mapped into memory at the moment
+  bool writes_ = false;  // the open file was opened for writing
+  bool mapped_ = false;  // and is mapped into memory at the moment
+  bool mappable_ = false;
   std::int64_t mapped_bytes_ = 0;  // its size when it was mapped
 };
 

@@ -31,6 +31,15 @@ bool MustFail(const char* function, GDBM_FILE file, datum key = {}, datum value 
   return true;
 }
 
+// Options are set as the store likes: they are no part of what a test sees happen to the file.
+bool MustFailOption(GDBM_FILE file) {
+  if (watch == nullptr) return false;
+  const int error = watch->NoteOption({"setopt", OpenFiles()[file], "", ""});
+  if (error == 0) return false;
+  gdbm_errno = error;
+  return true;
+}
+
 }  // namespace
 
 GdbmWatch::GdbmWatch() { watch = this; }
@@ -38,7 +47,11 @@ GdbmWatch::GdbmWatch() { watch = this; }
 GdbmWatch::~GdbmWatch() { watch = nullptr; }
 
 void GdbmWatch::Fail(std::string_view function, int nth, int error) {
-  failures_.push_back({std::string(function), nth, error});
+  failures_.push_back({std::string(function), nth, error, false});
+}
+
+void GdbmWatch::FailFrom(std::string_view function, int nth, int error) {
+  failures_.push_back({std::string(function), nth, error, true});
 }
 
 std::vector<std::string> GdbmWatch::Lines() const {
@@ -55,13 +68,30 @@ std::size_t GdbmWatch::Count(std::string_view function) const {
 }
 
 int GdbmWatch::Note(GdbmCall call) {
-  int error = 0;
-  for (Failure& failure : failures_) {
-    if (failure.function == call.function && --failure.calls_left == 0) error = failure.error;
-  }
+  const int error = Decide(call);
   calls_.push_back(std::move(call));
   return error;
 }
+
+int GdbmWatch::Note(GdbmOpening opening) {
+  const int error = Decide({"open", opening.file, "", ""});
+  openings_.push_back(std::move(opening));
+  return error;
+}
+
+int GdbmWatch::Decide(const GdbmCall& call) {
+  if (observer_) observer_(call);
+  int error = 0;
+  for (Failure& failure : failures_) {
+    if (failure.function != call.function) continue;
+    --failure.calls_left;
+    if (failure.calls_left == 0 || (failure.lasting && failure.calls_left < 0))
+      error = failure.error;
+  }
+  return error;
+}
+
+std::size_t CountOpenFiles() { return OpenFiles().size(); }
 
 }  // namespace kestan_tests
 
@@ -80,11 +110,16 @@ datum __real_gdbm_firstkey(GDBM_FILE);
 datum __real_gdbm_nextkey(GDBM_FILE, datum);
 int __real_gdbm_sync(GDBM_FILE);
 int __real_gdbm_reorganize(GDBM_FILE);
+int __real_gdbm_setopt(GDBM_FILE, int, void*, int);
 
 GDBM_FILE __wrap_gdbm_open(const char* path, int block_bytes, int flags, int mode,
                            FatalCallback fatal) {
   if (kestan_tests::watch != nullptr) {
-    kestan_tests::watch->Note({path, block_bytes, flags, mode, fatal != nullptr});
+    const int error = kestan_tests::watch->Note({path, block_bytes, flags, mode, fatal != nullptr});
+    if (error != 0) {
+      gdbm_errno = error;
+      return nullptr;
+    }
   }
   GDBM_FILE file = __real_gdbm_open(path, block_bytes, flags, mode, fatal);
   if (file != nullptr) kestan_tests::OpenFiles()[file] = path;
@@ -92,9 +127,13 @@ GDBM_FILE __wrap_gdbm_open(const char* path, int block_bytes, int flags, int mod
 }
 
 int __wrap_gdbm_close(GDBM_FILE file) {
-  kestan_tests::MustFail("close", file);  // it is closed all the same
+  const bool fails = kestan_tests::MustFail("close", file);  // it is closed all the same
+  const int error = gdbm_errno;
   kestan_tests::OpenFiles().erase(file);
-  return __real_gdbm_close(file);
+  const int result = __real_gdbm_close(file);
+  if (!fails) return result;
+  gdbm_errno = error;
+  return -1;
 }
 
 int __wrap_gdbm_store(GDBM_FILE file, datum key, datum value, int flag) {
@@ -130,6 +169,11 @@ int __wrap_gdbm_sync(GDBM_FILE file) {
 int __wrap_gdbm_reorganize(GDBM_FILE file) {
   if (kestan_tests::MustFail("reorganize", file)) return -1;
   return __real_gdbm_reorganize(file);
+}
+
+int __wrap_gdbm_setopt(GDBM_FILE file, int option, void* value, int size) {
+  if (kestan_tests::MustFailOption(file)) return -1;
+  return __real_gdbm_setopt(file, option, value, size);
 }
 
 }  // extern "C"

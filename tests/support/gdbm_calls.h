@@ -4,8 +4,10 @@
 #define KESTAN_TESTS_SUPPORT_GDBM_CALLS_H_
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace kestan_tests {
@@ -38,6 +40,13 @@ class GdbmWatch {
   // The calls before it and after it take their course.
   void Fail(std::string_view function, int nth, int error);
 
+  // The same for the `nth` call and every later one.
+  void FailFrom(std::string_view function, int nth, int error);
+
+  // Calls `observer` with each call before it takes its course, those of "open" and "setopt" too,
+  // which Calls() leaves out.
+  void Observe(std::function<void(const GdbmCall&)> observer) { observer_ = std::move(observer); }
+
   const std::vector<GdbmCall>& Calls() const { return calls_; }
   const std::vector<GdbmOpening>& Openings() const { return openings_; }
 
@@ -49,19 +58,27 @@ class GdbmWatch {
   // For the stand-ins of the gdbm functions: notes a call.
   //   Returns  the error that the call has to report, 0 if it is to take its course.
   int Note(GdbmCall call);
-  void Note(GdbmOpening opening) { openings_.push_back(std::move(opening)); }
+  int Note(GdbmOpening opening);
+  int NoteOption(GdbmCall call) { return Decide(call); }
 
  private:
   struct Failure {
     std::string function;
     int calls_left;
     int error;
+    bool lasting;
   };
+
+  int Decide(const GdbmCall& call);
 
   std::vector<GdbmCall> calls_;
   std::vector<GdbmOpening> openings_;
   std::vector<Failure> failures_;
+  std::function<void(const GdbmCall&)> observer_;
 };
+
+// Returns how many files are open that were opened through a stand-in of gdbm_open.
+std::size_t CountOpenFiles();
 
 }  // namespace kestan_tests
 

@@ -1,0 +1,56 @@
+#include <kestan/storage/gdbm_file.h>
+#include <kestan/storage/memory.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace kestan {
+namespace {
+
+constexpr std::uint64_t kSlackBytes = 64 << 20;
+
+// The place where gdbm will add the next block: a field of its header that it tells nobody.
+struct Header {
+  std::uint32_t magic;
+  std::uint32_t block_bytes;
+  std::uint64_t directory;
+  std::uint32_t directory_bytes;
+  std::uint32_t others[3];
+  std::uint64_t next_block;
+};
+
+// Formats with these fields, as written by hosts whose file offsets have 64 bits.
+bool IsKnown(std::uint32_t magic) { return magic == 0x13579acf || magic == 0x13579ad1; }
+
+}  // namespace
+
+std::int64_t BytesOfFile(GDBM_FILE file) {
+  struct stat status {};
+  fstat(gdbm_fdesc(file), &status);
+  return status.st_size;
+}
+
+// A next block far behind the end would make gdbm fill the disk up to there. Some blocks are no
+// damage: a process that was killed leaves them. A list of free space that leads nowhere would make
+// gdbm end the process.
+int CheckFreeSpace(GDBM_FILE file) {
+  Header header{};
+  const ssize_t read = pread(gdbm_fdesc(file), &header, sizeof header, 0);
+  const auto bytes = static_cast<std::uint64_t>(BytesOfFile(file));
+  const bool has_field = read == static_cast<ssize_t>(sizeof header) && IsKnown(header.magic);
+  if (has_field && header.next_block > 2 * bytes + kSlackBytes) return GDBM_NEED_RECOVERY;
+  return gdbm_avail_verify(file) == 0 ? 0 : gdbm_errno;
+}
+
+void CloseFile(GDBM_FILE file) {
+  static Vector<GDBM_FILE> abandoned;
+  if (gdbm_needs_recovery(file) == 0) {
+    gdbm_close(file);
+    return;
+  }
+  int mapped = 0;
+  gdbm_setopt(file, GDBM_SETMMAP, &mapped, sizeof mapped);
+  close(gdbm_fdesc(file));
+  abandoned.push_back(file);
+}
+
+}  // namespace kestan

@@ -1,0 +1,34 @@
+// What a host does with an index file, damaged or not, in a child process that has little time and
+// little room.
+#ifndef KESTAN_TESTS_HOSTILE_FILE_SESSION_H_
+#define KESTAN_TESTS_HOSTILE_FILE_SESSION_H_
+
+#include <string>
+
+#include "tests/faults/child.h"
+
+namespace kestan_hostile {
+
+#if defined(__SANITIZE_ADDRESS__)
+inline constexpr bool kSanitised = true;
+#elif defined(__has_feature)
+inline constexpr bool kSanitised = __has_feature(address_sanitizer);
+#else
+inline constexpr bool kSanitised = false;
+#endif
+
+// Opens the file `path` for reading and calls every method that reads, for every word and every
+// document that the index lists.
+kestan_faults::Outcome ReadInChild(const std::string& path);
+
+// Opens the file `path` for writing, calls every method, and in the end removes every document that
+// the index lists, shrinks, and adds again. Copies go to `path` + ".copy".
+kestan_faults::Outcome WriteInChild(const std::string& path);
+
+// Says what a host must not live to see of an end; empty if the end is good: of itself, or of the
+// engine with its promised line.
+std::string Complaint(const kestan_faults::Outcome& outcome, long most_kib);
+
+}  // namespace kestan_hostile
+
+#endif  // KESTAN_TESTS_HOSTILE_FILE_SESSION_H_

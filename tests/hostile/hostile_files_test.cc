@@ -1,0 +1,100 @@
+// A host outlives every damaged index file: it may be refused or read nonsense, but it is not ended
+// by a signal, ends in time, and takes no more memory than the file can account for.
+//
+// Each damaged file is opened twice, for reading and for writing, each time as a new copy and in a
+// child process. For more of them than the default:
+//   KESTAN_HOSTILE_FLIPS=20000 hostile_tests --gtest_filter='HostileFiles.*'
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <climits>
+#include <cstdlib>
+#include <filesystem>
+
+#include "tests/hostile/file_damage.h"
+#include "tests/hostile/file_session.h"
+#include "tests/hostile/gdbm_activity.h"
+#include "tests/support/index_test.h"
+
+namespace kestan_hostile {
+namespace {
+
+constexpr long kMostDiskBytes = 72L << 20;
+
+// What a file takes on the disk; a hole in it takes nothing. 0 if there is none.
+long DiskBytes(const std::string& path) {
+  constexpr long kCountedBytes = 512;
+  struct stat file {};
+  return stat(path.c_str(), &file) == 0 ? file.st_blocks * kCountedBytes : 0;
+}
+
+class HostileFiles : public testing::Test {
+ protected:
+  // Opens each of `files`, for reading and for writing.
+  void Survive(const std::vector<Damaged>& files) {
+    base_kib_ = kestan_faults::RunInChild([](kestan_faults::Transcript*) {}).peak_kib;
+    for (const Damaged& file : files) {
+      const long most_kib = MostKib(file.bytes.size());
+      Put(file.bytes);
+      Judge(ReadInChild(path_), most_kib, file.what + ", read");
+      Put(file.bytes);
+      Judge(WriteInChild(path_), most_kib, file.what + ", written");
+    }
+  }
+
+  const std::string good_ = GoodFile();
+
+ private:
+  void Put(const std::string& bytes) {
+    ForgetGdbmActivity();
+    std::filesystem::remove(path_ + ".copy");
+    WriteFile(path_, bytes);
+  }
+
+  void Judge(const kestan_faults::Outcome& outcome, long most_kib, const std::string& what) {
+    std::string complaint = Complaint(outcome, most_kib);
+    const long disk_bytes = DiskBytes(path_) + DiskBytes(path_ + ".copy");
+    if (disk_bytes > kMostDiskBytes)
+      complaint += " took " + std::to_string(disk_bytes) + " bytes of the disk";
+    EXPECT_EQ(complaint, "") << what << "\nin gdbm's " << GdbmActivity() << "\n"
+                             << Describe(outcome);
+  }
+
+  // A sanitizer takes memory of its own, without a limit that could be told.
+  long MostKib(std::size_t file_bytes) const {
+    if (kSanitised) return LONG_MAX;
+    return base_kib_ + 64L * 1024 + 8 * static_cast<long>(file_bytes / 1024 + 1);
+  }
+
+  const kestan_tests::TempDir folder_;
+  const std::string path_ = folder_ / "index";
+  long base_kib_ = 0;  // what a child takes that does nothing
+};
+
+TEST_F(HostileFiles, AGoodFileIsReadAndWrittenToTheEnd) {
+  EXPECT_GT(good_.size(), 20000U);
+  EXPECT_LT(good_.size(), 60000U);
+  Survive({{"good", good_}});
+}
+
+TEST_F(HostileFiles, FlippedInTheFirstBlock) { Survive(FlippedInTheFirstBlock(good_)); }
+
+TEST_F(HostileFiles, FlippedAnywhere) {
+  const char* const wanted = std::getenv("KESTAN_HOSTILE_FLIPS");
+  Survive(FlippedAnywhere(good_, wanted != nullptr ? std::strtoul(wanted, nullptr, 10) : 600));
+}
+
+TEST_F(HostileFiles, Cut) { Survive(Cut(good_)); }
+
+TEST_F(HostileFiles, BlocksOfZeros) { Survive(BlocksOfZeros(good_)); }
+
+TEST_F(HostileFiles, BlocksOfNoise) { Survive(BlocksOfNoise(good_)); }
+
+TEST_F(HostileFiles, BlocksSwapped) { Survive(BlocksSwapped(good_)); }
+
+TEST_F(HostileFiles, DirectoryEntriesRepeated) { Survive(DirectoryEntriesRepeated(good_)); }
+
+TEST_F(HostileFiles, ThatNeverWereAnIndex) { Survive(Strangers(good_)); }
+
+}  // namespace
+}  // namespace kestan_hostile

@@ -1,0 +1,117 @@
+// Damaged files that gdbm itself would come to grief on.
+#include <gdbm.h>
+
+#include <cstring>
+#include <fstream>
+#include <sstream>
+
+#include "tests/storage/database_test.h"
+
+namespace kestan_tests {
+namespace {
+
+constexpr std::size_t kPlaceOfDirectory = 8;  // in gdbm's header
+constexpr std::size_t kPlaceOfDirectoryBytes = 16;
+constexpr std::size_t kEntryBytes = 8;  // of the directory
+constexpr std::size_t kPlaceOfNextBlock = 32;
+constexpr std::size_t kPlaceOfFreeSpaceList = 48;
+
+class DamagedFile : public testing::Test {
+ protected:
+  void SetUp() override {
+    Records records;
+    for (int i = 0; i < 200; ++i) records["key" + std::to_string(i)] = "value";
+    Plant(path_, records);
+    bytes_ = Read();
+  }
+
+  std::string Read() {
+    std::ifstream file(path_, std::ios::binary);
+    std::ostringstream bytes;
+    bytes << file.rdbuf();
+    return bytes.str();
+  }
+
+  std::uint64_t NumberAt(std::size_t place) {
+    std::uint64_t number = 0;
+    std::memcpy(&number, bytes_.data() + place, sizeof number);
+    return number;
+  }
+
+  void SetNumberAt(std::size_t place, std::uint64_t number) {
+    std::memcpy(bytes_.data() + place, &number, sizeof number);
+    std::ofstream(path_, std::ios::binary) << bytes_;
+  }
+
+  // Returns how many keys a walk comes to, at most `most`.
+  int Walk(int most) {
+    DBDatumPtr key;
+    int count = 0;
+    for (int end = store_.First(&key); end == 0 && count < most; end = store_.Next(&key)) ++count;
+    return count;
+  }
+
+  void ExpectReadOnly() {
+    EXPECT_GT(store_.Open(path_.c_str(), 1), 0);
+    EXPECT_EQ(Read(), bytes_);
+    ASSERT_EQ(store_.Open(path_.c_str(), 0), 0);
+    EXPECT_EQ(Walk(1000), 200);
+    EXPECT_EQ(store_.WalkError(), 0);
+  }
+
+  TempDir folder_;
+  const std::string path_ = folder_ / "store";
+  std::string bytes_;
+  Database store_;
+};
+
+TEST_F(DamagedFile, WithItsNextBlockFarAwayOpensForReadingOnly) {
+  SetNumberAt(kPlaceOfNextBlock, std::uint64_t{1} << 40);
+  ExpectReadOnly();
+}
+
+TEST_F(DamagedFile, WithItsNextBlockALittleAwayOpensForWriting) {
+  SetNumberAt(kPlaceOfNextBlock, NumberAt(kPlaceOfNextBlock) + 4096);
+  EXPECT_EQ(store_.Open(path_.c_str(), 1), 0);
+  EXPECT_EQ(store_.Put(Datum("new"), Datum("value")), 0);
+}
+
+TEST_F(DamagedFile, WithItsFreeSpaceListElsewhereOpensForReadingOnly) {
+  SetNumberAt(kPlaceOfFreeSpaceList, 100000007);
+  ExpectReadOnly();
+}
+
+// Some buckets in a wrong place gdbm notices itself; of others it comes to the same keys for ever.
+TEST_F(DamagedFile, WithABucketInTwoPlacesIsNotWalkedForEver) {
+  const std::size_t directory = NumberAt(kPlaceOfDirectory);
+  const std::size_t entries = (NumberAt(kPlaceOfDirectoryBytes) & 0xffffffff) / kEntryBytes;
+  const std::string good = bytes_;
+  int circles = 0;
+  for (std::size_t to = 0; to < entries; ++to) {
+    bytes_ = good;
+    for (const std::size_t from : {std::size_t{0}, (to + 1) % entries}) {
+      SetNumberAt(directory + to * kEntryBytes, NumberAt(directory + from * kEntryBytes));
+      ASSERT_EQ(store_.Open(path_.c_str(), 0), 0);
+      EXPECT_LT(Walk(10000), 10000);
+      circles += store_.WalkError() == GDBM_BAD_HASH_TABLE ? 1 : 0;
+      store_.Close();
+    }
+  }
+  EXPECT_GT(circles, 0);
+}
+
+TEST_F(DamagedFile, ThatIsWholeAfterAllIsWalkedWhileKeysComeAndGo) {
+  ASSERT_EQ(store_.Open(path_.c_str(), 1), 0);
+  DBDatumPtr key;
+  int count = 0;
+  for (int end = store_.First(&key); end == 0; end = store_.Next(&key)) {
+    const std::string name = "more" + std::to_string(count++);
+    store_.Put(Datum(name), Datum("value"));
+    store_.Del(Datum(name));
+  }
+  EXPECT_EQ(count, 200);
+  EXPECT_EQ(store_.WalkError(), 0);
+}
+
+}  // namespace
+}  // namespace kestan_tests
