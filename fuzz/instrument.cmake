@@ -1,0 +1,9 @@
+# Builds everything, the library first of all, so that libFuzzer sees which branches an input takes
+# and the sanitizers see what it does.
+if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  message(FATAL_ERROR "KESTAN_BUILD_FUZZ needs clang, which brings libFuzzer; the compiler here is "
+    "${CMAKE_CXX_COMPILER_ID}. Use the preset `fuzz`, or pass -DCMAKE_CXX_COMPILER=clang++.")
+endif()
+add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all
+  -fno-omit-frame-pointer)
+add_link_options(-fsanitize=address,undefined)

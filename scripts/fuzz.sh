@@ -1,0 +1,122 @@
+#!/usr/bin/env bash
+# Builds the fuzz targets, replays their seeds, and lets libFuzzer search on from there, two targets
+# at a time. Any finding is printed with the file that repeats it, and the script then fails.
+#
+#   scripts/fuzz.sh [TARGET...]                every target, or those named, for 30 seconds each
+#   scripts/fuzz.sh --seconds N [TARGET...]    for N seconds each
+#   scripts/fuzz.sh --runs N [TARGET...]       until each has run N inputs
+#   scripts/fuzz.sh --replay [TARGET...]       only the seeds
+#
+# What the search found worth keeping is in build/fuzz/corpus/TARGET, where the next search starts;
+# inputs that fail are in build/fuzz/findings, logs in build/fuzz/logs.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+build=${KESTAN_FUZZ_BUILD:-build/fuzz}
+seconds=30
+runs=
+replay_only=false
+case ${1:-} in
+  --seconds) seconds=$2; shift 2 ;;
+  --runs) seconds=; runs=$2; shift 2 ;;
+  --replay) replay_only=true; shift ;;
+  -*) sed -n '2,11p' "$0" >&2; exit 2 ;;
+esac
+targets=("$@")
+[ ${#targets[@]} -gt 0 ] || mapfile -t targets < <(ls fuzz/seeds)
+
+cmake --preset fuzz -B "$build" >/dev/null
+cmake --build "$build"
+mkdir -p "$build/findings" "$build/logs"
+
+# gdbm asks for as much memory as a damaged file says, up to 4 GiB, and copes when it gets none.
+export ASAN_OPTIONS=allocator_may_return_null=1:max_allocation_size_mb=4096
+# Without -entropic=0, libFuzzer's own bookkeeping takes longer than the targets that do most.
+options=(-print_final_stats=1 -entropic=0 -timeout=20 -rss_limit_mb=3000 -malloc_limit_mb=8192)
+
+# A process that failed inside gdbm did so on a file that gdbm itself cannot read safely: the
+# innermost of the frames that are not the runtime's or the C library's tells.
+failed_inside_gdbm() {
+  [ "$(grep -E '^ +#[0-9]+ ' "$1" | grep -oEm1 'libgdbm|/(kestan|fuzz|tests)/')" = libgdbm ]
+}
+
+statistic() { sed -n "s/^stat::$1: *//p" "$2" | tail -n 1; }
+
+# Runs a target in one process and sets `status`.
+run_once() {
+  status=0
+  "$build/fuzz/fuzz_$target" "${options[@]}" "$@" \
+    -artifact_prefix="$build/findings/$target-" >"$log" 2>&1 || status=$?
+}
+
+replay() {
+  local target=$1 log=$build/logs/$1-seeds.log status
+  run_once -runs=0 "fuzz/seeds/$target"
+  if [ "$status" -ne 0 ]; then
+    printf 'FINDING in %s: a seed fails; see %s\n' "$target" "$log"
+    return 1
+  fi
+  printf '%-18s %s seeds\n' "$target" "$(find "fuzz/seeds/$target" -type f | wc -l)"
+}
+
+# What gdbm has lost on damaged files stays in memory, so `files` goes on in a new process now and
+# then. LeakSanitizer would take that memory for ours.
+process_limits() {
+  if [ "$target" = files ]; then
+    local most=30000
+    [ -z "$runs" ] || [ $((runs - executed)) -ge $most ] || most=$((runs - executed))
+    echo "-detect_leaks=0 -runs=$most"
+  elif [ -n "$runs" ]; then
+    echo "-runs=$((runs - executed))"
+  fi
+  [ -z "$seconds" ] || echo "-max_total_time=$((seconds - SECONDS))"
+}
+
+is_done() {
+  if [ -n "$seconds" ]; then [ $SECONDS -ge "$seconds" ]; else [ "$executed" -ge "$runs" ]; fi
+}
+
+search() {
+  local target=$1 log=$build/logs/$1.log status=0 executed=0 in_gdbm=0 ran
+  SECONDS=0
+  mkdir -p "$build/corpus/$target"
+  until is_done; do
+    # shellcheck disable=SC2046  # one word for each limit
+    run_once $(process_limits) "$build/corpus/$target" "fuzz/seeds/$target"
+    ran=$(statistic number_of_executed_units "$log")
+    executed=$((executed + ${ran:-0}))
+    [ $status -ne 0 ] || continue
+    failed_inside_gdbm "$log" || break
+    in_gdbm=$((in_gdbm + 1))
+    status=0
+  done
+  printf '%-18s %9d executions %7d a second   %s   %s\n' "$target" $executed \
+    $((executed / (SECONDS > 0 ? SECONDS : 1))) \
+    "$(grep -oE 'cov: [0-9]+ ft: [0-9]+' "$log" | tail -n 1)" \
+    "$([ $in_gdbm -eq 0 ] || echo "$in_gdbm faults of gdbm's own")"
+  [ $status -eq 0 ] && return
+  printf 'FINDING in %s: %s; see %s\n' "$target" \
+    "$(sed -n 's/.*Test unit written to //p' "$log" | tail -n 1)" "$log"
+  return 1
+}
+
+# Two at a time; every target gets its turn even after a finding.
+in_pairs() {
+  local failed=0 running=0 action=$1 target
+  for target in "${targets[@]}"; do
+    if [ $running -eq 2 ]; then
+      wait -n || failed=1
+      running=1
+    fi
+    "$action" "$target" &
+    running=$((running + 1))
+  done
+  while [ $running -gt 0 ]; do
+    wait -n || failed=1
+    running=$((running - 1))
+  done
+  return $failed
+}
+
+in_pairs replay
+$replay_only || in_pairs search

@@ -1,0 +1,173 @@
+#!/usr/bin/env python3
+"""Makes small changes to the library, one at a time, and tells how many of them the tests catch.
+
+    scripts/mutate.py [--count N] [--seed N] [--jobs N] [FILE...]
+
+Each change is made to a copy of the tree in build/mutation/tree: a comparison, an operator, a constant
+or a boolean becomes another one, or a statement is dropped. The tests of the changed file's room run
+first, then the others. A change that does not compile is not counted. One that no test catches is
+printed; scripts/mutation_survivors.txt says of such changes why they make no difference. Ends with
+status 1 if less than 95% are caught. 120 changes take about an hour.
+"""
+
+import argparse
+import pathlib
+import random
+import re
+import shutil
+import subprocess
+import sys
+import time
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+WORK = ROOT / "build" / "mutation"
+TREE = WORK / "tree"
+PARTS = ["CMakeLists.txt", "cmake", "docs", "examples", "kestan", "packaging", "tests"]
+WANTED = 0.95
+SECONDS_FOR_TESTS = 300
+
+# What becomes what, where the code has blanks around operators.
+SWAPS = [(" < ", " <= "), (" <= ", " < "), (" > ", " >= "), (" >= ", " > "), (" == ", " != "),
+         (" != ", " == "), (" && ", " || "), (" || ", " && "), (" + ", " - "), (" - ", " + "),
+         (" += ", " -= "), (" * ", " + "), (" / ", " * "), ("true", "false"), ("false", "true"),
+         ("++", "--"), (" | ", " & "), (" & ", " | ")]
+NUMBER = re.compile(r"(?<![\w.\"'])\d+(?![\w.\"'])")
+DECLARATION = re.compile(r"(return|using|const|static|auto|case|break|continue|template|friend)\b"
+                         r"|[\w:<>*&, ]+[ >*&]\w+(\{.*\}|\(.*\)( const)?( override)?| = .*)?;")
+
+
+class Change:
+    """Line `number` (from 1) of `file` becomes `after`."""
+
+    def __init__(self, file, number, before, after):
+        self.file, self.number, self.before, self.after = file, number, before, after
+
+    def describe(self):
+        name = self.file.relative_to(ROOT)
+        return f"{name}: {self.before.strip()} => {self.after.strip() or '(dropped)'}"
+
+
+def code_of(line):
+    """The line without its comment and with strings made blank."""
+    line = re.sub(r'"(\\.|[^"\\])*"', lambda text: " " * len(text[0]), line)
+    return re.sub(r"//.*", "", line)
+
+
+def changes_of(file):
+    for number, line in enumerate(file.read_text().splitlines(), 1):
+        code = code_of(line)
+        if code.lstrip().startswith(("#", "template", "operator")):
+            continue
+        for old, new in SWAPS:
+            for found in re.finditer(re.escape(old), code):
+                yield Change(file, number, line, line[:found.start()] + new + line[found.end():])
+        for found in NUMBER.finditer(code):
+            changed = line[:found.start()] + str(int(found[0]) + 1) + line[found.end():]
+            yield Change(file, number, line, changed)
+        if code.startswith(" ") and code.rstrip().endswith(";") and not DECLARATION.match(code.lstrip()):
+            yield Change(file, number, line, "")
+
+
+def choose(files, count, seed):
+    """Draws from every file as its share of all possible changes, at least one each."""
+    draw = random.Random(seed)
+    by_file = {file: list(changes_of(file)) for file in files}
+    total = sum(map(len, by_file.values()))
+    chosen = []
+    for file in files:
+        share = max(1, round(count * len(by_file[file]) / max(total, 1)))
+        chosen += draw.sample(by_file[file], min(share, len(by_file[file])))
+    draw.shuffle(chosen)
+    return chosen
+
+
+def run(command, seconds):
+    """Returns whether the command succeeded; one that takes too long did not."""
+    try:
+        done = subprocess.run(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                              timeout=seconds, check=False)
+        return done.returncode == 0
+    except subprocess.TimeoutExpired:
+        return False
+
+
+def build(jobs):
+    return run(["cmake", "--build", str(WORK / "build"), "-j", str(jobs)], 1800)
+
+
+def tests_pass(room, jobs):
+    test = ["ctest", "--test-dir", str(WORK / "build"), "-j", str(jobs), "--stop-on-failure",
+            "--timeout", "60"]
+    return (run([*test, "-R", f"^{room}/"], SECONDS_FOR_TESTS)
+            and run([*test, "-E", f"^(docs|install|{room})/"], SECONDS_FOR_TESTS))
+
+
+def prepare(jobs):
+    shutil.rmtree(TREE, ignore_errors=True)
+    TREE.mkdir(parents=True)
+    for part in PARTS:
+        source = ROOT / part
+        if source.is_dir():
+            shutil.copytree(source, TREE / part)
+        else:
+            shutil.copy2(source, TREE / part)
+    configured = run(["cmake", "-S", str(TREE), "-B", str(WORK / "build"), "-G", "Ninja",
+                      "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_COMPILER=clang++",
+                      "-DCMAKE_CXX_FLAGS=-O1 -g0 -fsanitize=address -fno-sanitize-recover=all",
+                      "-DKESTAN_BUILD_CLI=OFF"], 120)
+    if not (configured and build(jobs) and tests_pass("storage", jobs)):
+        sys.exit("the unchanged tree does not pass its tests")
+
+
+def judge(change, jobs):
+    """Returns "caught", "survived" or "does not compile"."""
+    file = TREE / change.file.relative_to(ROOT)
+    original = file.read_text()
+    lines = original.splitlines()
+    lines[change.number - 1] = change.after
+    file.write_text("\n".join(lines) + "\n")
+    try:
+        if not build(jobs):
+            return "does not compile"
+        room = change.file.relative_to(ROOT / "kestan").parts[0]
+        return "survived" if tests_pass(room, jobs) else "caught"
+    finally:
+        file.write_text(original)
+
+
+def read_reasons():
+    """Returns {change: why no test can see it}."""
+    path = ROOT / "scripts" / "mutation_survivors.txt"
+    lines = path.read_text().splitlines() if path.exists() else []
+    entries = [line.split(" | ", 1) for line in lines if line and not line.startswith("#")]
+    return {change: reason for change, reason in entries}
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--count", type=int, default=120)
+    parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("--jobs", type=int, default=2)
+    parser.add_argument("files", nargs="*", type=lambda name: pathlib.Path(name).resolve())
+    arguments = parser.parse_args()
+
+    files = arguments.files or sorted([*ROOT.glob("kestan/*/*.cc"), *ROOT.glob("kestan/*/*.h")])
+    reasons = read_reasons()
+    verdicts = {"caught": 0, "survived": 0, "does not compile": 0}
+    prepare(arguments.jobs)
+    for change in choose(files, arguments.count, arguments.seed):
+        began = time.monotonic()
+        verdict = judge(change, arguments.jobs)
+        verdicts[verdict] += 1
+        why = reasons.get(change.describe(), "no reason is known") if verdict == "survived" else ""
+        print(f"{verdict} ({time.monotonic() - began:.0f} s): {change.describe()}"
+              f"{': ' + why if why else ''}", flush=True)
+    judged = verdicts["caught"] + verdicts["survived"]
+    print(f"{judged} changes, {verdicts['caught']} caught ({100 * verdicts['caught'] / judged:.1f}%), "
+          f"{verdicts['does not compile']} more did not compile")
+    sys.exit(0 if verdicts["caught"] >= WANTED * judged else 1)
+
+
+if __name__ == "__main__":
+    main()
