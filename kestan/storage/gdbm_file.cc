@@ -42,7 +42,7 @@ int CheckFreeSpace(GDBM_FILE file) {
 }
 
 void CloseFile(GDBM_FILE file) {
-  static Vector<GDBM_FILE> abandoned;
+  static auto* const abandoned = New<Vector<GDBM_FILE>>();  // lives as long as the process
   if (gdbm_needs_recovery(file) == 0) {
     gdbm_close(file);
     return;
@@ -50,7 +50,7 @@ void CloseFile(GDBM_FILE file) {
   int mapped = 0;
   gdbm_setopt(file, GDBM_SETMMAP, &mapped, sizeof mapped);
   close(gdbm_fdesc(file));
-  abandoned.push_back(file);
+  abandoned->push_back(file);
 }
 
 }  // namespace kestan
