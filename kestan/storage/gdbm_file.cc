@@ -1,5 +1,6 @@
 #include <kestan/storage/gdbm_file.h>
 #include <kestan/storage/memory.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -49,6 +50,7 @@ void CloseFile(GDBM_FILE file) {
   }
   int mapped = 0;
   gdbm_setopt(file, GDBM_SETMMAP, &mapped, sizeof mapped);
+  flock(gdbm_fdesc(file), LOCK_UN);  // closing would not do where the mapping stays
   close(gdbm_fdesc(file));
   abandoned->push_back(file);
 }

@@ -1,5 +1,7 @@
 // What the calls of kestan/indexing/ cost in the file, and what they write at once.
 #include <algorithm>
+#include <climits>
+#include <cstdint>
 
 #include "tests/indexing/planting.h"
 #include "tests/support/gdbm_calls.h"
@@ -96,6 +98,22 @@ TEST_F(StoreUse, ResultOfTheCompactionIsNotReported) {
   watch.Fail("reorganize", 1, GDBM_REORGANIZE_FAILED);
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(engine_.ShrinkIndex(), 0); }), "");
 }
+
+#if UINTPTR_MAX > 0xffffffff
+// Memory of that size is only to be had where addresses are wide; hardly any of it is touched.
+TEST_F(StoreUse, PostingRecordAsLargeAsGdbmStoresTakesNoMoreEntries) {
+  PlantAndReopen({{"cat", Entry(1, {1})}, {"g-code", Units({1})}});
+  const auto add = [&] { EXPECT_STREQ(engine_.AddDocumentWords("one", "cat dog"), "dog\n"); };
+  {
+    GdbmWatch watch;
+    watch.Inflate("cat", INT_MAX - 1);
+    EXPECT_EQ(StandardErrorOf(add), "Kestan: Posting record of 'cat' is full -- entry left out\n");
+  }
+  const Records stored = Stored();
+  EXPECT_EQ(stored.at("cat"), Entry(1, {1}));
+  EXPECT_EQ(stored.at("dog"), Entry(2, {2}));
+}
+#endif
 
 }  // namespace
 }  // namespace kestan_tests

@@ -81,6 +81,21 @@ TEST_F(DamagedFile, WithItsFreeSpaceListElsewhereOpensForReadingOnly) {
   ExpectReadOnly();
 }
 
+// As a process leaves it that was killed while gdbm lengthened the file.
+TEST_F(DamagedFile, LongerThanItsHeaderSaysIsLeftToGdbmToRecover) {
+  bytes_.append(4096, '\0');
+  std::ofstream(path_, std::ios::binary) << bytes_;
+  EXPECT_EQ(store_.Open(path_.c_str(), 1), GDBM_NEED_RECOVERY);
+  EXPECT_EQ(Read(), bytes_);
+
+  GDBM_FILE file = gdbm_open(path_.c_str(), 0, GDBM_WRITER, 0, nullptr);  // nobody locks it
+  ASSERT_NE(file, nullptr) << gdbm_strerror(gdbm_errno);
+  EXPECT_EQ(gdbm_recover(file, nullptr, 0), 0);
+  gdbm_close(file);
+  EXPECT_EQ(store_.Open(path_.c_str(), 1), 0);
+  EXPECT_EQ(Walk(1000), 200);
+}
+
 // Some buckets in a wrong place gdbm notices itself; of others it comes to the same keys for ever.
 TEST_F(DamagedFile, WithABucketInTwoPlacesIsNotWalkedForEver) {
   const std::size_t directory = NumberAt(kPlaceOfDirectory);

@@ -3,6 +3,7 @@
 #include <gdbm.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <map>
 #include <utility>
 
@@ -38,6 +39,10 @@ bool MustFailOption(GDBM_FILE file) {
   if (error == 0) return false;
   gdbm_errno = error;
   return true;
+}
+
+std::size_t InflatedBytes(datum key) {
+  return watch != nullptr ? watch->InflatedBytes(Text(key)) : 0;
 }
 
 }  // namespace
@@ -143,7 +148,10 @@ int __wrap_gdbm_store(GDBM_FILE file, datum key, datum value, int flag) {
 
 datum __wrap_gdbm_fetch(GDBM_FILE file, datum key) {
   if (kestan_tests::MustFail("fetch", file, key)) return {};
-  return __real_gdbm_fetch(file, key);
+  datum found = __real_gdbm_fetch(file, key);
+  const std::size_t bytes = kestan_tests::InflatedBytes(key);
+  if (found.dptr == nullptr || bytes == 0) return found;
+  return {static_cast<char*>(std::realloc(found.dptr, bytes)), static_cast<int>(bytes)};
 }
 
 int __wrap_gdbm_delete(GDBM_FILE file, datum key) {

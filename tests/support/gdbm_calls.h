@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -47,6 +48,15 @@ class GdbmWatch {
   // which Calls() leaves out.
   void Observe(std::function<void(const GdbmCall&)> observer) { observer_ = std::move(observer); }
 
+  // Makes fetches of `key` answer with `bytes` bytes, the first of them those that are stored.
+  void Inflate(std::string_view key, std::size_t bytes) { inflated_[std::string(key)] = bytes; }
+
+  // Returns how many bytes a fetch of `key` has to answer with, 0 if as many as are stored.
+  std::size_t InflatedBytes(const std::string& key) const {
+    const auto found = inflated_.find(key);
+    return found != inflated_.end() ? found->second : 0;
+  }
+
   const std::vector<GdbmCall>& Calls() const { return calls_; }
   const std::vector<GdbmOpening>& Openings() const { return openings_; }
 
@@ -75,6 +85,7 @@ class GdbmWatch {
   std::vector<GdbmOpening> openings_;
   std::vector<Failure> failures_;
   std::function<void(const GdbmCall&)> observer_;
+  std::map<std::string, std::size_t> inflated_;
 };
 
 // Returns how many files are open that were opened through a stand-in of gdbm_open.
