@@ -179,18 +179,11 @@ int __wrap_gdbm_setopt(GDBM_FILE file, int option, void* value, int size) {
                             [=] { return __real_gdbm_setopt(file, option, value, size); });
 }
 
-// What is broken, and what gdbm itself says it would have to recover, is left in memory: gdbm may
-// free parts of that twice. Only its lock and its map of the file are given back.
+// What is broken is left in memory; only its descriptor is given back.
 int __wrap_gdbm_close(GDBM_FILE file) {
   const int descriptor = gdbm_fdesc(file);
-  int error = -1;
-  if (gdbm_needs_recovery(file) != 0) {
-    int mapped = 0;
-    __wrap_gdbm_setopt(file, GDBM_SETMMAP, &mapped, sizeof mapped);
-    kestan_fuzz::broken.insert(file);
-  } else {
-    error = kestan_fuzz::Guard("gdbm_close", file, -1, [=] { return __real_gdbm_close(file); });
-  }
+  const int error =
+      kestan_fuzz::Guard("gdbm_close", file, -1, [=] { return __real_gdbm_close(file); });
   if (kestan_fuzz::broken.count(file) != 0) close(descriptor);
   return error;
 }

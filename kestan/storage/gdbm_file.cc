@@ -4,6 +4,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
+
 namespace kestan {
 namespace {
 
@@ -15,7 +17,7 @@ struct Header {
   std::uint32_t block_bytes;
   std::uint64_t directory;
   std::uint32_t directory_bytes;
-  std::uint32_t others[3];
+  std::array<std::uint32_t, 3> others;
   std::uint64_t next_block;
 };
 
