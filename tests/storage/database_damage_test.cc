@@ -98,8 +98,9 @@ TEST_F(DamagedFile, LongerThanItsHeaderSaysIsLeftToGdbmToRecover) {
 
 // Some buckets in a wrong place gdbm notices itself; of others it comes to the same keys for ever.
 TEST_F(DamagedFile, WithABucketInTwoPlacesIsNotWalkedForEver) {
-  const std::size_t directory = NumberAt(kPlaceOfDirectory);
-  const std::size_t entries = (NumberAt(kPlaceOfDirectoryBytes) & 0xffffffff) / kEntryBytes;
+  const auto directory = static_cast<std::size_t>(NumberAt(kPlaceOfDirectory));
+  const std::size_t entries =
+      static_cast<std::uint32_t>(NumberAt(kPlaceOfDirectoryBytes)) / kEntryBytes;
   const std::string good = bytes_;
   int circles = 0;
   for (std::size_t to = 0; to < entries; ++to) {
