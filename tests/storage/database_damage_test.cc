@@ -70,6 +70,18 @@ TEST_F(DamagedFile, WithItsNextBlockFarAwayOpensForReadingOnly) {
   ExpectReadOnly();
 }
 
+// gdbm's extended format begins with the same fields.
+TEST_F(DamagedFile, OfTheExtendedFormatIsRefusedInTheSameWay) {
+  GDBM_FILE file = gdbm_open(path_.c_str(), 512, GDBM_NEWDB | GDBM_NUMSYNC, 0644, nullptr);
+  ASSERT_NE(file, nullptr) << gdbm_strerror(gdbm_errno);
+  gdbm_close(file);
+  EXPECT_EQ(store_.Open(path_.c_str(), 1), 0);
+  store_.Close();
+  bytes_ = Read();
+  SetNumberAt(kPlaceOfNextBlock, std::uint64_t{1} << 40);
+  EXPECT_EQ(store_.Open(path_.c_str(), 1), GDBM_NEED_RECOVERY);
+}
+
 TEST_F(DamagedFile, WithItsNextBlockALittleAwayOpensForWriting) {
   SetNumberAt(kPlaceOfNextBlock, NumberAt(kPlaceOfNextBlock) + 4096);
   EXPECT_EQ(store_.Open(path_.c_str(), 1), 0);
