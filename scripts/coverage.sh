@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Runs all tests with counters in the library, and prints which lines and branches of kestan/ they
 # reach. Ends with status 1 if a line is missed, more than 2% of the branches are, or a missed branch
-# has no reason in scripts/coverage_exclusions.txt. Takes about five minutes.
+# has no reason in scripts/coverage_exclusions.txt. Takes about four minutes.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-dependencies.sh

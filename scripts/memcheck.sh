@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Runs the tests of the library under valgrind. A test fails that reads or writes outside its
-# memory, uses what was never set, or leaves bytes behind. Takes about half an hour.
+# memory, uses what was never set, or leaves bytes behind. Takes long.
 #
 #   scripts/memcheck.sh [CTEST ARGUMENT...]        -R '^query/' runs one room
 set -euo pipefail

@@ -1,7 +1,7 @@
 // Every kind of record, damaged in every way, is read by every method as the model reads it: bytes
 // that are missing are 0, and a count reaches no further than its record.
 //
-// A byte gets 6 other values here. For all 255, in about half an hour:
+// A byte gets 6 other values here. For all 255, which takes long:
 //   KESTAN_HOSTILE_BYTES=all hostile_tests --gtest_filter='HostileRecords.*'
 #include <gtest/gtest.h>
 
