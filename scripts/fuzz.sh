@@ -30,7 +30,7 @@ cmake --build "$build"
 mkdir -p "$build/findings" "$build/logs"
 
 # gdbm asks for as much memory as a damaged file says, up to 4 GiB, and copes when it gets none.
-export ASAN_OPTIONS=allocator_may_return_null=1:max_allocation_size_mb=4096
+export ASAN_OPTIONS=allocator_may_return_null=1:max_allocation_size_mb=4096:quarantine_size_mb=16
 # Without -entropic=0, libFuzzer's own bookkeeping takes longer than the targets that do most.
 options=(-print_final_stats=1 -entropic=0 -timeout=20 -rss_limit_mb=3000 -malloc_limit_mb=8192)
 
