@@ -60,6 +60,11 @@ class KESTAN_EXPORT Kestan {
   //   Returns  0 always. Prints what the store prints for records that it could not write.
   int FlushIndex();
 
+  // Returns 0 if every record asked for since OpenIndex could be read and every change has reached
+  // the file, as far as it had to by now; else the number of the first error, which
+  // Database::ErrorString explains. A host that must know asks after CloseIndex.
+  int FileError() const { return store_.FileError(); }
+
   // Copies every record, with changes that wait to be written, into the index at `path`, which is
   // created where it is missing; records that it has already stay unless their keys are the same.
   // Flushes this index and the copy after the 1001st record, and then after every 1000 more.

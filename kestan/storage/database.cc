@@ -54,6 +54,7 @@ int Database::Open(const char* name, int writer) {
     kestan::CloseFile(std::exchange(dbf, nullptr));
     return error;
   }
+  file_error_ = 0;
   writes_ = writer != 0;
   if (writes_) PrepareToWrite();
   return 0;
@@ -93,7 +94,7 @@ int Database::Get(DBDatumPtr* value, const DBDatum& key) {
   if (entry == nullptr) {
     if (!FitsGdbm(key)) return GDBM_ITEM_NOT_FOUND;
     const datum found = gdbm_fetch(dbf, ForGdbm(key));
-    if (found.dptr == nullptr) return gdbm_errno;
+    if (found.dptr == nullptr) return Remember(gdbm_errno);
     entry = cache_->Insert(kestan::CopyDatum(key),
                            kestan::AdoptDatum(found.dptr, static_cast<std::uint32_t>(found.dsize)));
   }
@@ -139,7 +140,7 @@ int Database::Del(const DBDatum& key) {
   if (!IsOpenFor("del")) return -1;
   ++changes_;
   walk_guard_->Restart();
-  if (FitsGdbm(key)) gdbm_delete(dbf, ForGdbm(key));
+  if (FitsGdbm(key) && gdbm_delete(dbf, ForGdbm(key)) != 0) Remember(gdbm_errno);
   cache_->Erase(key);  // last, for it may free the bytes of `key`
   return 0;
 }
@@ -162,12 +163,12 @@ int Database::Next(DBDatumPtr* key, DBDatumPtr* value) {
 
 // Moves the walk to the key of `found_bytes` bytes at `found`, which it takes; null ends the walk.
 int Database::Visit(DBDatumPtr* key, DBDatumPtr* value, char* found, int found_bytes) {
-  walk_error_ = found == nullptr && IsReadFailure(gdbm_errno) ? gdbm_errno : 0;
+  walk_error_ = found == nullptr && IsReadFailure(gdbm_errno) ? Remember(gdbm_errno) : 0;
   if (found == nullptr) return -1;
   cursor = kestan::AdoptDatum(found, static_cast<std::uint32_t>(found_bytes));
   if (const kestan::DBCache::Entry* entry = cache_->Find(*cursor.ptr)) cursor = entry->key;
   if (walk_guard_->IsCircle(*cursor.ptr)) {
-    walk_error_ = GDBM_BAD_HASH_TABLE;
+    walk_error_ = Remember(GDBM_BAD_HASH_TABLE);
     return -1;
   }
   *key = cursor;
@@ -176,7 +177,7 @@ int Database::Visit(DBDatumPtr* key, DBDatumPtr* value, char* found, int found_b
 
 int Database::Sync() {
   if (!IsOpenFor("sync")) return -1;
-  gdbm_sync(dbf);
+  if (gdbm_sync(dbf) != 0) Remember(gdbm_errno);
   return 0;
 }
 
@@ -186,9 +187,14 @@ int Database::Shrink() {
   // gdbm maps the new file whatever the setting, and unmaps a file only where the setting says that
   // it is mapped. A mapping that stayed would be all that later syncs wait for.
   MapFile(true);
-  gdbm_reorganize(dbf);
+  if (gdbm_reorganize(dbf) != 0) Remember(gdbm_errno);
   if (writes_) PrepareToWrite();  // it is another file now
   return Sync();
+}
+
+int Database::Verify() {
+  if (!IsOpenFor("verify")) return -1;
+  return kestan::DamageOf(dbf);
 }
 
 bool Database::IsOpenFor(const char* operation) const {
@@ -196,6 +202,12 @@ bool Database::IsOpenFor(const char* operation) const {
   std::fprintf(stderr, "%s: Call to database::%s without an open database\n", kestan::kEngineName,
                operation);
   return false;
+}
+
+// Keeps the first error that says more than that there is no such record. Returns `error`.
+int Database::Remember(int error) {
+  if (file_error_ == 0 && error != GDBM_ITEM_NOT_FOUND) file_error_ = error;
+  return error;
 }
 
 // Walks are twice as fast over a mapped file, and so are writes after one that find room in it. But
@@ -221,9 +233,9 @@ void Database::PrepareToWrite() {
 // Writes one record to the file.
 //   Returns  0 or gdbm's error number.
 int Database::Store(const DBDatum& key, const DBDatum& value) {
-  if (!FitsGdbm(key) || !FitsGdbm(value)) return GDBM_MALFORMED_DATA;
+  if (!FitsGdbm(key) || !FitsGdbm(value)) return Remember(GDBM_MALFORMED_DATA);
   const int failed = gdbm_store(dbf, ForGdbm(key), ForGdbm(value), GDBM_REPLACE);
-  const int error = failed != 0 ? gdbm_errno : 0;
+  const int error = failed != 0 ? Remember(gdbm_errno) : 0;
   if (mapped_ && kestan::BytesOfFile(dbf) != mapped_bytes_) MapFile(false);
   return error;
 }

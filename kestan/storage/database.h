@@ -92,6 +92,16 @@ class KESTAN_EXPORT Database {
   // which is GDBM_BAD_HASH_TABLE where the walk went in circles.
   int WalkError() const { return walk_error_; }
 
+  // Returns gdbm's number of the first error since Open() that kept a record from being read or
+  // from reaching the file, 0 if there was none. Stays after Close(), which may be the one to meet
+  // it.
+  int FileError() const { return file_error_; }
+
+  // Asks gdbm whether it has met damage in the file, and has it look at its list of free space.
+  // Once gdbm calls a file damaged it reads no more of it, so this comes last.
+  //   Returns  0, -1 without a file, or gdbm's error number.
+  int Verify();
+
   // Returns a number that grows with every call that may change what some key answers: Open(),
   // Put(), Del(), Flush() and what they are part of. Changes in place do not show in it.
   std::uint64_t Changes() const { return changes_; }
@@ -106,6 +116,7 @@ class KESTAN_EXPORT Database {
 
  private:
   bool IsOpenFor(const char* operation) const;
+  int Remember(int error);
   int Visit(DBDatumPtr* key, DBDatumPtr* value, char* found, int found_bytes);
   int Store(const DBDatum& key, const DBDatum& value);
   void PrepareToWrite();
@@ -115,6 +126,7 @@ class KESTAN_EXPORT Database {
   DBDatumPtr cursor;  // the key that First() or Next() found last
   std::unique_ptr<kestan::WalkGuard> walk_guard_;
   int walk_error_ = 0;
+  int file_error_ = 0;
   std::unique_ptr<kestan::DBCache> cache_;
   std::uint64_t changes_ = 0;
   bool writes_ = false;  // the open file was opened for writing

@@ -44,6 +44,11 @@ int CheckFreeSpace(GDBM_FILE file) {
   return gdbm_avail_verify(file) == 0 ? 0 : gdbm_errno;
 }
 
+int DamageOf(GDBM_FILE file) {
+  if (gdbm_needs_recovery(file) != 0) return GDBM_NEED_RECOVERY;
+  return CheckFreeSpace(file);
+}
+
 void CloseFile(GDBM_FILE file) {
   static auto* const abandoned = New<Vector<GDBM_FILE>>();  // lives as long as the process
   if (gdbm_needs_recovery(file) == 0) {

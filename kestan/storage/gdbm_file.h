@@ -15,6 +15,9 @@ std::int64_t BytesOfFile(GDBM_FILE file);
 //   Returns  0, or gdbm's error number: then nothing may be written into the file.
 int CheckFreeSpace(GDBM_FILE file);
 
+// Returns 0 if gdbm takes the file for sound, else the number of what it finds wrong.
+int DamageOf(GDBM_FILE file);
+
 // Closes `file` and releases it; one that gdbm calls damaged gives up its descriptor and its lock,
 // but stays in memory, for gdbm might free a part of it twice.
 void CloseFile(GDBM_FILE file);

@@ -57,6 +57,7 @@ class DamagedFile : public testing::Test {
     ASSERT_EQ(store_.Open(path_.c_str(), 0), 0);
     EXPECT_EQ(Walk(1000), 200);
     EXPECT_EQ(store_.WalkError(), 0);
+    EXPECT_NE(store_.Verify(), 0);
   }
 
   TempDir folder_;
@@ -126,6 +127,15 @@ TEST_F(DamagedFile, WithABucketInTwoPlacesIsNotWalkedForEver) {
     }
   }
   EXPECT_GT(circles, 0);
+}
+
+TEST_F(DamagedFile, WithADirectoryThatLeadsNowhereIsFoundDamagedOnceItIsUsed) {
+  const auto directory = static_cast<std::size_t>(NumberAt(kPlaceOfDirectory));
+  SetNumberAt(directory, std::uint64_t{1} << 40);
+  ASSERT_EQ(store_.Open(path_.c_str(), 0), 0);
+  EXPECT_LT(Walk(1000), 200);
+  EXPECT_EQ(store_.Verify(), GDBM_NEED_RECOVERY);
+  EXPECT_NE(store_.FileError(), 0);
 }
 
 TEST_F(DamagedFile, ThatIsWholeAfterAllIsWalkedWhileKeysComeAndGo) {

@@ -52,6 +52,10 @@ TEST_F(ClosedDatabase, SyncFails) {
   ExpectRefusal("sync", [&] { return store_.Sync(); });
 }
 
+TEST_F(ClosedDatabase, VerifyFails) {
+  ExpectRefusal("verify", [&] { return store_.Verify(); });
+}
+
 TEST_F(ClosedDatabase, ShrinkFails) {
   ExpectRefusal("shrink", [&] { return store_.Shrink(); });
 }

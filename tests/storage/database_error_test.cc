@@ -1,0 +1,110 @@
+// How a host learns that a record was not read or did not reach the file.
+#include "tests/storage/database_test.h"
+
+namespace kestan_tests {
+namespace {
+
+using DatabaseError = DatabaseTest;
+
+TEST_F(DatabaseError, IsNoneWhileAllGoesWell) {
+  Put("key", "value");
+  Change(Held("key"), "other");
+  store_.Del(Datum("missing"));
+  EXPECT_EQ(Get("missing"), "none");
+  store_.Shrink();
+  store_.Close();
+  EXPECT_EQ(store_.FileError(), 0);
+}
+
+TEST_F(DatabaseError, OfAReaderIsNoneToo) {
+  PlantAndReopen({{"key", "value"}}, 0);
+  EXPECT_EQ(Get("key"), "value");
+  store_.Close();
+  EXPECT_EQ(store_.FileError(), 0);
+}
+
+TEST_F(DatabaseError, IsTheFirstOfMany) {
+  GdbmWatch watch;
+  watch.Fail("store", 1, GDBM_FILE_WRITE_ERROR);
+  watch.Fail("fetch", 1, GDBM_FILE_READ_ERROR);
+  Put("key", "value");
+  EXPECT_EQ(Get("missing"), "none");
+  EXPECT_EQ(store_.FileError(), GDBM_FILE_WRITE_ERROR);
+}
+
+TEST_F(DatabaseError, OfAReadIsKept) {
+  GdbmWatch watch;
+  watch.Fail("fetch", 1, GDBM_FILE_READ_ERROR);
+  EXPECT_EQ(Get("key"), "none");
+  EXPECT_EQ(store_.FileError(), GDBM_FILE_READ_ERROR);
+}
+
+TEST_F(DatabaseError, OfARemovalIsKept) {
+  Put("key", "value");
+  GdbmWatch watch;
+  watch.Fail("delete", 1, GDBM_FILE_WRITE_ERROR);
+  store_.Del(Datum("key"));
+  EXPECT_EQ(store_.FileError(), GDBM_FILE_WRITE_ERROR);
+}
+
+TEST_F(DatabaseError, OfAWalkIsKept) {
+  GdbmWatch watch;
+  watch.Fail("firstkey", 1, GDBM_BAD_BUCKET);
+  DBDatumPtr key;
+  EXPECT_EQ(store_.First(&key), -1);
+  EXPECT_EQ(store_.FileError(), GDBM_BAD_BUCKET);
+}
+
+TEST_F(DatabaseError, OfASyncIsKept) {
+  GdbmWatch watch;
+  watch.Fail("sync", 1, GDBM_FILE_SYNC_ERROR);
+  store_.Sync();
+  EXPECT_EQ(store_.FileError(), GDBM_FILE_SYNC_ERROR);
+}
+
+TEST_F(DatabaseError, OfAReorganisationIsKept) {
+  GdbmWatch watch;
+  watch.Fail("reorganize", 1, GDBM_REORGANIZE_FAILED);
+  EXPECT_EQ(store_.Shrink(), 0);
+  EXPECT_EQ(store_.FileError(), GDBM_REORGANIZE_FAILED);
+}
+
+TEST_F(DatabaseError, OfTheFlushAtTheEndStaysAfterClosing) {
+  Put("key", "value");
+  Change(Held("key"), "other");
+  GdbmWatch watch;
+  watch.Fail("store", 1, GDBM_FILE_WRITE_ERROR);
+  StandardErrorOf([&] { store_.Close(); });
+  EXPECT_EQ(store_.FileError(), GDBM_FILE_WRITE_ERROR);
+}
+
+TEST_F(DatabaseError, IsForgottenWhenAFileIsOpened) {
+  {
+    GdbmWatch watch;
+    watch.Fail("store", 1, GDBM_FILE_WRITE_ERROR);
+    Put("key", "value");
+  }
+  EXPECT_EQ(store_.Open(path_.c_str(), 1), -1);
+  EXPECT_EQ(store_.FileError(), GDBM_FILE_WRITE_ERROR);
+  store_.Close();
+  ASSERT_EQ(store_.Open(path_.c_str(), 1), 0);
+  EXPECT_EQ(store_.FileError(), 0);
+}
+
+TEST_F(DatabaseError, OfARecordTooLargeForTheFileIsKept) {
+  Put("key", "");
+  const DBDatumPtr value = Held("key");
+  value.ptr->size = 0x80000000u;  // what lies behind the bytes is never looked at
+  value.ptr->dirty = true;
+  StandardErrorOf([&] { store_.Flush(); });
+  EXPECT_EQ(store_.FileError(), GDBM_MALFORMED_DATA);
+  value.ptr->size = 0;
+}
+
+TEST_F(DatabaseError, VerifyFindsNothingWrongWithAGoodFile) {
+  Put("key", "value");
+  EXPECT_EQ(store_.Verify(), 0);
+}
+
+}  // namespace
+}  // namespace kestan_tests
