@@ -124,7 +124,7 @@ TextFiles FindTextFiles(const std::vector<std::string>& paths, const std::string
   result.links = found.links.size();
   result.binary_files = found.specials.size();
   for (const std::string& name : found.files) {
-    if (IsSameFile(name, index_path)) continue;
+    if (IsSameFile(name, index_path) || IsSameFile(name, index_path + ".lock")) continue;
     if (!IsText(name, max_bytes)) {
       ++result.binary_files;
       continue;

@@ -1,8 +1,8 @@
 #include "adder.h"
 #include "commands.h"
 #include "files.h"
+#include "index_change.h"
 #include "message.h"
-#include "opened_index.h"
 #include "output.h"
 
 namespace kestan_cli {
@@ -22,28 +22,37 @@ void CheckInput(const TextFiles& files, const IndexFacts& facts, const std::stri
   }
 }
 
-unsigned long AddDocuments(OpenedIndex& index, const std::vector<std::string>& names) {
-  Adder adder(index);
+unsigned long AddDocuments(IndexChange* change, const std::vector<std::string>& names) {
+  Adder adder(change->Begin());
   for (const std::string& name : names) adder.Add(name);
-  index.Save();
+  change->Commit();
   return adder.new_words();
 }
 
-}  // namespace
-
-int RunIndex(Kestan& engine, const std::string& index, const Arguments& paths) {
-  const IndexFacts facts = ExamineIndex(index, Access::kCreate);
-  const TextFiles files = FindTextFiles(paths, index);
-  CheckInput(files, facts, index);
-  unsigned long new_words = 0;
-  {
-    OpenedIndex opened(engine, index, Access::kCreate);
-    new_words = AddDocuments(opened, files.names);
-  }
+int RunIndex(Kestan& engine, const Values& values) {
+  const std::string index = values.Text("INDEX");
+  IndexChange change(engine, index, Access::kCreate, WayOf(values.Has("--in-place"), index));
+  const TextFiles files = FindTextFiles(values.All("PATH"), index);
+  CheckInput(files, change.facts(), index);
+  const unsigned long new_words = AddDocuments(&change, files.names);
   Print("indexed " + Counted(files.names.size(), "document") + " (" +
         Counted(new_words, "new word") + "), skipped " +
         Counted(files.binary_files, "binary file") + " and " + Counted(files.links, "link") + "\n");
   return kDone;
+}
+
+}  // namespace
+
+std::vector<Command> IndexCommands() {
+  return {
+      {"index",
+       "Add text files to an index, which is made where there is none.",
+       {IndexArgument(),
+        {"PATH", "files, and folders with all that is below them", Positional::Count::kOneOrMore}},
+       {InPlaceOption()},
+       "",
+       {"kestan index my.index /usr/share/doc/bash"},
+       RunIndex}};
 }
 
 }  // namespace kestan_cli

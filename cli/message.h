@@ -8,10 +8,16 @@
 
 namespace kestan_cli {
 
-// Ends the command with status 2 and one line, "kestan: WHAT", on the standard error stream.
+// Ends the command with `status` and one line, "kestan: WHAT", on the standard error stream.
 class CommandError : public std::runtime_error {
  public:
-  using std::runtime_error::runtime_error;
+  explicit CommandError(const std::string& what, int status = 2)
+      : std::runtime_error(what), status_(status) {}
+
+  int status() const { return status_; }
+
+ private:
+  int status_;
 };
 
 // Returns `text` with control characters spelled out (\n, \x1b), so that it stays on one line and

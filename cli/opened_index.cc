@@ -1,5 +1,7 @@
 #include "opened_index.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
@@ -7,6 +9,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "command.h"
 #include "message.h"
 #include "output.h"
 
@@ -15,8 +18,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-auto CannotOpen(const std::string& path, const std::string& reason) {
-  return CommandError("cannot open index " + Quoted(path) + ": " + reason);
+constexpr int kMaxLinks = 40;  // in a chain; as many as the system follows
+
+auto CannotOpen(const std::string& path, const std::string& reason, int status = kFailed) {
+  return CommandError("cannot open index " + Quoted(path) + ": " + reason, status);
+}
+
+auto Locked(const std::string& path) {
+  return CannotOpen(path, "locked by another process; try again later", kBusy);
 }
 
 bool IsMissing(const std::string& path) {
@@ -37,7 +46,7 @@ void CheckFolderOfNewIndex(const std::string& path) {
 }
 
 // Looks before opening: a pipe would wait for a writer, and a folder opens like a file.
-void CheckFile(const std::string& path) {
+void CheckFile(const std::string& path, Access access) {
   std::error_code error;
   const fs::file_status status = fs::status(path, error);
   if (status.type() == fs::file_type::not_found) throw CannotOpen(path, "no such file");
@@ -46,6 +55,9 @@ void CheckFile(const std::string& path) {
   if (!fs::is_regular_file(status)) throw CannotOpen(path, "not an index file");
   const OpenFile file(std::fopen(path.c_str(), "rb"));
   if (file == nullptr) throw CannotOpen(path, ReasonOf(errno));
+  if (access != Access::kRead && ::access(path.c_str(), W_OK) != 0) {
+    throw CannotOpen(path, ReasonOf(errno));
+  }
 }
 
 // gdbm's error numbers, which the store hands on.
@@ -56,7 +68,6 @@ constexpr int kCantBeWriter = 10;
 
 // Says why the store refused to open a file. `system_error` is what errno was right after.
 std::string ReasonOfStore(int error, int system_error) {
-  if (error == kCantBeReader || error == kCantBeWriter) return "locked by another process";
   const bool from_system = error >= kFileOpenError && error <= kFileReadError;
   if (from_system && system_error != 0) return ReasonOf(system_error);
   return std::string("not an index file (") + Database::ErrorString(error) + ")";
@@ -66,7 +77,9 @@ std::string ReasonOfStore(int error, int system_error) {
 void OpenStore(Database& store, const std::string& path, Access access) {
   errno = 0;
   const int error = store.Open(path.c_str(), access == Access::kRead ? 0 : 1);
-  if (error != 0) throw CannotOpen(path, ReasonOfStore(error, errno));
+  const int system_error = errno;
+  if (error == kCantBeReader || error == kCantBeWriter) throw Locked(path);
+  if (error != 0) throw CannotOpen(path, ReasonOfStore(error, system_error));
 }
 
 DBDatumPtr Record(Database& store, std::string_view key) {
@@ -95,22 +108,25 @@ IndexFacts FactsOf(Database& store) {
   return facts;
 }
 
-// Follows links: shrinking puts a new file in place of the one at the path that was opened, and
-// would leave the file that a link points at as it was.
-std::string RealPath(const std::string& path) {
-  std::error_code error;
-  const fs::path real = fs::canonical(path, error);
-  return error ? path : real.string();
-}
-
 }  // namespace
+
+// Not fs::canonical, which wants a file at the end: a new index may be made through a link.
+std::string RealPath(const std::string& path) {
+  fs::path real = path;
+  std::error_code error;
+  for (int i = 0; i < kMaxLinks && fs::is_symlink(real, error); ++i) {
+    const fs::path target = fs::read_symlink(real, error);
+    real = real.parent_path() / target;  // an absolute target stands for itself
+  }
+  return real.string();
+}
 
 IndexFacts ExamineIndex(const std::string& path, Access access) {
   if (access == Access::kCreate && IsMissing(path)) {
     CheckFolderOfNewIndex(path);
     return {};
   }
-  CheckFile(path);
+  CheckFile(path, access);
   if (access == Access::kCreate && IsEmpty(path)) return {};
   Database store;
   OpenStore(store, path, Access::kRead);
@@ -119,14 +135,13 @@ IndexFacts ExamineIndex(const std::string& path, Access access) {
   return FactsOf(store);
 }
 
-OpenedIndex::OpenedIndex(Kestan& engine, const std::string& path, Access access)
-    : engine_(engine), path_(path), facts_(ExamineIndex(path, access)) {
-  const std::string real_path = RealPath(path);
-  if (engine_.OpenIndex(real_path.c_str(), access == Access::kRead ? 0 : 1) == 0) return;
+OpenedIndex::OpenedIndex(Kestan& engine, const std::string& path, Access access,
+                         const std::string& shown)
+    : engine_(engine), file_(RealPath(path)), path_(shown), facts_(ExamineIndex(path, access)) {
+  if (engine_.OpenIndex(file_.c_str(), access == Access::kRead ? 0 : 1) == 0) return;
   Database store;
   OpenStore(store, path, access);
-  // It opens now, so whoever held it has let go.
-  throw CannotOpen(path, "locked by another process");
+  throw Locked(path_);  // it opens now, so whoever held it has let go
 }
 
 void OpenedIndex::CheckWritten(int error) const {
@@ -136,10 +151,14 @@ void OpenedIndex::CheckWritten(int error) const {
 }
 
 void OpenedIndex::Save() {
-  // A flush does not tell whether it worked. A file that refused one record refuses the next, so
-  // storing the option flags, which are there already, tells.
   engine_.FlushIndex();
-  CheckWritten(engine_.PutOptions());
+  CheckWritten(engine_.FileError());
+}
+
+void OpenedIndex::Close() {
+  engine_.CloseIndex();
+  CheckWritten(engine_.FileError());
+  ExamineIndex(file_, Access::kRead);
 }
 
 }  // namespace kestan_cli

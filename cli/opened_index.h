@@ -23,17 +23,24 @@ struct IndexFacts {
 };
 
 // Looks at the file at `path`, and writes nothing to it.
-//   Throws   CommandError "cannot open index 'PATH': REASON" if it is not there, cannot be read,
-//            or is not an index.
+//   Throws   CommandError "cannot open index 'PATH': REASON" if it is not there, cannot be read or,
+//            for a change, be written, or is not an index; with the status kBusy if another process
+//            is writing it.
 IndexFacts ExamineIndex(const std::string& path, Access access);
+
+// Returns the path of the file itself where `path` is a link, or a chain of them.
+std::string RealPath(const std::string& path);
 
 // Holds an index open in the engine; closes it when it goes.
 class OpenedIndex {
  public:
   // Opens the index at `path` after ExamineIndex has accepted it. Borrows `engine`, whose index
-  // must be closed, and of which a process has only one.
+  // must be closed, and of which a process has only one. `shown` is what the index is called in
+  // messages, where that is another path.
   //   Throws   what ExamineIndex throws, and the same if it cannot be opened for `access`.
-  OpenedIndex(Kestan& engine, const std::string& path, Access access);
+  OpenedIndex(Kestan& engine, const std::string& path, Access access)
+      : OpenedIndex(engine, path, access, path) {}
+  OpenedIndex(Kestan& engine, const std::string& path, Access access, const std::string& shown);
   ~OpenedIndex() { engine_.CloseIndex(); }
   OpenedIndex(const OpenedIndex&) = delete;
   OpenedIndex& operator=(const OpenedIndex&) = delete;
@@ -45,13 +52,17 @@ class OpenedIndex {
   // Throws CommandError if `error`, a result of the engine's, says that the file refused a record.
   void CheckWritten(int error) const;
 
-  // Writes out all changes; every command that changes the index ends with it.
-  //   Throws   CommandError if the file refuses them.
+  // Writes out all changes made so far.
+  //   Throws   CommandError if any record, now or earlier, did not reach the file.
   void Save();
+
+  // Saves, closes the index and makes sure that it opens again. No other call may follow.
+  void Close();
 
  private:
   Kestan& engine_;
-  const std::string path_;
+  const std::string file_;
+  const std::string path_;  // what the index is called
   const IndexFacts facts_;
 };
 

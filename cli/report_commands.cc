@@ -1,53 +1,153 @@
 #include <algorithm>
+#include <charconv>
 #include <filesystem>
+#include <string>
 #include <string_view>
 
 #include "commands.h"
+#include "json.h"
+#include "lines.h"
+#include "message.h"
 #include "opened_index.h"
 #include "output.h"
 
 namespace kestan_cli {
 namespace {
 
-std::vector<std::string_view> LinesOf(std::string_view text) {
-  std::vector<std::string_view> lines;
-  while (!text.empty()) {
-    const std::size_t end = std::min(text.find('\n'), text.size());
-    lines.push_back(text.substr(0, end));
-    text.remove_prefix(std::min(end + 1, text.size()));
-  }
-  return lines;
+std::vector<std::string> Sorted(std::string_view text) {
+  const std::vector<std::string_view> lines = LinesOf(text);
+  std::vector<std::string> sorted(lines.begin(), lines.end());
+  std::sort(sorted.begin(), sorted.end());
+  return sorted;
 }
 
-std::size_t CountLines(std::string_view text) {
-  return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+std::string Joined(const std::vector<std::string>& items, char end) {
+  std::string text;
+  for (const std::string& item : items) text.append(item) += end;
+  return text;
+}
+
+Json DescriptionOf(Kestan& engine, const std::string& name) {
+  Json document{{"name", name}, {"time", engine.DocumentTimestamp(name.c_str())}};
+  if (const char* const title = engine.DBGetTitle(name.c_str())) document["title"] = title;
+  if (const char* const summary = engine.DBGetSummary(name.c_str())) document["summary"] = summary;
+  return document;
+}
+
+int RunList(Kestan& engine, const Values& values) {
+  const OpenedIndex opened(engine, values.Text("INDEX"), Access::kRead);
+  const std::vector<std::string> names = Sorted(engine.ListDocuments());
+  if (!values.Has("--json")) {
+    Print(Joined(names, values.Has("--null") ? '\0' : '\n'));
+    return kDone;
+  }
+  Json documents = Json::array();
+  for (const std::string& name : names) documents.push_back(DescriptionOf(engine, name));
+  Print(JsonLine({{"schema", kJsonSchema}, {"documents", documents}}));
+  return kDone;
+}
+
+// Reads a bound on document frequencies as the engine takes it: below 1 a share, from 1 on a count.
+double BoundOf(const Values& values, const std::string& option, double fallback) {
+  if (!values.Has(option)) return fallback;
+  const std::string text = values.Text(option);
+  double bound = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), bound);
+  const bool is_number = error == std::errc() && end == text.data() + text.size();
+  if (is_number && bound >= 0 && bound <= 65535) return bound;
+  throw CommandError(option + " takes a count from 1 to 65535 or a share below 1, not " +
+                     Quoted(text));
+}
+
+struct CountedWord {
+  std::string word;
+  std::size_t documents;
+};
+
+// Counts live documents; the bounds count removed ones too, until the index is shrunk.
+std::vector<CountedWord> CountDocuments(Kestan& engine, const std::vector<std::string>& words) {
+  std::vector<CountedWord> counted;
+  for (const std::string& word : words) {
+    const int id = engine.QueryWord(word.c_str());
+    const std::string_view listing = engine.QueryResults(id);
+    counted.push_back(
+        {word, static_cast<std::size_t>(std::count(listing.begin(), listing.end(), '\n'))});
+    engine.FreeQueryResult(id);
+  }
+  std::stable_sort(counted.begin(), counted.end(), [](const auto& left, const auto& right) {
+    return left.documents > right.documents;
+  });
+  return counted;
+}
+
+void PrintCounts(const std::vector<CountedWord>& words, bool as_json) {
+  Json list = Json::array();
+  std::string lines;
+  for (const auto& [word, documents] : words) {
+    if (as_json) list.push_back({{"word", word}, {"documents", documents}});
+    if (!as_json) lines += std::to_string(documents) + " " + word + "\n";
+  }
+  Print(as_json ? JsonLine({{"schema", kJsonSchema}, {"words", list}}) : lines);
+}
+
+int RunWords(Kestan& engine, const Values& values) {
+  const double low = BoundOf(values, "--at-least", 1);
+  const double high = BoundOf(values, "--at-most", -1);
+  const OpenedIndex opened(engine, values.Text("INDEX"), Access::kRead);
+  const std::vector<std::string> words = Sorted(engine.CommonWords(low, high));
+  if (values.Has("--counts") || values.Has("--json")) {
+    PrintCounts(CountDocuments(engine, words), values.Has("--json"));
+  } else {
+    Print(Joined(words, '\n'));
+  }
+  return kDone;
 }
 
 std::string Fact(const std::string& what, const std::string& value) {
   return what + ": " + value + "\n";
 }
 
-}  // namespace
-
-int RunList(Kestan& engine, const std::string& index, const Arguments&) {
-  OpenedIndex opened(engine, index, Access::kRead);
-  std::vector<std::string_view> names = LinesOf(engine.ListDocuments());
-  std::sort(names.begin(), names.end());
-  std::string lines;
-  for (std::string_view name : names) lines.append(name).append("\n");
-  Print(lines);
-  return kDone;
-}
-
-int RunStats(Kestan& engine, const std::string& index, const Arguments&) {
-  OpenedIndex opened(engine, index, Access::kRead);
-  std::string facts = Fact("documents", std::to_string(CountLines(engine.ListDocuments())));
-  facts += Fact("words", std::to_string(CountLines(engine.CommonWords(1, -1))));
+int RunStats(Kestan& engine, const Values& values) {
+  const std::string index = values.Text("INDEX");
+  const OpenedIndex opened(engine, index, Access::kRead);
+  std::string facts = Fact("documents", std::to_string(LinesOf(engine.ListDocuments()).size()));
+  facts += Fact("words", std::to_string(LinesOf(engine.CommonWords(1, -1)).size()));
   facts += Fact("option flags", std::to_string(engine.Options()));
   facts += Fact("positions kept", (engine.Options() & 1) == 0 ? "yes" : "no");
   facts += Fact("file size", std::to_string(std::filesystem::file_size(index)) + " bytes");
   Print(facts);
   return kDone;
+}
+
+}  // namespace
+
+std::vector<Command> ReportCommands() {
+  return {
+      {"list",
+       "List all documents by name.",
+       {IndexArgument()},
+       {{"-0,--null", "", "end each name with a NUL instead of a line feed"}, JsonOption()},
+       "",
+       {"kestan list my.index"},
+       RunList},
+      {"words",
+       "List the words of an index.",
+       {IndexArgument()},
+       {{"--at-least", "BOUND", "only words in at least BOUND documents; below 1, a share of all"},
+        {"--at-most", "BOUND", "only words in at most BOUND documents; below 1, a share of all"},
+        {"--counts", "", "print \"DOCUMENTS WORD\", the most frequent first"},
+        JsonOption()},
+       "The bounds count removed documents too, until the index is shrunk.",
+       {"kestan words my.index --at-least 0.5 --counts"},
+       RunWords},
+      {"stats",
+       "Tell how much an index holds.",
+       {IndexArgument()},
+       {},
+       "",
+       {"kestan stats my.index"},
+       RunStats},
+  };
 }
 
 }  // namespace kestan_cli

@@ -100,14 +100,29 @@ std::string Joined(const Arguments& words) {
   return text;
 }
 
-}  // namespace
-
-int RunSearch(Kestan& engine, const std::string& index, const Arguments& query) {
-  const Query parsed = ParseQuery(Joined(query));
-  OpenedIndex opened(engine, index, Access::kRead);
+int RunSearch(Kestan& engine, const Values& values) {
+  const Query parsed = ParseQuery(Joined(values.All("QUERY")));
+  OpenedIndex opened(engine, values.Text("INDEX"), Access::kRead);
   const std::string hits = Hits(opened, parsed);
   Print(hits);
   return hits.empty() ? kNoHits : kDone;
+}
+
+}  // namespace
+
+std::vector<Command> SearchCommands() {
+  return {
+      {"search",
+       "Find documents, the best first.",
+       {IndexArgument(),
+        {"QUERY",
+         "words; side by side they mean AND. Operators, the tightest first: NOT, NEAR/k (at most "
+         "k words apart), AND, OR; and parentheses",
+         Positional::Count::kOneOrMore}},
+       {},
+       "Exit status: 0 with hits, 1 without, 2 if something is wrong.",
+       {"kestan search my.index 'shell NEAR/3 script NOT (zsh OR fish)'"},
+       RunSearch}};
 }
 
 }  // namespace kestan_cli

@@ -1,57 +1,146 @@
 #include <filesystem>
-#include <set>
+#include <string>
 
 #include "commands.h"
+#include "copied_index.h"
+#include "index_change.h"
+#include "json.h"
 #include "message.h"
-#include "opened_index.h"
 #include "output.h"
 
 namespace kestan_cli {
 namespace {
 
-void CheckIndexed(OpenedIndex& index, const std::set<std::string>& names) {
-  for (const std::string& name : names) {
-    if (index.engine().DocumentTimestamp(name.c_str()) != 0) continue;
-    throw CommandError("no document " + Quoted(name) + " in index " + Quoted(index.path()));
+namespace fs = std::filesystem;
+
+// ---- shrink ----
+
+void PrintSizes(const Values& values, std::uintmax_t before, std::uintmax_t after) {
+  const bool dry = values.Has("--dry-run");
+  if (values.Has("--json")) {
+    Print(JsonLine({{"schema", kJsonSchema},
+                    {"dry_run", dry},
+                    {"bytes_before", before},
+                    {"bytes_after", after}}));
+  } else if (!values.Has("--quiet")) {
+    Print(std::string(dry ? "would shrink" : "shrunk") + " from " + std::to_string(before) +
+          " to " + std::to_string(after) + " bytes\n");
   }
 }
 
-void RemoveDocument(Kestan& engine, const std::string& name) {
-  engine.RemoveDocumentWords(name.c_str());
-  engine.DBDelTitle(name.c_str());
-  engine.DBDelSummary(name.c_str());
-  engine.DBDelUser(name.c_str());
+int RunShrink(Kestan& engine, const Values& values) {
+  const std::string index = values.Text("INDEX");
+  const bool dry = values.Has("--dry-run");
+  IndexChange change(engine, index, Access::kWrite, WayOf(values.Has("--in-place") && !dry, index));
+  const auto before = fs::file_size(index);
+  change.Begin();
+  engine.ShrinkIndex();
+  // A dry run shrinks the copy, which is then forgotten: no estimate could be as good.
+  const auto after = dry ? change.Measure() : (change.Commit(), fs::file_size(index));
+  PrintSizes(values, before, after);
+  return kDone;
+}
+
+// ---- option ----
+
+unsigned long FlagsIn(const Values& values) {
+  return static_cast<unsigned long>(values.Number("FLAGS", 0, 1, 0xffffffffLL));
+}
+
+int RunGetOption(Kestan& engine, const Values& values) {
+  const OpenedIndex opened(engine, values.Text("INDEX"), Access::kRead);
+  if (values.Has("--json")) {
+    Print(JsonLine({{"schema", kJsonSchema},
+                    {"flags", engine.Options()},
+                    {"positions_kept", (engine.Options() & 1) == 0}}));
+  } else {
+    Print(std::to_string(engine.Options()) + "\n");
+  }
+  return kDone;
+}
+
+int RunSetOption(Kestan& engine, const Values& values) {
+  const std::string index = values.Text("INDEX");
+  const unsigned long flags = FlagsIn(values);
+  IndexChange change(engine, index, Access::kWrite, WayOf(values.Has("--in-place"), index));
+  change.Begin();
+  if ((engine.Options() & flags) != 0) {
+    throw CommandError("index " + Quoted(index) + " has flags " +
+                       std::to_string(engine.Options() & flags) + " set already");
+  }
+  engine.SetOptionFlag(flags);
+  change.Commit();
+  return kDone;
+}
+
+int RunClearOption(Kestan& engine, const Values& values) {
+  const std::string index = values.Text("INDEX");
+  const unsigned long flags = FlagsIn(values);
+  IndexChange change(engine, index, Access::kWrite, WayOf(values.Has("--in-place"), index));
+  change.Begin();
+  if (engine.UnsetOptionFlag(flags) != 0) {
+    throw CommandError("flag 1 of index " + Quoted(index) +
+                       " cannot be cleared: the positions of its words are gone");
+  }
+  change.Commit();
+  return kDone;
+}
+
+Positional FlagsArgument() { return {"FLAGS", "the sum of the flags"}; }
+
+// ---- copy ----
+
+int RunCopy(Kestan& engine, const Values& values) {
+  CopyIndex(engine, values.Text("INDEX"), values.Text("NEW"));
+  return kDone;
 }
 
 }  // namespace
 
-int RunRemove(Kestan& engine, const std::string& index, const Arguments& names) {
-  const std::set<std::string> each_once(names.begin(), names.end());
-  {
-    // Opened for reading first: a wrong name leaves the file untouched.
-    OpenedIndex opened(engine, index, Access::kRead);
-    CheckIndexed(opened, each_once);
-  }
-  {
-    OpenedIndex opened(engine, index, Access::kWrite);
-    for (const std::string& name : each_once) RemoveDocument(engine, name);
-    opened.Save();
-  }
-  Print("removed " + Counted(each_once.size(), "document") + "\n");
-  return kDone;
-}
-
-int RunShrink(Kestan& engine, const std::string& index, const Arguments&) {
-  ExamineIndex(index, Access::kWrite);
-  const auto bytes_before = std::filesystem::file_size(index);
-  {
-    OpenedIndex opened(engine, index, Access::kWrite);
-    engine.ShrinkIndex();
-    opened.Save();
-  }
-  Print("shrunk from " + std::to_string(bytes_before) + " to " +
-        std::to_string(std::filesystem::file_size(index)) + " bytes\n");
-  return kDone;
+std::vector<Command> UpkeepCommands() {
+  return {
+      {"option get",
+       "Print the option flags.",
+       {IndexArgument()},
+       {JsonOption()},
+       "Flag 1: the index keeps no positions, so that it is smaller and knows no NEAR. The others "
+       "are free for the programs that use the index.",
+       {"kestan option get my.index"},
+       RunGetOption},
+      {"option set",
+       "Set option flags.",
+       {IndexArgument(), FlagsArgument()},
+       {InPlaceOption()},
+       "Flag 1 drops the positions of all words, for good.",
+       {"kestan option set my.index 1"},
+       RunSetOption},
+      {"option clear",
+       "Clear option flags.",
+       {IndexArgument(), FlagsArgument()},
+       {InPlaceOption()},
+       "",
+       {"kestan option clear my.index 4"},
+       RunClearOption},
+      {"shrink",
+       "Reclaim the room of removed documents.",
+       {IndexArgument()},
+       {{"-n,--dry-run", "", "tell what it would give back, and change nothing"},
+        JsonOption(),
+        InPlaceOption(),
+        QuietOption()},
+       "",
+       {"kestan shrink my.index"},
+       RunShrink},
+      {"copy",
+       "Copy an index, record by record, into a new file.",
+       {IndexArgument(), {"NEW", "the file to make, which must not be there"}},
+       {},
+       "The copy has no free space in it. Copying the file itself is safe too, while no program "
+       "has "
+       "the index open for writing.",
+       {"kestan copy my.index backup.index"},
+       RunCopy},
+  };
 }
 
 }  // namespace kestan_cli

@@ -60,12 +60,21 @@ class CommandTest : public testing::Test {
   Outcome Run(
       const std::vector<std::string>& arguments, const InChild& prepare = [] {}) {
     const TempDir streams;
-    const pid_t child = fork();
-    if (child == 0) Become(arguments, streams / "out", streams / "err", prepare);
+    const pid_t child = Start(arguments, streams, prepare);
     int status = 0;
     EXPECT_EQ(waitpid(child, &status, 0), child);
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, BytesOfFile(streams / "out"),
             BytesOfFile(streams / "err")};
+  }
+
+  // Starts `kestan` with `arguments`, and its output into the files `out` and `err` of `streams`.
+  // Returns the child, for which the caller waits.
+  pid_t Start(
+      const std::vector<std::string>& arguments, const TempDir& streams,
+      const InChild& prepare = [] {}) {
+    const pid_t child = fork();
+    if (child == 0) Become(arguments, streams / "out", streams / "err", prepare);
+    return child;
   }
 
   std::string Path(const std::string& name) const { return folder_ / name; }

@@ -1,0 +1,93 @@
+#include "copied_index.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+
+#include "command.h"
+#include "file_swap.h"
+#include "message.h"
+#include "opened_index.h"
+
+namespace kestan_cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kRecordsBetweenFlushes = 1000;  // a flush gives back the memory of those read
+
+auto CannotMake(const std::string& path, const std::string& reason) {
+  return CommandError("cannot make " + Quoted(path) + ": " + reason);
+}
+
+// Deletes a file that did not become what it was to be.
+class HalfMade {
+ public:
+  explicit HalfMade(std::string path) : path_(std::move(path)) { RemoveLeftovers(path_); }
+  ~HalfMade() { RemoveLeftovers(path_); }
+  HalfMade(const HalfMade&) = delete;
+  HalfMade& operator=(const HalfMade&) = delete;
+
+ private:
+  const std::string path_;
+};
+
+bool AreEqual(const DBDatum& left, const DBDatum& right) {
+  return left.size == right.size &&
+         (left.size == 0 || std::memcmp(left.data, right.data, left.size) == 0);
+}
+
+// Whether every record of `whole` is in `copy` too.
+bool HasAll(Database& copy, Database& whole) {
+  DBDatumPtr key;
+  DBDatumPtr value;
+  DBDatumPtr other;
+  int walked = 0;
+  for (int end = whole.First(&key, &value); end != -1; end = whole.Next(&key, &value)) {
+    if (end != 0 || copy.Get(&other, *key.ptr) != 0 || !AreEqual(*value.ptr, *other.ptr)) {
+      return false;
+    }
+    if (++walked % kRecordsBetweenFlushes == 0) whole.Flush(), copy.Flush();
+  }
+  return whole.FileError() == 0;
+}
+
+bool AreSame(const std::string& left, const std::string& right) {
+  Database a;
+  Database b;
+  if (a.Open(left.c_str(), 0) != 0 || b.Open(right.c_str(), 0) != 0) return false;
+  return HasAll(a, b) && HasAll(b, a);
+}
+
+}  // namespace
+
+void MakeWhole(const std::string& path, const std::function<void(const std::string&)>& make) {
+  std::error_code error;
+  if (fs::symlink_status(path, error).type() != fs::file_type::not_found) {
+    throw CannotMake(path, "there is something already");
+  }
+  const FileLock lock(path, path);
+  const std::string part = path + ".kestan-new";
+  const HalfMade removed(part);
+  make(part);
+  if (const int failed = SyncPath(part)) throw CannotMake(path, ReasonOf(failed));
+  if (std::rename(part.c_str(), path.c_str()) != 0) throw CannotMake(path, ReasonOf(errno));
+  if (const int failed = SyncPath(FolderOf(path))) throw CannotMake(path, ReasonOf(failed));
+}
+
+void CopyIndex(Kestan& engine, const std::string& index, const std::string& path) {
+  ExamineIndex(index, Access::kRead);
+  MakeWhole(path, [&](const std::string& part) {
+    {
+      const OpenedIndex opened(engine, index, Access::kRead);
+      if (engine.CopyIndexTo(part.c_str()) != 0) throw CannotMake(path, "not all was written");
+    }
+    if (!AreSame(RealPath(index), part)) {
+      throw CannotMake(path, "the copy is not complete; see kestan check " + Quoted(index));
+    }
+  });
+}
+
+}  // namespace kestan_cli

@@ -1,0 +1,23 @@
+// Making a new index file.
+#ifndef KESTAN_CLI_COPIED_INDEX_H_
+#define KESTAN_CLI_COPIED_INDEX_H_
+
+#include <kestan/kestan.h>
+
+#include <functional>
+#include <string>
+
+namespace kestan_cli {
+
+// Has `make` make a file at the path that it is given, beside `path`, and puts it at `path` when it
+// is on the disk. Whatever goes wrong before leaves nothing.
+//   Throws   CommandError if there is something at `path` already, and what `make` throws.
+void MakeWhole(const std::string& path, const std::function<void(const std::string&)>& make);
+
+// Copies the index at `index` into a new file at `path`, and compares the two.
+//   Throws   CommandError if there is something at `path` already, or the copy is not complete.
+void CopyIndex(Kestan& engine, const std::string& index, const std::string& path);
+
+}  // namespace kestan_cli
+
+#endif  // KESTAN_CLI_COPIED_INDEX_H_

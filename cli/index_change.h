@@ -1,0 +1,70 @@
+// A change of an index that happens as a whole or not at all.
+#ifndef KESTAN_CLI_INDEX_CHANGE_H_
+#define KESTAN_CLI_INDEX_CHANGE_H_
+
+#include <kestan/kestan.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "descriptor.h"
+#include "file_swap.h"
+#include "opened_index.h"
+
+namespace kestan_cli {
+
+// Works on a copy beside the index, and puts it in the place of the index when all is on the disk.
+// Until then the index stays as it was, whatever happens, and others read it; nobody else changes
+// it. What a process leaves behind that was ended on the way, the next change removes.
+class IndexChange {
+ public:
+  enum class Way { kOnCopy, kInPlace };
+
+  // Locks the index at `path` and looks at it. Borrows `engine`, whose index must be closed.
+  //   Throws   what ExamineIndex throws; CommandError with the status kBusy if another process is
+  //            changing the index.
+  IndexChange(Kestan& engine, const std::string& path, Access access, Way way);
+  ~IndexChange();  // without Commit(), a change on a copy is forgotten
+  IndexChange(const IndexChange&) = delete;
+  IndexChange& operator=(const IndexChange&) = delete;
+
+  const IndexFacts& facts() const { return facts_; }
+
+  // Makes the copy and opens it in the engine. Once; before, the index may be read there.
+  //   Throws   CommandError if there is no room for a copy.
+  OpenedIndex& Begin();
+
+  // Writes everything out, closes the copy and tells how many bytes it has. The last call: the
+  // index stays as it is.
+  std::uintmax_t Measure();
+
+  // Writes everything out, closes the index and puts the copy in its place.
+  //   Throws   CommandError if any record did not reach the file; then the index is as it was, if
+  //            this worked on a copy.
+  void Commit();
+
+ private:
+  void HoldSource();
+  void Copy() const;
+  void Close();
+  void Replace() const;
+
+  Kestan& engine_;
+  const std::string path_;
+  const std::string file_;  // the index itself
+  const std::string copy_;
+  const Access access_;
+  const Way way_;
+  std::unique_ptr<FileLock> lock_;
+  IndexFacts facts_;
+  Descriptor source_;  // holds the lock that keeps those out who write the file in place
+  std::unique_ptr<OpenedIndex> opened_;
+};
+
+// Way::kInPlace where `in_place` is set; then says on the standard error stream what that means.
+IndexChange::Way WayOf(bool in_place, const std::string& path);
+
+}  // namespace kestan_cli
+
+#endif  // KESTAN_CLI_INDEX_CHANGE_H_

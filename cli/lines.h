@@ -1,0 +1,24 @@
+// Text as lines.
+#ifndef KESTAN_CLI_LINES_H_
+#define KESTAN_CLI_LINES_H_
+
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+namespace kestan_cli {
+
+// Returns the lines of `text` without their line feeds. Borrows it.
+inline std::vector<std::string_view> LinesOf(std::string_view text) {
+  std::vector<std::string_view> lines;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    lines.push_back(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return lines;
+}
+
+}  // namespace kestan_cli
+
+#endif  // KESTAN_CLI_LINES_H_

@@ -1,0 +1,178 @@
+// The texts that an index keeps beside its words: a title, a summary and a user record for each
+// document, and lists of words by name.
+#include <iostream>
+#include <iterator>
+#include <string>
+
+#include "commands.h"
+#include "index_change.h"
+#include "message.h"
+#include "output.h"
+
+namespace kestan_cli {
+namespace {
+
+// One of the three texts of a document, and what the engine does with it.
+struct Kind {
+  const char* name;
+  const char* title;
+  char* (Kestan::*get)(const char*);
+  int (Kestan::*put)(const char*, const char*);
+  int (Kestan::*del)(const char*);
+};
+
+constexpr Kind kTitle{"title", "title", &Kestan::DBGetTitle, &Kestan::DBPutTitle,
+                      &Kestan::DBDelTitle};
+constexpr Kind kSummary{"summary", "summary", &Kestan::DBGetSummary, &Kestan::DBPutSummary,
+                        &Kestan::DBDelSummary};
+constexpr Kind kUser{"user", "user record", &Kestan::DBGetUser, &Kestan::DBPutUser,
+                     &Kestan::DBDelUser};
+
+void CheckIndexed(Kestan& engine, const std::string& index, const std::string& name) {
+  if (engine.DocumentTimestamp(name.c_str()) != 0) return;
+  throw CommandError("no document " + Quoted(name) + " in index " + Quoted(index));
+}
+
+auto NoText(const Kind& kind, const std::string& name, const std::string& index) {
+  return CommandError("document " + Quoted(name) + " of index " + Quoted(index) + " has no " +
+                      kind.title);
+}
+
+template <const Kind& kKind>
+int RunGet(Kestan& engine, const Values& values) {
+  const std::string index = values.Text("INDEX");
+  const std::string name = values.Text("NAME");
+  const OpenedIndex opened(engine, index, Access::kRead);
+  const char* const text = (engine.*kKind.get)(name.c_str());
+  if (text == nullptr) {
+    CheckIndexed(engine, index, name);
+    throw NoText(kKind, name, index);
+  }
+  Print(std::string(text) + "\n");
+  return kDone;
+}
+
+// Checks before the copy is made that there is such a document.
+void CheckBefore(Kestan& engine, const std::string& index, const std::string& name) {
+  const OpenedIndex opened(engine, index, Access::kRead);
+  CheckIndexed(engine, index, name);
+}
+
+template <const Kind& kKind>
+int RunSet(Kestan& engine, const Values& values) {
+  const std::string index = values.Text("INDEX");
+  const std::string name = values.Text("NAME");
+  IndexChange change(engine, index, Access::kWrite, WayOf(values.Has("--in-place"), index));
+  CheckBefore(engine, index, name);
+  OpenedIndex& opened = change.Begin();
+  opened.CheckWritten((engine.*kKind.put)(name.c_str(), values.Text("TEXT").c_str()));
+  change.Commit();
+  return kDone;
+}
+
+template <const Kind& kKind>
+int RunDelete(Kestan& engine, const Values& values) {
+  const std::string index = values.Text("INDEX");
+  const std::string name = values.Text("NAME");
+  IndexChange change(engine, index, Access::kWrite, WayOf(values.Has("--in-place"), index));
+  change.Begin();
+  if ((engine.*kKind.del)(name.c_str()) != 0) throw NoText(kKind, name, index);
+  change.Commit();
+  return kDone;
+}
+
+Positional NameArgument() { return {"NAME", "the document's name, as `kestan list` prints it"}; }
+
+template <const Kind& kKind>
+void AddCommands(const std::string& sample, std::vector<Command>* commands) {
+  const std::string name = kKind.name;
+  const std::string title = kKind.title;
+  commands->push_back({name + " get",
+                       "Print a document's " + title + ".",
+                       {IndexArgument(), NameArgument()},
+                       {},
+                       "",
+                       {"kestan " + name + " get my.index notes.txt"},
+                       RunGet<kKind>});
+  commands->push_back({name + " set",
+                       "Set a document's " + title + ".",
+                       {IndexArgument(), NameArgument(), {"TEXT", "the new text"}},
+                       {InPlaceOption()},
+                       "",
+                       {"kestan " + name + " set my.index notes.txt '" + sample + "'"},
+                       RunSet<kKind>});
+  commands->push_back({name + " delete",
+                       "Delete a document's " + title + ".",
+                       {IndexArgument(), NameArgument()},
+                       {InPlaceOption()},
+                       "",
+                       {"kestan " + name + " delete my.index notes.txt"},
+                       RunDelete<kKind>});
+}
+
+// ---- Word lists ----
+
+int RunGetWords(Kestan& engine, const Values& values) {
+  const std::string index = values.Text("INDEX");
+  const OpenedIndex opened(engine, index, Access::kRead);
+  const char* const words = engine.DBGetWords(values.Text("LIST").c_str());
+  if (words == nullptr) {
+    throw CommandError("no word list " + Quoted(values.Text("LIST")) + " in index " +
+                       Quoted(index));
+  }
+  Print(words);
+  return kDone;
+}
+
+std::string WordsToPut(const Values& values) {
+  if (!values.Has("WORD")) {
+    return {std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()};
+  }
+  std::string words;
+  for (const std::string& word : values.All("WORD")) words += word + "\n";
+  return words;
+}
+
+int RunPutWords(Kestan& engine, const Values& values) {
+  const std::string index = values.Text("INDEX");
+  const std::string words = WordsToPut(values);
+  IndexChange change(engine, index, Access::kWrite, WayOf(values.Has("--in-place"), index));
+  OpenedIndex& opened = change.Begin();
+  opened.CheckWritten(engine.DBPutWords(values.Text("LIST").c_str(), words.c_str()));
+  change.Commit();
+  return kDone;
+}
+
+void AddWordListCommands(std::vector<Command>* commands) {
+  const Positional list{"LIST", "the name of the list"};
+  commands->push_back({"wordlist get",
+                       "Print a list of words that the index keeps.",
+                       {IndexArgument(), list},
+                       {},
+                       "",
+                       {"kestan wordlist get my.index colours"},
+                       RunGetWords});
+  commands->push_back({"wordlist put",
+                       "Keep a list of words in the index, in place of an earlier one.",
+                       {IndexArgument(),
+                        list,
+                        {"WORD", "the words; without any, they are read from the standard input",
+                         Positional::Count::kAny}},
+                       {InPlaceOption()},
+                       "A word is at most 127 bytes long, and of ASCII.",
+                       {"kestan wordlist put my.index colours red green blue"},
+                       RunPutWords});
+}
+
+}  // namespace
+
+std::vector<Command> TextCommands() {
+  std::vector<Command> commands;
+  AddCommands<kTitle>("Things to do", &commands);
+  AddCommands<kSummary>("What is left for this week", &commands);
+  AddCommands<kUser>("reviewed=yes", &commands);
+  AddWordListCommands(&commands);
+  return commands;
+}
+
+}  // namespace kestan_cli
