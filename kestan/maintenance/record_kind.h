@@ -1,0 +1,55 @@
+// What a record of an index is, told by its key and, where that is not enough, by its value.
+#ifndef KESTAN_MAINTENANCE_RECORD_KIND_H_
+#define KESTAN_MAINTENANCE_RECORD_KIND_H_
+
+#include <kestan/engine/records.h>
+#include <kestan/storage/database.h>
+#include <kestan/storage/dbdatum.h>
+
+#include <cstdint>
+#include <string_view>
+
+namespace kestan {
+
+enum class RecordKind : std::uint8_t {
+  kPosting,
+  kDocument,
+  kName,
+  kTitle,
+  kSummary,
+  kUser,
+  kWordList,
+  kCounter,
+  kReusableCodes,
+  kRemovedCodes,
+  kOptions,
+  kOther,  // its key looks like a system record's, but of no family that the engine has
+};
+
+// What reading posting records depends on.
+struct PostingRules {
+  bool with_positions = true;
+  Code highest = 0;  // the code counter; no document ever had a higher code
+};
+
+// Reads option flags and counter. What is missing counts as 0.
+PostingRules ReadPostingRules(Database& store);
+
+// Tells whether the record is not empty and nothing but whole entries of codes from 1 up to the
+// highest, each with at least one position, none of them 0. No text passes for that where
+// positions are kept.
+bool LooksLikePostings(const DBDatum& value, const PostingRules& rules);
+
+// Tells what the record is. Keys of two bytes such as "t-" belong to a word as well as to the title
+// of the document with the empty name: the value decides. `value` may be null if it is unreadable.
+RecordKind KindOf(const DBDatum& key, const DBDatum* value, const PostingRules& rules);
+
+// Tells whether a shrink leaves the entries of removed documents in the posting record of `key`,
+// so that it may list a code that is free, or one code more than once.
+inline bool IsNeverPurged(const DBDatum& key) { return key.size < 2 || key.data[1] == '-'; }
+
+inline std::string_view BytesOf(const DBDatum& datum) { return {datum.data, datum.size}; }
+
+}  // namespace kestan
+
+#endif  // KESTAN_MAINTENANCE_RECORD_KIND_H_

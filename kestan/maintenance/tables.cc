@@ -1,0 +1,141 @@
+#include <kestan/engine/keys.h>
+#include <kestan/maintenance/tables.h>
+#include <kestan/maintenance/walk.h>
+
+#include <algorithm>
+
+namespace kestan {
+namespace {
+
+constexpr std::uint32_t kNameKeyBytes = 2 + kUnitBytes;
+constexpr std::uint32_t kOptionsBytes = 4;
+
+class TableBuilder {
+ public:
+  explicit TableBuilder(IndexTables* tables) : tables_(*tables) {}
+
+  void Visit(const DBDatum& key, const DBDatum* value) {
+    if (value == nullptr) {
+      tables_.unreadable.emplace_back(BytesOf(key));
+    } else {
+      Add(key, *value, KindOf(key, value, tables_.rules));
+    }
+  }
+
+  // A walk that goes in circles comes to a record more than once.
+  void Sort() {
+    auto& documents = tables_.documents;
+    auto& names = tables_.names;
+    std::sort(documents.begin(), documents.end(),
+              [](const auto& left, const auto& right) { return left.name < right.name; });
+    std::sort(names.begin(), names.end(),
+              [](const auto& left, const auto& right) { return left.code < right.code; });
+    documents.erase(
+        std::unique(documents.begin(), documents.end(),
+                    [](const auto& left, const auto& right) { return left.name == right.name; }),
+        documents.end());
+    names.erase(
+        std::unique(names.begin(), names.end(),
+                    [](const auto& left, const auto& right) { return left.code == right.code; }),
+        names.end());
+  }
+
+ private:
+  void Add(const DBDatum& key, const DBDatum& value, RecordKind kind) {
+    switch (kind) {
+      case RecordKind::kDocument:
+        return AddDocument(key, value);
+      case RecordKind::kName:
+        return AddName(key, value);
+      case RecordKind::kTitle:
+      case RecordKind::kSummary:
+      case RecordKind::kUser:
+        tables_.side_keys.emplace_back(BytesOf(key));
+        return;
+      case RecordKind::kCounter:
+        return AddCounter(key, value);
+      case RecordKind::kOptions:
+        return AddOptions(key, value);
+      case RecordKind::kReusableCodes:
+        return AddCodes(key, value, &tables_.reusable);
+      case RecordKind::kRemovedCodes:
+        return AddCodes(key, value, &tables_.removed);
+      case RecordKind::kOther:
+        tables_.other_keys.emplace_back(BytesOf(key));
+        return;
+      case RecordKind::kPosting:
+      case RecordKind::kWordList:
+        return;
+    }
+  }
+
+  void AddDocument(const DBDatum& key, const DBDatum& value) {
+    IndexTables::Document document;
+    document.name = BytesOf(key).substr(kDocumentFamily.size());
+    document.timestamp = DocumentTimestamp(value);
+    document.bytes = value.size;
+    document.code = DocumentCode(value);
+    document.has_rest = value.size >= kDocumentRecordBytes && UnitAt(value, 3) != 0;
+    NoteOdd(key, value, value.size != kDocumentRecordBytes);
+    tables_.documents.push_back(std::move(document));
+  }
+
+  void AddName(const DBDatum& key, const DBDatum& value) {
+    NoteOdd(key, value, key.size != kNameKeyBytes);
+    if (key.size == kNameKeyBytes)
+      tables_.names.push_back({UnitAt(key, 1), String(BytesOf(value))});
+  }
+
+  void AddCounter(const DBDatum& key, const DBDatum& value) {
+    NoteOdd(key, value, value.size != kUnitBytes);
+    tables_.has_counter = true;
+    tables_.counter = DecodeCounter(value);
+  }
+
+  void AddOptions(const DBDatum& key, const DBDatum& value) {
+    NoteOdd(key, value, value.size != kOptionsBytes);
+    tables_.has_options = true;
+    tables_.options = DecodeOptions(value);
+  }
+
+  void AddCodes(const DBDatum& key, const DBDatum& value, Vector<Code>* codes) {
+    NoteOdd(key, value, value.size % kUnitBytes != 0);
+    codes->clear();
+    for (std::size_t i = 0; i < CountCodes(value); ++i) codes->push_back(CodeAt(value, i));
+  }
+
+  void NoteOdd(const DBDatum& key, const DBDatum& value, bool is_odd) {
+    if (is_odd) tables_.odd.push_back({String(BytesOf(key)), value.size});
+  }
+
+  IndexTables& tables_;
+};
+
+}  // namespace
+
+const IndexTables::Document* IndexTables::FindDocument(std::string_view name) const {
+  const auto found = std::lower_bound(
+      documents.begin(), documents.end(), name,
+      [](const Document& document, std::string_view wanted) { return document.name < wanted; });
+  return found != documents.end() && found->name == name ? &*found : nullptr;
+}
+
+const IndexTables::Name* IndexTables::FindName(Code code) const {
+  const auto found =
+      std::lower_bound(names.begin(), names.end(), code,
+                       [](const Name& name, Code wanted) { return name.code < wanted; });
+  return found != names.end() && found->code == code ? &*found : nullptr;
+}
+
+IndexTables ReadTables(Database& store) {
+  IndexTables tables;
+  store.Flush();
+  tables.rules = ReadPostingRules(store);
+  TableBuilder builder(&tables);
+  tables.walk_error = ForEachRecord(
+      store, [&](const DBDatum& key, const DBDatum* value, int) { builder.Visit(key, value); });
+  builder.Sort();
+  return tables;
+}
+
+}  // namespace kestan

@@ -1,0 +1,70 @@
+// What the system records of an index say, side by side in memory.
+#ifndef KESTAN_MAINTENANCE_TABLES_H_
+#define KESTAN_MAINTENANCE_TABLES_H_
+
+#include <kestan/engine/records.h>
+#include <kestan/maintenance/record_kind.h>
+#include <kestan/storage/database.h>
+#include <kestan/storage/memory.h>
+
+#include <cstdint>
+#include <string_view>
+
+namespace kestan {
+
+// Takes memory for the documents' names, twice, and for the keys of their side records; nothing of
+// the postings.
+struct IndexTables {
+  // A record "d-" + name.
+  struct Document {
+    bool IsShort() const { return bytes < kDocumentRecordBytes; }
+
+    String name;
+    std::uint32_t timestamp = 0;
+    std::uint32_t bytes = 0;  // of the record
+    Code code = 0;
+    bool has_rest = false;  // the two bytes behind the code are not 0
+  };
+
+  // A record "c-" + code.
+  struct Name {
+    Code code = 0;
+    String name;
+  };
+
+  // A record that has another length, or a "c-" record whose key has another, than the engine gives
+  // it.
+  struct OddRecord {
+    String key;
+    std::uint32_t bytes = 0;  // of the value
+  };
+
+  // Find a record; null if there is none.
+  const Document* FindDocument(std::string_view name) const;
+  const Name* FindName(Code code) const;
+
+  Vector<Document> documents;  // by ascending name; those with odd records too
+  Vector<Name> names;          // by ascending code; only of keys of four bytes
+  Vector<Code> reusable;       // "g-avail", in the record's order
+  Vector<Code> removed;        // "g-deleted", in the record's order
+  Vector<String> side_keys;    // of titles, summaries and user records, in the file's order
+  Vector<String> other_keys;   // of no family that the engine has, in the file's order
+  Vector<OddRecord> odd;       // system records of odd length, in the file's order
+  Vector<String> unreadable;   // keys of records that could not be read, in the file's order
+  bool has_counter = false;
+  bool has_options = false;
+  Code counter = 0;
+  std::uint32_t options = 0;
+  PostingRules rules;
+  int walk_error = 0;  // gdbm's number if the walk ended early
+
+  // Records may be missing from the tables.
+  bool IsIncomplete() const { return walk_error != 0 || !unreadable.empty(); }
+};
+
+// Reads the tables in one walk over `store`, which is open. Flushes it first.
+IndexTables ReadTables(Database& store);
+
+}  // namespace kestan
+
+#endif  // KESTAN_MAINTENANCE_TABLES_H_
