@@ -1,0 +1,7 @@
+// Looking after index files: what is in them and whether it is sound.
+#ifndef KESTAN_MAINTENANCE_H_
+#define KESTAN_MAINTENANCE_H_
+
+#include <kestan/maintenance/check.h>  // IWYU pragma: export
+
+#endif  // KESTAN_MAINTENANCE_H_

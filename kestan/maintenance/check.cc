@@ -1,0 +1,48 @@
+#include <kestan/maintenance/check.h>
+#include <kestan/maintenance/code_check.h>
+#include <kestan/maintenance/findings.h>
+#include <kestan/maintenance/posting_check.h>
+#include <kestan/maintenance/tables.h>
+#include <kestan/maintenance/walk.h>
+
+namespace kestan {
+namespace {
+
+constexpr std::string_view kFile = "index file";  // holds a blank, so it is no word's key
+
+// Returns the first error that gdbm has met, having reported each.
+int CheckFile(Database& store, int walk_error, Findings* findings) {
+  int first = 0;
+  const auto report = [&](int error, const char* what) {
+    if (error == 0) return;
+    findings->Fault(kFile, what, Database::ErrorString(error));
+    if (first == 0) first = error;
+  };
+  report(walk_error, "not all records could be found -- ");
+  report(store.FileError(), "reading or writing failed -- ");
+  report(store.Verify(), "damaged -- ");
+  return first;
+}
+
+}  // namespace
+
+CheckResult CheckIndex(Database& store, const TakeLine& report) {
+  if (store.Flush() == -1) return {0, 0, -1};
+  Findings findings(report);
+  const IndexTables tables = ReadTables(store);
+  CheckLengths(tables, &findings);
+  if (!tables.IsIncomplete()) CheckCodes(tables, &findings);
+
+  PostingCheck postings(tables, &findings);
+  bool all_read = true;
+  const int walk_error = ForEachRecord(store, [&](const DBDatum& key, const DBDatum* value, int) {
+    if (value == nullptr) all_read = false;
+    if (value != nullptr) postings.Visit(key, *value);
+  });
+  if (all_read && walk_error == 0 && !tables.IsIncomplete()) postings.CheckDocuments();
+  const int error =
+      CheckFile(store, tables.walk_error != 0 ? tables.walk_error : walk_error, &findings);
+  return {findings.faults(), findings.notes(), error};
+}
+
+}  // namespace kestan

@@ -1,0 +1,40 @@
+// Whether the records of an index agree with each other.
+#ifndef KESTAN_MAINTENANCE_CHECK_H_
+#define KESTAN_MAINTENANCE_CHECK_H_
+
+#include <kestan/export.h>
+#include <kestan/storage/database.h>
+
+#include <cstdint>
+#include <functional>
+#include <string_view>
+
+namespace kestan {
+
+// Takes a line without its line feed. The line is gone after the call.
+using TakeLine = std::function<void(std::string_view line)>;
+
+struct CheckResult {
+  std::uint64_t faults = 0;  // what the engine never writes by itself, or answers wrongly for
+  std::uint64_t notes = 0;   // what harms nothing but may be worth a look
+  int file_error = 0;        // gdbm's number of what is wrong with the file itself, 0 if nothing is
+};
+
+// Looks at every record of `store`, which is open for reading or writing and has no changes of an
+// engine's that wait elsewhere, and hands a line to `report` for each inconsistency:
+//
+//   KEY: what is wrong
+//   KEY: note: what is worth a look
+//
+// Bytes of the key that are no printable ASCII, and backslashes, are spelled \xHH. What is wrong
+// with the file itself has the key "index file" and comes last. Changes nothing, but makes `store`
+// flush. An empty `report` only counts. Where records cannot be read, what depends on all of them
+// is not judged.
+//   Returns  how much it found; -1 as the file's error if no file is open, which the store says.
+//   Cost     two walks over the file. Memory for the names of all documents and the keys of their
+//            titles, summaries and user records, for 1,000 records and for 1 MiB of counts.
+KESTAN_EXPORT CheckResult CheckIndex(Database& store, const TakeLine& report);
+
+}  // namespace kestan
+
+#endif  // KESTAN_MAINTENANCE_CHECK_H_

@@ -1,0 +1,199 @@
+#include <kestan/engine/keys.h>
+#include <kestan/engine/white_space.h>
+#include <kestan/maintenance/code_check.h>
+#include <kestan/maintenance/posting_check.h>
+
+#include <algorithm>
+#include <limits>
+
+namespace kestan {
+namespace {
+
+constexpr std::size_t kCodes = std::size_t{kMaxCode} + 1;
+constexpr Position kMaxPosition = std::numeric_limits<Position>::max();
+constexpr unsigned kFoldBit = 0x20;
+
+bool IsFolded(std::string_view word) {
+  return std::all_of(word.begin(), word.end(),
+                     [](char byte) { return (static_cast<unsigned char>(byte) & kFoldBit) != 0; });
+}
+
+bool CanBeWord(std::string_view key) {
+  return !key.empty() && std::none_of(key.begin(), key.end(),
+                                      [](char byte) { return byte == '\0' || IsWhiteSpace(byte); });
+}
+
+}  // namespace
+
+PostingCheck::PostingCheck(const IndexTables& tables, Findings* findings)
+    : tables_(tables),
+      findings_(*findings),
+      known_(CodesInUse(tables)),
+      tallies_(kCodes),
+      seen_in_(kCodes) {
+  for (const Code code : tables.removed) known_.set(code);
+}
+
+void PostingCheck::Visit(const DBDatum& key, const DBDatum& value) {
+  switch (KindOf(key, &value, tables_.rules)) {
+    case RecordKind::kPosting:
+      return CheckPostings(key, value);
+    case RecordKind::kWordList:
+      return CheckWordList(key, value);
+    case RecordKind::kTitle:
+    case RecordKind::kSummary:
+    case RecordKind::kUser:
+    case RecordKind::kOther:
+      return CheckText(key, value);
+    default:
+      return;
+  }
+}
+
+void PostingCheck::CheckPostings(const DBDatum& key, const DBDatum& value) {
+  const std::string_view word = BytesOf(key);
+  if (!CanBeWord(word)) findings_.Note(word, "no word: it is empty or holds white space or a NUL");
+  if (value.size == 0) return findings_.Note(word, "empty posting record");
+  if (value.size % kUnitBytes != 0) {
+    findings_.Fault(word, "odd length: ", std::uint64_t{value.size}, " bytes");
+  }
+  const Faults faults = CountFaults({key, value, IsNeverPurged(key), IsFolded(word)});
+  const auto report = [&](std::uint64_t count, const char* what) {
+    if (count != 0) findings_.Fault(word, what, ": ", count);
+  };
+  report(faults.zero_codes, "entries of code 0");
+  report(faults.unknown_codes, "entries of codes that no document holds");
+  report(faults.repeated_codes, "entries of a code listed before");
+  report(faults.without_positions, "entries without positions");
+  report(faults.zero_positions, "positions of 0");
+}
+
+PostingCheck::Faults PostingCheck::CountFaults(const Record& record) {
+  Faults faults;
+  ++record_number_;
+  PostingReader reader(record.value, tables_.rules.with_positions);
+  PostingEntry entry{};
+  while (reader.Next(&entry)) {
+    if (entry.code == 0) ++faults.zero_codes;
+    if (IsUnknown(record, entry.code)) ++faults.unknown_codes;
+    const bool is_repeated = seen_in_[entry.code] == record_number_;
+    if (is_repeated && entry.code != 0 && !record.is_never_purged) ++faults.repeated_codes;
+    seen_in_[entry.code] = record_number_;
+    CountPositions(record, entry, &faults);
+  }
+  if (tables_.rules.with_positions) CheckEnd(record, entry);
+  return faults;
+}
+
+// Records that are never purged keep entries of every code that was ever handed out.
+bool PostingCheck::IsUnknown(const Record& record, Code code) const {
+  if (code == 0 || known_[code] || tables_.IsIncomplete()) return false;
+  return !record.is_never_purged || code > tables_.counter;
+}
+
+void PostingCheck::CountPositions(const Record& record, const PostingEntry& entry, Faults* faults) {
+  Tally& tally = tallies_[entry.code];
+  tally.has_words = true;
+  if (!tables_.rules.with_positions) return;
+  if (entry.units >= 2 && UnitAt(record.value, entry.first_unit + 1) == 0) {
+    ++faults->without_positions;
+  }
+  Position previous = 0;
+  for (std::size_t i = entry.units - entry.positions; i < entry.units; ++i) {
+    const Position position = UnitAt(record.value, entry.first_unit + i);
+    if (position == 0) {
+      ++faults->zero_positions;
+    } else if (record.is_never_purged) {
+      tally.doubtful += record.is_folded ? 1 : 0;
+    } else {
+      if (position <= previous) tally.descends = true;
+      tally.highest = std::max(tally.highest, position);
+      tally.positions += record.is_folded ? 1 : 0;
+    }
+    previous = position;
+  }
+}
+
+// A count that runs past the end, or an end behind a code.
+void PostingCheck::CheckEnd(const Record& record, const PostingEntry& last) {
+  const std::string_view word = BytesOf(record.key);
+  const std::uint64_t code = last.code;
+  const std::uint64_t positions = last.positions;
+  if (last.units == 1) {
+    findings_.Fault(word, "ends within an entry: code ", code, " without a number of positions");
+    return;
+  }
+  if (last.units == 0) return;
+  const std::uint64_t count = UnitAt(record.value, last.first_unit + 1);
+  if (count == positions) return;
+  findings_.Fault(word, "ends within an entry: code ", code, " counts ", count,
+                  " positions and has ", positions);
+}
+
+// A title, a summary, a user record, or what has a key like theirs. A word such as "t-shirt" has
+// one too, and takes the place of the text.
+void PostingCheck::CheckText(const DBDatum& key, const DBDatum& value) {
+  const std::string_view bytes = BytesOf(key);
+  const bool is_word = CanBeWord(bytes) && LooksLikePostings(value, tables_.rules);
+  if (is_word) CountFaults({key, value, true, IsFolded(bytes)});
+  if (KindOf(key, &value, tables_.rules) == RecordKind::kOther) {
+    findings_.Note(bytes, is_word ? "the posting record of a word with a hyphen"
+                                  : "no record of the engine has such a key");
+  } else if (!tables_.IsIncomplete() && tables_.FindDocument(bytes.substr(2)) == nullptr) {
+    findings_.Note(bytes, is_word ? "the posting record of a word with a hyphen"
+                                  : "its document is not in the index");
+  }
+}
+
+// The first word shares nothing, and no word more than the one before has.
+void PostingCheck::CheckWordList(const DBDatum& key, const DBDatum& value) {
+  constexpr unsigned kMark = 0x80;
+  std::size_t previous = 0;
+  std::size_t length = 0;
+  std::uint64_t faults = 0;
+  const std::string_view list = BytesOf(value);
+  for (const char byte : list) {
+    const unsigned number = static_cast<unsigned char>(byte);
+    if (number < kMark) {
+      ++length;
+      continue;
+    }
+    previous = length;
+    length = number - kMark;
+    if (length > previous) ++faults;
+  }
+  const std::string_view name = BytesOf(key);
+  if (!list.empty() && static_cast<unsigned char>(list.front()) < kMark) {
+    findings_.Fault(name, "the list does not begin with a word");
+  }
+  if (faults != 0) {
+    findings_.Fault(name, "words that share more bytes than the word before has: ", faults);
+  }
+}
+
+void PostingCheck::CheckDocuments() {
+  for (const IndexTables::Document& document : tables_.documents) {
+    if (document.code != 0) CheckDocument(document);
+  }
+}
+
+// A document of more than 65535 words has several at one position; nothing is known of it then.
+void PostingCheck::CheckDocument(const IndexTables::Document& document) {
+  const Tally& tally = tallies_[document.code];
+  const String key = ItemKey(kDocumentFamily, document.name);
+  if (!tally.has_words)
+    return findings_.Note(key, "no words: an empty text, or left half-written?");
+  if (tally.highest == kMaxPosition) return;
+  if (tally.descends) findings_.Fault(key, "positions of a word do not ascend");
+  const std::uint64_t highest = tally.highest;
+  const std::uint64_t recorded = std::uint64_t{tally.positions} + tally.doubtful;
+  if (tally.positions > highest) {
+    findings_.Fault(key, "several words at one position: ", std::uint64_t{tally.positions},
+                    " up to position ", highest);
+  } else if (recorded < highest) {
+    findings_.Note(key, "words missing: at least ", highest - recorded, " of ", highest,
+                   "; left half-written?");
+  }
+}
+
+}  // namespace kestan

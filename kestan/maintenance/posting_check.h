@@ -1,0 +1,71 @@
+// Whether posting records, word lists and texts agree with the system records of their index.
+#ifndef KESTAN_MAINTENANCE_POSTING_CHECK_H_
+#define KESTAN_MAINTENANCE_POSTING_CHECK_H_
+
+#include <kestan/maintenance/findings.h>
+#include <kestan/maintenance/tables.h>
+#include <kestan/storage/memory.h>
+
+#include <cstdint>
+
+namespace kestan {
+
+// Sees every record once, and then says what the documents lack.
+class PostingCheck {
+ public:
+  // Borrows both. Where the tables are incomplete, no record is judged by them.
+  PostingCheck(const IndexTables& tables, Findings* findings);
+
+  // Looks at a record that is no document, name, counter, code array or option record.
+  void Visit(const DBDatum& key, const DBDatum& value);
+
+  // Reports documents without words, or with words missing. Every record must have been seen.
+  void CheckDocuments();
+
+ private:
+  // What the folded words, in which every byte has bit 5 set, say of one document. A position
+  // belongs to one folded word, so there are as many of them as the highest says.
+  struct Tally {
+    std::uint32_t positions = 0;
+    std::uint32_t doubtful = 0;  // positions in records that may be those of an earlier document
+    Position highest = 0;        // without the doubtful ones
+    bool has_words = false;
+    bool descends = false;  // some positions do not ascend, as where they wrap after 65535
+  };
+
+  // How often something is wrong within one record.
+  struct Faults {
+    std::uint64_t zero_codes = 0;
+    std::uint64_t unknown_codes = 0;
+    std::uint64_t repeated_codes = 0;
+    std::uint64_t without_positions = 0;
+    std::uint64_t zero_positions = 0;
+  };
+
+  struct Record {
+    const DBDatum& key;
+    const DBDatum& value;
+    const bool is_never_purged;
+    const bool is_folded;
+  };
+
+  void CheckPostings(const DBDatum& key, const DBDatum& value);
+  void CheckEnd(const Record& record, const PostingEntry& last);
+  Faults CountFaults(const Record& record);
+  void CountPositions(const Record& record, const PostingEntry& entry, Faults* faults);
+  bool IsUnknown(const Record& record, Code code) const;
+  void CheckText(const DBDatum& key, const DBDatum& value);
+  void CheckWordList(const DBDatum& key, const DBDatum& value);
+  void CheckDocument(const IndexTables::Document& document);
+
+  const IndexTables& tables_;
+  Findings& findings_;
+  CodeSet known_;                  // in use, or awaiting a shrink
+  Vector<Tally> tallies_;          // by code
+  Vector<std::uint32_t> seen_in_;  // by code: the number of the record that it was met in last
+  std::uint32_t record_number_ = 0;
+};
+
+}  // namespace kestan
+
+#endif  // KESTAN_MAINTENANCE_POSTING_CHECK_H_
