@@ -2,6 +2,7 @@
 #ifndef KESTAN_MAINTENANCE_H_
 #define KESTAN_MAINTENANCE_H_
 
-#include <kestan/maintenance/check.h>  // IWYU pragma: export
+#include <kestan/maintenance/check.h>       // IWYU pragma: export
+#include <kestan/maintenance/statistics.h>  // IWYU pragma: export
 
 #endif  // KESTAN_MAINTENANCE_H_

@@ -8,14 +8,12 @@
 namespace kestan {
 namespace {
 
-constexpr std::string_view kFile = "index file";  // holds a blank, so it is no word's key
-
 // Returns the first error that gdbm has met, having reported each.
 int CheckFile(Database& store, int walk_error, Findings* findings) {
   int first = 0;
   const auto report = [&](int error, const char* what) {
     if (error == 0) return;
-    findings->Fault(kFile, what, Database::ErrorString(error));
+    findings->Fault(kWholeFile, what, Database::ErrorString(error));
     if (first == 0) first = error;
   };
   report(walk_error, "not all records could be found -- ");
@@ -40,6 +38,7 @@ CheckResult CheckIndex(Database& store, const TakeLine& report) {
     if (value != nullptr) postings.Visit(key, *value);
   });
   if (all_read && walk_error == 0 && !tables.IsIncomplete()) postings.CheckDocuments();
+  postings.NoteUnusedWords();
   const int error =
       CheckFile(store, tables.walk_error != 0 ? tables.walk_error : walk_error, &findings);
   return {findings.faults(), findings.notes(), error};

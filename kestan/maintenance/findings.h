@@ -35,6 +35,9 @@ class LinePart {
   std::size_t digit_count_ = 0;
 };
 
+// Stands for a key in lines about the index as a whole. It holds a blank, so it is no word's key.
+inline constexpr std::string_view kWholeFile = "index file";
+
 // Makes the lines, hands them out and counts them.
 class Findings {
  public:

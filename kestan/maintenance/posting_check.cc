@@ -53,7 +53,7 @@ void PostingCheck::Visit(const DBDatum& key, const DBDatum& value) {
 void PostingCheck::CheckPostings(const DBDatum& key, const DBDatum& value) {
   const std::string_view word = BytesOf(key);
   if (!CanBeWord(word)) findings_.Note(word, "no word: it is empty or holds white space or a NUL");
-  if (value.size == 0) return findings_.Note(word, "empty posting record");
+  if (value.size == 0) ++unused_words_;
   if (value.size % kUnitBytes != 0) {
     findings_.Fault(word, "odd length: ", std::uint64_t{value.size}, " bytes");
   }
@@ -169,6 +169,12 @@ void PostingCheck::CheckWordList(const DBDatum& key, const DBDatum& value) {
   if (faults != 0) {
     findings_.Fault(name, "words that share more bytes than the word before has: ", faults);
   }
+}
+
+void PostingCheck::NoteUnusedWords() {
+  if (unused_words_ == 0) return;
+  findings_.Note(kWholeFile,
+                 "empty posting records, of words that no document holds: ", unused_words_);
 }
 
 void PostingCheck::CheckDocuments() {

@@ -22,6 +22,10 @@ class PostingCheck {
   // Reports documents without words, or with words missing. Every record must have been seen.
   void CheckDocuments();
 
+  // Notes how many words no document holds: a shrink leaves them, often by the thousand, so that
+  // they share one line.
+  void NoteUnusedWords();
+
  private:
   // What the folded words, in which every byte has bit 5 set, say of one document. A position
   // belongs to one folded word, so there are as many of them as the highest says.
@@ -64,6 +68,7 @@ class PostingCheck {
   Vector<Tally> tallies_;          // by code
   Vector<std::uint32_t> seen_in_;  // by code: the number of the record that it was met in last
   std::uint32_t record_number_ = 0;
+  std::uint64_t unused_words_ = 0;
 };
 
 }  // namespace kestan

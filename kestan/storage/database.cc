@@ -197,6 +197,10 @@ int Database::Verify() {
   return kestan::DamageOf(dbf);
 }
 
+std::int64_t Database::FileBytes() const {
+  return IsOpenFor("size") ? kestan::BytesOfFile(dbf) : -1;
+}
+
 bool Database::IsOpenFor(const char* operation) const {
   if (dbf != nullptr) return true;
   std::fprintf(stderr, "%s: Call to database::%s without an open database\n", kestan::kEngineName,

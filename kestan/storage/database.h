@@ -102,6 +102,10 @@ class KESTAN_EXPORT Database {
   //   Returns  0, -1 without a file, or gdbm's error number.
   int Verify();
 
+  // Returns the size of the file in bytes, -1 without a file. Changes that wait for a flush may yet
+  // change it.
+  std::int64_t FileBytes() const;
+
   // Returns a number that grows with every call that may change what some key answers: Open(),
   // Put(), Del(), Flush() and what they are part of. Changes in place do not show in it.
   std::uint64_t Changes() const { return changes_; }

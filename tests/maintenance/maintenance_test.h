@@ -1,0 +1,71 @@
+// What the tests of the maintenance room share: a small sound index to damage, and what a check
+// says.
+#ifndef KESTAN_TESTS_MAINTENANCE_MAINTENANCE_TEST_H_
+#define KESTAN_TESTS_MAINTENANCE_MAINTENANCE_TEST_H_
+
+#include <kestan/maintenance.h>
+
+#include <set>
+#include <string>
+
+#include "tests/support/index_test.h"
+
+namespace kestan_tests {
+
+// Lines in no particular order, for those of words come in the file's.
+using Lines = std::multiset<std::string>;
+
+struct Checked {
+  Lines lines;
+  kestan::CheckResult result;
+};
+
+// Checks the index at `path`, opened for reading only or for writing too.
+inline Checked Check(const std::string& path, int writer = 0) {
+  Checked checked;
+  Database store;
+  EXPECT_EQ(store.Open(path.c_str(), writer), 0);
+  checked.result =
+      kestan::CheckIndex(store, [&](std::string_view line) { checked.lines.emplace(line); });
+  EXPECT_EQ(checked.result.faults + checked.result.notes, checked.lines.size());
+  return checked;
+}
+
+// Two documents: "a", code 1, of the words "cat dog", and "b", code 2, of the word "cat".
+inline Records SoundRecords() {
+  using namespace std::string_literals;
+  return {{"cat", Units({1, 1, 1, 2, 1, 1})},
+          {"dog", Units({1, 1, 2})},
+          {"c-\1\0"s, "a"},
+          {"c-\2\0"s, "b"},
+          {"d-a", Units({9, 9, 1, 0})},
+          {"d-b", Units({9, 9, 2, 0})},
+          {"g-code", Units({2})},
+          {"g-opts", Units({0, 0})}};
+}
+
+// Returns the sound records with those of `changes` in the place of others or besides them.
+inline Records With(const Records& changes) {
+  Records records = changes;
+  records.merge(SoundRecords());
+  return records;
+}
+
+inline Records Without(const std::string& key) {
+  Records records = SoundRecords();
+  EXPECT_EQ(records.erase(key), 1u);
+  return records;
+}
+
+// Checks an index that holds `records`.
+inline Checked CheckRecords(const Records& records) {
+  const TempDir folder;
+  Plant(folder / "index", records);
+  return Check(folder / "index");
+}
+
+inline Lines LinesOf(const Records& records) { return CheckRecords(records).lines; }
+
+}  // namespace kestan_tests
+
+#endif  // KESTAN_TESTS_MAINTENANCE_MAINTENANCE_TEST_H_
