@@ -1,0 +1,262 @@
+// Whole indexes: those that the engine made are sound, and what is wrong with the file is said.
+#include <gdbm.h>
+#include <kestan/maintenance/check.h>
+#include <malloc.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "tests/maintenance/maintenance_test.h"
+#include "tests/support/gdbm_calls.h"
+
+namespace kestan_tests {
+namespace {
+
+using CheckTest = IndexTest;
+
+// Leaves records of every kind, and every kind of change behind: documents that came, went and were
+// replaced, codes that are free, used again and awaiting a shrink, words that are never purged.
+void Exercise(Kestan& engine) {
+  engine.SetOptionFlag(2);
+  engine.AddDocumentWords("a", "The cat and I");
+  engine.AddDocumentWords("b", "Cat\ndog A dog x- --");
+  engine.AddDocumentWords("c", "a dog x- and the Cat");
+  engine.RemoveDocumentWords("b");
+  engine.ShrinkIndex();
+  engine.AddDocumentWords("new b", "the dog caf\xc3\xa9 and and");
+  engine.AddDocumentWords("c", "the dog Cat and I");
+  engine.ShrinkIndex();
+  engine.AddDocumentWords("d", "cat dog CAT");
+  engine.AddDocumentWords("e", "cat");
+  engine.RemoveDocumentWords("e");
+  engine.MoveDocumentWords("a", "z");
+  engine.DBPutTitle("z", "Z");
+  engine.DBPutSummary("z", "");
+  engine.DBPutUser("z", "what the host likes");
+  engine.DBPutWords("stop", "and are a the then");
+  engine.DBPutWords("empty", "");
+}
+
+TEST_F(CheckTest, EveryKindOfRecordTheEngineMakesIsSound) {
+  Exercise(engine_);
+  engine_.CloseIndex();
+  const Checked checked = Check(path_);
+  EXPECT_EQ(checked.lines, Lines());
+  EXPECT_EQ(checked.result.faults, 0u);
+  EXPECT_EQ(checked.result.notes, 0u);
+  EXPECT_EQ(checked.result.file_error, 0);
+}
+
+TEST_F(CheckTest, AnIndexWithoutPositionsIsSound) {
+  Exercise(engine_);
+  engine_.SetOptionFlag(1);
+  engine_.AddDocumentWords("f", "cat and CAT");
+  engine_.RemoveDocumentWords("d");
+  engine_.ShrinkIndex();
+  engine_.CloseIndex();
+  EXPECT_EQ(Check(path_).lines, Lines());
+}
+
+// What Kestan::MoveDocumentWords warns of: the earlier "b" has lost its document record.
+TEST_F(CheckTest, ADocumentMovedOntoAnotherIsAFault) {
+  engine_.AddDocumentWords("a", "cat");
+  engine_.AddDocumentWords("b", "dog");
+  engine_.MoveDocumentWords("a", "b");
+  engine_.CloseIndex();
+  EXPECT_EQ(Check(path_).lines, Lines({"c-\\x02\\x00: the document has another code, 1: b"}));
+}
+
+// A word with a hyphen that has not been cleaned from the text takes the place of a system record.
+TEST_F(CheckTest, AWordThatHasTheKeyOfTheCounterIsAFault) {
+  engine_.AddDocumentWords("a", "cat g-code");
+  engine_.CloseIndex();
+  const Lines lines = Check(path_).lines;
+  EXPECT_EQ(lines.count("g-code: length 8 instead of 2 bytes"), 1u);
+}
+
+TEST_F(CheckTest, NewAndEmptyFilesAreSound) {
+  engine_.CloseIndex();
+  EXPECT_EQ(Check(path_).lines, Lines());
+  Plant(folder_ / "empty", {});
+  EXPECT_EQ(Check(folder_ / "empty").lines, Lines({"g-opts: note: missing: no option is set"}));
+}
+
+// Two documents of 65535 and 65537 words: the first fills all positions, the second wraps.
+TEST_F(CheckTest, LongDocumentsAreSound) {
+  std::string text;
+  for (int i = 0; i < 65535; ++i) text += i % 3 == 0 ? "One " : "two ";
+  engine_.AddDocumentWords("long", text.c_str());
+  engine_.AddDocumentWords("longer", (text + "two two").c_str());
+  engine_.CloseIndex();
+  EXPECT_EQ(Check(path_).lines, Lines());
+}
+
+TEST_F(CheckTest, AWriterFindsTheSame) {
+  Plant(folder_ / "bad", With({{"fox", Units({7, 1, 1})}, {"g-code", Units({1})}}));
+  const Lines lines = Check(folder_ / "bad").lines;
+  EXPECT_EQ(lines.size(), 2u);
+  EXPECT_EQ(Check(folder_ / "bad", 1).lines, lines);
+}
+
+TEST_F(CheckTest, ChangesNoByteOfTheFile) {
+  const auto bytes = [&] {
+    std::ifstream file(path_, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(file), {});
+  };
+  Exercise(engine_);
+  engine_.CloseIndex();
+  const std::string before = bytes();
+  Check(path_, 0);
+  Check(path_, 1);
+  EXPECT_EQ(bytes(), before);
+}
+
+TEST_F(CheckTest, WhatWaitsInTheStoreIsSeen) {
+  engine_.CloseIndex();
+  Plant(path_, With({{"dog", Units({1, 1, 9})}}));
+  Database store;
+  ASSERT_EQ(store.Open(path_.c_str(), 1), 0);
+  DBDatumPtr value;
+  ASSERT_EQ(store.Get(&value, Datum("dog")), 0);
+  value.ptr->data[4] = 2;
+  value.ptr->dirty = true;
+  value.Free();
+  const kestan::CheckResult result = kestan::CheckIndex(store, {});
+  EXPECT_EQ(result.notes, 0u);
+}
+
+TEST_F(CheckTest, WithoutALineTakerFindingsAreCounted) {
+  engine_.CloseIndex();
+  Plant(path_, {{"dog", Units({0, 1, 1})}, {"q-x", ""}});
+  Database store;
+  ASSERT_EQ(store.Open(path_.c_str(), 0), 0);
+  const kestan::CheckResult result = kestan::CheckIndex(store, {});
+  EXPECT_EQ(result.faults, 1u);
+  EXPECT_EQ(result.notes, 1u);
+}
+
+TEST(Check, WithoutAFileSaysSo) {
+  Database store;
+  kestan::CheckResult result;
+  EXPECT_EQ(StandardErrorOf([&] { result = kestan::CheckIndex(store, {}); }),
+            "Kestan: Call to database::flush without an open database\n");
+  EXPECT_EQ(result.file_error, -1);
+  EXPECT_EQ(result.faults, 0u);
+}
+
+// ---- The file itself ----
+
+class CheckFileTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    Plant(path_, SoundRecords());
+    ASSERT_EQ(store_.Open(path_.c_str(), 0), 0);
+  }
+
+  kestan::CheckResult Run() {
+    return kestan::CheckIndex(store_, [&](std::string_view line) { lines_.emplace(line); });
+  }
+
+  TempDir folder_;
+  const std::string path_ = folder_ / "index";
+  Database store_;
+  Lines lines_;
+};
+
+TEST_F(CheckFileTest, UnreadableRecordsAreFaultsAndTheRestIsNotJudgedByThem) {
+  GdbmWatch watch;
+  watch.FailFrom("fetch", 3, GDBM_FILE_READ_ERROR);  // behind the options and the counter
+  const kestan::CheckResult result = Run();
+  EXPECT_EQ(result.file_error, GDBM_FILE_READ_ERROR);
+  Lines expected{"index file: reading or writing failed -- " +
+                 std::string(gdbm_strerror(GDBM_FILE_READ_ERROR))};
+  for (const std::string key : {"c-\\x01\\x00", "c-\\x02\\x00", "cat", "d-a", "d-b", "dog"}) {
+    expected.insert(key + ": cannot be read");
+  }
+  for (const std::string key : {"g-code", "g-opts"}) EXPECT_EQ(lines_.count(key), 0u);
+  lines_.erase("g-code: cannot be read");
+  lines_.erase("g-opts: cannot be read");
+  EXPECT_EQ(lines_, expected);
+}
+
+TEST_F(CheckFileTest, AWalkThatEndsEarlyIsAFault) {
+  GdbmWatch watch;
+  watch.Fail("nextkey", 2, GDBM_FILE_SEEK_ERROR);
+  const std::string text = gdbm_strerror(GDBM_FILE_SEEK_ERROR);
+  EXPECT_EQ(Run().file_error, GDBM_FILE_SEEK_ERROR);
+  EXPECT_EQ(lines_, Lines({"index file: not all records could be found -- " + text,
+                           "index file: reading or writing failed -- " + text}));
+}
+
+TEST_F(CheckFileTest, ASecondWalkThatEndsEarlySuspectsNoDocument) {
+  GdbmWatch watch;
+  const int records = static_cast<int>(SoundRecords().size());
+  watch.Fail("nextkey", records + 1, GDBM_FILE_SEEK_ERROR);
+  const std::string text = gdbm_strerror(GDBM_FILE_SEEK_ERROR);
+  EXPECT_EQ(Run().file_error, GDBM_FILE_SEEK_ERROR);
+  EXPECT_EQ(lines_, Lines({"index file: not all records could be found -- " + text,
+                           "index file: reading or writing failed -- " + text}));
+}
+
+TEST_F(CheckFileTest, DamagedFreeSpaceIsAFault) {
+  store_.Close();
+  constexpr std::streamoff kPlaceOfFreeSpaceList = 48;  // in gdbm's header
+  std::fstream file(path_, std::ios::binary | std::ios::in | std::ios::out);
+  file.seekp(kPlaceOfFreeSpaceList).write("\xff\xff\xff\x7f", 4);
+  file.close();
+  ASSERT_EQ(store_.Open(path_.c_str(), 0), 0);
+  const kestan::CheckResult result = Run();
+  EXPECT_GT(result.file_error, 0);
+  EXPECT_EQ(lines_,
+            Lines({"index file: damaged -- " + std::string(gdbm_strerror(result.file_error))}));
+}
+
+// ---- Memory ----
+
+TEST(CheckMemory, HoldsNoMoreThanAThousandRecords) {
+  constexpr std::size_t kRecords = 4000;
+  constexpr std::size_t kBytes = 20000;
+  const TempDir folder;
+  Records records;
+  for (std::size_t i = 0; i < kRecords; ++i) {
+    records["u-" + std::to_string(i)] = std::string(kBytes, 'x');
+  }
+  Plant(folder / "index", records);
+  records.clear();
+  const auto bytes_in_use = [] {
+    const struct mallinfo2 info = mallinfo2();
+    return info.uordblks + info.hblkhd;
+  };
+  Database store;
+  ASSERT_EQ(store.Open((folder / "index").c_str(), 0), 0);
+  const std::size_t before = bytes_in_use();
+  std::size_t most = 0;
+  std::size_t lines = 0;
+  kestan::CheckIndex(store, [&](std::string_view) {
+    most = std::max(most, bytes_in_use() - std::min(before, bytes_in_use()));
+    ++lines;
+  });
+  EXPECT_EQ(lines, kRecords + 1);  // one for each, and one for the missing options
+  // gdbm keeps the record of each bucket that it read last, and one bucket has some 11.
+  EXPECT_LT(most, (1000 + kRecords / 8) * (kBytes + 1000));
+}
+
+TEST(CheckMemory, FlushesOnItsWay) {
+  const TempDir folder;
+  Records records;
+  for (int i = 0; i < 2500; ++i) records["word" + std::to_string(i)] = "";
+  Plant(folder / "index", records);
+  Database store;
+  ASSERT_EQ(store.Open((folder / "index").c_str(), 0), 0);
+  const GdbmWatch watch;
+  kestan::CheckIndex(store, {});
+  const auto calls = watch.Calls();
+  EXPECT_EQ(std::count_if(calls.begin(), calls.end(),
+                          [](const auto& call) { return call.function == "sync"; }),
+            2 + 2 * 2);
+}
+
+}  // namespace
+}  // namespace kestan_tests

@@ -1,0 +1,80 @@
+// What a record is, by its key and its value.
+#include <kestan/maintenance/record_kind.h>
+
+#include <string>
+
+#include "tests/support/index_test.h"
+
+namespace kestan_tests {
+namespace {
+
+using namespace std::string_literals;
+using kestan::RecordKind;
+
+constexpr kestan::PostingRules kRules{true, 3};
+constexpr kestan::PostingRules kRulesWithoutPositions{false, 3};
+
+RecordKind KindOf(const std::string& key, const std::string& value) {
+  const DBDatum datum = Datum(value);
+  return kestan::KindOf(Datum(key), &datum, kRules);
+}
+
+bool IsPostings(const std::string& value, const kestan::PostingRules& rules = kRules) {
+  return kestan::LooksLikePostings(Datum(value), rules);
+}
+
+TEST(RecordKind, KeysOfThreeBytesTellByThemselves) {
+  EXPECT_EQ(KindOf("g-code", ""), RecordKind::kCounter);
+  EXPECT_EQ(KindOf("g-avail", ""), RecordKind::kReusableCodes);
+  EXPECT_EQ(KindOf("g-deleted", ""), RecordKind::kRemovedCodes);
+  EXPECT_EQ(KindOf("g-opts", ""), RecordKind::kOptions);
+  EXPECT_EQ(KindOf("d-a", ""), RecordKind::kDocument);
+  EXPECT_EQ(KindOf("c-\0\1"s, ""), RecordKind::kName);
+  EXPECT_EQ(KindOf("t-a", ""), RecordKind::kTitle);
+  EXPECT_EQ(KindOf("s-a", ""), RecordKind::kSummary);
+  EXPECT_EQ(KindOf("u-a", ""), RecordKind::kUser);
+  EXPECT_EQ(KindOf("w-a", ""), RecordKind::kWordList);
+  EXPECT_EQ(KindOf("g-codes", ""), RecordKind::kOther);
+  EXPECT_EQ(KindOf("D-a", ""), RecordKind::kOther);
+}
+
+TEST(RecordKind, WhatHasNoHyphenInSecondPlaceIsAWord) {
+  for (const char* word : {"", "-", "a", "ab", "cat", "-a", "ab-c"}) {
+    EXPECT_EQ(KindOf(word, ""), RecordKind::kPosting) << word;
+  }
+}
+
+TEST(RecordKind, KeysOfTwoBytesTellByTheirValues) {
+  EXPECT_EQ(KindOf("d-", Units({9, 9, 1, 0})), RecordKind::kDocument);
+  EXPECT_EQ(KindOf("d-", Units({1, 2, 1, 2})), RecordKind::kPosting);
+  EXPECT_EQ(KindOf("d-", Units({1, 1, 1})), RecordKind::kPosting);
+  EXPECT_EQ(KindOf("t-", "Title"), RecordKind::kTitle);
+  EXPECT_EQ(KindOf("s-", ""), RecordKind::kSummary);
+  EXPECT_EQ(KindOf("u-", Units({1, 1, 1})), RecordKind::kPosting);
+  EXPECT_EQ(KindOf("w-", "\x80red"), RecordKind::kWordList);
+  EXPECT_EQ(KindOf("c-", "a"), RecordKind::kPosting);
+  EXPECT_EQ(KindOf("x-", "a"), RecordKind::kPosting);
+  EXPECT_EQ(kestan::KindOf(Datum("t-"), nullptr, kRules), RecordKind::kPosting);
+}
+
+TEST(RecordKind, PostingsAreWholeEntriesOfKnownCodes) {
+  EXPECT_TRUE(IsPostings(Units({3, 2, 1, 2, 1, 1, 7})));
+  EXPECT_FALSE(IsPostings(""));
+  EXPECT_FALSE(IsPostings(Units({3, 1, 1}) + "x"));
+  EXPECT_FALSE(IsPostings(Units({4, 1, 1})));
+  EXPECT_FALSE(IsPostings(Units({0, 1, 1})));
+  EXPECT_FALSE(IsPostings(Units({3, 1, 0})));
+  EXPECT_FALSE(IsPostings(Units({3, 0})));
+  EXPECT_FALSE(IsPostings(Units({3, 2, 1})));
+  EXPECT_FALSE(IsPostings(Units({3})));
+  EXPECT_TRUE(IsPostings(Units({3, 1}), kRulesWithoutPositions));
+  EXPECT_FALSE(IsPostings(Units({3, 4}), kRulesWithoutPositions));
+}
+
+TEST(RecordKind, ShrinksPassOverShortWordsAndHyphens) {
+  for (const char* key : {"", "a", "a-", "a-b"}) EXPECT_TRUE(kestan::IsNeverPurged(Datum(key)));
+  for (const char* key : {"ab", "-a", "ab-"}) EXPECT_FALSE(kestan::IsNeverPurged(Datum(key)));
+}
+
+}  // namespace
+}  // namespace kestan_tests
