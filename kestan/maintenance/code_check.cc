@@ -145,9 +145,9 @@ void CheckCodes(const IndexTables& tables, Findings* findings) {
   CheckRepeats(kAvailableKey, tables.reusable, findings);
   CheckListed(tables, kDeletedKey, removed, in_use, findings);
   CheckRepeats(kDeletedKey, tables.removed, findings);
-  for (std::uint64_t code = 1; code < removed.size(); ++code) {
+  for (std::size_t code = 1; code < removed.size(); ++code) {
     if (removed[code] && reusable[code]) {
-      findings->Fault(kDeletedKey, "code ", code, " is reusable already");
+      findings->Fault(kDeletedKey, "code ", std::uint64_t{code}, " is reusable already");
     }
   }
   NoteLostCodes(tables, in_use | reusable | removed, findings);
