@@ -4,5 +4,7 @@
 
 #include <kestan/maintenance/check.h>       // IWYU pragma: export
 #include <kestan/maintenance/statistics.h>  // IWYU pragma: export
+#include <kestan/maintenance/check.h>   // IWYU pragma: export
+#include <kestan/maintenance/repair.h>  // IWYU pragma: export
 
 #endif  // KESTAN_MAINTENANCE_H_

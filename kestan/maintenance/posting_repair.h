@@ -1,0 +1,53 @@
+// What of a damaged posting record can be believed.
+#ifndef KESTAN_MAINTENANCE_POSTING_REPAIR_H_
+#define KESTAN_MAINTENANCE_POSTING_REPAIR_H_
+
+#include <kestan/engine/records.h>
+#include <kestan/maintenance/record_kind.h>
+#include <kestan/storage/dbdatum.h>
+#include <kestan/storage/memory.h>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace kestan {
+
+// Finds the whole entries of posting records.
+//
+// Reading stops making sense at the first damaged number of positions, but entries behind the
+// damage are whole. An entry is told by a code that documents can have, by positions that ascend,
+// and by where it ends: at another entry or at the end of the record. So of all ways to read a
+// damaged record, the one is taken that leaves the fewest units over.
+class PostingRepair {
+ public:
+  // Borrows both, which may change between calls. `rules.highest` is the highest code that any
+  // document can have. In `wrapping` are the codes of documents of more than 65535 words, whose
+  // positions need not ascend.
+  PostingRepair(const PostingRules& rules, const CodeSet& wrapping)
+      : rules_(rules), wrapping_(wrapping) {}
+
+  // Finds the entries of `record`.
+  //   Returns  whether the record is nothing but whole entries.
+  bool Read(const DBDatum& record);
+
+  // Tells whether the record is that; if it is not, what is found means nothing.
+  bool ReadsWhole(const DBDatum& record);
+
+  // What was found, in the order of the record.
+  const Vector<PostingEntry>& entries() const { return entries_; }
+
+ private:
+  void ReadAround(const DBDatum& record);
+  bool IsEntry(const DBDatum& record, std::size_t unit) const;
+  bool IsAscending(const DBDatum& record, std::size_t first, std::size_t count) const;
+
+  const PostingRules& rules_;
+  const CodeSet& wrapping_;
+  Vector<PostingEntry> entries_;
+  UnfilledVector<std::uint16_t> ascending_;  // for each unit: how many from it on ascend
+  UnfilledVector<std::uint32_t> covered_;    // for each unit: how many from it on are in entries
+};
+
+}  // namespace kestan
+
+#endif  // KESTAN_MAINTENANCE_POSTING_REPAIR_H_

@@ -1,0 +1,351 @@
+#include <kestan/engine/keys.h>
+#include <kestan/maintenance/repair_plan.h>
+
+#include <algorithm>
+
+namespace kestan {
+namespace {
+
+constexpr std::size_t kCodes = std::size_t{kMaxCode} + 1;
+constexpr Position kMaxPosition = kMaxCode;
+constexpr std::uint32_t kNameKeyBytes = 2 + kUnitBytes;
+constexpr std::uint32_t kOptionsBytes = 4;
+
+bool IsFolded(std::string_view word) {
+  constexpr unsigned kFoldBit = 0x20;
+  return std::all_of(word.begin(), word.end(),
+                     [](char byte) { return (static_cast<unsigned char>(byte) & kFoldBit) != 0; });
+}
+
+// The engine's document record, or the record of a word such as "d-day".
+bool IsHyphenWord(const DBDatum& value, const PostingRules& rules) {
+  const bool is_document = value.size == kDocumentRecordBytes && UnitAt(value, 3) == 0;
+  return !is_document && LooksLikePostings(value, rules);
+}
+
+bool IsPossibleName(std::string_view name) { return name.find('\0') == std::string_view::npos; }
+
+}  // namespace
+
+RepairPlan::RepairPlan(const Salvage& salvage, RepairReport* report)
+    : salvage_(salvage), report_(*report), tallies_(kCodes), seen_in_(kCodes) {
+  is_damaged_ = salvage.damage().IsAny();
+  FindSingleRecords();
+  ChooseOptions();
+  FindWrapping();
+  CollectClaims();
+  FindHighestCode();
+  TakeCodes(found_reusable_, &retired_);
+  TakeCodes(found_removed_, &retired_);
+  documents_ = RepairDocuments(std::move(document_claims_), name_claims_, retired_);
+  for (const RepairedDocument& document : documents_.documents) in_use_.set(document.code);
+  TallyPostings();
+  FindContradictions();
+  ListCodes();
+}
+
+DBDatum RepairPlan::KeyOf(const SalvagedRecord& record) const {
+  return AsDatum(salvage_.KeyOf(record));
+}
+
+DBDatum RepairPlan::ValueOf(const SalvagedRecord& record) const {
+  return AsDatum(salvage_.ValueOf(record));
+}
+
+RecordKind RepairPlan::KindOf(const SalvagedRecord& record) const {
+  const DBDatum value = ValueOf(record);
+  return kestan::KindOf(KeyOf(record), &value, rules_);
+}
+
+void RepairPlan::FindSingleRecords() {
+  rules_.highest = kMaxCode;
+  for (const SalvagedRecord& record : salvage_.records()) {
+    const std::string_view key = salvage_.KeyOf(record);
+    if (key == kCounterKey) found_counter_ = ValueOf(record);
+    if (key == kAvailableKey) found_reusable_ = ValueOf(record);
+    if (key == kDeletedKey) found_removed_ = ValueOf(record);
+    if (key == kOptionsKey) found_options_ = ValueOf(record);
+  }
+  if (found_counter_ && found_counter_->size != kUnitBytes) found_counter_.reset();
+  if (found_options_ && found_options_->size != kOptionsBytes) found_options_.reset();
+}
+
+// What flag 1 says is believed unless nearly every posting record says otherwise. A record with
+// positions may be taken for codes alone, but hardly the other way round.
+void RepairPlan::ChooseOptions() {
+  constexpr std::size_t kMany = 10;
+  const Look look = LookAtPostings();
+  const std::size_t nearly_all = look.records - look.records / 10;
+  if (found_options_) options_ = DecodeOptions(*found_options_);
+  bool keeps_positions = (options_ & kFlagNoPositions) == 0;
+  const bool is_wrong = keeps_positions
+                            ? look.codes_alone >= nearly_all && look.placed * 2 < look.records
+                            : look.placed >= nearly_all;
+  if (!found_options_) {
+    keeps_positions = look.placed * 2 >= look.records;
+    report_.Say(
+        {"note: g-opts: lost, and flags of the host with it; going by the posting records, ",
+         keeps_positions ? "positions are kept" : "no positions are kept"});
+  } else if (is_wrong && look.records >= kMany) {
+    keeps_positions = !keeps_positions;
+    report_.Say({"note: g-opts: flag 1 was wrong, going by the posting records"});
+  }
+  options_ = keeps_positions ? options_ & ~kFlagNoPositions : options_ | kFlagNoPositions;
+  rules_.with_positions = keeps_positions;
+}
+
+RepairPlan::Look RepairPlan::LookAtPostings() {
+  Look look;
+  rules_.with_positions = true;
+  for (const SalvagedRecord& record : salvage_.records()) {
+    const DBDatum value = ValueOf(record);
+    if (value.size == 0 || (record.key_bytes > 1 && salvage_.KeyOf(record)[1] == '-')) continue;
+    ++look.records;
+    if (postings_.ReadsWhole(value)) ++look.placed;
+    if (AreDistinctCodes(value)) ++look.codes_alone;
+  }
+  return look;
+}
+
+bool RepairPlan::AreDistinctCodes(const DBDatum& value) {
+  ++record_number_;
+  for (std::size_t i = 0; i < CountCodes(value); ++i) {
+    const Code code = CodeAt(value, i);
+    if (code == 0 || seen_in_[code] == record_number_) return false;
+    seen_in_[code] = record_number_;
+  }
+  return value.size % kUnitBytes == 0;
+}
+
+// Only a document of more than 65535 words has one at the last position.
+void RepairPlan::FindWrapping() {
+  if (!rules_.with_positions) return;
+  for (const SalvagedRecord& record : salvage_.records()) {
+    if (KindOf(record) != RecordKind::kPosting) continue;
+    const DBDatum value = ValueOf(record);
+    PostingReader reader(value, true);
+    PostingEntry entry;
+    while (reader.Next(&entry)) {
+      for (std::size_t i = entry.units - entry.positions; i < entry.units; ++i) {
+        if (UnitAt(value, entry.first_unit + i) == kMaxPosition) wrapping_.set(entry.code);
+      }
+    }
+  }
+}
+
+void RepairPlan::CollectClaims() {
+  for (const SalvagedRecord& record : salvage_.records()) {
+    if (StepOf(record) != RepairStep::kRewrite) continue;
+    const RecordKind kind = KindOf(record);
+    if (kind == RecordKind::kDocument) AddDocumentClaim(record);
+    if (kind != RecordKind::kName) continue;
+    name_claims_.push_back({salvage_.ValueOf(record), UnitAt(KeyOf(record), 1), record.is_current});
+  }
+}
+
+void RepairPlan::AddDocumentClaim(const SalvagedRecord& record) {
+  const DBDatum value = ValueOf(record);
+  const bool is_sound = value.size == kDocumentRecordBytes && UnitAt(value, 3) == 0;
+  const std::string_view name = salvage_.KeyOf(record).substr(kDocumentFamily.size());
+  document_claims_.push_back({name, kestan::DocumentTimestamp(value),
+                              is_sound ? DocumentCode(value) : Code{0}, record.is_current});
+}
+
+// No document can have a higher code. The counter may lag behind documents that were added after
+// the last flush; where it is lost, everything that names a code says how far it went.
+void RepairPlan::FindHighestCode() {
+  Code highest = found_counter_ ? DecodeCounter(*found_counter_) : HighestCodeSeen();
+  Vector<std::string_view> names(kCodes);
+  for (const NameClaim& name : name_claims_) names[name.code] = name.name;
+  for (const DocumentClaim& claim : document_claims_) {
+    const std::string_view name = names[claim.code];
+    if (name.data() != nullptr && name == claim.name) highest = std::max(highest, claim.code);
+  }
+  rules_.highest = highest;
+}
+
+// Of posting records, only sound ones count.
+Code RepairPlan::HighestCodeSeen() {
+  Code highest = 0;
+  for (const DocumentClaim& claim : document_claims_) highest = std::max(highest, claim.code);
+  for (const NameClaim& name : name_claims_) highest = std::max(highest, name.code);
+  for (const Record& list : {found_reusable_, found_removed_}) {
+    for (std::size_t i = 0; list && i < CountCodes(*list); ++i) {
+      highest = std::max(highest, CodeAt(*list, i));
+    }
+  }
+  for (const SalvagedRecord& record : salvage_.records()) {
+    if (KindOf(record) != RecordKind::kPosting || !postings_.ReadsWhole(ValueOf(record))) continue;
+    for (const PostingEntry& entry : postings_.entries()) highest = std::max(highest, entry.code);
+  }
+  return highest;
+}
+
+void RepairPlan::TakeCodes(const Record& list, CodeSet* codes) const {
+  for (std::size_t i = 0; list && i < CountCodes(*list); ++i) {
+    const Code code = CodeAt(*list, i);
+    if (code != 0 && code <= rules_.highest) codes->set(code);
+  }
+}
+
+RepairStep RepairPlan::StepOf(const SalvagedRecord& record) const {
+  const DBDatum value = ValueOf(record);
+  switch (KindOf(record)) {
+    case RecordKind::kPosting:
+      return RepairStep::kPostings;
+    case RecordKind::kDocument:
+      return IsHyphenWord(value, rules_) ? RepairStep::kCopy : RepairStep::kRewrite;
+    case RecordKind::kName:
+      if (record.key_bytes == kNameKeyBytes && IsPossibleName(salvage_.ValueOf(record))) {
+        return RepairStep::kRewrite;
+      }
+      return LooksLikePostings(value, rules_) ? RepairStep::kCopy : RepairStep::kDrop;
+    case RecordKind::kCounter:
+    case RecordKind::kReusableCodes:
+    case RecordKind::kRemovedCodes:
+    case RecordKind::kOptions:
+      return RepairStep::kRewrite;
+    default:
+      return RepairStep::kCopy;
+  }
+}
+
+bool RepairPlan::IsKept(Code code, bool is_never_purged, bool is_doubted) {
+  if (is_doubted && contradictory_[code]) return false;
+  if (is_never_purged) return in_use_[code] || retired_[code];
+  const bool is_repeated = seen_in_[code] == record_number_;
+  seen_in_[code] = record_number_;
+  return !is_repeated;
+}
+
+const Vector<PostingEntry>& RepairPlan::KeptEntries(const SalvagedRecord& record, bool* all) {
+  *all = postings_.Read(ValueOf(record));
+  const bool is_doubted = !*all || !record.is_current;
+  const bool is_never_purged = IsNeverPurged(KeyOf(record));
+  ++record_number_;
+  kept_.clear();
+  for (const PostingEntry& entry : postings_.entries()) {
+    if (IsKept(entry.code, is_never_purged, is_doubted)) kept_.push_back(entry);
+  }
+  if (kept_.size() != postings_.entries().size()) *all = false;
+  return kept_;
+}
+
+void RepairPlan::TallyPostings() {
+  for (const SalvagedRecord& record : salvage_.records()) {
+    const RepairStep step = StepOf(record);
+    const DBDatum value = ValueOf(record);
+    if (step == RepairStep::kPostings) {
+      bool all = false;
+      const auto& entries = KeptEntries(record, &all);
+      if (!all) is_damaged_ = true;
+      TallyRecord(salvage_.KeyOf(record), value, entries, IsNeverPurged(KeyOf(record)));
+    } else if (step == RepairStep::kCopy && LooksLikePostings(value, rules_) &&
+               postings_.Read(value)) {
+      TallyRecord(salvage_.KeyOf(record), value, postings_.entries(), true);
+    }
+  }
+}
+
+void RepairPlan::TallyRecord(std::string_view key, const DBDatum& value,
+                             const Vector<PostingEntry>& entries, bool is_doubtful) {
+  const bool is_folded = IsFolded(key);
+  for (const PostingEntry& entry : entries) {
+    Tally& tally = tallies_[entry.code];
+    tally.has_words = true;
+    if (!is_doubtful) posted_.set(entry.code);
+    if (is_folded) (is_doubtful ? tally.doubtful : tally.positions) += entry.positions;
+    for (std::size_t i = entry.units - entry.positions; !is_doubtful && i < entry.units; ++i) {
+      tally.highest = std::max(tally.highest, UnitAt(value, entry.first_unit + i));
+    }
+  }
+}
+
+// Entries that were put together from damage may give a document more words than it has places.
+void RepairPlan::FindContradictions() {
+  for (std::size_t code = 1; code < kCodes; ++code) {
+    const Tally& tally = tallies_[code];
+    if (tally.highest != kMaxPosition && tally.positions > tally.highest) contradictory_.set(code);
+  }
+}
+
+// Every code up to the counter is in use, removed or reusable.
+void RepairPlan::ListCodes() {
+  CodeSet listed = in_use_;
+  const auto add = [&](Code code, Vector<Code>* list) {
+    if (listed[code]) return;
+    listed.set(code);
+    list->push_back(code);
+  };
+  for (std::size_t i = 0; found_removed_ && i < CountCodes(*found_removed_); ++i) {
+    const Code code = CodeAt(*found_removed_, i);
+    if (retired_[code]) add(code, &removed_);
+  }
+  for (std::size_t code = 1; code < kCodes; ++code) {
+    if (posted_[code] && !listed[code]) orphans_.set(code);
+    if (posted_[code]) add(static_cast<Code>(code), &removed_);
+  }
+  for (std::size_t i = 0; found_reusable_ && i < CountCodes(*found_reusable_); ++i) {
+    const Code code = CodeAt(*found_reusable_, i);
+    if (retired_[code]) add(code, &reusable_);
+  }
+  for (std::size_t code = 1; code < kCodes; ++code) {
+    if (listed[code]) counter_ = static_cast<Code>(code);
+  }
+  for (Code code = 1; code < counter_; ++code) add(code, &reusable_);
+  const std::uint64_t found = found_counter_ ? DecodeCounter(*found_counter_) : Code{0};
+  if (found != counter_) {
+    report_.Say({"note: g-code: ", std::uint64_t{counter_},
+                 found_counter_ ? " instead of " : ", lost",
+                 found_counter_ ? LinePart(found) : LinePart("")});
+  }
+}
+
+namespace {
+
+std::uint64_t MissingPositions(std::uint64_t highest, std::uint64_t recorded) {
+  return highest == kMaxPosition || recorded >= highest ? 0 : highest - recorded;
+}
+
+}  // namespace
+
+// Added after the last flush, whose words had still to be written.
+bool RepairPlan::IsUnfinished(const RepairedDocument& document) const {
+  if (!is_damaged_ || retired_[document.code]) return true;
+  return found_counter_ && document.code > DecodeCounter(*found_counter_);
+}
+
+void RepairPlan::ReportDocuments(RepairResult* result) const {
+  for (const RepairedDocument& document : documents_.documents) {
+    const Tally& tally = tallies_[document.code];
+    const std::uint64_t highest = tally.highest;
+    const std::uint64_t missing =
+        MissingPositions(highest, std::uint64_t{tally.positions} + tally.doubtful);
+    const String name = Escaped(document.name);
+    if (!tally.has_words) {
+      ++result->half_written;
+      report_.Say({"half-written: ", name, ": no words"});
+    } else if (missing == 0) {
+      ++result->saved;
+      report_.Say({"saved: ", name});
+    } else if (IsUnfinished(document)) {
+      ++result->half_written;
+      report_.Say(
+          {"half-written: ", name, ": at least ", missing, " of ", highest, " words missing"});
+    } else {
+      ++result->words_missing;
+      report_.Say({"words missing: ", name, ": at least ", missing, " of ", highest});
+    }
+  }
+  for (const LostDocument& lost : documents_.lost) {
+    ++result->lost;
+    report_.Say({"lost: ", Escaped(lost.name), ": ", lost.reason});
+  }
+  for (std::uint64_t code = 1; code < kCodes; ++code) {
+    if (!orphans_[code]) continue;
+    ++result->lost;
+    report_.Say({"lost: code ", code, ": only words of the document are left"});
+  }
+}
+
+}  // namespace kestan

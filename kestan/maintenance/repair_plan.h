@@ -1,0 +1,124 @@
+// What the records of a damaged index say together, and what a new one is to hold.
+#ifndef KESTAN_MAINTENANCE_REPAIR_PLAN_H_
+#define KESTAN_MAINTENANCE_REPAIR_PLAN_H_
+
+#include <kestan/engine/records.h>
+#include <kestan/maintenance/document_repair.h>
+#include <kestan/maintenance/posting_repair.h>
+#include <kestan/maintenance/record_kind.h>
+#include <kestan/maintenance/repair.h>
+#include <kestan/maintenance/repair_report.h>
+#include <kestan/maintenance/salvage.h>
+#include <kestan/storage/dbdatum.h>
+#include <kestan/storage/memory.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace kestan {
+
+// What is to become of a record.
+enum class RepairStep : std::uint8_t {
+  kCopy,      // as it is
+  kPostings,  // entry by entry: see RepairPlan::KeptEntries()
+  kRewrite,   // written anew from what all records say: documents, names, codes, options
+  kDrop,      // it cannot be what its key says
+};
+
+// Reads all salvaged records and decides.
+class RepairPlan {
+ public:
+  // Borrows both. Reports what it restores and drops, but not yet the documents.
+  RepairPlan(const Salvage& salvage, RepairReport* report);
+
+  RepairStep StepOf(const SalvagedRecord& record) const;
+
+  // Returns the entries of a posting record that are kept; `*all` tells whether nothing is left
+  // out. Valid until the next call.
+  const Vector<PostingEntry>& KeptEntries(const SalvagedRecord& record, bool* all);
+
+  const RepairedDocuments& documents() const { return documents_; }
+  const Vector<Code>& reusable() const { return reusable_; }
+  const Vector<Code>& removed() const { return removed_; }
+  bool has_reusable() const { return !reusable_.empty() || found_reusable_.has_value(); }
+  bool has_removed() const { return !removed_.empty() || found_removed_.has_value(); }
+  bool has_counter() const { return counter_ != 0 || found_counter_.has_value(); }
+  Code counter() const { return counter_; }
+  std::uint32_t options() const { return options_; }
+
+  // Reports every document and counts them in `*result`.
+  void ReportDocuments(RepairResult* result) const;
+
+ private:
+  using Record = std::optional<DBDatum>;
+
+  // What the words of a document say of it.
+  struct Tally {
+    std::uint32_t positions = 0;  // of words in small letters
+    std::uint32_t doubtful = 0;   // of such words whose records may list an earlier document too
+    Position highest = 0;
+    bool has_words = false;
+  };
+
+  // How the posting records look.
+  struct Look {
+    std::size_t records = 0;
+    std::size_t placed = 0;       // how many make sense with positions
+    std::size_t codes_alone = 0;  // and without
+  };
+
+  void FindSingleRecords();
+  void ChooseOptions();
+  Look LookAtPostings();
+  bool AreDistinctCodes(const DBDatum& value);
+  void FindHighestCode();
+  Code HighestCodeSeen();
+  void FindWrapping();
+  void CollectClaims();
+  void AddDocumentClaim(const SalvagedRecord& record);
+  void TakeCodes(const Record& list, CodeSet* codes) const;
+  void TallyPostings();
+  void TallyRecord(std::string_view key, const DBDatum& value, const Vector<PostingEntry>& entries,
+                   bool is_doubtful);
+  void FindContradictions();
+  void ListCodes();
+  bool IsKept(Code code, bool is_never_purged, bool is_doubted);
+  bool IsUnfinished(const RepairedDocument& document) const;
+
+  DBDatum ValueOf(const SalvagedRecord& record) const;
+  DBDatum KeyOf(const SalvagedRecord& record) const;
+  RecordKind KindOf(const SalvagedRecord& record) const;
+
+  const Salvage& salvage_;
+  RepairReport& report_;
+  Record found_counter_;
+  Record found_reusable_;
+  Record found_removed_;
+  Record found_options_;
+  PostingRules rules_;
+  std::uint32_t options_ = 0;
+  CodeSet wrapping_;
+  Vector<DocumentClaim> document_claims_;
+  Vector<NameClaim> name_claims_;
+  CodeSet retired_;  // listed as reusable or removed
+  RepairedDocuments documents_;
+  CodeSet in_use_;
+  CodeSet posted_;         // by words that a shrink purges
+  CodeSet contradictory_;  // codes with more positions than their documents have
+  Vector<Tally> tallies_;
+  Vector<std::uint32_t> seen_in_;  // by code: the number of the last record with an entry of it
+  std::uint32_t record_number_ = 0;
+  PostingRepair postings_{rules_, wrapping_};
+  Vector<PostingEntry> kept_;
+  Vector<Code> reusable_;
+  Vector<Code> removed_;
+  CodeSet orphans_;
+  Code counter_ = 0;
+  bool is_damaged_ = false;  // records were, or the file
+};
+
+}  // namespace kestan
+
+#endif  // KESTAN_MAINTENANCE_REPAIR_PLAN_H_

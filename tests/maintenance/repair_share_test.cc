@@ -1,0 +1,244 @@
+// How many documents a repair saves whose own records the damage did not touch.
+//
+// A document's own records are its document and name records and its entries in posting records,
+// each with the key and the element of a bucket that lead there. It is saved if the new index lists
+// it under its code and has every one of its entries. At least 99 of 100 are.
+//
+// Each index is damaged five times: blocks anywhere, and only blocks with bytes of the header, of
+// the directory, of buckets, of records. To see the figures for more indexes than the default:
+//   KESTAN_REPAIR_INDEXES=500 repair_tests --gtest_filter='RepairShare.*'
+#include <gtest/gtest.h>
+#include <kestan/engine/records.h>
+#include <kestan/maintenance.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <set>
+
+#include "tests/maintenance/index_files.h"
+
+namespace kestan_maintenance {
+namespace {
+
+using kestan_tests::Dump;
+using kestan_tests::Records;
+
+constexpr int kDefaultIndexes = 30;
+constexpr double kAim = 0.99;
+constexpr std::size_t kElementBytes = 24;
+
+int Indexes() {
+  const char* const wanted = std::getenv("KESTAN_REPAIR_INDEXES");
+  return wanted != nullptr ? std::atoi(wanted) : kDefaultIndexes;
+}
+
+// Where a document stands in the good file.
+struct Own {
+  struct Span {
+    std::size_t at;
+    std::size_t bytes;
+    bool is_element;
+  };
+  std::string name;
+  std::vector<Span> spans;
+  std::map<std::string, std::string> entries;  // by word
+};
+
+bool IsWord(const std::string& key) { return key.size() < 2 || key[1] != '-'; }
+
+// Calls `visit(code, first byte, bytes)` for each entry.
+template <typename Visit>
+void ForEachEntry(const std::string& value, Visit visit) {
+  const DBDatum record = kestan_tests::Datum(value);
+  kestan::PostingReader reader(record, true);
+  kestan::PostingEntry entry{};
+  while (reader.Next(&entry)) visit(entry.code, entry.first_unit * 2, entry.units * 2);
+}
+
+void AddSpan(Own* own, const Record& record, std::size_t at, std::size_t bytes) {
+  own->spans.push_back({record.element, kElementBytes, true});
+  own->spans.push_back({record.data, record.key.size(), false});
+  own->spans.push_back({at, bytes, false});
+}
+
+std::map<unsigned, Own> DocumentsOf(const FileMap& map) {
+  std::map<unsigned, Own> documents;
+  for (const Record& record : map.records) {
+    const std::size_t value_at = record.data + record.key.size();
+    if (record.key.substr(0, 2) == "d-") {
+      const unsigned code = kestan::DocumentCode(kestan_tests::Datum(record.value));
+      documents[code].name = record.key.substr(2);
+      AddSpan(&documents[code], record, value_at, record.value.size());
+    } else if (record.key.substr(0, 2) == "c-") {
+      const unsigned code = kestan::UnitAt(kestan_tests::Datum(record.key), 1);
+      AddSpan(&documents[code], record, value_at, record.value.size());
+    }
+  }
+  for (const Record& record : map.records) {
+    if (!IsWord(record.key)) continue;
+    ForEachEntry(record.value, [&](unsigned code, std::size_t at, std::size_t bytes) {
+      const auto found = documents.find(code);
+      if (found == documents.end()) return;
+      AddSpan(&found->second, record, record.data + record.key.size() + at, bytes);
+      found->second.entries[record.key] += record.value.substr(at, bytes);
+    });
+  }
+  return documents;
+}
+
+struct Damage {
+  std::string bytes;             // of the damaged file
+  std::set<std::size_t> blocks;  // that are damaged
+};
+
+// Tells whether the damage left a document's records alone; with `elements` also where they lie.
+bool IsUntouched(const Own& own, const Damage& damage, bool elements) {
+  for (const Own::Span& span : own.spans) {
+    if (span.bytes == 0 || (span.is_element && !elements)) continue;
+    const auto hit = damage.blocks.lower_bound(span.at / kBlockBytes);
+    if (hit != damage.blocks.end() && *hit <= (span.at + span.bytes - 1) / kBlockBytes)
+      return false;
+  }
+  return true;
+}
+
+Damage Inflict(const std::string& good, const std::vector<std::size_t>& candidates,
+               std::size_t count, bool with_noise, Dice* dice) {
+  Damage damage{good, {}};
+  count = std::min(count, candidates.size());
+  while (damage.blocks.size() < count) {
+    damage.blocks.insert(candidates[dice->Below(candidates.size())]);
+  }
+  for (const std::size_t block : damage.blocks) {
+    for (std::size_t i = block * kBlockBytes; i < std::min(good.size(), (block + 1) * kBlockBytes);
+         ++i) {
+      damage.bytes[i] = with_noise ? dice->Byte() : '\0';
+    }
+  }
+  return damage;
+}
+
+struct Figures {
+  std::uint64_t documents = 0;
+  std::uint64_t listed = 0;
+  std::uint64_t untouched = 0;  // elements and all
+  std::uint64_t saved = 0;      // of these, in full
+  std::uint64_t readable = 0;   // untouched but for elements
+  std::uint64_t kept = 0;       // of these, listed
+  std::uint64_t faults = 0;     // that a check finds in new indexes
+
+  double Share() const {
+    return untouched == 0 ? 1 : static_cast<double>(saved) / static_cast<double>(untouched);
+  }
+};
+
+bool IsListed(const Records& found, unsigned code, const Own& own) {
+  const auto record = found.find("d-" + own.name);
+  return record != found.end() && record->second.substr(4) == kestan_tests::Units({code, 0});
+}
+
+bool IsSaved(const std::map<unsigned, Own>& found, unsigned code, const Own& own) {
+  const auto document = found.find(code);
+  if (document == found.end() || document->second.name != own.name) return false;
+  for (const auto& [word, entry] : own.entries) {
+    const auto kept = document->second.entries.find(word);
+    if (kept == document->second.entries.end() || kept->second != entry) return false;
+  }
+  return true;
+}
+
+// Repairs the damaged file and counts.
+void Measure(const std::map<unsigned, Own>& documents, const Damage& damage, Figures* figures) {
+  const kestan_tests::TempDir folder;
+  const std::string repaired = folder / "repaired";
+  WriteFile(folder / "damaged", damage.bytes);
+  kestan::RepairResult result;
+  ASSERT_EQ(kestan::RepairIndex((folder / "damaged").c_str(), repaired.c_str(), {}, &result), 0);
+  Database store;
+  ASSERT_EQ(store.Open(repaired.c_str(), 0), 0);
+  const kestan::CheckResult check = kestan::CheckIndex(store, [](std::string_view line) {
+    std::fprintf(stderr, "%.*s\n", static_cast<int>(line.size()), line.data());
+  });
+  EXPECT_EQ(check.file_error, 0);
+  figures->faults += check.faults;
+  store.Close();
+  const Records records = Dump(repaired);
+  const auto found = DocumentsOf(MapOf(ReadFile(repaired)));
+  for (const auto& [code, own] : documents) {
+    const bool is_listed = IsListed(records, code, own);
+    const bool is_untouched = IsUntouched(own, damage, true);
+    const bool is_readable = IsUntouched(own, damage, false);
+    ++figures->documents;
+    figures->listed += is_listed ? 1 : 0;
+    figures->untouched += is_untouched ? 1 : 0;
+    figures->saved += is_untouched && IsSaved(found, code, own) ? 1 : 0;
+    figures->readable += is_readable ? 1 : 0;
+    figures->kept += is_readable && is_listed ? 1 : 0;
+  }
+}
+
+std::vector<std::size_t> BlocksWith(const FileMap& map, Place place) {
+  std::set<std::size_t> blocks;
+  for (std::size_t i = 0; i < map.places.size(); ++i) {
+    if (map.places[i] == place) blocks.insert(i / kBlockBytes);
+  }
+  return {blocks.begin(), blocks.end()};
+}
+
+std::vector<std::size_t> AllBlocks(const std::string& file) {
+  std::vector<std::size_t> blocks((file.size() + kBlockBytes - 1) / kBlockBytes);
+  for (std::size_t i = 0; i < blocks.size(); ++i) blocks[i] = i;
+  return blocks;
+}
+
+std::string Spelled(std::size_t count, const char* where, bool with_noise) {
+  const std::string blocks = (count < 10 ? " " : "") + std::to_string(count);
+  return blocks + " " + where + (with_noise ? ", noise" : ", zeros");
+}
+
+void Print(const std::map<std::string, Figures>& figures) {
+  std::printf("%-32s %9s %9s %9s %9s %8s %9s %9s %6s\n", "damaged blocks", "documents", "listed",
+              "untouched", "saved", "share", "readable", "listed", "faults");
+  for (const auto& [what, of] : figures) {
+    std::printf(
+        "%-32s %9llu %9llu %9llu %9llu %7.3f%% %9llu %9llu %6llu\n", what.c_str(),
+        static_cast<unsigned long long>(of.documents), static_cast<unsigned long long>(of.listed),
+        static_cast<unsigned long long>(of.untouched), static_cast<unsigned long long>(of.saved),
+        100 * of.Share(), static_cast<unsigned long long>(of.readable),
+        static_cast<unsigned long long>(of.kept), static_cast<unsigned long long>(of.faults));
+  }
+}
+
+TEST(RepairShare, DocumentsWhoseRecordsAreUntouchedAreSaved) {
+  constexpr std::array<std::size_t, 3> kCounts = {1, 4, 16};
+  std::map<std::string, Figures> figures;
+  for (int i = 0; i < Indexes(); ++i) {
+    const kestan_tests::TempDir folder;
+    const auto seed = static_cast<unsigned>(i);
+    MakeIndex(folder / "index", 20 + i * 37 % 400, seed);
+    const std::string good = ReadFile(folder / "index");
+    const FileMap map = MapOf(good);
+    const auto documents = DocumentsOf(map);
+    const std::size_t count = kCounts[seed % 3];
+    const bool with_noise = seed / 3 % 2 == 1;
+    Dice dice(seed);
+    const auto measure = [&](const char* where, const std::vector<std::size_t>& candidates) {
+      const Damage damage = Inflict(good, candidates, count, with_noise, &dice);
+      Measure(documents, damage, &figures[Spelled(count, where, with_noise)]);
+    };
+    measure("anywhere", AllBlocks(good));
+    measure("header", BlocksWith(map, Place::kHeader));
+    measure("directory", BlocksWith(map, Place::kDirectory));
+    measure("buckets", BlocksWith(map, Place::kBucket));
+    measure("data", BlocksWith(map, Place::kData));
+  }
+  Print(figures);
+  for (const auto& [what, of] : figures) {
+    EXPECT_GE(of.Share(), kAim) << what;
+    EXPECT_EQ(of.faults, 0U) << what;
+  }
+}
+
+}  // namespace
+}  // namespace kestan_maintenance
