@@ -8,29 +8,35 @@ namespace {
 
 constexpr std::size_t kEntryHeadUnits = 2;  // code and number of positions
 
+std::size_t EndOf(const PostingEntry& entry) { return entry.first_unit + entry.units; }
+
 }  // namespace
 
 bool PostingRepair::Read(const DBDatum& record) {
   if (ReadsWhole(record)) return true;
-  entries_.clear();
-  ReadAround(record);
+  const std::size_t sound_units = entries_.empty() ? 0 : EndOf(entries_.back());
+  ReadAround(record, sound_units);
   return false;
 }
 
+// Stops at the first entry that makes no sense.
 bool PostingRepair::ReadsWhole(const DBDatum& record) {
   entries_.clear();
-  if (record.size % kUnitBytes != 0) return false;
   PostingReader reader(record, rules_.with_positions);
   PostingEntry entry;
   while (reader.Next(&entry)) {
-    if (entry.code == 0 || entry.code > rules_.highest) return false;
+    if (!IsSound(record, entry)) return false;
     entries_.push_back(entry);
-    if (!rules_.with_positions) continue;
-    const std::size_t first = entry.first_unit + kEntryHeadUnits;
-    if (entry.positions == 0 || UnitAt(record, first - 1) != entry.positions) return false;
-    if (!IsAscending(record, first, entry.positions) && !wrapping_[entry.code]) return false;
   }
-  return true;
+  return record.size % kUnitBytes == 0;
+}
+
+bool PostingRepair::IsSound(const DBDatum& record, const PostingEntry& entry) const {
+  if (!IsPossible(entry.code)) return false;
+  if (!rules_.with_positions) return true;
+  const std::size_t first = entry.first_unit + kEntryHeadUnits;
+  if (entry.positions == 0 || UnitAt(record, first - 1) != entry.positions) return false;
+  return wrapping_[entry.code] || IsAscending(record, first, entry.positions);
 }
 
 bool PostingRepair::IsAscending(const DBDatum& record, std::size_t first, std::size_t count) const {
@@ -43,46 +49,55 @@ bool PostingRepair::IsAscending(const DBDatum& record, std::size_t first, std::s
   return true;
 }
 
-// Goes from the end to the start, so that what an entry leads to is known where it begins.
-void PostingRepair::ReadAround(const DBDatum& record) {
+// Reads what is behind the entries that made sense. Goes from the end to the start, so that what an
+// entry leads to is known where it begins.
+void PostingRepair::ReadAround(const DBDatum& record, std::size_t from) {
   const std::size_t units = record.size / kUnitBytes;
   ascending_.resize(units);
-  covered_.resize(units + 1);
-  covered_[units] = 0;
-  for (std::size_t unit = units; unit-- > 0;) {
+  score_.resize(units + 1);
+  score_[units] = 0;
+  for (std::size_t unit = units; unit-- > from;) {
     constexpr std::uint16_t kMost = std::numeric_limits<std::uint16_t>::max();
     const bool goes_on = unit + 1 < units && UnitAt(record, unit) < UnitAt(record, unit + 1);
     const unsigned more = goes_on ? ascending_[unit + 1] : 0;
     ascending_[unit] = static_cast<std::uint16_t>(std::min<unsigned>(more + 1, kMost));
-    covered_[unit] = covered_[unit + 1];
-    if (!IsEntry(record, unit)) continue;
-    const std::size_t taken =
-        rules_.with_positions ? kEntryHeadUnits + UnitAt(record, unit + 1) : std::size_t{1};
-    const auto with_entry = static_cast<std::uint32_t>(covered_[unit + taken] + taken);
-    covered_[unit] = std::max(covered_[unit], with_entry);
-  }
-  for (std::size_t unit = 0; unit < units;) {
-    if (covered_[unit] == covered_[unit + 1]) {
-      ++unit;
-      continue;
+    score_[unit] = score_[unit + 1];
+    const std::size_t taken = UnitsAt(record, unit);
+    if (taken != 0) {
+      score_[unit] = std::max(score_[unit], score_[unit + taken] + ScoreOf(record, unit, taken));
     }
-    const std::uint16_t count = rules_.with_positions ? UnitAt(record, unit + 1) : std::uint16_t{0};
-    const std::size_t taken = rules_.with_positions ? kEntryHeadUnits + count : std::size_t{1};
-    entries_.push_back({unit, taken, UnitAt(record, unit), count});
-    unit += taken;
+  }
+  for (std::size_t unit = from; unit < units;) {
+    const std::size_t taken = score_[unit] != score_[unit + 1] ? UnitsAt(record, unit) : 0;
+    const Code code = UnitAt(record, unit);
+    if (taken != 0 && IsPossible(code)) {
+      const std::size_t head = rules_.with_positions ? kEntryHeadUnits : 1;
+      entries_.push_back({unit, taken, code, static_cast<std::uint16_t>(taken - head)});
+    }
+    unit += std::max<std::size_t>(taken, 1);
   }
 }
 
-bool PostingRepair::IsEntry(const DBDatum& record, std::size_t unit) const {
-  const Code code = UnitAt(record, unit);
-  if (code == 0 || code > rules_.highest) return false;
-  if (!rules_.with_positions) return true;
+// Returns how many units the entry has that begins at `unit`; 0 if none can. Its code is not looked
+// at: one that is damaged still tells where the next entry begins.
+std::size_t PostingRepair::UnitsAt(const DBDatum& record, std::size_t unit) const {
+  if (!rules_.with_positions) return 1;
   const std::size_t units = record.size / kUnitBytes;
   const std::size_t first = unit + kEntryHeadUnits;
-  if (first >= units) return false;
+  if (first >= units) return 0;
   const std::size_t count = UnitAt(record, unit + 1);
-  return count != 0 && count <= units - first && UnitAt(record, first) != 0 &&
-         ascending_[first] >= count;
+  const bool is_entry = count != 0 && count <= units - first && UnitAt(record, first) != 0 &&
+                        ascending_[first] >= count;
+  return is_entry ? kEntryHeadUnits + count : 0;
+}
+
+// What is left of a damaged entry may look like the head of a longer one that takes in the next, so
+// two entries are worth more than one of as many units.
+std::uint32_t PostingRepair::ScoreOf(const DBDatum& record, std::size_t unit,
+                                     std::size_t taken) const {
+  constexpr std::size_t kWorthOfEntry = 3;
+  const bool is_possible = IsPossible(UnitAt(record, unit));
+  return static_cast<std::uint32_t>(is_possible ? taken + kWorthOfEntry : taken - 1);
 }
 
 }  // namespace kestan

@@ -17,7 +17,7 @@ namespace kestan {
 // Reading stops making sense at the first damaged number of positions, but entries behind the
 // damage are whole. An entry is told by a code that documents can have, by positions that ascend,
 // and by where it ends: at another entry or at the end of the record. So of all ways to read a
-// damaged record, the one is taken that leaves the fewest units over.
+// damaged record, the one is taken that makes most sense of most units.
 class PostingRepair {
  public:
   // Borrows both, which may change between calls. `rules.highest` is the highest code that any
@@ -37,15 +37,18 @@ class PostingRepair {
   const Vector<PostingEntry>& entries() const { return entries_; }
 
  private:
-  void ReadAround(const DBDatum& record);
-  bool IsEntry(const DBDatum& record, std::size_t unit) const;
+  bool IsSound(const DBDatum& record, const PostingEntry& entry) const;
+  void ReadAround(const DBDatum& record, std::size_t from);
+  bool IsPossible(Code code) const { return code != 0 && code <= rules_.highest; }
+  std::size_t UnitsAt(const DBDatum& record, std::size_t unit) const;
+  std::uint32_t ScoreOf(const DBDatum& record, std::size_t unit, std::size_t taken) const;
   bool IsAscending(const DBDatum& record, std::size_t first, std::size_t count) const;
 
   const PostingRules& rules_;
   const CodeSet& wrapping_;
   Vector<PostingEntry> entries_;
   UnfilledVector<std::uint16_t> ascending_;  // for each unit: how many from it on ascend
-  UnfilledVector<std::uint32_t> covered_;    // for each unit: how many from it on are in entries
+  UnfilledVector<std::uint32_t> score_;      // for each unit: of the best reading from it on
 };
 
 }  // namespace kestan

@@ -23,6 +23,8 @@ bool IsHyphenWord(const DBDatum& value, const PostingRules& rules) {
   return !is_document && LooksLikePostings(value, rules);
 }
 
+std::uint32_t PlaceOf(Code code, Position position) { return std::uint32_t{code} << 16 | position; }
+
 bool IsPossibleName(std::string_view name) { return name.find('\0') == std::string_view::npos; }
 
 }  // namespace
@@ -210,22 +212,44 @@ RepairStep RepairPlan::StepOf(const SalvagedRecord& record) const {
   }
 }
 
-bool RepairPlan::IsKept(Code code, bool is_never_purged, bool is_doubted) {
-  if (is_doubted && contradictory_[code]) return false;
+bool RepairPlan::IsKept(Code code, bool is_never_purged) {
   if (is_never_purged) return in_use_[code] || retired_[code];
   const bool is_repeated = seen_in_[code] == record_number_;
   seen_in_[code] = record_number_;
   return !is_repeated;
 }
 
+// Two words at one place contradict each other. The one whose record is in doubt goes, or else the
+// one that comes later.
+bool RepairPlan::TakesPlaces(const DBDatum& value, const PostingEntry& entry, bool is_doubted) {
+  Vector<std::size_t> taken;
+  for (std::size_t i = entry.units - entry.positions; i < entry.units; ++i) {
+    const std::uint32_t place = PlaceOf(entry.code, UnitAt(value, entry.first_unit + i));
+    const auto same = std::equal_range(places_.begin(), places_.end(), place);
+    const auto index = static_cast<std::size_t>(same.first - places_.begin());
+    if (same.first == same.second) continue;
+    if (taken_[index] != 0 || (is_doubted && same.second - same.first > 1)) return false;
+    taken.push_back(index);
+  }
+  for (const std::size_t index : taken) taken_[index] = 1;
+  return true;
+}
+
 const Vector<PostingEntry>& RepairPlan::KeptEntries(const SalvagedRecord& record, bool* all) {
-  *all = postings_.Read(ValueOf(record));
+  const DBDatum value = ValueOf(record);
+  *all = postings_.Read(value);
   const bool is_doubted = !*all || !record.is_current;
   const bool is_never_purged = IsNeverPurged(KeyOf(record));
+  const bool has_places = !is_never_purged && IsFolded(salvage_.KeyOf(record));
   ++record_number_;
   kept_.clear();
   for (const PostingEntry& entry : postings_.entries()) {
-    if (IsKept(entry.code, is_never_purged, is_doubted)) kept_.push_back(entry);
+    if (!IsKept(entry.code, is_never_purged)) continue;
+    if (has_places && contradictory_[entry.code] && !TakesPlaces(value, entry, is_doubted)) {
+      tallies_[entry.code].positions -= entry.positions;
+      continue;
+    }
+    kept_.push_back(entry);
   }
   if (kept_.size() != postings_.entries().size()) *all = false;
   return kept_;
@@ -261,12 +285,36 @@ void RepairPlan::TallyRecord(std::string_view key, const DBDatum& value,
   }
 }
 
-// Entries that were put together from damage may give a document more words than it has places.
+// An entry whose code is damaged gives another document more words than it has places.
 void RepairPlan::FindContradictions() {
+  CodeSet found;
   for (std::size_t code = 1; code < kCodes; ++code) {
     const Tally& tally = tallies_[code];
-    if (tally.highest != kMaxPosition && tally.positions > tally.highest) contradictory_.set(code);
+    if (tally.highest != kMaxPosition && tally.positions > tally.highest) found.set(code);
   }
+  if (found.none()) return;
+  is_damaged_ = true;
+  CollectPlaces(found);
+  contradictory_ = found;
+}
+
+void RepairPlan::CollectPlaces(const CodeSet& codes) {
+  for (const SalvagedRecord& record : salvage_.records()) {
+    const DBDatum key = KeyOf(record);
+    if (StepOf(record) != RepairStep::kPostings || IsNeverPurged(key) || !IsFolded(BytesOf(key))) {
+      continue;
+    }
+    const DBDatum value = ValueOf(record);
+    bool all = false;
+    for (const PostingEntry& entry : KeptEntries(record, &all)) {
+      if (!codes[entry.code]) continue;
+      for (std::size_t i = entry.units - entry.positions; i < entry.units; ++i) {
+        places_.push_back(PlaceOf(entry.code, UnitAt(value, entry.first_unit + i)));
+      }
+    }
+  }
+  std::sort(places_.begin(), places_.end());
+  taken_.assign(places_.size(), 0);
 }
 
 // Every code up to the counter is in use, removed or reusable.

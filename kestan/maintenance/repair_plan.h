@@ -36,7 +36,8 @@ class RepairPlan {
   RepairStep StepOf(const SalvagedRecord& record) const;
 
   // Returns the entries of a posting record that are kept; `*all` tells whether nothing is left
-  // out. Valid until the next call.
+  // out. Valid until the next call. To be called once for each record, for where two words stand at
+  // one place, the second is left out.
   const Vector<PostingEntry>& KeptEntries(const SalvagedRecord& record, bool* all);
 
   const RepairedDocuments& documents() const { return documents_; }
@@ -83,8 +84,10 @@ class RepairPlan {
   void TallyRecord(std::string_view key, const DBDatum& value, const Vector<PostingEntry>& entries,
                    bool is_doubtful);
   void FindContradictions();
+  void CollectPlaces(const CodeSet& codes);
   void ListCodes();
-  bool IsKept(Code code, bool is_never_purged, bool is_doubted);
+  bool IsKept(Code code, bool is_never_purged);
+  bool TakesPlaces(const DBDatum& value, const PostingEntry& entry, bool is_doubted);
   bool IsUnfinished(const RepairedDocument& document) const;
 
   DBDatum ValueOf(const SalvagedRecord& record) const;
@@ -105,8 +108,10 @@ class RepairPlan {
   CodeSet retired_;  // listed as reusable or removed
   RepairedDocuments documents_;
   CodeSet in_use_;
-  CodeSet posted_;         // by words that a shrink purges
-  CodeSet contradictory_;  // codes with more positions than their documents have
+  CodeSet posted_;                // by words that a shrink purges
+  CodeSet contradictory_;         // documents with more words than places
+  Vector<std::uint32_t> places_;  // of these: code << 16 | position, sorted, once for each word
+  Vector<char> taken_;            // which of places_ a word has that is kept
   Vector<Tally> tallies_;
   Vector<std::uint32_t> seen_in_;  // by code: the number of the last record with an entry of it
   std::uint32_t record_number_ = 0;

@@ -165,13 +165,16 @@ class SalvageRun {
     return next != in_use_.begin() && (--next)->end > element.data;
   }
 
-  // Adds the record of a sound element, unless its key is there.
+  // Adds the record of a sound element, unless its key is there. Records do not overlap, so that
+  // all of them fit into the file; those of a file made to fill the disk need not.
   bool Take(const Element& element, bool is_current) {
     const SalvagedRecord record{element.data, static_cast<std::uint32_t>(element.key_bytes),
                                 static_cast<std::uint32_t>(element.value_bytes), is_current};
     if ((result_.records_.size() + 1) * 2 > table_.size()) GrowTable();
     std::uint32_t* const place = PlaceOf(result_.KeyOf(record));
-    if (*place != 0) return false;
+    const Offset bytes = Offset{record.key_bytes} + record.value_bytes;
+    if (*place != 0 || bytes > bytes_left_) return false;
+    bytes_left_ -= bytes;
     result_.records_.push_back(record);
     *place = static_cast<std::uint32_t>(result_.records_.size());
     return true;
@@ -195,6 +198,7 @@ class SalvageRun {
   }
 
   const Bytes& file_;
+  Offset bytes_left_ = file_.size();
   const gdbm::BucketMap map_;
   Salvage& result_;
   Bucket bucket_;

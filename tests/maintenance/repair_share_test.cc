@@ -126,6 +126,9 @@ struct Figures {
   std::uint64_t saved = 0;      // of these, in full
   std::uint64_t readable = 0;   // untouched but for elements
   std::uint64_t kept = 0;       // of these, listed
+  std::uint64_t foreign = 0;    // documents of new indexes that the good ones do not have
+  std::uint64_t wrong = 0;      // entries of new indexes that the good ones do not have
+  std::uint64_t entries = 0;    // of new indexes
   std::uint64_t faults = 0;     // that a check finds in new indexes
 
   double Share() const {
@@ -148,6 +151,23 @@ bool IsSaved(const std::map<unsigned, Own>& found, unsigned code, const Own& own
   return true;
 }
 
+// Counts what the good index did not have.
+void CountForeign(const std::map<unsigned, Own>& documents, const std::map<unsigned, Own>& found,
+                  Figures* figures) {
+  for (const auto& [code, own] : found) {
+    const auto good = documents.find(code);
+    if (good == documents.end() || good->second.name != own.name) {
+      ++figures->foreign;
+      continue;
+    }
+    figures->entries += own.entries.size();
+    for (const auto& [word, entry] : own.entries) {
+      const auto kept = good->second.entries.find(word);
+      figures->wrong += kept == good->second.entries.end() || kept->second != entry ? 1 : 0;
+    }
+  }
+}
+
 // Repairs the damaged file and counts.
 void Measure(const std::map<unsigned, Own>& documents, const Damage& damage, Figures* figures) {
   const kestan_tests::TempDir folder;
@@ -158,13 +178,15 @@ void Measure(const std::map<unsigned, Own>& documents, const Damage& damage, Fig
   Database store;
   ASSERT_EQ(store.Open(repaired.c_str(), 0), 0);
   const kestan::CheckResult check = kestan::CheckIndex(store, [](std::string_view line) {
-    std::fprintf(stderr, "%.*s\n", static_cast<int>(line.size()), line.data());
+    const bool is_note = line.find(": note: ") != std::string_view::npos;
+    if (!is_note) std::printf("%.*s\n", static_cast<int>(line.size()), line.data());
   });
   EXPECT_EQ(check.file_error, 0);
   figures->faults += check.faults;
   store.Close();
   const Records records = Dump(repaired);
   const auto found = DocumentsOf(MapOf(ReadFile(repaired)));
+  CountForeign(documents, found, figures);
   for (const auto& [code, own] : documents) {
     const bool is_listed = IsListed(records, code, own);
     const bool is_untouched = IsUntouched(own, damage, true);
@@ -198,15 +220,20 @@ std::string Spelled(std::size_t count, const char* where, bool with_noise) {
 }
 
 void Print(const std::map<std::string, Figures>& figures) {
-  std::printf("%-32s %9s %9s %9s %9s %8s %9s %9s %6s\n", "damaged blocks", "documents", "listed",
-              "untouched", "saved", "share", "readable", "listed", "faults");
+  std::printf("%-24s %9s %9s %9s %9s %9s %9s %9s %8s %9s %6s %6s\n", "damaged blocks", "documents",
+              "listed", "untouched", "saved", "share", "readable", "listed", "foreign", "entries",
+              "wrong", "faults");
   for (const auto& [what, of] : figures) {
+    std::printf("%-24s", what.c_str());
+    for (const std::uint64_t number : {of.documents, of.listed, of.untouched, of.saved}) {
+      std::printf(" %9llu", static_cast<unsigned long long>(number));
+    }
+    std::printf(" %8.3f%%", 100 * of.Share());
     std::printf(
-        "%-32s %9llu %9llu %9llu %9llu %7.3f%% %9llu %9llu %6llu\n", what.c_str(),
-        static_cast<unsigned long long>(of.documents), static_cast<unsigned long long>(of.listed),
-        static_cast<unsigned long long>(of.untouched), static_cast<unsigned long long>(of.saved),
-        100 * of.Share(), static_cast<unsigned long long>(of.readable),
-        static_cast<unsigned long long>(of.kept), static_cast<unsigned long long>(of.faults));
+        " %9llu %9llu %8llu %9llu %6llu %6llu\n", static_cast<unsigned long long>(of.readable),
+        static_cast<unsigned long long>(of.kept), static_cast<unsigned long long>(of.foreign),
+        static_cast<unsigned long long>(of.entries), static_cast<unsigned long long>(of.wrong),
+        static_cast<unsigned long long>(of.faults));
   }
 }
 
