@@ -36,14 +36,15 @@ bool PostingRepair::IsSound(const DBDatum& record, const PostingEntry& entry) co
   if (!rules_.with_positions) return true;
   const std::size_t first = entry.first_unit + kEntryHeadUnits;
   if (entry.positions == 0 || UnitAt(record, first - 1) != entry.positions) return false;
-  return wrapping_[entry.code] || IsAscending(record, first, entry.positions);
+  return IsAscending(record, first, entry.positions, wrapping_[entry.code]);
 }
 
-bool PostingRepair::IsAscending(const DBDatum& record, std::size_t first, std::size_t count) const {
+bool PostingRepair::IsAscending(const DBDatum& record, std::size_t first, std::size_t count,
+                                bool wraps) {
   Position previous = 0;
   for (std::size_t i = first; i < first + count; ++i) {
     const Position position = UnitAt(record, i);
-    if (position <= previous) return false;
+    if (position == 0 || (position <= previous && !wraps)) return false;
     previous = position;
   }
   return true;

@@ -42,7 +42,7 @@ class PostingRepair {
   bool IsPossible(Code code) const { return code != 0 && code <= rules_.highest; }
   std::size_t UnitsAt(const DBDatum& record, std::size_t unit) const;
   std::uint32_t ScoreOf(const DBDatum& record, std::size_t unit, std::size_t taken) const;
-  bool IsAscending(const DBDatum& record, std::size_t first, std::size_t count) const;
+  static bool IsAscending(const DBDatum& record, std::size_t first, std::size_t count, bool wraps);
 
   const PostingRules& rules_;
   const CodeSet& wrapping_;

@@ -48,6 +48,7 @@ class RepairWriter {
     const std::string_view key = salvage_.KeyOf(record);
     switch (plan_.StepOf(record)) {
       case RepairStep::kCopy:
+        if (record.is_cut) report_.Say({"note: ", Escaped(key), ": cut where the next record is"});
         return Put(key, salvage_.ValueOf(record));
       case RepairStep::kPostings:
         return WritePostings(record);

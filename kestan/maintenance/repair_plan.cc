@@ -125,6 +125,7 @@ void RepairPlan::FindWrapping() {
   for (const SalvagedRecord& record : salvage_.records()) {
     if (KindOf(record) != RecordKind::kPosting) continue;
     const DBDatum value = ValueOf(record);
+    if (!LooksLikePostings(value, rules_)) continue;
     PostingReader reader(value, true);
     PostingEntry entry;
     while (reader.Next(&entry)) {

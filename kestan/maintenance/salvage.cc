@@ -5,6 +5,7 @@
 #include <kestan/storage/hash.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace kestan {
 namespace {
@@ -41,6 +42,7 @@ class SalvageRun {
     for (const FoundBucket& bucket : map_.strays()) TakeStray(bucket);
     for (const Offset at : map_.loose()) TakeLoose(at);
     TakeFallbacks();
+    CutOverlaps();
     result_.damage_.header = !map_.has_header();
     result_.damage_.directory = !map_.is_whole();
   }
@@ -99,6 +101,37 @@ class SalvageRun {
       if (!file_.Read(fallback.at, &element) || IsTaken(element)) continue;
       if (Take(element, false)) ++result_.damage_.old_records;
     }
+  }
+
+  // No evidence but the next record's key tells how far a value goes, whose size may be damaged: it
+  // ends before that key or a bucket of the directory. Records of a file made to fill the disk,
+  // which overlap by the thousand, thus fit into the file again.
+  void CutOverlaps() {
+    Vector<Offset> starts;
+    for (const FoundBucket& bucket : map_.reached()) starts.push_back(bucket.at);
+    for (const SalvagedRecord& record : result_.records_) starts.push_back(record.at);
+    std::sort(starts.begin(), starts.end());
+    auto& records = result_.records_;
+    std::sort(records.begin(), records.end(), [](const auto& left, const auto& right) {
+      return std::make_pair(left.at, left.key_bytes) < std::make_pair(right.at, right.key_bytes);
+    });
+    Offset kept_to = 0;
+    auto kept = records.begin();
+    for (SalvagedRecord record : records) {
+      if (record.at < kept_to) continue;
+      CutBefore(starts, &record);
+      kept_to = record.at + record.key_bytes + record.value_bytes;
+      *kept++ = record;
+    }
+    records.erase(kept, records.end());
+  }
+
+  static void CutBefore(const Vector<Offset>& starts, SalvagedRecord* record) {
+    const Offset key_end = record->at + record->key_bytes;
+    const auto next = std::upper_bound(starts.begin(), starts.end(), record->at);
+    if (next == starts.end() || *next >= key_end + record->value_bytes) return;
+    record->value_bytes = static_cast<std::uint32_t>(std::max(*next, key_end) - key_end);
+    record->is_cut = true;
   }
 
   void NoteSpan(Offset at, Offset bytes) {
@@ -169,12 +202,10 @@ class SalvageRun {
   // all of them fit into the file; those of a file made to fill the disk need not.
   bool Take(const Element& element, bool is_current) {
     const SalvagedRecord record{element.data, static_cast<std::uint32_t>(element.key_bytes),
-                                static_cast<std::uint32_t>(element.value_bytes), is_current};
+                                static_cast<std::uint32_t>(element.value_bytes), is_current, false};
     if ((result_.records_.size() + 1) * 2 > table_.size()) GrowTable();
     std::uint32_t* const place = PlaceOf(result_.KeyOf(record));
-    const Offset bytes = Offset{record.key_bytes} + record.value_bytes;
-    if (*place != 0 || bytes > bytes_left_) return false;
-    bytes_left_ -= bytes;
+    if (*place != 0) return false;
     result_.records_.push_back(record);
     *place = static_cast<std::uint32_t>(result_.records_.size());
     return true;
@@ -198,7 +229,6 @@ class SalvageRun {
   }
 
   const Bytes& file_;
-  Offset bytes_left_ = file_.size();
   const gdbm::BucketMap map_;
   Salvage& result_;
   Bucket bucket_;

@@ -17,12 +17,14 @@ struct SalvagedRecord {
   // The file's newest bucket for the key has it. Otherwise it comes from an older one, whose
   // successor is damaged: the record may have been changed or removed since.
   bool is_current;
+  bool is_cut;  // it would have reached into the next one
 };
 
 // What a file still holds. Takes memory for the whole file and for some 100 bytes a record.
 class Salvage {
  public:
-  // Reads the file at `path` and finds its records, each key once. Does not go through gdbm, which
+  // Reads the file at `path` and finds its records, each key once, in the order in which they lie
+  // in the file, no two in the same bytes. Does not go through gdbm, which
   // would stop at the first damage, and takes no lock. Bytes that the system cannot read count as
   // zeros. Values are handed over as they are: whether they are damaged nothing in the file tells.
   //   Returns  0; or the system's error number if there is no such file, or none that fits memory.
