@@ -1,8 +1,10 @@
 // New indexes from damaged ones: what is kept, what is restored, and what is said.
 #include <gtest/gtest.h>
 #include <kestan/maintenance.h>
+#include <sys/resource.h>
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 
 #include "tests/maintenance/index_files.h"
@@ -158,6 +160,17 @@ TEST_F(RepairTest, AFileWithoutRecordsIsAnErrorAndLeavesNoNewFile) {
 TEST_F(RepairTest, AFolderThatIsNotThereIsAnError) {
   kestan_tests::Plant(path_, Good());
   EXPECT_EQ(kestan::RepairIndex(path_.c_str(), (folder_ / "none/new").c_str(), {}, &result_), -1);
+}
+
+TEST_F(RepairTest, AFileThatCannotBeWrittenWholeIsRemoved) {
+  MakeIndex(path_, 100, 1);
+  std::signal(SIGXFSZ, SIG_IGN);
+  const rlimit little{20000, RLIM_INFINITY};
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &little), 0);
+  EXPECT_EQ(Repair(), -1);
+  EXPECT_FALSE(std::filesystem::exists(new_path_));
+  EXPECT_EQ(lines_.back().find(new_path_ + ": "), 0U);
+  EXPECT_EQ(result_.records, 0U);
 }
 
 TEST_F(RepairTest, ALostDocumentRecordIsRestoredWithTimeZero) {
@@ -326,7 +339,9 @@ TEST_F(RepairTest, ARepairedIndexTakesMoreDocuments) {
   ASSERT_EQ(engine.OpenIndex(new_path_.c_str(), 1), 0);
   engine.AddDocumentWords("new", "never seen words");
   engine.ShrinkIndex();
-  EXPECT_STREQ(engine.QueryResults(engine.QueryWord("never")), "100 new\n");
+  const int id = engine.QueryWord("never");
+  EXPECT_STREQ(engine.QueryResults(id), "100 new\n");
+  engine.FreeQueryResult(id);
   engine.CloseIndex();
   ExpectSound();
 }
