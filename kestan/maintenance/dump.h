@@ -1,0 +1,43 @@
+// An index as lines of text and back again: the same text on every machine, whatever the file
+// around the records looks like there. docs/dump-format.md describes it.
+#ifndef KESTAN_MAINTENANCE_DUMP_H_
+#define KESTAN_MAINTENANCE_DUMP_H_
+
+#include <kestan/export.h>
+#include <kestan/storage/database.h>
+
+#include <cstddef>
+#include <functional>
+#include <string_view>
+
+namespace kestan {
+
+// The most bytes that a line of a dump has, not counting its line feed.
+inline constexpr std::size_t kMaxDumpLineBytes = std::size_t{1} << 20;
+
+// Takes a line, without its line feed. The line is lent for the call.
+using TakeLine = std::function<void(std::string_view line)>;
+
+// Gives the next line, without its line feed. The line stays as it is until the next call.
+//   Returns  false, with `*line` as it was, if there is none.
+using GiveLine = std::function<bool(std::string_view* line)>;
+
+// Hands every record of `store` to `take`, in order of the keys' bytes, as the lines of a dump.
+// Changes that wait to be written are in it. Where a damaged file holds a key twice, the dump has
+// the value that look-ups find. Flushes the store now and then. What `take` throws passes through.
+//   Returns  0; -1 if no file is open, with no line given; or gdbm's number of an error that kept
+//            a record from being read. Then the dump lacks its end, and no one will load it.
+//   Memory   all keys, the longest record, and some 20 MB; gdbm keeps records of its own.
+KESTAN_EXPORT int DumpIndex(Database& store, const TakeLine& take);
+
+// Stores the records of a dump in `target`, which must be open for writing and hold no record.
+// Flushes it now and then and at the end. What `give` throws passes through.
+//   Returns  true if the dump was whole and every record has reached the file. If not, `complain`
+//            gets one line that says why, "line N: WHAT" where a line is to blame, and the target
+//            holds some of the records: it is no index and should be thrown away.
+//   Memory   the longest record two times, and some 20 MB.
+KESTAN_EXPORT bool LoadIndex(const GiveLine& give, Database& target, const TakeLine& complain);
+
+}  // namespace kestan
+
+#endif  // KESTAN_MAINTENANCE_DUMP_H_
