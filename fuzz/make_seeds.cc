@@ -181,6 +181,26 @@ void WriteOperationSeeds() {
   Write("operations", "flushing_walks", add_a + kFill + lists + "\x0a\x1b\x02\x21"s);
 }
 
+// ---- Dumps ----
+
+// The first byte asks for the right last line, and half of it is the number of records.
+void WriteDumpSeeds() {
+  const std::string first = "kestan-dump 1\n";
+  Write("dump_text", "empty", "");
+  Write("dump_text", "no_records", "\x01"s + first);
+  Write("dump_text", "three",
+        "\x07" + first + "Cat\t\\x01\\x00\\x01\\x00\\x02\\x00\nd-a.txt\t\\x5c\ng-opts\t\n");
+  Write("dump_text", "empty_key", "\x05" + first + "\t\na\t\n");
+  Write("dump_text", "goes_on", "\x03" + first + "ke\\\ny\tva\\\n\\\nlue\\x0a\n");
+  Write("dump_text", "wrong_count", "\x05" + first + "a\tb\n");
+  Write("dump_text", "two_tabs", "\x03" + first + "a\tb\tc\n");
+  Write("dump_text", "broken_escape", "\x03" + first + "a\t\\x0\\\n0\n");
+  Write("dump_text", "needless_escape", "\x03" + first + "a\t\\x41\n");
+  Write("dump_text", "not_in_order", "\x05" + first + "b\t1\na\t2\n");
+  Write("dump_text", "other_version", "\x01kestan-dump 2\n");
+  Write("dump_text", "own_last_line", "\0"s + first + "a\tb\nend 1 0000000000000000\n");
+}
+
 // ---- Index files ----
 
 std::string FileOf(const kestan_tests::TempDir& place) {
@@ -244,6 +264,7 @@ int main(int argc, char** argv) {
   WriteWordListSeeds();
   WritePostingSeeds();
   WriteOperationSeeds();
+  WriteDumpSeeds();
   WriteFileSeeds();
   return 0;
 }

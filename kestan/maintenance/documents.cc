@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <array>
 #include <limits>
-#include <tuple>
 #include <utility>
 
 namespace kestan {
@@ -89,13 +88,12 @@ class Contents {
       cadence.Note(key.size());
     }
     std::sort(documents_.begin(), documents_.end(),
-              [](const Document& left, const Document& right) {
-                return std::tie(left.code, left.name) < std::tie(right.code, right.name);
-              });
+              [](const Document& left, const Document& right) { return left.code < right.code; });
     return 0;
   }
 
-  // Only what the name record of its code names is a document: a word may have such a key too.
+  // Only what the name record of its code names is a document: a word may have such a key too. So
+  // no two documents share a code.
   int ReadDocumentRecord(Database& store, const String& key) {
     DBDatumPtr record;
     if (const int error = Read(store, key, &record); error != 0) return error;
@@ -285,9 +283,9 @@ class DocumentGiver {
     for (auto first = documents.begin(); first != documents.end();) {
       std::size_t places = counts[first->code];
       auto end = first + 1;
-      while (end != documents.end() && places <= most) {
-        if (end->code != (end - 1)->code) places += counts[end->code];
-        if (places <= most || end->code == (end - 1)->code) ++end;
+      for (; end != documents.end(); ++end) {
+        places += counts[end->code];
+        if (places > most) break;
       }
       if (const int error = GiveBatch(&*first, &*first + (end - first)); error != 0) return error;
       first = end;
