@@ -4,6 +4,8 @@ set -euo pipefail
 
 packages=(g++ clang clang-format clang-tidy cmake ninja-build pkg-config libgdbm-dev libcli11-dev nlohmann-json3-dev
   libclang-rt-dev libgtest-dev librapidcheck-dev g++-multilib locales)
+packages=(g++ clang clang-format clang-tidy cmake ninja-build pkg-config libgdbm-dev libcli11-dev
+  libclang-rt-dev libgtest-dev librapidcheck-dev g++-multilib locales nlohmann-json3-dev postgresql)
 
 missing=()
 for package in "${packages[@]}"; do

@@ -1,0 +1,181 @@
+// Looking after an index: check, repair, dump and load.
+#include <kestan/maintenance.h>
+
+#include <cerrno>
+#include <fstream>
+#include <iostream>
+#include <string>
+#include <string_view>
+
+#include "commands.h"
+#include "copied_index.h"
+#include "json.h"
+#include "message.h"
+#include "opened_index.h"
+#include "output.h"
+
+namespace kestan_cli {
+namespace {
+
+// ---- check ----
+
+int ReportCheck(const kestan::CheckResult& result, const Json& lines, const Values& values) {
+  if (values.Has("--json")) {
+    Print(JsonLine({{"schema", kJsonSchema},
+                    {"faults", result.faults},
+                    {"notes", result.notes},
+                    {"lines", lines}}));
+  } else if (!values.Has("--quiet")) {
+    Print(Counted(result.faults, "fault") + ", " + Counted(result.notes, "note") + "\n");
+  }
+  return result.faults == 0 ? kDone : kNoHits;
+}
+
+int RunCheck(Kestan&, const Values& values) {
+  const std::string index = values.Text("INDEX");
+  ExamineIndex(index, Access::kRead);
+  Database store;
+  OpenStore(store, index, Access::kRead);
+  Json lines = Json::array();
+  LinePrinter printer;
+  const auto report = [&](std::string_view line) {
+    if (values.Has("--json")) {
+      lines.push_back(std::string(line));
+    } else if (!values.Has("--quiet")) {
+      printer.Take(line);
+    }
+  };
+  const kestan::CheckResult result = kestan::CheckIndex(store, report);
+  printer.Finish();
+  return ReportCheck(result, lines, values);
+}
+
+// ---- repair ----
+
+std::string Summary(const kestan::RepairResult& result) {
+  return "saved " + Counted(result.saved, "document") + ", " +
+         std::to_string(result.words_missing) + " with words missing, " +
+         std::to_string(result.half_written) + " half-written, " + std::to_string(result.lost) +
+         " lost\n";
+}
+
+Json JsonOf(const kestan::RepairResult& result, Json lines) {
+  return {{"schema", kJsonSchema},
+          {"saved", result.saved},
+          {"words_missing", result.words_missing},
+          {"half_written", result.half_written},
+          {"lost", result.lost},
+          {"records", result.records},
+          {"dropped", result.dropped},
+          {"was_damaged", result.was_damaged},
+          {"lines", std::move(lines)}};
+}
+
+int RunRepair(Kestan&, const Values& values) {
+  const std::string damaged = values.Text("DAMAGED");
+  Json lines = Json::array();
+  std::string last;
+  LinePrinter printer;
+  const bool as_json = values.Has("--json");
+  const auto report = [&](std::string_view line) {
+    last = line;
+    const bool is_good_news = line.substr(0, 7) == "saved: ";
+    if (is_good_news && !values.Has("--all")) return;
+    if (as_json) lines.push_back(std::string(line));
+    if (!as_json && !values.Has("--quiet")) printer.Take(line);
+  };
+  kestan::RepairResult result;
+  MakeWhole(values.Text("NEW"), [&](const std::string& part) {
+    if (kestan::RepairIndex(damaged.c_str(), part.c_str(), report, &result) == 0) return;
+    throw CommandError("cannot repair " + Quoted(damaged) + ": " + last);
+  });
+  printer.Finish();
+  if (as_json) Print(JsonLine(JsonOf(result, lines)));
+  if (!as_json && !values.Has("--quiet")) Print(Summary(result));
+  return result.words_missing + result.half_written + result.lost == 0 ? kDone : kNoHits;
+}
+
+// ---- dump and load ----
+
+int RunDump(Kestan&, const Values& values) {
+  const std::string index = values.Text("INDEX");
+  ExamineIndex(index, Access::kRead);
+  Database store;
+  OpenStore(store, index, Access::kRead);
+  LinePrinter printer;
+  const int error =
+      kestan::DumpIndex(store, [&](std::string_view line) { printer.Take(line); });
+  printer.Finish();
+  if (error == 0) return kDone;
+  throw CommandError("index " + Quoted(index) + " cannot be read: " +
+                     Database::ErrorString(error) + "; see kestan repair");
+}
+
+// Fills the new file at `path` from the dump that `input` holds.
+void Load(std::istream& input, const std::string& path, const std::string& shown) {
+  Database target;
+  OpenStore(target, path, Access::kCreate);
+  std::string text;
+  const auto give = [&](std::string_view* line) {
+    if (!std::getline(input, text)) return false;
+    *line = text;
+    return true;
+  };
+  std::string reason;
+  const bool loaded = kestan::LoadIndex(give, target, [&](std::string_view line) { reason = line; });
+  if (!loaded) throw CommandError("cannot load " + Quoted(shown) + ": " + reason);
+}
+
+int RunLoad(Kestan&, const Values& values) {
+  const std::string source = values.Text("FILE", "-");
+  std::ifstream file;
+  if (source != "-") {
+    file.open(source, std::ios::binary);
+    if (!file.is_open()) throw CommandError("cannot read " + Quoted(source) + ": " + ReasonOf(errno));
+  }
+  MakeWhole(values.Text("NEW"), [&](const std::string& part) {
+    Load(source == "-" ? std::cin : file, part, source == "-" ? "standard input" : source);
+  });
+  return kDone;
+}
+
+}  // namespace
+
+std::vector<Command> MaintenanceCommands() {
+  return {
+      {"check",
+       "Tell whether the records of an index agree with each other.",
+       {IndexArgument()},
+       {JsonOption(), {"-q,--quiet", "", "say nothing; the exit status tells"}},
+       "Prints \"KEY: what is wrong\" and \"KEY: note: what is worth a look\". Exit status: 0 "
+       "without faults, 1 with some, 2 if the file is no index.",
+       {"kestan check my.index"},
+       RunCheck},
+      {"repair",
+       "Make a new index of what a damaged one still holds.",
+       {{"DAMAGED", "the damaged index, which stays as it is"},
+        {"NEW", "the file to make, which must not be there"}},
+       {{"-a,--all", "", "name the documents that were saved too"}, JsonOption(), QuietOption()},
+       "Exit status: 0 if nothing was lost, 1 if something was.",
+       {"kestan repair damaged.index my.index"},
+       RunRepair},
+      {"dump",
+       "Print an index as text, which any machine can load.",
+       {IndexArgument()},
+       {},
+       "",
+       {"kestan dump my.index > my.dump"},
+       RunDump},
+      {"load",
+       "Make an index of what `kestan dump` printed.",
+       {{"NEW", "the file to make, which must not be there"},
+        {"FILE", "the dump; without it, or with -, the standard input",
+         Positional::Count::kOptional}},
+       {},
+       "",
+       {"kestan load my.index my.dump"},
+       RunLoad},
+  };
+}
+
+}  // namespace kestan_cli
