@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_set>
+#include <utility>
 
 #include "utf8.h"
 
@@ -47,7 +48,7 @@ class ExportWriter {
 class JsonWriter : public ExportWriter {
  public:
   // `target` is the name of the index at the server.
-  explicit JsonWriter(const std::string& target);
+  explicit JsonWriter(std::string target) : target_(std::move(target)) {}
 
   std::string Begin() override { return {}; }
   std::string Add(const kestan::StoredDocument& document, ExportNotes* notes) override;

@@ -1,4 +1,5 @@
 #include <nlohmann/json.hpp>
+#include <optional>
 
 #include "export_writer.h"
 #include "message.h"
@@ -25,8 +26,6 @@ std::string TextOf(const kestan::StoredDocument& document, ExportNotes* notes) {
 }
 
 }  // namespace
-
-JsonWriter::JsonWriter(const std::string& target) : target_(target) {}
 
 std::string JsonWriter::Add(const kestan::StoredDocument& document, ExportNotes* notes) {
   const std::string name = notes->Utf8(document.name);

@@ -1,4 +1,3 @@
-#include <array>
 #include <optional>
 
 #include "export_writer.h"

@@ -115,7 +115,7 @@ TsVector MakeTsVector(const kestan::StoredDocument& document) {
 
 std::string WithoutNuls(std::string text, bool* had_nul) {
   constexpr std::string_view kReplacement = "\xef\xbf\xbd";
-  for (auto at = text.find('\0'); at != text.npos; at = text.find('\0', at)) {
+  for (auto at = text.find('\0'); at != std::string::npos; at = text.find('\0', at)) {
     text.replace(at, 1, kReplacement);
     *had_nul = true;
   }

@@ -36,7 +36,7 @@ bool HasBytes(const DBDatumPtr& value, std::string_view bytes) {
 
 bool IsOfFamily(std::string_view key) {
   constexpr std::string_view kFamilies = "gdcwust";
-  return key.size() >= 2 && key[1] == '-' && kFamilies.find(key[0]) != kFamilies.npos;
+  return key.size() >= 2 && key[1] == '-' && kFamilies.find(key[0]) != std::string_view::npos;
 }
 
 bool IsDocumentKey(std::string_view key) { return key.substr(0, 2) == kDocumentFamily; }
@@ -195,13 +195,14 @@ int CountPlaces(Database& store, const Contents& contents, PlaceCounts* counts) 
   });
 }
 
-// Finds the places of words in the documents of the codes from `first` to `last`, in order.
-int FindPlaces(Database& store, const Contents& contents, Code first, Code last,
+// Finds the `count` places of words in the documents of `codes`, in order.
+int FindPlaces(Database& store, const Contents& contents, const CodeSet& codes, std::size_t count,
                Vector<Place>* places) {
   places->clear();
+  places->reserve(count);
   const int error = ForEachPosting(
       store, contents, [&](WordId word, const DBDatum& record, const PostingEntry& entry) {
-        if (entry.code < first || entry.code > last) return;
+        if (!codes[entry.code]) return;
         if (!contents.has_positions()) places->push_back(MakePlace(entry.code, 0, word));
         const std::size_t end = entry.first_unit + entry.units;
         for (std::size_t unit = end - entry.positions; unit < end; ++unit) {
@@ -279,29 +280,25 @@ class DocumentGiver {
 
   // Gives all documents, as many at once as have no more than `most` places, or else one.
   int Give(const PlaceCounts& counts, std::size_t most) {
-    const Vector<Document>& documents = contents_.documents();
-    for (auto first = documents.begin(); first != documents.end();) {
+    const Document* const end = contents_.documents().data() + contents_.documents().size();
+    for (const Document* first = contents_.documents().data(); first != end;) {
       std::size_t places = counts[first->code];
-      auto end = first + 1;
-      for (; end != documents.end(); ++end) {
-        places += counts[end->code];
-        if (places > most) break;
-      }
-      if (const int error = GiveBatch(&*first, &*first + (end - first)); error != 0) return error;
-      first = end;
+      const Document* next = first + 1;
+      while (next != end && places + counts[next->code] <= most) places += counts[next++->code];
+      if (const int error = GiveBatch(first, next, places); error != 0) return error;
+      first = next;
     }
     return 0;
   }
 
  private:
-  int GiveBatch(const Document* first, const Document* end) {
-    const Code last_code = (end - 1)->code;
-    if (const int error = FindPlaces(store_, contents_, first->code, last_code, &places_);
-        error != 0) {
-      return error;
-    }
+  int GiveBatch(const Document* first, const Document* end, std::size_t places) {
+    codes_.reset();
+    for (const Document* document = first; document != end; ++document) codes_.set(document->code);
+    const int error = FindPlaces(store_, contents_, codes_, places, &places_);
+    if (error != 0) return error;
     for (const Document* document = first; document != end; ++document) {
-      if (const int error = GiveOne(*document); error != 0) return error;
+      if (const int failure = GiveOne(*document); failure != 0) return failure;
     }
     return 0;
   }
@@ -349,6 +346,7 @@ class DocumentGiver {
   const TakeDocument& take_;
   WordOrder order_;
   FlushCadence cadence_;
+  CodeSet codes_;  // of the documents that are given now
   Vector<Place> places_;
 };
 

@@ -135,7 +135,7 @@ class DumpReader {
     if (line.size() > kMaxDumpLineBytes) return Refuse("longer than any line of a dump");
     if (line_number_ == 1) return ReadFirstLine(line);
     const bool continues = !line.empty() && line.back() == kEscape;
-    if (!is_within_record_ && !continues && line.find(kSeparator) == line.npos) {
+    if (!is_within_record_ && !continues && line.find(kSeparator) == std::string_view::npos) {
       return ReadLastLine(line);
     }
     tally_.AddLine(line);
@@ -185,7 +185,8 @@ class DumpReader {
     if (escape.size() < kEscapedBytes || escape[1] != 'x') return Refuse("an escape is not \\xHH");
     const std::size_t high = kDigits.find(escape[2]);
     const std::size_t low = kDigits.find(escape[3]);
-    if (high == kDigits.npos || low == kDigits.npos) return Refuse("an escape is not \\xHH");
+    if (high == std::string_view::npos || low == std::string_view::npos)
+      return Refuse("an escape is not \\xHH");
     const char byte = static_cast<char>(high << 4 | low);
     if (IsPlain(byte)) return Refuse("an escape for a byte that needs none");
     text->remove_prefix(kEscapedBytes);

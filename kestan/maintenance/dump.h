@@ -27,7 +27,7 @@ using GiveLine = std::function<bool(std::string_view* line)>;
 // the value that look-ups find. Flushes the store now and then. What `take` throws passes through.
 //   Returns  0; -1 if no file is open, with no line given; or gdbm's number of an error that kept
 //            a record from being read. Then the dump lacks its end, and no one will load it.
-//   Memory   all keys, the longest record, and some 20 MB; gdbm keeps records of its own.
+//   Memory   all keys, the longest record, which gdbm holds once more, and some 20 MB.
 KESTAN_EXPORT int DumpIndex(Database& store, const TakeLine& take);
 
 // Stores the records of a dump in `target`, which must be open for writing and hold no record.
@@ -35,7 +35,7 @@ KESTAN_EXPORT int DumpIndex(Database& store, const TakeLine& take);
 //   Returns  true if the dump was whole and every record has reached the file. If not, `complain`
 //            gets one line that says why, "line N: WHAT" where a line is to blame, and the target
 //            holds some of the records: it is no index and should be thrown away.
-//   Memory   the longest record two times, and some 20 MB.
+//   Memory   the longest record three times at the most, and some 20 MB.
 KESTAN_EXPORT bool LoadIndex(const GiveLine& give, Database& target, const TakeLine& complain);
 
 }  // namespace kestan

@@ -76,7 +76,9 @@ TEST_F(DumpTest, ALoadedIndexAnswersAsTheFirstOneDid) {
   ASSERT_EQ(Load(DumpOf(path)), "");
   EXPECT_EQ(Dump(target_), Dump(path));
   ASSERT_EQ(engine.OpenIndex(target_.c_str(), 0), 0);
-  EXPECT_STREQ(engine.QueryResults(engine.QueryWord("world")), "100 a.txt\n");
+  const int id = engine.QueryWord("world");
+  EXPECT_STREQ(engine.QueryResults(id), "100 a.txt\n");
+  engine.FreeQueryResult(id);
   EXPECT_STREQ(engine.DBGetTitle("a.txt"), "Greetings");
 }
 
