@@ -151,19 +151,22 @@ WordId WordOf(Place place) { return static_cast<WordId>(place); }
 // last one of a code is the youngest.
 bool MayHaveOldEntries(std::string_view word) { return word.size() < 2 || word[1] == '-'; }
 
-// Calls `visit(entry)` for each entry of the record, except those that a later one replaces.
+// Calls `visit(entry)` for each entry of the record, in no particular order, except those that a
+// later one replaces.
 template <typename Visit>
 void ForEachEntry(std::string_view word, const DBDatum& record, bool has_positions, Visit visit) {
-  PostingEntry entry{};
-  Vector<std::size_t> last_units;  // of each code, where its last entry begins
-  if (MayHaveOldEntries(word)) {
-    last_units.resize(std::size_t{kMaxCode} + 1);
-    PostingReader scout(record, has_positions);
-    while (scout.Next(&entry)) last_units[entry.code] = entry.first_unit;
-  }
   PostingReader reader(record, has_positions);
-  while (reader.Next(&entry)) {
-    if (last_units.empty() || last_units[entry.code] == entry.first_unit) visit(entry);
+  PostingEntry entry{};
+  if (!MayHaveOldEntries(word)) {
+    while (reader.Next(&entry)) visit(entry);
+    return;
+  }
+  Vector<PostingEntry> entries;
+  while (reader.Next(&entry)) entries.push_back(entry);
+  CodeSet visited;
+  for (auto last = entries.rbegin(); last != entries.rend(); ++last) {
+    if (!visited[last->code]) visit(*last);
+    visited.set(last->code);
   }
 }
 
