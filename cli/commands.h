@@ -13,13 +13,16 @@ namespace kestan_cli {
 const std::vector<Command>& AllCommands();
 
 // The parts that AllCommands() puts together.
-std::vector<Command> IndexCommands();     // adding files
-std::vector<Command> SearchCommands();    // asking
-std::vector<Command> ReportCommands();    // list, words, stats
-std::vector<Command> DocumentCommands();  // remove, move
-std::vector<Command> TextCommands();      // titles, summaries, user records, word lists
-std::vector<Command> UpkeepCommands();    // option, shrink, copy
-std::vector<Command> ManualCommands();    // completion, manual pages
+std::vector<Command> IndexCommands();   // adding files
+std::vector<Command> SearchCommands();  // asking
+std::vector<Command> ReportCommands();  // list, words
+std::vector<Command> StatisticsCommands();
+std::vector<Command> DocumentCommands();     // remove, move
+std::vector<Command> TextCommands();         // titles, summaries, user records, word lists
+std::vector<Command> UpkeepCommands();       // option, shrink, copy
+std::vector<Command> MaintenanceCommands();  // check, repair, dump, load
+std::vector<Command> ExportCommands();
+std::vector<Command> ManualCommands();  // completion, manual pages
 
 }  // namespace kestan_cli
 

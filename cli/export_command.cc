@@ -76,14 +76,6 @@ std::unique_ptr<ExportWriter> MakeWriter(const ExportOptions& options) {
   return std::make_unique<JsonWriter>(options.target);
 }
 
-void OpenStore(Database* store, const std::string& path) {
-  ExamineIndex(path, Access::kRead);
-  const int error = store->Open(path.c_str(), 0);
-  if (error == 0) return;
-  // It could be opened a moment ago.
-  throw CommandError("cannot open index " + Quoted(path) + ": " + Database::ErrorString(error));
-}
-
 unsigned DaysOf(unsigned year) {
   return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0) ? 366 : 365;
 }
@@ -113,8 +105,9 @@ std::string IsoTime(std::uint32_t seconds) {
 
 int RunExport(Kestan&, const std::string& index, const ExportOptions& options) {
   const std::unique_ptr<ExportWriter> writer = MakeWriter(options);
+  ExamineIndex(index, Access::kRead);
   Database store;
-  OpenStore(&store, index);
+  OpenStore(store, index, Access::kRead);
   Exporter exporter(*writer);
   const int error = kestan::ReadDocuments(
       store, [&](const kestan::StoredDocument& document) { exporter.Add(document); });
@@ -123,6 +116,35 @@ int RunExport(Kestan&, const std::string& index, const ExportOptions& options) {
   }
   exporter.Finish();
   return kDone;
+}
+
+namespace {
+
+int RunExportCommand(Kestan& engine, const Values& values) {
+  ExportOptions options;
+  options.form = values.Text("FORM") == "sql" ? ExportForm::kSql : ExportForm::kJson;
+  options.target = values.Text("NAME", options.target);
+  if (options.form == ExportForm::kJson && values.Text("FORM") != "json") {
+    throw CommandError("no form " + Quoted(values.Text("FORM")) + "; there are json and sql");
+  }
+  return RunExport(engine, values.Text("INDEX"), options);
+}
+
+}  // namespace
+
+std::vector<Command> ExportCommands() {
+  return {{"export",
+           "Print the documents of an index for another system to take in.",
+           {IndexArgument(),
+            {"FORM",
+             "json: lines for the bulk interface of search servers; sql: a script for "
+             "PostgreSQL"},
+            {"NAME", "the index or the table there; kestan, if not given",
+             Positional::Count::kOptional}},
+           {},
+           "What a form cannot hold is told on the standard error stream.",
+           {"kestan export my.index sql texts | psql"},
+           RunExportCommand}};
 }
 
 }  // namespace kestan_cli

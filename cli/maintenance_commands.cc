@@ -103,12 +103,11 @@ int RunDump(Kestan&, const Values& values) {
   Database store;
   OpenStore(store, index, Access::kRead);
   LinePrinter printer;
-  const int error =
-      kestan::DumpIndex(store, [&](std::string_view line) { printer.Take(line); });
+  const int error = kestan::DumpIndex(store, [&](std::string_view line) { printer.Take(line); });
   printer.Finish();
   if (error == 0) return kDone;
-  throw CommandError("index " + Quoted(index) + " cannot be read: " +
-                     Database::ErrorString(error) + "; see kestan repair");
+  throw CommandError("index " + Quoted(index) + " cannot be read: " + Database::ErrorString(error) +
+                     "; see kestan repair");
 }
 
 // Fills the new file at `path` from the dump that `input` holds.
@@ -122,7 +121,8 @@ void Load(std::istream& input, const std::string& path, const std::string& shown
     return true;
   };
   std::string reason;
-  const bool loaded = kestan::LoadIndex(give, target, [&](std::string_view line) { reason = line; });
+  const bool loaded =
+      kestan::LoadIndex(give, target, [&](std::string_view line) { reason = line; });
   if (!loaded) throw CommandError("cannot load " + Quoted(shown) + ": " + reason);
 }
 
@@ -131,7 +131,8 @@ int RunLoad(Kestan&, const Values& values) {
   std::ifstream file;
   if (source != "-") {
     file.open(source, std::ios::binary);
-    if (!file.is_open()) throw CommandError("cannot read " + Quoted(source) + ": " + ReasonOf(errno));
+    if (!file.is_open())
+      throw CommandError("cannot read " + Quoted(source) + ": " + ReasonOf(errno));
   }
   MakeWhole(values.Text("NEW"), [&](const std::string& part) {
     Load(source == "-" ? std::cin : file, part, source == "-" ? "standard input" : source);

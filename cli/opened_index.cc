@@ -65,21 +65,14 @@ constexpr int kFileOpenError = 3;
 constexpr int kFileReadError = 6;  // those between are about seeking and writing
 constexpr int kCantBeReader = 9;
 constexpr int kCantBeWriter = 10;
+constexpr int kNeedsRecovery = 29;
 
 // Says why the store refused to open a file. `system_error` is what errno was right after.
 std::string ReasonOfStore(int error, int system_error) {
+  if (error == kNeedsRecovery) return "damaged; kestan repair saves what it still holds";
   const bool from_system = error >= kFileOpenError && error <= kFileReadError;
   if (from_system && system_error != 0) return ReasonOf(system_error);
   return std::string("not an index file (") + Database::ErrorString(error) + ")";
-}
-
-// The engine does not tell why it could not open a file; the store below it does.
-void OpenStore(Database& store, const std::string& path, Access access) {
-  errno = 0;
-  const int error = store.Open(path.c_str(), access == Access::kRead ? 0 : 1);
-  const int system_error = errno;
-  if (error == kCantBeReader || error == kCantBeWriter) throw Locked(path);
-  if (error != 0) throw CannotOpen(path, ReasonOfStore(error, system_error));
 }
 
 DBDatumPtr Record(Database& store, std::string_view key) {
@@ -109,6 +102,14 @@ IndexFacts FactsOf(Database& store) {
 }
 
 }  // namespace
+
+void OpenStore(Database& store, const std::string& path, Access access) {
+  errno = 0;
+  const int error = store.Open(path.c_str(), access == Access::kRead ? 0 : 1);
+  const int system_error = errno;
+  if (error == kCantBeReader || error == kCantBeWriter) throw Locked(path);
+  if (error != 0) throw CannotOpen(path, ReasonOfStore(error, system_error));
+}
 
 // Not fs::canonical, which wants a file at the end: a new index may be made through a link.
 std::string RealPath(const std::string& path) {

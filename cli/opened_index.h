@@ -28,6 +28,10 @@ struct IndexFacts {
 //            is writing it.
 IndexFacts ExamineIndex(const std::string& path, Access access);
 
+// Opens `store`, which the engine does not lend, on the file at `path`.
+//   Throws   as ExamineIndex does.
+void OpenStore(Database& store, const std::string& path, Access access);
+
 // Returns the path of the file itself where `path` is a link, or a chain of them.
 std::string RealPath(const std::string& path);
 

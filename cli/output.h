@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <exception>
 #include <memory>
+#include <string>
 #include <string_view>
 
 namespace kestan_cli {
@@ -22,6 +23,27 @@ class ReaderLeft : public std::exception {};
 // Writes `text` to the standard output and makes sure that it has left.
 //   Throws   CommandError if it cannot be written, ReaderLeft on a closed pipe.
 void Print(std::string_view text);
+
+// Prints many lines, some at a time.
+class LinePrinter {
+ public:
+  // Adds a line feed. Throws as Print does.
+  void Take(std::string_view line) {
+    waiting_.append(line) += '\n';
+    if (waiting_.size() >= kBytesAtATime) Finish();
+  }
+
+  // Prints what waits.
+  void Finish() {
+    Print(waiting_);
+    waiting_.clear();
+  }
+
+ private:
+  static constexpr std::size_t kBytesAtATime = std::size_t{1} << 16;
+
+  std::string waiting_;
+};
 
 // Keeps the three standard descriptors taken, for a caller may start the command with some closed.
 // The index file would be opened in their place, and what is printed would be written into it.

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <charconv>
-#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -103,22 +102,6 @@ int RunWords(Kestan& engine, const Values& values) {
   return kDone;
 }
 
-std::string Fact(const std::string& what, const std::string& value) {
-  return what + ": " + value + "\n";
-}
-
-int RunStats(Kestan& engine, const Values& values) {
-  const std::string index = values.Text("INDEX");
-  const OpenedIndex opened(engine, index, Access::kRead);
-  std::string facts = Fact("documents", std::to_string(LinesOf(engine.ListDocuments()).size()));
-  facts += Fact("words", std::to_string(LinesOf(engine.CommonWords(1, -1)).size()));
-  facts += Fact("option flags", std::to_string(engine.Options()));
-  facts += Fact("positions kept", (engine.Options() & 1) == 0 ? "yes" : "no");
-  facts += Fact("file size", std::to_string(std::filesystem::file_size(index)) + " bytes");
-  Print(facts);
-  return kDone;
-}
-
 }  // namespace
 
 std::vector<Command> ReportCommands() {
@@ -140,13 +123,6 @@ std::vector<Command> ReportCommands() {
        "The bounds count removed documents too, until the index is shrunk.",
        {"kestan words my.index --at-least 0.5 --counts"},
        RunWords},
-      {"stats",
-       "Tell how much an index holds.",
-       {IndexArgument()},
-       {},
-       "",
-       {"kestan stats my.index"},
-       RunStats},
   };
 }
 

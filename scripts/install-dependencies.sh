@@ -2,8 +2,6 @@
 # Installs the Debian packages that building and testing need, if any is missing.
 set -euo pipefail
 
-packages=(g++ clang clang-format clang-tidy cmake ninja-build pkg-config libgdbm-dev libcli11-dev nlohmann-json3-dev
-  libclang-rt-dev libgtest-dev librapidcheck-dev g++-multilib locales)
 packages=(g++ clang clang-format clang-tidy cmake ninja-build pkg-config libgdbm-dev libcli11-dev
   libclang-rt-dev libgtest-dev librapidcheck-dev g++-multilib locales nlohmann-json3-dev postgresql)
 

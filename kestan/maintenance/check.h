@@ -3,16 +3,12 @@
 #define KESTAN_MAINTENANCE_CHECK_H_
 
 #include <kestan/export.h>
+#include <kestan/maintenance/lines.h>
 #include <kestan/storage/database.h>
 
 #include <cstdint>
-#include <functional>
-#include <string_view>
 
 namespace kestan {
-
-// Takes a line without its line feed. The line is gone after the call.
-using TakeLine = std::function<void(std::string_view line)>;
 
 struct CheckResult {
   std::uint64_t faults = 0;  // what the engine never writes by itself, or answers wrongly for

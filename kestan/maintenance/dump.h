@@ -4,23 +4,15 @@
 #define KESTAN_MAINTENANCE_DUMP_H_
 
 #include <kestan/export.h>
+#include <kestan/maintenance/lines.h>
 #include <kestan/storage/database.h>
 
 #include <cstddef>
-#include <functional>
-#include <string_view>
 
 namespace kestan {
 
 // The most bytes that a line of a dump has, not counting its line feed.
 inline constexpr std::size_t kMaxDumpLineBytes = std::size_t{1} << 20;
-
-// Takes a line, without its line feed. The line is lent for the call.
-using TakeLine = std::function<void(std::string_view line)>;
-
-// Gives the next line, without its line feed. The line stays as it is until the next call.
-//   Returns  false, with `*line` as it was, if there is none.
-using GiveLine = std::function<bool(std::string_view* line)>;
 
 // Hands every record of `store` to `take`, in order of the keys' bytes, as the lines of a dump.
 // Changes that wait to be written are in it. Where a damaged file holds a key twice, the dump has
