@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::size_t kEntryHeadUnits = 2;  // code and number of positions
 
-std::size_t EndOf(const PostingEntry& entry) { return entry.first_unit + entry.units; }
+std::size_t EndOf(const WholeEntry& entry) { return entry.first_unit + entry.units(); }
 
 }  // namespace
 
@@ -21,12 +21,14 @@ bool PostingRepair::Read(const DBDatum& record) {
 
 // Stops at the first entry that makes no sense.
 bool PostingRepair::ReadsWhole(const DBDatum& record) {
+  const std::size_t smallest_units = rules_.with_positions ? kEntryHeadUnits + 1 : 1;
   entries_.clear();
+  entries_.reserve(record.size / kUnitBytes / smallest_units);
   PostingReader reader(record, rules_.with_positions);
   PostingEntry entry;
   while (reader.Next(&entry)) {
     if (!IsSound(record, entry)) return false;
-    entries_.push_back(entry);
+    entries_.push_back({static_cast<std::uint32_t>(entry.first_unit), entry.code, entry.positions});
   }
   return record.size % kUnitBytes == 0;
 }
@@ -73,7 +75,8 @@ void PostingRepair::ReadAround(const DBDatum& record, std::size_t from) {
     const Code code = UnitAt(record, unit);
     if (taken != 0 && IsPossible(code)) {
       const std::size_t head = rules_.with_positions ? kEntryHeadUnits : 1;
-      entries_.push_back({unit, taken, code, static_cast<std::uint16_t>(taken - head)});
+      entries_.push_back(
+          {static_cast<std::uint32_t>(unit), code, static_cast<std::uint16_t>(taken - head)});
     }
     unit += std::max<std::size_t>(taken, 1);
   }

@@ -12,6 +12,15 @@
 
 namespace kestan {
 
+// An entry that is all there. Small, for a record may have a billion.
+struct WholeEntry {
+  std::size_t units() const { return positions == 0 ? 1 : std::size_t{2} + positions; }
+
+  std::uint32_t first_unit;
+  Code code;
+  std::uint16_t positions;  // 0 only where no positions are kept
+};
+
 // Finds the whole entries of posting records.
 //
 // Reading stops making sense at the first damaged number of positions, but entries behind the
@@ -34,7 +43,17 @@ class PostingRepair {
   bool ReadsWhole(const DBDatum& record);
 
   // What was found, in the order of the record.
-  const Vector<PostingEntry>& entries() const { return entries_; }
+  const Vector<WholeEntry>& entries() const { return entries_; }
+
+  // Leaves out those that `is_unwanted`.
+  template <typename IsUnwanted>
+  void Drop(IsUnwanted is_unwanted) {
+    auto kept = entries_.begin();
+    for (const WholeEntry& entry : entries_) {
+      if (!is_unwanted(entry)) *kept++ = entry;
+    }
+    entries_.erase(kept, entries_.end());
+  }
 
  private:
   bool IsSound(const DBDatum& record, const PostingEntry& entry) const;
@@ -46,7 +65,7 @@ class PostingRepair {
 
   const PostingRules& rules_;
   const CodeSet& wrapping_;
-  Vector<PostingEntry> entries_;
+  Vector<WholeEntry> entries_;
   UnfilledVector<std::uint16_t> ascending_;  // for each unit: how many from it on ascend
   UnfilledVector<std::uint32_t> score_;      // for each unit: of the best reading from it on
 };

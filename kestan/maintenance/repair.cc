@@ -73,8 +73,9 @@ class RepairWriter {
       return;
     }
     String kept;
-    for (const PostingEntry& entry : entries) {
-      kept += value.substr(entry.first_unit * kUnitBytes, entry.units * kUnitBytes);
+    kept.reserve(value.size());
+    for (const WholeEntry& entry : entries) {
+      kept += value.substr(std::size_t{entry.first_unit} * kUnitBytes, entry.units() * kUnitBytes);
     }
     Put(key, kept);
   }

@@ -179,7 +179,7 @@ Code RepairPlan::HighestCodeSeen() {
   }
   for (const SalvagedRecord& record : salvage_.records()) {
     if (KindOf(record) != RecordKind::kPosting || !postings_.ReadsWhole(ValueOf(record))) continue;
-    for (const PostingEntry& entry : postings_.entries()) highest = std::max(highest, entry.code);
+    for (const WholeEntry& entry : postings_.entries()) highest = std::max(highest, entry.code);
   }
   return highest;
 }
@@ -222,9 +222,9 @@ bool RepairPlan::IsKept(Code code, bool is_never_purged) {
 
 // Two words at one place contradict each other. The one whose record is in doubt goes, or else the
 // one that comes later.
-bool RepairPlan::TakesPlaces(const DBDatum& value, const PostingEntry& entry, bool is_doubted) {
+bool RepairPlan::TakesPlaces(const DBDatum& value, const WholeEntry& entry, bool is_doubted) {
   Vector<std::size_t> taken;
-  for (std::size_t i = entry.units - entry.positions; i < entry.units; ++i) {
+  for (std::size_t i = entry.units() - entry.positions; i < entry.units(); ++i) {
     const std::uint32_t place = PlaceOf(entry.code, UnitAt(value, entry.first_unit + i));
     const auto same = std::equal_range(places_.begin(), places_.end(), place);
     const auto index = static_cast<std::size_t>(same.first - places_.begin());
@@ -236,24 +236,23 @@ bool RepairPlan::TakesPlaces(const DBDatum& value, const PostingEntry& entry, bo
   return true;
 }
 
-const Vector<PostingEntry>& RepairPlan::KeptEntries(const SalvagedRecord& record, bool* all) {
+const Vector<WholeEntry>& RepairPlan::KeptEntries(const SalvagedRecord& record, bool* all) {
   const DBDatum value = ValueOf(record);
   *all = postings_.Read(value);
   const bool is_doubted = !*all || !record.is_current;
   const bool is_never_purged = IsNeverPurged(KeyOf(record));
   const bool has_places = !is_never_purged && IsFolded(salvage_.KeyOf(record));
+  const std::size_t found = postings_.entries().size();
   ++record_number_;
-  kept_.clear();
-  for (const PostingEntry& entry : postings_.entries()) {
-    if (!IsKept(entry.code, is_never_purged)) continue;
-    if (has_places && contradictory_[entry.code] && !TakesPlaces(value, entry, is_doubted)) {
-      tallies_[entry.code].positions -= entry.positions;
-      continue;
-    }
-    kept_.push_back(entry);
-  }
-  if (kept_.size() != postings_.entries().size()) *all = false;
-  return kept_;
+  postings_.Drop([&](const WholeEntry& entry) {
+    if (!IsKept(entry.code, is_never_purged)) return true;
+    if (!has_places || !contradictory_[entry.code]) return false;
+    if (TakesPlaces(value, entry, is_doubted)) return false;
+    tallies_[entry.code].positions -= entry.positions;
+    return true;
+  });
+  if (postings_.entries().size() != found) *all = false;
+  return postings_.entries();
 }
 
 void RepairPlan::TallyPostings() {
@@ -273,14 +272,14 @@ void RepairPlan::TallyPostings() {
 }
 
 void RepairPlan::TallyRecord(std::string_view key, const DBDatum& value,
-                             const Vector<PostingEntry>& entries, bool is_doubtful) {
+                             const Vector<WholeEntry>& entries, bool is_doubtful) {
   const bool is_folded = IsFolded(key);
-  for (const PostingEntry& entry : entries) {
+  for (const WholeEntry& entry : entries) {
     Tally& tally = tallies_[entry.code];
     tally.has_words = true;
     if (!is_doubtful) posted_.set(entry.code);
     if (is_folded) (is_doubtful ? tally.doubtful : tally.positions) += entry.positions;
-    for (std::size_t i = entry.units - entry.positions; !is_doubtful && i < entry.units; ++i) {
+    for (std::size_t i = entry.units() - entry.positions; !is_doubtful && i < entry.units(); ++i) {
       tally.highest = std::max(tally.highest, UnitAt(value, entry.first_unit + i));
     }
   }
@@ -307,9 +306,9 @@ void RepairPlan::CollectPlaces(const CodeSet& codes) {
     }
     const DBDatum value = ValueOf(record);
     bool all = false;
-    for (const PostingEntry& entry : KeptEntries(record, &all)) {
+    for (const WholeEntry& entry : KeptEntries(record, &all)) {
       if (!codes[entry.code]) continue;
-      for (std::size_t i = entry.units - entry.positions; i < entry.units; ++i) {
+      for (std::size_t i = entry.units() - entry.positions; i < entry.units(); ++i) {
         places_.push_back(PlaceOf(entry.code, UnitAt(value, entry.first_unit + i)));
       }
     }

@@ -38,7 +38,7 @@ class RepairPlan {
   // Returns the entries of a posting record that are kept; `*all` tells whether nothing is left
   // out. Valid until the next call. To be called once for each record, for where two words stand at
   // one place, the second is left out.
-  const Vector<PostingEntry>& KeptEntries(const SalvagedRecord& record, bool* all);
+  const Vector<WholeEntry>& KeptEntries(const SalvagedRecord& record, bool* all);
 
   const RepairedDocuments& documents() const { return documents_; }
   const Vector<Code>& reusable() const { return reusable_; }
@@ -81,13 +81,13 @@ class RepairPlan {
   void AddDocumentClaim(const SalvagedRecord& record);
   void TakeCodes(const Record& list, CodeSet* codes) const;
   void TallyPostings();
-  void TallyRecord(std::string_view key, const DBDatum& value, const Vector<PostingEntry>& entries,
+  void TallyRecord(std::string_view key, const DBDatum& value, const Vector<WholeEntry>& entries,
                    bool is_doubtful);
   void FindContradictions();
   void CollectPlaces(const CodeSet& codes);
   void ListCodes();
   bool IsKept(Code code, bool is_never_purged);
-  bool TakesPlaces(const DBDatum& value, const PostingEntry& entry, bool is_doubted);
+  bool TakesPlaces(const DBDatum& value, const WholeEntry& entry, bool is_doubted);
   bool IsUnfinished(const RepairedDocument& document) const;
 
   DBDatum ValueOf(const SalvagedRecord& record) const;
@@ -116,7 +116,6 @@ class RepairPlan {
   Vector<std::uint32_t> seen_in_;  // by code: the number of the last record with an entry of it
   std::uint32_t record_number_ = 0;
   PostingRepair postings_{rules_, wrapping_};
-  Vector<PostingEntry> kept_;
   Vector<Code> reusable_;
   Vector<Code> removed_;
   CodeSet orphans_;
