@@ -18,6 +18,7 @@ void SetRange(FoundBucket* found, Hash prefix, unsigned bits) {
 FoundBucket Describe(const Bucket& bucket, Offset at) {
   FoundBucket found;
   found.at = at;
+  found.has_head = bucket.has_head;
   found.is_intact = bucket.IsIntact();
   found.is_complete = bucket.IsComplete();
   found.is_empty = bucket.sound.empty() && bucket.damaged.empty();
@@ -89,16 +90,18 @@ bool BucketMap::PlaceReached(const Bucket& bucket, std::uint32_t first_entry,
   if (bucket.sound.empty()) return false;
   SetRange(found, first_entry, bits);
   found->last += (last_entry - first_entry) << (kHashBits - bits);
-  found->is_intact = found->is_complete = false;
+  found->has_head = found->is_intact = found->is_complete = false;
   const Hash hash = FirstHash(bucket);
   return hash >= found->first && hash <= found->last;
 }
 
-// Two runs of entries lead to one bucket where an entry between them is damaged.
+// Two runs of entries lead to one bucket where an entry between them is damaged. Of two buckets for
+// the same hashes, one has its head.
 void BucketMap::SortReached() {
   std::sort(reached_.begin(), reached_.end(),
             [](const FoundBucket& left, const FoundBucket& right) {
-              return std::tie(left.first, left.at) < std::tie(right.first, right.at);
+              return std::make_tuple(left.first, !left.has_head, left.at) <
+                     std::make_tuple(right.first, !right.has_head, right.at);
             });
   reached_.erase(std::unique(reached_.begin(), reached_.end(),
                              [](const FoundBucket& left, const FoundBucket& right) {
@@ -117,10 +120,12 @@ bool BucketMap::CoversEverything() const {
 }
 
 // Looks at every offset for an element; buckets lie around elements. What the directory reaches is
-// known already. An element does not begin within another one.
+// known already, if it has its head. An element does not begin within another one.
 void BucketMap::Scan() {
   Vector<Offset> known;
-  for (const FoundBucket& bucket : reached_) known.push_back(bucket.at);
+  for (const FoundBucket& bucket : reached_) {
+    if (bucket.has_head) known.push_back(bucket.at);
+  }
   std::sort(known.begin(), known.end());
   auto next_known = known.begin();
   for (Offset at = 0; file_.Holds(at, sizeof(Element));) {
@@ -277,10 +282,15 @@ Standing BucketMap::StandingBehind(const FoundBucket& newer, Hash hash) const {
                                                                           : Standing::kStale;
 }
 
+bool BucketMap::YieldsTo(const FoundBucket& reached, const FoundBucket& stray) {
+  if (reached.is_empty) return stray.bits >= reached.bits;
+  return !reached.has_head && stray.is_intact && stray.first == reached.first &&
+         stray.last == reached.last;
+}
+
 Standing BucketMap::StandingOf(const FoundBucket& stray, Hash hash) const {
   const FoundBucket* const reached = FindReached(hash);
-  const bool yields = reached != nullptr && reached->is_empty && stray.bits >= reached->bits;
-  if (reached != nullptr && !yields) return StandingBehind(*reached, hash);
+  if (reached != nullptr && !YieldsTo(*reached, stray)) return StandingBehind(*reached, hash);
   const FoundBucket* const newer = FindNewerStray(stray.bits, hash);
   if (newer != nullptr) return StandingBehind(*newer, hash);
   const FoundBucket& best = strays_[FindStray(stray.bits, PrefixOf(hash, stray.bits))];

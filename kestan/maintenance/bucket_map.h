@@ -16,6 +16,7 @@ struct FoundBucket {
   Hash last = 0;
   std::uint8_t bits = 0;
   bool is_reached = false;   // by the directory
+  bool has_head = false;     // see Bucket
   bool is_empty = false;     // no element is used
   bool is_intact = false;    // see Bucket
   bool is_complete = false;  // see Bucket
@@ -43,7 +44,9 @@ enum class Standing : std::uint8_t {
 // 3. A left-over still counts for what is missing in the newer bucket, or where that is missing:
 //    as a fallback, which its reader must weigh, for the record may have been changed or removed
 //    after the split. An empty bucket that the directory reaches tells nothing of the hashes it
-//    holds, and so yields to strays of as many bits or more.
+//    holds, and so yields to strays of as many bits or more. Nor does one without a head prove
+//    the entry of the directory, which may lead into the middle of a bucket: it yields to a stray
+//    that is whole and has just its hashes.
 //
 // Elements whose bucket's head is lost are fallbacks of fallbacks: nobody knows how old they are.
 class BucketMap {
@@ -89,6 +92,7 @@ class BucketMap {
   std::size_t CountEntries(Offset directory, unsigned bits) const;
 
   const FoundBucket* FindReached(Hash hash) const;
+  static bool YieldsTo(const FoundBucket& reached, const FoundBucket& stray);
   std::size_t FindStray(unsigned bits, Hash prefix) const;
   const FoundBucket* FindNewerStray(unsigned bits, Hash hash) const;
   Standing StandingBehind(const FoundBucket& newer, Hash hash) const;

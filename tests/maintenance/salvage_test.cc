@@ -3,6 +3,7 @@
 #include <kestan/maintenance/salvage.h>
 
 #include <algorithm>
+#include <cstring>
 #include <filesystem>
 
 #include "tests/maintenance/index_files.h"
@@ -133,6 +134,24 @@ TEST_F(SalvageTest, FindsEverythingWithoutTheDirectory) {
   for (const char byte : {'\x7f', '\0'}) {
     Overwrite(directory, 8 * kBlockBytes, byte);
     EXPECT_EQ(Salvaged(path_), records);
+  }
+}
+
+TEST_F(SalvageTest, AnEntryThatLeadsIntoTheMiddleOfABucketHidesNothing) {
+  Store(0, 3000, 40);
+  const Records records = Dump(path_);
+  const std::string good = ReadFile(path_);
+  const std::size_t directory = PlaceOf(Place::kDirectory);
+  for (std::size_t entry = 0; entry < 256; entry += 5) {
+    for (const int elements : {1, 3, -1}) {
+      std::string bytes = good;
+      std::int64_t at = 0;
+      std::memcpy(&at, &bytes.at(directory + entry * sizeof at), sizeof at);
+      at += elements * 24;
+      std::memcpy(&bytes.at(directory + entry * sizeof at), &at, sizeof at);
+      WriteFile(path_, bytes);
+      EXPECT_EQ(Salvaged(path_), records) << entry;
+    }
   }
 }
 
