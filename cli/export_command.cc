@@ -11,7 +11,7 @@
 #include "message.h"
 #include "opened_index.h"
 #include "output.h"
-#include "utf8.h"
+#include "latin1.h"
 
 namespace kestan_cli {
 namespace {

@@ -11,7 +11,7 @@
 #include <unordered_set>
 #include <utility>
 
-#include "utf8.h"
+#include "latin1.h"
 
 namespace kestan_cli {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "message.h"
-#include "utf8.h"
+#include "latin1.h"
 
 namespace kestan_cli {
 namespace {

@@ -1,4 +1,4 @@
-#include "cli/utf8.h"
+#include "cli/latin1.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "utf8.h"
+#include "latin1.h"
 
 #include <cstddef>
 

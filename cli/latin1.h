@@ -1,6 +1,6 @@
 // Texts for those who take nothing but UTF-8.
-#ifndef KESTAN_CLI_UTF8_H_
-#define KESTAN_CLI_UTF8_H_
+#ifndef KESTAN_CLI_LATIN1_H_
+#define KESTAN_CLI_LATIN1_H_
 
 #include <string>
 #include <string_view>
@@ -16,4 +16,4 @@ std::string ToUtf8(std::string_view text, bool* was_latin1);
 
 }  // namespace kestan_cli
 
-#endif  // KESTAN_CLI_UTF8_H_
+#endif  // KESTAN_CLI_LATIN1_H_
