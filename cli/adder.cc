@@ -3,18 +3,22 @@
 #include <algorithm>
 #include <string_view>
 
-#include "document.h"
-#include "files.h"
+#include "document_records.h"
 #include "message.h"
 
 namespace kestan_cli {
 
-void Adder::Add(const std::string& name) {
-  const Document document = MakeDocument(ReadFile(name));
+void Adder::Add(const std::string& name, const Document& document, const Fingerprint& fingerprint) {
   AddWords(name, document.words);
   index_.CheckWritten(index_.engine().DBPutTitle(name.c_str(), document.title.c_str()));
   index_.CheckWritten(index_.engine().DBPutSummary(name.c_str(), document.summary.c_str()));
+  Renew(name, fingerprint);
   SaveWhenDue(document.words.size());
+}
+
+void Adder::Renew(const std::string& name, const Fingerprint& fingerprint) {
+  const std::string record = WithFingerprint(UserRecord(index_.engine(), name), fingerprint);
+  index_.CheckWritten(index_.engine().DBPutUser(name.c_str(), record.c_str()));
 }
 
 void Adder::AddWords(const std::string& name, const std::string& words) {

@@ -1,10 +1,12 @@
-// Adding text files to an open index.
+// Adding documents to an open index.
 #ifndef KESTAN_CLI_ADDER_H_
 #define KESTAN_CLI_ADDER_H_
 
 #include <cstddef>
 #include <string>
 
+#include "document.h"
+#include "fingerprint.h"
 #include "opened_index.h"
 
 namespace kestan_cli {
@@ -14,7 +16,7 @@ namespace kestan_cli {
 // records that grew.
 constexpr std::size_t kTextBytesBetweenFlushes = std::size_t{1} << 26;
 
-// Adds text files one by one, and counts the words that the index had never seen.
+// Adds documents one by one, and counts the words that the index had never seen.
 class Adder {
  public:
   // Borrows `index`, which is open for writing. Saving it at the end is up to the caller.
@@ -22,9 +24,13 @@ class Adder {
                  std::size_t text_bytes_between_flushes = kTextBytesBetweenFlushes)
       : index_(index), text_bytes_between_flushes_(text_bytes_between_flushes) {}
 
-  // Adds the file at `name`, with its title and its summary, in place of an earlier version.
-  //   Throws   CommandError if it cannot be read, or the index does not take it.
-  void Add(const std::string& name);
+  // Adds `document` as `name`, in place of an earlier version, with its title, its summary and the
+  // fingerprint of its file.
+  //   Throws   CommandError if the index does not take it.
+  void Add(const std::string& name, const Document& document, const Fingerprint& fingerprint);
+
+  // Stores `fingerprint` for the document `name`, whose file has the same content as before.
+  void Renew(const std::string& name, const Fingerprint& fingerprint);
 
   unsigned long new_words() const { return new_words_; }
 

@@ -5,6 +5,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "skip.h"
+#include "title.h"
+#include "transliterate.h"
+
 namespace kestan_cli {
 namespace {
 
@@ -22,14 +26,6 @@ std::size_t CutAt(const std::string& line, std::size_t max_bytes) {
     if (at == 0) break;
   }
   return max_bytes;
-}
-
-// Parts `text` into its first line that is not blank and all that follows it.
-void SplitAtTitle(std::string_view text, std::string_view* title, std::string_view* rest) {
-  text.remove_prefix(std::min(text.find_first_not_of(kWhiteSpace), text.size()));
-  const std::size_t end = std::min(text.find('\n'), text.size());
-  *title = text.substr(0, end);
-  *rest = text.substr(end);
 }
 
 std::string StripLines(std::string text) {
@@ -58,24 +54,27 @@ std::string Excerpt(std::string_view text, std::size_t max_bytes) {
   return line;
 }
 
-std::string CleanWords(std::string text) {
+std::string CleanWords(std::string text, const std::string& stop_words) {
   const auto size = static_cast<unsigned>(text.size());
   text += ' ';  // the last blank may land one byte past the text
   int length = Kestan::StripNonWords(text.data(), size);
   const char* const no_stop_words = nullptr;
-  length = Kestan::StripWords(text.data(), static_cast<unsigned>(length), "", &no_stop_words);
+  length = Kestan::StripWords(text.data(), static_cast<unsigned>(length), stop_words.c_str(),
+                              &no_stop_words);
   text.resize(static_cast<std::size_t>(length));
   return text;
 }
 
-Document MakeDocument(std::string text) {
-  std::string_view title;
-  std::string_view rest;
-  SplitAtTitle(text, &title, &rest);
+Document MakeDocument(std::string text, TitleRule rule, const WordRules& rules) {
+  const TitledText titled = rule == TitleRule::kMarkdown ? SplitMarkdown(text) : SplitAtTitle(text);
   Document document;
-  document.title = Excerpt(title, kMaxTitleBytes);
-  document.summary = Excerpt(rest, kMaxSummaryBytes);
-  document.words = CleanWords(StripLines(std::move(text)));
+  document.title = Excerpt(titled.title, kMaxTitleBytes);
+  document.summary = Excerpt(titled.rest, kMaxSummaryBytes);
+  text = Transliterated(text);
+  if (text.size() > kMaxTextBytes) throw SkipFile(SkipKind::kTooLarge, "too much text");
+  // After the accents have gone: to the engine a line with a byte above 127 is encoded data.
+  if (rules.strip_encoded) text = StripLines(std::move(text));
+  document.words = CleanWords(std::move(text), rules.stop_words);
   return document;
 }
 

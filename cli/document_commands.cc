@@ -2,6 +2,7 @@
 #include <string>
 
 #include "commands.h"
+#include "document_records.h"
 #include "index_change.h"
 #include "message.h"
 #include "output.h"
@@ -18,13 +19,6 @@ void CheckIndexed(Kestan& engine, const std::string& index, const Names& names) 
   }
 }
 
-void Remove(Kestan& engine, const std::string& name) {
-  engine.RemoveDocumentWords(name.c_str());
-  engine.DBDelTitle(name.c_str());
-  engine.DBDelSummary(name.c_str());
-  engine.DBDelUser(name.c_str());
-}
-
 int RunRemove(Kestan& engine, const Values& values) {
   const std::string index = values.Text("INDEX");
   const Arguments given = values.All("NAME");
@@ -35,53 +29,39 @@ int RunRemove(Kestan& engine, const Values& values) {
     CheckIndexed(engine, index, names);
   }
   change.Begin();
-  for (const std::string& name : names) Remove(engine, name);
+  for (const std::string& name : names) RemoveDocument(engine, name);
   change.Commit();
   if (!values.Has("--quiet")) Print("removed " + Counted(names.size(), "document") + "\n");
   return kDone;
 }
 
-// Moves one of the texts that go with a document.
-void MoveText(Kestan& engine, char* (Kestan::*get)(const char*),
-              int (Kestan::*put)(const char*, const char*), int (Kestan::*del)(const char*),
-              const std::string& from, const std::string& to) {
-  const char* const found = (engine.*get)(from.c_str());
-  if (found == nullptr) {
-    (engine.*del)(to.c_str());
-    return;
-  }
-  const std::string text = found;
-  (engine.*put)(to.c_str(), text.c_str());
-  (engine.*del)(from.c_str());
+void CheckNewName(const std::string& name) {
+  if (name.find('\n') == std::string::npos) return;
+  throw CommandError("the name " + Quoted(name) +
+                     " holds a line feed, and documents are listed one a line");
+}
+
+// Looks before the copy is made.
+void CheckMove(Kestan& engine, const std::string& index, const std::string& from,
+               const std::string& to, bool replace) {
+  const OpenedIndex opened(engine, index, Access::kRead);
+  CheckIndexed(engine, index, {from});
+  if (replace || engine.DocumentTimestamp(to.c_str()) == 0) return;
+  throw CommandError("index " + Quoted(index) + " has a document " + Quoted(to) +
+                     " already; --replace removes it first");
 }
 
 int RunMove(Kestan& engine, const Values& values) {
   const std::string index = values.Text("INDEX");
   const std::string from = values.Text("OLD");
   const std::string to = values.Text("NEW");
-  if (to.find('\n') != std::string::npos) {
-    throw CommandError("the name " + Quoted(to) +
-                       " holds a line feed, and documents are listed one a line");
-  }
+  CheckNewName(to);
   IndexChange change(engine, index, Access::kWrite, WayOf(values.Has("--in-place"), index));
-  {
-    const OpenedIndex opened(engine, index, Access::kRead);
-    CheckIndexed(engine, index, {from});
-    if (from == to) return kDone;
-    if (!values.Has("--replace") && engine.DocumentTimestamp(to.c_str()) != 0) {
-      throw CommandError("index " + Quoted(index) + " has a document " + Quoted(to) +
-                         " already; --replace removes it first");
-    }
-  }
-  change.Begin();
-  engine.RemoveDocumentWords(to.c_str());
-  if (engine.MoveDocumentWords(from.c_str(), to.c_str()) != 0) {
-    throw CommandError("document " + Quoted(from) + " of index " + Quoted(index) +
-                       " is damaged; see kestan check");
-  }
-  MoveText(engine, &Kestan::DBGetTitle, &Kestan::DBPutTitle, &Kestan::DBDelTitle, from, to);
-  MoveText(engine, &Kestan::DBGetSummary, &Kestan::DBPutSummary, &Kestan::DBDelSummary, from, to);
-  MoveText(engine, &Kestan::DBGetUser, &Kestan::DBPutUser, &Kestan::DBDelUser, from, to);
+  CheckMove(engine, index, from, to, values.Has("--replace") || from == to);
+  if (from == to) return kDone;
+  OpenedIndex& opened = change.Begin();
+  RemoveDocument(engine, to);
+  MoveDocument(opened, from, to);
   change.Commit();
   return kDone;
 }

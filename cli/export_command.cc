@@ -8,10 +8,10 @@
 
 #include "commands.h"
 #include "export_writer.h"
+#include "latin1.h"
 #include "message.h"
 #include "opened_index.h"
 #include "output.h"
-#include "latin1.h"
 
 namespace kestan_cli {
 namespace {

@@ -1,58 +1,187 @@
-#include "adder.h"
+#include "index_command.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdio>
+#include <set>
+#include <utility>
+
+#include "change_plan.h"
 #include "commands.h"
-#include "files.h"
-#include "index_change.h"
+#include "file_text.h"
+#include "index_report.h"
+#include "index_run.h"
+#include "index_writer.h"
 #include "message.h"
+#include "opened_index.h"
 #include "output.h"
+#include "path_list.h"
+#include "progress.h"
+#include "scan.h"
+#include "stop_words.h"
 
 namespace kestan_cli {
 namespace {
 
-void CheckInput(const TextFiles& files, const IndexFacts& facts, const std::string& index) {
-  if (files.names.empty()) {
-    throw CommandError("nothing to index: no text files, " +
-                       Counted(files.binary_files, "binary file") + ", " +
-                       Counted(files.links, "link"));
+std::vector<Glob> GlobsOf(const std::vector<std::string>& patterns) {
+  std::vector<Glob> globs;
+  globs.reserve(patterns.size());
+  for (const std::string& pattern : patterns) globs.emplace_back(pattern);
+  return globs;
+}
+
+std::vector<std::string> PathsOf(const IndexOptions& options) {
+  if (!options.paths_from_stdin) {
+    if (options.paths.empty()) throw CommandError("nothing to index: no PATH");
+    return options.paths;
   }
-  // The engine would remove an earlier version before it finds that there is no room for the new.
-  if (files.names.size() > facts.free_codes) {
-    throw CommandError("index " + Quoted(index) + " has room for " +
-                       Counted(facts.free_codes, "more document") + ", not for " +
-                       std::to_string(files.names.size()) + "; shrinking it may make room");
+  if (!options.paths.empty()) throw CommandError("paths are read from the standard input: no PATH");
+  return ReadPathList(stdin);
+}
+
+std::vector<IndexedDocument> DocumentsAt(Kestan& engine, const std::string& index,
+                                         const IndexFacts& facts) {
+  if (!facts.had_documents) return {};
+  const OpenedIndex opened(engine, index, Access::kRead);
+  return IndexedDocuments(engine);
+}
+
+// Paths of a list may have vanished since it was made.
+Scan ScanFor(const IndexOptions& options, const std::vector<std::string>& paths,
+             const std::string& index) {
+  const NameFilter filter{GlobsOf(options.include), GlobsOf(options.exclude)};
+  return ScanPaths(paths, index, filter,
+                   options.paths_from_stdin ? MissingPath::kSkip : MissingPath::kThrow);
+}
+
+// Files that vanished are no failure where their documents are to be removed for it.
+void ForgetSkipsOf(const VanishedDocuments& vanished, std::vector<Skip>* skips) {
+  const auto is_known = [&](const Skip& skip) { return vanished.names().count(skip.name) != 0; };
+  skips->erase(std::remove_if(skips->begin(), skips->end(), is_known), skips->end());
+}
+
+// The engine removes an earlier version before it finds that there is no room for the new one.
+void CheckRoom(const ChangePlan& plan, const ReadingRules& rules, const IndexFacts& facts,
+               const std::string& index, bool quiet) {
+  if (plan.to_read.size() <= facts.free_codes) return;
+  Progress progress(StyleOfStandardError(quiet), plan.to_read.size(), plan.bytes_to_read);
+  const unsigned long needed = CountCodesNeeded(plan, rules, progress);
+  if (needed <= facts.free_codes) return;
+  throw CommandError("index " + Quoted(index) + " has room for " +
+                     Counted(facts.free_codes, "more document") + ", not for " +
+                     std::to_string(needed) + "; shrinking it may make room");
+}
+
+bool IsFailed(const Skip& skip) { return IsFailure(skip.kind); }
+
+void ReportFailures(const std::vector<Skip>& skips) {
+  std::vector<Skip> failures;
+  std::copy_if(skips.begin(), skips.end(), std::back_inserter(failures), IsFailed);
+  for (const Skip& skip : failures) {
+    std::fprintf(stderr, "kestan: %s", SkipLines({skip}).c_str());
   }
 }
 
-unsigned long AddDocuments(IndexChange* change, const std::vector<std::string>& names) {
-  Adder adder(change->Begin());
-  for (const std::string& name : names) adder.Add(name);
-  change->Commit();
-  return adder.new_words();
+void PrintReport(const IndexReport& report, const IndexOptions& options) {
+  if (options.json) return Print(ReportJson(report, options.why));
+  std::string lines;
+  if (options.why) lines += SkipLines(report.skips);
+  if (!options.quiet) lines += ReportLine(report);
+  if (!lines.empty()) Print(lines);
 }
 
-int RunIndex(Kestan& engine, const Values& values) {
-  const std::string index = values.Text("INDEX");
-  IndexChange change(engine, index, Access::kCreate, WayOf(values.Has("--in-place"), index));
-  const TextFiles files = FindTextFiles(values.All("PATH"), index);
-  CheckInput(files, change.facts(), index);
-  const unsigned long new_words = AddDocuments(&change, files.names);
-  Print("indexed " + Counted(files.names.size(), "document") + " (" +
-        Counted(new_words, "new word") + "), skipped " +
-        Counted(files.binary_files, "binary file") + " and " + Counted(files.links, "link") + "\n");
-  return kDone;
+// A list or a folder to prune may be empty for good reasons; a PATH is a mistake then.
+void CheckSomethingDone(const IndexReport& report, const IndexOptions& options) {
+  const unsigned long done =
+      report.added + report.updated + report.moved + report.removed + report.unchanged;
+  if (done == 0 && !options.prune && !options.paths_from_stdin) {
+    throw CommandError(NothingToIndex(report.skips));
+  }
+}
+
+}  // namespace
+
+int RunIndex(Kestan& engine, const std::string& index, const IndexOptions& options) {
+  IndexChange change(engine, index, Access::kCreate, WayOf(options.in_place, index));
+  const IndexFacts& facts = change.facts();
+  const Converters converters(options.converters);
+  const ReadingRules rules{converters,
+                           options.converter_limits,
+                           std::min<std::uint64_t>(options.max_file_bytes, kMaxTextBytes),
+                           {StopWords(options.stop_words), options.strip_encoded}};
+  const std::vector<std::string> paths = PathsOf(options);
+  Scan scan = ScanFor(options, paths, index);
+  std::set<std::string> roots;
+  for (const std::string& path : paths) roots.insert(NameOf(path));
+  ChangePlan plan =
+      PlanChanges(scan.files, DocumentsAt(engine, index, facts), roots, HasVanished, options.all);
+  if (options.prune) ForgetSkipsOf(plan.vanished, &scan.skips);
+  CheckRoom(plan, rules, facts, index, options.quiet);
+
+  IndexReport report;
+  report.skips = std::move(scan.skips);
+  Progress progress(StyleOfStandardError(options.quiet), plan.to_read.size(), plan.bytes_to_read);
+  IndexWriter writer(change);
+  CarryOut(std::move(plan), rules, options.prune, writer, progress, &report);
+  report.new_words = writer.Finish();
+  progress.Clear();
+  std::sort(report.skips.begin(), report.skips.end(),
+            [](const Skip& left, const Skip& right) { return left.name < right.name; });
+
+  if (!options.why) ReportFailures(report.skips);
+  CheckSomethingDone(report, options);
+  PrintReport(report, options);
+  return std::any_of(report.skips.begin(), report.skips.end(), IsFailed) ? kIncomplete : kDone;
+}
+
+namespace {
+
+int RunIndexCommand(Kestan& engine, const Values& values) {
+  IndexOptions options;
+  options.paths = values.All("PATH");
+  options.paths_from_stdin = values.Has("--stdin0");
+  options.include = values.All("--include");
+  options.exclude = values.All("--exclude");
+  options.converters = values.All("--converter");
+  options.stop_words = values.Text("--stop-words");
+  options.strip_encoded = values.Has("--strip-encoded");
+  options.prune = values.Has("--prune");
+  options.all = values.Has("--all");
+  options.quiet = values.Has("--quiet");
+  options.why = values.Has("--why");
+  options.json = values.Has("--json");
+  options.in_place = values.Has("--in-place");
+  return RunIndex(engine, values.Text("INDEX"), options);
+}
+
+std::vector<Option> IndexCommandOptions() {
+  return {{"--prune", "", "remove the documents below the PATHs whose files are gone"},
+          {"--include", "GLOB", "only files that match; may be given more than once"},
+          {"--exclude", "GLOB", "no files that match, nor folders; may be given more than once"},
+          {"--stdin0", "", "read the paths from the standard input, each ended by a NUL"},
+          {"--converter", "EXT=COMMAND",
+           "have COMMAND, with {} for the file, print the text of files that end in .EXT"},
+          {"--stop-words", "LIST", "leave out the words of a file, or of the list \"english\""},
+          {"--strip-encoded", "", "leave out blocks of uuencode and base64"},
+          {"--all", "", "index unchanged files anew too"},
+          {"--why", "", "name each file that was left out, and the reason"},
+          JsonOption(),
+          InPlaceOption(),
+          QuietOption()};
 }
 
 }  // namespace
 
 std::vector<Command> IndexCommands() {
-  return {
-      {"index",
-       "Add text files to an index, which is made where there is none.",
-       {IndexArgument(),
-        {"PATH", "files, and folders with all that is below them", Positional::Count::kOneOrMore}},
-       {InPlaceOption()},
-       "",
-       {"kestan index my.index /usr/share/doc/bash"},
-       RunIndex}};
+  return {{"index",
+           "Bring an index up to date with files; make it where there is none.",
+           {IndexArgument(),
+            {"PATH", "files, and folders with all that is below them", Positional::Count::kAny}},
+           IndexCommandOptions(),
+           "Only what has changed is read. Exit status: 0 when all is indexed, 1 if some files "
+           "could not be, 2 if nothing was done.",
+           {"kestan index my.index /usr/share/doc/bash"},
+           RunIndexCommand}};
 }
 
 }  // namespace kestan_cli

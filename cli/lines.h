@@ -3,6 +3,7 @@
 #define KESTAN_CLI_LINES_H_
 
 #include <algorithm>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -17,6 +18,14 @@ inline std::vector<std::string_view> LinesOf(std::string_view text) {
     text.remove_prefix(std::min(end + 1, text.size()));
   }
   return lines;
+}
+
+// Returns copies of the lines, in order of their bytes.
+inline std::vector<std::string> SortedLines(std::string_view text) {
+  const std::vector<std::string_view> lines = LinesOf(text);
+  std::vector<std::string> sorted(lines.begin(), lines.end());
+  std::sort(sorted.begin(), sorted.end());
+  return sorted;
 }
 
 }  // namespace kestan_cli

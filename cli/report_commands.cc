@@ -13,13 +13,6 @@
 namespace kestan_cli {
 namespace {
 
-std::vector<std::string> Sorted(std::string_view text) {
-  const std::vector<std::string_view> lines = LinesOf(text);
-  std::vector<std::string> sorted(lines.begin(), lines.end());
-  std::sort(sorted.begin(), sorted.end());
-  return sorted;
-}
-
 std::string Joined(const std::vector<std::string>& items, char end) {
   std::string text;
   for (const std::string& item : items) text.append(item) += end;
@@ -35,7 +28,7 @@ Json DescriptionOf(Kestan& engine, const std::string& name) {
 
 int RunList(Kestan& engine, const Values& values) {
   const OpenedIndex opened(engine, values.Text("INDEX"), Access::kRead);
-  const std::vector<std::string> names = Sorted(engine.ListDocuments());
+  const std::vector<std::string> names = SortedLines(engine.ListDocuments());
   if (!values.Has("--json")) {
     Print(Joined(names, values.Has("--null") ? '\0' : '\n'));
     return kDone;
@@ -93,7 +86,7 @@ int RunWords(Kestan& engine, const Values& values) {
   const double low = BoundOf(values, "--at-least", 1);
   const double high = BoundOf(values, "--at-most", -1);
   const OpenedIndex opened(engine, values.Text("INDEX"), Access::kRead);
-  const std::vector<std::string> words = Sorted(engine.CommonWords(low, high));
+  const std::vector<std::string> words = SortedLines(engine.CommonWords(low, high));
   if (values.Has("--counts") || values.Has("--json")) {
     PrintCounts(CountDocuments(engine, words), values.Has("--json"));
   } else {

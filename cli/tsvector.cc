@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "message.h"
 #include "latin1.h"
+#include "message.h"
 
 namespace kestan_cli {
 namespace {

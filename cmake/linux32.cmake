@@ -8,6 +8,11 @@ set(CMAKE_LIBRARY_ARCHITECTURE i386-linux-gnu)
 
 set(KESTAN_ROOT_32BIT ${CMAKE_CURRENT_LIST_DIR}/../build/32bit-root)
 set(CMAKE_FIND_ROOT_PATH ${KESTAN_ROOT_32BIT})
+# Where the libraries there find each other. Unlike the newer tag, the older one counts for them too.
+set(KESTAN_LIBRARIES_32BIT
+  ${KESTAN_ROOT_32BIT}/usr/lib/i386-linux-gnu:${KESTAN_ROOT_32BIT}/lib/i386-linux-gnu)
+set(CMAKE_EXE_LINKER_FLAGS_INIT
+  "-Wl,--disable-new-dtags -Wl,-rpath,${KESTAN_LIBRARIES_32BIT} -Wl,-rpath-link,${KESTAN_LIBRARIES_32BIT}")
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE BOTH)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE BOTH)

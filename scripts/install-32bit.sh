@@ -4,8 +4,14 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
+packages=(libgdbm6 libgdbm-dev libgtest-dev libgmock-dev librapidcheck-dev
+  libicu72 libicu-dev libxml2 libxml2-dev libxxhash0 libxxhash-dev)
+# What libxml2 is linked with beside ICU.
+packages+=(liblzma5 zlib1g)
+
+# Complete is what was unpacked from this very list.
 root=$PWD/build/32bit-root
-[ -e "$root/complete" ] && exit 0
+[ "$(cat "$root/complete" 2>/dev/null)" = "${packages[*]}" ] && exit 0
 rm -rf "$root"
 mkdir -p "$root/apt/state/lists/partial" "$root/apt/cache/archives/partial" "$root/packages"
 
@@ -14,7 +20,6 @@ apt=(apt-get -q -o "Dir::State=$root/apt/state" -o "Dir::Cache=$root/apt/cache"
   -o APT::Sandbox::User=root)
 # One list that cannot be fetched, of some source without this architecture, does not matter.
 "${apt[@]}" update || true
-(cd "$root/packages" &&
-  "${apt[@]}" download libgdbm6 libgdbm-dev libgtest-dev libgmock-dev librapidcheck-dev)
+(cd "$root/packages" && "${apt[@]}" download "${packages[@]}")
 for package in "$root"/packages/*.deb; do dpkg-deb -x "$package" "$root"; done
-touch "$root/complete"
+echo "${packages[*]}" >"$root/complete"

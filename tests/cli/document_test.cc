@@ -74,13 +74,34 @@ TEST(CleanWordsTest, CutsWordsAfter64Letters) {
 
 TEST(CleanWordsTest, NothingStaysNothing) { EXPECT_EQ(CleanWords(""), ""); }
 
-TEST(DocumentTest, WordsLeaveOutLinesOfEncodedData) {
-  const std::string encoded = "M" + std::string(60, 'A') + "\n";
-  EXPECT_EQ(MakeDocument("first line.\n" + encoded + "last.\n").words, "first line\n\nlast\n");
+const std::string kEncoded = "M" + std::string(60, 'A') + "\n";
+
+std::string WordsOf(const std::string& text, const WordRules& rules = {}) {
+  return MakeDocument(text, TitleRule::kFirstLine, rules).words;
 }
 
-TEST(DocumentTest, WordsLeaveOutLinesWithBytesAbove127) {
-  EXPECT_EQ(MakeDocument("one.\ncaf\xc3\xa9 two.\nthree.\n").words, "one\n\nthree\n");
+TEST(DocumentTest, WordsLeaveOutLinesOfEncodedDataOnRequest) {
+  const std::string text = "first line.\n" + kEncoded + "last.\n";
+  EXPECT_EQ(WordsOf(text, {"", true}), "first line\n\nlast\n");
+  EXPECT_EQ(WordsOf(text), "first line\n" + std::string("M") + std::string(60, 'A') + " last\n");
+}
+
+TEST(DocumentTest, WordsWithAccentsAreIndexedWithout) {
+  EXPECT_EQ(WordsOf("one.\ncaf\xc3\xa9 two.\nthree.\n"), "one\ncafe two\nthree\n");
+}
+
+TEST(DocumentTest, LinesWithAccentsAreNoEncodedData) {
+  EXPECT_EQ(WordsOf("one.\ncaf\xc3\xa9 two.\nthree.\n", {"", true}), "one\ncafe two\nthree\n");
+}
+
+TEST(DocumentTest, TitleAndSummaryKeepTheirAccents) {
+  const Document document = MakeDocument("Caf\xc3\xa9\nZ\xc3\xbcrich");
+  EXPECT_EQ(document.title, "Caf\xc3\xa9");
+  EXPECT_EQ(document.summary, "Z\xc3\xbcrich");
+}
+
+TEST(DocumentTest, StopWordsAreLeftOutWithShortWords) {
+  EXPECT_EQ(WordsOf("The cat is here\n", {"the here", false}), " cat   ");
 }
 
 TEST(DocumentTest, EmptyTextIsAnEmptyDocument) { EXPECT_EQ(MakeDocument("").words, ""); }

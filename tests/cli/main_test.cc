@@ -22,13 +22,15 @@ TEST_F(MainTest, VersionIsPrinted) {
 TEST_F(MainTest, HelpNamesEverySubcommand) {
   const Outcome outcome = Run({"--help"});
   EXPECT_EQ(outcome.status, 0);
-  for (const char* name : {"index", "search", "list", "stats", "remove", "shrink"}) {
+  for (const char* name : {"index", "search", "list", "words", "stats", "remove", "move", "shrink",
+                           "copy", "check", "dump", "export"}) {
     EXPECT_NE(outcome.out.find(std::string("\n  ") + name + " "), std::string::npos) << name;
   }
 }
 
 TEST_F(MainTest, HelpOfEverySubcommandHasAnExample) {
-  for (const char* name : {"index", "search", "list", "stats", "remove", "shrink"}) {
+  for (const char* name : {"index", "search", "list", "words", "stats", "remove", "move", "shrink",
+                           "copy", "check", "dump", "export"}) {
     const Outcome outcome = Run({name, "--help"});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_NE(outcome.out.find(std::string("\nExample: kestan ") + name + " my.index"),
@@ -89,6 +91,7 @@ TEST_F(MainTest, DiagnosticsForAClosedStreamNeverReachTheIndex) {
   Add("a", "cat\n");
   // A reusable code of 0 makes the engine speak while the index is open.
   Plant(Path("my.index"), {{"g-avail", Units({0})}});
+  Write("a", "dog\n");
   EXPECT_EQ(Run({"index", "my.index", "a"}, [] { close(STDERR_FILENO); }).status, 1);
   EXPECT_EQ(IndexBytes().find("oops"), std::string::npos);
   EXPECT_NE(Run({"index", "my.index", "a"}).err.find("oops"), std::string::npos);

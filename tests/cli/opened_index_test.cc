@@ -157,6 +157,7 @@ TEST_F(OpenedIndexTest, IndexWithoutLeaveToReadIsRefused) {
 
 TEST_F(OpenedIndexTest, IndexWithoutLeaveToWriteCanBeReadOnly) {
   Add("docs/a", "some words\n");
+  Write("docs/b", "to add\n");
   OpenFolderToAll(0755);
   ASSERT_EQ(chmod(Path("my.index").c_str(), 0444), 0);
   ExpectRefusalOfFile({{"shrink", "my.index"}, {"index", "my.index", "docs"}}, "my.index",

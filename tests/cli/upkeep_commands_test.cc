@@ -67,7 +67,8 @@ TEST_F(UpkeepCommandsTest, ShrinkGivesRoomBack) {
     text += {static_cast<char>('a' + i / 676), static_cast<char>('a' + i / 26 % 26),
              static_cast<char>('a' + i % 26), ' '};
   }
-  for (int i = 0; i < 3; ++i) Add("large", text);
+  // A file that stays the same would not be indexed again.
+  for (unsigned i = 0; i < 3; ++i) Add("large", text + std::string(i, '\n'));
   const auto before = std::filesystem::file_size(Path("my.index"));
   ASSERT_EQ(Run({"shrink", "my.index"}).status, 0);
   EXPECT_LT(std::filesystem::file_size(Path("my.index")), before);
@@ -88,6 +89,66 @@ TEST_F(UpkeepCommandsTest, ShrinkFollowsALinkToTheIndex) {
   ASSERT_EQ(Run({"shrink", "link"}).status, 0);
   EXPECT_TRUE(std::filesystem::is_symlink(Path("link")));
   EXPECT_EQ(Dump(Path("my.index")).count("g-deleted"), 0u);
+}
+
+TEST_F(UpkeepCommandsTest, DryRunTellsWhatAShrinkWouldGiveBackAndChangesNothing) {
+  Add("large", std::string(200000, 'x') + " y " + std::string(60, 'z'));
+  ASSERT_EQ(Run({"remove", "my.index", "large"}).status, 0);
+  const std::string before = IndexBytes();
+  const Outcome dry = Run({"shrink", "-n", "my.index"});
+  EXPECT_EQ(IndexBytes(), before);
+  const Outcome shrunk = Run({"shrink", "my.index"});
+  EXPECT_EQ(dry.out, "would shrink" + shrunk.out.substr(6));
+}
+
+TEST_F(UpkeepCommandsTest, MoveTakesTheTextsAlong) {
+  EXPECT_EQ(Run({"move", "my.index", "a", "z"}), Success(""));
+  EXPECT_EQ(Run({"list", "my.index"}), Success("b\nz\n"));
+  EXPECT_EQ(Run({"title", "get", "my.index", "z"}), Success("cat\n"));
+  EXPECT_EQ(Run({"check", "my.index"}), Success("0 faults, 0 notes\n"));
+}
+
+TEST_F(UpkeepCommandsTest, MoveOntoAnotherDocumentWantsToBeTold) {
+  EXPECT_EQ(Run({"move", "my.index", "a", "b"}),
+            Failure("index 'my.index' has a document 'b' already; --replace removes it first"));
+  EXPECT_EQ(Run({"move", "my.index", "a", "b", "--replace"}), Success(""));
+  EXPECT_EQ(Run({"list", "my.index"}), Success("b\n"));
+  EXPECT_EQ(Run({"check", "my.index"}), Success("0 faults, 0 notes\n"));
+}
+
+TEST_F(UpkeepCommandsTest, MoveToItsOwnNameChangesNothing) {
+  const std::string before = IndexBytes();
+  EXPECT_EQ(Run({"move", "my.index", "a", "a"}), Success(""));
+  EXPECT_EQ(IndexBytes(), before);
+}
+
+TEST_F(UpkeepCommandsTest, MoveOfAnUnknownDocumentIsTold) {
+  EXPECT_EQ(Run({"move", "my.index", "x", "y"}), Failure("no document 'x' in index 'my.index'"));
+}
+
+TEST_F(UpkeepCommandsTest, NameOfTwoLinesIsRefused) {
+  EXPECT_EQ(Run({"move", "my.index", "a", "b\nc"}),
+            Failure("the name 'b\\nc' holds a line feed, and documents are listed one a line"));
+}
+
+TEST_F(UpkeepCommandsTest, FlagsAreSetAndCleared) {
+  EXPECT_EQ(Run({"option", "get", "my.index"}), Success("0\n"));
+  EXPECT_EQ(Run({"option", "set", "my.index", "6"}), Success(""));
+  EXPECT_EQ(Run({"option", "clear", "my.index", "2"}), Success(""));
+  EXPECT_EQ(Run({"option", "get", "my.index"}), Success("4\n"));
+  EXPECT_EQ(Run({"option", "set", "my.index", "5"}),
+            Failure("index 'my.index' has flags 4 set already"));
+  EXPECT_EQ(Run({"option", "set", "my.index", "0"}),
+            Failure("FLAGS takes a number from 1 to 4294967295, not '0'"));
+}
+
+TEST_F(UpkeepCommandsTest, PositionsDoNotComeBack) {
+  EXPECT_EQ(Run({"option", "set", "my.index", "1"}), Success(""));
+  EXPECT_EQ(Run({"option", "get", "my.index", "--json"}),
+            Success("{\"schema\":1,\"flags\":1,\"positions_kept\":false}\n"));
+  EXPECT_EQ(Run({"option", "clear", "my.index", "1"}),
+            Failure("flag 1 of index 'my.index' cannot be cleared: the positions of its words are "
+                    "gone"));
 }
 
 }  // namespace

@@ -1,0 +1,68 @@
+#include "document_records.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+#include "lines.h"
+#include "message.h"
+
+namespace kestan_cli {
+namespace {
+
+// One of the three texts that an index keeps for each name.
+struct SideRecord {
+  char* (Kestan::*get)(const char* name);
+  int (Kestan::*put)(const char* name, const char* text);
+  int (Kestan::*remove)(const char* name);
+};
+
+constexpr std::array kSideRecords{
+    SideRecord{&Kestan::DBGetTitle, &Kestan::DBPutTitle, &Kestan::DBDelTitle},
+    SideRecord{&Kestan::DBGetSummary, &Kestan::DBPutSummary, &Kestan::DBDelSummary},
+    SideRecord{&Kestan::DBGetUser, &Kestan::DBPutUser, &Kestan::DBDelUser},
+};
+
+void MoveSideRecord(OpenedIndex& index, const SideRecord& record, const std::string& from,
+                    const std::string& to) {
+  Kestan& engine = index.engine();
+  const char* const text = (engine.*record.get)(from.c_str());
+  if (text == nullptr) {
+    (engine.*record.remove)(to.c_str());  // left there by an earlier document of that name
+    return;
+  }
+  index.CheckWritten((engine.*record.put)(to.c_str(), std::string(text).c_str()));
+  (engine.*record.remove)(from.c_str());
+}
+
+}  // namespace
+
+std::vector<IndexedDocument> IndexedDocuments(Kestan& engine) {
+  std::vector<IndexedDocument> documents;
+  for (std::string& name : SortedLines(engine.ListDocuments())) {
+    if (name.empty()) continue;
+    const auto fingerprint = FingerprintIn(UserRecord(engine, name));
+    documents.push_back({std::move(name), fingerprint});
+  }
+  return documents;
+}
+
+std::string UserRecord(Kestan& engine, const std::string& name) {
+  const char* const text = engine.DBGetUser(name.c_str());
+  return text != nullptr ? text : "";
+}
+
+void RemoveDocument(Kestan& engine, const std::string& name) {
+  engine.RemoveDocumentWords(name.c_str());
+  for (const SideRecord& record : kSideRecords) (engine.*record.remove)(name.c_str());
+}
+
+void MoveDocument(OpenedIndex& index, const std::string& from, const std::string& to) {
+  if (index.engine().MoveDocumentWords(from.c_str(), to.c_str()) != 0) {
+    throw CommandError("index " + Quoted(index.path()) + " did not rename " + Quoted(from));
+  }
+  for (const SideRecord& record : kSideRecords) MoveSideRecord(index, record, from, to);
+}
+
+}  // namespace kestan_cli

@@ -1,0 +1,39 @@
+// What a run of `kestan index` tells at its end.
+#ifndef KESTAN_CLI_INDEX_REPORT_H_
+#define KESTAN_CLI_INDEX_REPORT_H_
+
+#include <string>
+#include <vector>
+
+#include "skip.h"
+
+namespace kestan_cli {
+
+struct IndexReport {
+  unsigned long added = 0;
+  unsigned long updated = 0;
+  unsigned long moved = 0;
+  unsigned long removed = 0;
+  unsigned long unchanged = 0;
+  unsigned long new_words = 0;  // that the index had never seen
+  std::vector<Skip> skips;
+};
+
+// Returns "added 1, updated 0, moved 0, removed 0, unchanged 7, skipped 2 (1 binary file, 1 link)"
+// as a line.
+std::string ReportLine(const IndexReport& report);
+
+// Returns a line "skipped 'NAME': REASON" for each file that was left out.
+std::string SkipLines(const std::vector<Skip>& skips);
+
+// Returns the report as JSON, on one line: the numbers of ReportLine under its words, "skipped" as
+// an object of a "total" and a number for each kind; with `with_files` each of the files under
+// "skipped_files". Bytes of names that are not UTF-8 become U+FFFD.
+std::string ReportJson(const IndexReport& report, bool with_files);
+
+// Returns why nothing came of a run, as a line without its end.
+std::string NothingToIndex(const std::vector<Skip>& skips);
+
+}  // namespace kestan_cli
+
+#endif  // KESTAN_CLI_INDEX_REPORT_H_

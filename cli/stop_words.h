@@ -1,0 +1,17 @@
+// Words too common to tell documents apart.
+#ifndef KESTAN_CLI_STOP_WORDS_H_
+#define KESTAN_CLI_STOP_WORDS_H_
+
+#include <string>
+
+namespace kestan_cli {
+
+// Returns the stop words that `choice` names, separated by white space: none for "", a short list
+// for "english", else those in the file at the path `choice`, in any script. Spelled as words are
+// indexed: without accents and apostrophes.
+//   Throws   CommandError if the file cannot be read or is no text.
+std::string StopWords(const std::string& choice);
+
+}  // namespace kestan_cli
+
+#endif  // KESTAN_CLI_STOP_WORDS_H_

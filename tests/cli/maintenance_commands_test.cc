@@ -1,0 +1,119 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "tests/cli/command_test.h"
+
+namespace kestan_tests {
+namespace {
+
+class MaintenanceCommandsTest : public CommandTest {
+ protected:
+  void SetUp() override {
+    Add("a", "cat dog\n");
+    Add("b", "cat\n");
+  }
+};
+
+TEST_F(MaintenanceCommandsTest, CheckFindsNothingWrongWithAGoodIndex) {
+  EXPECT_EQ(Run({"check", "my.index"}), Success("0 faults, 0 notes\n"));
+  EXPECT_EQ(Run({"check", "my.index", "--json"}),
+            Success("{\"schema\":1,\"faults\":0,\"notes\":0,\"lines\":[]}\n"));
+}
+
+TEST_F(MaintenanceCommandsTest, CheckNamesEachFaultAndEndsWithStatusOne) {
+  Plant(Path("my.index"), {{"g-code", Units({1})}});
+  EXPECT_EQ(
+      Run({"check", "my.index"}),
+      (Outcome{1, "g-code: the counter 1 is below code 2, which is in use\n1 fault, 0 notes\n",
+               ""}));
+  EXPECT_EQ(Run({"check", "-q", "my.index"}), (Outcome{1, "", ""}));
+}
+
+TEST_F(MaintenanceCommandsTest, RepairSavesWhatADamagedIndexHolds) {
+  std::string bytes = IndexBytes();
+  bytes.replace(0, 400, 400, '\xff');  // the header
+  Write("damaged.index", bytes);
+  EXPECT_EQ(Run({"list", "damaged.index"}).status, 2);
+  const Outcome outcome = Run({"repair", "damaged.index", "new.index"});
+  EXPECT_EQ(outcome.status, 0) << outcome;
+  EXPECT_NE(outcome.out.find("saved 2 documents, 0 with words missing, 0 half-written, 0 lost\n"),
+            std::string::npos)
+      << outcome;
+  EXPECT_EQ(Run({"search", "new.index", "dog"}), Success("100 a\n"));
+  EXPECT_EQ(Run({"check", "new.index"}).status, 0);
+  EXPECT_EQ(BytesOfFile(Path("damaged.index")), bytes);
+}
+
+TEST_F(MaintenanceCommandsTest, RepairDoesNotOverwrite) {
+  EXPECT_EQ(Run({"repair", "my.index", "my.index"}),
+            Failure("cannot make 'my.index': there is something already"));
+}
+
+TEST_F(MaintenanceCommandsTest, RepairOfNothingLeavesNothing) {
+  Write("noise", std::string(5000, 'x'));
+  for (const char* damaged : {"noise", "missing", "."}) {
+    const Outcome outcome = Run({"repair", damaged, "new.index"});
+    EXPECT_EQ(outcome.status, 2) << outcome;
+    EXPECT_FALSE(std::filesystem::exists(Path("new.index")));
+    EXPECT_FALSE(std::filesystem::exists(Path("new.index.kestan-new")));
+  }
+}
+
+TEST_F(MaintenanceCommandsTest, DumpAndLoadKeepEveryRecord) {
+  const Outcome dump = Run({"dump", "my.index"});
+  ASSERT_EQ(dump.status, 0) << dump;
+  EXPECT_EQ(dump.out.substr(0, 13), "kestan-dump 1");
+  Write("my.dump", dump.out);
+  EXPECT_EQ(Run({"load", "new.index", "my.dump"}), Success(""));
+  EXPECT_EQ(Dump(Path("new.index")), Dump(Path("my.index")));
+}
+
+TEST_F(MaintenanceCommandsTest, LoadReadsTheStandardInput) {
+  Write("my.dump", Run({"dump", "my.index"}).out);
+  const auto from_file = [this] {
+    dup2(open(Path("my.dump").c_str(), O_RDONLY | O_CLOEXEC), STDIN_FILENO);
+  };
+  EXPECT_EQ(Run({"load", "new.index"}, from_file), Success(""));
+  EXPECT_EQ(Run({"load", "other.index", "-"}, from_file), Success(""));
+  EXPECT_EQ(Dump(Path("other.index")), Dump(Path("my.index")));
+}
+
+TEST_F(MaintenanceCommandsTest, DumpThatWasCutMakesNoIndex) {
+  const std::string dump = Run({"dump", "my.index"}).out;
+  Write("cut.dump", dump.substr(0, dump.size() / 2));
+  const Outcome outcome = Run({"load", "new.index", "cut.dump"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.err.rfind("kestan: cannot load 'cut.dump': line ", 0), 0u) << outcome;
+  EXPECT_FALSE(std::filesystem::exists(Path("new.index")));
+  EXPECT_FALSE(std::filesystem::exists(Path("new.index.kestan-new")));
+}
+
+TEST_F(MaintenanceCommandsTest, LoadOfAMissingFileIsTold) {
+  EXPECT_EQ(Run({"load", "new.index", "nowhere"}),
+            Failure("cannot read 'nowhere': no such file or directory"));
+}
+
+TEST_F(MaintenanceCommandsTest, LoadDoesNotOverwrite) {
+  Write("my.dump", Run({"dump", "my.index"}).out);
+  EXPECT_EQ(Run({"load", "my.index", "my.dump"}),
+            Failure("cannot make 'my.index': there is something already"));
+}
+
+TEST_F(MaintenanceCommandsTest, CopyHoldsEveryRecord) {
+  EXPECT_EQ(Run({"copy", "my.index", "new.index"}), Success(""));
+  EXPECT_EQ(Dump(Path("new.index")), Dump(Path("my.index")));
+  EXPECT_EQ(Run({"copy", "my.index", "new.index"}),
+            Failure("cannot make 'new.index': there is something already"));
+}
+
+TEST_F(MaintenanceCommandsTest, ExportPrintsEitherForm) {
+  EXPECT_EQ(Run({"export", "my.index", "json"}).out.rfind("{\"index\":{\"_index\":\"kestan\"", 0),
+            0u);
+  EXPECT_NE(Run({"export", "my.index", "sql", "texts"}).out.find("tsvector"), std::string::npos);
+  EXPECT_EQ(Run({"export", "my.index", "xml"}), Failure("no form 'xml'; there are json and sql"));
+}
+
+}  // namespace
+}  // namespace kestan_tests
