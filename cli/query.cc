@@ -1,107 +1,34 @@
 #include "query.h"
 
 #include <algorithm>
-#include <charconv>
+#include <cctype>
 #include <cstddef>
+#include <limits>
 #include <utility>
 
 #include "document.h"
-#include "message.h"
+#include "query_tokens.h"
+#include "transliterate.h"
+#include "word_forms.h"
 
 namespace kestan_cli {
 namespace {
 
-struct Token {
-  enum class Kind { kWord, kAnd, kOr, kNear, kNot, kOpen, kClose, kEnd };
-  Kind kind = Kind::kEnd;
-  std::string_view text;
-  std::size_t column = 0;
-};
+using Kind = Token::Kind;
+using MaybeQuery = std::optional<Query>;
 
 constexpr std::string_view kBlanks = " \t\n\v\f\r";
-constexpr std::string_view kWordEnds = " \t\n\v\f\r()";
-constexpr std::string_view kNear = "NEAR/";
 
-auto SyntaxError(std::size_t column, const std::string& what) {
-  return CommandError("query, column " + std::to_string(column) + ": " + what);
-}
-
-std::string InDoubleQuotes(std::string_view text) { return '"' + OneLine(text) + '"'; }
-
-bool StartsWith(std::string_view text, std::string_view start) {
-  return text.substr(0, start.size()) == start;
-}
-
-Token::Kind KindOf(std::string_view text) {
-  if (text == "(") return Token::Kind::kOpen;
-  if (text == ")") return Token::Kind::kClose;
-  if (text == "AND") return Token::Kind::kAnd;
-  if (text == "OR") return Token::Kind::kOr;
-  if (text == "NOT") return Token::Kind::kNot;
-  if (text == "NEAR" || StartsWith(text, kNear)) return Token::Kind::kNear;
-  return Token::Kind::kWord;
-}
-
-// Counts characters: every byte but those that continue a UTF-8 character.
-std::size_t ColumnOf(std::string_view text, std::size_t at) {
-  const auto starts = [](char byte) { return (static_cast<unsigned char>(byte) & 0xc0) != 0x80; };
-  return 1 + static_cast<std::size_t>(std::count_if(
-                 text.begin(), text.begin() + static_cast<std::ptrdiff_t>(at), starts));
-}
-
-// Cuts `text` into tokens; the last is kEnd.
-std::vector<Token> Tokens(std::string_view text) {
-  std::vector<Token> tokens;
-  std::size_t column = 1;
-  while (true) {
-    const std::size_t start = std::min(text.find_first_not_of(kBlanks), text.size());
-    column += ColumnOf(text, start) - 1;
-    text.remove_prefix(start);
-    if (text.empty()) break;
-    const std::size_t end = std::min(text.find_first_of(kWordEnds), text.size());
-    const std::string_view token = text.substr(0, std::max<std::size_t>(end, 1));
-    tokens.push_back({KindOf(token), token, column});
-    column += ColumnOf(text, token.size()) - 1;
-    text.remove_prefix(token.size());
-  }
-  tokens.push_back({Token::Kind::kEnd, "", column});
-  return tokens;
-}
-
-// Told first, for a lost parenthesis makes nonsense of every other complaint.
-void CheckParentheses(const std::vector<Token>& tokens) {
-  std::vector<std::size_t> open_columns;
-  for (const Token& token : tokens) {
-    if (token.kind == Token::Kind::kOpen) open_columns.push_back(token.column);
-    if (token.kind != Token::Kind::kClose) continue;
-    if (open_columns.empty()) throw SyntaxError(token.column, "\")\" without \"(\"");
-    open_columns.pop_back();
-  }
-  if (!open_columns.empty()) throw SyntaxError(open_columns.back(), "\"(\" without \")\"");
-}
-
-int DistanceOf(const Token& near) {
-  const std::string_view digits = near.text.substr(std::min(kNear.size(), near.text.size()));
-  int distance = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), distance);
-  if (error == std::errc() && end == digits.data() + digits.size() && distance >= 1) {
-    return distance;
-  }
-  throw SyntaxError(near.column,
-                    InDoubleQuotes(near.text) + " needs a distance of 1 or more, as in NEAR/3");
-}
-
-char Lower(char letter) { return static_cast<char>(letter | 0x20); }
-
-Query WordQuery(std::string word) {
-  std::transform(word.begin(), word.end(), word.begin(), Lower);
+Query WordQuery(std::string_view word, int distance_words) {
   Query query;
-  query.word = std::move(word);
+  query.word = word;
+  query.distance_words = distance_words;
   return query;
 }
 
-// A node for `operands`, or the only one of them.
-Query Combined(Query::Kind kind, std::vector<Query> operands) {
+// A node for `operands`, or the only one of them, or nothing.
+MaybeQuery Combined(Query::Kind kind, std::vector<Query> operands) {
+  if (operands.empty()) return std::nullopt;
   if (operands.size() == 1) return std::move(operands.front());
   Query query;
   query.kind = kind;
@@ -109,125 +36,213 @@ Query Combined(Query::Kind kind, std::vector<Query> operands) {
   return query;
 }
 
-// Documents lose every line that holds a byte above 127, so no document could match.
-void CheckLetters(const Token& token) {
-  const auto is_ascii = [](char byte) { return static_cast<unsigned char>(byte) < 128; };
-  if (std::all_of(token.text.begin(), token.text.end(), is_ascii)) return;
-  throw SyntaxError(token.column, InDoubleQuotes(token.text) +
-                                      " has letters other than A to Z, which are not indexed");
+void AppendIfAny(MaybeQuery query, std::vector<Query>* operands) {
+  if (query) operands->push_back(std::move(*query));
 }
 
-Query WordsOf(const Token& token) {
-  CheckLetters(token);
-  const std::string cleaned = CleanWords(std::string(token.text));
+// The words of `text` as documents have them.
+std::vector<Query> WordsIn(const std::string& text) {
+  const std::string cleaned = CleanWords(Transliterated(text));
   std::vector<Query> words;
   for (std::string_view rest = cleaned;;) {
     rest.remove_prefix(std::min(rest.find_first_not_of(kBlanks), rest.size()));
-    if (rest.empty()) break;
+    if (rest.empty()) return words;
     const std::string_view word = rest.substr(0, rest.find_first_of(kBlanks));
-    words.push_back(WordQuery(std::string(word)));
-    words.back().distance_words = 1;
+    words.push_back(WordQuery(word, words.empty() ? 0 : 1));
     rest.remove_prefix(word.size());
   }
-  if (words.empty()) {
-    throw SyntaxError(token.column, InDoubleQuotes(token.text) + " holds no letters to search for");
+}
+
+// What the end of a word asks for beyond the word.
+struct Suffix {
+  Query::Kind kind = Query::Kind::kWord;
+  int edits = 0;
+  std::size_t bytes = 0;
+};
+
+Suffix SuffixOf(std::string_view text) {
+  const auto ends_with = [text](std::string_view end) {
+    return text.size() > end.size() && text.substr(text.size() - end.size()) == end;
+  };
+  if (ends_with("*")) return {Query::Kind::kPrefix, 0, 1};
+  if (ends_with("~1")) return {Query::Kind::kFuzzy, 1, 2};
+  if (ends_with("~2")) return {Query::Kind::kFuzzy, 2, 2};
+  if (ends_with("~")) return {Query::Kind::kFuzzy, 1, 1};
+  return {};
+}
+
+// Whether a word goes up to the end of `text`, so that a suffix is about it.
+bool EndsInLetter(std::string_view text) {
+  return !text.empty() && (std::isalpha(static_cast<unsigned char>(text.back())) != 0 ||
+                           static_cast<unsigned char>(text.back()) >= 0x80);
+}
+
+MaybeQuery WordsOf(const Token& token) {
+  const Suffix suffix = token.kind == Kind::kWord ? SuffixOf(token.text) : Suffix{};
+  const std::string text = token.text.substr(0, token.text.size() - suffix.bytes);
+  std::vector<Query> words = WordsIn(text);
+  if (suffix.bytes > 0 && !words.empty() && EndsInLetter(text)) {
+    words.back().kind = suffix.kind;
+    words.back().edits = suffix.edits;
   }
   return Combined(Query::Kind::kNear, std::move(words));
 }
 
-// Reads tokens whose parentheses match, one function for each line of the grammar.
+bool IsStop(const Query& query) {
+  return query.kind == Query::Kind::kWord && IsStopWord(query.word);
+}
+
+bool IsInSmallLetters(const std::string& word) {
+  return std::none_of(word.begin(), word.end(), [](char letter) { return letter < 'a'; });
+}
+
+// Makes of words what finds most of what they are about.
+std::vector<Query> AsQuestion(std::vector<Query> words) {
+  if (!std::all_of(words.begin(), words.end(), IsStop)) {
+    words.erase(std::remove_if(words.begin(), words.end(), IsStop), words.end());
+  }
+  for (Query& query : words) {
+    const bool has_forms = query.kind == Query::Kind::kWord && IsInSmallLetters(query.word);
+    if (has_forms) query.kind = Query::Kind::kForms;
+  }
+  return words;
+}
+
+// Reads tokens, one function for each line of the grammar. Each returns nothing where no letters
+// are.
 class Parser {
  public:
-  explicit Parser(std::vector<Token> tokens) : tokens_(std::move(tokens)) {}
+  Parser(std::vector<Token> tokens, SideBySide side_by_side)
+      : tokens_(std::move(tokens)), side_by_side_(side_by_side), left_out_(tokens_.size()) {}
 
-  Query ParseOr() {
-    std::vector<Query> operands{ParseAnd()};
-    while (Take(Token::Kind::kOr)) operands.push_back(ParseAnd());
+  MaybeQuery ParseOr() {
+    if (side_by_side_ == SideBySide::kAny) return ParseAny();
+    std::vector<Query> operands;
+    do {
+      AppendIfAny(ParseAnd(), &operands);
+    } while (Take(Kind::kOr));
     return Combined(Query::Kind::kOr, std::move(operands));
   }
 
  private:
-  Query ParseAnd() {
-    std::vector<Query> operands{ParseNear()};
-    while (Take(Token::Kind::kAnd) || StartsPart()) operands.push_back(ParseNear());
+  // Takes the place of both OR and words side by side.
+  MaybeQuery ParseAny() {
+    std::vector<Query> wanted;
+    std::vector<Query> unwanted;
+    do {
+      const bool after_or = Take(Kind::kOr);
+      MaybeQuery part = ParseAnd();
+      const bool leaves_out = part && part->kind == Query::Kind::kNot && !after_or;
+      AppendIfAny(std::move(part), leaves_out ? &unwanted : &wanted);
+    } while (StartsPart() || Next().kind == Kind::kOr);
+    std::vector<Query> operands;
+    AppendIfAny(Combined(Query::Kind::kOr, AsQuestion(std::move(wanted))), &operands);
+    for (Query& query : unwanted) operands.push_back(std::move(query));
     return Combined(Query::Kind::kAnd, std::move(operands));
   }
 
-  Query ParseNear() {
-    std::vector<Query> operands{ParsePart()};
-    while (Next().kind == Token::Kind::kNear) {
-      const int distance_words = DistanceOf(tokens_[next_++]);
-      operands.push_back(ParsePart());
-      operands.back().distance_words = distance_words;
+  MaybeQuery ParseAnd() {
+    std::vector<Query> operands;
+    do {
+      AppendIfAny(ParseNear(), &operands);
+    } while (Take(Kind::kAnd) || (side_by_side_ == SideBySide::kAll && StartsPart()));
+    return Combined(Query::Kind::kAnd, std::move(operands));
+  }
+
+  MaybeQuery ParseNear() {
+    std::vector<Query> operands;
+    int distance_words = 0;
+    while (true) {
+      MaybeQuery part = ParsePart();
+      if (part) {
+        part->distance_words = operands.empty() ? 0 : distance_words;
+        operands.push_back(std::move(*part));
+        distance_words = 0;
+      }
+      if (Next().kind != Kind::kNear) break;
+      // A part without letters leaves its place: the words around it may be as far apart as both
+      // distances allow.
+      distance_words = Sum(distance_words, tokens_[next_++].distance_words);
     }
     return Combined(Query::Kind::kNear, std::move(operands));
   }
 
-  Query ParsePart() {
-    if (!StartsPart()) throw MissingOperand();
+  static int Sum(int left, int right) {
+    return left > std::numeric_limits<int>::max() - right ? std::numeric_limits<int>::max()
+                                                          : left + right;
+  }
+
+  MaybeQuery ParsePart() {
+    if (depth_ == kMaxQueryDepth) LeaveOutNesting();
+    if (!StartsPart()) return std::nullopt;
     const Token& token = tokens_[next_++];
-    if (token.kind == Token::Kind::kWord) return WordsOf(token);
-    if (++depth_ > kMaxQueryDepth) {
-      throw SyntaxError(token.column,
-                        "nested more than " + std::to_string(kMaxQueryDepth) + " levels deep");
-    }
-    Query part = token.kind == Token::Kind::kNot ? ParseNot() : ParseGroup();
+    if (token.kind == Kind::kWord || token.kind == Kind::kPhrase) return WordsOf(token);
+    ++depth_;
+    MaybeQuery part = token.kind == Kind::kNot ? ParseNot() : ParseGroup();
     --depth_;
     return part;
   }
 
-  Query ParseNot() {
-    std::vector<Query> operands{ParsePart()};
+  void LeaveOutNesting() {
+    while (Next().kind == Kind::kOpen || Next().kind == Kind::kNot) {
+      if (Next().kind == Kind::kNot) {
+        tokens_[next_].kind = Kind::kWord;
+        return;
+      }
+      left_out_[tokens_[next_].partner] = true;
+      ++next_;
+    }
+  }
+
+  MaybeQuery ParseNot() {
+    MaybeQuery operand = ParsePart();
+    if (!operand) return std::nullopt;
     Query query;
     query.kind = Query::Kind::kNot;
-    query.operands = std::move(operands);
+    query.operands.push_back(std::move(*operand));
     return query;
   }
 
-  Query ParseGroup() {
-    Query query = ParseOr();
+  MaybeQuery ParseGroup() {
+    MaybeQuery query = ParseOr();
+    Next();
     ++next_;  // the parentheses match, and nothing but ")" ends a query within them
     return query;
   }
 
-  // The operator before the gap, or the one after it where none is before, lacks an operand.
-  CommandError MissingOperand() const {
-    const bool first = next_ == 0;
-    if (first && Next().kind == Token::Kind::kEnd) return SyntaxError(1, "the query is empty");
-    const bool after_open = !first && tokens_[next_ - 1].kind == Token::Kind::kOpen;
-    if (after_open && Next().kind == Token::Kind::kClose) {
-      return SyntaxError(Next().column, "nothing between \"(\" and \")\"");
-    }
-    const bool before = first || after_open;
-    const Token& lacking = before ? Next() : tokens_[next_ - 1];
-    return SyntaxError(lacking.column, InDoubleQuotes(lacking.text) + " needs a word " +
-                                           (before ? "before it" : "after it"));
+  const Token& Next() {
+    while (left_out_[next_]) ++next_;
+    return tokens_[next_];
   }
 
-  const Token& Next() const { return tokens_[next_]; }
-
-  bool StartsPart() const {
-    return Next().kind == Token::Kind::kWord || Next().kind == Token::Kind::kNot ||
-           Next().kind == Token::Kind::kOpen;
+  bool StartsPart() {
+    const Kind kind = Next().kind;
+    return kind == Kind::kWord || kind == Kind::kPhrase || kind == Kind::kNot ||
+           kind == Kind::kOpen;
   }
 
-  bool Take(Token::Kind kind) {
+  bool Take(Kind kind) {
     if (Next().kind != kind) return false;
     ++next_;
     return true;
   }
 
-  const std::vector<Token> tokens_;
+  std::vector<Token> tokens_;
+  const SideBySide side_by_side_;
+  std::vector<bool> left_out_;  // the closing partners of parentheses that were left out
   std::size_t next_ = 0;
   unsigned depth_ = 0;
 };
 
 }  // namespace
 
-Query ParseQuery(std::string_view text) {
-  std::vector<Token> tokens = Tokens(text);
-  CheckParentheses(tokens);
-  return Parser(std::move(tokens)).ParseOr();
+bool operator==(const Query& left, const Query& right) {
+  return left.kind == right.kind && left.word == right.word && left.edits == right.edits &&
+         left.distance_words == right.distance_words && left.operands == right.operands;
+}
+
+std::optional<Query> ParseQuery(std::string_view text, SideBySide side_by_side) {
+  return Parser(Tokens(text), side_by_side).ParseOr();
 }
 
 }  // namespace kestan_cli

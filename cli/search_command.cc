@@ -1,98 +1,200 @@
-#include <algorithm>
-#include <charconv>
+#include "search_command.h"
+
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "commands.h"
+#include "evaluation.h"
+#include "indexed_file.h"
+#include "message.h"
 #include "opened_index.h"
 #include "output.h"
-#include "query.h"
+#include "relevance.h"
+#include "search_report.h"
 
 namespace kestan_cli {
 namespace {
 
-// A result set of the engine's, freed when it goes. The id -1 stands for a set without documents:
-// that is how the engine answers for a word that the index lacks, and how it takes one.
-class ResultSet {
+// How many codes there are: documents of an index at a time.
+constexpr std::uint64_t kMaxDocuments = 65535;
+
+std::string TextOrEmpty(const char* text) { return text == nullptr ? "" : text; }
+
+bool IsTerminal() { return isatty(STDOUT_FILENO) == 1; }
+
+bool IsColoured(Colour colour) {
+  if (colour != Colour::kAuto) return colour == Colour::kAlways;
+  const std::string no_color = TextOrEmpty(std::getenv("NO_COLOR"));
+  const std::string terminal = TextOrEmpty(std::getenv("TERM"));
+  return IsTerminal() && no_color.empty() && terminal != "dumb";
+}
+
+void Tell(const std::string& what) { std::fprintf(stderr, "%s\n", OneLine(what).c_str()); }
+
+// One search in an index that holds, or held, a document.
+class Search {
  public:
-  ResultSet(Kestan& engine, int id) : engine_(&engine), id_(id) {}
-  ~ResultSet() { engine_->FreeQueryResult(id_); }
-  ResultSet(ResultSet&& other) noexcept
-      : engine_(other.engine_), id_(std::exchange(other.id_, -1)) {}
-  ResultSet& operator=(ResultSet&& other) noexcept {
-    std::swap(engine_, other.engine_);
-    std::swap(id_, other.id_);
-    return *this;
+  Search(OpenedIndex& index, const SearchOptions& options)
+      : index_(index), engine_(index.engine()), options_(options), evaluator_(engine_) {}
+
+  SearchReport Run(const Query& query) {
+    SearchReport report;
+    if (options_.explain) report.explanation.emplace();
+    Explanation* const explanation = options_.explain ? &*report.explanation : nullptr;
+    {
+      const ResultSet found = evaluator_.Evaluate(query, explanation);
+      hits_ = HitsIn(found.Listing());
+    }
+    report.notes = evaluator_.notes();
+    report.total = hits_.size();
+    if (hits_.empty()) report.suggestions = evaluator_.SuggestionsFor(query);
+    if (!options_.count) Rank(query);
+    return report;
   }
 
-  int id() const { return id_; }
+  // The hits to show, in order.
+  const std::vector<Hit>& hits() const { return hits_; }
+
+  ShownHit Show(const Hit& hit, bool with_snippet) {
+    ShownHit shown;
+    shown.hit = hit;
+    shown.title = TextOrEmpty(engine_.DBGetTitle(hit.name.c_str()));
+    if (with_snippet) shown.snippet = SnippetOf(hit.name);
+    return shown;
+  }
 
  private:
-  Kestan* engine_;
-  int id_;
+  void Rank(const Query& query) {
+    if (options_.side_by_side == SideBySide::kAny && options_.order != HitOrder::kScore) {
+      RankByRelevance(query);
+      if (options_.order != HitOrder::kBest) Sort(options_.order, &hits_);
+    } else {
+      Sort(options_.order, &hits_);
+    }
+    if (options_.limit && *options_.limit < hits_.size()) hits_.resize(*options_.limit);
+  }
+
+  void RankByRelevance(const Query& query) {
+    std::vector<std::string> listings;
+    for (const Query* part : PartsThatSpeakFor(query)) {
+      listings.emplace_back(evaluator_.Evaluate(*part, nullptr).Listing());
+    }
+    const std::uint64_t documents = kMaxDocuments - index_.facts().free_codes;
+    const auto size_of = [this](const std::string& name) -> std::optional<std::uint64_t> {
+      const auto version = VersionOf(name);
+      if (!version) return std::nullopt;
+      return version->bytes;
+    };
+    SortByRelevance(listings, documents, size_of, &hits_);
+  }
+
+  std::optional<FileVersion> VersionOf(const std::string& name) {
+    return ParseVersion(TextOrEmpty(engine_.DBGetUser(name.c_str())));
+  }
+
+  std::vector<Piece> SnippetOf(const std::string& name) {
+    const auto version = VersionOf(name);
+    if (!version) return {};
+    const auto text = ReadIfUnchanged(name, *version);
+    if (!text) return {};
+    return MakeSnippet(*text, evaluator_.sought());
+  }
+
+  OpenedIndex& index_;
+  Kestan& engine_;
+  const SearchOptions& options_;
+  Evaluator evaluator_;
+  std::vector<Hit> hits_;
 };
 
-ResultSet Evaluate(Kestan& engine, const Query& query);
-
-int Combine(Kestan& engine, const Query& query, int so_far, int next, int distance_words) {
-  if (query.kind == Query::Kind::kOr) return engine.QueryOr(so_far, next);
-  return engine.QueryAnd(so_far, next, query.kind == Query::Kind::kNear ? distance_words : 0);
+// Tells what is not part of the answer.
+void TellAside(const SearchReport& report) {
+  if (report.explanation) {
+    std::fputs(ExplanationLines(*report.explanation).c_str(), stderr);
+  }
+  for (const std::string& note : report.notes) Tell("note: " + note);
+  std::string words;
+  for (const std::string& word : report.suggestions) words += (words.empty() ? "" : ", ") + word;
+  if (!words.empty()) Tell("did you mean: " + words);
 }
 
-ResultSet EvaluateOperands(Kestan& engine, const Query& query) {
-  ResultSet so_far = Evaluate(engine, query.operands.front());
-  for (std::size_t i = 1; i < query.operands.size(); ++i) {
-    const Query& operand = query.operands[i];
-    const ResultSet next = Evaluate(engine, operand);
-    so_far =
-        ResultSet(engine, Combine(engine, query, so_far.id(), next.id(), operand.distance_words));
-  }
-  return so_far;
-}
-
-ResultSet Evaluate(Kestan& engine, const Query& query) {
-  if (query.kind == Query::Kind::kWord) {
-    return {engine, engine.QueryWord(query.word.c_str())};
-  }
-  if (query.kind == Query::Kind::kNot) {
-    const ResultSet operand = Evaluate(engine, query.operands.front());
-    return {engine, engine.QueryNegate(operand.id())};
-  }
-  return EvaluateOperands(engine, query);
-}
-
-using Hit = std::pair<int, std::string_view>;  // the percentage, and the line that begins with it
-
-std::vector<Hit> HitsIn(std::string_view listing) {
-  std::vector<Hit> hits;
-  while (!listing.empty()) {
-    const std::size_t end = std::min(listing.find('\n'), listing.size() - 1) + 1;
-    const std::string_view line = listing.substr(0, end);
-    int percent = 0;
-    std::from_chars(line.data(), line.data() + line.size(), percent);
-    hits.emplace_back(percent, line);
-    listing.remove_prefix(end);
-  }
-  return hits;
-}
-
-// Returns `listing` with the best first; among equals, the document added first stays first.
-std::string BestFirst(std::string_view listing) {
-  std::vector<Hit> hits = HitsIn(listing);
-  std::stable_sort(hits.begin(), hits.end(),
-                   [](const Hit& left, const Hit& right) { return left.first > right.first; });
+void PrintHits(Search& search, const SearchOptions& options) {
+  const bool rich = options.snippets || IsTerminal();
+  const bool coloured = IsColoured(options.colour);
   std::string lines;
-  for (const auto& [percent, line] : hits) lines += line;
-  return lines;
+  for (const Hit& hit : search.hits()) {
+    if (options.nul) {
+      lines.append(hit.name).push_back('\0');
+    } else if (options.names_only) {
+      lines.append(hit.name).append("\n");
+    } else if (!rich) {
+      lines += PlainLine(hit);
+    } else {
+      // At once: a snippet means reading a file, and there may be many.
+      Print(RichLines(search.Show(hit, true), coloured));
+    }
+  }
+  if (!lines.empty()) Print(lines);
 }
 
-std::string Hits(OpenedIndex& index, const Query& query) {
+void PrintJson(Search& search, const SearchOptions& options, SearchReport* report) {
+  for (const Hit& hit : search.hits()) {
+    report->hits.push_back(search.Show(hit, options.snippets));
+  }
+  Print(AsJson(*report));
+}
+
+int FindAndPrint(OpenedIndex& index, const Query& query, const SearchOptions& options) {
+  Search search(index, options);
+  SearchReport report = search.Run(query);
+  report.query = options.query;
+  if (options.json) {
+    PrintJson(search, options, &report);
+  } else {
+    TellAside(report);
+    if (options.count) {
+      Print(std::to_string(report.total) + "\n");
+    } else {
+      PrintHits(search, options);
+    }
+  }
+  return report.total == 0 ? kNoHits : kDone;
+}
+
+// For a query that nothing can match.
+int PrintNothing(const SearchOptions& options) {
+  SearchReport report;
+  report.query = options.query;
+  if (options.json) {
+    Print(AsJson(report));
+  } else if (options.count) {
+    Print("0\n");
+  }
+  return kNoHits;
+}
+
+}  // namespace
+
+int RunSearch(Kestan& engine, const std::string& index, const SearchOptions& options) {
+  OpenedIndex opened(engine, index, Access::kRead);
+  const std::optional<Query> query = ParseQuery(options.query, options.side_by_side);
+  if (!query) {
+    Tell("the query holds no letters to search for");
+    return PrintNothing(options);
+  }
   // An index that never had a document has nothing to offer, and the engine would end the process
   // at a NOT.
-  if (!index.facts().had_documents) return "";
-  const ResultSet result = Evaluate(index.engine(), query);
-  return BestFirst(index.engine().QueryResults(result.id()));
+  if (!opened.facts().had_documents) return PrintNothing(options);
+  return FindAndPrint(opened, *query, options);
 }
+
+namespace {
 
 std::string Joined(const Arguments& words) {
   std::string text;
@@ -100,12 +202,48 @@ std::string Joined(const Arguments& words) {
   return text;
 }
 
-int RunSearch(Kestan& engine, const Values& values) {
-  const Query parsed = ParseQuery(Joined(values.All("QUERY")));
-  OpenedIndex opened(engine, values.Text("INDEX"), Access::kRead);
-  const std::string hits = Hits(opened, parsed);
-  Print(hits);
-  return hits.empty() ? kNoHits : kDone;
+HitOrder OrderOf(const std::string& name) {
+  if (name == "score") return HitOrder::kScore;
+  if (name == "name") return HitOrder::kName;
+  if (name == "code") return HitOrder::kCode;
+  return HitOrder::kBest;
+}
+
+Colour ColourOf(const std::string& name) {
+  if (name == "always") return Colour::kAlways;
+  if (name == "never") return Colour::kNever;
+  return Colour::kAuto;
+}
+
+int RunSearchCommand(Kestan& engine, const Values& values) {
+  SearchOptions options;
+  options.query = Joined(values.All("QUERY"));
+  if (values.Has("--any")) options.side_by_side = SideBySide::kAny;
+  options.order = OrderOf(values.Text("--order"));
+  if (values.Has("--limit")) {
+    options.limit = static_cast<std::size_t>(values.Number("--limit", 0, 0, 65535));
+  }
+  options.names_only = values.Has("--names-only");
+  options.nul = values.Has("--null");
+  options.count = values.Has("--count");
+  options.json = values.Has("--json");
+  options.snippets = values.Has("--snippets");
+  options.explain = values.Has("--explain");
+  options.colour = ColourOf(values.Text("--color"));
+  return RunSearch(engine, values.Text("INDEX"), options);
+}
+
+std::vector<Option> SearchCommandOptions() {
+  return {{"--any", "", "words side by side mean OR, and the most relevant documents come first"},
+          {"--limit", "N", "show at most N documents"},
+          {"--order", "ORDER", "how documents are sorted", {"best", "score", "name", "code"}},
+          {"-l,--names-only", "", "print names only"},
+          {"-0,--null", "", "print names only, each ended by a NUL"},
+          {"--count", "", "print only how many documents there are"},
+          {"--snippets", "", "print titles and snippets too, as on a terminal"},
+          {"--color", "WHEN", "whether to use colours", {"auto", "always", "never"}},
+          {"--explain", "", "tell how the query was read and what each part of it found"},
+          JsonOption()};
 }
 
 }  // namespace
@@ -116,13 +254,14 @@ std::vector<Command> SearchCommands() {
        "Find documents, the best first.",
        {IndexArgument(),
         {"QUERY",
-         "words; side by side they mean AND. Operators, the tightest first: NOT, NEAR/k (at most "
-         "k words apart), AND, OR; and parentheses",
+         "words; side by side they mean AND. Operators, the tightest first: NOT or -, NEAR/k (at "
+         "most k words apart), AND, OR; \"words in a row\", prefix*, fuzzy~1 and parentheses",
          Positional::Count::kOneOrMore}},
-       {},
-       "Exit status: 0 with hits, 1 without, 2 if something is wrong.",
+       SearchCommandOptions(),
+       "Put -- before a query that begins with a dash. Exit status: 0 with hits, 1 without, 2 if "
+       "something is wrong.",
        {"kestan search my.index 'shell NEAR/3 script NOT (zsh OR fish)'"},
-       RunSearch}};
+       RunSearchCommand}};
 }
 
 }  // namespace kestan_cli

@@ -1,0 +1,135 @@
+// What must hold of every text that is taken for a query.
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "cli/evaluation.h"
+#include "cli/hits.h"
+#include "cli/query.h"
+#include "cli/spelling.h"
+#include "tests/support/index_test.h"
+
+namespace kestan_cli {
+namespace {
+
+// Pieces that the language gives a meaning to, so that random texts meet its corners.
+rc::Gen<std::string> QueryText() {
+  const auto piece = rc::gen::oneOf(
+      rc::gen::element<std::string>("cat", "Dog", "e-mail", "caf\xc3\xa9", "it's", "42", "a", "of"),
+      rc::gen::element<std::string>(" AND ", " OR ", " NOT ", "NOT ", " NEAR/3 ", " NEAR/1 ",
+                                    "NEAR/x", "AND"),
+      rc::gen::element<std::string>("(", ")", "\"", "-", "*", "~1", "~", "~2", " ", "\xff", "'"),
+      rc::gen::string<std::string>());
+  return rc::gen::map(rc::gen::container<std::vector<std::string>>(piece),
+                      [](const std::vector<std::string>& pieces) {
+                        std::string text;
+                        for (const std::string& each : pieces) text += each;
+                        return text;
+                      });
+}
+
+bool IsWord(const std::string& word) {
+  const auto is_letter = [](char byte) {
+    return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z');
+  };
+  return !word.empty() && word.size() <= 64 && std::all_of(word.begin(), word.end(), is_letter);
+}
+
+// Whether a tree is one that the header promises.
+bool IsSound(const Query& query) {
+  const bool is_leaf = query.kind == Query::Kind::kWord || query.kind == Query::Kind::kPrefix ||
+                       query.kind == Query::Kind::kFuzzy || query.kind == Query::Kind::kForms;
+  if (is_leaf) return query.operands.empty() && IsWord(query.word);
+  const std::size_t count = query.operands.size();
+  const bool count_is_right = query.kind == Query::Kind::kNot ? count == 1 : count >= 2;
+  return count_is_right && std::all_of(query.operands.begin(), query.operands.end(), IsSound);
+}
+
+RC_GTEST_PROP(QueryPropertyTest, AnyTextIsASoundQueryOrNone, ()) {
+  const std::string text = *QueryText();
+  for (const SideBySide side_by_side : {SideBySide::kAll, SideBySide::kAny}) {
+    const auto query = ParseQuery(text, side_by_side);
+    if (query) RC_ASSERT(IsSound(*query));
+  }
+}
+
+RC_GTEST_PROP(QueryPropertyTest, WhatIsWrittenDownReadsTheSame, ()) {
+  const auto query = ParseQuery(*QueryText());
+  RC_PRE(query.has_value());
+  const auto again = ParseQuery(Spelled(*query));
+  RC_ASSERT(again.has_value());
+  RC_ASSERT(Spelled(*again) == Spelled(*query));
+  RC_ASSERT(*again == *query);
+}
+
+RC_GTEST_PROP(QueryPropertyTest, TextInQuotesIsWordsInARow, ()) {
+  std::string text = *QueryText();
+  text.erase(std::remove(text.begin(), text.end(), '"'), text.end());
+  const auto query = ParseQuery('"' + text + '"');
+  if (!query || query->kind == Query::Kind::kWord) return;
+  RC_ASSERT(query->kind == Query::Kind::kNear);
+  for (std::size_t i = 0; i < query->operands.size(); ++i) {
+    RC_ASSERT(query->operands[i].kind == Query::Kind::kWord);
+    RC_ASSERT(query->operands[i].distance_words == (i == 0 ? 0 : 1));
+  }
+}
+
+RC_GTEST_PROP(QueryPropertyTest, TextWithASmallLetterAsksForSomething, ()) {
+  const std::string text = *QueryText();
+  const auto is_small = [](char byte) { return byte >= 'a' && byte <= 'z'; };
+  if (std::any_of(text.begin(), text.end(), is_small)) RC_ASSERT(ParseQuery(text).has_value());
+}
+
+class QueryOfAnIndexTest : public kestan_tests::IndexTest {
+ protected:
+  // The names of the documents that `query` finds, in order of codes.
+  std::string Found(const Query& query) {
+    Evaluator evaluator(engine_);
+    std::string names;
+    for (const Hit& hit : HitsIn(evaluator.Evaluate(query, nullptr).Listing())) names += hit.name;
+    return names;
+  }
+};
+
+TEST_F(QueryOfAnIndexTest, AnyTextCanBeAskedAndItsOppositeFindsTheRest) {
+  engine_.AddDocumentWords("1", "cat Dog dog e mail");
+  engine_.AddDocumentWords("2", "cafe its a of cat");
+  engine_.AddDocumentWords("3", "AND NEAR x");
+  const bool holds = rc::check([this] {
+    const auto query = ParseQuery(*QueryText());
+    RC_PRE(query.has_value());
+    Query opposite;
+    opposite.kind = Query::Kind::kNot;
+    opposite.operands.push_back(*query);
+    std::string all = Found(*query) + Found(opposite);
+    std::sort(all.begin(), all.end());
+    RC_ASSERT(all == "123");
+  });
+  EXPECT_TRUE(holds);
+}
+
+TEST_F(QueryOfAnIndexTest, QuestionsFindWhatAnyOfTheirWordsFinds) {
+  engine_.AddDocumentWords("1", "cat dog");
+  engine_.AddDocumentWords("2", "dogs mail");
+  engine_.AddDocumentWords("3", "bird");
+  const bool holds = rc::check([this] {
+    const auto word = rc::gen::element<std::string>("cat", "dog", "mails", "birds", "fish", "the");
+    const auto words = *rc::gen::nonEmpty(rc::gen::container<std::vector<std::string>>(word));
+    std::string text;
+    std::string expected;
+    for (const std::string& each : words) text += each + " ";
+    const auto has = [&](const char* part) { return text.find(part) != std::string::npos; };
+    if (has("cat") || has("dog")) expected += "1";
+    if (has("dog") || has("mails")) expected += "2";
+    if (has("birds")) expected += "3";
+    RC_ASSERT(Found(*ParseQuery(text, SideBySide::kAny)) == expected);
+  });
+  EXPECT_TRUE(holds);
+}
+
+}  // namespace
+}  // namespace kestan_cli
