@@ -1,13 +1,9 @@
 #include "index_report.h"
-
-#include <nlohmann/json.hpp>
-
+#include "json.h"
 #include "message.h"
 
 namespace kestan_cli {
 namespace {
-
-constexpr int kSchema = 1;
 
 std::string InParentheses(const std::vector<Skip>& skips) {
   std::string text;
@@ -35,23 +31,18 @@ std::string SkipLines(const std::vector<Skip>& skips) {
 }
 
 std::string ReportJson(const IndexReport& report, bool with_files) {
-  using Json = nlohmann::ordered_json;
   Json skipped = {{"total", report.skips.size()}};
   for (const auto& [kind, count] : CountKinds(report.skips)) skipped[KeyOf(kind)] = count;
-  Json json = {{"schema", kSchema},
-               {"added", report.added},
-               {"updated", report.updated},
-               {"moved", report.moved},
-               {"removed", report.removed},
-               {"unchanged", report.unchanged},
-               {"new_words", report.new_words},
-               {"skipped", skipped}};
+  Json json = {{"schema", kJsonSchema},         {"added", report.added},
+               {"updated", report.updated},     {"moved", report.moved},
+               {"removed", report.removed},     {"unchanged", report.unchanged},
+               {"new_words", report.new_words}, {"skipped", skipped}};
   if (with_files) json["skipped_files"] = Json::array();
   for (const Skip& skip : with_files ? report.skips : std::vector<Skip>()) {
     json["skipped_files"].push_back(
         {{"name", skip.name}, {"kind", KeyOf(skip.kind)}, {"reason", skip.reason}});
   }
-  return json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+  return JsonLine(json);
 }
 
 std::string NothingToIndex(const std::vector<Skip>& skips) {

@@ -1,14 +1,9 @@
 // The report of a search as JSON, in a file of its own: the header is slow to compile.
-#include <nlohmann/json.hpp>
-
+#include "json.h"
 #include "search_report.h"
 
 namespace kestan_cli {
 namespace {
-
-using Json = nlohmann::ordered_json;
-
-constexpr int kSchema = 1;  // grows when a field changes its meaning or goes away
 
 Json JsonOf(const std::vector<Piece>& snippet) {
   Json pieces = Json::array();
@@ -38,14 +33,14 @@ Json JsonOf(const Explanation& explanation) {
 }  // namespace
 
 std::string AsJson(const SearchReport& report) {
-  Json json{{"schema", kSchema}, {"query", report.query}, {"total", report.total}};
+  Json json{{"schema", kJsonSchema}, {"query", report.query}, {"total", report.total}};
   Json hits = Json::array();
   for (const ShownHit& hit : report.hits) hits.push_back(JsonOf(hit));
   json["hits"] = std::move(hits);
   json["suggestions"] = report.suggestions;
   json["notes"] = report.notes;
   if (report.explanation) json["explanation"] = JsonOf(*report.explanation);
-  return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+  return JsonLine(json);
 }
 
 }  // namespace kestan_cli

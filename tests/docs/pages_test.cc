@@ -1,4 +1,4 @@
-// Every example of the page on queries does what it shows.
+// Every example of the pages for users does what it shows.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -52,15 +52,22 @@ std::string Shown(const std::string& folder, const std::string& command) {
   return output;
 }
 
-TEST(QueriesPageTest, EveryExampleDoesWhatItShows) {
+// Runs the examples of `page` one after the other, beginning in an empty folder.
+void ExpectExamplesToBeTrue(const std::string& page, std::size_t least) {
   const kestan_tests::TempDir top;
   std::filesystem::create_symlink(KESTAN_COMMAND, top / "kestan");
   std::filesystem::create_directory(top / "work");
-  const auto examples = ExamplesOf(KESTAN_SOURCE_DIR "/docs/queries.md");
-  ASSERT_GT(examples.size(), 20u);
+  const auto examples = ExamplesOf(KESTAN_SOURCE_DIR "/docs/" + page);
+  ASSERT_GE(examples.size(), least);
   for (const auto& [command, output] : examples) {
     EXPECT_EQ(Shown(top / "work", command), output) << command;
   }
 }
+
+TEST(PagesTest, EveryExampleOfTheLanguageDoesWhatItShows) {
+  ExpectExamplesToBeTrue("queries.md", 20);
+}
+
+TEST(PagesTest, TheTutorialDoesWhatItShows) { ExpectExamplesToBeTrue("tutorial.md", 25); }
 
 }  // namespace
