@@ -1,4 +1,5 @@
 #include "index_report.h"
+
 #include "json.h"
 #include "message.h"
 

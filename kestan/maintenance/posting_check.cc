@@ -101,6 +101,7 @@ void PostingCheck::CountPositions(const Record& record, const PostingEntry& entr
   Position previous = 0;
   for (std::size_t i = entry.units - entry.positions; i < entry.units; ++i) {
     const Position position = UnitAt(record.value, entry.first_unit + i);
+    if (position == kMaxPosition) tally.wraps = true;
     if (position == 0) {
       ++faults->zero_positions;
     } else if (record.is_never_purged) {
@@ -189,7 +190,7 @@ void PostingCheck::CheckDocument(const IndexTables::Document& document) {
   const String key = ItemKey(kDocumentFamily, document.name);
   if (!tally.has_words)
     return findings_.Note(key, "no words: an empty text, or left half-written?");
-  if (tally.highest == kMaxPosition) return;
+  if (tally.wraps) return;
   if (tally.descends) findings_.Fault(key, "positions of a word do not ascend");
   const std::uint64_t highest = tally.highest;
   const std::uint64_t recorded = std::uint64_t{tally.positions} + tally.doubtful;

@@ -35,6 +35,7 @@ class PostingCheck {
     Position highest = 0;        // without the doubtful ones
     bool has_words = false;
     bool descends = false;  // some positions do not ascend, as where they wrap after 65535
+    bool wraps = false;     // the last position is taken, even if by a doubtful record
   };
 
   // How often something is wrong within one record.

@@ -290,7 +290,7 @@ void RepairPlan::FindContradictions() {
   CodeSet found;
   for (std::size_t code = 1; code < kCodes; ++code) {
     const Tally& tally = tallies_[code];
-    if (tally.highest != kMaxPosition && tally.positions > tally.highest) found.set(code);
+    if (!wrapping_.test(code) && tally.positions > tally.highest) found.set(code);
   }
   if (found.none()) return;
   is_damaged_ = true;

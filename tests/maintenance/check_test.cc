@@ -83,6 +83,18 @@ TEST_F(CheckTest, NewAndEmptyFilesAreSound) {
   EXPECT_EQ(Check(folder_ / "empty").lines, Lines({"g-opts: note: missing: no option is set"}));
 }
 
+// The records of one-letter words are never purged, so that their positions are doubtful; but this
+// one is what tells that the text went on after its last position.
+TEST_F(CheckTest, ADocumentWhoseLastPositionIsThatOfALetterWrapsToo) {
+  std::string text;
+  for (int i = 0; i < 65534; ++i) text += "word ";
+  text += "a ";
+  for (int i = 0; i < 10; ++i) text += "Word more ";
+  engine_.AddDocumentWords("long", text.c_str());
+  engine_.CloseIndex();
+  EXPECT_EQ(Check(path_).lines, Lines());
+}
+
 // Two documents of 65535 and 65537 words: the first fills all positions, the second wraps.
 TEST_F(CheckTest, LongDocumentsAreSound) {
   std::string text;

@@ -346,5 +346,21 @@ TEST_F(RepairTest, ARepairedIndexTakesMoreDocuments) {
   ExpectSound();
 }
 
+// Its positions pass the highest that is not doubtful, which is no contradiction here.
+TEST_F(RepairTest, ADocumentWhoseLastPositionIsThatOfALetterIsKeptWhole) {
+  std::string text;
+  for (int i = 0; i < 65534; ++i) text += "word ";
+  text += "a ";
+  for (int i = 0; i < 10; ++i) text += "more ";
+  {
+    Kestan engine;
+    ASSERT_EQ(engine.OpenIndex(path_.c_str(), 1), 0);
+    engine.AddDocumentWords("long", text.c_str());
+  }
+  EXPECT_EQ(Repair(), 0);
+  EXPECT_EQ(Dump(new_path_), Dump(path_));
+  EXPECT_TRUE(Says("saved: long"));
+}
+
 }  // namespace
 }  // namespace kestan_maintenance
