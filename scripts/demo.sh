@@ -26,4 +26,6 @@ run index "$index" "$documents"
 search 'free software NOT warranty'
 search 'public NEAR/1 domain'
 search '(bug OR error) NEAR/3 fixed'
-run stats "$index"
+run index "$index" "$documents"
+printf '\n$ kestan stats %s | head -n 6\n' "$index"
+"$kestan" stats "$index" | sed -n 1,6p
