@@ -1,4 +1,4 @@
-// Looking after index files: checking, measuring and repairing them, carrying them elsewhere as text.
+// Looking after index files: checking, measuring, repairing them, carrying them elsewhere.
 #ifndef KESTAN_MAINTENANCE_H_
 #define KESTAN_MAINTENANCE_H_
 
