@@ -131,6 +131,7 @@ Request ReadArguments(const std::vector<Command>& commands, const Arguments& arg
   CLI::App app("Indexes text files and finds words in them.", "kestan");
   Prepare(&app);
   std::vector<Declared> all;
+  all.reserve(commands.size());
   for (const Command& command : commands) all.push_back(Declare(&app, command));
   Arguments reversed;  // the order that CLI11 reads
   for (const std::string& argument : arguments)

@@ -5,9 +5,9 @@ namespace {
 
 std::vector<Command> Gather() {
   std::vector<Command> all;
-  for (const auto part :
-       {IndexCommands, SearchCommands, ReportCommands, StatisticsCommands, DocumentCommands,
-        TextCommands, UpkeepCommands, MaintenanceCommands, ExportCommands, ManualCommands}) {
+  for (const auto part : {IndexCommands, SearchCommands, ReportCommands, StatisticsCommands,
+                          DocumentCommands, TextCommands, OptionCommands, UpkeepCommands,
+                          MaintenanceCommands, ExportCommands, ManualCommands}) {
     for (Command& command : part()) all.push_back(std::move(command));
   }
   return all;

@@ -19,7 +19,8 @@ std::vector<Command> ReportCommands();  // list, words
 std::vector<Command> StatisticsCommands();
 std::vector<Command> DocumentCommands();     // remove, move
 std::vector<Command> TextCommands();         // titles, summaries, user records, word lists
-std::vector<Command> UpkeepCommands();       // option, shrink, copy
+std::vector<Command> OptionCommands();       // option flags
+std::vector<Command> UpkeepCommands();       // shrink, copy
 std::vector<Command> MaintenanceCommands();  // check, repair, dump, load
 std::vector<Command> ExportCommands();
 std::vector<Command> ManualCommands();  // completion, manual pages

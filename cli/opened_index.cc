@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "command.h"
 #include "message.h"
@@ -136,9 +137,11 @@ IndexFacts ExamineIndex(const std::string& path, Access access) {
   return FactsOf(store);
 }
 
-OpenedIndex::OpenedIndex(Kestan& engine, const std::string& path, Access access,
-                         const std::string& shown)
-    : engine_(engine), file_(RealPath(path)), path_(shown), facts_(ExamineIndex(path, access)) {
+OpenedIndex::OpenedIndex(Kestan& engine, const std::string& path, Access access, std::string shown)
+    : engine_(engine),
+      file_(RealPath(path)),
+      path_(std::move(shown)),
+      facts_(ExamineIndex(path, access)) {
   if (engine_.OpenIndex(file_.c_str(), access == Access::kRead ? 0 : 1) == 0) return;
   Database store;
   OpenStore(store, path, access);

@@ -44,7 +44,7 @@ class OpenedIndex {
   //   Throws   what ExamineIndex throws, and the same if it cannot be opened for `access`.
   OpenedIndex(Kestan& engine, const std::string& path, Access access)
       : OpenedIndex(engine, path, access, path) {}
-  OpenedIndex(Kestan& engine, const std::string& path, Access access, const std::string& shown);
+  OpenedIndex(Kestan& engine, const std::string& path, Access access, std::string shown);
   ~OpenedIndex() { engine_.CloseIndex(); }
   OpenedIndex(const OpenedIndex&) = delete;
   OpenedIndex& operator=(const OpenedIndex&) = delete;

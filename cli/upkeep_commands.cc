@@ -97,7 +97,7 @@ int RunCopy(Kestan& engine, const Values& values) {
 
 }  // namespace
 
-std::vector<Command> UpkeepCommands() {
+std::vector<Command> OptionCommands() {
   return {
       {"option get",
        "Print the option flags.",
@@ -121,6 +121,11 @@ std::vector<Command> UpkeepCommands() {
        "",
        {"kestan option clear my.index 4"},
        RunClearOption},
+  };
+}
+
+std::vector<Command> UpkeepCommands() {
+  return {
       {"shrink",
        "Reclaim the room of removed documents.",
        {IndexArgument()},
