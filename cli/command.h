@@ -81,7 +81,7 @@ std::string LongName(const Option& option);
 std::string UsageOf(const Command& command);
 
 // Options that many commands have.
-inline Option JsonOption() { return {"--json", "", "report as JSON, described in the manual"}; }
+inline Option JsonOption() { return {"--json", "", "report as one line of JSON"}; }
 inline Option QuietOption() { return {"-q,--quiet", "", "say nothing but errors"}; }
 inline Option InPlaceOption() {
   return {"--in-place", "",
