@@ -154,13 +154,23 @@ void OpenedIndex::CheckWritten(int error) const {
                      Database::ErrorString(error));
 }
 
+OpenedIndex::~OpenedIndex() {
+  WriteOut([this] { engine_.CloseIndex(); });
+}
+
+void OpenedIndex::WriteOut(const std::function<void()>& write) {
+  HeldErrors lines;
+  write();
+  if (engine_.FileError() != 0) lines.Drop();
+}
+
 void OpenedIndex::Save() {
-  engine_.FlushIndex();
+  WriteOut([this] { engine_.FlushIndex(); });
   CheckWritten(engine_.FileError());
 }
 
 void OpenedIndex::Close() {
-  engine_.CloseIndex();
+  WriteOut([this] { engine_.CloseIndex(); });
   CheckWritten(engine_.FileError());
   ExamineIndex(file_, Access::kRead);
 }

@@ -5,6 +5,7 @@
 
 #include <kestan/kestan.h>
 
+#include <functional>
 #include <string>
 
 namespace kestan_cli {
@@ -45,7 +46,7 @@ class OpenedIndex {
   OpenedIndex(Kestan& engine, const std::string& path, Access access)
       : OpenedIndex(engine, path, access, path) {}
   OpenedIndex(Kestan& engine, const std::string& path, Access access, std::string shown);
-  ~OpenedIndex() { engine_.CloseIndex(); }
+  ~OpenedIndex();
   OpenedIndex(const OpenedIndex&) = delete;
   OpenedIndex& operator=(const OpenedIndex&) = delete;
 
@@ -64,6 +65,10 @@ class OpenedIndex {
   void Close();
 
  private:
+  // Has `write` write out changes. Where that fails, what the engine says of each record is
+  // dropped.
+  void WriteOut(const std::function<void()>& write);
+
   Kestan& engine_;
   const std::string file_;
   const std::string path_;  // what the index is called

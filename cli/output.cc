@@ -1,6 +1,13 @@
 #include "output.h"
 
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <array>
 #include <cerrno>
+#include <cstdlib>
+#include <utility>
 
 #include "message.h"
 
@@ -12,6 +19,40 @@ void Print(std::string_view text) {
   if (written && std::fflush(stdout) == 0) return;
   if (errno == EPIPE) throw ReaderLeft();
   throw CommandError("cannot write to the standard output: " + ReasonOf(errno));
+}
+
+HeldErrors* HeldErrors::current_ = nullptr;
+
+HeldErrors::HeldErrors() {
+  static const bool registered = std::atexit(LetOutAtExit) == 0;
+  Descriptor held(memfd_create("errors", MFD_CLOEXEC));
+  Descriptor stream(fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0));
+  if (!registered || !held.is_open() || !stream.is_open()) return;  // then all is said at once
+  std::fflush(stderr);
+  if (dup2(held.number(), STDERR_FILENO) < 0) return;
+  held_ = std::move(held);
+  stream_ = std::move(stream);
+  current_ = this;
+}
+
+HeldErrors::~HeldErrors() { LetOut(); }
+
+void HeldErrors::LetOutAtExit() {
+  if (current_ != nullptr) current_->LetOut();
+}
+
+void HeldErrors::LetOut() {
+  if (current_ != this) return;
+  current_ = nullptr;
+  std::fflush(stderr);
+  dup2(stream_.number(), STDERR_FILENO);
+  std::array<char, 4096> piece;
+  off_t at = 0;
+  ssize_t bytes = 0;
+  while (!dropped_ && (bytes = pread(held_.number(), piece.data(), piece.size(), at)) > 0) {
+    std::fwrite(piece.data(), 1, static_cast<std::size_t>(bytes), stderr);
+    at += bytes;
+  }
 }
 
 StandardDescriptors::StandardDescriptors() {

@@ -9,6 +9,8 @@
 #include <string>
 #include <string_view>
 
+#include "descriptor.h"
+
 namespace kestan_cli {
 
 struct CloseFile {
@@ -43,6 +45,27 @@ class LinePrinter {
   static constexpr std::size_t kBytesAtATime = std::size_t{1} << 16;
 
   std::string waiting_;
+};
+
+// Holds back what the process writes to the standard error stream from here on. The engine has a
+// line for each record that a full disk refuses, where one line says it all. One at a time.
+class HeldErrors {
+ public:
+  HeldErrors();
+  ~HeldErrors();  // lets it out, unless it was dropped; so does the end of the process
+  HeldErrors(const HeldErrors&) = delete;
+  HeldErrors& operator=(const HeldErrors&) = delete;
+
+  void Drop() { dropped_ = true; }
+
+ private:
+  static void LetOutAtExit();
+  void LetOut();
+
+  static HeldErrors* current_;
+  bool dropped_ = false;
+  Descriptor stream_;  // the standard error stream itself, meanwhile
+  Descriptor held_;
 };
 
 // Keeps the three standard descriptors taken, for a caller may start the command with some closed.

@@ -158,7 +158,8 @@ class FullDiskTest : public ChangedIndexTest {
     EXPECT_TRUE(Leftovers().empty()) << Leftovers().front();
     EXPECT_EQ(outcome.out, "");
     if (room >= kRoomForMessages) {
-      EXPECT_NE(outcome.err.find("kestan: cannot "), std::string::npos) << outcome;
+      EXPECT_EQ(outcome.err.rfind("kestan: cannot ", 0), 0u) << outcome;
+      EXPECT_EQ(outcome.err.find('\n'), outcome.err.size() - 1) << outcome;
     }
     return false;
   }
