@@ -4,6 +4,7 @@
 #include "commands.h"
 #include "document_records.h"
 #include "index_change.h"
+#include "json.h"
 #include "message.h"
 #include "output.h"
 
@@ -31,7 +32,11 @@ int RunRemove(Kestan& engine, const Values& values) {
   change.Begin();
   for (const std::string& name : names) RemoveDocument(engine, name);
   change.Commit();
-  if (!values.Has("--quiet")) Print("removed " + Counted(names.size(), "document") + "\n");
+  if (values.Has("--json")) {
+    Print(JsonLine({{"schema", kJsonSchema}, {"removed", names.size()}}));
+  } else if (!values.Has("--quiet")) {
+    Print("removed " + Counted(names.size(), "document") + "\n");
+  }
   return kDone;
 }
 
@@ -74,7 +79,7 @@ std::vector<Command> DocumentCommands() {
        "Remove documents with their titles, summaries and user records.",
        {IndexArgument(),
         {"NAME", "names as `kestan list` prints them", Positional::Count::kOneOrMore}},
-       {InPlaceOption(), QuietOption()},
+       {JsonOption(), InPlaceOption(), QuietOption()},
        "What they took in the file comes back with `kestan shrink`.",
        {"kestan remove my.index /usr/share/doc/bash/NEWS"},
        RunRemove},

@@ -16,6 +16,7 @@
 #include <cstring>
 #include <thread>
 
+#include "descriptor.h"
 #include "message.h"
 
 namespace kestan_cli {
@@ -28,29 +29,6 @@ constexpr std::chrono::microseconds kMaxPause{10000};
 constexpr std::size_t kMaxErrorBytes = 4096;  // what is kept of the standard error stream
 constexpr std::size_t kMaxQuotedErrorBytes = 200;
 
-// A descriptor, closed when it goes.
-class Descriptor {
- public:
-  explicit Descriptor(int number = -1) : number_(number) {}
-  ~Descriptor() { Close(); }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  int number() const { return number_; }
-  bool IsOpen() const { return number_ >= 0; }
-  void Reset(int number) {
-    Close();
-    number_ = number;
-  }
-  void Close() {
-    if (number_ >= 0) close(number_);
-    number_ = -1;
-  }
-
- private:
-  int number_;
-};
-
 struct Pipe {
   Descriptor reader;
   Descriptor writer;
@@ -58,8 +36,8 @@ struct Pipe {
   bool Open() {
     std::array<int, 2> ends{};
     if (pipe2(ends.data(), O_CLOEXEC) != 0) return false;
-    reader.Reset(ends[0]);
-    writer.Reset(ends[1]);
+    reader = Descriptor(ends[0]);
+    writer = Descriptor(ends[1]);
     return true;
   }
 };
@@ -153,7 +131,10 @@ void ReadOnce(Descriptor& from, std::string* into, std::uint64_t max_bytes) {
   static std::array<char, std::size_t{1} << 16> piece;
   const ssize_t bytes = read(from.number(), piece.data(), piece.size());
   if (bytes < 0 && errno == EINTR) return;
-  if (bytes <= 0) return from.Close();
+  if (bytes <= 0) {
+    from.Close();
+    return;
+  }
   if (into->size() <= max_bytes) into->append(piece.data(), static_cast<std::size_t>(bytes));
 }
 
@@ -161,7 +142,7 @@ void ReadOnce(Descriptor& from, std::string* into, std::uint64_t max_bytes) {
 //   Returns  why it stopped before; an empty string if it did not.
 std::string ReadStreams(Pipe& output, Pipe& errors, const CommandLimits& limits,
                         Clock::time_point deadline, Streams* streams) {
-  while (output.reader.IsOpen() || errors.reader.IsOpen()) {
+  while (output.reader.is_open() || errors.reader.is_open()) {
     std::array<pollfd, 2> waiting{
         {{output.reader.number(), POLLIN, 0},  // NOLINT(misc-include-cleaner)
          {errors.reader.number(), POLLIN, 0}}};
@@ -208,7 +189,7 @@ pid_t Start(const std::string& path, const std::vector<std::string>& arguments, 
   }
   argv.push_back(nullptr);
   const Descriptor null(open("/dev/null", O_RDONLY | O_CLOEXEC));
-  if (!null.IsOpen()) return -1;
+  if (!null.is_open()) return -1;
   // Not fork(): it would copy the tables of all memory that the index takes, for every file. Nor
   // posix_spawn(), which does the same but sets no limits.
   const pid_t id = vfork();  // NOLINT(clang-analyzer-security.insecureAPI.vfork)

@@ -21,6 +21,11 @@ TEST_F(UpkeepCommandsTest, RemoveTellsHowMany) {
   EXPECT_EQ(Run({"list", "my.index"}), Success("b\n"));
 }
 
+TEST_F(UpkeepCommandsTest, RemoveTellsHowManyAsJsonOrNotAtAll) {
+  EXPECT_EQ(Run({"remove", "--json", "my.index", "a"}), Success("{\"schema\":1,\"removed\":1}\n"));
+  EXPECT_EQ(Run({"remove", "-q", "my.index", "b"}), Success(""));
+}
+
 TEST_F(UpkeepCommandsTest, RemoveTakesANameTwiceForOne) {
   EXPECT_EQ(Run({"remove", "my.index", "b", "a", "b"}), Success("removed 2 documents\n"));
   EXPECT_EQ(Dump(Path("my.index")).at("g-deleted"), Units({1, 2}));
