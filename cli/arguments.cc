@@ -1,6 +1,7 @@
 #include "arguments.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <memory>
 #include <sstream>
 
@@ -13,12 +14,29 @@ namespace {
 // which is taken off again, keeps it whole.
 constexpr char kGuard = '\x01';
 
-bool NeedsGuard(const std::string& argument) {
-  return !argument.empty() && (argument.front() == '[' || argument.front() == kGuard);
+bool IsOption(const Command& command, const std::string& argument) {
+  return std::any_of(command.options.begin(), command.options.end(), [&](const Option& option) {
+    return option.names.substr(0, option.names.find(',')) == argument;
+  });
 }
 
-std::string Guarded(std::string argument) {
-  return NeedsGuard(argument) ? kGuard + std::move(argument) : argument;
+// `command` is the one that the arguments are for, null where that is not known.
+bool NeedsGuard(const std::string& argument, const Command* command) {
+  if (argument.empty()) return false;
+  if (argument.front() == '[' || argument.front() == kGuard) return true;
+  const bool has_one_dash = argument.size() > 1 && argument[0] == '-' && argument[1] != '-';
+  return has_one_dash && command != nullptr && command->takes_dashes &&
+         !IsOption(*command, argument);
+}
+
+std::string Guarded(const std::string& argument, const Command* command) {
+  return NeedsGuard(argument, command) ? kGuard + argument : argument;
+}
+
+const Command* CommandNamed(const std::vector<Command>& commands, const std::string& name) {
+  const auto found = std::find_if(commands.begin(), commands.end(),
+                                  [&](const Command& command) { return command.name == name; });
+  return found != commands.end() ? &*found : nullptr;
 }
 
 std::string Unguarded(std::string argument) {
@@ -74,8 +92,8 @@ CLI::Option* AddPositional(CLI::App* app, const Positional& positional, Argument
 }
 
 CLI::Option* AddOption(CLI::App* app, const Option& option, Arguments* values) {
-  if (option.value.empty()) return app->add_flag(option.names)->description(option.purpose);
-  CLI::Option* added = app->add_option(option.names, *values, option.purpose);
+  if (option.value.empty()) return app->add_flag(option.names)->description(DescriptionOf(option));
+  CLI::Option* added = app->add_option(option.names, *values, DescriptionOf(option));
   added->type_name(option.value)->expected(1)->take_all()->allow_extra_args(false);
   if (!option.choices.empty()) added->check(CLI::IsMember(option.choices).description(""));
   return added;
@@ -114,7 +132,7 @@ void Prepare(CLI::App* app) {
   app->require_subcommand(1);
   app->get_formatter()->label("TEXT", "");
   app->get_formatter()->label("REQUIRED", "");
-  app->get_formatter()->label("OPTIONS", "--help");
+  app->get_formatter()->label("OPTIONS", "OPTIONS");
   app->get_formatter()->column_width(28);
 }
 
@@ -133,9 +151,12 @@ Request ReadArguments(const std::vector<Command>& commands, const Arguments& arg
   std::vector<Declared> all;
   all.reserve(commands.size());
   for (const Command& command : commands) all.push_back(Declare(&app, command));
+  const Command* const meant =
+      arguments.empty() ? nullptr : CommandNamed(commands, arguments.front());
   Arguments reversed;  // the order that CLI11 reads
-  for (const std::string& argument : arguments)
-    reversed.insert(reversed.begin(), Guarded(argument));
+  for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument) {
+    reversed.push_back(Guarded(*argument, meant));
+  }
   Request request;
   try {
     app.parse(std::move(reversed));

@@ -39,6 +39,14 @@ std::string PurposeOfGroup(const std::string& group) {
 
 std::string LongName(const Option& option) { return option.names.substr(option.names.find("--")); }
 
+std::string DescriptionOf(const Option& option) {
+  std::string purpose = option.purpose;
+  for (const std::string& choice : option.choices) {
+    purpose += (&choice == &option.choices.front() ? ": " : ", ") + choice;
+  }
+  return purpose;
+}
+
 std::string UsageOf(const Command& command) {
   std::string usage = "kestan " + command.name + (command.options.empty() ? "" : " [OPTIONS]");
   for (const Positional& positional : command.positionals) {

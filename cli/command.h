@@ -67,7 +67,8 @@ struct Command {
   std::string more;    // what its help says at the end
   Arguments examples;  // without the prompt
   int (*run)(Kestan& engine, const Values& values);
-  bool hidden = false;  // in no list: for the build alone
+  bool takes_dashes = false;  // what begins with one dash is an argument, unless an option is so
+  bool hidden = false;        // in no list: for the build alone
 };
 
 // Returns what the commands of `group`, whose names begin with that word, are for; an empty string
@@ -76,6 +77,9 @@ std::string PurposeOfGroup(const std::string& group);
 
 // Returns the long name of an option: "--null" of "-0,--null".
 std::string LongName(const Option& option);
+
+// Returns what the option is for, with the values that it takes.
+std::string DescriptionOf(const Option& option);
 
 // Returns the command line in short: "kestan search [OPTIONS] INDEX QUERY...".
 std::string UsageOf(const Command& command);

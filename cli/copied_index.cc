@@ -68,6 +68,7 @@ void MakeWhole(const std::string& path, const std::function<void(const std::stri
   if (fs::symlink_status(path, error).type() != fs::file_type::not_found) {
     throw CannotMake(path, "there is something already");
   }
+  if (!fs::is_directory(FolderOf(path), error)) throw CannotMake(path, "no such folder");
   const FileLock lock(path, path);
   const std::string part = path + ".kestan-new";
   const HalfMade removed(part);

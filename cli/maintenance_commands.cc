@@ -87,7 +87,7 @@ int RunRepair(Kestan&, const Values& values) {
   kestan::RepairResult result;
   MakeWhole(values.Text("NEW"), [&](const std::string& part) {
     if (kestan::RepairIndex(damaged.c_str(), part.c_str(), report, &result) == 0) return;
-    throw CommandError("cannot repair " + Quoted(damaged) + ": " + last);
+    throw CommandError("cannot repair " + last);
   });
   printer.Finish();
   if (as_json) Print(JsonLine(JsonOf(result, lines)));

@@ -42,14 +42,6 @@ std::string TermOf(const Option& option) {
   return option.value.empty() ? term : term + " " + option.value;
 }
 
-std::string PurposeOf(const Option& option) {
-  std::string purpose = option.purpose;
-  for (const std::string& choice : option.choices) {
-    purpose += (&choice == &option.choices.front() ? ": " : ", ") + choice;
-  }
-  return purpose;
-}
-
 std::string Examples(const Command& command) {
   std::string text;
   for (const std::string& example : command.examples) {
@@ -67,7 +59,7 @@ std::string Body(const Command& command) {
   for (const Positional& positional : command.positionals) {
     body += Item(positional.name, positional.purpose);
   }
-  for (const Option& option : command.options) body += Item(TermOf(option), PurposeOf(option));
+  for (const Option& option : command.options) body += Item(TermOf(option), DescriptionOf(option));
   return body + ".SH EXAMPLES\n" + Examples(command);
 }
 

@@ -52,6 +52,7 @@ std::vector<Command> ManualCommands() {
        "",
        {"kestan manual man1"},
        RunManual,
+       false,
        true},
   };
 }

@@ -258,10 +258,12 @@ std::vector<Command> SearchCommands() {
          "most k words apart), AND, OR; \"words in a row\", prefix*, fuzzy~1 and parentheses",
          Positional::Count::kOneOrMore}},
        SearchCommandOptions(),
-       "Put -- before a query that begins with a dash. Exit status: 0 with hits, 1 without, 2 if "
-       "something is wrong.",
+       "Put -- before words that are spelled like an option. Exit status: 0 with hits, 1 without, "
+       "2 "
+       "if something is wrong.",
        {"kestan search my.index 'shell NEAR/3 script NOT (zsh OR fish)'"},
-       RunSearchCommand}};
+       RunSearchCommand,
+       true}};
 }
 
 }  // namespace kestan_cli

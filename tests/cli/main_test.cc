@@ -66,6 +66,21 @@ TEST_F(MainTest, TwoDashesEndTheOptions) {
   EXPECT_EQ(Run({"list", "my.index"}), Success("-a\n"));
 }
 
+TEST_F(MainTest, WordsOfAQueryMayBeginWithADash) {
+  Add("a", "cat dog\n");
+  Add("b", "cat\n");
+  EXPECT_EQ(Run({"search", "my.index", "cat", "-dog"}), Success("100 b\n"));
+  EXPECT_EQ(Run({"search", "my.index", "cat", "-(dog OR cow)", "-l"}), Success("b\n"));
+  EXPECT_EQ(Run({"search", "my.index", "-hello"}).status, 0);
+  EXPECT_EQ(Run({"search", "my.index", "--hello"}).status, 2);
+  EXPECT_EQ(Run({"list", "my.index", "-hello"}).status, 0);  // -h, and the help
+}
+
+TEST_F(MainTest, HelpNamesTheValuesOfAnOption) {
+  const std::string help = Run({"search", "--help"}).out;
+  EXPECT_NE(help.find("best, score, name, code"), std::string::npos) << help;
+}
+
 TEST_F(MainTest, FullDiskBehindTheOutputIsTold) {
   Add("a", "cat\n");
   const auto full = [] { dup2(open("/dev/full", O_WRONLY | O_CLOEXEC), STDOUT_FILENO); };
