@@ -38,7 +38,7 @@ std::string ReasonOf(int error) {
   return reason;
 }
 
-std::string Counted(unsigned long count, const std::string& noun) {
+std::string Counted(unsigned long long count, const std::string& noun) {
   return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 

@@ -31,7 +31,7 @@ std::string Quoted(std::string_view text);
 std::string ReasonOf(int error);
 
 // Returns "1 document" or "2 documents": `count` and `noun`, with an s where it needs one.
-std::string Counted(unsigned long count, const std::string& noun);
+std::string Counted(unsigned long long count, const std::string& noun);
 
 }  // namespace kestan_cli
 

@@ -82,10 +82,9 @@ std::string TextOf(const IndexStatistics& index) {
     text += std::string(fact.words) + ": " + std::to_string(fact.number) + " bytes\n";
   }
   for (const FrequencyRow& row : CurveOf(index)) {
-    const std::string range =
-        row.low == row.high
-            ? Counted(static_cast<unsigned long>(row.low), "document")
-            : std::to_string(row.low) + " to " + std::to_string(row.high) + " documents";
+    const std::string range = row.low == row.high ? Counted(row.low, "document")
+                                                  : std::to_string(row.low) + " to " +
+                                                        std::to_string(row.high) + " documents";
     text += "words in " + range + ": " + std::to_string(row.words) + "\n";
   }
   return text;
