@@ -141,8 +141,9 @@ TEST_F(RepairOfHostileFiles, HeadersOfExtremes) {
 
 TEST_F(RepairOfHostileFiles, BucketsOfExtremes) {
   const std::string good = Good();
-  std::size_t bucket = 0;
-  std::memcpy(&bucket, &good[HeaderOf(good).directory], sizeof bucket);
+  gdbm::Offset first_bucket = 0;
+  std::memcpy(&first_bucket, &good[InMemory(HeaderOf(good).directory)], sizeof first_bucket);
+  const std::size_t bucket = InMemory(first_bucket);
   for (const std::int32_t extreme : {0, -1, 1, 31, 32, INT_MAX, INT_MIN}) {
     for (std::size_t at = bucket; at < bucket + 512; at += 20) {
       std::string bytes = good;
@@ -156,7 +157,7 @@ TEST_F(RepairOfHostileFiles, ListsOfFreeSpaceThatLeadInCircles) {
   std::string bytes = Good();
   const std::size_t list = sizeof(gdbm::Header);
   Put(&bytes, list, gdbm::FreeList{INT_MAX, INT_MAX, list});
-  bytes.replace(HeaderOf(bytes).directory, 100, 100, '\0');
+  bytes.replace(InMemory(HeaderOf(bytes).directory), 100, 100, '\0');
   EXPECT_EQ(Repair(bytes), 0);
   Put(&bytes, list, gdbm::FreeList{INT_MAX, 0, list});
   EXPECT_EQ(Repair(bytes), 0);
@@ -178,7 +179,7 @@ TEST_F(RepairOfHostileFiles, RecordsThatOverlapFillNoDisk) {
       const auto length = static_cast<std::int32_t>(1 + i * 16 + k);
       const std::string key(static_cast<std::size_t>(length), 'a');
       const auto hash = static_cast<std::int32_t>(gdbm::HashOf(key));
-      Put(&bytes, gdbm::ElementAt(1024 + i * 512, k),
+      Put(&bytes, InMemory(gdbm::ElementAt(1024 + i * 512, k)),
           gdbm::Element{hash, {'a', 'a', 'a', 'a'}, kText, length, 60000});
     }
   }

@@ -98,7 +98,7 @@ FileMap MapOf(const std::string& bytes) {
   map.places.assign(bytes.size(), Place::kFree);
   Mark(&map.places, 0, kBlockBytes, Place::kHeader);
   const auto directory_bytes = static_cast<std::size_t>(header.directory_bytes);
-  Mark(&map.places, header.directory, directory_bytes, Place::kDirectory);
+  Mark(&map.places, InMemory(header.directory), directory_bytes, Place::kDirectory);
   std::set<gdbm::Offset> buckets;
   for (std::size_t i = 0; i < directory_bytes / sizeof(gdbm::Offset); ++i) {
     gdbm::Offset bucket = 0;
@@ -106,17 +106,18 @@ FileMap MapOf(const std::string& bytes) {
     buckets.insert(bucket);
   }
   for (const gdbm::Offset bucket : buckets) {
-    Mark(&map.places, bucket, shape.bucket_bytes, Place::kBucket);
+    Mark(&map.places, InMemory(bucket), shape.bucket_bytes, Place::kBucket);
     for (std::uint32_t i = 0; i < shape.elements; ++i) {
       gdbm::Element element{};
       EXPECT_TRUE(file.Read(gdbm::ElementAt(bucket, i), &element));
       if (element.hash == gdbm::kNoElement) continue;
       const auto key_bytes = static_cast<std::size_t>(element.key_bytes);
       const auto value_bytes = static_cast<std::size_t>(element.value_bytes);
-      map.records.push_back({bytes.substr(element.data, key_bytes),
-                             bytes.substr(element.data + key_bytes, value_bytes),
-                             gdbm::ElementAt(bucket, i), element.data});
-      Mark(&map.places, element.data, key_bytes + value_bytes, Place::kData);
+      const std::size_t data = InMemory(element.data);
+      map.records.push_back({bytes.substr(data, key_bytes),
+                             bytes.substr(data + key_bytes, value_bytes),
+                             InMemory(gdbm::ElementAt(bucket, i)), data});
+      Mark(&map.places, data, key_bytes + value_bytes, Place::kData);
     }
   }
   return map;

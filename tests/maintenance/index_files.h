@@ -50,6 +50,9 @@ struct FileMap {
   std::vector<Place> places;  // of every byte
 };
 
+// Returns the place in memory of what is at `at` in a file that has been read whole.
+inline std::size_t InMemory(std::uint64_t at) { return static_cast<std::size_t>(at); }
+
 // Reads the good file `bytes`.
 FileMap MapOf(const std::string& bytes);
 
