@@ -152,6 +152,20 @@ bool BucketMap::BelongsToLastStray(Offset element) const {
          (element - first) % sizeof(Element) == 0;
 }
 
+// Counts the elements that stand where gdbm looks first for their hashes. In a bucket a third of
+// them does at least; behind bytes that only look like a head, hardly any. The smaller a head is,
+// as it is on 32 bits, the more bytes look like one.
+std::size_t BucketMap::CountAtHome(Offset bucket) const {
+  std::size_t count = 0;
+  for (std::uint32_t i = 0; i < shape_.elements; ++i) {
+    Element element;
+    if (!file_.Read(ElementAt(bucket, i), &element)) break;
+    if (!file_.IsSound(element)) continue;
+    if (static_cast<Hash>(element.hash) % shape_.elements == i) ++count;
+  }
+  return count;
+}
+
 // Tries the element in each place that it can have in a bucket. The best bucket lacks least.
 void BucketMap::AddAround(Offset element) {
   FoundBucket best;
@@ -163,7 +177,7 @@ void BucketMap::AddAround(Offset element) {
     if (!bucket_.has_head || sound > bucket_.count || sound == 0) continue;
     const bool is_better = bucket_.IsIntact() > best.is_intact ||
                            (bucket_.IsIntact() == best.is_intact && sound > most_sound);
-    if (!is_better) continue;
+    if (!is_better || 3 * CountAtHome(at) < sound) continue;
     best = Describe(bucket_, at);
     SetRange(&best, PrefixOf(FirstHash(bucket_), bucket_.bits), bucket_.bits);
     most_sound = sound;

@@ -90,6 +90,7 @@ class BucketMap {
   void MarkAncestors(const FoundBucket& bucket);
   void SearchDirectory();
   std::size_t CountEntries(Offset directory, unsigned bits) const;
+  std::size_t CountAtHome(Offset bucket) const;
 
   const FoundBucket* FindReached(Hash hash) const;
   static bool YieldsTo(const FoundBucket& reached, const FoundBucket& stray);
