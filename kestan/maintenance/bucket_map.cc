@@ -152,9 +152,7 @@ bool BucketMap::BelongsToLastStray(Offset element) const {
          (element - first) % sizeof(Element) == 0;
 }
 
-// Counts the elements that stand where gdbm looks first for their hashes. In a bucket a third of
-// them does at least; behind bytes that only look like a head, hardly any. The smaller a head is,
-// as it is on 32 bits, the more bytes look like one.
+// Counts the elements that stand where gdbm looks first for their hashes.
 std::size_t BucketMap::CountAtHome(Offset bucket) const {
   std::size_t count = 0;
   for (std::uint32_t i = 0; i < shape_.elements; ++i) {
@@ -164,6 +162,15 @@ std::size_t BucketMap::CountAtHome(Offset bucket) const {
     if (static_cast<Hash>(element.hash) % shape_.elements == i) ++count;
   }
   return count;
+}
+
+// In a bucket a third of the elements at least stand where they are looked for first; behind bytes
+// that only look like a head, hardly any. The smaller a head is, as it is on 32 bits, the more
+// bytes look like one. Where the places are a power of two, as on 64 bits, this tells nothing:
+// gdbm's hash sends most keys to the same one.
+bool BucketMap::LooksLikeBucket(Offset bucket, std::size_t sound) const {
+  const bool is_power_of_two = (shape_.elements & (shape_.elements - 1)) == 0;
+  return is_power_of_two || 3 * CountAtHome(bucket) >= sound;
 }
 
 // Tries the element in each place that it can have in a bucket. The best bucket lacks least.
@@ -177,7 +184,7 @@ void BucketMap::AddAround(Offset element) {
     if (!bucket_.has_head || sound > bucket_.count || sound == 0) continue;
     const bool is_better = bucket_.IsIntact() > best.is_intact ||
                            (bucket_.IsIntact() == best.is_intact && sound > most_sound);
-    if (!is_better || 3 * CountAtHome(at) < sound) continue;
+    if (!is_better || !LooksLikeBucket(at, sound)) continue;
     best = Describe(bucket_, at);
     SetRange(&best, PrefixOf(FirstHash(bucket_), bucket_.bits), bucket_.bits);
     most_sound = sound;

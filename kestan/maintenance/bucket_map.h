@@ -91,6 +91,7 @@ class BucketMap {
   void SearchDirectory();
   std::size_t CountEntries(Offset directory, unsigned bits) const;
   std::size_t CountAtHome(Offset bucket) const;
+  bool LooksLikeBucket(Offset bucket, std::size_t sound) const;
 
   const FoundBucket* FindReached(Hash hash) const;
   static bool YieldsTo(const FoundBucket& reached, const FoundBucket& stray);
