@@ -13,13 +13,6 @@ namespace {
 
 using Names = std::set<std::string>;
 
-void CheckIndexed(Kestan& engine, const std::string& index, const Names& names) {
-  for (const std::string& name : names) {
-    if (engine.DocumentTimestamp(name.c_str()) != 0) continue;
-    throw CommandError("no document " + Quoted(name) + " in index " + Quoted(index));
-  }
-}
-
 int RunRemove(Kestan& engine, const Values& values) {
   const std::string index = values.Text("INDEX");
   const Arguments given = values.All("NAME");
@@ -27,7 +20,7 @@ int RunRemove(Kestan& engine, const Values& values) {
   IndexChange change(engine, index, Access::kWrite, WayOf(values.Has("--in-place"), index));
   {
     const OpenedIndex opened(engine, index, Access::kRead);
-    CheckIndexed(engine, index, names);
+    for (const std::string& name : names) CheckIndexed(opened, name);
   }
   change.Begin();
   for (const std::string& name : names) RemoveDocument(engine, name);
@@ -50,7 +43,7 @@ void CheckNewName(const std::string& name) {
 void CheckMove(Kestan& engine, const std::string& index, const std::string& from,
                const std::string& to, bool replace) {
   const OpenedIndex opened(engine, index, Access::kRead);
-  CheckIndexed(engine, index, {from});
+  CheckIndexed(opened, from);
   if (replace || engine.DocumentTimestamp(to.c_str()) == 0) return;
   throw CommandError("index " + Quoted(index) + " has a document " + Quoted(to) +
                      " already; --replace removes it first");

@@ -48,6 +48,11 @@ std::vector<IndexedDocument> IndexedDocuments(Kestan& engine) {
   return documents;
 }
 
+void CheckIndexed(const OpenedIndex& index, const std::string& name) {
+  if (index.engine().DocumentTimestamp(name.c_str()) != 0) return;
+  throw CommandError("no document " + Quoted(name) + " in index " + Quoted(index.path()));
+}
+
 std::string UserRecord(Kestan& engine, const std::string& name) {
   const char* const text = engine.DBGetUser(name.c_str());
   return text != nullptr ? text : "";

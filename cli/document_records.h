@@ -20,6 +20,9 @@ struct IndexedDocument {
 // Returns the documents of an open index, in order of the bytes of their names.
 std::vector<IndexedDocument> IndexedDocuments(Kestan& engine);
 
+// Throws CommandError if the open index has no document `name`.
+void CheckIndexed(const OpenedIndex& index, const std::string& name);
+
 // Returns the user record of `name`, empty if there is none.
 std::string UserRecord(Kestan& engine, const std::string& name);
 

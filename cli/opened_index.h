@@ -50,7 +50,7 @@ class OpenedIndex {
   OpenedIndex(const OpenedIndex&) = delete;
   OpenedIndex& operator=(const OpenedIndex&) = delete;
 
-  Kestan& engine() { return engine_; }
+  Kestan& engine() const { return engine_; }
   const std::string& path() const { return path_; }
   const IndexFacts& facts() const { return facts_; }
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "commands.h"
+#include "document_records.h"
 #include "index_change.h"
 #include "message.h"
 #include "output.h"
@@ -28,11 +29,6 @@ constexpr Kind kSummary{"summary", "summary", &Kestan::DBGetSummary, &Kestan::DB
 constexpr Kind kUser{"user", "user record", &Kestan::DBGetUser, &Kestan::DBPutUser,
                      &Kestan::DBDelUser};
 
-void CheckIndexed(Kestan& engine, const std::string& index, const std::string& name) {
-  if (engine.DocumentTimestamp(name.c_str()) != 0) return;
-  throw CommandError("no document " + Quoted(name) + " in index " + Quoted(index));
-}
-
 auto NoText(const Kind& kind, const std::string& name, const std::string& index) {
   return CommandError("document " + Quoted(name) + " of index " + Quoted(index) + " has no " +
                       kind.title);
@@ -45,7 +41,7 @@ int RunGet(Kestan& engine, const Values& values) {
   const OpenedIndex opened(engine, index, Access::kRead);
   const char* const text = (engine.*kKind.get)(name.c_str());
   if (text == nullptr) {
-    CheckIndexed(engine, index, name);
+    CheckIndexed(opened, name);
     throw NoText(kKind, name, index);
   }
   Print(std::string(text) + "\n");
@@ -55,7 +51,7 @@ int RunGet(Kestan& engine, const Values& values) {
 // Checks before the copy is made that there is such a document.
 void CheckBefore(Kestan& engine, const std::string& index, const std::string& name) {
   const OpenedIndex opened(engine, index, Access::kRead);
-  CheckIndexed(engine, index, name);
+  CheckIndexed(opened, name);
 }
 
 template <const Kind& kKind>
