@@ -1,28 +1,15 @@
 #include "document_records.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <string_view>
 
 #include "lines.h"
 #include "message.h"
+#include "side_record.h"
 
 namespace kestan_cli {
 namespace {
-
-// One of the three texts that an index keeps for each name.
-struct SideRecord {
-  char* (Kestan::*get)(const char* name);
-  int (Kestan::*put)(const char* name, const char* text);
-  int (Kestan::*remove)(const char* name);
-};
-
-constexpr std::array kSideRecords{
-    SideRecord{&Kestan::DBGetTitle, &Kestan::DBPutTitle, &Kestan::DBDelTitle},
-    SideRecord{&Kestan::DBGetSummary, &Kestan::DBPutSummary, &Kestan::DBDelSummary},
-    SideRecord{&Kestan::DBGetUser, &Kestan::DBPutUser, &Kestan::DBDelUser},
-};
 
 void MoveSideRecord(OpenedIndex& index, const SideRecord& record, const std::string& from,
                     const std::string& to) {

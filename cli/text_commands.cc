@@ -9,40 +9,25 @@
 #include "index_change.h"
 #include "message.h"
 #include "output.h"
+#include "side_record.h"
 
 namespace kestan_cli {
 namespace {
 
-// One of the three texts of a document, and what the engine does with it.
-struct Kind {
-  const char* name;
-  const char* title;
-  char* (Kestan::*get)(const char*);
-  int (Kestan::*put)(const char*, const char*);
-  int (Kestan::*del)(const char*);
-};
-
-constexpr Kind kTitle{"title", "title", &Kestan::DBGetTitle, &Kestan::DBPutTitle,
-                      &Kestan::DBDelTitle};
-constexpr Kind kSummary{"summary", "summary", &Kestan::DBGetSummary, &Kestan::DBPutSummary,
-                        &Kestan::DBDelSummary};
-constexpr Kind kUser{"user", "user record", &Kestan::DBGetUser, &Kestan::DBPutUser,
-                     &Kestan::DBDelUser};
-
-auto NoText(const Kind& kind, const std::string& name, const std::string& index) {
+auto NoText(const SideRecord& record, const std::string& name, const std::string& index) {
   return CommandError("document " + Quoted(name) + " of index " + Quoted(index) + " has no " +
-                      kind.title);
+                      record.title);
 }
 
-template <const Kind& kKind>
+template <const SideRecord& kRecord>
 int RunGet(Kestan& engine, const Values& values) {
   const std::string index = values.Text("INDEX");
   const std::string name = values.Text("NAME");
   const OpenedIndex opened(engine, index, Access::kRead);
-  const char* const text = (engine.*kKind.get)(name.c_str());
+  const char* const text = (engine.*kRecord.get)(name.c_str());
   if (text == nullptr) {
     CheckIndexed(opened, name);
-    throw NoText(kKind, name, index);
+    throw NoText(kRecord, name, index);
   }
   Print(std::string(text) + "\n");
   return kDone;
@@ -54,56 +39,56 @@ void CheckBefore(Kestan& engine, const std::string& index, const std::string& na
   CheckIndexed(opened, name);
 }
 
-template <const Kind& kKind>
+template <const SideRecord& kRecord>
 int RunSet(Kestan& engine, const Values& values) {
   const std::string index = values.Text("INDEX");
   const std::string name = values.Text("NAME");
   IndexChange change(engine, index, Access::kWrite, WayOf(values.Has("--in-place"), index));
   CheckBefore(engine, index, name);
   OpenedIndex& opened = change.Begin();
-  opened.CheckWritten((engine.*kKind.put)(name.c_str(), values.Text("TEXT").c_str()));
+  opened.CheckWritten((engine.*kRecord.put)(name.c_str(), values.Text("TEXT").c_str()));
   change.Commit();
   return kDone;
 }
 
-template <const Kind& kKind>
+template <const SideRecord& kRecord>
 int RunDelete(Kestan& engine, const Values& values) {
   const std::string index = values.Text("INDEX");
   const std::string name = values.Text("NAME");
   IndexChange change(engine, index, Access::kWrite, WayOf(values.Has("--in-place"), index));
   change.Begin();
-  if ((engine.*kKind.del)(name.c_str()) != 0) throw NoText(kKind, name, index);
+  if ((engine.*kRecord.remove)(name.c_str()) != 0) throw NoText(kRecord, name, index);
   change.Commit();
   return kDone;
 }
 
 Positional NameArgument() { return {"NAME", "the document's name, as `kestan list` prints it"}; }
 
-template <const Kind& kKind>
+template <const SideRecord& kRecord>
 void AddCommands(const std::string& sample, std::vector<Command>* commands) {
-  const std::string name = kKind.name;
-  const std::string title = kKind.title;
+  const std::string name = kRecord.command;
+  const std::string title = kRecord.title;
   commands->push_back({name + " get",
                        "Print a document's " + title + ".",
                        {IndexArgument(), NameArgument()},
                        {},
                        "",
                        {"kestan " + name + " get my.index notes.txt"},
-                       RunGet<kKind>});
+                       RunGet<kRecord>});
   commands->push_back({name + " set",
                        "Set a document's " + title + ".",
                        {IndexArgument(), NameArgument(), {"TEXT", "the new text"}},
                        {InPlaceOption()},
                        "",
                        {"kestan " + name + " set my.index notes.txt '" + sample + "'"},
-                       RunSet<kKind>});
+                       RunSet<kRecord>});
   commands->push_back({name + " delete",
                        "Delete a document's " + title + ".",
                        {IndexArgument(), NameArgument()},
                        {InPlaceOption()},
                        "",
                        {"kestan " + name + " delete my.index notes.txt"},
-                       RunDelete<kKind>});
+                       RunDelete<kRecord>});
 }
 
 // ---- Word lists ----
