@@ -8,8 +8,8 @@
 
 #include "document.h"
 #include "query_tokens.h"
+#include "stop_words.h"
 #include "transliterate.h"
-#include "word_forms.h"
 
 namespace kestan_cli {
 namespace {

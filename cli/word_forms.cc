@@ -8,22 +8,6 @@
 namespace kestan_cli {
 namespace {
 
-constexpr std::array<std::string_view, 120> kStopWords = {  // in order of their bytes
-    "a",       "about",  "above",   "after", "again",  "all",   "also",    "am",    "an",
-    "and",     "any",    "are",     "as",    "at",     "be",    "because", "been",  "before",
-    "being",   "below",  "between", "both",  "but",    "by",    "can",     "could", "did",
-    "do",      "does",   "doing",   "down",  "during", "each",  "few",     "for",   "from",
-    "further", "had",    "has",     "have",  "having", "he",    "her",     "here",  "hers",
-    "him",     "his",    "how",     "i",     "if",     "in",    "into",    "is",    "it",
-    "its",     "itself", "just",    "may",   "me",     "might", "more",    "most",  "must",
-    "my",      "no",     "nor",     "not",   "of",     "off",   "on",      "once",  "only",
-    "or",      "other",  "our",     "out",   "over",   "own",   "same",    "shall", "she",
-    "should",  "so",     "some",    "such",  "than",   "that",  "the",     "their", "them",
-    "then",    "there",  "these",   "they",  "this",   "those", "through", "to",    "too",
-    "under",   "until",  "up",      "upon",  "very",   "was",   "we",      "were",  "what",
-    "when",    "where",  "which",   "while", "who",    "whom",  "why",     "will",  "with",
-    "would",   "you",    "your"};
-
 constexpr std::size_t kMinLetters = 4;  // of a word that is taken apart
 constexpr std::size_t kMinStem = 3;
 
@@ -75,15 +59,6 @@ void AddFormsInY(const std::string& word, Forms* forms) {
 }
 
 }  // namespace
-
-bool IsStopWord(std::string_view word) {
-  if (word.empty() || std::any_of(word.begin() + 1, word.end(), [](char c) { return c < 'a'; })) {
-    return false;
-  }
-  std::string folded(word);
-  folded[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(folded[0])));
-  return std::binary_search(kStopWords.begin(), kStopWords.end(), std::string_view(folded));
-}
 
 std::vector<std::string> FormsOf(const std::string& word) {
   Forms forms(word);

@@ -65,19 +65,5 @@ TEST(WordFormsTest, EachFormComesOnce) {
   }
 }
 
-TEST(WordFormsTest, FirstAndLastOfTheListAreKnown) {
-  EXPECT_TRUE(IsStopWord("a"));
-  EXPECT_TRUE(IsStopWord("the"));
-  EXPECT_TRUE(IsStopWord("your"));
-  EXPECT_FALSE(IsStopWord("flow"));
-  EXPECT_FALSE(IsStopWord(""));
-}
-
-TEST(WordFormsTest, OneCapitalIsABeginningMoreAreAName) {
-  EXPECT_TRUE(IsStopWord("What"));
-  EXPECT_TRUE(IsStopWord("A"));
-  EXPECT_FALSE(IsStopWord("IT"));
-}
-
 }  // namespace
 }  // namespace kestan_cli
