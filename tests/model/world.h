@@ -73,6 +73,7 @@ class World {
  private:
   void Compare(const char* what, const std::string& library, const std::string& naive);
   Records Read(const std::string& path) const;
+  void CopyToSeen(const std::string& path) const;
   std::vector<std::string> KeysOf(const std::string& path) const;
 
   int first_id_;
