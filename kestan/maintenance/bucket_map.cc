@@ -25,6 +25,21 @@ FoundBucket Describe(const Bucket& bucket, Offset at) {
   return found;
 }
 
+// Tells elements that are taken for a head from a head by its free space, in use or not: gdbm
+// leaves zeros there, or space of former times, while elements give sizes that are hashes, and
+// places that are two of their numbers. The smaller a head is, as it is on 32 bits, the more it
+// needs this. A place may lie behind the end of a file that was cut off, but not where no small
+// file can have it.
+bool HasPossibleSpace(const Bytes& file, Offset bucket) {
+  constexpr Offset kSmallFileBytes = Offset{1} << 31;
+  BucketHead head;
+  if (!file.Read(bucket, &head)) return false;
+  return std::all_of(head.free.begin(), head.free.end(), [&](const FreeSpace& space) {
+    return static_cast<Offset>(space.bytes) <= file.size() &&
+           space.at < std::max(file.size(), kSmallFileBytes);
+  });
+}
+
 Hash FirstHash(const Bucket& bucket) { return static_cast<Hash>(bucket.sound.front().hash); }
 
 }  // namespace
@@ -152,39 +167,19 @@ bool BucketMap::BelongsToLastStray(Offset element) const {
          (element - first) % sizeof(Element) == 0;
 }
 
-// Counts the elements that stand where gdbm looks first for their hashes.
-std::size_t BucketMap::CountAtHome(Offset bucket) const {
-  std::size_t count = 0;
-  for (std::uint32_t i = 0; i < shape_.elements; ++i) {
-    Element element;
-    if (!file_.Read(ElementAt(bucket, i), &element)) break;
-    if (!file_.IsSound(element)) continue;
-    if (static_cast<Hash>(element.hash) % shape_.elements == i) ++count;
-  }
-  return count;
-}
-
-// In a bucket a third of the elements at least stand where they are looked for first; behind bytes
-// that only look like a head, hardly any. The smaller a head is, as it is on 32 bits, the more
-// bytes look like one. Where the places are a power of two, as on 64 bits, this tells nothing:
-// gdbm's hash sends most keys to the same one.
-bool BucketMap::LooksLikeBucket(Offset bucket, std::size_t sound) const {
-  const bool is_power_of_two = (shape_.elements & (shape_.elements - 1)) == 0;
-  return is_power_of_two || 3 * CountAtHome(bucket) >= sound;
-}
-
 // Tries the element in each place that it can have in a bucket. The best bucket lacks least.
 void BucketMap::AddAround(Offset element) {
   FoundBucket best;
   std::size_t most_sound = 0;
   for (std::uint32_t i = 0; i < shape_.elements && ElementAt(0, i) <= element; ++i) {
     const Offset at = element - ElementAt(0, i);
+    if (!HasPossibleSpace(file_, at)) continue;
     ReadBucket(file_, shape_, at, &bucket_);
     const std::size_t sound = bucket_.sound.size();
     if (!bucket_.has_head || sound > bucket_.count || sound == 0) continue;
     const bool is_better = bucket_.IsIntact() > best.is_intact ||
                            (bucket_.IsIntact() == best.is_intact && sound > most_sound);
-    if (!is_better || !LooksLikeBucket(at, sound)) continue;
+    if (!is_better) continue;
     best = Describe(bucket_, at);
     SetRange(&best, PrefixOf(FirstHash(bucket_), bucket_.bits), bucket_.bits);
     most_sound = sound;

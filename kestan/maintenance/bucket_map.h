@@ -90,8 +90,6 @@ class BucketMap {
   void MarkAncestors(const FoundBucket& bucket);
   void SearchDirectory();
   std::size_t CountEntries(Offset directory, unsigned bits) const;
-  std::size_t CountAtHome(Offset bucket) const;
-  bool LooksLikeBucket(Offset bucket, std::size_t sound) const;
 
   const FoundBucket* FindReached(Hash hash) const;
   static bool YieldsTo(const FoundBucket& reached, const FoundBucket& stray);
