@@ -83,6 +83,9 @@ class Model {
   bool MustNotAdd() const;
   bool MustNotNegate() const { return store_.Peek("g-code") == nullptr; }
 
+  // How many pairs of positions QueryAnd would try. A hundred thousand take it a second.
+  std::size_t CountPairs(int first, int second) const;
+
  private:
   bool PositionsKept() const { return (flags_ & 1) == 0; }
   std::vector<unsigned> DeletedCodes();

@@ -65,6 +65,18 @@ int Model::QueryWord(const std::string& word) {
   return Register(result);
 }
 
+std::size_t Model::CountPairs(int first, int second) const {
+  const ResultSet* left = Find(first);
+  const ResultSet* right = Find(second);
+  if (left == nullptr || right == nullptr) return 0;
+  std::size_t count = 0;
+  for (const auto& [code, hit] : *left) {
+    const auto other = right->find(code);
+    if (other != right->end()) count += hit.positions.size() * other->second.positions.size();
+  }
+  return count;
+}
+
 int Model::QueryAnd(int first, int second, int distance) {
   const ResultSet* left = Find(first);
   const ResultSet* right = Find(second);
