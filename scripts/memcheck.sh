@@ -10,9 +10,9 @@ command -v valgrind >/dev/null || { echo 'valgrind is missing' >&2; exit 1; }
 
 valgrind='valgrind;--quiet;--error-exitcode=99;--leak-check=full;--show-leak-kinds=definite,possible'
 valgrind+=';--errors-for-leak-kinds=definite,possible;--child-silent-after-fork=yes'
+valgrind+=";--suppressions=$PWD/scripts/memcheck.supp"
 build=$PWD/build/memcheck
-cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS=-O1 \
-  -DCMAKE_CROSSCOMPILING_EMULATOR="$valgrind" >/dev/null
+cmake --preset release -B "$build" -DCMAKE_CROSSCOMPILING_EMULATOR="$valgrind" >/dev/null
 cmake --build "$build"
 # The properties try a tenth of their usual cases: valgrind is that much slower.
 RC_PARAMS=max_success=10 ctest --test-dir "$build" -j 2 --timeout 600 --output-on-failure "$@"
