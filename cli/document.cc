@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "lines.h"
 #include "skip.h"
 #include "title.h"
 #include "transliterate.h"
@@ -28,7 +29,39 @@ std::size_t CutAt(const std::string& line, std::size_t max_bytes) {
   return max_bytes;
 }
 
+bool IsBase64(char byte) {
+  return (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') ||
+         (byte >= '0' && byte <= '9') || byte == '+' || byte == '/' || byte == '=';
+}
+
+// Returns how wide a line of base64 is, 0 if `line` is none.
+std::size_t WidthOfBase64(std::string_view line) {
+  line = line.substr(0, line.find_last_not_of('\r') + 1);
+  return std::all_of(line.begin(), line.end(), IsBase64) ? line.size() : 0;
+}
+
+// Empties the lines of blocks of base64 as mail (76 bytes) and keys (64) have them, of which the
+// engine knows but 72: two lines or more of that width, and a shorter one at the end.
+std::string StripBase64(std::string_view text) {
+  std::string kept;
+  kept.reserve(text.size() + 1);
+  std::size_t block = 0;  // the width of the block that the line before is in, 0 outside of blocks
+  std::size_t next = 0;   // the width of the next line
+  const std::vector<std::string_view> lines = LinesOf(text);
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    const std::size_t width = i == 0 ? WidthOfBase64(lines[0]) : next;
+    next = i + 1 < lines.size() ? WidthOfBase64(lines[i + 1]) : 0;
+    if (block == 0 && (width == 64 || width == 76) && next == width) block = width;
+    const bool is_inside = width != 0 && width <= block;
+    if (!is_inside) kept += lines[i];
+    if (!is_inside || width < block) block = 0;
+    kept += '\n';
+  }
+  return kept;
+}
+
 std::string StripLines(std::string text) {
+  text = StripBase64(text);
   const int length = Kestan::StripBadLines(text.data(), static_cast<unsigned>(text.size()));
   text.resize(static_cast<std::size_t>(length));
   return text;

@@ -86,6 +86,28 @@ TEST(DocumentTest, WordsLeaveOutLinesOfEncodedDataOnRequest) {
   EXPECT_EQ(WordsOf(text), "first line\n" + std::string("M") + std::string(60, 'A') + " last\n");
 }
 
+// So many lines of `width` letters, and a shorter one.
+std::string Base64(int lines, std::size_t width) {
+  std::string block;
+  for (int i = 0; i < lines; ++i) block += std::string(width, 'A') + "\r\n";
+  return block + "AAA=\r\n";
+}
+
+TEST(DocumentTest, Base64OfMailAndKeysIsEncodedData) {
+  for (const std::size_t width : {64, 72, 76}) {
+    EXPECT_EQ(WordsOf("first line.\n" + Base64(2, width) + "\nthe end.\n", {"", true}),
+              "first line\n\n\n\n\nthe end\n")
+        << width;
+  }
+}
+
+TEST(DocumentTest, LongWordsAreNoEncodedData) {
+  for (const std::string& text :
+       {Base64(1, 76), Base64(2, 75), std::string(76, 'x') + "\n" + std::string(76, '.') + "\n"}) {
+    EXPECT_EQ(WordsOf(text, {"", true}), WordsOf(text)) << text;
+  }
+}
+
 TEST(DocumentTest, WordsWithAccentsAreIndexedWithout) {
   EXPECT_EQ(WordsOf("one.\ncaf\xc3\xa9 two.\nthree.\n"), "one\ncafe two\nthree\n");
 }
