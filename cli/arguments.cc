@@ -14,10 +14,18 @@ namespace {
 // which is taken off again, keeps it whole.
 constexpr char kGuard = '\x01';
 
-bool IsOption(const Command& command, const std::string& argument) {
-  return std::any_of(command.options.begin(), command.options.end(), [&](const Option& option) {
-    return option.names.substr(0, option.names.find(',')) == argument;
-  });
+bool IsSwitch(const Command& command, char letter) {
+  const std::string name = {'-', letter, ','};
+  return letter == 'h' ||
+         std::any_of(command.options.begin(), command.options.end(), [&](const Option& option) {
+           return option.value.empty() && option.names.compare(0, name.size(), name) == 0;
+         });
+}
+
+// Whether `argument` is nothing but a dash and the letters of switches: "-l0".
+bool AreSwitches(const Command& command, const std::string& argument) {
+  return std::all_of(argument.begin() + 1, argument.end(),
+                     [&](char letter) { return IsSwitch(command, letter); });
 }
 
 // `command` is the one that the arguments are for, null where that is not known.
@@ -26,7 +34,7 @@ bool NeedsGuard(const std::string& argument, const Command* command) {
   if (argument.front() == '[' || argument.front() == kGuard) return true;
   const bool has_one_dash = argument.size() > 1 && argument[0] == '-' && argument[1] != '-';
   return has_one_dash && command != nullptr && command->takes_dashes &&
-         !IsOption(*command, argument);
+         !AreSwitches(*command, argument);
 }
 
 std::string Guarded(const std::string& argument, const Command* command) {
@@ -57,12 +65,15 @@ struct Declared {
   std::vector<Slot> slots;
 };
 
+const std::string kCommands = "Commands";
+
 CLI::App* GroupOf(CLI::App* app, const std::string& group) {
   const auto is_group = [&group](const CLI::App* added) { return added->get_name() == group; };
   const std::vector<CLI::App*> found = app->get_subcommands(is_group);
   if (!found.empty()) return found.front();
-  CLI::App* made = app->add_subcommand(group, PurposeOfGroup(group));
+  CLI::App* made = app->add_subcommand(group, PurposeOfGroup(group))->group(kCommands);
   made->require_subcommand(1);
+  made->footer("Each has --help with an example.");
   return made;
 }
 
@@ -71,7 +82,7 @@ CLI::App* AddTo(CLI::App* app, const Command& command) {
   if (blank != std::string::npos) app = GroupOf(app, command.name.substr(0, blank));
   const std::string name =
       blank == std::string::npos ? command.name : command.name.substr(blank + 1);
-  return app->add_subcommand(name, command.purpose);
+  return app->add_subcommand(name, command.purpose)->group(kCommands);
 }
 
 std::string FooterOf(const Command& command) {
@@ -92,10 +103,11 @@ CLI::Option* AddPositional(CLI::App* app, const Positional& positional, Argument
 }
 
 CLI::Option* AddOption(CLI::App* app, const Option& option, Arguments* values) {
-  if (option.value.empty()) return app->add_flag(option.names)->description(DescriptionOf(option));
+  if (option.value.empty()) {
+    return app->add_flag(option.names)->description(DescriptionOf(option))->disable_flag_override();
+  }
   CLI::Option* added = app->add_option(option.names, *values, DescriptionOf(option));
   added->type_name(option.value)->expected(1)->take_all()->allow_extra_args(false);
-  if (!option.choices.empty()) added->check(CLI::IsMember(option.choices).description(""));
   return added;
 }
 
@@ -116,6 +128,17 @@ Declared Declare(CLI::App* app, const Command& command) {
   return declared;
 }
 
+void CheckChoice(const Option& option, const Values& values) {
+  const std::string name = LongName(option);
+  if (option.choices.empty() || !values.Has(name)) return;
+  const std::string value = values.Text(name);
+  if (std::count(option.choices.begin(), option.choices.end(), value) != 0) return;
+  std::string choices;
+  for (const std::string& choice : option.choices)
+    choices += (choices.empty() ? "" : ", ") + choice;
+  throw CommandError(name + " takes one of " + choices + ", not " + Quoted(value));
+}
+
 Values ValuesOf(const Declared& declared) {
   Values values;
   for (const Slot& slot : declared.slots) {
@@ -128,11 +151,14 @@ Values ValuesOf(const Declared& declared) {
 }
 
 void Prepare(CLI::App* app) {
-  app->set_version_flag("--version", "kestan " KESTAN_VERSION);
+  app->set_help_flag("-h,--help", "print this help");
+  app->set_version_flag("--version", "kestan " KESTAN_VERSION, "print the version");
   app->require_subcommand(1);
+  app->footer("Each has --help with an example, and a manual page: man kestan-search.");
   app->get_formatter()->label("TEXT", "");
   app->get_formatter()->label("REQUIRED", "");
   app->get_formatter()->label("OPTIONS", "OPTIONS");
+  app->get_formatter()->label("SUBCOMMAND", "COMMAND");
   app->get_formatter()->column_width(28);
 }
 
@@ -141,6 +167,38 @@ std::string HelpText(const CLI::App& app, const CLI::ParseError& request) {
   std::ostringstream text;
   app.exit(request, text, text);
   return text.str();
+}
+
+bool LooksLikeOption(const std::string& argument) {
+  return argument.size() > 1 && argument.front() == '-';
+}
+
+// Says what `error` is in the words of the help.
+std::string WhatIsWrong(const CLI::App& app, bool wants_command, const CLI::ParseError& error) {
+  Arguments left = app.remaining(true);  // the arguments that found no place
+  left.erase(std::remove(left.begin(), left.end(), "--"), left.end());
+  const auto option = std::find_if(left.begin(), left.end(), LooksLikeOption);
+  if (option != left.end()) {
+    return "no option " + Quoted(*option) + "; put -- before what only looks like one";
+  }
+  if (wants_command) return left.empty() ? "no command" : "no command " + Quoted(left.front());
+  if (!left.empty()) return "one argument too many: " + Quoted(Unguarded(left.back()));
+  const std::string what = error.what();
+  if (error.get_name() != "ArgumentMismatch") return what;
+  const std::string name = what.substr(0, what.find_first_of(": "));  // of a switch, without dashes
+  return LooksLikeOption(name) ? name + " needs a value" : "--" + name + " takes no value";
+}
+
+// The same with the command whose help tells more.
+CommandError Refusal(const CLI::App& app, const CLI::ParseError& error) {
+  std::string called = app.get_name();
+  const CLI::App* last = &app;
+  while (!last->get_subcommands().empty()) {
+    last = last->get_subcommands().front();
+    called += " " + last->get_name();
+  }
+  const bool is_group = !last->get_subcommands([](const CLI::App*) { return true; }).empty();
+  return CommandError(WhatIsWrong(app, is_group, error) + " (see " + called + " --help)");
 }
 
 }  // namespace
@@ -161,9 +219,7 @@ Request ReadArguments(const std::vector<Command>& commands, const Arguments& arg
   try {
     app.parse(std::move(reversed));
   } catch (const CLI::ParseError& error) {
-    if (error.get_exit_code() != 0) {
-      throw CommandError(std::string(error.what()) + " (see kestan --help)");
-    }
+    if (error.get_exit_code() != 0) throw Refusal(app, error);
     request.text = HelpText(app, error);
     return request;
   }
@@ -171,6 +227,7 @@ Request ReadArguments(const std::vector<Command>& commands, const Arguments& arg
     if (!declared.app->parsed()) continue;
     request.command = declared.command;
     request.values = ValuesOf(declared);
+    for (const Option& option : declared.command->options) CheckChoice(option, request.values);
   }
   return request;
 }

@@ -43,7 +43,9 @@ std::vector<IndexedDocument> DocumentsAt(Kestan& engine, const std::string& inde
                                          const IndexFacts& facts) {
   if (!facts.had_documents) return {};
   const OpenedIndex opened(engine, index, Access::kRead);
-  return IndexedDocuments(engine);
+  std::vector<IndexedDocument> documents = IndexedDocuments(engine);
+  opened.CheckRead();
+  return documents;
 }
 
 // Paths of a list may have vanished since it was made.
@@ -94,9 +96,13 @@ void PrintReport(const IndexReport& report, const IndexOptions& options) {
 void CheckSomethingDone(const IndexReport& report, const IndexOptions& options) {
   const unsigned long done =
       report.added + report.updated + report.moved + report.removed + report.unchanged;
-  if (done == 0 && !options.prune && !options.paths_from_stdin) {
-    throw CommandError(NothingToIndex(report.skips));
+  if (done != 0 || options.prune || options.paths_from_stdin) return;
+  if (options.json) {
+    Print(ReportJson(report, options.why));
+  } else if (options.why) {
+    Print(SkipLines(report.skips));
   }
+  throw CommandError(NothingToIndex(report.skips));
 }
 
 }  // namespace

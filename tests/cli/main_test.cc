@@ -59,6 +59,47 @@ TEST_F(MainTest, WrongArgumentsAreToldInOneLine) {
   }
 }
 
+TEST_F(MainTest, WrongArgumentsAreNamedWithTheHelpThatTellsMore) {
+  const std::string search = " (see kestan search --help)";
+  EXPECT_EQ(Run({}), Failure("no command (see kestan --help)"));
+  EXPECT_EQ(Run({"sing"}), Failure("no command 'sing' (see kestan --help)"));
+  EXPECT_EQ(Run({"title", "sing"}), Failure("no command 'sing' (see kestan title --help)"));
+  EXPECT_EQ(Run({"title", "get", "a"}), Failure("NAME is required (see kestan title get --help)"));
+  EXPECT_EQ(Run({"search", "--limit"}), Failure("--limit needs a value" + search));
+  EXPECT_EQ(Run({"search", "a", "b", "--json=no"}), Failure("--json takes no value" + search));
+  EXPECT_EQ(Run({"list", "a", "b"}),
+            Failure("one argument too many: 'b' (see kestan list --help)"));
+  EXPECT_EQ(Run({"title", "get", "--", "a"}),
+            Failure("NAME is required (see kestan title get --help)"));
+  EXPECT_EQ(Run({"search", "a", "b", "--order", "x\n"}),
+            Failure("--order takes one of best, score, name, code, not 'x\\n'"));
+}
+
+TEST_F(MainTest, UnknownOptionIsToldBeforeWhatIsMissingForIt) {
+  const std::string hint = "; put -- before what only looks like one (see kestan ";
+  EXPECT_EQ(Run({"search", "a", "--loud"}),
+            Failure("no option '--loud'" + hint + "search --help)"));
+  EXPECT_EQ(Run({"title", "set", "a", "b", "-dash"}),
+            Failure("no option '-dash'" + hint + "title set --help)"));
+}
+
+TEST_F(MainTest, SwitchesOfOneLetterMayShareADash) {
+  Add("a", "cat\n");
+  EXPECT_EQ(Run({"search", "my.index", "-l0", "cat"}), Success(std::string("a\0", 2)));
+  EXPECT_EQ(Run({"search", "my.index", "cat", "-h"}).out.substr(0, 5), "Find ");
+}
+
+TEST_F(MainTest, WhyIsToldWhereNothingCouldBeIndexed) {
+  Write("d/a", std::string("a\0b", 3));
+  const std::string told = "kestan: nothing to index: no text files, 1 binary file, 0 links\n";
+  EXPECT_EQ(Run({"index", "my.index", "d", "--why"}),
+            (Outcome{2, "skipped 'd/a': binary file\n", told}));
+  const Outcome json = Run({"index", "my.index", "d", "--json"});
+  EXPECT_EQ(json.status, 2);
+  EXPECT_EQ(json.err, told);
+  EXPECT_EQ(json.out.substr(0, 11), "{\"schema\":1");
+}
+
 TEST_F(MainTest, TwoDashesEndTheOptions) {
   Write("-a", "cat\n");
   EXPECT_EQ(Run({"index", "my.index", "-a"}).status, 2);
