@@ -34,6 +34,7 @@ int RunRemove(Kestan& engine, const Values& values) {
 }
 
 void CheckNewName(const std::string& name) {
+  if (name.empty()) throw CommandError("the new name is empty");
   if (name.find('\n') == std::string::npos) return;
   throw CommandError("the name " + Quoted(name) +
                      " holds a line feed, and documents are listed one a line");

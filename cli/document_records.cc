@@ -37,7 +37,9 @@ std::vector<IndexedDocument> IndexedDocuments(Kestan& engine) {
 
 void CheckIndexed(const OpenedIndex& index, const std::string& name) {
   if (index.engine().DocumentTimestamp(name.c_str()) != 0) return;
-  throw CommandError("no document " + Quoted(name) + " in index " + Quoted(index.path()));
+  index.CheckRead();
+  throw CommandError("no document " + Quoted(name) + " in index " + Quoted(index.path()) +
+                     "; see kestan list");
 }
 
 std::string UserRecord(Kestan& engine, const std::string& name) {

@@ -144,8 +144,10 @@ void PrintHits(Search& search, const SearchOptions& options) {
 }
 
 void PrintJson(Search& search, const SearchOptions& options, SearchReport* report) {
-  for (const Hit& hit : search.hits()) {
-    report->hits.push_back(search.Show(hit, options.snippets));
+  if (!options.count) {
+    for (const Hit& hit : search.hits()) {
+      report->hits.push_back(search.Show(hit, options.snippets));
+    }
   }
   Print(AsJson(*report));
 }
@@ -164,17 +166,20 @@ int FindAndPrint(OpenedIndex& index, const Query& query, const SearchOptions& op
       PrintHits(search, options);
     }
   }
+  index.CheckRead();
   return report.total == 0 ? kNoHits : kDone;
 }
 
 // For a query that nothing can match.
-int PrintNothing(const SearchOptions& options) {
+int PrintNothing(const SearchOptions& options, const std::vector<std::string>& notes) {
   SearchReport report;
   report.query = options.query;
+  report.notes = notes;
   if (options.json) {
     Print(AsJson(report));
-  } else if (options.count) {
-    Print("0\n");
+  } else {
+    for (const std::string& note : notes) Tell(note);
+    if (options.count) Print("0\n");
   }
   return kNoHits;
 }
@@ -184,13 +189,10 @@ int PrintNothing(const SearchOptions& options) {
 int RunSearch(Kestan& engine, const std::string& index, const SearchOptions& options) {
   OpenedIndex opened(engine, index, Access::kRead);
   const std::optional<Query> query = ParseQuery(options.query, options.side_by_side);
-  if (!query) {
-    Tell("the query holds no letters to search for");
-    return PrintNothing(options);
-  }
+  if (!query) return PrintNothing(options, {"the query holds no letters to search for"});
   // An index that never had a document has nothing to offer, and the engine would end the process
   // at a NOT.
-  if (!opened.facts().had_documents) return PrintNothing(options);
+  if (!opened.facts().had_documents) return PrintNothing(options, {});
   return FindAndPrint(opened, *query, options);
 }
 

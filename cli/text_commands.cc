@@ -1,12 +1,16 @@
 // The texts that an index keeps beside its words: a title, a summary and a user record for each
 // document, and lists of words by name.
+#include <algorithm>
 #include <iostream>
 #include <iterator>
+#include <sstream>
 #include <string>
 
 #include "commands.h"
 #include "document_records.h"
 #include "index_change.h"
+#include "json.h"
+#include "lines.h"
 #include "message.h"
 #include "output.h"
 #include "side_record.h"
@@ -29,7 +33,11 @@ int RunGet(Kestan& engine, const Values& values) {
     CheckIndexed(opened, name);
     throw NoText(kRecord, name, index);
   }
-  Print(std::string(text) + "\n");
+  if (values.Has("--json")) {
+    Print(JsonLine({{"schema", kJsonSchema}, {"name", name}, {kRecord.command, text}}));
+  } else {
+    Print(std::string(text) + "\n");
+  }
   return kDone;
 }
 
@@ -56,8 +64,11 @@ int RunDelete(Kestan& engine, const Values& values) {
   const std::string index = values.Text("INDEX");
   const std::string name = values.Text("NAME");
   IndexChange change(engine, index, Access::kWrite, WayOf(values.Has("--in-place"), index));
-  change.Begin();
-  if ((engine.*kRecord.remove)(name.c_str()) != 0) throw NoText(kRecord, name, index);
+  const OpenedIndex& opened = change.Begin();
+  if ((engine.*kRecord.remove)(name.c_str()) != 0) {
+    CheckIndexed(opened, name);
+    throw NoText(kRecord, name, index);
+  }
   change.Commit();
   return kDone;
 }
@@ -71,7 +82,7 @@ void AddCommands(const std::string& sample, std::vector<Command>* commands) {
   commands->push_back({name + " get",
                        "Print a document's " + title + ".",
                        {IndexArgument(), NameArgument()},
-                       {},
+                       {JsonOption()},
                        "",
                        {"kestan " + name + " get my.index notes.txt"},
                        RunGet<kRecord>});
@@ -98,12 +109,23 @@ int RunGetWords(Kestan& engine, const Values& values) {
   const OpenedIndex opened(engine, index, Access::kRead);
   const char* const words = engine.DBGetWords(values.Text("LIST").c_str());
   if (words == nullptr) {
+    opened.CheckRead();
     throw CommandError("no word list " + Quoted(values.Text("LIST")) + " in index " +
                        Quoted(index));
   }
-  Print(words);
+  if (values.Has("--json")) {
+    Print(JsonLine(
+        {{"schema", kJsonSchema}, {"list", values.Text("LIST")}, {"words", LinesOf(words)}}));
+  } else {
+    Print(words);
+  }
   return kDone;
 }
+
+constexpr std::size_t kMaxListedBytes = 127;
+
+// A NUL would end the list for the engine.
+bool IsAscii(char byte) { return static_cast<signed char>(byte) > 0; }
 
 std::string WordsToPut(const Values& values) {
   if (!values.Has("WORD")) {
@@ -114,9 +136,25 @@ std::string WordsToPut(const Values& values) {
   return words;
 }
 
+// The engine would cut a long word, and make other words of bytes above 127.
+void CheckWords(const std::string& words) {
+  std::istringstream rest(words);
+  for (std::string word; rest >> word;) {
+    if (word.size() > kMaxListedBytes) {
+      throw CommandError("the word " + Quoted(word) + " has " + std::to_string(word.size()) +
+                         " bytes; a list keeps words of at most " +
+                         std::to_string(kMaxListedBytes));
+    }
+    if (!std::all_of(word.begin(), word.end(), IsAscii)) {
+      throw CommandError("the word " + Quoted(word) + " is not in ASCII; a list keeps no others");
+    }
+  }
+}
+
 int RunPutWords(Kestan& engine, const Values& values) {
   const std::string index = values.Text("INDEX");
   const std::string words = WordsToPut(values);
+  CheckWords(words);
   IndexChange change(engine, index, Access::kWrite, WayOf(values.Has("--in-place"), index));
   OpenedIndex& opened = change.Begin();
   opened.CheckWritten(engine.DBPutWords(values.Text("LIST").c_str(), words.c_str()));
@@ -129,20 +167,21 @@ void AddWordListCommands(std::vector<Command>* commands) {
   commands->push_back({"wordlist get",
                        "Print a list of words that the index keeps.",
                        {IndexArgument(), list},
-                       {},
+                       {JsonOption()},
                        "",
                        {"kestan wordlist get my.index colours"},
                        RunGetWords});
-  commands->push_back({"wordlist put",
-                       "Keep a list of words in the index, in place of an earlier one.",
-                       {IndexArgument(),
-                        list,
-                        {"WORD", "the words; without any, they are read from the standard input",
-                         Positional::Count::kAny}},
-                       {InPlaceOption()},
-                       "A word is at most 127 bytes long, and of ASCII.",
-                       {"kestan wordlist put my.index colours red green blue"},
-                       RunPutWords});
+  commands->push_back(
+      {"wordlist put",
+       "Keep a list of words in the index, in place of an earlier one.",
+       {IndexArgument(),
+        list,
+        {"WORD", "the words; without any, they are read from the standard input",
+         Positional::Count::kAny}},
+       {InPlaceOption()},
+       "A word is at most 127 bytes long, and of ASCII. White space separates words.",
+       {"kestan wordlist put my.index colours red green blue"},
+       RunPutWords});
 }
 
 }  // namespace

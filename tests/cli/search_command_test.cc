@@ -200,8 +200,18 @@ TEST_F(SearchCommandTest, QueryWithoutLettersFindsNothingAndSaysSo) {
   EXPECT_EQ(Search({"? -(7) \"\""}), told);
 }
 
+TEST_F(SearchCommandTest, QueryWithoutLettersIsANoteInJson) {
+  const Outcome outcome = Run({"search", "my.index", "--json", "42"});
+  EXPECT_EQ(outcome, (Outcome{1,
+                              "{\"schema\":1,\"query\":\"42\",\"total\":0,\"hits\":[],"
+                              "\"suggestions\":[],\"notes\":[\"the query holds no letters to "
+                              "search for\"]}\n",
+                              ""}));
+}
+
 TEST_F(SearchCommandTest, QueryWithoutLettersStillNeedsAnIndex) {
-  EXPECT_EQ(Run({"search", "none", "42"}), Failure("cannot open index 'none': no such file"));
+  EXPECT_EQ(Run({"search", "none", "42"}),
+            Failure("cannot open index 'none': no such file; kestan index makes one"));
 }
 
 TEST_F(SearchCommandTest, MinusLeavesOut) {

@@ -48,6 +48,12 @@ TEST_F(SearchOutputTest, LimitOfZeroShowsNothingThatWasFound) {
   EXPECT_EQ(Search({"--limit", "0", "cat"}), Success(""));
 }
 
+TEST_F(SearchOutputTest, CountInJsonShowsNoDocuments) {
+  const Json report = SearchJson({"--count", "--limit", "1", "cat"});
+  EXPECT_EQ(report["total"], 2);
+  EXPECT_EQ(report["hits"], Json::array());
+}
+
 TEST_F(SearchOutputTest, OrdersAreByNameCodeOrScore) {
   EXPECT_EQ(Search({"--order", "name", "cat OR fish"}), Success("100 a\n50 b\n50 c\n"));
   EXPECT_EQ(Search({"--order", "code", "cat OR fish"}), Success("50 b\n100 a\n50 c\n"));

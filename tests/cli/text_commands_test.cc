@@ -30,12 +30,19 @@ TEST_F(TextCommandsTest, EachTextIsSetAndDeletedForItself) {
   EXPECT_EQ(Run({"user", "get", "my.index", "a"}), Success("new user\n"));
 }
 
+TEST_F(TextCommandsTest, TextsAndListsArePrintedAsJsonToo) {
+  EXPECT_EQ(Run({"title", "get", "my.index", "a", "--json"}),
+            Success("{\"schema\":1,\"name\":\"a\",\"title\":\"The title\"}\n"));
+  ASSERT_EQ(Run({"wordlist", "put", "my.index", "l", "red", "blue"}).status, 0);
+  EXPECT_EQ(Run({"wordlist", "get", "my.index", "l", "--json"}),
+            Success("{\"schema\":1,\"list\":\"l\",\"words\":[\"red\",\"blue\"]}\n"));
+}
+
 TEST_F(TextCommandsTest, UnknownDocumentIsToldApart) {
-  const Outcome unknown = Failure("no document 'b' in index 'my.index'");
+  const Outcome unknown = Failure("no document 'b' in index 'my.index'; see kestan list");
   EXPECT_EQ(Run({"title", "get", "my.index", "b"}), unknown);
   EXPECT_EQ(Run({"title", "set", "my.index", "b", "x"}), unknown);
-  EXPECT_EQ(Run({"title", "delete", "my.index", "b"}),
-            Failure("document 'b' of index 'my.index' has no title"));
+  EXPECT_EQ(Run({"title", "delete", "my.index", "b"}), unknown);
 }
 
 TEST_F(TextCommandsTest, GroupWithoutACommandIsRefused) {
@@ -50,6 +57,19 @@ TEST_F(TextCommandsTest, WordListComesBackInItsOrder) {
   EXPECT_EQ(Run({"wordlist", "get", "my.index", "colours"}), Success("red\nreddish\nblue\n"));
   EXPECT_EQ(Run({"wordlist", "get", "my.index", "shapes"}),
             Failure("no word list 'shapes' in index 'my.index'"));
+}
+
+TEST_F(TextCommandsTest, WordsThatAListCannotKeepAreRefused) {
+  const std::string longest(127, 'x');
+  EXPECT_EQ(Run({"wordlist", "put", "my.index", "names", longest}), Success(""));
+  const std::string before = IndexBytes();
+  EXPECT_EQ(
+      Run({"wordlist", "put", "my.index", "names", "a", longest + "y"}),
+      Failure("the word '" + longest + "y' has 128 bytes; a list keeps words of at most 127"));
+  EXPECT_EQ(Run({"wordlist", "put", "my.index", "names", "a", "caf\xc3\xa9"}),
+            Failure("the word 'caf\xc3\xa9' is not in ASCII; a list keeps no others"));
+  EXPECT_EQ(IndexBytes(), before);
+  EXPECT_EQ(Run({"wordlist", "get", "my.index", "names"}), Success(longest + "\n"));
 }
 
 TEST_F(TextCommandsTest, WordListIsReadFromTheStandardInput) {

@@ -45,15 +45,17 @@ TEST_F(UpkeepCommandsTest, RemoveTakesSideRecordsAlong) {
 
 TEST_F(UpkeepCommandsTest, UnknownNameIsFoundBeforeAnythingIsRemoved) {
   const std::string before = IndexBytes();
-  EXPECT_EQ(Run({"remove", "my.index", "a", "c"}), Failure("no document 'c' in index 'my.index'"));
+  EXPECT_EQ(Run({"remove", "my.index", "a", "c"}),
+            Failure("no document 'c' in index 'my.index'; see kestan list"));
   EXPECT_EQ(Run({"remove", "my.index", "a", "b\nc"}),
-            Failure("no document 'b\\nc' in index 'my.index'"));
+            Failure("no document 'b\\nc' in index 'my.index'; see kestan list"));
   EXPECT_EQ(IndexBytes(), before);
 }
 
 TEST_F(UpkeepCommandsTest, RemovedDocumentCannotBeRemovedAgain) {
   ASSERT_EQ(Run({"remove", "my.index", "a"}).status, 0);
-  EXPECT_EQ(Run({"remove", "my.index", "a"}), Failure("no document 'a' in index 'my.index'"));
+  EXPECT_EQ(Run({"remove", "my.index", "a"}),
+            Failure("no document 'a' in index 'my.index'; see kestan list"));
 }
 
 TEST_F(UpkeepCommandsTest, ShrinkTellsTheSizes) {
@@ -128,7 +130,12 @@ TEST_F(UpkeepCommandsTest, MoveToItsOwnNameChangesNothing) {
 }
 
 TEST_F(UpkeepCommandsTest, MoveOfAnUnknownDocumentIsTold) {
-  EXPECT_EQ(Run({"move", "my.index", "x", "y"}), Failure("no document 'x' in index 'my.index'"));
+  EXPECT_EQ(Run({"move", "my.index", "x", "y"}),
+            Failure("no document 'x' in index 'my.index'; see kestan list"));
+}
+
+TEST_F(UpkeepCommandsTest, EmptyNameIsRefused) {
+  EXPECT_EQ(Run({"move", "my.index", "a", ""}), Failure("the new name is empty"));
 }
 
 TEST_F(UpkeepCommandsTest, NameOfTwoLinesIsRefused) {
