@@ -25,6 +25,7 @@ void Adder::AddWords(const std::string& name, const std::string& words) {
   const std::string_view unseen = index_.engine().AddDocumentWords(name.c_str(), words.c_str());
   new_words_ += static_cast<unsigned long>(std::count(unseen.begin(), unseen.end(), '\n'));
   if (index_.engine().DocumentTimestamp(name.c_str()) != 0) return;
+  index_.CheckRead();
   throw CommandError("index " + Quoted(index_.path()) + " did not take " + Quoted(name));
 }
 

@@ -10,6 +10,7 @@
 #include "file_swap.h"
 #include "message.h"
 #include "opened_index.h"
+#include "output.h"
 
 namespace kestan_cli {
 namespace {
@@ -17,10 +18,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kRecordsBetweenFlushes = 1000;  // a flush gives back the memory of those read
-
-auto CannotMake(const std::string& path, const std::string& reason) {
-  return CommandError("cannot make " + Quoted(path) + ": " + reason);
-}
 
 // Deletes a file that did not become what it was to be.
 class HalfMade {
@@ -54,6 +51,15 @@ bool HasAll(Database& copy, Database& whole) {
   return whole.FileError() == 0;
 }
 
+// Has the engine copy its index to `part`. What it says of a failure names a file that the user
+// does not know.
+bool Copies(Kestan& engine, const std::string& part) {
+  HeldErrors lines;
+  const bool copied = engine.CopyIndexTo(part.c_str()) == 0;
+  if (!copied) lines.Drop();
+  return copied;
+}
+
 bool AreSame(const std::string& left, const std::string& right) {
   Database a;
   Database b;
@@ -63,13 +69,17 @@ bool AreSame(const std::string& left, const std::string& right) {
 
 }  // namespace
 
+CommandError CannotMake(const std::string& path, const std::string& reason) {
+  return CommandError("cannot make " + Quoted(path) + ": " + reason);
+}
+
 void MakeWhole(const std::string& path, const std::function<void(const std::string&)>& make) {
   std::error_code error;
   if (fs::symlink_status(path, error).type() != fs::file_type::not_found) {
-    throw CannotMake(path, "there is something already");
+    throw CannotMake(path, "there is something already; choose another name");
   }
   if (!fs::is_directory(FolderOf(path), error)) throw CannotMake(path, "no such folder");
-  const FileLock lock(path, path);
+  const FileLock lock(path, "cannot make " + Quoted(path));
   const std::string part = path + ".kestan-new";
   const HalfMade removed(part);
   make(part);
@@ -83,7 +93,8 @@ void CopyIndex(Kestan& engine, const std::string& index, const std::string& path
   MakeWhole(path, [&](const std::string& part) {
     {
       const OpenedIndex opened(engine, index, Access::kRead);
-      if (engine.CopyIndexTo(part.c_str()) != 0) throw CannotMake(path, "not all was written");
+      if (!Copies(engine, part))
+        throw CannotMake(path, "not all was written, perhaps for want of room");
     }
     if (!AreSame(RealPath(index), part)) {
       throw CannotMake(path, "the copy is not complete; see kestan check " + Quoted(index));

@@ -7,7 +7,12 @@
 #include <functional>
 #include <string>
 
+#include "message.h"
+
 namespace kestan_cli {
+
+// Returns what to throw where no file can be made at `path`.
+CommandError CannotMake(const std::string& path, const std::string& reason);
 
 // Has `make` make a file at the path that it is given, beside `path`, and puts it at `path` when it
 // is on the disk. Whatever goes wrong before leaves nothing.

@@ -111,9 +111,7 @@ int RunExport(Kestan&, const std::string& index, const ExportOptions& options) {
   Exporter exporter(*writer);
   const int error = kestan::ReadDocuments(
       store, [&](const kestan::StoredDocument& document) { exporter.Add(document); });
-  if (error != 0) {
-    throw CommandError("cannot read index " + Quoted(index) + ": " + Database::ErrorString(error));
-  }
+  if (error != 0) throw CannotRead(index, error);
   exporter.Finish();
   return kDone;
 }

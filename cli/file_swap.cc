@@ -66,9 +66,9 @@ bool IsTemporaryOf(const std::string& name, const std::string& copy) {
 
 }  // namespace
 
-FileLock::FileLock(const std::string& path, const std::string& shown) : path_(path + ".lock") {
+FileLock::FileLock(const std::string& path, const std::string& complaint) : path_(path + ".lock") {
   const auto refuse = [&](const std::string& reason, int status) {
-    throw CommandError("cannot change index " + Quoted(shown) + ": " + reason, status);
+    throw CommandError(complaint + ": " + reason, status);
   };
   // A file that its last holder has just deleted locks nobody out.
   do {

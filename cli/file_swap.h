@@ -14,8 +14,9 @@ namespace kestan_cli {
 // ends, and whoever comes next takes over the file that is left.
 class FileLock {
  public:
-  // Throws CommandError: with the status kBusy, if another process has the lock.
-  FileLock(const std::string& path, const std::string& shown);
+  // Throws CommandError "COMPLAINT: REASON": with the status kBusy, if another process has the
+  // lock.
+  FileLock(const std::string& path, const std::string& complaint);
   ~FileLock();
   FileLock(const FileLock&) = delete;
   FileLock& operator=(const FileLock&) = delete;

@@ -33,7 +33,7 @@ IndexChange::IndexChange(Kestan& engine, const std::string& path, Access access,
       way_(way) {
   ExamineIndex(path_, access_);  // first, for a path that holds no index gets no lock
   if (way_ == Way::kOnCopy) {
-    lock_ = std::make_unique<FileLock>(file_, path_);
+    lock_ = std::make_unique<FileLock>(file_, "cannot change index " + Quoted(path_));
     RemoveLeftovers(copy_);
     HoldSource();
   }

@@ -2,6 +2,7 @@
 #include <kestan/maintenance.h>
 
 #include <cerrno>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <string>
@@ -33,7 +34,7 @@ int ReportCheck(const kestan::CheckResult& result, const Json& lines, const Valu
 
 int RunCheck(Kestan&, const Values& values) {
   const std::string index = values.Text("INDEX");
-  ExamineIndex(index, Access::kRead);
+  ExamineIndex(index, Access::kInspect);
   Database store;
   OpenStore(store, index, Access::kRead);
   Json lines = Json::array();
@@ -51,6 +52,14 @@ int RunCheck(Kestan&, const Values& values) {
 }
 
 // ---- repair ----
+
+// `line` is the last that the library said: a path and the reason.
+CommandError CannotRepair(const std::string& damaged, const std::string& target,
+                          const std::string& part, const std::string& line) {
+  const std::string reason = line.substr(line.rfind(": ") + 2);
+  if (line.compare(0, part.size(), part) == 0) return CannotMake(target, reason);
+  return CommandError("cannot repair " + Quoted(damaged) + ": " + reason);
+}
 
 std::string Summary(const kestan::RepairResult& result) {
   return "saved " + Counted(result.saved, "document") + ", " +
@@ -84,10 +93,12 @@ int RunRepair(Kestan&, const Values& values) {
     if (as_json) lines.push_back(std::string(line));
     if (!as_json && !values.Has("--quiet")) printer.Take(line);
   };
+  const std::string target = values.Text("NEW");
   kestan::RepairResult result;
-  MakeWhole(values.Text("NEW"), [&](const std::string& part) {
+  CheckFile(damaged);
+  MakeWhole(target, [&](const std::string& part) {
     if (kestan::RepairIndex(damaged.c_str(), part.c_str(), report, &result) == 0) return;
-    throw CommandError("cannot repair " + last);
+    throw CannotRepair(damaged, target, part, last);
   });
   printer.Finish();
   if (as_json) Print(JsonLine(JsonOf(result, lines)));
@@ -105,15 +116,17 @@ int RunDump(Kestan&, const Values& values) {
   LinePrinter printer;
   const int error = kestan::DumpIndex(store, [&](std::string_view line) { printer.Take(line); });
   printer.Finish();
-  if (error == 0) return kDone;
-  throw CommandError("index " + Quoted(index) + " cannot be read: " + Database::ErrorString(error) +
-                     "; see kestan repair");
+  if (error != 0) throw CannotRead(index, error);
+  return kDone;
 }
 
-// Fills the new file at `path` from the dump that `input` holds.
-void Load(std::istream& input, const std::string& path, const std::string& shown) {
+// Fills the new file at `part`, which is to become `path`, from the dump that `input` holds.
+void Load(std::istream& input, const std::string& part, const std::string& path,
+          const std::string& shown) {
   Database target;
-  OpenStore(target, path, Access::kCreate);
+  if (const int error = target.Open(part.c_str(), 1); error != 0) {
+    throw CannotMake(path, Database::ErrorString(error));
+  }
   std::string text;
   const auto give = [&](std::string_view* line) {
     if (!std::getline(input, text)) return false;
@@ -128,14 +141,19 @@ void Load(std::istream& input, const std::string& path, const std::string& shown
 
 int RunLoad(Kestan&, const Values& values) {
   const std::string source = values.Text("FILE", "-");
+  const std::string target = values.Text("NEW");
   std::ifstream file;
   if (source != "-") {
-    file.open(source, std::ios::binary);
-    if (!file.is_open())
-      throw CommandError("cannot read " + Quoted(source) + ": " + ReasonOf(errno));
+    std::error_code error;
+    const bool is_folder = std::filesystem::is_directory(source, error);  // which opens like a file
+    if (!is_folder) file.open(source, std::ios::binary);
+    if (!file.is_open()) {
+      throw CommandError("cannot read " + Quoted(source) + ": " +
+                         ReasonOf(is_folder ? EISDIR : errno));
+    }
   }
-  MakeWhole(values.Text("NEW"), [&](const std::string& part) {
-    Load(source == "-" ? std::cin : file, part, source == "-" ? "standard input" : source);
+  MakeWhole(target, [&](const std::string& part) {
+    Load(source == "-" ? std::cin : file, part, target, source == "-" ? "standard input" : source);
   });
   return kDone;
 }

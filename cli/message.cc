@@ -1,12 +1,18 @@
 #include "message.h"
 
 #include <cctype>
+#include <cerrno>
 #include <system_error>
 
 namespace kestan_cli {
 namespace {
 
 bool IsControl(unsigned char byte) { return byte < 0x20 || byte == 0x7f; }
+
+// Some terminals take the letters U+0080 to U+009F for orders, too.
+bool IsSecondControl(std::string_view text, std::size_t at) {
+  return text[at] == '\xc2' && at + 1 < text.size() && (text[at + 1] & 0xe0) == 0x80;
+}
 
 std::string Escaped(unsigned char byte) {
   if (byte == '\n') return "\\n";
@@ -18,11 +24,12 @@ std::string Escaped(unsigned char byte) {
 
 std::string OneLine(std::string_view text) {
   std::string line;
-  for (char byte : text) {
-    if (IsControl(static_cast<unsigned char>(byte))) {
-      line += Escaped(static_cast<unsigned char>(byte));
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const auto byte = static_cast<unsigned char>(text[at]);
+    if (IsSecondControl(text, at)) {
+      line += Escaped(byte) + Escaped(static_cast<unsigned char>(text[++at]));
     } else {
-      line += byte;
+      line += IsControl(byte) ? Escaped(byte) : std::string(1, text[at]);
     }
   }
   return line;
@@ -31,6 +38,9 @@ std::string OneLine(std::string_view text) {
 std::string Quoted(std::string_view text) { return "'" + OneLine(text) + "'"; }
 
 std::string ReasonOf(int error) {
+  if (error == ENOENT) return "no such file or folder";
+  if (error == EISDIR) return "is a folder";
+  if (error == ENOTDIR) return "not in a folder";
   std::string reason = std::generic_category().message(error);
   if (!reason.empty()) {
     reason[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(reason[0])));

@@ -25,8 +25,8 @@ auto CannotOpen(const std::string& path, const std::string& reason, int status =
   return CommandError("cannot open index " + Quoted(path) + ": " + reason, status);
 }
 
-auto Locked(const std::string& path) {
-  return CannotOpen(path, "locked by another process; try again later", kBusy);
+auto Locked(const std::string& path, const std::string& what_holds_it) {
+  return CannotOpen(path, "another process " + what_holds_it + "; try again later", kBusy);
 }
 
 bool IsMissing(const std::string& path) {
@@ -46,34 +46,35 @@ void CheckFolderOfNewIndex(const std::string& path) {
   if (path.empty() || !fs::is_directory(folder, error)) throw CannotOpen(path, "no such folder");
 }
 
-// Looks before opening: a pipe would wait for a writer, and a folder opens like a file.
-void CheckFile(const std::string& path, Access access) {
-  std::error_code error;
-  const fs::file_status status = fs::status(path, error);
-  if (status.type() == fs::file_type::not_found) throw CannotOpen(path, "no such file");
-  if (error) throw CannotOpen(path, ReasonOf(error.value()));
-  if (fs::is_directory(status)) throw CannotOpen(path, "is a folder");
-  if (!fs::is_regular_file(status)) throw CannotOpen(path, "not an index file");
-  const OpenFile file(std::fopen(path.c_str(), "rb"));
-  if (file == nullptr) throw CannotOpen(path, ReasonOf(errno));
-  if (access != Access::kRead && ::access(path.c_str(), W_OK) != 0) {
-    throw CannotOpen(path, ReasonOf(errno));
-  }
+void CheckLeaveToWrite(const std::string& path) {
+  if (::access(path.c_str(), W_OK) == 0) return;
+  throw CommandError("cannot change index " + Quoted(path) + ": " + ReasonOf(errno));
 }
 
 // gdbm's error numbers, which the store hands on.
 constexpr int kFileOpenError = 3;
+constexpr int kFileWriteError = 4;
 constexpr int kFileReadError = 6;  // those between are about seeking and writing
 constexpr int kCantBeReader = 9;
 constexpr int kCantBeWriter = 10;
 constexpr int kNeedsRecovery = 29;
+
+constexpr const char* kIfItWasOne = "; if it was one, see kestan repair";
 
 // Says why the store refused to open a file. `system_error` is what errno was right after.
 std::string ReasonOfStore(int error, int system_error) {
   if (error == kNeedsRecovery) return "damaged; kestan repair saves what it still holds";
   const bool from_system = error >= kFileOpenError && error <= kFileReadError;
   if (from_system && system_error != 0) return ReasonOf(system_error);
-  return std::string("not an index file (") + Database::ErrorString(error) + ")";
+  return std::string("not an index file (") + Database::ErrorString(error) + ")" + kIfItWasOne;
+}
+
+// Says why a record did not reach the file. gdbm calls for recovery after the first failure.
+std::string ReasonOfWrite(int error, bool on_copy) {
+  const std::string reason = Database::ErrorString(error);
+  if (error != kFileWriteError && error != kNeedsRecovery) return reason + "; see kestan check";
+  return "a write failed, perhaps for want of room (" + reason + ")" +
+         (on_copy ? "; it is as it was" : "");
 }
 
 DBDatumPtr Record(Database& store, std::string_view key) {
@@ -104,12 +105,32 @@ IndexFacts FactsOf(Database& store) {
 
 }  // namespace
 
-void OpenStore(Database& store, const std::string& path, Access access) {
+// Looks before opening: a pipe would wait for a writer, and a folder opens like a file.
+void CheckFile(const std::string& path) {
+  std::error_code error;
+  const fs::file_status status = fs::status(path, error);
+  if (status.type() == fs::file_type::not_found) {
+    throw CannotOpen(path, "no such file; kestan index makes one");
+  }
+  if (error) throw CannotOpen(path, ReasonOf(error.value()));
+  if (fs::is_directory(status)) throw CannotOpen(path, "is a folder");
+  if (!fs::is_regular_file(status)) throw CannotOpen(path, "not an index file");
+  const OpenFile file(std::fopen(path.c_str(), "rb"));
+  if (file == nullptr) throw CannotOpen(path, ReasonOf(errno));
+}
+
+CommandError CannotRead(const std::string& path, int error) {
+  return CommandError("cannot read index " + Quoted(path) + ": " + Database::ErrorString(error) +
+                      "; see kestan check");
+}
+
+void OpenStore(Database& store, const std::string& path, Access access, const std::string& shown) {
   errno = 0;
   const int error = store.Open(path.c_str(), access == Access::kRead ? 0 : 1);
   const int system_error = errno;
-  if (error == kCantBeReader || error == kCantBeWriter) throw Locked(path);
-  if (error != 0) throw CannotOpen(path, ReasonOfStore(error, system_error));
+  if (error == kCantBeReader) throw Locked(shown, "is changing it");
+  if (error == kCantBeWriter) throw Locked(shown, "has it open");
+  if (error != 0) throw CannotOpen(shown, ReasonOfStore(error, system_error));
 }
 
 // Not fs::canonical, which wants a file at the end: a new index may be made through a link.
@@ -128,13 +149,20 @@ IndexFacts ExamineIndex(const std::string& path, Access access) {
     CheckFolderOfNewIndex(path);
     return {};
   }
-  CheckFile(path, access);
+  CheckFile(path);
+  if (access == Access::kWrite || access == Access::kCreate) CheckLeaveToWrite(path);
   if (access == Access::kCreate && IsEmpty(path)) return {};
   Database store;
   OpenStore(store, path, Access::kRead);
+  const bool has_options = Record(store, "g-opts").ptr != nullptr;
+  const IndexFacts facts = FactsOf(store);
+  if (store.FileError() != 0) {
+    if (access == Access::kInspect) return facts;
+    throw CannotRead(path, store.FileError());
+  }
   // Every index has option flags; another program's file of the same kind has not.
-  if (Record(store, "g-opts").ptr == nullptr) throw CannotOpen(path, "not an index file");
-  return FactsOf(store);
+  if (!has_options) throw CannotOpen(path, std::string("not an index file") + kIfItWasOne);
+  return facts;
 }
 
 OpenedIndex::OpenedIndex(Kestan& engine, const std::string& path, Access access, std::string shown)
@@ -144,14 +172,20 @@ OpenedIndex::OpenedIndex(Kestan& engine, const std::string& path, Access access,
       facts_(ExamineIndex(path, access)) {
   if (engine_.OpenIndex(file_.c_str(), access == Access::kRead ? 0 : 1) == 0) return;
   Database store;
-  OpenStore(store, path, access);
-  throw Locked(path_);  // it opens now, so whoever held it has let go
+  OpenStore(store, path, access, path_);
+  throw Locked(path_, "has it open");  // it opens now, so whoever held it has let go
 }
 
 void OpenedIndex::CheckWritten(int error) const {
   if (error == 0) return;
+  const int first = engine_.FileError() != 0 ? engine_.FileError() : error;
+  const bool is_copy = file_ != RealPath(path_);
   throw CommandError("cannot write to index " + Quoted(path_) + ": " +
-                     Database::ErrorString(error));
+                     ReasonOfWrite(first, is_copy));
+}
+
+void OpenedIndex::CheckRead() const {
+  if (engine_.FileError() != 0) throw CannotRead(path_, engine_.FileError());
 }
 
 OpenedIndex::~OpenedIndex() {

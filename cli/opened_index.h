@@ -8,13 +8,16 @@
 #include <functional>
 #include <string>
 
+#include "message.h"
+
 namespace kestan_cli {
 
 // What a command is going to do with an index.
 enum class Access {
-  kRead,    // look
-  kWrite,   // change one that exists
-  kCreate,  // change it, or make a new one of a path without a file or with an empty one
+  kRead,     // look
+  kInspect,  // look, however damaged it is
+  kWrite,    // change one that exists
+  kCreate,   // change it, or make a new one of a path without a file or with an empty one
 };
 
 // What can be told about an index before the engine opens it.
@@ -25,13 +28,25 @@ struct IndexFacts {
 
 // Looks at the file at `path`, and writes nothing to it.
 //   Throws   CommandError "cannot open index 'PATH': REASON" if it is not there, cannot be read or,
-//            for a change, be written, or is not an index; with the status kBusy if another process
-//            is writing it.
+//            for a change, be written, is not an index, or is damaged where that stands; with the
+//            status kBusy if another process is writing it.
 IndexFacts ExamineIndex(const std::string& path, Access access);
 
-// Opens `store`, which the engine does not lend, on the file at `path`.
+// Looks whether the file at `path` can be read, and not at what is in it.
 //   Throws   as ExamineIndex does.
-void OpenStore(Database& store, const std::string& path, Access access);
+void CheckFile(const std::string& path);
+
+// Returns what to throw when records of the index at `path` could not be read: `error` is the
+// store's.
+CommandError CannotRead(const std::string& path, int error);
+
+// Opens `store`, which the engine does not lend, on the file at `path`, which is called `shown` in
+// messages.
+//   Throws   as ExamineIndex does.
+void OpenStore(Database& store, const std::string& path, Access access, const std::string& shown);
+inline void OpenStore(Database& store, const std::string& path, Access access) {
+  OpenStore(store, path, access, path);
+}
 
 // Returns the path of the file itself where `path` is a link, or a chain of them.
 std::string RealPath(const std::string& path);
@@ -56,6 +71,9 @@ class OpenedIndex {
 
   // Throws CommandError if `error`, a result of the engine's, says that the file refused a record.
   void CheckWritten(int error) const;
+
+  // Throws CommandError if any record that was asked for could not be read.
+  void CheckRead() const;
 
   // Writes out all changes made so far.
   //   Throws   CommandError if any record, now or earlier, did not reach the file.

@@ -31,11 +31,12 @@ int RunList(Kestan& engine, const Values& values) {
   const std::vector<std::string> names = SortedLines(engine.ListDocuments());
   if (!values.Has("--json")) {
     Print(Joined(names, values.Has("--null") ? '\0' : '\n'));
-    return kDone;
+  } else {
+    Json documents = Json::array();
+    for (const std::string& name : names) documents.push_back(DescriptionOf(engine, name));
+    Print(JsonLine({{"schema", kJsonSchema}, {"documents", documents}}));
   }
-  Json documents = Json::array();
-  for (const std::string& name : names) documents.push_back(DescriptionOf(engine, name));
-  Print(JsonLine({{"schema", kJsonSchema}, {"documents", documents}}));
+  opened.CheckRead();
   return kDone;
 }
 
@@ -92,6 +93,7 @@ int RunWords(Kestan& engine, const Values& values) {
   } else {
     Print(Joined(words, '\n'));
   }
+  opened.CheckRead();
   return kDone;
 }
 

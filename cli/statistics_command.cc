@@ -114,10 +114,7 @@ int RunStats(Kestan&, const Values& values) {
   Database store;
   OpenStore(store, path, Access::kRead);
   const IndexStatistics index = kestan::ReadStatistics(store);
-  if (index.file_error != 0) {
-    throw CommandError("index " + Quoted(path) + " cannot be read: " +
-                       Database::ErrorString(index.file_error) + "; see kestan check");
-  }
+  if (index.file_error != 0) throw CannotRead(path, index.file_error);
   Print(values.Has("--json") ? JsonLine(JsonOf(index)) : TextOf(index));
   return kDone;
 }

@@ -4,6 +4,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -49,6 +50,15 @@ inline std::string BytesOfFile(const std::string& path) {
 inline void GiveUpPrivileges() {
   if (geteuid() != 0) return;
   if (setgid(65534) != 0 || setuid(65534) != 0) _exit(127);
+}
+
+// Leaves the child's files room for `bytes` each. Where a limit ends a process, the command must
+// see to it that it does not.
+inline auto FileSizeLimit(rlim_t bytes) {
+  return [bytes] {
+    const rlimit limit{bytes, bytes};
+    if (setrlimit(RLIMIT_FSIZE, &limit) != 0) _exit(127);
+  };
 }
 
 // Gives each test a folder of its own, in which the command runs, so that names are short.

@@ -196,7 +196,8 @@ TEST_F(ExportTest, LongExportsAreWhole) {
 
 TEST_F(ExportTest, AnIndexThatIsNotThereIsAnError) {
   const std::string path = folder_ / "none";
-  EXPECT_EQ(Why(path, kJson), "cannot open index '" + path + "': no such file");
+  EXPECT_EQ(Why(path, kJson),
+            "cannot open index '" + path + "': no such file; kestan index makes one");
   EXPECT_EQ(printed_.out, "");
 }
 

@@ -79,7 +79,7 @@ TEST_F(FileTextTest, LargeBinaryFileIsBinary) {
 }
 
 TEST_F(FileTextTest, MissingFileIsUnreadable) {
-  EXPECT_EQ(Read("gone").words, "unreadable: no such file or directory");
+  EXPECT_EQ(Read("gone").words, "unreadable: no such file or folder");
 }
 
 TEST_F(FileTextTest, ConverterMakesTheText) {

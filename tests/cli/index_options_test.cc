@@ -154,7 +154,7 @@ TEST_F(IndexOptionsTest, MistakesInOptionsChangeNothing) {
   EXPECT_EQ(Index(), "converter 'pdf' is not of the form EXT=COMMAND with {} for the file\n");
   options_.converters.clear();
   options_.stop_words = "none";
-  EXPECT_EQ(Index(), "cannot read 'none': no such file or directory\n");
+  EXPECT_EQ(Index(), "cannot read 'none': no such file or folder\n");
   EXPECT_FALSE(fs::exists("my.index"));
 }
 

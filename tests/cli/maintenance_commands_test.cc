@@ -48,7 +48,41 @@ TEST_F(MaintenanceCommandsTest, RepairSavesWhatADamagedIndexHolds) {
 
 TEST_F(MaintenanceCommandsTest, RepairDoesNotOverwrite) {
   EXPECT_EQ(Run({"repair", "my.index", "my.index"}),
-            Failure("cannot make 'my.index': there is something already"));
+            Failure("cannot make 'my.index': there is something already; choose another name"));
+}
+
+TEST_F(MaintenanceCommandsTest, RepairNamesWhatItCannotReadOrMake) {
+  Write("noise", std::string(5000, 'x'));
+  EXPECT_EQ(Run({"repair", "missing", "new.index"}),
+            Failure("cannot open index 'missing': no such file; kestan index makes one"));
+  EXPECT_EQ(Run({"repair", ".", "new.index"}), Failure("cannot open index '.': is a folder"));
+  EXPECT_EQ(Run({"repair", "noise", "new.index"}),
+            Failure("cannot repair 'noise': no record was found"));
+  const Outcome full = Run({"repair", "my.index", "new.index"}, FileSizeLimit(1000));
+  EXPECT_EQ(full.err.substr(0, 33), "kestan: cannot make 'new.index': ") << full;
+}
+
+TEST_F(MaintenanceCommandsTest, CopyAndLoadToAFullDiskNameTheNewFile) {
+  Write("my.dump", Run({"dump", "my.index"}).out);
+  for (const std::vector<std::string>& command :
+       {std::vector<std::string>{"copy", "my.index", "new.index"},
+        std::vector<std::string>{"load", "new.index", "my.dump"}}) {
+    const Outcome full = Run(command, FileSizeLimit(1000));
+    EXPECT_EQ(full.status, 2);
+    EXPECT_EQ(full.err.substr(0, 33), "kestan: cannot make 'new.index': ") << full;
+    EXPECT_EQ(full.err.find('\n'), full.err.size() - 1) << full;
+    EXPECT_FALSE(std::filesystem::exists(Path("new.index")));
+  }
+}
+
+TEST_F(MaintenanceCommandsTest, FolderWithoutLeaveToWriteTakesNoCopy) {
+  OpenFolderToAll(0555);
+  EXPECT_EQ(Run({"copy", "my.index", "new"}, GiveUpPrivileges),
+            Failure("cannot make 'new': no lock 'new.lock': permission denied"));
+}
+
+TEST_F(MaintenanceCommandsTest, LoadOfAFolderIsTold) {
+  EXPECT_EQ(Run({"load", "new.index", "."}), Failure("cannot read '.': is a folder"));
 }
 
 TEST_F(MaintenanceCommandsTest, RepairOfNothingLeavesNothing) {
@@ -92,20 +126,20 @@ TEST_F(MaintenanceCommandsTest, DumpThatWasCutMakesNoIndex) {
 
 TEST_F(MaintenanceCommandsTest, LoadOfAMissingFileIsTold) {
   EXPECT_EQ(Run({"load", "new.index", "nowhere"}),
-            Failure("cannot read 'nowhere': no such file or directory"));
+            Failure("cannot read 'nowhere': no such file or folder"));
 }
 
 TEST_F(MaintenanceCommandsTest, LoadDoesNotOverwrite) {
   Write("my.dump", Run({"dump", "my.index"}).out);
   EXPECT_EQ(Run({"load", "my.index", "my.dump"}),
-            Failure("cannot make 'my.index': there is something already"));
+            Failure("cannot make 'my.index': there is something already; choose another name"));
 }
 
 TEST_F(MaintenanceCommandsTest, CopyHoldsEveryRecord) {
   EXPECT_EQ(Run({"copy", "my.index", "new.index"}), Success(""));
   EXPECT_EQ(Dump(Path("new.index")), Dump(Path("my.index")));
   EXPECT_EQ(Run({"copy", "my.index", "new.index"}),
-            Failure("cannot make 'new.index': there is something already"));
+            Failure("cannot make 'new.index': there is something already; choose another name"));
 }
 
 TEST_F(MaintenanceCommandsTest, ExportPrintsEitherForm) {

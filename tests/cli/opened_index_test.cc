@@ -1,7 +1,6 @@
 #include "cli/opened_index.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <csignal>
@@ -61,7 +60,7 @@ TEST_F(OpenedIndexTest, MissingIndexIsOnlyMadeByIndexing) {
                  {"stats", "new"},
                  {"remove", "new", "a"},
                  {"shrink", "new"}},
-                "new", "no such file");
+                "new", "no such file; kestan index makes one");
   EXPECT_FALSE(std::filesystem::exists(Path("new")));
   EXPECT_EQ(Run({"index", "new", "docs"}).status, 0);
 }
@@ -86,12 +85,15 @@ TEST_F(OpenedIndexTest, PipeIsNotWaitedFor) {
 
 TEST_F(OpenedIndexTest, ShortTextIsNoIndex) {
   Write("note", "buy milk\n");
-  ExpectRefusalOfFile(EveryCommand("note"), "note", "not an index file (Unexpected end of file)");
+  ExpectRefusalOfFile(
+      EveryCommand("note"), "note",
+      "not an index file (Unexpected end of file); if it was one, see kestan repair");
 }
 
 TEST_F(OpenedIndexTest, LongTextIsNoIndex) {
   Write("book", std::string(100000, 'x'));
-  ExpectRefusalOfFile(EveryCommand("book"), "book", "not an index file (Bad magic number)");
+  ExpectRefusalOfFile(EveryCommand("book"), "book",
+                      "not an index file (Bad magic number); if it was one, see kestan repair");
 }
 
 TEST_F(OpenedIndexTest, EmptyFileIsAnIndexForIndexingOnly) {
@@ -99,7 +101,8 @@ TEST_F(OpenedIndexTest, EmptyFileIsAnIndexForIndexingOnly) {
   std::vector<Arguments> commands = ReadingCommands("empty");
   commands.push_back({"remove", "empty", "a"});
   commands.push_back({"shrink", "empty"});
-  ExpectRefusalOfFile(commands, "empty", "not an index file (Empty database)");
+  ExpectRefusalOfFile(commands, "empty",
+                      "not an index file (Empty database); if it was one, see kestan repair");
   EXPECT_EQ(Run({"index", "empty", "docs"}).status, 0);
   EXPECT_EQ(Run({"list", "empty"}), Success("docs/a\n"));
 }
@@ -112,14 +115,16 @@ TEST_F(OpenedIndexTest, EmptyFileStaysEmptyWhenThereIsNothingToIndex) {
 
 TEST_F(OpenedIndexTest, FileOfAnotherProgramIsNoIndex) {
   Plant(Path("other"), {{"key", "value"}});
-  ExpectRefusalOfFile(EveryCommand("other"), "other", "not an index file");
+  ExpectRefusalOfFile(EveryCommand("other"), "other",
+                      "not an index file; if it was one, see kestan repair");
 }
 
 TEST_F(OpenedIndexTest, TruncatedIndexIsNoIndex) {
   Add("docs/a", "some words\n");
   Write("part", IndexBytes().substr(0, IndexBytes().size() / 2));
-  ExpectRefusalOfFile(EveryCommand("part"), "part",
-                      "not an index file (Malformed database file header)");
+  ExpectRefusalOfFile(
+      EveryCommand("part"), "part",
+      "not an index file (Malformed database file header); if it was one, see kestan repair");
 }
 
 TEST_F(OpenedIndexTest, IndexThatAnotherProcessWritesIsLocked) {
@@ -128,8 +133,8 @@ TEST_F(OpenedIndexTest, IndexThatAnotherProcessWritesIsLocked) {
   ASSERT_EQ(holder.Open(Path("my.index").c_str(), 1), 0);
   const std::string before = IndexBytes();
   ExpectRefusal(
-      EveryCommand("my.index"), "my.index", "locked by another process; try again later", [] {},
-      75);
+      EveryCommand("my.index"), "my.index", "another process is changing it; try again later",
+      [] {}, 75);
   EXPECT_EQ(IndexBytes(), before);
 }
 
@@ -142,7 +147,7 @@ TEST_F(OpenedIndexTest, IndexThatAnotherProcessReadsIsNotChangedInPlace) {
       Run({"shrink", "my.index", "--in-place"}),
       (Outcome{75, "",
                "kestan: changing index 'my.index' in place: it can be damaged if this is "
-               "ended early\nkestan: cannot open index 'my.index': locked by another process; "
+               "ended early\nkestan: cannot open index 'my.index': another process has it open; "
                "try again later\n"}));
   EXPECT_EQ(IndexBytes(), before);
   EXPECT_EQ(Run({"list", "my.index"}), Success("docs/a\n"));
@@ -160,11 +165,14 @@ TEST_F(OpenedIndexTest, IndexWithoutLeaveToWriteCanBeReadOnly) {
   Write("docs/b", "to add\n");
   OpenFolderToAll(0755);
   ASSERT_EQ(chmod(Path("my.index").c_str(), 0444), 0);
-  ExpectRefusalOfFile({{"shrink", "my.index"}, {"index", "my.index", "docs"}}, "my.index",
-                      "permission denied", GiveUpPrivileges);
+  const std::string before = IndexBytes();
+  for (const Arguments& command : ChangingCommands("my.index")) {
+    EXPECT_EQ(Run(command, GiveUpPrivileges),
+              Failure("cannot change index 'my.index': permission denied"))
+        << command.front();
+  }
+  EXPECT_EQ(IndexBytes(), before);
   EXPECT_EQ(Run({"list", "my.index"}, GiveUpPrivileges), Success("docs/a\n"));
-  ExpectRefusalOfFile({{"remove", "my.index", "docs/a"}}, "my.index", "permission denied",
-                      GiveUpPrivileges);
 }
 
 TEST_F(OpenedIndexTest, FolderWithoutLeaveToWriteTakesNoNewIndex) {
@@ -183,13 +191,25 @@ TEST_F(OpenedIndexTest, FolderWithoutLeaveToLookHidesItsIndex) {
   ASSERT_EQ(chmod(Path("closed").c_str(), 0755), 0);
 }
 
-// Leaves the child's files room for `bytes` each. Where a limit ends a process, the command must
-// see to it that it does not.
-auto FileSizeLimit(rlim_t bytes) {
-  return [bytes] {
-    const rlimit limit{bytes, bytes};
-    if (setrlimit(RLIMIT_FSIZE, &limit) != 0) _exit(127);
-  };
+TEST_F(OpenedIndexTest, DamageThatHidesRecordsIsTold) {
+  for (char name = 'a'; name < 'd'; ++name) {
+    Add("docs/" + std::string(1, name), std::string("words of ") + name + "\n");
+  }
+  std::string bytes = IndexBytes();
+  // Past the header, whose damage keeps the file from being opened, and what leads to the buckets.
+  for (std::size_t at = 2000; at < bytes.size(); at += 97)
+    bytes[at] = static_cast<char>(~bytes[at]);
+  Write("my.index", bytes);
+  const std::string complaint = "kestan: cannot read index 'my.index': ";
+  for (Arguments command : ReadingCommands("my.index")) {
+    const Outcome outcome = Run(command);
+    EXPECT_EQ(outcome.status, 2) << command.front() << outcome;
+    EXPECT_EQ(outcome.err.substr(0, complaint.size()), complaint) << command.front();
+    EXPECT_EQ(outcome.err.find("; see kestan check\n"), outcome.err.size() - 19) << outcome;
+  }
+  const Outcome check = Run({"check", "my.index"});
+  EXPECT_EQ(check.status, 1) << check;
+  EXPECT_NE(check.out.find("index file: damaged"), std::string::npos) << check;
 }
 
 TEST_F(OpenedIndexTest, FullDiskIsToldWhileIndexing) {
@@ -198,9 +218,18 @@ TEST_F(OpenedIndexTest, FullDiskIsToldWhileIndexing) {
   const Outcome outcome =
       Run({"index", "my.index", "docs"}, FileSizeLimit(IndexBytes().size() + 1));
   EXPECT_EQ(outcome.status, 2);
-  EXPECT_NE(outcome.err.find("kestan: cannot write to index 'my.index': "), std::string::npos)
+  EXPECT_EQ(
+      outcome.err.find("kestan: cannot write to index 'my.index': a write failed, perhaps for "
+                       "want of room ("),
+      0u)
       << outcome;
+  EXPECT_NE(outcome.err.find("); it is as it was\n"), std::string::npos) << outcome;
   EXPECT_EQ(outcome.out, "");
+}
+
+TEST_F(OpenedIndexTest, FullDiskBehindANewIndexIsToldByItsName) {
+  EXPECT_EQ(Run({"index", "new", "docs"}, FileSizeLimit(100)).err.find("kestan-new"),
+            std::string::npos);
 }
 
 TEST_F(OpenedIndexTest, SavingTellsThatTheFileRefusedRecords) {

@@ -29,7 +29,7 @@ TEST(PathListTest, StreamThatCannotBeReadIsTold) {
     ReadPathList(folder.get());
     FAIL();
   } catch (const CommandError& error) {
-    EXPECT_STREQ(error.what(), "cannot read the standard input: is a directory");
+    EXPECT_STREQ(error.what(), "cannot read the standard input: is a folder");
   }
 }
 

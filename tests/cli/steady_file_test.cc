@@ -63,7 +63,7 @@ TEST_F(SteadyFileTest, TimeIsThatOfTheFile) {
 }
 
 TEST_F(SteadyFileTest, MissingFileIsTold) {
-  EXPECT_EQ(Read("a"), "unreadable: no such file or directory");
+  EXPECT_EQ(Read("a"), "unreadable: no such file or folder");
 }
 
 TEST_F(SteadyFileTest, FileThatGrowsIsTold) {
