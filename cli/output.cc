@@ -21,6 +21,10 @@ void Print(std::string_view text) {
   throw CommandError("cannot write to the standard output: " + ReasonOf(errno));
 }
 
+bool OutputIsTerminal() { return isatty(STDOUT_FILENO) == 1; }
+
+std::string ForReader(const std::string& name) { return OutputIsTerminal() ? OneLine(name) : name; }
+
 HeldErrors* HeldErrors::current_ = nullptr;
 
 HeldErrors::HeldErrors() {

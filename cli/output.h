@@ -26,6 +26,12 @@ class ReaderLeft : public std::exception {};
 //   Throws   CommandError if it cannot be written, ReaderLeft on a closed pipe.
 void Print(std::string_view text);
 
+bool OutputIsTerminal();
+
+// Returns `name` as it is for a program that reads the standard output, and with its control
+// characters spelled out for a terminal, which they could steer.
+std::string ForReader(const std::string& name);
+
 // Prints many lines, some at a time.
 class LinePrinter {
  public:

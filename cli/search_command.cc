@@ -1,7 +1,5 @@
 #include "search_command.h"
 
-#include <unistd.h>
-
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -26,13 +24,11 @@ constexpr std::uint64_t kMaxDocuments = 65535;
 
 std::string TextOrEmpty(const char* text) { return text == nullptr ? "" : text; }
 
-bool IsTerminal() { return isatty(STDOUT_FILENO) == 1; }
-
 bool IsColoured(Colour colour) {
   if (colour != Colour::kAuto) return colour == Colour::kAlways;
   const std::string no_color = TextOrEmpty(std::getenv("NO_COLOR"));
   const std::string terminal = TextOrEmpty(std::getenv("TERM"));
-  return IsTerminal() && no_color.empty() && terminal != "dumb";
+  return OutputIsTerminal() && no_color.empty() && terminal != "dumb";
 }
 
 void Tell(const std::string& what) { std::fprintf(stderr, "%s\n", OneLine(what).c_str()); }
@@ -125,14 +121,14 @@ void TellAside(const SearchReport& report) {
 }
 
 void PrintHits(Search& search, const SearchOptions& options) {
-  const bool rich = options.snippets || IsTerminal();
+  const bool rich = options.snippets || OutputIsTerminal();
   const bool coloured = IsColoured(options.colour);
   std::string lines;
   for (const Hit& hit : search.hits()) {
     if (options.nul) {
       lines.append(hit.name).push_back('\0');
     } else if (options.names_only) {
-      lines.append(hit.name).append("\n");
+      lines.append(ForReader(hit.name)).append("\n");
     } else if (!rich) {
       lines += PlainLine(hit);
     } else {
