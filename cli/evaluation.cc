@@ -92,6 +92,7 @@ ResultSet Evaluator::Negate(const Query& query, Explanation* explanation) {
 }
 
 ResultSet Evaluator::EvaluateOperands(const Query& query, Explanation* explanation) {
+  if (query.kind == Query::Kind::kNear) TellOfPositions(explanation);
   ResultSet so_far = Evaluate(query.operands.front(), AddPart(explanation));
   for (std::size_t i = 1; i < query.operands.size(); ++i) {
     const Query& operand = query.operands[i];
@@ -148,6 +149,13 @@ void Evaluator::TellOfCut(const Query& query, std::size_t found, Explanation* ex
                           "most frequent of " + Counted(found, "word");
   if (explanation != nullptr) explanation->note = cut;
   notes_.push_back(Spelled(query) + " stands for " + cut);
+}
+
+void Evaluator::TellOfPositions(Explanation* explanation) {
+  if ((engine_.Options() & 1) == 0) return;
+  if (explanation != nullptr) explanation->note = "taken for AND";
+  const std::string note = "the index keeps no positions, so NEAR and quotes are taken for AND";
+  if (std::find(notes_.begin(), notes_.end(), note) == notes_.end()) notes_.push_back(note);
 }
 
 const Vocabulary& Evaluator::Words() {

@@ -41,7 +41,8 @@ class Evaluator {
   // The words of the index that the query asks for, expansions among them; not those under NOT.
   const std::set<std::string>& sought() const { return sought_; }
 
-  // One sentence for each expansion that was cut to kMaxExpansions.
+  // One sentence for each expansion that was cut to kMaxExpansions, and for an index without the
+  // positions that the query needs.
   const std::vector<std::string>& notes() const { return notes_; }
 
   // Returns suggestions for each word of `query`, outside NOT, that no document has;
@@ -54,6 +55,7 @@ class Evaluator {
   ResultSet Negate(const Query& query, Explanation* explanation);
   ResultSet AnyOf(const std::vector<std::string>& words);
   std::vector<std::string> Expanded(const Query& query, Explanation* explanation);
+  void TellOfPositions(Explanation* explanation);
   void TellOfCut(const Query& query, std::size_t found, Explanation* explanation);
   const Vocabulary& Words();
   std::size_t DocumentsWith(const std::string& word);

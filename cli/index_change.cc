@@ -62,7 +62,10 @@ OpenedIndex& IndexChange::Begin() {
 }
 
 void IndexChange::Copy() const {
-  if (source_.is_open()) Check(CopyFile(source_.number(), copy_), path_);
+  const int error = source_.is_open() ? CopyFile(source_.number(), copy_) : 0;
+  if (error == 0) return;
+  throw CannotChange(path_,
+                     "no copy " + Quoted(copy_) + ": " + ReasonOf(error) + "; it is as it was");
 }
 
 void IndexChange::Close() {

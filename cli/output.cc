@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <utility>
+#include <vector>
 
 #include "message.h"
 
@@ -24,6 +25,17 @@ void Print(std::string_view text) {
 bool OutputIsTerminal() { return isatty(STDOUT_FILENO) == 1; }
 
 std::string ForReader(const std::string& name) { return OutputIsTerminal() ? OneLine(name) : name; }
+
+std::string ReadInput(std::FILE* stream) {
+  std::string text;
+  std::vector<char> piece(std::size_t{1} << 16);
+  std::size_t bytes = 0;
+  while ((bytes = std::fread(piece.data(), 1, piece.size(), stream)) > 0) {
+    text.append(piece.data(), bytes);
+  }
+  if (std::ferror(stream) == 0) return text;
+  throw CommandError("cannot read the standard input: " + ReasonOf(errno));
+}
 
 HeldErrors* HeldErrors::current_ = nullptr;
 

@@ -53,6 +53,10 @@ class LinePrinter {
   std::string waiting_;
 };
 
+// Reads `stream`, which is the standard input, to its end.
+//   Throws   CommandError if it cannot be read.
+std::string ReadInput(std::FILE* stream);
+
 // Holds back what the process writes to the standard error stream from here on. The engine has a
 // line for each record that a full disk refuses, where one line says it all. One at a time.
 class HeldErrors {

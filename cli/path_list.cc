@@ -1,10 +1,9 @@
 #include "path_list.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstddef>
 
-#include "message.h"
+#include "output.h"
 
 namespace kestan_cli {
 
@@ -18,17 +17,6 @@ std::vector<std::string> PathsIn(std::string_view text) {
   return paths;
 }
 
-std::vector<std::string> ReadPathList(std::FILE* stream) {
-  std::string text;
-  std::vector<char> piece(std::size_t{1} << 16);
-  std::size_t bytes = 0;
-  while ((bytes = std::fread(piece.data(), 1, piece.size(), stream)) > 0) {
-    text.append(piece.data(), bytes);
-  }
-  if (std::ferror(stream) != 0) {
-    throw CommandError("cannot read the standard input: " + ReasonOf(errno));
-  }
-  return PathsIn(text);
-}
+std::vector<std::string> ReadPathList(std::FILE* stream) { return PathsIn(ReadInput(stream)); }
 
 }  // namespace kestan_cli

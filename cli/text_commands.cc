@@ -1,8 +1,7 @@
 // The texts that an index keeps beside its words: a title, a summary and a user record for each
 // document, and lists of words by name.
 #include <algorithm>
-#include <iostream>
-#include <iterator>
+#include <cstdio>
 #include <sstream>
 #include <string>
 
@@ -128,9 +127,7 @@ constexpr std::size_t kMaxListedBytes = 127;
 bool IsAscii(char byte) { return static_cast<signed char>(byte) > 0; }
 
 std::string WordsToPut(const Values& values) {
-  if (!values.Has("WORD")) {
-    return {std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()};
-  }
+  if (!values.Has("WORD")) return ReadInput(stdin);
   std::string words;
   for (const std::string& word : values.All("WORD")) words += word + "\n";
   return words;

@@ -158,13 +158,18 @@ TEST_F(SearchCommandTest, ShrinkingChangesNoAnswer) {
   EXPECT_EQ(Names("NOT cow"), "one two four ");
 }
 
-TEST_F(SearchCommandTest, IndexWithoutPositionsTakesNearForAnd) {
+TEST_F(SearchCommandTest, IndexWithoutPositionsTakesNearForAndAndSaysSo) {
   {
     Kestan engine;
     ASSERT_EQ(engine.OpenIndex(Path("my.index").c_str(), 1), 0);
     ASSERT_EQ(engine.SetOptionFlag(1), 0);
   }
-  EXPECT_EQ(Names("cat NEAR/1 dog"), "one two ");
+  const std::string note =
+      "note: the index keeps no positions, so NEAR and quotes are taken for AND\n";
+  EXPECT_EQ(Search({"-l", "cat NEAR/1 dog"}), (Outcome{0, "one\ntwo\n", note}));
+  EXPECT_EQ(Search({"-l", "\"cat dog\" OR \"dog cat\""}), (Outcome{0, "one\ntwo\n", note}));
+  EXPECT_EQ(Names("cat dog"), "one two ");
+  EXPECT_EQ(Search({"--explain", "cat NEAR/1 dog"}).err.find("NEAR/1 (taken for AND): "), 0u);
 }
 
 TEST_F(SearchCommandTest, IndexThatNeverHadADocumentHasNoHits) {

@@ -81,5 +81,12 @@ TEST_F(TextCommandsTest, WordListIsReadFromTheStandardInput) {
   EXPECT_EQ(Run({"wordlist", "get", "my.index", "shapes"}), Success("round\nsquare\nflat\n"));
 }
 
+TEST_F(TextCommandsTest, WordListThatCannotBeReadIsNotKept) {
+  const auto from_folder = [] { dup2(open(".", O_RDONLY | O_CLOEXEC), STDIN_FILENO); };
+  EXPECT_EQ(Run({"wordlist", "put", "my.index", "shapes"}, from_folder),
+            Failure("cannot read the standard input: is a folder"));
+  EXPECT_EQ(Run({"wordlist", "get", "my.index", "shapes"}).status, 2);
+}
+
 }  // namespace
 }  // namespace kestan_tests
