@@ -62,7 +62,7 @@ FileState StateOf(const struct stat& status) {
 
 SteadyFile::SteadyFile(const std::string& path) : path_(path), file_(Open(path)) {
   const struct stat status = StatusOf(file_.get());
-  if (!S_ISREG(status.st_mode)) throw SkipFile(SkipKind::kChanging, "not a file any more");
+  if (!S_ISREG(status.st_mode)) throw SkipFile(SkipKind::kChanging, "not a file");
   state_ = StateOf(status);
   // One byte more than a small file has, so that one read shows its end or that it has grown.
   piece_.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kPieceBytes, state_.bytes + 1)));
