@@ -155,7 +155,7 @@ void BucketMap::Scan() {
       ++at;
       continue;
     }
-    if (!BelongsToLastStray(at)) AddAround(at);
+    if (!BelongsToLastStray(at)) AddAround(at, element);
     at += sizeof(Element);
   }
 }
@@ -163,16 +163,16 @@ void BucketMap::Scan() {
 bool BucketMap::BelongsToLastStray(Offset element) const {
   if (strays_.empty()) return false;
   const Offset first = ElementAt(strays_.back().at, 0);
-  return element >= first && element < first + Offset{shape_.elements} * sizeof(Element) &&
+  return element - first < Offset{shape_.elements} * sizeof(Element) &&
          (element - first) % sizeof(Element) == 0;
 }
 
 // Tries the element in each place that it can have in a bucket. The best bucket lacks least.
-void BucketMap::AddAround(Offset element) {
+void BucketMap::AddAround(Offset place, const Element& element) {
   FoundBucket best;
   std::size_t most_sound = 0;
-  for (std::uint32_t i = 0; i < shape_.elements && ElementAt(0, i) <= element; ++i) {
-    const Offset at = element - ElementAt(0, i);
+  for (std::uint32_t i = 0; i < shape_.elements && ElementAt(0, i) <= place; ++i) {
+    const Offset at = place - ElementAt(0, i);
     if (!HasPossibleSpace(file_, at)) continue;
     ReadBucket(file_, shape_, at, &bucket_);
     const std::size_t sound = bucket_.sound.size();
@@ -283,7 +283,7 @@ const FoundBucket* BucketMap::FindNewerStray(unsigned bits, Hash hash) const {
     const std::size_t i = FindStray(more, PrefixOf(hash, more));
     if (i == strays_.size()) continue;
     const FoundBucket& found = strays_[i];
-    if (found.bits == more && found.first <= hash && hash <= found.last) return &found;
+    if (found.bits == more && found.first <= hash) return &found;
   }
   return nullptr;
 }

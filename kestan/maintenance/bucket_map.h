@@ -59,8 +59,8 @@ class BucketMap {
   const Vector<FoundBucket>& reached() const { return reached_; }
   // By ascending bits, then hashes.
   const Vector<FoundBucket>& strays() const { return strays_; }
-  // Where elements lie that belong to no bucket.
-  const Vector<Offset>& loose() const { return loose_; }
+  // Elements that belong to no bucket.
+  const Vector<Element>& loose() const { return loose_; }
 
   // Judges an element with `hash` in a bucket of `strays()`.
   Standing StandingOf(const FoundBucket& stray, Hash hash) const;
@@ -83,7 +83,7 @@ class BucketMap {
   bool CoversEverything() const;
 
   void Scan();
-  void AddAround(Offset element);
+  void AddAround(Offset place, const Element& element);
   bool BelongsToLastStray(Offset element) const;
   void SortStrays();
   void MarkSplit();
@@ -107,7 +107,7 @@ class BucketMap {
   mutable Bucket bucket_;  // memory to read into
   Vector<FoundBucket> reached_;
   Vector<FoundBucket> strays_;
-  Vector<Offset> loose_;
+  Vector<Element> loose_;
 };
 
 }  // namespace kestan::gdbm

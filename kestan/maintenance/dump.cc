@@ -126,7 +126,8 @@ class DumpReader {
     for (line_number_ = 1; give(&line); ++line_number_) {
       if (!ReadLine(line)) return false;
     }
-    return is_complete_ || Refuse("the dump ends here, without its last line");
+    if (!is_complete_) Refuse("the dump ends here, without its last line");
+    return is_complete_;
   }
 
  private:
@@ -195,9 +196,8 @@ class DumpReader {
 
   bool AddBytes(std::string_view bytes) {
     String& part = is_value_ ? value_ : key_;
-    if (bytes.size() > kMaxRecordBytes - part.size()) {
-      return Refuse("a key or value of more than 2,147,483,647 bytes");
-    }
+    const bool fits = bytes.size() <= kMaxRecordBytes - part.size();
+    if (!fits) return Refuse("a key or value of more than 2,147,483,647 bytes");
     part.append(bytes);
     return true;
   }

@@ -67,8 +67,8 @@ bool Bytes::IsSound(const Element& element) const {
 bool ReadHeader(const Bytes& file, Header* header, Shape* shape) {
   if (!file.Read(0, header) || !IsKnown(header->magic)) return false;
   if (header->block_bytes < kSmallestBlockBytes || header->bucket_elements <= 0) return false;
+  if (header->bucket_bytes < static_cast<std::int32_t>(sizeof(BucketHead))) return false;
   const auto bytes = static_cast<std::uint32_t>(header->bucket_bytes);
-  if (header->bucket_bytes < kSmallestBlockBytes || bytes < sizeof(BucketHead)) return false;
   const auto elements = static_cast<std::uint32_t>((bytes - sizeof(BucketHead)) / sizeof(Element));
   if (elements != static_cast<std::uint32_t>(header->bucket_elements)) return false;
   if (!IsDirectory(*header) || header->directory >= file.size()) return false;
@@ -87,7 +87,6 @@ void ReadBucket(const Bytes& file, const Shape& shape, Offset at, Bucket* bucket
   for (int i = 0; bucket->has_head && i < head.free_count; ++i) {
     bucket->free.push_back(head.free[static_cast<std::size_t>(i)]);
   }
-  if (!file.Holds(at, 0)) return;
   for (std::uint32_t i = 0; i < shape.elements; ++i) {
     Element element;
     if (!file.Read(ElementAt(at, i), &element)) break;

@@ -148,7 +148,7 @@ struct Bucket {
   bool IsComplete() const { return has_head && sound.size() + damaged.size() == count; }
 };
 
-// Reads the bucket at `at` into `*bucket`, whose memory is used again.
+// Reads the bucket at `at`, which lies in the file, into `*bucket`, whose memory is used again.
 void ReadBucket(const Bytes& file, const Shape& shape, Offset at, Bucket* bucket);
 
 // Returns where element `index` of the bucket at `at` lies.

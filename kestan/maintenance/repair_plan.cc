@@ -228,7 +228,6 @@ bool RepairPlan::TakesPlaces(const DBDatum& value, const WholeEntry& entry, bool
     const std::uint32_t place = PlaceOf(entry.code, UnitAt(value, entry.first_unit + i));
     const auto same = std::equal_range(places_.begin(), places_.end(), place);
     const auto index = static_cast<std::size_t>(same.first - places_.begin());
-    if (same.first == same.second) continue;
     if (taken_[index] != 0 || (is_doubted && same.second - same.first > 1)) return false;
     taken.push_back(index);
   }

@@ -24,8 +24,8 @@ struct Span {
 
 // An element that may count if nothing better has its key.
 struct Fallback {
-  Offset at;
-  unsigned bits;  // of its bucket
+  Element element;
+  unsigned bits;  // of its bucket, 0 without one
 };
 
 bool IsOneOfTheBest(const Fallback& left, const Fallback& right) { return left.bits > right.bits; }
@@ -40,7 +40,7 @@ class SalvageRun {
   void Run() {
     for (const FoundBucket& bucket : map_.reached()) TakeReached(bucket);
     for (const FoundBucket& bucket : map_.strays()) TakeStray(bucket);
-    for (const Offset at : map_.loose()) TakeLoose(at);
+    for (const Element& element : map_.loose()) TakeLoose(element);
     TakeFallbacks();
     CutOverlaps();
     result_.damage_.header = !map_.has_header();
@@ -63,7 +63,7 @@ class SalvageRun {
     for (const Element& element : bucket_.sound) {
       const Standing standing = map_.StandingOf(found, static_cast<gdbm::Hash>(element.hash));
       if (standing == Standing::kCurrent) is_believed = Take(element, true) || is_believed;
-      if (standing == Standing::kFallback) AddFallbackAround(found, element);
+      if (standing == Standing::kFallback) fallbacks_.push_back({element, found.bits});
     }
     if (!is_believed) return;
     ++result_.damage_.stray_buckets;
@@ -71,23 +71,9 @@ class SalvageRun {
     in_use_.push_back({found.at, found.at + map_.shape().bucket_bytes});
   }
 
-  // Finds the place of an element of a bucket again.
-  void AddFallbackAround(const FoundBucket& found, const Element& element) {
-    for (std::uint32_t i = 0; i < map_.shape().elements; ++i) {
-      Element candidate;
-      const Offset at = gdbm::ElementAt(found.at, i);
-      if (!file_.Read(at, &candidate)) return;
-      if (candidate.hash != element.hash || candidate.data != element.data) continue;
-      fallbacks_.push_back({at, found.bits});
-      return;
-    }
-  }
-
-  void TakeLoose(Offset at) {
-    Element element;
-    if (!file_.Read(at, &element)) return;
+  void TakeLoose(const Element& element) {
     const Standing standing = map_.StandingOfLoose(static_cast<gdbm::Hash>(element.hash));
-    if (standing == Standing::kFallback) fallbacks_.push_back({at, 0});
+    if (standing == Standing::kFallback) fallbacks_.push_back({element, 0});
   }
 
   // What lies in free space, or where other records and buckets lie, has been removed or moved.
@@ -97,9 +83,8 @@ class SalvageRun {
     MergeSpans();
     std::stable_sort(fallbacks_.begin(), fallbacks_.end(), IsOneOfTheBest);
     for (const Fallback& fallback : fallbacks_) {
-      Element element;
-      if (!file_.Read(fallback.at, &element) || IsTaken(element)) continue;
-      if (Take(element, false)) ++result_.damage_.old_records;
+      if (IsTaken(fallback.element)) continue;
+      if (Take(fallback.element, false)) ++result_.damage_.old_records;
     }
   }
 
@@ -188,6 +173,7 @@ class SalvageRun {
     in_use_.erase(merged + 1, in_use_.end());
   }
 
+  // No data begins before the first span, which is the header's.
   bool IsTaken(const Element& element) const {
     const Offset end = element.data + static_cast<Offset>(element.key_bytes) +
                        static_cast<Offset>(element.value_bytes);
@@ -195,7 +181,7 @@ class SalvageRun {
         std::upper_bound(in_use_.begin(), in_use_.end(), element.data,
                          [](Offset wanted, const Span& span) { return wanted < span.begin; });
     if (next != in_use_.end() && next->begin < end) return true;
-    return next != in_use_.begin() && (--next)->end > element.data;
+    return (--next)->end > element.data;
   }
 
   // Adds the record of a sound element, unless its key is there. Records do not overlap, so that

@@ -1,101 +1,232 @@
-// Which bytes of a file without a directory are taken for a bucket.
-#include <gtest/gtest.h>
+// Which buckets a damaged file is seen to have.
 #include <kestan/maintenance/bucket_map.h>
 
-#include <cstring>
-#include <string>
+#include "tests/maintenance/crafted_file.h"
 
-namespace kestan::gdbm {
+namespace kestan_maintenance {
 namespace {
 
-constexpr Offset kBucketAt = 512;
+using gdbm::Standing;
 
-// A file of a lost bucket and of the records that its elements lead to.
-class BucketMapTest : public testing::Test {
- protected:
-  // Gives the bucket another element, and the file its record.
-  void Add(const std::string& key, const std::string& value) {
-    Element element{static_cast<std::int32_t>(HashOf(key)), {}, bytes_.size(), 0, 0};
-    key.copy(element.key_start.data(), element.key_start.size());
-    element.key_bytes = static_cast<std::int32_t>(key.size());
-    element.value_bytes = static_cast<std::int32_t>(value.size());
-    Write(ElementAt(kBucketAt, static_cast<std::uint32_t>(head_.count++)), element);
-    bytes_ += key + value;
-  }
+using BucketMapTest = CraftedFile;
 
-  // Adds `count` elements that a bucket of one bit can have.
-  void AddAlike(int count) {
-    for (int number = 0; count > 0; ++number) {
-      const std::string key = "key " + std::to_string(number);
-      if (PrefixOf(HashOf(key), 1) != 0) continue;
-      Add(key, "value");
-      --count;
-    }
-  }
-
-  // Calls `visit` with the map of the file.
-  template <typename Visit>
-  void Look(Visit visit) {
-    Write(kBucketAt, head_);
-    const Bytes file(bytes_);
-    visit(BucketMap(file));
-  }
-
-  template <typename Structure>
-  void Write(Offset at, const Structure& structure) {
-    std::memcpy(&bytes_.at(static_cast<std::size_t>(at)), &structure, sizeof structure);
-  }
-
-  BucketHead head_{};
-  // Elements of nothing but set bits are not used.
-  std::string bytes_ = std::string(kBucketAt, '\0') + std::string(Shape().bucket_bytes, '\xff');
-};
-
-TEST_F(BucketMapTest, ALostBucketIsFound) {
-  AddAlike(5);
-  Look([](const BucketMap& map) {
-    ASSERT_EQ(map.strays().size(), 1U);
-    EXPECT_EQ(map.strays().front().at, kBucketAt);
-    EXPECT_TRUE(map.strays().front().is_intact);
-    EXPECT_TRUE(map.loose().empty());
-  });
+TEST_F(BucketMapTest, ABucketIsReachedThroughItsEntry) {
+  PutHeader();
+  PutBucket(kBucket, 5, kBits);
+  PutEntries({5}, kBucket);
+  const gdbm::Bytes bytes(file_);
+  const gdbm::BucketMap map(bytes);
+  ASSERT_EQ(map.reached().size(), 1U);
+  EXPECT_EQ(map.reached()[0].first, 5U << 25);
+  EXPECT_EQ(map.reached()[0].last, (6U << 25) - 1);
+  EXPECT_TRUE(map.reached()[0].is_intact);
 }
 
-// The first element has a key of 1 byte and a value of 5. Where these sizes are taken for a head, a
-// bucket of 1 bit and 5 elements lacks nothing, while the real one lacks a record.
-TEST_F(BucketMapTest, TheSizesOfARecordAreNoHead) {
-  Add("k", "12345");
-  bytes_[bytes_.size() - 6] = '?';
-  AddAlike(5);
-  Look([](const BucketMap& map) {
-    ASSERT_EQ(map.strays().size(), 1U);
-    EXPECT_EQ(map.strays().front().at, kBucketAt);
-    EXPECT_EQ(map.strays().front().bits, 0U);
-  });
+TEST_F(BucketMapTest, ABucketOfMoreBitsThanTheDirectoryCountsForItsEntryAlone) {
+  PutHeader();
+  PutBucket(kBucket, 10, kBits + 1);
+  PutEntries({5}, kBucket);
+  const gdbm::Bytes bytes(file_);
+  const gdbm::BucketMap map(bytes);
+  ASSERT_EQ(map.reached().size(), 1U);
+  EXPECT_EQ(map.reached()[0].first, 5U << 25);
+  EXPECT_EQ(map.reached()[0].last, (6U << 25) - 1);
+  EXPECT_FALSE(map.reached()[0].has_head);
 }
 
-TEST_F(BucketMapTest, ABucketMayKnowOfSpaceBehindTheEndOfACutFile) {
-  AddAlike(5);
-  head_.free.back() = {static_cast<std::int32_t>(bytes_.size()), (Offset{1} << 31) - 1};
-  Look([](const BucketMap& map) { EXPECT_EQ(map.strays().size(), 1U); });
+TEST_F(BucketMapTest, AnEntryForOtherHashesThanThoseOfTheBucketDoesNotReachIt) {
+  for (const unsigned entry : {4U, 6U}) {
+    PutHeader();
+    PutBucket(kBucket, 5, kBits);
+    PutBucket(kOther, 20, kBits);
+    PutEntries({4, 6}, 0);
+    PutEntries({entry}, kBucket);
+    PutEntries({20}, kOther);
+    const gdbm::Bytes bytes(file_);
+    const gdbm::BucketMap map(bytes);
+    ASSERT_EQ(map.reached().size(), 1U) << entry;
+    EXPECT_EQ(map.reached()[0].at, kOther) << entry;
+    ASSERT_EQ(map.strays().size(), 1U) << entry;
+    EXPECT_EQ(map.strays()[0].at, kBucket) << entry;
+  }
 }
 
-TEST_F(BucketMapTest, NoBucketKnowsOfSpaceFarBehindTheFile) {
-  AddAlike(5);
-  head_.free.back().at = Offset{1} << 31;
-  Look([](const BucketMap& map) {
-    EXPECT_TRUE(map.strays().empty());
-    EXPECT_EQ(map.loose().size(), 5U);
-  });
+TEST_F(BucketMapTest, AnEmptyBucketIsReachedByJustTheEntriesThatItsBitsAskFor) {
+  PutHead(kBucket, kBits - 1, 0);
+  const std::vector<std::vector<unsigned>> runs = {{2, 3}, {1, 2}, {2}, {2, 3, 4}};
+  for (const auto& run : runs) {
+    PutHeader();
+    PutEntries({1, 2, 3, 4}, 0);
+    for (const unsigned entry : run) PutEntries({entry}, kBucket);
+    const gdbm::Bytes bytes(file_);
+    EXPECT_EQ(gdbm::BucketMap(bytes).reached().size(), run == runs[0] ? 1U : 0U) << run.size();
+  }
 }
 
-TEST_F(BucketMapTest, NoBucketKnowsOfSpaceThatIsLargerThanTheFile) {
-  AddAlike(5);
-  for (const std::int32_t bytes : {static_cast<std::int32_t>(bytes_.size()) + 1, -1}) {
-    head_.free.back().bytes = bytes;
-    Look([](const BucketMap& map) { EXPECT_TRUE(map.strays().empty()); });
+TEST_F(BucketMapTest, AnEmptyBucketYieldsToStraysOfAsManyBits) {
+  PutHeader();
+  PutHead(kOther, 1, 0);
+  for (unsigned entry = 0; entry < kEntries / 2; ++entry) PutEntries({entry}, kOther);
+  PutBucket(kBucket, 5, kBits);
+  const gdbm::Bytes bytes(file_);
+  const gdbm::BucketMap map(bytes);
+  ASSERT_EQ(map.reached().size(), 1U);
+  ASSERT_EQ(map.strays().size(), 1U);
+  EXPECT_EQ(map.StandingOf(map.strays()[0], 5U << 25), Standing::kCurrent);
+}
+
+TEST_F(BucketMapTest, AnEmptyBucketOutweighsWhatWasThereBeforeItsSplit) {
+  PutHeader();
+  PutHead(kOther, kBits, 0);
+  PutEntries({5}, kOther);
+  PutBucket(kBucket, 2, kBits - 1);
+  const gdbm::Bytes bytes(file_);
+  const gdbm::BucketMap map(bytes);
+  ASSERT_EQ(map.reached().size(), 1U);
+  ASSERT_EQ(map.strays().size(), 1U);
+  EXPECT_EQ(map.StandingOf(map.strays()[0], 5U << 25), Standing::kStale);
+  EXPECT_EQ(map.StandingOf(map.strays()[0], 4U << 25), Standing::kFallback);
+}
+
+TEST_F(BucketMapTest, OfTwoBucketsForTheSameHashesTheOneThatLacksNothingIsBelieved) {
+  PutHead(kBucket, kBits, 2);
+  Put(gdbm::ElementAt(kBucket, 0), AddKeys(1, 5, kBits).front());
+  PutBucket(kOther, 5, kBits);
+  const gdbm::Bytes bytes(file_);
+  const gdbm::BucketMap map(bytes);
+  ASSERT_EQ(map.strays().size(), 2U);
+  for (const gdbm::FoundBucket& stray : map.strays()) {
+    const Standing expected = stray.at == kOther ? Standing::kCurrent : Standing::kFallback;
+    EXPECT_EQ(map.StandingOf(stray, 5U << 25), expected);
+  }
+}
+
+TEST_F(BucketMapTest, AnEntryThatLeadsToTheLastBytesReachesNoBucket) {
+  PutHeader();
+  PutEntries({5}, file_.size() - 10);
+  const gdbm::Bytes bytes(file_);
+  EXPECT_TRUE(gdbm::BucketMap(bytes).reached().empty());
+}
+
+// 38 elements, or 39 where structures are not padded.
+TEST_F(BucketMapTest, ElementsInTheirPlacesMakeABucketOfALargeBlock) {
+  PutHeader(1024);
+  PutHead(kBucket, kBits, 6);
+  for (const gdbm::Element& element : AddKeys(6, 5, kBits)) PutAtHome(kBucket, element);
+  const gdbm::Bytes bytes(file_);
+  const gdbm::BucketMap map(bytes);
+  EXPECT_EQ(map.strays().size(), 1U);
+  EXPECT_TRUE(map.loose().empty());
+}
+
+TEST_F(BucketMapTest, ElementsInOtherPlacesMakeNone) {
+  PutHeader(1024);
+  PutHead(kBucket, kBits, 6);
+  for (const gdbm::Element& element : AddKeys(6, 5, kBits)) PutAtHome(kBucket, element, 1);
+  const gdbm::Bytes bytes(file_);
+  const gdbm::BucketMap map(bytes);
+  EXPECT_TRUE(map.strays().empty());
+  EXPECT_EQ(map.loose().size(), 6U);
+}
+
+TEST_F(BucketMapTest, ABucketThatIsCutOffIsOneAsFarAsItGoes) {
+  PutHeader(1024);
+  const gdbm::Element element = AddKeys(1, 5, kBits).front();
+  const auto bucket = Offset{file_.size()};
+  const auto home = static_cast<std::uint32_t>(element.hash) % shape_.elements;
+  ASSERT_LT(home, shape_.elements - 1);
+  file_.resize(file_.size() + shape_.bucket_bytes);
+  PutHead(bucket, kBits, 1);
+  PutAtHome(bucket, element);
+  file_.resize(static_cast<std::size_t>(gdbm::ElementAt(bucket, home + 1)));
+  const gdbm::Bytes bytes(file_);
+  const gdbm::BucketMap map(bytes);
+  ASSERT_EQ(map.strays().size(), 1U);
+  EXPECT_EQ(map.strays()[0].at, bucket);
+}
+
+TEST_F(BucketMapTest, AnElementTooNearToTheStartIsInNoBucket) {
+  Put(gdbm::ElementAt(0, 0) - 1, Add("key"));
+  Put(gdbm::ElementAt(0, 3), Add("other"));
+  const gdbm::Bytes bytes(file_);
+  const gdbm::BucketMap map(bytes);
+  EXPECT_EQ(map.loose().size(), 2U);
+}
+
+// Zeros look like the head of an empty bucket. The budget is used up around the second element.
+TEST_F(BucketMapTest, AnElementWhoseKeyIsTooLongToBeHashedAgainIsLoose) {
+  PutHeader();
+  const gdbm::Element element = Add(std::string(1 << 20, 'k'));
+  for (const Offset at : {kBucket, kOther, kOther + 1024}) {
+    PutHead(at, 0, 1);
+    Put(gdbm::ElementAt(at, shape_.elements - 1), element);
+  }
+  const gdbm::Bytes bytes(file_);
+  const gdbm::BucketMap map(bytes);
+  EXPECT_EQ(map.strays().size(), 1U);
+  EXPECT_EQ(map.loose().size(), 1U);
+}
+
+TEST_F(BucketMapTest, ADirectoryIsFoundWithoutTheHeader) {
+  PutBucket(kBucket, 5, kBits);
+  PutEntries({5}, kBucket);
+  const gdbm::Bytes bytes(file_);
+  const gdbm::BucketMap map(bytes);
+  EXPECT_EQ(map.directory(), kDirectory);
+  EXPECT_EQ(map.directory_bytes(), 8U * kEntries);
+  EXPECT_EQ(map.reached().size(), 1U);
+  EXPECT_TRUE(map.strays().empty());
+}
+
+TEST_F(BucketMapTest, NoDirectoryBeginsAtTheStartOfTheFileOrBeforeIt) {
+  for (const Offset place : {Offset{8}, Offset{40}}) {
+    file_.assign(8192, '\0');
+    PutBucket(kBucket, 5, kBits);
+    Put(place, kBucket);  // entry 5 stands at 40 of a directory
+    const gdbm::Bytes bytes(file_);
+    EXPECT_EQ(gdbm::BucketMap(bytes).directory(), 0U) << place;
+  }
+}
+
+// Of its two buckets, only the one that is looked for first would have its entry in the file.
+TEST_F(BucketMapTest, NoDirectoryWithMostOfItsEntriesBehindTheEndIsTaken) {
+  PutBucket(kBucket, 5, kBits);
+  PutBucket(kOther, 31, kBits - 1);
+  const Offset last = file_.size();
+  file_.append(sizeof last, '\0');
+  Put(last, kBucket);
+  const gdbm::Bytes bytes(file_);
+  EXPECT_EQ(gdbm::BucketMap(bytes).directory(), 0U);
+}
+
+TEST_F(BucketMapTest, NoDirectoryIsLookedForThatIsLargerThanAnyFile) {
+  constexpr unsigned kTooMany = 28;
+  const gdbm::Element element = Add("key 10037160");  // its hash begins with 22 zeros
+  const gdbm::Hash index = gdbm::PrefixOf(static_cast<gdbm::Hash>(element.hash), kTooMany);
+  ASSERT_LT(index, kEntries);
+  PutHead(kBucket, kTooMany, 1);
+  Put(gdbm::ElementAt(kBucket, 0), element);
+  PutEntries({index}, kBucket);
+  const gdbm::Bytes bytes(file_);
+  const gdbm::BucketMap map(bytes);
+  ASSERT_EQ(map.strays().size(), 1U);
+  EXPECT_EQ(map.directory(), 0U);
+}
+
+// Two buckets, so that a place where only one of them is listed is not taken.
+TEST_F(BucketMapTest, ADirectoryIsLookedForIn64Places) {
+  for (const unsigned others : {63U, 64U}) {
+    file_.assign(8192, '\0');
+    PutBucket(kBucket, 5, kBits);
+    PutBucket(kOther, 6, kBits);
+    for (unsigned i = 0; i < others; ++i) Put(1024 + Offset{i} * 8, kOther);
+    constexpr Offset kBehind = 6144;
+    PutEntries({5}, kBucket, kBehind);
+    PutEntries({6}, kOther, kBehind);
+    const gdbm::Bytes bytes(file_);
+    EXPECT_EQ(gdbm::BucketMap(bytes).directory(), others == 63 ? kBehind : 0U);
   }
 }
 
 }  // namespace
-}  // namespace kestan::gdbm
+}  // namespace kestan_maintenance

@@ -193,6 +193,22 @@ TEST_F(CheckFileTest, UnreadableRecordsAreFaultsAndTheRestIsNotJudgedByThem) {
   EXPECT_EQ(lines_, expected);
 }
 
+TEST_F(CheckFileTest, TextsAreNotJudgedWhereADocumentMayBeMissing) {
+  store_.Close();
+  Plant(path_, {{"t-none", "Title"}});
+  const std::string note = "t-none: note: its document is not in the index";
+  ASSERT_EQ(store_.Open(path_.c_str(), 0), 0);
+  Run();
+  EXPECT_EQ(lines_.count(note), 1u);
+  store_.Close();
+  ASSERT_EQ(store_.Open(path_.c_str(), 0), 0);
+  lines_.clear();
+  GdbmWatch watch;
+  watch.Fail("fetch", 3, GDBM_FILE_READ_ERROR);  // behind the options and the counter
+  Run();
+  EXPECT_EQ(lines_.count(note), 0u);
+}
+
 TEST_F(CheckFileTest, AWalkThatEndsEarlyIsAFault) {
   GdbmWatch watch;
   watch.Fail("nextkey", 2, GDBM_FILE_SEEK_ERROR);

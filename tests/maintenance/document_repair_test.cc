@@ -62,6 +62,11 @@ TEST(DocumentRepair, ARenamedDocumentWhoseNameRecordWasNotWrittenHasItsNewName) 
   EXPECT_EQ(Repaired({{"new", 9, 1, true}}, {{"old", 1, true}}), "new=1@9 ");
 }
 
+TEST(DocumentRepair, ADocumentIsNotRenamedWhereTheOldNameHasARecordOfItsOwn) {
+  EXPECT_EQ(Repaired({{"new", 9, 1, true}, {"old", 8, 2, true}}, {{"old", 1, true}}),
+            "old=1@0 -new ");
+}
+
 TEST(DocumentRepair, OfTwoCodesWithOneNameTheDocumentRecordDecides) {
   EXPECT_EQ(Repaired({{"a", 8, 2, true}}, {{"a", 1, true}, {"a", 2, true}}), "a=2@8 ");
 }

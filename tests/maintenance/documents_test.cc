@@ -146,6 +146,35 @@ TEST_F(DocumentsTest, TheEmptyNameIsOneToo) {
   EXPECT_EQ(Read(), Lines{": one/1"});
 }
 
+TEST_F(DocumentsTest, TheEmptyNameTakesNoOtherWordsThanTheKeysOfItsRecords) {
+  engine_.AddDocumentWords("", "one x t- -- d-day");
+  engine_.DBPutTitle("", "Title");
+  EXPECT_EQ(Read(), Lines{": one/1 x/2 --/4"});
+}
+
+TEST_F(DocumentsTest, WithoutOptionsPositionsAreRead) {
+  engine_.AddDocumentWords("a", "one two");
+  engine_.CloseIndex();
+  Records records = Dump(path_);
+  records.erase("g-opts");
+  std::filesystem::remove(path_);
+  Plant(path_, records);
+  EXPECT_EQ(Read(), Lines{"a: one/1 two/2"});
+}
+
+// As where a record of theirs was lost.
+TEST_F(DocumentsTest, CapitalsAccountForASmallFormAtTheirOwnPlaceOnly) {
+  engine_.AddDocumentWords("a", "bee");
+  PlantAndReopen({{"Ape", Entry(1, {2, 3, 4})},
+                  {"Zoo", Entry(1, {5})},
+                  {"ape", Entry(1, {3, 6})},
+                  {"bat", Entry(1, {4})},
+                  {"Bat", Entry(1, {7})},
+                  {"Cow", Entry(1, {8})},
+                  {"dog", Entry(1, {9})}});
+  EXPECT_EQ(Read(), Lines{"a: bee/1 Ape/2 Ape/3 Ape/4 bat/4 Zoo/5 ape/6 Bat/7 Cow/8 dog/9"});
+}
+
 TEST_F(DocumentsTest, OldEntriesOfOneLetterWordsGiveWayToNewerOnes) {
   engine_.AddDocumentWords("old", "x x a");
   engine_.RemoveDocumentWords("old");
@@ -178,6 +207,38 @@ TEST_F(DocumentsTest, ARecordThatCannotBeReadIsAnError) {
     if (has_failed) continue;
     ++successes;
     EXPECT_GT(nth, 7);  // options, document, name, two words, three side records
+  }
+}
+
+TEST_F(DocumentsTest, AKeyThatOnlyTheWalkFindsHasNoRecord) {
+  engine_.AddDocumentWords("a", "one two");
+  engine_.CloseIndex();
+  for (const int nth : {2, 3}) {  // behind the options: document and name
+    GdbmWatch watch;
+    watch.Fail("fetch", nth, GDBM_ITEM_NOT_FOUND);
+    EXPECT_EQ(Read(), Lines()) << nth;
+  }
+  GdbmWatch watch;
+  watch.Fail("fetch", 4, GDBM_ITEM_NOT_FOUND);  // the first word, when it is counted
+  watch.Fail("fetch", 6, GDBM_ITEM_NOT_FOUND);  // and when it is read
+  EXPECT_EQ(Read(), Lines{"a: two/2"});
+}
+
+// With more words than stay in memory, each batch reads the postings again.
+TEST_F(DocumentsTest, ARecordThatCannotBeReadAgainIsAnError) {
+  std::string text;
+  for (int i = 0; i < 1200; ++i) text += "word" + std::to_string(i) + " ";
+  engine_.AddDocumentWords("a", text.c_str());
+  engine_.CloseIndex();
+  constexpr int kFirstTime = 3 + 1200;  // options, document, name, words
+  for (const int nth : {kFirstTime, kFirstTime + 1, kFirstTime + 500}) {
+    Database store;
+    ASSERT_EQ(store.Open(path_.c_str(), 0), 0);
+    GdbmWatch watch;
+    watch.Fail("fetch", nth, GDBM_FILE_READ_ERROR);
+    int given = 0;
+    EXPECT_EQ(kestan::ReadDocuments(store, [&](const auto&) { ++given; }), GDBM_FILE_READ_ERROR);
+    EXPECT_EQ(given, 0) << nth;
   }
 }
 

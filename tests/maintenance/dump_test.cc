@@ -48,6 +48,15 @@ TEST_F(DumpTest, LongRecordsGoOnInTheNextLine) {
   EXPECT_EQ(Dump(target_), records);
 }
 
+TEST_F(DumpTest, RecordsOfSeveralLinesComeBack) {
+  const Records records = {{"a", "before"},
+                           {std::string(3000000, 'k'), "a long key"},
+                           {"v", std::string(3000000, '\0')},
+                           {"w", "behind a long value"}};
+  EXPECT_EQ(Load(DumpOf(records)), "");
+  EXPECT_EQ(Dump(target_), records);
+}
+
 TEST_F(DumpTest, NoEscapeIsBrokenBetweenLines) {
   const std::size_t most = kestan::kMaxDumpLineBytes;
   for (const std::size_t bytes : {most - 7, most - 6, most - 5, most - 4, most - 3}) {
@@ -158,6 +167,14 @@ TEST_F(DumpTest, AnIndexThatIsNotEmptyIsNotLoadedInto) {
   EXPECT_EQ(LoadInto(store, WholeDump("b\t2\n", 1)), "the index is not empty");
   store.Close();
   EXPECT_EQ(Dump(target_), (Records{{"a", "1"}}));
+}
+
+TEST_F(DumpTest, AnIndexThatCannotBeReadIsNotTakenForEmpty) {
+  GdbmWatch watch;
+  watch.Fail("firstkey", 1, GDBM_FILE_READ_ERROR);
+  EXPECT_EQ(Load(WholeDump("a\t1\n", 1)),
+            "the index cannot be read -- "s + Database::ErrorString(GDBM_FILE_READ_ERROR));
+  EXPECT_EQ(watch.Count("store"), 0u);
 }
 
 TEST_F(DumpTest, AnIndexThatIsOnlyReadIsNotLoadedInto) {

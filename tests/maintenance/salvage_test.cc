@@ -1,8 +1,10 @@
 // What a salvage finds in whole files, and what it still finds in damaged ones.
 #include <gtest/gtest.h>
+#include <kestan/maintenance/gdbm_layout.h>
 #include <kestan/maintenance/salvage.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <filesystem>
 
@@ -18,7 +20,7 @@ class SalvageTest : public testing::Test {
  protected:
   // Stores records of every size under plain keys.
   void Store(int first, int last, std::size_t largest, int flags = 0) {
-    GDBM_FILE file = gdbm_open(path_.c_str(), 512, GDBM_WRCREAT | flags, 0644, nullptr);
+    GDBM_FILE file = gdbm_open(path_.c_str(), block_bytes_, GDBM_WRCREAT | flags, 0644, nullptr);
     ASSERT_NE(file, nullptr);
     for (int i = first; i < last; ++i) {
       const std::string key = "key\xe9 " + std::to_string(i);
@@ -55,6 +57,7 @@ class SalvageTest : public testing::Test {
   kestan_tests::TempDir folder_;
   const std::string path_ = folder_ / "file";
   Dice dice_{1};
+  int block_bytes_ = 512;
 };
 
 TEST_F(SalvageTest, AnEmptyFileOfRecordsHoldsNone) {
@@ -214,6 +217,40 @@ TEST_F(SalvageTest, ADamagedBucketTakesNoOtherRecordsWithIt) {
       EXPECT_EQ(found.at(record.key), record.value);
     }
     WriteFile(path_, good);
+  }
+}
+
+TEST_F(SalvageTest, FindsTheRecordsOfAFileOfLargeBlocksWithoutItsDirectory) {
+  block_bytes_ = 1024;
+  Store(0, 3000, 40);
+  const Records records = Dump(path_);
+  EXPECT_EQ(Salvaged(path_), records);
+  Overwrite(PlaceOf(Place::kDirectory), 2 * kBlockBytes, '\0');
+  EXPECT_EQ(Salvaged(path_), records);
+}
+
+// Its bucket has no head, and nothing tells that the record is the newest of its key.
+TEST_F(SalvageTest, AnOldRecordThatRunsIntoANewerOneIsLeftOut) {
+  Store(0, 800, 40);
+  std::string bytes = ReadFile(path_);
+  const FileMap map = MapOf(bytes);
+  const std::size_t directory = PlaceOf(Place::kDirectory);
+  const std::size_t bucket = map.records[5].element / kBlockBytes * kBlockBytes;
+  const Record* last = nullptr;
+  for (const Record& record : map.records) {
+    const bool is_in_bucket = record.element / kBlockBytes * kBlockBytes == bucket;
+    if (is_in_bucket && (last == nullptr || record.data < last->data)) last = &record;
+  }
+  bytes.replace(bucket, sizeof(kestan::gdbm::BucketHead), sizeof(kestan::gdbm::BucketHead), '\x7f');
+  const auto too_many = static_cast<std::int32_t>(bytes.size() / 2);
+  std::memcpy(&bytes.at(last->element + offsetof(kestan::gdbm::Element, value_bytes)), &too_many,
+              sizeof too_many);
+  WriteFile(path_, bytes);
+  Overwrite(directory, 2 * kBlockBytes, '\0');
+  const Records found = Salvaged(path_);
+  EXPECT_EQ(found.count(last->key), 0U);
+  for (const Record& record : map.records) {
+    if (&record != last) EXPECT_EQ(found.count(record.key), 1U) << record.key;
   }
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "tests/maintenance/maintenance_test.h"
+#include "tests/support/gdbm_calls.h"
 
 namespace kestan_tests {
 namespace {
@@ -122,6 +123,21 @@ TEST(Statistics, WithoutAFileSaySo) {
             "Kestan: Call to database::flush without an open database\n");
   EXPECT_EQ(statistics.file_error, -1);
   EXPECT_EQ(statistics.documents, 0u);
+}
+
+TEST(Statistics, LeaveOutWhatCannotBeReadAndSaySo) {
+  const TempDir folder;
+  Plant(folder / "index", SoundRecords());
+  const auto records_of = [](const IndexStatistics& all) {
+    return all.words + all.documents + all.name_records.records + all.system_records.records;
+  };
+  GdbmWatch watch;
+  watch.Fail("fetch", 4, GDBM_FILE_READ_ERROR);  // options, counter and removed codes come first
+  const IndexStatistics statistics = Read(folder / "index");
+  EXPECT_EQ(statistics.file_error, GDBM_FILE_READ_ERROR);
+  EXPECT_EQ(records_of(statistics), SoundRecords().size() - 1);
+  watch.Fail("nextkey", 2, GDBM_FILE_SEEK_ERROR);
+  EXPECT_EQ(Read(folder / "index").file_error, GDBM_FILE_SEEK_ERROR);
 }
 
 TEST_F(IndexTest, StatisticsTellTheFilesSize) {

@@ -213,5 +213,18 @@ TEST_F(DatabaseCursor, TheCurrentRecordMayBeDeleted) {
   EXPECT_EQ(store_.First(&key), -1);
 }
 
+TEST_F(DatabaseCursor, WalksAFileThatCannotBeMappedAndTriesNoMore) {
+  PlantAndReopen({{"a", "1"}, {"b", "2"}});
+  GdbmWatch gdbm;
+  std::size_t options = 0;
+  gdbm.Observe([&](const GdbmCall& call) { options += call.function == "setopt" ? 1 : 0; });
+  gdbm.Fail("setopt", 1, GDBM_ERR_USAGE);
+  for (int walk = 0; walk < 2; ++walk) {
+    EXPECT_EQ(Keys().size(), 2u);
+    EXPECT_EQ(store_.WalkError(), 0);
+  }
+  EXPECT_EQ(options, 1u);
+}
+
 }  // namespace
 }  // namespace kestan_tests

@@ -83,6 +83,14 @@ TEST_F(DamagedFile, OfTheExtendedFormatIsRefusedInTheSameWay) {
   EXPECT_EQ(store_.Open(path_.c_str(), 1), GDBM_NEED_RECOVERY);
 }
 
+// An older format may have other fields there.
+TEST_F(DamagedFile, OfAnotherFormatIsLeftToGdbm) {
+  constexpr std::uint32_t kOldMagic = 0x13579ace;
+  std::memcpy(bytes_.data(), &kOldMagic, sizeof kOldMagic);
+  SetNumberAt(kPlaceOfNextBlock, std::uint64_t{1} << 40);
+  EXPECT_EQ(store_.Open(path_.c_str(), 1), 0);
+}
+
 TEST_F(DamagedFile, WithItsNextBlockALittleAwayOpensForWriting) {
   SetNumberAt(kPlaceOfNextBlock, NumberAt(kPlaceOfNextBlock) + 4096);
   EXPECT_EQ(store_.Open(path_.c_str(), 1), 0);

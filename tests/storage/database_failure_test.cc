@@ -56,6 +56,10 @@ TEST_F(ClosedDatabase, VerifyFails) {
   ExpectRefusal("verify", [&] { return store_.Verify(); });
 }
 
+TEST_F(ClosedDatabase, HasNoSize) {
+  ExpectRefusal("size", [&] { return static_cast<int>(store_.FileBytes()); });
+}
+
 TEST_F(ClosedDatabase, ShrinkFails) {
   ExpectRefusal("shrink", [&] { return store_.Shrink(); });
 }

@@ -233,6 +233,19 @@ TEST_F(DatabaseShrink, GivesFreeSpaceBack) {
   EXPECT_LT(std::filesystem::file_size(path_), before);
 }
 
+TEST_F(DatabaseShrink, LeavesAFileThatIsOnlyReadAsItIs) {
+  PlantAndReopen({{"key", "value"}}, 0);
+  std::size_t options = 0;
+  {
+    GdbmWatch gdbm;
+    gdbm.Observe([&](const GdbmCall& call) { options += call.function == "setopt" ? 1 : 0; });
+    EXPECT_EQ(store_.Shrink(), 0);
+  }
+  EXPECT_EQ(options, 0u);  // they are for writers
+  EXPECT_EQ(store_.FileError(), GDBM_READER_CANT_REORGANIZE);
+  EXPECT_EQ(Get("key"), "value");
+}
+
 TEST_F(DatabaseShrink, ReportsNoFailure) {
   PlantAndReopen({{"key", "value"}});
   Change(Held("key"), "VALUE");

@@ -1,4 +1,6 @@
 // Reading records through the cache.
+#include <climits>
+
 #include "tests/storage/database_test.h"
 
 namespace kestan_tests {
@@ -21,6 +23,16 @@ TEST_F(DatabaseGet, AnAbsentKeyIsAskedForEachTime) {
   EXPECT_EQ(Get("key"), "none");
   EXPECT_EQ(Get("key"), "none");
   EXPECT_EQ(gdbm.Lines(), (Lines{"fetch key", "fetch key"}));
+}
+
+// No bytes of the key are looked at: the cache is empty.
+TEST_F(DatabaseGet, AKeyOfMoreBytesThanGdbmCanCountIsAbsent) {
+  DBDatum key = Datum("key");
+  key.size = 1u + INT_MAX;
+  DBDatumPtr value;
+  GdbmWatch gdbm;
+  EXPECT_EQ(store_.Get(&value, key), GDBM_ITEM_NOT_FOUND);
+  EXPECT_TRUE(gdbm.Lines().empty());
 }
 
 TEST_F(DatabaseGet, FailureGivesUpWhatTheHandleHeld) {

@@ -1,4 +1,6 @@
 // Storing and deleting records: at once in the file, and what becomes of the cached value.
+#include <sys/mman.h>
+
 #include <climits>
 
 #include "tests/storage/database_test.h"
@@ -222,6 +224,34 @@ TEST_F(DatabasePut, MoreBytesThanGdbmCanCountAreRefused) {
   EXPECT_EQ(gdbm.Count("store"), 0u);
 }
 
+TEST_F(DatabasePut, AsManyBytesAsGdbmCanCountAreHandedToIt) {
+  const DBDatumPtr value = Counted(std::string(kNotedBytes, 'v'));
+  value.ptr->size = INT_MAX;
+  GdbmWatch gdbm;
+  gdbm.Fail("store", 1, GDBM_FILE_WRITE_ERROR);
+  EXPECT_EQ(store_.Put(Datum("key"), *value.ptr), GDBM_FILE_WRITE_ERROR);
+  EXPECT_EQ(gdbm.Count("store"), 1u);
+}
+
+#if UINTPTR_MAX > 0xffffffff
+// Addresses for so many bytes are only to be had where they are wide. The bytes are zeros, which
+// take no memory as long as nobody writes them.
+TEST_F(DatabasePut, AKeyOfMoreBytesThanGdbmCanCountIsRefused) {
+  constexpr std::uint32_t kBytes = 1u + INT_MAX;
+  void* const zeros =
+      mmap(nullptr, kBytes, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+  ASSERT_NE(zeros, MAP_FAILED);
+  DBDatum key(zeros, kBytes);
+  key.refs = 1;
+  GdbmWatch gdbm;
+  EXPECT_EQ(store_.Put(key, *Counted("value").ptr), GDBM_MALFORMED_DATA);
+  EXPECT_EQ(gdbm.Count("store"), 0u);
+  store_.Close();
+  EXPECT_EQ(key.refs, 1);
+  munmap(zeros, kBytes);
+}
+#endif
+
 TEST_F(DatabaseDel, RemovesFromCacheAndFile) {
   Put("key", "value");
   EXPECT_EQ(store_.Del(Datum("key")), 0);
@@ -239,6 +269,15 @@ TEST_F(DatabaseDel, AnAbsentKeyIsNoError) {
   GdbmWatch gdbm;
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(store_.Del(Datum("key")), 0); }), "");
   EXPECT_EQ(gdbm.Lines(), (Lines{"delete key"}));
+}
+
+// No bytes of the key are looked at: the cache is empty.
+TEST_F(DatabaseDel, AKeyOfMoreBytesThanGdbmCanCountIsAbsent) {
+  DBDatum key = Datum("key");
+  key.size = 1u + INT_MAX;
+  GdbmWatch gdbm;
+  EXPECT_EQ(store_.Del(key), 0);
+  EXPECT_TRUE(gdbm.Lines().empty());
 }
 
 TEST_F(DatabaseDel, ARefusedDeleteIsNoErrorAndForgetsTheCachedValue) {

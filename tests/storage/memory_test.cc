@@ -73,6 +73,21 @@ TEST(MemoryDeathTest, ReallocateEndsTheProcessWithErrno) {
       testing::ExitedWithCode(ENOMEM), IsLine(NoMemoryLine(kTooManyBytes)));
 }
 
+// There is never memory for it.
+struct Unobtainable {
+  static void* operator new(std::size_t, const std::nothrow_t&) noexcept { return nullptr; }
+  static void operator delete(void*) {}
+};
+
+TEST(MemoryDeathTest, NewEndsTheProcessWithErrno) {
+  EXPECT_EXIT(
+      {
+        errno = ENOMEM;
+        kestan::New<Unobtainable>();
+      },
+      testing::ExitedWithCode(ENOMEM), testing::Eq(NoMemoryLine(sizeof(Unobtainable))));
+}
+
 // As many as a vector may ask for at all in 32 bits.
 constexpr std::size_t kTooManyForAVector =
     sizeof(std::size_t) > 4 ? std::size_t{kTooManyBytes} : std::size_t{2147483647u};

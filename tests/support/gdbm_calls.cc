@@ -23,10 +23,14 @@ std::string Text(datum bytes) {
   return std::string(bytes.dptr, static_cast<std::size_t>(bytes.dsize));
 }
 
+datum StartOf(datum value) {
+  return {value.dptr, std::min(value.dsize, static_cast<int>(kNotedBytes))};
+}
+
 // Notes a call, and sets gdbm's error number if it has to fail.
 bool MustFail(const char* function, GDBM_FILE file, datum key = {}, datum value = {}) {
   if (watch == nullptr) return false;
-  const int error = watch->Note({function, OpenFiles()[file], Text(key), Text(value)});
+  const int error = watch->Note({function, OpenFiles()[file], Text(key), Text(StartOf(value))});
   if (error == 0) return false;
   gdbm_errno = error;
   return true;

@@ -13,11 +13,15 @@
 
 namespace kestan_tests {
 
+// As many bytes of a value are looked at, so that tests can store values that only claim to be
+// long.
+inline constexpr std::size_t kNotedBytes = 4096;
+
 struct GdbmCall {
   std::string function;  // without its "gdbm_": "store", "fetch", "delete", "sync", ...
   std::string file;      // the path that the file was opened with
   std::string key;       // empty where the function takes none
-  std::string value;     // of a store
+  std::string value;     // of a store, its first kNotedBytes bytes
 };
 
 // How gdbm_open was called.
