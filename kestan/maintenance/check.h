@@ -27,8 +27,8 @@ struct CheckResult {
 // flush. An empty `report` only counts. Where records cannot be read, what depends on all of them
 // is not judged.
 //   Returns  how much it found; -1 as the file's error if no file is open, which the store says.
-//   Cost     two walks over the file. Memory for the names of all documents and the keys of their
-//            titles, summaries and user records, for 1,000 records and for 1 MiB of counts.
+//   Cost     two walks over the file. Memory for the names of all documents, for 1,000 records
+//            and for 1 MiB of counts.
 KESTAN_EXPORT CheckResult CheckIndex(Database& store, const TakeLine& report);
 
 }  // namespace kestan

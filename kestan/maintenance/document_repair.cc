@@ -73,7 +73,6 @@ class Resolver {
     if (name != nullptr && !(document.is_current && FindClaim(name->name) == claims_.size()))
       return;
     Add(i);
-    ++result_.restored;
   }
 
   // A name record of another code says that the document has that one.
@@ -101,7 +100,6 @@ class Resolver {
     if (claim != claims_.size()) is_settled_[claim] = 1;
     result_.documents.push_back({name.name, 0, name.code});
     is_used_.set(name.code);
-    ++result_.restored;
   }
 
   void Lose(const DocumentClaim& document) {

@@ -41,7 +41,6 @@ struct LostDocument {
 struct RepairedDocuments {
   Vector<RepairedDocument> documents;  // no name and no code twice; by ascending names
   Vector<LostDocument> lost;           // names that no code is left for
-  std::size_t restored = 0;            // documents of which one of the two records was missing
 };
 
 // Makes documents of claims, of which no two have the same key.

@@ -47,11 +47,6 @@ class TableBuilder {
         return AddDocument(key, value);
       case RecordKind::kName:
         return AddName(key, value);
-      case RecordKind::kTitle:
-      case RecordKind::kSummary:
-      case RecordKind::kUser:
-        tables_.side_keys.emplace_back(BytesOf(key));
-        return;
       case RecordKind::kCounter:
         return AddCounter(key, value);
       case RecordKind::kOptions:
@@ -60,11 +55,12 @@ class TableBuilder {
         return AddCodes(key, value, &tables_.reusable);
       case RecordKind::kRemovedCodes:
         return AddCodes(key, value, &tables_.removed);
-      case RecordKind::kOther:
-        tables_.other_keys.emplace_back(BytesOf(key));
-        return;
       case RecordKind::kPosting:
+      case RecordKind::kTitle:
+      case RecordKind::kSummary:
+      case RecordKind::kUser:
       case RecordKind::kWordList:
+      case RecordKind::kOther:
         return;
     }
   }
@@ -72,8 +68,6 @@ class TableBuilder {
   void AddDocument(const DBDatum& key, const DBDatum& value) {
     IndexTables::Document document;
     document.name = BytesOf(key).substr(kDocumentFamily.size());
-    document.timestamp = DocumentTimestamp(value);
-    document.bytes = value.size;
     document.code = DocumentCode(value);
     document.has_rest = value.size >= kDocumentRecordBytes && UnitAt(value, 3) != 0;
     NoteOdd(key, value, value.size != kDocumentRecordBytes);
@@ -95,7 +89,6 @@ class TableBuilder {
   void AddOptions(const DBDatum& key, const DBDatum& value) {
     NoteOdd(key, value, value.size != kOptionsBytes);
     tables_.has_options = true;
-    tables_.options = DecodeOptions(value);
   }
 
   void AddCodes(const DBDatum& key, const DBDatum& value, Vector<Code>* codes) {

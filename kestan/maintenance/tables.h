@@ -12,16 +12,11 @@
 
 namespace kestan {
 
-// Takes memory for the documents' names, twice, and for the keys of their side records; nothing of
-// the postings.
+// Takes memory for the documents' names, twice; nothing of the postings.
 struct IndexTables {
   // A record "d-" + name.
   struct Document {
-    bool IsShort() const { return bytes < kDocumentRecordBytes; }
-
     String name;
-    std::uint32_t timestamp = 0;
-    std::uint32_t bytes = 0;  // of the record
     Code code = 0;
     bool has_rest = false;  // the two bytes behind the code are not 0
   };
@@ -47,14 +42,11 @@ struct IndexTables {
   Vector<Name> names;          // by ascending code; only of keys of four bytes
   Vector<Code> reusable;       // "g-avail", in the record's order
   Vector<Code> removed;        // "g-deleted", in the record's order
-  Vector<String> side_keys;    // of titles, summaries and user records, in the file's order
-  Vector<String> other_keys;   // of no family that the engine has, in the file's order
   Vector<OddRecord> odd;       // system records of odd length, in the file's order
   Vector<String> unreadable;   // keys of records that could not be read, in the file's order
   bool has_counter = false;
   bool has_options = false;
   Code counter = 0;
-  std::uint32_t options = 0;
   PostingRules rules;
   int walk_error = 0;  // gdbm's number if the walk ended early
 

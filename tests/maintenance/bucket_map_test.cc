@@ -12,8 +12,8 @@ using BucketMapTest = CraftedFile;
 
 TEST_F(BucketMapTest, ABucketIsReachedThroughItsEntry) {
   PutHeader();
-  PutBucket(kBucket, 5, kBits);
-  PutEntries({5}, kBucket);
+  PutBucket(kBucketPlace, 5, kBits);
+  PutEntries({5}, kBucketPlace);
   const gdbm::Bytes bytes(file_);
   const gdbm::BucketMap map(bytes);
   ASSERT_EQ(map.reached().size(), 1U);
@@ -24,8 +24,8 @@ TEST_F(BucketMapTest, ABucketIsReachedThroughItsEntry) {
 
 TEST_F(BucketMapTest, ABucketOfMoreBitsThanTheDirectoryCountsForItsEntryAlone) {
   PutHeader();
-  PutBucket(kBucket, 10, kBits + 1);
-  PutEntries({5}, kBucket);
+  PutBucket(kBucketPlace, 10, kBits + 1);
+  PutEntries({5}, kBucketPlace);
   const gdbm::Bytes bytes(file_);
   const gdbm::BucketMap map(bytes);
   ASSERT_EQ(map.reached().size(), 1U);
@@ -37,27 +37,27 @@ TEST_F(BucketMapTest, ABucketOfMoreBitsThanTheDirectoryCountsForItsEntryAlone) {
 TEST_F(BucketMapTest, AnEntryForOtherHashesThanThoseOfTheBucketDoesNotReachIt) {
   for (const unsigned entry : {4U, 6U}) {
     PutHeader();
-    PutBucket(kBucket, 5, kBits);
-    PutBucket(kOther, 20, kBits);
+    PutBucket(kBucketPlace, 5, kBits);
+    PutBucket(kOtherPlace, 20, kBits);
     PutEntries({4, 6}, 0);
-    PutEntries({entry}, kBucket);
-    PutEntries({20}, kOther);
+    PutEntries({entry}, kBucketPlace);
+    PutEntries({20}, kOtherPlace);
     const gdbm::Bytes bytes(file_);
     const gdbm::BucketMap map(bytes);
     ASSERT_EQ(map.reached().size(), 1U) << entry;
-    EXPECT_EQ(map.reached()[0].at, kOther) << entry;
+    EXPECT_EQ(map.reached()[0].at, kOtherPlace) << entry;
     ASSERT_EQ(map.strays().size(), 1U) << entry;
-    EXPECT_EQ(map.strays()[0].at, kBucket) << entry;
+    EXPECT_EQ(map.strays()[0].at, kBucketPlace) << entry;
   }
 }
 
 TEST_F(BucketMapTest, AnEmptyBucketIsReachedByJustTheEntriesThatItsBitsAskFor) {
-  PutHead(kBucket, kBits - 1, 0);
+  PutHead(kBucketPlace, kBits - 1, 0);
   const std::vector<std::vector<unsigned>> runs = {{2, 3}, {1, 2}, {2}, {2, 3, 4}};
   for (const auto& run : runs) {
     PutHeader();
     PutEntries({1, 2, 3, 4}, 0);
-    for (const unsigned entry : run) PutEntries({entry}, kBucket);
+    for (const unsigned entry : run) PutEntries({entry}, kBucketPlace);
     const gdbm::Bytes bytes(file_);
     EXPECT_EQ(gdbm::BucketMap(bytes).reached().size(), run == runs[0] ? 1U : 0U) << run.size();
   }
@@ -65,9 +65,9 @@ TEST_F(BucketMapTest, AnEmptyBucketIsReachedByJustTheEntriesThatItsBitsAskFor) {
 
 TEST_F(BucketMapTest, AnEmptyBucketYieldsToStraysOfAsManyBits) {
   PutHeader();
-  PutHead(kOther, 1, 0);
-  for (unsigned entry = 0; entry < kEntries / 2; ++entry) PutEntries({entry}, kOther);
-  PutBucket(kBucket, 5, kBits);
+  PutHead(kOtherPlace, 1, 0);
+  for (unsigned entry = 0; entry < kEntries / 2; ++entry) PutEntries({entry}, kOtherPlace);
+  PutBucket(kBucketPlace, 5, kBits);
   const gdbm::Bytes bytes(file_);
   const gdbm::BucketMap map(bytes);
   ASSERT_EQ(map.reached().size(), 1U);
@@ -77,9 +77,9 @@ TEST_F(BucketMapTest, AnEmptyBucketYieldsToStraysOfAsManyBits) {
 
 TEST_F(BucketMapTest, AnEmptyBucketOutweighsWhatWasThereBeforeItsSplit) {
   PutHeader();
-  PutHead(kOther, kBits, 0);
-  PutEntries({5}, kOther);
-  PutBucket(kBucket, 2, kBits - 1);
+  PutHead(kOtherPlace, kBits, 0);
+  PutEntries({5}, kOtherPlace);
+  PutBucket(kBucketPlace, 2, kBits - 1);
   const gdbm::Bytes bytes(file_);
   const gdbm::BucketMap map(bytes);
   ASSERT_EQ(map.reached().size(), 1U);
@@ -89,14 +89,14 @@ TEST_F(BucketMapTest, AnEmptyBucketOutweighsWhatWasThereBeforeItsSplit) {
 }
 
 TEST_F(BucketMapTest, OfTwoBucketsForTheSameHashesTheOneThatLacksNothingIsBelieved) {
-  PutHead(kBucket, kBits, 2);
-  Put(gdbm::ElementAt(kBucket, 0), AddKeys(1, 5, kBits).front());
-  PutBucket(kOther, 5, kBits);
+  PutHead(kBucketPlace, kBits, 2);
+  Put(gdbm::ElementAt(kBucketPlace, 0), AddKeys(1, 5, kBits).front());
+  PutBucket(kOtherPlace, 5, kBits);
   const gdbm::Bytes bytes(file_);
   const gdbm::BucketMap map(bytes);
   ASSERT_EQ(map.strays().size(), 2U);
   for (const gdbm::FoundBucket& stray : map.strays()) {
-    const Standing expected = stray.at == kOther ? Standing::kCurrent : Standing::kFallback;
+    const Standing expected = stray.at == kOtherPlace ? Standing::kCurrent : Standing::kFallback;
     EXPECT_EQ(map.StandingOf(stray, 5U << 25), expected);
   }
 }
@@ -111,8 +111,8 @@ TEST_F(BucketMapTest, AnEntryThatLeadsToTheLastBytesReachesNoBucket) {
 // 38 elements, or 39 where structures are not padded.
 TEST_F(BucketMapTest, ElementsInTheirPlacesMakeABucketOfALargeBlock) {
   PutHeader(1024);
-  PutHead(kBucket, kBits, 6);
-  for (const gdbm::Element& element : AddKeys(6, 5, kBits)) PutAtHome(kBucket, element);
+  PutHead(kBucketPlace, kBits, 6);
+  for (const gdbm::Element& element : AddKeys(6, 5, kBits)) PutAtHome(kBucketPlace, element);
   const gdbm::Bytes bytes(file_);
   const gdbm::BucketMap map(bytes);
   EXPECT_EQ(map.strays().size(), 1U);
@@ -121,8 +121,8 @@ TEST_F(BucketMapTest, ElementsInTheirPlacesMakeABucketOfALargeBlock) {
 
 TEST_F(BucketMapTest, ElementsInOtherPlacesMakeNone) {
   PutHeader(1024);
-  PutHead(kBucket, kBits, 6);
-  for (const gdbm::Element& element : AddKeys(6, 5, kBits)) PutAtHome(kBucket, element, 1);
+  PutHead(kBucketPlace, kBits, 6);
+  for (const gdbm::Element& element : AddKeys(6, 5, kBits)) PutAtHome(kBucketPlace, element, 1);
   const gdbm::Bytes bytes(file_);
   const gdbm::BucketMap map(bytes);
   EXPECT_TRUE(map.strays().empty());
@@ -157,7 +157,7 @@ TEST_F(BucketMapTest, AnElementTooNearToTheStartIsInNoBucket) {
 TEST_F(BucketMapTest, AnElementWhoseKeyIsTooLongToBeHashedAgainIsLoose) {
   PutHeader();
   const gdbm::Element element = Add(std::string(1 << 20, 'k'));
-  for (const Offset at : {kBucket, kOther, kOther + 1024}) {
+  for (const Offset at : {kBucketPlace, kOtherPlace, kOtherPlace + 1024}) {
     PutHead(at, 0, 1);
     Put(gdbm::ElementAt(at, shape_.elements - 1), element);
   }
@@ -168,11 +168,11 @@ TEST_F(BucketMapTest, AnElementWhoseKeyIsTooLongToBeHashedAgainIsLoose) {
 }
 
 TEST_F(BucketMapTest, ADirectoryIsFoundWithoutTheHeader) {
-  PutBucket(kBucket, 5, kBits);
-  PutEntries({5}, kBucket);
+  PutBucket(kBucketPlace, 5, kBits);
+  PutEntries({5}, kBucketPlace);
   const gdbm::Bytes bytes(file_);
   const gdbm::BucketMap map(bytes);
-  EXPECT_EQ(map.directory(), kDirectory);
+  EXPECT_EQ(map.directory(), kDirectoryPlace);
   EXPECT_EQ(map.directory_bytes(), 8U * kEntries);
   EXPECT_EQ(map.reached().size(), 1U);
   EXPECT_TRUE(map.strays().empty());
@@ -181,8 +181,8 @@ TEST_F(BucketMapTest, ADirectoryIsFoundWithoutTheHeader) {
 TEST_F(BucketMapTest, NoDirectoryBeginsAtTheStartOfTheFileOrBeforeIt) {
   for (const Offset place : {Offset{8}, Offset{40}}) {
     file_.assign(8192, '\0');
-    PutBucket(kBucket, 5, kBits);
-    Put(place, kBucket);  // entry 5 stands at 40 of a directory
+    PutBucket(kBucketPlace, 5, kBits);
+    Put(place, kBucketPlace);  // entry 5 stands at 40 of a directory
     const gdbm::Bytes bytes(file_);
     EXPECT_EQ(gdbm::BucketMap(bytes).directory(), 0U) << place;
   }
@@ -190,11 +190,11 @@ TEST_F(BucketMapTest, NoDirectoryBeginsAtTheStartOfTheFileOrBeforeIt) {
 
 // Of its two buckets, only the one that is looked for first would have its entry in the file.
 TEST_F(BucketMapTest, NoDirectoryWithMostOfItsEntriesBehindTheEndIsTaken) {
-  PutBucket(kBucket, 5, kBits);
-  PutBucket(kOther, 31, kBits - 1);
+  PutBucket(kBucketPlace, 5, kBits);
+  PutBucket(kOtherPlace, 31, kBits - 1);
   const Offset last = file_.size();
   file_.append(sizeof last, '\0');
-  Put(last, kBucket);
+  Put(last, kBucketPlace);
   const gdbm::Bytes bytes(file_);
   EXPECT_EQ(gdbm::BucketMap(bytes).directory(), 0U);
 }
@@ -204,9 +204,9 @@ TEST_F(BucketMapTest, NoDirectoryIsLookedForThatIsLargerThanAnyFile) {
   const gdbm::Element element = Add("key 10037160");  // its hash begins with 22 zeros
   const gdbm::Hash index = gdbm::PrefixOf(static_cast<gdbm::Hash>(element.hash), kTooMany);
   ASSERT_LT(index, kEntries);
-  PutHead(kBucket, kTooMany, 1);
-  Put(gdbm::ElementAt(kBucket, 0), element);
-  PutEntries({index}, kBucket);
+  PutHead(kBucketPlace, kTooMany, 1);
+  Put(gdbm::ElementAt(kBucketPlace, 0), element);
+  PutEntries({index}, kBucketPlace);
   const gdbm::Bytes bytes(file_);
   const gdbm::BucketMap map(bytes);
   ASSERT_EQ(map.strays().size(), 1U);
@@ -217,12 +217,12 @@ TEST_F(BucketMapTest, NoDirectoryIsLookedForThatIsLargerThanAnyFile) {
 TEST_F(BucketMapTest, ADirectoryIsLookedForIn64Places) {
   for (const unsigned others : {63U, 64U}) {
     file_.assign(8192, '\0');
-    PutBucket(kBucket, 5, kBits);
-    PutBucket(kOther, 6, kBits);
-    for (unsigned i = 0; i < others; ++i) Put(1024 + Offset{i} * 8, kOther);
+    PutBucket(kBucketPlace, 5, kBits);
+    PutBucket(kOtherPlace, 6, kBits);
+    for (unsigned i = 0; i < others; ++i) Put(1024 + Offset{i} * 8, kOtherPlace);
     constexpr Offset kBehind = 6144;
-    PutEntries({5}, kBucket, kBehind);
-    PutEntries({6}, kOther, kBehind);
+    PutEntries({5}, kBucketPlace, kBehind);
+    PutEntries({6}, kOtherPlace, kBehind);
     const gdbm::Bytes bytes(file_);
     EXPECT_EQ(gdbm::BucketMap(bytes).directory(), others == 63 ? kBehind : 0U);
   }

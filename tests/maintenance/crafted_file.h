@@ -18,9 +18,9 @@ using gdbm::Offset;
 
 inline constexpr unsigned kBits = 6;  // of the directory
 inline constexpr unsigned kEntries = 1U << kBits;
-inline constexpr Offset kDirectory = 512;
-inline constexpr Offset kBucket = 2048;
-inline constexpr Offset kOther = 4096;
+inline constexpr Offset kDirectoryPlace = 512;
+inline constexpr Offset kBucketPlace = 2048;
+inline constexpr Offset kOtherPlace = 4096;
 
 // Gives each test a file of zeros, in which it puts what it is about. A header, where there is one,
 // comes before keys are added.
@@ -36,12 +36,12 @@ class CraftedFile : public testing::Test {
     shape_.bucket_bytes = bytes;
     shape_.elements =
         static_cast<std::uint32_t>((bytes - sizeof(gdbm::BucketHead)) / sizeof(gdbm::Element));
-    Put(0, gdbm::Header{magic, 512, kDirectory, kEntries * 8, kBits, bucket_bytes,
+    Put(0, gdbm::Header{magic, 512, kDirectoryPlace, kEntries * 8, kBits, bucket_bytes,
                         static_cast<std::int32_t>(shape_.elements), file_.size()});
   }
 
   void PutEntries(std::initializer_list<unsigned> entries, Offset bucket,
-                  Offset directory = kDirectory) {
+                  Offset directory = kDirectoryPlace) {
     for (const unsigned entry : entries) Put(directory + entry * sizeof bucket, bucket);
   }
 

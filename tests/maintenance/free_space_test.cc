@@ -14,12 +14,12 @@ class FreeSpace : public CraftedFile {
  protected:
   void PutRecord(std::uint32_t magic = gdbm::kMagic) {
     PutHeader(512, magic);
-    PutHead(kOther, kBits, 0);
-    PutEntries({5}, kOther);
+    PutHead(kOtherPlace, kBits, 0);
+    PutEntries({5}, kOtherPlace);
     record_ = Add("record");
     record_.value_bytes = 1;  // its element looks like no free space, either
     file_ += "v";
-    Put(kBucket, record_);
+    Put(kBucketPlace, record_);
   }
 
   static constexpr Offset kList = sizeof(gdbm::Header);

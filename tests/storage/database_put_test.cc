@@ -1,6 +1,4 @@
 // Storing and deleting records: at once in the file, and what becomes of the cached value.
-#include <sys/mman.h>
-
 #include <climits>
 
 #include "tests/storage/database_test.h"
@@ -232,25 +230,6 @@ TEST_F(DatabasePut, AsManyBytesAsGdbmCanCountAreHandedToIt) {
   EXPECT_EQ(store_.Put(Datum("key"), *value.ptr), GDBM_FILE_WRITE_ERROR);
   EXPECT_EQ(gdbm.Count("store"), 1u);
 }
-
-#if UINTPTR_MAX > 0xffffffff
-// Addresses for so many bytes are only to be had where they are wide. The bytes are zeros, which
-// take no memory as long as nobody writes them.
-TEST_F(DatabasePut, AKeyOfMoreBytesThanGdbmCanCountIsRefused) {
-  constexpr std::uint32_t kBytes = 1u + INT_MAX;
-  void* const zeros =
-      mmap(nullptr, kBytes, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-  ASSERT_NE(zeros, MAP_FAILED);
-  DBDatum key(zeros, kBytes);
-  key.refs = 1;
-  GdbmWatch gdbm;
-  EXPECT_EQ(store_.Put(key, *Counted("value").ptr), GDBM_MALFORMED_DATA);
-  EXPECT_EQ(gdbm.Count("store"), 0u);
-  store_.Close();
-  EXPECT_EQ(key.refs, 1);
-  munmap(zeros, kBytes);
-}
-#endif
 
 TEST_F(DatabaseDel, RemovesFromCacheAndFile) {
   Put("key", "value");
