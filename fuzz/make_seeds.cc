@@ -201,6 +201,55 @@ void WriteDumpSeeds() {
   Write("dump_text", "own_last_line", "\0"s + first + "a\tb\nend 1 0000000000000000\n");
 }
 
+// ---- Damaged indexes ----
+
+// One of the records that the target puts into an index, its key chosen by number or spelled.
+std::string Put(unsigned key, const std::string& value) {
+  return static_cast<char>(key) + std::string(1, static_cast<char>(value.size())) + value;
+}
+
+std::string Spelled(const std::string& key, const std::string& value) {
+  return static_cast<char>(64 + key.size()) + key +
+         std::string(1, static_cast<char>(value.size())) + value;
+}
+
+std::string Change(unsigned place, unsigned byte) {
+  return Units({place}) + static_cast<char>(byte);
+}
+
+void WriteRepairSeeds() {
+  const std::string none(1, '\0');
+  for (const char index : {'\0', '\1', '\2', '\3'}) {
+    Write("repair", "sound_"s + static_cast<char>('0' + index), index + none);
+  }
+  Write("repair", "no_header", "\2"s + none + Change(0, 0) + Change(8, 255) + Change(16, 255));
+  Write("repair", "directory", "\2"s + none + Change(512, 0) + Change(513, 99) + Change(521, 7));
+  Write("repair", "cut", "\2"s + none + Change(65535, 70));
+  Write("repair", "bucket", "\0"s + none + Change(1024 + 104, 40) + Change(1024 + 140, 9));
+  // Keys by their numbers: 0 cat, 3 d-a, 5 and 6 names, 7 to 10 g-*, 11 a word list, 14 d-day.
+  Write("repair", "postings",
+        "\0\2"s + Put(0, Units({1, 9, 2, 2, 1, 1, 0, 1, 3}) + "x") +
+            Put(2, Units({1, 1, 0, 7, 1, 1})));
+  Write("repair", "documents",
+        "\0\3"s + Put(3, Units({1, 2, 2, 0})) + Put(5, "bb") + Put(13, Units({1, 1})));
+  Write("repair", "codes",
+        "\0\3"s + Put(7, Units({1})) + Put(8, Units({1, 5, 5, 0, 9})) +
+            Put(9, Units({4, 5, 2}) + "x"));
+  Write("repair", "options", "\1\1"s + Put(10, Units({4, 0, 1})));
+  Write("repair", "word_list",
+        "\0\1"s + Put(11,
+                      "red\x85"
+                      "dish\xc3\xa9"));
+  Write("repair", "hyphens",
+        "\1\4"s + Put(14, Units({1, 1, 9, 2})) + Put(15, Units({1, 2})) +
+            Put(16, Units({7, 1, 1})) + Put(17, "shirts"));
+  Write("repair", "names",
+        "\0\3"s + Spelled("d-n\n\xff", Units({1, 1, 7, 0})) + Put(12, "n\n\xff") +
+            Spelled("c-\1", "x"));
+  Write("repair", "last_position",
+        "\0\2"s + Put(0, Units({1, 2, 65535, 3})) + Put(1, Units({1, 3, 9, 2, 1})));
+}
+
 // ---- Index files ----
 
 std::string FileOf(const kestan_tests::TempDir& place) {
@@ -265,6 +314,7 @@ int main(int argc, char** argv) {
   WritePostingSeeds();
   WriteOperationSeeds();
   WriteDumpSeeds();
+  WriteRepairSeeds();
   WriteFileSeeds();
   return 0;
 }

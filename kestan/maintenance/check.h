@@ -25,7 +25,8 @@ struct CheckResult {
 // Bytes of the key that are no printable ASCII, and backslashes, are spelled \xHH. What is wrong
 // with the file itself has the key "index file" and comes last. Changes nothing, but makes `store`
 // flush. An empty `report` only counts. Where records cannot be read, what depends on all of them
-// is not judged.
+// is not judged. A file whose records have more bytes together than it has, as they do only where
+// they share them, is not read to the end, and its error is GDBM_BAD_HASH_TABLE.
 //   Returns  how much it found; -1 as the file's error if no file is open, which the store says.
 //   Cost     two walks over the file. Memory for the names of all documents, for 1,000 records
 //            and for 1 MiB of counts.

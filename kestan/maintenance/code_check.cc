@@ -10,16 +10,12 @@ std::string_view KeyBytes(const std::array<char, 2 + kUnitBytes>& key) {
   return {key.data(), key.size()};
 }
 
-bool IsOneOf(std::string_view key, std::string_view family) {
-  return key.substr(0, family.size()) == family;
-}
-
 void CheckLength(const IndexTables::OddRecord& record, Findings* findings) {
   const std::string_view key = record.key;
   const std::uint64_t bytes = record.bytes;
   if (key == kAvailableKey || key == kDeletedKey) {
     findings->Fault(key, "odd length: ", bytes, " bytes");
-  } else if (IsOneOf(key, kNameFamily)) {
+  } else if (IsOfFamily(key, kNameFamily)) {
     findings->Fault(key, "the key has ", std::uint64_t{key.size()}, " bytes instead of 4");
   } else {
     const std::uint64_t expected = key == kCounterKey   ? 2

@@ -9,7 +9,7 @@ namespace {
 class Resolver {
  public:
   Resolver(Vector<DocumentClaim> documents, const Vector<NameClaim>& names, const CodeSet& retired)
-      : claims_(std::move(documents)), name_of_(std::size_t{kMaxCode} + 1), retired_(retired) {
+      : claims_(std::move(documents)), name_of_(EndOfCodes(names)), retired_(retired) {
     std::sort(claims_.begin(), claims_.end(),
               [](const auto& left, const auto& right) { return left.name < right.name; });
     is_settled_.assign(claims_.size(), 0);
@@ -39,6 +39,10 @@ class Resolver {
  private:
   bool IsRetired(bool is_current, Code code) const { return !is_current && retired_[code]; }
 
+  const NameClaim* NameOf(Code code) const {
+    return code < name_of_.size() ? name_of_[code] : nullptr;
+  }
+
   void Add(std::size_t claim) {
     const DocumentClaim& document = claims_[claim];
     result_.documents.push_back({document.name, document.timestamp, document.code});
@@ -49,7 +53,7 @@ class Resolver {
   void TakeAgreed(std::size_t i) {
     const DocumentClaim& document = claims_[i];
     if (document.code == 0 || IsRetired(document.is_current, document.code)) return;
-    const NameClaim* const name = name_of_[document.code];
+    const NameClaim* const name = NameOf(document.code);
     if (name != nullptr && name->name == document.name) Add(i);
   }
 
@@ -69,7 +73,7 @@ class Resolver {
     const DocumentClaim& document = claims_[i];
     if (document.code == 0 || IsRetired(document.is_current, document.code)) return;
     if (is_used_[document.code] || IsNamedByOther(document)) return;
-    const NameClaim* const name = name_of_[document.code];
+    const NameClaim* const name = NameOf(document.code);
     if (name != nullptr && !(document.is_current && FindClaim(name->name) == claims_.size()))
       return;
     Add(i);
@@ -118,6 +122,12 @@ class Resolver {
 };
 
 }  // namespace
+
+std::size_t EndOfCodes(const Vector<NameClaim>& names) {
+  std::size_t end = 0;
+  for (const NameClaim& name : names) end = std::max(end, std::size_t{name.code} + 1);
+  return end;
+}
 
 RepairedDocuments RepairDocuments(Vector<DocumentClaim> documents, const Vector<NameClaim>& names,
                                   const CodeSet& retired) {

@@ -26,6 +26,9 @@ struct NameClaim {
   bool is_current = false;
 };
 
+// Returns the highest code of the claims plus 1.
+std::size_t EndOfCodes(const Vector<NameClaim>& names);
+
 struct RepairedDocument {
   std::string_view name;
   std::uint32_t timestamp = 0;

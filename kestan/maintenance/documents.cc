@@ -2,6 +2,7 @@
 #include <kestan/engine/records.h>
 #include <kestan/maintenance/documents.h>
 #include <kestan/maintenance/flush_cadence.h>
+#include <kestan/maintenance/size_guard.h>
 #include <kestan/storage/memory.h>
 
 #include <algorithm>
@@ -71,8 +72,10 @@ class Contents {
   // Two-byte keys are those of words, and of the empty name.
   int SortKeys(Database& store, Vector<String>* document_keys) {
     DBDatumPtr handle;
+    SizeGuard guard(store);
     for (int end = store.First(&handle); end == 0; end = store.Next(&handle)) {
       const std::string_view key(handle.ptr->data, handle.ptr->size);
+      if (const int error = guard.Count(key.size()); error != 0) return error;
       if (IsDocumentKey(key)) document_keys->emplace_back(key);
       if (key.size() <= 2 || !IsOfFamily(key)) words_.emplace_back(key);
     }

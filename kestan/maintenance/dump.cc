@@ -2,6 +2,7 @@
 #include <kestan/maintenance/crc64.h>
 #include <kestan/maintenance/dump.h>
 #include <kestan/maintenance/flush_cadence.h>
+#include <kestan/maintenance/size_guard.h>
 #include <kestan/storage/memory.h>
 
 #include <algorithm>
@@ -104,8 +105,11 @@ class DumpWriter {
 //   Returns  0 or gdbm's error number.
 int FindKeys(Database& store, Vector<String>* keys) {
   DBDatumPtr key;
-  int end = store.First(&key);
-  for (; end == 0; end = store.Next(&key)) keys->emplace_back(key.ptr->data, key.ptr->size);
+  SizeGuard guard(store);
+  for (int end = store.First(&key); end == 0; end = store.Next(&key)) {
+    if (const int error = guard.Count(key.ptr->size); error != 0) return error;
+    keys->emplace_back(key.ptr->data, key.ptr->size);
+  }
   std::sort(keys->begin(), keys->end());
   keys->erase(std::unique(keys->begin(), keys->end()), keys->end());
   return store.WalkError();
@@ -263,8 +267,10 @@ int DumpIndex(Database& store, const TakeLine& take) {
   if (const int error = FindKeys(store, &keys); error != 0) return error;
   DumpWriter writer(take);
   FlushCadence cadence(store);
+  SizeGuard guard(store);
   for (const String& key : keys) {
     if (const int error = store.Get(&value, AsDatum(key)); error != 0) return error;
+    if (const int error = guard.Count(key.size() + value.ptr->size); error != 0) return error;
     writer.Add(AsDatum(key), *value.ptr);
     const std::size_t bytes = key.size() + value.ptr->size;
     value.Free();

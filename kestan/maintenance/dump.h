@@ -18,7 +18,9 @@ inline constexpr std::size_t kMaxDumpLineBytes = std::size_t{1} << 20;
 // Changes that wait to be written are in it. Where a damaged file holds a key twice, the dump has
 // the value that look-ups find. Flushes the store now and then. What `take` throws passes through.
 //   Returns  0; -1 if no file is open, with no line given; or gdbm's number of an error that kept
-//            a record from being read. Then the dump lacks its end, and no one will load it.
+//            a record from being read, or GDBM_BAD_HASH_TABLE where records share their bytes, so
+//            that they have more than the file. Then the dump lacks its end, and no one will load
+//            it.
 //   Memory   all keys, the longest record, which gdbm holds once more, and some 20 MB.
 KESTAN_EXPORT int DumpIndex(Database& store, const TakeLine& take);
 

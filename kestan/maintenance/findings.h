@@ -16,9 +16,10 @@ namespace kestan {
 // One part of a line: a text, which it borrows, or a number.
 class LinePart {
  public:
-  LinePart(const char* text) : text_(text) {}    // NOLINT(google-explicit-constructor)
-  LinePart(const String& text) : text_(text) {}  // NOLINT(google-explicit-constructor)
-  LinePart(std::uint64_t number) {               // NOLINT(google-explicit-constructor)
+  LinePart(const char* text) : text_(text) {}       // NOLINT(google-explicit-constructor)
+  LinePart(std::string_view text) : text_(text) {}  // NOLINT(google-explicit-constructor)
+  LinePart(const String& text) : text_(text) {}     // NOLINT(google-explicit-constructor)
+  LinePart(std::uint64_t number) {                  // NOLINT(google-explicit-constructor)
     char* const end = digits_.data() + digits_.size();
     digit_count_ =
         static_cast<std::size_t>(std::to_chars(digits_.data(), end, number).ptr - digits_.data());

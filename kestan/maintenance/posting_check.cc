@@ -1,7 +1,7 @@
 #include <kestan/engine/keys.h>
-#include <kestan/engine/white_space.h>
 #include <kestan/maintenance/code_check.h>
 #include <kestan/maintenance/posting_check.h>
+#include <kestan/maintenance/word_list_repair.h>
 
 #include <algorithm>
 #include <limits>
@@ -18,11 +18,6 @@ bool IsFolded(std::string_view word) {
                      [](char byte) { return (static_cast<unsigned char>(byte) & kFoldBit) != 0; });
 }
 
-bool CanBeWord(std::string_view key) {
-  return !key.empty() && std::none_of(key.begin(), key.end(),
-                                      [](char byte) { return byte == '\0' || IsWhiteSpace(byte); });
-}
-
 }  // namespace
 
 PostingCheck::PostingCheck(const IndexTables& tables, Findings* findings)
@@ -32,10 +27,11 @@ PostingCheck::PostingCheck(const IndexTables& tables, Findings* findings)
       tallies_(kCodes),
       seen_in_(kCodes) {
   for (const Code code : tables.removed) known_.set(code);
+  for (const Code code : tables.reusable) reusable_.set(code);
 }
 
 void PostingCheck::Visit(const DBDatum& key, const DBDatum& value) {
-  switch (KindOf(key, &value, tables_.rules)) {
+  switch (tables_.KindOfRecord(key, value)) {
     case RecordKind::kPosting:
       return CheckPostings(key, value);
     case RecordKind::kWordList:
@@ -52,6 +48,7 @@ void PostingCheck::Visit(const DBDatum& key, const DBDatum& value) {
 
 void PostingCheck::CheckPostings(const DBDatum& key, const DBDatum& value) {
   const std::string_view word = BytesOf(key);
+  if (HasSystemKey(word) && !NoteHyphen(key, value)) return;
   if (!CanBeWord(word)) findings_.Note(word, "no word: it is empty or holds white space or a NUL");
   if (value.size == 0) ++unused_words_;
   if (value.size % kUnitBytes != 0) {
@@ -66,6 +63,24 @@ void PostingCheck::CheckPostings(const DBDatum& key, const DBDatum& value) {
   report(faults.repeated_codes, "entries of a code listed before");
   report(faults.without_positions, "entries without positions");
   report(faults.zero_positions, "positions of 0");
+}
+
+// Notes a word such as "e-mail". Positions that option flag 1 has left in its record make no sense
+// to anybody.
+//   Returns  whether there is something to be judged.
+bool PostingCheck::NoteHyphen(const DBDatum& key, const DBDatum& value) {
+  const std::string_view word = BytesOf(key);
+  if (value.size == 0) {
+    findings_.Note(word, "empty: that of a word with a hyphen, or of a lost document");
+    return false;
+  }
+  if (!tables_.rules.with_positions && !LooksLikePostings(value, tables_.rules)) {
+    findings_.Note(word, "a word with a hyphen, with positions that option flag 1 left");
+    CountFaults({key, value, true, IsFolded(word)});
+    return false;
+  }
+  findings_.Note(word, "the posting record of a word with a hyphen");
+  return true;
 }
 
 PostingCheck::Faults PostingCheck::CountFaults(const Record& record) {
@@ -94,6 +109,7 @@ bool PostingCheck::IsUnknown(const Record& record, Code code) const {
 void PostingCheck::CountPositions(const Record& record, const PostingEntry& entry, Faults* faults) {
   Tally& tally = tallies_[entry.code];
   tally.has_words = true;
+  if (!record.is_never_purged) tally.has_own_words = true;
   if (!tables_.rules.with_positions) return;
   if (entry.units >= 2 && UnitAt(record.value, entry.first_unit + 1) == 0) {
     ++faults->without_positions;
@@ -131,44 +147,30 @@ void PostingCheck::CheckEnd(const Record& record, const PostingEntry& last) {
                   " positions and has ", positions);
 }
 
-// A title, a summary, a user record, or what has a key like theirs. A word such as "t-shirt" has
-// one too, and takes the place of the text.
+// A title, a summary, a user record, or what has a key like theirs. Codes alone may look like a
+// text of few bytes; then nobody can say that a document has no words.
 void PostingCheck::CheckText(const DBDatum& key, const DBDatum& value) {
   const std::string_view bytes = BytesOf(key);
-  const bool is_word = CanBeWord(bytes) && LooksLikePostings(value, tables_.rules);
-  if (is_word) CountFaults({key, value, true, IsFolded(bytes)});
-  if (KindOf(key, &value, tables_.rules) == RecordKind::kOther) {
-    findings_.Note(bytes, is_word ? "the posting record of a word with a hyphen"
-                                  : "no record of the engine has such a key");
+  if (CanBeWord(bytes) && LooksLikePostings(value, tables_.rules)) {
+    CountFaults({key, value, true, IsFolded(bytes)});
+  }
+  if (tables_.KindOfRecord(key, value) == RecordKind::kOther) {
+    findings_.Note(bytes, "no record of the engine has such a key");
   } else if (!tables_.IsIncomplete() && tables_.FindDocument(bytes.substr(2)) == nullptr) {
-    findings_.Note(bytes, is_word ? "the posting record of a word with a hyphen"
-                                  : "its document is not in the index");
+    findings_.Note(bytes, "its document is not in the index");
   }
 }
 
-// The first word shares nothing, and no word more than the one before has.
 void PostingCheck::CheckWordList(const DBDatum& key, const DBDatum& value) {
-  constexpr unsigned kMark = 0x80;
-  std::size_t previous = 0;
-  std::size_t length = 0;
-  std::uint64_t faults = 0;
-  const std::string_view list = BytesOf(value);
-  for (const char byte : list) {
-    const unsigned number = static_cast<unsigned char>(byte);
-    if (number < kMark) {
-      ++length;
-      continue;
-    }
-    previous = length;
-    length = number - kMark;
-    if (length > previous) ++faults;
-  }
   const std::string_view name = BytesOf(key);
-  if (!list.empty() && static_cast<unsigned char>(list.front()) < kMark) {
-    findings_.Fault(name, "the list does not begin with a word");
+  const WordListFaults faults = ReadWordList(BytesOf(value), nullptr);
+  if (faults.lacks_first_word) findings_.Fault(name, "the list does not begin with a word");
+  if (faults.shared_too_much != 0) {
+    findings_.Fault(
+        name, "words that share more bytes than the word before has: ", faults.shared_too_much);
   }
-  if (faults != 0) {
-    findings_.Fault(name, "words that share more bytes than the word before has: ", faults);
+  if (faults.has_high_bytes) {
+    findings_.Note(name, "bytes above 127 in words, which do not come back as they went in");
   }
 }
 
@@ -188,8 +190,11 @@ void PostingCheck::CheckDocuments() {
 void PostingCheck::CheckDocument(const IndexTables::Document& document) {
   const Tally& tally = tallies_[document.code];
   const String key = ItemKey(kDocumentFamily, document.name);
-  if (!tally.has_words)
+  // What a letter has may be an earlier document's whose code was being used again.
+  const bool is_bare = !tally.has_own_words && reusable_[document.code];
+  if (!tally.has_words || is_bare) {
     return findings_.Note(key, "no words: an empty text, or left half-written?");
+  }
   if (tally.wraps) return;
   if (tally.descends) findings_.Fault(key, "positions of a word do not ascend");
   const std::uint64_t highest = tally.highest;

@@ -34,6 +34,7 @@ class PostingCheck {
     std::uint32_t doubtful = 0;  // positions in records that may be those of an earlier document
     Position highest = 0;        // without the doubtful ones
     bool has_words = false;
+    bool has_own_words = false;  // in other records than the doubtful ones
     bool descends = false;  // some positions do not ascend, as where they wrap after 65535
     bool wraps = false;     // the last position is taken, even if by a doubtful record
   };
@@ -55,6 +56,7 @@ class PostingCheck {
   };
 
   void CheckPostings(const DBDatum& key, const DBDatum& value);
+  bool NoteHyphen(const DBDatum& key, const DBDatum& value);
   void CheckEnd(const Record& record, const PostingEntry& last);
   Faults CountFaults(const Record& record);
   void CountPositions(const Record& record, const PostingEntry& entry, Faults* faults);
@@ -66,6 +68,7 @@ class PostingCheck {
   const IndexTables& tables_;
   Findings& findings_;
   CodeSet known_;                  // in use, or awaiting a shrink
+  CodeSet reusable_;
   Vector<Tally> tallies_;          // by code
   Vector<std::uint32_t> seen_in_;  // by code: the number of the record that it was met in last
   std::uint32_t record_number_ = 0;

@@ -12,33 +12,34 @@ std::size_t EndOf(const WholeEntry& entry) { return entry.first_unit + entry.uni
 
 }  // namespace
 
-bool PostingRepair::Read(const DBDatum& record) {
-  if (ReadsWhole(record)) return true;
+bool PostingRepair::Read(const DBDatum& record, bool may_be_old) {
+  if (ReadsWhole(record, may_be_old)) return true;
   const std::size_t sound_units = entries_.empty() ? 0 : EndOf(entries_.back());
   ReadAround(record, sound_units);
   return false;
 }
 
 // Stops at the first entry that makes no sense.
-bool PostingRepair::ReadsWhole(const DBDatum& record) {
+bool PostingRepair::ReadsWhole(const DBDatum& record, bool may_be_old) {
   const std::size_t smallest_units = rules_.with_positions ? kEntryHeadUnits + 1 : 1;
   entries_.clear();
   entries_.reserve(record.size / kUnitBytes / smallest_units);
   PostingReader reader(record, rules_.with_positions);
   PostingEntry entry;
   while (reader.Next(&entry)) {
-    if (!IsSound(record, entry)) return false;
+    if (!IsSound(record, entry, may_be_old)) return false;
     entries_.push_back({static_cast<std::uint32_t>(entry.first_unit), entry.code, entry.positions});
   }
   return record.size % kUnitBytes == 0;
 }
 
-bool PostingRepair::IsSound(const DBDatum& record, const PostingEntry& entry) const {
+bool PostingRepair::IsSound(const DBDatum& record, const PostingEntry& entry,
+                            bool may_be_old) const {
   if (!IsPossible(entry.code)) return false;
   if (!rules_.with_positions) return true;
   const std::size_t first = entry.first_unit + kEntryHeadUnits;
   if (entry.positions == 0 || UnitAt(record, first - 1) != entry.positions) return false;
-  return IsAscending(record, first, entry.positions, wrapping_[entry.code]);
+  return IsAscending(record, first, entry.positions, may_be_old || wrapping_[entry.code]);
 }
 
 bool PostingRepair::IsAscending(const DBDatum& record, std::size_t first, std::size_t count,

@@ -35,12 +35,13 @@ class PostingRepair {
   PostingRepair(const PostingRules& rules, const CodeSet& wrapping)
       : rules_(rules), wrapping_(wrapping) {}
 
-  // Finds the entries of `record`.
+  // Finds the entries of `record`. Where it `may_be_old`, it is one that no shrink purges: an entry
+  // may be that of an earlier document of more than 65535 words, with the same code.
   //   Returns  whether the record is nothing but whole entries.
-  bool Read(const DBDatum& record);
+  bool Read(const DBDatum& record, bool may_be_old = false);
 
   // Tells whether the record is that; if it is not, what is found means nothing.
-  bool ReadsWhole(const DBDatum& record);
+  bool ReadsWhole(const DBDatum& record, bool may_be_old = false);
 
   // What was found, in the order of the record.
   const Vector<WholeEntry>& entries() const { return entries_; }
@@ -56,7 +57,7 @@ class PostingRepair {
   }
 
  private:
-  bool IsSound(const DBDatum& record, const PostingEntry& entry) const;
+  bool IsSound(const DBDatum& record, const PostingEntry& entry, bool may_be_old) const;
   void ReadAround(const DBDatum& record, std::size_t from);
   bool IsPossible(Code code) const { return code != 0 && code <= rules_.highest; }
   std::size_t UnitsAt(const DBDatum& record, std::size_t unit) const;

@@ -1,6 +1,8 @@
 #include <kestan/engine/keys.h>
+#include <kestan/engine/white_space.h>
 #include <kestan/maintenance/record_kind.h>
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -34,14 +36,63 @@ bool LooksLikeDocument(const DBDatum& value) {
   return value.size == kDocumentRecordBytes && UnitAt(value, 3) == 0;
 }
 
+bool HasNul(const DBDatum& value) { return BytesOf(value).find('\0') != std::string_view::npos; }
+
+// With positions, the shape says enough without the counter, which may be what is damaged.
+bool IsShapedLikePostings(const DBDatum& value, const PostingRules& rules) {
+  if (rules.with_positions) return LooksLikePostings(value, {true, kMaxCode});
+  return LooksLikePostings(value, rules) || LooksLikeMixedPostings(value);
+}
+
+// Tells whether the record, which is shaped like postings, can be what its family says all the
+// same.
+bool CanBeOfFamily(RecordKind family, std::string_view key, const DBDatum& value,
+                   const PostingRules& rules) {
+  constexpr std::uint32_t kNameKeyBytes = 2 + kUnitBytes;
+  switch (family) {
+    case RecordKind::kDocument:
+      return LooksLikeDocument(value);
+    case RecordKind::kName:
+      return key.size() == kNameKeyBytes && !HasNul(value) &&
+             UnitAt(AsDatum(key), 1) <= rules.highest;
+    case RecordKind::kWordList:
+      return !HasNul(value) && (value.data[0] & 0x80) != 0;
+    case RecordKind::kOther:
+      return false;
+    default:
+      return !HasNul(value);
+  }
+}
+
+// No name has the key "c-". A damaged document record with the key "d-" is taken for postings.
 RecordKind KindOfTwoBytes(std::string_view key, const DBDatum* value, const PostingRules& rules) {
   const RecordKind family = Find(kFamilies, key);
   if (family == RecordKind::kOther || family == RecordKind::kName || value == nullptr) {
     return RecordKind::kPosting;
   }
-  const bool is_family = family == RecordKind::kDocument ? LooksLikeDocument(*value)
-                                                         : !LooksLikePostings(*value, rules);
-  return is_family ? family : RecordKind::kPosting;
+  const bool is_document = family == RecordKind::kDocument;
+  if (!is_document && !IsShapedLikePostings(*value, rules)) return family;
+  return CanBeOfFamily(family, key, *value, rules) ? family : RecordKind::kPosting;
+}
+
+// Tells a damaged posting record, of which mostly the first entry makes sense, from a host's own
+// text.
+bool BeginsLikePostings(const DBDatum& value, const PostingRules& rules) {
+  if (!rules.with_positions || !HasNul(value)) return false;
+  PostingReader reader(value, true);
+  PostingEntry first{};
+  if (!reader.Next(&first) || first.positions == 0) return false;
+  return first.code != 0 && first.code <= rules.highest;
+}
+
+RecordKind KindOfFamily(std::string_view key, const DBDatum& value, const PostingRules& rules) {
+  const RecordKind family = Find(kFamilies, key.substr(0, 2));
+  if (!CanBeWord(key)) return family;
+  if (IsShapedLikePostings(value, rules)) {
+    return CanBeOfFamily(family, key, value, rules) ? family : RecordKind::kPosting;
+  }
+  const bool is_damaged_word = family == RecordKind::kOther && BeginsLikePostings(value, rules);
+  return is_damaged_word ? RecordKind::kPosting : family;
 }
 
 }  // namespace
@@ -72,12 +123,29 @@ bool LooksLikePostings(const DBDatum& value, const PostingRules& rules) {
   return true;
 }
 
+bool LooksLikeMixedPostings(const DBDatum& value) {
+  constexpr std::size_t kSmallestEntryUnits = 3;
+  const std::size_t units = value.size / kUnitBytes;
+  if (value.size % kUnitBytes != 0 || units < kSmallestEntryUnits) return false;
+  for (std::size_t unit = 0; unit < units; ++unit) {
+    if (UnitAt(value, unit) == 0) return false;
+  }
+  return UnitAt(value, 1) <= units - 2;
+}
+
+bool CanBeWord(std::string_view key) {
+  return !key.empty() && std::none_of(key.begin(), key.end(),
+                                      [](char byte) { return byte == '\0' || IsWhiteSpace(byte); });
+}
+
 RecordKind KindOf(const DBDatum& key, const DBDatum* value, const PostingRules& rules) {
   const std::string_view bytes = BytesOf(key);
   if (bytes.size() < 2 || bytes[1] != '-') return RecordKind::kPosting;
   if (bytes.size() == 2) return KindOfTwoBytes(bytes, value, rules);
   const RecordKind single = Find(kSingleRecords, bytes);
-  return single != RecordKind::kOther ? single : Find(kFamilies, bytes.substr(0, 2));
+  if (single != RecordKind::kOther) return single;
+  return value == nullptr ? Find(kFamilies, bytes.substr(0, 2))
+                          : KindOfFamily(bytes, *value, rules);
 }
 
 }  // namespace kestan

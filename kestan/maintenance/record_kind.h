@@ -40,9 +40,29 @@ PostingRules ReadPostingRules(Database& store);
 // positions are kept.
 bool LooksLikePostings(const DBDatum& value, const PostingRules& rules);
 
-// Tells what the record is. Keys of two bytes such as "t-" belong to a word as well as to the title
-// of the document with the empty name: the value decides. `value` may be null if it is unreadable.
+// Tells whether the record can be a whole entry with positions, more of them, and then codes alone.
+// Option flag 1 takes the positions out of no word such as "e-mail", whose key looks like that of a
+// system record, and entries that come later have none.
+bool LooksLikeMixedPostings(const DBDatum& value);
+
+// Tells whether documents can hold such a word: it is not empty, and has no white space and no NUL.
+bool CanBeWord(std::string_view key);
+
+// Tells what the record is. `value` may be null if it is unreadable.
+//
+// Keys of two bytes such as "t-" belong to a word as well as to the title of the document with the
+// empty name, and "d-day" or "c-section" are words too: the value decides. A posting record has
+// another shape than a document record, and NULs, which no other text has that the engine stores.
+// Where neither tells, or the value is empty, the record is that of a document, a name or a text.
 RecordKind KindOf(const DBDatum& key, const DBDatum* value, const PostingRules& rules);
+
+// Tells whether the key begins with `family`.
+inline bool IsOfFamily(std::string_view key, std::string_view family) {
+  return key.substr(0, family.size()) == family;
+}
+
+// Tells whether the key of a posting record looks like that of a system record.
+inline bool HasSystemKey(std::string_view word) { return word.size() > 2 && word[1] == '-'; }
 
 // Tells whether a shrink leaves the entries of removed documents in the posting record of `key`,
 // so that it may list a code that is free, or one code more than once.

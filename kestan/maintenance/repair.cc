@@ -4,6 +4,7 @@
 #include <kestan/maintenance/repair_plan.h>
 #include <kestan/maintenance/repair_report.h>
 #include <kestan/maintenance/salvage.h>
+#include <kestan/maintenance/word_list_repair.h>
 #include <kestan/storage/database.h>
 #include <unistd.h>
 
@@ -46,12 +47,17 @@ class RepairWriter {
 
   void WriteRecord(const SalvagedRecord& record) {
     const std::string_view key = salvage_.KeyOf(record);
-    switch (plan_.StepOf(record)) {
+    const RepairStep step = plan_.StepOf(record);
+    if (record.is_cut && (step == RepairStep::kCopy || step == RepairStep::kWordList)) {
+      report_.Say({"note: ", Escaped(key), ": cut where the next record is"});
+    }
+    switch (step) {
       case RepairStep::kCopy:
-        if (record.is_cut) report_.Say({"note: ", Escaped(key), ": cut where the next record is"});
         return Put(key, salvage_.ValueOf(record));
       case RepairStep::kPostings:
         return WritePostings(record);
+      case RepairStep::kWordList:
+        return WriteWordList(record);
       case RepairStep::kRewrite:
         return;
       case RepairStep::kDrop:
@@ -78,6 +84,16 @@ class RepairWriter {
       kept += value.substr(std::size_t{entry.first_unit} * kUnitBytes, entry.units() * kUnitBytes);
     }
     Put(key, kept);
+  }
+
+  void WriteWordList(const SalvagedRecord& record) {
+    const std::string_view key = salvage_.KeyOf(record);
+    const std::string_view value = salvage_.ValueOf(record);
+    if (!ReadWordList(value, nullptr).IsAny()) return Put(key, value);
+    String mended;
+    ReadWordList(value, &mended);
+    report_.Say({"note: ", Escaped(key), ": damaged, words may be wrong"});
+    Put(key, mended);
   }
 
   void WriteDocuments() {

@@ -30,6 +30,8 @@ struct RepairResult {
 //   one code, the code's name record decides.
 // - Posting records keep their whole entries. Codes that only postings hold become removed codes,
 //   so that a shrink purges them before they are used again; codes that nothing holds, reusable.
+// - A record such as that of "d-day" is a word's if it has the shape of postings and no name record
+//   names a document "day". Word lists that make no sense keep their words, cut to what is there.
 // - Lost option flags are taken from the look of the posting records.
 //
 // Hands lines to `report`, which may be empty:

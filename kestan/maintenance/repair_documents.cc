@@ -10,10 +10,13 @@ std::uint64_t MissingPositions(std::uint64_t highest, std::uint64_t recorded) {
 
 }  // namespace
 
-// Added after the last flush, whose words had still to be written.
+// Flushes write the counter and the list of reusable codes.
+bool RepairPlan::IsYoungerThanFlush(Code code) const {
+  return retired_[code] || (found_counter_ && code > DecodeCounter(*found_counter_));
+}
+
 bool RepairPlan::IsUnfinished(const RepairedDocument& document) const {
-  if (!is_damaged_ || retired_[document.code]) return true;
-  return found_counter_ && document.code > DecodeCounter(*found_counter_);
+  return !is_damaged_ || IsYoungerThanFlush(document.code);
 }
 
 void RepairPlan::ReportDocuments(RepairResult* result) const {
@@ -23,7 +26,8 @@ void RepairPlan::ReportDocuments(RepairResult* result) const {
     const std::uint64_t missing =
         MissingPositions(highest, std::uint64_t{tally.positions} + tally.doubtful);
     const String name = Escaped(document.name);
-    if (!tally.has_words) {
+    const bool is_bare = !tally.has_own_words && IsYoungerThanFlush(document.code);
+    if (!tally.has_words || is_bare) {
       ++result->half_written;
       report_.Say({"half-written: ", name, ": no words"});
     } else if (missing == 0) {
@@ -42,7 +46,7 @@ void RepairPlan::ReportDocuments(RepairResult* result) const {
     ++result->lost;
     report_.Say({"lost: ", Escaped(lost.name), ": ", lost.reason});
   }
-  for (std::size_t code = 1; code < orphans_.size(); ++code) {
+  for (std::size_t code = 1; code < end_code_; ++code) {
     if (!orphans_[code]) continue;
     ++result->lost;
     report_.Say({"lost: code ", std::uint64_t{code}, ": only words of the document are left"});

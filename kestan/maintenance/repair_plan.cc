@@ -8,7 +8,6 @@ namespace {
 
 constexpr std::size_t kCodes = std::size_t{kMaxCode} + 1;
 constexpr Position kMaxPosition = kMaxCode;
-constexpr std::uint32_t kNameKeyBytes = 2 + kUnitBytes;
 constexpr std::uint32_t kOptionsBytes = 4;
 
 bool IsFolded(std::string_view word) {
@@ -17,33 +16,33 @@ bool IsFolded(std::string_view word) {
                      [](char byte) { return (static_cast<unsigned char>(byte) & kFoldBit) != 0; });
 }
 
-// The engine's document record, or the record of a word such as "d-day".
-bool IsHyphenWord(const DBDatum& value, const PostingRules& rules) {
-  const bool is_document = value.size == kDocumentRecordBytes && UnitAt(value, 3) == 0;
-  return !is_document && LooksLikePostings(value, rules);
-}
-
 std::uint32_t PlaceOf(Code code, Position position) { return std::uint32_t{code} << 16 | position; }
-
-bool IsPossibleName(std::string_view name) { return name.find('\0') == std::string_view::npos; }
 
 }  // namespace
 
 RepairPlan::RepairPlan(const Salvage& salvage, RepairReport* report)
-    : salvage_(salvage), report_(*report), tallies_(kCodes), seen_in_(kCodes) {
+    : salvage_(salvage), report_(*report), seen_in_(kCodes) {
   is_damaged_ = salvage.damage().IsAny();
   FindSingleRecords();
   ChooseOptions();
+  DecideSteps();
   FindWrapping();
   CollectClaims();
   FindHighestCode();
   TakeCodes(found_reusable_, &retired_);
   TakeCodes(found_removed_, &retired_);
   documents_ = RepairDocuments(std::move(document_claims_), name_claims_, retired_);
-  for (const RepairedDocument& document : documents_.documents) in_use_.set(document.code);
+  end_code_ = std::size_t{rules_.highest} + 1;
+  for (const RepairedDocument& document : documents_.documents) {
+    in_use_.set(document.code);
+    end_code_ = std::max(end_code_, std::size_t{document.code} + 1);
+  }
+  tallies_.resize(end_code_);
+  DropWordsInTheWay();
   TallyPostings();
   FindContradictions();
   ListCodes();
+  FindDamagedWords();
 }
 
 DBDatum RepairPlan::KeyOf(const SalvagedRecord& record) const {
@@ -52,11 +51,6 @@ DBDatum RepairPlan::KeyOf(const SalvagedRecord& record) const {
 
 DBDatum RepairPlan::ValueOf(const SalvagedRecord& record) const {
   return AsDatum(salvage_.ValueOf(record));
-}
-
-RecordKind RepairPlan::KindOf(const SalvagedRecord& record) const {
-  const DBDatum value = ValueOf(record);
-  return kestan::KindOf(KeyOf(record), &value, rules_);
 }
 
 void RepairPlan::FindSingleRecords() {
@@ -68,8 +62,17 @@ void RepairPlan::FindSingleRecords() {
     if (key == kDeletedKey) found_removed_ = ValueOf(record);
     if (key == kOptionsKey) found_options_ = ValueOf(record);
   }
-  if (found_counter_ && found_counter_->size != kUnitBytes) found_counter_.reset();
-  if (found_options_ && found_options_->size != kOptionsBytes) found_options_.reset();
+  KeepFirstBytes(kCounterKey, kUnitBytes, &found_counter_);
+  KeepFirstBytes(kOptionsKey, kOptionsBytes, &found_options_);
+}
+
+// A word with the key of the record has grown it at its end. What is too short is lost.
+void RepairPlan::KeepFirstBytes(std::string_view key, std::uint32_t bytes, Record* record) {
+  if (!*record || (*record)->size == bytes) return;
+  if ((*record)->size < bytes) return record->reset();
+  report_.Say({"note: ", key, ": ", std::uint64_t{(*record)->size}, " bytes, of which the first ",
+               std::uint64_t{bytes}, " are kept"});
+  *record = DBDatum((*record)->data, bytes);
 }
 
 // What flag 1 says is believed unless nearly every posting record says otherwise. A record with
@@ -123,7 +126,7 @@ bool RepairPlan::AreDistinctCodes(const DBDatum& value) {
 void RepairPlan::FindWrapping() {
   if (!rules_.with_positions) return;
   for (const SalvagedRecord& record : salvage_.records()) {
-    if (KindOf(record) != RecordKind::kPosting) continue;
+    if (StepOf(record) != RepairStep::kPostings) continue;
     const DBDatum value = ValueOf(record);
     if (!LooksLikePostings(value, rules_)) continue;
     PostingReader reader(value, true);
@@ -139,9 +142,9 @@ void RepairPlan::FindWrapping() {
 void RepairPlan::CollectClaims() {
   for (const SalvagedRecord& record : salvage_.records()) {
     if (StepOf(record) != RepairStep::kRewrite) continue;
-    const RecordKind kind = KindOf(record);
-    if (kind == RecordKind::kDocument) AddDocumentClaim(record);
-    if (kind != RecordKind::kName) continue;
+    const std::string_view key = salvage_.KeyOf(record);
+    if (IsOfFamily(key, kDocumentFamily)) AddDocumentClaim(record);
+    if (!IsOfFamily(key, kNameFamily)) continue;
     name_claims_.push_back({salvage_.ValueOf(record), UnitAt(KeyOf(record), 1), record.is_current});
   }
 }
@@ -158,11 +161,11 @@ void RepairPlan::AddDocumentClaim(const SalvagedRecord& record) {
 // the last flush; where it is lost, everything that names a code says how far it went.
 void RepairPlan::FindHighestCode() {
   Code highest = found_counter_ ? DecodeCounter(*found_counter_) : HighestCodeSeen();
-  Vector<std::string_view> names(kCodes);
-  for (const NameClaim& name : name_claims_) names[name.code] = name.name;
+  Vector<const NameClaim*> names(EndOfCodes(name_claims_));
+  for (const NameClaim& name : name_claims_) names[name.code] = &name;
   for (const DocumentClaim& claim : document_claims_) {
-    const std::string_view name = names[claim.code];
-    if (name.data() != nullptr && name == claim.name) highest = std::max(highest, claim.code);
+    const NameClaim* const name = claim.code < names.size() ? names[claim.code] : nullptr;
+    if (name != nullptr && name->name == claim.name) highest = std::max(highest, claim.code);
   }
   rules_.highest = highest;
 }
@@ -178,7 +181,8 @@ Code RepairPlan::HighestCodeSeen() {
     }
   }
   for (const SalvagedRecord& record : salvage_.records()) {
-    if (KindOf(record) != RecordKind::kPosting || !postings_.ReadsWhole(ValueOf(record))) continue;
+    if (StepOf(record) != RepairStep::kPostings) continue;
+    if (!postings_.ReadsWhole(ValueOf(record), IsNeverPurged(KeyOf(record)))) continue;
     for (const WholeEntry& entry : postings_.entries()) highest = std::max(highest, entry.code);
   }
   return highest;
@@ -188,28 +192,6 @@ void RepairPlan::TakeCodes(const Record& list, CodeSet* codes) const {
   for (std::size_t i = 0; list && i < CountCodes(*list); ++i) {
     const Code code = CodeAt(*list, i);
     if (code != 0 && code <= rules_.highest) codes->set(code);
-  }
-}
-
-RepairStep RepairPlan::StepOf(const SalvagedRecord& record) const {
-  const DBDatum value = ValueOf(record);
-  switch (KindOf(record)) {
-    case RecordKind::kPosting:
-      return RepairStep::kPostings;
-    case RecordKind::kDocument:
-      return IsHyphenWord(value, rules_) ? RepairStep::kCopy : RepairStep::kRewrite;
-    case RecordKind::kName:
-      if (record.key_bytes == kNameKeyBytes && IsPossibleName(salvage_.ValueOf(record))) {
-        return RepairStep::kRewrite;
-      }
-      return LooksLikePostings(value, rules_) ? RepairStep::kCopy : RepairStep::kDrop;
-    case RecordKind::kCounter:
-    case RecordKind::kReusableCodes:
-    case RecordKind::kRemovedCodes:
-    case RecordKind::kOptions:
-      return RepairStep::kRewrite;
-    default:
-      return RepairStep::kCopy;
   }
 }
 
@@ -237,7 +219,7 @@ bool RepairPlan::TakesPlaces(const DBDatum& value, const WholeEntry& entry, bool
 
 const Vector<WholeEntry>& RepairPlan::KeptEntries(const SalvagedRecord& record, bool* all) {
   const DBDatum value = ValueOf(record);
-  *all = postings_.Read(value);
+  *all = postings_.Read(value, IsNeverPurged(KeyOf(record)));
   const bool is_doubted = !*all || !record.is_current;
   const bool is_never_purged = IsNeverPurged(KeyOf(record));
   const bool has_places = !is_never_purged && IsFolded(salvage_.KeyOf(record));
@@ -264,9 +246,20 @@ void RepairPlan::TallyPostings() {
       if (!all) is_damaged_ = true;
       TallyRecord(salvage_.KeyOf(record), value, entries, IsNeverPurged(KeyOf(record)));
     } else if (step == RepairStep::kCopy && LooksLikePostings(value, rules_) &&
-               postings_.Read(value)) {
+               postings_.Read(value, true)) {
       TallyRecord(salvage_.KeyOf(record), value, postings_.entries(), true);
+    } else if (step == RepairStep::kCopy && HasSystemKey(salvage_.KeyOf(record))) {
+      TallyMixed(value);
     }
+  }
+}
+
+// Which units are codes nobody knows. A document that may have words is not said to have none.
+void RepairPlan::TallyMixed(const DBDatum& value) {
+  if (rules_.with_positions || !LooksLikeMixedPostings(value)) return;
+  for (std::size_t i = 0; i < CountCodes(value); ++i) {
+    const Code code = CodeAt(value, i);
+    if (code < end_code_) tallies_[code].has_words = true;
   }
 }
 
@@ -276,7 +269,10 @@ void RepairPlan::TallyRecord(std::string_view key, const DBDatum& value,
   for (const WholeEntry& entry : entries) {
     Tally& tally = tallies_[entry.code];
     tally.has_words = true;
-    if (!is_doubtful) posted_.set(entry.code);
+    if (!is_doubtful) {
+      posted_.set(entry.code);
+      tally.has_own_words = true;
+    }
     if (is_folded) (is_doubtful ? tally.doubtful : tally.positions) += entry.positions;
     for (std::size_t i = entry.units() - entry.positions; !is_doubtful && i < entry.units(); ++i) {
       tally.highest = std::max(tally.highest, UnitAt(value, entry.first_unit + i));
@@ -287,7 +283,7 @@ void RepairPlan::TallyRecord(std::string_view key, const DBDatum& value,
 // An entry whose code is damaged gives another document more words than it has places.
 void RepairPlan::FindContradictions() {
   CodeSet found;
-  for (std::size_t code = 1; code < kCodes; ++code) {
+  for (std::size_t code = 1; code < end_code_; ++code) {
     const Tally& tally = tallies_[code];
     if (!wrapping_.test(code) && tally.positions > tally.highest) found.set(code);
   }
@@ -328,7 +324,7 @@ void RepairPlan::ListCodes() {
     const Code code = CodeAt(*found_removed_, i);
     if (retired_[code]) add(code, &removed_);
   }
-  for (std::size_t code = 1; code < kCodes; ++code) {
+  for (std::size_t code = 1; code < end_code_; ++code) {
     if (posted_[code] && !listed[code]) orphans_.set(code);
     if (posted_[code]) add(static_cast<Code>(code), &removed_);
   }
@@ -336,7 +332,7 @@ void RepairPlan::ListCodes() {
     const Code code = CodeAt(*found_reusable_, i);
     if (retired_[code]) add(code, &reusable_);
   }
-  for (std::size_t code = 1; code < kCodes; ++code) {
+  for (std::size_t code = 1; code < end_code_; ++code) {
     if (listed[code]) counter_ = static_cast<Code>(code);
   }
   for (Code code = 1; code < counter_; ++code) add(code, &reusable_);

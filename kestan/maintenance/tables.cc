@@ -10,6 +10,12 @@ namespace {
 constexpr std::uint32_t kNameKeyBytes = 2 + kUnitBytes;
 constexpr std::uint32_t kOptionsBytes = 4;
 
+// A word, or a document whose record is damaged.
+bool IsUndecided(const DBDatum& key, const DBDatum& value, RecordKind kind) {
+  if (!HasSystemKey(BytesOf(key)) || !IsOfFamily(BytesOf(key), kDocumentFamily)) return false;
+  return kind == RecordKind::kPosting || (value.size == 0 && CanBeWord(BytesOf(key)));
+}
+
 class TableBuilder {
  public:
   explicit TableBuilder(IndexTables* tables) : tables_(*tables) {}
@@ -18,12 +24,15 @@ class TableBuilder {
     if (value == nullptr) {
       tables_.unreadable.emplace_back(BytesOf(key));
     } else {
-      Add(key, *value, KindOf(key, value, tables_.rules));
+      const RecordKind kind = KindOf(key, value, tables_.rules);
+      if (IsUndecided(key, *value, kind)) return undecided_.push_back(DocumentOf(key, *value));
+      Add(key, *value, kind);
     }
   }
 
   // A walk that goes in circles comes to a record more than once.
-  void Sort() {
+  void Finish() {
+    Decide();
     auto& documents = tables_.documents;
     auto& names = tables_.names;
     std::sort(documents.begin(), documents.end(),
@@ -44,7 +53,7 @@ class TableBuilder {
   void Add(const DBDatum& key, const DBDatum& value, RecordKind kind) {
     switch (kind) {
       case RecordKind::kDocument:
-        return AddDocument(key, value);
+        return AddDocument(DocumentOf(key, value));
       case RecordKind::kName:
         return AddName(key, value);
       case RecordKind::kCounter:
@@ -65,12 +74,32 @@ class TableBuilder {
     }
   }
 
-  void AddDocument(const DBDatum& key, const DBDatum& value) {
+  // Adds those that a name record names.
+  void Decide() {
+    if (undecided_.empty()) return;
+    Vector<std::string_view> names;
+    for (const IndexTables::Name& name : tables_.names) names.push_back(name.name);
+    std::sort(names.begin(), names.end());
+    for (IndexTables::Document& document : undecided_) {
+      if (std::binary_search(names.begin(), names.end(), std::string_view(document.name))) {
+        AddDocument(std::move(document));
+      }
+    }
+  }
+
+  static IndexTables::Document DocumentOf(const DBDatum& key, const DBDatum& value) {
     IndexTables::Document document;
     document.name = BytesOf(key).substr(kDocumentFamily.size());
+    document.bytes = value.size;
     document.code = DocumentCode(value);
     document.has_rest = value.size >= kDocumentRecordBytes && UnitAt(value, 3) != 0;
-    NoteOdd(key, value, value.size != kDocumentRecordBytes);
+    return document;
+  }
+
+  void AddDocument(IndexTables::Document document) {
+    if (document.bytes != kDocumentRecordBytes) {
+      tables_.odd.push_back({ItemKey(kDocumentFamily, document.name), document.bytes});
+    }
     tables_.documents.push_back(std::move(document));
   }
 
@@ -102,6 +131,7 @@ class TableBuilder {
   }
 
   IndexTables& tables_;
+  Vector<IndexTables::Document> undecided_;
 };
 
 }  // namespace
@@ -120,6 +150,13 @@ const IndexTables::Name* IndexTables::FindName(Code code) const {
   return found != names.end() && found->code == code ? &*found : nullptr;
 }
 
+RecordKind IndexTables::KindOfRecord(const DBDatum& key, const DBDatum& value) const {
+  const RecordKind kind = KindOf(key, &value, rules);
+  if (!IsUndecided(key, value, kind)) return kind;
+  const bool is_document = FindDocument(BytesOf(key).substr(kDocumentFamily.size())) != nullptr;
+  return is_document ? RecordKind::kDocument : RecordKind::kPosting;
+}
+
 IndexTables ReadTables(Database& store) {
   IndexTables tables;
   store.Flush();
@@ -127,7 +164,7 @@ IndexTables ReadTables(Database& store) {
   TableBuilder builder(&tables);
   tables.walk_error = ForEachRecord(
       store, [&](const DBDatum& key, const DBDatum* value, int) { builder.Visit(key, value); });
-  builder.Sort();
+  builder.Finish();
   return tables;
 }
 

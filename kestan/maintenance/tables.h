@@ -14,9 +14,11 @@ namespace kestan {
 
 // Takes memory for the documents' names, twice; nothing of the postings.
 struct IndexTables {
-  // A record "d-" + name.
+  // A record "d-" + name. One that is empty or shaped like the postings of a word such as "d-day"
+  // is a document's if a name record names that document.
   struct Document {
     String name;
+    std::uint32_t bytes = 0;  // of the record
     Code code = 0;
     bool has_rest = false;  // the two bytes behind the code are not 0
   };
@@ -37,6 +39,9 @@ struct IndexTables {
   // Find a record; null if there is none.
   const Document* FindDocument(std::string_view name) const;
   const Name* FindName(Code code) const;
+
+  // Tells what the record is, as KindOf() does, but of a record "d-" + name by `documents`.
+  RecordKind KindOfRecord(const DBDatum& key, const DBDatum& value) const;
 
   Vector<Document> documents;  // by ascending name; those with odd records too
   Vector<Name> names;          // by ascending code; only of keys of four bytes

@@ -18,18 +18,6 @@ constexpr rlim_t kProcessorSeconds = kSanitised ? 8 : 2;
 constexpr rlim_t kAddressBytes = 512 << 20;
 constexpr rlim_t kFileBytes = 256 << 20;  // thousands of times what the index needs
 
-// A child that loops is ended by a signal; one that writes too much finds the disk full.
-void LimitThisProcess() {
-  const rlimit seconds{kProcessorSeconds, kProcessorSeconds};
-  setrlimit(RLIMIT_CPU, &seconds);
-  const rlimit bytes{kFileBytes, kFileBytes};
-  setrlimit(RLIMIT_FSIZE, &bytes);
-  std::signal(SIGXFSZ, SIG_IGN);
-  if (kSanitised) return;  // a sanitizer reserves addresses by the terabyte
-  const rlimit addresses{kAddressBytes, kAddressBytes};
-  setrlimit(RLIMIT_AS, &addresses);
-}
-
 std::vector<std::string> LinesOf(const std::string& text) {
   std::vector<std::string> lines;
   std::istringstream stream(text);
@@ -107,6 +95,17 @@ void Empty(const std::string& path, Transcript* transcript) {
 }
 
 }  // namespace
+
+void LimitThisProcess() {
+  const rlimit seconds{kProcessorSeconds, kProcessorSeconds};
+  setrlimit(RLIMIT_CPU, &seconds);
+  const rlimit bytes{kFileBytes, kFileBytes};
+  setrlimit(RLIMIT_FSIZE, &bytes);
+  std::signal(SIGXFSZ, SIG_IGN);
+  if (kSanitised) return;  // a sanitizer reserves addresses by the terabyte
+  const rlimit addresses{kAddressBytes, kAddressBytes};
+  setrlimit(RLIMIT_AS, &addresses);
+}
 
 kestan_faults::Outcome ReadInChild(const std::string& path) {
   return kestan_faults::RunInChild([&](Transcript* transcript) {

@@ -17,6 +17,10 @@ inline constexpr bool kSanitised = __has_feature(address_sanitizer);
 inline constexpr bool kSanitised = false;
 #endif
 
+// Leaves this process little time and room: if it loops it is ended by a signal, and if it writes
+// too much it finds the disk full.
+void LimitThisProcess();
+
 // Opens the file `path` for reading and calls every method that reads, for every word and every
 // document that the index lists.
 kestan_faults::Outcome ReadInChild(const std::string& path);

@@ -124,6 +124,16 @@ TEST(PostingCheck, DocumentWithoutWords) {
             Lines({"d-b: note: no words: an empty text, or left half-written?"}));
 }
 
+TEST(PostingCheck, DocumentWithoutWordsButThoseOfAnEarlierOne) {
+  const Lines lines = LinesOf(With({{"x", Units({3, 1, 7})},
+                                    {"d-c", Units({9, 9, 3, 0})},
+                                    {"c-\3\0"s, "c"},
+                                    {"g-avail", Units({3})},
+                                    {"g-code", Units({3})}}));
+  EXPECT_EQ(lines, Lines({"g-avail: code 3 is in use",
+                          "d-c: note: no words: an empty text, or left half-written?"}));
+}
+
 TEST(PostingCheck, GapInTheWordsOfADocument) {
   EXPECT_EQ(LinesOf(With({{"dog", Units({1, 1, 4})}})),
             Lines({"d-a: note: words missing: at least 2 of 4; left half-written?"}));
@@ -145,6 +155,44 @@ TEST(PostingCheck, WordsWithHyphensFillGaps) {
                           {"t-shirt", Units({1, 1, 3})}})),
             Lines({"e-mail: note: the posting record of a word with a hyphen",
                    "t-shirt: note: the posting record of a word with a hyphen"}));
+}
+
+TEST(PostingCheck, WordsThatLookLikeDocumentsNamesAndListsAreNoFaults) {
+  const std::string what = ": note: the posting record of a word with a hyphen";
+  EXPECT_EQ(LinesOf(With({{"dog", Units({1, 1, 6})},
+                          {"d-day", Units({1, 1, 2})},
+                          {"c-section", Units({1, 1, 3})},
+                          {"c-ab", Units({1, 1, 4})},
+                          {"w-2", Units({1, 1, 5})}})),
+            Lines({"d-day" + what, "c-section" + what, "c-ab" + what, "w-2" + what}));
+}
+
+TEST(PostingCheck, DamagedPostingsOfAWordWithAHyphenAreFaults) {
+  const std::string what = ": note: the posting record of a word with a hyphen";
+  EXPECT_EQ(LinesOf(With({{"t-shirt", Units({9, 1, 1})}, {"e-mail", Units({1, 2, 1})}})),
+            Lines({"t-shirt" + what, "t-shirt: entries of codes that no document holds: 1",
+                   "e-mail" + what,
+                   "e-mail: ends within an entry: code 1 counts 2 positions and has 1"}));
+}
+
+TEST(PostingCheck, ADocumentRecordShapedLikePostingsIsTheDocumentsWhereANameSaysSo) {
+  EXPECT_EQ(LinesOf(With({{"d-b", Units({2, 1, 2})}})),
+            Lines({"d-b: length 6 instead of 8 bytes"}));
+  EXPECT_EQ(LinesOf(With({{"d-b", ""}})),
+            Lines({"d-b: length 0 instead of 8 bytes", "d-b: the code is 0",
+                   "c-\\x02\\x00: the document has another code, 0: b"}));
+}
+
+TEST(PostingCheck, AnEmptyRecordThatNoNameBelongsToMayBeThatOfAWord) {
+  EXPECT_EQ(LinesOf(With({{"d-day", ""}})),
+            Lines({"d-day: note: empty: that of a word with a hyphen, or of a lost document"}));
+}
+
+TEST(PostingCheck, PositionsThatOptionFlagOneLeftAreNotJudged) {
+  const std::string what = ": note: a word with a hyphen, with positions that option flag 1 left";
+  EXPECT_EQ(
+      LinesOf(WithoutPositions({{"d-day", Units({1, 1, 9, 2})}, {"e-mail", Units({1, 2, 5, 70})}})),
+      Lines({"d-day" + what, "e-mail" + what}));
 }
 
 TEST(PostingCheck, SeveralWordsAtOnePosition) {
@@ -196,9 +244,22 @@ TEST(PostingCheck, WordListThatSharesMoreThanThereIs) {
                    "w-first: words that share more bytes than the word before has: 2"}));
 }
 
+// What DBPutWords makes of "\xc3\xa9t\xc3\xa9 \xc3\xa9tat caf\xe9 cave".
+TEST(PostingCheck, WordListsOfBytesAbove127AreNoFaults) {
+  EXPECT_EQ(
+      LinesOf(With({{"w-list",
+                     "\x80\xc3\xa9t\xc3\xa9\x83"
+                     "at\x80"
+                     "caf\xe9\x82ve"}})),
+      Lines({"w-list: note: bytes above 127 in words, which do not come back as they went in"}));
+}
+
 TEST(PostingCheck, WordListThatDoesNotBeginWithAWord) {
   EXPECT_EQ(LinesOf(With({{"w-list", "red"}})),
             Lines({"w-list: the list does not begin with a word"}));
+  EXPECT_EQ(LinesOf(With({{"w-list", "\xc3\xa9t\xc3\xa9"}}))
+                .count("w-list: the list does not begin with a word"),
+            1u);
 }
 
 }  // namespace

@@ -57,6 +57,59 @@ TEST(RecordKind, KeysOfTwoBytesTellByTheirValues) {
   EXPECT_EQ(kestan::KindOf(Datum("t-"), nullptr, kRules), RecordKind::kPosting);
 }
 
+TEST(RecordKind, WordsWithHyphensTellByTheirValues) {
+  const std::string postings = Units({1, 1, 1, 9, 2, 2, 3});
+  for (const char* word :
+       {"d-day", "c-section", "c-ab", "t-shirt", "s-bahn", "u-turn", "w-2", "e-mail", "g-force"}) {
+    EXPECT_EQ(KindOf(word, postings), RecordKind::kPosting) << word;
+  }
+  EXPECT_EQ(KindOf("g-code", postings), RecordKind::kCounter);
+  EXPECT_EQ(KindOf("d-day", Units({1, 1, 1, 0})), RecordKind::kDocument);
+  EXPECT_EQ(KindOf("d-day", postings + "x"), RecordKind::kDocument);
+  EXPECT_EQ(KindOf("t-shirt", "Shirts"), RecordKind::kTitle);
+  EXPECT_EQ(KindOf("w-2", "\x80red"), RecordKind::kWordList);
+}
+
+TEST(RecordKind, KeysThatNoTextHasAreNotThoseOfWords) {
+  const std::string postings = Units({1, 1, 1});
+  EXPECT_EQ(KindOf("d-a day", postings), RecordKind::kDocument);
+  EXPECT_EQ(KindOf("c-\1\0"s, postings), RecordKind::kName);
+  EXPECT_EQ(KindOf("t-\n", postings), RecordKind::kTitle);
+}
+
+TEST(RecordKind, CodesAloneAreNoTextWhereTheyHoldNuls) {
+  const auto kind_of = [](const std::string& key, const std::string& value) {
+    const DBDatum datum = Datum(value);
+    return kestan::KindOf(Datum(key), &datum, {false, 0x6262});
+  };
+  for (const char* word : {"d-day", "c-section", "c-ab", "t-shirt", "w-2", "e-mail"}) {
+    EXPECT_EQ(kind_of(word, Units({1, 2, 3, 4})), RecordKind::kPosting) << word;
+  }
+  EXPECT_EQ(kind_of("d-day", Units({0x6161, 0x6161, 1, 0})), RecordKind::kDocument);
+  EXPECT_EQ(kind_of("t-shirt", "ab"), RecordKind::kTitle);
+  EXPECT_EQ(kind_of("c-ab", "ab"), RecordKind::kName);
+  EXPECT_EQ(kind_of("c-cc", "ab"), RecordKind::kPosting);  // no document has that code
+}
+
+// Option flag 1 leaves the positions in the records of such words.
+TEST(RecordKind, PositionsBeforeCodesAloneAreMixedPostings) {
+  EXPECT_TRUE(kestan::LooksLikeMixedPostings(Datum(Units({1, 2, 5, 9}))));
+  EXPECT_TRUE(kestan::LooksLikeMixedPostings(Datum(Units({1, 1, 5, 2, 3}))));
+  EXPECT_FALSE(kestan::LooksLikeMixedPostings(Datum(Units({1, 3, 5, 9}))));
+  EXPECT_FALSE(kestan::LooksLikeMixedPostings(Datum(Units({1, 1, 0}))));
+  EXPECT_FALSE(kestan::LooksLikeMixedPostings(Datum(Units({1, 1}))));
+  EXPECT_FALSE(kestan::LooksLikeMixedPostings(Datum(Units({1, 1, 5}) + "x")));
+  const std::string mixed = Units({1, 1, 99, 2});
+  const DBDatum datum = Datum(mixed);
+  EXPECT_EQ(kestan::KindOf(Datum("d-day"), &datum, kRulesWithoutPositions), RecordKind::kPosting);
+}
+
+TEST(RecordKind, AWordOfNoFamilyIsToldByItsFirstEntry) {
+  EXPECT_EQ(KindOf("e-mail", Units({1, 1, 1}) + "x"), RecordKind::kPosting);
+  EXPECT_EQ(KindOf("e-mail", Units({1, 1, 1, 2, 9, 1})), RecordKind::kPosting);
+  EXPECT_EQ(KindOf("e-mail", "text"), RecordKind::kOther);
+}
+
 TEST(RecordKind, PostingsAreWholeEntriesOfKnownCodes) {
   EXPECT_TRUE(IsPostings(Units({3, 2, 1, 2, 1, 1, 7})));
   EXPECT_FALSE(IsPostings(""));

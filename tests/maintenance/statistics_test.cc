@@ -60,6 +60,22 @@ TEST(Statistics, CountWordsPostingsAndPositions) {
   EXPECT_EQ(statistics.positions, 6u);
 }
 
+TEST(Statistics, WordsWithHyphensAreWords) {
+  const std::string postings = Units({1, 1, 3, 2, 1, 2});
+  const IndexStatistics statistics = ReadRecords(With({{"d-day", postings},
+                                                       {"c-section", postings},
+                                                       {"t-shirt", postings},
+                                                       {"w-2", postings},
+                                                       {"e-mail", postings}}));
+  EXPECT_EQ(statistics.documents, 2u);
+  EXPECT_EQ(statistics.words, 7u);
+  EXPECT_EQ(statistics.postings, 13u);
+  EXPECT_EQ(statistics.positions, 13u);
+  EXPECT_EQ(Shown(statistics.name_records), "2 records, 8 + 2 bytes");
+  EXPECT_EQ(Shown(statistics.titles), "0 records, 0 + 0 bytes");
+  EXPECT_EQ(Shown(statistics.other_records), "0 records, 0 + 0 bytes");
+}
+
 TEST(Statistics, WithoutPositionsCountCodes) {
   const IndexStatistics statistics =
       ReadRecords({{"g-opts", Units({1, 0})}, {"cat", Codes(7)}, {"dog", Codes(1)}});

@@ -49,6 +49,28 @@ TEST(Tables, HoldNamesByCode) {
   EXPECT_EQ(tables.FindName(3), nullptr);
 }
 
+TEST(Tables, HoldNoWordsWithHyphens) {
+  const IndexTables tables = TablesOf(With({{"d-day", Units({1, 1, 1})},
+                                            {"d-night", ""},
+                                            {"c-section", Units({1, 1, 2})},
+                                            {"c-ab", Units({1, 1, 3})},
+                                            {"t-shirt", Units({1, 1, 4})},
+                                            {"e-mail", Units({1, 1, 5})}}));
+  EXPECT_EQ(tables.documents.size(), 2u);
+  EXPECT_EQ(tables.names.size(), 2u);
+  EXPECT_TRUE(tables.odd.empty());
+}
+
+TEST(Tables, HoldDamagedDocumentsThatANameRecordNames) {
+  const IndexTables tables = TablesOf(With({{"d-a", ""}, {"d-b", Units({1, 1, 2})}}));
+  ASSERT_EQ(tables.documents.size(), 2u);
+  EXPECT_EQ(tables.odd.size(), 2u);
+  const std::string value = Units({1, 1, 2});
+  EXPECT_EQ(tables.KindOfRecord(Datum("d-b"), Datum(value)), kestan::RecordKind::kDocument);
+  EXPECT_EQ(tables.KindOfRecord(Datum("d-c"), Datum(value)), kestan::RecordKind::kPosting);
+  EXPECT_EQ(tables.KindOfRecord(Datum("d-c"), Datum("")), kestan::RecordKind::kPosting);
+}
+
 TEST(Tables, HoldCodesAsTheRecordsListThem) {
   const IndexTables tables =
       TablesOf(With({{"g-avail", Units({9, 3, 3})}, {"g-deleted", Units({0}) + "x"}}));
