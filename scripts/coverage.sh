@@ -6,7 +6,7 @@
 # Only tests that are written for a room count. Those of the whole engine (the model, limits, faults,
 # damaged files, the seeds of fuzzing, the command) take most of the time of all tests and are left
 # out: what they reach by the way, some test should reach on purpose. For the same reason the random
-# files of the repair are fewer than by default. Takes about two minutes, three with an empty cache.
+# files of the repair are fewer than by default. Takes about three minutes.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-dependencies.sh
