@@ -125,7 +125,8 @@ TEST_F(FileReading, ARepairSaysWhatItCouldNotRead) {
 TEST_F(FileReading, AnUnreadableBlockOfTextIsDamage) {
   const std::string damaged = folder_ / "index";
   kestan_tests::Plant(damaged, {{"t-a", std::string(5000, 't')}});
-  Damage(std::filesystem::file_size(damaged) - 1, std::filesystem::file_size(damaged));
+  const std::size_t bytes = ReadFile(damaged).size();
+  Damage(bytes - 1, bytes);
   kestan::RepairResult result;
   EXPECT_EQ(kestan::RepairIndex(damaged.c_str(), (folder_ / "new").c_str(), {}, &result), 0);
   EXPECT_TRUE(result.was_damaged);

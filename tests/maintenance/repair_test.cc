@@ -89,15 +89,13 @@ TEST_F(RepairTest, AFileThatCannotBeWrittenWholeIsRemoved) {
   std::signal(SIGXFSZ, SIG_IGN);
   rlimit before{};
   ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
-  for (const rlim_t bytes : {rlim_t{0}, rlim_t{600}, rlim_t{20000}}) {
-    const rlimit little{bytes, before.rlim_max};
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &little), 0);
-    EXPECT_EQ(Repair(), -1);
-    EXPECT_FALSE(std::filesystem::exists(new_path_));
-    EXPECT_EQ(lines_.back().find(new_path_ + ": "), 0U);
-    EXPECT_EQ(result_.records, 0U);
-    setrlimit(RLIMIT_FSIZE, &before);
-  }
+  const rlimit little{20000, before.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &little), 0);
+  EXPECT_EQ(Repair(), -1);
+  EXPECT_FALSE(std::filesystem::exists(new_path_));
+  EXPECT_EQ(lines_.back().find(new_path_ + ": "), 0U);
+  EXPECT_EQ(result_.records, 0U);
+  setrlimit(RLIMIT_FSIZE, &before);
 }
 
 TEST_F(RepairTest, IndexesOfManyRecordsAndOfLongOnesStayAsTheyAre) {
