@@ -65,7 +65,7 @@ struct Declared {
   std::vector<Slot> slots;
 };
 
-const std::string kCommands = "Commands";
+constexpr const char* kCommands = "Commands";  // the heading above them in the help
 
 CLI::App* GroupOf(CLI::App* app, const std::string& group) {
   const auto is_group = [&group](const CLI::App* added) { return added->get_name() == group; };
