@@ -35,8 +35,8 @@ class PostingCheck {
     Position highest = 0;        // without the doubtful ones
     bool has_words = false;
     bool has_own_words = false;  // in other records than the doubtful ones
-    bool descends = false;  // some positions do not ascend, as where they wrap after 65535
-    bool wraps = false;     // the last position is taken, even if by a doubtful record
+    bool descends = false;       // some positions do not ascend, as where they wrap after 65535
+    bool wraps = false;          // the last position is taken, even if by a doubtful record
   };
 
   // How often something is wrong within one record.
@@ -67,7 +67,7 @@ class PostingCheck {
 
   const IndexTables& tables_;
   Findings& findings_;
-  CodeSet known_;                  // in use, or awaiting a shrink
+  CodeSet known_;  // in use, or awaiting a shrink
   CodeSet reusable_;
   Vector<Tally> tallies_;          // by code
   Vector<std::uint32_t> seen_in_;  // by code: the number of the record that it was met in last
