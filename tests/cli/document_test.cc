@@ -94,7 +94,7 @@ std::string Base64(int lines, std::size_t width) {
 }
 
 TEST(DocumentTest, Base64OfMailAndKeysIsEncodedData) {
-  for (const std::size_t width : {64, 72, 76}) {
+  for (const std::size_t width : {64U, 72U, 76U}) {
     EXPECT_EQ(WordsOf("first line.\n" + Base64(2, width) + "\nthe end.\n", {"", true}),
               "first line\n\n\n\n\nthe end\n")
         << width;
