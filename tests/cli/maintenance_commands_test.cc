@@ -64,10 +64,14 @@ TEST_F(MaintenanceCommandsTest, RepairNamesWhatItCannotReadOrMake) {
 
 TEST_F(MaintenanceCommandsTest, CopyAndLoadToAFullDiskNameTheNewFile) {
   Write("my.dump", Run({"dump", "my.index"}).out);
+  const auto full_disk = [limit = FileSizeLimit(1000)] {
+    setenv("ASAN_OPTIONS", "detect_leaks=0", 1);  // gdbm loses 512 bytes when it cannot make a file
+    limit();
+  };
   for (const std::vector<std::string>& command :
        {std::vector<std::string>{"copy", "my.index", "new.index"},
         std::vector<std::string>{"load", "new.index", "my.dump"}}) {
-    const Outcome full = Run(command, FileSizeLimit(1000));
+    const Outcome full = Run(command, full_disk);
     EXPECT_EQ(full.status, 2);
     EXPECT_EQ(full.err.substr(0, 33), "kestan: cannot make 'new.index': ") << full;
     EXPECT_EQ(full.err.find('\n'), full.err.size() - 1) << full;

@@ -84,10 +84,10 @@ class CraftedFile : public testing::Test {
     Put(gdbm::ElementAt(at, slot), AddKeys(1, prefix, bits).front());
   }
 
-  // Puts an element where gdbm looks for it first, or `beside` that place.
-  void PutAtHome(Offset bucket, const gdbm::Element& element, std::uint32_t beside = 0) {
+  // Puts an element where gdbm looks for it first.
+  void PutAtHome(Offset bucket, const gdbm::Element& element) {
     const auto home = static_cast<std::uint32_t>(element.hash) % shape_.elements;
-    Put(gdbm::ElementAt(bucket, (home + beside) % shape_.elements), element);
+    Put(gdbm::ElementAt(bucket, home), element);
   }
 
   std::string file_ = std::string(8192, '\0');
