@@ -183,7 +183,7 @@ std::string WhatIsWrong(const CLI::App& app, bool wants_command, const CLI::Pars
   }
   if (wants_command) return left.empty() ? "no command" : "no command " + Quoted(left.front());
   if (!left.empty()) return "one argument too many: " + Quoted(Unguarded(left.back()));
-  const std::string what = error.what();
+  std::string what = error.what();
   if (error.get_name() != "ArgumentMismatch") return what;
   const std::string name = what.substr(0, what.find_first_of(": "));  // of a switch, without dashes
   return LooksLikeOption(name) ? name + " needs a value" : "--" + name + " takes no value";

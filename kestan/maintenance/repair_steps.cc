@@ -9,7 +9,14 @@ namespace {
 
 constexpr std::uint32_t kNameKeyBytes = 2 + kUnitBytes;
 
-bool IsPossibleName(std::string_view name) { return name.find('\0') == std::string_view::npos; }
+bool IsName(const DBDatum& key, const DBDatum& value) {
+  return key.size == kNameKeyBytes && BytesOf(value).find('\0') == std::string_view::npos;
+}
+
+// Tells whether a word with a hyphen has positions that option flag 1 left, which nobody can judge.
+bool IsMixed(const DBDatum& key, const DBDatum& value, const PostingRules& rules) {
+  return HasSystemKey(BytesOf(key)) && !rules.with_positions && !LooksLikePostings(value, rules);
+}
 
 }  // namespace
 
@@ -37,15 +44,10 @@ RepairStep RepairPlan::DecideStep(const SalvagedRecord& record, const PostingRul
   const DBDatum key = KeyOf(record);
   const DBDatum value = ValueOf(record);
   switch (KindOf(key, &value, rules)) {
-    case RecordKind::kPosting: {
-      const bool is_mixed = HasSystemKey(BytesOf(key)) && !rules.with_positions &&
-                            !LooksLikePostings(value, rules) && LooksLikeMixedPostings(value);
-      return is_mixed ? RepairStep::kCopy : RepairStep::kPostings;
-    }
-    case RecordKind::kName: {
-      const bool is_name = key.size == kNameKeyBytes && IsPossibleName(BytesOf(value));
-      return is_name ? RepairStep::kRewrite : RepairStep::kDrop;
-    }
+    case RecordKind::kPosting:
+      return IsMixed(key, value, rules) ? RepairStep::kCopy : RepairStep::kPostings;
+    case RecordKind::kName:
+      return IsName(key, value) ? RepairStep::kRewrite : RepairStep::kDrop;
     case RecordKind::kWordList:
       return RepairStep::kWordList;
     case RecordKind::kDocument:

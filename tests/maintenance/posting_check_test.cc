@@ -1,6 +1,8 @@
 // Faults in posting records, word lists and texts, and documents with words missing.
 #include <kestan/maintenance/posting_check.h>
 
+#include <string>
+
 #include "tests/maintenance/maintenance_test.h"
 
 namespace kestan_tests {
@@ -101,6 +103,19 @@ TEST(PostingCheck, EmptyPostingRecordsShareALine) {
   EXPECT_EQ(checked.lines,
             Lines({"index file: note: empty posting records, of words that no document holds: 2"}));
   EXPECT_EQ(checked.result.notes, 1u);
+}
+
+// Without positions, "ab" is the code 25185 too.
+TEST(PostingCheck, TextThatMayBeACodeLeavesOpenWhetherItsDocumentHasWords) {
+  const unsigned code = 'a' | 'b' << 8;
+  Records records = WithoutPositions(
+      {{"g-code", Units({code})}, {"d-x", Units({0, 0, code, 0})}, {"c-ab", "x"}, {"t-a", "ab"}});
+  Lines expected = LinesOf(records);
+  records["t-a"] = "abc";
+  const std::string note = "d-x: note: no words: an empty text, or left half-written?";
+  EXPECT_EQ(expected.count(note), 0U);
+  expected.insert(note);
+  EXPECT_EQ(LinesOf(records), expected);
 }
 
 TEST(PostingCheck, KeysThatAreNoWords) {

@@ -57,6 +57,24 @@ TEST(RecordKind, KeysOfTwoBytesTellByTheirValues) {
   EXPECT_EQ(kestan::KindOf(Datum("t-"), nullptr, kRules), RecordKind::kPosting);
 }
 
+TEST(RecordKind, WhatIsNotReadTellsByItsKeyAlone) {
+  EXPECT_EQ(kestan::KindOf(Datum("d-day"), nullptr, kRules), RecordKind::kDocument);
+  EXPECT_EQ(kestan::KindOf(Datum("x-ray"), nullptr, kRules), RecordKind::kOther);
+}
+
+TEST(RecordKind, ListsThatCouldBeCodesAreListsWhereTheyBeginWithAWord) {
+  const kestan::PostingRules rules{false, 0xffff};
+  const DBDatum list = Datum("\x80red"s);
+  const DBDatum codes = Datum("reds"s);
+  EXPECT_EQ(kestan::KindOf(Datum("w-list"), &list, rules), RecordKind::kWordList);
+  EXPECT_EQ(kestan::KindOf(Datum("w-list"), &codes, rules), RecordKind::kPosting);
+}
+
+TEST(RecordKind, WhatBeginsWithCodeZeroIsNoDamagedWord) {
+  EXPECT_EQ(KindOf("x-ray", Units({1, 1, 4, 9})), RecordKind::kPosting);
+  EXPECT_EQ(KindOf("x-ray", Units({0, 1, 4, 9})), RecordKind::kOther);
+}
+
 TEST(RecordKind, WordsWithHyphensTellByTheirValues) {
   const std::string postings = Units({1, 1, 1, 9, 2, 2, 3});
   for (const char* word :

@@ -147,5 +147,24 @@ TEST_F(RepairOfWords, WordsOfAnEarlierDocumentMakeNoHalfWrittenOneWhole) {
   EXPECT_EQ(Documents(), Lines({"saved: a", "saved: b", "half-written: c: no words"}));
 }
 
+// Without positions, "ab" is the code 25185 too.
+TEST_F(RepairOfWords, ATextThatMayBeACodeLeavesOpenWhetherItsDocumentHasWords) {
+  const unsigned code = 'a' | 'b' << 8;
+  Records records = Good();
+  records["g-opts"] = Units({1, 0});
+  records["g-code"] = Units({code});
+  records["cat"] = Units({1, 2});
+  records["sat"] = Units({1});
+  records["d-x"] = Units({9, 9, code, 0});
+  records["c-ab"] = "x";
+  records["t-a"] = "ab";
+  Repaired(records);
+  EXPECT_EQ(Documents(), Lines({"saved: a", "saved: b", "saved: x"}));
+  records["t-a"] = "abc";
+  records["t-"] = "abc";
+  Repaired(records);
+  EXPECT_EQ(Documents(), Lines({"saved: a", "saved: b", "half-written: x: no words"}));
+}
+
 }  // namespace
 }  // namespace kestan_maintenance
