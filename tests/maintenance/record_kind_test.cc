@@ -64,8 +64,8 @@ TEST(RecordKind, WhatIsNotReadTellsByItsKeyAlone) {
 
 TEST(RecordKind, ListsThatCouldBeCodesAreListsWhereTheyBeginWithAWord) {
   const kestan::PostingRules rules{false, 0xffff};
-  const DBDatum list = Datum("\x80red"s);
-  const DBDatum codes = Datum("reds"s);
+  const DBDatum list("\x80red", 4);
+  const DBDatum codes("reds", 4);
   EXPECT_EQ(kestan::KindOf(Datum("w-list"), &list, rules), RecordKind::kWordList);
   EXPECT_EQ(kestan::KindOf(Datum("w-list"), &codes, rules), RecordKind::kPosting);
 }
