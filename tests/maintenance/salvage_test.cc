@@ -232,6 +232,7 @@ TEST_F(SalvageTest, FindsTheRecordsOfAFileOfLargeBlocksWithoutItsDirectory) {
 // Its bucket has no head, and nothing tells that the record is the newest of its key.
 TEST_F(SalvageTest, AnOldRecordThatRunsIntoANewerOneIsLeftOut) {
   Store(0, 800, 40);
+  const Records good = Dump(path_);
   std::string bytes = ReadFile(path_);
   const FileMap map = MapOf(bytes);
   const std::size_t directory = PlaceOf(Place::kDirectory);
@@ -248,7 +249,9 @@ TEST_F(SalvageTest, AnOldRecordThatRunsIntoANewerOneIsLeftOut) {
   WriteFile(path_, bytes);
   Overwrite(directory, 2 * kBlockBytes, '\0');
   const Records found = Salvaged(path_);
-  EXPECT_EQ(found.count(last->key), 0U);
+  // A bucket of former times may know the record as it was, which depends on the width.
+  const auto kept = found.find(last->key);
+  EXPECT_TRUE(kept == found.end() || kept->second == good.at(last->key));
   for (const Record& record : map.records) {
     if (&record == last) continue;
     EXPECT_EQ(found.count(record.key), 1U) << record.key;
