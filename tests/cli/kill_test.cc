@@ -5,13 +5,13 @@
 
 #include <chrono>
 #include <csignal>
-#include <cstdlib>
 #include <random>
 #include <set>
 #include <string>
 #include <thread>
 
 #include "tests/cli/changed_index_test.h"
+#include "tests/support/environment.h"
 
 namespace kestan_tests {
 namespace {
@@ -54,11 +54,6 @@ bool KillBefore(pid_t child, int nth) {
   return true;
 }
 
-int CountOf(const char* variable, int fallback) {
-  const char* const text = std::getenv(variable);
-  return text != nullptr ? std::atoi(text) : fallback;
-}
-
 class KillTest : public ChangedIndexTest {
  protected:
   void SetUp() override {
@@ -96,7 +91,7 @@ class KillTest : public ChangedIndexTest {
   }
 
   Records old_;
-  const int stride_ = CountOf("KESTAN_FAULTS_STRIDE", 1);
+  const int stride_ = kestan_tests::NumberFromEnvironment("KESTAN_FAULTS_STRIDE", 1);
 };
 
 TEST_F(KillTest, BeforeEachWritingCallLeavesTheOldIndexOrTheNewOne) {
@@ -110,7 +105,7 @@ TEST_F(KillTest, BeforeEachWritingCallLeavesTheOldIndexOrTheNewOne) {
 }
 
 TEST_F(KillTest, AtAnyMomentLeavesTheOldIndexOrTheNewOne) {
-  const int wanted = CountOf("KESTAN_KILL_TRIALS", 200);
+  const int wanted = kestan_tests::NumberFromEnvironment("KESTAN_KILL_TRIALS", 200);
   std::mt19937 random(1);  // NOLINT(cert-msc32-c,cert-msc51-cpp): the same moments every time
   std::map<std::string, Records> changed;
   for (const Arguments& change : Changes()) changed[change.front()] = After(change);

@@ -24,6 +24,7 @@
 #include "tests/faults/kill_aftermath.h"
 #include "tests/faults/kill_session.h"
 #include "tests/faults/system_call_session.h"
+#include "tests/support/environment.h"
 #include "tests/support/index_test.h"
 
 namespace {
@@ -96,7 +97,7 @@ TEST(Kill, BeforeAnyChangeOfAFileLeavesAllDocumentsOrNeedsRecovery) {
   const std::string files = folder / "files";
   const std::vector<Function> calls = WriteLikeCalls(files);
   const auto stride =
-      static_cast<std::size_t>(kestan_faults::NumberFromEnvironment("KESTAN_FAULTS_STRIDE", 1));
+      static_cast<std::size_t>(kestan_tests::NumberFromEnvironment("KESTAN_FAULTS_STRIDE", 1));
   Counts counts;
   for (std::size_t i = 0; i < calls.size(); i += stride) {
     ++counts.trials;
@@ -155,7 +156,7 @@ TEST(Kill, AtRandomMomentsLeavesAnIndexThatTheEngineSurvives) {
   // The same moments each time, as far as a moment can be the same.
   std::mt19937 random(20);  // NOLINT(cert-msc32-c,cert-msc51-cpp)
   std::uniform_int_distribution<long> moments(1, SessionUs(files));
-  const long trials = kestan_faults::NumberFromEnvironment("KESTAN_KILL_TRIALS", 200);
+  const long trials = kestan_tests::NumberFromEnvironment("KESTAN_KILL_TRIALS", 200);
   Counts counts;
   for (; counts.trials < trials; ++counts.trials) {
     const Outcome outcome = RunLongSessionIn(files, moments(random));

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <iterator>
 
@@ -20,6 +21,9 @@ class Session {
       : files_(files), transcript_(transcript) {}
 
   void Run() {
+    running_ = this;
+    std::atexit(
+        FreeSetsOfRunning);  // where the engine ends the process, or they would count as lost
     StripTexts();
     Note("open", engine_.OpenIndex(files_.index.c_str(), 1));
     AddDocuments();
@@ -35,9 +39,18 @@ class Session {
     Query();
     Note("close", engine_.CloseIndex());
     ReadOnly();
+    running_ = nullptr;
   }
 
  private:
+  static void FreeSetsOfRunning() {
+    if (running_ != nullptr) running_->FreeSets();
+  }
+
+  void FreeSets() {
+    for (const int id : sets_) engine_.FreeQueryResult(id);
+  }
+
   void Note(std::string_view what, long result) { transcript_->Add(what, result); }
   void Note(std::string_view what, const char* result) {
     transcript_->Add(what, result != nullptr ? result : "(null)");
@@ -89,10 +102,10 @@ class Session {
     const int both = engine_.QueryAnd(cat, sat, 0);
     const int near = engine_.QueryAnd(cat, sat, 1);
     const int either = engine_.QueryOr(cat, sat);
-    const int ids[] = {cat, sat, both, near, either};
-    for (int id : ids) Note("results", engine_.QueryResults(id));
+    sets_ = {cat, sat, both, near, either};
+    for (const int id : sets_) Note("results", engine_.QueryResults(id));
     NoteComplement(sat);
-    for (int id : ids) engine_.FreeQueryResult(id);
+    FreeSets();
   }
 
   // Without a counter of codes a complement would end the process.
@@ -144,8 +157,11 @@ class Session {
   }
 
   const SessionFiles& files_;
+  static inline Session* running_ = nullptr;
+
   Transcript* const transcript_;
   Kestan engine_;
+  std::array<int, 5> sets_{};
 };
 
 }  // namespace

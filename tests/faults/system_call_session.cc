@@ -89,11 +89,6 @@ long NumberIn(std::string_view transcript, std::string_view what) {
   return std::strtol(text.c_str() + at + before.size(), nullptr, 10);
 }
 
-long NumberFromEnvironment(const char* name, long otherwise) {
-  const char* const value = std::getenv(name);
-  return value != nullptr ? std::strtol(value, nullptr, 10) : otherwise;
-}
-
 }  // namespace kestan_faults
 
 // gdbm 1.23 does not free everything when it fails to open a file. The leak check of the sanitised

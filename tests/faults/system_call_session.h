@@ -33,9 +33,6 @@ bool EndedAsPromised(const Outcome& outcome);
 // Returns the number that a transcript has for `what`, or -1 if it has none.
 long NumberIn(std::string_view transcript, std::string_view what);
 
-// Returns the number that the environment variable `name` holds, or `otherwise`.
-long NumberFromEnvironment(const char* name, long otherwise);
-
 }  // namespace kestan_faults
 
 #endif  // KESTAN_TESTS_FAULTS_SYSTEM_CALL_SESSION_H_

@@ -19,6 +19,7 @@
 
 #include "tests/faults/kill_aftermath.h"
 #include "tests/faults/system_call_session.h"
+#include "tests/support/environment.h"
 #include "tests/support/index_test.h"
 
 namespace {
@@ -86,7 +87,7 @@ CallRule RuleFor(const Fault& fault) {
 }
 
 std::vector<Fault> FaultsOf(const std::vector<Function>& calls) {
-  const bool all = kestan_faults::NumberFromEnvironment("KESTAN_FAULTS_ALL", 0) != 0;
+  const bool all = kestan_tests::NumberFromEnvironment("KESTAN_FAULTS_ALL", 0) != 0;
   std::vector<Fault> faults;
   std::map<Function, std::size_t> turns;
   for (std::size_t i = 0; i < calls.size(); ++i) {
@@ -184,7 +185,7 @@ TEST(SystemCallFault, LeavesTheEngineAliveAndItsPromisesKept) {
   const std::vector<Function> calls = kestan_faults::CallsOfSession(files);
   const std::vector<Fault> faults = FaultsOf(calls);
   const auto stride =
-      static_cast<std::size_t>(kestan_faults::NumberFromEnvironment("KESTAN_FAULTS_STRIDE", 1));
+      static_cast<std::size_t>(kestan_tests::NumberFromEnvironment("KESTAN_FAULTS_STRIDE", 1));
   Counts counts;
   for (std::size_t i = 0; i < faults.size(); i += stride) {
     const Outcome outcome = RunWatchedSession(files, RuleFor(faults[i]));

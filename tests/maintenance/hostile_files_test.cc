@@ -7,11 +7,11 @@
 #include <kestan/maintenance/salvage.h>
 
 #include <climits>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 
 #include "tests/maintenance/index_files.h"
+#include "tests/support/environment.h"
 
 namespace kestan_maintenance {
 namespace {
@@ -23,8 +23,7 @@ class RepairOfHostileFiles : public testing::Test {
   void SetUp() override { MakeIndex(folder_ / "good", 40, 3); }
 
   static int Rounds(int count) {
-    const char* const wanted = std::getenv("KESTAN_REPAIR_FLIPS");
-    return wanted != nullptr ? std::atoi(wanted) : count;
+    return kestan_tests::NumberFromEnvironment("KESTAN_REPAIR_FLIPS", count);
   }
 
   std::string Good() const { return ReadFile(folder_ / "good"); }

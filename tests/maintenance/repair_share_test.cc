@@ -12,11 +12,11 @@
 #include <kestan/maintenance.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <set>
 
 #include "tests/maintenance/index_files.h"
+#include "tests/support/environment.h"
 
 namespace kestan_maintenance {
 namespace {
@@ -29,8 +29,7 @@ constexpr double kAim = 0.99;
 constexpr std::size_t kElementBytes = 24;
 
 int Indexes() {
-  const char* const wanted = std::getenv("KESTAN_REPAIR_INDEXES");
-  return wanted != nullptr ? std::atoi(wanted) : kDefaultIndexes;
+  return kestan_tests::NumberFromEnvironment("KESTAN_REPAIR_INDEXES", kDefaultIndexes);
 }
 
 // Where a document stands in the good file.
