@@ -18,5 +18,5 @@ cmake --build "$build"
 # damaged: valgrind is that much slower. The tests of failing allocations put themselves in the place of
 # malloc, where valgrind is already.
 export RC_PARAMS=max_success=10
-export KESTAN_FAULTS_STRIDE=20 KESTAN_KILL_TRIALS=20 KESTAN_HOSTILE_STRIDE=20
+export KESTAN_FAULTS_STRIDE=20 KESTAN_KILL_TRIALS=20 KESTAN_HOSTILE_STRIDE=20 KESTAN_CHILD_SECONDS=60
 ctest --test-dir "$build" -j 2 -E '^allocation_faults/' --output-on-failure "$@"

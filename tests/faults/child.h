@@ -11,7 +11,7 @@ namespace kestan_faults {
 
 // How a child process ended.
 struct Outcome {
-  bool ended = false;   // false: it was killed after 10 s
+  bool ended = false;   // false: it was killed after 10 s, or as the environment says
   int exit_status = 0;  // -1 if a signal ended it
   int signal = 0;       // 0 if none did
   long peak_kib = 0;    // memory that it had resident at most
