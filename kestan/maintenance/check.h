@@ -29,7 +29,7 @@ struct CheckResult {
 // they share them, is not read to the end, and its error is GDBM_BAD_HASH_TABLE.
 //   Returns  how much it found; -1 as the file's error if no file is open, which the store says.
 //   Cost     two walks over the file. Memory for the names of all documents, for 1,000 records
-//            and for 1 MiB of counts.
+//            or 16 MiB of them, and for 1 MiB of counts.
 KESTAN_EXPORT CheckResult CheckIndex(Database& store, const TakeLine& report);
 
 }  // namespace kestan

@@ -70,7 +70,7 @@ struct IndexStatistics {
 // bytes, at most 256. The first number and the last follow from gdbm's layout, the 107 is measured.
 // Files of more than 1,000 records are within a fifth of the estimate.
 //   Returns  the numbers; all 0 with the file error -1 if no file is open, which the store says.
-//   Cost     one walk over the file; memory for 1,000 records.
+//   Cost     one walk over the file; memory for 1,000 records or 16 MiB of them.
 KESTAN_EXPORT IndexStatistics ReadStatistics(Database& store);
 
 }  // namespace kestan

@@ -49,7 +49,7 @@ int Database::Open(const char* name, int writer) {
   cache_->DropUnheld();  // what was read from an earlier file must not answer for this one
   const int flags = writer != 0 ? GDBM_WRCREAT | GDBM_FAST : GDBM_READER;
   dbf = gdbm_open(name, kBlockBytes, flags, kFileMode, nullptr);
-  if (dbf == nullptr) return gdbm_errno;
+  if (dbf == nullptr) return kestan::LastError();
   if (const int error = writer != 0 ? kestan::CheckFreeSpace(dbf) : 0; error != 0) {
     kestan::CloseFile(std::exchange(dbf, nullptr));
     return error;
@@ -94,7 +94,7 @@ int Database::Get(DBDatumPtr* value, const DBDatum& key) {
   if (entry == nullptr) {
     if (!FitsGdbm(key)) return GDBM_ITEM_NOT_FOUND;
     const datum found = gdbm_fetch(dbf, ForGdbm(key));
-    if (found.dptr == nullptr) return Remember(gdbm_errno);
+    if (found.dptr == nullptr) return Remember(kestan::LastError());
     entry = cache_->Insert(kestan::CopyDatum(key),
                            kestan::AdoptDatum(found.dptr, static_cast<std::uint32_t>(found.dsize)));
   }
@@ -140,7 +140,7 @@ int Database::Del(const DBDatum& key) {
   if (!IsOpenFor("del")) return -1;
   ++changes_;
   walk_guard_->Restart();
-  if (FitsGdbm(key) && gdbm_delete(dbf, ForGdbm(key)) != 0) Remember(gdbm_errno);
+  if (FitsGdbm(key) && gdbm_delete(dbf, ForGdbm(key)) != 0) Remember(kestan::LastError());
   cache_->Erase(key);  // last, for it may free the bytes of `key`
   return 0;
 }
@@ -163,7 +163,8 @@ int Database::Next(DBDatumPtr* key, DBDatumPtr* value) {
 
 // Moves the walk to the key of `found_bytes` bytes at `found`, which it takes; null ends the walk.
 int Database::Visit(DBDatumPtr* key, DBDatumPtr* value, char* found, int found_bytes) {
-  walk_error_ = found == nullptr && IsReadFailure(gdbm_errno) ? Remember(gdbm_errno) : 0;
+  const int error = found == nullptr ? kestan::LastError() : 0;
+  walk_error_ = IsReadFailure(error) ? Remember(error) : 0;
   if (found == nullptr) return -1;
   cursor = kestan::AdoptDatum(found, static_cast<std::uint32_t>(found_bytes));
   if (const kestan::DBCache::Entry* entry = cache_->Find(*cursor.ptr)) cursor = entry->key;
@@ -177,7 +178,7 @@ int Database::Visit(DBDatumPtr* key, DBDatumPtr* value, char* found, int found_b
 
 int Database::Sync() {
   if (!IsOpenFor("sync")) return -1;
-  if (gdbm_sync(dbf) != 0) Remember(gdbm_errno);
+  if (gdbm_sync(dbf) != 0) Remember(kestan::LastError());
   return 0;
 }
 
@@ -187,7 +188,7 @@ int Database::Shrink() {
   // gdbm maps the new file whatever the setting, and unmaps a file only where the setting says that
   // it is mapped. A mapping that stayed would be all that later syncs wait for.
   MapFile(true);
-  if (gdbm_reorganize(dbf) != 0) Remember(gdbm_errno);
+  if (gdbm_reorganize(dbf) != 0) Remember(kestan::LastError());
   if (writes_) PrepareToWrite();  // it is another file now
   return Sync();
 }
@@ -239,7 +240,7 @@ void Database::PrepareToWrite() {
 int Database::Store(const DBDatum& key, const DBDatum& value) {
   if (!FitsGdbm(key) || !FitsGdbm(value)) return Remember(GDBM_MALFORMED_DATA);
   const int failed = gdbm_store(dbf, ForGdbm(key), ForGdbm(value), GDBM_REPLACE);
-  const int error = failed != 0 ? Remember(gdbm_errno) : 0;
+  const int error = failed != 0 ? Remember(kestan::LastError()) : 0;
   if (mapped_ && kestan::BytesOfFile(dbf) != mapped_bytes_) MapFile(false);
   return error;
 }

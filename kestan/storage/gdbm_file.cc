@@ -26,6 +26,8 @@ bool IsKnown(std::uint32_t magic) { return magic == 0x13579acf || magic == 0x135
 
 }  // namespace
 
+int LastError() { return gdbm_errno != GDBM_NO_ERROR ? gdbm_errno : GDBM_MALLOC_ERROR; }
+
 std::int64_t BytesOfFile(GDBM_FILE file) {
   struct stat status {};
   fstat(gdbm_fdesc(file), &status);
@@ -41,7 +43,7 @@ int CheckFreeSpace(GDBM_FILE file) {
   const auto bytes = static_cast<std::uint64_t>(BytesOfFile(file));
   if (IsKnown(header.magic) && header.next_block > 2 * bytes + kSlackBytes)
     return GDBM_NEED_RECOVERY;
-  return gdbm_avail_verify(file) == 0 ? 0 : gdbm_errno;
+  return gdbm_avail_verify(file) == 0 ? 0 : LastError();
 }
 
 int DamageOf(GDBM_FILE file) {

@@ -8,6 +8,10 @@
 
 namespace kestan {
 
+// Returns the number of the error with which the last call of gdbm failed. gdbm tells none where it
+// has no memory for a bucket, which must not pass for success, nor for a record that is not there.
+int LastError();
+
 // Returns the size of the open file in bytes.
 std::int64_t BytesOfFile(GDBM_FILE file);
 

@@ -55,6 +55,45 @@ TEST_F(DatabaseError, OfAWalkIsKept) {
   EXPECT_EQ(store_.FileError(), GDBM_BAD_BUCKET);
 }
 
+// gdbm tells no error where it has no memory for a bucket.
+
+TEST_F(DatabaseError, OfAReadThatGdbmTellsNoErrorOfIsNotSuccess) {
+  DBDatumPtr value;
+  GdbmWatch watch;
+  watch.Fail("fetch", 1, GDBM_NO_ERROR);
+  EXPECT_EQ(store_.Get(&value, Datum("key")), GDBM_MALLOC_ERROR);
+  EXPECT_EQ(value.ptr, nullptr);
+  EXPECT_EQ(store_.FileError(), GDBM_MALLOC_ERROR);
+}
+
+TEST_F(DatabaseError, OfAWriteThatGdbmTellsNoErrorOfIsNotSuccess) {
+  GdbmWatch watch;
+  watch.Fail("store", 1, GDBM_NO_ERROR);
+  EXPECT_EQ(Put("key", "value"), GDBM_MALLOC_ERROR);
+  EXPECT_EQ(store_.FileError(), GDBM_MALLOC_ERROR);
+}
+
+TEST_F(DatabaseError, OfAWalkThatGdbmTellsNoErrorOfIsNotItsEnd) {
+  for (const char* const function : {"firstkey", "nextkey"}) {
+    Put("one", "1");
+    Put("two", "2");
+    DBDatumPtr key;
+    GdbmWatch watch;
+    watch.Fail(function, 1, GDBM_NO_ERROR);
+    if (store_.First(&key) == 0) {
+      EXPECT_EQ(store_.Next(&key), -1);
+    }
+    EXPECT_EQ(store_.WalkError(), GDBM_MALLOC_ERROR) << function;
+  }
+}
+
+TEST_F(DatabaseError, OfAFileThatCannotBeOpenedIsNeverZero) {
+  store_.Close();
+  GdbmWatch watch;
+  watch.Fail("open", 1, GDBM_NO_ERROR);
+  EXPECT_EQ(store_.Open(path_.c_str(), 1), GDBM_MALLOC_ERROR);
+}
+
 TEST_F(DatabaseError, OfASyncIsKept) {
   GdbmWatch watch;
   watch.Fail("sync", 1, GDBM_FILE_SYNC_ERROR);

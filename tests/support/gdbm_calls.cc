@@ -30,19 +30,17 @@ datum StartOf(datum value) {
 // Notes a call, and sets gdbm's error number if it has to fail.
 bool MustFail(const char* function, GDBM_FILE file, datum key = {}, datum value = {}) {
   if (watch == nullptr) return false;
-  const int error = watch->Note({function, OpenFiles()[file], Text(key), Text(StartOf(value))});
-  if (error == 0) return false;
-  gdbm_errno = error;
-  return true;
+  const auto error = watch->Note({function, OpenFiles()[file], Text(key), Text(StartOf(value))});
+  if (error) gdbm_errno = *error;
+  return error.has_value();
 }
 
 // Options are set as the store likes: they are no part of what a test sees happen to the file.
 bool MustFailOption(GDBM_FILE file) {
   if (watch == nullptr) return false;
-  const int error = watch->NoteOption({"setopt", OpenFiles()[file], "", ""});
-  if (error == 0) return false;
-  gdbm_errno = error;
-  return true;
+  const auto error = watch->NoteOption({"setopt", OpenFiles()[file], "", ""});
+  if (error) gdbm_errno = *error;
+  return error.has_value();
 }
 
 std::size_t InflatedBytes(datum key) {
@@ -76,21 +74,21 @@ std::size_t GdbmWatch::Count(std::string_view function) const {
   return static_cast<std::size_t>(std::count_if(calls_.begin(), calls_.end(), is_such));
 }
 
-int GdbmWatch::Note(GdbmCall call) {
-  const int error = Decide(call);
+std::optional<int> GdbmWatch::Note(GdbmCall call) {
+  const auto error = Decide(call);
   calls_.push_back(std::move(call));
   return error;
 }
 
-int GdbmWatch::Note(GdbmOpening opening) {
-  const int error = Decide({"open", opening.file, "", ""});
+std::optional<int> GdbmWatch::Note(GdbmOpening opening) {
+  const auto error = Decide({"open", opening.file, "", ""});
   openings_.push_back(std::move(opening));
   return error;
 }
 
-int GdbmWatch::Decide(const GdbmCall& call) {
+std::optional<int> GdbmWatch::Decide(const GdbmCall& call) {
   if (observer_) observer_(call);
-  int error = 0;
+  std::optional<int> error;
   for (Failure& failure : failures_) {
     if (failure.function != call.function) continue;
     --failure.calls_left;
@@ -124,9 +122,10 @@ int __real_gdbm_setopt(GDBM_FILE, int, void*, int);
 GDBM_FILE __wrap_gdbm_open(const char* path, int block_bytes, int flags, int mode,
                            FatalCallback fatal) {
   if (kestan_tests::watch != nullptr) {
-    const int error = kestan_tests::watch->Note({path, block_bytes, flags, mode, fatal != nullptr});
-    if (error != 0) {
-      gdbm_errno = error;
+    const auto error =
+        kestan_tests::watch->Note({path, block_bytes, flags, mode, fatal != nullptr});
+    if (error) {
+      gdbm_errno = *error;
       return nullptr;
     }
   }

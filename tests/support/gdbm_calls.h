@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -70,10 +71,10 @@ class GdbmWatch {
   std::size_t Count(std::string_view function) const;
 
   // For the stand-ins of the gdbm functions: notes a call.
-  //   Returns  the error that the call has to report, 0 if it is to take its course.
-  int Note(GdbmCall call);
-  int Note(GdbmOpening opening);
-  int NoteOption(GdbmCall call) { return Decide(call); }
+  //   Returns  the error that the call has to report, nothing if it is to take its course.
+  std::optional<int> Note(GdbmCall call);
+  std::optional<int> Note(GdbmOpening opening);
+  std::optional<int> NoteOption(GdbmCall call) { return Decide(call); }
 
  private:
   struct Failure {
@@ -83,7 +84,7 @@ class GdbmWatch {
     bool lasting;
   };
 
-  int Decide(const GdbmCall& call);
+  std::optional<int> Decide(const GdbmCall& call);
 
   std::vector<GdbmCall> calls_;
   std::vector<GdbmOpening> openings_;
