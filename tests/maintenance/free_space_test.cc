@@ -82,6 +82,13 @@ TEST_F(FreeSpace, IsListedBehindTheExtensionInTheExtendedFormat) {
   EXPECT_EQ(CountFound(), 1U);
 }
 
+TEST_F(FreeSpace, EveryEntryOfAListCounts) {
+  PutRecord();
+  PutList(kList, 2, {1, 7000});
+  Put(kList + sizeof(gdbm::FreeList) + sizeof(gdbm::FreeSpace), gdbm::FreeSpace{6, record_.data});
+  EXPECT_EQ(CountFound(), 0U);
+}
+
 TEST_F(FreeSpace, IsListedInFurtherListsToo) {
   PutRecord();
   constexpr Offset kFurther = 6144;
