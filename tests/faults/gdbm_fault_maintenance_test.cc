@@ -53,6 +53,7 @@ TEST_P(GdbmFaultMaintenance, CallsNothingDoneThatIsNot) {
   const auto& [function, lasting] = GetParam();
   const MaintenanceFiles files;
   const int calls = CountCalls(files, function);
+  EXPECT_GT(calls, 0);
   const int stride = kestan_tests::NumberFromEnvironment("KESTAN_FAULTS_STRIDE", 1);
   for (int nth = 1; nth <= calls; nth += stride) {
     const Outcome outcome = RunWithFault(files, function, nth, lasting);
@@ -74,7 +75,9 @@ std::string NameOf(const testing::TestParamInfo<GdbmFaultMaintenance::ParamType>
 }
 
 INSTANTIATE_TEST_SUITE_P(, GdbmFaultMaintenance,
-                         testing::Combine(testing::ValuesIn(FaultyFunctions()), testing::Bool()),
+                         testing::Combine(testing::Values("close", "fetch", "firstkey", "nextkey",
+                                                          "open", "setopt", "store", "sync"),
+                                          testing::Bool()),
                          NameOf);
 
 }  // namespace
