@@ -19,4 +19,5 @@ cmake --build "$build"
 # malloc, where valgrind is already.
 export RC_PARAMS=max_success=10
 export KESTAN_FAULTS_STRIDE=20 KESTAN_KILL_TRIALS=20 KESTAN_HOSTILE_STRIDE=20 KESTAN_CHILD_SECONDS=60
+export KESTAN_CHILD_SPARE_KIB=100000
 ctest --test-dir "$build" -j 2 -E '^allocation_faults/' --output-on-failure "$@"

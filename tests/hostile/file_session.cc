@@ -16,6 +16,14 @@ namespace {
 
 using kestan_faults::Transcript;
 
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kSanitised = true;
+#elif defined(__has_feature)
+constexpr bool kSanitised = __has_feature(address_sanitizer);
+#else
+constexpr bool kSanitised = false;
+#endif
+
 constexpr int kProcessorSeconds = kSanitised ? 8 : 2;
 constexpr rlim_t kAddressBytes = 512 << 20;
 constexpr rlim_t kFileBytes = 256 << 20;  // thousands of times what the index needs
@@ -124,6 +132,12 @@ kestan_faults::Outcome WriteInChild(const std::string& path) {
     kestan_faults::RunSession(files, transcript);
     Empty(path, transcript);
   });
+}
+
+long MostKib(long base_kib, std::size_t file_bytes) {
+  if (kSanitised) return LONG_MAX;
+  const int spare_kib = kestan_tests::NumberFromEnvironment("KESTAN_CHILD_SPARE_KIB", 0);
+  return base_kib + 64L * 1024 + 8 * static_cast<long>(file_bytes / 1024 + 1) + spare_kib;
 }
 
 std::string Complaint(const kestan_faults::Outcome& outcome, long most_kib) {

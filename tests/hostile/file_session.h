@@ -3,19 +3,12 @@
 #ifndef KESTAN_TESTS_HOSTILE_FILE_SESSION_H_
 #define KESTAN_TESTS_HOSTILE_FILE_SESSION_H_
 
+#include <cstddef>
 #include <string>
 
 #include "tests/faults/child.h"
 
 namespace kestan_hostile {
-
-#if defined(__SANITIZE_ADDRESS__)
-inline constexpr bool kSanitised = true;
-#elif defined(__has_feature)
-inline constexpr bool kSanitised = __has_feature(address_sanitizer);
-#else
-inline constexpr bool kSanitised = false;
-#endif
 
 // Leaves this process little time and room: if it loops it is ended by a signal, and if it writes
 // too much it finds the disk full.
@@ -28,6 +21,11 @@ kestan_faults::Outcome ReadInChild(const std::string& path);
 // Opens the file `path` for writing, calls every method, and in the end removes every document that
 // the index lists, shrinks, and adds again. Copies go to `path` + ".copy".
 kestan_faults::Outcome WriteInChild(const std::string& path);
+
+// Returns how many KiB of memory a child may take for a file of so many bytes. `base_kib` is what
+// one takes that does nothing. A sanitizer takes memory of its own, without a limit that could be
+// told; for what valgrind takes, the environment may allow more.
+long MostKib(long base_kib, std::size_t file_bytes);
 
 // Says what a host must not live to see of an end; empty if the end is good: of itself, or of the
 // engine with its promised line.

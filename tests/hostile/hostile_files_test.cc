@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <climits>
 #include <filesystem>
 
 #include "tests/hostile/file_damage.h"
@@ -38,7 +37,7 @@ class HostileFiles : public testing::Test {
     base_kib_ = kestan_faults::RunInChild([](kestan_faults::Transcript*) {}).peak_kib;
     for (std::size_t i = 0; i < files.size(); i += static_cast<std::size_t>(stride)) {
       const Damaged& file = files[i];
-      const long most_kib = MostKib(file.bytes.size());
+      const long most_kib = MostKib(base_kib_, file.bytes.size());
       Put(file.bytes);
       Judge(ReadInChild(path_), most_kib, file.what + ", read");
       Put(file.bytes);
@@ -62,12 +61,6 @@ class HostileFiles : public testing::Test {
       complaint += " took " + std::to_string(disk_bytes) + " bytes of the disk";
     EXPECT_EQ(complaint, "") << what << "\nin gdbm's " << GdbmActivity() << "\n"
                              << Describe(outcome);
-  }
-
-  // A sanitizer takes memory of its own, without a limit that could be told.
-  long MostKib(std::size_t file_bytes) const {
-    if (kSanitised) return LONG_MAX;
-    return base_kib_ + 64L * 1024 + 8 * static_cast<long>(file_bytes / 1024 + 1);
   }
 
   const kestan_tests::TempDir folder_;

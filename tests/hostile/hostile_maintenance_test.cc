@@ -6,7 +6,6 @@
 #include <kestan/maintenance.h>
 #include <kestan/maintenance/gdbm_layout.h>
 
-#include <climits>
 #include <cstring>
 #include <filesystem>
 
@@ -66,7 +65,7 @@ class HostileMaintenance : public testing::Test {
       LimitThisProcess();
       work(path_);
     });
-    EXPECT_EQ(Complaint(outcome, MostKib(bytes.size())), "")
+    EXPECT_EQ(Complaint(outcome, MostKib(base_kib_, bytes.size())), "")
         << what << "\nin gdbm's " << GdbmActivity() << "\n"
         << kestan_faults::Describe(outcome);
   }
@@ -88,12 +87,6 @@ class HostileMaintenance : public testing::Test {
   const std::string path_ = folder_ / "index";
 
  private:
-  // A sanitizer takes memory of its own, without a limit that could be told.
-  long MostKib(std::size_t file_bytes) const {
-    if (kSanitised) return LONG_MAX;
-    return base_kib_ + 64L * 1024 + 8 * static_cast<long>(file_bytes / 1024 + 1);
-  }
-
   long base_kib_ = 0;  // what a child takes that does nothing
 };
 
