@@ -130,6 +130,26 @@ TEST_F(SalvageTest, FindsEverythingWithoutTheHeader) {
   EXPECT_EQ(Salvaged(path_), records);
 }
 
+TEST_F(SalvageTest, TellsWhatOfTheFileIsDamaged) {
+  Store(0, 300, 40);
+  const std::string good = ReadFile(path_);
+  const auto damage_of = [&](Place place, std::size_t bytes) {
+    WriteFile(path_, good);
+    if (bytes != 0) Overwrite(PlaceOf(place), bytes, '\x7f');
+    kestan::Salvage salvage;
+    EXPECT_EQ(salvage.Read(path_.c_str()), 0);
+    return salvage.damage();
+  };
+  EXPECT_FALSE(damage_of(Place::kHeader, 0).IsAny());
+  EXPECT_TRUE(damage_of(Place::kHeader, 16).header);
+  for (const Place place : {Place::kDirectory, Place::kBucket}) {
+    const kestan::Salvage::Damage damage = damage_of(place, 200);
+    EXPECT_FALSE(damage.header);
+    EXPECT_TRUE(damage.directory);
+    EXPECT_TRUE(damage.IsAny());
+  }
+}
+
 TEST_F(SalvageTest, FindsEverythingWithoutTheDirectory) {
   Store(0, 3000, 40);
   const Records records = Dump(path_);
