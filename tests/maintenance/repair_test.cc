@@ -4,6 +4,7 @@
 #include <kestan/maintenance/gdbm_layout.h>
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstddef>
 #include <cstring>
@@ -106,6 +107,49 @@ TEST_F(RepairTest, IndexesOfManyRecordsAndOfLongOnesStayAsTheyAre) {
   for (int i = 0; i < 10001; ++i) records["t-" + std::to_string(i)] = "title";
   EXPECT_EQ(Repaired(records), records);
   EXPECT_EQ(result_.records, records.size());
+}
+
+TEST_F(RepairTest, WhatOfTheFileIsDamagedIsTold) {
+  MakeIndex(path_, 40, 3);
+  const std::string good = ReadFile(path_);
+  const FileMap map = MapOf(good);
+  const auto directory = static_cast<std::size_t>(
+      std::find(map.places.begin(), map.places.end(), Place::kDirectory) - map.places.begin());
+  const auto repair_without = [&](std::size_t at, std::size_t bytes) {
+    std::filesystem::remove(new_path_);
+    WriteFile(path_, std::string(good).replace(at, bytes, bytes, '\0'));
+    EXPECT_EQ(Repair(), 0);
+  };
+  const auto begins_with = [this](const std::string& start) {
+    return std::any_of(lines_.begin(), lines_.end(), [&](const std::string& line) {
+      return line.substr(0, start.size()) == start;
+    });
+  };
+  const std::string of_directory = "note: the directory or what it leads to is damaged";
+
+  repair_without(0, 0);
+  EXPECT_FALSE(begins_with("note: the "));
+  EXPECT_FALSE(result_.was_damaged);
+
+  repair_without(0, 16);
+  EXPECT_TRUE(Says("note: the header is damaged"));
+  EXPECT_TRUE(result_.was_damaged);
+
+  repair_without(directory, kBlockBytes);
+  EXPECT_FALSE(Says("note: the header is damaged"));
+  EXPECT_TRUE(Says(of_directory));
+  EXPECT_TRUE(begins_with("note: buckets found beside the directory: "));
+  EXPECT_TRUE(result_.was_damaged);
+
+  bool old_records_are_told = false;
+  for (std::size_t at = 0; at < good.size(); at += kBlockBytes) {
+    if (map.places[at] != Place::kBucket) continue;
+    repair_without(at, std::min(kBlockBytes, good.size() - at));
+    if (begins_with("note: records that may be old, for newer ones are damaged: ")) {
+      old_records_are_told = true;
+    }
+  }
+  EXPECT_TRUE(old_records_are_told);
 }
 
 TEST_F(RepairTest, ADocumentWithoutWordsIsHalfWritten) {
