@@ -2,39 +2,17 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
-#include <new>
 #include <sstream>
 
 #include "tests/faults/gdbm_fault_messages.h"
+#include "tests/faults/shared.h"
 #include "tests/support/out_of_memory.h"
 
 namespace kestan_faults {
 namespace {
-
-// A log that a child writes and its parent reads.
-class SharedLog {
- public:
-  SharedLog()
-      : memory_(mmap(nullptr, sizeof(AllocationLog), PROT_READ | PROT_WRITE,
-                     MAP_SHARED | MAP_ANONYMOUS, -1, 0)) {
-    if (memory_ == MAP_FAILED) std::abort();
-    log_ = new (memory_) AllocationLog;
-  }
-  ~SharedLog() { munmap(memory_, sizeof(AllocationLog)); }
-  SharedLog(const SharedLog&) = delete;
-  SharedLog& operator=(const SharedLog&) = delete;
-
-  AllocationLog* get() { return log_; }
-
- private:
-  void* memory_;
-  AllocationLog* log_;
-};
 
 int CountDescriptors() {
   constexpr int kHighest = 64;
@@ -46,7 +24,7 @@ int CountDescriptors() {
 }  // namespace
 
 Trial RunWithFault(long nth, Failing failing, const std::function<void(Transcript*)>& session) {
-  SharedLog log;
+  Shared<AllocationLog> log;
   Trial trial;
   trial.nth = nth;
   trial.outcome = RunInChild([&](Transcript* transcript) {

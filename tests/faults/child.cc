@@ -9,35 +9,15 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <new>
 #include <sstream>
 
+#include "tests/faults/shared.h"
 #include "tests/support/environment.h"
 
 namespace kestan_faults {
 namespace {
 
 constexpr int kLongestSeconds = 10;
-
-// A transcript that a child writes and its parent reads.
-class SharedTranscript {
- public:
-  SharedTranscript()
-      : memory_(mmap(nullptr, sizeof(Transcript), PROT_READ | PROT_WRITE,
-                     MAP_SHARED | MAP_ANONYMOUS, -1, 0)) {
-    if (memory_ == MAP_FAILED) std::abort();
-    transcript_ = new (memory_) Transcript;
-  }
-  ~SharedTranscript() { munmap(memory_, sizeof(Transcript)); }
-  SharedTranscript(const SharedTranscript&) = delete;
-  SharedTranscript& operator=(const SharedTranscript&) = delete;
-
-  Transcript* get() { return transcript_; }
-
- private:
-  void* memory_;
-  Transcript* transcript_;
-};
 
 [[noreturn]] void RunAndExit(const std::function<void(Transcript*)>& action, Transcript* transcript,
                              int standard_error) {
@@ -77,7 +57,7 @@ std::string ReadAll(int file) {
 }  // namespace
 
 Outcome RunInChild(const std::function<void(Transcript*)>& action, long kill_after_us) {
-  SharedTranscript transcript;
+  Shared<Transcript> transcript;
   const int standard_error = memfd_create("stderr", MFD_CLOEXEC);
   const pid_t child = fork();
   if (child == 0) RunAndExit(action, transcript.get(), standard_error);

@@ -1,20 +1,20 @@
 #include "tests/faults/system_call_session.h"
 
-#include <sys/mman.h>
-
 #include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <filesystem>
+
+#include "tests/faults/shared.h"
 
 namespace kestan_faults {
 namespace {
 
 constexpr std::size_t kMostCalls = 65536;
 
-// Memory that a child fills with the functions it calls.
+// The functions that a child calls.
 struct CallLog {
-  std::size_t count;
+  std::size_t count = 0;
   std::array<Function, kMostCalls> functions;
 };
 
@@ -49,18 +49,13 @@ Outcome RunWatchedSession(const std::string& folder, const CallRule& rule) {
 }
 
 std::vector<Function> CallsOfSession(const std::string& folder) {
-  void* const memory =
-      mmap(nullptr, sizeof(CallLog), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-  if (memory == MAP_FAILED) std::abort();
-  auto* const log = static_cast<CallLog*>(memory);
+  const Shared<CallLog> shared;
+  CallLog* const log = shared.get();
   RunWatchedSession(folder, [log](const SystemCall& call) -> Ruling {
     log->functions.at(log->count++) = call.function;
     return {};
   });
-  std::vector<Function> calls(log->functions.begin(),
-                              log->functions.begin() + static_cast<std::ptrdiff_t>(log->count));
-  munmap(memory, sizeof(CallLog));
-  return calls;
+  return {log->functions.begin(), log->functions.begin() + static_cast<std::ptrdiff_t>(log->count)};
 }
 
 bool HoldsOnlyPromisedLines(const std::string& standard_error) {
