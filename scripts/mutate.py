@@ -5,10 +5,11 @@
 
 Each change is made to a copy of the tree in build/mutation/tree: a comparison, an operator, a constant
 or a boolean becomes another one, or a statement is dropped. --skip leaves out the first N, to go on
-with a run that was ended. The tests of the changed file's room run
-first, then the others; with --quick, all but those that make things fail. A change that does not compile is not counted. One that no test catches is
-printed; scripts/mutation_survivors.txt says of such changes why they make no difference. Ends with
-status 1 if less than 95% of those are caught that make one. A change takes from seconds to two minutes.
+with a run that was ended. The tests of the changed file's room run first, then the others; with
+--quick, all but those that make things fail. A change that does not compile is not counted. One that
+no test catches is printed; scripts/mutation_survivors.txt says of such changes why they make no
+difference. Ends with status 1 if less than 95% of those are caught that make one. A change takes from
+seconds to two minutes.
 """
 
 import argparse
