@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Runs the tests under valgrind. A test fails that reads or writes outside its memory, uses what was
-# never set, or leaves bytes behind. Takes about an hour.
+# never set, or leaves bytes behind. Takes an hour or two.
 #
 #   scripts/memcheck.sh [CTEST ARGUMENT...]        -R '^query/' runs one room
 set -euo pipefail

@@ -91,7 +91,7 @@ class KillTest : public ChangedIndexTest {
   }
 
   Records old_;
-  const int stride_ = kestan_tests::NumberFromEnvironment("KESTAN_FAULTS_STRIDE", 1);
+  const int stride_ = NumberFromEnvironment("KESTAN_FAULTS_STRIDE", 1);
 };
 
 TEST_F(KillTest, BeforeEachWritingCallLeavesTheOldIndexOrTheNewOne) {
@@ -105,7 +105,7 @@ TEST_F(KillTest, BeforeEachWritingCallLeavesTheOldIndexOrTheNewOne) {
 }
 
 TEST_F(KillTest, AtAnyMomentLeavesTheOldIndexOrTheNewOne) {
-  const int wanted = kestan_tests::NumberFromEnvironment("KESTAN_KILL_TRIALS", 200);
+  const int wanted = NumberFromEnvironment("KESTAN_KILL_TRIALS", 200);
   std::mt19937 random(1);  // NOLINT(cert-msc32-c,cert-msc51-cpp): the same moments every time
   std::map<std::string, Records> changed;
   for (const Arguments& change : Changes()) changed[change.front()] = After(change);
