@@ -25,6 +25,20 @@ datum ForGdbm(const DBDatum& bytes) {
   return {bytes.data != nullptr ? bytes.data : &nothing, static_cast<int>(bytes.size)};
 }
 
+// Another process may put another file in the place of this one before gdbm has its lock. What is
+// written into the old one would be lost.
+//   Returns  null, with gdbm's error number set, if it cannot be opened.
+GDBM_FILE OpenForWriting(const char* name) {
+  constexpr int kTries = 100;
+  for (int i = 0; i < kTries; ++i) {
+    GDBM_FILE file = gdbm_open(name, kBlockBytes, GDBM_WRCREAT | GDBM_FAST, kFileMode, nullptr);
+    if (file == nullptr || !kestan::HasLostItsName(file, name)) return file;
+    kestan::CloseFile(file);
+  }
+  gdbm_errno = GDBM_CANT_BE_WRITER;
+  return nullptr;
+}
+
 // A handle to a datum that may be counted; counting changes it, whatever the caller may change.
 DBDatumPtr Share(const DBDatum& datum) { return DBDatumPtr(const_cast<DBDatum*>(&datum)); }
 
@@ -47,8 +61,8 @@ int Database::Open(const char* name, int writer) {
   if (dbf != nullptr) return -1;
   ++changes_;
   cache_->DropUnheld();  // what was read from an earlier file must not answer for this one
-  const int flags = writer != 0 ? GDBM_WRCREAT | GDBM_FAST : GDBM_READER;
-  dbf = gdbm_open(name, kBlockBytes, flags, kFileMode, nullptr);
+  dbf = writer != 0 ? OpenForWriting(name)
+                    : gdbm_open(name, kBlockBytes, GDBM_READER, kFileMode, nullptr);
   if (dbf == nullptr) return kestan::LastError();
   if (const int error = writer != 0 ? kestan::CheckFreeSpace(dbf) : 0; error != 0) {
     kestan::CloseFile(std::exchange(dbf, nullptr));

@@ -33,8 +33,9 @@ class KESTAN_EXPORT Database {
   Database& operator=(const Database&) = delete;
 
   // Opens the file `name`. With `writer` 0 it must exist and is only read; otherwise it is read and
-  // written, and created with mode 0644 where it is missing. Drops what the cache holds from an
-  // earlier file, except records that somebody still holds.
+  // written, and created with mode 0644 where it is missing; should another file take its name
+  // before it is locked, that one is opened. Drops what the cache holds from an earlier file,
+  // except records that somebody still holds.
   //   Returns  0; -1 if a file is open already, which stays open; or gdbm's error number, also for
   //            a file whose record of its own free space is damaged, if `writer` is not 0.
   int Open(const char* name, int writer);

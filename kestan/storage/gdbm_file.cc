@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 
 namespace kestan {
 namespace {
@@ -32,6 +33,14 @@ std::int64_t BytesOfFile(GDBM_FILE file) {
   struct stat status {};
   fstat(gdbm_fdesc(file), &status);
   return status.st_size;
+}
+
+bool HasLostItsName(GDBM_FILE file, const char* name) {
+  struct stat open_file {};
+  struct stat named {};
+  if (fstat(gdbm_fdesc(file), &open_file) != 0) return false;
+  if (stat(name, &named) != 0) return errno == ENOENT;
+  return open_file.st_dev != named.st_dev || open_file.st_ino != named.st_ino;
 }
 
 // A next block far behind the end would make gdbm fill the disk up to there. Some blocks are no

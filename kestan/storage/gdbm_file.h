@@ -15,6 +15,9 @@ int LastError();
 // Returns the size of the open file in bytes.
 std::int64_t BytesOfFile(GDBM_FILE file);
 
+// Returns whether there is no file called `name` any more, or another one than the open `file`.
+bool HasLostItsName(GDBM_FILE file, const char* name);
+
 // Looks whether `file` says of its own space what can be, as gdbm believes it when it writes.
 //   Returns  0, or gdbm's error number: then nothing may be written into the file.
 int CheckFreeSpace(GDBM_FILE file);
