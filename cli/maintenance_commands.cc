@@ -7,6 +7,7 @@
 #include <iostream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "commands.h"
 #include "copied_index.h"
@@ -120,6 +121,26 @@ int RunDump(Kestan&, const Values& values) {
   return kDone;
 }
 
+// The lines of a dump. Of one that is too long for a dump it gives as much as shows that.
+class DumpLines {
+ public:
+  explicit DumpLines(std::istream& input) : input_(input) {}
+
+  bool Give(std::string_view* line) {
+    input_.getline(text_.data(), static_cast<std::streamsize>(text_.size()));
+    const auto bytes = static_cast<std::size_t>(input_.gcount());
+    if (bytes == 0) return false;
+    const bool ended = !input_.fail() && !input_.eof();  // then its line feed counts as a byte
+    *line = std::string_view(text_.data(), ended ? bytes - 1 : bytes);
+    return true;
+  }
+
+ private:
+  std::istream& input_;
+  // Room for the longest line, for one byte more, and for the NUL that the stream puts behind.
+  std::vector<char> text_ = std::vector<char>(kestan::kMaxDumpLineBytes + 2);
+};
+
 // Fills the new file at `part`, which is to become `path`, from the dump that `input` holds.
 void Load(std::istream& input, const std::string& part, const std::string& path,
           const std::string& shown) {
@@ -127,12 +148,8 @@ void Load(std::istream& input, const std::string& part, const std::string& path,
   if (const int error = target.Open(part.c_str(), 1); error != 0) {
     throw CannotMake(path, Database::ErrorString(error));
   }
-  std::string text;
-  const auto give = [&](std::string_view* line) {
-    if (!std::getline(input, text)) return false;
-    *line = text;
-    return true;
-  };
+  DumpLines lines(input);
+  const auto give = [&](std::string_view* line) { return lines.Give(line); };
   std::string reason;
   const bool loaded =
       kestan::LoadIndex(give, target, [&](std::string_view line) { reason = line; });

@@ -3,6 +3,7 @@
 #define KESTAN_CLI_OUTPUT_H_
 
 #include <array>
+#include <cstddef>
 #include <cstdio>
 #include <exception>
 #include <memory>
@@ -54,8 +55,8 @@ class LinePrinter {
 };
 
 // Reads `stream`, which is the standard input, to its end.
-//   Throws   CommandError if it cannot be read.
-std::string ReadInput(std::FILE* stream);
+//   Throws   CommandError if it cannot be read, or holds more than `max_bytes`.
+std::string ReadInput(std::FILE* stream, std::size_t max_bytes);
 
 // Holds back what the process writes to the standard error stream from here on. The engine has a
 // line for each record that a full disk refuses, where one line says it all. One at a time.

@@ -17,6 +17,8 @@ std::vector<std::string> PathsIn(std::string_view text) {
   return paths;
 }
 
-std::vector<std::string> ReadPathList(std::FILE* stream) { return PathsIn(ReadInput(stream)); }
+std::vector<std::string> ReadPathList(std::FILE* stream, std::size_t max_bytes) {
+  return PathsIn(ReadInput(stream, max_bytes));
+}
 
 }  // namespace kestan_cli

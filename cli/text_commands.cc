@@ -122,12 +122,13 @@ int RunGetWords(Kestan& engine, const Values& values) {
 }
 
 constexpr std::size_t kMaxListedBytes = 127;
+constexpr std::size_t kMaxInputBytes = std::size_t{1} << 26;  // millions of words
 
 // A NUL would end the list for the engine.
 bool IsAscii(char byte) { return static_cast<signed char>(byte) > 0; }
 
 std::string WordsToPut(const Values& values) {
-  if (!values.Has("WORD")) return ReadInput(stdin);
+  if (!values.Has("WORD")) return ReadInput(stdin, kMaxInputBytes);
   std::string words;
   for (const std::string& word : values.All("WORD")) words += word + "\n";
   return words;

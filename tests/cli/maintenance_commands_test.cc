@@ -1,7 +1,13 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <array>
+#include <csignal>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "tests/cli/command_test.h"
 
@@ -14,7 +20,42 @@ class MaintenanceCommandsTest : public CommandTest {
     Add("a", "cat dog\n");
     Add("b", "cat\n");
   }
+
+  // Counts the files whose names begin with `start`.
+  int NamesLike(const std::string& start) const {
+    int count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(Path(""))) {
+      if (entry.path().filename().string().rfind(start, 0) == 0) ++count;
+    }
+    return count;
+  }
+
+  // Runs a command whose standard input has `start` and then one byte after the other, without end.
+  //   Returns  how many bytes it took before it ended; at most `most`.
+  std::size_t FeedEndlessly(const std::vector<std::string>& arguments, const std::string& start,
+                            std::size_t most, Outcome* outcome) {
+    std::signal(SIGPIPE, SIG_IGN);
+    std::array<int, 2> ends{};
+    EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+    const TempDir streams;
+    const pid_t child = Start(arguments, streams, [&] { dup2(ends[0], STDIN_FILENO); });
+    close(ends[0]);
+    std::size_t bytes = 0;
+    std::string piece = start;
+    for (ssize_t written = 0; written >= 0 && bytes < most;) {
+      written = write(ends[1], piece.data(), piece.size());
+      if (written > 0) bytes += static_cast<std::size_t>(written);
+      piece.assign(65536, 'x');
+    }
+    close(ends[1]);
+    int status = 0;
+    waitpid(child, &status, 0);
+    *outcome = {WEXITSTATUS(status), BytesOfFile(streams / "out"), BytesOfFile(streams / "err")};
+    return bytes;
+  }
 };
+
+constexpr std::size_t kMiB = std::size_t{1} << 20;
 
 TEST_F(MaintenanceCommandsTest, CheckFindsNothingWrongWithAGoodIndex) {
   EXPECT_EQ(Run({"check", "my.index"}), Success("0 faults, 0 notes\n"));
@@ -94,8 +135,7 @@ TEST_F(MaintenanceCommandsTest, RepairOfNothingLeavesNothing) {
   for (const char* damaged : {"noise", "missing", "."}) {
     const Outcome outcome = Run({"repair", damaged, "new.index"});
     EXPECT_EQ(outcome.status, 2) << outcome;
-    EXPECT_FALSE(std::filesystem::exists(Path("new.index")));
-    EXPECT_FALSE(std::filesystem::exists(Path("new.index.kestan-new")));
+    EXPECT_EQ(NamesLike("new.index"), 0);
   }
 }
 
@@ -124,8 +164,43 @@ TEST_F(MaintenanceCommandsTest, DumpThatWasCutMakesNoIndex) {
   const Outcome outcome = Run({"load", "new.index", "cut.dump"});
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.err.rfind("kestan: cannot load 'cut.dump': line ", 0), 0u) << outcome;
-  EXPECT_FALSE(std::filesystem::exists(Path("new.index")));
-  EXPECT_FALSE(std::filesystem::exists(Path("new.index.kestan-new")));
+  EXPECT_EQ(NamesLike("new.index"), 0);
+}
+
+TEST_F(MaintenanceCommandsTest, LineWithoutEndIsNotReadToItsEnd) {
+  Outcome outcome;
+  EXPECT_LT(FeedEndlessly({"load", "new.index"}, "kestan-dump 1\n", 64 * kMiB, &outcome), 4 * kMiB);
+  EXPECT_EQ(outcome,
+            Failure("cannot load 'standard input': line 2: longer than any line of a dump"));
+  EXPECT_EQ(NamesLike("new.index"), 0);
+}
+
+TEST_F(MaintenanceCommandsTest, LineOfADumpMayBeAsLongAsTheFormatAllows) {
+  const std::string longest(kMiB, 'x');
+  for (const std::string end : {"\n", ""}) {
+    Write("my.dump", "kestan-dump 1\n" + longest + end);
+    EXPECT_EQ(Run({"load", "new.index", "my.dump"}),
+              Failure("cannot load 'my.dump': line 2: neither a record nor the last line"));
+    Write("my.dump", "kestan-dump 1\n" + longest + "x" + end);
+    EXPECT_EQ(Run({"load", "new.index", "my.dump"}),
+              Failure("cannot load 'my.dump': line 2: longer than any line of a dump"));
+  }
+}
+
+TEST_F(MaintenanceCommandsTest, LinesOfADumpMayBeEmptyOrHoldNuls) {
+  Write("my.dump", "kestan-dump 1\n\n");
+  EXPECT_EQ(Run({"load", "new.index", "my.dump"}),
+            Failure("cannot load 'my.dump': line 2: neither a record nor the last line"));
+  Write("my.dump", std::string("kestan-dump 1\na\0\tb\n", 19));
+  EXPECT_EQ(Run({"load", "new.index", "my.dump"}),
+            Failure("cannot load 'my.dump': line 2: a byte that should have been escaped"));
+}
+
+TEST_F(MaintenanceCommandsTest, WordsWithoutEndAreNotReadToTheirEnd) {
+  Outcome outcome;
+  EXPECT_LT(FeedEndlessly({"wordlist", "put", "my.index", "l"}, "", 100 * kMiB, &outcome),
+            66 * kMiB);
+  EXPECT_EQ(outcome, Failure("the standard input holds more than 67108864 bytes"));
 }
 
 TEST_F(MaintenanceCommandsTest, LoadOfAMissingFileIsTold) {

@@ -33,5 +33,16 @@ TEST(PathListTest, StreamThatCannotBeReadIsTold) {
   }
 }
 
+TEST(PathListTest, StreamThatHoldsTooMuchIsTold) {
+  const OpenFile zeros(std::fopen("/dev/zero", "rb"));
+  ASSERT_NE(zeros, nullptr);
+  try {
+    ReadPathList(zeros.get(), 100000);
+    FAIL();
+  } catch (const CommandError& error) {
+    EXPECT_STREQ(error.what(), "the standard input holds more than 100000 bytes");
+  }
+}
+
 }  // namespace
 }  // namespace kestan_cli
