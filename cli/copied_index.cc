@@ -1,16 +1,19 @@
 #include "copied_index.h"
 
+#include <fcntl.h>
+
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
 
 #include "command.h"
+#include "file_attributes.h"
 #include "file_swap.h"
 #include "message.h"
 #include "opened_index.h"
 #include "output.h"
+#include "work_folder.h"
 
 namespace kestan_cli {
 namespace {
@@ -18,18 +21,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kRecordsBetweenFlushes = 1000;  // a flush gives back the memory of those read
-
-// Deletes a file that did not become what it was to be.
-class HalfMade {
- public:
-  explicit HalfMade(std::string path) : path_(std::move(path)) { RemoveLeftovers(path_); }
-  ~HalfMade() { RemoveLeftovers(path_); }
-  HalfMade(const HalfMade&) = delete;
-  HalfMade& operator=(const HalfMade&) = delete;
-
- private:
-  const std::string path_;
-};
 
 bool AreEqual(const DBDatum& left, const DBDatum& right) {
   return left.size == right.size &&
@@ -67,30 +58,45 @@ bool AreSame(const std::string& left, const std::string& right) {
   return HasAll(a, b) && HasAll(b, a);
 }
 
+CommandError IsThere(const std::string& path) {
+  return CannotMake(path, "there is something already; choose another name");
+}
+
+// A copy says to others no more than what it is a copy of.
+void MakeLike(const std::string& like, const WorkFolder& folder, const std::string& path) {
+  const Descriptor source(open(like.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  const Descriptor made = folder.Open();
+  const bool opened = source.is_open() && made.is_open();
+  const int failed =
+      opened ? CopyAttributes(source.number(), made.number(), NewOwner::kThisUser) : errno;
+  if (failed != 0) throw CannotMake(path, ReasonOf(failed));
+}
+
 }  // namespace
 
 CommandError CannotMake(const std::string& path, const std::string& reason) {
   return CommandError("cannot make " + Quoted(path) + ": " + reason);
 }
 
-void MakeWhole(const std::string& path, const std::function<void(const std::string&)>& make) {
+void MakeWhole(const std::string& path, const std::string& like,
+               const std::function<void(const std::string&)>& make) {
   std::error_code error;
-  if (fs::symlink_status(path, error).type() != fs::file_type::not_found) {
-    throw CannotMake(path, "there is something already; choose another name");
-  }
+  if (fs::symlink_status(path, error).type() != fs::file_type::not_found) throw IsThere(path);
   if (!fs::is_directory(FolderOf(path), error)) throw CannotMake(path, "no such folder");
-  const FileLock lock(path, "cannot make " + Quoted(path));
-  const std::string part = path + ".kestan-new";
-  const HalfMade removed(part);
-  make(part);
-  if (const int failed = SyncPath(part)) throw CannotMake(path, ReasonOf(failed));
-  if (std::rename(part.c_str(), path.c_str()) != 0) throw CannotMake(path, ReasonOf(errno));
+  RemoveLeftovers(path);
+  const WorkFolder folder(path, "cannot make " + Quoted(path));
+  make(folder.file());
+  if (!like.empty()) MakeLike(like, folder, path);
+  if (const int failed = SyncPath(folder.file())) throw CannotMake(path, ReasonOf(failed));
+  const int placed = folder.Place();
+  if (placed == EEXIST) throw IsThere(path);
+  if (placed != 0) throw CannotMake(path, ReasonOf(placed));
   if (const int failed = SyncPath(FolderOf(path))) throw CannotMake(path, ReasonOf(failed));
 }
 
 void CopyIndex(Kestan& engine, const std::string& index, const std::string& path) {
   ExamineIndex(index, Access::kRead);
-  MakeWhole(path, [&](const std::string& part) {
+  MakeWhole(path, index, [&](const std::string& part) {
     {
       const OpenedIndex opened(engine, index, Access::kRead);
       if (!Copies(engine, part))

@@ -8,15 +8,16 @@
 #include <memory>
 #include <string>
 
-#include "descriptor.h"
-#include "file_swap.h"
+#include "index_lock.h"
 #include "opened_index.h"
+#include "work_folder.h"
 
 namespace kestan_cli {
 
 // Works on a copy beside the index, and puts it in the place of the index when all is on the disk.
 // Until then the index stays as it was, whatever happens, and others read it; nobody else changes
-// it. What a process leaves behind that was ended on the way, the next change removes.
+// it. The copy gets the owner, group and mode of the index as far as this user may give them. What
+// a process leaves behind that was ended on the way, the next change removes.
 class IndexChange {
  public:
   enum class Way { kOnCopy, kInPlace };
@@ -32,7 +33,7 @@ class IndexChange {
   const IndexFacts& facts() const { return facts_; }
 
   // Makes the copy and opens it in the engine. Once; before, the index may be read there.
-  //   Throws   CommandError if there is no room for a copy.
+  //   Throws   CommandError if no copy can be made.
   OpenedIndex& Begin();
 
   // Writes everything out, closes the copy and tells how many bytes it has. The last call: the
@@ -41,24 +42,26 @@ class IndexChange {
 
   // Writes everything out, closes the index and puts the copy in its place.
   //   Throws   CommandError if any record did not reach the file; then the index is as it was, if
-  //            this worked on a copy.
+  //            this worked on a copy. With the status kBusy if another process has meanwhile put
+  //            another file in the place of the index.
   void Commit();
 
  private:
-  void HoldSource();
-  void Copy() const;
+  const std::string& Copy();
+  const std::string& MakeInPlace();
   void Close();
+  void KeepAttributes() const;
+  void CheckNobodyCameBetween() const;
   void Replace() const;
 
   Kestan& engine_;
   const std::string path_;
   const std::string file_;  // the index itself
-  const std::string copy_;
   const Access access_;
   const Way way_;
-  std::unique_ptr<FileLock> lock_;
+  std::unique_ptr<IndexLock> lock_;
   IndexFacts facts_;
-  Descriptor source_;  // holds the lock that keeps those out who write the file in place
+  std::unique_ptr<WorkFolder> folder_;
   std::unique_ptr<OpenedIndex> opened_;
 };
 

@@ -97,7 +97,7 @@ int RunRepair(Kestan&, const Values& values) {
   const std::string target = values.Text("NEW");
   kestan::RepairResult result;
   CheckFile(damaged);
-  MakeWhole(target, [&](const std::string& part) {
+  MakeWhole(target, damaged, [&](const std::string& part) {
     if (kestan::RepairIndex(damaged.c_str(), part.c_str(), report, &result) == 0) return;
     throw CannotRepair(damaged, target, part, last);
   });
@@ -169,7 +169,7 @@ int RunLoad(Kestan&, const Values& values) {
                          ReasonOf(is_folder ? EISDIR : errno));
     }
   }
-  MakeWhole(target, [&](const std::string& part) {
+  MakeWhole(target, "", [&](const std::string& part) {
     Load(source == "-" ? std::cin : file, part, target, source == "-" ? "standard input" : source);
   });
   return kDone;

@@ -12,6 +12,7 @@
 
 #include "message.h"
 #include "steady_file.h"
+#include "work_folder.h"
 
 namespace kestan_cli {
 namespace {
@@ -30,16 +31,14 @@ struct CloseFolder {
   void operator()(DIR* folder) const { closedir(folder); }
 };
 
-// The files of the index itself: under whatever name they are met, and before they are made.
+// The index itself, under whatever name it is met.
 std::set<FileId> FilesOfIndex(const std::string& index_path) {
   std::error_code error;
   const fs::path real = fs::canonical(index_path, error);
   std::set<FileId> ids;
   for (const std::string& path : {index_path, error ? index_path : real.string()}) {
-    for (const char* suffix : {"", ".kestan-new", ".lock"}) {
-      struct stat status {};
-      if (stat((path + suffix).c_str(), &status) == 0) ids.insert(IdOf(status));
-    }
+    struct stat status {};
+    if (stat(path.c_str(), &status) == 0) ids.insert(IdOf(status));
   }
   return ids;
 }
@@ -106,7 +105,7 @@ class Scanner {
     errno = 0;
     while (const dirent* entry = readdir(open.get())) {  // NOLINT(concurrency-mt-unsafe)
       const std::string_view name = static_cast<const char*>(entry->d_name);
-      if (name == "." || name == "..") continue;
+      if (name == "." || name == ".." || IsNameOfWorkFolder(name)) continue;
       FileAway(root, start + std::string(name), waiting);
       errno = 0;
     }

@@ -42,7 +42,7 @@ class ChangedIndexTest : public CommandTest {
   void Reset() {
     for (const auto& entry : std::filesystem::directory_iterator(Path(""))) {
       const std::string name = entry.path().filename();
-      if (name.rfind("my.index", 0) == 0) std::filesystem::remove(entry.path());
+      if (name.rfind("my.index", 0) == 0) std::filesystem::remove_all(entry.path());
     }
     std::filesystem::copy_file(Path("base.index"), Path("my.index"));
   }

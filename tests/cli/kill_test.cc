@@ -1,5 +1,4 @@
 // The command is killed, and the index is the old one or the new one.
-#include <sys/ptrace.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -11,6 +10,7 @@
 #include <thread>
 
 #include "tests/cli/changed_index_test.h"
+#include "tests/cli/traced_command.h"
 #include "tests/support/environment.h"
 
 namespace kestan_tests {
@@ -22,35 +22,26 @@ using Arguments = std::vector<std::string>;
 // named where they are.
 const std::set<unsigned long long>& WritingCalls() {
   static const std::set<unsigned long long> calls{
-      SYS_write,       SYS_pwrite64, SYS_writev,   SYS_ftruncate, SYS_fsync,  SYS_fdatasync,
-      SYS_msync,       SYS_munmap,   SYS_ioctl,    SYS_fchmod,    SYS_fchown, SYS_flock,
-      SYS_openat,      SYS_unlinkat, SYS_renameat, SYS_close,     SYS_unlink, SYS_rename,
+      SYS_write,       SYS_pwrite64, SYS_writev,   SYS_ftruncate, SYS_fsync,     SYS_fdatasync,
+      SYS_msync,       SYS_munmap,   SYS_ioctl,    SYS_fchmod,    SYS_fchown,    SYS_flock,
+      SYS_openat,      SYS_unlinkat, SYS_renameat, SYS_close,     SYS_unlink,    SYS_rename,
+      SYS_renameat2,   SYS_mkdirat,  SYS_linkat,   SYS_fcntl,     SYS_fsetxattr, SYS_fremovexattr,
 #ifdef SYS_ftruncate64
-      SYS_ftruncate64, SYS_fchown32,
+      SYS_ftruncate64, SYS_fchown32, SYS_fcntl64,
 #endif
       SYS_exit_group};
   return calls;
 }
 
-// Lets the traced `child` run until it enters its `nth` writing call, counted from 1, and kills it
-// there.
+// Kills the traced `child` where it enters its `nth` writing call, counted from 1.
 //   Returns  true; false if it ended by itself before.
 bool KillBefore(pid_t child, int nth) {
-  int status = 0;
-  waitpid(child, &status, 0);  // stopped at its start
-  ptrace(PTRACE_SETOPTIONS, child, 0, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
-  for (int calls = 0;;) {
-    ptrace(PTRACE_SYSCALL, child, 0, 0);
-    waitpid(child, &status, 0);
-    if (!WIFSTOPPED(status)) return false;
-    __ptrace_syscall_info call{};
-    ptrace(PTRACE_GET_SYSCALL_INFO, child, sizeof call, &call);
-    const bool enters = call.op == PTRACE_SYSCALL_INFO_ENTRY;
-    if (!enters || WritingCalls().count(call.entry.nr) == 0) continue;
-    if (++calls == nth) break;
-  }
-  kill(child, SIGKILL);
-  waitpid(child, &status, 0);
+  int calls = 0;
+  const auto is_nth = [&](const Call& call) {
+    return WritingCalls().count(call.number) != 0 && ++calls == nth;
+  };
+  if (!StopBefore(child, is_nth)) return false;
+  EndStopped(child);
   return true;
 }
 
@@ -83,8 +74,7 @@ class KillTest : public ChangedIndexTest {
     for (int nth = 1;; nth += stride_, ++trials) {
       Reset();
       const TempDir streams;
-      const auto traced = [] { ptrace(PTRACE_TRACEME, 0, nullptr, nullptr); };
-      const bool killed = KillBefore(Start(change, streams, traced), nth);
+      const bool killed = KillBefore(Start(change, streams, BeTraced), nth);
       ExpectWhole(changed, change.front() + ", killed before call " + std::to_string(nth));
       if (!killed || HasFatalFailure()) return trials;
     }

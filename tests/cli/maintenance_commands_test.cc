@@ -123,7 +123,7 @@ TEST_F(MaintenanceCommandsTest, CopyAndLoadToAFullDiskNameTheNewFile) {
 TEST_F(MaintenanceCommandsTest, FolderWithoutLeaveToWriteTakesNoCopy) {
   OpenFolderToAll(0555);
   EXPECT_EQ(Run({"copy", "my.index", "new"}, GiveUpPrivileges),
-            Failure("cannot make 'new': no lock 'new.lock': permission denied"));
+            Failure("cannot make 'new': cannot make a folder beside it: permission denied"));
 }
 
 TEST_F(MaintenanceCommandsTest, LoadOfAFolderIsTold) {

@@ -177,8 +177,9 @@ TEST_F(OpenedIndexTest, IndexWithoutLeaveToWriteCanBeReadOnly) {
 
 TEST_F(OpenedIndexTest, FolderWithoutLeaveToWriteTakesNoNewIndex) {
   OpenFolderToAll(0555);
-  EXPECT_EQ(Run({"index", "new", "docs"}, GiveUpPrivileges),
-            Failure("cannot change index 'new': no lock 'new.lock': permission denied"));
+  EXPECT_EQ(
+      Run({"index", "new", "docs"}, GiveUpPrivileges),
+      Failure("cannot change index 'new': cannot make a folder beside it: permission denied"));
   EXPECT_FALSE(std::filesystem::exists(Path("new")));
 }
 

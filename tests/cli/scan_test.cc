@@ -123,13 +123,16 @@ TEST_F(ScanTest, TheIndexIsLeftOutUnderAnyName) {
   EXPECT_EQ(FilesOf(ScanOf({"d"}, {}, "./d/../d/index")), Names{"d/a"});
 }
 
-TEST_F(ScanTest, FilesBesideTheIndexAreLeftOut) {
-  for (const char* name : {"d/a", "d/index", "d/index.kestan-new", "d/index.lock", "d/a.new"}) {
+TEST_F(ScanTest, WorkFoldersAreLeftOutAndForeignFilesAreNot) {
+  const std::string left = "d/index.kestan-new.0123456789abcdef6b9c2d26";
+  for (const std::string name : {"d/a", "d/index", "d/index.lock", "d/index.kestan-new"}) {
     Write(name, "text");
   }
+  Write(left + "/file", "text");
   std::filesystem::create_symlink("d/index", "link");
-  EXPECT_EQ(FilesOf(ScanOf({"d"}, {}, "d/index")), (Names{"d/a", "d/a.new"}));
-  EXPECT_EQ(FilesOf(ScanOf({"d"}, {}, "link")), (Names{"d/a", "d/a.new"}));
+  const Names names{"d/a", "d/index.kestan-new", "d/index.lock"};
+  EXPECT_EQ(FilesOf(ScanOf({"d"}, {}, "d/index")), names);
+  EXPECT_EQ(FilesOf(ScanOf({"d"}, {}, "link")), names);
 }
 
 TEST_F(ScanTest, EmptyFolderHasNoFiles) {
