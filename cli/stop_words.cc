@@ -44,11 +44,18 @@ std::string EnglishWords() {
   return words;
 }
 
+CommandError TooLarge(const std::string& path) {
+  return CommandError(Quoted(path) + " is too large");
+}
+
 std::string ReadWords(const std::string& path) {
   std::string bytes;
   try {
     SteadyFile file(path);
-    for (std::string_view piece; file.Read(&piece);) bytes += piece;
+    for (std::string_view piece; file.Read(&piece);) {
+      if (bytes.size() + piece.size() > kMaxTextBytes) throw TooLarge(path);
+      bytes += piece;
+    }
   } catch (const SkipFile& problem) {
     throw CommandError("cannot read " + Quoted(path) + ": " + problem.what());
   }
@@ -62,7 +69,7 @@ std::string ReadWords(const std::string& path) {
 std::string StopWords(const std::string& choice) {
   if (choice.empty()) return "";
   std::string words = choice == "english" ? EnglishWords() : ReadWords(choice);
-  if (words.size() > kMaxTextBytes) throw CommandError(Quoted(choice) + " is too large");
+  if (words.size() > kMaxTextBytes) throw TooLarge(choice);
   words = CleanWords(std::move(words));
   // Even a blank would make the engine drop short words.
   return words.find_first_not_of(" \n") == std::string::npos ? "" : words;

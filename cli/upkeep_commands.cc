@@ -1,3 +1,6 @@
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <filesystem>
 #include <string>
 
@@ -28,10 +31,21 @@ void PrintSizes(const Values& values, std::uintmax_t before, std::uintmax_t afte
   }
 }
 
+// gdbm rewrites the file, and wants to give the new one to the owner of the old one.
+void CheckOwner(const std::string& index) {
+  struct stat status {};
+  const uid_t user = geteuid();
+  if (user == 0 || stat(index.c_str(), &status) != 0 || status.st_uid == user) return;
+  throw CommandError("cannot shrink index " + Quoted(index) +
+                     " in place: it belongs to another user; it works without --in-place");
+}
+
 int RunShrink(Kestan& engine, const Values& values) {
   const std::string index = values.Text("INDEX");
   const bool dry = values.Has("--dry-run");
-  IndexChange change(engine, index, Access::kWrite, WayOf(values.Has("--in-place") && !dry, index));
+  const bool in_place = values.Has("--in-place") && !dry;
+  IndexChange change(engine, index, Access::kWrite, WayOf(in_place, index));
+  if (in_place) CheckOwner(index);
   const auto before = fs::file_size(index);
   change.Begin();
   engine.ShrinkIndex();

@@ -282,6 +282,20 @@ TEST_F(OtherUsersTest, CopyGivesNobodyMore) {
   }
 }
 
+TEST_F(OtherUsersTest, ShrinkInPlaceIsForTheOwner) {
+  Give(kAlice, kProject, 0660);
+  const std::string before = IndexBytes();
+  const Outcome outcome = Run({"shrink", "my.index", "--in-place"}, As(kBob, true));
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_NE(outcome.err.find("kestan: cannot shrink index 'my.index' in place: it belongs to "
+                             "another user; it works without --in-place\n"),
+            std::string::npos)
+      << outcome;
+  EXPECT_EQ(IndexBytes(), before);
+  EXPECT_TRUE(Leftovers().empty());
+  EXPECT_EQ(Run({"shrink", "my.index", "--in-place"}, As(kAlice, true)).status, 0);
+}
+
 TEST_F(OtherUsersTest, ListWithoutItsGroupIsNotKept) {
   OpenFolderToAll(0777);
   Give(kAlice, kProject, 0600);
