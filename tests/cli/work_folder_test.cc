@@ -28,7 +28,8 @@ Looks LooksOf(const std::string& path) {
   struct stat status {};
   EXPECT_EQ(lstat(path.c_str(), &status), 0) << path;
   std::string content;
-  if (S_ISREG(status.st_mode)) content = BytesOfFile(path);
+  const bool is_readable = S_ISREG(status.st_mode) && access(path.c_str(), R_OK) == 0;
+  if (is_readable) content = BytesOfFile(path);
   if (S_ISLNK(status.st_mode)) content = fs::read_symlink(path);
   return {status.st_ino,  status.st_mode,        status.st_nlink,        status.st_uid,
           status.st_size, status.st_ctim.tv_sec, status.st_ctim.tv_nsec, content};
