@@ -2,6 +2,7 @@
 """Makes small changes to the library, one at a time, and tells how many of them the tests catch.
 
     scripts/mutate.py [--count N] [--seed N] [--skip N] [--jobs N] [--quick] [FILE...]
+    scripts/mutate.py --planted [PATTERN] [--jobs N]
 
 Each change is made to a copy of the tree in build/mutation/tree: a comparison, an operator, a constant
 or a boolean becomes another one, or a statement is dropped. --skip leaves out the first N, to go on
@@ -10,23 +11,23 @@ with a run that was ended. The tests of the changed file's room run first, then 
 no test catches is printed; scripts/mutation_survivors.txt says of such changes why they make no
 difference. Ends with status 1 if less than 95% of those are caught that make one. A change takes from
 seconds to two minutes.
+
+With --planted it makes the mistakes of scripts/planted_mistakes.txt instead, all or those whose file or
+sentence matches, and runs for each the tests that are named there. Ends with status 1 unless every
+one is caught. A mistake takes some ten seconds.
 """
 
 import argparse
-import os
 import pathlib
 import random
 import re
-import shutil
-import signal
-import subprocess
 import sys
 import time
 
-ROOT = pathlib.Path(__file__).resolve().parent.parent
-WORK = ROOT / "build" / "mutation"
-TREE = WORK / "tree"
-PARTS = ["CMakeLists.txt", "cmake", "docs", "examples", "fuzz", "kestan", "packaging", "tests"]
+import mutation_tree as tree
+import planted_mistakes
+
+ROOT = tree.ROOT
 WANTED = 0.95
 SECONDS_FOR_TESTS = 300
 SLOW = r"\w*faults|hostile|fuzz"
@@ -87,71 +88,33 @@ def choose(files, count, seed):
     return chosen
 
 
-def run(command, seconds):
-    """Returns whether the command succeeded; one that takes too long did not. Ends what it started."""
-    process = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
-                               start_new_session=True)
-    try:
-        return process.wait(timeout=seconds) == 0
-    except subprocess.TimeoutExpired:
-        return False
-    finally:
-        end_group(process)
-
-
-def end_group(process):
-    """Ends the process and all it started: tests of a changed library may run for ever."""
-    try:
-        os.killpg(process.pid, signal.SIGKILL)
-    except ProcessLookupError:
-        pass
-    process.wait()
-
-
-def build(jobs):
-    return run(["cmake", "--build", str(WORK / "build"), "-j", str(jobs)], 1800)
-
-
 def tests_pass(room, jobs, quick):
-    test = ["ctest", "--test-dir", str(WORK / "build"), "-j", str(jobs), "--stop-on-failure",
-            "--timeout", "60"]
     own = TESTS_OF_ROOM.get(room, room)
     left_out = f"^(docs|install|{own}|{SLOW})/"
-    return (run([*test, "-R", f"^({own})/"], SECONDS_FOR_TESTS)
-            and run([*test, "-E", left_out], SECONDS_FOR_TESTS)
-            and (quick or run([*test, "-R", f"^({SLOW})/"], SECONDS_FOR_TESTS)))
+
+    def pass_each(*chosen):
+        return tree.ctest(jobs, SECONDS_FOR_TESTS, "--stop-on-failure", *chosen)
+
+    return (pass_each("-R", f"^({own})/") and pass_each("-E", left_out)
+            and (quick or pass_each("-R", f"^({SLOW})/")))
 
 
 def prepare(jobs):
-    shutil.rmtree(WORK, ignore_errors=True)  # copies keep their times, which a build would go by
-    TREE.mkdir(parents=True)
-    for part in PARTS:
-        source = ROOT / part
-        if source.is_dir():
-            shutil.copytree(source, TREE / part)
-        else:
-            shutil.copy2(source, TREE / part)
-    configured = run(["cmake", "-S", str(TREE), "-B", str(WORK / "build"), "-G", "Ninja",
-                      "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS=-O1 -g0 -D_GLIBCXX_ASSERTIONS",
-                      "-DKESTAN_BUILD_CLI=OFF"], 120)
-    if not (configured and build(jobs) and tests_pass("storage", jobs, True)):
+    tree.synchronise()
+    if not (tree.configure(with_command=False) and tree.build(jobs) and tests_pass("storage", jobs, True)):
         sys.exit("the unchanged tree does not pass its tests")
 
 
 def judge(change, jobs, quick):
     """Returns "caught", "survived" or "does not compile"."""
-    file = TREE / change.file.relative_to(ROOT)
-    original = file.read_text()
-    lines = original.splitlines()
+    name = change.file.relative_to(ROOT)
+    lines = (ROOT / name).read_text().splitlines()
     lines[change.number - 1] = change.after
-    file.write_text("\n".join(lines) + "\n")
-    try:
-        if not build(jobs):
+    with tree.changed(name, "\n".join(lines) + "\n"):
+        if not tree.build(jobs):
             return "does not compile"
-        room = change.file.relative_to(ROOT / "kestan").parts[0]
+        room = name.relative_to("kestan").parts[0]
         return "survived" if tests_pass(room, jobs, quick) else "caught"
-    finally:
-        file.write_text(original)
 
 
 def read_reasons():
@@ -170,8 +133,11 @@ def main():
     parser.add_argument("--skip", type=int, default=0)
     parser.add_argument("--jobs", type=int, default=2)
     parser.add_argument("--quick", action="store_true")
+    parser.add_argument("--planted", nargs="?", const="", metavar="PATTERN")
     parser.add_argument("files", nargs="*", type=lambda name: pathlib.Path(name).resolve())
     arguments = parser.parse_args()
+    if arguments.planted is not None:
+        sys.exit(0 if planted_mistakes.replay(arguments.planted, arguments.jobs) else 1)
 
     files = arguments.files or sorted([*ROOT.glob("kestan/*/*.cc"), *ROOT.glob("kestan/*/*.h")])
     reasons = read_reasons()
