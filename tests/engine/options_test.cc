@@ -254,6 +254,18 @@ TEST_F(Conversion, ReachesTheFileWithTheNextFlush) {
   EXPECT_EQ(gdbm.Calls().end()[-2].value, Units({7}));
 }
 
+TEST_F(Conversion, RecordsThatStayAsTheyAreAreWrittenToo) {
+  PlantAndReopen({{"code", Units({7})}, {"empty", ""}, {"word", Units({7, 1, 10})}});
+  GdbmWatch gdbm;
+  engine_.SetOptionFlag(1);
+  engine_.FlushIndex();
+  Lines writes;
+  for (const GdbmCall& call : gdbm.Calls()) {
+    if (call.function == "store") writes.push_back(call.key);
+  }
+  EXPECT_EQ(writes, (Lines{"g-opts", "code", "empty", "word"}));
+}
+
 TEST_F(Conversion, IsSeenByQueriesBeforeTheFlush) {
   engine_.AddDocumentWords("name", "word word");
   engine_.SetOptionFlag(1);

@@ -187,6 +187,19 @@ TEST_F(WordLists, StoringSetsTheSizeToTheLengthPlus4096) {
   EXPECT_EQ(Kestan::WBSize, 8194u);
 }
 
+TEST_F(WordLists, StoringSetsTheSizeEvenWhereTheFileRefuses) {
+  GdbmWatch gdbm;
+  gdbm.Fail("store", 1, GDBM_FILE_WRITE_ERROR);
+  EXPECT_EQ(engine_.DBPutWords("list", "a"), GDBM_FILE_WRITE_ERROR);
+  EXPECT_EQ(Kestan::WBSize, 4097u);
+}
+
+TEST_F(WordLists, StoringSetsTheSizeEvenWithoutAnIndex) {
+  engine_.CloseIndex();
+  StandardErrorOf([&] { EXPECT_EQ(engine_.DBPutWords("list", "ab"), -1); });
+  EXPECT_EQ(Kestan::WBSize, 4098u);
+}
+
 TEST_F(WordLists, StoringNothingNeedsNoStatedSize) {
   EXPECT_EQ(engine_.DBPutWords("list", ""), 0);
   EXPECT_EQ(Kestan::WBSize, 0u);

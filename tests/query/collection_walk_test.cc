@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "tests/query/query_test.h"
+#include "tests/support/gdbm_calls.h"
 
 namespace kestan_tests {
 namespace {
@@ -23,6 +24,8 @@ std::vector<std::string> KeysInOrder(const std::string& path) {
   return keys;
 }
 
+auto CountLines(const std::string& lines) { return std::count(lines.begin(), lines.end(), '\n'); }
+
 class CollectionWalk : public IndexTest {
  protected:
   // Lists the one document, whose name has `length` bytes.
@@ -35,6 +38,20 @@ class CollectionWalk : public IndexTest {
   std::string WordOf(std::size_t length) {
     PlantAndReopen({{std::string(length, 'n'), ""}, {"g-code", Units({1})}});
     return engine_.CommonWords(0, -1);
+  }
+
+  // Runs `walk` over five documents and a word of each, with the `nth` value that it fetches out of
+  // reach.
+  template <typename Walk>
+  std::string WalkWithout(int nth, Walk walk) {
+    Records records = {{"g-code", Units({5})}};
+    for (const char* name : {"a", "b", "c", "d", "e"}) {
+      records["d-" + std::string(name)] = records["word" + std::string(name)] = "";
+    }
+    PlantAndReopen(records);
+    GdbmWatch gdbm;
+    gdbm.Fail("fetch", nth + 1, GDBM_FILE_READ_ERROR);  // the first is that of the counter
+    return walk();
   }
 
   static std::string Line(std::size_t length) { return std::string(length, 'n') + "\n"; }
@@ -174,10 +191,24 @@ TEST_F(CollectionWalk, BufferCountedAs0GrowsTo4096) {
 
 TEST_F(CollectionWalk, ManyRecordsAreVisitedOnceAcrossFlushes) {
   for (int i = 0; i < 500; ++i) engine_.AddDocumentWords(std::to_string(i).c_str(), "cat");
-  const std::string lines = engine_.ListDocuments();
-  EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), 500);
+  EXPECT_EQ(CountLines(engine_.ListDocuments()), 500);
   EXPECT_STREQ(engine_.CommonWords(500, 500), "cat\n");
   EXPECT_EQ(Stored().at("g-code"), Units({500}));
+}
+
+TEST_F(CollectionWalk, EndsAtARecordThatCannotBeFetched) {
+  const auto documents = [&] { return engine_.ListDocuments(); };
+  const auto words = [&] { return engine_.CommonWords(0, -1); };
+  const std::string all_documents = WalkWithout(11, documents);
+  const std::string all_words = WalkWithout(11, words);
+  ASSERT_EQ(CountLines(all_documents) + CountLines(all_words), 10);
+  for (int nth = 1; nth <= 10; ++nth) {
+    const std::string first_documents = WalkWithout(nth, documents);
+    const std::string first_words = WalkWithout(nth, words);
+    EXPECT_EQ(first_documents, all_documents.substr(0, first_documents.size()));
+    EXPECT_EQ(first_words, all_words.substr(0, first_words.size()));
+    EXPECT_EQ(CountLines(first_documents) + CountLines(first_words), nth - 1);
+  }
 }
 
 // What a walk has passed is cached until the next flush, and a shared value that is put under a

@@ -1,9 +1,12 @@
-// How often the walk of kestan/query/stats.cc flushes the store.
+// How often the walk of kestan/query/stats.cc flushes the store, and what it holds meanwhile: a
+// changed record that somebody holds is written by every flush.
 #include "tests/query/query_test.h"
 #include "tests/support/gdbm_calls.h"
 
 namespace kestan_tests {
 namespace {
+
+using Lines = std::vector<std::string>;
 
 class FlushCadence : public IndexTest {
  protected:
@@ -37,6 +40,43 @@ class FlushCadence : public IndexTest {
   }
 };
 
+// Counts how often each record is written while one of the walks goes over records that were all
+// changed, and in two flushes after it.
+class FlushHolds : public FlushCadence {
+ protected:
+  // Has `count` records, and the words among them changed by flag 1.
+  void ChangeAll(int count) {
+    PlantRecords(count);
+    PlantAndReopen({{"g-opts", Units({0, 0})}});
+    ASSERT_EQ(engine_.SetOptionFlag(1), 0);
+  }
+
+  template <typename Walk>
+  std::map<std::string, int> WritesOf(Walk walk) {
+    last_keys_.clear();
+    const GdbmWatch watch;
+    walk();
+    engine_.FlushIndex();
+    engine_.FlushIndex();
+    std::map<std::string, int> writes;
+    for (const GdbmCall& call : watch.Calls()) {
+      if (call.function == "nextkey") last_keys_.push_back(call.key);
+      if (call.function == "store") ++writes[call.key];
+    }
+    return writes;
+  }
+
+  static Lines WrittenTwiceOrMore(const std::map<std::string, int>& writes) {
+    Lines keys;
+    for (const auto& [key, times] : writes) {
+      for (int i = 1; i < times; ++i) keys.push_back(key);
+    }
+    return keys;
+  }
+
+  Lines last_keys_;  // each key that a walk has passed, in its order
+};
+
 TEST_F(FlushCadence, WalkOver250RecordsFlushesTwice) {
   PlantRecords(250);
   EXPECT_EQ(OfDocuments(), (Numbers{101, 202}));
@@ -64,6 +104,38 @@ TEST_F(FlushCadence, IndexWithoutCounterIsNotWalked) {
   const GdbmWatch watch;
   engine_.ListDocuments();
   EXPECT_EQ(watch.Count("firstkey"), 0U);
+}
+
+TEST_F(FlushHolds, OnlyTheRecordThatAFlushMeetsIsWrittenByTheNextToo) {
+  ChangeAll(250);
+  const auto by_documents = WritesOf([&] { engine_.ListDocuments(); });
+  EXPECT_EQ(by_documents.size(), 248U);
+  EXPECT_EQ(WrittenTwiceOrMore(by_documents), Lines{last_keys_.at(100)});
+  ChangeAll(250);
+  const auto by_words = WritesOf([&] { engine_.CommonWords(0, 1); });
+  EXPECT_EQ(by_words.size(), 248U);
+  EXPECT_EQ(WrittenTwiceOrMore(by_words), Lines{last_keys_.at(100)});
+}
+
+TEST_F(FlushHolds, NothingAfterTheWalk) {
+  ChangeAll(50);
+  const auto by_documents = WritesOf([&] { engine_.ListDocuments(); });
+  EXPECT_EQ(by_documents.size(), 48U);
+  EXPECT_EQ(WrittenTwiceOrMore(by_documents), Lines{});
+  ChangeAll(50);
+  const auto by_words = WritesOf([&] { engine_.CommonWords(0, 1); });
+  EXPECT_EQ(by_words.size(), 48U);
+  EXPECT_EQ(WrittenTwiceOrMore(by_words), Lines{});
+}
+
+TEST_F(FlushHolds, NoCounterDuringTheWalk) {
+  PlantRecords(150);
+  engine_.AddDocumentWords("two", "");
+  EXPECT_EQ(WritesOf([&] { engine_.CommonWords(0, 1); }),
+            (std::map<std::string, int>{{"g-code", 1}}));
+  engine_.AddDocumentWords("three", "");
+  EXPECT_EQ(WritesOf([&] { engine_.ListDocuments(); }),
+            (std::map<std::string, int>{{"g-code", 1}}));
 }
 
 }  // namespace

@@ -1,10 +1,30 @@
 // Result ids and what they keep alive, of kestan/query/registry.cc.
+#include <unistd.h>
+
 #include <climits>
+#include <cstdlib>
+#include <memory>
 
 #include "tests/query/query_test.h"
+#include "tests/support/heap.h"
 
 namespace kestan_tests {
 namespace {
+
+constexpr std::size_t kManyBytes = std::size_t{1} << 20;
+
+constexpr int kKept = 42;
+constexpr int kReleased = 43;
+
+// How much memory must be in use when everything else of the process has ended; 0: nobody asks.
+std::size_t bytes_to_keep = 0;
+
+void LookAtTheEnd() {
+  if (bytes_to_keep != 0) _exit(HeapBytes() >= bytes_to_keep ? kKept : kReleased);
+}
+
+// What is registered before any other object is made runs after all of them are destroyed.
+__attribute__((constructor(101))) void RegisterTheLook() { std::atexit(LookAtTheEnd); }
 
 class Registry : public QueryTest {
  protected:
@@ -101,6 +121,53 @@ TEST_F(Registry, EnginesShareIdsAndSets) {
   engine_.FreeQueryResult(2);
   EXPECT_EQ(engine_.QueryOr(1, 2), -1);
   second->CloseIndex();
+}
+
+TEST_F(Registry, SetsOutliveTheEngineThatMadeThem) {
+  const std::string other_path = folder_ / "other";
+  Plant(other_path, {{"dog", Entry(1, {2})}});
+  auto other = std::make_unique<Kestan>();
+  ASSERT_EQ(other->OpenIndex(other_path.c_str(), 1), 0);
+  EXPECT_EQ(other->QueryWord("dog"), 1);
+  EXPECT_EQ(Word("cat"), 2);
+  other.reset();
+  EXPECT_EQ(HitsOf(1), (Hits{{1, 1, {2}}}));
+  EXPECT_EQ(And(1, 2, 0), 3);
+  EXPECT_EQ(Listing(3), "100 one\n");
+  engine_.FreeQueryResult(1);
+}
+
+// A word with so many positions that its sets tell by their size whether they are there.
+class RegistryMemory : public QueryTest {
+ protected:
+  void SetUp() override {
+    QueryTest::SetUp();
+    std::string record;
+    for (unsigned code = 1; code <= 20; ++code) record += Entry(code, Numbers(60000, 7));
+    PlantAndReopen({{"cat", record}});
+    engine_.FreeQueryResult(engine_.QueryWord("cat"));  // the record itself is cached from now on
+  }
+};
+
+TEST_F(RegistryMemory, AFreedSetLeavesNothing) {
+  const std::size_t before = HeapBytes();
+  const int word = engine_.QueryWord("cat");
+  const int both = engine_.QueryOr(word, word);
+  EXPECT_GT(HeapBytes(), before + 2 * kManyBytes);
+  engine_.FreeQueryResult(word);
+  engine_.FreeQueryResult(both);
+  EXPECT_LT(HeapBytes(), before + kManyBytes / 16);
+}
+
+// A host that is ending need not wait until every set is taken apart.
+TEST_F(RegistryMemory, SetsThatNobodyFreedStayWhenTheProcessEnds) {
+  const auto end_with_sets = [&] {
+    const std::size_t before = HeapBytes();
+    for (int i = 0; i < 4; ++i) engine_.QueryWord("cat");
+    bytes_to_keep = before + (HeapBytes() - before) / 2;
+    std::exit(0);
+  };
+  EXPECT_EXIT(end_with_sets(), testing::ExitedWithCode(kKept), "");
 }
 
 }  // namespace

@@ -115,6 +115,19 @@ TEST_F(DatabaseGet, CopiesTheKey) {
   EXPECT_EQ(Held("key").ptr, value.ptr);
 }
 
+TEST_F(DatabaseGet, ACountedKeyHasItsCountAgain) {
+  PlantAndReopen({{"key", "value"}});
+  const DBDatumPtr key = Counted("key");
+  const DBDatumPtr absent = Counted("absent");
+  DBDatumPtr value;
+  EXPECT_EQ(store_.Get(&value, *absent.ptr), GDBM_ITEM_NOT_FOUND);
+  EXPECT_EQ(absent.ptr->refs, 1);
+  for (int i = 0; i < 2; ++i) {  // from the file, and from the cache
+    EXPECT_EQ(store_.Get(&value, *key.ptr), 0);
+    EXPECT_EQ(key.ptr->refs, 1);
+  }
+}
+
 TEST_F(DatabaseGet, LeavesTheCountOfAnUncountedKey) {
   PlantAndReopen({{"key", "value"}});
   const DBDatum key = Datum("key");

@@ -74,6 +74,16 @@ TEST_F(DatabasePut, CopiesACountedKeyOfAnUncountedValue) {
   EXPECT_EQ(key.ptr->refs, 1);
 }
 
+TEST_F(DatabasePut, ACountedKeyThatIsCachedHasItsCountAgain) {
+  const DBDatumPtr key = Counted("key");
+  const DBDatumPtr value = Counted("value");
+  Put("key", "old");
+  EXPECT_EQ(store_.Put(*key.ptr, Datum("new")), 0);
+  EXPECT_EQ(key.ptr->refs, 1);
+  EXPECT_EQ(store_.Put(*key.ptr, *value.ptr), 0);
+  EXPECT_EQ(key.ptr->refs, 1);
+}
+
 TEST_F(DatabasePut, SharesACountedValue) {
   const DBDatumPtr value = Counted("value");
   EXPECT_EQ(store_.Put(Datum("key"), *value.ptr), 0);
@@ -264,6 +274,15 @@ TEST_F(DatabaseDel, ARefusedDeleteIsNoErrorAndForgetsTheCachedValue) {
   Change(Held("key"), "VALUE");
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(store_.Del(Datum("key")), 0); }), "");
   EXPECT_EQ(Get("key"), "value");
+}
+
+TEST_F(DatabaseDel, ACountedKeyHasItsCountAgain) {
+  const DBDatumPtr key = Counted("key");
+  Put("key", "value");
+  for (int i = 0; i < 2; ++i) {  // with a record, and without
+    EXPECT_EQ(store_.Del(*key.ptr), 0);
+    EXPECT_EQ(key.ptr->refs, 1);
+  }
 }
 
 TEST_F(DatabaseDel, TheHolderKeepsTheValue) {
