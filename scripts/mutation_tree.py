@@ -1,6 +1,7 @@
 """A copy of the tree in build/mutation/tree, in which mistakes are made, built and tested."""
 
 import contextlib
+import fcntl
 import os
 import pathlib
 import re
@@ -43,8 +44,19 @@ def files_of(root):
     return {file.relative_to(root) for file in found}
 
 
+def claim():
+    """Keeps the copy to this process until it ends; ends it if another has the copy."""
+    WORK.mkdir(parents=True, exist_ok=True)
+    lock = os.open(WORK / "lock", os.O_RDWR | os.O_CREAT)
+    try:
+        fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+    except OSError:
+        raise SystemExit(f"another run works in {WORK}") from None
+
+
 def synchronise():
     """Makes the copy like the tree. What is the same already keeps its time, and need not be built."""
+    claim()
     wanted = files_of(ROOT)
     for name in files_of(TREE) - wanted:
         (TREE / name).unlink()
