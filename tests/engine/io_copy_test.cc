@@ -187,6 +187,24 @@ TEST_F(CopyIndex, WithoutAnIndexATargetThatExistsKeepsItsRecords) {
   EXPECT_EQ(Dump(copy_path_), (Records{{"t-old", "kept"}}));
 }
 
+TEST_F(CopyIndex, EndsAtARecordThatCannotBeFetched) {
+  Fill(10);
+  GdbmWatch gdbm;
+  gdbm.Fail("fetch", 5, GDBM_FILE_READ_ERROR);
+  EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(Copy(), 0); }), "");
+  const Lines stored = StoresIn(gdbm, copy_path_);
+  EXPECT_GE(stored.size(), 4u);
+  EXPECT_LE(stored.size(), 5u);  // the flags are read from memory, whether they come early or late
+}
+
+TEST_F(CopyIndex, GoesOnBehindARecordThatTheTargetRefuses) {
+  Fill(10);
+  GdbmWatch gdbm;
+  gdbm.Fail("store", 3, GDBM_FILE_WRITE_ERROR);
+  EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(Copy(), 0); }), "");
+  EXPECT_EQ(Dump(copy_path_).size(), 9u);
+}
+
 TEST_F(CopyIndex, FlushErrorsOfTheIndexArePrintedAndTheCopyGoesOn) {
   Fill(1000);
   PlantAndReopen({{"word", Units({7, 2, 10, 20})}});

@@ -39,6 +39,13 @@ TEST_F(ClosedEngine, WritingAMissingFileCreatesIt) {
   EXPECT_EQ(Stored(), (Records{{"g-opts", kNoOptions}}));
 }
 
+TEST_F(ClosedEngine, OptionsAreLoadedBeforeTheReusableCodes) {
+  Plant(path_, {{"g-opts", kNoOptions}, {"g-avail", Units({3})}});
+  const GdbmWatch gdbm;
+  EXPECT_EQ(engine_.OpenIndex(path_.c_str(), 1), 0);
+  EXPECT_EQ(gdbm.Lines(), (Lines{"fetch g-opts", "fetch g-avail"}));
+}
+
 TEST_F(ClosedEngine, AnyModeButZeroWrites) {
   for (int mode : {1, 2, -1}) {
     EXPECT_EQ(engine_.OpenIndex(path_.c_str(), mode), 0);

@@ -113,6 +113,7 @@ TEST_F(WordLists, OfWhiteSpaceAloneAreEmpty) {
 
 TEST_F(WordLists, ThatWereNeverStoredAreNull) {
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(engine_.DBGetWords("list"), nullptr); }), "");
+  EXPECT_EQ(Kestan::WBSize, 0u);
 }
 
 TEST_F(WordLists, AreReplacedByTheNextOne) {

@@ -20,7 +20,58 @@ class StoreUse : public IndexTest {
       return call.function == function && call.key == key;
     });
   }
+
+  // Runs `action` and returns what it changed in the file, in that order.
+  template <typename Action>
+  static std::vector<std::string> ChangesBy(Action action) {
+    const GdbmWatch watch;
+    action();
+    std::vector<std::string> changes;
+    for (const GdbmCall& call : watch.Calls()) {
+      const bool is_change = call.function == "store" || call.function == "delete";
+      if (is_change) changes.push_back(call.function + " " + call.key);
+    }
+    return changes;
+  }
 };
+
+using Changes = std::vector<std::string>;
+
+TEST_F(StoreUse, AdditionWritesCounterWordsNameAndDocumentInThisOrder) {
+  EXPECT_EQ(
+      ChangesBy([&] { engine_.AddDocumentWords("one", "dog cat"); }),
+      (Changes{"store g-code", "store cat", "store dog", "store " + NameKey(1), "store d-one"}));
+}
+
+TEST_F(StoreUse, AdditionRemovesTheEarlierVersionFirst) {
+  PlantAndReopen(Document("one", 1) + Records{{"g-code", Units({1})}});
+  EXPECT_EQ(ChangesBy([&] { engine_.AddDocumentWords("one", "cat"); }),
+            (Changes{"store g-deleted", "delete " + NameKey(1), "delete d-one", "store cat",
+                     "store " + NameKey(2), "store d-one"}));
+}
+
+TEST_F(StoreUse, RenamingDeletesTheOldRecordBeforeItStoresTheNew) {
+  PlantAndReopen(Document("old", 7));
+  EXPECT_EQ(ChangesBy([&] { engine_.MoveDocumentWords("old", "new"); }),
+            (Changes{"delete d-old", "store d-new"}));
+}
+
+// A list that was not cached stays changed, and the flush writes it once more.
+TEST_F(StoreUse, ShrinkingStoresTheFirstReusableCodesAtOnce) {
+  const Records removed = {{"cat", Entry(2, {1})}, {"g-deleted", Units({2})}};
+  const auto shrink = [&] { engine_.ShrinkIndex(); };
+  PlantAndReopen(removed);
+  EXPECT_EQ(ChangesBy(shrink),
+            (Changes{"delete g-deleted", "store g-avail", "store cat", "store g-avail"}));
+  PlantAndReopen(removed + Records{{"g-avail", ""}});
+  EXPECT_EQ(ChangesBy(shrink), (Changes{"delete g-deleted", "store g-avail", "store cat"}));
+}
+
+TEST_F(StoreUse, ShrinkingStoresFurtherReusableCodesAtTheFlush) {
+  PlantAndReopen({{"cat", Entry(2, {1})}, {"g-avail", Units({3})}, {"g-deleted", Units({2})}});
+  EXPECT_EQ(ChangesBy([&] { engine_.ShrinkIndex(); }),
+            (Changes{"delete g-deleted", "store cat", "store g-avail"}));
+}
 
 TEST_F(StoreUse, KnownWordIsFetchedOnceForADocument) {
   PlantAndReopen({{"cat", Entry(1, {1})}, {"g-code", Units({1})}});
