@@ -161,6 +161,14 @@ TEST_F(Lifecycle, ASecondOpenIsRefusedAndChangesNothing) {
   EXPECT_STREQ(engine_.DBGetTitle("name"), "title");
 }
 
+TEST_F(Lifecycle, ASecondOpenTouchesNoFile) {
+  engine_.FlushIndex();  // a look at a record would have to read it now
+  const GdbmWatch gdbm;
+  StandardErrorOf([&] { EXPECT_EQ(engine_.OpenIndex(path_.c_str(), 1), -1); });
+  EXPECT_TRUE(gdbm.Calls().empty());
+  EXPECT_TRUE(gdbm.Openings().empty());
+}
+
 TEST_F(Lifecycle, ASecondOpenKeepsTheOptions) {
   engine_.SetOptionFlag(4);
   const std::string other_path = folder_ / "other";

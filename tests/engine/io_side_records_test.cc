@@ -173,6 +173,17 @@ TEST_F(SideRecords, TheFamiliesDoNotCollide) {
   EXPECT_EQ(stored.count("s-doc1"), 0u);
 }
 
+TEST_F(SideRecords, WhatCannotBeReadIsNotDeleted) {
+  PlantAndReopen({{"t-name", "title"}});
+  {
+    GdbmWatch gdbm;
+    gdbm.Fail("fetch", 1, GDBM_FILE_READ_ERROR);
+    EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(engine_.DBDelTitle("name"), -1); }), "");
+    EXPECT_EQ(gdbm.Count("delete"), 0u);
+  }
+  EXPECT_EQ(Stored().at("t-name"), "title");
+}
+
 TEST_F(SideRecords, TheNextGetOverwritesTheText) {
   engine_.DBPutTitle("a", "first");
   engine_.DBPutTitle("b", "second");
