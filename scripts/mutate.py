@@ -14,7 +14,7 @@ seconds to two minutes.
 
 With --planted it makes the mistakes of scripts/planted_mistakes.txt instead, all or those whose file or
 sentence matches, and runs for each the tests that are named there. Ends with status 1 unless every
-one is caught. A mistake takes some ten seconds.
+one is caught. A mistake takes some seconds.
 """
 
 import argparse

@@ -94,6 +94,12 @@ TEST_F(StoreUse, NewWordIsStoredAtOnceAndAgainAtTheFlush) {
   EXPECT_EQ(CallsOf("store", "cat", [&] { engine_.FlushIndex(); }), 1);
 }
 
+TEST_F(StoreUse, FirstCounterIsStoredAtOnceAndNotAgain) {
+  const auto add = [&] { engine_.AddDocumentWords("one", ""); };
+  EXPECT_EQ(CallsOf("store", "g-code", add), 1);
+  EXPECT_EQ(CallsOf("store", "g-code", [&] { engine_.FlushIndex(); }), 0);
+}
+
 TEST_F(StoreUse, RenamedDocumentReachesTheFileAtOnceAndItsNameAtTheFlush) {
   PlantAndReopen(Document("old", 7));
   const auto move = [&] { engine_.MoveDocumentWords("old", "new"); };

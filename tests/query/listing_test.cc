@@ -90,6 +90,11 @@ TEST_F(QueryResults, CodesListedAsRemovedAreLeftOutWhateverTheirName) {
   EXPECT_EQ(Of({2, 2, 2, 1}), "100 2\n50 4\n");
 }
 
+TEST_F(QueryResults, CodesListedTwiceAsRemovedAreLeftOutToo) {
+  PlantAndReopen({{"g-deleted", Units({2, 2})}});
+  EXPECT_EQ(Of({1, 1, 1}), "100 1\n100 3\n");
+}
+
 TEST_F(QueryResults, RemovedDocumentDoesNotSetTheScale) {
   PlantAndReopen({{"g-deleted", Units({1})}});
   EXPECT_EQ(Of({100, 4, 1}), "100 2\n25 3\n");
