@@ -50,6 +50,17 @@ void Rewrite(DBDatum* target, const DBDatum& source) {
   target->data = bytes;
 }
 
+// Returns whether gdbm's walk on from `key` never ends, in `file` as it is now.
+bool LeadsToCycle(GDBM_FILE file, DBDatumPtr key) {
+  kestan::WalkGuard guard;
+  while (!guard.HasMet(*key.ptr)) {
+    const datum next = gdbm_nextkey(file, ForGdbm(*key.ptr));
+    if (next.dptr == nullptr) return false;
+    key = kestan::AdoptDatum(next.dptr, static_cast<std::uint32_t>(next.dsize));
+  }
+  return true;
+}
+
 }  // namespace
 
 Database::Database()
@@ -133,7 +144,6 @@ int Database::GetMany(DBDatumPtr* values, const DBDatum* keys, std::size_t count
 int Database::Put(const DBDatum& key, const DBDatum& value) {
   if (!IsOpenFor("put")) return -1;
   ++changes_;
-  walk_guard_->Restart();
   kestan::DBCache::Entry* entry = cache_->Find(key);
   if (entry == nullptr) {
     const bool counted = value.refs > 0;
@@ -153,7 +163,6 @@ int Database::Put(const DBDatum& key, const DBDatum& value) {
 int Database::Del(const DBDatum& key) {
   if (!IsOpenFor("del")) return -1;
   ++changes_;
-  walk_guard_->Restart();
   if (FitsGdbm(key) && gdbm_delete(dbf, ForGdbm(key)) != 0) Remember(kestan::LastError());
   cache_->Erase(key);  // last, for it may free the bytes of `key`
   return 0;
@@ -176,13 +185,16 @@ int Database::Next(DBDatumPtr* key, DBDatumPtr* value) {
 }
 
 // Moves the walk to the key of `found_bytes` bytes at `found`, which it takes; null ends the walk.
+// In a damaged file gdbm may come to the same keys for ever. A key that comes twice does not prove
+// that: changes of the file may have moved it, and in another file it is another record. So the
+// proof is a walk ahead, during which nothing changes.
 int Database::Visit(DBDatumPtr* key, DBDatumPtr* value, char* found, int found_bytes) {
   const int error = found == nullptr ? kestan::LastError() : 0;
   walk_error_ = IsReadFailure(error) ? Remember(error) : 0;
   if (found == nullptr) return -1;
   cursor = kestan::AdoptDatum(found, static_cast<std::uint32_t>(found_bytes));
   if (const kestan::DBCache::Entry* entry = cache_->Find(*cursor.ptr)) cursor = entry->key;
-  if (walk_guard_->IsCircle(*cursor.ptr)) {
+  if (walk_guard_->HasMet(*cursor.ptr) && LeadsToCycle(dbf, cursor)) {
     walk_error_ = Remember(GDBM_BAD_HASH_TABLE);
     return -1;
   }

@@ -83,14 +83,16 @@ class KESTAN_EXPORT Database {
   int Del(const DBDatum& key);
 
   // Starts (First) or continues (Next) a walk over the keys of the file, in gdbm's order. `*key`
-  // first gives up what it held. Where `value` is not null, fetches the value as Get() does.
+  // first gives up what it held. Where `value` is not null, fetches the value as Get() does. The
+  // file may change between two steps, or be another one: each step is what gdbm makes it. A walk
+  // that would never end in a damaged file is ended.
   //   Returns  0; -1 at the end, before any First(), or without a file, with `*key` null and
   //            `*value` as it was; or what Get() returned.
   int First(DBDatumPtr* key, DBDatumPtr* value = nullptr);
   int Next(DBDatumPtr* key, DBDatumPtr* value = nullptr);
 
   // Returns 0 if the last walk ended because there are no more keys, else gdbm's error number,
-  // which is GDBM_BAD_HASH_TABLE where the walk went in circles.
+  // which is GDBM_BAD_HASH_TABLE where the walk would never have ended.
   int WalkError() const { return walk_error_; }
 
   // Returns gdbm's number of the first error since Open() that kept a record from being read or

@@ -1,4 +1,4 @@
-// Notices a walk that goes in circles.
+// Notices keys that a walk meets twice.
 #ifndef KESTAN_STORAGE_WALK_GUARD_H_
 #define KESTAN_STORAGE_WALK_GUARD_H_
 
@@ -9,24 +9,26 @@
 
 namespace kestan {
 
-// In a file whose directory is damaged, gdbm may come to the same keys again and again. Each key of
-// a walk is compared with one that was met before, and after twice as many keys with a later one,
-// so that any circle is found within three rounds.
+// Each key of a walk is compared with one that was met before, and after twice as many keys with a
+// later one, so that a cycle is noticed within three rounds. In a file that does not change between
+// the steps, a key that comes twice proves a cycle. In one that does, it may not.
 class WalkGuard {
  public:
-  // Forgets what was met, at the start of a walk or when keys are added or taken away: gdbm may
-  // then come to a key twice without going in circles.
+  // Forgets all keys, at the start of a walk.
   void Restart() {
     steps_ = 0;
     landmark_.Free();
   }
 
-  // Tells whether the walk has come to `key` before. Copies `key`.
-  bool IsCircle(const DBDatum& key) {
-    if (landmark_.ptr != nullptr && *landmark_.ptr == key) return true;
+  // Notes that the walk has come to `key`, which is copied.
+  //   Returns  whether it is known to have been there before. Then the next keys are new to the
+  //            guard until the walk is twice as long, so that long walks get few alarms.
+  bool HasMet(const DBDatum& key) {
+    const bool is_landmark = landmark_.ptr != nullptr && *landmark_.ptr == key;
+    if (is_landmark) landmark_.Free();
     ++steps_;
     if ((steps_ & (steps_ - 1)) == 0) landmark_ = CopyDatum(key);
-    return false;
+    return is_landmark;
   }
 
  private:

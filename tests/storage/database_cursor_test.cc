@@ -1,4 +1,8 @@
 // Walking the keys of the file.
+#include <algorithm>
+#include <array>
+#include <cstdint>
+
 #include "tests/storage/database_test.h"
 
 namespace kestan_tests {
@@ -20,12 +24,13 @@ class DatabaseCursor : public DatabaseTest {
     return records;
   }
 
-  // Walks the keys alone, in the order they come.
-  Lines Keys() {
+  // Walks the keys alone, at most `most` of them, in the order they come.
+  Lines Keys(std::size_t most = SIZE_MAX) {
     Lines keys;
     DBDatumPtr key;
     for (int end = store_.First(&key); end == 0; end = store_.Next(&key)) {
       keys.push_back(Bytes(*key.ptr));
+      if (keys.size() == most) break;
     }
     return keys;
   }
@@ -43,6 +48,20 @@ class DatabaseCursor : public DatabaseTest {
     gdbm_close(file);
     return keys;
   }
+
+  // Goes on with the walk, and expects the keys that come after `key` in the file at `path`.
+  void ExpectRestAfter(const std::string& key, const std::string& path) {
+    Lines rest;
+    for (DBDatumPtr next; store_.Next(&next) == 0;) rest.push_back(Bytes(*next.ptr));
+    EXPECT_EQ(store_.WalkError(), 0);
+    store_.Close();
+    const Lines keys = GdbmKeys(path);
+    EXPECT_EQ(rest, Lines(std::next(std::find(keys.begin(), keys.end(), key)), keys.end()));
+  }
+
+  // Keys that collide in gdbm's table, so that their order depends on which of them came first.
+  static constexpr std::array<const char*, 10> kCrowded = {
+      "k5304", "k85", "k8462", "k8109", "k3338", "k9423", "k4580", "k499", "k3875", "k3175"};
 
   const Records three_ = {{"a", "1"}, {"b", "2"}, {std::string("c\0c", 3), ""}};
 };
@@ -129,6 +148,41 @@ TEST_F(DatabaseCursor, AWalkSurvivesFlushes) {
     store_.Flush();
   }
   EXPECT_EQ(seen, three_);
+}
+
+// In a file that holds the same keys in another order, a walk may come to keys that it has passed.
+TEST_F(DatabaseCursor, GoesOnInACompactedFileAsGdbmDoes) {
+  for (const char* key : kCrowded) Put(key, "value");
+  const std::string fifth = Keys(5).back();
+  store_.Shrink();
+  ExpectRestAfter(fifth, path_);
+}
+
+TEST_F(DatabaseCursor, GoesOnInAnotherFileAsGdbmDoes) {
+  for (const char* key : kCrowded) Put(key, "value");
+  const std::string other = folder_ / "other";
+  for (const std::string& key : Keys()) Plant(other, {{key, "value"}});
+  const std::string fifth = Keys(5).back();
+  store_.Close();
+  store_.Open(other.c_str(), 1);
+  ExpectRestAfter(fifth, other);
+}
+
+// Flushes store held records of an earlier file in the next one too.
+TEST_F(DatabaseCursor, GoesOnAsGdbmDoesWhereAFlushAddsRecords) {
+  std::vector<DBDatumPtr> held;
+  for (int i = 1239; i <= 1245; ++i) {
+    Put("h" + std::to_string(i), "value");
+    held.push_back(Held("h" + std::to_string(i)));
+  }
+  const std::string other = folder_ / "other";
+  store_.Close();
+  store_.Open(other.c_str(), 1);
+  for (const char* key : kCrowded) Put(key, "value");
+  for (const DBDatumPtr& value : held) Change(value, "X");
+  const std::string fifth = Keys(5).back();
+  store_.Flush();
+  ExpectRestAfter(fifth, other);
 }
 
 TEST_F(DatabaseCursor, TheEndFreesTheKeyAndLeavesTheValue) {
