@@ -48,6 +48,12 @@ TEST_F(StripLocale, ItsLettersAreLetters) {
   EXPECT_EQ(Words("\xe9t\xe9 cat", "\xe9t\xe9"), " cat");
 }
 
+TEST_F(StripLocale, ItsLettersMatchStopWordsInBothCases) {
+  EXPECT_EQ(Words("\xc4HN cat", "\xe4hn"), " cat");
+  EXPECT_EQ(Words("\xe4hn cat", "\xc4HN"), " cat");
+  EXPECT_EQ(Words("\xf6hn cat", "\xe4hn"), "\xf6hn cat");
+}
+
 TEST_F(StripLocale, ItsOtherBytesSeparate) { EXPECT_EQ(NonWords("a\xd7z"), "a z "); }
 
 // As a signed char it is -1, which the classification takes for the end of a file.
