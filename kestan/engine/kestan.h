@@ -67,7 +67,8 @@ class KESTAN_EXPORT Kestan {
 
   // Copies every record, with changes that wait to be written, into the index at `path`, which is
   // created where it is missing; records that it has already stay unless their keys are the same.
-  // Flushes this index and the copy after the 1001st record, and then after every 1000 more.
+  // Flushes this index and the copy after the 1001st record, and then after every 1000 more. Ends
+  // at a record that cannot be read, which FileError() then tells.
   //   Returns  0; -1 if `path` cannot be opened; else gdbm's error number from closing the copy.
   //   Prints   "Kestan: Could not open index file 'PATH' -- ERROR", without a line break.
   int CopyIndexTo(const char* path);
@@ -87,7 +88,8 @@ class KESTAN_EXPORT Kestan {
 
   // Sets `flags` (their low 32 bits), unless any one of them is set already: then changes nothing.
   // Flag 1 drops the positions of every word, for good; the other flags are the host's own.
-  //   Returns  0; -1 if `flags` is 0.
+  //   Returns  0; -1 if `flags` is 0; -3 with nothing changed if they hold flag 1 and not every
+  //            record of the index can be read.
   int SetOptionFlag(unsigned long flags);
 
   // Clears `flags` (their low 32 bits).
@@ -113,7 +115,7 @@ class KESTAN_EXPORT Kestan {
   int DBPutTitle(const char* name, const char* text);
 
   // Deletes the text of `name` from the file at once.
-  //   Returns  0; -1 if there is none or no index.
+  //   Returns  0; -1 if there is none, it cannot be read, or there is no index.
   int DBDelUser(const char* name);
   int DBDelSummary(const char* name);
   int DBDelTitle(const char* name);
@@ -173,9 +175,10 @@ class KESTAN_EXPORT Kestan {
   // an earlier one. Every word is recorded as it stands and, where that differs, with bit 5 set in
   // each byte, which makes capital letters small. Either string may lie in the scratch buffer.
   //   Returns  the words that the index had never seen, in order of their bytes, each followed by
-  //            a line feed, in the scratch buffer; a constant empty string if the index is full
-  //            or its code counter cannot be read (an earlier version is removed all the same), or
-  //            none is open. A word whose record cannot be read is left out.
+  //            a line feed, in the scratch buffer; a constant empty string if none is open; if the
+  //            index is full, where an earlier version is removed all the same; or with nothing
+  //            changed if the code counter, or what it takes to remove an earlier version, cannot
+  //            be read. A word whose record cannot be read is left out.
   //   Prints   "Kestan: Too many documents (max=65535) -- try shrinking database" when it is full;
   //            "Kestan: Posting record of 'WORD' is full -- entry left out" where a record would
   //            pass 2,147,483,647 bytes. An index whose list of reusable codes holds a 0 makes it
@@ -184,13 +187,16 @@ class KESTAN_EXPORT Kestan {
 
   // Takes the document `name` out of the index. Queries no longer list it; its postings stay until
   // ShrinkIndex, and its title, summary and user record until the host deletes them.
-  //   Returns  0; 1 if there is no such document or no index.
+  //   Returns  0; 1 if there is no such document or no index; -1 with nothing changed if the
+  //            document's record or the list of removed documents cannot be read.
   int RemoveDocumentWords(const char* name);
 
   // Renames a document and renews its timestamp. Its title, summary and user record keep the old
   // name. A document that has the new name already is not removed first, so remove it before.
-  //   Returns  0; -1 if there is no document `oldname` or no index, or its name record is missing.
-  //   Prints   in the last case "Kestan: Could not fetch document for code CODE (oops!)".
+  //   Returns  0; -1 if there is no document `oldname` or no index, or its name record is missing;
+  //            -2 with nothing changed if one of its two records cannot be read.
+  //   Prints   where the name record is missing
+  //            "Kestan: Could not fetch document for code CODE (oops!)".
   int MoveDocumentWords(const char* oldname, const char* newname);
 
   // Returns when the document `name` was added or last moved, in seconds since 1970; 0 if there is

@@ -2,17 +2,27 @@
 #include <kestan/engine/kestan.h>
 #include <kestan/engine/keys.h>
 #include <kestan/engine/records.h>
+#include <kestan/storage/memory.h>
 
 namespace {
 
-// Takes the positions out of every word's record; they reach the file at the next flush.
-void DropAllPositions(Database& store) {
+// Fetches the records of all words.
+//   Returns  false if there may be records, of words or not, that cannot be read.
+bool FetchWords(Database& store, kestan::Vector<DBDatumPtr>* words) {
   DBDatumPtr key;
   DBDatumPtr value;
-  for (int end = store.First(&key, &value); end == 0; end = store.Next(&key, &value)) {
-    if (kestan::IsSystemKey(*key.ptr)) continue;
-    kestan::DropPositions(value.ptr);
-    value.ptr->dirty = true;
+  int end = store.First(&key, &value);
+  for (; end == 0; end = store.Next(&key, &value)) {
+    if (!kestan::IsSystemKey(*key.ptr)) words->push_back(value);
+  }
+  return end == -1 && store.WalkError() == 0;
+}
+
+// Takes the positions out of the words' records; they reach the file at the next flush.
+void DropAllPositions(const kestan::Vector<DBDatumPtr>& words) {
+  for (const DBDatumPtr& word : words) {
+    kestan::DropPositions(word.ptr);
+    word.ptr->dirty = true;
   }
 }
 
@@ -44,9 +54,14 @@ int Kestan::SetOptionFlag(unsigned long flags) {
   const auto mask = static_cast<std::uint32_t>(flags);
   if (mask == 0) return -1;
   if ((OptionFlags & mask) != 0) return 0;
+  const bool drops_positions = (mask & kestan::kFlagNoPositions) != 0;
+  kestan::Vector<DBDatumPtr> words;
+  // All are read before the flag is stored: with it, positions that stay would be read as codes.
+  if (drops_positions && IsOpen() && !FetchWords(store_, &words)) return -3;
   OptionFlags |= mask;
   PutOptions();
-  if ((mask & kestan::kFlagNoPositions) != 0) DropAllPositions(store_);
+  if (drops_positions && !IsOpen()) FetchWords(store_, &words);  // for the message of the store
+  DropAllPositions(words);
   return 0;
 }
 

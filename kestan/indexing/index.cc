@@ -23,6 +23,12 @@ using kestan::kEngineName;
 
 std::uint32_t Now() { return static_cast<std::uint32_t>(std::time(nullptr)); }
 
+bool IsUnreadable(Database& store, std::string_view key) {
+  bool is_unreadable = false;
+  Fetch(store, key, &is_unreadable);
+  return is_unreadable;
+}
+
 void MarkDirty(const DBDatumPtr& value) { value.ptr->dirty = true; }
 
 // Counts one code further.
@@ -121,10 +127,11 @@ const char* Kestan::AddDocumentWords(const char* name, const char* text) {
   // Copies: both strings may lie in the scratch buffer, which is written below.
   const kestan::String document(name);
   const DocumentWords words(text);
-  RemoveDocumentWords(document.c_str());
-  if (!IsOpen()) return "";
+  const bool reuse = IsOpen() && kestan::CountCodes(*AvailCodes.ptr) != 0;
+  // An earlier version stays where nothing could take its place.
+  if (IsOpen() && !reuse && IsUnreadable(store_, kestan::kCounterKey)) return "";
+  if (RemoveDocumentWords(document.c_str()) < 0 || !IsOpen()) return "";
   kestan::ScratchText lines;
-  const bool reuse = kestan::CountCodes(*AvailCodes.ptr) != 0;
   const Code code = reuse ? ReuseCode(AvailCodes) : NextCode(store_);
   if (code == 0) return "";
 
@@ -138,15 +145,16 @@ const char* Kestan::AddDocumentWords(const char* name, const char* text) {
 
 int Kestan::RemoveDocumentWords(const char* name) {
   const kestan::String key = ItemKey(kestan::kDocumentFamily, name);
-  const DBDatumPtr record = Fetch(store_, key);
-  if (record.ptr == nullptr) return 1;
-  const Code code = kestan::DocumentCode(*record.ptr);
   bool is_unreadable = false;
+  const DBDatumPtr record = Fetch(store_, key, &is_unreadable);
+  if (record.ptr == nullptr) return is_unreadable ? -1 : 1;
+  const Code code = kestan::DocumentCode(*record.ptr);
   const DBDatumPtr deleted = Fetch(store_, kestan::kDeletedKey, &is_unreadable);
+  if (is_unreadable) return -1;  // the code would be listed nowhere, and nobody could use it again
   if (deleted.ptr != nullptr) {
     kestan::AppendCode(deleted.ptr, code);
     MarkDirty(deleted);
-  } else if (!is_unreadable) {
+  } else {
     store_.Put(AsDatum(kestan::kDeletedKey), AsDatum(kestan::EncodeCode(code)));
   }
   store_.Del(AsDatum(kestan::NameKey(code)));
@@ -156,15 +164,16 @@ int Kestan::RemoveDocumentWords(const char* name) {
 
 int Kestan::MoveDocumentWords(const char* oldname, const char* newname) {
   const kestan::String old_key = ItemKey(kestan::kDocumentFamily, oldname);
-  const DBDatumPtr record = Fetch(store_, old_key);
-  if (record.ptr == nullptr) return -1;
-  store_.Del(AsDatum(old_key));
+  bool is_unreadable = false;
+  const DBDatumPtr record = Fetch(store_, old_key, &is_unreadable);
+  if (record.ptr == nullptr) return is_unreadable ? -2 : -1;
   const Code code = kestan::DocumentCode(*record.ptr);
+  const auto name_key = kestan::NameKey(code);
+  const DBDatumPtr name = Fetch(store_, {name_key.data(), name_key.size()}, &is_unreadable);
+  if (is_unreadable) return -2;  // it would keep the old name
+  store_.Del(AsDatum(old_key));
   kestan::SetDocumentTimestamp(record.ptr, Now());
   store_.Put(AsDatum(ItemKey(kestan::kDocumentFamily, newname)), *record.ptr);
-
-  DBDatumPtr name;
-  store_.Get(&name, AsDatum(kestan::NameKey(code)));
   if (name.ptr == nullptr) {
     std::fprintf(stderr, "%s: Could not fetch document for code %d (oops!)\n", kEngineName, code);
     return -1;

@@ -124,11 +124,12 @@ TEST_F(GdbmFaultMethods, DelDoesNotTellThatGdbmKeptTheText) {
   EXPECT_EQ(Stored().at("t-a"), "title");
 }
 
-TEST_F(GdbmFaultMethods, DocumentsThatCannotBeReadAreUnknown) {
-  WithEachError("fetch", [&](int) {
+TEST_F(GdbmFaultMethods, DocumentsThatCannotBeReadAreUnknownAndStay) {
+  WithEachError("fetch", [&](int error) {
+    const bool is_missing = error == GDBM_ITEM_NOT_FOUND;
     EXPECT_EQ(engine_.DocumentTimestamp("a"), 0u);
-    EXPECT_EQ(engine_.RemoveDocumentWords("a"), 1);
-    EXPECT_EQ(engine_.MoveDocumentWords("a", "new"), -1);
+    EXPECT_EQ(engine_.RemoveDocumentWords("a"), is_missing ? 1 : -1);
+    EXPECT_EQ(engine_.MoveDocumentWords("a", "new"), is_missing ? -1 : -2);
     EXPECT_EQ(engine_.QueryWord("cat"), -1);
   });
   EXPECT_NE(engine_.DocumentTimestamp("a"), 0u);
@@ -142,13 +143,35 @@ TEST_F(GdbmFaultMethods, DocumentThatCannotBeDeletedMovesAllTheSame) {
   WithEachError("delete", [&](int) { EXPECT_EQ(engine_.MoveDocumentWords("a", "new"), 0); });
 }
 
-TEST_F(GdbmFaultMethods, MoveSaysThatTheNameCannotBeRead) {
+TEST_F(GdbmFaultMethods, MoveSaysThatTheNameIsMissing) {
   GdbmWatch watch;
-  watch.Fail("fetch", 2, GDBM_FILE_READ_ERROR);
+  watch.Fail("fetch", 2, GDBM_ITEM_NOT_FOUND);
   int result = 0;
   EXPECT_EQ(StandardErrorOf([&] { result = engine_.MoveDocumentWords("b", "new"); }),
             "Kestan: Could not fetch document for code 2 (oops!)\n");
   EXPECT_EQ(result, -1);
+}
+
+TEST_F(GdbmFaultMethods, MoveNeedsToReadTheName) {
+  for (int error : ErrorsOf("fetch")) {
+    if (error == GDBM_ITEM_NOT_FOUND) continue;
+    GdbmWatch watch;
+    watch.Fail("fetch", 2, error);
+    EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(engine_.MoveDocumentWords("b", "new"), -2); }), "");
+    EXPECT_EQ(watch.Count("store") + watch.Count("delete"), 0u);
+    engine_.FlushIndex();
+  }
+}
+
+TEST_F(GdbmFaultMethods, RemoveNeedsToReadTheRemovedCodes) {
+  for (int error : ErrorsOf("fetch")) {
+    if (error == GDBM_ITEM_NOT_FOUND) continue;  // there are none then
+    GdbmWatch watch;
+    watch.Fail("fetch", 2, error);
+    EXPECT_EQ(engine_.RemoveDocumentWords("b"), -1);
+    EXPECT_EQ(watch.Count("store") + watch.Count("delete"), 0u);
+    engine_.FlushIndex();
+  }
 }
 
 TEST_F(GdbmFaultMethods, AddListsNewWordsThatItCannotStore) {
@@ -274,11 +297,17 @@ TEST_F(GdbmFaultMethods, WalksEndWhereAKeyCannotBeRead) {
   }
 }
 
-TEST_F(GdbmFaultMethods, PositionsAreDroppedAsFarAsTheWalkComes) {
-  GdbmWatch watch;
-  watch.Fail("firstkey", 1, GDBM_FILE_READ_ERROR);
-  EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(engine_.SetOptionFlag(1), 0); }), "");
-  EXPECT_EQ(engine_.Options(), 1u);
+TEST_F(GdbmFaultMethods, PositionsStayWhereTheWalkBreaksOff) {
+  for (const char* function : {"firstkey", "nextkey"}) {
+    for (int error : ErrorsOf(function)) {
+      if (error == GDBM_ITEM_NOT_FOUND) continue;  // looks like the end
+      GdbmWatch watch;
+      watch.Fail(function, 1, error);
+      EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(engine_.SetOptionFlag(1), -3); }), "");
+      EXPECT_EQ(watch.Count("store"), 0u);
+    }
+  }
+  EXPECT_EQ(engine_.Options(), 0u);
 }
 
 TEST_F(GdbmFaultMethods, ListsAreEmptyWithoutTheCounter) {

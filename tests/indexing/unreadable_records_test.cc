@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <filesystem>
 #include <functional>
 
+#include "tests/indexing/planting.h"
 #include "tests/support/gdbm_calls.h"
 #include "tests/support/index_test.h"
 
@@ -13,6 +15,7 @@ namespace kestan_tests {
 namespace {
 
 using Action = std::function<void(Kestan*)>;
+using Method = std::function<int(Kestan*)>;
 
 class UnreadableRecord : public testing::Test {
  protected:
@@ -43,6 +46,14 @@ class UnreadableRecord : public testing::Test {
     return Dump(path_);
   }
 
+  // The same for a method, which must return `result` then and change nothing.
+  void ExpectRefusal(const std::string& key, int result, const Method& method) {
+    int returned = 0;
+    const auto action = [&](Kestan* engine) { returned = method(engine); };
+    EXPECT_EQ(After(key, action), before_) << key;
+    EXPECT_EQ(returned, result) << key;
+  }
+
   TempDir folder_;
   const std::string path_ = folder_ / "index";
   Records before_;
@@ -56,7 +67,8 @@ class UnreadableRecord : public testing::Test {
 
   // The fetches of a run on a copy in which nothing fails.
   std::vector<std::string> FetchesOf(const Action& action) {
-    std::filesystem::copy_file(path_, folder_ / "copy");
+    std::filesystem::copy_file(path_, folder_ / "copy",
+                               std::filesystem::copy_options::overwrite_existing);
     GdbmWatch watch;
     Run(folder_ / "copy", action);
     std::vector<std::string> fetches;
@@ -93,13 +105,81 @@ TEST_F(UnreadableRecord, OfTheCounterLeavesTheIndexAsItWas) {
   EXPECT_EQ(new_words, "");
 }
 
-TEST_F(UnreadableRecord, OfRemovedCodesStaysWhenADocumentIsRemoved) {
-  int result = -1;
-  const Records after =
-      After("g-deleted", [&](Kestan* engine) { result = engine->RemoveDocumentWords("b"); });
-  EXPECT_EQ(result, 0);
+TEST_F(UnreadableRecord, OfTheCounterKeepsTheEarlierVersion) {
+  std::string new_words = "?";
+  const Records after = After("g-code", [&](Kestan* engine) {
+    engine->AddDocumentWords("x", "cat");  // takes the reusable code
+    new_words = engine->AddDocumentWords("b", "fresh");
+  });
+  EXPECT_EQ(new_words, "");
+  EXPECT_EQ(after.at("d-b"), before_.at("d-b"));
   EXPECT_EQ(after.at("g-deleted"), before_.at("g-deleted"));
-  EXPECT_EQ(after.count("d-b"), 0u);
+}
+
+int RemoveB(Kestan* engine) { return engine->RemoveDocumentWords("b"); }
+int MoveB(Kestan* engine) { return engine->MoveDocumentWords("b", "new"); }
+int DropPositions(Kestan* engine) { return engine->SetOptionFlag(1 | 4); }
+
+TEST_F(UnreadableRecord, KeepsTheDocumentFromBeingRemoved) {
+  for (const char* key : {"g-deleted", "d-b"}) ExpectRefusal(key, -1, RemoveB);
+}
+
+TEST_F(UnreadableRecord, KeepsTheEarlierVersionOfADocument) {
+  const auto add = [](Kestan* engine) {
+    return static_cast<int>(std::strlen(engine->AddDocumentWords("b", "fresh")));
+  };
+  for (const char* key : {"g-deleted", "d-b"}) ExpectRefusal(key, 0, add);
+}
+
+TEST_F(UnreadableRecord, KeepsTheDocumentFromMoving) {
+  for (const std::string& key : {std::string("d-b"), NameKey(2)}) ExpectRefusal(key, -2, MoveB);
+}
+
+TEST_F(UnreadableRecord, KeepsThePositionsOfAllWords) {
+  for (const auto& [key, value] : before_) {
+    if (key == "g-opts" || key == "g-avail") continue;  // read when the index is opened
+    ExpectRefusal(key, -3, DropPositions);
+  }
+}
+
+TEST_F(UnreadableRecord, LeavesTheFlagsAsTheyWere) {
+  unsigned long flags = 0;
+  After("dog", [&](Kestan* engine) {
+    DropPositions(engine);
+    flags = engine->Options();
+  });
+  EXPECT_EQ(flags, 0u);
+}
+
+TEST_F(UnreadableRecord, DoesNoHarmWhereTheNextTryReadsIt) {
+  const Records after = After("g-deleted", [](Kestan* engine) {
+    RemoveB(engine);
+    RemoveB(engine);
+    DropPositions(engine);
+  });
+  EXPECT_EQ(after.at("g-deleted"), Units({3, 2}));
+  EXPECT_EQ(after.at("cat"), Units({1, 2, 3}));
+  EXPECT_EQ(after.at("g-opts"), Units({5, 0}));
+}
+
+TEST_F(UnreadableRecord, DoesNotMatterToTheHostsOwnFlags) {
+  Kestan engine;
+  ASSERT_EQ(engine.OpenIndex(path_.c_str(), 1), 0);
+  GdbmWatch watch;
+  watch.FailFrom("fetch", 1, GDBM_FILE_READ_ERROR);
+  EXPECT_EQ(engine.SetOptionFlag(4), 0);
+}
+
+TEST_F(UnreadableRecord, KeepsThePositionsWhereTheWalkBreaksOff) {
+  for (const char* function : {"firstkey", "nextkey"}) {
+    GdbmWatch watch;
+    watch.Fail(function, 1, GDBM_FILE_READ_ERROR);
+    Kestan engine;
+    ASSERT_EQ(engine.OpenIndex(path_.c_str(), 1), 0);
+    EXPECT_EQ(DropPositions(&engine), -3);
+    engine.CloseIndex();
+    EXPECT_EQ(Dump(path_), before_);
+  }
 }
 
 TEST_F(UnreadableRecord, OfReusableCodesKeepsTheIndexFromOpening) {
