@@ -41,8 +41,8 @@ void Resize(DBDatum* record, std::size_t bytes) {
 // Resizes a record that will grow again and again.
 void ResizeWithSlack(DBDatum* record, std::size_t bytes) {
   if (malloc_usable_size(record->data) < bytes) {
-    const std::size_t roomy = std::min<std::size_t>(bytes + bytes / 4, kMaxRecordBytes);
-    record->data = static_cast<char*>(Reallocate(record->data, roomy));
+    std::size_t roomy = std::min<std::size_t>(bytes + bytes / 4, kMaxRecordBytes);
+    record->data = static_cast<char*>(ReallocateWithSlack(record->data, bytes, &roomy));
   }
   record->size = static_cast<std::uint32_t>(bytes);
 }

@@ -18,10 +18,11 @@ void ScratchBuffer::Grow(std::uint32_t new_size) {
 }
 
 void ScratchBuffer::Enlarge(std::size_t count) {
-  const std::size_t roomy = capacity + capacity / 2;  // long texts must not be moved for every line
-  const std::size_t target = std::max({count, roomy, static_cast<std::size_t>(size)});
-  bytes = static_cast<char*>(Reallocate(capacity != 0 ? bytes : nullptr, target));
-  capacity = std::max<std::size_t>(target, 1);
+  const std::size_t least = std::max<std::size_t>(count, size);
+  // Long texts must not be moved for every line.
+  std::size_t roomy = std::max(least, capacity + capacity / 2);
+  bytes = static_cast<char*>(ReallocateWithSlack(capacity != 0 ? bytes : nullptr, least, &roomy));
+  capacity = std::max<std::size_t>(roomy, 1);
 }
 
 void ScratchBuffer::Release() {

@@ -22,4 +22,11 @@ void* Reallocate(void* block, std::size_t bytes) {
   return served;
 }
 
+void* ReallocateWithSlack(void* block, std::size_t least, std::size_t* roomy) {
+  void* const served = std::realloc(block, std::max<std::size_t>(*roomy, 1));
+  if (served != nullptr) return served;
+  *roomy = least;
+  return Reallocate(block, least);
+}
+
 }  // namespace kestan

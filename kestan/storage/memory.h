@@ -24,6 +24,10 @@ inline constexpr const char* kEngineName = "Kestan";
 void* Allocate(std::size_t bytes);
 void* Reallocate(void* block, std::size_t bytes);
 
+// The same for a block that will grow again: asks for `*roomy` bytes and, where there is no memory
+// for them, for `least`, which must not be more. Leaves in `*roomy` how many there are.
+void* ReallocateWithSlack(void* block, std::size_t least, std::size_t* roomy);
+
 // Makes an object that the caller releases with delete.
 template <typename T, typename... Arguments>
 T* New(Arguments&&... arguments) {

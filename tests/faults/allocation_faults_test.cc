@@ -86,7 +86,8 @@ void CheckWholeSession(const SessionTrial& trial, const std::string& undisturbed
     ++tally->went_on;
     return;
   }
-  // Sorting asks for memory to be faster with it, and gets along without. Nothing else does.
+  // Sorting asks for memory to be faster with it, and what grows asks for more than it needs. Both
+  // do without. Nothing else does.
   EXPECT_EQ(trial.log.failed_in_gdbm, 0) << Describe(trial);
   EXPECT_EQ(trial.outcome.transcript, undisturbed) << Describe(trial);
   ++tally->fell_back;

@@ -34,6 +34,19 @@ TEST(Memory, ReallocatedMemoryKeepsItsBytes) {
   std::free(block);
 }
 
+TEST(Memory, SlackIsTakenWhereThereIsMemoryForIt) {
+  std::size_t roomy = 100;
+  void* block = kestan::ReallocateWithSlack(nullptr, 10, &roomy);
+  std::memset(block, 'x', 100);
+  EXPECT_EQ(roomy, 100u);
+
+  roomy = SIZE_MAX / 2;
+  block = kestan::ReallocateWithSlack(block, 200, &roomy);
+  EXPECT_EQ(static_cast<char*>(block)[99], 'x');
+  EXPECT_EQ(roomy, 200u);
+  std::free(block);
+}
+
 TEST(Memory, ReallocatingNothingAllocates) {
   char* const block = static_cast<char*>(kestan::Reallocate(nullptr, 3));
   std::memcpy(block, "abc", 3);
