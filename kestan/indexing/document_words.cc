@@ -1,6 +1,5 @@
 #include <kestan/engine/white_space.h>
 #include <kestan/indexing/document_words.h>
-#include <kestan/storage/hash.h>
 
 namespace kestan {
 namespace {
@@ -42,7 +41,7 @@ void DocumentWords::Record(std::string_view word) {
 std::uint32_t DocumentWords::IndexOf(std::string_view word) {
   if (words_.size() * 2 >= table_.size()) GrowTable();
   const std::size_t mask = table_.size() - 1;
-  const std::uint32_t hash = Hash(word);
+  const std::uint32_t hash = hasher_(word);
   std::size_t place = hash & mask;
   for (; table_[place] != 0; place = (place + 1) & mask) {
     const Word& known = words_[table_[place] - 1];

@@ -3,6 +3,7 @@
 #define KESTAN_INDEXING_DOCUMENT_WORDS_H_
 
 #include <kestan/engine/records.h>
+#include <kestan/storage/hash.h>
 #include <kestan/storage/memory.h>
 
 #include <cstddef>
@@ -40,6 +41,7 @@ class DocumentWords {
   void GrowTable();
   void SortPositions();
 
+  const Hasher hasher_;
   const String text_;
   String folded_;  // the same bytes, folded, at the same places
   Position next_position_ = 1;

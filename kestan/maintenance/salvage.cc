@@ -199,7 +199,7 @@ class SalvageRun {
 
   std::uint32_t* PlaceOf(std::string_view key) {
     const std::size_t mask = table_.size() - 1;
-    std::size_t at = Hash(key) & mask;
+    std::size_t at = hasher_(key) & mask;
     while (table_[at] != 0 && result_.KeyOf(result_.records_[table_[at] - 1]) != key) {
       at = (at + 1) & mask;
     }
@@ -217,6 +217,7 @@ class SalvageRun {
   const Bytes& file_;
   const gdbm::BucketMap map_;
   Salvage& result_;
+  const Hasher hasher_;
   Bucket bucket_;
   Vector<Fallback> fallbacks_;
   Vector<Span> in_use_;          // or known to be free

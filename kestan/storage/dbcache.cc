@@ -1,5 +1,4 @@
 #include <kestan/storage/dbcache.h>
-#include <kestan/storage/hash.h>
 
 #include <algorithm>
 #include <cstring>
@@ -12,6 +11,13 @@ namespace {
 constexpr std::size_t kFirstPlaces = 64;
 constexpr std::size_t kBatch = 16;  // look-ups that wait for memory at the same time
 
+// The table for `count` entries, so that the next one fits as well.
+std::size_t PlacesFor(std::size_t count) {
+  std::size_t places = kFirstPlaces;
+  while (count * 4 >= places * 3) places *= 2;
+  return places;
+}
+
 std::string_view BytesOf(const DBDatum& datum) { return {datum.data, datum.size}; }
 
 bool IsSame(const KeyDigest& left, const KeyDigest& right) {
@@ -20,14 +26,14 @@ bool IsSame(const KeyDigest& left, const KeyDigest& right) {
 
 }  // namespace
 
-KeyDigest::KeyDigest(const DBDatum& key)
-    : hash(Hash(BytesOf(key))), length(static_cast<std::uint8_t>(std::min(key.size, 255u))) {
+KeyDigest::KeyDigest(const DBDatum& key, const Hasher& hasher)
+    : hash(hasher(BytesOf(key))), length(static_cast<std::uint8_t>(std::min(key.size, 255u))) {
   const std::size_t count = std::min<std::size_t>(key.size, kShortBytes);
   if (count != 0) std::memcpy(start.data(), key.data, count);
 }
 
 DBCache::Entry* DBCache::Find(const DBDatum& key) {
-  return count_ != 0 ? Find(key, KeyDigest(key)) : nullptr;
+  return count_ != 0 ? Find(key, KeyDigest(key, hasher_)) : nullptr;
 }
 
 DBCache::Entry* DBCache::Find(const DBDatum& key, const KeyDigest& digest) {
@@ -51,7 +57,7 @@ void DBCache::FindBatch(DBDatumPtr* values, const DBDatum* keys, std::size_t cou
   std::array<KeyDigest, kBatch> digests;
   std::array<DBDatum*, kBatch> found;
   for (std::size_t i = 0; i < count; ++i) {
-    digests[i] = KeyDigest(keys[i]);
+    digests[i] = KeyDigest(keys[i], hasher_);
     __builtin_prefetch(&places_[HomeOf(digests[i])]);
   }
   for (std::size_t i = 0; i < count; ++i) {
@@ -69,7 +75,7 @@ void DBCache::FindBatch(DBDatumPtr* values, const DBDatum* keys, std::size_t cou
 
 DBCache::Entry* DBCache::Insert(DBDatumPtr key, DBDatumPtr value) {
   if (count_ * 4 >= places_.size() * 3) Rebuild(std::max(kFirstPlaces, places_.size() * 2));
-  const KeyDigest digest(*key.ptr);
+  const KeyDigest digest(*key.ptr, hasher_);
   Entry& entry = places_[FreePlaceFor(digest)];
   entry = {std::move(key), std::move(value), digest};
   ++count_;
@@ -131,6 +137,8 @@ void DBCache::DropUnheld() {
   }
   places_.clear();
   count_ = 0;
+  // At once: entries that come in order of their hashes would crowd a table that grows with them.
+  if (!held.empty()) Rebuild(PlacesFor(held.size()));
   for (Entry& entry : held) Insert(std::move(entry.key), std::move(entry.value));
 }
 

@@ -3,6 +3,7 @@
 #define KESTAN_STORAGE_DBCACHE_H_
 
 #include <kestan/storage/dbdatum.h>
+#include <kestan/storage/hash.h>
 #include <kestan/storage/memory.h>
 
 #include <array>
@@ -17,7 +18,7 @@ struct KeyDigest {
   static constexpr std::size_t kShortBytes = 11;
 
   KeyDigest() = default;
-  explicit KeyDigest(const DBDatum& key);
+  KeyDigest(const DBDatum& key, const Hasher& hasher);
 
   bool IsWhole() const { return length <= kShortBytes; }
 
@@ -67,6 +68,7 @@ class DBCache {
   void Rebuild(std::size_t places);
   void CloseGap(std::size_t gap);
 
+  const Hasher hasher_;
   Vector<Entry> places_;  // a power of two of them, at most three quarters taken; or none
   std::size_t count_ = 0;
 };

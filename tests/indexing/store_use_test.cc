@@ -2,8 +2,13 @@
 #include <algorithm>
 #include <climits>
 #include <cstdint>
+#include <ctime>
+#include <limits>
+#include <string>
+#include <vector>
 
 #include "tests/indexing/planting.h"
+#include "tests/support/colliding_words.h"
 #include "tests/support/gdbm_calls.h"
 
 namespace kestan_tests {
@@ -71,6 +76,29 @@ TEST_F(StoreUse, ShrinkingStoresFurtherReusableCodesAtTheFlush) {
   PlantAndReopen({{"cat", Entry(2, {1})}, {"g-avail", Units({3})}, {"g-deleted", Units({2})}});
   EXPECT_EQ(ChangesBy([&] { engine_.ShrinkIndex(); }),
             (Changes{"delete g-deleted", "store cat", "store g-avail"}));
+}
+
+// Returns the processor time, in ticks, that an index takes for one document of `words`, twice: the
+// better of three trials.
+std::clock_t TimeToIndex(const std::vector<std::string>& words) {
+  const TempDir folder;
+  const std::string text = Joined(words);
+  std::clock_t best = std::numeric_limits<std::clock_t>::max();
+  for (const char* name : {"a", "b", "c"}) {
+    Kestan engine;
+    engine.OpenIndex((folder / name).c_str(), 1);
+    const std::clock_t start = std::clock();
+    engine.AddDocumentWords("one", text.c_str());
+    engine.AddDocumentWords("two", text.c_str());
+    best = std::min(best, std::clock() - start);
+  }
+  return best;
+}
+
+// With a hash that everybody can compute, these would take some 20 times as long.
+TEST(TimeOfIndexing, WordsOfOnePlainHashTakeTheTimeOfOthers) {
+  constexpr std::size_t kWords = 15000;
+  EXPECT_LT(TimeToIndex(WordsOfOnePlainHash(kWords)), 4 * TimeToIndex(UnrelatedWords(kWords)));
 }
 
 TEST_F(StoreUse, KnownWordIsFetchedOnceForADocument) {
