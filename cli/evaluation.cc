@@ -60,7 +60,66 @@ void CollectParts(const Query& query, std::vector<const Query*>* parts) {
   for (const Query& operand : query.operands) CollectParts(operand, parts);
 }
 
+std::vector<const Query*> PointersTo(const std::vector<Query>& queries) {
+  std::vector<const Query*> pointers;
+  for (const Query& query : queries) pointers.push_back(&query);
+  return pointers;
+}
+
+// Unites sets in their order. Only unions of equally many are united, as far as that goes, so that
+// none is copied once for each that follows.
+class Union {
+ public:
+  // Borrows `engine`.
+  explicit Union(Kestan& engine) : engine_(engine) {}
+
+  void Add(ResultSet set) {
+    if (set.id() == -1) return;
+    united_.push_back({std::move(set), 1});
+    while (united_.size() > 1 && united_[united_.size() - 2].sets == united_.back().sets) {
+      UniteLastTwo();
+    }
+  }
+
+  // Returns the union of all, -1 if there are none.
+  ResultSet Take() {
+    while (united_.size() > 1) UniteLastTwo();
+    return united_.empty() ? ResultSet(engine_, -1) : std::move(united_.front().set);
+  }
+
+ private:
+  struct United {
+    ResultSet set;
+    std::size_t sets;
+  };
+
+  void UniteLastTwo() {
+    const United last = std::move(united_.back());
+    united_.pop_back();
+    United& before = united_.back();
+    before.set = ResultSet(engine_, engine_.QueryOr(before.set.id(), last.set.id()));
+    before.sets += last.sets;
+  }
+
+  Kestan& engine_;
+  std::vector<United> united_;  // each of fewer sets than the one before, but for the last
+};
+
 }  // namespace
+
+std::vector<Repeated> Distinct(const std::vector<const Query*>& queries) {
+  std::vector<Repeated> distinct;
+  std::map<const Query*, std::size_t, QueryLess> places;
+  for (const Query* query : queries) {
+    const auto [place, is_new] = places.emplace(query, distinct.size());
+    if (is_new) {
+      distinct.push_back({query, 1});
+    } else {
+      ++distinct[place->second].times;
+    }
+  }
+  return distinct;
+}
 
 ResultSet Evaluator::Evaluate(const Query& query, Explanation* explanation) {
   const Clock::time_point start = Clock::now();
@@ -79,9 +138,18 @@ ResultSet Evaluator::Evaluate(const Query& query, Explanation* explanation) {
 }
 
 ResultSet Evaluator::EvaluateNode(const Query& query, Explanation* explanation) {
-  if (query.kind == Query::Kind::kNot) return Negate(query, explanation);
-  if (!query.operands.empty()) return EvaluateOperands(query, explanation);
-  return AnyOf(Expanded(query, explanation));
+  switch (query.kind) {
+    case Query::Kind::kNot:
+      return Negate(query, explanation);
+    case Query::Kind::kNear:
+      return EvaluateNear(query, explanation);
+    case Query::Kind::kAnd:
+      return EvaluateAnd(query, explanation);
+    case Query::Kind::kOr:
+      return EvaluateOr(query, explanation);
+    default:
+      return AnyOf(Expanded(query, explanation));
+  }
 }
 
 ResultSet Evaluator::Negate(const Query& query, Explanation* explanation) {
@@ -91,71 +159,99 @@ ResultSet Evaluator::Negate(const Query& query, Explanation* explanation) {
   return {engine_, engine_.QueryNegate(operand.id())};
 }
 
-ResultSet Evaluator::EvaluateOperands(const Query& query, Explanation* explanation) {
-  if (query.kind == Query::Kind::kNear) TellOfPositions(explanation);
+ResultSet Evaluator::EvaluateOperand(const Repeated& operand, Explanation* explanation) {
+  Explanation* const part = AddPart(explanation);
+  ResultSet result = Evaluate(*operand.query, part);
+  if (part != nullptr && operand.times > 1) {
+    if (!part->note.empty()) part->note += ", ";
+    part->note += "asked " + std::to_string(operand.times) + " times, counts once";
+  }
+  return result;
+}
+
+// Words in a row may well be equal, and are in different places then.
+ResultSet Evaluator::EvaluateNear(const Query& query, Explanation* explanation) {
+  TellOfPositions(explanation);
   ResultSet so_far = Evaluate(query.operands.front(), AddPart(explanation));
   for (std::size_t i = 1; i < query.operands.size(); ++i) {
     const Query& operand = query.operands[i];
     const ResultSet next = Evaluate(operand, AddPart(explanation));
-    const int distance = query.kind == Query::Kind::kNear ? operand.distance_words : 0;
-    const int combined = query.kind == Query::Kind::kOr
-                             ? engine_.QueryOr(so_far.id(), next.id())
-                             : engine_.QueryAnd(so_far.id(), next.id(), distance);
-    so_far = ResultSet(engine_, combined);
+    so_far = {engine_, engine_.QueryAnd(so_far.id(), next.id(), operand.distance_words)};
   }
   return so_far;
 }
 
-// Unites sets of about the same size, so that none is copied once for each word.
+ResultSet Evaluator::EvaluateAnd(const Query& query, Explanation* explanation) {
+  const std::vector<Repeated> operands = Distinct(PointersTo(query.operands));
+  ResultSet so_far = EvaluateOperand(operands.front(), explanation);
+  for (std::size_t i = 1; i < operands.size(); ++i) {
+    const ResultSet next = EvaluateOperand(operands[i], explanation);
+    so_far = {engine_, engine_.QueryAnd(so_far.id(), next.id(), 0)};
+  }
+  return so_far;
+}
+
+ResultSet Evaluator::EvaluateOr(const Query& query, Explanation* explanation) {
+  Union united(engine_);
+  for (const Repeated& operand : Distinct(PointersTo(query.operands))) {
+    united.Add(EvaluateOperand(operand, explanation));
+  }
+  return united.Take();
+}
+
 ResultSet Evaluator::AnyOf(const std::vector<std::string>& words) {
-  std::vector<ResultSet> sets;
+  Union united(engine_);
   for (const std::string& word : words) {
     ResultSet set(engine_, engine_.QueryWord(word.c_str()));
     if (set.id() == -1) continue;
     if (!negated_) sought_.insert(word);
-    sets.push_back(std::move(set));
+    united.Add(std::move(set));
   }
-  while (sets.size() > 1) {
-    std::vector<ResultSet> united;
-    for (std::size_t i = 0; i + 1 < sets.size(); i += 2) {
-      united.emplace_back(engine_, engine_.QueryOr(sets[i].id(), sets[i + 1].id()));
-    }
-    if (sets.size() % 2 == 1) united.push_back(std::move(sets.back()));
-    sets = std::move(united);
-  }
-  return sets.empty() ? ResultSet(engine_, -1) : std::move(sets.front());
+  return united.Take();
 }
 
 std::vector<std::string> Evaluator::Expanded(const Query& query, Explanation* explanation) {
   if (query.kind == Query::Kind::kWord) return {query.word};
   if (query.kind == Query::Kind::kForms) return FormsOf(query.word);
+  const Expansion& expansion = ExpansionOf(query);
+  if (explanation != nullptr) explanation->note = expansion.note;
+  return expansion.words;
+}
+
+const Evaluator::Expansion& Evaluator::ExpansionOf(const Query& query) {
+  auto key = std::make_tuple(query.kind, query.word, query.edits);
+  const auto known = expansions_.find(key);
+  if (known != expansions_.end()) return known->second;
+  return expansions_.emplace(std::move(key), Expand(query)).first->second;
+}
+
+Evaluator::Expansion Evaluator::Expand(const Query& query) {
   std::vector<Similar> candidates = query.kind == Query::Kind::kPrefix
                                         ? Words().WithPrefix(query.word)
                                         : Words().WithinEdits(query.word, query.edits);
   const std::size_t found = candidates.size();
   KeepClosest(
       kMaxExpansions, [this](const std::string& word) { return DocumentsWith(word); }, &candidates);
-  if (explanation != nullptr) explanation->note = Counted(found, "word");
-  if (found > kMaxExpansions) TellOfCut(query, found, explanation);
-  std::vector<std::string> words;
-  words.reserve(candidates.size());
-  for (Similar& candidate : candidates) words.push_back(std::move(candidate.word));
-  return words;
+  Expansion expansion;
+  expansion.note = Counted(found, "word");
+  if (found > kMaxExpansions) TellOfCut(query, &expansion, found);
+  for (Similar& candidate : candidates) expansion.words.push_back(std::move(candidate.word));
+  return expansion;
 }
 
-void Evaluator::TellOfCut(const Query& query, std::size_t found, Explanation* explanation) {
+void Evaluator::TellOfCut(const Query& query, Expansion* expansion, std::size_t found) {
   const std::string closest = query.kind == Query::Kind::kFuzzy ? "closest and " : "";
-  const std::string cut = "only the " + std::to_string(kMaxExpansions) + " " + closest +
-                          "most frequent of " + Counted(found, "word");
-  if (explanation != nullptr) explanation->note = cut;
-  notes_.push_back(Spelled(query) + " stands for " + cut);
+  expansion->note = "only the " + std::to_string(kMaxExpansions) + " " + closest +
+                    "most frequent of " + Counted(found, "word");
+  notes_.push_back(Spelled(query) + " stands for " + expansion->note);
 }
 
 void Evaluator::TellOfPositions(Explanation* explanation) {
   if ((engine_.Options() & 1) == 0) return;
   if (explanation != nullptr) explanation->note = "taken for AND";
-  const std::string note = "the index keeps no positions, so NEAR and quotes are taken for AND";
-  if (std::find(notes_.begin(), notes_.end(), note) == notes_.end()) notes_.push_back(note);
+  if (told_of_positions_) return;
+  told_of_positions_ = true;
+  notes_.emplace_back("the index keeps no positions, so NEAR and quotes are taken for AND");
 }
 
 const Vocabulary& Evaluator::Words() {
@@ -164,7 +260,12 @@ const Vocabulary& Evaluator::Words() {
 }
 
 std::size_t Evaluator::DocumentsWith(const std::string& word) {
-  return CountLines(ResultSet(engine_, engine_.QueryWord(word.c_str())).Listing());
+  const auto known = documents_with_.find(word);
+  if (known != documents_with_.end()) return known->second;
+  const std::size_t counted =
+      CountLines(ResultSet(engine_, engine_.QueryWord(word.c_str())).Listing());
+  documents_with_.emplace(word, counted);
+  return counted;
 }
 
 std::vector<std::string> Evaluator::SuggestionsFor(const Query& query) {

@@ -6,9 +6,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "query.h"
@@ -29,13 +31,23 @@ struct Explanation {
   std::vector<Explanation> parts;
 };
 
+// A part of a query, and how often it comes among others.
+struct Repeated {
+  const Query* query = nullptr;
+  std::size_t times = 1;
+};
+
+// Returns each of `queries` once, in the order in which they came first. Borrows them.
+std::vector<Repeated> Distinct(const std::vector<const Query*>& queries);
+
 // Evaluates the parts of one query in the engine, and remembers what it came across.
 class Evaluator {
  public:
   // Borrows `engine`, whose index is open and has, or had, a document.
   explicit Evaluator(Kestan& engine) : engine_(engine) {}
 
-  // Evaluates `query`. Fills `*explanation`, which may be null: counting documents takes time.
+  // Evaluates `query`. Operands of AND or of OR that are equal count once. Fills `*explanation`,
+  // which may be null: counting documents takes time.
   ResultSet Evaluate(const Query& query, Explanation* explanation);
 
   // The words of the index that the query asks for, expansions among them; not those under NOT.
@@ -50,20 +62,34 @@ class Evaluator {
   std::vector<std::string> SuggestionsFor(const Query& query);
 
  private:
+  // What a prefix* or fuzzy~ stands for.
+  struct Expansion {
+    std::vector<std::string> words;
+    std::string note;
+  };
+
   ResultSet EvaluateNode(const Query& query, Explanation* explanation);
-  ResultSet EvaluateOperands(const Query& query, Explanation* explanation);
+  ResultSet EvaluateOperand(const Repeated& operand, Explanation* explanation);
+  ResultSet EvaluateNear(const Query& query, Explanation* explanation);
+  ResultSet EvaluateAnd(const Query& query, Explanation* explanation);
+  ResultSet EvaluateOr(const Query& query, Explanation* explanation);
   ResultSet Negate(const Query& query, Explanation* explanation);
   ResultSet AnyOf(const std::vector<std::string>& words);
   std::vector<std::string> Expanded(const Query& query, Explanation* explanation);
+  const Expansion& ExpansionOf(const Query& query);
+  Expansion Expand(const Query& query);
   void TellOfPositions(Explanation* explanation);
-  void TellOfCut(const Query& query, std::size_t found, Explanation* explanation);
+  void TellOfCut(const Query& query, Expansion* expansion, std::size_t found);
   const Vocabulary& Words();
   std::size_t DocumentsWith(const std::string& word);
 
   Kestan& engine_;
   std::optional<Vocabulary> words_;
+  std::map<std::tuple<Query::Kind, std::string, int>, Expansion> expansions_;
+  std::map<std::string, std::size_t> documents_with_;  // those that were counted
   std::set<std::string> sought_;
   std::vector<std::string> notes_;
+  bool told_of_positions_ = false;
   bool negated_ = false;
   std::int64_t counting_ = 0;  // microseconds
 };

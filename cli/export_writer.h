@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "latin1.h"
+#include "text_hash.h"
 
 namespace kestan_cli {
 
@@ -58,7 +59,7 @@ class JsonWriter : public ExportWriter {
   bool IsUsableId(const std::string& name);
 
   const std::string target_;
-  std::unordered_set<std::string> ids_;
+  std::unordered_set<std::string, TextHash> ids_;
 };
 
 // A script for psql, which makes and fills a table.

@@ -4,6 +4,7 @@
 #include <cctype>
 #include <cstddef>
 #include <limits>
+#include <tuple>
 #include <utility>
 
 #include "document.h"
@@ -239,6 +240,21 @@ class Parser {
 bool operator==(const Query& left, const Query& right) {
   return left.kind == right.kind && left.word == right.word && left.edits == right.edits &&
          left.distance_words == right.distance_words && left.operands == right.operands;
+}
+
+bool QueryLess::operator()(const Query* left, const Query* right) const {
+  const auto leaf = [](const Query& query) {
+    return std::tie(query.kind, query.word, query.edits, query.distance_words);
+  };
+  if (leaf(*left) != leaf(*right)) return leaf(*left) < leaf(*right);
+  const std::size_t common = std::min(left->operands.size(), right->operands.size());
+  for (std::size_t i = 0; i < common; ++i) {
+    const Query* const a = &left->operands[i];
+    const Query* const b = &right->operands[i];
+    if (*a == *b) continue;
+    return (*this)(a, b);
+  }
+  return left->operands.size() < right->operands.size();
 }
 
 std::optional<Query> ParseQuery(std::string_view text, SideBySide side_by_side) {

@@ -34,6 +34,11 @@ struct Query {
 
 bool operator==(const Query& left, const Query& right);
 
+// An order of queries, for tables of them.
+struct QueryLess {
+  bool operator()(const Query* left, const Query* right) const;
+};
+
 // What words side by side mean.
 enum class SideBySide {
   kAll,  // documents that hold all of them

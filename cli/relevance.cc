@@ -7,6 +7,8 @@
 #include <unordered_map>
 #include <utility>
 
+#include "text_hash.h"
+
 namespace kestan_cli {
 namespace {
 
@@ -18,6 +20,7 @@ constexpr double kWeightOfSize = 0.75;
 struct Share {
   double rarity = 0;
   double times = 0;  // how often the document has it
+  double asked = 1;  // how often the query has it
 };
 
 struct Candidate {
@@ -40,8 +43,8 @@ int LeastPercentOf(std::string_view listing) {
 double RelevanceOf(const Candidate& candidate) {
   const double size = 1 - kWeightOfSize + kWeightOfSize * candidate.relative_size;
   double sum = 0;
-  for (const auto& [rarity, times] : candidate.shares) {
-    sum += rarity * times * (kSaturation + 1) / (times + kSaturation * size);
+  for (const auto& [rarity, times, asked] : candidate.shares) {
+    sum += asked * rarity * times * (kSaturation + 1) / (times + kSaturation * size);
   }
   return sum;
 }
@@ -76,18 +79,20 @@ std::vector<Candidate> CandidatesOf(std::vector<Hit>* hits) {
   return candidates;
 }
 
-void AddShares(const std::vector<std::string>& parts, double documents,
+void AddShares(const std::vector<RankedPart>& parts, double documents,
                std::vector<Candidate>* candidates) {
-  std::unordered_map<std::string_view, Candidate*> by_name;
+  std::unordered_map<std::string_view, Candidate*, TextHash> by_name;
   for (Candidate& candidate : *candidates) by_name[candidate.hit.name] = &candidate;
-  for (const std::string& listing : parts) {
+  for (const RankedPart& part : parts) {
+    const std::string listing = part.listing();
+    const auto asked = static_cast<double>(part.times);
     const double rarity = RarityOf(static_cast<double>(CountLines(listing)), documents);
     const int least = LeastPercentOf(listing);
     ForEachHit(listing, [&](int percent, std::string_view name) {
       const auto found = by_name.find(name);
       if (found == by_name.end()) return;
       const double times = std::max(1.0, std::round(static_cast<double>(percent) / least));
-      found->second->shares.push_back({rarity, times});
+      found->second->shares.push_back({rarity, times, asked});
     });
   }
 }
@@ -105,7 +110,7 @@ void StorePercentages(std::vector<Candidate>* candidates, std::vector<Hit>* hits
 
 }  // namespace
 
-void SortByRelevance(const std::vector<std::string>& parts, std::uint64_t documents,
+void SortByRelevance(const std::vector<RankedPart>& parts, std::uint64_t documents,
                      const SizeOf& size_of, std::vector<Hit>* hits) {
   std::vector<Candidate> candidates = CandidatesOf(hits);
   AddShares(parts, static_cast<double>(documents), &candidates);

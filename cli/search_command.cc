@@ -77,9 +77,12 @@ class Search {
   }
 
   void RankByRelevance(const Query& query) {
-    std::vector<std::string> listings;
-    for (const Query* part : PartsThatSpeakFor(query)) {
-      listings.emplace_back(evaluator_.Evaluate(*part, nullptr).Listing());
+    std::vector<RankedPart> parts;
+    for (const auto& [part, times] : Distinct(PartsThatSpeakFor(query))) {
+      const auto listing = [this, part = part] {
+        return std::string(evaluator_.Evaluate(*part, nullptr).Listing());
+      };
+      parts.push_back({listing, times});
     }
     const std::uint64_t documents = kMaxDocuments - index_.facts().free_codes;
     const auto size_of = [this](const std::string& name) -> std::optional<std::uint64_t> {
@@ -87,7 +90,7 @@ class Search {
       if (!version) return std::nullopt;
       return version->bytes;
     };
-    SortByRelevance(listings, documents, size_of, &hits_);
+    SortByRelevance(parts, documents, size_of, &hits_);
   }
 
   std::optional<FileVersion> VersionOf(const std::string& name) {

@@ -11,6 +11,7 @@
 #include <memory>
 #include <unordered_map>
 
+#include "text_hash.h"
 #include "utf8.h"
 
 namespace kestan_cli {
@@ -101,7 +102,7 @@ std::string TransliteratedRun(std::string_view run) {
 
 // Adds `run`, which is UTF-8, to `ascii`.
 void AppendRun(std::string_view run, std::string* ascii) {
-  static std::unordered_map<std::string, std::string> kept;
+  static std::unordered_map<std::string, std::string, TextHash> kept;
   if (run.size() > kMaxKeptBytes) {
     *ascii += TransliteratedRun(run);
     return;

@@ -8,6 +8,7 @@
 
 #include "latin1.h"
 #include "message.h"
+#include "text_hash.h"
 
 namespace kestan_cli {
 namespace {
@@ -51,7 +52,7 @@ class Lexemes {
 
   TsVector& made_;
   std::vector<Lexeme> lexemes_;
-  std::unordered_map<std::string, std::size_t> numbers_;
+  std::unordered_map<std::string, std::size_t, TextHash> numbers_;
 };
 
 // Returns the most bytes that the server needs for the lexeme: its text, and its positions on an

@@ -111,6 +111,41 @@ TEST_F(EvaluationTest, ExplanationCountsDocumentsOfEveryPart) {
   EXPECT_EQ(explanation.parts[1].parts[0].label, "flow");
 }
 
+TEST_F(EvaluationTest, EqualOperandsCountOnce) {
+  EXPECT_EQ(Found("lay* OR flow OR lay* OR lay*"), Found("lay* OR flow"));
+  EXPECT_EQ(Found("layer flow layer"), Found("layer flow"));
+  EXPECT_EQ(Found("layer OR layer"), Found("layer"));
+  EXPECT_EQ(Found("(flow OR layer) bayer OR (flow OR layer)"),
+            Found("(flow OR layer OR flow) bayer OR (flow OR layer)"));
+}
+
+TEST_F(EvaluationTest, EqualWordsInARowAreInDifferentPlaces) {
+  engine_.AddDocumentWords("four", "very very good");
+  engine_.AddDocumentWords("five", "very good");
+  EXPECT_EQ(Found("\"very very\""), "100 four\n");
+}
+
+TEST_F(EvaluationTest, OperandsThatDifferInOnePlaceAreNotEqual) {
+  EXPECT_NE(Found("layer OR Layer"), Found("layer"));
+  EXPECT_NE(Found("bayer~1 OR bayer~2"), Found("bayer~2"));
+  EXPECT_NE(Found("\"layer flow\" OR layer NEAR/2 flow"), Found("\"layer flow\""));
+}
+
+TEST_F(EvaluationTest, ExplanationTellsOfEqualOperands) {
+  Explanation explanation;
+  Evaluator(engine_).Evaluate(*ParseQuery("lay* OR flow OR lay* OR flow"), &explanation);
+  ASSERT_EQ(explanation.parts.size(), 2u);
+  EXPECT_EQ(explanation.parts[0].note, "2 words, asked 2 times, counts once");
+  EXPECT_EQ(explanation.parts[1].note, "asked 2 times, counts once");
+}
+
+TEST_F(EvaluationTest, ACutIsNotedOnceForEqualParts) {
+  AddManyWords();
+  Evaluator evaluator(engine_);
+  evaluator.Evaluate(*ParseQuery("p* NEAR/2 p* (p* OR flow)"), nullptr);
+  EXPECT_EQ(evaluator.notes(), Words{"p* stands for only the 100 most frequent of 150 words"});
+}
+
 TEST_F(EvaluationTest, MissingWordsBringSuggestions) {
   EXPECT_EQ(Suggested("flwo layer"), Words{"flow"});
   EXPECT_EQ(Suggested("flow layer"), Words{});

@@ -131,5 +131,64 @@ TEST_F(QueryOfAnIndexTest, QuestionsFindWhatAnyOfTheirWordsFinds) {
   EXPECT_TRUE(holds);
 }
 
+// Combines all operands from left to right, each with what those before it have made.
+int LeftToRight(Kestan& engine, const Query& query) {
+  if (query.operands.empty()) return engine.QueryWord(query.word.c_str());
+  int so_far = LeftToRight(engine, query.operands.front());
+  if (query.kind == Query::Kind::kNot) return engine.QueryNegate(so_far);
+  for (std::size_t i = 1; i < query.operands.size(); ++i) {
+    const Query& operand = query.operands[i];
+    const int next = LeftToRight(engine, operand);
+    so_far = query.kind == Query::Kind::kOr ? engine.QueryOr(so_far, next)
+                                            : engine.QueryAnd(so_far, next, operand.distance_words);
+  }
+  return so_far;
+}
+
+constexpr std::size_t kLetters = 12;
+
+// A query for words of one letter, whose operators never have two operands alike.
+Query QueryOfDifferentOperands(int depth) {
+  Query query;
+  const int kind = depth == 0 ? 0 : *rc::gen::inRange(0, 8);
+  query.word = std::string(1, static_cast<char>('a' + *rc::gen::inRange<std::size_t>(0, kLetters)));
+  if (kind < 2) return query;
+  const Query::Kind kinds[] = {Query::Kind::kNot, Query::Kind::kNear, Query::Kind::kAnd};
+  query.kind = kind < 5 ? kinds[kind - 2] : Query::Kind::kOr;
+  query.word.clear();
+  const std::size_t count =
+      query.kind == Query::Kind::kNot ? 1 : *rc::gen::inRange<std::size_t>(2, 9);
+  while (query.operands.size() < count) {
+    Query operand = QueryOfDifferentOperands(depth - 1);
+    const bool is_known =
+        std::find(query.operands.begin(), query.operands.end(), operand) != query.operands.end();
+    if (is_known) continue;
+    if (query.kind == Query::Kind::kNear && !query.operands.empty()) {
+      operand.distance_words = *rc::gen::inRange(1, 6);
+    }
+    query.operands.push_back(std::move(operand));
+  }
+  return query;
+}
+
+TEST_F(QueryOfAnIndexTest, DifferentOperandsCountAsFromLeftToRight) {
+  for (unsigned document = 0; document < 12; ++document) {
+    std::string text;
+    for (unsigned i = 0; i < 40; ++i) {
+      text += std::string(1, static_cast<char>('a' + (i * i + 7 * i * document + document) % 23 %
+                                                         kLetters)) +
+              " ";
+    }
+    engine_.AddDocumentWords(std::to_string(document).c_str(), text.c_str());
+  }
+  const bool holds = rc::check([this] {
+    const Query query = QueryOfDifferentOperands(3);
+    Evaluator evaluator(engine_);
+    const std::string found = evaluator.Evaluate(query, nullptr).Listing();
+    RC_ASSERT(found == engine_.QueryResults(LeftToRight(engine_, query)));
+  });
+  EXPECT_TRUE(holds);
+}
+
 }  // namespace
 }  // namespace kestan_cli

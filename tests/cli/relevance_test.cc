@@ -18,7 +18,9 @@ std::string Ranked(const std::string& names, const std::vector<std::string>& par
                    std::uint64_t documents, const SizeOf& size_of = Unknown) {
   std::vector<Hit> hits;
   for (const char name : names) hits.push_back({0, std::string(1, name), hits.size()});
-  SortByRelevance(parts, documents, size_of, &hits);
+  std::vector<RankedPart> ranked;
+  for (const std::string& part : parts) ranked.push_back({[&part] { return part; }, 1});
+  SortByRelevance(ranked, documents, size_of, &hits);
   std::string text;
   for (const Hit& hit : hits) text += hit.name + std::to_string(hit.percent) + " ";
   return text;
@@ -79,7 +81,7 @@ TEST(RelevanceTest, OnlyTheFirstAreMeasured) {
   }
   std::size_t measured = 0;
   SortByRelevance(
-      {listing}, 5000,
+      {{[&] { return listing; }, 1}}, 5000,
       [&](const std::string&) {
         ++measured;
         return std::optional<std::uint64_t>(1);
@@ -87,6 +89,18 @@ TEST(RelevanceTest, OnlyTheFirstAreMeasured) {
       &hits);
   EXPECT_EQ(measured, kMeasuredHits);
   EXPECT_EQ(hits.back().name, std::to_string(kMeasuredHits + 4));
+}
+
+TEST(RelevanceTest, APartOfSeveralEqualOnesCountsEachTime) {
+  const auto ranked = [](std::vector<RankedPart> parts) {
+    std::vector<Hit> hits{{0, "a", 0}, {0, "b", 1}};
+    SortByRelevance(parts, 10, Unknown, &hits);
+    return hits.front().name + std::to_string(hits.back().percent);
+  };
+  const auto in_a = [] { return std::string("100 a\n"); };
+  const auto in_b = [] { return std::string("100 b\n"); };
+  EXPECT_EQ(ranked({{in_a, 1}, {in_b, 2}}), "b50");
+  EXPECT_EQ(ranked({{in_a, 1}, {in_b, 1}, {in_b, 1}}), "b50");
 }
 
 TEST(RelevanceTest, HitsOfNoPartComeLast) { EXPECT_EQ(Ranked("ab", {"100 b\n"}, 10), "b100 a0 "); }
