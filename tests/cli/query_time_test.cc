@@ -28,7 +28,7 @@ class QueryTimeTest : public kestan_tests::IndexTest {
     kestan_tests::IndexTest::SetUp();
     std::string text;
     for (std::size_t i = 0; i < 1000; ++i) text += WordOf(i) + " ";
-    for (std::size_t i = 0; i < 100; ++i) {
+    for (std::size_t i = 0; i < 400; ++i) {
       engine_.AddDocumentWords(std::to_string(i).c_str(), text.c_str());
     }
   }
@@ -50,14 +50,14 @@ class QueryTimeTest : public kestan_tests::IndexTest {
 
   // How many times the time of 20 operands 1,000 take.
   double Growth(const std::string& between, const Operand& operand) {
-    const auto few = static_cast<double>(std::max<std::clock_t>(Time(20, between, operand), 200));
+    const auto few = static_cast<double>(std::max<std::clock_t>(Time(20, between, operand), 100));
     return static_cast<double>(Time(1000, between, operand)) / few;
   }
 };
 
-// Fifty times as many operands, united in twice as many rounds. All pairs would be 2,500 times as
-// many.
-constexpr double kMaxGrowth = 150;
+// Fifty times as many operands, united in twice as many rounds. From left to right it was 200 times
+// the time.
+constexpr double kMaxGrowth = 110;
 
 TEST_F(QueryTimeTest, EqualOperandsTakeTheTimeOfOne) {
   EXPECT_LT(Growth(" OR ", [](std::size_t) { return "aaa"; }), 10);
@@ -74,7 +74,7 @@ TEST_F(QueryTimeTest, DifferentOperandsGrowWithTheirNumber) {
 TEST_F(QueryTimeTest, ExpansionsGrowWithTheirNumber) {
   const auto prefix = [](std::size_t i) { return WordOf(i) + "*"; };
   EXPECT_LT(Growth(" OR ", prefix), kMaxGrowth);
-  EXPECT_LT(Growth(" NEAR/9 ", [](std::size_t) { return "aa*"; }), kMaxGrowth);
+  EXPECT_LT(Growth(" NEAR/9 ", [](std::size_t) { return "bm*"; }), kMaxGrowth);
 }
 
 }  // namespace
