@@ -62,6 +62,7 @@ void CollectParts(const Query& query, std::vector<const Query*>* parts) {
 
 std::vector<const Query*> PointersTo(const std::vector<Query>& queries) {
   std::vector<const Query*> pointers;
+  pointers.reserve(queries.size());
   for (const Query& query : queries) pointers.push_back(&query);
   return pointers;
 }
