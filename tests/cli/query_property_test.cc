@@ -132,15 +132,16 @@ TEST_F(QueryOfAnIndexTest, QuestionsFindWhatAnyOfTheirWordsFinds) {
 }
 
 // Combines all operands from left to right, each with what those before it have made.
-int LeftToRight(Kestan& engine, const Query& query) {
-  if (query.operands.empty()) return engine.QueryWord(query.word.c_str());
-  int so_far = LeftToRight(engine, query.operands.front());
-  if (query.kind == Query::Kind::kNot) return engine.QueryNegate(so_far);
+ResultSet LeftToRight(Kestan& engine, const Query& query) {
+  if (query.operands.empty()) return {engine, engine.QueryWord(query.word.c_str())};
+  ResultSet so_far = LeftToRight(engine, query.operands.front());
+  if (query.kind == Query::Kind::kNot) return {engine, engine.QueryNegate(so_far.id())};
   for (std::size_t i = 1; i < query.operands.size(); ++i) {
     const Query& operand = query.operands[i];
-    const int next = LeftToRight(engine, operand);
-    so_far = query.kind == Query::Kind::kOr ? engine.QueryOr(so_far, next)
-                                            : engine.QueryAnd(so_far, next, operand.distance_words);
+    const ResultSet next = LeftToRight(engine, operand);
+    so_far = {engine, query.kind == Query::Kind::kOr
+                          ? engine.QueryOr(so_far.id(), next.id())
+                          : engine.QueryAnd(so_far.id(), next.id(), operand.distance_words)};
   }
   return so_far;
 }
@@ -185,7 +186,7 @@ TEST_F(QueryOfAnIndexTest, DifferentOperandsCountAsFromLeftToRight) {
     const Query query = QueryOfDifferentOperands(3);
     Evaluator evaluator(engine_);
     const std::string found = evaluator.Evaluate(query, nullptr).Listing();
-    RC_ASSERT(found == engine_.QueryResults(LeftToRight(engine_, query)));
+    RC_ASSERT(found == LeftToRight(engine_, query).Listing());
   });
   EXPECT_TRUE(holds);
 }
