@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <map>
@@ -136,6 +137,28 @@ class Scanner {
   std::map<std::string, Skip> skips_;
 };
 
+void AppendPart(std::string_view part, std::string* name) {
+  if (!name->empty() && name->back() != '/') *name += '/';
+  *name += part;
+}
+
+std::string_view LastPart(std::string_view name) { return name.substr(name.rfind('/') + 1); }
+
+bool IsFolder(const std::string& path) {
+  struct stat status {};
+  return lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+// Adds ".." to `*name`. It takes a folder off its end, but nothing else: the way up from where a
+// link leads is not the way that led to the link.
+void GoUp(std::string* name) {
+  if (*name == "/") return;
+  const std::string_view last = LastPart(*name);
+  if (last.empty() || last == ".." || !IsFolder(*name)) return AppendPart("..", name);
+  name->resize(name->size() - last.size());
+  if (name->size() > 1) name->pop_back();
+}
+
 }  // namespace
 
 Scan ScanPaths(const std::vector<std::string>& paths, const std::string& index_path,
@@ -146,22 +169,32 @@ Scan ScanPaths(const std::vector<std::string>& paths, const std::string& index_p
 }
 
 std::string NameOf(const std::string& path) {
-  std::string name = fs::path(path).lexically_normal().string();
-  if (name.size() > 1 && name.back() == '/') name.pop_back();
-  return name;
+  std::string name = path.substr(0, 1) == "/" ? "/" : "";
+  std::string_view rest = path;
+  while (!rest.empty()) {
+    const std::string_view part = rest.substr(0, rest.find('/'));
+    rest.remove_prefix(std::min(part.size() + 1, rest.size()));
+    if (part == "..") {
+      GoUp(&name);
+    } else if (!part.empty() && part != ".") {
+      AppendPart(part, &name);
+    }
+  }
+  return name.empty() && !path.empty() ? "." : name;
 }
 
 bool IsBelow(const std::string& name, const std::set<std::string>& paths) {
   std::string above = name;
   while (true) {
     if (paths.count(above) != 0) return true;
+    // It leads out of what stands before it, wherever to.
+    if (LastPart(above) == "..") return false;
     const std::size_t slash = above.rfind('/');
     if (slash == std::string::npos) break;
     above.resize(slash);
   }
   // What is left is the first part of the name.
-  if (above.empty()) return paths.count("/") != 0;
-  return above != ".." && paths.count(".") != 0;
+  return paths.count(above.empty() ? "/" : ".") != 0;
 }
 
 bool HasVanished(const std::string& path) {

@@ -15,7 +15,7 @@
 namespace kestan_cli {
 
 struct FoundFile {
-  std::string name;  // a lexically normal path
+  std::string name;  // as NameOf has it
   FileState state;
 };
 
@@ -36,11 +36,13 @@ enum class MissingPath { kThrow, kSkip };
 Scan ScanPaths(const std::vector<std::string>& paths, const std::string& index_path,
                const NameFilter& filter, MissingPath missing);
 
-// Returns `path` as it stands in the names of documents.
+// Returns `path` as it stands in the names of documents: a way to the same file without ".", "//",
+// a slash at the end, and ".." behind a folder that is there. Behind anything else, such as a
+// symbolic link, ".." stays. An empty path stays empty.
 std::string NameOf(const std::string& path);
 
 // Whether a document `name` is at one of `paths` (as NameOf has them) or below it, going by the
-// names alone.
+// names alone. What is behind a ".." is not below what is before it.
 bool IsBelow(const std::string& name, const std::set<std::string>& paths);
 
 // Whether nothing is at `path` any more. Where that cannot be told, something may be.

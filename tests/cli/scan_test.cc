@@ -55,7 +55,7 @@ TEST_F(ScanTest, FoldersAreWalkedInOrderOfBytes) {
   EXPECT_EQ(Files({"d"}), (Names{"d/.hidden", "d/B", "d/a.txt", "d/a/z", "d/b"}));
 }
 
-TEST_F(ScanTest, NamesAreLexicallyNormal) {
+TEST_F(ScanTest, NamesAreShort) {
   Write("d/a", "text");
   EXPECT_EQ(Files({"./d/../d//"}), Names{"d/a"});
   EXPECT_EQ(Files({"."}), Names{"d/a"});
@@ -188,11 +188,51 @@ TEST_F(ScanTest, FilesGivenByHandAreTakenWhateverThePatterns) {
   EXPECT_EQ(FilesOf(ScanOf({"a.o"}, {{}, {Glob("*.o")}})), Names{"a.o"});
 }
 
-TEST(NameOfTest, NamesHaveNoDotsAndNoSlashAtTheEnd) {
-  EXPECT_EQ(NameOf("./a//b/../c/"), "a/c");
+using NameOfTest = ScanTest;
+
+TEST_F(NameOfTest, NamesHaveNoDotsAndNoSlashAtTheEnd) {
+  EXPECT_EQ(NameOf("./a//b/./c/"), "a/b/c");
   EXPECT_EQ(NameOf("."), ".");
   EXPECT_EQ(NameOf("./"), ".");
   EXPECT_EQ(NameOf("/"), "/");
+  EXPECT_EQ(NameOf("//a/."), "/a");
+  EXPECT_EQ(NameOf(""), "");
+  EXPECT_EQ(NameOf("a..b/..c"), "a..b/..c");
+}
+
+TEST_F(NameOfTest, WayUpFromAFolderIsTakenOut) {
+  std::filesystem::create_directories("a/b");
+  EXPECT_EQ(NameOf("a/b/../c"), "a/c");
+  EXPECT_EQ(NameOf("a/b/../../c"), "c");
+  EXPECT_EQ(NameOf("a/.."), ".");
+  EXPECT_EQ(NameOf("./a/b/.././../a"), "a");
+  EXPECT_EQ(NameOf(Path("a/../c")), Path("c"));
+  EXPECT_EQ(NameOf("/../a"), "/a");
+  EXPECT_EQ(NameOf("../a/.."), "../a/..");  // of which nothing is known
+}
+
+TEST_F(NameOfTest, WayUpFromAnythingElseStays) {
+  std::filesystem::create_directories("a/b");
+  std::filesystem::create_directories("x/y");
+  std::filesystem::create_symlink("../x/y", "a/link");
+  Write("file", "text");
+  EXPECT_EQ(NameOf("a/link/../f"), "a/link/../f");
+  EXPECT_EQ(NameOf("a//link/./..//y/../f/"), "a/link/../f");
+  EXPECT_EQ(NameOf("a/link/../../f"), "a/link/../../f");
+  EXPECT_EQ(NameOf("gone/../f"), "gone/../f");
+  EXPECT_EQ(NameOf("file/../f"), "file/../f");
+  EXPECT_EQ(NameOf("../../f"), "../../f");
+}
+
+TEST_F(ScanTest, WayUpFromALinkLeadsToTheFileThatTheSystemFinds) {
+  Write("a/f", "one");
+  Write("b/f", "other text");
+  std::filesystem::create_directory("b/inner");
+  std::filesystem::create_symlink("../b/inner", "a/link");
+  const Scan scan = ScanOf({"a/link/../f"});
+  EXPECT_EQ(FilesOf(scan), Names{"a/link/../f"});
+  EXPECT_EQ(scan.files.at(0).state.bytes, 10u);
+  EXPECT_EQ(Files({"a/link/.."}), Names{"a/link/../f"});
 }
 
 TEST(IsBelowTest, NamesAreBelowTheirFolders) {
@@ -212,6 +252,14 @@ TEST(IsBelowTest, TheFolderOfTheProcessHoldsNamesThatDoNotLeaveIt) {
   EXPECT_FALSE(IsBelow("/a", {"."}));
   EXPECT_TRUE(IsBelow("../a", {".."}));
   EXPECT_FALSE(IsBelow("a", {".."}));
+}
+
+TEST(IsBelowTest, WhatIsBehindAWayUpIsNotBelowWhatIsBeforeIt) {
+  EXPECT_FALSE(IsBelow("a/link/../f", {"a"}));
+  EXPECT_FALSE(IsBelow("a/link/../f", {"a/link", "."}));
+  EXPECT_FALSE(IsBelow("/a/link/../f", {"/"}));
+  EXPECT_TRUE(IsBelow("a/link/../f", {"a/link/.."}));
+  EXPECT_TRUE(IsBelow("a/link/../f", {"a/link/../f"}));
 }
 
 TEST(IsBelowTest, TheRootHoldsAllAbsoluteNames) {
