@@ -127,15 +127,17 @@ int MillisecondsUntil(Clock::time_point deadline) {
 }
 
 // Reads once from `from`, and closes it at its end. Keeps `max_bytes` at most, plus one piece.
-void ReadOnce(Descriptor& from, std::string* into, std::uint64_t max_bytes) {
+//   Returns  false with errno set if it cannot be read: what was kept may not be all.
+bool ReadOnce(Descriptor& from, std::string* into, std::uint64_t max_bytes) {
   static std::array<char, std::size_t{1} << 16> piece;
   const ssize_t bytes = read(from.number(), piece.data(), piece.size());
-  if (bytes < 0 && errno == EINTR) return;
-  if (bytes <= 0) {
+  if (bytes < 0) return errno == EINTR;
+  if (bytes == 0) {
     from.Close();
-    return;
+    return true;
   }
   if (into->size() <= max_bytes) into->append(piece.data(), static_cast<std::size_t>(bytes));
+  return true;
 }
 
 // Reads both streams to their ends.
@@ -147,8 +149,11 @@ std::string ReadStreams(Pipe& output, Pipe& errors, const CommandLimits& limits,
         {{output.reader.number(), POLLIN, 0},  // NOLINT(misc-include-cleaner)
          {errors.reader.number(), POLLIN, 0}}};
     const int ready = poll(waiting.data(), waiting.size(), MillisecondsUntil(deadline));
-    if (waiting[0].revents != 0) ReadOnce(output.reader, &streams->output, limits.output_bytes);
-    if (waiting[1].revents != 0) ReadOnce(errors.reader, &streams->errors, kMaxErrorBytes);
+    const bool is_read =
+        (waiting[0].revents == 0 ||
+         ReadOnce(output.reader, &streams->output, limits.output_bytes)) &&
+        (waiting[1].revents == 0 || ReadOnce(errors.reader, &streams->errors, kMaxErrorBytes));
+    if (!is_read) return "could not be read from: " + ReasonOf(errno);
     if (streams->output.size() > limits.output_bytes) {
       return "wrote more than " + std::to_string(limits.output_bytes) + " bytes";
     }

@@ -9,8 +9,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <new>
 #include <unordered_map>
 
+#include "message.h"
 #include "text_hash.h"
 #include "utf8.h"
 
@@ -35,12 +37,14 @@ class Transliterator {
     UErrorCode error = U_ZERO_ERROR;
     transliterator_.reset(icu::Transliterator::createInstance(icu::UnicodeString(kSilent) + rules,
                                                               UTRANS_FORWARD, error));
-    if (U_FAILURE(error)) transliterator_.reset();
+    if (error == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
+    // Without it every letter beyond ASCII would become a blank, and be missing in silence.
+    if (U_FAILURE(error)) throw CommandError("ICU lacks the data for other scripts than ASCII");
   }
 
-  // Without its data ICU makes no transliterator; the text stays as it is then.
   void Apply(icu::UnicodeString* text) const {
-    if (transliterator_ != nullptr) transliterator_->transliterate(*text);
+    transliterator_->transliterate(*text);
+    if (text->isBogus()) throw std::bad_alloc();  // all that ICU tells
   }
 
  private:
