@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <utility>
 
 #include "utf8.h"
 
@@ -88,6 +89,14 @@ bool StartsAsUtf16(std::string_view bytes) {
   return bytes.substr(0, 2) == "\xff\xfe" || bytes.substr(0, 2) == "\xfe\xff";
 }
 
+bool IsBrokenUtf16(std::string_view bytes) { return StartsAsUtf16(bytes) && bytes.size() % 2 != 0; }
+
+std::string Utf8OrLatin1(std::string bytes) {
+  const std::size_t other = FindNonUtf8(bytes, 0);
+  if (other == bytes.size()) return bytes;
+  return WithLatin1Repaired(bytes, other);
+}
+
 std::optional<std::string> DecodedText(std::string bytes) {
   if (StartsAsUtf16(bytes)) {
     bytes = FromUtf16(bytes);
@@ -95,9 +104,7 @@ std::optional<std::string> DecodedText(std::string bytes) {
     bytes.erase(0, kUtf8Mark.size());
   }
   if (bytes.find('\0') != std::string::npos) return std::nullopt;
-  const std::size_t other = FindNonUtf8(bytes, 0);
-  if (other == bytes.size()) return bytes;
-  return WithLatin1Repaired(bytes, other);
+  return Utf8OrLatin1(std::move(bytes));
 }
 
 }  // namespace kestan_cli

@@ -12,8 +12,14 @@ struct HtmlPage {
   std::string text;   // of everything else but scripts and styles; blocks stand on their own lines
 };
 
-// Reads `bytes` (2,147,483,647 at most), however broken. They are UTF-8 where all of them read as
-// that; else in the encoding that the page names; else Latin-1. What comes back is UTF-8.
+// Reads `bytes`, however broken their markup. Their encoding is the one that the page names, with a
+// mark of UTF-8, in a meta element or in an XML declaration; without one that can be true it is
+// UTF-8, and Latin-1 where bytes are not. A page that names Latin-1 and reads as UTF-8 throughout
+// is UTF-8. Bytes that the encoding does not know part words and lose no others. What comes back is
+// UTF-8.
+//   Throws   SkipFile if not all of the text could be read, or the page is too large; bad_alloc if
+//            ICU has no memory. Where libxml2 has none, the process ends as Kestan::SafeMalloc
+//            says.
 HtmlPage ReadHtml(std::string_view bytes);
 
 }  // namespace kestan_cli

@@ -42,6 +42,13 @@ TEST(DecodeTest, OddLastByteOfUtf16IsLeftOut) {
   EXPECT_EQ(DecodedText("\xff\xfe"s), "");
 }
 
+TEST(DecodeTest, Utf16OfAnOddLengthIsBroken) {
+  EXPECT_TRUE(IsBrokenUtf16("\xff\xfeZ\0x"s));
+  EXPECT_TRUE(IsBrokenUtf16("\xfe\xff\0"s));
+  EXPECT_FALSE(IsBrokenUtf16("\xff\xfeZ\0"s));
+  EXPECT_FALSE(IsBrokenUtf16("odd"));
+}
+
 TEST(DecodeTest, Latin1IsRead) { EXPECT_EQ(DecodedText("Z\xfcrich \xe9"), "Z\u00fcrich \u00e9"); }
 
 TEST(DecodeTest, SignsOfWindowsAreRead) {

@@ -57,6 +57,52 @@ TEST(HtmlTest, DeclaredEncodingIsRead) {
 
 TEST(HtmlTest, UndeclaredEncodingIsLatin1) { EXPECT_EQ(TextOf("<p>Z\xfcrich"), "Z\u00fcrich"); }
 
+TEST(HtmlTest, MarkGoesBeforeDeclarations) {
+  EXPECT_EQ(TextOf("\xef\xbb\xbf<meta charset=koi8-r><p>\u043c\u0438\u0440"), "\u043c\u0438\u0440");
+}
+
+TEST(HtmlTest, DeclarationGoesBeforeTheLookOfUtf8) {
+  EXPECT_EQ(TextOf("<meta charset=windows-1251><p>\xc2\xb3"), "\u0412\u0456");
+}
+
+TEST(HtmlTest, DeclarationThatCannotBeTrueIsPassedOver) {
+  EXPECT_EQ(TextOf("<meta charset=utf-16le><p>Z\u00fcrich"), "Z\u00fcrich");
+  EXPECT_EQ(TextOf("<meta charset=utf-16><p>Z\xfcrich"), "Z\u00fcrich");
+  EXPECT_EQ(TextOf("<meta charset=nonsense><meta charset=koi8-r><p>\xcd"), "\u043c");
+  EXPECT_EQ(TextOf("<meta charset=utf-8><p>Z\xfcrich Gen\u00e8ve"), "Z\u00fcrich Gen\u00e8ve");
+}
+
+TEST(HtmlTest, XmlDeclarationIsRead) {
+  EXPECT_EQ(TextOf("<?xml version='1.0' encoding='koi8-r'?><p>\xcd"), "\u043c");
+}
+
+TEST(HtmlTest, ParserDoesNotSwitchTheEncoding) {
+  EXPECT_EQ(TextOf("<meta charset=gb2312><meta http-equiv=content-type content='text/html; "
+                   "charset=us-ascii'><p>\xe9\x46 end"),
+            "\u9555 end");
+}
+
+TEST(HtmlTest, BytesUnknownToTheEncodingPartWords) {
+  EXPECT_EQ(TextOf("<meta charset=us-ascii><p>caf\xe9 end"), "caf\u00e9 end");
+  EXPECT_EQ(TextOf("<meta charset=iso-8859-3><p>one\xa5two"), "one\ufffdtwo");
+  EXPECT_EQ(TextOf("<meta charset=big5><p>one \xff two"), "one \ufffd two");
+}
+
+TEST(HtmlTest, WordsOfATitleThatIsNotClosedAreParted) {
+  const HtmlPage page = ReadHtml("<title>One<p>two<p>three");
+  EXPECT_EQ(page.title + "|" + page.text, "One two three|");
+}
+
+TEST(HtmlTest, LargePartsAreNoTrouble) {
+  const std::string large(11000000, 'x');
+  EXPECT_EQ(TextOf("one " + large + " two").size(), large.size() + 8);
+  for (const std::string& part :
+       {"<!-- " + large + " -->", "<a href='" + large + "'>", "<" + large + ">",
+        "<a " + large + ">", "<?" + large + "?>", "<script>" + large + "</script>"}) {
+    EXPECT_EQ(TextOf("one " + part + " two"), "one two") << part.substr(0, 9);
+  }
+}
+
 TEST(HtmlTest, BrokenPagesAreReadAsFarAsTheyGo) {
   EXPECT_EQ(TextOf("<p>one</b></div><x y='<td>two"), "one");
   EXPECT_EQ(TextOf("<<<>>>three"), TextOf("<<<>>>three"));
@@ -70,6 +116,12 @@ TEST(HtmlTest, EveryTruncationOfAPageIsRead) {
   for (std::size_t bytes = 0; bytes < page.size(); ++bytes) {
     EXPECT_LE(ReadHtml(page.substr(0, bytes)).text.size(), page.size());
   }
+}
+
+TEST(HtmlTest, BrokenMarkupIsNotToldOnTheErrorStream) {
+  testing::internal::CaptureStderr();
+  ReadHtml("<p><a<b></x>&nonsense; <!DOCTYPE> </table> &#0; <meta charset=nonsense>\xff\xfe");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 TEST(HtmlTest, DeepNestingIsNoTrouble) {
