@@ -39,16 +39,24 @@ void AddFile(const FoundFile& file, const IndexedDocument* document, ChangePlan*
 void VanishedDocuments::Add(const IndexedDocument& document) {
   names_.insert(document.name);
   if (!document.fingerprint.has_value()) return;
-  by_content_.emplace(ContentKey(*document.fingerprint), document.name);
+  by_content_.emplace(ContentKey(*document.fingerprint), document);
 }
 
-std::optional<std::string> VanishedDocuments::Take(const Fingerprint& fingerprint) {
-  const auto found = by_content_.find(ContentKey(fingerprint));
-  if (found == by_content_.end()) return std::nullopt;
-  std::string name = std::move(found->second);
-  by_content_.erase(found);
-  names_.erase(name);
-  return name;
+const IndexedDocument* VanishedDocuments::Find(
+    const Fingerprint& fingerprint,
+    const std::function<bool(const IndexedDocument&)>& is_preferred) const {
+  const auto [first, last] = by_content_.equal_range(ContentKey(fingerprint));
+  if (first == last) return nullptr;
+  const auto found =
+      std::find_if(first, last, [&](const auto& content) { return is_preferred(content.second); });
+  return found != last ? &found->second : &first->second;
+}
+
+void VanishedDocuments::Take(const IndexedDocument& document) {
+  names_.erase(document.name);
+  const auto [first, last] = by_content_.equal_range(ContentKey(*document.fingerprint));
+  by_content_.erase(
+      std::find_if(first, last, [&](const auto& content) { return &content.second == &document; }));
 }
 
 ChangePlan PlanChanges(const std::vector<FoundFile>& files,

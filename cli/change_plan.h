@@ -28,15 +28,21 @@ class VanishedDocuments {
  public:
   void Add(const IndexedDocument& document);
 
-  // Finds one that was made of the same bytes as the file of `fingerprint`, and takes it out.
-  //   Returns  its name; nothing if there is none.
-  std::optional<std::string> Take(const Fingerprint& fingerprint);
+  // Finds one that was made of the same bytes as the file of `fingerprint`: one that
+  // `is_preferred`, if there is any.
+  //   Returns  nullptr if there is none. The table owns it, until it is taken out.
+  const IndexedDocument* Find(
+      const Fingerprint& fingerprint,
+      const std::function<bool(const IndexedDocument&)>& is_preferred) const;
+
+  // Takes out what Find() has returned.
+  void Take(const IndexedDocument& document);
 
   // The names of those that are left, in order of their bytes.
   const std::set<std::string>& names() const { return names_; }
 
  private:
-  std::multimap<std::string, std::string> by_content_;
+  std::multimap<std::string, IndexedDocument> by_content_;
   std::set<std::string> names_;
 };
 

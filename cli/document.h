@@ -18,6 +18,7 @@ struct Document {
   std::string title;    // in at most kMaxTitleBytes
   std::string summary;  // the beginning of what follows the title, in at most kMaxSummaryBytes
   std::string words;    // what the engine indexes
+  std::string note{};   // why not all of the text is in them; empty if it is
 };
 
 // Where a text has its title.

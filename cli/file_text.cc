@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "decode.h"
+#include "fingerprint.h"
 #include "html.h"
 #include "skip.h"
 #include "steady_file.h"
@@ -21,6 +22,35 @@ bool HasExtension(const std::string& name, std::initializer_list<std::string_vie
     if (extension == each) return true;
   }
   return false;
+}
+
+bool IsHtml(const std::string& name) { return HasExtension(name, {"html", "htm", "xhtml"}); }
+
+bool IsMarkdown(const std::string& name) { return HasExtension(name, {"md", "markdown"}); }
+
+// Describes how a file is read that begins with `head`: equal descriptions and equal bytes make
+// equal documents.
+std::string ReadingOf(const std::string& name, std::string_view head, const ReadingRules& rules) {
+  std::string reading = IsHtml(name) ? "html" : IsMarkdown(name) ? "markdown" : "text";
+  const Converter* const converter = rules.converters.Find(name, head);
+  if (converter != nullptr) {
+    reading = "converter";
+    for (const std::string& word : converter->command) reading += " " + word;
+  }
+  if (rules.words.strip_encoded) reading += "\nstrip encoded";
+  return reading + "\n" + rules.words.stop_words;
+}
+
+std::string ReadingByName(const std::string& name, std::string_view head) {
+  static const Converters known({});
+  return ReadingOf(name, head, {known, {}, 0, {}});
+}
+
+std::string DigitsOf(const std::string& reading) {
+  constexpr std::size_t kDigits = 16;
+  ContentHash hash;
+  hash.Add(reading);
+  return hash.Digits().substr(0, kDigits);
 }
 
 // Goes on from the first `piece` to the end.
@@ -64,9 +94,10 @@ std::string TextOfHtml(std::string bytes) {
 
 LoadedFile LoadFile(const std::string& name, const ReadingRules& rules) {
   SteadyFile file(name);
-  LoadedFile loaded{name, {}, nullptr, ""};
+  LoadedFile loaded{name, "", {}, nullptr, ""};
   std::string_view piece;
   file.Read(&piece);
+  loaded.head = piece.substr(0, kHeadBytes);
   loaded.converter = rules.converters.Find(name, piece);
   if (loaded.converter == nullptr) {
     loaded.bytes = ReadText(file, piece, rules.max_bytes);
@@ -75,22 +106,33 @@ LoadedFile LoadFile(const std::string& name, const ReadingRules& rules) {
     }
   }
   loaded.fingerprint = file.Finish();
+  const std::string reading = ReadingOf(name, loaded.head, rules);
+  if (reading != ReadingByName(name, loaded.head)) loaded.fingerprint.reading = DigitsOf(reading);
   return loaded;
 }
 
+bool IsReadAlike(const LoadedFile& file, const std::string& name, const Fingerprint& fingerprint,
+                 const ReadingRules& rules) {
+  const std::string then =
+      fingerprint.reading.empty() ? DigitsOf(ReadingByName(name, file.head)) : fingerprint.reading;
+  return then == DigitsOf(ReadingOf(file.name, file.head, rules));
+}
+
 Document DocumentOf(LoadedFile file, const ReadingRules& rules) {
+  std::string bytes = std::move(file.bytes);
   if (file.converter != nullptr) {
-    std::string output = Convert(*file.converter, file.name, rules.limits);
+    bytes = Convert(*file.converter, file.name, rules.limits);
     CheckUnchanged(file);
-    return MakeDocument(Decoded(std::move(output), "binary after conversion"),
-                        TitleRule::kFirstLine, rules.words);
   }
-  if (HasExtension(file.name, {"html", "htm", "xhtml"})) {
-    file.bytes = TextOfHtml(std::move(file.bytes));
-  }
-  const bool is_markdown = HasExtension(file.name, {"md", "markdown"});
-  return MakeDocument(Decoded(std::move(file.bytes), "binary file"),
-                      is_markdown ? TitleRule::kMarkdown : TitleRule::kFirstLine, rules.words);
+  const bool is_broken = IsBrokenUtf16(bytes);
+  const bool is_read_as_named = file.converter == nullptr;
+  if (is_read_as_named && IsHtml(file.name)) bytes = TextOfHtml(std::move(bytes));
+  const bool is_markdown = is_read_as_named && IsMarkdown(file.name);
+  Document document = MakeDocument(
+      Decoded(std::move(bytes), is_read_as_named ? "binary file" : "binary after conversion"),
+      is_markdown ? TitleRule::kMarkdown : TitleRule::kFirstLine, rules.words);
+  if (is_broken) document.note = "its UTF-16 has half a character too much or too little";
+  return document;
 }
 
 }  // namespace kestan_cli

@@ -22,6 +22,7 @@ struct ReadingRules {
 // A file that has been read, and not yet understood.
 struct LoadedFile {
   std::string name;
+  std::string head;  // its first bytes, kHeadBytes at most
   Fingerprint fingerprint;
   const Converter* converter = nullptr;  // which has to read it anew; the table's
   std::string bytes;                     // without a converter
@@ -32,8 +33,14 @@ struct LoadedFile {
 //            large, or changes meanwhile.
 LoadedFile LoadFile(const std::string& name, const ReadingRules& rules);
 
+// Whether the document `name` of `fingerprint`, made of the same bytes as `file`, was made in the
+// way that one of `file` would be made now: by the same format, and with the same words left out.
+bool IsReadAlike(const LoadedFile& file, const std::string& name, const Fingerprint& fingerprint,
+                 const ReadingRules& rules);
+
 // Makes a document of `file`, by the format that its name tells.
-//   Throws   SkipFile if it cannot be converted, or changes meanwhile.
+//   Throws   SkipFile if it cannot be converted, if its text cannot be read whole and nothing tells
+//            what is missing, or if it changes meanwhile.
 Document DocumentOf(LoadedFile file, const ReadingRules& rules);
 
 }  // namespace kestan_cli

@@ -12,6 +12,7 @@ namespace kestan_cli {
 namespace {
 
 constexpr std::size_t kHashDigits = 32;
+constexpr std::size_t kReadingDigits = 16;
 constexpr std::size_t kNanosecondDigits = 9;
 
 std::string PaddedTo(std::size_t digits, const std::string& number) {
@@ -31,7 +32,8 @@ std::string LineOf(const Fingerprint& fingerprint) {
   const FileState& state = fingerprint.state;
   return "size=" + std::to_string(state.bytes) + " mtime=" + std::to_string(state.mtime_seconds) +
          "." + PaddedTo(kNanosecondDigits, std::to_string(state.mtime_nanoseconds)) +
-         " hash=" + fingerprint.hash;
+         " hash=" + fingerprint.hash +
+         (fingerprint.reading.empty() ? "" : " read=" + fingerprint.reading);
 }
 
 std::string_view FirstLine(std::string_view text) { return text.substr(0, text.find('\n')); }
@@ -56,16 +58,18 @@ class LineReader {
     return true;
   }
 
-  std::string_view rest() const { return rest_; }
+  bool TakeDigits(std::size_t count, std::string* digits) {
+    *digits = rest_.substr(0, count);
+    rest_.remove_prefix(digits->size());
+    return digits->size() == count &&
+           digits->find_first_not_of("0123456789abcdef") == std::string::npos;
+  }
+
+  bool is_at_end() const { return rest_.empty(); }
 
  private:
   std::string_view rest_;
 };
-
-bool IsHash(std::string_view text) {
-  return text.size() == kHashDigits &&
-         text.find_first_not_of("0123456789abcdef") == std::string_view::npos;
-}
 
 }  // namespace
 
@@ -84,9 +88,11 @@ std::optional<Fingerprint> FingerprintIn(std::string_view user_record) {
   const bool whole = line.Take("size=") && line.TakeNumber(&found.state.bytes) &&
                      line.Take(" mtime=") && line.TakeNumber(&found.state.mtime_seconds) &&
                      line.Take(".") && line.TakeNumber(&found.state.mtime_nanoseconds) &&
-                     line.Take(" hash=") && IsHash(line.rest());
+                     line.Take(" hash=") && line.TakeDigits(kHashDigits, &found.hash);
   if (!whole) return std::nullopt;
-  found.hash = line.rest();
+  if (line.is_at_end()) return found;
+  const bool has_reading = line.Take(" read=") && line.TakeDigits(kReadingDigits, &found.reading);
+  if (!has_reading || !line.is_at_end()) return std::nullopt;
   return found;
 }
 

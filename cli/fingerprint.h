@@ -3,6 +3,7 @@
 //
 //   size=1234 mtime=1700000000.123456789 hash=00112233445566778899aabbccddeeff
 //
+// A file that was read in another way than its name alone says has " read=0123456789abcdef" there.
 // The lines below it are the user's own and stay as they are. A record without such a first line is
 // a user's own as a whole, and the line is put before it.
 #ifndef KESTAN_CLI_FINGERPRINT_H_
@@ -31,6 +32,8 @@ inline bool operator!=(const FileState& left, const FileState& right) { return !
 struct Fingerprint {
   FileState state;
   std::string hash;  // of the file's bytes: 32 hexadecimal digits
+  // How the file was read, in 16 hexadecimal digits; empty where its name alone says it.
+  std::string reading{};
 };
 
 // Whether the two are of files with the same bytes.

@@ -76,18 +76,22 @@ void CheckRoom(const ChangePlan& plan, const ReadingRules& rules, const IndexFac
 
 bool IsFailed(const Skip& skip) { return IsFailure(skip.kind); }
 
-void ReportFailures(const std::vector<Skip>& skips) {
+void ReportFailures(const IndexReport& report) {
+  const std::vector<Skip>& skips = report.skips;
   std::vector<Skip> failures;
   std::copy_if(skips.begin(), skips.end(), std::back_inserter(failures), IsFailed);
   for (const Skip& skip : failures) {
     std::fprintf(stderr, "kestan: %s", SkipLines({skip}).c_str());
+  }
+  for (const Note& note : report.notes) {
+    std::fprintf(stderr, "kestan: %s", NoteLines({note}).c_str());
   }
 }
 
 void PrintReport(const IndexReport& report, const IndexOptions& options) {
   if (options.json) return Print(ReportJson(report, options.why));
   std::string lines;
-  if (options.why) lines += SkipLines(report.skips);
+  if (options.why) lines += SkipLines(report.skips) + NoteLines(report.notes);
   if (!options.quiet) lines += ReportLine(report);
   if (!lines.empty()) Print(lines);
 }
@@ -134,10 +138,12 @@ int RunIndex(Kestan& engine, const std::string& index, const IndexOptions& optio
   std::sort(report.skips.begin(), report.skips.end(),
             [](const Skip& left, const Skip& right) { return left.name < right.name; });
 
-  if (!options.why) ReportFailures(report.skips);
+  if (!options.why) ReportFailures(report);
   CheckSomethingDone(report, options);
   PrintReport(report, options);
-  return std::any_of(report.skips.begin(), report.skips.end(), IsFailed) ? kIncomplete : kDone;
+  const bool is_complete =
+      report.notes.empty() && std::none_of(report.skips.begin(), report.skips.end(), IsFailed);
+  return is_complete ? kDone : kIncomplete;
 }
 
 namespace {

@@ -30,7 +30,7 @@ struct IndexOptions {
   bool in_place = false;       // no copy takes the place of the index
 };
 
-// Status of a run that left out files that it should have indexed.
+// Status of a run that left out files, or parts of them, that it should have indexed.
 constexpr int kIncomplete = 1;
 
 // Indexes the files of `options` that the index at `index` does not have as they are now, each

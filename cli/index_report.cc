@@ -31,6 +31,14 @@ std::string SkipLines(const std::vector<Skip>& skips) {
   return lines;
 }
 
+std::string NoteLines(const std::vector<Note>& notes) {
+  std::string lines;
+  for (const Note& note : notes) {
+    lines += "indexed " + Quoted(note.name) + " in part: " + OneLine(note.reason) + "\n";
+  }
+  return lines;
+}
+
 std::string ReportJson(const IndexReport& report, bool with_files) {
   Json skipped = {{"total", report.skips.size()}};
   for (const auto& [kind, count] : CountKinds(report.skips)) skipped[KeyOf(kind)] = count;
@@ -38,6 +46,9 @@ std::string ReportJson(const IndexReport& report, bool with_files) {
                {"updated", report.updated},     {"moved", report.moved},
                {"removed", report.removed},     {"unchanged", report.unchanged},
                {"new_words", report.new_words}, {"skipped", skipped}};
+  for (const Note& note : report.notes) {
+    json["partial_files"].push_back({{"name", note.name}, {"reason", note.reason}});
+  }
   if (with_files) json["skipped_files"] = Json::array();
   for (const Skip& skip : with_files ? report.skips : std::vector<Skip>()) {
     json["skipped_files"].push_back(

@@ -11,8 +11,8 @@ struct Decision {
   enum class Kind { kRenew, kMove, kAdd };
   Kind kind = Kind::kAdd;
   Fingerprint fingerprint;
-  std::string moved_from;
-  Document document;
+  std::string moved_from;  // a document of the same bytes whose file has vanished; "" for none
+  Document document;       // if it is to be added, under a name that it may have been moved to
 };
 
 // Reads a file and finds out what to do with it.
@@ -22,35 +22,46 @@ Decision Decide(const Candidate& candidate, const ReadingRules& rules, bool all,
   LoadedFile loaded = LoadFile(candidate.file.name, rules);
   Decision decision;
   decision.fingerprint = loaded.fingerprint;
+  const auto is_read_alike = [&](const std::string& name, const Fingerprint& fingerprint) {
+    return IsReadAlike(loaded, name, fingerprint, rules);
+  };
   const bool is_same = candidate.fingerprint.has_value() &&
-                       HaveSameContent(*candidate.fingerprint, loaded.fingerprint);
+                       HaveSameContent(*candidate.fingerprint, loaded.fingerprint) &&
+                       is_read_alike(loaded.name, *candidate.fingerprint);
   if (is_same && !all) {
     decision.kind = Decision::Kind::kRenew;
     return decision;
   }
-  const std::optional<std::string> moved_from =
-      candidate.is_indexed || all ? std::nullopt : vanished->Take(loaded.fingerprint);
-  if (moved_from.has_value()) {
+  const auto is_preferred = [&](const IndexedDocument& document) {
+    return is_read_alike(document.name, *document.fingerprint);
+  };
+  const IndexedDocument* const moved =
+      candidate.is_indexed || all ? nullptr : vanished->Find(loaded.fingerprint, is_preferred);
+  if (moved != nullptr && is_preferred(*moved)) {
     decision.kind = Decision::Kind::kMove;
-    decision.moved_from = *moved_from;
-    return decision;
+  } else {
+    decision.document = DocumentOf(std::move(loaded), rules);
   }
-  decision.document = DocumentOf(std::move(loaded), rules);
+  if (moved != nullptr) {
+    decision.moved_from = moved->name;
+    vanished->Take(*moved);
+  }
   return decision;
 }
 
 void Apply(const Candidate& candidate, const Decision& decision, IndexWriter& writer,
            IndexReport* report) {
   const std::string& name = candidate.file.name;
+  const bool is_moved = !decision.moved_from.empty();
+  if (is_moved) MoveDocument(writer.index(), decision.moved_from, name);
   if (decision.kind == Decision::Kind::kAdd) {
     writer.adder().Add(name, decision.document, decision.fingerprint);
-    ++(candidate.is_indexed ? report->updated : report->added);
+    ++(candidate.is_indexed || is_moved ? report->updated : report->added);
+    if (!decision.document.note.empty()) report->notes.push_back({name, decision.document.note});
     return;
   }
-  if (decision.kind == Decision::Kind::kMove)
-    MoveDocument(writer.index(), decision.moved_from, name);
   writer.adder().Renew(name, decision.fingerprint);
-  ++(decision.kind == Decision::Kind::kMove ? report->moved : report->unchanged);
+  ++(is_moved ? report->moved : report->unchanged);
 }
 
 }  // namespace

@@ -61,17 +61,36 @@ TEST(ChangePlanTest, OnlyDocumentsBelowThePathsVanish) {
   EXPECT_EQ(plan.vanished.names(), (std::set<std::string>{"d/gone", "d/old"}));
 }
 
+// Returns the name of a document with the content of `fingerprint`, taken out of `vanished`.
+std::string TakeFrom(VanishedDocuments* vanished, const Fingerprint& fingerprint,
+                     const std::string& preferred = "") {
+  const IndexedDocument* const found = vanished->Find(
+      fingerprint, [&](const IndexedDocument& each) { return each.name == preferred; });
+  if (found == nullptr) return "";
+  std::string name = found->name;
+  vanished->Take(*found);
+  return name;
+}
+
 TEST(VanishedDocumentsTest, IsTakenOnceByItsContent) {
   VanishedDocuments vanished;
   vanished.Add({"a", Of(7, 1, "h")});
   vanished.Add({"b", Of(7, 2, "h")});
   vanished.Add({"c", std::nullopt});
-  EXPECT_EQ(vanished.Take(Of(7, 9, "x")), std::nullopt);
-  EXPECT_EQ(vanished.Take(Of(8, 9, "h")), std::nullopt);
-  EXPECT_EQ(vanished.Take(Of(7, 9, "h")), "a");
-  EXPECT_EQ(vanished.Take(Of(7, 9, "h")), "b");
-  EXPECT_EQ(vanished.Take(Of(7, 9, "h")), std::nullopt);
+  EXPECT_EQ(TakeFrom(&vanished, Of(7, 9, "x")), "");
+  EXPECT_EQ(TakeFrom(&vanished, Of(8, 9, "h")), "");
+  EXPECT_EQ(TakeFrom(&vanished, Of(7, 9, "h")), "a");
+  EXPECT_EQ(TakeFrom(&vanished, Of(7, 9, "h")), "b");
+  EXPECT_EQ(TakeFrom(&vanished, Of(7, 9, "h")), "");
   EXPECT_EQ(vanished.names(), (std::set<std::string>{"c"}));
+}
+
+TEST(VanishedDocumentsTest, PreferredOneOfTheSameContentIsFoundFirst) {
+  VanishedDocuments vanished;
+  vanished.Add({"a", Of(7, 1, "h")});
+  vanished.Add({"b", Of(7, 2, "h")});
+  EXPECT_EQ(TakeFrom(&vanished, Of(7, 9, "h"), "b"), "b");
+  EXPECT_EQ(TakeFrom(&vanished, Of(7, 9, "h"), "b"), "a");
 }
 
 }  // namespace

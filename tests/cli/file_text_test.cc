@@ -63,6 +63,15 @@ TEST_F(FileTextTest, Utf16IsReadInEveryFormat) {
   EXPECT_EQ(Read("a.html", "\xff\xfe<\0p\0>\0\xfc\0"s).words, "u ");
 }
 
+TEST_F(FileTextTest, Utf16OfAnOddLengthIsReadAsFarAsItGoesWithANote) {
+  for (const char* name : {"a.txt", "a.html", "a.cat"}) {
+    const Document document = Read(name, "\xff\xfez\0x"s);
+    EXPECT_EQ(document.words, "z ") << name;
+    EXPECT_EQ(document.note, "its UTF-16 has half a character too much or too little") << name;
+    EXPECT_EQ(Read(name, "\xff\xfez\0"s).note, "") << name;
+  }
+}
+
 TEST_F(FileTextTest, BinaryFilesAreSkippedInEveryFormat) {
   EXPECT_EQ(Read("a", "text\0"s).words, "binary: binary file");
   EXPECT_EQ(Read("a.html", "<p>text\0"s).words, "binary: binary file");

@@ -29,6 +29,16 @@ TEST(FingerprintTest, TimesBefore1970AndHugeSizesAreKept) {
   EXPECT_EQ(found->state, odd.state);
 }
 
+TEST(FingerprintTest, ReadingIsKeptWhereItIsNotThatOfTheName) {
+  Fingerprint odd = Example();
+  odd.reading = "0123456789abcdef";
+  EXPECT_EQ(WithFingerprint("", odd), ExampleLine() + " read=0123456789abcdef");
+  EXPECT_EQ(FingerprintIn(WithFingerprint("", odd))->reading, "0123456789abcdef");
+  EXPECT_EQ(FingerprintIn(ExampleLine())->reading, "");
+  EXPECT_FALSE(FingerprintIn(ExampleLine() + " read=0123456789abcde").has_value());
+  EXPECT_FALSE(FingerprintIn(ExampleLine() + " read=0123456789abcdef0").has_value());
+}
+
 TEST(FingerprintTest, UsersTextStaysBelow) {
   EXPECT_EQ(WithFingerprint("my\nnotes", Example()), ExampleLine() + "\nmy\nnotes");
 }

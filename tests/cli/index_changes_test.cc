@@ -178,6 +178,94 @@ TEST_F(IndexChangesTest, RenamedFileIsMovedWithAllThatBelongsToIt) {
   EXPECT_EQ(Index(), Report(0, 0, 0, 0, 1));
 }
 
+// ---- Renamed files that are read in another way ----
+
+TEST_F(IndexChangesTest, RenameToAnotherFormatIsAnUpdate) {
+  Write("d/p.html", "<title>Page</title><b class=bold>cat</b>\n");
+  Index();
+  fs::rename("d/p.html", "d/p.txt");
+  EXPECT_EQ(Index(), Report(0, 1, 0, 0, 0));
+  EXPECT_EQ(List(), "d/p.txt\n");
+  EXPECT_EQ(Search("bold"), "100 d/p.txt\n");
+  EXPECT_EQ(Record("t-d/p.txt"), "<title>Page</title><b class=bold>cat</b>");
+  fs::rename("d/p.txt", "d/p.htm");
+  EXPECT_EQ(Index(), Report(0, 1, 0, 0, 0));
+  EXPECT_EQ(Search("bold"), "");
+  EXPECT_EQ(Record("t-d/p.htm"), "Page");
+}
+
+TEST_F(IndexChangesTest, RenameToAnotherFormatKeepsTheUsersRecord) {
+  Write("d/p.html", "<b>cat\n");
+  Index();
+  ASSERT_EQ(engine_.OpenIndex("my.index", 1), 0);
+  const std::string record = std::string(engine_.DBGetUser("d/p.html")) + "\nmy notes";
+  engine_.DBPutUser("d/p.html", record.c_str());
+  engine_.CloseIndex();
+  fs::rename("d/p.html", "d/p.md");
+  EXPECT_EQ(Index(), Report(0, 1, 0, 0, 0));
+  EXPECT_EQ(Record("u-d/p.md"), record);
+  EXPECT_EQ(kestan_tests::Dump("my.index").count("u-d/p.html"), 0u);
+}
+
+TEST_F(IndexChangesTest, RenameWithinAFormatIsAMove) {
+  Write("d/p.html", "<b>cat\n");
+  Write("d/q", "dog\n");
+  Index();
+  fs::rename("d/p.html", "d/p.htm");
+  fs::rename("d/q", "d/q.txt");
+  EXPECT_EQ(Index(), Report(0, 0, 2, 0, 0));
+}
+
+TEST_F(IndexChangesTest, RenameToOrFromAConverterIsAnUpdate) {
+  Write("d/a.x", "cat\n");
+  options_.converters = {"x=tr a-z b-za {}", "x=rev {}", "y=rev {}"};
+  Index();
+  fs::rename("d/a.x", "d/a.txt");
+  EXPECT_EQ(Index(), Report(0, 1, 0, 0, 0));
+  EXPECT_EQ(Search("cat"), "100 d/a.txt\n");
+  fs::rename("d/a.txt", "d/a.x");
+  EXPECT_EQ(Index(), Report(0, 1, 0, 0, 0));
+  EXPECT_EQ(Search("tac"), "100 d/a.x\n");
+  fs::rename("d/a.x", "d/a.y");
+  EXPECT_EQ(Index(), Report(0, 0, 1, 0, 0));
+}
+
+TEST_F(IndexChangesTest, RenameUnderOtherOptionsIsAnUpdate) {
+  Write("d/a", "the cat\n");
+  Index();
+  fs::rename("d/a", "d/b");
+  options_.stop_words = "english";
+  EXPECT_EQ(Index(), Report(0, 1, 0, 0, 0));
+  EXPECT_EQ(Search("the"), "");
+  fs::rename("d/b", "d/c");
+  EXPECT_EQ(Index(), Report(0, 0, 1, 0, 0));
+  options_.strip_encoded = true;
+  fs::rename("d/c", "d/d");
+  EXPECT_EQ(Index(), Report(0, 1, 0, 0, 0));
+}
+
+TEST_F(IndexChangesTest, TouchedFileUnderOtherOptionsIsAnUpdate) {
+  Write("d/a", "the cat\n");
+  Index();
+  const timespec times[] = {{0, UTIME_OMIT}, {1000000000, 5}};
+  ASSERT_EQ(utimensat(AT_FDCWD, "d/a", times, 0), 0);
+  options_.stop_words = "english";
+  EXPECT_EQ(Index(), Report(0, 1, 0, 0, 0));
+  EXPECT_EQ(Search("the"), "");
+}
+
+TEST_F(IndexChangesTest, OfTwoVanishedFilesTheOneThatWasReadAlikeIsMoved) {
+  Write("d/a.html", "<b>cat\n");
+  Write("d/b.txt", "<b>cat\n");
+  Index();
+  fs::rename("d/a.html", "d/d.htm");
+  fs::rename("d/b.txt", "d/c.txt");
+  EXPECT_EQ(Index(), Report(0, 0, 2, 0, 0));
+  EXPECT_EQ(Search("b"), "100 d/c.txt\n");
+}
+
+// ---- Copies ----
+
 TEST_F(IndexChangesTest, CopyIsNoMove) {
   Write("d/a", "cat\n");
   Index();
@@ -218,6 +306,36 @@ TEST_F(IndexChangesTest, MovedFilesAreNotConvertedAgain) {
   EXPECT_EQ(Search("cat"), "100 d/b.x\n");
 }
 
+// ---- Names ----
+
+TEST_F(IndexChangesTest, WayUpFromALinkNamesTheFileThatIsIndexed) {
+  Write("d/f", "cat\n");
+  Write("e/f", "dog\n");
+  fs::create_directory("e/inner");
+  fs::create_symlink("../e/inner", "d/link");
+  options_.paths = {"d/link/../f"};
+  EXPECT_EQ(Index(), Report(1, 0, 0, 0, 0));
+  EXPECT_EQ(List(), "d/link/../f\n");
+  EXPECT_EQ(Search("dog"), "100 d/link/../f\n");
+  EXPECT_EQ(Index(), Report(0, 0, 0, 0, 1));
+}
+
+TEST_F(IndexChangesTest, DocumentBehindALinkIsPrunedByItsOwnPathOnly) {
+  Write("d/f", "cat\n");
+  Write("e/f", "dog\n");
+  fs::create_directory("e/inner");
+  fs::create_symlink("../e/inner", "d/link");
+  options_.paths = {"d/link/..", "d"};
+  Index();
+  fs::remove("e/f");
+  options_.prune = true;
+  options_.paths = {"d"};
+  EXPECT_EQ(Index(), Report(0, 0, 0, 0, 1, "1 (1 link)"));
+  options_.paths = {"d/link/.."};
+  EXPECT_EQ(Index(), Report(0, 0, 0, 1, 0));
+  EXPECT_EQ(List(), "d/f\n");
+}
+
 // ---- Room ----
 
 class RoomTest : public RunIndexTest {
@@ -248,6 +366,14 @@ TEST_F(RoomTest, MovedTouchedAndBinaryFilesNeedNone) {
   const timespec times[] = {{0, 0}, {1000000000, 0}};
   ASSERT_EQ(utimensat(AT_FDCWD, "d/b", times, 0), 0);
   EXPECT_EQ(Index(), Report(0, 0, 1, 0, 1, "1 (1 binary file)"));
+}
+
+TEST_F(RoomTest, FilesReadInAnotherWayNeedIt) {
+  LeaveRoom(0);
+  fs::rename("d/a", "d/a.html");
+  EXPECT_EQ(Index(),
+            "index 'my.index' has room for 0 more documents, not for 1; shrinking it may make "
+            "room\n");
 }
 
 TEST_F(RoomTest, NewVersionsNeedIt) {

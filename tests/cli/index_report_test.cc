@@ -54,6 +54,15 @@ TEST(IndexReportTest, JsonHasTheFilesWhereAskedFor) {
   EXPECT_NE(ReportJson({}, true).find(R"("skipped_files":[])"), std::string::npos);
 }
 
+TEST(IndexReportTest, FilesIndexedInPartAreNamed) {
+  IndexReport report;
+  report.notes = {{"d/a\n", "half of it is gone"}};
+  EXPECT_EQ(NoteLines(report.notes), "indexed 'd/a\\n' in part: half of it is gone\n");
+  EXPECT_NE(ReportJson(report, false)
+                .find(R"("partial_files":[{"name":"d/a\n","reason":"half of it is gone"}])"),
+            std::string::npos);
+}
+
 TEST(IndexReportTest, NothingToIndexTellsWhatThereWas) {
   EXPECT_EQ(NothingToIndex(Example().skips),
             "nothing to index: no text files, 2 binary files, 0 links, 1 unusable name");
