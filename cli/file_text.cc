@@ -84,9 +84,9 @@ std::string Decoded(std::string bytes, const std::string& whose) {
 }
 
 // The page's title goes before its text, as its first line.
-std::string TextOfHtml(std::string bytes) {
-  if (StartsAsUtf16(bytes)) bytes = Decoded(std::move(bytes), "binary file");
-  const HtmlPage page = ReadHtml(bytes);
+std::string TextOfHtml(const std::string& bytes) {
+  const HtmlPage page =
+      StartsAsUtf16(bytes) ? ReadUtf8Html(Decoded(bytes, "binary file")) : ReadHtml(bytes);
   return page.title.empty() ? page.text : page.title + "\n" + page.text;
 }
 
@@ -126,7 +126,7 @@ Document DocumentOf(LoadedFile file, const ReadingRules& rules) {
   }
   const bool is_broken = IsBrokenUtf16(bytes);
   const bool is_read_as_named = file.converter == nullptr;
-  if (is_read_as_named && IsHtml(file.name)) bytes = TextOfHtml(std::move(bytes));
+  if (is_read_as_named && IsHtml(file.name)) bytes = TextOfHtml(bytes);
   const bool is_markdown = is_read_as_named && IsMarkdown(file.name);
   Document document = MakeDocument(
       Decoded(std::move(bytes), is_read_as_named ? "binary file" : "binary after conversion"),

@@ -200,8 +200,10 @@ HtmlPage Parsed(const std::string& html) {
 
 }  // namespace
 
-HtmlPage ReadHtml(std::string_view bytes) {
-  const std::string html = RepairedHtml(Decoded(bytes));
+HtmlPage ReadHtml(std::string_view bytes) { return ReadUtf8Html(Decoded(bytes)); }
+
+HtmlPage ReadUtf8Html(std::string_view text) {
+  const std::string html = RepairedHtml(text);
   if (html.size() > kMaxTextBytes) throw SkipFile(SkipKind::kTooLarge, "too much text");
   return html.empty() ? HtmlPage() : Parsed(html);
 }

@@ -22,6 +22,9 @@ struct HtmlPage {
 //            says.
 HtmlPage ReadHtml(std::string_view bytes);
 
+// Reads a page in UTF-8, whatever encoding it names. Throws as ReadHtml does.
+HtmlPage ReadUtf8Html(std::string_view text);
+
 }  // namespace kestan_cli
 
 #endif  // KESTAN_CLI_HTML_H_

@@ -63,6 +63,13 @@ TEST_F(FileTextTest, Utf16IsReadInEveryFormat) {
   EXPECT_EQ(Read("a.html", "\xff\xfe<\0p\0>\0\xfc\0"s).words, "u ");
 }
 
+TEST_F(FileTextTest, MarkOfUtf16GoesBeforeDeclarations) {
+  const std::string page = "<meta charset=koi8-r><p>x";
+  std::string bytes = "\xff\xfe";
+  for (const char each : page) bytes += {each, '\0'};
+  EXPECT_EQ(Read("a.html", bytes + "\xfc\0"s).words, "xu ");
+}
+
 TEST_F(FileTextTest, Utf16OfAnOddLengthIsReadAsFarAsItGoesWithANote) {
   for (const char* name : {"a.txt", "a.html", "a.cat"}) {
     const Document document = Read(name, "\xff\xfez\0x"s);
