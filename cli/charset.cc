@@ -21,7 +21,7 @@ namespace {
 constexpr std::string_view kLatin1 = "windows-1252";
 constexpr std::string_view kUtf8 = "utf-8";
 constexpr std::string_view kLatin10 = "iso-8859-16";  // which ICU does not have
-constexpr std::string_view kUntrue = "";              // of a page whose ASCII could be read
+constexpr std::string_view kUntrue = "none";          // of a page whose ASCII could be read
 
 struct Charset {
   std::string_view converter;  // as ICU calls it

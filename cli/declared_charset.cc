@@ -107,7 +107,7 @@ class TagReader {
     if (!StartsWith("\"") && !StartsWith("'")) return std::string(Take(" \t\n\f\r>"));
     const std::string_view quote = rest_.substr(0, 1);
     rest_.remove_prefix(1);
-    const std::string value(Take(quote));
+    std::string value(Take(quote));
     rest_.remove_prefix(std::min<std::size_t>(1, rest_.size()));
     return value;
   }
@@ -131,7 +131,7 @@ std::string ValueIn(std::string_view text, std::string_view name) {
 }
 
 std::string CharsetOf(const Tag& meta) {
-  if (const std::string charset = meta.Attribute("charset"); !charset.empty()) return charset;
+  if (std::string charset = meta.Attribute("charset"); !charset.empty()) return charset;
   if (Lower(meta.Attribute("http-equiv")) != "content-type") return "";
   return ValueIn(meta.Attribute("content"), "charset");
 }
