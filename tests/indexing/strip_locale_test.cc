@@ -1,5 +1,6 @@
 // The stripping functions of kestan/indexing/strip.cc in a locale that has more letters.
 #include <kestan/kestan.h>
+#include <strings.h>
 
 #include <clocale>
 #include <cstdlib>
@@ -49,6 +50,9 @@ TEST_F(StripLocale, ItsLettersAreLetters) {
 }
 
 TEST_F(StripLocale, ItsLettersMatchStopWordsInBothCases) {
+  if (strcasecmp("\xc4", "\xe4") != 0) {
+    GTEST_SKIP() << "strcasecmp does not follow the locale here; the address sanitizer's does not";
+  }
   EXPECT_EQ(Words("\xc4HN cat", "\xe4hn"), " cat");
   EXPECT_EQ(Words("\xe4hn cat", "\xc4HN"), " cat");
   EXPECT_EQ(Words("\xf6hn cat", "\xe4hn"), "\xf6hn cat");
