@@ -1,7 +1,11 @@
 #include <kestan/maintenance/check.h>
 #include <kestan/maintenance/code_check.h>
+#include <kestan/maintenance/file_reading.h>
 #include <kestan/maintenance/findings.h>
+#include <kestan/maintenance/form_check.h>
+#include <kestan/maintenance/lookup_check.h>
 #include <kestan/maintenance/posting_check.h>
+#include <kestan/maintenance/space_check.h>
 #include <kestan/maintenance/tables.h>
 #include <kestan/maintenance/walk.h>
 
@@ -22,20 +26,46 @@ int CheckFile(Database& store, int walk_error, Findings* findings) {
   return first;
 }
 
+// Calls `check(bytes)` with the bytes of the file, or reports that there is no way to them.
+template <typename Check>
+void CheckBytes(const Database& store, Findings* findings, Check check) {
+  const MappedFile file(store.Descriptor());
+  if (!file.is_mapped()) {
+    findings->Fault(kWholeFile, "cannot be mapped, so that its buckets were not looked at");
+    return;
+  }
+  check(gdbm::Bytes(file.bytes()));
+}
+
 }  // namespace
+
+std::int64_t CheckLookups(const Database& store, const TakeLine& report) {
+  if (store.FileBytes() == -1) return -1;
+  Findings findings(report);
+  CheckBytes(store, &findings,
+             [&](const gdbm::Bytes& file) { LookupCheck(file, &findings).Run(); });
+  return static_cast<std::int64_t>(findings.faults());
+}
 
 CheckResult CheckIndex(Database& store, const TakeLine& report) {
   if (store.Flush() == -1) return {0, 0, -1};
   Findings findings(report);
+  CheckBytes(store, &findings, [&](const gdbm::Bytes& file) {
+    LookupCheck(file, &findings).Run();
+    SpaceCheck(file, &findings).Run();
+  });
   const IndexTables tables = ReadTables(store);
   CheckLengths(tables, &findings);
   if (!tables.IsIncomplete()) CheckCodes(tables, &findings);
 
   PostingCheck postings(tables, &findings);
+  FormCheck forms(store, tables, &findings);
   bool all_read = true;
   const int walk_error = ForEachRecord(store, [&](const DBDatum& key, const DBDatum* value, int) {
     if (value == nullptr) all_read = false;
-    if (value != nullptr) postings.Visit(key, *value);
+    if (value == nullptr) return;
+    postings.Visit(key, *value);
+    forms.Visit(key, *value);
   });
   if (all_read && walk_error == 0 && !tables.IsIncomplete()) postings.CheckDocuments();
   postings.NoteUnusedWords();

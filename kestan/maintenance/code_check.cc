@@ -109,11 +109,11 @@ void CheckRepeats(std::string_view key, Vector<Code> codes, Findings* findings) 
 }
 
 // Codes that were handed out and cannot come back.
-void NoteLostCodes(const IndexTables& tables, const CodeSet& known, Findings* findings) {
+void CheckLostCodes(const IndexTables& tables, const CodeSet& known, Findings* findings) {
   std::uint64_t lost = 0;
   for (std::size_t code = 1; code <= tables.counter; ++code) lost += known[code] ? 0 : 1;
   if (lost == 0) return;
-  findings->Note(kCounterKey, "codes neither in use nor removed nor reusable: ", lost);
+  findings->Fault(kCounterKey, "codes neither in use nor removed nor reusable: ", lost);
 }
 
 }  // namespace
@@ -146,7 +146,7 @@ void CheckCodes(const IndexTables& tables, Findings* findings) {
       findings->Fault(kDeletedKey, "code ", std::uint64_t{code}, " is reusable already");
     }
   }
-  NoteLostCodes(tables, in_use | reusable | removed, findings);
+  CheckLostCodes(tables, in_use | reusable | removed, findings);
   for (const auto& document : tables.documents) CheckDocument(tables, document, findings);
   for (const auto& name : tables.names) CheckName(tables, name, findings);
 }

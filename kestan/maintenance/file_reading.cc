@@ -1,10 +1,12 @@
 #include <fcntl.h>
 #include <kestan/maintenance/file_reading.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <limits>
 
 namespace kestan {
 namespace {
@@ -58,6 +60,20 @@ int ReadWholeFile(const char* path, String* bytes, std::uint64_t* unreadable_byt
     at += count < 0 ? block : static_cast<std::size_t>(count);
   }
   return 0;
+}
+
+MappedFile::MappedFile(int descriptor) {
+  struct stat status {};
+  if (fstat(descriptor, &status) != 0 || status.st_size <= 0) return;
+  const auto bytes = static_cast<std::uint64_t>(status.st_size);
+  if (bytes > std::numeric_limits<std::size_t>::max() / 2) return;
+  size_ = static_cast<std::size_t>(bytes);
+  start_ = mmap(nullptr, size_, PROT_READ, MAP_SHARED, descriptor, 0);
+  if (start_ == MAP_FAILED) start_ = nullptr;
+}
+
+MappedFile::~MappedFile() {
+  if (start_ != nullptr) munmap(start_, size_);
 }
 
 }  // namespace kestan

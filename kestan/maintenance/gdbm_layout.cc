@@ -18,12 +18,6 @@ bool IsDirectory(const Header& header) {
          header.directory_bytes == std::int32_t{sizeof(Offset)} << header.directory_bits;
 }
 
-bool IsHead(const BucketHead& head, const Shape& shape) {
-  return head.free_count >= 0 && static_cast<std::size_t>(head.free_count) <= head.free.size() &&
-         head.bits >= 0 && head.bits <= static_cast<int>(kHashBits) && head.count >= 0 &&
-         static_cast<std::uint32_t>(head.count) <= shape.elements;
-}
-
 // The hashes of a bucket agree in its bits; those that do not agree with most of them are noise.
 void DropStrangers(Bucket* bucket) {
   if (bucket->sound.empty()) return;
@@ -74,6 +68,18 @@ bool ReadHeader(const Bytes& file, Header* header, Shape* shape) {
   if (!IsDirectory(*header) || header->directory >= file.size()) return false;
   *shape = {bytes, elements};
   return true;
+}
+
+bool IsHead(const BucketHead& head, const Shape& shape) {
+  return head.free_count >= 0 && static_cast<std::size_t>(head.free_count) <= head.free.size() &&
+         head.bits >= 0 && head.bits <= static_cast<int>(kHashBits) && head.count >= 0 &&
+         static_cast<std::uint32_t>(head.count) <= shape.elements;
+}
+
+bool BelongsTo(const DirectoryRun& run, const Header& header, const BucketHead& head) {
+  if (head.bits > header.directory_bits) return false;
+  const std::uint32_t entries = std::uint32_t{1} << (header.directory_bits - head.bits);
+  return run.end - run.first == entries && run.first % entries == 0;
 }
 
 void ReadBucket(const Bytes& file, const Shape& shape, Offset at, Bucket* bucket) {

@@ -76,6 +76,13 @@ static_assert(sizeof(Element) == 24 && offsetof(Element, data) == 8);
 static_assert(offsetof(BucketHead, free) == alignof(FreeSpace));
 static_assert(sizeof(BucketHead) == alignof(FreeSpace) + 6 * sizeof(FreeSpace) + 8);
 
+// Neighbouring entries of the directory that lead to the same place.
+struct DirectoryRun {
+  std::uint32_t first;
+  std::uint32_t end;  // behind the last entry
+  Offset bucket;
+};
+
 // What a bucket of this file takes.
 struct Shape {
   std::uint32_t bucket_bytes = 512;
@@ -131,6 +138,31 @@ class Bytes {
 //   Returns  whether it can be one: a known magic number, sizes that agree with each other, and a
 //            directory inside the file, or cut off where the file was.
 bool ReadHeader(const Bytes& file, Header* header, Shape* shape);
+
+// Returns whether the numbers of a bucket's head can be those of one.
+bool IsHead(const BucketHead& head, const Shape& shape);
+
+// Calls `visit(run)` for each run of the directory, in the order of their hashes. An entry behind
+// the end of the file leads to 0, where no bucket is.
+template <typename Visit>
+void ForEachRun(const Bytes& file, const Header& header, Visit visit) {
+  const std::uint32_t entries = std::uint32_t{1} << header.directory_bits;
+  const auto entry = [&](std::uint32_t index) {
+    Offset bucket = 0;
+    file.Read(header.directory + Offset{index} * sizeof bucket, &bucket);
+    return bucket;
+  };
+  for (std::uint32_t first = 0; first < entries;) {
+    const Offset bucket = entry(first);
+    std::uint32_t end = first + 1;
+    while (end < entries && entry(end) == bucket) ++end;
+    visit(DirectoryRun{first, end, bucket});
+    first = end;
+  }
+}
+
+// Returns whether the bucket with this head is that of all entries of the run and of no others.
+bool BelongsTo(const DirectoryRun& run, const Header& header, const BucketHead& head);
 
 // One bucket, as far as it can be read.
 struct Bucket {

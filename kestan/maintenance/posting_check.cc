@@ -1,5 +1,6 @@
 #include <kestan/engine/keys.h>
 #include <kestan/maintenance/code_check.h>
+#include <kestan/maintenance/form_check.h>
 #include <kestan/maintenance/posting_check.h>
 #include <kestan/maintenance/word_list_repair.h>
 
@@ -11,14 +12,25 @@ namespace {
 
 constexpr std::size_t kCodes = std::size_t{kMaxCode} + 1;
 constexpr Position kMaxPosition = std::numeric_limits<Position>::max();
-constexpr unsigned kFoldBit = 0x20;
-
-bool IsFolded(std::string_view word) {
-  return std::all_of(word.begin(), word.end(),
-                     [](char byte) { return (static_cast<unsigned char>(byte) & kFoldBit) != 0; });
-}
 
 }  // namespace
+
+PositionWeights::PositionWeights() : sums_(kCodes) {
+  for (std::size_t i = 1; i < sums_.size(); ++i) {
+    sums_[i] = sums_[i - 1] + Of(static_cast<Position>(i));
+  }
+}
+
+std::uint64_t PositionWeights::Of(Position position) {
+  std::uint64_t bits = (position + std::uint64_t{1}) * 0x9e3779b97f4a7c15U;
+  bits = (bits ^ bits >> 30) * 0xbf58476d1ce4e5b9U;
+  return bits ^ bits >> 29;
+}
+
+std::uint64_t PositionWeights::OfText(std::uint64_t words) const {
+  const std::uint64_t rounds = words / kMaxPosition;
+  return rounds * sums_[kMaxPosition] + sums_[static_cast<std::size_t>(words % kMaxPosition)];
+}
 
 PostingCheck::PostingCheck(const IndexTables& tables, Findings* findings)
     : tables_(tables),
@@ -54,12 +66,13 @@ void PostingCheck::CheckPostings(const DBDatum& key, const DBDatum& value) {
   if (value.size % kUnitBytes != 0) {
     findings_.Fault(word, "odd length: ", std::uint64_t{value.size}, " bytes");
   }
-  const Faults faults = CountFaults({key, value, IsNeverPurged(key), IsFolded(word)});
+  const Faults faults = CountFaults({key, value, IsNeverPurged(key), IsFolded(word), false});
   const auto report = [&](std::uint64_t count, const char* what) {
     if (count != 0) findings_.Fault(word, what, ": ", count);
   };
   report(faults.zero_codes, "entries of code 0");
   report(faults.unknown_codes, "entries of codes that no document holds");
+  report(faults.free_codes, "entries of free codes, of documents that were removed");
   report(faults.repeated_codes, "entries of a code listed before");
   report(faults.without_positions, "entries without positions");
   report(faults.zero_positions, "positions of 0");
@@ -76,7 +89,7 @@ bool PostingCheck::NoteHyphen(const DBDatum& key, const DBDatum& value) {
   }
   if (!tables_.rules.with_positions && !LooksLikePostings(value, tables_.rules)) {
     findings_.Note(word, "a word with a hyphen, with positions that option flag 1 left");
-    CountFaults({key, value, true, IsFolded(word)});
+    CountFaults({key, value, true, IsFolded(word), true});
     return false;
   }
   findings_.Note(word, "the posting record of a word with a hyphen");
@@ -90,20 +103,22 @@ PostingCheck::Faults PostingCheck::CountFaults(const Record& record) {
   PostingEntry entry{};
   while (reader.Next(&entry)) {
     if (entry.code == 0) ++faults.zero_codes;
-    if (IsUnknown(record, entry.code)) ++faults.unknown_codes;
-    const bool is_repeated = seen_in_[entry.code] == record_number_;
-    if (is_repeated && entry.code != 0 && !record.is_never_purged) ++faults.repeated_codes;
-    seen_in_[entry.code] = record_number_;
+    CheckCode(record, entry.code, &faults);
     CountPositions(record, entry, &faults);
   }
   if (tables_.rules.with_positions) CheckEnd(record, entry);
   return faults;
 }
 
-// Records that are never purged keep entries of every code that was ever handed out.
-bool PostingCheck::IsUnknown(const Record& record, Code code) const {
-  if (code == 0 || known_[code] || tables_.IsIncomplete()) return false;
-  return !record.is_never_purged || code > tables_.counter;
+// In records that no shrink purges, entries of removed documents stay when their codes become free,
+// and would be those of the next documents that get the codes.
+void PostingCheck::CheckCode(const Record& record, Code code, Faults* faults) {
+  const bool is_repeated = seen_in_[code] == record_number_;
+  seen_in_[code] = record_number_;
+  if (code == 0) return;
+  if (is_repeated) ++faults->repeated_codes;
+  if (known_[code] || tables_.IsIncomplete()) return;
+  ++(record.is_never_purged && reusable_[code] ? faults->free_codes : faults->unknown_codes);
 }
 
 void PostingCheck::CountPositions(const Record& record, const PostingEntry& entry, Faults* faults) {
@@ -111,6 +126,7 @@ void PostingCheck::CountPositions(const Record& record, const PostingEntry& entr
   tally.has_words = true;
   if (!record.is_never_purged) tally.has_own_words = true;
   if (!tables_.rules.with_positions) return;
+  if (entry.positions == kMaxPosition || record.may_be_text) tally.is_unsure = true;
   if (entry.units >= 2 && UnitAt(record.value, entry.first_unit + 1) == 0) {
     ++faults->without_positions;
   }
@@ -118,6 +134,7 @@ void PostingCheck::CountPositions(const Record& record, const PostingEntry& entr
   for (std::size_t i = entry.units - entry.positions; i < entry.units; ++i) {
     const Position position = UnitAt(record.value, entry.first_unit + i);
     if (position == kMaxPosition) tally.wraps = true;
+    if (record.is_folded) tally.weight += PositionWeights::Of(position);
     if (position == 0) {
       ++faults->zero_positions;
     } else if (record.is_never_purged) {
@@ -152,7 +169,7 @@ void PostingCheck::CheckEnd(const Record& record, const PostingEntry& last) {
 void PostingCheck::CheckText(const DBDatum& key, const DBDatum& value) {
   const std::string_view bytes = BytesOf(key);
   if (CanBeWord(bytes) && LooksLikePostings(value, tables_.rules)) {
-    CountFaults({key, value, true, IsFolded(bytes)});
+    CountFaults({key, value, true, IsFolded(bytes), true});
   }
   if (tables_.KindOfRecord(key, value) == RecordKind::kOther) {
     findings_.Note(bytes, "no record of the engine has such a key");
@@ -186,7 +203,6 @@ void PostingCheck::CheckDocuments() {
   }
 }
 
-// A document of more than 65535 words has several at one position; nothing is known of it then.
 void PostingCheck::CheckDocument(const IndexTables::Document& document) {
   const Tally& tally = tallies_[document.code];
   const String key = ItemKey(kDocumentFamily, document.name);
@@ -195,16 +211,29 @@ void PostingCheck::CheckDocument(const IndexTables::Document& document) {
   if (!tally.has_words || is_bare) {
     return findings_.Note(key, "no words: an empty text, or left half-written?");
   }
-  if (tally.wraps) return;
-  if (tally.descends) findings_.Fault(key, "positions of a word do not ascend");
+  if (tally.descends && !tally.wraps) findings_.Fault(key, "positions of a word do not ascend");
+  CheckPlaces(key, tally);
+}
+
+// The folded words of a text have its positions, each of them once, and once more in every round of
+// a text of more than 65535 words.
+void PostingCheck::CheckPlaces(const String& key, const Tally& tally) {
   const std::uint64_t highest = tally.highest;
   const std::uint64_t recorded = std::uint64_t{tally.positions} + tally.doubtful;
-  if (tally.positions > highest) {
+  if (tally.positions > highest && !tally.wraps) {
     findings_.Fault(key, "several words at one position: ", std::uint64_t{tally.positions},
                     " up to position ", highest);
   } else if (recorded < highest) {
-    findings_.Note(key, "words missing: at least ", highest - recorded, " of ", highest,
-                   "; left half-written?");
+    findings_.Fault(key, "words missing: at least ", highest - recorded, " of ", highest,
+                    "; left half-written?");
+  } else if (tally.is_unsure || tally.weight == weights_.OfText(recorded)) {
+    return;
+  } else if (tally.doubtful != 0) {
+    findings_.Fault(key,
+                    "words of one letter, or with a hyphen, contradict the others: those of "
+                    "an earlier document?");
+  } else {
+    findings_.Fault(key, "some positions have several words, and others have none");
   }
 }
 

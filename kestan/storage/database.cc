@@ -228,6 +228,8 @@ std::int64_t Database::FileBytes() const {
   return IsOpenFor("size") ? kestan::BytesOfFile(dbf) : -1;
 }
 
+int Database::Descriptor() const { return IsOpenFor("descriptor") ? gdbm_fdesc(dbf) : -1; }
+
 bool Database::IsOpenFor(const char* operation) const {
   if (dbf != nullptr) return true;
   std::fprintf(stderr, "%s: Call to database::%s without an open database\n", kestan::kEngineName,

@@ -109,6 +109,10 @@ class KESTAN_EXPORT Database {
   // change it.
   std::int64_t FileBytes() const;
 
+  // Returns the descriptor of the open file, for reading its bytes as they are on the disk; -1
+  // without a file. It belongs to the store, which closes it.
+  int Descriptor() const;
+
   // Returns a number that grows with every call that may change what some key answers: Open(),
   // Put(), Del(), Flush() and what they are part of. Changes in place do not show in it.
   std::uint64_t Changes() const { return changes_; }

@@ -141,9 +141,11 @@ class Host {
 };
 
 bool IsHarmless(const std::string& line) {
-  for (const char* note :
-       {"index file: note: empty posting records, ", "of a word with a hyphen",
-        ": note: a word with a hyphen, with positions that option flag 1 left"}) {
+  for (const char* note : {"index file: note: empty posting records, ", "of a word with a hyphen",
+                           ": note: a word with a hyphen, with positions that option flag 1 left",
+                           // what no shrink takes away, and queries find
+                           ": words of one letter, or with a hyphen, contradict",
+                           ": entries of free codes", ": entries of a code listed before"}) {
     if (line.find(note) != std::string::npos) return true;
   }
   return false;

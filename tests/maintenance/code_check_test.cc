@@ -49,10 +49,9 @@ TEST(CodeCheck, MissingCounter) {
 
 TEST(CodeCheck, CounterAboveTheCodesLosesSome) {
   const Checked checked = CheckRecords(With({{"g-code", Units({5})}}));
-  EXPECT_EQ(checked.lines,
-            Lines({"g-code: note: codes neither in use nor removed nor reusable: 3"}));
-  EXPECT_EQ(checked.result.faults, 0u);
-  EXPECT_EQ(checked.result.notes, 1u);
+  EXPECT_EQ(checked.lines, Lines({"g-code: codes neither in use nor removed nor reusable: 3"}));
+  EXPECT_EQ(checked.result.faults, 1u);
+  EXPECT_EQ(checked.result.notes, 0u);
 }
 
 TEST(CodeCheck, CodesInUseThatAreReusableOrRemoved) {

@@ -16,7 +16,7 @@ using namespace std::string_literals;
 
 // A record of every kind.
 Records EveryKind() {
-  return With({{"x", Units({2, 1, 2, 3, 1, 4})},
+  return With({{"x", Units({2, 1, 2, 3, 1, 1})},
                {"d-", Units({9, 9, 3, 0})},
                {"c-\3\0"s, ""},
                {"t-a", "A"},

@@ -11,6 +11,7 @@
 #include <filesystem>
 
 #include "tests/maintenance/index_files.h"
+#include "tests/maintenance/maintenance_test.h"
 #include "tests/support/environment.h"
 
 namespace kestan_maintenance {
@@ -42,14 +43,7 @@ class RepairOfHostileFiles : public testing::Test {
   }
 
   static void ExpectSound(const std::string& path) {
-    Database store;
-    ASSERT_EQ(store.Open(path.c_str(), 1), 0);
-    std::string faults;
-    const auto check = kestan::CheckIndex(store, [&](std::string_view line) {
-      if (line.find(": note: ") == std::string_view::npos) faults.append(line).append("\n");
-    });
-    EXPECT_EQ(check.faults, 0U) << faults;
-    EXPECT_EQ(check.file_error, 0);
+    EXPECT_EQ(kestan_tests::FaultsOf(path), kestan_tests::Lines());
   }
 
   template <typename Structure>

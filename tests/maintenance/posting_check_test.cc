@@ -62,12 +62,18 @@ TEST(PostingCheck, RemovedCodesAwaitAShrink) {
       Lines());
 }
 
-TEST(PostingCheck, WordsThatAreNeverPurgedKeepOldEntries) {
+// Whoever gets the free code next would be found under these words.
+TEST(PostingCheck, OldEntriesOfWordsThatAreNeverPurgedAreFaults) {
   const Records records{{"x", Units({3, 1, 1, 2, 1, 1})},
                         {"y-", Units({3, 1, 1, 3, 1, 1})},
                         {"g-avail", Units({3})},
                         {"g-code", Units({3})}};
-  EXPECT_EQ(LinesOf(With(records)), Lines());
+  EXPECT_EQ(LinesOf(With(records)),
+            Lines({"x: entries of free codes, of documents that were removed: 1",
+                   "y-: entries of free codes, of documents that were removed: 2",
+                   "y-: entries of a code listed before: 1",
+                   "d-b: words of one letter, or with a hyphen, contradict the others: those of an "
+                   "earlier document?"}));
 }
 
 TEST(PostingCheck, WordsThatAreNeverPurgedKnowNoCodesAboveTheCounter) {
@@ -81,7 +87,9 @@ TEST(PostingCheck, RepeatedCodes) {
 }
 
 TEST(PostingCheck, PositionsOfZero) {
-  EXPECT_EQ(LinesOf(With({{"fox", Units({1, 3, 0, 0, 3})}})), Lines({"fox: positions of 0: 2"}));
+  EXPECT_EQ(LinesOf(With({{"fox", Units({1, 3, 0, 0, 3})}})),
+            Lines({"fox: positions of 0: 2",
+                   "d-a: some positions have several words, and others have none"}));
 }
 
 TEST(PostingCheck, EntriesWithoutPositions) {
@@ -151,12 +159,13 @@ TEST(PostingCheck, DocumentWithoutWordsButThoseOfAnEarlierOne) {
 
 TEST(PostingCheck, GapInTheWordsOfADocument) {
   EXPECT_EQ(LinesOf(With({{"dog", Units({1, 1, 4})}})),
-            Lines({"d-a: note: words missing: at least 2 of 4; left half-written?"}));
+            Lines({"d-a: words missing: at least 2 of 4; left half-written?"}));
 }
 
 TEST(PostingCheck, WrittenFormWithoutTheFoldedOne) {
   EXPECT_EQ(LinesOf(With({{"Fox", Units({1, 1, 3})}})),
-            Lines({"d-a: note: words missing: at least 1 of 3; left half-written?"}));
+            Lines({"Fox: the small form has no record",
+                   "d-a: words missing: at least 1 of 3; left half-written?"}));
   EXPECT_EQ(LinesOf(With({{"Fox", Units({1, 1, 3})}, {"fox", Units({1, 1, 3})}})), Lines());
 }
 
@@ -184,10 +193,12 @@ TEST(PostingCheck, WordsThatLookLikeDocumentsNamesAndListsAreNoFaults) {
 
 TEST(PostingCheck, DamagedPostingsOfAWordWithAHyphenAreFaults) {
   const std::string what = ": note: the posting record of a word with a hyphen";
-  EXPECT_EQ(LinesOf(With({{"t-shirt", Units({9, 1, 1})}, {"e-mail", Units({1, 2, 1})}})),
-            Lines({"t-shirt" + what, "t-shirt: entries of codes that no document holds: 1",
-                   "e-mail" + what,
-                   "e-mail: ends within an entry: code 1 counts 2 positions and has 1"}));
+  EXPECT_EQ(
+      LinesOf(With({{"t-shirt", Units({9, 1, 1})}, {"e-mail", Units({1, 2, 1})}})),
+      Lines({"t-shirt" + what, "t-shirt: entries of codes that no document holds: 1",
+             "e-mail" + what, "e-mail: ends within an entry: code 1 counts 2 positions and has 1",
+             "d-a: words of one letter, or with a hyphen, contradict the others: those of an "
+             "earlier document?"}));
 }
 
 TEST(PostingCheck, ADocumentRecordShapedLikePostingsIsTheDocumentsWhereANameSaysSo) {
@@ -220,10 +231,21 @@ TEST(PostingCheck, PositionsThatDoNotAscend) {
             Lines({"d-a: positions of a word do not ascend"}));
 }
 
-TEST(PostingCheck, DocumentWhosePositionsWrapIsNotJudged) {
-  EXPECT_EQ(LinesOf(With({{"dog", Places(3, 65535)}, {"fox", Units({1, 2, 7, 5})}})), Lines());
+// Behind the last position a text begins again at the first.
+TEST(PostingCheck, DocumentWhosePositionsWrap) {
+  const Records sound = With({{"dog", Places(2, 65535)}, {"fox", Units({1, 2, 1, 2})}});
+  EXPECT_EQ(LinesOf(sound), Lines());
+  EXPECT_EQ(LinesOf(With({{"dog", Places(2, 65535)}, {"fox", Units({1, 2, 1, 3})}})),
+            Lines({"d-a: some positions have several words, and others have none"}));
   EXPECT_EQ(LinesOf(With({{"dog", Places(3, 65534)}})),
-            Lines({"d-a: note: words missing: at least 1 of 65534; left half-written?"}));
+            Lines({"d-a: words missing: at least 1 of 65534; left half-written?"}));
+}
+
+TEST(PostingCheck, AWordAtThePositionOfAnotherWhereOneHasNone) {
+  EXPECT_EQ(
+      LinesOf(With(
+          {{"dog", Units({1, 2, 2, 3})}, {"fox", Units({1, 1, 3})}, {"hen", Units({1, 1, 5})}})),
+      Lines({"d-a: some positions have several words, and others have none"}));
 }
 
 TEST(PostingCheck, TextsOfDocumentsThatAreNotThere) {

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "tests/maintenance/index_files.h"
+#include "tests/maintenance/maintenance_test.h"
 
 namespace kestan_maintenance {
 
@@ -39,15 +40,7 @@ class RepairTest : public testing::Test {
     return Dump(new_path_);
   }
 
-  void ExpectSound() {
-    Database store;
-    ASSERT_EQ(store.Open(new_path_.c_str(), 0), 0);
-    const auto check = kestan::CheckIndex(store, [this](std::string_view line) {
-      if (line.find(": note: ") == std::string_view::npos) lines_.emplace_back(line);
-    });
-    EXPECT_EQ(check.faults, 0U) << lines_.back();
-    EXPECT_EQ(check.file_error, 0);
-  }
+  void ExpectSound() { EXPECT_EQ(kestan_tests::FaultsOf(new_path_), kestan_tests::Lines()); }
 
   bool Says(const std::string& line) const {
     return std::find(lines_.begin(), lines_.end(), line) != lines_.end();
