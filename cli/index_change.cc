@@ -36,6 +36,8 @@ IndexChange::IndexChange(Kestan& engine, const std::string& path, Access access,
   lock_ = std::make_unique<IndexLock>(file_, Complaint(path_));
   if (way_ == Way::kOnCopy) RemoveLeftovers(file_);
   facts_ = ExamineIndex(path_, access_);  // nobody changes it any more
+  std::error_code error;
+  if (std::filesystem::file_size(file_, error) != 0 && !error) CheckLookups(path_);
 }
 
 IndexChange::~IndexChange() {

@@ -1,5 +1,6 @@
 #include "opened_index.h"
 
+#include <kestan/maintenance.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -59,11 +60,12 @@ constexpr int kCantBeReader = 9;
 constexpr int kCantBeWriter = 10;
 constexpr int kNeedsRecovery = 29;
 
+constexpr const char* kSeeRepair = "kestan repair saves what it still holds";
 constexpr const char* kIfItWasOne = "; if it was one, see kestan repair";
 
 // Says why the store refused to open a file. `system_error` is what errno was right after.
 std::string ReasonOfStore(int error, int system_error) {
-  if (error == kNeedsRecovery) return "damaged; kestan repair saves what it still holds";
+  if (error == kNeedsRecovery) return std::string("damaged; ") + kSeeRepair;
   const bool from_system = error >= kFileOpenError && error <= kFileReadError;
   if (from_system && system_error != 0) return ReasonOf(system_error);
   return std::string("not an index file (") + Database::ErrorString(error) + ")" + kIfItWasOne;
@@ -92,10 +94,28 @@ unsigned long FirstUnit(const DBDatum& value) {
   return unit;
 }
 
-IndexFacts FactsOf(Database& store) {
+// Whether a walk comes to the record of a document, which is there only if there is a counter too.
+bool ShowsDocuments(Database& store) {
+  constexpr std::uint32_t kDocumentBytes = 8;
+  constexpr int kRecordsBetweenFlushes = 1000;  // a flush gives back the memory of those read
+  DBDatumPtr key;
+  DBDatumPtr value;
+  int walked = 0;
+  for (int end = store.First(&key, &value); key.ptr != nullptr; end = store.Next(&key, &value)) {
+    const std::string_view bytes(key.ptr->data, key.ptr->size);
+    if (bytes.substr(0, 2) == "d-" && end == 0 && value.ptr->size == kDocumentBytes) return true;
+    if (++walked % kRecordsBetweenFlushes == 0) store.Flush();
+  }
+  return false;
+}
+
+IndexFacts FactsOf(Database& store, bool* lacks_counter) {
   IndexFacts facts;
   const DBDatumPtr highest = Record(store, "g-code");
-  if (highest.ptr == nullptr) return facts;
+  if (highest.ptr == nullptr) {
+    *lacks_counter = ShowsDocuments(store);  // an index without a counter is small, if it is whole
+    return facts;
+  }
   facts.had_documents = true;
   facts.free_codes -= FirstUnit(*highest.ptr);
   const DBDatumPtr reusable = Record(store, "g-avail");
@@ -155,14 +175,30 @@ IndexFacts ExamineIndex(const std::string& path, Access access) {
   Database store;
   OpenStore(store, path, Access::kRead);
   const bool has_options = Record(store, "g-opts").ptr != nullptr;
-  const IndexFacts facts = FactsOf(store);
+  bool lacks_counter = false;
+  const IndexFacts facts = FactsOf(store, &lacks_counter);
   if (store.FileError() != 0) {
     if (access == Access::kInspect) return facts;
     throw CannotRead(path, store.FileError());
   }
+  if (lacks_counter && access != Access::kInspect) {
+    throw CannotOpen(path, std::string("its counter of documents is lost; ") + kSeeRepair);
+  }
   // Every index has option flags; another program's file of the same kind has not.
   if (!has_options) throw CannotOpen(path, std::string("not an index file") + kIfItWasOne);
   return facts;
+}
+
+void CheckLookups(const std::string& path) {
+  Database store;
+  OpenStore(store, path, Access::kRead);
+  std::string first;
+  const auto take = [&](std::string_view line) {
+    if (first.empty()) first = line;
+  };
+  if (kestan::CheckLookups(store, take) == 0) return;
+  throw CommandError("cannot change index " + Quoted(path) + ": damaged (" + first + "); " +
+                     kSeeRepair);
 }
 
 OpenedIndex::OpenedIndex(Kestan& engine, const std::string& path, Access access, std::string shown)

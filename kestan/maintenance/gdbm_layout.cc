@@ -34,14 +34,15 @@ void DropStrangers(Bucket* bucket) {
 
 Hash HashOf(std::string_view key) {
   constexpr Hash kMask = 0x7fffffff;
+  constexpr unsigned kShifts = 24;
   Hash hash = 0x238f13afU * static_cast<Hash>(key.size());
   unsigned shift = 0;
   for (const char byte : key) {
-    // Sign and all, as gdbm has it, where characters have one.
-    hash = (hash + (static_cast<Hash>(static_cast<int>(byte)) << shift)) & kMask;
-    shift = (shift + 5) % 24;
+    hash += static_cast<Hash>(static_cast<int>(byte)) << shift;  // sign and all, as gdbm has it
+    shift += 5;
+    if (shift >= kShifts) shift -= kShifts;
   }
-  return (1103515243U * hash + 12345U) & kMask;
+  return (1103515243U * (hash & kMask) + 12345U) & kMask;
 }
 
 bool Bytes::IsSound(const Element& element) const {
