@@ -151,7 +151,7 @@ void BucketMap::Scan() {
     }
     Element element;
     file_.Read(at, &element);
-    if (element.data >= file_.size() || !file_.IsSound(element)) {
+    if (element.data >= file_.size() || !file_.HasKey(element)) {
       ++at;
       continue;
     }

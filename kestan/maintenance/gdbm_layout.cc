@@ -45,10 +45,10 @@ Hash HashOf(std::string_view key) {
   return (1103515243U * (hash & kMask) + 12345U) & kMask;
 }
 
-bool Bytes::IsSound(const Element& element) const {
+bool Bytes::HasKey(const Element& element) const {
   if (element.hash < 0 || element.key_bytes < 0 || element.value_bytes < 0) return false;
   const auto key_bytes = static_cast<Offset>(element.key_bytes);
-  if (!Holds(element.data, key_bytes + static_cast<Offset>(element.value_bytes))) return false;
+  if (!Holds(element.data, key_bytes)) return false;
   const std::string_view key = View(element.data, key_bytes);
   const std::size_t start = std::min(key.size(), element.key_start.size());
   if (key.substr(0, start) != std::string_view(element.key_start.data(), start)) return false;
@@ -97,7 +97,7 @@ void ReadBucket(const Bytes& file, const Shape& shape, Offset at, Bucket* bucket
   for (std::uint32_t i = 0; i < shape.elements; ++i) {
     Element element;
     if (!file.Read(ElementAt(at, i), &element)) break;
-    if (file.IsSound(element)) {
+    if (file.HasKey(element)) {
       bucket->sound.push_back(element);
     } else if (element.hash >= 0) {
       bucket->damaged.push_back(static_cast<Hash>(element.hash));

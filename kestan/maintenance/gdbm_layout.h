@@ -125,7 +125,13 @@ class Bytes {
   // Tells whether the element names a place in the file where a key lies that begins with the bytes
   // it gives and has the hash it gives: 31 bits of evidence and as many more as the key has, up to
   // 32, so that noise does not pass.
-  bool IsSound(const Element& element) const;
+  bool IsSound(const Element& element) const {
+    return HasKey(element) && Holds(element.data, static_cast<Offset>(element.key_bytes) +
+                                                      static_cast<Offset>(element.value_bytes));
+  }
+
+  // Tells the same of an element whose value may reach past the end, as where the file was cut.
+  bool HasKey(const Element& element) const;
 
  private:
   static constexpr Offset kSpareBudget = 1 << 24;
@@ -169,7 +175,7 @@ struct Bucket {
   bool has_head = false;    // its numbers can be those of a bucket
   unsigned bits = 0;        // 0 without a head
   std::uint32_t count = 0;  // of its elements, says the head
-  Vector<Element> sound;    // those whose keys bear them out
+  Vector<Element> sound;    // those whose keys bear them out; a value may reach past the end
   Vector<Hash> damaged;     // hashes of those whose keys do not
   Vector<FreeSpace> free;   // the space that it keeps for its records
 

@@ -201,6 +201,7 @@ void PostingCheck::CheckDocuments() {
   for (const IndexTables::Document& document : tables_.documents) {
     if (document.code != 0) CheckDocument(document);
   }
+  for (const Code code : tables_.removed) CheckRemoved(code);
 }
 
 void PostingCheck::CheckDocument(const IndexTables::Document& document) {
@@ -213,6 +214,16 @@ void PostingCheck::CheckDocument(const IndexTables::Document& document) {
   }
   if (tally.descends && !tally.wraps) findings_.Fault(key, "positions of a word do not ascend");
   CheckPlaces(key, tally);
+}
+
+// A removed document keeps its words until a shrink.
+void PostingCheck::CheckRemoved(Code code) {
+  const Tally& tally = tallies_[code];
+  const std::uint64_t recorded = std::uint64_t{tally.positions} + tally.doubtful;
+  const bool has_all = recorded >= tally.highest && tally.weight == weights_.OfText(recorded);
+  if (has_all || tally.is_unsure || tally.doubtful != 0) return;
+  findings_.Fault(kDeletedKey, "words missing of the removed document of code ",
+                  std::uint64_t{code}, "; a shrink takes the others");
 }
 
 // The folded words of a text have its positions, each of them once, and once more in every round of

@@ -34,7 +34,8 @@ class PostingCheck {
   // Looks at a record that is no document, name, counter, code array or option record.
   void Visit(const DBDatum& key, const DBDatum& value);
 
-  // Reports documents without words, or with words missing. Every record must have been seen.
+  // Reports documents without words, or with words missing, those that were removed and wait for a
+  // shrink among them. Every record must have been seen.
   void CheckDocuments();
 
   // Notes how many words no document holds: a shrink leaves them, often by the thousand, so that
@@ -83,6 +84,7 @@ class PostingCheck {
   void CheckText(const DBDatum& key, const DBDatum& value);
   void CheckWordList(const DBDatum& key, const DBDatum& value);
   void CheckDocument(const IndexTables::Document& document);
+  void CheckRemoved(Code code);
   void CheckPlaces(const String& key, const Tally& tally);
 
   const IndexTables& tables_;

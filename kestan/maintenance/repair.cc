@@ -49,7 +49,7 @@ class RepairWriter {
     const std::string_view key = salvage_.KeyOf(record);
     const RepairStep step = plan_.StepOf(record);
     if (record.is_cut && (step == RepairStep::kCopy || step == RepairStep::kWordList)) {
-      report_.Say({"note: ", Escaped(key), ": cut where the next record is"});
+      report_.Say({"note: ", Escaped(key), ": cut where the next record begins or the file ends"});
     }
     switch (step) {
       case RepairStep::kCopy:

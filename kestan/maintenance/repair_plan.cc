@@ -144,7 +144,8 @@ void RepairPlan::CollectClaims() {
     if (StepOf(record) != RepairStep::kRewrite) continue;
     const std::string_view key = salvage_.KeyOf(record);
     if (IsOfFamily(key, kDocumentFamily)) AddDocumentClaim(record);
-    if (!IsOfFamily(key, kNameFamily)) continue;
+    // Part of a name would be another document's.
+    if (!IsOfFamily(key, kNameFamily) || record.is_cut) continue;
     name_claims_.push_back({salvage_.ValueOf(record), UnitAt(KeyOf(record), 1), record.is_current});
   }
 }

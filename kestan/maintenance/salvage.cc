@@ -43,6 +43,10 @@ class SalvageRun {
     for (const Element& element : map_.loose()) TakeLoose(element);
     TakeFallbacks();
     CutOverlaps();
+    const auto& records = result_.records_;
+    result_.damage_.cut_records = static_cast<std::size_t>(
+        std::count_if(records.begin(), records.end(),
+                      [](const SalvagedRecord& record) { return record.is_cut; }));
     result_.damage_.header = !map_.has_header();
     result_.damage_.directory = !map_.is_whole();
   }
@@ -187,14 +191,23 @@ class SalvageRun {
   // Adds the record of a sound element, unless its key is there. Records do not overlap, so that
   // all of them fit into the file; those of a file made to fill the disk need not.
   bool Take(const Element& element, bool is_current) {
-    const SalvagedRecord record{element.data, static_cast<std::uint32_t>(element.key_bytes),
-                                static_cast<std::uint32_t>(element.value_bytes), is_current, false};
+    const SalvagedRecord record = RecordOf(element, is_current);
     if ((result_.records_.size() + 1) * 2 > table_.size()) GrowTable();
     std::uint32_t* const place = PlaceOf(result_.KeyOf(record));
     if (*place != 0) return false;
     result_.records_.push_back(record);
     *place = static_cast<std::uint32_t>(result_.records_.size());
     return true;
+  }
+
+  // Of a value that reaches past the end of the file, there is what lies before it.
+  SalvagedRecord RecordOf(const Element& element, bool is_current) const {
+    const auto key_bytes = static_cast<std::uint32_t>(element.key_bytes);
+    const auto value_bytes = static_cast<std::uint32_t>(element.value_bytes);
+    const Offset left = file_.size() - element.data - key_bytes;
+    const bool is_cut = value_bytes > left;
+    return {element.data, key_bytes, is_cut ? static_cast<std::uint32_t>(left) : value_bytes,
+            is_current, is_cut};
   }
 
   std::uint32_t* PlaceOf(std::string_view key) {

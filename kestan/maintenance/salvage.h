@@ -17,7 +17,7 @@ struct SalvagedRecord {
   // The file's newest bucket for the key has it. Otherwise it comes from an older one, whose
   // successor is damaged: the record may have been changed or removed since.
   bool is_current;
-  bool is_cut;  // it would have reached into the next one
+  bool is_cut;  // it would have reached into the next one or past the end of the file
 };
 
 // What a file still holds. Takes memory for the whole file and for some 100 bytes a record.
@@ -40,9 +40,10 @@ class Salvage {
     bool directory = false;         // some of it leads nowhere, or to a damaged bucket
     std::size_t stray_buckets = 0;  // found beside the directory and believed
     std::size_t old_records = 0;    // that are not current
+    std::size_t cut_records = 0;    // see SalvagedRecord
     std::uint64_t unreadable_bytes = 0;
 
-    bool IsAny() const { return header || directory || unreadable_bytes != 0; }
+    bool IsAny() const { return header || directory || cut_records != 0 || unreadable_bytes != 0; }
   };
   const Damage& damage() const { return damage_; }
 

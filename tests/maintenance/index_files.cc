@@ -88,6 +88,19 @@ void MakeIndex(const std::string& path, int documents, unsigned seed) {
   ASSERT_EQ(engine.FileError(), 0);
 }
 
+void ChangeIndex(const std::string& path, int documents, int more, unsigned seed) {
+  Dice dice(seed + 1);
+  const std::size_t vocabulary = 200 + static_cast<std::size_t>(documents) * 5;
+  Kestan engine;
+  ASSERT_EQ(engine.OpenIndex(path.c_str(), 1), 0);
+  for (int number = documents + 1; number <= more; ++number) {
+    engine.AddDocumentWords(NameOf(number).c_str(), Text(&dice, vocabulary).c_str());
+    ChangeSomething(&engine, number, &dice, vocabulary);
+  }
+  engine.CloseIndex();
+  ASSERT_EQ(engine.FileError(), 0);
+}
+
 FileMap MapOf(const std::string& bytes) {
   namespace gdbm = kestan::gdbm;
   const gdbm::Bytes file(bytes);

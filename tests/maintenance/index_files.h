@@ -34,6 +34,10 @@ void WriteFile(const std::string& path, const std::string& bytes);
 // replaced and renamed documents, and a shrink in every third index.
 void MakeIndex(const std::string& path, int documents, unsigned seed);
 
+// Goes on with the index at `path`, which MakeIndex() has made: adds the documents behind number
+// `documents` up to `more`, and changes some.
+void ChangeIndex(const std::string& path, int documents, int more, unsigned seed);
+
 // What of a good file lies where.
 enum class Place { kHeader, kDirectory, kBucket, kData, kFree };
 

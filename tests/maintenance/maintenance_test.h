@@ -35,7 +35,7 @@ inline Checked Check(const std::string& path, int writer = 0) {
 // of words that no shrink purges. Neither is what a repair makes wrong.
 inline bool IsAboutMissingWords(std::string_view line) {
   for (const char* what :
-       {": words missing: ", ": some positions have several words",
+       {": words missing", ": some positions have several words",
         ": words of one letter, or with a hyphen, contradict", ": entries of free codes",
         ": entries of a code listed before", ": the small form "}) {
     if (line.find(what) != std::string_view::npos) return true;
