@@ -52,9 +52,9 @@ BucketMap::BucketMap(const Bytes& file) : file_(file) {
     header_ = Header{};
   }
   is_whole_ = has_header_ && CoversEverything();
-  if (is_whole_) return;
   Scan();
   SortStrays();
+  DropSplit();
   if (reached_.empty()) SearchDirectory();
   MarkSplit();
 }
@@ -197,6 +197,38 @@ void BucketMap::SortStrays() {
     return std::make_tuple(left.bits, left.first, !left.is_intact, left.at) <
            std::make_tuple(right.bits, right.first, !right.is_intact, right.at);
   });
+}
+
+// A directory of an older state leads to a bucket as it was before it was split, if nothing has
+// overwritten that.
+void BucketMap::DropSplit() {
+  const auto kept =
+      std::stable_partition(reached_.begin(), reached_.end(),
+                            [this](const FoundBucket& bucket) { return !HasIntactPart(bucket); });
+  if (kept == reached_.end()) return;
+  is_whole_ = false;
+  for (auto bucket = kept; bucket != reached_.end(); ++bucket) {
+    if (!bucket->has_head) continue;  // its elements are among the loose ones already
+    strays_.push_back(*bucket);
+    strays_.back().is_reached = false;
+  }
+  reached_.erase(kept, reached_.end());
+  SortStrays();
+}
+
+// Tells whether a stray, of which nothing is missing, has some of the hashes and no others, and
+// more bits. What has no head is no bucket, but what is left of one: it proves no bits.
+bool BucketMap::HasIntactPart(const FoundBucket& bucket) const {
+  const Hash others = bucket.last - bucket.first;
+  for (unsigned bits = 0; bits <= kHashBits; ++bits) {
+    const Hash others_of_part = kLastHash >> bits;
+    if (others_of_part > others || (bucket.has_head && others_of_part == others)) continue;
+    std::size_t i = FindStray(bits, PrefixOf(bucket.first, bits));
+    for (; i < strays_.size() && strays_[i].bits == bits && strays_[i].first <= bucket.last; ++i) {
+      if (strays_[i].is_intact) return true;
+    }
+  }
+  return false;
 }
 
 void BucketMap::MarkSplit() {

@@ -35,7 +35,8 @@ enum class Standing : std::uint8_t {
 // The rule by which one of several buckets that cover the same hashes is believed:
 //
 // 1. The directory's. Where an entry of it leads to what can be a bucket of just these hashes, no
-//    other bucket counts for them.
+//    other bucket counts for them, unless one with more bits is found of which nothing is missing:
+//    then the directory, or its header, is older than the split.
 // 2. Else, the one with more bits. gdbm writes a bucket always to the same place until it splits
 //    it, never joins two, and frees the place of the one that it has split, whose bytes often stay.
 //    So of two buckets one of which covers the hashes of the other, that with fewer bits is the
@@ -52,7 +53,7 @@ enum class Standing : std::uint8_t {
 class BucketMap {
  public:
   // Reads the header and the directory of `file`, which must outlive the map, and looks at every
-  // offset for lost buckets if they leave anything open.
+  // offset for buckets that they do not lead to.
   explicit BucketMap(const Bytes& file);
 
   // By ascending hashes.
@@ -86,6 +87,8 @@ class BucketMap {
   void AddAround(Offset place, const Element& element);
   bool BelongsToLastStray(Offset element) const;
   void SortStrays();
+  void DropSplit();
+  bool HasIntactPart(const FoundBucket& bucket) const;
   void MarkSplit();
   void MarkAncestors(const FoundBucket& bucket);
   void SearchDirectory();

@@ -22,7 +22,7 @@ TEST_F(BucketMapTest, ABucketIsReachedThroughItsEntry) {
   EXPECT_TRUE(map.reached()[0].is_intact);
 }
 
-TEST_F(BucketMapTest, ABucketOfMoreBitsThanTheDirectoryCountsForItsEntryAlone) {
+TEST_F(BucketMapTest, ABucketOfMoreBitsThanTheDirectoryCountsForItsOwnHashes) {
   PutHeader();
   PutBucket(kBucketPlace, 10, kBits + 1);
   PutEntries({5}, kBucketPlace);
@@ -30,8 +30,7 @@ TEST_F(BucketMapTest, ABucketOfMoreBitsThanTheDirectoryCountsForItsEntryAlone) {
   const gdbm::BucketMap map(bytes);
   ASSERT_EQ(map.reached().size(), 1U);
   EXPECT_EQ(map.reached()[0].first, 5U << 25);
-  EXPECT_EQ(map.reached()[0].last, (6U << 25) - 1);
-  EXPECT_FALSE(map.reached()[0].has_head);
+  EXPECT_EQ(map.reached()[0].last, (11U << 24) - 1);
 }
 
 TEST_F(BucketMapTest, AnEntryForOtherHashesThanThoseOfTheBucketDoesNotReachIt) {
@@ -70,9 +69,24 @@ TEST_F(BucketMapTest, AnEmptyBucketYieldsToStraysOfAsManyBits) {
   PutBucket(kBucketPlace, 5, kBits);
   const gdbm::Bytes bytes(file_);
   const gdbm::BucketMap map(bytes);
-  ASSERT_EQ(map.reached().size(), 1U);
-  ASSERT_EQ(map.strays().size(), 1U);
-  EXPECT_EQ(map.StandingOf(map.strays()[0], 5U << 25), Standing::kCurrent);
+  ASSERT_EQ(map.strays().size(), 2U);
+  EXPECT_EQ(map.strays()[1].at, kBucketPlace);
+  EXPECT_EQ(map.StandingOf(map.strays()[1], 5U << 25), Standing::kCurrent);
+}
+
+TEST_F(BucketMapTest, ABucketThatWasSplitYieldsToItsPartsThoughTheDirectoryLeadsToIt) {
+  PutHeader();
+  PutBucket(kOtherPlace, 2, kBits - 1);
+  PutEntries({4, 5}, kOtherPlace);
+  PutBucket(kBucketPlace, 5, kBits);
+  const gdbm::Bytes bytes(file_);
+  const gdbm::BucketMap map(bytes);
+  EXPECT_FALSE(map.is_whole());
+  ASSERT_EQ(map.strays().size(), 2U);
+  EXPECT_EQ(map.strays()[0].at, kOtherPlace);
+  EXPECT_EQ(map.StandingOf(map.strays()[0], 5U << 25), Standing::kStale);
+  EXPECT_EQ(map.StandingOf(map.strays()[0], 4U << 25), Standing::kFallback);
+  EXPECT_EQ(map.StandingOf(map.strays()[1], 5U << 25), Standing::kCurrent);
 }
 
 TEST_F(BucketMapTest, AnEmptyBucketOutweighsWhatWasThereBeforeItsSplit) {

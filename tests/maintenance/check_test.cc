@@ -1,6 +1,7 @@
 // Whole indexes: those that the engine made are sound, and what is wrong with the file is said.
 #include <gdbm.h>
 #include <kestan/maintenance/check.h>
+#include <kestan/maintenance/gdbm_layout.h>
 #include <malloc.h>
 
 #include <algorithm>
@@ -8,6 +9,7 @@
 #include <iterator>
 #include <string>
 
+#include "tests/maintenance/index_files.h"
 #include "tests/maintenance/maintenance_test.h"
 #include "tests/support/gdbm_calls.h"
 
@@ -264,6 +266,76 @@ TEST_F(CheckFileTest, DamagedFreeSpaceIsAFault) {
   EXPECT_GT(result.file_error, 0);
   EXPECT_EQ(lines_,
             Lines({"index file: damaged -- " + std::string(gdbm_strerror(result.file_error))}));
+}
+
+// ---- Elements of buckets ----
+
+namespace gdbm = kestan::gdbm;
+
+// Returns where the element of `key` lies in the file, behind the hash that it gives.
+std::streamoff KeyStartOf(const std::string& path, const std::string& key) {
+  const std::string bytes = kestan_maintenance::ReadFile(path);
+  const gdbm::Bytes file(bytes);
+  for (std::size_t at = 512; at + sizeof(gdbm::Element) <= bytes.size(); ++at) {
+    gdbm::Element element{};
+    file.Read(at, &element);
+    if (!file.IsSound(element)) continue;
+    if (file.View(element.data, static_cast<gdbm::Offset>(element.key_bytes)) == key) {
+      return static_cast<std::streamoff>(at + sizeof element.hash);
+    }
+  }
+  ADD_FAILURE() << "no element of " << key;
+  return 0;
+}
+
+void FlipByte(const std::string& path, std::streamoff at) {
+  std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
+  const auto byte = static_cast<char>(file.seekg(at).get() ^ 4);
+  file.seekp(at).write(&byte, 1);
+}
+
+TEST(CheckElements, ARecordThatAWalkShowsAndNoLookUpFindsIsAFault) {
+  for (const std::string key : {"dog", "g-code", "d-b"}) {
+    const TempDir folder;
+    const std::string path = folder / "index";
+    Plant(path, SoundRecords());
+    FlipByte(path, KeyStartOf(path, key));
+    EXPECT_EQ(Check(path).lines.count(key + ": no look-up finds the record"), 1U) << key;
+    Database store;
+    ASSERT_EQ(store.Open(path.c_str(), 0), 0);
+    EXPECT_EQ(kestan::CheckLookups(store, {}), 1) << key;
+  }
+}
+
+TEST(CheckElements, OfAGoodFileAllAreFound) {
+  const TempDir folder;
+  Records records;
+  for (int i = 0; i < 5000; ++i) records["word" + std::to_string(i)] = Units({1, 1, 1});
+  Plant(folder / "index", records);
+  Database store;
+  ASSERT_EQ(store.Open((folder / "index").c_str(), 0), 0);
+  EXPECT_EQ(kestan::CheckLookups(store, {}), 0);
+}
+
+TEST(CheckElements, WithoutAFileSaysSo) {
+  const Database store;
+  std::int64_t result = 0;
+  EXPECT_EQ(StandardErrorOf([&] { result = kestan::CheckLookups(store, {}); }),
+            "Kestan: Call to database::size without an open database\n");
+  EXPECT_EQ(result, -1);
+}
+
+TEST(CheckElements, ALengthThatReachesIntoTheNextRecordIsAFault) {
+  const TempDir folder;
+  const std::string path = folder / "index";
+  Plant(path, SoundRecords());
+  constexpr std::streamoff kBehindTheKeyStart = 4 + 8 + 4;  // key start, place, length of the key
+  FlipByte(path, KeyStartOf(path, "c-\1" + std::string(1, '\0')) + kBehindTheKeyStart);
+  const Lines lines = Check(path).lines;
+  EXPECT_TRUE(std::any_of(lines.begin(), lines.end(), [](const std::string& line) {
+    return line.find("share bytes") != std::string::npos ||
+           line.find("free space that is in use") != std::string::npos;
+  }));
 }
 
 // ---- Memory ----

@@ -239,6 +239,29 @@ TEST_F(RepairTest, ARepairedIndexTakesMoreDocuments) {
   ExpectSound();
 }
 
+// Of the last word, whose record is the last in the file, all documents but those of the lost tail
+// are found.
+TEST_F(RepairTest, APostingRecordThatTheEndOfTheFileCutsKeepsItsWholeEntries) {
+  Records records = Good();
+  std::string entries;
+  for (unsigned code = 3; code <= 1000; ++code) {
+    entries += Units({code, 1, 1});
+    records["d-" + std::to_string(code)] = Units({9, 9, code, 0});
+    records["c-" + Units({code})] = std::to_string(code);
+  }
+  records["g-code"] = Units({1000});
+  records["zebra"] = Units({1, 1, 3});
+  kestan_tests::Plant(path_, records);
+  kestan_tests::Plant(path_, {{"zebra", entries}});  // grows behind all buckets
+  const std::string bytes = ReadFile(path_);
+  const std::size_t end = bytes.rfind(entries) + entries.size();
+  WriteFile(path_, bytes.substr(0, end - 4));
+  ASSERT_EQ(Repair(), 0);
+  EXPECT_EQ(Dump(new_path_).at("zebra"), entries.substr(0, entries.size() - 6));
+  EXPECT_TRUE(Says("note: zebra: damaged, entries kept: 997"));
+  ExpectSound();
+}
+
 TEST_F(RepairTest, ATextThatRunsIntoTheNextRecordIsCutThere) {
   Records records = Good();
   records["t-a"] = "Title";
@@ -257,7 +280,8 @@ TEST_F(RepairTest, ATextThatRunsIntoTheNextRecordIsCutThere) {
   WriteFile(path_, bytes);
   ASSERT_EQ(Repair(), 0);
   EXPECT_EQ(Dump(new_path_), records);
-  EXPECT_TRUE(Says("note: " + text->second.key + ": cut where the next record begins or the file ends"));
+  EXPECT_TRUE(
+      Says("note: " + text->second.key + ": cut where the next record begins or the file ends"));
 }
 
 }  // namespace
