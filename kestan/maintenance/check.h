@@ -27,9 +27,14 @@ struct CheckResult {
 // flush. An empty `report` only counts. Where records cannot be read, what depends on all of them
 // is not judged. A file whose records have more bytes together than it has, as they do only where
 // they share them, is not read to the end, and its error is GDBM_BAD_HASH_TABLE.
+// Looks at the bytes of the file too, through a mapping: at directory and buckets as CheckLookups()
+// does, and whether records, buckets and free space share any.
 //   Returns  how much it found; -1 as the file's error if no file is open, which the store says.
-//   Cost     two walks over the file. Memory for the names of all documents, for 1,000 records
-//            or 16 MiB of them, and for 1 MiB of counts.
+//   Cost     two walks over the file, two passes over its buckets, and a read for each word with
+//            capitals. Memory for the names of all documents, for 1,000 records or 16 MiB of them,
+//            for 3 MiB of counts, and for 512 Ki records, buckets and pieces of free space, 24
+//            bytes each. Of a file with more, one part is looked at after the other, with a pass
+//            over its buckets for each.
 KESTAN_EXPORT CheckResult CheckIndex(Database& store, const TakeLine& report);
 
 // Looks whether every record that a walk over the file of `store` shows is found by its key. A
@@ -39,8 +44,8 @@ KESTAN_EXPORT CheckResult CheckIndex(Database& store, const TakeLine& report);
 // fault, as CheckIndex() does, whose part this is.
 //   Returns  the number of faults, 0 if there are none; also one if the file cannot be mapped. -1
 //            if no file is open, which the store says.
-//   Cost     reads each bucket and each key once, through a mapping of the file: a million keys
-//            take some 0.2 s.
+//   Cost     reads each bucket and each key once, through a mapping of the file: some 7 ms for
+//            20,000 words and 12,000 documents.
 KESTAN_EXPORT std::int64_t CheckLookups(const Database& store, const TakeLine& report);
 
 }  // namespace kestan

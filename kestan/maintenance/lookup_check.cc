@@ -27,7 +27,7 @@ void LookupCheck::Run() {
 }
 
 void LookupCheck::CheckRun(const gdbm::DirectoryRun& run) {
-  gdbm::BucketHead head;
+  gdbm::BucketHead head{};
   const bool is_inside = run.bucket >= sizeof(gdbm::Header) &&
                          file_.Holds(run.bucket, shape_.bucket_bytes) &&
                          file_.Read(run.bucket, &head);

@@ -35,13 +35,13 @@ void SpaceCheck::ForEachFree(Take take) const {
   Offset list = sizeof(gdbm::Header) + (is_extended ? gdbm::kExtensionBytes : 0);
   Offset read = 0;  // a chain may lead back to itself
   for (bool is_first = true; list != 0 && read <= file_.size(); is_first = false) {
-    gdbm::FreeList head;
+    gdbm::FreeList head{};
     if (!file_.Read(list, &head) || head.count < 0) return;
     const Offset bytes = sizeof head + static_cast<Offset>(head.count) * sizeof(gdbm::FreeSpace);
     if (!file_.Holds(list, bytes)) return;
     if (!is_first) take({list, list + bytes, Kind::kOther});
     for (Offset at = list + sizeof head; at < list + bytes; at += sizeof(gdbm::FreeSpace)) {
-      gdbm::FreeSpace space;
+      gdbm::FreeSpace space{};
       file_.Read(at, &space);
       if (space.bytes > 0)
         take({space.at, space.at + static_cast<Offset>(space.bytes), Kind::kFree});
@@ -53,7 +53,7 @@ void SpaceCheck::ForEachFree(Take take) const {
 
 template <typename Take>
 void SpaceCheck::ForEachOfBucket(Offset bucket, Take take) const {
-  gdbm::BucketHead head;
+  gdbm::BucketHead head{};
   if (!file_.Holds(bucket, shape_.bucket_bytes) || !file_.Read(bucket, &head)) return;
   if (!IsHead(head, shape_)) return;
   take({bucket, bucket + shape_.bucket_bytes, Kind::kOther});
@@ -62,7 +62,7 @@ void SpaceCheck::ForEachOfBucket(Offset bucket, Take take) const {
     if (space.bytes > 0) take({space.at, space.at + static_cast<Offset>(space.bytes), Kind::kFree});
   }
   for (std::uint32_t i = 0; i < shape_.elements; ++i) {
-    gdbm::Element element;
+    gdbm::Element element{};
     file_.Read(gdbm::ElementAt(bucket, i), &element);
     if (element.hash == gdbm::kNoElement || element.key_bytes < 0 || element.value_bytes < 0)
       continue;
