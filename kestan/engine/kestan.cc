@@ -1,6 +1,7 @@
 #include <kestan/engine/kestan.h>
 #include <kestan/engine/name_table.h>
 #include <kestan/engine/scratch.h>
+#include <kestan/maintenance/short_words.h>
 #include <kestan/storage/memory.h>
 
 char* const& Kestan::WordBuf = kestan::scratch.bytes;
@@ -12,3 +13,5 @@ Kestan::~Kestan() {
   CloseIndex();
   kestan::scratch.Release();
 }
+
+int Kestan::PurgeShortWords() { return kestan::PurgeShortWords(store_); }

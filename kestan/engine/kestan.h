@@ -204,10 +204,20 @@ class KESTAN_EXPORT Kestan {
   std::uint32_t DocumentTimestamp(const char* name);
 
   // Purges the postings of removed documents, makes their codes reusable and compacts the file.
-  // The postings of one-byte words are not purged. If a record cannot be read, no code becomes
-  // reusable.
+  // The postings of one-byte words are not purged: see PurgeShortWords. If a record cannot be read,
+  // no code becomes reusable.
   //   Returns  0; -1 without an index.
   int ShrinkIndex();
+
+  // Drops the entries of codes that no document has from the postings of the words that ShrinkIndex
+  // passes over: words of one byte, and of two where the second is '-'. A host that calls it before
+  // it adds documents, and before ShrinkIndex, never finds a document by such a word of the one
+  // that had its code before.
+  //   Returns  0; -1 without an index; -2 if a posting record of such a word is damaged and has
+  //            entries of codes that the next documents may get; else gdbm's error number. But for
+  //            0, what was dropped is unspecified; with -2 it is nothing.
+  //   Cost     some 512 look-ups, and the reading of the postings of such words.
+  int PurgeShortWords();
 
   // ---- Queries ----
   //

@@ -48,7 +48,7 @@ inline constexpr std::size_t kPlacesAtOnce = std::size_t{1} << 24;
 // there are; a document with more is held whole. A word such as "t-shirt", whose key is that of a
 // title, cannot be told from one and is left out, as are all of the families g d c w u s t. A
 // one-letter word may come from an earlier document that had the same code, where queries find it
-// too, since no shrink takes it away.
+// too, since no shrink takes it away: see Kestan::PurgeShortWords.
 //   Returns  0; -1 if no file is open; or gdbm's number of an error that kept a record from being
 //            read. Then documents are missing.
 //   Memory   all words of the index and names of documents, 8 bytes for each place held at once,

@@ -34,6 +34,7 @@ class Session {
     Walk();
     Note("copy", engine_.CopyIndexTo(files_.copy.c_str()));
     Note("shrink", engine_.ShrinkIndex());
+    Note("purge", engine_.PurgeShortWords());
     AddMoreDocuments();
     ChangeOptions();
     Query();

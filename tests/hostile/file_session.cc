@@ -99,6 +99,7 @@ void Empty(const std::string& path, Transcript* transcript) {
   }
   transcript->Add("removed", 0L);
   transcript->Add("shrink", engine.ShrinkIndex());
+  transcript->Add("purge", engine.PurgeShortWords());
   engine.AddDocumentWords("last", "the last cat");
   engine.CopyIndexTo((path + ".copy").c_str());
   transcript->Add("close at last", engine.CloseIndex());
