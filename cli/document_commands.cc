@@ -24,6 +24,7 @@ int RunRemove(Kestan& engine, const Values& values) {
   }
   change.Begin();
   for (const std::string& name : names) RemoveDocument(engine, name);
+  engine.PurgeShortWords();  // before another program reuses the codes
   change.Commit();
   if (values.Has("--json")) {
     Print(JsonLine({{"schema", kJsonSchema}, {"removed", names.size()}}));

@@ -27,6 +27,8 @@ class IndexWriter {
   unsigned long Finish() {
     if (!opened_.has_value()) return 0;
     const unsigned long new_words = opened_->adder.new_words();
+    // Of earlier versions and removed documents, before another program reuses their codes.
+    opened_->index.engine().PurgeShortWords();
     opened_.reset();
     change_.Commit();
     return new_words;
@@ -40,8 +42,10 @@ class IndexWriter {
   };
 
   Opened& Open() {
-    if (!opened_.has_value()) opened_.emplace(change_.Begin());
-    return *opened_;
+    if (opened_.has_value()) return *opened_;
+    OpenedIndex& index = change_.Begin();
+    index.PurgeShortWords();
+    return opened_.emplace(index);
   }
 
   IndexChange& change_;

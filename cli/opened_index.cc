@@ -224,6 +224,14 @@ void OpenedIndex::CheckRead() const {
   if (engine_.FileError() != 0) throw CannotRead(path_, engine_.FileError());
 }
 
+void OpenedIndex::PurgeShortWords() const {
+  const int error = engine_.PurgeShortWords();
+  CheckRead();
+  if (error == 0) return;
+  throw CommandError("cannot change index " + Quoted(path_) +
+                     ": postings of one-letter words are damaged; see kestan check");
+}
+
 OpenedIndex::~OpenedIndex() {
   WriteOut([this] { engine_.CloseIndex(); });
 }

@@ -81,6 +81,11 @@ class OpenedIndex {
   // Throws CommandError if any record that was asked for could not be read.
   void CheckRead() const;
 
+  // Drops what one-letter words say of documents that are gone, so that no document is found by
+  // those of another that had its code before. Comes before documents are added.
+  //   Throws   CommandError if that cannot be done.
+  void PurgeShortWords() const;
+
   // Writes out all changes made so far.
   //   Throws   CommandError if any record, now or earlier, did not reach the file.
   void Save();

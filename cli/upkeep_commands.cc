@@ -47,8 +47,10 @@ int RunShrink(Kestan& engine, const Values& values) {
   IndexChange change(engine, index, Access::kWrite, WayOf(in_place, index));
   if (in_place) CheckOwner(index);
   const auto before = fs::file_size(index);
-  change.Begin();
+  const OpenedIndex& opened = change.Begin();
+  opened.PurgeShortWords();  // first, so that the shrink gives back what they took
   engine.ShrinkIndex();
+  opened.PurgeShortWords();  // refuses damaged postings of the codes that are reusable from now on
   // A dry run shrinks the copy, which is then forgotten: no estimate could be as good.
   const auto after = dry ? change.Measure() : (change.Commit(), fs::file_size(index));
   PrintSizes(values, before, after);
