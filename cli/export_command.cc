@@ -87,7 +87,7 @@ unsigned DaysOf(unsigned month, unsigned year) {
 
 }  // namespace
 
-void Warn(const std::string& what) { std::fprintf(stderr, "kestan: %s\n", OneLine(what).c_str()); }
+void Warn(const std::string& what) { Say("kestan: " + what); }
 
 // By hand, for time_t has 32 bits on some hosts, which end in 2038; those of an index end in 2106.
 std::string IsoTime(std::uint32_t seconds) {

@@ -3,13 +3,13 @@
 #include <fcntl.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <filesystem>
 
 #include "command.h"
 #include "file_attributes.h"
 #include "file_swap.h"
 #include "message.h"
+#include "output.h"
 
 namespace kestan_cli {
 namespace {
@@ -117,9 +117,8 @@ void IndexChange::Replace() const {
 
 IndexChange::Way WayOf(bool in_place, const std::string& path) {
   if (!in_place) return IndexChange::Way::kOnCopy;
-  std::fprintf(stderr,
-               "kestan: changing index %s in place: it can be damaged if this is ended early\n",
-               Quoted(path).c_str());
+  Say("kestan: changing index " + Quoted(path) +
+      " in place: it can be damaged if this is ended early");
   return IndexChange::Way::kInPlace;
 }
 

@@ -81,7 +81,9 @@ void ReportFailures(const IndexReport& report) {
   std::vector<Skip> failures;
   std::copy_if(skips.begin(), skips.end(), std::back_inserter(failures), IsFailed);
   for (const Skip& skip : failures) {
-    std::fprintf(stderr, "kestan: %s", SkipLines({skip}).c_str());
+    std::string line = SkipLines({skip});
+    line.pop_back();  // its line feed
+    Say("kestan: " + line);
   }
   for (const Note& note : report.notes) {
     std::fprintf(stderr, "kestan: %s", NoteLines({note}).c_str());

@@ -28,7 +28,7 @@ class IndexWriter {
     if (!opened_.has_value()) return 0;
     const unsigned long new_words = opened_->adder.new_words();
     // Of earlier versions and removed documents, before another program reuses their codes.
-    opened_->index.engine().PurgeShortWords();
+    opened_->index.PurgeShortWords();
     opened_.reset();
     change_.Commit();
     return new_words;
@@ -44,7 +44,7 @@ class IndexWriter {
   Opened& Open() {
     if (opened_.has_value()) return *opened_;
     OpenedIndex& index = change_.Begin();
-    index.PurgeShortWords();
+    index.PrepareCodes();
     return opened_.emplace(index);
   }
 

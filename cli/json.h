@@ -5,6 +5,8 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "control.h"
+
 namespace kestan_cli {
 
 using Json = nlohmann::ordered_json;
@@ -12,9 +14,10 @@ using Json = nlohmann::ordered_json;
 // The version of what all reports look like; a field that goes or changes its meaning raises it.
 constexpr int kJsonSchema = 1;
 
-// Returns `report` on one line. Bytes that are not UTF-8 become U+FFFD.
+// Returns `report` on one line. Bytes that are not UTF-8 become U+FFFD; control characters are
+// escaped, all of them, so that a terminal gets JSON too.
 inline std::string JsonLine(const Json& report) {
-  return report.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+  return WithControlsInJson(report.dump(-1, ' ', false, Json::error_handler_t::replace)) + "\n";
 }
 
 }  // namespace kestan_cli

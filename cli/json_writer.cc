@@ -1,13 +1,11 @@
-#include <nlohmann/json.hpp>
 #include <optional>
 
 #include "export_writer.h"
+#include "json.h"
 #include "message.h"
 
 namespace kestan_cli {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 constexpr std::size_t kMaxIdBytes = 512;
 
@@ -40,7 +38,7 @@ std::string JsonWriter::Add(const kestan::StoredDocument& document, ExportNotes*
   source["time"] = IsoTime(document.timestamp);
   source["text"] = TextOf(document, notes);
   source["in_order"] = document.has_positions;
-  return action.dump() + "\n" + source.dump() + "\n";
+  return JsonLine(action) + JsonLine(source);
 }
 
 // Two documents with one id would be one at the server.

@@ -3,7 +3,6 @@
 #include <kestan/kestan.h>
 
 #include <csignal>
-#include <cstdio>
 #include <exception>
 #include <new>
 #include <string>
@@ -17,7 +16,7 @@ namespace kestan_cli {
 namespace {
 
 int Complain(const std::string& what, int status = kFailed) {
-  std::fprintf(stderr, "kestan: %s\n", OneLine(what).c_str());
+  Say("kestan: " + what);
   return status;
 }
 

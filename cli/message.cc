@@ -4,35 +4,33 @@
 #include <cerrno>
 #include <system_error>
 
+#include "control.h"
+
 namespace kestan_cli {
 namespace {
 
-bool IsControl(unsigned char byte) { return byte < 0x20 || byte == 0x7f; }
-
-// Some terminals take the letters U+0080 to U+009F for orders, too.
-bool IsSecondControl(std::string_view text, std::size_t at) {
-  return text[at] == '\xc2' && at + 1 < text.size() && (text[at + 1] & 0xe0) == 0x80;
+std::string Escaped(std::string_view bytes) {
+  if (bytes == "\n") return "\\n";
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::string escaped;
+  for (const char each : bytes) {
+    const auto byte = static_cast<unsigned char>(each);
+    escaped.append("\\x") += kDigits[byte >> 4];
+    escaped += kDigits[byte & 15];
+  }
+  return escaped;
 }
 
-std::string Escaped(unsigned char byte) {
-  if (byte == '\n') return "\\n";
-  constexpr std::string_view kDigits = "0123456789abcdef";
-  return {'\\', 'x', kDigits[byte >> 4], kDigits[byte & 15]};
+std::string EscapedUnlessBlank(std::string_view bytes) {
+  return bytes == "\n" || bytes == "\t" ? std::string(bytes) : Escaped(bytes);
 }
 
 }  // namespace
 
-std::string OneLine(std::string_view text) {
-  std::string line;
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    const auto byte = static_cast<unsigned char>(text[at]);
-    if (IsSecondControl(text, at)) {
-      line += Escaped(byte) + Escaped(static_cast<unsigned char>(text[++at]));
-    } else {
-      line += IsControl(byte) ? Escaped(byte) : std::string(1, text[at]);
-    }
-  }
-  return line;
+std::string OneLine(std::string_view text) { return WithControlsSpelled(text, Escaped); }
+
+std::string Readable(std::string_view text) {
+  return WithControlsSpelled(text, EscapedUnlessBlank);
 }
 
 std::string Quoted(std::string_view text) { return "'" + OneLine(text) + "'"; }

@@ -20,9 +20,12 @@ class CommandError : public std::runtime_error {
   int status_;
 };
 
-// Returns `text` with control characters spelled out (\n, \x1b), so that it stays on one line and
-// cannot steer a terminal.
+// Returns `text` with control characters and bytes that are not UTF-8 spelled out (\n, \x1b), so
+// that it stays on one line and cannot steer a terminal.
 std::string OneLine(std::string_view text);
+
+// Returns the same of a text of several lines, which keeps its line feeds and tabs.
+std::string Readable(std::string_view text);
 
 // Returns `text` on one line, between single quotes.
 std::string Quoted(std::string_view text);

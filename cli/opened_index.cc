@@ -224,8 +224,14 @@ void OpenedIndex::CheckRead() const {
   if (engine_.FileError() != 0) throw CannotRead(path_, engine_.FileError());
 }
 
-void OpenedIndex::PurgeShortWords() const {
-  const int error = engine_.PurgeShortWords();
+int OpenedIndex::PurgeShortWords() const {
+  int error = 0;
+  WriteOut([&] { error = engine_.PurgeShortWords(); });
+  return error;
+}
+
+void OpenedIndex::PrepareCodes() const {
+  const int error = PurgeShortWords();
   CheckRead();
   if (error == 0) return;
   throw CommandError("cannot change index " + Quoted(path_) +
@@ -236,7 +242,7 @@ OpenedIndex::~OpenedIndex() {
   WriteOut([this] { engine_.CloseIndex(); });
 }
 
-void OpenedIndex::WriteOut(const std::function<void()>& write) {
+void OpenedIndex::WriteOut(const std::function<void()>& write) const {
   HeldErrors lines;
   write();
   if (engine_.FileError() != 0) lines.Drop();

@@ -81,23 +81,27 @@ class OpenedIndex {
   // Throws CommandError if any record that was asked for could not be read.
   void CheckRead() const;
 
-  // Drops what one-letter words say of documents that are gone, so that no document is found by
-  // those of another that had its code before. Comes before documents are added.
+  // Drops what one-letter words say of documents that are gone, as far as it can be read.
+  //   Returns  what the engine returns.
+  int PurgeShortWords() const;
+
+  // The same, before documents are added, which would else be found by one-letter words of others
+  // that had their codes before.
   //   Throws   CommandError if that cannot be done.
-  void PurgeShortWords() const;
+  void PrepareCodes() const;
 
   // Writes out all changes made so far.
   //   Throws   CommandError if any record, now or earlier, did not reach the file.
   void Save();
 
+  // Has `write` write out changes. Where that fails, what the engine says of each record is
+  // dropped.
+  void WriteOut(const std::function<void()>& write) const;
+
   // Saves, closes the index and makes sure that it opens again. No other call may follow.
   void Close();
 
  private:
-  // Has `write` write out changes. Where that fails, what the engine says of each record is
-  // dropped.
-  void WriteOut(const std::function<void()>& write);
-
   Kestan& engine_;
   const std::string file_;
   const std::string path_;  // what the index is called

@@ -10,11 +10,20 @@
 #include <utility>
 #include <vector>
 
+#include "control.h"
 #include "message.h"
 
 namespace kestan_cli {
 
 void Print(std::string_view text) {
+  if (OutputIsTerminal()) {
+    PrintPainted(Readable(text));
+  } else {
+    PrintPainted(text);
+  }
+}
+
+void PrintPainted(std::string_view text) {
   errno = 0;
   const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
   if (written && std::fflush(stdout) == 0) return;
@@ -24,7 +33,7 @@ void Print(std::string_view text) {
 
 bool OutputIsTerminal() { return isatty(STDOUT_FILENO) == 1; }
 
-std::string ForReader(const std::string& name) { return OutputIsTerminal() ? OneLine(name) : name; }
+void Say(std::string_view line) { std::fputs((OneLine(line) + "\n").c_str(), stderr); }
 
 std::string ReadInput(std::FILE* stream, std::size_t max_bytes) {
   std::string text;
@@ -40,6 +49,34 @@ std::string ReadInput(std::FILE* stream, std::size_t max_bytes) {
   if (std::ferror(stream) == 0) return text;
   throw CommandError("cannot read the standard input: " + ReasonOf(errno));
 }
+
+namespace {
+
+// Returns how many bytes of `text` a terminal shows as they are, up to the first control that is no
+// line feed.
+std::size_t HarmlessBytes(std::string_view text) {
+  std::size_t bytes = 0;
+  while (bytes < text.size()) {
+    const Character next = FirstCharacter(text.substr(bytes));
+    if (next.is_control && text[bytes] != '\n') break;
+    bytes += next.bytes;
+  }
+  return bytes;
+}
+
+// Takes no memory, for there may be none left.
+void WriteReadable(std::string_view text) {
+  while (!text.empty()) {
+    const std::size_t bytes = HarmlessBytes(text);
+    std::fwrite(text.data(), 1, bytes, stderr);
+    text.remove_prefix(bytes);
+    if (text.empty()) return;
+    std::fprintf(stderr, "\\x%02x", static_cast<unsigned>(static_cast<unsigned char>(text[0])));
+    text.remove_prefix(1);
+  }
+}
+
+}  // namespace
 
 HeldErrors* HeldErrors::current_ = nullptr;
 
@@ -70,7 +107,7 @@ void HeldErrors::LetOut() {
   off_t at = 0;
   ssize_t bytes = 0;
   while (!dropped_ && (bytes = pread(held_.number(), piece.data(), piece.size(), at)) > 0) {
-    std::fwrite(piece.data(), 1, static_cast<std::size_t>(bytes), stderr);
+    WriteReadable({piece.data(), static_cast<std::size_t>(bytes)});
     at += bytes;
   }
 }

@@ -23,15 +23,22 @@ using OpenFile = std::unique_ptr<std::FILE, CloseFile>;
 // and without a word: nothing is wrong.
 class ReaderLeft : public std::exception {};
 
-// Writes `text` to the standard output and makes sure that it has left.
+// Everything that is printed goes through the functions here, for most of it came from files, which
+// are not to steer a terminal.
+
+// Writes `text` to the standard output and makes sure that it has left. A program that reads it
+// gets the very bytes, a terminal what Readable() makes of them.
 //   Throws   CommandError if it cannot be written, ReaderLeft on a closed pipe.
 void Print(std::string_view text);
 
+// The same, but a terminal gets the very bytes too: `text` has orders for it, such as colours, and
+// what came from files is spelled out in it.
+void PrintPainted(std::string_view text);
+
 bool OutputIsTerminal();
 
-// Returns `name` as it is for a program that reads the standard output, and with its control
-// characters spelled out for a terminal, which they could steer.
-std::string ForReader(const std::string& name);
+// Writes `line`, with controls spelled out, and a line feed to the standard error stream.
+void Say(std::string_view line);
 
 // Prints many lines, some at a time.
 class LinePrinter {
@@ -59,11 +66,12 @@ class LinePrinter {
 std::string ReadInput(std::FILE* stream, std::size_t max_bytes);
 
 // Holds back what the process writes to the standard error stream from here on. The engine has a
-// line for each record that a full disk refuses, where one line says it all. One at a time.
+// line for each record that a full disk refuses, where one line says it all, and puts keys in them
+// as they are. One at a time.
 class HeldErrors {
  public:
   HeldErrors();
-  ~HeldErrors();  // lets it out, unless it was dropped; so does the end of the process
+  ~HeldErrors();  // lets it out, spelled out, unless it was dropped; so does the process's end
   HeldErrors(const HeldErrors&) = delete;
   HeldErrors& operator=(const HeldErrors&) = delete;
 

@@ -19,12 +19,6 @@ std::string Joined(const std::vector<std::string>& items, char end) {
   return text;
 }
 
-std::string LinesForReader(const std::vector<std::string>& names) {
-  std::string lines;
-  for (const std::string& name : names) lines.append(ForReader(name)) += '\n';
-  return lines;
-}
-
 Json DescriptionOf(Kestan& engine, const std::string& name) {
   Json document{{"name", name}, {"time", engine.DocumentTimestamp(name.c_str())}};
   if (const char* const title = engine.DBGetTitle(name.c_str())) document["title"] = title;
@@ -36,7 +30,7 @@ int RunList(Kestan& engine, const Values& values) {
   const OpenedIndex opened(engine, values.Text("INDEX"), Access::kRead);
   const std::vector<std::string> names = SortedLines(engine.ListDocuments());
   if (!values.Has("--json")) {
-    Print(values.Has("--null") ? Joined(names, '\0') : LinesForReader(names));
+    Print(Joined(names, values.Has("--null") ? '\0' : '\n'));
   } else {
     Json documents = Json::array();
     for (const std::string& name : names) documents.push_back(DescriptionOf(engine, name));

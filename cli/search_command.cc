@@ -1,8 +1,8 @@
 #include "search_command.h"
 
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
+#include <sstream>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -30,8 +30,6 @@ bool IsColoured(Colour colour) {
   const std::string terminal = TextOrEmpty(std::getenv("TERM"));
   return OutputIsTerminal() && no_color.empty() && terminal != "dumb";
 }
-
-void Tell(const std::string& what) { std::fprintf(stderr, "%s\n", OneLine(what).c_str()); }
 
 // One search in an index that holds, or held, a document.
 class Search {
@@ -115,12 +113,13 @@ class Search {
 // Tells what is not part of the answer.
 void TellAside(const SearchReport& report) {
   if (report.explanation) {
-    std::fputs(ExplanationLines(*report.explanation).c_str(), stderr);
+    std::istringstream lines(ExplanationLines(*report.explanation));
+    for (std::string line; std::getline(lines, line);) Say(line);
   }
-  for (const std::string& note : report.notes) Tell("note: " + note);
+  for (const std::string& note : report.notes) Say("note: " + note);
   std::string words;
   for (const std::string& word : report.suggestions) words += (words.empty() ? "" : ", ") + word;
-  if (!words.empty()) Tell("did you mean: " + words);
+  if (!words.empty()) Say("did you mean: " + words);
 }
 
 void PrintHits(Search& search, const SearchOptions& options) {
@@ -131,12 +130,12 @@ void PrintHits(Search& search, const SearchOptions& options) {
     if (options.nul) {
       lines.append(hit.name).push_back('\0');
     } else if (options.names_only) {
-      lines.append(ForReader(hit.name)).append("\n");
+      lines.append(hit.name).append("\n");
     } else if (!rich) {
       lines += PlainLine(hit);
     } else {
       // At once: a snippet means reading a file, and there may be many.
-      Print(RichLines(search.Show(hit, true), coloured));
+      PrintPainted(RichLines(search.Show(hit, true), coloured));
     }
   }
   if (!lines.empty()) Print(lines);
@@ -177,7 +176,7 @@ int PrintNothing(const SearchOptions& options, const std::vector<std::string>& n
   if (options.json) {
     Print(AsJson(report));
   } else {
-    for (const std::string& note : notes) Tell(note);
+    for (const std::string& note : notes) Say(note);
     if (options.count) Print("0\n");
   }
   return kNoHits;

@@ -49,8 +49,8 @@ int RunShrink(Kestan& engine, const Values& values) {
   const auto before = fs::file_size(index);
   const OpenedIndex& opened = change.Begin();
   opened.PurgeShortWords();  // first, so that the shrink gives back what they took
-  engine.ShrinkIndex();
-  opened.PurgeShortWords();  // refuses damaged postings of the codes that are reusable from now on
+  opened.WriteOut([&] { engine.ShrinkIndex(); });
+  opened.PrepareCodes();
   // A dry run shrinks the copy, which is then forgotten: no estimate could be as good.
   const auto after = dry ? change.Measure() : (change.Commit(), fs::file_size(index));
   PrintSizes(values, before, after);
@@ -79,12 +79,12 @@ int RunSetOption(Kestan& engine, const Values& values) {
   const std::string index = values.Text("INDEX");
   const unsigned long flags = FlagsIn(values);
   IndexChange change(engine, index, Access::kWrite, WayOf(values.Has("--in-place"), index));
-  change.Begin();
+  const OpenedIndex& opened = change.Begin();
   if ((engine.Options() & flags) != 0) {
     throw CommandError("index " + Quoted(index) + " has flags " +
                        std::to_string(engine.Options() & flags) + " set already");
   }
-  engine.SetOptionFlag(flags);
+  opened.WriteOut([&] { engine.SetOptionFlag(flags); });
   change.Commit();
   return kDone;
 }

@@ -113,7 +113,7 @@ TEST_F(ExportTest, TextThatIsNotUtf8IsLatin1AndThatIsTold) {
   engine_.AddDocumentWords("c", "fine");
   engine_.DBPutTitle("c", "\xff");
   const std::string told =
-      "kestan: in 2 documents, the first of them 'caf\xe9', text that is not "
+      "kestan: in 2 documents, the first of them 'caf\\xe9', text that is not "
       "UTF-8 was read as Latin-1\n";
   const Exported json = ExportAs(kJson);
   EXPECT_NE(json.out.find("\"_id\":\"caf\xc3\xa9\""), std::string::npos) << json.out;
@@ -150,7 +150,7 @@ TEST_F(ExportTest, NamesThatCanBeNoIdAreTold) {
           "n': no _id, for it would be longer than 512 bytes\n"
           "kestan: '': no _id, for it would be empty\n"
           "kestan: '\xc3\xa9': no _id, for it would be that of an earlier document\n"
-          "kestan: in 1 document, the first of them '\xe9', text that is not UTF-8 was read as "
+          "kestan: in 1 document, the first of them '\\xe9', text that is not UTF-8 was read as "
           "Latin-1\n");
   EXPECT_NE(exported.out.find("{\"index\":{\"_index\":\"texts\"}}\n{\"name\":\"\","),
             std::string::npos);

@@ -35,7 +35,7 @@ TEST(IndexReportTest, EachSkippedFileIsOneLine) {
   EXPECT_EQ(SkipLines(Example().skips),
             "skipped 'd/a': binary file\n"
             "skipped 'd/b\\n': its name holds a line feed\n"
-            "skipped 'd/\xff': binary file\n");
+            "skipped 'd/\\xff': binary file\n");
 }
 
 TEST(IndexReportTest, JsonTellsTheSame) {

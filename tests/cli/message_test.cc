@@ -12,7 +12,7 @@ TEST(MessageTest, ControlCharactersAreSpelledOut) {
 }
 
 TEST(MessageTest, ControlCharactersOfTwoBytesAreSpelledOut) {
-  EXPECT_EQ(OneLine("\xc2\x80 \xc2\x9b \xc2\xa0 \xc2"), "\\xc2\\x80 \\xc2\\x9b \xc2\xa0 \xc2");
+  EXPECT_EQ(OneLine("\xc2\x80 \xc2\x9b \xc2\xa0 \xc2"), "\\xc2\\x80 \\xc2\\x9b \xc2\xa0 \\xc2");
 }
 
 TEST(MessageTest, OtherBytesStayAsTheyAre) { EXPECT_EQ(OneLine(" caf\xc3\xa9~"), " caf\xc3\xa9~"); }

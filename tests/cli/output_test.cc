@@ -4,6 +4,10 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <set>
 #include <string>
 
 #include "tests/support/index_test.h"
@@ -37,6 +41,14 @@ TEST(HeldErrorsTest, AreGoneWhenDropped) {
   EXPECT_EQ(printed, "kept\n");
 }
 
+TEST(HeldErrorsTest, CannotSteerATerminal) {
+  EXPECT_EQ(StandardErrorOf([] {
+              const HeldErrors held;
+              std::fputs("\x1b[2J caf\xc3\xa9\n\x9b\n", stderr);
+            }),
+            "\\x1b[2J caf\xc3\xa9\n\\x9b\n");
+}
+
 TEST(HeldErrorsTest, MayBeLongerThanAPiece) {
   const std::string line(10000, 'x');
   EXPECT_EQ(StandardErrorOf([&] {
@@ -44,6 +56,20 @@ TEST(HeldErrorsTest, MayBeLongerThanAPiece) {
               std::fputs(line.c_str(), stderr);
             }),
             line);
+}
+
+// Whatever is printed comes from a file some day.
+TEST(OutputTest, NothingElseWritesToTheStandardStreams) {
+  const std::set<std::string> may_write = {"output.cc", "progress.cc"};
+  const std::regex writes("stdout|stderr|std::(cout|cerr|clog|puts|printf|putchar)\\b|perror");
+  for (const auto& entry : std::filesystem::directory_iterator(KESTAN_SOURCE_DIR "/cli")) {
+    const std::string name = entry.path().filename();
+    if (may_write.count(name) != 0 || !entry.is_regular_file()) continue;
+    std::ifstream source(entry.path());
+    for (std::string line; std::getline(source, line);) {
+      EXPECT_FALSE(std::regex_search(line, writes)) << name << ": " << line;
+    }
+  }
 }
 
 // The engine ends the process when memory runs out, wherever that is.
