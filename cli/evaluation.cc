@@ -256,7 +256,7 @@ void Evaluator::TellOfPositions(Explanation* explanation) {
 }
 
 const Vocabulary& Evaluator::Words() {
-  if (!words_) words_.emplace(engine_.CommonWords(1, -1));
+  if (!words_) words_.emplace(engine_.CommonWords(1, kAnyFrequency));
   return *words_;
 }
 

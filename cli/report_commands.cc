@@ -9,6 +9,7 @@
 #include "message.h"
 #include "opened_index.h"
 #include "output.h"
+#include "vocabulary.h"
 
 namespace kestan_cli {
 namespace {
@@ -85,7 +86,7 @@ void PrintCounts(const std::vector<CountedWord>& words, bool as_json) {
 
 int RunWords(Kestan& engine, const Values& values) {
   const double low = BoundOf(values, "--at-least", 1);
-  const double high = BoundOf(values, "--at-most", -1);
+  const double high = BoundOf(values, "--at-most", kAnyFrequency);
   const OpenedIndex opened(engine, values.Text("INDEX"), Access::kRead);
   const std::vector<std::string> words = SortedLines(engine.CommonWords(low, high));
   if (values.Has("--counts") || values.Has("--json")) {

@@ -10,6 +10,10 @@
 
 namespace kestan_cli {
 
+// What Kestan::CommonWords takes as its upper bound to leave out no word. A negative one stands for
+// the number of documents, and a word of one letter may have postings of many more that are gone.
+constexpr double kAnyFrequency = 4294967295.0;
+
 // Returns how many edits make `left` into `right`, if they are at most `limit`, else limit + 1. An
 // edit adds, drops or replaces a letter, or swaps two neighbours; no letter is edited twice.
 int EditsBetween(std::string_view left, std::string_view right, int limit);

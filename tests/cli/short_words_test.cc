@@ -125,6 +125,17 @@ TEST_F(ShortWordsTest, OfAnyByteAreNotListedForANewDocument) {
   EXPECT_EQ(Search("e*"), Success("100 new\n"));
 }
 
+TEST_F(ShortWordsTest, AreListedWhereMoreDocumentsAreGoneThanThere) {
+  for (const char* name : {"keep", "old", "older"}) Add(name, "c\n");
+  Elsewhere([](Kestan& engine) {
+    engine.RemoveDocumentWords("old");
+    engine.RemoveDocumentWords("older");
+    engine.ShrinkIndex();
+  });
+  EXPECT_EQ(Run({"words", "my.index", "--counts"}), Success("1 c\n"));
+  EXPECT_EQ(Search("c*"), Success("100 keep\n"));
+}
+
 TEST_F(ShortWordsTest, AreRightInAnIndexThatWasLoadedOrRepaired) {
   Add("old", "vitamin c\n");
   Add("other", "c\n");
