@@ -3,6 +3,7 @@
 #include <kestan/maintenance.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
@@ -109,6 +110,10 @@ bool ShowsDocuments(Database& store) {
   return false;
 }
 
+unsigned long CountUnits(const DBDatumPtr& value) {
+  return value.ptr != nullptr ? value.ptr->size / 2 : 0;
+}
+
 IndexFacts FactsOf(Database& store, bool* lacks_counter) {
   IndexFacts facts;
   const DBDatumPtr highest = Record(store, "g-code");
@@ -118,8 +123,11 @@ IndexFacts FactsOf(Database& store, bool* lacks_counter) {
   }
   facts.had_documents = true;
   facts.free_codes -= FirstUnit(*highest.ptr);
-  const DBDatumPtr reusable = Record(store, "g-avail");
-  if (reusable.ptr != nullptr) facts.free_codes += reusable.ptr->size / 2;
+  const unsigned long reusable = CountUnits(Record(store, "g-avail"));
+  const unsigned long gone = reusable + CountUnits(Record(store, "g-deleted"));
+  const unsigned long codes = FirstUnit(*highest.ptr);
+  facts.free_codes += reusable;
+  facts.documents = codes - std::min(codes, gone);
   return facts;
 }
 

@@ -24,6 +24,7 @@ enum class Access {
 struct IndexFacts {
   bool had_documents = false;        // it has, or once had, a document
   unsigned long free_codes = 65535;  // how many documents can still be added
+  unsigned long documents = 0;       // how many there are, without removed ones
 };
 
 // Looks at the file at `path`, and writes nothing to it.

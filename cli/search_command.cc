@@ -19,9 +19,6 @@
 namespace kestan_cli {
 namespace {
 
-// How many codes there are: documents of an index at a time.
-constexpr std::uint64_t kMaxDocuments = 65535;
-
 std::string TextOrEmpty(const char* text) { return text == nullptr ? "" : text; }
 
 bool IsColoured(Colour colour) {
@@ -82,13 +79,12 @@ class Search {
       };
       parts.push_back({listing, times});
     }
-    const std::uint64_t documents = kMaxDocuments - index_.facts().free_codes;
     const auto size_of = [this](const std::string& name) -> std::optional<std::uint64_t> {
       const auto version = VersionOf(name);
       if (!version) return std::nullopt;
       return version->bytes;
     };
-    SortByRelevance(parts, documents, size_of, &hits_);
+    SortByRelevance(parts, index_.facts().documents, size_of, &hits_);
   }
 
   std::optional<FileVersion> VersionOf(const std::string& name) {

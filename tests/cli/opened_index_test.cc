@@ -252,6 +252,18 @@ TEST_F(OpenedIndexTest, FactsTellHowManyDocumentsFit) {
   EXPECT_EQ(ExamineIndex(Path("my.index"), Access::kRead).free_codes, 3u);
 }
 
+TEST_F(OpenedIndexTest, FactsTellHowManyDocumentsThereAre) {
+  using kestan_cli::Access;
+  using kestan_cli::ExamineIndex;
+  Add("docs/a", "some words\n");
+  const Records codes = {
+      {"g-code", Units({9})}, {"g-avail", Units({7})}, {"g-deleted", Units({2, 3})}};
+  Plant(Path("my.index"), codes);
+  EXPECT_EQ(ExamineIndex(Path("my.index"), Access::kRead).documents, 6u);
+  Plant(Path("my.index"), {{"g-code", Units({2})}});
+  EXPECT_EQ(ExamineIndex(Path("my.index"), Access::kRead).documents, 0u);
+}
+
 TEST_F(OpenedIndexTest, FactsSurviveDamagedRecords) {
   using kestan_cli::Access;
   Add("docs/a", "some words\n");
