@@ -27,7 +27,7 @@ int ForEachShortWord(Visit visit) {
   constexpr int kBytes = 256;
   for (int byte = 0; byte < kBytes; ++byte) {
     const std::array<char, 2> word{static_cast<char>(byte), '-'};
-    for (const std::size_t size : {1, 2}) {
+    for (std::size_t size = 1; size <= word.size(); ++size) {
       if (const int error = visit({word.data(), size}); error != 0) return error;
     }
   }
