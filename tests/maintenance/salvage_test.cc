@@ -289,6 +289,7 @@ TEST_F(SalvageTest, FindsWhatACutFileStillHolds) {
   for (std::size_t cut = 1000; cut < good.size(); cut += 9999) {
     WriteFile(path_, good.substr(0, cut));
     const Records found = Salvaged(path_);
+    int parts = 0;
     for (const Record& record : map.records) {
       const bool is_whole = record.element + 24 <= cut &&
                             record.data + record.key.size() + record.value.size() <= cut;
@@ -296,9 +297,11 @@ TEST_F(SalvageTest, FindsWhatACutFileStillHolds) {
       EXPECT_EQ(found.count(record.key), 1U) << record.key;
     }
     for (const auto& [key, value] : found) {
-      EXPECT_EQ(records.count(key), 1U) << key;
-      EXPECT_EQ(records.at(key), value);
+      ASSERT_EQ(records.count(key), 1U) << key;
+      EXPECT_EQ(records.at(key).substr(0, value.size()), value);
+      parts += value.size() < records.at(key).size() ? 1 : 0;
     }
+    EXPECT_LE(parts, 1) << cut;  // the record in which the file ends
   }
 }
 
