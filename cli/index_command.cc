@@ -77,17 +77,10 @@ void CheckRoom(const ChangePlan& plan, const ReadingRules& rules, const IndexFac
 bool IsFailed(const Skip& skip) { return IsFailure(skip.kind); }
 
 void ReportFailures(const IndexReport& report) {
-  const std::vector<Skip>& skips = report.skips;
-  std::vector<Skip> failures;
-  std::copy_if(skips.begin(), skips.end(), std::back_inserter(failures), IsFailed);
-  for (const Skip& skip : failures) {
-    std::string line = SkipLines({skip});
-    line.pop_back();  // its line feed
-    Say("kestan: " + line);
+  for (const Skip& skip : report.skips) {
+    if (IsFailed(skip)) Say("kestan: " + SkipLine(skip));
   }
-  for (const Note& note : report.notes) {
-    std::fprintf(stderr, "kestan: %s", NoteLines({note}).c_str());
-  }
+  for (const Note& note : report.notes) Say("kestan: " + NoteLine(note));
 }
 
 void PrintReport(const IndexReport& report, const IndexOptions& options) {

@@ -23,19 +23,23 @@ std::string ReportLine(const IndexReport& report) {
          std::to_string(report.skips.size()) + InParentheses(report.skips) + "\n";
 }
 
+std::string SkipLine(const Skip& skip) {
+  return "skipped " + Quoted(skip.name) + ": " + OneLine(skip.reason);
+}
+
 std::string SkipLines(const std::vector<Skip>& skips) {
   std::string lines;
-  for (const Skip& skip : skips) {
-    lines += "skipped " + Quoted(skip.name) + ": " + OneLine(skip.reason) + "\n";
-  }
+  for (const Skip& skip : skips) lines += SkipLine(skip) + "\n";
   return lines;
+}
+
+std::string NoteLine(const Note& note) {
+  return "indexed " + Quoted(note.name) + " in part: " + OneLine(note.reason);
 }
 
 std::string NoteLines(const std::vector<Note>& notes) {
   std::string lines;
-  for (const Note& note : notes) {
-    lines += "indexed " + Quoted(note.name) + " in part: " + OneLine(note.reason) + "\n";
-  }
+  for (const Note& note : notes) lines += NoteLine(note) + "\n";
   return lines;
 }
 

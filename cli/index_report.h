@@ -30,10 +30,16 @@ struct IndexReport {
 // as a line.
 std::string ReportLine(const IndexReport& report);
 
-// Returns a line "skipped 'NAME': REASON" for each file that was left out.
+// Returns "skipped 'NAME': REASON", without a line feed.
+std::string SkipLine(const Skip& skip);
+
+// Returns a line of that for each file that was left out.
 std::string SkipLines(const std::vector<Skip>& skips);
 
-// Returns a line "indexed 'NAME' in part: REASON" for each of `notes`.
+// Returns "indexed 'NAME' in part: REASON", without a line feed.
+std::string NoteLine(const Note& note);
+
+// Returns a line of that for each of `notes`.
 std::string NoteLines(const std::vector<Note>& notes);
 
 // Returns the report as JSON, on one line: the numbers of ReportLine under its words, "skipped" as
