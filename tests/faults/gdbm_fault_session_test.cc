@@ -145,6 +145,7 @@ std::string ExpectedResult(const Fault& fault) {
   if (fault.PreventsOpening() || (fault.IsOf("open") && fault.IsIn("copy"))) return "-1";
   if (fault.IsIn("set flag 1") && fault.IsSeenByWalk()) return "-3";
   if (!fault.IsOf("fetch")) return fault.call.step.result;
+  if (fault.IsIn("purge") && !fault.IsMissing()) return std::to_string(fault.error);
   if (fault.IsIn("move")) return fault.IsMissing() ? "-1" : "-2";
   if (StartsWith(fault.call.step.what, "remove") && !fault.IsMissing()) return "-1";
   if (!StartsWith(fault.call.gdbm.key, "d-")) return fault.call.step.result;
