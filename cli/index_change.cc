@@ -37,7 +37,7 @@ IndexChange::IndexChange(Kestan& engine, const std::string& path, Access access,
   if (way_ == Way::kOnCopy) RemoveLeftovers(file_);
   facts_ = ExamineIndex(path_, access_);  // nobody changes it any more
   std::error_code error;
-  if (std::filesystem::file_size(file_, error) != 0 && !error) CheckLookups(path_);
+  if (std::filesystem::file_size(file_, error) != 0 && !error) CheckStructure(path_);
 }
 
 IndexChange::~IndexChange() {

@@ -23,9 +23,8 @@ class IndexChange {
   enum class Way { kOnCopy, kInPlace };
 
   // Locks the index at `path` and looks at it. Borrows `engine`, whose index must be closed.
-  //   Throws   what ExamineIndex and CheckLookups throw; CommandError with the status kBusy if
-  //   another process is
-  //            changing the index.
+  //   Throws   what ExamineIndex and CheckStructure throw; CommandError with the status kBusy
+  //            if another process is changing the index.
   IndexChange(Kestan& engine, const std::string& path, Access access, Way way);
   ~IndexChange();  // without Commit(), a change on a copy is forgotten
   IndexChange(const IndexChange&) = delete;

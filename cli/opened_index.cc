@@ -197,14 +197,14 @@ IndexFacts ExamineIndex(const std::string& path, Access access) {
   return facts;
 }
 
-void CheckLookups(const std::string& path) {
+void CheckStructure(const std::string& path) {
   Database store;
   OpenStore(store, path, Access::kRead);
   std::string first;
   const auto take = [&](std::string_view line) {
     if (first.empty()) first = line;
   };
-  if (kestan::CheckLookups(store, take) == 0) return;
+  if (kestan::CheckStructure(store, take) == 0) return;
   throw CommandError("cannot change index " + Quoted(path) + ": damaged (" + first + "); " +
                      kSeeRepair);
 }

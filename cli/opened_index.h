@@ -33,11 +33,12 @@ struct IndexFacts {
 //            status kBusy if another process is writing it.
 IndexFacts ExamineIndex(const std::string& path, Access access);
 
-// Makes sure that every record of the index at `path` is found by its key, and writes nothing to
-// it. A change would take one that is not for missing, and write another beside it.
-//   Throws   CommandError "cannot change index 'PATH': REASON" if a record is not found, and as
+// Makes sure that a change may trust the index at `path`, and writes nothing to it: that each
+// record is found by its key, for a change would write another beside one that is not, and that no
+// record lies in what counts as free, where a change would overwrite it.
+//   Throws   CommandError "cannot change index 'PATH': REASON" if that is not so, and as
 //            ExamineIndex does.
-void CheckLookups(const std::string& path);
+void CheckStructure(const std::string& path);
 
 // Looks whether the file at `path` can be read, and not at what is in it.
 //   Throws   as ExamineIndex does.

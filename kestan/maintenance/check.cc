@@ -26,34 +26,31 @@ int CheckFile(Database& store, int walk_error, Findings* findings) {
   return first;
 }
 
-// Calls `check(bytes)` with the bytes of the file, or reports that there is no way to them.
-template <typename Check>
-void CheckBytes(const Database& store, Findings* findings, Check check) {
+// Looks at the file as gdbm has laid it out, past its records.
+void CheckLayout(const Database& store, Findings* findings) {
   const MappedFile file(store.Descriptor());
   if (!file.is_mapped()) {
     findings->Fault(kWholeFile, "cannot be mapped, so that its buckets were not looked at");
     return;
   }
-  check(gdbm::Bytes(file.bytes()));
+  const gdbm::Bytes bytes(file.bytes());
+  LookupCheck(bytes, findings).Run();
+  SpaceCheck(bytes, findings).Run();
 }
 
 }  // namespace
 
-std::int64_t CheckLookups(const Database& store, const TakeLine& report) {
+std::int64_t CheckStructure(const Database& store, const TakeLine& report) {
   if (store.FileBytes() == -1) return -1;
   Findings findings(report);
-  CheckBytes(store, &findings,
-             [&](const gdbm::Bytes& file) { LookupCheck(file, &findings).Run(); });
+  CheckLayout(store, &findings);
   return static_cast<std::int64_t>(findings.faults());
 }
 
 CheckResult CheckIndex(Database& store, const TakeLine& report) {
   if (store.Flush() == -1) return {0, 0, -1};
   Findings findings(report);
-  CheckBytes(store, &findings, [&](const gdbm::Bytes& file) {
-    LookupCheck(file, &findings).Run();
-    SpaceCheck(file, &findings).Run();
-  });
+  CheckLayout(store, &findings);
   const IndexTables tables = ReadTables(store);
   CheckLengths(tables, &findings);
   if (!tables.IsIncomplete()) CheckCodes(tables, &findings);

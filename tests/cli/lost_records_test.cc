@@ -1,7 +1,9 @@
-// No command changes an index in which look-ups do not find what a walk shows.
+// No command changes an index in which look-ups do not find what a walk shows, or whose records
+// would be overwritten.
 #include <gtest/gtest.h>
 #include <kestan/maintenance/gdbm_layout.h>
 
+#include <cstring>
 #include <fstream>
 #include <string>
 
@@ -42,6 +44,42 @@ TEST_F(LostRecordsTest, AnIndexWithARecordThatNoLookUpFindsStaysAsItIs) {
           << change.front();
       EXPECT_EQ(IndexBytes(), before) << change.front();
     }
+  }
+}
+
+// Has the header of the index at `path` name the bytes of its first record as its only free space.
+void FreeFirstRecord(const std::string& path) {
+  namespace gdbm = kestan::gdbm;
+  std::string bytes = BytesOfFile(path);
+  const gdbm::Bytes file(bytes);
+  gdbm::Element element{};
+  std::size_t at = 512;
+  do {
+    file.Read(at++, &element);
+  } while (!file.IsSound(element));
+  gdbm::Header header{};
+  file.Read(0, &header);
+  const bool is_extended = header.magic == gdbm::kExtendedMagic;
+  const std::size_t list = sizeof header + (is_extended ? gdbm::kExtensionBytes : 0);
+  gdbm::FreeList head{};
+  file.Read(list, &head);
+  head.count = 1;
+  const gdbm::FreeSpace space{element.key_bytes + element.value_bytes, element.data};
+  std::memcpy(&bytes[list], &head, sizeof head);
+  std::memcpy(&bytes[list + sizeof head], &space, sizeof space);
+  std::ofstream(path, std::ios::binary) << bytes;
+}
+
+TEST_F(LostRecordsTest, AnIndexThatTakesARecordForFreeSpaceStaysAsItIs) {
+  for (const Arguments& change : Changes()) {
+    Reset();
+    FreeFirstRecord(Path("my.index"));
+    const std::string before = IndexBytes();
+    EXPECT_EQ(Run(change), Failure("cannot change index 'my.index': damaged (index file: free "
+                                   "space that is in use: 1); kestan repair saves what it still "
+                                   "holds"))
+        << change.front();
+    EXPECT_EQ(IndexBytes(), before) << change.front();
   }
 }
 

@@ -303,7 +303,7 @@ TEST(CheckElements, ARecordThatAWalkShowsAndNoLookUpFindsIsAFault) {
     EXPECT_EQ(Check(path).lines.count(key + ": no look-up finds the record"), 1U) << key;
     Database store;
     ASSERT_EQ(store.Open(path.c_str(), 0), 0);
-    EXPECT_EQ(kestan::CheckLookups(store, {}), 1) << key;
+    EXPECT_EQ(kestan::CheckStructure(store, {}), 1) << key;
   }
 }
 
@@ -314,13 +314,13 @@ TEST(CheckElements, OfAGoodFileAllAreFound) {
   Plant(folder / "index", records);
   Database store;
   ASSERT_EQ(store.Open((folder / "index").c_str(), 0), 0);
-  EXPECT_EQ(kestan::CheckLookups(store, {}), 0);
+  EXPECT_EQ(kestan::CheckStructure(store, {}), 0);
 }
 
 TEST(CheckElements, WithoutAFileSaysSo) {
   const Database store;
   std::int64_t result = 0;
-  EXPECT_EQ(StandardErrorOf([&] { result = kestan::CheckLookups(store, {}); }),
+  EXPECT_EQ(StandardErrorOf([&] { result = kestan::CheckStructure(store, {}); }),
             "Kestan: Call to database::size without an open database\n");
   EXPECT_EQ(result, -1);
 }
