@@ -22,9 +22,8 @@ int RunRemove(Kestan& engine, const Values& values) {
     const OpenedIndex opened(engine, index, Access::kRead);
     for (const std::string& name : names) CheckIndexed(opened, name);
   }
-  const OpenedIndex& opened = change.Begin();
+  change.Begin();
   for (const std::string& name : names) RemoveDocument(engine, name);
-  opened.PurgeShortWords();  // before another program reuses the codes
   change.Commit();
   if (values.Has("--json")) {
     Print(JsonLine({{"schema", kJsonSchema}, {"removed", names.size()}}));

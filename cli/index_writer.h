@@ -27,8 +27,6 @@ class IndexWriter {
   unsigned long Finish() {
     if (!opened_.has_value()) return 0;
     const unsigned long new_words = opened_->adder.new_words();
-    // Of earlier versions and removed documents, before another program reuses their codes.
-    opened_->index.PurgeShortWords();
     opened_.reset();
     change_.Commit();
     return new_words;

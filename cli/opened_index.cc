@@ -232,14 +232,9 @@ void OpenedIndex::CheckRead() const {
   if (engine_.FileError() != 0) throw CannotRead(path_, engine_.FileError());
 }
 
-int OpenedIndex::PurgeShortWords() const {
+void OpenedIndex::PrepareCodes() const {
   int error = 0;
   WriteOut([&] { error = engine_.PurgeShortWords(); });
-  return error;
-}
-
-void OpenedIndex::PrepareCodes() const {
-  const int error = PurgeShortWords();
   CheckRead();
   if (error == 0) return;
   throw CommandError("cannot change index " + Quoted(path_) +

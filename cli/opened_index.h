@@ -83,12 +83,8 @@ class OpenedIndex {
   // Throws CommandError if any record that was asked for could not be read.
   void CheckRead() const;
 
-  // Drops what one-letter words say of documents that are gone, as far as it can be read.
-  //   Returns  what the engine returns.
-  int PurgeShortWords() const;
-
-  // The same, before documents are added, which would else be found by one-letter words of others
-  // that had their codes before.
+  // Drops what one-letter words say of the documents that had the free codes. Comes before
+  // documents are added, which would else be found by the words of others.
   //   Throws   CommandError if that cannot be done.
   void PrepareCodes() const;
 

@@ -48,8 +48,10 @@ int RunShrink(Kestan& engine, const Values& values) {
   if (in_place) CheckOwner(index);
   const auto before = fs::file_size(index);
   const OpenedIndex& opened = change.Begin();
-  opened.PurgeShortWords();  // first, so that the shrink gives back what they took
-  opened.WriteOut([&] { engine.ShrinkIndex(); });
+  opened.WriteOut([&] {
+    engine.PurgeShortWords(true);  // first, so that the shrink gives back what they took
+    engine.ShrinkIndex();
+  });
   opened.PrepareCodes();
   // A dry run shrinks the copy, which is then forgotten: no estimate could be as good.
   const auto after = dry ? change.Measure() : (change.Commit(), fs::file_size(index));

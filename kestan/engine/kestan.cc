@@ -14,4 +14,6 @@ Kestan::~Kestan() {
   kestan::scratch.Release();
 }
 
-int Kestan::PurgeShortWords() { return kestan::PurgeShortWords(store_); }
+int Kestan::PurgeShortWords(bool removed_too) {
+  return kestan::PurgeShortWords(store_, removed_too);
+}

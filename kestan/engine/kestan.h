@@ -209,15 +209,17 @@ class KESTAN_EXPORT Kestan {
   //   Returns  0; -1 without an index.
   int ShrinkIndex();
 
-  // Drops the entries of codes that no document has from the postings of the words that ShrinkIndex
-  // passes over: words of one byte, and of two where the second is '-'. A host that calls it before
-  // it adds documents, and before ShrinkIndex, never finds a document by such a word of the one
-  // that had its code before.
-  //   Returns  0; -1 without an index; -2 if a posting record of such a word is damaged and has
-  //            entries of codes that the next documents may get; else gdbm's error number. But for
-  //            0, what was dropped is unspecified; with -2 it is nothing.
+  // Drops the entries of codes that the next documents may get from the postings of the words that
+  // ShrinkIndex passes over: words of one byte, and of two where the second is '-'. A host that
+  // calls it before it adds documents never finds a document by such a word of the one that had its
+  // code before. With `removed_too`, drops those of removed documents as well: right before
+  // ShrinkIndex, which gives their room back then.
+  //   Returns  0; -1 without an index; -2 with nothing changed if a posting record of such a word
+  //   is
+  //            damaged and has entries of codes that the next documents may get; else gdbm's error
+  //            number, and what was dropped is unspecified.
   //   Cost     some 512 look-ups, and the reading of the postings of such words.
-  int PurgeShortWords();
+  int PurgeShortWords(bool removed_too = false);
 
   // ---- Queries ----
   //

@@ -41,7 +41,7 @@ class FreeCodes {
   explicit FreeCodes(Database& store) : store_(store) {}
 
   //   Returns  0, -1 without a file, or gdbm's number of a read failure.
-  int Gather(Code highest) {
+  int Gather(Code highest, bool removed_too) {
     DBDatumPtr removed;
     DBDatumPtr reusable;
     if (const int error = Read(store_, kDeletedKey, &removed); error != 0) return error;
@@ -50,7 +50,7 @@ class FreeCodes {
     reusable_.set(0);
     if (reusable.ptr != nullptr) CollectCodes(*reusable.ptr, &reusable_);
     all_ = reusable_;
-    if (removed.ptr != nullptr) CollectCodes(*removed.ptr, &all_);
+    if (removed_too && removed.ptr != nullptr) CollectCodes(*removed.ptr, &all_);
     return 0;
   }
 
@@ -67,18 +67,24 @@ class FreeCodes {
   // Every code that Has() was not asked for is as the lists say.
   const CodeSet& all() const { return all_; }
 
+  // Returns gdbm's number of the first read failure of Has(), 0 if there was none.
+  int error() const { return error_; }
+
  private:
   // A name that cannot be read may be one.
   bool HasName(Code code) {
     const auto key = NameKey(code);
     DBDatumPtr name;
-    return Read(store_, {key.data(), key.size()}, &name) != 0 || name.ptr != nullptr;
+    const int error = Read(store_, {key.data(), key.size()}, &name);
+    if (error_ == 0) error_ = error;
+    return error != 0 || name.ptr != nullptr;
   }
 
   Database& store_;
   CodeSet reusable_;
-  CodeSet all_;  // also those of removed documents, which a shrink makes reusable
+  CodeSet all_;  // perhaps also those of removed documents, which a shrink makes reusable
   CodeSet looked_up_;
+  int error_ = 0;
 };
 
 class ShortWordPurge {
@@ -86,9 +92,9 @@ class ShortWordPurge {
   explicit ShortWordPurge(Database& store) : store_(store), free_(store) {}
 
   // Finds the words to purge. Changes nothing.
-  int Plan() {
+  int Plan(bool removed_too) {
     if (const int error = ReadRules(); error != 0) return error;
-    if (const int error = free_.Gather(rules_.highest); error != 0) return error;
+    if (const int error = free_.Gather(rules_.highest, removed_too); error != 0) return error;
     FlushCadence cadence(store_);
     return ForEachShortWord([&](std::string_view word) {
       DBDatumPtr postings;
@@ -136,6 +142,7 @@ class ShortWordPurge {
       has_free = true;
       if (free_.IsReusable(entry.code)) has_reusable = true;
     }
+    if (free_.error() != 0) return free_.error();
     if (!has_free) return 0;
     if (IsWhole(postings)) words_.emplace_back(word);
     return has_reusable && !IsWhole(postings) ? kDamaged : 0;
@@ -160,9 +167,9 @@ class ShortWordPurge {
 }  // namespace
 
 // In two steps, so that damage is found before anything is changed.
-int PurgeShortWords(Database& store) {
+int PurgeShortWords(Database& store, bool removed_too) {
   ShortWordPurge purge(store);
-  if (const int error = purge.Plan(); error != 0) return error;
+  if (const int error = purge.Plan(removed_too); error != 0) return error;
   return purge.CarryOut();
 }
 

@@ -8,7 +8,7 @@
 namespace kestan {
 
 // What Kestan::PurgeShortWords does, on the index's own store.
-int PurgeShortWords(Database& store);
+int PurgeShortWords(Database& store, bool removed_too);
 
 }  // namespace kestan
 

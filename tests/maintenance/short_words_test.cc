@@ -56,10 +56,13 @@ TEST_F(ShortWords, AreNoOthers) {
   for (const char* word : {"cc", "-c", "c-c"}) EXPECT_EQ(Purged(word, kOld), kOld) << word;
 }
 
-TEST_F(ShortWords, OfRemovedDocumentsGoBeforeTheShrinkToo) {
+TEST_F(ShortWords, OfRemovedDocumentsGoBeforeAShrink) {
   PlantAndReopen({{"c", kLive}});
   engine_.RemoveDocumentWords("a");
   EXPECT_EQ(engine_.PurgeShortWords(), 0);
+  EXPECT_EQ(Stored().at("c"), kLive);
+  ASSERT_EQ(engine_.OpenIndex(path_.c_str(), 1), 0);
+  EXPECT_EQ(engine_.PurgeShortWords(true), 0);
   EXPECT_EQ(Stored().at("c"), "");
 }
 
@@ -101,11 +104,11 @@ TEST_F(ShortWords, OfADamagedRecordWithoutReusableCodesAreLeftAlone) {
   EXPECT_EQ(Dump(path_).at("c"), damaged);
 }
 
-TEST_F(ShortWords, OfADamagedRecordDoNotKeepADocumentFromBeingRemoved) {
+TEST_F(ShortWords, OfADamagedRecordThatAShrinkWouldFreeAreLeftAlone) {
   const std::string damaged = kLive + "x";
   PlantAndReopen({{"c", damaged}});
   engine_.RemoveDocumentWords("a");
-  EXPECT_EQ(engine_.PurgeShortWords(), 0);
+  EXPECT_EQ(engine_.PurgeShortWords(true), 0);
   EXPECT_EQ(Stored().at("c"), damaged);
 }
 
@@ -142,15 +145,15 @@ TEST_F(ShortWords, OfNoIndexCannotBePurged) {
   EXPECT_EQ(result, -1);
 }
 
-// Where it is the name of a document, that is taken to be there.
 TEST_F(ShortWords, StayWhereARecordCannotBeRead) {
   bool failed = true;
   for (int nth = 1; failed; ++nth) {
     PlantAndReopen({{"c", kOld}});
     GdbmWatch watch;
     watch.Fail("fetch", nth, GDBM_FILE_READ_ERROR);
-    engine_.PurgeShortWords();
+    const int result = engine_.PurgeShortWords();
     failed = engine_.FileError() != 0;
+    EXPECT_EQ(result, failed ? GDBM_FILE_READ_ERROR : 0) << nth;
     EXPECT_EQ(Stored().at("c"), failed ? kOld : "") << nth;
   }
 }
