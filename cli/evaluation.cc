@@ -200,10 +200,20 @@ ResultSet Evaluator::EvaluateOr(const Query& query, Explanation* explanation) {
   return united.Take();
 }
 
+// Postings of short words outlive their documents and the shrinks of other programs. They would not
+// be listed, but the percentages of the others would be of their scores.
+ResultSet Evaluator::Find(const std::string& word) {
+  ResultSet found(engine_, engine_.QueryWord(word.c_str()));
+  const bool is_short = word.size() == 1 || (word.size() == 2 && word[1] == '-');
+  if (found.id() == -1 || !is_short) return found;
+  if (!documents_) documents_.emplace(engine_, engine_.QueryNegate(-1));
+  return {engine_, engine_.QueryAnd(documents_->id(), found.id(), 0)};
+}
+
 ResultSet Evaluator::AnyOf(const std::vector<std::string>& words) {
   Union united(engine_);
   for (const std::string& word : words) {
-    ResultSet set(engine_, engine_.QueryWord(word.c_str()));
+    ResultSet set = Find(word);
     if (set.id() == -1) continue;
     if (!negated_) sought_.insert(word);
     united.Add(std::move(set));

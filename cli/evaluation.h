@@ -74,6 +74,7 @@ class Evaluator {
   ResultSet EvaluateAnd(const Query& query, Explanation* explanation);
   ResultSet EvaluateOr(const Query& query, Explanation* explanation);
   ResultSet Negate(const Query& query, Explanation* explanation);
+  ResultSet Find(const std::string& word);
   ResultSet AnyOf(const std::vector<std::string>& words);
   std::vector<std::string> Expanded(const Query& query, Explanation* explanation);
   const Expansion& ExpansionOf(const Query& query);
@@ -85,6 +86,7 @@ class Evaluator {
 
   Kestan& engine_;
   std::optional<Vocabulary> words_;
+  std::optional<ResultSet> documents_;  // all whose codes are not free
   std::map<std::tuple<Query::Kind, std::string, int>, Expansion> expansions_;
   std::map<std::string, std::size_t> documents_with_;  // those that were counted
   std::set<std::string> sought_;

@@ -177,13 +177,21 @@ class World {
     RC_ASSERT(mine == fresh);
   }
 
+  // Looks at the index as it is and as a shrink leaves it. A shrink that another program makes
+  // leaves postings of one-letter words that `check` names, until the command purges them.
   void ExpectNoFaults() {
+    if (!shrunk_elsewhere_) ExpectCheckIsContent();
+    Do("shrink", Given({{"INDEX", "my.index"}}));
+    ExpectCheckIsContent();
+  }
+
+ private:
+  void ExpectCheckIsContent() {
     const std::string report = Printed("check", Given({{"INDEX", "my.index"}}));
     RC_LOG() << report;
     RC_ASSERT(status_ == 0);
   }
 
- private:
   using Pairs = std::vector<std::pair<std::string, std::string>>;
 
   static Values Given(const Pairs& pairs) {
@@ -202,7 +210,10 @@ class World {
   void TakeElsewhere(const Step& step) {
     RC_ASSERT(engine_.OpenIndex("my.index", 1) == 0);
     if (step.kind == Step::Kind::kRemoveElsewhere) engine_.RemoveDocumentWords(step.file.c_str());
-    if (step.kind == Step::Kind::kShrinkElsewhere) engine_.ShrinkIndex();
+    if (step.kind == Step::Kind::kShrinkElsewhere) {
+      engine_.ShrinkIndex();
+      shrunk_elsewhere_ = true;
+    }
     if (step.kind == Step::Kind::kVisitElsewhere) {
       engine_.AddDocumentWords("guest", step.text.c_str());
       engine_.RemoveDocumentWords("guest");
@@ -253,6 +264,7 @@ class World {
   Kestan engine_;
   int status_ = -1;
   int writes_ = 0;
+  bool shrunk_elsewhere_ = false;
 };
 
 TEST(IncrementalPropertyTest, AnIndexThatIsKeptUpAnswersLikeANewOne) {
@@ -262,7 +274,6 @@ TEST(IncrementalPropertyTest, AnIndexThatIsKeptUpAnswersLikeANewOne) {
     World world;
     for (const Step& step : steps) world.Take(step);
     world.Finish();
-    world.ExpectNoFaults();
     world.ExpectSame("list", {});
     world.ExpectSame("export", {"FORM", "json"});
     world.ExpectSame("words", {"--counts", ""});
@@ -273,6 +284,7 @@ TEST(IncrementalPropertyTest, AnIndexThatIsKeptUpAnswersLikeANewOne) {
     for (const char* word : {"a", "b", "c", "i", "p", "x"}) {
       world.ExpectSame("search", {"QUERY", word});
     }
+    world.ExpectNoFaults();
   });
   EXPECT_TRUE(holds);
 }

@@ -66,21 +66,36 @@ TEST_F(ShortWordsTest, AreNotFoundAfterAShrinkByAnotherProgram) {
   ExpectOnlyNew("x");
 }
 
-TEST_F(ShortWordsTest, AreGoneWithTheirDocumentWhoeverReusesItsCode) {
-  Add("old", "vitamin c\n");
-  Add("other", "vitamin c too\n");
-  Do({"remove", "my.index", "old"});
-  ShrinkElsewhere();
-  Elsewhere([](Kestan& engine) { engine.AddDocumentWords("new", "a fish"); });
-  EXPECT_EQ(Search("c"), Success("100 other\n"));
+TEST_F(ShortWordsTest, OfDocumentsThatAreGoneDoNotLowerPercentages) {
+  Add("old", "c c c c\n");
+  Add("new", "c\n");
+  Add("other", "c c and cat\n");
+  Elsewhere([](Kestan& engine) {
+    engine.RemoveDocumentWords("old");
+    engine.ShrinkIndex();
+  });
+  EXPECT_EQ(Search("c"), Success("100 other\n50 new\n"));
+  EXPECT_EQ(Search("c OR dog"), Success("100 other\n50 new\n"));
+  EXPECT_EQ(Search("\"c and\""), Success("100 other\n"));
 }
 
-TEST_F(ShortWordsTest, AreGoneWithTheEarlierVersionOfADocument) {
+TEST_F(ShortWordsTest, OfEarlierVersionsAreNotFoundAfterAShrink) {
   Add("a", "vitamin c\n");
   Add("a", "vitamin d instead\n");
   ShrinkElsewhere();
-  Elsewhere([](Kestan& engine) { engine.AddDocumentWords("new", "a fish"); });
+  Add("new", "a fish\n");
   ExpectNone("c");
+  ExpectOnlyNew("a");
+}
+
+TEST_F(ShortWordsTest, GiveTheirRoomBackInAShrink) {
+  std::string text;
+  for (int i = 0; i < 30000; ++i) text += "c ";
+  Add("old", text);
+  Add("other", "c\n");
+  Do({"remove", "my.index", "old"});
+  Do({"shrink", "my.index"});
+  EXPECT_LT(IndexBytes().size(), text.size());
 }
 
 TEST_F(ShortWordsTest, AreRightWhereNothingIsShrunk) {
