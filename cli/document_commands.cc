@@ -22,8 +22,8 @@ int RunRemove(Kestan& engine, const Values& values) {
     const OpenedIndex opened(engine, index, Access::kRead);
     for (const std::string& name : names) CheckIndexed(opened, name);
   }
-  change.Begin();
-  for (const std::string& name : names) RemoveDocument(engine, name);
+  const OpenedIndex& opened = change.Begin();
+  for (const std::string& name : names) RemoveDocument(opened, name);
   change.Commit();
   if (values.Has("--json")) {
     Print(JsonLine({{"schema", kJsonSchema}, {"removed", names.size()}}));
@@ -59,7 +59,7 @@ int RunMove(Kestan& engine, const Values& values) {
   CheckMove(engine, index, from, to, values.Has("--replace") || from == to);
   if (from == to) return kDone;
   OpenedIndex& opened = change.Begin();
-  RemoveDocument(engine, to);
+  RemoveDocument(opened, to);
   MoveDocument(opened, from, to);
   change.Commit();
   return kDone;

@@ -47,9 +47,12 @@ std::string UserRecord(Kestan& engine, const std::string& name) {
   return text != nullptr ? text : "";
 }
 
-void RemoveDocument(Kestan& engine, const std::string& name) {
-  engine.RemoveDocumentWords(name.c_str());
-  for (const SideRecord& record : kSideRecords) (engine.*record.remove)(name.c_str());
+void RemoveDocument(const OpenedIndex& index, const std::string& name) {
+  if (index.engine().RemoveDocumentWords(name.c_str()) < 0) {
+    throw CommandError("index " + Quoted(index.path()) + " did not remove " + Quoted(name) +
+                       ": a record that it needs for that cannot be read");
+  }
+  for (const SideRecord& record : kSideRecords) (index.engine().*record.remove)(name.c_str());
 }
 
 void MoveDocument(OpenedIndex& index, const std::string& from, const std::string& to) {

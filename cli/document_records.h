@@ -26,8 +26,9 @@ void CheckIndexed(const OpenedIndex& index, const std::string& name);
 // Returns the user record of `name`, empty if there is none.
 std::string UserRecord(Kestan& engine, const std::string& name);
 
-// Removes the document `name` with its title, summary and user record.
-void RemoveDocument(Kestan& engine, const std::string& name);
+// Removes the document `name`, if there is one, with its title, summary and user record.
+//   Throws   CommandError, with nothing removed, if what the index has of it cannot be read.
+void RemoveDocument(const OpenedIndex& index, const std::string& name);
 
 // Gives the document `from` the name `to`, which no document has, with its title, its summary and
 // its user record. Its words are not read again.

@@ -97,7 +97,7 @@ void CarryOut(ChangePlan plan, const ReadingRules& rules, bool prune, IndexWrite
   }
   if (!prune) return;
   for (const std::string& name : plan.vanished.names()) {
-    RemoveDocument(writer.index().engine(), name);
+    RemoveDocument(writer.index(), name);
     ++report->removed;
   }
 }

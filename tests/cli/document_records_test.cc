@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 
 #include "cli/message.h"
@@ -30,6 +31,14 @@ TEST_F(DocumentRecordsTest, DocumentsComeInOrderWithTheirFingerprints) {
   EXPECT_EQ(documents[0].fingerprint->state, (FileState{1, 2, 3}));
   EXPECT_EQ(documents[1].name, "b");
   EXPECT_FALSE(documents[1].fingerprint.has_value());
+}
+
+// The end of the file is gone for a moment, as when a disk fails.
+TEST_F(DocumentRecordsTest, ADocumentThatCannotBeReadIsNotCalledRemoved) {
+  engine_.AddDocumentWords("a", "cat");
+  engine_.FlushIndex();
+  std::filesystem::resize_file(Path("my.index"), 512);
+  EXPECT_THROW(RemoveDocument(index_, "a"), CommandError);
 }
 
 TEST_F(DocumentRecordsTest, EmptyIndexHasNone) { EXPECT_TRUE(IndexedDocuments(engine_).empty()); }
