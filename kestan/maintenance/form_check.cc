@@ -63,12 +63,13 @@ void FormCheck::Visit(const DBDatum& key, const DBDatum& value) {
   const int error = store_.Get(&folded, AsDatum(folded_word));
   if (Database::IsReadFailure(error)) return;
   if (folded.ptr == nullptr) {
-    findings_.Fault(word, "the small form has no record");
+    findings_.Fault(word, "the case-folded form has no record");
     return;
   }
   const Code code = FirstLacking(*folded.ptr, value, tables_.rules.with_positions);
   if (code != 0) {
-    findings_.Fault(word, "the small form is not where this is, first in the document of code ",
+    findings_.Fault(word,
+                    "the case-folded form is not where this is, first in the document of code ",
                     std::uint64_t{code});
   }
   const std::size_t held_bytes = folded.ptr->size;

@@ -1,4 +1,4 @@
-// Whether the small form of a word stands wherever the word does.
+// Whether the case-folded form of a word stands wherever the word does.
 #ifndef KESTAN_MAINTENANCE_FORM_CHECK_H_
 #define KESTAN_MAINTENANCE_FORM_CHECK_H_
 

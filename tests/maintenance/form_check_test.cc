@@ -1,4 +1,4 @@
-// The small form of a word stands wherever the word does.
+// The case-folded form of a word stands wherever the word does.
 #include <kestan/maintenance/form_check.h>
 
 #include <string>
@@ -9,7 +9,7 @@ namespace kestan_tests {
 namespace {
 
 const char* const kFault =
-    "Cat: the small form is not where this is, first in the document of code ";
+    "Cat: the case-folded form is not where this is, first in the document of code ";
 
 TEST(FormCheck, FoldedWordsHaveBitFiveInEveryByte) {
   EXPECT_TRUE(kestan::IsFolded("cat1-\xe9"));
@@ -25,8 +25,9 @@ TEST(FormCheck, EntriesAndPositionsOfTheSmallFormInOrder) {
 TEST(FormCheck, AnEntryThatTheSmallFormLacks) {
   EXPECT_EQ(LinesOf(With({{"Cat", Units({2, 1, 1, 1, 1, 1})}})),
             Lines({kFault + std::string("1")}));
-  EXPECT_EQ(LinesOf(With({{"Dog", Units({2, 1, 1})}})),
-            Lines({"Dog: the small form is not where this is, first in the document of code 2"}));
+  EXPECT_EQ(
+      LinesOf(With({{"Dog", Units({2, 1, 1})}})),
+      Lines({"Dog: the case-folded form is not where this is, first in the document of code 2"}));
 }
 
 TEST(FormCheck, APositionThatTheSmallFormLacks) {
@@ -40,8 +41,9 @@ TEST(FormCheck, WithoutPositionsCodesAreCompared) {
   Records changed = records;
   changed["Dog"] = Units({2});
   EXPECT_EQ(LinesOf(With(records)), Lines());
-  EXPECT_EQ(LinesOf(With(changed)),
-            Lines({"Dog: the small form is not where this is, first in the document of code 2"}));
+  EXPECT_EQ(
+      LinesOf(With(changed)),
+      Lines({"Dog: the case-folded form is not where this is, first in the document of code 2"}));
 }
 
 TEST(FormCheck, WordsThatNoShrinkPurgesAreLeftOut) {

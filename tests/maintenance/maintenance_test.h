@@ -37,7 +37,7 @@ inline bool IsAboutMissingWords(std::string_view line) {
   for (const char* what :
        {": words missing", ": some positions have several words",
         ": words of one letter, or with a hyphen, contradict", ": entries of free codes",
-        ": entries of a code listed before", ": the small form "}) {
+        ": entries of a code listed before", ": the case-folded form "}) {
     if (line.find(what) != std::string_view::npos) return true;
   }
   return false;

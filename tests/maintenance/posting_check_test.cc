@@ -164,7 +164,7 @@ TEST(PostingCheck, GapInTheWordsOfADocument) {
 
 TEST(PostingCheck, WrittenFormWithoutTheFoldedOne) {
   EXPECT_EQ(LinesOf(With({{"Fox", Units({1, 1, 3})}})),
-            Lines({"Fox: the small form has no record",
+            Lines({"Fox: the case-folded form has no record",
                    "d-a: words missing: at least 1 of 3; left half-written?"}));
   EXPECT_EQ(LinesOf(With({{"Fox", Units({1, 1, 3})}, {"fox", Units({1, 1, 3})}})), Lines());
 }
