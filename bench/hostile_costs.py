@@ -5,7 +5,7 @@ Makes an index of 2,000 generated documents in a temporary folder, then runs the
 inputs of three sizes each that are made to be slow, and prints a Markdown table: the time of the
 processor in seconds and the most memory in MB, of one whole command. The same inputs in every run.
 Ends with an error if a command fails, or if one that takes more than a tenth of a second takes three
-times as much longer as its input is larger. What words of one hash of gdbm cost is only told.
+times as much longer as its input is larger. The cost of words with one gdbm hash is printed only.
 
 Example: bench/hostile_costs.py build/release/cli/kestan
 """

@@ -10,8 +10,8 @@ enum class NewOwner { kSame, kThisUser };
 // Gives the open file `target`, which this user has made, what the open file `source` has: where
 // that is allowed, its group, its access control list, its extended attributes ("user.*") and, if
 // `owner` is kSame, its owner; and its mode without the bits that lend rights to whoever runs it.
-// Where the group or the list cannot be kept, those whom they told apart get no rights that one of
-// them lacked.
+// Without the group, the new group and all others get only the rights that both had; without the
+// list, only the owner gets any.
 //   Returns  0 or the system's error number; then nobody has got more rights than at the source.
 int CopyAttributes(int source, int target, NewOwner owner);
 
