@@ -75,8 +75,8 @@ void RepairPlan::KeepFirstBytes(std::string_view key, std::uint32_t bytes, Recor
   *record = DBDatum((*record)->data, bytes);
 }
 
-// What flag 1 says is believed unless nearly every posting record says otherwise. A record with
-// positions may be taken for codes alone, but hardly the other way round.
+// What flag 1 says is believed unless nearly every posting record says otherwise. Short ones can
+// often be read both ways, and then say nothing against it.
 void RepairPlan::ChooseOptions() {
   constexpr std::size_t kMany = 10;
   const Look look = LookAtPostings();
@@ -85,7 +85,7 @@ void RepairPlan::ChooseOptions() {
   bool keeps_positions = (options_ & kFlagNoPositions) == 0;
   const bool is_wrong = keeps_positions
                             ? look.codes_alone >= nearly_all && look.placed * 2 < look.records
-                            : look.placed >= nearly_all;
+                            : look.placed >= nearly_all && look.codes_alone < nearly_all;
   if (!found_options_) {
     keeps_positions = look.placed * 2 >= look.records;
     report_.Say(

@@ -99,6 +99,15 @@ TEST_F(RepairOfRecords, LostOptionsOfAnIndexWithoutPositionsAreTakenFromThePosti
   EXPECT_EQ(Repaired(records), restored);
 }
 
+// The units 1 to 4 are four codes, and as well the code 1 with two positions.
+TEST_F(RepairOfRecords, FlagOneIsBelievedWherePostingsCanBeReadBothWays) {
+  Records records = Good();
+  records["g-opts"] = Units({1, 0});
+  records["cat"] = records["sat"] = Units({1, 2, 3, 4});
+  for (int i = 0; i < 10; ++i) records["word" + std::to_string(i)] = Units({1, 2, 3, 4});
+  EXPECT_EQ(Repaired(records).at("g-opts"), Units({1, 0}));
+}
+
 // "cat" and "sat" are two; ten tell whether there are positions.
 TEST_F(RepairOfRecords, WrongOptionsGiveWayToTenPostingRecordsAndNotToNine) {
   Records records = Good();
