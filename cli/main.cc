@@ -7,10 +7,10 @@
 #include <new>
 #include <string>
 
-#include "arguments.h"
-#include "commands.h"
-#include "message.h"
-#include "output.h"
+#include "cli/app/arguments.h"
+#include "cli/app/commands.h"
+#include "cli/console/message.h"
+#include "cli/console/output.h"
 
 namespace kestan_cli {
 namespace {

@@ -3,8 +3,8 @@
 //
 // Input: a byte, then the text. No fuzzer guesses a checksum, so where the byte is odd the right
 // last line is added, with the byte's half as the number of records.
-#include <kestan/maintenance/crc64.h>
 #include <kestan/maintenance/dump.h>
+#include <kestan/storage/crc64.h>
 
 #include <array>
 #include <cstdio>
@@ -12,7 +12,7 @@
 #include "fuzz/support/input.h"
 #include "fuzz/support/reporting.h"
 #include "fuzz/support/scratch_index.h"
-#include "tests/maintenance/dump_text.h"
+#include "tests/maintenance/dump/dump_text.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include <kestan/engine/kestan.h>
-#include <kestan/engine/name_table.h>
-#include <kestan/engine/scratch.h>
-#include <kestan/maintenance/short_words.h>
+#include <kestan/maintenance/repair/short_words.h>
+#include <kestan/query/name_table.h>
 #include <kestan/storage/memory.h>
+#include <kestan/text/scratch_text.h>
 
 char* const& Kestan::WordBuf = kestan::scratch.bytes;
 const std::uint32_t& Kestan::WBSize = kestan::scratch.size;

@@ -1,7 +1,7 @@
 // The option flags, which the index file keeps.
 #include <kestan/engine/kestan.h>
-#include <kestan/engine/keys.h>
-#include <kestan/engine/records.h>
+#include <kestan/format/keys.h>
+#include <kestan/format/records.h>
 #include <kestan/storage/memory.h>
 
 namespace {

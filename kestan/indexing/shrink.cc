@@ -1,7 +1,7 @@
 // Reclaiming what removed documents left behind.
 #include <kestan/engine/kestan.h>
-#include <kestan/engine/keys.h>
-#include <kestan/engine/records.h>
+#include <kestan/format/keys.h>
+#include <kestan/format/records.h>
 
 namespace {
 

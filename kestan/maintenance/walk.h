@@ -2,10 +2,10 @@
 #ifndef KESTAN_MAINTENANCE_WALK_H_
 #define KESTAN_MAINTENANCE_WALK_H_
 
-#include <kestan/maintenance/flush_cadence.h>
-#include <kestan/maintenance/size_guard.h>
 #include <kestan/storage/database.h>
 #include <kestan/storage/dbdatum.h>
+#include <kestan/storage/flush_policy.h>
+#include <kestan/storage/size_guard.h>
 
 namespace kestan {
 

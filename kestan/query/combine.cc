@@ -1,8 +1,8 @@
 // From result sets to result sets: AND, OR, NOT.
 #include <kestan/engine/kestan.h>
-#include <kestan/engine/keys.h>
-#include <kestan/engine/records.h>
-#include <kestan/query/position_matcher.h>
+#include <kestan/format/keys.h>
+#include <kestan/format/records.h>
+#include <kestan/query/proximity.h>
 #include <kestan/query/result_set.h>
 
 #include <algorithm>

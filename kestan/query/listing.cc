@@ -1,10 +1,10 @@
 // From a result set to the lines that a host shows.
 #include <kestan/engine/kestan.h>
-#include <kestan/engine/keys.h>
-#include <kestan/engine/name_table.h>
-#include <kestan/engine/records.h>
-#include <kestan/engine/scratch.h>
+#include <kestan/format/keys.h>
+#include <kestan/format/records.h>
+#include <kestan/query/name_table.h>
 #include <kestan/query/result_set.h>
+#include <kestan/text/scratch_text.h>
 
 #include <algorithm>
 #include <array>

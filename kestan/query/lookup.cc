@@ -1,7 +1,7 @@
 // From a word to its result set.
 #include <kestan/engine/kestan.h>
-#include <kestan/engine/keys.h>
-#include <kestan/engine/records.h>
+#include <kestan/format/keys.h>
+#include <kestan/format/records.h>
 #include <kestan/query/result_set.h>
 
 #include <cstdint>

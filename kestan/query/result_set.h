@@ -2,7 +2,7 @@
 #ifndef KESTAN_QUERY_RESULT_SET_H_
 #define KESTAN_QUERY_RESULT_SET_H_
 
-#include <kestan/engine/records.h>
+#include <kestan/format/records.h>
 #include <kestan/storage/memory.h>
 
 #include <algorithm>

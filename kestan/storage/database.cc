@@ -1,10 +1,10 @@
 #include <gdbm.h>
+#include <kestan/storage/cycle_detector.h>
 #include <kestan/storage/database.h>
 #include <kestan/storage/dbcache.h>
 #include <kestan/storage/gdbm_file.h>
 #include <kestan/storage/memory.h>
 #include <kestan/storage/owned_datum.h>
-#include <kestan/storage/walk_guard.h>
 
 #include <climits>
 #include <cstdio>

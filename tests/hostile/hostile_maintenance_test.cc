@@ -4,7 +4,7 @@
 #include <gdbm.h>
 #include <gtest/gtest.h>
 #include <kestan/maintenance.h>
-#include <kestan/maintenance/gdbm_layout.h>
+#include <kestan/maintenance/salvage/gdbm_layout.h>
 
 #include <cstring>
 #include <filesystem>

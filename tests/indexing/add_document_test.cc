@@ -1,4 +1,4 @@
-// Kestan::AddDocumentWords of kestan/indexing/index.cc: postings, positions and records.
+// Kestan::AddDocumentWords of kestan/indexing/indexer.cc: postings, positions and records.
 #include <ctime>
 
 #include "tests/indexing/planting.h"

@@ -1,4 +1,4 @@
-// Kestan::AddDocumentWords of kestan/indexing/index.cc: which code a new document gets.
+// Kestan::AddDocumentWords of kestan/indexing/indexer.cc: which code a new document gets.
 #include "tests/indexing/planting.h"
 
 namespace kestan_tests {

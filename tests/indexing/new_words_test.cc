@@ -1,4 +1,4 @@
-// Kestan::AddDocumentWords of kestan/indexing/index.cc: the list of new words and its buffer.
+// Kestan::AddDocumentWords of kestan/indexing/indexer.cc: the list of new words and its buffer.
 #include "tests/indexing/planting.h"
 
 namespace kestan_tests {

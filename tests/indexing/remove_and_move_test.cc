@@ -1,4 +1,4 @@
-// Removing and moving documents, and their timestamps, of kestan/indexing/index.cc.
+// Removing and moving documents, and their timestamps, of kestan/indexing/indexer.cc.
 #include <ctime>
 
 #include "tests/indexing/planting.h"

@@ -1,7 +1,7 @@
 #include "tests/maintenance/index_files.h"
 
-#include <kestan/maintenance/gdbm_layout.h>
-#include <kestan/maintenance/salvage.h>
+#include <kestan/maintenance/salvage/gdbm_layout.h>
+#include <kestan/maintenance/salvage/salvage.h>
 
 #include <algorithm>
 #include <fstream>

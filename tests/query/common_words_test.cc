@@ -1,4 +1,4 @@
-// Kestan::CommonWords of kestan/query/stats.cc.
+// Kestan::CommonWords of kestan/query/statistics.cc.
 #include <cmath>
 #include <limits>
 #include <set>

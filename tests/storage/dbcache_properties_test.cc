@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "kestan/storage/dbcache.h"
+#include <kestan/storage/dbcache.h>
 #include "tests/support/counted.h"
 #include "tests/support/index_test.h"
 

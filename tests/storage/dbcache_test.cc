@@ -1,5 +1,5 @@
 // The cache by itself, without a file.
-#include "kestan/storage/dbcache.h"
+#include <kestan/storage/dbcache.h>
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 #include <map>
 #include <utility>
 
-#include "kestan/storage/dbdatum.h"
+#include <kestan/storage/dbdatum.h>
 #include "tests/support/counted.h"
 #include "tests/support/index_test.h"
 

@@ -1,5 +1,5 @@
 // Datums as byte strings: their ordering code, order and equality.
-#include "kestan/storage/dbdatum.h"
+#include <kestan/storage/dbdatum.h>
 
 #include <gtest/gtest.h>
 

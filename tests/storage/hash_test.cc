@@ -1,4 +1,4 @@
-#include "kestan/storage/hash.h"
+#include <kestan/storage/hash.h>
 
 #include <gtest/gtest.h>
 #include <sys/random.h>

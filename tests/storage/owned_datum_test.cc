@@ -1,5 +1,5 @@
 // Datums that the library makes itself.
-#include "kestan/storage/owned_datum.h"
+#include <kestan/storage/owned_datum.h>
 
 #include <gtest/gtest.h>
 

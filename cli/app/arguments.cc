@@ -1,0 +1,235 @@
+#include "cli/app/arguments.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <memory>
+#include <sstream>
+
+#include "cli/console/message.h"
+
+namespace kestan_cli {
+namespace {
+
+// CLI11 takes an argument in brackets for a list, and hands out what it holds. A byte in front,
+// which is taken off again, keeps it whole.
+constexpr char kGuard = '\x01';
+
+bool IsSwitch(const Command& command, char letter) {
+  const std::string name = {'-', letter, ','};
+  return letter == 'h' ||
+         std::any_of(command.options.begin(), command.options.end(), [&](const Option& option) {
+           return option.value.empty() && option.names.compare(0, name.size(), name) == 0;
+         });
+}
+
+// Whether `argument` is nothing but a dash and the letters of switches: "-l0".
+bool AreSwitches(const Command& command, const std::string& argument) {
+  return std::all_of(argument.begin() + 1, argument.end(),
+                     [&](char letter) { return IsSwitch(command, letter); });
+}
+
+// `command` is the one that the arguments are for, null where that is not known.
+bool NeedsGuard(const std::string& argument, const Command* command) {
+  if (argument.empty()) return false;
+  if (argument.front() == '[' || argument.front() == kGuard) return true;
+  const bool has_one_dash = argument.size() > 1 && argument[0] == '-' && argument[1] != '-';
+  return has_one_dash && command != nullptr && command->takes_dashes &&
+         !AreSwitches(*command, argument);
+}
+
+std::string Guarded(const std::string& argument, const Command* command) {
+  return NeedsGuard(argument, command) ? kGuard + argument : argument;
+}
+
+const Command* CommandNamed(const std::vector<Command>& commands, const std::string& name) {
+  const auto found = std::find_if(commands.begin(), commands.end(),
+                                  [&](const Command& command) { return command.name == name; });
+  return found != commands.end() ? &*found : nullptr;
+}
+
+std::string Unguarded(std::string argument) {
+  return !argument.empty() && argument.front() == kGuard ? argument.substr(1) : argument;
+}
+
+// What CLI11 puts the values of one argument into.
+struct Slot {
+  std::string name;
+  bool is_switch = false;
+  CLI::Option* option = nullptr;
+  std::unique_ptr<Arguments> values = std::make_unique<Arguments>();  // where CLI11 writes
+};
+
+struct Declared {
+  const Command* command;
+  CLI::App* app;
+  std::vector<Slot> slots;
+};
+
+constexpr const char* kCommands = "Commands";  // the heading above them in the help
+
+CLI::App* GroupOf(CLI::App* app, const std::string& group) {
+  const auto is_group = [&group](const CLI::App* added) { return added->get_name() == group; };
+  const std::vector<CLI::App*> found = app->get_subcommands(is_group);
+  if (!found.empty()) return found.front();
+  CLI::App* made = app->add_subcommand(group, PurposeOfGroup(group))->group(kCommands);
+  made->require_subcommand(1);
+  made->footer("Each has --help with an example.");
+  return made;
+}
+
+CLI::App* AddTo(CLI::App* app, const Command& command) {
+  const std::size_t blank = command.name.find(' ');
+  if (blank != std::string::npos) app = GroupOf(app, command.name.substr(0, blank));
+  const std::string name =
+      blank == std::string::npos ? command.name : command.name.substr(blank + 1);
+  return app->add_subcommand(name, command.purpose)->group(kCommands);
+}
+
+std::string FooterOf(const Command& command) {
+  std::string footer = command.more;
+  for (const std::string& example : command.examples) {
+    footer += (footer.empty() ? "" : "\n") + std::string("Example: ") + example;
+  }
+  return footer;
+}
+
+CLI::Option* AddPositional(CLI::App* app, const Positional& positional, Arguments* values) {
+  using Count = Positional::Count;
+  CLI::Option* option = app->add_option(positional.name, *values, positional.purpose);
+  const bool many = positional.count == Count::kAny || positional.count == Count::kOneOrMore;
+  const bool required = positional.count == Count::kOne || positional.count == Count::kOneOrMore;
+  if (!many) option->expected(1)->allow_extra_args(false);
+  return option->required(required);
+}
+
+CLI::Option* AddOption(CLI::App* app, const Option& option, Arguments* values) {
+  if (option.value.empty()) {
+    return app->add_flag(option.names)->description(DescriptionOf(option))->disable_flag_override();
+  }
+  CLI::Option* added = app->add_option(option.names, *values, DescriptionOf(option));
+  added->type_name(option.value)->expected(1)->take_all()->allow_extra_args(false);
+  return added;
+}
+
+Declared Declare(CLI::App* app, const Command& command) {
+  Declared declared{&command, AddTo(app, command), {}};
+  if (command.hidden) declared.app->group("");
+  declared.app->footer(FooterOf(command));
+  for (const Positional& positional : command.positionals) {
+    Slot slot{positional.name};
+    slot.option = AddPositional(declared.app, positional, slot.values.get());
+    declared.slots.push_back(std::move(slot));
+  }
+  for (const Option& option : command.options) {
+    Slot slot{LongName(option), option.value.empty()};
+    slot.option = AddOption(declared.app, option, slot.values.get());
+    declared.slots.push_back(std::move(slot));
+  }
+  return declared;
+}
+
+void CheckChoice(const Option& option, const Values& values) {
+  const std::string name = LongName(option);
+  if (option.choices.empty() || !values.Has(name)) return;
+  const std::string value = values.Text(name);
+  if (std::count(option.choices.begin(), option.choices.end(), value) != 0) return;
+  std::string choices;
+  for (const std::string& choice : option.choices)
+    choices += (choices.empty() ? "" : ", ") + choice;
+  throw CommandError(name + " takes one of " + choices + ", not " + Quoted(value));
+}
+
+Values ValuesOf(const Declared& declared) {
+  Values values;
+  for (const Slot& slot : declared.slots) {
+    if (slot.option->count() == 0) continue;
+    for (const std::string& value : slot.option->results()) {
+      values.Add(slot.name, slot.is_switch ? "" : Unguarded(value));
+    }
+  }
+  return values;
+}
+
+void Prepare(CLI::App* app) {
+  app->set_help_flag("-h,--help", "print this help");
+  app->set_version_flag("--version", "kestan " KESTAN_VERSION, "print the version");
+  app->require_subcommand(1);
+  app->footer("Each has --help with an example, and a manual page: man kestan-search.");
+  app->get_formatter()->label("TEXT", "");
+  app->get_formatter()->label("REQUIRED", "");
+  app->get_formatter()->label("OPTIONS", "OPTIONS");
+  app->get_formatter()->label("SUBCOMMAND", "COMMAND");
+  app->get_formatter()->column_width(28);
+}
+
+// Also makes the text of the version; CLI11 knows which of the two was asked for.
+std::string HelpText(const CLI::App& app, const CLI::ParseError& request) {
+  std::ostringstream text;
+  app.exit(request, text, text);
+  return text.str();
+}
+
+bool LooksLikeOption(const std::string& argument) {
+  return argument.size() > 1 && argument.front() == '-';
+}
+
+// Says what `error` is in the words of the help.
+std::string WhatIsWrong(const CLI::App& app, bool wants_command, const CLI::ParseError& error) {
+  Arguments left = app.remaining(true);  // the arguments that found no place
+  left.erase(std::remove(left.begin(), left.end(), "--"), left.end());
+  const auto option = std::find_if(left.begin(), left.end(), LooksLikeOption);
+  if (option != left.end()) {
+    return "no option " + Quoted(*option) + "; put -- before what only looks like one";
+  }
+  if (wants_command) return left.empty() ? "no command" : "no command " + Quoted(left.front());
+  if (!left.empty()) return "one argument too many: " + Quoted(Unguarded(left.back()));
+  std::string what = error.what();
+  if (error.get_name() != "ArgumentMismatch") return what;
+  const std::string name = what.substr(0, what.find_first_of(": "));  // of a switch, without dashes
+  return LooksLikeOption(name) ? name + " needs a value" : "--" + name + " takes no value";
+}
+
+// The same with the command whose help tells more.
+CommandError Refusal(const CLI::App& app, const CLI::ParseError& error) {
+  std::string called = app.get_name();
+  const CLI::App* last = &app;
+  while (!last->get_subcommands().empty()) {
+    last = last->get_subcommands().front();
+    called += " " + last->get_name();
+  }
+  const bool is_group = !last->get_subcommands([](const CLI::App*) { return true; }).empty();
+  return CommandError(WhatIsWrong(app, is_group, error) + " (see " + called + " --help)");
+}
+
+}  // namespace
+
+Request ReadArguments(const std::vector<Command>& commands, const Arguments& arguments) {
+  CLI::App app("Indexes text files and finds words in them.", "kestan");
+  Prepare(&app);
+  std::vector<Declared> all;
+  all.reserve(commands.size());
+  for (const Command& command : commands) all.push_back(Declare(&app, command));
+  const Command* const meant =
+      arguments.empty() ? nullptr : CommandNamed(commands, arguments.front());
+  Arguments reversed;  // the order that CLI11 reads
+  for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument) {
+    reversed.push_back(Guarded(*argument, meant));
+  }
+  Request request;
+  try {
+    app.parse(std::move(reversed));
+  } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() != 0) throw Refusal(app, error);
+    request.text = HelpText(app, error);
+    return request;
+  }
+  for (const Declared& declared : all) {
+    if (!declared.app->parsed()) continue;
+    request.command = declared.command;
+    request.values = ValuesOf(declared);
+    for (const Option& option : declared.command->options) CheckChoice(option, request.values);
+  }
+  return request;
+}
+
+}  // namespace kestan_cli

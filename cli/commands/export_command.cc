@@ -1,0 +1,148 @@
+#include "cli/commands/export_command.h"
+
+#include <kestan/maintenance.h>
+
+#include <array>
+#include <cstdio>
+#include <memory>
+
+#include "cli/app/commands.h"
+#include "cli/console/message.h"
+#include "cli/console/output.h"
+#include "cli/export/export_writer.h"
+#include "cli/export/latin1.h"
+#include "cli/index/opened_index.h"
+
+namespace kestan_cli {
+namespace {
+
+constexpr std::size_t kBytesPrintedAtOnce = std::size_t{1} << 20;
+
+// How many documents had something, and the name of the first.
+struct Occurrence {
+  void Note(const kestan::StoredDocument& document) {
+    if (count++ == 0) first = document.name;
+  }
+
+  // Says `what` if there were any.
+  void Tell(const std::string& what) const {
+    if (count == 0) return;
+    Warn("in " + Counted(count, "document") + ", the first of them " + Quoted(first) + ", " + what);
+  }
+
+  unsigned long count = 0;
+  std::string first;
+};
+
+class Exporter {
+ public:
+  explicit Exporter(ExportWriter& writer) : writer_(writer), waiting_(writer.Begin()) {}
+
+  void Add(const kestan::StoredDocument& document) {
+    ExportNotes notes;
+    waiting_ += writer_.Add(document, &notes);
+    if (notes.document_was_latin1) not_utf8_.Note(document);
+    if (notes.document_had_nul) with_nul_.Note(document);
+    if (!document.has_positions) without_positions_.Note(document);
+    if (waiting_.size() >= kBytesPrintedAtOnce) PrintWaiting();
+  }
+
+  void Finish() {
+    waiting_ += writer_.End();
+    PrintWaiting();
+    not_utf8_.Tell("text that is not UTF-8 was read as Latin-1");
+    with_nul_.Tell("NUL bytes were replaced by U+FFFD");
+    without_positions_.Tell("the words are without order, for the index keeps no positions");
+  }
+
+ private:
+  void PrintWaiting() {
+    Print(waiting_);
+    waiting_.clear();
+  }
+
+  ExportWriter& writer_;
+  std::string waiting_;
+  Occurrence not_utf8_;
+  Occurrence with_nul_;
+  Occurrence without_positions_;
+};
+
+std::unique_ptr<ExportWriter> MakeWriter(const ExportOptions& options) {
+  if (options.target.empty() || !IsUtf8(options.target)) {
+    throw CommandError("the name of the target is empty or not UTF-8");
+  }
+  if (options.form == ExportForm::kSql) return std::make_unique<SqlWriter>(options.target);
+  return std::make_unique<JsonWriter>(options.target);
+}
+
+unsigned DaysOf(unsigned year) {
+  return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0) ? 366 : 365;
+}
+
+unsigned DaysOf(unsigned month, unsigned year) {
+  constexpr std::array<unsigned, 12> kDays = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  return kDays[month] + (month == 1 ? DaysOf(year) - 365 : 0);
+}
+
+}  // namespace
+
+void Warn(const std::string& what) { Say("kestan: " + what); }
+
+// By hand, for time_t has 32 bits on some hosts, which end in 2038; those of an index end in 2106.
+std::string IsoTime(std::uint32_t seconds) {
+  unsigned days = seconds / 86400;
+  unsigned year = 1970;
+  while (days >= DaysOf(year)) days -= DaysOf(year++);
+  unsigned month = 0;
+  while (days >= DaysOf(month, year)) days -= DaysOf(month++, year);
+  std::array<char, 32> text;
+  std::snprintf(text.data(), text.size(), "%04u-%02u-%02uT%02u:%02u:%02uZ", year, month + 1,
+                days + 1, static_cast<unsigned>(seconds / 3600 % 24),
+                static_cast<unsigned>(seconds / 60 % 60), static_cast<unsigned>(seconds % 60));
+  return text.data();
+}
+
+int RunExport(Kestan&, const std::string& index, const ExportOptions& options) {
+  const std::unique_ptr<ExportWriter> writer = MakeWriter(options);
+  ExamineIndex(index, Access::kRead);
+  Database store;
+  OpenStore(store, index, Access::kRead);
+  Exporter exporter(*writer);
+  const int error = kestan::ReadDocuments(
+      store, [&](const kestan::StoredDocument& document) { exporter.Add(document); });
+  if (error != 0) throw CannotRead(index, error);
+  exporter.Finish();
+  return kDone;
+}
+
+namespace {
+
+int RunExportCommand(Kestan& engine, const Values& values) {
+  ExportOptions options;
+  options.form = values.Text("FORM") == "sql" ? ExportForm::kSql : ExportForm::kJson;
+  options.target = values.Text("NAME", options.target);
+  if (options.form == ExportForm::kJson && values.Text("FORM") != "json") {
+    throw CommandError("no form " + Quoted(values.Text("FORM")) + "; there are json and sql");
+  }
+  return RunExport(engine, values.Text("INDEX"), options);
+}
+
+}  // namespace
+
+std::vector<Command> ExportCommands() {
+  return {{"export",
+           "Print the documents of an index for another system to take in.",
+           {IndexArgument(),
+            {"FORM",
+             "json: lines for the bulk interface of search servers; sql: a script for "
+             "PostgreSQL"},
+            {"NAME", "the index or the table there; kestan, if not given",
+             Positional::Count::kOptional}},
+           {},
+           "What a form cannot hold is told on the standard error stream.",
+           {"kestan export my.index sql texts | psql"},
+           RunExportCommand}};
+}
+
+}  // namespace kestan_cli

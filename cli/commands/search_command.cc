@@ -1,0 +1,265 @@
+#include "cli/commands/search_command.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <sstream>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "cli/app/commands.h"
+#include "cli/commands/search_report.h"
+#include "cli/console/message.h"
+#include "cli/console/output.h"
+#include "cli/index/opened_index.h"
+#include "cli/sync/indexed_file.h"
+#include "search/query/evaluation.h"
+#include "search/ranking/relevance.h"
+
+namespace kestan_cli {
+namespace {
+
+std::string TextOrEmpty(const char* text) { return text == nullptr ? "" : text; }
+
+bool IsColoured(Colour colour) {
+  if (colour != Colour::kAuto) return colour == Colour::kAlways;
+  const std::string no_color = TextOrEmpty(std::getenv("NO_COLOR"));
+  const std::string terminal = TextOrEmpty(std::getenv("TERM"));
+  return OutputIsTerminal() && no_color.empty() && terminal != "dumb";
+}
+
+// One search in an index that holds, or held, a document.
+class Search {
+ public:
+  Search(OpenedIndex& index, const SearchOptions& options)
+      : index_(index), engine_(index.engine()), options_(options), evaluator_(engine_) {}
+
+  SearchReport Run(const Query& query) {
+    SearchReport report;
+    if (options_.explain) report.explanation.emplace();
+    Explanation* const explanation = options_.explain ? &*report.explanation : nullptr;
+    {
+      const ResultSet found = evaluator_.Evaluate(query, explanation);
+      hits_ = HitsIn(found.Listing());
+    }
+    report.notes = evaluator_.notes();
+    report.total = hits_.size();
+    if (hits_.empty()) report.suggestions = evaluator_.SuggestionsFor(query);
+    if (!options_.count) Rank(query);
+    return report;
+  }
+
+  // The hits to show, in order.
+  const std::vector<Hit>& hits() const { return hits_; }
+
+  ShownHit Show(const Hit& hit, bool with_snippet) {
+    ShownHit shown;
+    shown.hit = hit;
+    shown.title = TextOrEmpty(engine_.DBGetTitle(hit.name.c_str()));
+    if (with_snippet) shown.snippet = SnippetOf(hit.name);
+    return shown;
+  }
+
+ private:
+  void Rank(const Query& query) {
+    if (options_.side_by_side == SideBySide::kAny && options_.order != HitOrder::kScore) {
+      RankByRelevance(query);
+      if (options_.order != HitOrder::kBest) Sort(options_.order, &hits_);
+    } else {
+      Sort(options_.order, &hits_);
+    }
+    if (options_.limit && *options_.limit < hits_.size()) hits_.resize(*options_.limit);
+  }
+
+  void RankByRelevance(const Query& query) {
+    std::vector<RankedPart> parts;
+    for (const auto& [part, times] : Distinct(PartsThatSpeakFor(query))) {
+      const auto listing = [this, part = part] {
+        return std::string(evaluator_.Evaluate(*part, nullptr).Listing());
+      };
+      parts.push_back({listing, times});
+    }
+    const auto size_of = [this](const std::string& name) -> std::optional<std::uint64_t> {
+      const auto version = VersionOf(name);
+      if (!version) return std::nullopt;
+      return version->bytes;
+    };
+    SortByRelevance(parts, index_.facts().documents, size_of, &hits_);
+  }
+
+  std::optional<FileVersion> VersionOf(const std::string& name) {
+    return ParseVersion(TextOrEmpty(engine_.DBGetUser(name.c_str())));
+  }
+
+  std::vector<Piece> SnippetOf(const std::string& name) {
+    const auto version = VersionOf(name);
+    if (!version) return {};
+    const auto text = ReadIfUnchanged(name, *version);
+    if (!text) return {};
+    return MakeSnippet(*text, evaluator_.sought());
+  }
+
+  OpenedIndex& index_;
+  Kestan& engine_;
+  const SearchOptions& options_;
+  Evaluator evaluator_;
+  std::vector<Hit> hits_;
+};
+
+// Tells what is not part of the answer.
+void TellAside(const SearchReport& report) {
+  if (report.explanation) {
+    std::istringstream lines(ExplanationLines(*report.explanation));
+    for (std::string line; std::getline(lines, line);) Say(line);
+  }
+  for (const std::string& note : report.notes) Say("note: " + note);
+  std::string words;
+  for (const std::string& word : report.suggestions) words += (words.empty() ? "" : ", ") + word;
+  if (!words.empty()) Say("did you mean: " + words);
+}
+
+void PrintHits(Search& search, const SearchOptions& options) {
+  const bool rich = options.snippets || OutputIsTerminal();
+  const bool coloured = IsColoured(options.colour);
+  std::string lines;
+  for (const Hit& hit : search.hits()) {
+    if (options.nul) {
+      lines.append(hit.name).push_back('\0');
+    } else if (options.names_only) {
+      lines.append(hit.name).append("\n");
+    } else if (!rich) {
+      lines += PlainLine(hit);
+    } else {
+      // At once: a snippet means reading a file, and there may be many.
+      PrintPainted(RichLines(search.Show(hit, true), coloured));
+    }
+  }
+  if (!lines.empty()) Print(lines);
+}
+
+void PrintJson(Search& search, const SearchOptions& options, SearchReport* report) {
+  if (!options.count) {
+    for (const Hit& hit : search.hits()) {
+      report->hits.push_back(search.Show(hit, options.snippets));
+    }
+  }
+  Print(AsJson(*report));
+}
+
+int FindAndPrint(OpenedIndex& index, const Query& query, const SearchOptions& options) {
+  Search search(index, options);
+  SearchReport report = search.Run(query);
+  report.query = options.query;
+  if (options.json) {
+    PrintJson(search, options, &report);
+  } else {
+    TellAside(report);
+    if (options.count) {
+      Print(std::to_string(report.total) + "\n");
+    } else {
+      PrintHits(search, options);
+    }
+  }
+  index.CheckRead();
+  return report.total == 0 ? kNoHits : kDone;
+}
+
+// For a query that nothing can match.
+int PrintNothing(const SearchOptions& options, const std::vector<std::string>& notes) {
+  SearchReport report;
+  report.query = options.query;
+  report.notes = notes;
+  if (options.json) {
+    Print(AsJson(report));
+  } else {
+    for (const std::string& note : notes) Say(note);
+    if (options.count) Print("0\n");
+  }
+  return kNoHits;
+}
+
+}  // namespace
+
+int RunSearch(Kestan& engine, const std::string& index, const SearchOptions& options) {
+  OpenedIndex opened(engine, index, Access::kRead);
+  const std::optional<Query> query = ParseQuery(options.query, options.side_by_side);
+  if (!query) return PrintNothing(options, {"the query holds no letters to search for"});
+  // An index that never had a document has nothing to offer, and the engine would end the process
+  // at a NOT.
+  if (!opened.facts().had_documents) return PrintNothing(options, {});
+  return FindAndPrint(opened, *query, options);
+}
+
+namespace {
+
+std::string Joined(const Arguments& words) {
+  std::string text;
+  for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
+  return text;
+}
+
+HitOrder OrderOf(const std::string& name) {
+  if (name == "score") return HitOrder::kScore;
+  if (name == "name") return HitOrder::kName;
+  if (name == "code") return HitOrder::kCode;
+  return HitOrder::kBest;
+}
+
+Colour ColourOf(const std::string& name) {
+  if (name == "always") return Colour::kAlways;
+  if (name == "never") return Colour::kNever;
+  return Colour::kAuto;
+}
+
+int RunSearchCommand(Kestan& engine, const Values& values) {
+  SearchOptions options;
+  options.query = Joined(values.All("QUERY"));
+  if (values.Has("--any")) options.side_by_side = SideBySide::kAny;
+  options.order = OrderOf(values.Text("--order"));
+  if (values.Has("--limit")) {
+    options.limit = static_cast<std::size_t>(values.Number("--limit", 0, 0, 65535));
+  }
+  options.names_only = values.Has("--names-only");
+  options.nul = values.Has("--null");
+  options.count = values.Has("--count");
+  options.json = values.Has("--json");
+  options.snippets = values.Has("--snippets");
+  options.explain = values.Has("--explain");
+  options.colour = ColourOf(values.Text("--color"));
+  return RunSearch(engine, values.Text("INDEX"), options);
+}
+
+std::vector<Option> SearchCommandOptions() {
+  return {{"--any", "", "words side by side mean OR, and the most relevant documents come first"},
+          {"--limit", "N", "show at most N documents"},
+          {"--order", "ORDER", "how documents are sorted", {"best", "score", "name", "code"}},
+          {"-l,--names-only", "", "print names only"},
+          {"-0,--null", "", "print names only, each ended by a NUL"},
+          {"--count", "", "print only how many documents there are"},
+          {"--snippets", "", "print titles and snippets too, as on a terminal"},
+          {"--color", "WHEN", "whether to use colours", {"auto", "always", "never"}},
+          {"--explain", "", "tell how the query was read and what each part of it found"},
+          JsonOption()};
+}
+
+}  // namespace
+
+std::vector<Command> SearchCommands() {
+  return {
+      {"search",
+       "Find documents, the best first.",
+       {IndexArgument(),
+        {"QUERY",
+         "words; side by side they mean AND. Operators, the tightest first: NOT or -, NEAR/k (at "
+         "most k words apart), AND, OR; \"words in a row\", prefix*, fuzzy~1 and parentheses",
+         Positional::Count::kOneOrMore}},
+       SearchCommandOptions(),
+       "Put -- before words that are spelled like an option. Exit status: 0 with hits, 1 without, "
+       "2 "
+       "if something is wrong.",
+       {"kestan search my.index 'shell NEAR/3 script NOT (zsh OR fish)'"},
+       RunSearchCommand,
+       true}};
+}
+
+}  // namespace kestan_cli

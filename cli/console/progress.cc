@@ -1,0 +1,122 @@
+#include "cli/console/progress.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <utility>
+
+namespace kestan_cli {
+namespace {
+
+constexpr std::chrono::milliseconds kBetweenBars{100};
+constexpr std::chrono::seconds kBetweenLines{10};
+constexpr std::size_t kUsualColumns = 80;
+constexpr std::size_t kMaxBar = 40;
+constexpr std::size_t kMinBar = 5;
+constexpr double kSecondsToTrust = 1;  // before, the rate says little
+
+// Files differ in size, so bytes tell better how far a run has come; empty files have none.
+double ShareOf(const ProgressState& state) {
+  const auto total = static_cast<double>(state.total_bytes + state.total_files);
+  return total > 0 ? static_cast<double>(state.bytes + state.files) / total : 1;
+}
+
+std::string Padded(const std::string& text, std::size_t width, char with) {
+  return std::string(width - std::min(width, text.size()), with) + text;
+}
+
+std::string Duration(double seconds) {
+  const auto whole = static_cast<unsigned long>(std::lround(seconds));
+  const std::string tail = Padded(std::to_string(whole % 60), 2, '0');
+  const unsigned long minutes = whole / 60;
+  if (minutes < 60) return std::to_string(minutes) + ":" + tail;
+  return std::to_string(minutes / 60) + ":" + Padded(std::to_string(minutes % 60), 2, '0') + ":" +
+         tail;
+}
+
+std::string TimeLeft(const ProgressState& state) {
+  const double share = ShareOf(state);
+  if (state.seconds < kSecondsToTrust || share <= 0) return "";
+  return ", " + Duration(state.seconds * (1 - share) / share) + " left";
+}
+
+std::string Rate(const ProgressState& state) {
+  if (state.seconds < kSecondsToTrust) return "";
+  return ", " +
+         std::to_string(
+             static_cast<unsigned long>(static_cast<double>(state.files) / state.seconds)) +
+         "/s";
+}
+
+std::size_t ColumnsOfTerminal() {
+  struct winsize size {};
+  if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return kUsualColumns;
+  return size.ws_col;
+}
+
+}  // namespace
+
+std::string ProgressBar(const ProgressState& state, std::size_t columns) {
+  const double share = std::min(ShareOf(state), 1.0);
+  const auto percent = static_cast<unsigned>(share * 100);
+  const std::string text = Padded(std::to_string(percent), 3, ' ') + "%  " +
+                           std::to_string(state.files) + "/" + std::to_string(state.total_files) +
+                           " files" + Rate(state) + TimeLeft(state);
+  const std::size_t room = columns - std::min(columns, text.size() + 3);
+  if (room < kMinBar) return text.substr(0, columns);
+  const std::size_t width = std::min(room, kMaxBar);
+  const auto done = static_cast<std::size_t>(share * static_cast<double>(width));
+  return "[" + std::string(done, '#') + std::string(width - done, ' ') + "] " + text;
+}
+
+std::string ProgressWords(const ProgressState& state) {
+  return std::to_string(state.files) + " of " + std::to_string(state.total_files) + " files" +
+         TimeLeft(state);
+}
+
+ProgressStyle StyleOfStandardError(bool quiet) {
+  if (quiet) return ProgressStyle::kNone;
+  return isatty(STDERR_FILENO) != 0 ? ProgressStyle::kBar : ProgressStyle::kLines;
+}
+
+Progress::Progress(ProgressStyle style, unsigned long total_files, std::uint64_t total_bytes)
+    : Progress(style, total_files, total_bytes, Clock::now,
+               [](const std::string& text) { std::fputs(text.c_str(), stderr); }) {}
+
+Progress::Progress(ProgressStyle style, unsigned long total_files, std::uint64_t total_bytes,
+                   Now now, Write write)
+    : style_(style),
+      now_(std::move(now)),
+      write_(std::move(write)),
+      start_(now_()),
+      next_(start_ + (style == ProgressStyle::kBar ? Clock::duration(kBetweenBars)
+                                                   : Clock::duration(kBetweenLines))),
+      state_{0, total_files, 0, total_bytes, 0} {}
+
+void Progress::Advance(std::uint64_t bytes) {
+  ++state_.files;
+  state_.bytes += bytes;
+  if (style_ == ProgressStyle::kNone) return;
+  const Clock::time_point now = now_();
+  if (now < next_) return;
+  state_.seconds = std::chrono::duration<double>(now - start_).count();
+  if (style_ == ProgressStyle::kBar) {
+    // One column stays free, for some terminals go to the next line after the last.
+    write_("\r" + ProgressBar(state_, ColumnsOfTerminal() - 1) + "\x1b[K");
+    next_ = now + kBetweenBars;
+    drawn_ = true;
+  } else if (state_.files < state_.total_files) {  // the end speaks for itself
+    write_("kestan: " + ProgressWords(state_) + "\n");
+    next_ = now + kBetweenLines;
+  }
+}
+
+void Progress::Clear() {
+  if (drawn_) write_("\r\x1b[K");
+  drawn_ = false;
+}
+
+}  // namespace kestan_cli

@@ -1,0 +1,70 @@
+// Telling how far a long run has come.
+#ifndef KESTAN_CLI_CONSOLE_PROGRESS_H_
+#define KESTAN_CLI_CONSOLE_PROGRESS_H_
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+
+namespace kestan_cli {
+
+struct ProgressState {
+  unsigned long files = 0;
+  unsigned long total_files = 0;
+  std::uint64_t bytes = 0;
+  std::uint64_t total_bytes = 0;
+  double seconds = 0;  // since the beginning
+};
+
+// Returns "[####    ]  50%  1200/2400 files, 300/s, 0:04 left", in at most `columns` characters.
+std::string ProgressBar(const ProgressState& state, std::size_t columns);
+
+// Returns "1200 of 2400 files, 0:04 left".
+std::string ProgressWords(const ProgressState& state);
+
+enum class ProgressStyle {
+  kNone,
+  kBar,    // redrawn in place, ten times a second at most
+  kLines,  // a line every ten seconds
+};
+
+// Returns the style that suits the standard error stream.
+ProgressStyle StyleOfStandardError(bool quiet);
+
+// Follows a run and tells of it on the standard error stream.
+class Progress {
+ public:
+  using Clock = std::chrono::steady_clock;
+  using Now = std::function<Clock::time_point()>;
+  using Write = std::function<void(const std::string& text)>;
+
+  // Begins now.
+  Progress(ProgressStyle style, unsigned long total_files, std::uint64_t total_bytes);
+  // The same with another clock and another stream, for tests.
+  Progress(ProgressStyle style, unsigned long total_files, std::uint64_t total_bytes, Now now,
+           Write write);
+  ~Progress() { Clear(); }
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+
+  // A file of `bytes` has been dealt with.
+  void Advance(std::uint64_t bytes);
+
+  // Takes the bar off the terminal, before something else is written.
+  void Clear();
+
+ private:
+  const ProgressStyle style_;
+  const Now now_;
+  const Write write_;
+  const Clock::time_point start_;
+  Clock::time_point next_;
+  ProgressState state_;
+  bool drawn_ = false;
+};
+
+}  // namespace kestan_cli
+
+#endif  // KESTAN_CLI_CONSOLE_PROGRESS_H_

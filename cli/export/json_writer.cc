@@ -1,0 +1,55 @@
+#include <optional>
+
+#include "cli/console/json.h"
+#include "cli/console/message.h"
+#include "cli/export/export_writer.h"
+
+namespace kestan_cli {
+namespace {
+
+constexpr std::size_t kMaxIdBytes = 512;
+
+void AddText(const char* field, const std::optional<std::string_view>& text, Json* source,
+             ExportNotes* notes) {
+  if (text.has_value()) (*source)[field] = notes->Utf8(*text);
+}
+
+std::string TextOf(const kestan::StoredDocument& document, ExportNotes* notes) {
+  std::string text;
+  for (std::size_t i = 0; i < document.word_count; ++i) {
+    if (i != 0) text += ' ';
+    text += notes->Utf8(document.words[i].bytes);
+  }
+  return text;
+}
+
+}  // namespace
+
+std::string JsonWriter::Add(const kestan::StoredDocument& document, ExportNotes* notes) {
+  const std::string name = notes->Utf8(document.name);
+  Json action;
+  action["index"]["_index"] = target_;
+  if (IsUsableId(name)) action["index"]["_id"] = name;
+  Json source;
+  source["name"] = name;
+  AddText("title", document.title, &source, notes);
+  AddText("summary", document.summary, &source, notes);
+  AddText("user", document.user, &source, notes);
+  source["time"] = IsoTime(document.timestamp);
+  source["text"] = TextOf(document, notes);
+  source["in_order"] = document.has_positions;
+  return JsonLine(action) + JsonLine(source);
+}
+
+// Two documents with one id would be one at the server.
+bool JsonWriter::IsUsableId(const std::string& name) {
+  const bool fits = !name.empty() && name.size() <= kMaxIdBytes;
+  if (fits && ids_.insert(name).second) return true;
+  Warn(Quoted(name) + ": no _id, for it would be " +
+       (name.empty() ? "empty"
+        : fits       ? "that of an earlier document"
+                     : "longer than 512 bytes"));
+  return false;
+}
+
+}  // namespace kestan_cli

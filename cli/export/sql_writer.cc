@@ -1,0 +1,93 @@
+#include <optional>
+
+#include "cli/console/message.h"
+#include "cli/export/export_writer.h"
+#include "cli/export/tsvector.h"
+
+namespace kestan_cli {
+namespace {
+
+std::string QuotedIdentifier(const std::string& name) {
+  std::string quoted = "\"";
+  for (const char byte : name) {
+    if (byte == '"') quoted += byte;
+    quoted += byte;
+  }
+  return quoted + "\"";
+}
+
+// Appends a column of a line of COPY, in which a lone \N stands for nothing.
+void AppendColumn(const std::optional<std::string>& text, char separator, std::string* line) {
+  if (!text.has_value()) *line += "\\N";
+  for (const char byte : text.value_or("")) {
+    switch (byte) {
+      case '\\':
+        *line += "\\\\";
+        break;
+      case '\n':
+        *line += "\\n";
+        break;
+      case '\r':
+        *line += "\\r";
+        break;
+      case '\t':
+        *line += "\\t";
+        break;
+      default:
+        *line += byte;
+    }
+  }
+  *line += separator;
+}
+
+std::optional<std::string> SqlText(const std::optional<std::string_view>& text,
+                                   ExportNotes* notes) {
+  if (!text.has_value()) return std::nullopt;
+  return WithoutNuls(notes->Utf8(*text), &notes->document_had_nul);
+}
+
+}  // namespace
+
+SqlWriter::SqlWriter(const std::string& target) : table_(QuotedIdentifier(target)) {}
+
+std::string SqlWriter::Begin() {
+  return "\\set ON_ERROR_STOP on\n"
+         "SET client_encoding = 'UTF8';\n"
+         "BEGIN;\n"
+         "CREATE TABLE " +
+         table_ +
+         " (\n"
+         "  name text NOT NULL,\n"
+         "  title text,\n"
+         "  summary text,\n"
+         "  time timestamptz NOT NULL,\n"
+         "  words tsvector NOT NULL\n"
+         ");\n"
+         "COPY " +
+         table_ + " (name, title, summary, time, words) FROM stdin;\n";
+}
+
+std::string SqlWriter::Add(const kestan::StoredDocument& document, ExportNotes* notes) {
+  const TsVector vector = MakeTsVector(document);
+  const std::string losses = vector.losses.Text();
+  if (!losses.empty()) Warn(Quoted(document.name) + ": " + losses);
+  notes->document_was_latin1 |= vector.was_latin1;
+  notes->document_had_nul |= vector.had_nul;
+  std::string line;
+  AppendColumn(SqlText(document.name, notes), '\t', &line);
+  AppendColumn(SqlText(document.title, notes), '\t', &line);
+  AppendColumn(SqlText(document.summary, notes), '\t', &line);
+  AppendColumn(IsoTime(document.timestamp), '\t', &line);
+  AppendColumn(vector.text, '\n', &line);
+  return line;
+}
+
+std::string SqlWriter::End() {
+  return "\\.\n"
+         "CREATE INDEX ON " +
+         table_ +
+         " USING gin (words);\n"
+         "COMMIT;\n";
+}
+
+}  // namespace kestan_cli

@@ -1,0 +1,151 @@
+#include "cli/extract/converter.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+
+#include "cli/console/message.h"
+#include "cli/files/skip.h"
+
+namespace kestan_cli {
+namespace {
+
+constexpr std::string_view kBlanks = " \t\n\v\f\r";
+constexpr std::string_view kFile = "{}";
+
+struct KnownConverter {
+  const char* extension;
+  const char* magic;
+  const char* command;
+};
+
+constexpr std::array kKnown{
+    KnownConverter{"pdf", "%PDF-", "pdftotext -q -enc UTF-8 {} -"},
+    KnownConverter{"ps", "%!", "ps2ascii {}"},
+    KnownConverter{"docx", "PK\x03\x04", "docx2txt {} -"},
+    KnownConverter{"odt", "PK\x03\x04", "odt2txt {}"},
+    KnownConverter{"doc", "\xd0\xcf\x11\xe0", "antiword -m UTF-8.txt {}"},
+    KnownConverter{"rtf", "{\\rtf", "unrtf --text --nopict --quiet {}"},
+    KnownConverter{"djvu", "AT&TFORM", "djvutxt {}"},
+};
+
+std::string Lower(std::string_view text) {
+  std::string lower(text);
+  const auto is_capital = [](char byte) { return byte >= 'A' && byte <= 'Z'; };
+  for (char& byte : lower) {
+    if (is_capital(byte)) byte = static_cast<char>(byte | 0x20);
+  }
+  return lower;
+}
+
+// Cuts at blanks. Quotes mean nothing, for there is no shell.
+std::vector<std::string> WordsOf(std::string_view command) {
+  std::vector<std::string> words;
+  while (true) {
+    command.remove_prefix(std::min(command.find_first_not_of(kBlanks), command.size()));
+    if (command.empty()) return words;
+    words.emplace_back(command.substr(0, command.find_first_of(kBlanks)));
+    command.remove_prefix(words.back().size());
+  }
+}
+
+Converter ParseConverter(const std::string& given) {
+  const std::size_t equals = given.find('=');
+  std::string extension = Lower(std::string_view(given).substr(0, equals));
+  if (!extension.empty() && extension.front() == '.') extension.erase(0, 1);
+  const std::string command = equals == std::string::npos ? "" : given.substr(equals + 1);
+  const bool names_file = command.find(kFile) != std::string::npos;
+  if (extension.empty() || extension.find_first_of("./") != std::string::npos || !names_file) {
+    throw CommandError("converter " + Quoted(given) +
+                       " is not of the form EXT=COMMAND with {} for the file");
+  }
+  return {extension, "", WordsOf(command)};
+}
+
+bool IsProgram(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::is_regular_file(path, error) && access(path.c_str(), X_OK) == 0;
+}
+
+// Finds `program` as a shell would.
+//   Returns  its path; an empty string if it is not there.
+std::string FindProgram(const std::string& program) {
+  if (program.find('/') != std::string::npos) return IsProgram(program) ? program : "";
+  const char* const set = std::getenv("PATH");  // NOLINT(concurrency-mt-unsafe)
+  std::string_view folders = set != nullptr ? set : "/usr/local/bin:/usr/bin:/bin";
+  while (!folders.empty()) {
+    const std::string_view folder = folders.substr(0, folders.find(':'));
+    folders.remove_prefix(std::min(folder.size() + 1, folders.size()));
+    std::string path = (folder.empty() ? "." : std::string(folder)) + "/" + program;
+    if (IsProgram(path)) return path;
+  }
+  return "";
+}
+
+// Puts the file's name in place of {}. A name never looks like an option.
+std::string WithName(std::string word, const std::string& name) {
+  const std::string safe_name = name.front() == '-' ? "./" + name : name;
+  for (std::size_t at = word.find(kFile); at != std::string::npos;
+       at = word.find(kFile, at + safe_name.size())) {
+    word.replace(at, kFile.size(), safe_name);
+  }
+  return word;
+}
+
+}  // namespace
+
+std::string ExtensionOf(std::string_view name) {
+  name.remove_prefix(name.rfind('/') + 1);
+  const std::size_t dot = name.rfind('.');
+  if (dot == std::string_view::npos || dot == 0) return "";
+  return Lower(name.substr(dot + 1));
+}
+
+Converters::Converters(const std::vector<std::string>& given) {
+  // The last one given for an extension counts.
+  for (auto text = given.rbegin(); text != given.rend(); ++text) {
+    converters_.push_back(ParseConverter(*text));
+  }
+  for (const KnownConverter& known : kKnown) {
+    converters_.push_back({known.extension, known.magic, WordsOf(known.command)});
+  }
+}
+
+const Converter* Converters::Find(std::string_view name, std::string_view head) const {
+  const std::string extension = ExtensionOf(name);
+  for (const Converter& converter : converters_) {
+    if (converter.extension != extension) continue;
+    if (head.substr(0, kHeadBytes).find(converter.magic) != std::string_view::npos) {
+      return &converter;
+    }
+  }
+  return nullptr;
+}
+
+bool Converters::MayConvert(std::string_view name) const {
+  const std::string extension = ExtensionOf(name);
+  return std::any_of(converters_.begin(), converters_.end(),
+                     [&](const Converter& converter) { return converter.extension == extension; });
+}
+
+std::string Convert(const Converter& converter, const std::string& name,
+                    const CommandLimits& limits) {
+  const std::string& program = converter.command.front();
+  const std::string path = FindProgram(program);
+  if (path.empty()) {
+    throw SkipFile(SkipKind::kNoConverter, "no converter for ." + converter.extension + " (" +
+                                               OneLine(program) + " is missing)");
+  }
+  std::vector<std::string> arguments;
+  for (const std::string& word : converter.command) arguments.push_back(WithName(word, name));
+  CommandOutcome outcome = RunLimited(path, arguments, limits);
+  if (!outcome.failure.empty()) {
+    throw SkipFile(SkipKind::kConversion, OneLine(program) + " " + outcome.failure);
+  }
+  return std::move(outcome.output);
+}
+
+}  // namespace kestan_cli

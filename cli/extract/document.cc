@@ -1,0 +1,114 @@
+#include "cli/extract/document.h"
+
+#include <kestan/kestan.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "cli/extract/title.h"
+#include "cli/files/skip.h"
+#include "search/text/lines.h"
+#include "search/text/transliterate.h"
+
+namespace kestan_cli {
+namespace {
+
+constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
+
+bool IsWhiteSpace(char byte) { return kWhiteSpace.find(byte) != std::string_view::npos; }
+
+bool ContinuesCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xc0) == 0x80; }
+
+// Returns where to cut `line`, at `max_bytes` or up to three bytes before: a UTF-8 character has
+// four at most, and text in another encoding is cut where it comes.
+std::size_t CutAt(const std::string& line, std::size_t max_bytes) {
+  for (std::size_t at = max_bytes; at + 4 > max_bytes; --at) {
+    if (!ContinuesCharacter(line[at])) return at;
+    if (at == 0) break;
+  }
+  return max_bytes;
+}
+
+bool IsBase64(char byte) {
+  return (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') ||
+         (byte >= '0' && byte <= '9') || byte == '+' || byte == '/' || byte == '=';
+}
+
+// Returns how wide a line of base64 is, 0 if `line` is none.
+std::size_t WidthOfBase64(std::string_view line) {
+  line = line.substr(0, line.find_last_not_of('\r') + 1);
+  return std::all_of(line.begin(), line.end(), IsBase64) ? line.size() : 0;
+}
+
+// Empties the lines of blocks of base64 as mail (76 bytes) and keys (64) have them, of which the
+// engine knows but 72: two lines or more of that width, and a shorter one at the end.
+std::string StripBase64(std::string_view text) {
+  std::string kept;
+  kept.reserve(text.size() + 1);
+  std::size_t block = 0;  // the width of the block that the line before is in, 0 outside of blocks
+  std::size_t next = 0;   // the width of the next line
+  const std::vector<std::string_view> lines = LinesOf(text);
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    const std::size_t width = i == 0 ? WidthOfBase64(lines[0]) : next;
+    next = i + 1 < lines.size() ? WidthOfBase64(lines[i + 1]) : 0;
+    if (block == 0 && (width == 64 || width == 76) && next == width) block = width;
+    const bool is_inside = width != 0 && width <= block;
+    if (!is_inside) kept += lines[i];
+    if (!is_inside || width < block) block = 0;
+    kept += '\n';
+  }
+  return kept;
+}
+
+std::string StripLines(std::string text) {
+  text = StripBase64(text);
+  const int length = Kestan::StripBadLines(text.data(), static_cast<unsigned>(text.size()));
+  text.resize(static_cast<std::size_t>(length));
+  return text;
+}
+
+}  // namespace
+
+std::string Excerpt(std::string_view text, std::size_t max_bytes) {
+  std::string line;
+  bool gap = false;
+  for (char byte : text) {
+    if (IsWhiteSpace(byte)) {
+      gap = !line.empty();
+      continue;
+    }
+    if (gap) line += ' ';
+    gap = false;
+    line += byte;
+    if (line.size() > max_bytes + 1) break;
+  }
+  if (line.size() > max_bytes) line.resize(CutAt(line, max_bytes));
+  if (!line.empty() && line.back() == ' ') line.pop_back();
+  return line;
+}
+
+std::string CleanWords(std::string text, const std::string& stop_words) {
+  const auto size = static_cast<unsigned>(text.size());
+  text += ' ';  // the last blank may land one byte past the text
+  int length = Kestan::StripNonWords(text.data(), size);
+  const char* const no_stop_words = nullptr;
+  length = Kestan::StripWords(text.data(), static_cast<unsigned>(length), stop_words.c_str(),
+                              &no_stop_words);
+  text.resize(static_cast<std::size_t>(length));
+  return text;
+}
+
+Document MakeDocument(std::string text, TitleRule rule, const WordRules& rules) {
+  const TitledText titled = rule == TitleRule::kMarkdown ? SplitMarkdown(text) : SplitAtTitle(text);
+  Document document;
+  document.title = Excerpt(titled.title, kMaxTitleBytes);
+  document.summary = Excerpt(titled.rest, kMaxSummaryBytes);
+  text = Transliterated(text);
+  if (text.size() > kMaxTextBytes) throw SkipFile(SkipKind::kTooLarge, "too much text");
+  // After the accents have gone: to the engine a line with a byte above 127 is encoded data.
+  if (rules.strip_encoded) text = StripLines(std::move(text));
+  document.words = CleanWords(std::move(text), rules.stop_words);
+  return document;
+}
+
+}  // namespace kestan_cli

@@ -1,0 +1,53 @@
+// From the text of a file to what the index keeps of it.
+#ifndef KESTAN_CLI_EXTRACT_DOCUMENT_H_
+#define KESTAN_CLI_EXTRACT_DOCUMENT_H_
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace kestan_cli {
+
+// The longest text that the engine can clean.
+constexpr std::size_t kMaxTextBytes = 0x7fffffff - 1;
+
+constexpr std::size_t kMaxTitleBytes = 200;
+constexpr std::size_t kMaxSummaryBytes = 300;
+
+struct Document {
+  std::string title;    // in at most kMaxTitleBytes
+  std::string summary;  // the beginning of what follows the title, in at most kMaxSummaryBytes
+  std::string words;    // what the engine indexes
+  std::string note{};   // why not all of the text is in them; empty if it is
+};
+
+// Where a text has its title.
+enum class TitleRule {
+  kFirstLine,  // its first line that is not blank
+  kMarkdown,   // its first heading, or the title that it names before its text; else as above
+};
+
+// What to leave out of the words.
+struct WordRules {
+  std::string stop_words;      // separated by anything but letters; none leave all words in
+  bool strip_encoded = false;  // blocks of uuencode and base64
+};
+
+// Makes a document of `text` (UTF-8, no NUL). Its words are in ASCII letters, whatever the script.
+// With stop words, words of one or two letters are left out too.
+//   Throws   SkipFile if the words take more than kMaxTextBytes.
+Document MakeDocument(std::string text, TitleRule rule = TitleRule::kFirstLine,
+                      const WordRules& rules = {});
+
+// Returns the beginning of `text` as one line: trimmed, with one blank for every run of white
+// space. It is at most `max_bytes` long and does not end within a UTF-8 character.
+std::string Excerpt(std::string_view text, std::size_t max_bytes);
+
+// Keeps the words of `text`: runs of ASCII letters, without apostrophes, cut after 64 letters, with
+// white space between them. Documents and queries go through it alike. Drops stop words as
+// WordRules says.
+std::string CleanWords(std::string text, const std::string& stop_words = "");
+
+}  // namespace kestan_cli
+
+#endif  // KESTAN_CLI_EXTRACT_DOCUMENT_H_

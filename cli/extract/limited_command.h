@@ -1,0 +1,31 @@
+// Running a program that nobody vouches for: without a shell, and within limits.
+#ifndef KESTAN_CLI_EXTRACT_LIMITED_COMMAND_H_
+#define KESTAN_CLI_EXTRACT_LIMITED_COMMAND_H_
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace kestan_cli {
+
+struct CommandLimits {
+  unsigned seconds = 60;  // of processor time, and of waiting for it as well
+  std::uint64_t memory_bytes = std::uint64_t{1} << 30;
+  std::uint64_t output_bytes = std::uint64_t{1} << 28;
+};
+
+struct CommandOutcome {
+  std::string output;   // what it wrote to its standard output
+  std::string failure;  // the end of a sentence: "ended with status 3: bad file"; empty if none
+};
+
+// Runs the program at `path`, with `arguments` from its own name on, and waits for its end. It
+// reads nothing, inherits no descriptor, and ends when this process does. A program that passes a
+// limit is killed, with all that it has started and that stayed in its process group.
+//   Throws   std::bad_alloc only.
+CommandOutcome RunLimited(const std::string& path, const std::vector<std::string>& arguments,
+                          const CommandLimits& limits);
+
+}  // namespace kestan_cli
+
+#endif  // KESTAN_CLI_EXTRACT_LIMITED_COMMAND_H_

@@ -1,0 +1,34 @@
+// An open file that closes itself.
+#ifndef KESTAN_CLI_FILES_DESCRIPTOR_H_
+#define KESTAN_CLI_FILES_DESCRIPTOR_H_
+
+#include <unistd.h>
+
+#include <utility>
+
+namespace kestan_cli {
+
+class Descriptor {
+ public:
+  Descriptor() = default;
+  explicit Descriptor(int number) : number_(number) {}
+  ~Descriptor() { Close(); }
+  Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+  Descriptor& operator=(Descriptor&& other) noexcept {
+    std::swap(number_, other.number_);
+    return *this;
+  }
+
+  bool is_open() const { return number_ >= 0; }
+  int number() const { return number_; }
+
+  //   Returns  0, or -1 with errno set; 0 if nothing was open.
+  int Close() { return is_open() ? close(std::exchange(number_, -1)) : 0; }
+
+ private:
+  int number_ = -1;
+};
+
+}  // namespace kestan_cli
+
+#endif  // KESTAN_CLI_FILES_DESCRIPTOR_H_

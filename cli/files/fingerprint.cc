@@ -1,0 +1,124 @@
+#include "cli/files/fingerprint.h"
+
+#include <xxhash.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cstddef>
+#include <new>
+#include <system_error>
+
+namespace kestan_cli {
+namespace {
+
+constexpr std::size_t kHashDigits = 32;
+constexpr std::size_t kReadingDigits = 16;
+constexpr std::size_t kNanosecondDigits = 9;
+
+std::string PaddedTo(std::size_t digits, const std::string& number) {
+  return std::string(digits - std::min(digits, number.size()), '0') + number;
+}
+
+std::string Hexadecimal(std::uint64_t number) {
+  std::string digits(kHashDigits / 2, '0');
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  for (auto digit = digits.rbegin(); digit != digits.rend(); ++digit, number >>= 4) {
+    *digit = kDigits[number & 15];
+  }
+  return digits;
+}
+
+std::string LineOf(const Fingerprint& fingerprint) {
+  const FileState& state = fingerprint.state;
+  return "size=" + std::to_string(state.bytes) + " mtime=" + std::to_string(state.mtime_seconds) +
+         "." + PaddedTo(kNanosecondDigits, std::to_string(state.mtime_nanoseconds)) +
+         " hash=" + fingerprint.hash +
+         (fingerprint.reading.empty() ? "" : " read=" + fingerprint.reading);
+}
+
+std::string_view FirstLine(std::string_view text) { return text.substr(0, text.find('\n')); }
+
+// Takes the parts of a line off its front.
+class LineReader {
+ public:
+  explicit LineReader(std::string_view line) : rest_(line) {}
+
+  bool Take(std::string_view expected) {
+    if (rest_.substr(0, expected.size()) != expected) return false;
+    rest_.remove_prefix(expected.size());
+    return true;
+  }
+
+  template <typename Number>
+  bool TakeNumber(Number* number) {
+    const char* const end = rest_.data() + rest_.size();
+    const auto [stop, error] = std::from_chars(rest_.data(), end, *number);
+    if (error != std::errc()) return false;
+    rest_.remove_prefix(static_cast<std::size_t>(stop - rest_.data()));
+    return true;
+  }
+
+  bool TakeDigits(std::size_t count, std::string* digits) {
+    *digits = rest_.substr(0, count);
+    rest_.remove_prefix(digits->size());
+    return digits->size() == count &&
+           digits->find_first_not_of("0123456789abcdef") == std::string::npos;
+  }
+
+  bool is_at_end() const { return rest_.empty(); }
+
+ private:
+  std::string_view rest_;
+};
+
+}  // namespace
+
+bool operator==(const FileState& left, const FileState& right) {
+  return left.bytes == right.bytes && left.mtime_seconds == right.mtime_seconds &&
+         left.mtime_nanoseconds == right.mtime_nanoseconds;
+}
+
+bool HaveSameContent(const Fingerprint& left, const Fingerprint& right) {
+  return left.state.bytes == right.state.bytes && left.hash == right.hash;
+}
+
+std::optional<Fingerprint> FingerprintIn(std::string_view user_record) {
+  Fingerprint found;
+  LineReader line(FirstLine(user_record));
+  const bool whole = line.Take("size=") && line.TakeNumber(&found.state.bytes) &&
+                     line.Take(" mtime=") && line.TakeNumber(&found.state.mtime_seconds) &&
+                     line.Take(".") && line.TakeNumber(&found.state.mtime_nanoseconds) &&
+                     line.Take(" hash=") && line.TakeDigits(kHashDigits, &found.hash);
+  if (!whole) return std::nullopt;
+  if (line.is_at_end()) return found;
+  const bool has_reading = line.Take(" read=") && line.TakeDigits(kReadingDigits, &found.reading);
+  if (!has_reading || !line.is_at_end()) return std::nullopt;
+  return found;
+}
+
+std::string WithFingerprint(std::string_view user_record, const Fingerprint& fingerprint) {
+  std::string record = LineOf(fingerprint);
+  if (FingerprintIn(user_record).has_value()) {
+    user_record.remove_prefix(std::min(FirstLine(user_record).size() + 1, user_record.size()));
+  }
+  if (!user_record.empty()) record.append("\n").append(user_record);
+  return record;
+}
+
+ContentHash::ContentHash() : state_(XXH3_createState()) {
+  if (state_ == nullptr) throw std::bad_alloc();
+  XXH3_128bits_reset(state_.get());
+}
+
+void ContentHash::Free::operator()(XXH3_state_s* state) const { XXH3_freeState(state); }
+
+void ContentHash::Add(std::string_view bytes) {
+  XXH3_128bits_update(state_.get(), bytes.data(), bytes.size());
+}
+
+std::string ContentHash::Digits() const {
+  const XXH128_hash_t hash = XXH3_128bits_digest(state_.get());
+  return Hexadecimal(hash.high64) + Hexadecimal(hash.low64);
+}
+
+}  // namespace kestan_cli

@@ -1,0 +1,57 @@
+// Files that are left out, and why.
+#ifndef KESTAN_CLI_FILES_SKIP_H_
+#define KESTAN_CLI_FILES_SKIP_H_
+
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace kestan_cli {
+
+enum class SkipKind {
+  kBinary,
+  kLink,      // a symbolic link inside a folder
+  kSpecial,   // a pipe, a socket or a device
+  kExcluded,  // by the user's patterns
+  kNoConverter,
+  // Those from here on are failures: the user asked for the file, and it is not in the index.
+  kUnreadable,
+  kConversion,
+  kChanging,
+  kTooLarge,
+  kName,
+};
+
+// Whether a file left out for `kind` should have been indexed.
+bool IsFailure(SkipKind kind);
+
+// Returns `count` files left out for `kind` in words: "1 binary file", "2 links".
+std::string CountedSkips(unsigned long count, SkipKind kind);
+
+// Returns the name of `kind` for programs: "binary", "no_converter".
+std::string KeyOf(SkipKind kind);
+
+// What is wrong with one file, thrown up to whoever goes on with the next.
+class SkipFile : public std::runtime_error {
+ public:
+  SkipFile(SkipKind kind, const std::string& reason) : std::runtime_error(reason), kind_(kind) {}
+
+  SkipKind kind() const { return kind_; }
+
+ private:
+  SkipKind kind_;
+};
+
+struct Skip {
+  std::string name;
+  SkipKind kind = SkipKind::kBinary;
+  std::string reason;  // the second half of a sentence: "permission denied"
+};
+
+// Counts `skips` by kind.
+std::map<SkipKind, unsigned long> CountKinds(const std::vector<Skip>& skips);
+
+}  // namespace kestan_cli
+
+#endif  // KESTAN_CLI_FILES_SKIP_H_

@@ -1,0 +1,51 @@
+// Reading a file that may change or vanish while it is read.
+#ifndef KESTAN_CLI_FILES_STABLE_FILE_H_
+#define KESTAN_CLI_FILES_STABLE_FILE_H_
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cli/console/output.h"
+#include "cli/files/fingerprint.h"
+
+struct stat;
+
+namespace kestan_cli {
+
+// Returns what is told about the file of `status`.
+FileState StateOf(const struct stat& status);
+
+// A file, read from its beginning to its end, hashed on the way.
+class SteadyFile {
+ public:
+  // Opens the file at `path`. Where it was changed within the last tick of the file system's clock,
+  // waits for the next: a change after this one could not be told from it by its time.
+  //   Throws   SkipFile if it cannot be opened or is no regular file.
+  explicit SteadyFile(const std::string& path);
+
+  const FileState& state() const { return state_; }
+
+  // Reads the next piece.
+  //   Returns  false at the end; else `*piece` is valid until the next call.
+  //   Throws   SkipFile if it cannot be read, or has grown past the size that it had when opened.
+  bool Read(std::string_view* piece);
+
+  // Returns the fingerprint of the file after Read() has returned false.
+  //   Throws   SkipFile if the file, or what its path leads to, is not what it was when opened.
+  Fingerprint Finish() const;
+
+ private:
+  const std::string path_;
+  OpenFile file_;
+  FileState state_;
+  std::vector<char> piece_;
+  std::uint64_t bytes_read_ = 0;
+  ContentHash hash_;
+};
+
+}  // namespace kestan_cli
+
+#endif  // KESTAN_CLI_FILES_STABLE_FILE_H_

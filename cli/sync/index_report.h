@@ -1,0 +1,56 @@
+// What a run of `kestan index` tells at its end.
+#ifndef KESTAN_CLI_SYNC_INDEX_REPORT_H_
+#define KESTAN_CLI_SYNC_INDEX_REPORT_H_
+
+#include <string>
+#include <vector>
+
+#include "cli/files/skip.h"
+
+namespace kestan_cli {
+
+// A file that was indexed in part.
+struct Note {
+  std::string name;
+  std::string reason;
+};
+
+struct IndexReport {
+  unsigned long added = 0;
+  unsigned long updated = 0;
+  unsigned long moved = 0;
+  unsigned long removed = 0;
+  unsigned long unchanged = 0;
+  unsigned long new_words = 0;  // that the index had never seen
+  std::vector<Skip> skips;
+  std::vector<Note> notes;
+};
+
+// Returns "added 1, updated 0, moved 0, removed 0, unchanged 7, skipped 2 (1 binary file, 1 link)"
+// as a line.
+std::string ReportLine(const IndexReport& report);
+
+// Returns "skipped 'NAME': REASON", without a line feed.
+std::string SkipLine(const Skip& skip);
+
+// Returns a line of that for each file that was left out.
+std::string SkipLines(const std::vector<Skip>& skips);
+
+// Returns "indexed 'NAME' in part: REASON", without a line feed.
+std::string NoteLine(const Note& note);
+
+// Returns a line of that for each of `notes`.
+std::string NoteLines(const std::vector<Note>& notes);
+
+// Returns the report as JSON, on one line: the numbers of ReportLine under its words, "skipped" as
+// an object of a "total" and a number for each kind; with `with_files` each of the files under
+// "skipped_files", and files that were indexed in part, if any, under "partial_files". Bytes of
+// names that are not UTF-8 become U+FFFD.
+std::string ReportJson(const IndexReport& report, bool with_files);
+
+// Returns why nothing came of a run, as a line without its end.
+std::string NothingToIndex(const std::vector<Skip>& skips);
+
+}  // namespace kestan_cli
+
+#endif  // KESTAN_CLI_SYNC_INDEX_REPORT_H_

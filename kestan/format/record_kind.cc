@@ -1,0 +1,151 @@
+#include <kestan/format/keys.h>
+#include <kestan/format/record_kind.h>
+#include <kestan/text/white_space.h>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace kestan {
+namespace {
+
+using NamedKind = std::pair<std::string_view, RecordKind>;
+
+constexpr std::array<NamedKind, 4> kSingleRecords{{{kCounterKey, RecordKind::kCounter},
+                                                   {kAvailableKey, RecordKind::kReusableCodes},
+                                                   {kDeletedKey, RecordKind::kRemovedCodes},
+                                                   {kOptionsKey, RecordKind::kOptions}}};
+
+constexpr std::array<NamedKind, 6> kFamilies{{{kDocumentFamily, RecordKind::kDocument},
+                                              {kNameFamily, RecordKind::kName},
+                                              {kTitleFamily, RecordKind::kTitle},
+                                              {kSummaryFamily, RecordKind::kSummary},
+                                              {kUserFamily, RecordKind::kUser},
+                                              {kWordListFamily, RecordKind::kWordList}}};
+
+template <std::size_t kCount>
+RecordKind Find(const std::array<NamedKind, kCount>& kinds, std::string_view name) {
+  for (const auto& [known, kind] : kinds) {
+    if (known == name) return kind;
+  }
+  return RecordKind::kOther;
+}
+
+// A posting record of 8 bytes ends with a position or a code, and neither is 0.
+bool LooksLikeDocument(const DBDatum& value) {
+  return value.size == kDocumentRecordBytes && UnitAt(value, 3) == 0;
+}
+
+bool HasNul(const DBDatum& value) { return BytesOf(value).find('\0') != std::string_view::npos; }
+
+// With positions, the shape says enough without the counter, which may be what is damaged.
+bool IsShapedLikePostings(const DBDatum& value, const PostingRules& rules) {
+  if (rules.with_positions) return LooksLikePostings(value, {true, kMaxCode});
+  return LooksLikePostings(value, rules) || LooksLikeMixedPostings(value);
+}
+
+// Tells whether the record, which is shaped like postings, can be what its family says all the
+// same.
+bool CanBeOfFamily(RecordKind family, std::string_view key, const DBDatum& value,
+                   const PostingRules& rules) {
+  constexpr std::uint32_t kNameKeyBytes = 2 + kUnitBytes;
+  switch (family) {
+    case RecordKind::kDocument:
+      return LooksLikeDocument(value);
+    case RecordKind::kName:
+      return key.size() == kNameKeyBytes && !HasNul(value) &&
+             UnitAt(AsDatum(key), 1) <= rules.highest;
+    case RecordKind::kWordList:
+      return !HasNul(value) && (value.data[0] & 0x80) != 0;
+    case RecordKind::kOther:
+      return false;
+    default:
+      return !HasNul(value);
+  }
+}
+
+// No name has the key "c-". A damaged document record with the key "d-" is taken for postings.
+RecordKind KindOfTwoBytes(std::string_view key, const DBDatum* value, const PostingRules& rules) {
+  const RecordKind family = Find(kFamilies, key);
+  if (family == RecordKind::kOther || family == RecordKind::kName || value == nullptr) {
+    return RecordKind::kPosting;
+  }
+  const bool is_document = family == RecordKind::kDocument;
+  if (!is_document && !IsShapedLikePostings(*value, rules)) return family;
+  return CanBeOfFamily(family, key, *value, rules) ? family : RecordKind::kPosting;
+}
+
+// Tells a damaged posting record, of which mostly the first entry makes sense, from a host's own
+// text.
+bool BeginsLikePostings(const DBDatum& value, const PostingRules& rules) {
+  if (!rules.with_positions || !HasNul(value)) return false;
+  PostingReader reader(value, true);
+  PostingEntry first{};
+  if (!reader.Next(&first) || first.positions == 0) return false;
+  return first.code != 0 && first.code <= rules.highest;
+}
+
+RecordKind KindOfFamily(std::string_view key, const DBDatum& value, const PostingRules& rules) {
+  const RecordKind family = Find(kFamilies, key.substr(0, 2));
+  if (!CanBeWord(key)) return family;
+  if (IsShapedLikePostings(value, rules)) {
+    return CanBeOfFamily(family, key, value, rules) ? family : RecordKind::kPosting;
+  }
+  const bool is_damaged_word = family == RecordKind::kOther && BeginsLikePostings(value, rules);
+  return is_damaged_word ? RecordKind::kPosting : family;
+}
+
+}  // namespace
+
+PostingRules ReadPostingRules(Database& store) {
+  PostingRules rules;
+  const DBDatumPtr flags = Fetch(store, kOptionsKey);
+  const DBDatumPtr counter = Fetch(store, kCounterKey);
+  if (flags.ptr != nullptr) {
+    rules.with_positions = (DecodeOptions(*flags.ptr) & kFlagNoPositions) == 0;
+  }
+  if (counter.ptr != nullptr) rules.highest = DecodeCounter(*counter.ptr);
+  return rules;
+}
+
+bool LooksLikePostings(const DBDatum& value, const PostingRules& rules) {
+  if (value.size == 0 || value.size % kUnitBytes != 0) return false;
+  PostingReader reader(value, rules.with_positions);
+  PostingEntry entry;
+  while (reader.Next(&entry)) {
+    if (entry.code == 0 || entry.code > rules.highest) return false;
+    if (!rules.with_positions) continue;
+    if (entry.units < 3 || UnitAt(value, entry.first_unit + 1) != entry.positions) return false;
+    for (std::size_t i = 2; i < entry.units; ++i) {
+      if (UnitAt(value, entry.first_unit + i) == 0) return false;
+    }
+  }
+  return true;
+}
+
+bool LooksLikeMixedPostings(const DBDatum& value) {
+  constexpr std::size_t kSmallestEntryUnits = 3;
+  const std::size_t units = value.size / kUnitBytes;
+  if (value.size % kUnitBytes != 0 || units < kSmallestEntryUnits) return false;
+  for (std::size_t unit = 0; unit < units; ++unit) {
+    if (UnitAt(value, unit) == 0) return false;
+  }
+  return UnitAt(value, 1) <= units - 2;
+}
+
+bool CanBeWord(std::string_view key) {
+  return !key.empty() && std::none_of(key.begin(), key.end(),
+                                      [](char byte) { return byte == '\0' || IsWhiteSpace(byte); });
+}
+
+RecordKind KindOf(const DBDatum& key, const DBDatum* value, const PostingRules& rules) {
+  const std::string_view bytes = BytesOf(key);
+  if (bytes.size() < 2 || bytes[1] != '-') return RecordKind::kPosting;
+  if (bytes.size() == 2) return KindOfTwoBytes(bytes, value, rules);
+  const RecordKind single = Find(kSingleRecords, bytes);
+  if (single != RecordKind::kOther) return single;
+  return value == nullptr ? Find(kFamilies, bytes.substr(0, 2))
+                          : KindOfFamily(bytes, *value, rules);
+}
+
+}  // namespace kestan

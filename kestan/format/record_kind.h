@@ -1,0 +1,75 @@
+// What a record of an index is, told by its key and, where that is not enough, by its value.
+#ifndef KESTAN_FORMAT_RECORD_KIND_H_
+#define KESTAN_FORMAT_RECORD_KIND_H_
+
+#include <kestan/format/records.h>
+#include <kestan/storage/database.h>
+#include <kestan/storage/dbdatum.h>
+
+#include <cstdint>
+#include <string_view>
+
+namespace kestan {
+
+enum class RecordKind : std::uint8_t {
+  kPosting,
+  kDocument,
+  kName,
+  kTitle,
+  kSummary,
+  kUser,
+  kWordList,
+  kCounter,
+  kReusableCodes,
+  kRemovedCodes,
+  kOptions,
+  kOther,  // its key looks like a system record's, but of no family that the engine has
+};
+
+// What reading posting records depends on.
+struct PostingRules {
+  bool with_positions = true;
+  Code highest = 0;  // the code counter; no document ever had a higher code
+};
+
+// Reads option flags and counter. What is missing counts as 0.
+PostingRules ReadPostingRules(Database& store);
+
+// Tells whether the record is not empty and nothing but whole entries of codes from 1 up to the
+// highest, each with at least one position, none of them 0. No text passes for that where
+// positions are kept.
+bool LooksLikePostings(const DBDatum& value, const PostingRules& rules);
+
+// Tells whether the record can be a whole entry with positions, more of them, and then codes alone.
+// Option flag 1 takes the positions out of no word such as "e-mail", whose key looks like that of a
+// system record, and entries that come later have none.
+bool LooksLikeMixedPostings(const DBDatum& value);
+
+// Tells whether documents can hold such a word: it is not empty, and has no white space and no NUL.
+bool CanBeWord(std::string_view key);
+
+// Tells what the record is. `value` may be null if it is unreadable.
+//
+// Keys of two bytes such as "t-" belong to a word as well as to the title of the document with the
+// empty name, and "d-day" or "c-section" are words too: the value decides. A posting record has
+// another shape than a document record, and NULs, which no other text has that the engine stores.
+// Where neither tells, or the value is empty, the record is that of a document, a name or a text.
+RecordKind KindOf(const DBDatum& key, const DBDatum* value, const PostingRules& rules);
+
+// Tells whether the key begins with `family`.
+inline bool IsOfFamily(std::string_view key, std::string_view family) {
+  return key.substr(0, family.size()) == family;
+}
+
+// Tells whether the key of a posting record looks like that of a system record.
+inline bool HasSystemKey(std::string_view word) { return word.size() > 2 && word[1] == '-'; }
+
+// Tells whether a shrink leaves the entries of removed documents in the posting record of `key`,
+// so that it may list a code that is free, or one code more than once.
+inline bool IsNeverPurged(const DBDatum& key) { return key.size < 2 || key.data[1] == '-'; }
+
+inline std::string_view BytesOf(const DBDatum& datum) { return {datum.data, datum.size}; }
+
+}  // namespace kestan
+
+#endif  // KESTAN_FORMAT_RECORD_KIND_H_

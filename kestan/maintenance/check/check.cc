@@ -1,0 +1,74 @@
+#include <kestan/maintenance/check.h>
+#include <kestan/maintenance/check/code_check.h>
+#include <kestan/maintenance/check/form_check.h>
+#include <kestan/maintenance/check/lookup_check.h>
+#include <kestan/maintenance/check/posting_check.h>
+#include <kestan/maintenance/check/space_check.h>
+#include <kestan/maintenance/check/tables.h>
+#include <kestan/maintenance/report/findings.h>
+#include <kestan/maintenance/salvage/file_reading.h>
+#include <kestan/maintenance/walk.h>
+
+namespace kestan {
+namespace {
+
+// Returns the first error that gdbm has met, having reported each.
+int CheckFile(Database& store, int walk_error, Findings* findings) {
+  int first = 0;
+  const auto report = [&](int error, const char* what) {
+    if (error == 0) return;
+    findings->Fault(kWholeFile, what, Database::ErrorString(error));
+    if (first == 0) first = error;
+  };
+  report(walk_error, "not all records could be found -- ");
+  report(store.FileError(), "reading or writing failed -- ");
+  report(store.Verify(), "damaged -- ");
+  return first;
+}
+
+// Looks at the file as gdbm has laid it out, past its records.
+void CheckLayout(const Database& store, Findings* findings) {
+  const MappedFile file(store.Descriptor());
+  if (!file.is_mapped()) {
+    findings->Fault(kWholeFile, "cannot be mapped, so that its buckets were not looked at");
+    return;
+  }
+  const gdbm::Bytes bytes(file.bytes());
+  LookupCheck(bytes, findings).Run();
+  SpaceCheck(bytes, findings).Run();
+}
+
+}  // namespace
+
+std::int64_t CheckStructure(const Database& store, const TakeLine& report) {
+  if (store.FileBytes() == -1) return -1;
+  Findings findings(report);
+  CheckLayout(store, &findings);
+  return static_cast<std::int64_t>(findings.faults());
+}
+
+CheckResult CheckIndex(Database& store, const TakeLine& report) {
+  if (store.Flush() == -1) return {0, 0, -1};
+  Findings findings(report);
+  CheckLayout(store, &findings);
+  const IndexTables tables = ReadTables(store);
+  CheckLengths(tables, &findings);
+  if (!tables.IsIncomplete()) CheckCodes(tables, &findings);
+
+  PostingCheck postings(tables, &findings);
+  FormCheck forms(store, tables, &findings);
+  bool all_read = true;
+  const int walk_error = ForEachRecord(store, [&](const DBDatum& key, const DBDatum* value, int) {
+    if (value == nullptr) all_read = false;
+    if (value == nullptr) return;
+    postings.Visit(key, *value);
+    forms.Visit(key, *value);
+  });
+  if (all_read && walk_error == 0 && !tables.IsIncomplete()) postings.CheckDocuments();
+  postings.NoteUnusedWords();
+  const int error =
+      CheckFile(store, tables.walk_error != 0 ? tables.walk_error : walk_error, &findings);
+  return {findings.faults(), findings.notes(), error};
+}
+
+}  // namespace kestan

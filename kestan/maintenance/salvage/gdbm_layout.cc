@@ -1,0 +1,109 @@
+#include <kestan/maintenance/salvage/gdbm_layout.h>
+
+#include <algorithm>
+
+namespace kestan::gdbm {
+namespace {
+
+constexpr Offset kLongKeyBytes = 256;
+constexpr std::int32_t kSmallestBlockBytes = 64;
+
+bool IsKnown(std::uint32_t magic) {
+  return magic == kMagic || magic == kOldMagic || magic == kExtendedMagic;
+}
+
+bool IsDirectory(const Header& header) {
+  constexpr int kMostBits = 27;  // more would not fit the size
+  return header.directory_bits >= 0 && header.directory_bits <= kMostBits &&
+         header.directory_bytes == std::int32_t{sizeof(Offset)} << header.directory_bits;
+}
+
+// The hashes of a bucket agree in its bits; those that do not agree with most of them are noise.
+void DropStrangers(Bucket* bucket) {
+  if (bucket->sound.empty()) return;
+  const Hash prefix = PrefixOf(static_cast<Hash>(bucket->sound.front().hash), bucket->bits);
+  for (const Element& element : bucket->sound) {
+    if (PrefixOf(static_cast<Hash>(element.hash), bucket->bits) != prefix) bucket->has_head = false;
+  }
+  const auto is_strange = [&](Hash hash) { return PrefixOf(hash, bucket->bits) != prefix; };
+  auto& damaged = bucket->damaged;
+  damaged.erase(std::remove_if(damaged.begin(), damaged.end(), is_strange), damaged.end());
+}
+
+}  // namespace
+
+Hash HashOf(std::string_view key) {
+  constexpr Hash kMask = 0x7fffffff;
+  constexpr unsigned kShifts = 24;
+  Hash hash = 0x238f13afU * static_cast<Hash>(key.size());
+  unsigned shift = 0;
+  for (const char byte : key) {
+    hash += static_cast<Hash>(static_cast<int>(byte)) << shift;  // sign and all, as gdbm has it
+    shift += 5;
+    if (shift >= kShifts) shift -= kShifts;
+  }
+  return (1103515243U * (hash & kMask) + 12345U) & kMask;
+}
+
+bool Bytes::HasKey(const Element& element) const {
+  if (element.hash < 0 || element.key_bytes < 0 || element.value_bytes < 0) return false;
+  const auto key_bytes = static_cast<Offset>(element.key_bytes);
+  if (!Holds(element.data, key_bytes)) return false;
+  const std::string_view key = View(element.data, key_bytes);
+  const std::size_t start = std::min(key.size(), element.key_start.size());
+  if (key.substr(0, start) != std::string_view(element.key_start.data(), start)) return false;
+  if (key_bytes > kLongKeyBytes) {
+    if (key_bytes > long_keys_budget_) return false;
+    long_keys_budget_ -= key_bytes;
+  }
+  return HashOf(key) == static_cast<Hash>(element.hash);
+}
+
+bool ReadHeader(const Bytes& file, Header* header, Shape* shape) {
+  if (!file.Read(0, header) || !IsKnown(header->magic)) return false;
+  if (header->block_bytes < kSmallestBlockBytes || header->bucket_elements <= 0) return false;
+  if (header->bucket_bytes < static_cast<std::int32_t>(sizeof(BucketHead))) return false;
+  const auto bytes = static_cast<std::uint32_t>(header->bucket_bytes);
+  const auto elements = static_cast<std::uint32_t>((bytes - sizeof(BucketHead)) / sizeof(Element));
+  if (elements != static_cast<std::uint32_t>(header->bucket_elements)) return false;
+  if (!IsDirectory(*header) || header->directory >= file.size()) return false;
+  *shape = {bytes, elements};
+  return true;
+}
+
+bool IsHead(const BucketHead& head, const Shape& shape) {
+  return head.free_count >= 0 && static_cast<std::size_t>(head.free_count) <= head.free.size() &&
+         head.bits >= 0 && head.bits <= static_cast<int>(kHashBits) && head.count >= 0 &&
+         static_cast<std::uint32_t>(head.count) <= shape.elements;
+}
+
+bool BelongsTo(const DirectoryRun& run, const Header& header, const BucketHead& head) {
+  if (head.bits > header.directory_bits) return false;
+  const std::uint32_t entries = std::uint32_t{1} << (header.directory_bits - head.bits);
+  return run.end - run.first == entries && run.first % entries == 0;
+}
+
+void ReadBucket(const Bytes& file, const Shape& shape, Offset at, Bucket* bucket) {
+  bucket->sound.clear();
+  bucket->damaged.clear();
+  bucket->free.clear();
+  BucketHead head;
+  bucket->has_head = file.Read(at, &head) && IsHead(head, shape);
+  bucket->bits = bucket->has_head ? static_cast<unsigned>(head.bits) : 0;
+  bucket->count = bucket->has_head ? static_cast<std::uint32_t>(head.count) : 0;
+  for (int i = 0; bucket->has_head && i < head.free_count; ++i) {
+    bucket->free.push_back(head.free[static_cast<std::size_t>(i)]);
+  }
+  for (std::uint32_t i = 0; i < shape.elements; ++i) {
+    Element element;
+    if (!file.Read(ElementAt(at, i), &element)) break;
+    if (file.HasKey(element)) {
+      bucket->sound.push_back(element);
+    } else if (element.hash >= 0) {
+      bucket->damaged.push_back(static_cast<Hash>(element.hash));
+    }
+  }
+  DropStrangers(bucket);
+}
+
+}  // namespace kestan::gdbm

@@ -1,0 +1,77 @@
+// Reports over the whole collection.
+#include <kestan/engine/kestan.h>
+#include <kestan/format/keys.h>
+#include <kestan/format/records.h>
+#include <kestan/text/scratch_text.h>
+
+#include <cstdint>
+
+namespace {
+
+constexpr int kFlushPeriod = 101;  // records; it keeps the cache small during a walk
+
+// Visits every record of the store and lists what `select` appends to the text. Fetches each value,
+// wanted or not: a later Put under its key goes by whether the record is cached.
+template <typename Select>
+char* ListRecords(Database& store, Select select) {
+  kestan::ScratchText lines;
+  DBDatumPtr key;
+  DBDatumPtr value;
+  int since_flush = 0;
+  for (int end = store.First(&key, &value); end == 0; end = store.Next(&key, &value)) {
+    select(*key.ptr, *value.ptr, &lines);
+    if (++since_flush == kFlushPeriod) {
+      store.Flush();
+      since_flush = 0;
+    }
+  }
+  return lines.Finish();
+}
+
+bool IsDocumentKey(const DBDatum& key) {
+  return key.size >= 2 && key.data[0] == kestan::kDocumentFamily[0] &&
+         key.data[1] == kestan::kDocumentFamily[1];
+}
+
+// Cuts off the fraction and keeps the low 32 bits. What fits no 64-bit integer, and NaN, becomes
+// -2^63, whose low 32 bits are 0.
+std::uint32_t Truncate(double number) {
+  constexpr double kLimit = 9223372036854775808.0;  // 2^63
+  if (!(number >= -kLimit && number < kLimit)) return 0;
+  return static_cast<std::uint32_t>(static_cast<std::int64_t>(number));
+}
+
+bool IsShare(double bound) { return 0 <= bound && bound < 1; }
+
+// A share of the documents, rounded half up; or a count, which may come as 2.9999 for 3.
+std::uint32_t BoundOf(double bound, std::uint32_t documents) {
+  return IsShare(bound) ? Truncate(documents * bound + 0.5) : Truncate(bound + 0.001);
+}
+
+}  // namespace
+
+char* Kestan::ListDocuments() {
+  if (kestan::Fetch(store_, kestan::kCounterKey).ptr == nullptr) return const_cast<char*>("");
+  return ListRecords(store_, [](const DBDatum& key, const DBDatum&, kestan::ScratchText* lines) {
+    if (IsDocumentKey(key)) lines->AppendLine({key.data + 2, key.size - 2}, key.size);
+  });
+}
+
+char* Kestan::CommonWords(double low, double high) {
+  DBDatumPtr counter = kestan::Fetch(store_, kestan::kCounterKey);
+  if (counter.ptr == nullptr) return const_cast<char*>("");
+  const auto documents = static_cast<std::uint32_t>(kestan::DecodeCounter(*counter.ptr) -
+                                                    kestan::CountCodes(*AvailCodes.ptr));
+  counter.Free();  // a flush during the walk must not find it held, or it would be written twice
+  const std::uint32_t lower = BoundOf(low, documents);
+  const std::uint32_t upper = high >= 0 ? BoundOf(high, documents) : documents;
+  const bool with_positions = (OptionFlags & kestan::kFlagNoPositions) == 0;
+  return ListRecords(store_,
+                     [=](const DBDatum& key, const DBDatum& value, kestan::ScratchText* lines) {
+                       if (kestan::IsSystemKey(key)) return;
+                       const std::size_t count = kestan::CountPostings(value, with_positions);
+                       if (lower <= count && count <= upper) {
+                         lines->AppendLine({key.data, key.size}, std::size_t{key.size} + 2);
+                       }
+                     });
+}

@@ -1,0 +1,55 @@
+#include <kestan/storage/memory.h>
+#include <kestan/text/scratch_text.h>
+
+#include <algorithm>
+
+namespace kestan {
+namespace {
+
+constexpr std::uint32_t kFirstSize = 4096;
+
+}  // namespace
+
+ScratchBuffer scratch;
+
+void ScratchBuffer::Grow(std::uint32_t new_size) {
+  size = new_size;
+  Reserve(new_size);
+}
+
+void ScratchBuffer::Enlarge(std::size_t count) {
+  const std::size_t least = std::max<std::size_t>(count, size);
+  // Long texts must not be moved for every line.
+  std::size_t roomy = std::max(least, capacity + capacity / 2);
+  bytes = static_cast<char*>(ReallocateWithSlack(capacity != 0 ? bytes : nullptr, least, &roomy));
+  capacity = std::max<std::size_t>(roomy, 1);
+}
+
+void ScratchBuffer::Release() {
+  if (capacity != 0) std::free(bytes);
+  capacity = 0;
+}
+
+ScratchText::ScratchText() {
+  if (scratch.size < kFirstSize) scratch.Grow(kFirstSize);
+}
+
+void ScratchText::MakeRoom(std::size_t room) {
+  // The text may have passed the stated size: then the room left is negative.
+  const auto left = static_cast<std::int64_t>(scratch.size) - static_cast<std::int64_t>(used_);
+  if (left < static_cast<std::int64_t>(room)) scratch.Grow(scratch.size * 2);
+}
+
+void ScratchText::AppendLine(std::string_view line, std::size_t room) {
+  MakeRoom(room);
+  Append(line);
+  Append("\n");
+}
+
+char* ScratchText::Finish() {
+  scratch.Reserve(used_ + 1);
+  scratch.bytes[used_] = '\0';
+  return scratch.bytes;
+}
+
+}  // namespace kestan

@@ -1,0 +1,178 @@
+#include "search/query/query_tokens.h"
+
+#include <algorithm>
+#include <charconv>
+#include <utility>
+
+namespace kestan_cli {
+namespace {
+
+using Kind = Token::Kind;
+
+constexpr std::string_view kBlanks = " \t\n\v\f\r";
+constexpr std::string_view kWordEnds = " \t\n\v\f\r()";
+constexpr std::string_view kNear = "NEAR/";
+
+// What word processors make of a quote: U+201C to U+201F in UTF-8, without the last byte.
+constexpr std::string_view kCurlyQuote = "\xe2\x80";
+
+std::string WithPlainQuotes(std::string_view text) {
+  std::string plain;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char last = i + 2 < text.size() ? text[i + 2] : '\0';
+    if (text.substr(i, 2) == kCurlyQuote && last >= '\x9c' && last <= '\x9f') {
+      plain += '"';
+      i += 2;
+    } else {
+      plain += text[i];
+    }
+  }
+  return plain;
+}
+
+// Returns the k of NEAR/k, or 0 if it is none.
+int DistanceOf(std::string_view text) {
+  if (text.substr(0, kNear.size()) != kNear) return 0;
+  const std::string_view digits = text.substr(kNear.size());
+  int distance = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), distance);
+  const bool is_whole = error == std::errc() && end == digits.data() + digits.size();
+  return is_whole && distance >= 1 ? distance : 0;
+}
+
+Kind KindOf(std::string_view text) {
+  if (text == "(") return Kind::kOpen;
+  if (text == ")") return Kind::kClose;
+  if (text == "AND") return Kind::kAnd;
+  if (text == "OR") return Kind::kOr;
+  if (text == "NOT") return Kind::kNot;
+  if (DistanceOf(text) > 0) return Kind::kNear;
+  return Kind::kWord;
+}
+
+// Cuts `rest` into tokens one by one. Says nothing yet about operands.
+class Cutter {
+ public:
+  explicit Cutter(std::string_view text) : rest_(text) {}
+
+  std::vector<Token> Cut() {
+    while (true) {
+      rest_.remove_prefix(std::min(rest_.find_first_not_of(kBlanks), rest_.size()));
+      if (rest_.empty()) break;
+      if (!CutMinus() && !CutPhrase()) CutWord();
+    }
+    tokens_.push_back({});
+    return std::move(tokens_);
+  }
+
+ private:
+  // A "-" that something else follows is part of a word.
+  bool CutMinus() {
+    if (rest_.size() < 2 || rest_[0] != '-') return false;
+    if (rest_[1] == '-' || kBlanks.find(rest_[1]) != std::string_view::npos || rest_[1] == ')') {
+      return false;
+    }
+    Add(Kind::kNot, 1);
+    if (!CutPhrase()) CutWord(true);
+    return true;
+  }
+
+  bool CutPhrase() {
+    if (rest_[0] != '"') return false;
+    const std::size_t end = rest_.find('"', 1);
+    if (end == std::string_view::npos) return false;
+    tokens_.push_back({Kind::kPhrase, std::string(rest_.substr(1, end - 1))});
+    rest_.remove_prefix(end + 1);
+    return true;
+  }
+
+  void CutWord(bool negated = false) {
+    const std::size_t end = std::min(rest_.find_first_of(kWordEnds), rest_.size());
+    const std::string_view text = rest_.substr(0, std::max<std::size_t>(end, 1));
+    const Kind kind = KindOf(text);
+    const bool is_group = kind == Kind::kOpen || kind == Kind::kClose;
+    Add(negated && !is_group ? Kind::kWord : kind, text.size());
+  }
+
+  void Add(Kind kind, std::size_t size) {
+    const std::string_view text = rest_.substr(0, size);
+    tokens_.push_back({kind, std::string(text), kind == Kind::kNear ? DistanceOf(text) : 0});
+    rest_.remove_prefix(size);
+  }
+
+  std::string_view rest_;
+  std::vector<Token> tokens_;
+};
+
+bool IsMinus(const Token& token) { return token.kind == Kind::kNot && token.text == "-"; }
+
+// Tells for each token whether it is a parenthesis without its partner.
+std::vector<bool> FindUnmatched(const std::vector<Token>& tokens) {
+  std::vector<bool> unmatched(tokens.size());
+  std::vector<std::size_t> open;
+  for (std::size_t i = 0; i < tokens.size(); ++i) {
+    if (tokens[i].kind == Kind::kOpen) open.push_back(i);
+    if (tokens[i].kind != Kind::kClose) continue;
+    if (open.empty()) {
+      unmatched[i] = true;
+    } else {
+      open.pop_back();
+    }
+  }
+  for (const std::size_t i : open) unmatched[i] = true;
+  return unmatched;
+}
+
+std::vector<Token> WithoutUnmatched(std::vector<Token> tokens) {
+  const std::vector<bool> unmatched = FindUnmatched(tokens);
+  std::vector<Token> kept;
+  for (std::size_t i = 0; i < tokens.size(); ++i) {
+    const bool loses_operand = IsMinus(tokens[i]) && unmatched[i + 1];
+    if (!unmatched[i] && !loses_operand) kept.push_back(std::move(tokens[i]));
+  }
+  return kept;
+}
+
+void FindPartners(std::vector<Token>* tokens) {
+  std::vector<std::size_t> open;
+  for (std::size_t i = 0; i < tokens->size(); ++i) {
+    if ((*tokens)[i].kind == Kind::kOpen) open.push_back(i);
+    if ((*tokens)[i].kind != Kind::kClose) continue;
+    (*tokens)[open.back()].partner = i;
+    open.pop_back();
+  }
+}
+
+bool EndsPart(Kind kind) {
+  return kind == Kind::kWord || kind == Kind::kPhrase || kind == Kind::kClose;
+}
+
+bool StartsPart(Kind kind) {
+  return kind == Kind::kWord || kind == Kind::kPhrase || kind == Kind::kOpen || kind == Kind::kNot;
+}
+
+// Makes words of the operators that lack an operand, from left to right.
+void MakeWordsOfLoneOperators(std::vector<Token>* tokens) {
+  Kind previous = Kind::kEnd;
+  for (std::size_t i = 0; i < tokens->size(); ++i) {
+    Token& token = (*tokens)[i];
+    const bool is_binary =
+        token.kind == Kind::kAnd || token.kind == Kind::kOr || token.kind == Kind::kNear;
+    const bool lacks_left = is_binary && !EndsPart(previous);
+    const bool takes_right = is_binary || token.kind == Kind::kNot;
+    if (lacks_left || (takes_right && !StartsPart((*tokens)[i + 1].kind))) token.kind = Kind::kWord;
+    previous = token.kind;
+  }
+}
+
+}  // namespace
+
+std::vector<Token> Tokens(std::string_view text) {
+  const std::string plain = WithPlainQuotes(text);
+  std::vector<Token> tokens = WithoutUnmatched(Cutter(plain).Cut());
+  FindPartners(&tokens);
+  MakeWordsOfLoneOperators(&tokens);
+  return tokens;
+}
+
+}  // namespace kestan_cli

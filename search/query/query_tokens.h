@@ -1,0 +1,27 @@
+// Cutting a query into tokens, of which any sequence can be read as a query.
+#ifndef KESTAN_SEARCH_QUERY_QUERY_TOKENS_H_
+#define KESTAN_SEARCH_QUERY_QUERY_TOKENS_H_
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kestan_cli {
+
+struct Token {
+  enum class Kind { kWord, kPhrase, kAnd, kOr, kNear, kNot, kOpen, kClose, kEnd };
+  Kind kind = Kind::kEnd;
+  std::string text;         // of a phrase: what stands between the quotes
+  int distance_words = 0;   // of kNear
+  std::size_t partner = 0;  // of kOpen: where its kClose is
+};
+
+// Cuts `text` into tokens; the last is kEnd, and there is no other. Every kOpen has its kClose,
+// every kNot is followed by a part, and every other operator stands between two: whatever lacks
+// that is a word, or left out where it has no letters. A part may turn out to hold no letters.
+std::vector<Token> Tokens(std::string_view text);
+
+}  // namespace kestan_cli
+
+#endif  // KESTAN_SEARCH_QUERY_QUERY_TOKENS_H_

@@ -1,0 +1,123 @@
+#include "search/ranking/relevance.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+#include "cli/files/text_hash.h"
+
+namespace kestan_cli {
+namespace {
+
+// The usual constants of BM25; any near them do as well.
+constexpr double kSaturation = 1.6;
+constexpr double kWeightOfSize = 0.75;
+
+// What one part of the query adds to one document.
+struct Share {
+  double rarity = 0;
+  double times = 0;  // how often the document has it
+  double asked = 1;  // how often the query has it
+};
+
+struct Candidate {
+  Hit hit;
+  std::vector<Share> shares;
+  double relative_size = 1;  // to the mean
+  double relevance = 0;
+};
+
+double RarityOf(double found, double documents) {
+  return std::log(1 + (std::max(documents - found, 0.0) + 0.5) / (found + 0.5));
+}
+
+int LeastPercentOf(std::string_view listing) {
+  int least = std::numeric_limits<int>::max();
+  ForEachHit(listing, [&](int percent, std::string_view) { least = std::min(least, percent); });
+  return std::max(least, 1);  // less than half a percent of the best one shows as 0
+}
+
+double RelevanceOf(const Candidate& candidate) {
+  const double size = 1 - kWeightOfSize + kWeightOfSize * candidate.relative_size;
+  double sum = 0;
+  for (const auto& [rarity, times, asked] : candidate.shares) {
+    sum += asked * rarity * times * (kSaturation + 1) / (times + kSaturation * size);
+  }
+  return sum;
+}
+
+void SortCandidates(std::vector<Candidate>* candidates) {
+  for (Candidate& candidate : *candidates) candidate.relevance = RelevanceOf(candidate);
+  std::stable_sort(candidates->begin(), candidates->end(),
+                   [](const Candidate& left, const Candidate& right) {
+                     return left.relevance > right.relevance;
+                   });
+}
+
+// Measures the first of `candidates`.
+void Measure(const SizeOf& size_of, std::vector<Candidate>* candidates) {
+  const std::size_t count = std::min(kMeasuredHits, candidates->size());
+  std::vector<std::pair<Candidate*, double>> sizes;
+  double sum = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    const auto size = size_of((*candidates)[i].hit.name);
+    if (!size) continue;
+    sizes.emplace_back(&(*candidates)[i], static_cast<double>(*size));
+    sum += sizes.back().second;
+  }
+  if (sum <= 0) return;
+  const double mean = sum / static_cast<double>(sizes.size());
+  for (const auto& [candidate, size] : sizes) candidate->relative_size = size / mean;
+}
+
+std::vector<Candidate> CandidatesOf(std::vector<Hit>* hits) {
+  std::vector<Candidate> candidates(hits->size());
+  for (std::size_t i = 0; i < hits->size(); ++i) candidates[i].hit = std::move((*hits)[i]);
+  return candidates;
+}
+
+void AddShares(const std::vector<RankedPart>& parts, double documents,
+               std::vector<Candidate>* candidates) {
+  std::unordered_map<std::string_view, Candidate*, TextHash> by_name;
+  for (Candidate& candidate : *candidates) by_name[candidate.hit.name] = &candidate;
+  for (const RankedPart& part : parts) {
+    const std::string listing = part.listing();
+    const auto asked = static_cast<double>(part.times);
+    const double rarity = RarityOf(static_cast<double>(CountLines(listing)), documents);
+    const int least = LeastPercentOf(listing);
+    ForEachHit(listing, [&](int percent, std::string_view name) {
+      const auto found = by_name.find(name);
+      if (found == by_name.end()) return;
+      const double times = std::max(1.0, std::round(static_cast<double>(percent) / least));
+      found->second->shares.push_back({rarity, times, asked});
+    });
+  }
+}
+
+// Hands the sorted candidates back as hits.
+void StorePercentages(std::vector<Candidate>* candidates, std::vector<Hit>* hits) {
+  const double best = candidates->empty() ? 0 : candidates->front().relevance;
+  for (std::size_t i = 0; i < candidates->size(); ++i) {
+    Candidate& candidate = (*candidates)[i];
+    const double share = best > 0 ? candidate.relevance / best : 0;
+    candidate.hit.percent = static_cast<int>(std::lround(100 * share));
+    (*hits)[i] = std::move(candidate.hit);
+  }
+}
+
+}  // namespace
+
+void SortByRelevance(const std::vector<RankedPart>& parts, std::uint64_t documents,
+                     const SizeOf& size_of, std::vector<Hit>* hits) {
+  std::vector<Candidate> candidates = CandidatesOf(hits);
+  AddShares(parts, static_cast<double>(documents), &candidates);
+  SortCandidates(&candidates);
+  Measure(size_of, &candidates);
+  SortCandidates(&candidates);
+  StorePercentages(&candidates, hits);
+}
+
+}  // namespace kestan_cli

@@ -1,0 +1,18 @@
+// Writing any script in ASCII letters, so that words with accents are found without them.
+#ifndef KESTAN_SEARCH_TEXT_TRANSLITERATE_H_
+#define KESTAN_SEARCH_TEXT_TRANSLITERATE_H_
+
+#include <string>
+#include <string_view>
+
+namespace kestan_cli {
+
+// Returns `utf8` in ASCII: "Zürich" becomes "Zurich", "Привет" "Privet". Documents and queries go
+// through it alike. Each Chinese sign becomes a word between blanks. What has no counterpart in
+// ASCII becomes a blank; bytes that are not UTF-8 are taken as Latin-1. ASCII comes back as it is,
+// at the speed of copying.
+std::string Transliterated(std::string_view utf8);
+
+}  // namespace kestan_cli
+
+#endif  // KESTAN_SEARCH_TEXT_TRANSLITERATE_H_

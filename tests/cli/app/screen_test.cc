@@ -1,0 +1,318 @@
+// What the command does for any of its streams that is a terminal.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdlib>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <regex>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "cli/app/commands.h"
+#include "cli/console/control.h"
+#include "tests/cli/command_test.h"
+
+namespace kestan_tests {
+namespace {
+
+using kestan_cli::Command;
+using kestan_cli::Option;
+using kestan_cli::Positional;
+using Arguments = std::vector<std::string>;
+
+class ScreenTest : public CommandTest {
+ protected:
+  // Runs the command with `streams` at a terminal. Returns what that got.
+  std::string Shown(
+      const std::vector<int>& streams, const Arguments& arguments, const InChild& prepare = [] {}) {
+    const int screen = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    EXPECT_EQ(grantpt(screen), 0);
+    EXPECT_EQ(unlockpt(screen), 0);
+    const int line = open(ptsname(screen), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    EXPECT_GE(line, 0);
+    termios mode{};
+    tcgetattr(line, &mode);
+    cfmakeraw(&mode);  // the terminal itself puts nothing between
+    tcsetattr(line, TCSANOW, &mode);
+    const TempDir files;
+    const pid_t child = Start(arguments, files, [&] {
+      for (const int stream : streams) dup2(line, stream);
+      prepare();
+    });
+    close(line);
+    const std::string shown = ReadToEnd(screen);
+    EXPECT_EQ(waitpid(child, nullptr, 0), child);
+    return shown;
+  }
+
+  std::string Shown(int stream, const Arguments& arguments) {
+    return Shown(std::vector<int>{stream}, arguments);
+  }
+
+ private:
+  // While the command runs, for a terminal holds little that nobody reads.
+  static std::string ReadToEnd(int screen) {
+    std::string shown;
+    std::array<char, 4096> bytes{};
+    ssize_t count = 0;
+    while ((count = read(screen, bytes.data(), bytes.size())) > 0) {
+      shown.append(bytes.data(), static_cast<std::size_t>(count));
+    }
+    close(screen);
+    return shown;
+  }
+};
+
+TEST_F(ScreenTest, NamesCannotSteerIt) {
+  Add("a\x1b[2J", "cat\n");
+  EXPECT_EQ(Shown(STDOUT_FILENO, {"list", "my.index"}), "a\\x1b[2J\n");
+  EXPECT_EQ(Shown(STDOUT_FILENO, {"search", "-l", "my.index", "cat"}), "a\\x1b[2J\n");
+  EXPECT_EQ(Run({"list", "my.index"}), Success("a\x1b[2J\n"));
+}
+
+TEST_F(ScreenTest, TextsKeepTheirLines) {
+  Add("a", "cat\n");
+  ASSERT_EQ(Run({"title", "set", "my.index", "a", "one\n\ttwo\r\x9b\xc3\xa9"}).status, 0);
+  EXPECT_EQ(Shown(STDOUT_FILENO, {"title", "get", "my.index", "a"}),
+            "one\n\ttwo\\x0d\\x9b\xc3\xa9\n");
+  EXPECT_EQ(Run({"title", "get", "my.index", "a"}), Success("one\n\ttwo\r\x9b\xc3\xa9\n"));
+}
+
+TEST_F(ScreenTest, IndexingShowsABarUnlessItIsToBeQuiet) {
+  Write("slow", "#!/bin/sh\nsleep 0.3\necho text\n");
+  ASSERT_EQ(chmod(Path("slow").c_str(), 0700), 0);
+  for (const char* name : {"d/a.zz", "d/b.zz"}) Write(name, std::string("a\0b", 3));
+  const Arguments index{"index", "my.index",    "d",
+                        "--all", "--converter", "zz=" + Path("slow") + " {}"};
+  const std::string shown = Shown(STDERR_FILENO, index);
+  EXPECT_EQ(shown.substr(0, 3), "\r[#") << shown;
+  EXPECT_NE(shown.find("1/2 files"), std::string::npos) << shown;
+  Arguments quiet = index;
+  quiet.emplace_back("-q");
+  EXPECT_EQ(Shown(STDERR_FILENO, quiet), "");
+}
+
+// ---- Every command ----
+
+// Everything that a terminal could take for an order, but white space, which ends a word.
+std::string Orders() {
+  std::string text = "\x1b[2J\x1b]0;t\a\b";
+  for (int byte = 1; byte < 0xa0; ++byte) {
+    const bool is_white = byte >= '\t' && byte <= '\r';
+    if (byte < 0x20 ? !is_white : byte >= 0x7f) text += static_cast<char>(byte);
+  }
+  for (int byte = 0x80; byte < 0xa0; ++byte) text += {'\xc2', static_cast<char>(byte)};
+  return text + "\xe2\x80\xaa\xe2\x80\xae\xe2\x81\xa6\xe2\x81\xa9\xff\xe2\x80";
+}
+
+// The same with the white space that is no line feed.
+std::string MoreOrders() { return Orders() + "\r\v\f" + Orders(); }
+
+// Returns `shown` without what the command itself tells the terminal: of how far it has come, and,
+// if `coloured`, in which colours.
+std::string WithoutOwnOrders(const std::string& shown, bool coloured) {
+  const std::string rest = std::regex_replace(shown, std::regex("\r[ -~]*\x1b\\[K"), "");
+  if (!coloured) return rest;
+  return std::regex_replace(rest, std::regex("\x1b\\[(2|36|1;31|0)m"), "");
+}
+
+void ExpectHarmless(const std::string& text, const Arguments& arguments) {
+  for (std::size_t at = 0; at < text.size();) {
+    const auto next = kestan_cli::FirstCharacter(std::string_view(text).substr(at));
+    const bool is_blank = text[at] == '\n' || text[at] == '\t';
+    if (next.is_control && !is_blank) {
+      ADD_FAILURE() << testing::PrintToString(arguments) << " shows "
+                    << testing::PrintToString(text.substr(at, 40));
+      return;
+    }
+    at += next.bytes;
+  }
+}
+
+class OrdersTest : public ScreenTest {
+ protected:
+  void SetUp() override {
+    Write(name_, "cat " + MoreOrders() + "\ncat\n" + MoreOrders() + "cat\n");
+    Write("files/" + Orders() + ".txt", "cat\n");
+    Write("files/" + Orders() + ".pdf", "%PDF-1\n");
+    Write("files/" + Orders() + "\n", "cat\n");
+    Write("list", name_ + '\0' + Orders() + '\0');
+    Write("words", "red " + std::string("\x1b[2J\a") + "\n");
+    ASSERT_EQ(Run({"index", "base.index", name_}).status, 0);
+    Kestan engine;
+    ASSERT_EQ(engine.OpenIndex(Path("base.index").c_str(), 1), 0);
+    engine.AddDocumentWords(("other" + name_).c_str(), ("cat " + Orders()).c_str());
+    const std::string user = engine.DBGetUser(name_.c_str());  // with it goes the snippet
+    engine.DBPutUser(name_.c_str(), (user + "\n" + MoreOrders()).c_str());
+    for (const std::string& name : {name_, "other" + name_, "no" + name_}) {
+      engine.DBPutTitle(name.c_str(), MoreOrders().c_str());
+      engine.DBPutSummary(name.c_str(), MoreOrders().c_str());
+    }
+    engine.DBPutWords(Orders().c_str(), ("red " + Orders()).c_str());
+    engine.CloseIndex();
+    Plant(Path("base.index"), {{"x" + Orders(), Units({9, 1, 1})}, {"z-" + Orders(), "?"}});
+    Write("dump", Run({"dump", "base.index"}).out + MoreOrders() + "\n");
+    ASSERT_EQ(setenv("NO_COLOR", "1", 1), 0);
+  }
+
+  // What stands for an argument where it is to be a good one.
+  std::string Good(const Command& command, const std::string& argument) const {
+    const std::map<std::string, std::string> values = {
+        {"INDEX", "my.index"},
+        {"PATH", "files"},
+        {"QUERY", "cat"},
+        {"NAME", command.name == "export" ? "target" : name_},
+        {"TEXT", MoreOrders()},
+        {"LIST", Orders()},
+        {"WORD", "\x1b[2J\a"},
+        {"FLAGS", "2"},
+        {"OLD", name_},
+        {"NEW", command.name == "move" ? "new" + Orders() : "new.index"},
+        {"DAMAGED", "my.index"},
+        {"FILE", "dump"},
+        {"FORM", "json"},
+        {"SHELL", "bash"},
+        {"FOLDER", "."},
+        {"--include", "*"},
+        {"--exclude", "*" + Orders() + ".txt"},
+        {"--converter", "pdf=false {} " + Orders()},
+        {"--stop-words", "english"},
+        {"--limit", "1"},
+        {"--at-least", "1"},
+        {"--at-most", "9"}};
+    const auto found = values.find(argument);
+    EXPECT_NE(found, values.end()) << "what is a good " << argument << "? Say so above";
+    return found != values.end() ? found->second : "";
+  }
+
+  // The command with good arguments for all positionals, or for those it needs.
+  Arguments Line(const Command& command, bool all) const {
+    Arguments line;
+    const std::size_t blank = command.name.find(' ');
+    line.push_back(command.name.substr(0, blank));
+    if (blank != std::string::npos) line.push_back(command.name.substr(blank + 1));
+    for (const Positional& positional : command.positionals) {
+      const bool needed = positional.count == Positional::Count::kOne ||
+                          positional.count == Positional::Count::kOneOrMore;
+      if (needed || all) line.push_back(Good(command, positional.name));
+    }
+    return line;
+  }
+
+  // The command with each of its options, one at a time, with good values and a bad one.
+  std::vector<Arguments> LinesWithOptions(const Command& command) const {
+    std::vector<Arguments> lines;
+    for (const Option& option : command.options) {
+      Arguments values = option.choices;
+      if (option.value.empty()) values = {""};
+      if (values.empty()) values.push_back(Good(command, LongName(option)));
+      if (!option.value.empty()) values.push_back(MoreOrders());
+      for (const std::string& value : values) {
+        lines.push_back(Line(command, true));
+        lines.back().push_back(LongName(option) + (value.empty() ? "" : "=" + value));
+      }
+    }
+    return lines;
+  }
+
+  // Ways to run the command that together show all that it has to say.
+  std::vector<Arguments> Lines(const Command& command) const {
+    std::vector<Arguments> lines = LinesWithOptions(command);
+    lines.push_back(Line(command, true));
+    lines.push_back(Line(command, false));
+    const std::size_t words = lines.back().size() - CountNeeded(command);
+    for (std::size_t i = words; i < lines[lines.size() - 2].size(); ++i) {
+      lines.push_back(Line(command, true));
+      lines.back()[i] = MoreOrders();
+    }
+    lines.push_back(Line(command, true));
+    lines.back().push_back("--" + MoreOrders());
+    return lines;
+  }
+
+  // Returns what a terminal gets of both streams, with a fresh index.
+  std::string Screen(const Arguments& arguments) {
+    for (const char* made : {"my.index", "new.index"}) std::filesystem::remove(Path(made));
+    std::filesystem::copy_file(Path("base.index"), Path("my.index"));
+    const bool is_list = arguments.back() == "--stdin0";
+    return Shown({STDOUT_FILENO, STDERR_FILENO}, arguments,
+                 [&] { dup2(open(is_list ? "list" : "words", O_RDONLY), STDIN_FILENO); });
+  }
+
+  const std::string name_ = "name" + Orders();
+
+ private:
+  static std::size_t CountNeeded(const Command& command) {
+    std::size_t needed = 0;
+    for (const Positional& positional : command.positionals) {
+      needed += positional.count == Positional::Count::kOne ||
+                positional.count == Positional::Count::kOneOrMore;
+    }
+    return needed;
+  }
+};
+
+// Covers a command that comes later, as long as Good() knows its arguments.
+TEST_F(OrdersTest, OfFilesAndIndexesDoNotReachIt) {
+  for (const Command& command : kestan_cli::AllCommands()) {
+    for (const Arguments& line : Lines(command)) {
+      const bool coloured = line.back() == "--color=always";
+      ExpectHarmless(WithoutOwnOrders(Screen(line), coloured), line);
+    }
+  }
+}
+
+TEST_F(OrdersTest, AreShownSpelledOut) {
+  const std::set<std::string> shown_by = {"list",        "search",   "words",        "title get",
+                                          "summary get", "user get", "wordlist get", "check",
+                                          "dump",        "export",   "move",         "remove"};
+  for (const Command& command : kestan_cli::AllCommands()) {
+    if (shown_by.count(command.name) == 0) continue;
+    Arguments line = Line(command, true);
+    if (command.name == "move" || command.name == "remove") line.back() = "no" + Orders();
+    if (command.name == "move") line[2] = "no" + Orders();
+    EXPECT_NE(Screen(line).find("1b[2J"), std::string::npos) << command.name;
+  }
+}
+
+TEST_F(OrdersTest, OfColoursAreTheCommandsOwn) {
+  const Arguments line = {"search", "--color=always", "my.index", "cat"};
+  const std::string shown = Screen(line);
+  EXPECT_NE(shown.find("\x1b[1;31mcat\x1b[0m"), std::string::npos) << shown;
+  ExpectHarmless(WithoutOwnOrders(shown, true), line);
+}
+
+TEST_F(OrdersTest, StayExactForAProgramThatReads) {
+  std::filesystem::copy_file(Path("base.index"), Path("my.index"));
+  for (const char* record : {"title", "summary"}) {
+    EXPECT_EQ(Run({record, "get", "my.index", name_}), Success(MoreOrders() + "\n")) << record;
+  }
+  EXPECT_EQ(Run({"list", "my.index"}), Success(name_ + "\nother" + name_ + "\n"));
+  EXPECT_NE(Run({"words", "my.index"}).out.find(Orders() + "\n"), std::string::npos);
+}
+
+TEST_F(OrdersTest, LeaveJsonWhatItIs) {
+  std::filesystem::copy_file(Path("base.index"), Path("my.index"));
+  for (const Arguments& line : {Arguments{"list", "my.index"},
+                                {"search", "--snippets", "my.index", "cat"},
+                                {"words", "my.index"},
+                                {"title", "get", "my.index", name_},
+                                {"wordlist", "get", "my.index", Orders()},
+                                {"check", "my.index"}}) {
+    Arguments with_json = line;
+    with_json.emplace_back("--json");
+    const std::string shown = Shown(STDOUT_FILENO, with_json);
+    EXPECT_EQ(shown, Run(with_json).out);
+    const auto json = nlohmann::json::parse(shown, nullptr, false);
+    EXPECT_FALSE(json.is_discarded()) << shown;
+    EXPECT_NE(json.dump(-1, ' ', true).find("1b[2J"), std::string::npos) << shown;
+  }
+}
+
+}  // namespace
+}  // namespace kestan_tests

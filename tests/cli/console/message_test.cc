@@ -1,0 +1,36 @@
+#include "cli/console/message.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+
+namespace kestan_cli {
+namespace {
+
+TEST(MessageTest, ControlCharactersAreSpelledOut) {
+  EXPECT_EQ(OneLine("a\nb\x1b[1m\x7f"), "a\\nb\\x1b[1m\\x7f");
+}
+
+TEST(MessageTest, ControlCharactersOfTwoBytesAreSpelledOut) {
+  EXPECT_EQ(OneLine("\xc2\x80 \xc2\x9b \xc2\xa0 \xc2"), "\\xc2\\x80 \\xc2\\x9b \xc2\xa0 \\xc2");
+}
+
+TEST(MessageTest, OtherBytesStayAsTheyAre) { EXPECT_EQ(OneLine(" caf\xc3\xa9~"), " caf\xc3\xa9~"); }
+
+TEST(MessageTest, NamesStandBetweenQuotesOnOneLine) { EXPECT_EQ(Quoted("a\nb"), "'a\\nb'"); }
+
+TEST(MessageTest, ReasonsBeginInLowerCase) { EXPECT_EQ(ReasonOf(EACCES), "permission denied"); }
+
+TEST(MessageTest, FoldersAreCalledSoEverywhere) {
+  EXPECT_EQ(ReasonOf(ENOENT), "no such file or folder");
+  EXPECT_EQ(ReasonOf(EISDIR), "is a folder");
+}
+
+TEST(MessageTest, OnlyOneIsSingular) {
+  EXPECT_EQ(Counted(0, "link"), "0 links");
+  EXPECT_EQ(Counted(1, "link"), "1 link");
+  EXPECT_EQ(Counted(2, "link"), "2 links");
+}
+
+}  // namespace
+}  // namespace kestan_cli

@@ -1,0 +1,98 @@
+#include "cli/files/fingerprint.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace kestan_cli {
+namespace {
+
+const std::string kHash = "00112233445566778899aabbccddeeff";
+
+Fingerprint Example() { return {{1234, 1700000000, 5}, kHash}; }
+
+std::string ExampleLine() { return "size=1234 mtime=1700000000.000000005 hash=" + kHash; }
+
+TEST(FingerprintTest, IsOneLine) { EXPECT_EQ(WithFingerprint("", Example()), ExampleLine()); }
+
+TEST(FingerprintTest, IsReadAsItWasWritten) {
+  const auto found = FingerprintIn(ExampleLine());
+  ASSERT_TRUE(found.has_value());
+  EXPECT_EQ(found->state, Example().state);
+  EXPECT_EQ(found->hash, kHash);
+}
+
+TEST(FingerprintTest, TimesBefore1970AndHugeSizesAreKept) {
+  const Fingerprint odd{{0xffffffffffffffffu, -5, 999999999}, kHash};
+  const auto found = FingerprintIn(WithFingerprint("", odd));
+  ASSERT_TRUE(found.has_value());
+  EXPECT_EQ(found->state, odd.state);
+}
+
+TEST(FingerprintTest, ReadingIsKeptWhereItIsNotThatOfTheName) {
+  Fingerprint odd = Example();
+  odd.reading = "0123456789abcdef";
+  EXPECT_EQ(WithFingerprint("", odd), ExampleLine() + " read=0123456789abcdef");
+  EXPECT_EQ(FingerprintIn(WithFingerprint("", odd))->reading, "0123456789abcdef");
+  EXPECT_EQ(FingerprintIn(ExampleLine())->reading, "");
+  EXPECT_FALSE(FingerprintIn(ExampleLine() + " read=0123456789abcde").has_value());
+  EXPECT_FALSE(FingerprintIn(ExampleLine() + " read=0123456789abcdef0").has_value());
+}
+
+TEST(FingerprintTest, UsersTextStaysBelow) {
+  EXPECT_EQ(WithFingerprint("my\nnotes", Example()), ExampleLine() + "\nmy\nnotes");
+}
+
+TEST(FingerprintTest, NewFingerprintReplacesTheOldAndNothingElse) {
+  const std::string old = WithFingerprint("my\nnotes", {{1, 2, 3}, kHash});
+  EXPECT_EQ(WithFingerprint(old, Example()), ExampleLine() + "\nmy\nnotes");
+  EXPECT_EQ(WithFingerprint(ExampleLine(), Example()), ExampleLine());
+  EXPECT_EQ(WithFingerprint(ExampleLine() + "\n", Example()), ExampleLine());
+}
+
+TEST(FingerprintTest, FingerprintBelowTheFirstLineIsTheUsers) {
+  EXPECT_FALSE(FingerprintIn("note\n" + ExampleLine()).has_value());
+}
+
+TEST(FingerprintTest, EveryTruncationIsNone) {
+  const std::string line = ExampleLine();
+  for (std::size_t bytes = 0; bytes < line.size(); ++bytes) {
+    EXPECT_FALSE(FingerprintIn(line.substr(0, bytes)).has_value()) << bytes;
+  }
+}
+
+TEST(FingerprintTest, OtherLinesAreNone) {
+  EXPECT_FALSE(FingerprintIn(ExampleLine() + " ").has_value());
+  EXPECT_FALSE(FingerprintIn(" " + ExampleLine()).has_value());
+  EXPECT_FALSE(FingerprintIn("size=x mtime=1.0 hash=" + kHash).has_value());
+  EXPECT_FALSE(FingerprintIn("size=99999999999999999999 mtime=1.0 hash=" + kHash).has_value());
+}
+
+std::string HashOf(const std::string& text) {
+  ContentHash hash;
+  hash.Add(text);
+  return hash.Digits();
+}
+
+TEST(ContentHashTest, IsXxh3) {
+  // The value that the algorithm's description gives for no input.
+  EXPECT_EQ(HashOf(""), "99aa06d3014798d86001c324468d497f");
+}
+
+TEST(ContentHashTest, PiecesDoNotMatter) {
+  ContentHash hash;
+  hash.Add("cat ");
+  hash.Add("");
+  hash.Add("dog");
+  EXPECT_EQ(hash.Digits(), HashOf("cat dog"));
+  EXPECT_NE(hash.Digits(), HashOf("cat dot"));
+}
+
+TEST(ContentHashTest, SameContentHasSameSizeToo) {
+  EXPECT_TRUE(HaveSameContent({{1, 2, 3}, kHash}, {{1, 5, 6}, kHash}));
+  EXPECT_FALSE(HaveSameContent({{1, 2, 3}, kHash}, {{2, 2, 3}, kHash}));
+  EXPECT_FALSE(HaveSameContent({{1, 2, 3}, kHash}, {{1, 2, 3}, "x"}));
+}
+
+}  // namespace
+}  // namespace kestan_cli

@@ -1,0 +1,281 @@
+#include "cli/files/scan.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "cli/console/message.h"
+#include "tests/cli/command_test.h"
+
+namespace kestan_cli {
+namespace {
+
+using Names = std::vector<std::string>;
+
+// Works inside the test's folder, so that names are short.
+class ScanTest : public kestan_tests::CommandTest {
+ protected:
+  void SetUp() override { std::filesystem::current_path(Path("")); }
+  void TearDown() override { std::filesystem::current_path("/"); }
+
+  static Scan ScanOf(const Names& paths, const NameFilter& filter = {},
+                     const std::string& index = "index") {
+    return ScanPaths(paths, index, filter, MissingPath::kThrow);
+  }
+
+  static Names FilesOf(const Scan& scan) {
+    Names names;
+    for (const FoundFile& file : scan.files) names.push_back(file.name);
+    return names;
+  }
+
+  static Names Files(const Names& paths) { return FilesOf(ScanOf(paths)); }
+
+  static Names SkipsOf(const Scan& scan) {
+    Names skips;
+    for (const Skip& skip : scan.skips) skips.push_back(skip.name + ": " + skip.reason);
+    return skips;
+  }
+
+  static std::string Complaint(const Names& paths) {
+    try {
+      return std::to_string(ScanOf(paths).files.size()) + " files";
+    } catch (const CommandError& error) {
+      return error.what();
+    }
+  }
+};
+
+TEST_F(ScanTest, FoldersAreWalkedInOrderOfBytes) {
+  for (const char* name : {"d/b", "d/a/z", "d/a.txt", "d/B", "d/.hidden"}) Write(name, "text");
+  EXPECT_EQ(Files({"d"}), (Names{"d/.hidden", "d/B", "d/a.txt", "d/a/z", "d/b"}));
+}
+
+TEST_F(ScanTest, NamesAreShort) {
+  Write("d/a", "text");
+  EXPECT_EQ(Files({"./d/../d//"}), Names{"d/a"});
+  EXPECT_EQ(Files({"."}), Names{"d/a"});
+}
+
+TEST_F(ScanTest, OverlappingPathsNameEachFileOnce) {
+  Write("d/a", "text");
+  EXPECT_EQ(Files({"d/a", "d", ".", "./d/a"}), Names{"d/a"});
+}
+
+TEST_F(ScanTest, FilesComeWithSizeAndTime) {
+  Write("a", "text");
+  const timespec times[] = {{0, 0}, {1000000000, 123456789}};
+  ASSERT_EQ(utimensat(AT_FDCWD, "a", times, 0), 0);
+  EXPECT_EQ(ScanOf({"a"}).files.at(0).state, (FileState{4, 1000000000, 123456789}));
+}
+
+TEST_F(ScanTest, FilesAreNotRead) {
+  Write("d/a", std::string(1, '\0'));
+  Write("d/b", "");
+  EXPECT_EQ(Files({"d"}), (Names{"d/a", "d/b"}));
+}
+
+TEST_F(ScanTest, PipesAreSkippedAndNotOpened) {
+  Write("d/text", "text");
+  ASSERT_EQ(mkfifo("d/pipe", 0644), 0);
+  const Scan scan = ScanOf({"d"});
+  EXPECT_EQ(FilesOf(scan), Names{"d/text"});
+  EXPECT_EQ(SkipsOf(scan), Names{"d/pipe: pipe, socket or device"});
+}
+
+TEST_F(ScanTest, LinksInFoldersAreSkippedAndNotFollowed) {
+  Write("d/a", "text");
+  Write("elsewhere/b", "text");
+  std::filesystem::create_symlink("a", "d/file");
+  std::filesystem::create_symlink("../elsewhere", "d/folder");
+  std::filesystem::create_symlink("nowhere", "d/broken");
+  const Scan scan = ScanOf({"d"});
+  EXPECT_EQ(FilesOf(scan), Names{"d/a"});
+  EXPECT_EQ(SkipsOf(scan),
+            (Names{"d/broken: symbolic link", "d/file: symbolic link", "d/folder: symbolic link"}));
+}
+
+TEST_F(ScanTest, LinksGivenByHandAreFollowed) {
+  Write("d/a", "text");
+  std::filesystem::create_symlink("d", "folder");
+  std::filesystem::create_symlink("d/a", "file");
+  const Scan scan = ScanOf({"folder", "file"});
+  EXPECT_EQ(FilesOf(scan), (Names{"file", "folder/a"}));
+  EXPECT_EQ(SkipsOf(scan), Names{});
+}
+
+TEST_F(ScanTest, WhatAnyPathLeadsToIsNotSkipped) {
+  Write("d/a", "text");
+  std::filesystem::create_symlink("a", "d/link");
+  const Scan scan = ScanOf({"d", "d/link"});
+  EXPECT_EQ(FilesOf(scan), (Names{"d/a", "d/link"}));
+  EXPECT_EQ(SkipsOf(scan), Names{});
+}
+
+TEST_F(ScanTest, TheIndexIsLeftOutUnderAnyName) {
+  Write("d/a", "text");
+  Write("d/index", "text");
+  std::filesystem::create_hard_link("d/index", "d/other");
+  EXPECT_EQ(FilesOf(ScanOf({"d"}, {}, "./d/../d/index")), Names{"d/a"});
+}
+
+TEST_F(ScanTest, WorkFoldersAreLeftOutAndForeignFilesAreNot) {
+  const std::string left = "d/index.kestan-new.0123456789abcdef6b9c2d26";
+  for (const std::string name : {"d/a", "d/index", "d/index.lock", "d/index.kestan-new"}) {
+    Write(name, "text");
+  }
+  Write(left + "/file", "text");
+  std::filesystem::create_symlink("d/index", "link");
+  const Names names{"d/a", "d/index.kestan-new", "d/index.lock"};
+  EXPECT_EQ(FilesOf(ScanOf({"d"}, {}, "d/index")), names);
+  EXPECT_EQ(FilesOf(ScanOf({"d"}, {}, "link")), names);
+}
+
+TEST_F(ScanTest, EmptyFolderHasNoFiles) {
+  std::filesystem::create_directory("d");
+  EXPECT_EQ(Files({"d"}), Names{});
+}
+
+TEST_F(ScanTest, MissingPathIsNamed) {
+  Write("a", "text");
+  EXPECT_EQ(Complaint({"a", "b"}), "cannot read 'b': no such file or folder");
+  EXPECT_EQ(Complaint({"a/b"}), "cannot read 'a/b': no such file or folder");
+  EXPECT_EQ(Complaint({""}), "cannot read '': no such file or folder");
+}
+
+TEST_F(ScanTest, MissingPathOfAListIsSkipped) {
+  Write("a", "text");
+  const Scan scan = ScanPaths({"a", "b"}, "index", {}, MissingPath::kSkip);
+  EXPECT_EQ(FilesOf(scan), Names{"a"});
+  EXPECT_EQ(SkipsOf(scan), Names{"b: no such file or folder"});
+}
+
+TEST_F(ScanTest, BrokenLinkGivenByHandIsMissing) {
+  std::filesystem::create_symlink("nowhere", "a");
+  EXPECT_EQ(Complaint({"a"}), "cannot read 'a': no such file or folder");
+}
+
+TEST_F(ScanTest, DevicesGivenByHandAreRefused) {
+  EXPECT_EQ(Complaint({"/dev/null"}), "cannot read '/dev/null': neither a file nor a folder");
+}
+
+TEST_F(ScanTest, LineFeedInTheNameOfAnyFolderIsTold) {
+  Write("d\nd/a", "text");
+  EXPECT_EQ(SkipsOf(ScanOf({"."})), Names{"d\nd/a: its name holds a line feed"});
+}
+
+TEST_F(ScanTest, ExcludedFoldersAreNotWalked) {
+  for (const char* name : {"d/.git/a", "d/b.o", "d/e/c.o", "d/e/c.txt"}) Write(name, "text");
+  const Scan scan = ScanOf({"d"}, {{}, {Glob(".git"), Glob("e/*.o")}});
+  EXPECT_EQ(FilesOf(scan), (Names{"d/b.o", "d/e/c.txt"}));
+  EXPECT_EQ(SkipsOf(scan), (Names{"d/.git: excluded by '.git'", "d/e/c.o: excluded by 'e/*.o'"}));
+}
+
+TEST_F(ScanTest, PatternsAreHeldAgainstThePathBelowTheOneGiven) {
+  Write("d/e/a.txt", "text");
+  const NameFilter filter{{Glob("e/*")}, {}};
+  EXPECT_EQ(FilesOf(ScanOf({"d"}, filter)), Names{"d/e/a.txt"});
+  EXPECT_EQ(FilesOf(ScanOf({"d/"}, filter)), Names{"d/e/a.txt"});
+  EXPECT_EQ(FilesOf(ScanOf({"d/e"}, filter)), Names{});
+}
+
+TEST_F(ScanTest, FilesGivenByHandAreTakenWhateverThePatterns) {
+  Write("a.o", "text");
+  EXPECT_EQ(FilesOf(ScanOf({"a.o"}, {{}, {Glob("*.o")}})), Names{"a.o"});
+}
+
+using NameOfTest = ScanTest;
+
+TEST_F(NameOfTest, NamesHaveNoDotsAndNoSlashAtTheEnd) {
+  EXPECT_EQ(NameOf("./a//b/./c/"), "a/b/c");
+  EXPECT_EQ(NameOf("."), ".");
+  EXPECT_EQ(NameOf("./"), ".");
+  EXPECT_EQ(NameOf("/"), "/");
+  EXPECT_EQ(NameOf("//a/."), "/a");
+  EXPECT_EQ(NameOf(""), "");
+  EXPECT_EQ(NameOf("a..b/..c"), "a..b/..c");
+}
+
+TEST_F(NameOfTest, WayUpFromAFolderIsTakenOut) {
+  std::filesystem::create_directories("a/b");
+  EXPECT_EQ(NameOf("a/b/../c"), "a/c");
+  EXPECT_EQ(NameOf("a/b/../../c"), "c");
+  EXPECT_EQ(NameOf("a/.."), ".");
+  EXPECT_EQ(NameOf("./a/b/.././../a"), "a");
+  EXPECT_EQ(NameOf(Path("a/../c")), Path("c"));
+  EXPECT_EQ(NameOf("/../a"), "/a");
+  EXPECT_EQ(NameOf("../a/.."), "../a/..");  // of which nothing is known
+}
+
+TEST_F(NameOfTest, WayUpFromAnythingElseStays) {
+  std::filesystem::create_directories("a/b");
+  std::filesystem::create_directories("x/y");
+  std::filesystem::create_symlink("../x/y", "a/link");
+  Write("file", "text");
+  EXPECT_EQ(NameOf("a/link/../f"), "a/link/../f");
+  EXPECT_EQ(NameOf("a//link/./..//y/../f/"), "a/link/../f");
+  EXPECT_EQ(NameOf("a/link/../../f"), "a/link/../../f");
+  EXPECT_EQ(NameOf("gone/../f"), "gone/../f");
+  EXPECT_EQ(NameOf("file/../f"), "file/../f");
+  EXPECT_EQ(NameOf("../../f"), "../../f");
+}
+
+TEST_F(ScanTest, WayUpFromALinkLeadsToTheFileThatTheSystemFinds) {
+  Write("a/f", "one");
+  Write("b/f", "other text");
+  std::filesystem::create_directory("b/inner");
+  std::filesystem::create_symlink("../b/inner", "a/link");
+  const Scan scan = ScanOf({"a/link/../f"});
+  EXPECT_EQ(FilesOf(scan), Names{"a/link/../f"});
+  EXPECT_EQ(scan.files.at(0).state.bytes, 10u);
+  EXPECT_EQ(Files({"a/link/.."}), Names{"a/link/../f"});
+}
+
+TEST(IsBelowTest, NamesAreBelowTheirFolders) {
+  EXPECT_TRUE(IsBelow("d/e/a", {"d"}));
+  EXPECT_TRUE(IsBelow("d/e/a", {"x", "d/e"}));
+  EXPECT_TRUE(IsBelow("d", {"d"}));
+  EXPECT_FALSE(IsBelow("dd", {"d"}));
+  EXPECT_FALSE(IsBelow("dd/a", {"d"}));
+  EXPECT_FALSE(IsBelow("a", {}));
+}
+
+TEST(IsBelowTest, TheFolderOfTheProcessHoldsNamesThatDoNotLeaveIt) {
+  EXPECT_TRUE(IsBelow("a", {"."}));
+  EXPECT_TRUE(IsBelow("a/b", {"."}));
+  EXPECT_TRUE(IsBelow("..a", {"."}));
+  EXPECT_FALSE(IsBelow("../a", {"."}));
+  EXPECT_FALSE(IsBelow("/a", {"."}));
+  EXPECT_TRUE(IsBelow("../a", {".."}));
+  EXPECT_FALSE(IsBelow("a", {".."}));
+}
+
+TEST(IsBelowTest, WhatIsBehindAWayUpIsNotBelowWhatIsBeforeIt) {
+  EXPECT_FALSE(IsBelow("a/link/../f", {"a"}));
+  EXPECT_FALSE(IsBelow("a/link/../f", {"a/link", "."}));
+  EXPECT_FALSE(IsBelow("/a/link/../f", {"/"}));
+  EXPECT_TRUE(IsBelow("a/link/../f", {"a/link/.."}));
+  EXPECT_TRUE(IsBelow("a/link/../f", {"a/link/../f"}));
+}
+
+TEST(IsBelowTest, TheRootHoldsAllAbsoluteNames) {
+  EXPECT_TRUE(IsBelow("/a/b", {"/"}));
+  EXPECT_FALSE(IsBelow("a/b", {"/"}));
+}
+
+TEST_F(ScanTest, VanishedIsOnlyWhatIsKnownToBe) {
+  Write("a", "text");
+  std::filesystem::create_symlink("nowhere", "link");
+  EXPECT_FALSE(HasVanished("a"));
+  EXPECT_FALSE(HasVanished("link"));
+  EXPECT_TRUE(HasVanished("b"));
+  EXPECT_TRUE(HasVanished("a/b"));
+  EXPECT_FALSE(HasVanished(std::string(300, 'x')));
+}
+
+}  // namespace
+}  // namespace kestan_cli

@@ -1,0 +1,133 @@
+#include "cli/files/stable_file.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <string>
+
+#include "cli/files/skip.h"
+#include "tests/cli/command_test.h"
+
+namespace kestan_cli {
+namespace {
+
+class SteadyFileTest : public kestan_tests::CommandTest {
+ protected:
+  // Reads the file `name`, with `meanwhile` done after its first piece.
+  //   Returns  what was read, or the reason why not.
+  std::string Read(
+      const std::string& name, const std::function<void()>& meanwhile = [] {}) {
+    try {
+      SteadyFile file(Path(name));
+      std::string text;
+      std::string_view piece;
+      while (file.Read(&piece)) {
+        text += piece;
+        meanwhile();
+      }
+      fingerprint_ = file.Finish();
+      return text;
+    } catch (const SkipFile& skip) {
+      return KeyOf(skip.kind()) + ": " + skip.what();
+    }
+  }
+
+  Fingerprint fingerprint_;
+};
+
+TEST_F(SteadyFileTest, AllBytesAreReadAndHashed) {
+  const std::string text = std::string(300000, 'x') + "\r\n\xff" + std::string(1, '\0');
+  Write("a", text);
+  EXPECT_EQ(Read("a"), text);
+  ContentHash hash;
+  hash.Add(text);
+  EXPECT_EQ(fingerprint_.hash, hash.Digits());
+  EXPECT_EQ(fingerprint_.state.bytes, text.size());
+}
+
+TEST_F(SteadyFileTest, EmptyFileIsRead) {
+  Write("a", "");
+  EXPECT_EQ(Read("a"), "");
+  EXPECT_EQ(fingerprint_.state.bytes, 0u);
+}
+
+TEST_F(SteadyFileTest, TimeIsThatOfTheFile) {
+  Write("a", "text");
+  const timespec times[] = {{0, 0}, {1000000000, 123456789}};
+  ASSERT_EQ(utimensat(AT_FDCWD, Path("a").c_str(), times, 0), 0);
+  Read("a");
+  EXPECT_EQ(fingerprint_.state, (FileState{4, 1000000000, 123456789}));
+}
+
+TEST_F(SteadyFileTest, MissingFileIsTold) {
+  EXPECT_EQ(Read("a"), "unreadable: no such file or folder");
+}
+
+TEST_F(SteadyFileTest, FileThatGrowsIsTold) {
+  Write("a", "text");
+  EXPECT_EQ(Read("a", [this] { Write("a", "longer text"); }),
+            "changing: changed while it was read");
+}
+
+TEST_F(SteadyFileTest, FileThatShrinksIsTold) {
+  Write("a", std::string(300000, 'x'));
+  EXPECT_EQ(Read("a", [this] { Write("a", "x"); }), "changing: changed while it was read");
+}
+
+TEST_F(SteadyFileTest, FileOverwrittenInItsLengthIsTold) {
+  Write("a", "text");
+  EXPECT_EQ(Read("a", [this] { Write("a", "tex2"); }), "changing: changed while it was read");
+}
+
+TEST_F(SteadyFileTest, FileThatVanishesIsTold) {
+  Write("a", "text");
+  EXPECT_EQ(Read("a", [this] { std::filesystem::remove(Path("a")); }),
+            "changing: vanished while it was read");
+}
+
+TEST_F(SteadyFileTest, FileThatIsReplacedIsTold) {
+  Write("a", "text");
+  Write("b", "text");
+  std::filesystem::last_write_time(Path("b"), std::filesystem::last_write_time(Path("a")));
+  EXPECT_EQ(Read("a", [this] { std::filesystem::rename(Path("b"), Path("a")); }),
+            "changing: changed while it was read");
+}
+
+TEST_F(SteadyFileTest, PipeInAFilesPlaceIsNotWaitedFor) {
+  ASSERT_EQ(mkfifo(Path("a").c_str(), 0644), 0);
+  EXPECT_EQ(Read("a"), "changing: not a file");
+}
+
+TEST_F(SteadyFileTest, FolderInAFilesPlaceIsTold) {
+  std::filesystem::create_directory(Path("a"));
+  EXPECT_EQ(Read("a"), "changing: not a file");
+}
+
+// Without the wait, the second version could have the time of the first.
+TEST_F(SteadyFileTest, ChangeRightAfterReadingShowsInTheTime) {
+  for (int i = 0; i < 20; ++i) {
+    Write("a", "text");
+    ASSERT_EQ(Read("a"), "text");
+    const FileState before = fingerprint_.state;
+    Write("a", "tex2");
+    ASSERT_EQ(Read("a"), "tex2");
+    EXPECT_NE(fingerprint_.state, before);
+  }
+}
+
+TEST_F(SteadyFileTest, OldFilesAndThoseOfTheFutureAreNotWaitedFor) {
+  Write("a", "text");
+  for (const long seconds : {1000000000L, 2000000000L}) {
+    const timespec times[] = {{0, 0}, {seconds, 0}};
+    ASSERT_EQ(utimensat(AT_FDCWD, Path("a").c_str(), times, 0), 0);
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < 100; ++i) Read("a");
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1000));
+  }
+}
+
+}  // namespace
+}  // namespace kestan_cli

@@ -1,0 +1,54 @@
+#include "cli/files/text_hash.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+#include "tests/cli/command_test.h"
+
+namespace kestan_cli {
+namespace {
+
+TEST(TextHashTest, EqualTextsHaveOneHash) {
+  EXPECT_EQ(TextHash()("a text"), TextHash()(std::string("a text")));
+}
+
+TEST(TextHashTest, TextsOfAnyLengthDiffer) {
+  std::set<std::size_t> seen;
+  for (std::size_t size = 0; size < 1000; ++size) seen.insert(TextHash()(std::string(size, 'a')));
+  EXPECT_EQ(seen.size(), 1000u);
+}
+
+// Each command is a process with a secret of its own.
+class SecretsTest : public kestan_tests::CommandTest {};
+
+TEST_F(SecretsTest, NoByteOfAnIndexFollowsFromTheSecret) {
+  std::string text;
+  for (char first = 'a'; first <= 'z'; ++first) {
+    for (char second = 'a'; second <= 'z'; ++second) text += {first, second, 'x', ' '};
+  }
+  for (const char* name : {"d/one", "d/two", "d/three"}) Write(name, text + name);
+  bool is_same = false;
+  // Some more trials, for documents hold the second in which they were added.
+  for (int trial = 0; trial < 5 && !is_same; ++trial) {
+    for (const char* name : {"a", "b"}) {
+      std::filesystem::remove(Path(name));
+      ASSERT_EQ(Run({"index", name, "d"}).status, 0);
+    }
+    is_same = kestan_tests::BytesOfFile(Path("a")) == kestan_tests::BytesOfFile(Path("b"));
+  }
+  EXPECT_TRUE(is_same);
+}
+
+TEST_F(SecretsTest, NoAnswerFollowsFromTheSecret) {
+  for (int i = 0; i < 30; ++i) Write("d/" + std::to_string(i), "flow of air caf\xc3\xa9");
+  ASSERT_EQ(Run({"index", "my.index", "d"}).status, 0);
+  const auto search = [this] { return Run({"search", "--any", "my.index", "flow cafe air"}).out; };
+  const std::string first = search();
+  EXPECT_NE(first, "");
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(search(), first);
+}
+
+}  // namespace
+}  // namespace kestan_cli

@@ -1,0 +1,68 @@
+// The table of a document's words against a plain map.
+#include <kestan/indexing/tokenizer.h>
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/support/colliding_words.h"
+
+namespace {
+
+using WordMap = std::map<std::string, std::vector<kestan::Position>>;
+
+WordMap PlainWords(const std::string& text) {
+  WordMap words;
+  std::istringstream stream(text);
+  unsigned count = 0;
+  for (std::string word; stream >> word; ++count) {
+    const auto position = static_cast<kestan::Position>(count % 65535 + 1);
+    std::string folded = word;
+    for (char& byte : folded) byte = static_cast<char>(byte | 0x20);
+    words[word].push_back(position);
+    if (folded != word) words[folded].push_back(position);
+  }
+  return words;
+}
+
+WordMap Words(const std::string& text) {
+  const kestan::DocumentWords table(text);
+  WordMap words;
+  for (const auto& word : table.words()) {
+    const std::string bytes(word.bytes);
+    EXPECT_EQ(words.count(bytes), 0u) << bytes;
+    words[bytes].assign(word.positions.begin(), word.positions.end());
+  }
+  return words;
+}
+
+RC_GTEST_PROP(DocumentWords, AreThoseOfAPlainMap, ()) {
+  const auto text = *rc::gen::container<std::string>(
+      rc::gen::element('a', 'b', 'A', 'B', '@', '\x80', ' ', ' ', '\n', '\t', '\v', '\f', '\r'));
+  RC_ASSERT(Words(text) == PlainWords(text));
+}
+
+TEST(DocumentWords, OfALongTextAreThoseOfAPlainMap) {
+  std::string text;
+  for (unsigned i = 0; i < 200000; ++i) {
+    text += (i % 3 == 0 ? "Word" : "word") + std::to_string(i * 7919 % 5003) + " ";
+  }
+  EXPECT_EQ(Words(text), PlainWords(text));
+}
+
+TEST(DocumentWords, OfOneHashAreToldApart) {
+  const auto [one, two] = kestan_tests::PairOfOneHash(kestan::Hasher(), "");
+  const std::string text = one + " " + two + " " + one;
+  EXPECT_EQ(Words(text), PlainWords(text));
+}
+
+TEST(DocumentWords, OfAnEmptyTextAreNone) {
+  EXPECT_TRUE(Words("").empty());
+  EXPECT_TRUE(Words(" \n\t").empty());
+}
+
+}  // namespace

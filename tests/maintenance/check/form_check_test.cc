@@ -1,0 +1,54 @@
+// The case-folded form of a word stands wherever the word does.
+#include <kestan/maintenance/check/form_check.h>
+
+#include <string>
+
+#include "tests/maintenance/maintenance_test.h"
+
+namespace kestan_tests {
+namespace {
+
+const char* const kFault =
+    "Cat: the case-folded form is not where this is, first in the document of code ";
+
+TEST(FormCheck, FoldedWordsHaveBitFiveInEveryByte) {
+  EXPECT_TRUE(kestan::IsFolded("cat1-\xe9"));
+  EXPECT_FALSE(kestan::IsFolded("Cat"));
+  EXPECT_FALSE(kestan::IsFolded("caf\xc3\xa9"));
+}
+
+TEST(FormCheck, EntriesAndPositionsOfTheSmallFormInOrder) {
+  EXPECT_EQ(LinesOf(With({{"Cat", Units({1, 1, 1, 2, 1, 1})}})), Lines());
+  EXPECT_EQ(LinesOf(With({{"Cat", Units({2, 1, 1})}})), Lines());
+}
+
+TEST(FormCheck, AnEntryThatTheSmallFormLacks) {
+  EXPECT_EQ(LinesOf(With({{"Cat", Units({2, 1, 1, 1, 1, 1})}})),
+            Lines({kFault + std::string("1")}));
+  EXPECT_EQ(
+      LinesOf(With({{"Dog", Units({2, 1, 1})}})),
+      Lines({"Dog: the case-folded form is not where this is, first in the document of code 2"}));
+}
+
+TEST(FormCheck, APositionThatTheSmallFormLacks) {
+  EXPECT_EQ(LinesOf(With({{"Cat", Units({1, 1, 2})}})), Lines({kFault + std::string("1")}));
+  EXPECT_EQ(LinesOf(With({{"Cat", Units({1, 1, 1, 2, 2, 1, 1})}})),
+            Lines({kFault + std::string("2"), "d-b: positions of a word do not ascend"}));
+}
+
+TEST(FormCheck, WithoutPositionsCodesAreCompared) {
+  const Records records{{"g-opts", Units({1, 0})}, {"cat", Units({1, 2})}, {"dog", Units({1})}};
+  Records changed = records;
+  changed["Dog"] = Units({2});
+  EXPECT_EQ(LinesOf(With(records)), Lines());
+  EXPECT_EQ(
+      LinesOf(With(changed)),
+      Lines({"Dog: the case-folded form is not where this is, first in the document of code 2"}));
+}
+
+TEST(FormCheck, WordsThatNoShrinkPurgesAreLeftOut) {
+  EXPECT_EQ(LinesOf(With({{"I", Units({1, 1, 2})}})), Lines());
+}
+
+}  // namespace
+}  // namespace kestan_tests

@@ -1,0 +1,102 @@
+// Which documents come of document and name records that do not agree.
+#include <gtest/gtest.h>
+#include <kestan/maintenance/repair/document_repair.h>
+
+#include <string>
+
+namespace kestan_maintenance {
+namespace {
+
+using kestan::CodeSet;
+using kestan::DocumentClaim;
+using kestan::NameClaim;
+
+// Spells documents as "name=code@time" and lost ones as "-name".
+std::string Repaired(kestan::Vector<DocumentClaim> documents, kestan::Vector<NameClaim> names,
+                     const CodeSet& retired = CodeSet()) {
+  std::string text;
+  const auto repaired = kestan::RepairDocuments(std::move(documents), names, retired);
+  for (const auto& document : repaired.documents) {
+    text += std::string(document.name) + "=" + std::to_string(document.code) + "@" +
+            std::to_string(document.timestamp) + " ";
+  }
+  for (const auto& lost : repaired.lost) text += "-" + std::string(lost.name) + " ";
+  return text;
+}
+
+TEST(DocumentRepair, RecordsThatAgreeMakeADocument) {
+  EXPECT_EQ(Repaired({{"b", 9, 2, true}, {"a", 8, 1, true}}, {{"a", 1, true}, {"b", 2, true}}),
+            "a=1@8 b=2@9 ");
+}
+
+TEST(DocumentRepair, ADocumentRecordAloneKeepsItsCode) {
+  EXPECT_EQ(Repaired({{"a", 8, 1, true}}, {}), "a=1@8 ");
+}
+
+TEST(DocumentRepair, ANameRecordAloneMakesADocumentOfTimeZero) {
+  EXPECT_EQ(Repaired({}, {{"a", 1, true}}), "a=1@0 ");
+}
+
+TEST(DocumentRepair, ADocumentRecordWithoutACodeTakesThatOfItsName) {
+  EXPECT_EQ(Repaired({{"a", 8, 0, true}}, {{"a", 3, true}}), "a=3@0 ");
+}
+
+TEST(DocumentRepair, ADocumentRecordWithoutACodeAloneIsLost) {
+  EXPECT_EQ(Repaired({{"a", 8, 0, true}}, {}), "-a ");
+}
+
+TEST(DocumentRepair, OfTwoDocumentsWithOneCodeTheNameRecordDecides) {
+  EXPECT_EQ(Repaired({{"a", 8, 1, true}, {"b", 9, 1, true}}, {{"a", 1, true}}), "a=1@8 -b ");
+}
+
+TEST(DocumentRepair, OfTwoDocumentsWithOneCodeTheOtherIsSavedByItsOwnNameRecord) {
+  EXPECT_EQ(Repaired({{"a", 8, 1, true}, {"b", 9, 1, true}}, {{"a", 1, true}, {"b", 2, true}}),
+            "a=1@8 b=2@0 ");
+}
+
+TEST(DocumentRepair, OfTwoDocumentsWithOneCodeAndNoNameTheNewerIsSaved) {
+  EXPECT_EQ(Repaired({{"a", 8, 1, true}, {"b", 9, 1, true}}, {}), "b=1@9 -a ");
+}
+
+TEST(DocumentRepair, ARenamedDocumentWhoseNameRecordWasNotWrittenHasItsNewName) {
+  EXPECT_EQ(Repaired({{"new", 9, 1, true}}, {{"old", 1, true}}), "new=1@9 ");
+}
+
+TEST(DocumentRepair, ADocumentIsNotRenamedWhereTheOldNameHasARecordOfItsOwn) {
+  EXPECT_EQ(Repaired({{"new", 9, 1, true}, {"old", 8, 2, true}}, {{"old", 1, true}}),
+            "old=1@0 -new ");
+}
+
+TEST(DocumentRepair, OfTwoCodesWithOneNameTheDocumentRecordDecides) {
+  EXPECT_EQ(Repaired({{"a", 8, 2, true}}, {{"a", 1, true}, {"a", 2, true}}), "a=2@8 ");
+}
+
+TEST(DocumentRepair, OfTwoCodesWithOneNameAndNoDocumentRecordOneIsTaken) {
+  EXPECT_EQ(Repaired({}, {{"a", 1, true}, {"a", 2, true}}), "a=1@0 ");
+  EXPECT_EQ(Repaired({}, {{"a", 1, false}, {"a", 2, true}}), "a=2@0 ");
+}
+
+TEST(DocumentRepair, AnOldDocumentRecordYieldsToTheNameRecordOfItsCode) {
+  EXPECT_EQ(Repaired({{"old", 9, 1, false}}, {{"new", 1, true}}), "new=1@0 -old ");
+}
+
+TEST(DocumentRepair, OldRecordsOfARemovedDocumentStayAway) {
+  CodeSet retired;
+  retired.set(1);
+  EXPECT_EQ(Repaired({{"a", 8, 1, false}}, {{"a", 1, false}}, retired), "");
+}
+
+TEST(DocumentRepair, CurrentRecordsOutweighTheListOfRemovedCodes) {
+  CodeSet retired;
+  retired.set(1);
+  EXPECT_EQ(Repaired({{"a", 8, 1, true}}, {{"a", 1, true}}, retired), "a=1@8 ");
+}
+
+TEST(DocumentRepair, CodeZeroNamesNoDocument) { EXPECT_EQ(Repaired({}, {{"a", 0, true}}), ""); }
+
+TEST(DocumentRepair, TheEmptyNameIsAName) {
+  EXPECT_EQ(Repaired({{"", 8, 1, true}}, {{"", 1, true}}), "=1@8 ");
+}
+
+}  // namespace
+}  // namespace kestan_maintenance
