@@ -33,7 +33,7 @@ int Run(const Arguments& arguments) {
 int RunAndReport(const Arguments& arguments) {
   try {
     return Run(arguments);
-  } catch (const ReaderLeft&) {
+  } catch (const BrokenPipe&) {
     return kFailed;
   } catch (const CommandError& error) {
     return Complain(error.what(), error.status());

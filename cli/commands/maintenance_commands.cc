@@ -98,7 +98,7 @@ int RunRepair(Kestan&, const Values& values) {
   kestan::RepairResult result;
   CheckFile(damaged);
   MakeWhole(target, damaged, [&](const std::string& part) {
-    const HeldErrors lines_of_store;
+    const CapturedStderr lines_of_store;
     if (kestan::RepairIndex(damaged.c_str(), part.c_str(), report, &result) == 0) return;
     throw CannotRepair(damaged, target, part, last);
   });
@@ -145,7 +145,7 @@ class DumpLines {
 // Fills the new file at `part`, which is to become `path`, from the dump that `input` holds.
 void Load(std::istream& input, const std::string& part, const std::string& path,
           const std::string& shown) {
-  const HeldErrors lines_of_store;
+  const CapturedStderr lines_of_store;
   Database target;
   if (const int error = target.Open(part.c_str(), 1); error != 0) {
     throw CannotMake(path, Database::ErrorString(error));

@@ -37,7 +37,7 @@ struct SearchOptions {
 // error stream: the explanation (with JSON, it is in there instead), what was left out of the
 // query, and, if nothing matches, words that may be meant.
 //   Returns  kDone, or kNoHits if nothing matches.
-//   Throws   CommandError if the index cannot be read or the output not written, ReaderLeft.
+//   Throws   CommandError if the index cannot be read or the output not written, BrokenPipe.
 int RunSearch(Kestan& engine, const std::string& index, const SearchOptions& options);
 
 }  // namespace kestan_cli

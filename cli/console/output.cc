@@ -27,7 +27,7 @@ void PrintPainted(std::string_view text) {
   errno = 0;
   const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
   if (written && std::fflush(stdout) == 0) return;
-  if (errno == EPIPE) throw ReaderLeft();
+  if (errno == EPIPE) throw BrokenPipe();
   throw CommandError("cannot write to the standard output: " + ReasonOf(errno));
 }
 
@@ -78,9 +78,9 @@ void WriteReadable(std::string_view text) {
 
 }  // namespace
 
-HeldErrors* HeldErrors::current_ = nullptr;
+CapturedStderr* CapturedStderr::current_ = nullptr;
 
-HeldErrors::HeldErrors() {
+CapturedStderr::CapturedStderr() {
   static const bool registered = std::atexit(LetOutAtExit) == 0;
   Descriptor held(memfd_create("errors", MFD_CLOEXEC));
   Descriptor stream(fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0));
@@ -92,13 +92,13 @@ HeldErrors::HeldErrors() {
   current_ = this;
 }
 
-HeldErrors::~HeldErrors() { LetOut(); }
+CapturedStderr::~CapturedStderr() { LetOut(); }
 
-void HeldErrors::LetOutAtExit() {
+void CapturedStderr::LetOutAtExit() {
   if (current_ != nullptr) current_->LetOut();
 }
 
-void HeldErrors::LetOut() {
+void CapturedStderr::LetOut() {
   if (current_ != this) return;
   current_ = nullptr;
   std::fflush(stderr);

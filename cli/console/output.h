@@ -21,14 +21,14 @@ using OpenFile = std::unique_ptr<std::FILE, CloseFile>;
 
 // Whoever read the standard output has closed it and wants no more. Ends the command with status 2
 // and without a word: nothing is wrong.
-class ReaderLeft : public std::exception {};
+class BrokenPipe : public std::exception {};
 
 // Everything that is printed goes through the functions here, for most of it came from files, which
 // are not to steer a terminal.
 
 // Writes `text` to the standard output and makes sure that it has left. A program that reads it
 // gets the very bytes, a terminal what Readable() makes of them.
-//   Throws   CommandError if it cannot be written, ReaderLeft on a closed pipe.
+//   Throws   CommandError if it cannot be written, BrokenPipe on a closed pipe.
 void Print(std::string_view text);
 
 // The same, but a terminal gets the very bytes too: `text` has orders for it, such as colours, and
@@ -68,12 +68,12 @@ std::string ReadInput(std::FILE* stream, std::size_t max_bytes);
 // Holds back what the process writes to the standard error stream from here on. The engine has a
 // line for each record that a full disk refuses, where one line says it all, and puts keys in them
 // as they are. One at a time.
-class HeldErrors {
+class CapturedStderr {
  public:
-  HeldErrors();
-  ~HeldErrors();  // lets it out, spelled out, unless it was dropped; so does the process's end
-  HeldErrors(const HeldErrors&) = delete;
-  HeldErrors& operator=(const HeldErrors&) = delete;
+  CapturedStderr();
+  ~CapturedStderr();  // lets it out, spelled out, unless it was dropped; so does the process's end
+  CapturedStderr(const CapturedStderr&) = delete;
+  CapturedStderr& operator=(const CapturedStderr&) = delete;
 
   void Drop() { dropped_ = true; }
 
@@ -81,7 +81,7 @@ class HeldErrors {
   static void LetOutAtExit();
   void LetOut();
 
-  static HeldErrors* current_;
+  static CapturedStderr* current_;
   bool dropped_ = false;
   Descriptor stream_;  // the standard error stream itself, meanwhile
   Descriptor held_;

@@ -45,7 +45,7 @@ bool HasAll(Database& copy, Database& whole) {
 // Has the engine copy its index to `part`. What it says of a failure names a file that the user
 // does not know.
 bool Copies(Kestan& engine, const std::string& part) {
-  HeldErrors lines;
+  CapturedStderr lines;
   const bool copied = engine.CopyIndexTo(part.c_str()) == 0;
   if (!copied) lines.Drop();
   return copied;

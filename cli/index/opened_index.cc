@@ -246,7 +246,7 @@ OpenedIndex::~OpenedIndex() {
 }
 
 void OpenedIndex::WriteOut(const std::function<void()>& write) const {
-  HeldErrors lines;
+  CapturedStderr lines;
   write();
   if (engine_.FileError() != 0) lines.Drop();
 }

@@ -80,7 +80,7 @@ RecordKind KindOfTwoBytes(std::string_view key, const DBDatum* value, const Post
 bool BeginsLikePostings(const DBDatum& value, const PostingRules& rules) {
   if (!rules.with_positions || !HasNul(value)) return false;
   PostingReader reader(value, true);
-  PostingEntry first{};
+  Posting first{};
   if (!reader.Next(&first) || first.positions == 0) return false;
   return first.code != 0 && first.code <= rules.highest;
 }
@@ -111,7 +111,7 @@ PostingRules ReadPostingRules(Database& store) {
 bool LooksLikePostings(const DBDatum& value, const PostingRules& rules) {
   if (value.size == 0 || value.size % kUnitBytes != 0) return false;
   PostingReader reader(value, rules.with_positions);
-  PostingEntry entry;
+  Posting entry;
   while (reader.Next(&entry)) {
     if (entry.code == 0 || entry.code > rules.highest) return false;
     if (!rules.with_positions) continue;

@@ -68,7 +68,7 @@ UnfilledVector<std::uint16_t> CopyUnits(const DBDatum& record) {
 std::size_t CountPostings(const DBDatum& record, bool with_positions) {
   if (!with_positions) return record.size / kUnitBytes;
   PostingReader reader(record, with_positions);
-  PostingEntry entry;
+  Posting entry;
   std::size_t count = 0;
   while (reader.Next(&entry)) ++count;
   return count;
@@ -92,7 +92,7 @@ bool AppendPosting(DBDatum* record, Code code, const Positions* positions) {
 
 void DropPositions(DBDatum* record) {
   PostingReader reader(*record, true);
-  PostingEntry entry;
+  Posting entry;
   std::uint32_t kept = 0;
   while (reader.Next(&entry)) StoreUnit(UnitAddress(*record, kept++), entry.code);
   record->size = kept * kUnitBytes;
@@ -100,7 +100,7 @@ void DropPositions(DBDatum* record) {
 
 bool PurgePostings(DBDatum* record, const CodeSet& codes, bool with_positions) {
   PostingReader reader(*record, with_positions);
-  PostingEntry entry;
+  Posting entry;
   std::size_t kept_units = 0;
   std::size_t read_units = 0;
   while (reader.Next(&entry)) {

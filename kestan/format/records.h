@@ -44,7 +44,7 @@ inline std::uint16_t UnitAt(const DBDatum& record, std::size_t index) {
 // An entry for each document: its code, the number n of positions, the n positions. Without
 // positions (option flag 1), the code alone. An odd last byte is ignored.
 
-struct PostingEntry {
+struct Posting {
   std::size_t first_unit;  // where the entry begins
   std::size_t units;       // how many units of it the record holds
   Code code;
@@ -69,7 +69,7 @@ class PostingReader {
 
   // Moves to the next entry.
   //   Returns  false, with `*entry` as it was, if there is none.
-  bool Next(PostingEntry* entry) {
+  bool Next(Posting* entry) {
     if (next_unit_ >= units_) return false;
     const std::size_t left = units_ - next_unit_;
     entry->first_unit = next_unit_;

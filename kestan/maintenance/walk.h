@@ -19,7 +19,7 @@ template <typename Visit>
 int ForEachRecord(Database& store, Visit visit) {
   DBDatumPtr key;
   DBDatumPtr value;
-  FlushCadence cadence(store);
+  FlushPolicy cadence(store);
   SizeGuard guard(store);
   for (int error = store.First(&key, &value); key.ptr != nullptr;
        error = store.Next(&key, &value)) {

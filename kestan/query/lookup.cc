@@ -12,8 +12,7 @@ namespace {
 constexpr std::size_t kSmallestEntryUnits = 3;  // code, count, one position
 
 // A damaged record may end behind a code, or count more positions at its end than it holds.
-void CloseLastEntry(const kestan::PostingEntry& last,
-                    kestan::UnfilledVector<std::uint16_t>* units) {
+void CloseLastEntry(const kestan::Posting& last, kestan::UnfilledVector<std::uint16_t>* units) {
   if (last.units == 1) units->push_back(0);
   if (last.units > 1) (*units)[last.first_unit + 1] = last.positions;
 }
@@ -24,7 +23,7 @@ void AddPostings(const DBDatum& record, kestan::ResultSet* set) {
   auto units = kestan::CopyUnits(record);
   set->Reserve(units.size() / kSmallestEntryUnits + 1, 0);
   kestan::PostingReader reader(record, true);
-  kestan::PostingEntry entry{};
+  kestan::Posting entry{};
   while (reader.Next(&entry)) set->AddTaken(entry.code, entry.positions, entry.first_unit + 1);
   CloseLastEntry(entry, &units);
   set->TakeUnits(std::move(units));
@@ -32,7 +31,7 @@ void AddPostings(const DBDatum& record, kestan::ResultSet* set) {
 
 void AddCodes(const DBDatum& record, kestan::ResultSet* set) {
   kestan::PostingReader reader(record, false);
-  kestan::PostingEntry entry;
+  kestan::Posting entry;
   while (reader.Next(&entry)) set->AddUnplaced(entry.code, 1);
 }
 

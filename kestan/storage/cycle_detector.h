@@ -12,7 +12,7 @@ namespace kestan {
 // Each key of a walk is compared with one that was met before, and after twice as many keys with a
 // later one, so that a cycle is noticed within three rounds. In a file that does not change between
 // the steps, a key that comes twice proves a cycle. In one that does, it may not.
-class WalkGuard {
+class CycleDetector {
  public:
   // Forgets all keys, at the start of a walk.
   void Restart() {

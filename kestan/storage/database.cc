@@ -52,7 +52,7 @@ void Rewrite(DBDatum* target, const DBDatum& source) {
 
 // Returns whether gdbm's walk on from `key` never ends, in `file` as it is now.
 bool LeadsToCycle(GDBM_FILE file, DBDatumPtr key) {
-  kestan::WalkGuard guard;
+  kestan::CycleDetector guard;
   while (!guard.HasMet(*key.ptr)) {
     const datum next = gdbm_nextkey(file, ForGdbm(*key.ptr));
     if (next.dptr == nullptr) return false;
@@ -64,7 +64,7 @@ bool LeadsToCycle(GDBM_FILE file, DBDatumPtr key) {
 }  // namespace
 
 Database::Database()
-    : walk_guard_(kestan::New<kestan::WalkGuard>()), cache_(kestan::New<kestan::DBCache>()) {}
+    : walk_guard_(kestan::New<kestan::CycleDetector>()), cache_(kestan::New<kestan::DBCache>()) {}
 
 Database::~Database() { Close(); }
 

@@ -13,7 +13,7 @@ struct gdbm_file_info;
 
 namespace kestan {
 class DBCache;
-class WalkGuard;
+class CycleDetector;
 }  // namespace kestan
 
 // A key/value file whose records, once read or written, stay in a cache.
@@ -135,7 +135,7 @@ class KESTAN_EXPORT Database {
 
   gdbm_file_info* dbf = nullptr;
   DBDatumPtr cursor;  // the key that First() or Next() found last
-  std::unique_ptr<kestan::WalkGuard> walk_guard_;
+  std::unique_ptr<kestan::CycleDetector> walk_guard_;
   int walk_error_ = 0;
   int file_error_ = 0;
   std::unique_ptr<kestan::DBCache> cache_;

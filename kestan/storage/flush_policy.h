@@ -9,9 +9,9 @@
 namespace kestan {
 
 // Flushes a store when enough has been read from it or written to it.
-class FlushCadence {
+class FlushPolicy {
  public:
-  explicit FlushCadence(Database& store) : store_(store) {}
+  explicit FlushPolicy(Database& store) : store_(store) {}
 
   // Notes a record of `bytes` bytes, which nobody may hold any more, or it would stay cached.
   //   Returns  0, or the error of a flush.

@@ -34,7 +34,7 @@ std::vector<PlainEntry> Entries(const std::string& record, bool with_positions) 
   const DBDatumPtr datum = Counted(record);
   const std::vector<unsigned> units = UnitsOf(record);
   kestan::PostingReader reader(*datum.ptr, with_positions);
-  kestan::PostingEntry entry{};
+  kestan::Posting entry{};
   std::vector<PlainEntry> entries;
   while (reader.Next(&entry)) {
     const auto first = units.begin() + static_cast<std::ptrdiff_t>(entry.first_unit);
@@ -77,7 +77,7 @@ TEST(PostingReader, AnEmptyRecordHasNoEntry) {
   EXPECT_TRUE(Entries("", true).empty());
   EXPECT_TRUE(Entries("", false).empty());
   const DBDatum none;
-  kestan::PostingEntry entry{1, 2, 3, 4};
+  kestan::Posting entry{1, 2, 3, 4};
   EXPECT_FALSE(kestan::PostingReader(none, true).Next(&entry));
   EXPECT_EQ(entry.code, 3);
 }

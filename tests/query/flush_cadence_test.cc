@@ -8,7 +8,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-class FlushCadence : public IndexTest {
+class FlushPolicy : public IndexTest {
  protected:
   // Opens an index of `count` records, of which `count` - 2 are words without documents.
   void PlantRecords(int count) {
@@ -42,7 +42,7 @@ class FlushCadence : public IndexTest {
 
 // Counts how often each record is written while one of the walks goes over records that were all
 // changed, and in two flushes after it.
-class FlushHolds : public FlushCadence {
+class FlushHolds : public FlushPolicy {
  protected:
   // Has `count` records, and the words among them changed by flag 1.
   void ChangeAll(int count) {
@@ -77,13 +77,13 @@ class FlushHolds : public FlushCadence {
   Lines last_keys_;  // each key that a walk has passed, in its order
 };
 
-TEST_F(FlushCadence, WalkOver250RecordsFlushesTwice) {
+TEST_F(FlushPolicy, WalkOver250RecordsFlushesTwice) {
   PlantRecords(250);
   EXPECT_EQ(OfDocuments(), (Numbers{101, 202}));
   EXPECT_EQ(OfWords(), (Numbers{101, 202}));
 }
 
-TEST_F(FlushCadence, FirstFlushComesAfterThe101stRecord) {
+TEST_F(FlushPolicy, FirstFlushComesAfterThe101stRecord) {
   PlantRecords(100);
   EXPECT_EQ(OfDocuments(), Numbers{});
   EXPECT_EQ(OfWords(), Numbers{});
@@ -92,14 +92,14 @@ TEST_F(FlushCadence, FirstFlushComesAfterThe101stRecord) {
   EXPECT_EQ(OfWords(), Numbers{101});
 }
 
-TEST_F(FlushCadence, EachFurtherFlushComesAfter101More) {
+TEST_F(FlushPolicy, EachFurtherFlushComesAfter101More) {
   PlantRecords(302);
   EXPECT_EQ(OfWords(), (Numbers{101, 202}));
   PlantRecords(303);
   EXPECT_EQ(OfWords(), (Numbers{101, 202, 303}));
 }
 
-TEST_F(FlushCadence, IndexWithoutCounterIsNotWalked) {
+TEST_F(FlushPolicy, IndexWithoutCounterIsNotWalked) {
   EXPECT_EQ(OfWords(), Numbers{});
   const GdbmWatch watch;
   engine_.ListDocuments();

@@ -18,7 +18,7 @@ String Fold(std::string_view word) {
 // One entry and the record that it is part of.
 struct Placed {
   const DBDatum& record;
-  const PostingEntry& entry;
+  const Posting& entry;
 
   std::size_t begin() const { return entry.first_unit + entry.units - entry.positions; }
   std::size_t end() const { return entry.first_unit + entry.units; }
@@ -39,8 +39,8 @@ bool HasPositionsOf(const Placed& folded, const Placed& word) {
 Code FirstLacking(const DBDatum& folded, const DBDatum& word, bool with_positions) {
   PostingReader folded_reader(folded, with_positions);
   PostingReader reader(word, with_positions);
-  PostingEntry other{};
-  for (PostingEntry entry{}; reader.Next(&entry);) {
+  Posting other{};
+  for (Posting entry{}; reader.Next(&entry);) {
     bool is_there = folded_reader.Next(&other);
     while (is_there && other.code != entry.code) is_there = folded_reader.Next(&other);
     if (!is_there || !HasPositionsOf({folded, other}, {word, entry})) return entry.code;

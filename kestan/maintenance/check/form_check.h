@@ -32,7 +32,7 @@ class FormCheck {
   Database& store_;
   const IndexTables& tables_;
   Findings& findings_;
-  FlushCadence cadence_;
+  FlushPolicy cadence_;
 };
 
 }  // namespace kestan

@@ -100,7 +100,7 @@ PostingCheck::Faults PostingCheck::CountFaults(const Record& record) {
   Faults faults;
   ++record_number_;
   PostingReader reader(record.value, tables_.rules.with_positions);
-  PostingEntry entry{};
+  Posting entry{};
   while (reader.Next(&entry)) {
     if (entry.code == 0) ++faults.zero_codes;
     CheckCode(record, entry.code, &faults);
@@ -121,7 +121,7 @@ void PostingCheck::CheckCode(const Record& record, Code code, Faults* faults) {
   ++(record.is_never_purged && reusable_[code] ? faults->free_codes : faults->unknown_codes);
 }
 
-void PostingCheck::CountPositions(const Record& record, const PostingEntry& entry, Faults* faults) {
+void PostingCheck::CountPositions(const Record& record, const Posting& entry, Faults* faults) {
   Tally& tally = tallies_[entry.code];
   tally.has_words = true;
   if (!record.is_never_purged) tally.has_own_words = true;
@@ -149,7 +149,7 @@ void PostingCheck::CountPositions(const Record& record, const PostingEntry& entr
 }
 
 // A count that runs past the end, or an end behind a code.
-void PostingCheck::CheckEnd(const Record& record, const PostingEntry& last) {
+void PostingCheck::CheckEnd(const Record& record, const Posting& last) {
   const std::string_view word = BytesOf(record.key);
   const std::uint64_t code = last.code;
   const std::uint64_t positions = last.positions;

@@ -77,9 +77,9 @@ class PostingCheck {
 
   void CheckPostings(const DBDatum& key, const DBDatum& value);
   bool NoteHyphen(const DBDatum& key, const DBDatum& value);
-  void CheckEnd(const Record& record, const PostingEntry& last);
+  void CheckEnd(const Record& record, const Posting& last);
   Faults CountFaults(const Record& record);
-  void CountPositions(const Record& record, const PostingEntry& entry, Faults* faults);
+  void CountPositions(const Record& record, const Posting& entry, Faults* faults);
   void CheckCode(const Record& record, Code code, Faults* faults);
   void CheckText(const DBDatum& key, const DBDatum& value);
   void CheckWordList(const DBDatum& key, const DBDatum& value);

@@ -85,7 +85,7 @@ class Contents {
   }
 
   int ReadDocumentRecords(Database& store, const Vector<String>& keys) {
-    FlushCadence cadence(store);
+    FlushPolicy cadence(store);
     for (const String& key : keys) {
       if (const int error = ReadDocumentRecord(store, key); error != 0) return error;
       cadence.Note(key.size());
@@ -159,12 +159,12 @@ bool MayHaveOldEntries(std::string_view word) { return word.size() < 2 || word[1
 template <typename Visit>
 void ForEachEntry(std::string_view word, const DBDatum& record, bool has_positions, Visit visit) {
   PostingReader reader(record, has_positions);
-  PostingEntry entry{};
+  Posting entry{};
   if (!MayHaveOldEntries(word)) {
     while (reader.Next(&entry)) visit(entry);
     return;
   }
-  Vector<PostingEntry> entries;
+  Vector<Posting> entries;
   while (reader.Next(&entry)) entries.push_back(entry);
   CodeSet visited;
   for (auto last = entries.rbegin(); last != entries.rend(); ++last) {
@@ -177,14 +177,14 @@ void ForEachEntry(std::string_view word, const DBDatum& record, bool has_positio
 //   Returns  0 or gdbm's error number.
 template <typename Visit>
 int ForEachPosting(Database& store, const Contents& contents, Visit visit) {
-  FlushCadence cadence(store);
+  FlushPolicy cadence(store);
   DBDatumPtr record;
   for (WordId word = 0; word < contents.words().size(); ++word) {
     const String& bytes = contents.words()[word];
     if (const int error = Read(store, bytes, &record); error != 0) return error;
     if (record.ptr == nullptr) continue;
     ForEachEntry(bytes, *record.ptr, contents.has_positions(),
-                 [&](const PostingEntry& entry) { visit(word, *record.ptr, entry); });
+                 [&](const Posting& entry) { visit(word, *record.ptr, entry); });
     const std::size_t held_bytes = record.ptr->size;
     record.Free();
     cadence.Note(held_bytes);
@@ -196,7 +196,7 @@ using PlaceCounts = Vector<std::size_t>;  // of each code
 
 int CountPlaces(Database& store, const Contents& contents, PlaceCounts* counts) {
   counts->assign(std::size_t{kMaxCode} + 1, 0);
-  return ForEachPosting(store, contents, [&](WordId, const DBDatum&, const PostingEntry& entry) {
+  return ForEachPosting(store, contents, [&](WordId, const DBDatum&, const Posting& entry) {
     (*counts)[entry.code] += contents.has_positions() ? entry.positions : 1;
   });
 }
@@ -207,7 +207,7 @@ int FindPlaces(Database& store, const Contents& contents, const CodeSet& codes, 
   places->clear();
   places->reserve(count);
   const int error = ForEachPosting(
-      store, contents, [&](WordId word, const DBDatum& record, const PostingEntry& entry) {
+      store, contents, [&](WordId word, const DBDatum& record, const Posting& entry) {
         if (!codes[entry.code]) return;
         if (!contents.has_positions()) places->push_back(MakePlace(entry.code, 0, word));
         const std::size_t end = entry.first_unit + entry.units;
@@ -351,7 +351,7 @@ class DocumentGiver {
   const Contents& contents_;
   const TakeDocument& take_;
   WordOrder order_;
-  FlushCadence cadence_;
+  FlushPolicy cadence_;
   CodeSet codes_;  // of the documents that are given now
   Vector<Place> places_;
 };

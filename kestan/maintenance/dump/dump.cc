@@ -241,7 +241,7 @@ class DumpReader {
 
   Database& target_;
   const TakeLine& complain_;
-  FlushCadence cadence_;
+  FlushPolicy cadence_;
   Tally tally_;
   std::uint64_t line_number_ = 0;
   String key_;
@@ -266,7 +266,7 @@ int DumpIndex(Database& store, const TakeLine& take) {
   if (store.Flush() == -1) return -1;
   if (const int error = FindKeys(store, &keys); error != 0) return error;
   DumpWriter writer(take);
-  FlushCadence cadence(store);
+  FlushPolicy cadence(store);
   SizeGuard guard(store);
   for (const String& key : keys) {
     if (const int error = store.Get(&value, AsDatum(key)); error != 0) return error;

@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::size_t kEntryHeadUnits = 2;  // code and number of positions
 
-std::size_t EndOf(const WholeEntry& entry) { return entry.first_unit + entry.units(); }
+std::size_t EndOf(const WholePosting& entry) { return entry.first_unit + entry.units(); }
 
 }  // namespace
 
@@ -25,7 +25,7 @@ bool PostingRepair::ReadsWhole(const DBDatum& record, bool may_be_old) {
   entries_.clear();
   entries_.reserve(record.size / kUnitBytes / smallest_units);
   PostingReader reader(record, rules_.with_positions);
-  PostingEntry entry;
+  Posting entry;
   while (reader.Next(&entry)) {
     if (!IsSound(record, entry, may_be_old)) return false;
     entries_.push_back({static_cast<std::uint32_t>(entry.first_unit), entry.code, entry.positions});
@@ -33,8 +33,7 @@ bool PostingRepair::ReadsWhole(const DBDatum& record, bool may_be_old) {
   return record.size % kUnitBytes == 0;
 }
 
-bool PostingRepair::IsSound(const DBDatum& record, const PostingEntry& entry,
-                            bool may_be_old) const {
+bool PostingRepair::IsSound(const DBDatum& record, const Posting& entry, bool may_be_old) const {
   if (!IsPossible(entry.code)) return false;
   if (!rules_.with_positions) return true;
   const std::size_t first = entry.first_unit + kEntryHeadUnits;

@@ -13,7 +13,7 @@
 namespace kestan {
 
 // An entry that is all there. Small, for a record may have a billion.
-struct WholeEntry {
+struct WholePosting {
   std::size_t units() const { return positions == 0 ? 1 : std::size_t{2} + positions; }
 
   std::uint32_t first_unit;
@@ -44,20 +44,20 @@ class PostingRepair {
   bool ReadsWhole(const DBDatum& record, bool may_be_old = false);
 
   // What was found, in the order of the record.
-  const Vector<WholeEntry>& entries() const { return entries_; }
+  const Vector<WholePosting>& entries() const { return entries_; }
 
   // Leaves out those that `is_unwanted`.
   template <typename IsUnwanted>
   void Drop(IsUnwanted is_unwanted) {
     auto kept = entries_.begin();
-    for (const WholeEntry& entry : entries_) {
+    for (const WholePosting& entry : entries_) {
       if (!is_unwanted(entry)) *kept++ = entry;
     }
     entries_.erase(kept, entries_.end());
   }
 
  private:
-  bool IsSound(const DBDatum& record, const PostingEntry& entry, bool may_be_old) const;
+  bool IsSound(const DBDatum& record, const Posting& entry, bool may_be_old) const;
   void ReadAround(const DBDatum& record, std::size_t from);
   bool IsPossible(Code code) const { return code != 0 && code <= rules_.highest; }
   std::size_t UnitsAt(const DBDatum& record, std::size_t unit) const;
@@ -66,7 +66,7 @@ class PostingRepair {
 
   const PostingRules& rules_;
   const CodeSet& wrapping_;
-  Vector<WholeEntry> entries_;
+  Vector<WholePosting> entries_;
   UnfilledVector<std::uint16_t> ascending_;  // for each unit: how many from it on ascend
   UnfilledVector<std::uint32_t> score_;      // for each unit: of the best reading from it on
 };

@@ -71,7 +71,7 @@ class RepairWriter {
     const std::string_view key = salvage_.KeyOf(record);
     const std::string_view value = salvage_.ValueOf(record);
     bool all = false;
-    const auto& entries = plan_.KeptEntries(record, &all);
+    const auto& entries = plan_.KeptPostings(record, &all);
     if (all) return Put(key, value);
     report_.Say({"note: ", Escaped(key), ": damaged, entries kept: ", entries.size()});
     if (entries.empty()) {
@@ -80,7 +80,7 @@ class RepairWriter {
     }
     String kept;
     kept.reserve(value.size());
-    for (const WholeEntry& entry : entries) {
+    for (const WholePosting& entry : entries) {
       kept += value.substr(std::size_t{entry.first_unit} * kUnitBytes, entry.units() * kUnitBytes);
     }
     Put(key, kept);

@@ -130,7 +130,7 @@ void RepairPlan::FindWrapping() {
     const DBDatum value = ValueOf(record);
     if (!LooksLikePostings(value, rules_)) continue;
     PostingReader reader(value, true);
-    PostingEntry entry;
+    Posting entry;
     while (reader.Next(&entry)) {
       for (std::size_t i = entry.units - entry.positions; i < entry.units; ++i) {
         if (UnitAt(value, entry.first_unit + i) == kMaxPosition) wrapping_.set(entry.code);
@@ -184,7 +184,7 @@ Code RepairPlan::HighestCodeSeen() {
   for (const SalvagedRecord& record : salvage_.records()) {
     if (StepOf(record) != RepairStep::kPostings) continue;
     if (!postings_.ReadsWhole(ValueOf(record), IsNeverPurged(KeyOf(record)))) continue;
-    for (const WholeEntry& entry : postings_.entries()) highest = std::max(highest, entry.code);
+    for (const WholePosting& entry : postings_.entries()) highest = std::max(highest, entry.code);
   }
   return highest;
 }
@@ -205,7 +205,7 @@ bool RepairPlan::IsKept(Code code, bool is_never_purged) {
 
 // Two words at one place contradict each other. The one whose record is in doubt goes, or else the
 // one that comes later.
-bool RepairPlan::TakesPlaces(const DBDatum& value, const WholeEntry& entry, bool is_doubted) {
+bool RepairPlan::TakesPlaces(const DBDatum& value, const WholePosting& entry, bool is_doubted) {
   Vector<std::size_t> taken;
   for (std::size_t i = entry.units() - entry.positions; i < entry.units(); ++i) {
     const std::uint32_t place = PlaceOf(entry.code, UnitAt(value, entry.first_unit + i));
@@ -218,7 +218,7 @@ bool RepairPlan::TakesPlaces(const DBDatum& value, const WholeEntry& entry, bool
   return true;
 }
 
-const Vector<WholeEntry>& RepairPlan::KeptEntries(const SalvagedRecord& record, bool* all) {
+const Vector<WholePosting>& RepairPlan::KeptPostings(const SalvagedRecord& record, bool* all) {
   const DBDatum value = ValueOf(record);
   *all = postings_.Read(value, IsNeverPurged(KeyOf(record)));
   const bool is_doubted = !*all || !record.is_current;
@@ -226,7 +226,7 @@ const Vector<WholeEntry>& RepairPlan::KeptEntries(const SalvagedRecord& record, 
   const bool has_places = !is_never_purged && IsFolded(salvage_.KeyOf(record));
   const std::size_t found = postings_.entries().size();
   ++record_number_;
-  postings_.Drop([&](const WholeEntry& entry) {
+  postings_.Drop([&](const WholePosting& entry) {
     if (!IsKept(entry.code, is_never_purged)) return true;
     if (!has_places || !contradictory_[entry.code]) return false;
     if (TakesPlaces(value, entry, is_doubted)) return false;
@@ -243,7 +243,7 @@ void RepairPlan::TallyPostings() {
     const DBDatum value = ValueOf(record);
     if (step == RepairStep::kPostings) {
       bool all = false;
-      const auto& entries = KeptEntries(record, &all);
+      const auto& entries = KeptPostings(record, &all);
       if (!all) is_damaged_ = true;
       TallyRecord(salvage_.KeyOf(record), value, entries, IsNeverPurged(KeyOf(record)));
     } else if (step == RepairStep::kCopy && LooksLikePostings(value, rules_) &&
@@ -265,9 +265,9 @@ void RepairPlan::TallyMixed(const DBDatum& value) {
 }
 
 void RepairPlan::TallyRecord(std::string_view key, const DBDatum& value,
-                             const Vector<WholeEntry>& entries, bool is_doubtful) {
+                             const Vector<WholePosting>& entries, bool is_doubtful) {
   const bool is_folded = IsFolded(key);
-  for (const WholeEntry& entry : entries) {
+  for (const WholePosting& entry : entries) {
     Tally& tally = tallies_[entry.code];
     tally.has_words = true;
     if (!is_doubtful) {
@@ -302,7 +302,7 @@ void RepairPlan::CollectPlaces(const CodeSet& codes) {
     }
     const DBDatum value = ValueOf(record);
     bool all = false;
-    for (const WholeEntry& entry : KeptEntries(record, &all)) {
+    for (const WholePosting& entry : KeptPostings(record, &all)) {
       if (!codes[entry.code]) continue;
       for (std::size_t i = entry.units() - entry.positions; i < entry.units(); ++i) {
         places_.push_back(PlaceOf(entry.code, UnitAt(value, entry.first_unit + i)));

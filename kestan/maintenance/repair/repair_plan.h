@@ -22,7 +22,7 @@ namespace kestan {
 // What is to become of a record.
 enum class RepairStep : std::uint8_t {
   kCopy,      // as it is
-  kPostings,  // entry by entry: see RepairPlan::KeptEntries()
+  kPostings,  // entry by entry: see RepairPlan::KeptPostings()
   kWordList,  // as far as its words make sense: see ReadWordList()
   kRewrite,   // written anew from what all records say: documents, names, codes, options
   kDrop,      // it cannot be what its key says
@@ -42,7 +42,7 @@ class RepairPlan {
   // Returns the entries of a posting record that are kept; `*all` tells whether nothing is left
   // out. Valid until the next call. To be called once for each record, for where two words stand at
   // one place, the second is left out.
-  const Vector<WholeEntry>& KeptEntries(const SalvagedRecord& record, bool* all);
+  const Vector<WholePosting>& KeptPostings(const SalvagedRecord& record, bool* all);
 
   const RepairedDocuments& documents() const { return documents_; }
   const Vector<Code>& reusable() const { return reusable_; }
@@ -93,14 +93,14 @@ class RepairPlan {
   bool IsKeyOfDocument(std::string_view key) const;
   void TakeCodes(const Record& list, CodeSet* codes) const;
   void TallyPostings();
-  void TallyRecord(std::string_view key, const DBDatum& value, const Vector<WholeEntry>& entries,
+  void TallyRecord(std::string_view key, const DBDatum& value, const Vector<WholePosting>& entries,
                    bool is_doubtful);
   void TallyMixed(const DBDatum& value);
   void FindContradictions();
   void CollectPlaces(const CodeSet& codes);
   void ListCodes();
   bool IsKept(Code code, bool is_never_purged);
-  bool TakesPlaces(const DBDatum& value, const WholeEntry& entry, bool is_doubted);
+  bool TakesPlaces(const DBDatum& value, const WholePosting& entry, bool is_doubted);
   bool IsYoungerThanFlush(Code code) const;
   bool IsUnfinished(const RepairedDocument& document) const;
 

@@ -95,7 +95,7 @@ class ShortWordPurge {
   int Plan(bool removed_too) {
     if (const int error = ReadRules(); error != 0) return error;
     if (const int error = free_.Gather(rules_.highest, removed_too); error != 0) return error;
-    FlushCadence cadence(store_);
+    FlushPolicy cadence(store_);
     return ForEachShortWord([&](std::string_view word) {
       DBDatumPtr postings;
       if (const int error = Read(store_, word, &postings); error != 0) return error;
@@ -108,7 +108,7 @@ class ShortWordPurge {
   }
 
   int CarryOut() {
-    FlushCadence cadence(store_);
+    FlushPolicy cadence(store_);
     for (const String& word : words_) {
       DBDatumPtr postings;
       if (const int error = Read(store_, word, &postings); error != 0) return error;
@@ -136,7 +136,7 @@ class ShortWordPurge {
     bool has_free = false;
     bool has_reusable = false;
     PostingReader reader(postings, rules_.with_positions);
-    PostingEntry entry{};
+    Posting entry{};
     while (reader.Next(&entry)) {
       if (!free_.Has(entry.code)) continue;
       has_free = true;
@@ -153,7 +153,7 @@ class ShortWordPurge {
     if (postings.size % kUnitBytes != 0) return false;
     if (!rules_.with_positions) return true;
     PostingReader reader(postings, true);
-    PostingEntry last{};
+    Posting last{};
     while (reader.Next(&last)) continue;
     return last.units >= 2 && UnitAt(postings, last.first_unit + 1) == last.positions;
   }

@@ -98,7 +98,7 @@ class Counter {
     std::uint64_t postings = 0;
     std::uint64_t purged_units = 0;
     PostingReader reader(value, rules_.with_positions);
-    PostingEntry entry;
+    Posting entry;
     while (reader.Next(&entry)) {
       ++postings;
       statistics_.positions += entry.positions;

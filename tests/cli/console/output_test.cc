@@ -15,12 +15,12 @@
 namespace kestan_tests {
 namespace {
 
-using kestan_cli::HeldErrors;
+using kestan_cli::CapturedStderr;
 
-TEST(HeldErrorsTest, ComeOutLaterAndInTheirOrder) {
+TEST(CapturedStderrTest, ComeOutLaterAndInTheirOrder) {
   const std::string printed = StandardErrorOf([] {
     {
-      const HeldErrors held;
+      const CapturedStderr held;
       std::fputs("first\n", stderr);
       std::fputs("second\n", stderr);
     }
@@ -29,10 +29,10 @@ TEST(HeldErrorsTest, ComeOutLaterAndInTheirOrder) {
   EXPECT_EQ(printed, "first\nsecond\nthird\n");
 }
 
-TEST(HeldErrorsTest, AreGoneWhenDropped) {
+TEST(CapturedStderrTest, AreGoneWhenDropped) {
   const std::string printed = StandardErrorOf([] {
     {
-      HeldErrors held;
+      CapturedStderr held;
       std::fputs("lost\n", stderr);
       held.Drop();
     }
@@ -41,18 +41,18 @@ TEST(HeldErrorsTest, AreGoneWhenDropped) {
   EXPECT_EQ(printed, "kept\n");
 }
 
-TEST(HeldErrorsTest, CannotSteerATerminal) {
+TEST(CapturedStderrTest, CannotSteerATerminal) {
   EXPECT_EQ(StandardErrorOf([] {
-              const HeldErrors held;
+              const CapturedStderr held;
               std::fputs("\x1b[2J caf\xc3\xa9\n\x9b\n", stderr);
             }),
             "\\x1b[2J caf\xc3\xa9\n\\x9b\n");
 }
 
-TEST(HeldErrorsTest, MayBeLongerThanAPiece) {
+TEST(CapturedStderrTest, MayBeLongerThanAPiece) {
   const std::string line(10000, 'x');
   EXPECT_EQ(StandardErrorOf([&] {
-              const HeldErrors held;
+              const CapturedStderr held;
               std::fputs(line.c_str(), stderr);
             }),
             line);
@@ -76,10 +76,10 @@ TEST(OutputTest, NothingElseWritesToTheStandardStreams) {
 }
 
 // The engine ends the process when memory runs out, wherever that is.
-TEST(HeldErrorsDeathTest, ComeOutWhenTheProcessEnds) {
+TEST(CapturedStderrDeathTest, ComeOutWhenTheProcessEnds) {
   EXPECT_EXIT(
       {
-        const HeldErrors held;
+        const CapturedStderr held;
         std::fputs("the last words\n", stderr);
         std::exit(7);  // NOLINT(concurrency-mt-unsafe)
       },

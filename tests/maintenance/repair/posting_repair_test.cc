@@ -18,7 +18,7 @@ class PostingRepairTest : public testing::Test {
   std::vector<std::string> Entries(const std::string& record) {
     whole_ = repair_.Read(Datum(record));
     std::vector<std::string> entries;
-    for (const kestan::WholeEntry& entry : repair_.entries()) {
+    for (const kestan::WholePosting& entry : repair_.entries()) {
       entries.push_back(record.substr(std::size_t{entry.first_unit} * 2, entry.units() * 2));
       EXPECT_EQ(entry.code, kestan::UnitAt(Datum(entries.back()), 0));
     }

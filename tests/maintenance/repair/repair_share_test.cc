@@ -52,7 +52,7 @@ template <typename Visit>
 void ForEachEntry(const std::string& value, Visit visit) {
   const DBDatum record = kestan_tests::Datum(value);
   kestan::PostingReader reader(record, true);
-  kestan::PostingEntry entry{};
+  kestan::Posting entry{};
   while (reader.Next(&entry)) visit(entry.code, entry.first_unit * 2, entry.units * 2);
 }
 
