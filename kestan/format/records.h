@@ -4,6 +4,7 @@
 #ifndef KESTAN_FORMAT_RECORDS_H_
 #define KESTAN_FORMAT_RECORDS_H_
 
+#include <kestan/format/posting.h>
 #include <kestan/storage/dbdatum.h>
 #include <kestan/storage/memory.h>
 
@@ -13,19 +14,11 @@
 #include <climits>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <string_view>
 
 namespace kestan {
 
-// Stands for one document in all records; 0 stands for none.
-using Code = std::uint16_t;
-inline constexpr Code kMaxCode = std::numeric_limits<Code>::max();
-
 using CodeSet = std::bitset<kMaxCode + 1>;
-
-// The place of a word in its document, counted from 1; after 65535 comes 1 again. 0: not known.
-using Position = std::uint16_t;
 
 inline constexpr std::uint32_t kUnitBytes = 2;  // codes, counts and positions are units
 inline constexpr std::uint32_t kTimestampBytes = 4;
@@ -49,15 +42,6 @@ struct Posting {
   std::size_t units;       // how many units of it the record holds
   Code code;
   std::uint16_t positions;  // how many of its positions the record holds; they end the entry
-};
-
-// Positions of a word in one document, side by side in memory that somebody else owns.
-struct Positions {
-  const Position* begin() const { return first; }
-  const Position* end() const { return first + count; }
-
-  const Position* first;
-  std::size_t count;
 };
 
 // Walks the entries of a record in the order they were added.
@@ -154,8 +138,6 @@ std::array<char, 2 + kUnitBytes> NameKey(Code code);
 void SetName(DBDatum* record, std::string_view name);
 
 // ---- Option flags: "g-opts", 4 bytes ----
-
-inline constexpr std::uint32_t kFlagNoPositions = 1;  // posting records hold codes alone
 
 std::array<char, 4> EncodeOptions(std::uint32_t flags);
 std::uint32_t DecodeOptions(const DBDatum& record);
