@@ -3,7 +3,7 @@
 #define KESTAN_FUZZ_SUPPORT_SCRATCH_INDEX_H_
 
 #include <gdbm.h>
-#include <kestan/text/scratch_text.h>
+#include <kestan/engine/shared_state.h>
 
 #include <string>
 #include <utility>

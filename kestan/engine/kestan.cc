@@ -1,19 +1,227 @@
 #include <kestan/engine/kestan.h>
+#include <kestan/engine/named_word_lists.h>
+#include <kestan/engine/shared_state.h>
+#include <kestan/engine/side_records.h>
+#include <kestan/format/keys.h>
+#include <kestan/format/records.h>
+#include <kestan/indexing/indexer.h>
+#include <kestan/indexing/shrink.h>
+#include <kestan/indexing/strip.h>
 #include <kestan/maintenance/repair/short_words.h>
+#include <kestan/query/intersect.h>
+#include <kestan/query/listing.h>
+#include <kestan/query/lookup.h>
 #include <kestan/query/name_table.h>
+#include <kestan/query/negate.h>
+#include <kestan/query/statistics.h>
+#include <kestan/query/unite.h>
 #include <kestan/storage/memory.h>
-#include <kestan/text/scratch_text.h>
+#include <kestan/storage/owned_datum.h>
 
-char* const& Kestan::WordBuf = kestan::scratch.bytes;
-const std::uint32_t& Kestan::WBSize = kestan::scratch.size;
+#include <cstdio>
+#include <cstdlib>
+#include <optional>
+#include <utility>
+
+using kestan::Results;
+using kestan::ResultSet;
+using kestan::scratch;
+
+namespace {
+
+// Texts that hosts must not write, as those of calls that find nothing.
+char* EmptyText() { return const_cast<char*>(""); }
+
+char* OrEmpty(char* text) { return text != nullptr ? text : EmptyText(); }
+
+int Register(std::optional<ResultSet> set) {
+  return set.has_value() ? Results().Add(*std::move(set)) : -1;
+}
+
+[[noreturn]] void EndProcess(const char* reason) {
+  std::fprintf(stderr, "%s: %s (oops!)\n", kestan::kEngineName, reason);
+  std::exit(1);
+}
+
+}  // namespace
+
+// ---- The index file ----
 
 Kestan::Kestan() : names_(kestan::New<kestan::NameTable>()) {}
 
 Kestan::~Kestan() {
   CloseIndex();
-  kestan::scratch.Release();
+  scratch.Release();
 }
+
+int Kestan::OpenIndex(const char* path, int mode) {
+  if (IsOpen()) {
+    std::fprintf(stderr, "%s: Index file is already open\n", kestan::kEngineName);
+    return -1;
+  }
+  if (store_.Open(path, mode) != 0) return -1;
+  if (LoadOptions() && LoadReusableCodes()) return 0;
+  CloseIndex();
+  return -1;
+}
+
+bool Kestan::LoadReusableCodes() {
+  bool is_unreadable = false;
+  AvailCodes = kestan::Fetch(store_, kestan::kAvailableKey, &is_unreadable);
+  if (AvailCodes.ptr == nullptr) AvailCodes = kestan::CopyDatum(DBDatum());
+  return !is_unreadable;
+}
+
+// A closed engine has none.
+const DBDatum& Kestan::ReusableCodes() const {
+  static const DBDatum kNone;
+  return IsOpen() ? *AvailCodes.ptr : kNone;
+}
+
+int Kestan::CloseIndex() {
+  store_.Close();
+  AvailCodes.Free();
+  return 0;
+}
+
+int Kestan::FlushIndex() {
+  store_.Flush();
+  return 0;
+}
+
+// ---- Titles, summaries, user records and word lists ----
+
+char* Kestan::DBGetUser(const char* name) {
+  return kestan::GetSideRecord(store_, kestan::kUserFamily, name, &scratch);
+}
+
+char* Kestan::DBGetSummary(const char* name) {
+  return kestan::GetSideRecord(store_, kestan::kSummaryFamily, name, &scratch);
+}
+
+char* Kestan::DBGetTitle(const char* name) {
+  return kestan::GetSideRecord(store_, kestan::kTitleFamily, name, &scratch);
+}
+
+int Kestan::DBPutUser(const char* name, const char* text) {
+  return kestan::PutSideRecord(store_, kestan::kUserFamily, name, text);
+}
+
+int Kestan::DBPutSummary(const char* name, const char* text) {
+  return kestan::PutSideRecord(store_, kestan::kSummaryFamily, name, text);
+}
+
+int Kestan::DBPutTitle(const char* name, const char* text) {
+  return kestan::PutSideRecord(store_, kestan::kTitleFamily, name, text);
+}
+
+int Kestan::DBDelUser(const char* name) {
+  return kestan::DeleteSideRecord(store_, IsOpen(), kestan::kUserFamily, name);
+}
+
+int Kestan::DBDelSummary(const char* name) {
+  return kestan::DeleteSideRecord(store_, IsOpen(), kestan::kSummaryFamily, name);
+}
+
+int Kestan::DBDelTitle(const char* name) {
+  return kestan::DeleteSideRecord(store_, IsOpen(), kestan::kTitleFamily, name);
+}
+
+int Kestan::DBPutWords(const char* name, const char* words) {
+  return kestan::PutWordList(store_, name, words, &scratch);
+}
+
+char* Kestan::DBGetWords(const char* name) { return kestan::GetWordList(store_, name, &scratch); }
+
+// ---- Memory and text ----
+
+char* const& Kestan::WordBuf = scratch.bytes;
+const std::uint32_t& Kestan::WBSize = scratch.size;
+
+void* Kestan::SafeMalloc(unsigned size) { return kestan::Allocate(size); }
+
+void* Kestan::SafeRealloc(void* block, unsigned size) { return kestan::Reallocate(block, size); }
+
+int Kestan::StripNonWords(char* text, unsigned length) {
+  return kestan::StripNonWords(text, length);
+}
+
+int Kestan::StripWords(char* text, unsigned length, const char* stopText,
+                       const char* const* stopList) {
+  return kestan::StripWords(text, length, stopText, stopList);
+}
+
+int Kestan::StripBadLines(char* text, unsigned length) {
+  return kestan::StripBadLines(text, length);
+}
+
+// ---- Documents ----
+
+const char* Kestan::AddDocumentWords(const char* name, const char* text) {
+  if (!IsOpen()) {
+    RemoveDocumentWords(name);  // for the message of the store
+    return "";
+  }
+  const auto outcome =
+      kestan::AddDocument(store_, AvailCodes, KeepsPositions(), name, text, &scratch);
+  if (outcome == kestan::AddOutcome::kCodeZero) EndProcess("Attempted to use code #0");
+  return outcome == kestan::AddOutcome::kAdded ? scratch.bytes : "";
+}
+
+int Kestan::RemoveDocumentWords(const char* name) { return kestan::RemoveDocument(store_, name); }
+
+int Kestan::MoveDocumentWords(const char* oldname, const char* newname) {
+  return kestan::RenameDocument(store_, oldname, newname);
+}
+
+std::uint32_t Kestan::DocumentTimestamp(const char* name) {
+  return kestan::TimestampOf(store_, name);
+}
+
+int Kestan::ShrinkIndex() { return kestan::ShrinkIndex(store_, AvailCodes, KeepsPositions()); }
 
 int Kestan::PurgeShortWords(bool removed_too) {
   return kestan::PurgeShortWords(store_, removed_too);
 }
+
+// ---- Queries ----
+
+int Kestan::QueryWord(const char* word) {
+  return Register(kestan::FindWord(store_, word, KeepsPositions()));
+}
+
+int Kestan::QueryAnd(int first, int second, int distance) {
+  const ResultSet* const a = Results().Find(first);
+  const ResultSet* const b = Results().Find(second);
+  if (a == nullptr || b == nullptr) return -1;
+  return Results().Add(kestan::Intersect(*a, *b, distance));
+}
+
+int Kestan::QueryOr(int first, int second) {
+  static const ResultSet kEmpty;
+  const ResultSet* const a = Results().Find(first);
+  const ResultSet* const b = Results().Find(second);
+  if (a == nullptr && b == nullptr) return -1;
+  return Results().Add(kestan::Unite(a != nullptr ? *a : kEmpty, b != nullptr ? *b : kEmpty));
+}
+
+int Kestan::QueryNegate(int id) {
+  auto others = kestan::Negate(store_, ReusableCodes(), Results().Find(id));
+  if (!others.has_value()) EndProcess("Could not locate global-code");
+  return Register(std::move(others));
+}
+
+char* Kestan::QueryResults(int id) {
+  const ResultSet* const set = Results().Find(id);
+  if (set == nullptr) return EmptyText();
+  return kestan::ListMatches(store_, *set, names_.get(), &scratch);
+}
+
+void Kestan::FreeQueryResult(int id) { Results().Free(id); }
+
+char* Kestan::CommonWords(double low, double high) {
+  return OrEmpty(
+      kestan::ListCommonWords(store_, ReusableCodes(), KeepsPositions(), {low, high}, &scratch));
+}
+
+char* Kestan::ListDocuments() { return OrEmpty(kestan::ListDocuments(store_, &scratch)); }

@@ -272,6 +272,8 @@ class KESTAN_EXPORT Kestan {
   bool LoadOptions();
   bool LoadReusableCodes();
   bool IsOpen() const { return AvailCodes.ptr != nullptr; }
+  bool KeepsPositions() const;
+  const DBDatum& ReusableCodes() const;
 
   Database store_;
   DBDatumPtr AvailCodes;          // the reusable codes: the value of "g-avail"; null while closed

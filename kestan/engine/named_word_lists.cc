@@ -1,36 +1,34 @@
-// Memory for hosts, and named word lists.
-#include <kestan/engine/kestan.h>
+#include <kestan/engine/named_word_lists.h>
 #include <kestan/format/keys.h>
 #include <kestan/format/word_list.h>
 #include <kestan/storage/memory.h>
-#include <kestan/text/scratch_text.h>
 
 #include <cstdint>
 
+namespace kestan {
 namespace {
 
 constexpr std::uint32_t kSlack = 4096;
 
 }  // namespace
 
-void* Kestan::SafeMalloc(unsigned size) { return kestan::Allocate(size); }
-
-void* Kestan::SafeRealloc(void* block, unsigned size) { return kestan::Reallocate(block, size); }
-
-int Kestan::DBPutWords(const char* name, const char* words) {
-  const kestan::String key = kestan::ItemKey(kestan::kWordListFamily, name);
-  const kestan::String text(words);  // it may lie in the scratch buffer, which is written below
+int PutWordList(Database& store, std::string_view name, std::string_view words,
+                ScratchBuffer* buffer) {
+  const String key = ItemKey(kWordListFamily, name);
+  const String text(words);  // it may lie in the buffer, which is written below
   const auto length = static_cast<std::uint32_t>(text.size());
-  if (kestan::scratch.size < length) kestan::scratch.Grow(length + kSlack);
-  kestan::scratch.Reserve(text.size() + 1);
-  const std::size_t encoded = kestan::EncodeWordList(text, kestan::scratch.bytes);
-  return store_.Put(kestan::AsDatum(key), kestan::AsDatum({kestan::scratch.bytes, encoded}));
+  if (buffer->size < length) buffer->Grow(length + kSlack);
+  buffer->Reserve(text.size() + 1);
+  const std::size_t encoded = EncodeWordList(text, buffer->bytes);
+  return store.Put(AsDatum(key), AsDatum({buffer->bytes, encoded}));
 }
 
-char* Kestan::DBGetWords(const char* name) {
-  const DBDatumPtr list = kestan::Fetch(store_, kestan::ItemKey(kestan::kWordListFamily, name));
+char* GetWordList(Database& store, std::string_view name, ScratchBuffer* text) {
+  const DBDatumPtr list = Fetch(store, ItemKey(kWordListFamily, name));
   if (list.ptr == nullptr) return nullptr;
   const std::uint32_t likely = 3 * list.ptr->size + kSlack;
-  if (kestan::scratch.size < likely) kestan::scratch.Grow(likely);
-  return kestan::DecodeWordList(*list.ptr, &kestan::scratch);
+  if (text->size < likely) text->Grow(likely);
+  return DecodeWordList(*list.ptr, text);
 }
+
+}  // namespace kestan

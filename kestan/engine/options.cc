@@ -30,6 +30,8 @@ void DropAllPositions(const kestan::Vector<DBDatumPtr>& words) {
 
 unsigned long Kestan::Options() const { return OptionFlags; }
 
+bool Kestan::KeepsPositions() const { return (OptionFlags & kestan::kFlagNoPositions) == 0; }
+
 void Kestan::GetOptions() { LoadOptions(); }
 
 // Flags that cannot be read stay as they are in the file: without them its records mean nothing.

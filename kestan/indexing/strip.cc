@@ -1,5 +1,4 @@
-// Cleaning text in place before it is indexed. What is written never passes what was read.
-#include <kestan/engine/kestan.h>
+#include <kestan/indexing/strip.h>
 #include <kestan/storage/memory.h>
 #include <strings.h>
 
@@ -8,6 +7,7 @@
 #include <cstring>
 #include <set>
 
+namespace kestan {
 namespace {
 
 constexpr unsigned kWordLetters = 64;      // longer words are cut
@@ -33,7 +33,7 @@ void KeepWord(char* text, unsigned length, unsigned* read, unsigned* write) {
 
 }  // namespace
 
-int Kestan::StripNonWords(char* text, unsigned length) {
+int StripNonWords(char* text, unsigned length) {
   unsigned read = 0;
   unsigned write = 0;
   while (read < length) {
@@ -56,11 +56,11 @@ struct CompareStrings {
   bool operator()(const char* left, const char* right) const { return strcasecmp(left, right) < 0; }
 };
 
-using StopSet = std::set<const char*, CompareStrings, kestan::Allocator<const char*>>;
+using StopSet = std::set<const char*, CompareStrings, Allocator<const char*>>;
 
 // Cuts `text` into its words, NUL-terminated where they stand, and adds them to `stops`. A text
 // that begins with something else than a letter adds the empty word, which harms nothing.
-void AddStopWords(kestan::String* text, StopSet* stops) {
+void AddStopWords(String* text, StopSet* stops) {
   const std::size_t length = text->size();
   std::size_t next = 0;
   while (next < length) {
@@ -96,13 +96,12 @@ Word ReadWord(const char* text, unsigned length, unsigned* read) {
 
 }  // namespace
 
-int Kestan::StripWords(char* text, unsigned length, const char* stopText,
-                       const char* const* stopList) {
-  kestan::String stop_text(stopText);
+int StripWords(char* text, unsigned length, const char* stop_text, const char* const* stop_list) {
+  String stop_words(stop_text);
   StopSet stops;
-  AddStopWords(&stop_text, &stops);
+  AddStopWords(&stop_words, &stops);
   const bool keep_all = stops.empty();  // without a stop text, the list has no effect either
-  for (; *stopList != nullptr; ++stopList) stops.insert(*stopList);
+  for (; *stop_list != nullptr; ++stop_list) stops.insert(*stop_list);
 
   unsigned read = 0;
   unsigned write = 0;
@@ -165,7 +164,7 @@ class EncodedDataFilter {
 
 }  // namespace
 
-int Kestan::StripBadLines(char* text, unsigned length) {
+int StripBadLines(char* text, unsigned length) {
   EncodedDataFilter filter;
   unsigned write = 0;
   for (unsigned start = 0; start < length;) {
@@ -180,3 +179,5 @@ int Kestan::StripBadLines(char* text, unsigned length) {
   }
   return static_cast<int>(write);
 }
+
+}  // namespace kestan

@@ -8,14 +8,13 @@ constexpr std::size_t kFirstTable = 512;
 
 }  // namespace
 
-DocumentWords::DocumentWords(std::string_view text)
-    : text_(text), folded_(text), table_(kFirstTable) {
+Tokenizer::Tokenizer(std::string_view text) : text_(text), folded_(text), table_(kFirstTable) {
   for (char& byte : folded_) byte = static_cast<char>(byte | 0x20);
   Split();
   SortPositions();
 }
 
-void DocumentWords::Split() {
+void Tokenizer::Split() {
   const char* const begin = text_.data();
   const char* const end = begin + text_.size();
   for (const char* next = begin;;) {
@@ -31,14 +30,14 @@ void DocumentWords::Split() {
   }
 }
 
-void DocumentWords::Record(std::string_view word) {
+void Tokenizer::Record(std::string_view word) {
   const std::uint32_t index = IndexOf(word);
   ++words_[index].positions.count;
   occurrences_.push_back({index, next_position_});
 }
 
 // Finds or adds a word.
-std::uint32_t DocumentWords::IndexOf(std::string_view word) {
+std::uint32_t Tokenizer::IndexOf(std::string_view word) {
   if (words_.size() * 2 >= table_.size()) GrowTable();
   const std::size_t mask = table_.size() - 1;
   const std::uint32_t hash = hasher_(word);
@@ -52,7 +51,7 @@ std::uint32_t DocumentWords::IndexOf(std::string_view word) {
   return table_[place] - 1;
 }
 
-void DocumentWords::GrowTable() {
+void Tokenizer::GrowTable() {
   table_.assign(table_.size() * 4, 0);
   const std::size_t mask = table_.size() - 1;
   for (std::uint32_t i = 0; i < words_.size(); ++i) {
@@ -63,7 +62,7 @@ void DocumentWords::GrowTable() {
 }
 
 // Gathers the positions of each word from the occurrences, which stand in text order.
-void DocumentWords::SortPositions() {
+void Tokenizer::SortPositions() {
   positions_.resize(occurrences_.size());
   Vector<Position*> ends(words_.size());
   Position* next = positions_.data();

@@ -15,7 +15,7 @@ namespace kestan {
 // Splits a text at white space. Each word is recorded as it stands and, where that differs, folded:
 // with bit 5 set in every byte, which makes capital letters small (and '@' a '`'). Both forms get
 // the same position.
-class DocumentWords {
+class Tokenizer {
  public:
   struct Word {
     std::string_view bytes;
@@ -24,7 +24,7 @@ class DocumentWords {
   };
 
   // Copies `text`.
-  explicit DocumentWords(std::string_view text);
+  explicit Tokenizer(std::string_view text);
 
   // Each distinct word. They look at memory of this object.
   const Vector<Word>& words() const { return words_; }

@@ -1,25 +1,20 @@
-// From a result set to the lines that a host shows.
-#include <kestan/engine/kestan.h>
 #include <kestan/format/keys.h>
 #include <kestan/format/records.h>
-#include <kestan/query/name_table.h>
-#include <kestan/query/result_set.h>
-#include <kestan/text/scratch_text.h>
+#include <kestan/query/listing.h>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdint>
 
+namespace kestan {
 namespace {
-
-using kestan::ResultSet;
 
 constexpr std::uint32_t kScale = 65536;
 constexpr std::size_t kRoomBesideName = 20;  // for the percentage, the blank and the line feed
 
 // A removed document must not set the scale for the others.
-std::uint32_t BestScore(const ResultSet& set, const kestan::CodeSet& removed) {
+std::uint32_t BestScore(const ResultSet& set, const CodeSet& removed) {
   std::uint32_t best = 0;
   for (const auto& document : set.documents()) {
     if (!removed[document.code]) best = std::max<std::uint32_t>(best, document.score);
@@ -28,7 +23,7 @@ std::uint32_t BestScore(const ResultSet& set, const kestan::CodeSet& removed) {
 }
 
 // Appends a number and a blank.
-void AppendPercent(std::uint32_t percent, kestan::ScratchText* lines) {
+void AppendPercent(std::uint32_t percent, ScratchText* lines) {
   std::array<char, 10> digits;
   const char* const end = std::to_chars(digits.begin(), digits.end(), percent).ptr;
   lines->Append({digits.data(), static_cast<std::size_t>(end - digits.data())});
@@ -37,20 +32,18 @@ void AppendPercent(std::uint32_t percent, kestan::ScratchText* lines) {
 
 }  // namespace
 
-char* Kestan::QueryResults(int id) {
-  const ResultSet* const set = kestan::FindQueryResult(id);
-  if (set == nullptr) return const_cast<char*>("");
-  DBDatumPtr record = kestan::Fetch(store_, kestan::kDeletedKey);
-  kestan::CodeSet removed;
-  if (record.ptr != nullptr) kestan::CollectCodes(*record.ptr, &removed);
+char* ListMatches(Database& store, const ResultSet& set, NameTable* names, ScratchBuffer* text) {
+  DBDatumPtr record = Fetch(store, kDeletedKey);
+  CodeSet removed;
+  if (record.ptr != nullptr) CollectCodes(*record.ptr, &removed);
 
-  const std::uint32_t best = BestScore(*set, removed);
+  const std::uint32_t best = BestScore(set, removed);
   const std::uint32_t factor = best != 0 ? 100 * kScale / best : kScale;
-  kestan::ScratchText lines;
-  names_->Refresh(store_);
-  for (const auto& document : set->documents()) {
+  ScratchText lines(text);
+  names->Refresh(store);
+  for (const auto& document : set.documents()) {
     if (removed[document.code]) continue;
-    const std::string_view name = names_->Find(store_, document.code, &record);
+    const std::string_view name = names->Find(store, document.code, &record);
     if (name.data() == nullptr) continue;
     lines.MakeRoom(name.size() + kRoomBesideName);
     AppendPercent((factor * document.score + kScale / 2) / kScale, &lines);
@@ -59,3 +52,5 @@ char* Kestan::QueryResults(int id) {
   }
   return lines.Finish();
 }
+
+}  // namespace kestan

@@ -32,7 +32,7 @@ bool IsUnknown(Positions positions) { return positions.count == 1 && *positions.
 
 }  // namespace
 
-void PositionMatcher::Match(Positions first, Positions second) {
+void ProximityMatcher::Match(Positions first, Positions second) {
   kept_.clear();
   bonus_ = 0;
   if (IsUnknown(first)) return KeepAll(second);
@@ -48,21 +48,21 @@ void PositionMatcher::Match(Positions first, Positions second) {
 }
 
 // What a position that is not known leaves of the other word's.
-void PositionMatcher::KeepAll(Positions positions) {
+void ProximityMatcher::KeepAll(Positions positions) {
   found_ = positions;
   if (positions.count <= 1 || AreAscending(positions)) return;
   for (const Position position : positions) Keep(position);
   SortKept();
 }
 
-void PositionMatcher::MatchAllPairs(Positions first, Positions second) {
+void ProximityMatcher::MatchAllPairs(Positions first, Positions second) {
   for (const Position a : first) {
     for (const Position b : second) MatchPair(a, b);
   }
   SortKept();
 }
 
-void PositionMatcher::MatchPair(Position a, Position b) {
+void ProximityMatcher::MatchPair(Position a, Position b) {
   if (b == 0) return Keep(a);
   if (a == 0) return Keep(b);
   if (!IsInReach(b - a)) return;
@@ -70,13 +70,13 @@ void PositionMatcher::MatchPair(Position a, Position b) {
   Keep(b);
 }
 
-void PositionMatcher::Keep(Position position) {
+void ProximityMatcher::Keep(Position position) {
   if (seen_[position]) return;
   seen_.set(position);
   kept_.push_back(position);
 }
 
-void PositionMatcher::SortKept() {
+void ProximityMatcher::SortKept() {
   std::sort(kept_.begin(), kept_.end());
   for (const Position position : kept_) seen_.reset(position);
   found_ = {kept_.data(), std::min(kept_.size(), kMaxPositions)};
@@ -84,7 +84,7 @@ void PositionMatcher::SortKept() {
 
 // One pass over both: no more than 41 of the first word's positions are close to one of the
 // second's.
-void PositionMatcher::MatchAscending(Positions first, Positions second) {
+void ProximityMatcher::MatchAscending(Positions first, Positions second) {
   const Position* close = first.begin();  // the first one that can earn a bonus with b, or after it
   const Position* near = first.begin();   // the first one in reach of b, or after it
   for (const Position b : second) {
@@ -94,14 +94,14 @@ void PositionMatcher::MatchAscending(Positions first, Positions second) {
   found_ = distance_ == 0 ? second : Positions{kept_.data(), kept_.size()};
 }
 
-void PositionMatcher::AddBonuses(Positions first, int b, const Position** close) {
+void ProximityMatcher::AddBonuses(Positions first, int b, const Position** close) {
   while (*close != first.end() && **close < b - kCloseWords) ++*close;
   for (const Position* a = *close; a != first.end() && *a <= b + kCloseWords; ++a) {
     if (IsInReach(b - *a)) AddBonus(b - *a);
   }
 }
 
-bool PositionMatcher::HasNear(Positions first, int b, const Position** near) const {
+bool ProximityMatcher::HasNear(Positions first, int b, const Position** near) const {
   while (*near != first.end() && **near < b - distance_) ++*near;
   const Position* const other = *near + (*near != first.end() && **near == b ? 1 : 0);
   return other != first.end() && *other <= b + distance_;
@@ -109,7 +109,7 @@ bool PositionMatcher::HasNear(Positions first, int b, const Position** near) con
 
 // Positions in any order, some of them many times over: each of the second word's is looked at with
 // its surroundings in a table of the first's.
-void PositionMatcher::MatchByTable(Positions first, Positions second) {
+void ProximityMatcher::MatchByTable(Positions first, Positions second) {
   Tabulate(first);
   const bool has_unknown = std::find(first.begin(), first.end(), 0) != first.end();
   for (const Position b : second) {
@@ -123,7 +123,7 @@ void PositionMatcher::MatchByTable(Positions first, Positions second) {
   SortKept();
 }
 
-void PositionMatcher::Tabulate(Positions first) {
+void ProximityMatcher::Tabulate(Positions first) {
   times_.assign(kLastPosition + 1, 0);
   for (const Position a : first) ++times_[a];
   times_[0] = 0;  // what is not known is close to nothing
@@ -134,7 +134,7 @@ void PositionMatcher::Tabulate(Positions first) {
 }
 
 // What all pairs of `b` earn, modulo 2^32.
-std::uint32_t PositionMatcher::BonusesAt(int b) const {
+std::uint32_t ProximityMatcher::BonusesAt(int b) const {
   std::uint32_t bonuses = 0;
   for (int a = std::max(b - kCloseWords, 1); a <= std::min(b + kCloseWords, kLastPosition); ++a) {
     const std::uint32_t times = times_[static_cast<Position>(a)];
@@ -143,7 +143,7 @@ std::uint32_t PositionMatcher::BonusesAt(int b) const {
   return bonuses;
 }
 
-bool PositionMatcher::HasNearInTable(int b) const {
+bool ProximityMatcher::HasNearInTable(int b) const {
   if (distance_ < 0) return false;
   const std::int64_t first = std::max<std::int64_t>(b - distance_, 1);
   const std::int64_t last = std::min<std::int64_t>(b + distance_, kLastPosition);
@@ -151,11 +151,11 @@ bool PositionMatcher::HasNearInTable(int b) const {
   return up_to_[static_cast<Position>(last)] - up_to_[static_cast<Position>(first - 1)] > same;
 }
 
-void PositionMatcher::AddBonus(int difference) {
+void ProximityMatcher::AddBonus(int difference) {
   if (difference >= -kCloseWords && difference <= kCloseWords) bonus_ += BonusOf(difference);
 }
 
-bool PositionMatcher::IsInReach(std::int64_t difference) const {
+bool ProximityMatcher::IsInReach(std::int64_t difference) const {
   if (distance_ == 0) return true;
   return difference != 0 && -distance_ <= difference && difference <= distance_;
 }

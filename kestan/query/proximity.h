@@ -12,11 +12,11 @@ namespace kestan {
 
 // Finds the positions of the second word that stand near enough to the first, and what their
 // nearness earns: each pair of words d places apart, d up to 20, is worth 401 - d * d.
-class PositionMatcher {
+class ProximityMatcher {
  public:
   // `distance` is how far apart the words of a pair may be, in either order; the same place does
   // not count. 0: any distance, the same place too. Below 0: none.
-  explicit PositionMatcher(int distance) : distance_(distance) {}
+  explicit ProximityMatcher(int distance) : distance_(distance) {}
 
   // Matches the positions of two words in one document. A position of 0 is not known: it is near to
   // all, earns nothing and leaves the other one to be found.

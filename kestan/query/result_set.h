@@ -3,6 +3,7 @@
 #define KESTAN_QUERY_RESULT_SET_H_
 
 #include <kestan/format/records.h>
+#include <kestan/query/matches.h>
 #include <kestan/storage/memory.h>
 
 #include <algorithm>
@@ -12,18 +13,11 @@
 
 namespace kestan {
 
-using Score = std::uint16_t;
-inline constexpr std::uint32_t kMaxScore = 65535;
-
 // Documents in ascending order of their codes. All positions of a set lie in one block of units:
 // for each document its number of positions and then these, which is how a posting record has them.
 class ResultSet {
  public:
-  struct Document {
-    Code code;
-    Score score;
-    std::uint32_t first;  // the index of the unit that counts its positions
-  };
+  using Document = Matches::Entry;
 
   // Makes room for about so many documents, and units of all of them together.
   void Reserve(std::size_t documents, std::size_t units) {
@@ -65,6 +59,9 @@ class ResultSet {
 
   const UnfilledVector<Document>& documents() const { return documents_; }
 
+  // Returns a view of the whole set. Valid until it changes.
+  Matches View() const { return {documents_.data(), documents_.size(), units_.data()}; }
+
   // Gives back room that was made for documents that did not come, if it is more than half.
   void Trim() {
     if (documents_.size() < documents_.capacity() / 2) documents_.shrink_to_fit();
@@ -83,13 +80,6 @@ class ResultSet {
   UnfilledVector<Document> documents_;
   UnfilledVector<std::uint16_t> units_;
 };
-
-// Registers `set`, which it takes and trims; a set lives until Kestan::FreeQueryResult.
-//   Returns  its id.
-int AddQueryResult(ResultSet* set);
-
-// Returns the set of `id`, null if there is none.
-const ResultSet* FindQueryResult(int id);
 
 }  // namespace kestan
 

@@ -1,11 +1,10 @@
-// Reports over the whole collection.
-#include <kestan/engine/kestan.h>
 #include <kestan/format/keys.h>
 #include <kestan/format/records.h>
-#include <kestan/text/scratch_text.h>
+#include <kestan/query/statistics.h>
 
 #include <cstdint>
 
+namespace kestan {
 namespace {
 
 constexpr int kFlushPeriod = 101;  // records; it keeps the cache small during a walk
@@ -13,8 +12,8 @@ constexpr int kFlushPeriod = 101;  // records; it keeps the cache small during a
 // Visits every record of the store and lists what `select` appends to the text. Fetches each value,
 // wanted or not: a later Put under its key goes by whether the record is cached.
 template <typename Select>
-char* ListRecords(Database& store, Select select) {
-  kestan::ScratchText lines;
+char* ListRecords(Database& store, ScratchBuffer* text, Select select) {
+  ScratchText lines(text);
   DBDatumPtr key;
   DBDatumPtr value;
   int since_flush = 0;
@@ -29,8 +28,7 @@ char* ListRecords(Database& store, Select select) {
 }
 
 bool IsDocumentKey(const DBDatum& key) {
-  return key.size >= 2 && key.data[0] == kestan::kDocumentFamily[0] &&
-         key.data[1] == kestan::kDocumentFamily[1];
+  return key.size >= 2 && key.data[0] == kDocumentFamily[0] && key.data[1] == kDocumentFamily[1];
 }
 
 // Cuts off the fraction and keeps the low 32 bits. What fits no 64-bit integer, and NaN, becomes
@@ -50,28 +48,30 @@ std::uint32_t BoundOf(double bound, std::uint32_t documents) {
 
 }  // namespace
 
-char* Kestan::ListDocuments() {
-  if (kestan::Fetch(store_, kestan::kCounterKey).ptr == nullptr) return const_cast<char*>("");
-  return ListRecords(store_, [](const DBDatum& key, const DBDatum&, kestan::ScratchText* lines) {
+char* ListDocuments(Database& store, ScratchBuffer* text) {
+  if (Fetch(store, kCounterKey).ptr == nullptr) return nullptr;
+  return ListRecords(store, text, [](const DBDatum& key, const DBDatum&, ScratchText* lines) {
     if (IsDocumentKey(key)) lines->AppendLine({key.data + 2, key.size - 2}, key.size);
   });
 }
 
-char* Kestan::CommonWords(double low, double high) {
-  DBDatumPtr counter = kestan::Fetch(store_, kestan::kCounterKey);
-  if (counter.ptr == nullptr) return const_cast<char*>("");
-  const auto documents = static_cast<std::uint32_t>(kestan::DecodeCounter(*counter.ptr) -
-                                                    kestan::CountCodes(*AvailCodes.ptr));
+char* ListCommonWords(Database& store, const DBDatum& reusable_codes, bool with_positions,
+                      FrequencyRange range, ScratchBuffer* text) {
+  DBDatumPtr counter = Fetch(store, kCounterKey);
+  if (counter.ptr == nullptr) return nullptr;
+  const auto documents =
+      static_cast<std::uint32_t>(DecodeCounter(*counter.ptr) - CountCodes(reusable_codes));
   counter.Free();  // a flush during the walk must not find it held, or it would be written twice
-  const std::uint32_t lower = BoundOf(low, documents);
-  const std::uint32_t upper = high >= 0 ? BoundOf(high, documents) : documents;
-  const bool with_positions = (OptionFlags & kestan::kFlagNoPositions) == 0;
-  return ListRecords(store_,
-                     [=](const DBDatum& key, const DBDatum& value, kestan::ScratchText* lines) {
-                       if (kestan::IsSystemKey(key)) return;
-                       const std::size_t count = kestan::CountPostings(value, with_positions);
+  const std::uint32_t lower = BoundOf(range.low, documents);
+  const std::uint32_t upper = range.high >= 0 ? BoundOf(range.high, documents) : documents;
+  return ListRecords(store, text,
+                     [=](const DBDatum& key, const DBDatum& value, ScratchText* lines) {
+                       if (IsSystemKey(key)) return;
+                       const std::size_t count = CountPostings(value, with_positions);
                        if (lower <= count && count <= upper) {
                          lines->AppendLine({key.data, key.size}, std::size_t{key.size} + 2);
                        }
                      });
 }
+
+}  // namespace kestan

@@ -10,8 +10,6 @@ constexpr std::uint32_t kFirstSize = 4096;
 
 }  // namespace
 
-ScratchBuffer scratch;
-
 void ScratchBuffer::Grow(std::uint32_t new_size) {
   size = new_size;
   Reserve(new_size);
@@ -30,14 +28,14 @@ void ScratchBuffer::Release() {
   capacity = 0;
 }
 
-ScratchText::ScratchText() {
-  if (scratch.size < kFirstSize) scratch.Grow(kFirstSize);
+ScratchText::ScratchText(ScratchBuffer* buffer) : buffer_(*buffer) {
+  if (buffer_.size < kFirstSize) buffer_.Grow(kFirstSize);
 }
 
 void ScratchText::MakeRoom(std::size_t room) {
   // The text may have passed the stated size: then the room left is negative.
-  const auto left = static_cast<std::int64_t>(scratch.size) - static_cast<std::int64_t>(used_);
-  if (left < static_cast<std::int64_t>(room)) scratch.Grow(scratch.size * 2);
+  const auto left = static_cast<std::int64_t>(buffer_.size) - static_cast<std::int64_t>(used_);
+  if (left < static_cast<std::int64_t>(room)) buffer_.Grow(buffer_.size * 2);
 }
 
 void ScratchText::AppendLine(std::string_view line, std::size_t room) {
@@ -47,9 +45,9 @@ void ScratchText::AppendLine(std::string_view line, std::size_t room) {
 }
 
 char* ScratchText::Finish() {
-  scratch.Reserve(used_ + 1);
-  scratch.bytes[used_] = '\0';
-  return scratch.bytes;
+  buffer_.Reserve(used_ + 1);
+  buffer_.bytes[used_] = '\0';
+  return buffer_.bytes;
 }
 
 }  // namespace kestan

@@ -1,4 +1,4 @@
-// The one growable buffer in which text is handed back to the host.
+// A growable buffer in which text is handed back to the host, and how text is built in it.
 #ifndef KESTAN_TEXT_SCRATCH_TEXT_H_
 #define KESTAN_TEXT_SCRATCH_TEXT_H_
 
@@ -9,10 +9,10 @@
 
 namespace kestan {
 
-// Kestan::WordBuf and Kestan::WBSize show `bytes` and `size` to hosts. The size follows the growth
-// rule of each user to the letter, down to 0; the memory behind it is whatever the text needs.
+// Hosts see `bytes` and `size`. The stated size follows the growth rule of each user to the letter,
+// down to 0; the memory behind it is whatever the text needs.
 struct ScratchBuffer {
-  // States the size anew and makes sure of that much memory.
+  // States another size and makes sure of that much memory.
   void Grow(std::uint32_t new_size);
 
   // Makes sure of memory for `count` bytes; the stated size stays as it is.
@@ -20,7 +20,7 @@ struct ScratchBuffer {
     if (capacity == 0 || count > capacity) Enlarge(count);
   }
 
-  // Releases the memory. `bytes` and `size` stay as they were; the next Reserve() starts anew.
+  // Releases the memory. `bytes` and `size` stay as they were; the next Reserve() allocates again.
   void Release();
 
   char* bytes = nullptr;
@@ -31,20 +31,18 @@ struct ScratchBuffer {
   void Enlarge(std::size_t count);
 };
 
-extern ScratchBuffer scratch;
-
-// Builds a text in the scratch buffer from its start. Only one at a time.
+// Builds a text in a buffer from its start. Only one at a time.
 class ScratchText {
  public:
-  // States a size of at least 4096 bytes.
-  ScratchText();
+  // Borrows `buffer` and makes it state a size of at least 4096 bytes.
+  explicit ScratchText(ScratchBuffer* buffer);
 
   // Doubles the stated size, once, if less than `room` bytes of it are left.
   void MakeRoom(std::size_t room);
 
   void Append(std::string_view text) {
-    scratch.Reserve(used_ + text.size() + 1);
-    if (!text.empty()) std::memcpy(scratch.bytes + used_, text.data(), text.size());
+    buffer_.Reserve(used_ + text.size() + 1);
+    if (!text.empty()) std::memcpy(buffer_.bytes + used_, text.data(), text.size());
     used_ += text.size();
   }
 
@@ -56,6 +54,7 @@ class ScratchText {
   char* Finish();
 
  private:
+  ScratchBuffer& buffer_;
   std::size_t used_ = 0;
 };
 

@@ -30,7 +30,7 @@ WordMap PlainWords(const std::string& text) {
 }
 
 WordMap Words(const std::string& text) {
-  const kestan::DocumentWords table(text);
+  const kestan::Tokenizer table(text);
   WordMap words;
   for (const auto& word : table.words()) {
     const std::string bytes(word.bytes);
@@ -40,13 +40,13 @@ WordMap Words(const std::string& text) {
   return words;
 }
 
-RC_GTEST_PROP(DocumentWords, AreThoseOfAPlainMap, ()) {
+RC_GTEST_PROP(Tokenizer, AreThoseOfAPlainMap, ()) {
   const auto text = *rc::gen::container<std::string>(
       rc::gen::element('a', 'b', 'A', 'B', '@', '\x80', ' ', ' ', '\n', '\t', '\v', '\f', '\r'));
   RC_ASSERT(Words(text) == PlainWords(text));
 }
 
-TEST(DocumentWords, OfALongTextAreThoseOfAPlainMap) {
+TEST(Tokenizer, OfALongTextAreThoseOfAPlainMap) {
   std::string text;
   for (unsigned i = 0; i < 200000; ++i) {
     text += (i % 3 == 0 ? "Word" : "word") + std::to_string(i * 7919 % 5003) + " ";
@@ -54,13 +54,13 @@ TEST(DocumentWords, OfALongTextAreThoseOfAPlainMap) {
   EXPECT_EQ(Words(text), PlainWords(text));
 }
 
-TEST(DocumentWords, OfOneHashAreToldApart) {
+TEST(Tokenizer, OfOneHashAreToldApart) {
   const auto [one, two] = kestan_tests::PairOfOneHash(kestan::Hasher(), "");
   const std::string text = one + " " + two + " " + one;
   EXPECT_EQ(Words(text), PlainWords(text));
 }
 
-TEST(DocumentWords, OfAnEmptyTextAreNone) {
+TEST(Tokenizer, OfAnEmptyTextAreNone) {
   EXPECT_TRUE(Words("").empty());
   EXPECT_TRUE(Words(" \n\t").empty());
 }

@@ -50,7 +50,7 @@ Match AllPairs(const PositionVector& first, const PositionVector& second, std::i
   return {kept, bonus};
 }
 
-Match Matched(kestan::PositionMatcher* matcher, const PositionVector& first,
+Match Matched(kestan::ProximityMatcher* matcher, const PositionVector& first,
               const PositionVector& second) {
   matcher->Match({first.data(), first.size()}, {second.data(), second.size()});
   return {{matcher->found().begin(), matcher->found().end()}, matcher->bonus()};
@@ -73,9 +73,9 @@ PositionVector Ascending(const PositionVector& positions) {
   return ascending;
 }
 
-RC_GTEST_PROP(PositionMatcher, MatchesAscendingPositionsAsAllPairsDo, ()) {
+RC_GTEST_PROP(ProximityMatcher, MatchesAscendingPositionsAsAllPairsDo, ()) {
   const int distance = *AnyDistance();
-  kestan::PositionMatcher matcher(distance);
+  kestan::ProximityMatcher matcher(distance);
   for (int round = 0; round < 3; ++round) {
     const PositionVector first = Ascending(*AnyPositions());
     const PositionVector second = Ascending(*AnyPositions());
@@ -83,9 +83,9 @@ RC_GTEST_PROP(PositionMatcher, MatchesAscendingPositionsAsAllPairsDo, ()) {
   }
 }
 
-RC_GTEST_PROP(PositionMatcher, MatchesAnyPositionsAsAllPairsDo, ()) {
+RC_GTEST_PROP(ProximityMatcher, MatchesAnyPositionsAsAllPairsDo, ()) {
   const int distance = *AnyDistance();
-  kestan::PositionMatcher matcher(distance);
+  kestan::ProximityMatcher matcher(distance);
   for (int round = 0; round < 3; ++round) {
     const PositionVector first = *AnyPositions();
     const PositionVector second = *AnyPositions();
@@ -93,19 +93,19 @@ RC_GTEST_PROP(PositionMatcher, MatchesAnyPositionsAsAllPairsDo, ()) {
   }
 }
 
-TEST(PositionMatcher, MatchesTheHighestPositionsAsAllPairsDo) {
+TEST(ProximityMatcher, MatchesTheHighestPositionsAsAllPairsDo) {
   const PositionVector first = {1, 2, 3, 65530, 65533, 65535};
   const PositionVector second = {1, 21, 22, 65510, 65534, 65535};
   for (const int distance : {0, 1, 20, 21, 65534, INT_MAX, -1, INT_MIN}) {
-    kestan::PositionMatcher matcher(distance);
+    kestan::ProximityMatcher matcher(distance);
     EXPECT_EQ(Matched(&matcher, first, second), AllPairs(first, second, distance)) << distance;
   }
 }
 
-TEST(PositionMatcher, OfAllPositionsKeepsAsManyAsADocumentCanHave) {
+TEST(ProximityMatcher, OfAllPositionsKeepsAsManyAsADocumentCanHave) {
   PositionVector all(65536);
   std::iota(all.begin(), all.end(), kestan::Position{0});
-  kestan::PositionMatcher matcher(0);
+  kestan::ProximityMatcher matcher(0);
   const Match match = Matched(&matcher, {0}, all);
   EXPECT_EQ(match.found, PositionVector(all.begin(), all.end() - 1));
 }
@@ -119,12 +119,12 @@ PositionVector ManyPositions(std::mt19937* draw, unsigned least, unsigned range)
   return positions;
 }
 
-RC_GTEST_PROP(PositionMatcher, MatchesManyPositionsAsAllPairsDo, ()) {
+RC_GTEST_PROP(ProximityMatcher, MatchesManyPositionsAsAllPairsDo, ()) {
   std::mt19937 draw(*rc::gen::arbitrary<unsigned>());
   const unsigned range = *rc::gen::element(5u, 100u, 2000u, 65535u);
   for (const unsigned least : {0u, 1u, 65435u}) {
     const int distance = *AnyDistance();
-    kestan::PositionMatcher matcher(distance);
+    kestan::ProximityMatcher matcher(distance);
     const PositionVector first = ManyPositions(&draw, least, range);
     const PositionVector second = ManyPositions(&draw, least, range);
     RC_ASSERT(Matched(&matcher, first, second) == AllPairs(first, second, distance));
@@ -142,9 +142,9 @@ std::pair<PositionVector, PositionVector> TakingTurns(unsigned times) {
 }
 
 // All pairs would be billions; these take milliseconds, with a wide margin for slow machines.
-TEST(PositionMatcher, TakesNoTimeForTwoWordsThatFillADocument) {
+TEST(ProximityMatcher, TakesNoTimeForTwoWordsThatFillADocument) {
   const auto [odd, even] = TakingTurns(30000);
-  kestan::PositionMatcher matcher(1);
+  kestan::ProximityMatcher matcher(1);
   const auto start = std::chrono::steady_clock::now();
   const Match match = Matched(&matcher, odd, even);
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
@@ -152,9 +152,9 @@ TEST(PositionMatcher, TakesNoTimeForTwoWordsThatFillADocument) {
   EXPECT_EQ(match.bonus, 400u * (2 * 30000 - 1));
 }
 
-TEST(PositionMatcher, TakesNoTimeWhereThePositionsOfTwoWordsWrapAround) {
+TEST(ProximityMatcher, TakesNoTimeWhereThePositionsOfTwoWordsWrapAround) {
   const auto [first, second] = TakingTurns(60000);
-  kestan::PositionMatcher matcher(1);
+  kestan::ProximityMatcher matcher(1);
   const auto start = std::chrono::steady_clock::now();
   const Match match = Matched(&matcher, first, second);
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
@@ -162,9 +162,9 @@ TEST(PositionMatcher, TakesNoTimeWhereThePositionsOfTwoWordsWrapAround) {
   EXPECT_EQ(match.bonus, 400u * (2 * 60000 - 2));  // one pair stands at 65535 and 1
 }
 
-TEST(PositionMatcher, CountsTheBonusModulo32Bits) {
+TEST(ProximityMatcher, CountsTheBonusModulo32Bits) {
   PositionVector same(65535, 7);  // 401 for each pair
-  kestan::PositionMatcher matcher(0);
+  kestan::ProximityMatcher matcher(0);
   const Match match = Matched(&matcher, same, PositionVector(100, 7));
   EXPECT_EQ(match.bonus, static_cast<std::uint32_t>(401ull * 65535 * 100));
   EXPECT_EQ(match.found, PositionVector{7});

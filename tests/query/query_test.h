@@ -3,7 +3,7 @@
 #ifndef KESTAN_TESTS_QUERY_QUERY_TEST_H_
 #define KESTAN_TESTS_QUERY_QUERY_TEST_H_
 
-#include <kestan/query/result_set.h>
+#include <kestan/engine/shared_state.h>
 
 #include <ostream>
 #include <string>
@@ -35,7 +35,7 @@ using Hits = std::vector<Hit>;
 
 // Reads the set of `id`; an unknown one fails the test.
 inline Hits HitsOf(int id) {
-  const kestan::ResultSet* const set = kestan::FindQueryResult(id);
+  const kestan::ResultSet* const set = kestan::Results().Find(id);
   EXPECT_NE(set, nullptr) << id;
   Hits hits;
   if (set == nullptr) return hits;

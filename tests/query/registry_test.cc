@@ -1,4 +1,4 @@
-// Result ids and what they keep alive, of kestan/query/registry.cc.
+// Result ids and what they keep alive, of kestan/query/registry.h.
 #include <unistd.h>
 
 #include <climits>
@@ -46,7 +46,7 @@ TEST_F(Registry, FreedIdIsNotUsedAgain) {
   EXPECT_EQ(Word("cat"), 1);
   engine_.FreeQueryResult(1);
   EXPECT_EQ(Word("cat"), 2);
-  EXPECT_EQ(kestan::FindQueryResult(1), nullptr);
+  EXPECT_EQ(kestan::Results().Find(1), nullptr);
 }
 
 TEST_F(Registry, FailuresTakeNoId) {

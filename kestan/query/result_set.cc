@@ -1,19 +1,9 @@
-// Result sets and the registry that keeps them.
-#include <kestan/engine/kestan.h>
 #include <kestan/query/result_set.h>
 
 #include <algorithm>
-#include <functional>
-#include <map>
-#include <utility>
 
 namespace kestan {
 namespace {
-
-// Of the process, not of an engine. Sets that nobody has freed when the process ends stay as they
-// are: only FreeQueryResult releases one.
-std::map<int, ResultSet*, std::less<>, Allocator<std::pair<const int, ResultSet*>>> MatchList;
-int MatchCounter = 1;
 
 bool CodeIsLower(const ResultSet::Document& left, const ResultSet::Document& right) {
   return left.code < right.code;
@@ -54,22 +44,4 @@ void ResultSet::Sort() {
   documents_.erase(std::unique(documents_.begin(), documents_.end(), same_code), documents_.end());
 }
 
-int AddQueryResult(ResultSet* set) {
-  set->Trim();
-  MatchList.emplace(MatchCounter, set);
-  return MatchCounter++;
-}
-
-const ResultSet* FindQueryResult(int id) {
-  const auto found = MatchList.find(id);
-  return found == MatchList.end() ? nullptr : found->second;
-}
-
 }  // namespace kestan
-
-void Kestan::FreeQueryResult(int id) {
-  const auto found = kestan::MatchList.find(id);
-  if (found == kestan::MatchList.end()) return;
-  delete found->second;
-  kestan::MatchList.erase(found);
-}

@@ -1,0 +1,21 @@
+#include <kestan/format/keys.h>
+#include <kestan/format/records.h>
+#include <kestan/query/negate.h>
+
+namespace kestan {
+
+std::optional<ResultSet> Negate(Database& store, const DBDatum& reusable_codes,
+                                const ResultSet* set) {
+  CodeSet excluded;
+  CollectCodes(reusable_codes, &excluded);
+  if (set != nullptr) {
+    for (const auto& document : set->documents()) excluded.set(document.code);
+  }
+  const DBDatumPtr counter = Fetch(store, kCounterKey);
+  if (counter.ptr == nullptr) return std::nullopt;
+  ResultSet others;
+  others.AddAllBut(excluded, DecodeCounter(*counter.ptr));
+  return others;
+}
+
+}  // namespace kestan
