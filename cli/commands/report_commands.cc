@@ -14,6 +14,9 @@
 namespace kestan_cli {
 namespace {
 
+using kestan::search::kAnyFrequency;
+using kestan::search::SortedLines;
+
 std::string Joined(const std::vector<std::string>& items, char end) {
   std::string text;
   for (const std::string& item : items) text.append(item) += end;

@@ -19,6 +19,21 @@
 namespace kestan_cli {
 namespace {
 
+using kestan::search::Distinct;
+using kestan::search::Evaluator;
+using kestan::search::Explanation;
+using kestan::search::Hit;
+using kestan::search::HitOrder;
+using kestan::search::HitsIn;
+using kestan::search::MakeSnippet;
+using kestan::search::ParseQuery;
+using kestan::search::PartsThatSpeakFor;
+using kestan::search::Piece;
+using kestan::search::Query;
+using kestan::search::RankedPart;
+using kestan::search::ResultSet;
+using kestan::search::SideBySide;
+
 std::string TextOrEmpty(const char* text) { return text == nullptr ? "" : text; }
 
 bool IsColoured(Colour colour) {

@@ -18,17 +18,17 @@ enum class Colour { kAuto, kAlways, kNever };
 // What to find, and what to show of it. Where several are asked for, `json` goes before `count`,
 // that before `nul`, that before `names_only`.
 struct SearchOptions {
-  std::string query;                           // arguments joined by blanks
-  SideBySide side_by_side = SideBySide::kAll;  // --any: kAny
-  HitOrder order = HitOrder::kBest;            // --order
-  std::optional<std::size_t> limit;            // --limit: how many hits are shown
-  bool names_only = false;                     // -l
-  bool nul = false;                            // -0: names only, each followed by a NUL
-  bool count = false;                          // --count: only how many hits there are
-  bool json = false;                           // --json
-  bool snippets = false;                       // --snippets: titles and snippets in any output
-  bool explain = false;                        // --explain
-  Colour colour = Colour::kAuto;               // --color
+  std::string query;  // arguments joined by blanks
+  kestan::search::SideBySide side_by_side = kestan::search::SideBySide::kAll;  // --any: kAny
+  kestan::search::HitOrder order = kestan::search::HitOrder::kBest;            // --order
+  std::optional<std::size_t> limit;  // --limit: how many hits are shown
+  bool names_only = false;           // -l
+  bool nul = false;                  // -0: names only, each followed by a NUL
+  bool count = false;                // --count: only how many hits there are
+  bool json = false;                 // --json
+  bool snippets = false;             // --snippets: titles and snippets in any output
+  bool explain = false;              // --explain
+  Colour colour = Colour::kAuto;     // --color
 };
 
 // Prints the documents that a query finds. On a terminal, or with snippets, a hit is shown with its

@@ -5,6 +5,9 @@
 namespace kestan_cli {
 namespace {
 
+using kestan::search::Explanation;
+using kestan::search::Piece;
+
 Json JsonOf(const std::vector<Piece>& snippet) {
   Json pieces = Json::array();
   for (const Piece& piece : snippet) {

@@ -8,6 +8,10 @@
 namespace kestan_cli {
 namespace {
 
+using kestan::search::Explanation;
+using kestan::search::Hit;
+using kestan::search::Piece;
+
 constexpr std::string_view kIndent = "    ";
 
 // How a terminal is told to colour what follows, and to stop.

@@ -15,9 +15,9 @@ namespace kestan_cli {
 
 // A hit with what is shown of it.
 struct ShownHit {
-  Hit hit;
-  std::string title;           // empty if the document has none
-  std::vector<Piece> snippet;  // empty if there is none
+  kestan::search::Hit hit;
+  std::string title;                           // empty if the document has none
+  std::vector<kestan::search::Piece> snippet;  // empty if there is none
 };
 
 struct SearchReport {
@@ -26,11 +26,11 @@ struct SearchReport {
   std::vector<ShownHit> hits;  // those that are shown
   std::vector<std::string> suggestions;
   std::vector<std::string> notes;
-  std::optional<Explanation> explanation;
+  std::optional<kestan::search::Explanation> explanation;
 };
 
 // Returns "PERCENT NAME" and a line feed.
-std::string PlainLine(const Hit& hit);
+std::string PlainLine(const kestan::search::Hit& hit);
 
 // Returns a hit on up to three lines: "PERCENT NAME", the title and the snippet, both indented.
 // With `coloured`, terminal colours set them apart, and matches are bold; without, [matches] stand
@@ -39,7 +39,7 @@ std::string RichLines(const ShownHit& hit, bool coloured);
 
 // Returns the tree with one line for each part, indented by its depth: what it is, how many
 // documents it finds and the microseconds it took.
-std::string ExplanationLines(const Explanation& explanation);
+std::string ExplanationLines(const kestan::search::Explanation& explanation);
 
 // Returns the report as one JSON object and a line feed; docs/queries.md gives its fields. Bytes
 // that are not UTF-8 become U+FFFD.

@@ -17,6 +17,8 @@
 namespace kestan_cli {
 namespace {
 
+using kestan::search::LinesOf;
+
 auto NoText(const SideRecord& record, const std::string& name, const std::string& index) {
   return CommandError("document " + Quoted(name) + " of index " + Quoted(index) + " has no " +
                       record.title);

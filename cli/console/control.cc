@@ -5,6 +5,8 @@
 namespace kestan_cli {
 namespace {
 
+using kestan::search::CharacterBytes;
+
 unsigned ByteAt(std::string_view text, std::size_t at) {
   return static_cast<unsigned char>(text[at]);
 }

@@ -18,6 +18,8 @@
 namespace kestan_cli {
 namespace {
 
+using kestan::search::AppendCharacter;
+
 constexpr std::string_view kLatin1 = "windows-1252";
 constexpr std::string_view kUtf8 = "utf-8";
 constexpr std::string_view kLatin10 = "iso-8859-16";  // which ICU does not have

@@ -9,6 +9,9 @@
 namespace kestan_cli {
 namespace {
 
+using kestan::search::AppendCharacter;
+using kestan::search::FindNonUtf8;
+
 constexpr std::string_view kUtf8Mark = "\xef\xbb\xbf";
 constexpr char32_t kUnknown = 0xfffd;
 

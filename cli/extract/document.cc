@@ -9,9 +9,14 @@
 #include "cli/files/skip.h"
 #include "search/text/lines.h"
 #include "search/text/transliterate.h"
+#include "search/text/words.h"
 
 namespace kestan_cli {
 namespace {
+
+using kestan::search::CleanWords;
+using kestan::search::LinesOf;
+using kestan::search::Transliterated;
 
 constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
 
@@ -85,17 +90,6 @@ std::string Excerpt(std::string_view text, std::size_t max_bytes) {
   if (line.size() > max_bytes) line.resize(CutAt(line, max_bytes));
   if (!line.empty() && line.back() == ' ') line.pop_back();
   return line;
-}
-
-std::string CleanWords(std::string text, const std::string& stop_words) {
-  const auto size = static_cast<unsigned>(text.size());
-  text += ' ';  // the last blank may land one byte past the text
-  int length = Kestan::StripNonWords(text.data(), size);
-  const char* const no_stop_words = nullptr;
-  length = Kestan::StripWords(text.data(), static_cast<unsigned>(length), stop_words.c_str(),
-                              &no_stop_words);
-  text.resize(static_cast<std::size_t>(length));
-  return text;
 }
 
 Document MakeDocument(std::string text, TitleRule rule, const WordRules& rules) {

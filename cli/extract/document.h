@@ -43,11 +43,6 @@ Document MakeDocument(std::string text, TitleRule rule = TitleRule::kFirstLine,
 // space. It is at most `max_bytes` long and does not end within a UTF-8 character.
 std::string Excerpt(std::string_view text, std::size_t max_bytes);
 
-// Keeps the words of `text`: runs of ASCII letters, without apostrophes, cut after 64 letters, with
-// white space between them. Documents and queries go through it alike. Drops stop words as
-// WordRules says.
-std::string CleanWords(std::string text, const std::string& stop_words = "");
-
 }  // namespace kestan_cli
 
 #endif  // KESTAN_CLI_EXTRACT_DOCUMENT_H_

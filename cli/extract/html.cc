@@ -28,6 +28,8 @@
 namespace kestan_cli {
 namespace {
 
+using kestan::search::FindNonUtf8;
+
 // Elements inside a line: a word may go on across them. In the order of their bytes.
 constexpr std::array<std::string_view, 32> kInline{
     "a",    "abbr",   "acronym", "b",   "bdi", "bdo",  "big",  "cite", "code", "del",  "dfn",

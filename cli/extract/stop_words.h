@@ -1,9 +1,8 @@
-// Words too common to tell documents apart.
+// The stop words of an index: those that the user chooses to leave out.
 #ifndef KESTAN_CLI_EXTRACT_STOP_WORDS_H_
 #define KESTAN_CLI_EXTRACT_STOP_WORDS_H_
 
 #include <string>
-#include <string_view>
 
 namespace kestan_cli {
 
@@ -12,10 +11,6 @@ namespace kestan_cli {
 // words are indexed: without accents and apostrophes.
 //   Throws   CommandError if the file cannot be read or is no text.
 std::string StopWords(const std::string& choice);
-
-// Tells whether `word`, as it is indexed, says nothing of what a question is about (the, of,
-// which). It may begin with a capital; with more of them (IT, US) it is a name.
-bool IsStopWord(std::string_view word);
 
 }  // namespace kestan_cli
 

@@ -8,6 +8,8 @@
 namespace kestan_cli {
 namespace {
 
+using kestan::search::CharacterBytes;
+
 std::string_view FirstCharacter(std::string_view text) {
   return text.substr(0, std::max<std::size_t>(CharacterBytes(text), 1));
 }

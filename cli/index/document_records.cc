@@ -11,6 +11,8 @@
 namespace kestan_cli {
 namespace {
 
+using kestan::search::SortedLines;
+
 void MoveSideRecord(OpenedIndex& index, const SideRecord& record, const std::string& from,
                     const std::string& to) {
   Kestan& engine = index.engine();

@@ -4,12 +4,11 @@
 #include <chrono>
 #include <utility>
 
-#include "cli/console/message.h"
 #include "search/query/query_printer.h"
 #include "search/ranking/hits.h"
 #include "search/vocabulary/word_forms.h"
 
-namespace kestan_cli {
+namespace kestan::search {
 namespace {
 
 // For so many missing words are others suggested: each costs a look at all words of the index.
@@ -19,6 +18,10 @@ using Clock = std::chrono::steady_clock;
 
 std::int64_t MicrosecondsSince(Clock::time_point start) {
   return std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - start).count();
+}
+
+std::string CountedWords(std::size_t count) {
+  return std::to_string(count) + (count == 1 ? " word" : " words");
 }
 
 std::int64_t TimeOfParts(const Explanation& explanation) {
@@ -244,7 +247,7 @@ Evaluator::Expansion Evaluator::Expand(const Query& query) {
   KeepClosest(
       kMaxExpansions, [this](const std::string& word) { return DocumentsWith(word); }, &candidates);
   Expansion expansion;
-  expansion.note = Counted(found, "word");
+  expansion.note = CountedWords(found);
   if (found > kMaxExpansions) TellOfCut(query, &expansion, found);
   for (Similar& candidate : candidates) expansion.words.push_back(std::move(candidate.word));
   return expansion;
@@ -253,7 +256,7 @@ Evaluator::Expansion Evaluator::Expand(const Query& query) {
 void Evaluator::TellOfCut(const Query& query, Expansion* expansion, std::size_t found) {
   const std::string closest = query.kind == Query::Kind::kFuzzy ? "closest and " : "";
   expansion->note = "only the " + std::to_string(kMaxExpansions) + " " + closest +
-                    "most frequent of " + Counted(found, "word");
+                    "most frequent of " + CountedWords(found);
   notes_.push_back(Spelled(query) + " stands for " + expansion->note);
 }
 
@@ -302,4 +305,4 @@ std::vector<const Query*> PartsThatSpeakFor(const Query& query) {
   return parts;
 }
 
-}  // namespace kestan_cli
+}  // namespace kestan::search

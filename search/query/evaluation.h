@@ -17,7 +17,7 @@
 #include "search/query/result_set.h"
 #include "search/vocabulary/vocabulary.h"
 
-namespace kestan_cli {
+namespace kestan::search {
 
 // How many words of the index one prefix* or fuzzy~ stands for at most.
 constexpr std::size_t kMaxExpansions = 100;
@@ -100,6 +100,6 @@ class Evaluator {
 // what AND and OR join, without what is under NOT.
 std::vector<const Query*> PartsThatSpeakFor(const Query& query);
 
-}  // namespace kestan_cli
+}  // namespace kestan::search
 
 #endif  // KESTAN_SEARCH_QUERY_EVALUATION_H_

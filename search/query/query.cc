@@ -7,12 +7,12 @@
 #include <tuple>
 #include <utility>
 
-#include "cli/extract/document.h"
-#include "cli/extract/stop_words.h"
 #include "search/query/query_tokens.h"
+#include "search/text/stop_words.h"
 #include "search/text/transliterate.h"
+#include "search/text/words.h"
 
-namespace kestan_cli {
+namespace kestan::search {
 namespace {
 
 using Kind = Token::Kind;
@@ -261,4 +261,4 @@ std::optional<Query> ParseQuery(std::string_view text, SideBySide side_by_side) 
   return Parser(Tokens(text), side_by_side).ParseOr();
 }
 
-}  // namespace kestan_cli
+}  // namespace kestan::search

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace kestan_cli {
+namespace kestan::search {
 
 // How deep parentheses and NOTs may be nested, so that no query can exhaust the stack.
 constexpr unsigned kMaxQueryDepth = 200;
@@ -67,6 +67,6 @@ enum class SideBySide {
 //   Returns  nothing if no letters are left.
 std::optional<Query> ParseQuery(std::string_view text, SideBySide side_by_side = SideBySide::kAll);
 
-}  // namespace kestan_cli
+}  // namespace kestan::search
 
 #endif  // KESTAN_SEARCH_QUERY_QUERY_H_

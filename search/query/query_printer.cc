@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-namespace kestan_cli {
+namespace kestan::search {
 namespace {
 
 using Kind = Query::Kind;
@@ -107,4 +107,4 @@ std::string LabelOf(const Query& query) {
   }
 }
 
-}  // namespace kestan_cli
+}  // namespace kestan::search

@@ -6,7 +6,7 @@
 
 #include "search/query/query.h"
 
-namespace kestan_cli {
+namespace kestan::search {
 
 // Writes `query` as a text that ParseQuery (with kAll) reads as the same query, but for kForms, of
 // which only the word is written.
@@ -15,6 +15,6 @@ std::string Spelled(const Query& query);
 // Names the node itself, without its operands: a word as it is spelled, or the operator.
 std::string LabelOf(const Query& query);
 
-}  // namespace kestan_cli
+}  // namespace kestan::search
 
 #endif  // KESTAN_SEARCH_QUERY_QUERY_PRINTER_H_

@@ -4,7 +4,7 @@
 #include <charconv>
 #include <utility>
 
-namespace kestan_cli {
+namespace kestan::search {
 namespace {
 
 using Kind = Token::Kind;
@@ -175,4 +175,4 @@ std::vector<Token> Tokens(std::string_view text) {
   return tokens;
 }
 
-}  // namespace kestan_cli
+}  // namespace kestan::search

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace kestan_cli {
+namespace kestan::search {
 
 struct Token {
   enum class Kind { kWord, kPhrase, kAnd, kOr, kNear, kNot, kOpen, kClose, kEnd };
@@ -22,6 +22,6 @@ struct Token {
 // that is a word, or left out where it has no letters. A part may turn out to hold no letters.
 std::vector<Token> Tokens(std::string_view text);
 
-}  // namespace kestan_cli
+}  // namespace kestan::search
 
 #endif  // KESTAN_SEARCH_QUERY_QUERY_TOKENS_H_

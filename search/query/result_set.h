@@ -6,7 +6,7 @@
 
 #include <utility>
 
-namespace kestan_cli {
+namespace kestan::search {
 
 // A result set of the engine's, freed when it goes. The id -1 stands for a set without documents:
 // that is how the engine answers for a word that the index lacks, and how it takes one.
@@ -33,6 +33,6 @@ class ResultSet {
   int id_;
 };
 
-}  // namespace kestan_cli
+}  // namespace kestan::search
 
 #endif  // KESTAN_SEARCH_QUERY_RESULT_SET_H_

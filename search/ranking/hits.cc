@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <tuple>
 
-namespace kestan_cli {
+namespace kestan::search {
 
 std::vector<Hit> HitsIn(std::string_view listing) {
   std::vector<Hit> hits;
@@ -27,4 +27,4 @@ void Sort(HitOrder order, std::vector<Hit>* hits) {
   });
 }
 
-}  // namespace kestan_cli
+}  // namespace kestan::search

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace kestan_cli {
+namespace kestan::search {
 
 struct Hit {
   int percent = 0;  // of the best hit's score or relevance
@@ -47,6 +47,6 @@ void ForEachHit(std::string_view listing, Take take) {
   }
 }
 
-}  // namespace kestan_cli
+}  // namespace kestan::search
 
 #endif  // KESTAN_SEARCH_RANKING_HITS_H_

@@ -3,13 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <map>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 
-#include "cli/files/text_hash.h"
-
-namespace kestan_cli {
+namespace kestan::search {
 namespace {
 
 // The usual constants of BM25; any near them do as well.
@@ -81,7 +79,7 @@ std::vector<Candidate> CandidatesOf(std::vector<Hit>* hits) {
 
 void AddShares(const std::vector<RankedPart>& parts, double documents,
                std::vector<Candidate>* candidates) {
-  std::unordered_map<std::string_view, Candidate*, TextHash> by_name;
+  std::map<std::string_view, Candidate*> by_name;
   for (Candidate& candidate : *candidates) by_name[candidate.hit.name] = &candidate;
   for (const RankedPart& part : parts) {
     const std::string listing = part.listing();
@@ -120,4 +118,4 @@ void SortByRelevance(const std::vector<RankedPart>& parts, std::uint64_t documen
   StorePercentages(&candidates, hits);
 }
 
-}  // namespace kestan_cli
+}  // namespace kestan::search

@@ -11,7 +11,7 @@
 
 #include "search/ranking/hits.h"
 
-namespace kestan_cli {
+namespace kestan::search {
 
 // How many of the hits are asked for their size: those that seem best without it.
 constexpr std::size_t kMeasuredHits = 1000;
@@ -40,6 +40,6 @@ struct RankedPart {
 void SortByRelevance(const std::vector<RankedPart>& parts, std::uint64_t documents,
                      const SizeOf& size_of, std::vector<Hit>* hits);
 
-}  // namespace kestan_cli
+}  // namespace kestan::search
 
 #endif  // KESTAN_SEARCH_RANKING_RELEVANCE_H_

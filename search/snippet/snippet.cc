@@ -4,10 +4,10 @@
 #include <map>
 #include <utility>
 
-#include "cli/extract/document.h"
 #include "search/text/transliterate.h"
+#include "search/text/words.h"
 
-namespace kestan_cli {
+namespace kestan::search {
 namespace {
 
 constexpr std::string_view kGap = "...";
@@ -212,4 +212,4 @@ std::vector<Piece> MakeSnippet(std::string_view text, const std::set<std::string
   return line.Take();
 }
 
-}  // namespace kestan_cli
+}  // namespace kestan::search

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-namespace kestan_cli {
+namespace kestan::search {
 
 // About how much of the text a snippet shows.
 constexpr std::size_t kSnippetBytes = 160;
@@ -25,6 +25,6 @@ struct Piece {
 //   Returns  nothing if no word matches.
 std::vector<Piece> MakeSnippet(std::string_view text, const std::set<std::string>& sought);
 
-}  // namespace kestan_cli
+}  // namespace kestan::search
 
 #endif  // KESTAN_SEARCH_SNIPPET_SNIPPET_H_

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace kestan_cli {
+namespace kestan::search {
 
 // Returns the lines of `text` without their line feeds. Borrows it.
 inline std::vector<std::string_view> LinesOf(std::string_view text) {
@@ -28,6 +28,6 @@ inline std::vector<std::string> SortedLines(std::string_view text) {
   return sorted;
 }
 
-}  // namespace kestan_cli
+}  // namespace kestan::search
 
 #endif  // KESTAN_SEARCH_TEXT_LINES_H_

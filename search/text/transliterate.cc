@@ -10,19 +10,16 @@
 #include <cstdint>
 #include <memory>
 #include <new>
-#include <unordered_map>
 
-#include "cli/console/message.h"
-#include "cli/files/text_hash.h"
+#include "search/text/run_cache.h"
 #include "search/text/utf8.h"
 
-namespace kestan_cli {
+namespace kestan::search {
 namespace {
 
-// Runs of other bytes than ASCII are few and repeat, so what became of them is kept. Both limits
-// bound the memory.
+// Texts repeat short runs of bytes above 127, so what they are in ASCII is kept. Longer ones are
+// not kept, which bounds the memory.
 constexpr std::size_t kMaxKeptBytes = 64;
-constexpr std::size_t kMaxKept = std::size_t{1} << 16;
 constexpr std::size_t kLongRunBytes = 256;
 constexpr std::size_t kMaxRunBytes = 4096;
 
@@ -39,7 +36,8 @@ class Transliterator {
                                                               UTRANS_FORWARD, error));
     if (error == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
     // Without it every letter beyond ASCII would become a blank, and be missing in silence.
-    if (U_FAILURE(error)) throw CommandError("ICU lacks the data for other scripts than ASCII");
+    if (U_FAILURE(error))
+      throw TransliterationError("ICU lacks the data for other scripts than ASCII");
   }
 
   void Apply(icu::UnicodeString* text) const {
@@ -106,20 +104,13 @@ std::string TransliteratedRun(std::string_view run) {
 
 // Adds `run`, which is UTF-8, to `ascii`.
 void AppendRun(std::string_view run, std::string* ascii) {
-  static std::unordered_map<std::string, std::string, TextHash> kept;
+  static RunCache cache;
   if (run.size() > kMaxKeptBytes) {
     *ascii += TransliteratedRun(run);
     return;
   }
-  std::string key(run);
-  const auto known = kept.find(key);
-  if (known != kept.end()) {
-    *ascii += known->second;
-    return;
-  }
-  if (kept.size() >= kMaxKept) kept.clear();
-  const std::string& made = kept[std::move(key)] = TransliteratedRun(run);
-  *ascii += made;
+  const std::string* const known = cache.Find(run);
+  *ascii += known != nullptr ? *known : cache.Keep(run, TransliteratedRun(run));
 }
 
 // Returns the code of `character`, U+FFFF if it is none.
@@ -175,4 +166,4 @@ std::string Transliterated(std::string_view utf8) {
   return ascii;
 }
 
-}  // namespace kestan_cli
+}  // namespace kestan::search

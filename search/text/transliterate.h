@@ -2,17 +2,25 @@
 #ifndef KESTAN_SEARCH_TEXT_TRANSLITERATE_H_
 #define KESTAN_SEARCH_TEXT_TRANSLITERATE_H_
 
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
-namespace kestan_cli {
+namespace kestan::search {
+
+// ICU has no data for other scripts than ASCII.
+class TransliterationError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
 
 // Returns `utf8` in ASCII: "Zürich" becomes "Zurich", "Привет" "Privet". Documents and queries go
 // through it alike. Each Chinese sign becomes a word between blanks. What has no counterpart in
 // ASCII becomes a blank; bytes that are not UTF-8 are taken as Latin-1. ASCII comes back as it is,
 // at the speed of copying.
+//   Throws   TransliterationError, std::bad_alloc.
 std::string Transliterated(std::string_view utf8);
 
-}  // namespace kestan_cli
+}  // namespace kestan::search
 
 #endif  // KESTAN_SEARCH_TEXT_TRANSLITERATE_H_

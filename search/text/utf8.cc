@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <cstring>
 
-namespace kestan_cli {
+namespace kestan::search {
 namespace {
 
 unsigned ByteAt(std::string_view text, std::size_t at) {
@@ -78,4 +78,4 @@ std::size_t FindNonUtf8(std::string_view text, std::size_t from) {
   return from;
 }
 
-}  // namespace kestan_cli
+}  // namespace kestan::search

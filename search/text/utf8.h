@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace kestan_cli {
+namespace kestan::search {
 
 // Returns how many bytes the UTF-8 character at the start of `text`, which is not empty, has: 1 to
 // 4; 0 if there is none.
@@ -23,6 +23,6 @@ std::size_t FindNonAscii(std::string_view text, std::size_t from);
 // of `text` if there is none.
 std::size_t FindNonUtf8(std::string_view text, std::size_t from);
 
-}  // namespace kestan_cli
+}  // namespace kestan::search
 
 #endif  // KESTAN_SEARCH_TEXT_UTF8_H_

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <tuple>
 
-namespace kestan_cli {
+namespace kestan::search {
 namespace {
 
 constexpr std::size_t kMaxSuggestions = 3;
@@ -162,4 +162,4 @@ std::vector<std::string> Suggestions(const Vocabulary& vocabulary, const std::st
   return words;
 }
 
-}  // namespace kestan_cli
+}  // namespace kestan::search

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-namespace kestan_cli {
+namespace kestan::search {
 
 // What Kestan::CommonWords takes as its upper bound to leave out no word. A negative one stands for
 // the number of documents, and a word of one letter may have postings of many more that are gone.
@@ -58,6 +58,6 @@ void KeepClosest(std::size_t max, const FrequencyOf& frequency_of,
 std::vector<std::string> Suggestions(const Vocabulary& vocabulary, const std::string& word,
                                      const FrequencyOf& frequency_of);
 
-}  // namespace kestan_cli
+}  // namespace kestan::search
 
 #endif  // KESTAN_SEARCH_VOCABULARY_VOCABULARY_H_

@@ -5,7 +5,7 @@
 #include <cctype>
 #include <utility>
 
-namespace kestan_cli {
+namespace kestan::search {
 namespace {
 
 constexpr std::size_t kMinLetters = 4;  // of a word that is taken apart
@@ -76,4 +76,4 @@ std::vector<std::string> FormsOf(const std::string& word) {
   return forms.Take();
 }
 
-}  // namespace kestan_cli
+}  // namespace kestan::search

@@ -5,13 +5,13 @@
 #include <string>
 #include <vector>
 
-namespace kestan_cli {
+namespace kestan::search {
 
 // Returns forms that `word`, in small letters, may have, itself first and each once: flow, flows,
 // flowed, flowing. Guesses by its ending; many of them are no words. Words of three letters get
 // an s at most, shorter ones none.
 std::vector<std::string> FormsOf(const std::string& word);
 
-}  // namespace kestan_cli
+}  // namespace kestan::search
 
 #endif  // KESTAN_SEARCH_VOCABULARY_WORD_FORMS_H_

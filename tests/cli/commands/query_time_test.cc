@@ -14,6 +14,9 @@
 namespace kestan_cli {
 namespace {
 
+using kestan::search::Evaluator;
+using kestan::search::ParseQuery;
+
 // The words "aaa" to "bmm", each of three letters.
 std::string WordOf(std::size_t number) {
   return {static_cast<char>('a' + number / 676), static_cast<char>('a' + number / 26 % 26),

@@ -38,7 +38,8 @@ TEST(SearchJsonTest, BytesThatAreNotUtf8AreReplaced) {
 
 TEST(SearchJsonTest, ExplanationIsATree) {
   SearchReport report;
-  report.explanation = Explanation{"NOT", 1, 5, "", {{"cat*", 2, 3, "2 words", {}}}};
+  report.explanation =
+      kestan::search::Explanation{"NOT", 1, 5, "", {{"cat*", 2, 3, "2 words", {}}}};
   EXPECT_EQ(Read(report)["explanation"], Json::parse(R"({
       "part": "NOT", "documents": 1, "microseconds": 5,
       "parts": [{"part": "cat*", "documents": 2, "microseconds": 3, "note": "2 words"}]})"));

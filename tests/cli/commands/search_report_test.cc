@@ -30,7 +30,8 @@ TEST(SearchReportTest, NamesCannotSteerATerminal) {
 }
 
 TEST(SearchReportTest, ExplanationIsATree) {
-  const Explanation tree{"AND", 1, 5, "", {{"cat", 2, 3, "", {}}, {"dog*", 1, 4, "2 words", {}}}};
+  const kestan::search::Explanation tree{
+      "AND", 1, 5, "", {{"cat", 2, 3, "", {}}, {"dog*", 1, 4, "2 words", {}}}};
   EXPECT_EQ(ExplanationLines(tree),
             "AND: 1 document, 5 us\n"
             "  cat: 2 documents, 3 us\n"

@@ -59,21 +59,6 @@ TEST(ExcerptTest, EndsWithoutABlank) {
   EXPECT_EQ(Excerpt("ab  ", 9), "ab");
 }
 
-TEST(CleanWordsTest, KeepsLettersOnly) {
-  EXPECT_EQ(CleanWords("e-mail, 2nd \"try\"."), "e mail nd try ");
-}
-
-TEST(CleanWordsTest, TakesApostrophesOut) {
-  EXPECT_EQ(CleanWords("don't 'quote'."), "dont quote ");
-}
-
-TEST(CleanWordsTest, CutsWordsAfter64Letters) {
-  EXPECT_EQ(CleanWords(std::string(64, 'x')), std::string(64, 'x') + " ");
-  EXPECT_EQ(CleanWords(std::string(65, 'x') + " y."), std::string(64, 'x') + " y ");
-}
-
-TEST(CleanWordsTest, NothingStaysNothing) { EXPECT_EQ(CleanWords(""), ""); }
-
 const std::string kEncoded = "M" + std::string(60, 'A') + "\n";
 
 std::string WordsOf(const std::string& text, const WordRules& rules = {}) {

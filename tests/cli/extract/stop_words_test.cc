@@ -49,19 +49,5 @@ TEST_F(StopWordsTest, FileThatCannotBeReadIsTold) {
   }
 }
 
-TEST(StopWordTest, FirstAndLastOfTheListAreKnown) {
-  EXPECT_TRUE(IsStopWord("a"));
-  EXPECT_TRUE(IsStopWord("the"));
-  EXPECT_TRUE(IsStopWord("yourself"));
-  EXPECT_FALSE(IsStopWord("flow"));
-  EXPECT_FALSE(IsStopWord(""));
-}
-
-TEST(StopWordTest, OneCapitalIsABeginningMoreAreAName) {
-  EXPECT_TRUE(IsStopWord("What"));
-  EXPECT_TRUE(IsStopWord("A"));
-  EXPECT_FALSE(IsStopWord("IT"));
-}
-
 }  // namespace
 }  // namespace kestan_cli

@@ -9,7 +9,7 @@
 
 #include "tests/support/index_test.h"
 
-namespace kestan_cli {
+namespace kestan::search {
 namespace {
 
 using Words = std::vector<std::string>;
@@ -169,4 +169,4 @@ TEST_F(EvaluationTest, PartsThatSpeakForADocumentLeaveOutNot) {
 }
 
 }  // namespace
-}  // namespace kestan_cli
+}  // namespace kestan::search

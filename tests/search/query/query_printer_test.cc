@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace kestan_cli {
+namespace kestan::search {
 namespace {
 
 std::string Respelled(const std::string& text, SideBySide side_by_side = SideBySide::kAll) {
@@ -56,4 +56,4 @@ TEST(SpellingTest, LabelsNameOneNode) {
 }
 
 }  // namespace
-}  // namespace kestan_cli
+}  // namespace kestan::search

@@ -13,7 +13,7 @@
 #include "search/ranking/hits.h"
 #include "tests/support/index_test.h"
 
-namespace kestan_cli {
+namespace kestan::search {
 namespace {
 
 // Pieces that the language gives a meaning to, so that random texts meet its corners.
@@ -192,4 +192,4 @@ TEST_F(QueryOfAnIndexTest, DifferentOperandsCountAsFromLeftToRight) {
 }
 
 }  // namespace
-}  // namespace kestan_cli
+}  // namespace kestan::search

@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace kestan_cli {
+namespace kestan::search {
 namespace {
 
 std::string NameOf(Query::Kind kind) {
@@ -322,4 +322,4 @@ TEST(QuestionTest, CapitalsHaveNoOtherForms) {
 }
 
 }  // namespace
-}  // namespace kestan_cli
+}  // namespace kestan::search

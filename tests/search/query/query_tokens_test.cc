@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace kestan_cli {
+namespace kestan::search {
 namespace {
 
 // Writes tokens as one letter for the kind, and the text of words and phrases.
@@ -55,4 +55,4 @@ TEST(QueryTokensTest, CurlyQuotesAreQuotes) {
 }
 
 }  // namespace
-}  // namespace kestan_cli
+}  // namespace kestan::search

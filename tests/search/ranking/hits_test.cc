@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace kestan_cli {
+namespace kestan::search {
 namespace {
 
 std::string Sorted(HitOrder order, const std::string& listing) {
@@ -51,4 +51,4 @@ TEST(HitsTest, ByCodeIsAsListedWhateverCameBefore) {
 }
 
 }  // namespace
-}  // namespace kestan_cli
+}  // namespace kestan::search

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace kestan_cli {
+namespace kestan::search {
 namespace {
 
 std::optional<std::uint64_t> Unknown(const std::string&) { return std::nullopt; }
@@ -120,4 +120,4 @@ TEST(RelevanceTest, NoHitsAndNoPartsAreNoError) {
 }
 
 }  // namespace
-}  // namespace kestan_cli
+}  // namespace kestan::search

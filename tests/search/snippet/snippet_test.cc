@@ -6,7 +6,7 @@
 #include <set>
 #include <string>
 
-namespace kestan_cli {
+namespace kestan::search {
 namespace {
 
 // A snippet with its matches in brackets.
@@ -91,4 +91,4 @@ RC_GTEST_PROP(SnippetTest, AnyBytesMakeALine, (const std::string& text)) {
 }
 
 }  // namespace
-}  // namespace kestan_cli
+}  // namespace kestan::search

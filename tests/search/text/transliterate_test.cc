@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace kestan_cli {
+namespace kestan::search {
 namespace {
 
 std::string Repeated(std::size_t count, const std::string& text) {
@@ -97,4 +97,4 @@ TEST(TransliterateTest, RunWithoutAnyEndIsTakenInPieces) {
 }
 
 }  // namespace
-}  // namespace kestan_cli
+}  // namespace kestan::search

@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace kestan_cli {
+namespace kestan::search {
 namespace {
 
 std::string Character(char32_t code) {
@@ -61,4 +61,4 @@ TEST(Utf8Test, FirstByteThatIsNotUtf8IsFound) {
 }
 
 }  // namespace
-}  // namespace kestan_cli
+}  // namespace kestan::search

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace kestan_cli {
+namespace kestan::search {
 namespace {
 
 std::string Joined(const std::vector<Similar>& found) {
@@ -141,4 +141,4 @@ TEST(SuggestionsTest, SingleLettersAreNotSuggested) {
 }
 
 }  // namespace
-}  // namespace kestan_cli
+}  // namespace kestan::search

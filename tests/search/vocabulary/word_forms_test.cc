@@ -6,7 +6,7 @@
 #include <set>
 #include <string>
 
-namespace kestan_cli {
+namespace kestan::search {
 namespace {
 
 bool HasForm(const std::string& word, const std::string& form) {
@@ -66,4 +66,4 @@ TEST(WordFormsTest, EachFormComesOnce) {
 }
 
 }  // namespace
-}  // namespace kestan_cli
+}  // namespace kestan::search

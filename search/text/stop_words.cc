@@ -1,0 +1,50 @@
+#include "search/text/stop_words.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+
+namespace kestan::search {
+namespace {
+
+constexpr std::array<std::string_view, 166> kEnglish = {  // in order of their bytes
+    "a",       "about",   "above",   "after",      "again",  "all",     "also",    "am",
+    "an",      "and",     "another", "any",        "are",    "arent",   "as",      "at",
+    "be",      "because", "been",    "before",     "being",  "below",   "between", "both",
+    "but",     "by",      "can",     "cannot",     "cant",   "could",   "couldnt", "did",
+    "didnt",   "do",      "does",    "doesnt",     "doing",  "done",    "dont",    "down",
+    "during",  "each",    "either",  "else",       "even",   "ever",    "every",   "few",
+    "for",     "from",    "further", "had",        "hadnt",  "has",     "hasnt",   "have",
+    "havent",  "having",  "he",      "her",        "here",   "hers",    "herself", "him",
+    "himself", "his",     "how",     "however",    "i",      "if",      "im",      "in",
+    "into",    "is",      "isnt",    "it",         "its",    "itself",  "ive",     "just",
+    "like",    "may",     "me",      "might",      "more",   "most",    "much",    "must",
+    "my",      "myself",  "neither", "no",         "nor",    "not",     "now",     "of",
+    "off",     "on",      "once",    "only",       "or",     "other",   "our",     "ours",
+    "out",     "over",    "own",     "same",       "shall",  "she",     "should",  "shouldnt",
+    "since",   "so",      "some",    "such",       "than",   "that",    "thats",   "the",
+    "their",   "theirs",  "them",    "themselves", "then",   "there",   "these",   "they",
+    "this",    "those",   "through", "thus",       "to",     "too",     "under",   "until",
+    "up",      "upon",    "very",    "was",        "wasnt",  "we",      "were",    "werent",
+    "what",    "when",    "where",   "whether",    "which",  "while",   "who",     "whom",
+    "whose",   "why",     "will",    "with",       "within", "without", "wont",    "would",
+    "wouldnt", "yet",     "you",     "your",       "yours",  "yourself"};
+
+}  // namespace
+
+std::string EnglishStopWords() {
+  std::string words;
+  for (const std::string_view word : kEnglish) words.append(word).append(" ");
+  return words;
+}
+
+bool IsStopWord(std::string_view word) {
+  if (word.empty() || std::any_of(word.begin() + 1, word.end(), [](char c) { return c < 'a'; })) {
+    return false;
+  }
+  std::string folded(word);
+  folded[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(folded[0])));
+  return std::binary_search(kEnglish.begin(), kEnglish.end(), std::string_view(folded));
+}
+
+}  // namespace kestan::search
