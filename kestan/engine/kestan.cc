@@ -5,9 +5,9 @@
 #include <kestan/format/keys.h>
 #include <kestan/format/records.h>
 #include <kestan/indexing/indexer.h>
+#include <kestan/indexing/short_words.h>
 #include <kestan/indexing/shrink.h>
 #include <kestan/indexing/strip.h>
-#include <kestan/maintenance/repair/short_words.h>
 #include <kestan/query/intersect.h>
 #include <kestan/query/listing.h>
 #include <kestan/query/lookup.h>

@@ -10,10 +10,10 @@
 namespace kestan_tests {
 namespace {
 
-const std::string kOld = Units({2, 1, 7});   // an entry of a removed document
+const std::string kOld = Units({2, 1, 7});   // a posting of a removed document
 const std::string kLive = Units({1, 1, 7});  // of one that is there
 
-class ShortWords : public IndexTest {
+class ShortWordsTest : public IndexTest {
  protected:
   // An index in which the document "a" has the code 1, and the code 2 is reusable.
   void SetUp() override {
@@ -37,14 +37,14 @@ class ShortWords : public IndexTest {
   }
 };
 
-TEST_F(ShortWords, LoseWhatTheySayOfDocumentsThatAreGone) {
+TEST_F(ShortWordsTest, LoseWhatTheySayOfDocumentsThatAreGone) {
   EXPECT_EQ(Purged("c", kLive + kOld), kLive);
   EXPECT_EQ(Purged("c", kOld + kLive), kLive);
   EXPECT_EQ(Purged("c", kOld), "");
   EXPECT_EQ(Purged("c", kLive), kLive);
 }
 
-TEST_F(ShortWords, HaveAnyByteAndMayEndInAHyphen) {
+TEST_F(ShortWordsTest, HaveAnyByteAndMayEndInAHyphen) {
   for (int byte = 0; byte < 256; ++byte) {
     const std::string word(1, static_cast<char>(byte));
     EXPECT_EQ(Purged(word, kOld + kLive), kLive) << byte;
@@ -52,11 +52,11 @@ TEST_F(ShortWords, HaveAnyByteAndMayEndInAHyphen) {
   }
 }
 
-TEST_F(ShortWords, AreNoOthers) {
+TEST_F(ShortWordsTest, AreNoOthers) {
   for (const char* word : {"cc", "-c", "c-c"}) EXPECT_EQ(Purged(word, kOld), kOld) << word;
 }
 
-TEST_F(ShortWords, OfRemovedDocumentsGoBeforeAShrink) {
+TEST_F(ShortWordsTest, OfRemovedDocumentsGoBeforeAShrink) {
   PlantAndReopen({{"c", kLive}});
   engine_.RemoveDocumentWords("a");
   EXPECT_EQ(engine_.PurgeShortWords(), 0);
@@ -66,30 +66,30 @@ TEST_F(ShortWords, OfRemovedDocumentsGoBeforeAShrink) {
   EXPECT_EQ(Stored().at("c"), "");
 }
 
-TEST_F(ShortWords, OfCodesThatWereNeverHandedOutGo) {
+TEST_F(ShortWordsTest, OfCodesThatWereNeverHandedOutGo) {
   EXPECT_EQ(Purged("c", Units({3, 1, 7}) + kLive), kLive);
   EXPECT_EQ(Purged("c", Units({0, 1, 7}) + kLive), kLive);
   EXPECT_EQ(Purged("c", Units({65535, 1, 7}) + kLive), kLive);
 }
 
-TEST_F(ShortWords, OfADocumentStayWhateverADamagedListSays) {
+TEST_F(ShortWordsTest, OfADocumentStayWhateverADamagedListSays) {
   EXPECT_EQ(Purged({{"c", kLive}, {"g-avail", Units({1, 2})}}).at("c"), kLive);
   EXPECT_EQ(Purged({{"c", kLive}, {"g-code", Units({0})}}).at("c"), kLive);
 }
 
-TEST_F(ShortWords, AreCodesAloneWithoutPositions) {
+TEST_F(ShortWordsTest, AreCodesAloneWithoutPositions) {
   engine_.SetOptionFlag(1);
   EXPECT_EQ(Purged("c", Units({2, 1, 2, 1})), Units({1, 1}));
   EXPECT_EQ(Purged("c-", Units({2, 1})), Units({1}));
 }
 
-TEST_F(ShortWords, AreNotTakenForTheTextsOfTheEmptyName) {
+TEST_F(ShortWordsTest, AreNotTakenForTheTextsOfTheEmptyName) {
   for (const char* key : {"t-", "s-", "u-"}) EXPECT_EQ(Purged(key, "a title"), "a title") << key;
   const std::string document = Units({1, 1, 2, 0});
   EXPECT_EQ(Purged("d-", document), document);
 }
 
-TEST_F(ShortWords, OfADamagedRecordAreLeftWithAllOthers) {
+TEST_F(ShortWordsTest, OfADamagedRecordAreLeftWithAllOthers) {
   for (const std::string& damaged : {kOld + "x", kOld + Units({1, 2, 7}), kOld + Units({1})}) {
     const Records records = Purged({{"b", kOld}, {"c", damaged}, {"d", kOld}}, -2);
     EXPECT_EQ(records.at("b"), kOld);
@@ -98,13 +98,13 @@ TEST_F(ShortWords, OfADamagedRecordAreLeftWithAllOthers) {
   }
 }
 
-TEST_F(ShortWords, OfADamagedRecordWithoutReusableCodesAreLeftAlone) {
+TEST_F(ShortWordsTest, OfADamagedRecordWithoutReusableCodesAreLeftAlone) {
   const std::string damaged = kLive + Units({1, 2, 7});
   EXPECT_EQ(Purged({{"b", kOld}, {"c", damaged}}).at("b"), "");
   EXPECT_EQ(Dump(path_).at("c"), damaged);
 }
 
-TEST_F(ShortWords, OfADamagedRecordThatAShrinkWouldFreeAreLeftAlone) {
+TEST_F(ShortWordsTest, OfADamagedRecordThatAShrinkWouldFreeAreLeftAlone) {
   const std::string damaged = kLive + "x";
   PlantAndReopen({{"c", damaged}});
   engine_.RemoveDocumentWords("a");
@@ -112,7 +112,7 @@ TEST_F(ShortWords, OfADamagedRecordThatAShrinkWouldFreeAreLeftAlone) {
   EXPECT_EQ(Stored().at("c"), damaged);
 }
 
-TEST_F(ShortWords, OfAnyTruncationOfARecordAreServed) {
+TEST_F(ShortWordsTest, OfAnyTruncationOfARecordAreServed) {
   const std::string whole = kLive + kOld + kLive;
   for (std::size_t size = 0; size <= whole.size(); ++size) {
     PlantAndReopen({{"c", whole.substr(0, size)}});
@@ -123,7 +123,7 @@ TEST_F(ShortWords, OfAnyTruncationOfARecordAreServed) {
   }
 }
 
-TEST_F(ShortWords, TakeLittleMemoryHoweverLongTheirRecordsAre) {
+TEST_F(ShortWordsTest, TakeLittleMemoryHoweverLongTheirRecordsAre) {
   std::string postings;
   for (int i = 0; i < 400000; ++i) postings += kLive;
   Records records;
@@ -137,7 +137,7 @@ TEST_F(ShortWords, TakeLittleMemoryHoweverLongTheirRecordsAre) {
   EXPECT_EQ(Stored().at("l"), postings);
 }
 
-TEST_F(ShortWords, OfNoIndexCannotBePurged) {
+TEST_F(ShortWordsTest, OfNoIndexCannotBePurged) {
   engine_.CloseIndex();
   int result = 0;
   EXPECT_EQ(StandardErrorOf([&] { result = engine_.PurgeShortWords(); }),
@@ -145,7 +145,7 @@ TEST_F(ShortWords, OfNoIndexCannotBePurged) {
   EXPECT_EQ(result, -1);
 }
 
-TEST_F(ShortWords, StayWhereARecordCannotBeRead) {
+TEST_F(ShortWordsTest, StayWhereARecordCannotBeRead) {
   bool failed = true;
   for (int nth = 1; failed; ++nth) {
     PlantAndReopen({{"c", kOld}});
@@ -158,7 +158,7 @@ TEST_F(ShortWords, StayWhereARecordCannotBeRead) {
   }
 }
 
-TEST_F(ShortWords, ThatCannotBeWrittenAreAnError) {
+TEST_F(ShortWordsTest, ThatCannotBeWrittenAreAnError) {
   PlantAndReopen({{"c", kOld}});
   ASSERT_EQ(engine_.PurgeShortWords(), 0);
   GdbmWatch watch;

@@ -1,7 +1,7 @@
 #include <kestan/format/keys.h>
 #include <kestan/format/record_kind.h>
 #include <kestan/format/records.h>
-#include <kestan/maintenance/repair/short_words.h>
+#include <kestan/indexing/short_words.h>
 #include <kestan/storage/flush_policy.h>
 #include <kestan/storage/memory.h>
 
@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kDamaged = -2;
 
-// Fetches the value of `key`. One that is not there makes `*value` null.
+// Fetches the value of `key`; `*value` is null if there is no such record.
 //   Returns  0, -1 without a file, or gdbm's number of a read failure.
 int Read(Database& store, std::string_view key, DBDatumPtr* value) {
   const int error = store.Get(value, AsDatum(key));
@@ -34,8 +34,8 @@ int ForEachShortWord(Visit visit) {
   return 0;
 }
 
-// The codes that no document has. What the lists say of a code counts only where no name record
-// says otherwise, for a damaged list must not cost a document its words.
+// The codes that no document has. A code that the lists call free is not free if it has a name
+// record, for a damaged list must not cost a document its words.
 class FreeCodes {
  public:
   explicit FreeCodes(Database& store) : store_(store) {}
@@ -61,17 +61,17 @@ class FreeCodes {
     return all_[code];
   }
 
-  // Whether the next document may get `code`, which Has() says is free.
+  // Returns whether the next document may get `code`, for which Has() has returned true.
   bool IsReusable(Code code) const { return reusable_[code]; }
 
-  // Every code that Has() was not asked for is as the lists say.
+  // Returns all free codes. Those that were not passed to Has() are as the lists say.
   const CodeSet& all() const { return all_; }
 
   // Returns gdbm's number of the first read failure of Has(), 0 if there was none.
   int error() const { return error_; }
 
  private:
-  // A name that cannot be read may be one.
+  // A name record that cannot be read counts as one.
   bool HasName(Code code) {
     const auto key = NameKey(code);
     DBDatumPtr name;
@@ -95,7 +95,7 @@ class ShortWordPurge {
   int Plan(bool removed_too) {
     if (const int error = ReadRules(); error != 0) return error;
     if (const int error = free_.Gather(rules_.highest, removed_too); error != 0) return error;
-    FlushPolicy cadence(store_);
+    FlushPolicy flush_policy(store_);
     return ForEachShortWord([&](std::string_view word) {
       DBDatumPtr postings;
       if (const int error = Read(store_, word, &postings); error != 0) return error;
@@ -103,12 +103,12 @@ class ShortWordPurge {
       if (const int error = Judge(word, *postings.ptr); error != 0) return error;
       const std::size_t bytes = postings.ptr->size;
       postings.Free();
-      return cadence.Note(bytes);
+      return flush_policy.Note(bytes);
     });
   }
 
   int CarryOut() {
-    FlushPolicy cadence(store_);
+    FlushPolicy flush_policy(store_);
     for (const String& word : words_) {
       DBDatumPtr postings;
       if (const int error = Read(store_, word, &postings); error != 0) return error;
@@ -117,7 +117,7 @@ class ShortWordPurge {
       postings.ptr->dirty = true;
       const std::size_t bytes = postings.ptr->size;
       postings.Free();
-      if (const int error = cadence.Note(bytes); error != 0) return error;
+      if (const int error = flush_policy.Note(bytes); error != 0) return error;
     }
     return 0;
   }
@@ -136,11 +136,11 @@ class ShortWordPurge {
     bool has_free = false;
     bool has_reusable = false;
     PostingReader reader(postings, rules_.with_positions);
-    Posting entry{};
-    while (reader.Next(&entry)) {
-      if (!free_.Has(entry.code)) continue;
+    Posting posting{};
+    while (reader.Next(&posting)) {
+      if (!free_.Has(posting.code)) continue;
       has_free = true;
-      if (free_.IsReusable(entry.code)) has_reusable = true;
+      if (free_.IsReusable(posting.code)) has_reusable = true;
     }
     if (free_.error() != 0) return free_.error();
     if (!has_free) return 0;
@@ -148,7 +148,7 @@ class ShortWordPurge {
     return has_reusable && !IsWhole(postings) ? kDamaged : 0;
   }
 
-  // Whether the record is all entries and the last one is not cut.
+  // Returns whether the record is nothing but postings and the last one is not cut.
   bool IsWhole(const DBDatum& postings) const {
     if (postings.size % kUnitBytes != 0) return false;
     if (!rules_.with_positions) return true;
@@ -161,12 +161,12 @@ class ShortWordPurge {
   Database& store_;
   FreeCodes free_;
   PostingRules rules_;
-  Vector<String> words_;  // with entries of free codes
+  Vector<String> words_;  // with postings of free codes
 };
 
 }  // namespace
 
-// In two steps, so that damage is found before anything is changed.
+// Plans before it writes, so that damage is found while nothing is changed yet.
 int PurgeShortWords(Database& store, bool removed_too) {
   ShortWordPurge purge(store);
   if (const int error = purge.Plan(removed_too); error != 0) return error;
