@@ -2,7 +2,7 @@
 #include <kestan/format/record_kind.h>
 #include <kestan/format/records.h>
 #include <kestan/indexing/short_words.h>
-#include <kestan/storage/flush_policy.h>
+#include <kestan/storage/flush.h>
 #include <kestan/storage/memory.h>
 
 #include <array>
@@ -95,7 +95,7 @@ class ShortWordPurge {
   int Plan(bool removed_too) {
     if (const int error = ReadRules(); error != 0) return error;
     if (const int error = free_.Gather(rules_.highest, removed_too); error != 0) return error;
-    FlushPolicy flush_policy(store_);
+    PeriodicFlush flush(store_);
     return ForEachShortWord([&](std::string_view word) {
       DBDatumPtr postings;
       if (const int error = Read(store_, word, &postings); error != 0) return error;
@@ -103,12 +103,12 @@ class ShortWordPurge {
       if (const int error = Judge(word, *postings.ptr); error != 0) return error;
       const std::size_t bytes = postings.ptr->size;
       postings.Free();
-      return flush_policy.Note(bytes);
+      return flush.Note(bytes);
     });
   }
 
   int CarryOut() {
-    FlushPolicy flush_policy(store_);
+    PeriodicFlush flush(store_);
     for (const String& word : words_) {
       DBDatumPtr postings;
       if (const int error = Read(store_, word, &postings); error != 0) return error;
@@ -117,7 +117,7 @@ class ShortWordPurge {
       postings.ptr->dirty = true;
       const std::size_t bytes = postings.ptr->size;
       postings.Free();
-      if (const int error = flush_policy.Note(bytes); error != 0) return error;
+      if (const int error = flush.Note(bytes); error != 0) return error;
     }
     return 0;
   }

@@ -21,7 +21,7 @@ class RunFlushes : public testing::Test {
 
   TempDir folder_;
   Database store_;
-  kestan::FlushPolicy cadence_{store_};
+  kestan::PeriodicFlush cadence_{store_};
 };
 
 TEST_F(RunFlushes, ComeAfterEach1000Records) {

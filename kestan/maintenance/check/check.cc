@@ -7,7 +7,7 @@
 #include <kestan/maintenance/check/tables.h>
 #include <kestan/maintenance/report/findings.h>
 #include <kestan/maintenance/salvage/file_reading.h>
-#include <kestan/maintenance/walk.h>
+#include <kestan/storage/record_iterator.h>
 
 namespace kestan {
 namespace {
@@ -57,17 +57,16 @@ CheckResult CheckIndex(Database& store, const TakeLine& report) {
 
   PostingCheck postings(tables, &findings);
   FormCheck forms(store, tables, &findings);
-  bool all_read = true;
-  const int walk_error = ForEachRecord(store, [&](const DBDatum& key, const DBDatum* value, int) {
-    if (value == nullptr) all_read = false;
-    if (value == nullptr) return;
-    postings.Visit(key, *value);
-    forms.Visit(key, *value);
-  });
-  if (all_read && walk_error == 0 && !tables.IsIncomplete()) postings.CheckDocuments();
+  RecordIterator record(store, WalkOptions::BoundedMemory());
+  for (; record.Valid(); record.Next()) {
+    if (record.error() != 0) continue;
+    postings.Visit(record.key(), *record.value().ptr);
+    forms.Visit(record.key(), *record.value().ptr);
+  }
+  if (record.all_read() && !tables.IsIncomplete()) postings.CheckDocuments();
   postings.NoteUnusedWords();
-  const int error =
-      CheckFile(store, tables.walk_error != 0 ? tables.walk_error : walk_error, &findings);
+  const int walk_error = tables.walk_error != 0 ? tables.walk_error : record.walk_error();
+  const int error = CheckFile(store, walk_error, &findings);
   return {findings.faults(), findings.notes(), error};
 }
 

@@ -32,7 +32,7 @@ class FormCheck {
   Database& store_;
   const IndexTables& tables_;
   Findings& findings_;
-  FlushPolicy cadence_;
+  PeriodicFlush cadence_;
 };
 
 }  // namespace kestan

@@ -1,6 +1,6 @@
 #include <kestan/format/keys.h>
 #include <kestan/maintenance/check/tables.h>
-#include <kestan/maintenance/walk.h>
+#include <kestan/storage/record_iterator.h>
 
 #include <algorithm>
 
@@ -162,8 +162,9 @@ IndexTables ReadTables(Database& store) {
   store.Flush();
   tables.rules = ReadPostingRules(store);
   TableBuilder builder(&tables);
-  tables.walk_error = ForEachRecord(
-      store, [&](const DBDatum& key, const DBDatum* value, int) { builder.Visit(key, value); });
+  RecordIterator record(store, WalkOptions::BoundedMemory());
+  for (; record.Valid(); record.Next()) builder.Visit(record.key(), record.value().ptr);
+  tables.walk_error = record.walk_error();
   builder.Finish();
   return tables;
 }

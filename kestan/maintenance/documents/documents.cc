@@ -3,7 +3,7 @@
 #include <kestan/maintenance/documents.h>
 #include <kestan/storage/flush_policy.h>
 #include <kestan/storage/memory.h>
-#include <kestan/storage/size_guard.h>
+#include <kestan/storage/record_iterator.h>
 
 #include <algorithm>
 #include <array>
@@ -71,21 +71,19 @@ class Contents {
  private:
   // Two-byte keys are those of words, and of the empty name.
   int SortKeys(Database& store, Vector<String>* document_keys) {
-    DBDatumPtr handle;
-    SizeGuard guard(store);
-    for (int end = store.First(&handle); end == 0; end = store.Next(&handle)) {
-      const std::string_view key(handle.ptr->data, handle.ptr->size);
-      if (const int error = guard.Count(key.size()); error != 0) return error;
+    RecordIterator record(store, WalkOptions::Keys());
+    for (; record.Valid(); record.Next()) {
+      const std::string_view key(record.key().data, record.key().size);
       if (IsDocumentKey(key)) document_keys->emplace_back(key);
       if (key.size() <= 2 || !IsOfFamily(key)) words_.emplace_back(key);
     }
     std::sort(words_.begin(), words_.end());
     words_.erase(std::unique(words_.begin(), words_.end()), words_.end());
-    return store.WalkError();
+    return record.walk_error();
   }
 
   int ReadDocumentRecords(Database& store, const Vector<String>& keys) {
-    FlushPolicy cadence(store);
+    PeriodicFlush cadence(store);
     for (const String& key : keys) {
       if (const int error = ReadDocumentRecord(store, key); error != 0) return error;
       cadence.Note(key.size());
@@ -177,7 +175,7 @@ void ForEachEntry(std::string_view word, const DBDatum& record, bool has_positio
 //   Returns  0 or gdbm's error number.
 template <typename Visit>
 int ForEachPosting(Database& store, const Contents& contents, Visit visit) {
-  FlushPolicy cadence(store);
+  PeriodicFlush cadence(store);
   DBDatumPtr record;
   for (WordId word = 0; word < contents.words().size(); ++word) {
     const String& bytes = contents.words()[word];
@@ -351,7 +349,7 @@ class DocumentGiver {
   const Contents& contents_;
   const TakeDocument& take_;
   WordOrder order_;
-  FlushPolicy cadence_;
+  PeriodicFlush cadence_;
   CodeSet codes_;  // of the documents that are given now
   Vector<Place> places_;
 };

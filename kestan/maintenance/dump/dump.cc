@@ -3,6 +3,7 @@
 #include <kestan/storage/crc64.h>
 #include <kestan/storage/flush_policy.h>
 #include <kestan/storage/memory.h>
+#include <kestan/storage/record_iterator.h>
 #include <kestan/storage/size_guard.h>
 
 #include <algorithm>
@@ -104,15 +105,11 @@ class DumpWriter {
 // Finds every key of the store, each once, in order of their bytes. Fetches no value.
 //   Returns  0 or gdbm's error number.
 int FindKeys(Database& store, Vector<String>* keys) {
-  DBDatumPtr key;
-  SizeGuard guard(store);
-  for (int end = store.First(&key); end == 0; end = store.Next(&key)) {
-    if (const int error = guard.Count(key.ptr->size); error != 0) return error;
-    keys->emplace_back(key.ptr->data, key.ptr->size);
-  }
+  RecordIterator record(store, WalkOptions::Keys());
+  for (; record.Valid(); record.Next()) keys->emplace_back(record.key().data, record.key().size);
   std::sort(keys->begin(), keys->end());
   keys->erase(std::unique(keys->begin(), keys->end()), keys->end());
-  return store.WalkError();
+  return record.walk_error();
 }
 
 // ---- From lines to records ----
@@ -241,7 +238,7 @@ class DumpReader {
 
   Database& target_;
   const TakeLine& complain_;
-  FlushPolicy cadence_;
+  PeriodicFlush cadence_;
   Tally tally_;
   std::uint64_t line_number_ = 0;
   String key_;
@@ -258,6 +255,13 @@ bool RefuseTarget(const TakeLine& complain, std::string_view what, int error) {
   return false;
 }
 
+bool IsEmpty(Database& target, const TakeLine& complain) {
+  const RecordIterator record(target, WalkOptions::Keys());
+  if (record.Valid()) return RefuseTarget(complain, "the index is not empty", 0);
+  if (record.walk_error() == 0) return true;
+  return RefuseTarget(complain, "the index cannot be read", record.walk_error());
+}
+
 }  // namespace
 
 int DumpIndex(Database& store, const TakeLine& take) {
@@ -266,7 +270,7 @@ int DumpIndex(Database& store, const TakeLine& take) {
   if (store.Flush() == -1) return -1;
   if (const int error = FindKeys(store, &keys); error != 0) return error;
   DumpWriter writer(take);
-  FlushPolicy cadence(store);
+  PeriodicFlush cadence(store);
   SizeGuard guard(store);
   for (const String& key : keys) {
     if (const int error = store.Get(&value, AsDatum(key)); error != 0) return error;
@@ -281,12 +285,8 @@ int DumpIndex(Database& store, const TakeLine& take) {
 }
 
 bool LoadIndex(const GiveLine& give, Database& target, const TakeLine& complain) {
-  DBDatumPtr key;
   if (target.Flush() == -1) return RefuseTarget(complain, "no file is open", 0);
-  if (target.First(&key) == 0) return RefuseTarget(complain, "the index is not empty", 0);
-  if (target.WalkError() != 0) {
-    return RefuseTarget(complain, "the index cannot be read", target.WalkError());
-  }
+  if (!IsEmpty(target, complain)) return false;
   if (!DumpReader(target, complain).Read(give)) return false;
   target.Flush();
   if (target.FileError() == 0) return true;

@@ -2,7 +2,7 @@
 #include <kestan/format/record_kind.h>
 #include <kestan/format/records.h>
 #include <kestan/maintenance/statistics.h>
-#include <kestan/maintenance/walk.h>
+#include <kestan/storage/record_iterator.h>
 
 #include <algorithm>
 
@@ -136,11 +136,12 @@ IndexStatistics ReadStatistics(Database& store) {
   }
   statistics.file_bytes = static_cast<std::uint64_t>(store.FileBytes());
   Counter counter(store, &statistics);
-  const int walk_error = ForEachRecord(store, [&](const DBDatum& key, const DBDatum* value, int) {
-    if (value != nullptr) counter.Visit(key, *value);
-  });
+  RecordIterator record(store, WalkOptions::BoundedMemory());
+  for (; record.Valid(); record.Next()) {
+    if (record.error() == 0) counter.Visit(record.key(), *record.value().ptr);
+  }
   counter.Finish();
-  statistics.file_error = walk_error != 0 ? walk_error : store.FileError();
+  statistics.file_error = record.walk_error() != 0 ? record.walk_error() : store.FileError();
   return statistics;
 }
 
