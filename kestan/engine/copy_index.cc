@@ -1,5 +1,6 @@
 #include <kestan/engine/kestan.h>
 #include <kestan/storage/memory.h>
+#include <kestan/storage/record_iterator.h>
 
 #include <cstdio>
 
@@ -17,19 +18,16 @@ int Kestan::CopyIndexTo(const char* path) {
                  Database::ErrorString(error));
     return -1;
   }
-  DBDatumPtr key;
-  DBDatumPtr value;
-  int since_flush = 0;
-  for (int end = store_.First(&key, &value); end == 0; end = store_.Next(&key, &value)) {
+  kestan::WalkOptions options;
+  options.flush_policy = kestan::FlushPolicy::Every(kCopyFlushPeriod);
+  options.flush_policy.extra_before_first = 1;
+  options.flush_policy.second_store = &target;
+  for (kestan::RecordIterator record(store_, options); record.Valid(); record.Next()) {
     // A copy of the bytes: the two stores must not share a datum, or flushing one would take the
     // changes that wait in it from the other.
-    target.Put(DBDatum(key.ptr->data, key.ptr->size), DBDatum(value.ptr->data, value.ptr->size));
-    if (since_flush == kCopyFlushPeriod) {
-      store_.Flush();
-      target.Flush();
-      since_flush = 0;
-    }
-    ++since_flush;
+    const DBDatum& key = record.key();
+    const DBDatum& value = *record.value().ptr;
+    target.Put(DBDatum(key.data, key.size), DBDatum(value.data, value.size));
   }
   return target.Close();
 }

@@ -3,19 +3,18 @@
 #include <kestan/format/keys.h>
 #include <kestan/format/records.h>
 #include <kestan/storage/memory.h>
+#include <kestan/storage/record_iterator.h>
 
 namespace {
 
 // Fetches the records of all words.
 //   Returns  false if there may be records, of words or not, that cannot be read.
 bool FetchWords(Database& store, kestan::Vector<DBDatumPtr>* words) {
-  DBDatumPtr key;
-  DBDatumPtr value;
-  int end = store.First(&key, &value);
-  for (; end == 0; end = store.Next(&key, &value)) {
-    if (!kestan::IsSystemKey(*key.ptr)) words->push_back(value);
+  kestan::RecordIterator record(store);
+  for (; record.Valid(); record.Next()) {
+    if (!kestan::IsSystemKey(record.key())) words->push_back(record.value());
   }
-  return end == -1 && store.WalkError() == 0;
+  return record.all_read();
 }
 
 // Takes the positions out of the words' records; they reach the file at the next flush.

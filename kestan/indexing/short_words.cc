@@ -2,7 +2,7 @@
 #include <kestan/format/record_kind.h>
 #include <kestan/format/records.h>
 #include <kestan/indexing/short_words.h>
-#include <kestan/storage/flush.h>
+#include <kestan/storage/flush_policy.h>
 #include <kestan/storage/memory.h>
 
 #include <array>

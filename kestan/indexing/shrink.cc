@@ -1,6 +1,7 @@
 #include <kestan/format/keys.h>
 #include <kestan/format/records.h>
 #include <kestan/indexing/shrink.h>
+#include <kestan/storage/record_iterator.h>
 
 namespace kestan {
 namespace {
@@ -13,15 +14,15 @@ bool IsPurgedKey(const DBDatum& key) { return key.size >= 2 && key.data[1] != '-
 // Takes the postings of `codes` out of the words' records; they reach the file at the next flush.
 //   Returns  false if there may be records that could not be read.
 bool PurgeWords(Database& store, const CodeSet& codes, bool with_positions) {
-  DBDatumPtr key;
-  DBDatumPtr value;
-  bool all_read = true;
-  for (int end = store.First(&key, &value); end != -1; end = store.Next(&key, &value)) {
-    if (end != 0) all_read = false;
-    if (end != 0 || !IsPurgedKey(*key.ptr)) continue;
-    if (PurgePostings(value.ptr, codes, with_positions)) value.ptr->dirty = true;
+  WalkOptions options;
+  options.visits_unreadable = true;
+  RecordIterator record(store, options);
+  for (; record.Valid(); record.Next()) {
+    DBDatum* const value = record.value().ptr;
+    if (value == nullptr || !IsPurgedKey(record.key())) continue;
+    if (PurgePostings(value, codes, with_positions)) value->dirty = true;
   }
-  return all_read && store.WalkError() == 0;
+  return record.all_read();
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <kestan/format/keys.h>
 #include <kestan/format/records.h>
 #include <kestan/query/statistics.h>
+#include <kestan/storage/record_iterator.h>
 
 #include <cstdint>
 
@@ -14,15 +15,10 @@ constexpr int kFlushPeriod = 101;  // records; it keeps the cache small during a
 template <typename Select>
 char* ListRecords(Database& store, ScratchBuffer* text, Select select) {
   ScratchText lines(text);
-  DBDatumPtr key;
-  DBDatumPtr value;
-  int since_flush = 0;
-  for (int end = store.First(&key, &value); end == 0; end = store.Next(&key, &value)) {
-    select(*key.ptr, *value.ptr, &lines);
-    if (++since_flush == kFlushPeriod) {
-      store.Flush();
-      since_flush = 0;
-    }
+  WalkOptions options;
+  options.flush_policy = FlushPolicy::Every(kFlushPeriod);
+  for (RecordIterator record(store, options); record.Valid(); record.Next()) {
+    select(record.key(), *record.value().ptr, &lines);
   }
   return lines.Finish();
 }
