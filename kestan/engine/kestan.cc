@@ -8,10 +8,10 @@
 #include <kestan/indexing/short_words.h>
 #include <kestan/indexing/shrink.h>
 #include <kestan/indexing/strip.h>
+#include <kestan/query/index_reader.h>
 #include <kestan/query/intersect.h>
 #include <kestan/query/listing.h>
 #include <kestan/query/lookup.h>
-#include <kestan/query/name_table.h>
 #include <kestan/query/negate.h>
 #include <kestan/query/statistics.h>
 #include <kestan/query/unite.h>
@@ -47,7 +47,7 @@ int Register(std::optional<ResultSet> set) {
 
 // ---- The index file ----
 
-Kestan::Kestan() : names_(kestan::New<kestan::NameTable>()) {}
+Kestan::Kestan() : reader_(kestan::New<kestan::IndexReader>(store_)) {}
 
 Kestan::~Kestan() {
   CloseIndex();
@@ -214,7 +214,7 @@ int Kestan::QueryNegate(int id) {
 char* Kestan::QueryResults(int id) {
   const ResultSet* const set = Results().Find(id);
   if (set == nullptr) return EmptyText();
-  return kestan::ListMatches(store_, *set, names_.get(), &scratch);
+  return kestan::ListMatches(store_, *set, &reader_->names(), &scratch);
 }
 
 void Kestan::FreeQueryResult(int id) { Results().Free(id); }

@@ -9,9 +9,12 @@
 #include <cstdint>
 #include <memory>
 
+class Kestan;
+
 namespace kestan {
-class NameTable;
-}
+class IndexReader;
+KESTAN_EXPORT IndexReader& ReaderOf(Kestan& engine);  // see kestan/results.h
+}  // namespace kestan
 
 // A full-text search engine over one index file.
 //
@@ -269,6 +272,8 @@ class KESTAN_EXPORT Kestan {
   char* ListDocuments();
 
  private:
+  friend kestan::IndexReader& kestan::ReaderOf(Kestan& engine);
+
   bool LoadOptions();
   bool LoadReusableCodes();
   bool IsOpen() const { return AvailCodes.ptr != nullptr; }
@@ -278,7 +283,7 @@ class KESTAN_EXPORT Kestan {
   Database store_;
   DBDatumPtr AvailCodes;          // the reusable codes: the value of "g-avail"; null while closed
   std::uint32_t OptionFlags = 0;  // the value of "g-opts"
-  std::unique_ptr<kestan::NameTable> names_;
+  std::unique_ptr<kestan::IndexReader> reader_;
 };
 
 #endif  // KESTAN_ENGINE_KESTAN_H_

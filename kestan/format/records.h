@@ -47,9 +47,13 @@ struct Posting {
 // Walks the entries of a record in the order they were added.
 class PostingReader {
  public:
-  // Borrows `record`, which must not change during the walk.
-  PostingReader(const DBDatum& record, bool with_positions)
-      : record_(record), units_(record.size / kUnitBytes), with_positions_(with_positions) {}
+  // Borrows `record`, which must not change during the walk. Begins at unit `first_unit`, where a
+  // posting begins.
+  PostingReader(const DBDatum& record, bool with_positions, std::size_t first_unit = 0)
+      : record_(record),
+        units_(record.size / kUnitBytes),
+        with_positions_(with_positions),
+        next_unit_(first_unit) {}
 
   // Moves to the next entry.
   //   Returns  false, with `*entry` as it was, if there is none.
@@ -73,7 +77,7 @@ class PostingReader {
   const DBDatum& record_;
   const std::size_t units_;
   const bool with_positions_;
-  std::size_t next_unit_ = 0;
+  std::size_t next_unit_;
 };
 
 // Returns all units of the record, codes and counts among them.

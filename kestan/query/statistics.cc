@@ -1,4 +1,5 @@
 #include <kestan/format/keys.h>
+#include <kestan/format/record_kind.h>
 #include <kestan/format/records.h>
 #include <kestan/query/statistics.h>
 #include <kestan/storage/record_iterator.h>
@@ -23,10 +24,6 @@ char* ListRecords(Database& store, ScratchBuffer* text, Select select) {
   return lines.Finish();
 }
 
-bool IsDocumentKey(const DBDatum& key) {
-  return key.size >= 2 && key.data[0] == kDocumentFamily[0] && key.data[1] == kDocumentFamily[1];
-}
-
 // Cuts off the fraction and keeps the low 32 bits. What fits no 64-bit integer, and NaN, becomes
 // -2^63, whose low 32 bits are 0.
 std::uint32_t Truncate(double number) {
@@ -47,7 +44,8 @@ std::uint32_t BoundOf(double bound, std::uint32_t documents) {
 char* ListDocuments(Database& store, ScratchBuffer* text) {
   if (Fetch(store, kCounterKey).ptr == nullptr) return nullptr;
   return ListRecords(store, text, [](const DBDatum& key, const DBDatum&, ScratchText* lines) {
-    if (IsDocumentKey(key)) lines->AppendLine({key.data + 2, key.size - 2}, key.size);
+    if (!IsOfFamily(BytesOf(key), kDocumentFamily)) return;
+    lines->AppendLine(BytesOf(key).substr(kDocumentFamily.size()), key.size);
   });
 }
 
@@ -65,7 +63,7 @@ char* ListCommonWords(Database& store, const DBDatum& reusable_codes, bool with_
                        if (IsSystemKey(key)) return;
                        const std::size_t count = CountPostings(value, with_positions);
                        if (lower <= count && count <= upper) {
-                         lines->AppendLine({key.data, key.size}, std::size_t{key.size} + 2);
+                         lines->AppendLine(BytesOf(key), std::size_t{key.size} + 2);
                        }
                      });
 }

@@ -1,0 +1,13 @@
+#include <kestan/engine/results.h>
+#include <kestan/engine/shared_state.h>
+
+namespace kestan {
+
+Matches MatchesOf(int id) {
+  const ResultSet* const set = Results().Find(id);
+  return set != nullptr ? set->View() : Matches();
+}
+
+IndexReader& ReaderOf(Kestan& engine) { return *engine.reader_; }
+
+}  // namespace kestan

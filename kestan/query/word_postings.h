@@ -1,0 +1,85 @@
+// The postings of one word, as a posting record has them.
+#ifndef KESTAN_QUERY_WORD_POSTINGS_H_
+#define KESTAN_QUERY_WORD_POSTINGS_H_
+
+#include <kestan/export.h>
+#include <kestan/format/posting.h>
+#include <kestan/storage/dbdatum.h>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace kestan {
+
+// Positions in the bytes of a record, two each, the lower first.
+class EncodedPositions {
+ public:
+  EncodedPositions() = default;
+
+  // Borrows 2 * `count` bytes at `bytes`.
+  EncodedPositions(const char* bytes, std::size_t count) : bytes_(bytes), count_(count) {}
+
+  std::size_t size() const { return count_; }
+  Position operator[](std::size_t index) const {
+    const unsigned low = static_cast<unsigned char>(bytes_[2 * index]);
+    const unsigned high = static_cast<unsigned char>(bytes_[2 * index + 1]);
+    return static_cast<Position>(low | high << 8);
+  }
+
+ private:
+  const char* bytes_ = nullptr;
+  std::size_t count_ = 0;
+};
+
+// The documents that hold a word, in ascending order of their codes, each once, and where they hold
+// it. A view of the record, which the object shares with the store and keeps alive; only a record
+// whose codes are out of order, as codes that are used again may be, is copied. Changes of the
+// index do not show in it reliably: use it before the next one.
+//
+//   for (WordPostings::Cursor cursor(postings); cursor.Next();) Use(cursor.code());
+class KESTAN_EXPORT WordPostings {
+ public:
+  // Those of a word that the index lacks.
+  WordPostings() = default;
+
+  // Shares `record`, null if there is none.
+  WordPostings(DBDatumPtr record, bool with_positions);
+
+  // Returns whether the index has the word. One that no document holds any more may have no
+  // postings.
+  bool has_word() const { return record_.ptr != nullptr; }
+
+  // Returns whether the record has positions. If not, those of each document are empty.
+  bool with_positions() const { return with_positions_; }
+
+  // Returns how many documents hold the word. Reads the whole record.
+  std::size_t CountDocuments() const;
+
+  // Goes through the postings, once.
+  class KESTAN_EXPORT Cursor {
+   public:
+    // Borrows `postings`. Stands before the first posting.
+    explicit Cursor(const WordPostings& postings) : postings_(postings) {}
+
+    // Goes to the next posting.
+    //   Returns  false if there is none.
+    bool Next();
+
+    Code code() const { return code_; }
+    EncodedPositions positions() const { return positions_; }
+
+   private:
+    const WordPostings& postings_;
+    std::size_t next_unit_ = 0;
+    Code code_ = 0;
+    EncodedPositions positions_;
+  };
+
+ private:
+  DBDatumPtr record_;
+  bool with_positions_ = false;
+};
+
+}  // namespace kestan
+
+#endif  // KESTAN_QUERY_WORD_POSTINGS_H_

@@ -1,0 +1,165 @@
+// What a reader says of the index that an engine has open.
+#include <kestan/query/index_reader.h>
+
+#include <kestan/results.h>
+
+#include "tests/query/query_test.h"
+
+namespace kestan_tests {
+namespace {
+
+using Strings = std::vector<std::string>;
+
+class IndexReaderTest : public QueryTest {
+ protected:
+  Strings Documents() {
+    Strings names;
+    EXPECT_EQ(reader_.ForEachDocument([&](std::string_view name) {
+      names.emplace_back(name);
+      return true;
+    }),
+              0);
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+
+  // Each word and how many documents hold it.
+  std::map<std::string, std::size_t> Words() {
+    std::map<std::string, std::size_t> words;
+    EXPECT_EQ(reader_.ForEachWord([&](std::string_view word, const kestan::WordPostings& postings) {
+      words[std::string(word)] = postings.CountDocuments();
+      return true;
+    }),
+              0);
+    return words;
+  }
+
+  kestan::IndexReader& reader_ = kestan::ReaderOf(engine_);
+};
+
+TEST_F(IndexReaderTest, NewIndexHasNoDocumentsAndAllCodesFree) {
+  const auto counts = reader_.Counts();
+  EXPECT_FALSE(counts.had_documents);
+  EXPECT_EQ(counts.documents, 0u);
+  EXPECT_EQ(counts.free_codes, 65535u);
+  EXPECT_TRUE(reader_.KeepsPositions());
+}
+
+TEST_F(IndexReaderTest, CountsFollowEveryChange) {
+  for (const char* name : {"one", "two", "three"}) engine_.AddDocumentWords(name, "cat");
+  engine_.RemoveDocumentWords("one");
+  auto counts = reader_.Counts();
+  EXPECT_TRUE(counts.had_documents);
+  EXPECT_EQ(counts.documents, 2u);
+  EXPECT_EQ(counts.highest_code, 3u);
+  EXPECT_EQ(counts.removed_codes, 1u);
+  EXPECT_EQ(counts.free_codes, 65532u);
+  engine_.ShrinkIndex();
+  counts = reader_.Counts();
+  EXPECT_EQ(counts.documents, 2u);
+  EXPECT_EQ(counts.removed_codes, 0u);
+  EXPECT_EQ(counts.reusable_codes, 1u);
+  EXPECT_EQ(counts.free_codes, 65533u);
+}
+
+TEST_F(IndexReaderTest, CountsOfAContradictoryIndexDoNotGoBelow0) {
+  PlantAndReopen({{"g-code", Units({1})}, {"g-avail", Units({1, 2, 3})}});
+  EXPECT_EQ(reader_.Counts().documents, 0u);
+}
+
+TEST_F(IndexReaderTest, OptionFlag1MeansNoPositions) {
+  DropPositions();
+  EXPECT_FALSE(reader_.KeepsPositions());
+  EXPECT_EQ(reader_.OptionFlags(), 1u);
+}
+
+TEST_F(IndexReaderTest, NamesAndCodesLeadToEachOther) {
+  engine_.AddDocumentWords("one", "cat");
+  engine_.AddDocumentWords("two", "cat");
+  EXPECT_EQ(reader_.CodeOf("two"), 2);
+  EXPECT_EQ(reader_.NameOf(2), "two");
+  EXPECT_EQ(reader_.CodeOf("three"), 0);
+  EXPECT_EQ(reader_.NameOf(3).data(), nullptr);
+  EXPECT_EQ(reader_.TimestampOf("two"), engine_.DocumentTimestamp("two"));
+  EXPECT_NE(reader_.TimestampOf("two"), 0u);
+}
+
+TEST_F(IndexReaderTest, RenamedDocumentHasItsNewNameAtOnce) {
+  engine_.AddDocumentWords("one", "cat");
+  EXPECT_EQ(reader_.NameOf(1), "one");
+  engine_.MoveDocumentWords("one", "two");
+  EXPECT_EQ(reader_.NameOf(1), "two");
+}
+
+TEST_F(IndexReaderTest, NameTooLongForTheTableIsWhole) {
+  const std::string name(5000, 'x');
+  engine_.AddDocumentWords(name.c_str(), "cat");
+  EXPECT_EQ(reader_.NameOf(1), name);
+  EXPECT_EQ(reader_.NameOf(1), name);
+}
+
+TEST_F(IndexReaderTest, RemovedDocumentIsRemovedUntilTheShrink) {
+  engine_.AddDocumentWords("one", "cat");
+  engine_.AddDocumentWords("two", "cat");
+  EXPECT_FALSE(reader_.IsRemoved(1));
+  engine_.RemoveDocumentWords("one");
+  EXPECT_TRUE(reader_.IsRemoved(1));
+  EXPECT_FALSE(reader_.IsRemoved(2));
+  engine_.RemoveDocumentWords("two");
+  EXPECT_TRUE(reader_.IsRemoved(2));
+  engine_.ShrinkIndex();
+  EXPECT_FALSE(reader_.IsRemoved(1));
+}
+
+TEST_F(IndexReaderTest, SideRecordsAreThoseOfTheEngine) {
+  engine_.DBPutTitle("one", "a title");
+  engine_.DBPutSummary("one", "a summary");
+  engine_.DBPutUser("one", "");
+  EXPECT_EQ(Bytes(*reader_.FindSideRecord(kestan::SideRecord::kTitle, "one").ptr), "a title");
+  EXPECT_EQ(Bytes(*reader_.FindSideRecord(kestan::SideRecord::kSummary, "one").ptr), "a summary");
+  EXPECT_EQ(Bytes(*reader_.FindSideRecord(kestan::SideRecord::kUser, "one").ptr), "");
+  EXPECT_EQ(reader_.FindSideRecord(kestan::SideRecord::kTitle, "two").ptr, nullptr);
+}
+
+TEST_F(IndexReaderTest, DocumentsAreThoseOfListDocuments) {
+  for (const char* name : {"one", "two", "three"}) engine_.AddDocumentWords(name, "cat");
+  engine_.RemoveDocumentWords("two");
+  EXPECT_EQ(Documents(), Strings({"one", "three"}));
+}
+
+TEST_F(IndexReaderTest, WordsHaveTheirFrequencies) {
+  engine_.AddDocumentWords("one", "cat dog");
+  engine_.AddDocumentWords("two", "cat");
+  EXPECT_EQ(Words(), (std::map<std::string, std::size_t>{{"cat", 2}, {"dog", 1}}));
+  EXPECT_EQ(reader_.DocumentFrequency("cat"), 2u);
+  EXPECT_EQ(reader_.DocumentFrequency("bird"), 0u);
+}
+
+TEST_F(IndexReaderTest, WalksEndWhereTheVisitorSaysSo) {
+  engine_.AddDocumentWords("one", "cat dog bird");
+  int visits = 0;
+  EXPECT_EQ(reader_.ForEachWord([&](std::string_view, const kestan::WordPostings&) {
+    ++visits;
+    return false;
+  }),
+            0);
+  EXPECT_EQ(visits, 1);
+}
+
+TEST_F(IndexReaderTest, ChangesThatWaitAreSeen) {
+  engine_.AddDocumentWords("one", "cat cat");
+  const auto postings = reader_.FindWord("cat");
+  kestan::WordPostings::Cursor cursor(postings);
+  ASSERT_TRUE(cursor.Next());
+  EXPECT_EQ(cursor.code(), 1);
+  EXPECT_EQ(cursor.positions().size(), 2u);
+}
+
+TEST_F(IndexReaderTest, ClosedIndexMakesTheStoreComplain) {
+  engine_.CloseIndex();
+  EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(reader_.CodeOf("one"), 0); }),
+            "Kestan: Call to database::get without an open database\n");
+}
+
+}  // namespace
+}  // namespace kestan_tests

@@ -1,0 +1,95 @@
+// The postings of one word as a view of their record.
+#include <kestan/query/word_postings.h>
+#include <kestan/storage/owned_datum.h>
+
+#include "tests/query/query_test.h"
+
+namespace kestan_tests {
+namespace {
+
+using kestan::WordPostings;
+
+WordPostings PostingsIn(const std::string& record, bool with_positions = true) {
+  return {kestan::CopyDatum(Datum(record)), with_positions};
+}
+
+// Spells postings as "CODE: POSITION...".
+std::vector<std::string> Spelled(const WordPostings& postings) {
+  std::vector<std::string> spelled;
+  for (WordPostings::Cursor cursor(postings); cursor.Next();) {
+    std::string posting = std::to_string(cursor.code()) + ":";
+    for (std::size_t i = 0; i < cursor.positions().size(); ++i) {
+      posting += " " + std::to_string(cursor.positions()[i]);
+    }
+    spelled.push_back(posting);
+  }
+  return spelled;
+}
+
+using Strings = std::vector<std::string>;
+
+TEST(WordPostingsTest, AreThoseOfTheRecord) {
+  const auto postings = PostingsIn(Entry(3, {1, 258}) + Entry(700, {65535}));
+  EXPECT_TRUE(postings.has_word());
+  EXPECT_EQ(postings.CountDocuments(), 2u);
+  EXPECT_EQ(Spelled(postings), Strings({"3: 1 258", "700: 65535"}));
+}
+
+TEST(WordPostingsTest, OfAWordThatTheIndexLacksAreNone) {
+  const WordPostings postings;
+  EXPECT_FALSE(postings.has_word());
+  EXPECT_EQ(postings.CountDocuments(), 0u);
+  EXPECT_EQ(Spelled(postings), Strings());
+}
+
+TEST(WordPostingsTest, OfAnEmptyRecordAreNoneOfAKnownWord) {
+  const auto postings = PostingsIn("");
+  EXPECT_TRUE(postings.has_word());
+  EXPECT_EQ(Spelled(postings), Strings());
+}
+
+TEST(WordPostingsTest, WithoutPositionsAreCodesAlone) {
+  const auto postings = PostingsIn(Units({2, 5, 9}), false);
+  EXPECT_EQ(postings.CountDocuments(), 3u);
+  EXPECT_EQ(Spelled(postings), Strings({"2:", "5:", "9:"}));
+}
+
+TEST(WordPostingsTest, CodeThatWasUsedAgainComesInItsOrder) {
+  const auto postings = PostingsIn(Entry(1, {1}) + Entry(9, {2, 3}) + Entry(4, {7}));
+  EXPECT_EQ(Spelled(postings), Strings({"1: 1", "4: 7", "9: 2 3"}));
+}
+
+TEST(WordPostingsTest, OfOneCodeTwiceTheFirstCounts) {
+  const auto postings = PostingsIn(Entry(4, {7}) + Entry(4, {8}) + Entry(1, {1}));
+  EXPECT_EQ(postings.CountDocuments(), 2u);
+  EXPECT_EQ(Spelled(postings), Strings({"1: 1", "4: 7"}));
+}
+
+TEST(WordPostingsTest, CodesOutOfOrderWithoutPositionsAreSorted) {
+  EXPECT_EQ(Spelled(PostingsIn(Units({5, 2, 9, 2}), false)), Strings({"2:", "5:", "9:"}));
+}
+
+TEST(WordPostingsTest, CutRecordInOrderGivesWhatItHolds) {
+  const std::string record = Entry(2, {1, 2}) + Entry(6, {3, 4, 5});
+  EXPECT_EQ(Spelled(PostingsIn(record.substr(0, record.size() - 3))), Strings({"2: 1 2", "6: 3"}));
+  EXPECT_EQ(Spelled(PostingsIn(record.substr(0, 10))), Strings({"2: 1 2", "6:"}));
+}
+
+// The posting that claims more positions than there are is no longer the last one.
+TEST(WordPostingsTest, CutRecordOutOfOrderGivesWhatItHolds) {
+  const std::string record = Entry(6, {1, 2}) + Units({2, 9, 3});
+  EXPECT_EQ(Spelled(PostingsIn(record)), Strings({"2: 3", "6: 1 2"}));
+  EXPECT_EQ(Spelled(PostingsIn(Entry(6, {1, 2}) + Units({2}))), Strings({"2:", "6: 1 2"}));
+}
+
+TEST(WordPostingsTest, EveryCutOfARecordIsRead) {
+  const std::string record = Entry(6, {1, 2}) + Entry(2, {4}) + Entry(8, {5, 6, 7});
+  for (std::size_t size = 0; size <= record.size(); ++size) {
+    const auto postings = PostingsIn(record.substr(0, size));
+    EXPECT_EQ(Spelled(postings).size(), postings.CountDocuments()) << size;
+    EXPECT_LE(postings.CountDocuments(), 3u);
+  }
+}
+
+}  // namespace
+}  // namespace kestan_tests
