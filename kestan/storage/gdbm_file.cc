@@ -1,29 +1,16 @@
 #include <kestan/storage/gdbm_file.h>
+#include <kestan/storage/gdbm_header.h>
 #include <kestan/storage/memory.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 
 namespace kestan {
 namespace {
 
 constexpr std::uint64_t kSlackBytes = 64 << 20;
-
-// The place where gdbm will add the next block: a field of its header that it tells nobody.
-struct Header {
-  std::uint32_t magic;
-  std::uint32_t block_bytes;
-  std::uint64_t directory;
-  std::uint32_t directory_bytes;
-  std::array<std::uint32_t, 3> others;
-  std::uint64_t next_block;
-};
-
-// Formats with these fields, as written by hosts whose file offsets have 64 bits.
-bool IsKnown(std::uint32_t magic) { return magic == 0x13579acf || magic == 0x13579ad1; }
 
 }  // namespace
 
@@ -43,14 +30,14 @@ bool HasLostItsName(GDBM_FILE file, const char* name) {
   return open_file.st_dev != named.st_dev || open_file.st_ino != named.st_ino;
 }
 
-// A next block far behind the end would make gdbm fill the disk up to there. Some blocks are no
-// damage: a process that was killed leaves them. A list of free space that leads nowhere would make
-// gdbm end the process.
+// gdbm fills the disk up to where its header says that the next block goes. A place somewhat past
+// the end is no damage: a process that was killed leaves it. And gdbm aborts on a dangling
+// free-list entry.
 int CheckFreeSpace(GDBM_FILE file) {
-  Header header{};  // of no known format where it cannot be read
+  gdbm::Header header{};  // of no known format where it cannot be read
   [[maybe_unused]] const ssize_t read = pread(gdbm_fdesc(file), &header, sizeof header, 0);
   const auto bytes = static_cast<std::uint64_t>(BytesOfFile(file));
-  if (IsKnown(header.magic) && header.next_block > 2 * bytes + kSlackBytes)
+  if (gdbm::HasHeaderFields(header.magic) && header.next_block > 2 * bytes + kSlackBytes)
     return GDBM_NEED_RECOVERY;
   return gdbm_avail_verify(file) == 0 ? 0 : LastError();
 }

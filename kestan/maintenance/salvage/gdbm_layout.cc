@@ -6,17 +6,6 @@ namespace kestan::gdbm {
 namespace {
 
 constexpr Offset kLongKeyBytes = 256;
-constexpr std::int32_t kSmallestBlockBytes = 64;
-
-bool IsKnown(std::uint32_t magic) {
-  return magic == kMagic || magic == kOldMagic || magic == kExtendedMagic;
-}
-
-bool IsDirectory(const Header& header) {
-  constexpr int kMostBits = 27;  // more would not fit the size
-  return header.directory_bits >= 0 && header.directory_bits <= kMostBits &&
-         header.directory_bytes == std::int32_t{sizeof(Offset)} << header.directory_bits;
-}
 
 // The hashes of a bucket agree in its bits; those that do not agree with most of them are noise.
 void DropStrangers(Bucket* bucket) {
@@ -57,18 +46,6 @@ bool Bytes::HasKey(const Element& element) const {
     long_keys_budget_ -= key_bytes;
   }
   return HashOf(key) == static_cast<Hash>(element.hash);
-}
-
-bool ReadHeader(const Bytes& file, Header* header, Shape* shape) {
-  if (!file.Read(0, header) || !IsKnown(header->magic)) return false;
-  if (header->block_bytes < kSmallestBlockBytes || header->bucket_elements <= 0) return false;
-  if (header->bucket_bytes < static_cast<std::int32_t>(sizeof(BucketHead))) return false;
-  const auto bytes = static_cast<std::uint32_t>(header->bucket_bytes);
-  const auto elements = static_cast<std::uint32_t>((bytes - sizeof(BucketHead)) / sizeof(Element));
-  if (elements != static_cast<std::uint32_t>(header->bucket_elements)) return false;
-  if (!IsDirectory(*header) || header->directory >= file.size()) return false;
-  *shape = {bytes, elements};
-  return true;
 }
 
 bool IsHead(const BucketHead& head, const Shape& shape) {

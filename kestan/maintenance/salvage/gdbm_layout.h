@@ -5,9 +5,9 @@
 #ifndef KESTAN_MAINTENANCE_SALVAGE_GDBM_LAYOUT_H_
 #define KESTAN_MAINTENANCE_SALVAGE_GDBM_LAYOUT_H_
 
+#include <kestan/storage/gdbm_header.h>
 #include <kestan/storage/memory.h>
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -15,78 +15,15 @@
 
 namespace kestan::gdbm {
 
-using Offset = std::uint64_t;
 using Hash = std::uint32_t;
 
 inline constexpr unsigned kHashBits = 31;
-inline constexpr std::int32_t kNoElement = -1;  // in the place of a hash
-
-// At the start of the file. In the extended format, kExtensionBytes follow it; then, in both, a
-// FreeList.
-struct Header {
-  std::uint32_t magic;
-  std::int32_t block_bytes;
-  Offset directory;
-  std::int32_t directory_bytes;
-  std::int32_t directory_bits;
-  std::int32_t bucket_bytes;
-  std::int32_t bucket_elements;
-  Offset next_block;
-};
-
-inline constexpr std::size_t kExtensionBytes = 32;
-inline constexpr std::uint32_t kMagic = 0x13579acf;
-inline constexpr std::uint32_t kOldMagic = 0x13579ace;
-inline constexpr std::uint32_t kExtendedMagic = 0x13579ad1;
-
-struct FreeSpace {
-  std::int32_t bytes;
-  Offset at;
-};
-
-// Followed by `count` FreeSpaces. `next` is where another list lies, 0 in the last.
-struct FreeList {
-  std::int32_t size;
-  std::int32_t count;
-  Offset next;
-};
-
-// Where one record lies: its key at `data`, and its value right behind the key.
-struct Element {
-  std::int32_t hash;
-  std::array<char, 4> key_start;
-  Offset data;
-  std::int32_t key_bytes;
-  std::int32_t value_bytes;
-};
-
-// Followed by the bucket's elements, used or not. All hashes in a bucket agree in their first
-// `bits` bits; a full bucket is split into two, which have a bit more and lie elsewhere.
-struct BucketHead {
-  std::int32_t free_count;
-  std::array<FreeSpace, 6> free;
-  std::int32_t bits;
-  std::int32_t count;
-};
-
-static_assert(sizeof(Header) == 40 && offsetof(Header, next_block) == 32);
-static_assert(sizeof(FreeList) == 16 &&
-              sizeof(FreeSpace) == sizeof(std::int32_t) + 8 + alignof(FreeSpace) - 4);
-static_assert(sizeof(Element) == 24 && offsetof(Element, data) == 8);
-static_assert(offsetof(BucketHead, free) == alignof(FreeSpace));
-static_assert(sizeof(BucketHead) == alignof(FreeSpace) + 6 * sizeof(FreeSpace) + 8);
 
 // Neighbouring entries of the directory that lead to the same place.
 struct DirectoryRun {
   std::uint32_t first;
   std::uint32_t end;  // behind the last entry
   Offset bucket;
-};
-
-// What a bucket of this file takes.
-struct Shape {
-  std::uint32_t bucket_bytes = 512;
-  std::uint32_t elements = (512 - sizeof(BucketHead)) / sizeof(Element);
 };
 
 // Returns gdbm's hash of a key. Its first bits choose the bucket.
@@ -140,10 +77,10 @@ class Bytes {
   mutable Offset long_keys_budget_;
 };
 
-// Reads the header.
-//   Returns  whether it can be one: a known magic number, sizes that agree with each other, and a
-//            directory inside the file, or cut off where the file was.
-bool ReadHeader(const Bytes& file, Header* header, Shape* shape);
+// Reads the header, as ReadHeader() of the file's bytes does.
+inline bool ReadHeader(const Bytes& file, Header* header, Shape* shape) {
+  return ReadHeader(file.View(0, file.size()), header, shape);
+}
 
 // Returns whether the numbers of a bucket's head can be those of one.
 bool IsHead(const BucketHead& head, const Shape& shape);

@@ -1,21 +1,21 @@
-// What passes for a header of gdbm's.
 #include <gtest/gtest.h>
-#include <kestan/maintenance/salvage/gdbm_layout.h>
+#include <kestan/storage/gdbm_header.h>
 
+#include <cstring>
 #include <string>
 
-namespace kestan_maintenance {
+namespace kestan_tests {
 namespace {
 
 namespace gdbm = kestan::gdbm;
 
-class HeaderTest : public testing::Test {
+class GdbmHeaderTest : public testing::Test {
  protected:
   bool IsRead() {
     std::string file(4096, '\0');
     std::memcpy(file.data(), &header_, sizeof header_);
     gdbm::Header header{};
-    return gdbm::ReadHeader(gdbm::Bytes(file), &header, &shape_);
+    return gdbm::ReadHeader(file, &header, &shape_);
   }
 
   gdbm::Header header_{
@@ -23,7 +23,7 @@ class HeaderTest : public testing::Test {
   gdbm::Shape shape_;
 };
 
-TEST_F(HeaderTest, EachOfGdbmsFormatsIsKnownAndNoOther) {
+TEST_F(GdbmHeaderTest, EachOfGdbmsFormatsIsKnownAndNoOther) {
   for (const std::uint32_t magic : {gdbm::kMagic, gdbm::kOldMagic, gdbm::kExtendedMagic}) {
     header_.magic = magic;
     EXPECT_TRUE(IsRead()) << magic;
@@ -34,7 +34,28 @@ TEST_F(HeaderTest, EachOfGdbmsFormatsIsKnownAndNoOther) {
   }
 }
 
-TEST_F(HeaderTest, ABucketHoldsItsHeadAndAnElementAtLeast) {
+TEST_F(GdbmHeaderTest, FieldsAreCertainInFormatsWithLongOffsetsAlone) {
+  EXPECT_TRUE(gdbm::HasHeaderFields(gdbm::kMagic));
+  EXPECT_TRUE(gdbm::HasHeaderFields(gdbm::kExtendedMagic));
+  EXPECT_FALSE(gdbm::HasHeaderFields(gdbm::kOldMagic));
+  EXPECT_FALSE(gdbm::HasHeaderFields(0));
+}
+
+TEST_F(GdbmHeaderTest, FileShorterThanAHeaderHasNone) {
+  const std::string header(reinterpret_cast<const char*>(&header_), sizeof header_);
+  gdbm::Header read{};
+  EXPECT_FALSE(gdbm::ReadHeader(std::string_view(header).substr(1), &read, &shape_));
+  EXPECT_FALSE(gdbm::ReadHeader({}, &read, &shape_));
+}
+
+TEST_F(GdbmHeaderTest, DirectoryBeginsInsideTheFile) {
+  header_.directory = 4095;
+  EXPECT_TRUE(IsRead());
+  header_.directory = 4096;
+  EXPECT_FALSE(IsRead());
+}
+
+TEST_F(GdbmHeaderTest, ABucketHoldsItsHeadAndAnElementAtLeast) {
   constexpr auto kHeadBytes = static_cast<std::int32_t>(sizeof(gdbm::BucketHead));
   header_.bucket_bytes = kHeadBytes + 24;
   header_.bucket_elements = 1;
@@ -50,4 +71,4 @@ TEST_F(HeaderTest, ABucketHoldsItsHeadAndAnElementAtLeast) {
 }
 
 }  // namespace
-}  // namespace kestan_maintenance
+}  // namespace kestan_tests
