@@ -2,8 +2,8 @@
 #include <kestan/engine/named_word_lists.h>
 #include <kestan/engine/shared_state.h>
 #include <kestan/engine/side_records.h>
+#include <kestan/format/document_record.h>
 #include <kestan/format/keys.h>
-#include <kestan/format/records.h>
 #include <kestan/indexing/indexer.h>
 #include <kestan/indexing/short_words.h>
 #include <kestan/indexing/shrink.h>

@@ -1,7 +1,9 @@
 // The option flags, which the index file keeps.
 #include <kestan/engine/kestan.h>
 #include <kestan/format/keys.h>
-#include <kestan/format/records.h>
+#include <kestan/format/option_flags.h>
+#include <kestan/format/posting.h>
+#include <kestan/format/posting_list.h>
 #include <kestan/storage/memory.h>
 #include <kestan/storage/record_iterator.h>
 

@@ -1,4 +1,8 @@
+#include <kestan/format/document_record.h>
+#include <kestan/format/id_list.h>
 #include <kestan/format/keys.h>
+#include <kestan/format/option_flags.h>
+#include <kestan/format/posting_list.h>
 #include <kestan/format/record_kind.h>
 #include <kestan/text/white_space.h>
 
@@ -33,7 +37,7 @@ RecordKind Find(const std::array<NamedKind, kCount>& kinds, std::string_view nam
 
 // A posting record of 8 bytes ends with a position or a code, and neither is 0.
 bool LooksLikeDocument(const DBDatum& value) {
-  return value.size == kDocumentRecordBytes && UnitAt(value, 3) == 0;
+  return value.size == kDocumentRecordBytes && DocumentPadding(value) == 0;
 }
 
 bool HasNul(const DBDatum& value) { return BytesOf(value).find('\0') != std::string_view::npos; }
@@ -48,13 +52,12 @@ bool IsShapedLikePostings(const DBDatum& value, const PostingRules& rules) {
 // same.
 bool CanBeOfFamily(RecordKind family, std::string_view key, const DBDatum& value,
                    const PostingRules& rules) {
-  constexpr std::uint32_t kNameKeyBytes = 2 + kUnitBytes;
   switch (family) {
     case RecordKind::kDocument:
       return LooksLikeDocument(value);
     case RecordKind::kName:
       return key.size() == kNameKeyBytes && !HasNul(value) &&
-             UnitAt(AsDatum(key), 1) <= rules.highest;
+             CodeOfNameKey(AsDatum(key)) <= rules.highest;
     case RecordKind::kWordList:
       return !HasNul(value) && (value.data[0] & 0x80) != 0;
     case RecordKind::kOther:
@@ -111,26 +114,27 @@ PostingRules ReadPostingRules(Database& store) {
 bool LooksLikePostings(const DBDatum& value, const PostingRules& rules) {
   if (value.size == 0 || value.size % kUnitBytes != 0) return false;
   PostingReader reader(value, rules.with_positions);
-  Posting entry;
-  while (reader.Next(&entry)) {
-    if (entry.code == 0 || entry.code > rules.highest) return false;
+  Posting posting;
+  while (reader.Next(&posting)) {
+    if (posting.code == 0 || posting.code > rules.highest) return false;
     if (!rules.with_positions) continue;
-    if (entry.units < 3 || UnitAt(value, entry.first_unit + 1) != entry.positions) return false;
-    for (std::size_t i = 2; i < entry.units; ++i) {
-      if (UnitAt(value, entry.first_unit + i) == 0) return false;
+    if (posting.positions == 0) return false;
+    if (UnitAt(value, posting.first_unit + 1) != posting.positions) return false;
+    for (std::size_t i = kUnitsBeforePositions; i < posting.units; ++i) {
+      if (UnitAt(value, posting.first_unit + i) == 0) return false;
     }
   }
   return true;
 }
 
 bool LooksLikeMixedPostings(const DBDatum& value) {
-  constexpr std::size_t kSmallestEntryUnits = 3;
+  constexpr std::size_t kSmallestUnits = kUnitsBeforePositions + 1;
   const std::size_t units = value.size / kUnitBytes;
-  if (value.size % kUnitBytes != 0 || units < kSmallestEntryUnits) return false;
+  if (value.size % kUnitBytes != 0 || units < kSmallestUnits) return false;
   for (std::size_t unit = 0; unit < units; ++unit) {
     if (UnitAt(value, unit) == 0) return false;
   }
-  return UnitAt(value, 1) <= units - 2;
+  return UnitAt(value, 1) <= units - kUnitsBeforePositions;
 }
 
 bool CanBeWord(std::string_view key) {

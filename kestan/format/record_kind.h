@@ -2,7 +2,7 @@
 #ifndef KESTAN_FORMAT_RECORD_KIND_H_
 #define KESTAN_FORMAT_RECORD_KIND_H_
 
-#include <kestan/format/records.h>
+#include <kestan/format/posting.h>
 #include <kestan/storage/database.h>
 #include <kestan/storage/dbdatum.h>
 

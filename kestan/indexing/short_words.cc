@@ -1,6 +1,10 @@
+#include <kestan/format/document_record.h>
+#include <kestan/format/id_list.h>
 #include <kestan/format/keys.h>
+#include <kestan/format/posting.h>
+#include <kestan/format/posting_list.h>
 #include <kestan/format/record_kind.h>
-#include <kestan/format/records.h>
+#include <kestan/format/units.h>
 #include <kestan/indexing/short_words.h>
 #include <kestan/storage/flush_policy.h>
 #include <kestan/storage/memory.h>

@@ -1,5 +1,6 @@
+#include <kestan/format/id_list.h>
 #include <kestan/format/keys.h>
-#include <kestan/format/records.h>
+#include <kestan/format/posting_list.h>
 #include <kestan/indexing/shrink.h>
 #include <kestan/storage/record_iterator.h>
 

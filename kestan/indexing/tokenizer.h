@@ -2,7 +2,7 @@
 #ifndef KESTAN_INDEXING_TOKENIZER_H_
 #define KESTAN_INDEXING_TOKENIZER_H_
 
-#include <kestan/format/records.h>
+#include <kestan/format/posting.h>
 #include <kestan/storage/hash.h>
 #include <kestan/storage/memory.h>
 

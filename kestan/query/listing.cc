@@ -1,5 +1,5 @@
+#include <kestan/format/id_list.h>
 #include <kestan/format/keys.h>
-#include <kestan/format/records.h>
 #include <kestan/query/listing.h>
 
 #include <algorithm>

@@ -1,5 +1,5 @@
 #include <kestan/format/keys.h>
-#include <kestan/format/records.h>
+#include <kestan/format/posting_list.h>
 #include <kestan/query/lookup.h>
 
 #include <cstdint>

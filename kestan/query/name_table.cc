@@ -1,3 +1,4 @@
+#include <kestan/format/document_record.h>
 #include <kestan/query/name_table.h>
 
 namespace kestan {

@@ -2,7 +2,7 @@
 #ifndef KESTAN_QUERY_NAME_TABLE_H_
 #define KESTAN_QUERY_NAME_TABLE_H_
 
-#include <kestan/format/records.h>
+#include <kestan/format/posting.h>
 #include <kestan/storage/database.h>
 #include <kestan/storage/memory.h>
 

@@ -2,7 +2,8 @@
 #ifndef KESTAN_QUERY_RESULT_SET_H_
 #define KESTAN_QUERY_RESULT_SET_H_
 
-#include <kestan/format/records.h>
+#include <kestan/format/id_list.h>
+#include <kestan/format/posting.h>
 #include <kestan/query/matches.h>
 #include <kestan/storage/memory.h>
 

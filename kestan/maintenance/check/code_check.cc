@@ -1,3 +1,4 @@
+#include <kestan/format/document_record.h>
 #include <kestan/format/keys.h>
 #include <kestan/maintenance/check/code_check.h>
 

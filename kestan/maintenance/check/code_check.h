@@ -2,6 +2,7 @@
 #ifndef KESTAN_MAINTENANCE_CHECK_CODE_CHECK_H_
 #define KESTAN_MAINTENANCE_CHECK_CODE_CHECK_H_
 
+#include <kestan/format/id_list.h>
 #include <kestan/maintenance/check/tables.h>
 #include <kestan/maintenance/report/findings.h>
 

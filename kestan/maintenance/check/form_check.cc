@@ -1,5 +1,7 @@
 #include <kestan/format/keys.h>
-#include <kestan/format/records.h>
+#include <kestan/format/posting.h>
+#include <kestan/format/posting_list.h>
+#include <kestan/format/units.h>
 #include <kestan/maintenance/check/form_check.h>
 
 #include <algorithm>

@@ -1,4 +1,6 @@
 #include <kestan/format/keys.h>
+#include <kestan/format/posting_list.h>
+#include <kestan/format/units.h>
 #include <kestan/maintenance/check/code_check.h>
 #include <kestan/maintenance/check/form_check.h>
 #include <kestan/maintenance/check/posting_check.h>

@@ -2,6 +2,8 @@
 #ifndef KESTAN_MAINTENANCE_CHECK_POSTING_CHECK_H_
 #define KESTAN_MAINTENANCE_CHECK_POSTING_CHECK_H_
 
+#include <kestan/format/id_list.h>
+#include <kestan/format/posting_list.h>
 #include <kestan/maintenance/check/tables.h>
 #include <kestan/maintenance/report/findings.h>
 #include <kestan/storage/memory.h>

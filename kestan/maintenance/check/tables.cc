@@ -1,4 +1,7 @@
+#include <kestan/format/document_record.h>
+#include <kestan/format/id_list.h>
 #include <kestan/format/keys.h>
+#include <kestan/format/option_flags.h>
 #include <kestan/maintenance/check/tables.h>
 #include <kestan/storage/record_iterator.h>
 
@@ -6,9 +9,6 @@
 
 namespace kestan {
 namespace {
-
-constexpr std::uint32_t kNameKeyBytes = 2 + kUnitBytes;
-constexpr std::uint32_t kOptionsBytes = 4;
 
 // A word, or a document whose record is damaged.
 bool IsUndecided(const DBDatum& key, const DBDatum& value, RecordKind kind) {
@@ -92,7 +92,7 @@ class TableBuilder {
     document.name = BytesOf(key).substr(kDocumentFamily.size());
     document.bytes = value.size;
     document.code = DocumentCode(value);
-    document.has_rest = value.size >= kDocumentRecordBytes && UnitAt(value, 3) != 0;
+    document.has_rest = value.size >= kDocumentRecordBytes && DocumentPadding(value) != 0;
     return document;
   }
 
@@ -106,7 +106,7 @@ class TableBuilder {
   void AddName(const DBDatum& key, const DBDatum& value) {
     NoteOdd(key, value, key.size != kNameKeyBytes);
     if (key.size == kNameKeyBytes)
-      tables_.names.push_back({UnitAt(key, 1), String(BytesOf(value))});
+      tables_.names.push_back({CodeOfNameKey(key), String(BytesOf(value))});
   }
 
   void AddCounter(const DBDatum& key, const DBDatum& value) {

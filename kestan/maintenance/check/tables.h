@@ -2,8 +2,8 @@
 #ifndef KESTAN_MAINTENANCE_CHECK_TABLES_H_
 #define KESTAN_MAINTENANCE_CHECK_TABLES_H_
 
+#include <kestan/format/posting.h>
 #include <kestan/format/record_kind.h>
-#include <kestan/format/records.h>
 #include <kestan/storage/database.h>
 #include <kestan/storage/memory.h>
 

@@ -1,5 +1,7 @@
 #include <fcntl.h>
+#include <kestan/format/document_record.h>
 #include <kestan/format/keys.h>
+#include <kestan/format/option_flags.h>
 #include <kestan/maintenance/repair.h>
 #include <kestan/maintenance/repair/repair_plan.h>
 #include <kestan/maintenance/repair/word_list_repair.h>

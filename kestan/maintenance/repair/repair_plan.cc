@@ -1,4 +1,6 @@
+#include <kestan/format/document_record.h>
 #include <kestan/format/keys.h>
+#include <kestan/format/option_flags.h>
 #include <kestan/maintenance/repair/repair_plan.h>
 
 #include <algorithm>
@@ -8,7 +10,6 @@ namespace {
 
 constexpr std::size_t kCodes = std::size_t{kMaxCode} + 1;
 constexpr Position kMaxPosition = kMaxCode;
-constexpr std::uint32_t kOptionsBytes = 4;
 
 bool IsFolded(std::string_view word) {
   constexpr unsigned kFoldBit = 0x20;

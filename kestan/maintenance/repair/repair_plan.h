@@ -2,8 +2,9 @@
 #ifndef KESTAN_MAINTENANCE_REPAIR_REPAIR_PLAN_H_
 #define KESTAN_MAINTENANCE_REPAIR_REPAIR_PLAN_H_
 
+#include <kestan/format/id_list.h>
+#include <kestan/format/posting.h>
 #include <kestan/format/record_kind.h>
-#include <kestan/format/records.h>
 #include <kestan/maintenance/repair.h>
 #include <kestan/maintenance/repair/document_repair.h>
 #include <kestan/maintenance/repair/posting_repair.h>

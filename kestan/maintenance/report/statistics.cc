@@ -1,6 +1,9 @@
+#include <kestan/format/id_list.h>
 #include <kestan/format/keys.h>
+#include <kestan/format/option_flags.h>
+#include <kestan/format/posting_list.h>
 #include <kestan/format/record_kind.h>
-#include <kestan/format/records.h>
+#include <kestan/format/units.h>
 #include <kestan/maintenance/statistics.h>
 #include <kestan/storage/record_iterator.h>
 

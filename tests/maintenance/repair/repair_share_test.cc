@@ -8,7 +8,9 @@
 // the directory, of buckets, of records. To see the figures for more indexes than the default:
 //   KESTAN_REPAIR_INDEXES=500 repair_tests --gtest_filter='RepairShare.*'
 #include <gtest/gtest.h>
-#include <kestan/format/records.h>
+#include <kestan/format/document_record.h>
+#include <kestan/format/posting_list.h>
+#include <kestan/format/units.h>
 #include <kestan/maintenance.h>
 
 #include <cstdio>

@@ -1,0 +1,87 @@
+// The posting record of a word: which documents hold it, and where. docs/index-file.md has the
+// table.
+#ifndef KESTAN_FORMAT_POSTING_LIST_H_
+#define KESTAN_FORMAT_POSTING_LIST_H_
+
+#include <kestan/format/id_list.h>
+#include <kestan/format/posting.h>
+#include <kestan/format/units.h>
+#include <kestan/storage/dbdatum.h>
+#include <kestan/storage/memory.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+namespace kestan {
+
+// A record holds a posting for each document: its code, the number n of positions, the n positions.
+// Without positions (option flag 1), the code alone. An odd last byte is ignored.
+
+inline constexpr std::size_t kUnitsBeforePositions = 2;  // the code and the number of positions
+
+struct Posting {
+  std::size_t first_unit;  // where the posting begins
+  std::size_t units;       // how many units of it the record holds
+  Code code;
+  std::uint16_t positions;  // how many of its positions the record holds; they end the posting
+};
+
+// Walks the postings of a record in the order they were added.
+class PostingReader {
+ public:
+  // Borrows `record`, which must not change during the walk. Begins at unit `first_unit`, where a
+  // posting begins.
+  PostingReader(const DBDatum& record, bool with_positions, std::size_t first_unit = 0)
+      : record_(record),
+        units_(record.size / kUnitBytes),
+        with_positions_(with_positions),
+        next_unit_(first_unit) {}
+
+  // Moves to the next posting.
+  //   Returns  false, with `*posting` as it was, if there is none.
+  bool Next(Posting* posting) {
+    if (next_unit_ >= units_) return false;
+    const std::size_t left = units_ - next_unit_;
+    posting->first_unit = next_unit_;
+    posting->code = UnitAt(record_, next_unit_);
+    posting->positions = 0;
+    posting->units = 1;
+    if (with_positions_ && left >= kUnitsBeforePositions) {
+      const std::size_t count = UnitAt(record_, next_unit_ + 1);
+      posting->positions =
+          static_cast<std::uint16_t>(std::min(count, left - kUnitsBeforePositions));
+      posting->units = kUnitsBeforePositions + posting->positions;
+    }
+    next_unit_ += posting->units;
+    return true;
+  }
+
+ private:
+  const DBDatum& record_;
+  const std::size_t units_;
+  const bool with_positions_;
+  std::size_t next_unit_;
+};
+
+// Returns all units of the record, codes and counts among them.
+UnfilledVector<std::uint16_t> CopyUnits(const DBDatum& record);
+
+// Returns how many documents the record lists.
+std::size_t CountPostings(const DBDatum& record, bool with_positions);
+
+// Adds a posting at the end; with `positions` null, one without positions. Not marked dirty here.
+//   Returns  false with nothing changed if the record would grow past what gdbm can store. Of more
+//            than 65535 positions the first 65535 are kept, for that is what the count can say.
+bool AppendPosting(DBDatum* record, Code code, const Positions* positions);
+
+// Takes the positions out of every posting. The buffer keeps its size. Not marked dirty here.
+void DropPositions(DBDatum* record);
+
+// Takes out the postings of `codes`; the others keep their order. Not marked dirty here.
+//   Returns  whether there were any.
+bool PurgePostings(DBDatum* record, const CodeSet& codes, bool with_positions);
+
+}  // namespace kestan
+
+#endif  // KESTAN_FORMAT_POSTING_LIST_H_
