@@ -13,26 +13,29 @@
 #include "cli/console/output.h"
 #include "cli/index/opened_index.h"
 #include "cli/sync/indexed_file.h"
-#include "search/query/evaluation.h"
+#include "search/query/clauses.h"
+#include "search/query/distinct.h"
+#include "search/query/evaluator.h"
+#include "search/query/query_parser.h"
 #include "search/ranking/relevance.h"
 
 namespace kestan_cli {
 namespace {
 
+using kestan::search::DefaultOperator;
 using kestan::search::Distinct;
 using kestan::search::Evaluator;
 using kestan::search::Explanation;
+using kestan::search::Fragment;
 using kestan::search::Hit;
 using kestan::search::HitOrder;
 using kestan::search::HitsIn;
 using kestan::search::MakeSnippet;
 using kestan::search::ParseQuery;
-using kestan::search::PartsThatSpeakFor;
-using kestan::search::Piece;
 using kestan::search::Query;
 using kestan::search::RankedPart;
 using kestan::search::ResultSet;
-using kestan::search::SideBySide;
+using kestan::search::ScoringClauses;
 
 std::string TextOrEmpty(const char* text) { return text == nullptr ? "" : text; }
 
@@ -77,7 +80,7 @@ class Search {
 
  private:
   void Rank(const Query& query) {
-    if (options_.side_by_side == SideBySide::kAny && options_.order != HitOrder::kScore) {
+    if (options_.default_operator == DefaultOperator::kOr && options_.order != HitOrder::kScore) {
       RankByRelevance(query);
       if (options_.order != HitOrder::kBest) Sort(options_.order, &hits_);
     } else {
@@ -88,7 +91,7 @@ class Search {
 
   void RankByRelevance(const Query& query) {
     std::vector<RankedPart> parts;
-    for (const auto& [part, times] : Distinct(PartsThatSpeakFor(query))) {
+    for (const auto& [part, times] : Distinct(ScoringClauses(query))) {
       const auto listing = [this, part = part] {
         return std::string(evaluator_.Evaluate(*part, nullptr).Listing());
       };
@@ -106,12 +109,12 @@ class Search {
     return ParseVersion(TextOrEmpty(engine_.DBGetUser(name.c_str())));
   }
 
-  std::vector<Piece> SnippetOf(const std::string& name) {
+  std::vector<Fragment> SnippetOf(const std::string& name) {
     const auto version = VersionOf(name);
     if (!version) return {};
     const auto text = ReadIfUnchanged(name, *version);
     if (!text) return {};
-    return MakeSnippet(*text, evaluator_.sought());
+    return MakeSnippet(*text, evaluator_.matched_terms());
   }
 
   OpenedIndex& index_;
@@ -197,7 +200,7 @@ int PrintNothing(const SearchOptions& options, const std::vector<std::string>& n
 
 int RunSearch(Kestan& engine, const std::string& index, const SearchOptions& options) {
   OpenedIndex opened(engine, index, Access::kRead);
-  const std::optional<Query> query = ParseQuery(options.query, options.side_by_side);
+  const std::optional<Query> query = ParseQuery(options.query, options.default_operator);
   if (!query) return PrintNothing(options, {"the query holds no letters to search for"});
   // An index that never had a document has nothing to offer, and the engine would end the process
   // at a NOT.
@@ -229,7 +232,7 @@ Colour ColourOf(const std::string& name) {
 int RunSearchCommand(Kestan& engine, const Values& values) {
   SearchOptions options;
   options.query = Joined(values.All("QUERY"));
-  if (values.Has("--any")) options.side_by_side = SideBySide::kAny;
+  if (values.Has("--any")) options.default_operator = DefaultOperator::kOr;
   options.order = OrderOf(values.Text("--order"));
   if (values.Has("--limit")) {
     options.limit = static_cast<std::size_t>(values.Number("--limit", 0, 0, 65535));

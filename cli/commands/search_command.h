@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "search/query/query.h"
+#include "search/query/query_parser.h"
 #include "search/ranking/hits.h"
 
 namespace kestan_cli {
@@ -19,8 +19,9 @@ enum class Colour { kAuto, kAlways, kNever };
 // that before `nul`, that before `names_only`.
 struct SearchOptions {
   std::string query;  // arguments joined by blanks
-  kestan::search::SideBySide side_by_side = kestan::search::SideBySide::kAll;  // --any: kAny
-  kestan::search::HitOrder order = kestan::search::HitOrder::kBest;            // --order
+  kestan::search::DefaultOperator default_operator =
+      kestan::search::DefaultOperator::kAnd;                         // --any: kOr
+  kestan::search::HitOrder order = kestan::search::HitOrder::kBest;  // --order
   std::optional<std::size_t> limit;  // --limit: how many hits are shown
   bool names_only = false;           // -l
   bool nul = false;                  // -0: names only, each followed by a NUL

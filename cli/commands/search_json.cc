@@ -6,14 +6,14 @@ namespace kestan_cli {
 namespace {
 
 using kestan::search::Explanation;
-using kestan::search::Piece;
+using kestan::search::Fragment;
 
-Json JsonOf(const std::vector<Piece>& snippet) {
-  Json pieces = Json::array();
-  for (const Piece& piece : snippet) {
-    pieces.push_back({{"text", piece.text}, {"match", piece.matches}});
+Json JsonOf(const std::vector<Fragment>& snippet) {
+  Json fragments = Json::array();
+  for (const Fragment& fragment : snippet) {
+    fragments.push_back({{"text", fragment.text}, {"match", fragment.matches}});
   }
-  return pieces;
+  return fragments;
 }
 
 Json JsonOf(const ShownHit& hit) {

@@ -9,8 +9,8 @@ namespace kestan_cli {
 namespace {
 
 using kestan::search::Explanation;
+using kestan::search::Fragment;
 using kestan::search::Hit;
-using kestan::search::Piece;
 
 constexpr std::string_view kIndent = "    ";
 
@@ -25,11 +25,11 @@ std::string Painted(std::string_view colour, const std::string& text, bool colou
   return std::string(colour) + text + std::string(kEnd);
 }
 
-std::string SnippetLine(const std::vector<Piece>& snippet, bool coloured) {
+std::string SnippetLine(const std::vector<Fragment>& snippet, bool coloured) {
   std::string line;
-  for (const Piece& piece : snippet) {
-    const std::string text = OneLine(piece.text);
-    if (!piece.matches) {
+  for (const Fragment& fragment : snippet) {
+    const std::string text = OneLine(fragment.text);
+    if (!fragment.matches) {
       line += text;
     } else {
       line += coloured ? Painted(kBoldMatch, text, true) : "[" + text + "]";

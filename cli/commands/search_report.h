@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "search/query/evaluation.h"
+#include "search/query/explanation.h"
 #include "search/ranking/hits.h"
 #include "search/snippet/snippet.h"
 
@@ -16,8 +16,8 @@ namespace kestan_cli {
 // A hit with what is shown of it.
 struct ShownHit {
   kestan::search::Hit hit;
-  std::string title;                           // empty if the document has none
-  std::vector<kestan::search::Piece> snippet;  // empty if there is none
+  std::string title;                              // empty if the document has none
+  std::vector<kestan::search::Fragment> snippet;  // empty if there is none
 };
 
 struct SearchReport {

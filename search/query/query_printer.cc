@@ -12,7 +12,7 @@ std::string InQuotes(const std::string& text) { return '"' + text + '"'; }
 
 bool IsOperator(const std::string& word) { return word == "AND" || word == "OR" || word == "NOT"; }
 
-// What quotes ask for: words, each next to the one before.
+// Quotes stand for words, each next to the one before.
 bool IsPhrase(const Query& query) {
   if (query.kind != Kind::kNear) return false;
   const auto& words = query.operands;
@@ -22,7 +22,7 @@ bool IsPhrase(const Query& query) {
          std::all_of(words.begin() + 1, words.end(), is_next);
 }
 
-std::string SpelledPhrase(const Query& query) {
+std::string PrintPhrase(const Query& query) {
   std::string text;
   for (const Query& word : query.operands) text += (text.empty() ? "" : " ") + word.word;
   return InQuotes(text);
@@ -33,10 +33,10 @@ bool IsPart(const Query& query) {
 }
 
 std::string Grouped(const Query& query, bool needs_group) {
-  return needs_group ? "(" + Spelled(query) + ")" : Spelled(query);
+  return needs_group ? "(" + ToString(query) + ")" : ToString(query);
 }
 
-std::string SpelledNear(const Query& query) {
+std::string PrintNear(const Query& query) {
   std::string text = Grouped(query.operands.front(), !IsPart(query.operands.front()));
   for (std::size_t i = 1; i < query.operands.size(); ++i) {
     const Query& operand = query.operands[i];
@@ -46,13 +46,13 @@ std::string SpelledNear(const Query& query) {
   return text;
 }
 
-// Joins the operands of AND or OR; one of either kind within them stands in parentheses.
-std::string SpelledList(const Query& query, std::string_view separator) {
+// Prints the operands of AND or OR. An OR among them, or one of the same kind, needs parentheses.
+std::string PrintList(const Query& query, std::string_view separator) {
   std::string text;
   for (const Query& operand : query.operands) {
-    const bool is_loose = operand.kind == Kind::kOr || operand.kind == query.kind;
+    const bool needs_group = operand.kind == Kind::kOr || operand.kind == query.kind;
     if (!text.empty()) text += separator;
-    text += Grouped(operand, is_loose);
+    text += Grouped(operand, needs_group);
   }
   return text;
 }
@@ -66,7 +66,7 @@ std::string LabelOfNear(const Query& query) {
   return "NEAR/" + std::to_string(distance);
 }
 
-std::string SpelledWord(const Query& query) {
+std::string PrintWord(const Query& query) {
   if (query.kind == Kind::kPrefix) return query.word + "*";
   if (query.kind == Kind::kFuzzy) return query.word + "~" + std::to_string(query.edits);
   return IsOperator(query.word) ? InQuotes(query.word) : query.word;
@@ -74,19 +74,19 @@ std::string SpelledWord(const Query& query) {
 
 }  // namespace
 
-std::string Spelled(const Query& query) {
-  if (IsPhrase(query)) return SpelledPhrase(query);
+std::string ToString(const Query& query) {
+  if (IsPhrase(query)) return PrintPhrase(query);
   switch (query.kind) {
     case Kind::kNot:
       return "NOT " + Grouped(query.operands.front(), !IsPart(query.operands.front()));
     case Kind::kNear:
-      return SpelledNear(query);
+      return PrintNear(query);
     case Kind::kAnd:
-      return SpelledList(query, " AND ");
+      return PrintList(query, " AND ");
     case Kind::kOr:
-      return SpelledList(query, " OR ");
+      return PrintList(query, " OR ");
     default:
-      return SpelledWord(query);
+      return PrintWord(query);
   }
 }
 
@@ -100,10 +100,10 @@ std::string LabelOf(const Query& query) {
       return "AND";
     case Kind::kOr:
       return "OR";
-    case Kind::kForms:
+    case Kind::kInflections:
       return query.word + " and its forms";
     default:
-      return SpelledWord(query);
+      return PrintWord(query);
   }
 }
 

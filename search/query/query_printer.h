@@ -1,4 +1,4 @@
-// Writing queries down.
+// Prints queries.
 #ifndef KESTAN_SEARCH_QUERY_QUERY_PRINTER_H_
 #define KESTAN_SEARCH_QUERY_QUERY_PRINTER_H_
 
@@ -8,11 +8,11 @@
 
 namespace kestan::search {
 
-// Writes `query` as a text that ParseQuery (with kAll) reads as the same query, but for kForms, of
-// which only the word is written.
-std::string Spelled(const Query& query);
+// Prints `query` as a text that ParseQuery (with kAnd) parses to the same query. Of kInflections it
+// prints the word only.
+std::string ToString(const Query& query);
 
-// Names the node itself, without its operands: a word as it is spelled, or the operator.
+// Prints the node itself, without its operands: a word as it is spelled, or the operator.
 std::string LabelOf(const Query& query);
 
 }  // namespace kestan::search

@@ -4,16 +4,17 @@
 #include <charconv>
 #include <utility>
 
+#include "search/text/white_space.h"
+
 namespace kestan::search {
 namespace {
 
 using Kind = Token::Kind;
 
-constexpr std::string_view kBlanks = " \t\n\v\f\r";
 constexpr std::string_view kWordEnds = " \t\n\v\f\r()";
 constexpr std::string_view kNear = "NEAR/";
 
-// What word processors make of a quote: U+201C to U+201F in UTF-8, without the last byte.
+// The quotes of word processors are U+201C to U+201F. In UTF-8 they differ in the last byte only.
 constexpr std::string_view kCurlyQuote = "\xe2\x80";
 
 std::string WithPlainQuotes(std::string_view text) {
@@ -50,14 +51,14 @@ Kind KindOf(std::string_view text) {
   return Kind::kWord;
 }
 
-// Cuts `rest` into tokens one by one. Says nothing yet about operands.
+// Cuts text into tokens one by one, without a look at operands.
 class Cutter {
  public:
   explicit Cutter(std::string_view text) : rest_(text) {}
 
   std::vector<Token> Cut() {
     while (true) {
-      rest_.remove_prefix(std::min(rest_.find_first_not_of(kBlanks), rest_.size()));
+      rest_.remove_prefix(std::min(rest_.find_first_not_of(kWhiteSpace), rest_.size()));
       if (rest_.empty()) break;
       if (!CutMinus() && !CutPhrase()) CutWord();
     }
@@ -69,7 +70,7 @@ class Cutter {
   // A "-" that something else follows is part of a word.
   bool CutMinus() {
     if (rest_.size() < 2 || rest_[0] != '-') return false;
-    if (rest_[1] == '-' || kBlanks.find(rest_[1]) != std::string_view::npos || rest_[1] == ')') {
+    if (rest_[1] == '-' || IsWhiteSpace(rest_[1]) || rest_[1] == ')') {
       return false;
     }
     Add(Kind::kNot, 1);
@@ -106,7 +107,7 @@ class Cutter {
 
 bool IsMinus(const Token& token) { return token.kind == Kind::kNot && token.text == "-"; }
 
-// Tells for each token whether it is a parenthesis without its partner.
+// Returns for each token whether it is a parenthesis without its partner.
 std::vector<bool> FindUnmatched(const std::vector<Token>& tokens) {
   std::vector<bool> unmatched(tokens.size());
   std::vector<std::size_t> open;
@@ -151,8 +152,8 @@ bool StartsPart(Kind kind) {
   return kind == Kind::kWord || kind == Kind::kPhrase || kind == Kind::kOpen || kind == Kind::kNot;
 }
 
-// Makes words of the operators that lack an operand, from left to right.
-void MakeWordsOfLoneOperators(std::vector<Token>* tokens) {
+// Turns operators that lack an operand into words, from left to right.
+void TurnLoneOperatorsIntoWords(std::vector<Token>* tokens) {
   Kind previous = Kind::kEnd;
   for (std::size_t i = 0; i < tokens->size(); ++i) {
     Token& token = (*tokens)[i];
@@ -167,11 +168,11 @@ void MakeWordsOfLoneOperators(std::vector<Token>* tokens) {
 
 }  // namespace
 
-std::vector<Token> Tokens(std::string_view text) {
+std::vector<Token> TokensOf(std::string_view text) {
   const std::string plain = WithPlainQuotes(text);
   std::vector<Token> tokens = WithoutUnmatched(Cutter(plain).Cut());
   FindPartners(&tokens);
-  MakeWordsOfLoneOperators(&tokens);
+  TurnLoneOperatorsIntoWords(&tokens);
   return tokens;
 }
 

@@ -1,4 +1,4 @@
-// Cutting a query into tokens, of which any sequence can be read as a query.
+// Cuts the text of a query into tokens, which the parser reads without errors.
 #ifndef KESTAN_SEARCH_QUERY_QUERY_TOKENS_H_
 #define KESTAN_SEARCH_QUERY_QUERY_TOKENS_H_
 
@@ -18,9 +18,10 @@ struct Token {
 };
 
 // Cuts `text` into tokens; the last is kEnd, and there is no other. Every kOpen has its kClose,
-// every kNot is followed by a part, and every other operator stands between two: whatever lacks
-// that is a word, or left out where it has no letters. A part may turn out to hold no letters.
-std::vector<Token> Tokens(std::string_view text);
+// every kNot is followed by a part, and every other operator stands between two parts. An operator
+// that lacks a part is a word; a parenthesis that lacks its partner is left out. A part may turn
+// out to hold no letters.
+std::vector<Token> TokensOf(std::string_view text);
 
 }  // namespace kestan::search
 

@@ -7,30 +7,24 @@
 #include <string_view>
 #include <utility>
 
+#include "search/ranking/bm25.h"
+
 namespace kestan::search {
 namespace {
 
-// The usual constants of BM25; any near them do as well.
-constexpr double kSaturation = 1.6;
-constexpr double kWeightOfSize = 0.75;
-
-// What one part of the query adds to one document.
-struct Share {
-  double rarity = 0;
-  double times = 0;  // how often the document has it
-  double asked = 1;  // how often the query has it
+// What one clause of the query adds to one document.
+struct Contribution {
+  double idf = 0;
+  double tf = 0;               // how often the document has it
+  double query_frequency = 1;  // how often the query has it
 };
 
 struct Candidate {
   Hit hit;
-  std::vector<Share> shares;
-  double relative_size = 1;  // to the mean
+  std::vector<Contribution> contributions;
+  double relative_length = 1;  // to the mean
   double relevance = 0;
 };
-
-double RarityOf(double found, double documents) {
-  return std::log(1 + (std::max(documents - found, 0.0) + 0.5) / (found + 0.5));
-}
 
 int LeastPercentOf(std::string_view listing) {
   int least = std::numeric_limits<int>::max();
@@ -39,10 +33,9 @@ int LeastPercentOf(std::string_view listing) {
 }
 
 double RelevanceOf(const Candidate& candidate) {
-  const double size = 1 - kWeightOfSize + kWeightOfSize * candidate.relative_size;
   double sum = 0;
-  for (const auto& [rarity, times, asked] : candidate.shares) {
-    sum += asked * rarity * times * (kSaturation + 1) / (times + kSaturation * size);
+  for (const auto& [idf, tf, query_frequency] : candidate.contributions) {
+    sum += Bm25Score(query_frequency * idf, tf, candidate.relative_length);
   }
   return sum;
 }
@@ -68,7 +61,7 @@ void Measure(const SizeOf& size_of, std::vector<Candidate>* candidates) {
   }
   if (sum <= 0) return;
   const double mean = sum / static_cast<double>(sizes.size());
-  for (const auto& [candidate, size] : sizes) candidate->relative_size = size / mean;
+  for (const auto& [candidate, size] : sizes) candidate->relative_length = size / mean;
 }
 
 std::vector<Candidate> CandidatesOf(std::vector<Hit>* hits) {
@@ -77,20 +70,20 @@ std::vector<Candidate> CandidatesOf(std::vector<Hit>* hits) {
   return candidates;
 }
 
-void AddShares(const std::vector<RankedPart>& parts, double documents,
-               std::vector<Candidate>* candidates) {
+void AddContributions(const std::vector<RankedPart>& parts, double documents,
+                      std::vector<Candidate>* candidates) {
   std::map<std::string_view, Candidate*> by_name;
   for (Candidate& candidate : *candidates) by_name[candidate.hit.name] = &candidate;
   for (const RankedPart& part : parts) {
     const std::string listing = part.listing();
-    const auto asked = static_cast<double>(part.times);
-    const double rarity = RarityOf(static_cast<double>(CountLines(listing)), documents);
+    const auto query_frequency = static_cast<double>(part.times);
+    const double idf = Idf(static_cast<double>(CountLines(listing)), documents);
     const int least = LeastPercentOf(listing);
     ForEachHit(listing, [&](int percent, std::string_view name) {
       const auto found = by_name.find(name);
       if (found == by_name.end()) return;
-      const double times = std::max(1.0, std::round(static_cast<double>(percent) / least));
-      found->second->shares.push_back({rarity, times, asked});
+      const double tf = std::max(1.0, std::round(static_cast<double>(percent) / least));
+      found->second->contributions.push_back({idf, tf, query_frequency});
     });
   }
 }
@@ -111,7 +104,7 @@ void StorePercentages(std::vector<Candidate>* candidates, std::vector<Hit>* hits
 void SortByRelevance(const std::vector<RankedPart>& parts, std::uint64_t documents,
                      const SizeOf& size_of, std::vector<Hit>* hits) {
   std::vector<Candidate> candidates = CandidatesOf(hits);
-  AddShares(parts, static_cast<double>(documents), &candidates);
+  AddContributions(parts, static_cast<double>(documents), &candidates);
   SortCandidates(&candidates);
   Measure(size_of, &candidates);
   SortCandidates(&candidates);

@@ -1,4 +1,4 @@
-// Cutting the piece out of a text that shows best why a query found it.
+// Cuts the part out of a text that shows best why a query matches.
 #ifndef KESTAN_SEARCH_SNIPPET_SNIPPET_H_
 #define KESTAN_SEARCH_SNIPPET_SNIPPET_H_
 
@@ -8,22 +8,19 @@
 #include <string_view>
 #include <vector>
 
+#include "search/snippet/fragments.h"
+
 namespace kestan::search {
 
 // About how much of the text a snippet shows.
 constexpr std::size_t kSnippetBytes = 160;
 
-// A stretch of a snippet; those that match are one word each.
-struct Piece {
-  std::string text;
-  bool matches = false;
-};
-
-// Returns the stretch of `text` with the most different words of `sought`, on one line: one blank
-// for each run of white space and of control characters, and "..." where text was left out. Words
-// are compared as they are indexed: as they stand and in small letters.
+// Returns the part of `text` with the most different words of `matched_terms`, on one line: one
+// blank for each run of white space and of control characters, and "..." where text was left out.
+// Words are compared as they are indexed: as they stand and in lower case.
 //   Returns  nothing if no word matches.
-std::vector<Piece> MakeSnippet(std::string_view text, const std::set<std::string>& sought);
+std::vector<Fragment> MakeSnippet(std::string_view text,
+                                  const std::set<std::string>& matched_terms);
 
 }  // namespace kestan::search
 

@@ -10,12 +10,10 @@ unsigned ByteAt(std::string_view text, std::size_t at) {
   return at < text.size() ? static_cast<unsigned char>(text[at]) : 0;
 }
 
-bool Continues(unsigned byte) { return (byte & 0xc0) == 0x80; }
-
 // The second byte says whether a character is spelled with too many bytes, is half of a pair of
 // UTF-16, or lies past the last one.
 bool MayFollow(unsigned lead, unsigned second) {
-  if (!Continues(second)) return false;
+  if (!ContinuesCharacter(static_cast<char>(second))) return false;
   if (lead == 0xe0) return second >= 0xa0;
   if (lead == 0xed) return second < 0xa0;
   if (lead == 0xf0) return second >= 0x90;
@@ -38,7 +36,7 @@ std::size_t CharacterBytes(std::string_view text) {
   const std::size_t bytes = BytesAfter(lead);
   if (bytes == 0 || !MayFollow(lead, ByteAt(text, 1))) return 0;
   for (std::size_t i = 2; i < bytes; ++i) {
-    if (!Continues(ByteAt(text, i))) return 0;
+    if (!ContinuesCharacter(static_cast<char>(ByteAt(text, i)))) return 0;
   }
   return bytes;
 }

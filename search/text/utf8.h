@@ -8,6 +8,13 @@
 
 namespace kestan::search {
 
+inline bool IsAscii(char byte) { return static_cast<unsigned char>(byte) < 0x80; }
+
+// Returns whether `byte` is one of a character's bytes after the first.
+inline bool ContinuesCharacter(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xc0) == 0x80;
+}
+
 // Returns how many bytes the UTF-8 character at the start of `text`, which is not empty, has: 1 to
 // 4; 0 if there is none.
 std::size_t CharacterBytes(std::string_view text);

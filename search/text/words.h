@@ -2,15 +2,24 @@
 #ifndef KESTAN_SEARCH_TEXT_WORDS_H_
 #define KESTAN_SEARCH_TEXT_WORDS_H_
 
+#include <cstddef>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace kestan::search {
 
+// Longer words are cut: the engine indexes so many letters.
+constexpr std::size_t kMaxWordLetters = 64;
+
 // Keeps the words of `text` (less than 2 GB): runs of ASCII letters, without apostrophes, cut after
-// 64 letters, with white space between them. Documents and queries go through it alike. Drops
+// kMaxWordLetters, with white space between them. Documents and queries go through it alike. Drops
 // `stop_words`, which are separated by anything but letters, and with them all words of one or two
 // letters; "" drops none.
 std::string CleanWords(std::string text, const std::string& stop_words = "");
+
+// Returns the words of `utf8` as documents have them: transliterated and cleaned.
+std::vector<std::string> IndexedWords(std::string_view utf8);
 
 }  // namespace kestan::search
 

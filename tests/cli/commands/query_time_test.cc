@@ -8,7 +8,8 @@
 #include <limits>
 #include <string>
 
-#include "search/query/evaluation.h"
+#include "search/query/evaluator.h"
+#include "search/query/query_parser.h"
 #include "tests/support/index_test.h"
 
 namespace kestan_cli {

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "search/query/evaluation.h"
-#include "search/query/query.h"
+#include "search/query/evaluator.h"
+#include "search/query/query_parser.h"
 #include "search/query/query_printer.h"
 #include "search/ranking/hits.h"
 #include "tests/support/index_test.h"
@@ -40,29 +40,29 @@ bool IsWord(const std::string& word) {
 }
 
 // Whether a tree is one that the header promises.
-bool IsSound(const Query& query) {
+bool IsValid(const Query& query) {
   const bool is_leaf = query.kind == Query::Kind::kWord || query.kind == Query::Kind::kPrefix ||
-                       query.kind == Query::Kind::kFuzzy || query.kind == Query::Kind::kForms;
+                       query.kind == Query::Kind::kFuzzy || query.kind == Query::Kind::kInflections;
   if (is_leaf) return query.operands.empty() && IsWord(query.word);
   const std::size_t count = query.operands.size();
   const bool count_is_right = query.kind == Query::Kind::kNot ? count == 1 : count >= 2;
-  return count_is_right && std::all_of(query.operands.begin(), query.operands.end(), IsSound);
+  return count_is_right && std::all_of(query.operands.begin(), query.operands.end(), IsValid);
 }
 
-RC_GTEST_PROP(QueryPropertyTest, AnyTextIsASoundQueryOrNone, ()) {
+RC_GTEST_PROP(QueryPropertyTest, AnyTextIsAValidQueryOrNone, ()) {
   const std::string text = *QueryText();
-  for (const SideBySide side_by_side : {SideBySide::kAll, SideBySide::kAny}) {
-    const auto query = ParseQuery(text, side_by_side);
-    if (query) RC_ASSERT(IsSound(*query));
+  for (const auto default_operator : {DefaultOperator::kAnd, DefaultOperator::kOr}) {
+    const auto query = ParseQuery(text, default_operator);
+    if (query) RC_ASSERT(IsValid(*query));
   }
 }
 
-RC_GTEST_PROP(QueryPropertyTest, WhatIsWrittenDownReadsTheSame, ()) {
+RC_GTEST_PROP(QueryPropertyTest, WhatIsPrintedParsesTheSame, ()) {
   const auto query = ParseQuery(*QueryText());
   RC_PRE(query.has_value());
-  const auto again = ParseQuery(Spelled(*query));
+  const auto again = ParseQuery(ToString(*query));
   RC_ASSERT(again.has_value());
-  RC_ASSERT(Spelled(*again) == Spelled(*query));
+  RC_ASSERT(ToString(*again) == ToString(*query));
   RC_ASSERT(*again == *query);
 }
 
@@ -78,10 +78,10 @@ RC_GTEST_PROP(QueryPropertyTest, TextInQuotesIsWordsInARow, ()) {
   }
 }
 
-RC_GTEST_PROP(QueryPropertyTest, TextWithASmallLetterAsksForSomething, ()) {
+RC_GTEST_PROP(QueryPropertyTest, TextWithALowerCaseLetterIsAQuery, ()) {
   const std::string text = *QueryText();
-  const auto is_small = [](char byte) { return byte >= 'a' && byte <= 'z'; };
-  if (std::any_of(text.begin(), text.end(), is_small)) RC_ASSERT(ParseQuery(text).has_value());
+  const auto is_lower = [](char byte) { return byte >= 'a' && byte <= 'z'; };
+  if (std::any_of(text.begin(), text.end(), is_lower)) RC_ASSERT(ParseQuery(text).has_value());
 }
 
 class QueryOfAnIndexTest : public kestan_tests::IndexTest {
@@ -95,7 +95,7 @@ class QueryOfAnIndexTest : public kestan_tests::IndexTest {
   }
 };
 
-TEST_F(QueryOfAnIndexTest, AnyTextCanBeAskedAndItsOppositeFindsTheRest) {
+TEST_F(QueryOfAnIndexTest, AnyQueryAndItsOppositeFindAllDocuments) {
   engine_.AddDocumentWords("1", "cat Dog dog e mail");
   engine_.AddDocumentWords("2", "cafe its a of cat");
   engine_.AddDocumentWords("3", "AND NEAR x");
@@ -126,7 +126,7 @@ TEST_F(QueryOfAnIndexTest, QuestionsFindWhatAnyOfTheirWordsFinds) {
     if (has("cat") || has("dog")) expected += "1";
     if (has("dog") || has("mails")) expected += "2";
     if (has("birds")) expected += "3";
-    RC_ASSERT(Found(*ParseQuery(text, SideBySide::kAny)) == expected);
+    RC_ASSERT(Found(*ParseQuery(text, DefaultOperator::kOr)) == expected);
   });
   EXPECT_TRUE(holds);
 }

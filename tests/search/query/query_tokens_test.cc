@@ -11,7 +11,7 @@ namespace {
 std::string Cut(const std::string& text) {
   const std::string kinds = "wpAOkN()$";
   std::string drawn;
-  for (const Token& token : Tokens(text)) {
+  for (const Token& token : TokensOf(text)) {
     const auto kind = static_cast<std::size_t>(token.kind);
     drawn += (drawn.empty() ? "" : " ") + kinds.substr(kind, 1);
     if (kind < 2) drawn += ":" + token.text;
@@ -42,7 +42,7 @@ TEST(QueryTokensTest, MinusBindsWhatFollows) {
 TEST(QueryTokensTest, MinusGoesWithALostParenthesis) { EXPECT_EQ(Cut("-(a"), "w:a $"); }
 
 TEST(QueryTokensTest, PartnersAreKnown) {
-  const auto tokens = Tokens("((a) b)");
+  const auto tokens = TokensOf("((a) b)");
   EXPECT_EQ(tokens[0].partner, 5u);
   EXPECT_EQ(tokens[1].partner, 3u);
 }

@@ -10,10 +10,10 @@ namespace kestan::search {
 namespace {
 
 // A snippet with its matches in brackets.
-std::string Cut(const std::string& text, const std::set<std::string>& sought) {
+std::string Cut(const std::string& text, const std::set<std::string>& terms) {
   std::string cut;
-  for (const Piece& piece : MakeSnippet(text, sought)) {
-    cut += piece.matches ? "[" + piece.text + "]" : piece.text;
+  for (const Fragment& fragment : MakeSnippet(text, terms)) {
+    cut += fragment.matches ? "[" + fragment.text + "]" : fragment.text;
   }
   return cut;
 }
@@ -57,7 +57,7 @@ TEST(SnippetTest, LongTextIsCutAtWords) {
   EXPECT_GE(cut.size(), kSnippetBytes - 16);
 }
 
-TEST(SnippetTest, StretchWithTheMostDifferentWordsWins) {
+TEST(SnippetTest, WindowWithTheMostDifferentTermsWins) {
   const std::string cut =
       Cut("cat cat cat " + Filler(50) + "cat near dog " + Filler(50), {"cat", "dog"});
   EXPECT_NE(cut.find("[cat] near [dog]"), std::string::npos) << cut;
@@ -74,7 +74,7 @@ TEST(SnippetTest, LongWordsAreTakenPieceByPiece) {
             "a [" + word + std::string(32, 'y') + "]...");
 }
 
-TEST(SnippetTest, PiecesDoNotEndWithinACharacter) {
+TEST(SnippetTest, FragmentsDoNotEndWithinACharacter) {
   std::string text = "x";  // and Cyrillic without blanks, two bytes a letter
   for (int i = 0; i < 400; ++i) text += "\xd0\xb0";
   const auto snippet = MakeSnippet(text, {"x" + std::string(48, 'a')});
@@ -84,9 +84,9 @@ TEST(SnippetTest, PiecesDoNotEndWithinACharacter) {
 }
 
 RC_GTEST_PROP(SnippetTest, AnyBytesMakeALine, (const std::string& text)) {
-  for (const Piece& piece : MakeSnippet(text + " cat " + text, {"cat", "a"})) {
-    RC_ASSERT(!piece.text.empty());
-    for (const char byte : piece.text) RC_ASSERT(static_cast<unsigned char>(byte) >= ' ');
+  for (const Fragment& fragment : MakeSnippet(text + " cat " + text, {"cat", "a"})) {
+    RC_ASSERT(!fragment.text.empty());
+    for (const char byte : fragment.text) RC_ASSERT(static_cast<unsigned char>(byte) >= ' ');
   }
 }
 

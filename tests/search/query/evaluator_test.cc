@@ -1,4 +1,4 @@
-#include "search/query/evaluation.h"
+#include "search/query/evaluator.h"
 
 #include <gtest/gtest.h>
 
@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "search/query/query_parser.h"
 #include "tests/support/index_test.h"
 
 namespace kestan::search {
@@ -14,7 +15,7 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-class EvaluationTest : public kestan_tests::IndexTest {
+class EvaluatorTest : public kestan_tests::IndexTest {
  protected:
   void SetUp() override {
     kestan_tests::IndexTest::SetUp();
@@ -24,16 +25,17 @@ class EvaluationTest : public kestan_tests::IndexTest {
   }
 
   // The listing of `text`.
-  std::string Found(const std::string& text, SideBySide side_by_side = SideBySide::kAll) {
+  std::string Found(const std::string& text,
+                    DefaultOperator default_operator = DefaultOperator::kAnd) {
     Evaluator evaluator(engine_);
-    return evaluator.Evaluate(*ParseQuery(text, side_by_side), nullptr).Listing();
+    return evaluator.Evaluate(*ParseQuery(text, default_operator), nullptr).Listing();
   }
 
-  // The words that `text` asks for.
-  std::set<std::string> Sought(const std::string& text) {
+  // The terms that `text` matches.
+  std::set<std::string> Matched(const std::string& text) {
     Evaluator evaluator(engine_);
     evaluator.Evaluate(*ParseQuery(text), nullptr);
-    return evaluator.sought();
+    return evaluator.matched_terms();
   }
 
   Words Suggested(const std::string& text) {
@@ -50,55 +52,55 @@ class EvaluationTest : public kestan_tests::IndexTest {
   }
 };
 
-TEST_F(EvaluationTest, PrefixFindsAllItsWords) {
+TEST_F(EvaluatorTest, PrefixFindsAllItsWords) {
   EXPECT_EQ(Found("lay*"), "50 one\n100 two\n");
   EXPECT_EQ(Found("Lay*"), "100 two\n");
   EXPECT_EQ(Found("z*"), "");
 }
 
-TEST_F(EvaluationTest, FuzzyFindsWordsWithinItsEdits) {
+TEST_F(EvaluatorTest, FuzzyFindsWordsWithinItsEdits) {
   EXPECT_EQ(Found("baler~1"), "100 three\n");
   EXPECT_EQ(Found("baler~2"), "100 one\n100 two\n100 three\n");
 }
 
-TEST_F(EvaluationTest, FormsFindEachOther) {
-  EXPECT_EQ(Found("flowing", SideBySide::kAny), "100 one\n100 three\n");
-  EXPECT_EQ(Found("Layer", SideBySide::kAny), "100 two\n");
+TEST_F(EvaluatorTest, InflectionsFindEachOther) {
+  EXPECT_EQ(Found("flowing", DefaultOperator::kOr), "100 one\n100 three\n");
+  EXPECT_EQ(Found("Layer", DefaultOperator::kOr), "100 two\n");
 }
 
-TEST_F(EvaluationTest, ExpansionsCanBeNear) {
+TEST_F(EvaluatorTest, ExpansionsCanBeNear) {
   EXPECT_EQ(Found("lay* NEAR/2 flo*"), "100 one\n");
   EXPECT_EQ(Found("lay* NEAR/1 flo*"), "");
 }
 
-TEST_F(EvaluationTest, SoughtWordsAreThoseThatTheIndexHas) {
-  EXPECT_EQ(Sought("lay* OR cow OR of"), (std::set<std::string>{"layer", "layers", "of"}));
+TEST_F(EvaluatorTest, MatchedTermsAreThoseThatTheIndexHas) {
+  EXPECT_EQ(Matched("lay* OR cow OR of"), (std::set<std::string>{"layer", "layers", "of"}));
 }
 
-TEST_F(EvaluationTest, WordsUnderNotAreNotSought) {
-  EXPECT_EQ(Sought("flow -layer -(-of)"), (std::set<std::string>{"flow", "of"}));
+TEST_F(EvaluatorTest, TermsUnderNotAreNotMatched) {
+  EXPECT_EQ(Matched("flow -layer -(-of)"), (std::set<std::string>{"flow", "of"}));
 }
 
-TEST_F(EvaluationTest, MostFrequentExpansionsStayWhenCut) {
+TEST_F(EvaluatorTest, MostFrequentExpansionsStayWhenCut) {
   AddManyWords();
   Evaluator evaluator(engine_);
   Explanation explanation;
   evaluator.Evaluate(*ParseQuery("p*"), &explanation);
-  EXPECT_EQ(evaluator.sought().size(), kMaxExpansions);
-  EXPECT_EQ(evaluator.sought().count("pccc"), 1u);
+  EXPECT_EQ(evaluator.matched_terms().size(), kMaxExpansions);
+  EXPECT_EQ(evaluator.matched_terms().count("pccc"), 1u);
   EXPECT_EQ(evaluator.notes(), Words{"p* stands for only the 100 most frequent of 150 words"});
   EXPECT_EQ(explanation.note, "only the 100 most frequent of 150 words");
 }
 
-TEST_F(EvaluationTest, ExpansionsUpToTheLimitAreNotCut) {
+TEST_F(EvaluatorTest, ExpansionsUpToTheLimitAreNotCut) {
   AddManyWords();
   Evaluator evaluator(engine_);
   evaluator.Evaluate(*ParseQuery("pa* OR pb*"), nullptr);
-  EXPECT_EQ(evaluator.sought().size(), 100u);
+  EXPECT_EQ(evaluator.matched_terms().size(), 100u);
   EXPECT_EQ(evaluator.notes(), Words{});
 }
 
-TEST_F(EvaluationTest, ExplanationCountsDocumentsOfEveryPart) {
+TEST_F(EvaluatorTest, ExplanationCountsDocumentsOfEveryPart) {
   Explanation explanation;
   Evaluator(engine_).Evaluate(*ParseQuery("lay* -flow"), &explanation);
   EXPECT_EQ(explanation.label, "AND");
@@ -111,7 +113,7 @@ TEST_F(EvaluationTest, ExplanationCountsDocumentsOfEveryPart) {
   EXPECT_EQ(explanation.parts[1].parts[0].label, "flow");
 }
 
-TEST_F(EvaluationTest, EqualOperandsCountOnce) {
+TEST_F(EvaluatorTest, EqualOperandsCountOnce) {
   EXPECT_EQ(Found("lay* OR flow OR lay* OR lay*"), Found("lay* OR flow"));
   EXPECT_EQ(Found("layer flow layer"), Found("layer flow"));
   EXPECT_EQ(Found("layer OR layer"), Found("layer"));
@@ -119,19 +121,19 @@ TEST_F(EvaluationTest, EqualOperandsCountOnce) {
             Found("(flow OR layer OR flow) bayer OR (flow OR layer)"));
 }
 
-TEST_F(EvaluationTest, EqualWordsInARowAreInDifferentPlaces) {
+TEST_F(EvaluatorTest, EqualWordsInARowAreInDifferentPlaces) {
   engine_.AddDocumentWords("four", "very very good");
   engine_.AddDocumentWords("five", "very good");
   EXPECT_EQ(Found("\"very very\""), "100 four\n");
 }
 
-TEST_F(EvaluationTest, OperandsThatDifferInOnePlaceAreNotEqual) {
+TEST_F(EvaluatorTest, OperandsThatDifferInOnePlaceAreNotEqual) {
   EXPECT_NE(Found("layer OR Layer"), Found("layer"));
   EXPECT_NE(Found("bayer~1 OR bayer~2"), Found("bayer~2"));
   EXPECT_NE(Found("\"layer flow\" OR layer NEAR/2 flow"), Found("\"layer flow\""));
 }
 
-TEST_F(EvaluationTest, ExplanationTellsOfEqualOperands) {
+TEST_F(EvaluatorTest, ExplanationNotesEqualOperands) {
   Explanation explanation;
   Evaluator(engine_).Evaluate(*ParseQuery("lay* OR flow OR lay* OR flow"), &explanation);
   ASSERT_EQ(explanation.parts.size(), 2u);
@@ -139,33 +141,23 @@ TEST_F(EvaluationTest, ExplanationTellsOfEqualOperands) {
   EXPECT_EQ(explanation.parts[1].note, "asked 2 times, counts once");
 }
 
-TEST_F(EvaluationTest, ACutIsNotedOnceForEqualParts) {
+TEST_F(EvaluatorTest, ACutIsNotedOnceForEqualParts) {
   AddManyWords();
   Evaluator evaluator(engine_);
   evaluator.Evaluate(*ParseQuery("p* NEAR/2 p* (p* OR flow)"), nullptr);
   EXPECT_EQ(evaluator.notes(), Words{"p* stands for only the 100 most frequent of 150 words"});
 }
 
-TEST_F(EvaluationTest, MissingWordsBringSuggestions) {
+TEST_F(EvaluatorTest, MissingWordsBringSuggestions) {
   EXPECT_EQ(Suggested("flwo layer"), Words{"flow"});
   EXPECT_EQ(Suggested("flow layer"), Words{});
   EXPECT_EQ(Suggested("-flwo"), Words{});
   EXPECT_EQ(Suggested("flwo OR flwo"), Words{"flow"});
 }
 
-TEST_F(EvaluationTest, WordsOfRemovedDocumentsAreMissing) {
+TEST_F(EvaluatorTest, WordsOfRemovedDocumentsAreMissing) {
   engine_.RemoveDocumentWords("one");
   EXPECT_EQ(Suggested("flow"), Words{"flows"});
-}
-
-TEST_F(EvaluationTest, PartsThatSpeakForADocumentLeaveOutNot) {
-  const Query query = *ParseQuery("a (b OR c*) -d \"e f\"");
-  std::string kinds;
-  for (const Query* part : PartsThatSpeakFor(query)) {
-    kinds += part->operands.empty() ? part->word : "near";
-    kinds += " ";
-  }
-  EXPECT_EQ(kinds, "a b c near ");
 }
 
 }  // namespace

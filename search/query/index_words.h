@@ -1,0 +1,36 @@
+// The words of an open index.
+#ifndef KESTAN_SEARCH_QUERY_INDEX_WORDS_H_
+#define KESTAN_SEARCH_QUERY_INDEX_WORDS_H_
+
+#include <kestan/kestan.h>
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+
+#include "search/vocabulary/vocabulary.h"
+
+namespace kestan::search {
+
+// The words of an index and their document frequencies. Reads them when they are first asked for,
+// and keeps them: the index must not change meanwhile.
+class IndexWords {
+ public:
+  // Borrows `engine`, whose index is open. Reads nothing yet.
+  explicit IndexWords(Kestan& engine) : engine_(engine) {}
+
+  const Vocabulary& All();
+
+  // Returns how many documents have `word`.
+  std::size_t DocumentsWith(const std::string& word);
+
+ private:
+  Kestan& engine_;
+  std::optional<Vocabulary> all_;
+  std::map<std::string, std::size_t> documents_with_;  // of the words that were asked for
+};
+
+}  // namespace kestan::search
+
+#endif  // KESTAN_SEARCH_QUERY_INDEX_WORDS_H_

@@ -1,0 +1,237 @@
+#include "search/query/query_parser.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <limits>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "search/query/query_tokens.h"
+#include "search/text/letters.h"
+#include "search/text/stop_words.h"
+#include "search/text/words.h"
+
+namespace kestan::search {
+namespace {
+
+using Kind = Token::Kind;
+using MaybeQuery = std::optional<Query>;
+
+Query WordQuery(const std::string& word, int distance_words) {
+  Query query;
+  query.word = word;
+  query.distance_words = distance_words;
+  return query;
+}
+
+// Returns a node for `operands`, the only one of them, or nothing.
+MaybeQuery Combined(Query::Kind kind, std::vector<Query> operands) {
+  if (operands.empty()) return std::nullopt;
+  if (operands.size() == 1) return std::move(operands.front());
+  Query query;
+  query.kind = kind;
+  query.operands = std::move(operands);
+  return query;
+}
+
+void AppendIfAny(MaybeQuery query, std::vector<Query>* operands) {
+  if (query) operands->push_back(std::move(*query));
+}
+
+// The words of `text` as documents have them, each next to the one before.
+std::vector<Query> WordsIn(std::string_view text) {
+  std::vector<Query> queries;
+  for (const std::string& word : IndexedWords(text)) {
+    queries.push_back(WordQuery(word, queries.empty() ? 0 : 1));
+  }
+  return queries;
+}
+
+// What the end of a word adds to its meaning.
+struct Suffix {
+  Query::Kind kind = Query::Kind::kWord;
+  int edits = 0;
+  std::size_t bytes = 0;
+};
+
+Suffix SuffixOf(std::string_view text) {
+  const auto ends_with = [text](std::string_view end) {
+    return text.size() > end.size() && text.substr(text.size() - end.size()) == end;
+  };
+  if (ends_with("*")) return {Query::Kind::kPrefix, 0, 1};
+  if (ends_with("~1")) return {Query::Kind::kFuzzy, 1, 2};
+  if (ends_with("~2")) return {Query::Kind::kFuzzy, 2, 2};
+  if (ends_with("~")) return {Query::Kind::kFuzzy, 1, 1};
+  return {};
+}
+
+// Whether a word reaches the end of `text`, so that a suffix belongs to it.
+bool EndsInLetter(std::string_view text) {
+  return !text.empty() &&
+         (IsAsciiLetter(text.back()) || static_cast<unsigned char>(text.back()) >= 0x80);
+}
+
+MaybeQuery WordsOf(const Token& token) {
+  const Suffix suffix = token.kind == Kind::kWord ? SuffixOf(token.text) : Suffix{};
+  const std::string_view text =
+      std::string_view(token.text).substr(0, token.text.size() - suffix.bytes);
+  std::vector<Query> words = WordsIn(text);
+  if (suffix.bytes > 0 && !words.empty() && EndsInLetter(text)) {
+    words.back().kind = suffix.kind;
+    words.back().edits = suffix.edits;
+  }
+  return Combined(Query::Kind::kNear, std::move(words));
+}
+
+bool IsStop(const Query& query) {
+  return query.kind == Query::Kind::kWord && IsStopWord(query.word);
+}
+
+// Drops the stop words of a question, and expands the other words with their inflections.
+std::vector<Query> AsQuestion(std::vector<Query> words) {
+  if (!std::all_of(words.begin(), words.end(), IsStop)) {
+    words.erase(std::remove_if(words.begin(), words.end(), IsStop), words.end());
+  }
+  for (Query& query : words) {
+    const bool is_inflected = query.kind == Query::Kind::kWord && !HasCapital(query.word);
+    if (is_inflected) query.kind = Query::Kind::kInflections;
+  }
+  return words;
+}
+
+// Parses tokens, with one function for each line of the grammar. Each returns nothing where there
+// are no letters.
+class Parser {
+ public:
+  Parser(std::vector<Token> tokens, DefaultOperator default_operator)
+      : tokens_(std::move(tokens)),
+        default_operator_(default_operator),
+        left_out_(tokens_.size()) {}
+
+  MaybeQuery ParseOr() {
+    if (default_operator_ == DefaultOperator::kOr) return ParseQuestion();
+    std::vector<Query> operands;
+    do {
+      AppendIfAny(ParseAnd(), &operands);
+    } while (Take(Kind::kOr));
+    return Combined(Query::Kind::kOr, std::move(operands));
+  }
+
+ private:
+  // Stands for both ParseOr and ParseAnd where words side by side mean OR.
+  MaybeQuery ParseQuestion() {
+    std::vector<Query> wanted;
+    std::vector<Query> excluded;
+    do {
+      const bool after_or = Take(Kind::kOr);
+      MaybeQuery part = ParseAnd();
+      const bool excludes = part && part->kind == Query::Kind::kNot && !after_or;
+      AppendIfAny(std::move(part), excludes ? &excluded : &wanted);
+    } while (StartsPart() || Next().kind == Kind::kOr);
+    std::vector<Query> operands;
+    AppendIfAny(Combined(Query::Kind::kOr, AsQuestion(std::move(wanted))), &operands);
+    for (Query& query : excluded) operands.push_back(std::move(query));
+    return Combined(Query::Kind::kAnd, std::move(operands));
+  }
+
+  MaybeQuery ParseAnd() {
+    std::vector<Query> operands;
+    do {
+      AppendIfAny(ParseNear(), &operands);
+    } while (Take(Kind::kAnd) || (default_operator_ == DefaultOperator::kAnd && StartsPart()));
+    return Combined(Query::Kind::kAnd, std::move(operands));
+  }
+
+  MaybeQuery ParseNear() {
+    std::vector<Query> operands;
+    int distance_words = 0;
+    while (true) {
+      MaybeQuery part = ParsePart();
+      if (part) {
+        part->distance_words = operands.empty() ? 0 : distance_words;
+        operands.push_back(std::move(*part));
+        distance_words = 0;
+      }
+      if (Next().kind != Kind::kNear) break;
+      // A part without letters keeps its place: the words around it may be as far apart as both
+      // distances allow.
+      distance_words = Sum(distance_words, tokens_[next_++].distance_words);
+    }
+    return Combined(Query::Kind::kNear, std::move(operands));
+  }
+
+  static int Sum(int left, int right) {
+    return left > std::numeric_limits<int>::max() - right ? std::numeric_limits<int>::max()
+                                                          : left + right;
+  }
+
+  MaybeQuery ParsePart() {
+    if (depth_ == kMaxQueryDepth) LeaveOutNesting();
+    if (!StartsPart()) return std::nullopt;
+    const Token& token = tokens_[next_++];
+    if (token.kind == Kind::kWord || token.kind == Kind::kPhrase) return WordsOf(token);
+    ++depth_;
+    MaybeQuery part = token.kind == Kind::kNot ? ParseNot() : ParseGroup();
+    --depth_;
+    return part;
+  }
+
+  void LeaveOutNesting() {
+    while (Next().kind == Kind::kOpen || Next().kind == Kind::kNot) {
+      if (Next().kind == Kind::kNot) {
+        tokens_[next_].kind = Kind::kWord;
+        return;
+      }
+      left_out_[tokens_[next_].partner] = true;
+      ++next_;
+    }
+  }
+
+  MaybeQuery ParseNot() {
+    MaybeQuery operand = ParsePart();
+    if (!operand) return std::nullopt;
+    Query query;
+    query.kind = Query::Kind::kNot;
+    query.operands.push_back(std::move(*operand));
+    return query;
+  }
+
+  MaybeQuery ParseGroup() {
+    MaybeQuery query = ParseOr();
+    Next();
+    ++next_;  // the parentheses match, and nothing but ")" ends a query within them
+    return query;
+  }
+
+  const Token& Next() {
+    while (left_out_[next_]) ++next_;
+    return tokens_[next_];
+  }
+
+  bool StartsPart() {
+    const Kind kind = Next().kind;
+    return kind == Kind::kWord || kind == Kind::kPhrase || kind == Kind::kNot ||
+           kind == Kind::kOpen;
+  }
+
+  bool Take(Kind kind) {
+    if (Next().kind != kind) return false;
+    ++next_;
+    return true;
+  }
+
+  std::vector<Token> tokens_;
+  const DefaultOperator default_operator_;
+  std::vector<bool> left_out_;  // the closing partners of parentheses that were left out
+  std::size_t next_ = 0;
+  unsigned depth_ = 0;
+};
+
+}  // namespace
+
+std::optional<Query> ParseQuery(std::string_view text, DefaultOperator default_operator) {
+  return Parser(TokensOf(text), default_operator).ParseOr();
+}
+
+}  // namespace kestan::search

@@ -1,0 +1,45 @@
+// The query language: from text to a query.
+#ifndef KESTAN_SEARCH_QUERY_QUERY_PARSER_H_
+#define KESTAN_SEARCH_QUERY_QUERY_PARSER_H_
+
+#include <optional>
+#include <string_view>
+
+#include "search/query/query.h"
+
+namespace kestan::search {
+
+// How deep parentheses and NOTs may be nested, so that no query can exhaust the stack.
+constexpr unsigned kMaxQueryDepth = 200;
+
+// The operator of words side by side.
+enum class DefaultOperator {
+  kAnd,  // documents must hold all of them
+  kOr,   // documents must hold any of them, as for a question in plain words
+};
+
+// Parses `text`, whatever it holds:
+//
+//   query = all { "OR" all }              loosest
+//   all   = near { ["AND"] near }         words side by side mean AND
+//   near  = part { "NEAR/k" part }        at most k words apart, in either order; k is 1 or more
+//   part  = ("NOT" | "-") part | "(" query ")" | '"' words '"' | word ["*" | "~" | "~1" | "~2"]
+//
+// Operators are in capitals; the "-" of NOT follows a blank or "(" and stands right before a word,
+// a "(" or a quote. Words go through IndexedWords as documents do; where that makes several of one
+// (e-mail), and for the words in quotes, each must stand next to the one before.
+//
+// There are no errors. An operator that lacks an operand is a word; a parenthesis or a quote
+// without its partner is left out, and so is a part without letters, together with its operator.
+// Deeper than kMaxQueryDepth, parentheses are left out and NOT is a word.
+//
+// With kOr, words side by side mean OR, and NOT beside them excludes documents. Among the words so
+// joined, stop words are left out unless all are, and words in lower case become kInflections.
+//
+//   Returns  nothing if no letters are left.
+std::optional<Query> ParseQuery(std::string_view text,
+                                DefaultOperator default_operator = DefaultOperator::kAnd);
+
+}  // namespace kestan::search
+
+#endif  // KESTAN_SEARCH_QUERY_QUERY_PARSER_H_

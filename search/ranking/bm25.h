@@ -1,0 +1,24 @@
+// BM25: how much a term that occurs in a document says about the relevance of the document.
+#ifndef KESTAN_SEARCH_RANKING_BM25_H_
+#define KESTAN_SEARCH_RANKING_BM25_H_
+
+namespace kestan::search {
+
+struct Bm25Parameters {
+  double k1 = 1.6;  // how slowly further occurrences of a term count less
+  double b = 0.75;  // how much the length of a document counts
+};
+
+// Returns the inverse document frequency of a term that `document_frequency` of `documents`
+// documents have: ln(1 + (N - n + 0.5) / (n + 0.5)).
+double Idf(double document_frequency, double documents);
+
+// Returns the score of a term with `idf` that occurs `tf` times in a document: idf * tf * (k1 + 1)
+// / (tf + k1 * (1 - b + b * relative_length)). `relative_length` is the length of the document by
+// the mean length of documents.
+double Bm25Score(double idf, double tf, double relative_length,
+                 const Bm25Parameters& parameters = {});
+
+}  // namespace kestan::search
+
+#endif  // KESTAN_SEARCH_RANKING_BM25_H_

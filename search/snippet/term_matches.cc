@@ -1,0 +1,74 @@
+#include "search/snippet/term_matches.h"
+
+#include <algorithm>
+
+#include "search/text/letters.h"
+#include "search/text/utf8.h"
+#include "search/text/words.h"
+
+namespace kestan::search {
+namespace {
+
+constexpr std::size_t kMaxWordBytes = 96;
+
+bool IsLetter(char byte) { return IsAsciiLetter(byte) || !IsAscii(byte); }
+
+// Finds the term that a word of a text matches.
+class TermMatcher {
+ public:
+  // Borrows `terms`.
+  explicit TermMatcher(const std::set<std::string>& terms) : terms_(terms) {}
+
+  // Returns the term, empty if `word` matches none.
+  std::string_view Find(std::string_view word) const {
+    if (std::all_of(word.begin(), word.end(), IsAsciiLetter)) return FindAnyCase(word);
+    for (const std::string& indexed : IndexedWords(word)) {
+      const std::string_view found = FindAnyCase(indexed);
+      if (!found.empty()) return found;
+    }
+    return {};
+  }
+
+ private:
+  std::string_view FindAnyCase(std::string_view word) const {
+    const std::string indexed(word.substr(0, kMaxWordLetters));
+    auto found = terms_.find(indexed);
+    if (found == terms_.end()) found = terms_.find(LowerCase(indexed));
+    return found == terms_.end() ? std::string_view() : std::string_view(*found);
+  }
+
+  const std::set<std::string>& terms_;
+};
+
+// Returns where the word that begins at `start` ends. Apostrophes between letters belong to it.
+// Scripts without blanks would make words of whole paragraphs: those are taken piece by piece.
+std::size_t EndOfWord(std::string_view text, std::size_t start) {
+  std::size_t end = start;
+  while (end < text.size()) {
+    if (end - start >= kMaxWordBytes && !ContinuesCharacter(text[end])) break;
+    const bool joins = text[end] == '\'' && end + 1 < text.size() && IsLetter(text[end + 1]);
+    if (!joins && !IsLetter(text[end])) break;
+    ++end;
+  }
+  return end;
+}
+
+}  // namespace
+
+std::vector<TermMatch> FindTerms(std::string_view text, const std::set<std::string>& terms) {
+  const TermMatcher matcher(terms);
+  std::vector<TermMatch> matches;
+  for (std::size_t at = 0; at < text.size();) {
+    if (!IsLetter(text[at])) {
+      ++at;
+      continue;
+    }
+    const std::size_t end = EndOfWord(text, at);
+    const std::string_view term = matcher.Find(text.substr(at, end - at));
+    if (!term.empty()) matches.push_back({at, end, term});
+    at = end;
+  }
+  return matches;
+}
+
+}  // namespace kestan::search

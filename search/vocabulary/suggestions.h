@@ -1,0 +1,22 @@
+// Words that a misspelled one may stand for.
+#ifndef KESTAN_SEARCH_VOCABULARY_SUGGESTIONS_H_
+#define KESTAN_SEARCH_VOCABULARY_SUGGESTIONS_H_
+
+#include <string>
+#include <vector>
+
+#include "search/vocabulary/fuzzy_match.h"
+#include "search/vocabulary/vocabulary.h"
+
+namespace kestan::search {
+
+// Returns up to three words that may be meant by `word`, which no document has: the closest, among
+// those as close the most frequent. They have at least two letters, no capitals, and are in some
+// document. A word of one or two letters is taken to have no mistake, one of up to four letters one
+// at most, a longer one two; capitals are no mistakes.
+std::vector<std::string> Suggestions(const Vocabulary& vocabulary, const std::string& word,
+                                     const DocumentFrequency& document_frequency);
+
+}  // namespace kestan::search
+
+#endif  // KESTAN_SEARCH_VOCABULARY_SUGGESTIONS_H_

@@ -1,0 +1,46 @@
+#include "search/query/clauses.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "search/query/query_parser.h"
+
+namespace kestan::search {
+namespace {
+
+using Words = std::vector<std::string>;
+
+// The words of the clauses of `text`; "near" for a clause with operands.
+Words Clauses(const std::string& text) {
+  const Query query = *ParseQuery(text);
+  Words clauses;
+  for (const Query* clause : ScoringClauses(query)) {
+    clauses.push_back(clause->operands.empty() ? clause->word : "near");
+  }
+  return clauses;
+}
+
+TEST(ClausesTest, ScoringClausesAreWhatAndAndOrJoin) {
+  EXPECT_EQ(Clauses("a (b OR c*) \"e f\""), (Words{"a", "b", "c", "near"}));
+  EXPECT_EQ(Clauses("a a"), (Words{"a", "a"}));
+  EXPECT_EQ(Clauses("a"), Words{"a"});
+}
+
+TEST(ClausesTest, WhatIsUnderNotIsNoScoringClause) {
+  EXPECT_EQ(Clauses("a -d -(b OR c)"), Words{"a"});
+  EXPECT_EQ(Clauses("NOT NOT a"), Words{});
+}
+
+TEST(ClausesTest, WordsAreThoseOutsideNotEachOnce) {
+  EXPECT_EQ(WordsOf(*ParseQuery("b a NEAR/2 (c OR b) -d \"a e\"")), (Words{"b", "a", "c", "e"}));
+}
+
+TEST(ClausesTest, WordsThatStandForOthersAreNotAmongThem) {
+  EXPECT_EQ(WordsOf(*ParseQuery("a* b~ c")), Words{"c"});
+  EXPECT_EQ(WordsOf(*ParseQuery("wing flow*", DefaultOperator::kOr)), Words{"wing"});
+}
+
+}  // namespace
+}  // namespace kestan::search
