@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Runs the tests under valgrind. A test fails that reads or writes outside its memory, uses what was
-# never set, or leaves bytes behind. Takes an hour or two.
+# Runs the tests under valgrind. A test fails if it reads or writes outside its memory, uses a value that
+# was never set, or leaks memory. Takes an hour or two.
 #
-#   scripts/memcheck.sh [CTEST ARGUMENT...]        -R '^query/' runs one room
+#   scripts/memcheck.sh [CTEST ARGUMENT...]        -R '^query/' runs one program
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-dependencies.sh
@@ -14,9 +14,8 @@ valgrind+=";--suppressions=$PWD/scripts/memcheck.supp"
 build=$PWD/build/memcheck
 cmake --preset release -B "$build" -DCMAKE_CROSSCOMPILING_EMULATOR="$valgrind" >/dev/null
 cmake --build "$build"
-# The properties try a tenth of their usual cases, and fewer calls fail, processes are killed and files
-# damaged: valgrind is that much slower. The tests of failing allocations put themselves in the place of
-# malloc, where valgrind is already.
+# valgrind is slow: properties try a tenth of their usual cases, and fewer calls fail, processes are killed
+# and files are damaged. The tests of failing allocations replace malloc, as valgrind itself does.
 export RC_PARAMS=max_success=10
 export KESTAN_FAULTS_STRIDE=20 KESTAN_KILL_TRIALS=20 KESTAN_HOSTILE_STRIDE=20 KESTAN_CHILD_SECONDS=60
 export KESTAN_CHILD_SPARE_KIB=100000

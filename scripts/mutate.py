@@ -1,20 +1,20 @@
 #!/usr/bin/env python3
-"""Makes small changes to the library, one at a time, and tells how many of them the tests catch.
+"""Makes small changes to the library, one at a time, and counts how many of them the tests catch.
 
     scripts/mutate.py [--count N] [--seed N] [--skip N] [--jobs N] [--quick] [FILE...]
     scripts/mutate.py --planted [PATTERN] [--jobs N]
 
 Each change is made to a copy of the tree in build/mutation/tree: a comparison, an operator, a constant
 or a boolean becomes another one, or a statement is dropped. --skip leaves out the first N, to go on
-with a run that was ended. The tests of the changed file's room run first, then the others; with
---quick, all but those that make things fail. A change that does not compile is not counted. One that
-no test catches is printed; scripts/mutation_survivors.txt says of such changes why they make no
-difference. Ends with status 1 if less than 95% of those are caught that make one. A change takes from
-seconds to two minutes.
+with a run that was ended. The tests of the changed file's directory run first, then the others; --quick
+leaves out those that make calls fail or damage files. A change that does not compile is not counted. A
+change that no test catches is printed; scripts/mutation_survivors.txt lists those that make no difference,
+with the reason. Ends with status 1 if less than 95% of the others are caught. A change takes from seconds
+to two minutes.
 
 With --planted it makes the mistakes of scripts/planted_mistakes.txt instead, all or those whose file or
-sentence matches, and runs for each the tests that are named there. Ends with status 1 unless every
-one is caught. A mistake takes some seconds.
+sentence matches, and runs for each the tests named there. Ends with status 1 unless every one is
+caught. A mistake takes some seconds.
 """
 
 import argparse
@@ -31,7 +31,7 @@ ROOT = tree.ROOT
 WANTED = 0.95
 SECONDS_FOR_TESTS = 300
 SLOW = r"\w*faults|hostile|fuzz"
-TESTS_OF_ROOM = {"maintenance": "maintenance|repair"}  # of the others, those of their name
+TESTS_OF_DIRECTORY = {"maintenance": "maintenance|repair"}  # the others: those of its name
 
 # What becomes what, where the code has blanks around operators.
 SWAPS = [(" < ", " <= "), (" <= ", " < "), (" > ", " >= "), (" >= ", " > "), (" == ", " != "),
@@ -88,8 +88,8 @@ def choose(files, count, seed):
     return chosen
 
 
-def tests_pass(room, jobs, quick):
-    own = TESTS_OF_ROOM.get(room, room)
+def tests_pass(directory, jobs, quick):
+    own = TESTS_OF_DIRECTORY.get(directory, directory)
     left_out = f"^(docs|install|{own}|{SLOW})/"
 
     def pass_each(*chosen):
@@ -113,8 +113,8 @@ def judge(change, jobs, quick):
     with tree.changed(name, "\n".join(lines) + "\n"):
         if not tree.build(jobs):
             return "does not compile"
-        room = name.relative_to("kestan").parts[0]
-        return "survived" if tests_pass(room, jobs, quick) else "caught"
+        directory = name.relative_to("kestan").parts[0]
+        return "survived" if tests_pass(directory, jobs, quick) else "caught"
 
 
 def read_reasons():

@@ -13,7 +13,8 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 WORK = ROOT / "build" / "mutation"
 TREE = WORK / "tree"
 BUILD = WORK / "build"
-PARTS = ["CMakeLists.txt", "cli", "cmake", "docs", "examples", "fuzz", "kestan", "packaging", "tests"]
+PARTS = ["CMakeLists.txt", "cli", "cmake", "docs", "examples", "fuzz", "kestan", "packaging",
+         "search", "tests"]
 SECONDS_TO_BUILD = 1800
 
 
