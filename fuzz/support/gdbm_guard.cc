@@ -9,9 +9,11 @@
 #include <array>
 #include <csetjmp>
 #include <csignal>
-#include <cstring>
+#include <functional>
+#include <string_view>
 
 #include "fuzz/support/reporting.h"
+#include "fuzz/support/small_cache.h"
 
 // Of the leak sanitizer's runtime; null without one.
 // NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
@@ -22,13 +24,13 @@ extern "C" void __lsan_enable() __attribute__((weak));
 namespace kestan_fuzz {
 namespace {
 
-constexpr unsigned kMostSteps = 2000;  // of one walk; no file here has room for so many keys
+constexpr unsigned kMostSteps = 2000;  // of one walk: no file here holds so many keys
 
 constexpr rlim_t kMostFileBytes = 1u << 20;  // a damaged header may speak of terabytes
 
 std::set<std::string> faults;
 unsigned fault_count = 0;
-std::set<GDBM_FILE> broken;  // no call may reach these again
+std::set<GDBM_FILE> broken;  // gdbm gets no more calls for these
 unsigned steps = 0;
 
 sigjmp_buf before_call;
@@ -42,7 +44,7 @@ struct Handled {
 std::array<Handled, 3> handled = {
     {{SIGSEGV, "SIGSEGV", {}}, {SIGBUS, "SIGBUS", {}}, {SIGFPE, "SIGFPE", {}}}};
 
-// A signal that is not gdbm's is raised again under the handler that was there before.
+// A signal from elsewhere is raised again and reaches the handler that was there before.
 void Handle(int signal, siginfo_t*, void*) {
   if (is_inside != 0) siglongjmp(before_call, signal);
   for (const Handled& each : handled) {
@@ -58,7 +60,7 @@ void InstallHandlers() {
   std::signal(SIGXFSZ, SIG_IGN);  // the write that passes the limit then fails
 }
 
-// Of the limit only the part that may be raised again is set.
+// Sets the soft limit only: that one can be raised again.
 bool LimitFiles(rlim_t bytes) {
   rlimit limit{};
   if (getrlimit(RLIMIT_FSIZE, &limit) != 0) return false;
@@ -86,7 +88,7 @@ bool IsBroken(GDBM_FILE file) {
   return true;
 }
 
-// What gdbm has allocated when it fails is lost, and is no leak of ours.
+// gdbm loses what it had allocated when it fails. That is not a leak of ours.
 void Enter() {
   if (__lsan_disable != nullptr) __lsan_disable();
   is_inside = 1;
@@ -97,28 +99,60 @@ void Leave() {
   if (__lsan_enable != nullptr) __lsan_enable();
 }
 
-// Makes `call`; where it raises a signal, notes that and returns `failed`. Nothing with a
-// destructor may live in `call`.
-template <typename Result, typename Call>
-Result Guard(const char* function, GDBM_FILE file, Result failed, Call call) {
-  if (IsBroken(file)) return failed;
-  const int signal = sigsetjmp(before_call, 1);
-  if (signal != 0) {
-    Leave();
-    NoteFault(NameOf(signal) + " in " + function, file);
-    return failed;
-  }
-  Enter();
-  const Result result = call();
-  Leave();
-  return result;
-}
-
 bool HasWalkedTooFar(GDBM_FILE file) {
   if (++steps <= kMostSteps) return false;
   NoteFault("a walk without an end in gdbm_nextkey", file);
   return true;
 }
+
+class GuardedGdbm : public SmallCacheGdbm {
+ public:
+  // Makes `call`. A signal that it raises becomes a fault, and the call fails. Nothing with a
+  // destructor may live in `call`.
+  bool Make(const kestan_tests::GdbmRequest& request, const std::function<void()>& call) override {
+    const std::string_view function = request.function;
+    if (function == "firstkey") steps = 0;
+    if (function == "nextkey" && HasWalkedTooFar(request.file)) return false;
+    if (function == "close") return Close(request, call);
+    return MakeGuarded(request, call);
+  }
+
+  // After a fault, closes the descriptor that gdbm had opened: the lowest that was free.
+  GDBM_FILE Open(const kestan_tests::GdbmOpening& opening,
+                 const std::function<GDBM_FILE()>& open_file) override {
+    const int next = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    close(next);
+    const unsigned count_before = fault_count;
+    GDBM_FILE file = SmallCacheGdbm::Open(opening, open_file);
+    if (fault_count != count_before) close(next);
+    broken.erase(file);  // the address may have been that of an earlier file
+    return file;
+  }
+
+ private:
+  static bool MakeGuarded(const kestan_tests::GdbmRequest& request,
+                          const std::function<void()>& call) {
+    if (IsBroken(request.file)) return false;
+    const int signal = sigsetjmp(before_call, 1);
+    if (signal != 0) {
+      Leave();
+      NoteFault(NameOf(signal) + " in gdbm_" + request.function, request.file);
+      return false;
+    }
+    Enter();
+    call();
+    Leave();
+    return true;
+  }
+
+  // A broken file keeps its memory; only its descriptor is closed.
+  static bool Close(const kestan_tests::GdbmRequest& request, const std::function<void()>& call) {
+    const int descriptor = gdbm_fdesc(request.file);
+    const bool closed = MakeGuarded(request, call);
+    if (broken.count(request.file) != 0) close(descriptor);
+    return closed;
+  }
+};
 
 }  // namespace
 
@@ -137,91 +171,7 @@ const std::set<std::string>& GdbmFaults() { return faults; }
 
 }  // namespace kestan_fuzz
 
-// The linker leads every call of gdbm_NAME to __wrap_gdbm_NAME, and __real_gdbm_NAME to gdbm_NAME.
-// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
-extern "C" {
-
-using FatalCallback = void (*)(const char*);
-
-GDBM_FILE __real_gdbm_open(const char*, int, int, int, FatalCallback);
-int __real_gdbm_close(GDBM_FILE);
-int __real_gdbm_store(GDBM_FILE, datum, datum, int);
-datum __real_gdbm_fetch(GDBM_FILE, datum);
-int __real_gdbm_delete(GDBM_FILE, datum);
-datum __real_gdbm_firstkey(GDBM_FILE);
-datum __real_gdbm_nextkey(GDBM_FILE, datum);
-int __real_gdbm_sync(GDBM_FILE);
-int __real_gdbm_reorganize(GDBM_FILE);
-int __real_gdbm_setopt(GDBM_FILE, int, void*, int);
-
-// After a fault the descriptor that gdbm had opened, the lowest free one, is closed for it.
-GDBM_FILE __wrap_gdbm_open(const char* path, int block_bytes, int flags, int mode,
-                           FatalCallback fatal) {
-  const int next = open("/dev/null", O_RDONLY | O_CLOEXEC);
-  close(next);
-  const unsigned faults = kestan_fuzz::fault_count;
-  auto* const file = kestan_fuzz::Guard<GDBM_FILE>("gdbm_open", nullptr, nullptr, [=] {
-    return __real_gdbm_open(path, block_bytes, flags, mode, fatal);
-  });
-  if (kestan_fuzz::fault_count != faults) close(next);
-  kestan_fuzz::broken.erase(file);  // the address may have been that of an earlier file
-  return file;
+kestan_tests::GdbmInterposer& kestan_tests::ProgramsInterposer() {
+  static kestan_fuzz::GuardedGdbm gdbm;
+  return gdbm;
 }
-
-// A table for 65536 buckets, which the library asks for, costs more here than all the rest.
-int __wrap_gdbm_setopt(GDBM_FILE file, int option, void* value, int size) {
-  std::size_t buckets = 64;
-  if (option == GDBM_SETCACHESIZE) {
-    value = &buckets;
-    size = sizeof buckets;
-  }
-  return kestan_fuzz::Guard("gdbm_setopt", file, -1,
-                            [=] { return __real_gdbm_setopt(file, option, value, size); });
-}
-
-// What is broken is left in memory; only its descriptor is given back.
-int __wrap_gdbm_close(GDBM_FILE file) {
-  const int descriptor = gdbm_fdesc(file);
-  const int error =
-      kestan_fuzz::Guard("gdbm_close", file, -1, [=] { return __real_gdbm_close(file); });
-  if (kestan_fuzz::broken.count(file) != 0) close(descriptor);
-  return error;
-}
-
-int __wrap_gdbm_store(GDBM_FILE file, datum key, datum value, int flag) {
-  return kestan_fuzz::Guard("gdbm_store", file, -1,
-                            [=] { return __real_gdbm_store(file, key, value, flag); });
-}
-
-datum __wrap_gdbm_fetch(GDBM_FILE file, datum key) {
-  return kestan_fuzz::Guard("gdbm_fetch", file, datum{nullptr, 0},
-                            [=] { return __real_gdbm_fetch(file, key); });
-}
-
-int __wrap_gdbm_delete(GDBM_FILE file, datum key) {
-  return kestan_fuzz::Guard("gdbm_delete", file, -1, [=] { return __real_gdbm_delete(file, key); });
-}
-
-datum __wrap_gdbm_firstkey(GDBM_FILE file) {
-  kestan_fuzz::steps = 0;
-  return kestan_fuzz::Guard("gdbm_firstkey", file, datum{nullptr, 0},
-                            [=] { return __real_gdbm_firstkey(file); });
-}
-
-datum __wrap_gdbm_nextkey(GDBM_FILE file, datum key) {
-  if (kestan_fuzz::HasWalkedTooFar(file)) return {nullptr, 0};
-  return kestan_fuzz::Guard("gdbm_nextkey", file, datum{nullptr, 0},
-                            [=] { return __real_gdbm_nextkey(file, key); });
-}
-
-int __wrap_gdbm_sync(GDBM_FILE file) {
-  return kestan_fuzz::Guard("gdbm_sync", file, -1, [=] { return __real_gdbm_sync(file); });
-}
-
-int __wrap_gdbm_reorganize(GDBM_FILE file) {
-  return kestan_fuzz::Guard("gdbm_reorganize", file, -1,
-                            [=] { return __real_gdbm_reorganize(file); });
-}
-
-}  // extern "C"
-// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)

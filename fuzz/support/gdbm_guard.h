@@ -1,9 +1,8 @@
-// A guard around gdbm for files that hold anything.
+// Guards a target against gdbm's own faults in files that hold any bytes.
 //
-// gdbm reads a damaged file with less care than we do: it may follow an offset out of its memory,
-// lead a walk in a circle, or make the file as long as the damage says. Such a fault is gdbm's. The
-// guard turns it into what a call of gdbm may well answer, an error; so what is tested is how our
-// code goes on from there.
+// In a damaged file gdbm may follow an offset out of its memory, walk in a cycle, or make the file
+// as long as the damage says. The guard turns such a fault into an error of the call, which gdbm
+// may return at any time. So the target tests how our code goes on after it.
 #ifndef KESTAN_FUZZ_SUPPORT_GDBM_GUARD_H_
 #define KESTAN_FUZZ_SUPPORT_GDBM_GUARD_H_
 
@@ -12,10 +11,10 @@
 
 namespace kestan_fuzz {
 
-// Begins a new execution. Its faults are counted anew, and no file can grow past 1 MiB.
+// Begins a new execution: forgets the faults of the last one, and lets no file grow past 1 MiB.
 void StartGuarding();
 
-// Ends it: files can grow again.
+// Ends the execution: files can grow again.
 void StopGuarding();
 
 // The calls in which gdbm failed in the last execution, as "SIGSEGV in gdbm_fetch".

@@ -1,5 +1,4 @@
-// Which function of gdbm a process is in, seen from another process. hostile_tests is linked so
-// that every call of gdbm, by the library or a test, is noted.
+// Shows one process which gdbm function another process is in.
 #ifndef KESTAN_TESTS_HOSTILE_GDBM_ACTIVITY_H_
 #define KESTAN_TESTS_HOSTILE_GDBM_ACTIVITY_H_
 
@@ -7,10 +6,10 @@
 
 namespace kestan_hostile {
 
-// Forgets what was noted. To be called before a child process is made.
+// Call it before starting a child process.
 void ForgetGdbmActivity();
 
-// Returns the function that gdbm was in when the last child process ended, as "store" for
+// Returns the gdbm function that the last child process was in when it ended, as "store" for
 // gdbm_store; empty if it was in none.
 std::string GdbmActivity();
 

@@ -12,7 +12,7 @@ namespace {
 
 GdbmWatch* watch = nullptr;
 
-// Files that were opened before the watch began are called by their names too.
+// The names of files, also of those that were opened before the watch began.
 std::map<GDBM_FILE, std::string>& OpenFiles() {
   static std::map<GDBM_FILE, std::string> files;
   return files;
@@ -27,25 +27,49 @@ datum StartOf(datum value) {
   return {value.dptr, std::min(value.dsize, static_cast<int>(kNotedBytes))};
 }
 
-// Notes a call, and sets gdbm's error number if it has to fail.
-bool MustFail(const char* function, GDBM_FILE file, datum key = {}, datum value = {}) {
-  if (watch == nullptr) return false;
-  const auto error = watch->Note({function, OpenFiles()[file], Text(key), Text(StartOf(value))});
-  if (error) gdbm_errno = *error;
-  return error.has_value();
-}
-
-// Options are set as the store likes: they are no part of what a test sees happen to the file.
-bool MustFailOption(GDBM_FILE file) {
-  if (watch == nullptr) return false;
-  const auto error = watch->NoteOption({"setopt", OpenFiles()[file], "", ""});
-  if (error) gdbm_errno = *error;
-  return error.has_value();
-}
-
 std::size_t InflatedBytes(datum key) {
   return watch != nullptr ? watch->InflatedBytes(Text(key)) : 0;
 }
+
+// Records a call and decides whether it has to fail. The library sets options as it likes, which
+// changes nothing that a test sees happen to the file.
+std::optional<int> Note(const GdbmRequest& request) {
+  if (watch == nullptr) return std::nullopt;
+  GdbmCall call{request.function, OpenFiles()[request.file], Text(request.key),
+                Text(StartOf(request.value))};
+  return call.function == "setopt" ? watch->NoteOption(std::move(call))
+                                   : watch->Note(std::move(call));
+}
+
+class WatchedGdbm : public GdbmInterposer {
+ public:
+  bool Make(const GdbmRequest& request, const std::function<void()>& call) override {
+    const auto error = Note(request);
+    const bool closes = std::string_view(request.function) == "close";
+    if (closes) OpenFiles().erase(request.file);
+    if (!error || closes) call();  // a close that fails closes the file all the same
+    if (error) gdbm_errno = *error;
+    return !error;
+  }
+
+  GDBM_FILE Open(const GdbmOpening& opening, const std::function<GDBM_FILE()>& open) override {
+    if (watch != nullptr) {
+      if (const auto error = watch->Note(opening)) {
+        gdbm_errno = *error;
+        return nullptr;
+      }
+    }
+    GDBM_FILE file = open();
+    if (file != nullptr) OpenFiles()[file] = opening.file;
+    return file;
+  }
+
+  datum Fetched(datum key, datum found) override {
+    const std::size_t bytes = InflatedBytes(key);
+    if (bytes == 0) return found;
+    return {static_cast<char*>(std::realloc(found.dptr, bytes)), static_cast<int>(bytes)};
+  }
+};
 
 }  // namespace
 
@@ -98,94 +122,11 @@ std::optional<int> GdbmWatch::Decide(const GdbmCall& call) {
   return error;
 }
 
+GdbmInterposer& ProgramsInterposer() {
+  static WatchedGdbm gdbm;
+  return gdbm;
+}
+
 std::size_t CountOpenFiles() { return OpenFiles().size(); }
 
 }  // namespace kestan_tests
-
-// The linker leads every call of gdbm_NAME to __wrap_gdbm_NAME, and __real_gdbm_NAME to gdbm_NAME.
-// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming)
-extern "C" {
-
-using FatalCallback = void (*)(const char*);
-
-GDBM_FILE __real_gdbm_open(const char*, int, int, int, FatalCallback);
-int __real_gdbm_close(GDBM_FILE);
-int __real_gdbm_store(GDBM_FILE, datum, datum, int);
-datum __real_gdbm_fetch(GDBM_FILE, datum);
-int __real_gdbm_delete(GDBM_FILE, datum);
-datum __real_gdbm_firstkey(GDBM_FILE);
-datum __real_gdbm_nextkey(GDBM_FILE, datum);
-int __real_gdbm_sync(GDBM_FILE);
-int __real_gdbm_reorganize(GDBM_FILE);
-int __real_gdbm_setopt(GDBM_FILE, int, void*, int);
-
-GDBM_FILE __wrap_gdbm_open(const char* path, int block_bytes, int flags, int mode,
-                           FatalCallback fatal) {
-  if (kestan_tests::watch != nullptr) {
-    const auto error =
-        kestan_tests::watch->Note({path, block_bytes, flags, mode, fatal != nullptr});
-    if (error) {
-      gdbm_errno = *error;
-      return nullptr;
-    }
-  }
-  GDBM_FILE file = __real_gdbm_open(path, block_bytes, flags, mode, fatal);
-  if (file != nullptr) kestan_tests::OpenFiles()[file] = path;
-  return file;
-}
-
-int __wrap_gdbm_close(GDBM_FILE file) {
-  const bool fails = kestan_tests::MustFail("close", file);  // it is closed all the same
-  const int error = gdbm_errno;
-  kestan_tests::OpenFiles().erase(file);
-  const int result = __real_gdbm_close(file);
-  if (!fails) return result;
-  gdbm_errno = error;
-  return -1;
-}
-
-int __wrap_gdbm_store(GDBM_FILE file, datum key, datum value, int flag) {
-  if (kestan_tests::MustFail("store", file, key, value)) return -1;
-  return __real_gdbm_store(file, key, value, flag);
-}
-
-datum __wrap_gdbm_fetch(GDBM_FILE file, datum key) {
-  if (kestan_tests::MustFail("fetch", file, key)) return {};
-  datum found = __real_gdbm_fetch(file, key);
-  const std::size_t bytes = kestan_tests::InflatedBytes(key);
-  if (found.dptr == nullptr || bytes == 0) return found;
-  return {static_cast<char*>(std::realloc(found.dptr, bytes)), static_cast<int>(bytes)};
-}
-
-int __wrap_gdbm_delete(GDBM_FILE file, datum key) {
-  if (kestan_tests::MustFail("delete", file, key)) return -1;
-  return __real_gdbm_delete(file, key);
-}
-
-datum __wrap_gdbm_firstkey(GDBM_FILE file) {
-  if (kestan_tests::MustFail("firstkey", file)) return {};
-  return __real_gdbm_firstkey(file);
-}
-
-datum __wrap_gdbm_nextkey(GDBM_FILE file, datum key) {
-  if (kestan_tests::MustFail("nextkey", file, key)) return {};
-  return __real_gdbm_nextkey(file, key);
-}
-
-int __wrap_gdbm_sync(GDBM_FILE file) {
-  if (kestan_tests::MustFail("sync", file)) return -1;
-  return __real_gdbm_sync(file);
-}
-
-int __wrap_gdbm_reorganize(GDBM_FILE file) {
-  if (kestan_tests::MustFail("reorganize", file)) return -1;
-  return __real_gdbm_reorganize(file);
-}
-
-int __wrap_gdbm_setopt(GDBM_FILE file, int option, void* value, int size) {
-  if (kestan_tests::MustFailOption(file)) return -1;
-  return __real_gdbm_setopt(file, option, value, size);
-}
-
-}  // extern "C"
-// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
