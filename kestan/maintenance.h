@@ -5,6 +5,7 @@
 #include <kestan/maintenance/check.h>       // IWYU pragma: export
 #include <kestan/maintenance/documents.h>   // IWYU pragma: export
 #include <kestan/maintenance/dump.h>        // IWYU pragma: export
+#include <kestan/maintenance/findings.h>    // IWYU pragma: export
 #include <kestan/maintenance/lines.h>       // IWYU pragma: export
 #include <kestan/maintenance/repair.h>      // IWYU pragma: export
 #include <kestan/maintenance/statistics.h>  // IWYU pragma: export

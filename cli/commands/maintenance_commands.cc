@@ -54,13 +54,49 @@ int RunCheck(Kestan&, const Values& values) {
 
 // ---- repair ----
 
-// `line` is the last that the library said: a path and the reason.
-CommandError CannotRepair(const std::string& damaged, const std::string& target,
-                          const std::string& part, const std::string& line) {
-  const std::string reason = line.substr(line.rfind(": ") + 2);
-  if (line.compare(0, part.size(), part) == 0) return CannotMake(target, reason);
-  return CommandError("cannot repair " + Quoted(damaged) + ": " + reason);
-}
+// Takes the findings of a repair: prints or collects their lines, and keeps why there is no new
+// index.
+class RepairFindings {
+ public:
+  explicit RepairFindings(const Values& values)
+      : as_json_(values.Has("--json")),
+        is_quiet_(values.Has("--quiet")),
+        with_saved_(values.Has("--all")) {}
+
+  void Take(const kestan::Finding& finding) {
+    using Kind = kestan::FindingKind;
+    if (finding.kind == Kind::kCannotRead || finding.kind == Kind::kCannotWrite) {
+      is_new_file_ = finding.kind == Kind::kCannotWrite;
+      reason_ = finding.text;
+    }
+    if (finding.kind == Kind::kSaved && !with_saved_) return;
+    if (!as_json_ && is_quiet_) return;
+    kestan::ReportAsLine(finding, [this](std::string_view line) {
+      if (as_json_) {
+        lines_.push_back(std::string(line));
+      } else {
+        printer_.Take(line);
+      }
+    });
+  }
+
+  CommandError Failure(const std::string& damaged, const std::string& target) const {
+    if (is_new_file_) return CannotMake(target, reason_);
+    return CommandError("cannot repair " + Quoted(damaged) + ": " + reason_);
+  }
+
+  void Finish() { printer_.Finish(); }
+  const Json& lines() const { return lines_; }
+
+ private:
+  const bool as_json_;
+  const bool is_quiet_;
+  const bool with_saved_;
+  LinePrinter printer_;
+  Json lines_ = Json::array();
+  bool is_new_file_ = false;  // that the reason is about
+  std::string reason_;
+};
 
 std::string Summary(const kestan::RepairResult& result) {
   return "saved " + Counted(result.saved, "document") + ", " +
@@ -83,28 +119,23 @@ Json JsonOf(const kestan::RepairResult& result, Json lines) {
 
 int RunRepair(Kestan&, const Values& values) {
   const std::string damaged = values.Text("DAMAGED");
-  Json lines = Json::array();
-  std::string last;
-  LinePrinter printer;
-  const bool as_json = values.Has("--json");
-  const auto report = [&](std::string_view line) {
-    last = line;
-    const bool is_good_news = line.substr(0, 7) == "saved: ";
-    if (is_good_news && !values.Has("--all")) return;
-    if (as_json) lines.push_back(std::string(line));
-    if (!as_json && !values.Has("--quiet")) printer.Take(line);
-  };
   const std::string target = values.Text("NEW");
+  RepairFindings findings(values);
+  const auto report = [&](const kestan::Finding& finding) { findings.Take(finding); };
   kestan::RepairResult result;
   CheckFile(damaged);
   MakeWhole(target, damaged, [&](const std::string& part) {
     const CapturedStderr lines_of_store;
-    if (kestan::RepairIndex(damaged.c_str(), part.c_str(), report, &result) == 0) return;
-    throw CannotRepair(damaged, target, part, last);
+    const int error =
+        kestan::RepairIndexWithFindings(damaged.c_str(), part.c_str(), report, &result);
+    if (error != 0) throw findings.Failure(damaged, target);
   });
-  printer.Finish();
-  if (as_json) Print(JsonLine(JsonOf(result, lines)));
-  if (!as_json && !values.Has("--quiet")) Print(Summary(result));
+  findings.Finish();
+  if (values.Has("--json")) {
+    Print(JsonLine(JsonOf(result, findings.lines())));
+  } else if (!values.Has("--quiet")) {
+    Print(Summary(result));
+  }
   return result.words_missing + result.half_written + result.lost == 0 ? kDone : kNoHits;
 }
 
@@ -122,7 +153,7 @@ int RunDump(Kestan&, const Values& values) {
   return kDone;
 }
 
-// The lines of a dump. Of one that is too long for a dump it gives as much as shows that.
+// Gives the lines of a dump. Of a line that is too long, it gives one byte more than is allowed.
 class DumpLines {
  public:
   explicit DumpLines(std::istream& input) : input_(input) {}
@@ -138,11 +169,11 @@ class DumpLines {
 
  private:
   std::istream& input_;
-  // Room for the longest line, for one byte more, and for the NUL that the stream puts behind.
+  // Space for the longest line, one byte more, and the NUL that the stream puts after it.
   std::vector<char> text_ = std::vector<char>(kestan::kMaxDumpLineBytes + 2);
 };
 
-// Fills the new file at `part`, which is to become `path`, from the dump that `input` holds.
+// Fills the new file at `part`, which will become `path`, from the dump in `input`.
 void Load(std::istream& input, const std::string& part, const std::string& path,
           const std::string& shown) {
   const CapturedStderr lines_of_store;

@@ -3,6 +3,7 @@
 #define KESTAN_MAINTENANCE_CHECK_H_
 
 #include <kestan/export.h>
+#include <kestan/maintenance/findings.h>
 #include <kestan/maintenance/lines.h>
 #include <kestan/storage/database.h>
 
@@ -37,6 +38,9 @@ struct CheckResult {
 //            over its buckets for each.
 KESTAN_EXPORT CheckResult CheckIndex(Database& store, const TakeLine& report);
 
+// The same, with findings as values.
+KESTAN_EXPORT CheckResult CheckIndexWithFindings(Database& store, const TakeFinding& report);
+
 // Looks whether a change may trust the file of `store`: whether every record that a walk shows is
 // found by its key, and whether header, directory, buckets, records and free space share no byte. A
 // damaged element of a bucket leaves a record that First() and Next() show and Get() does not find,
@@ -50,6 +54,10 @@ KESTAN_EXPORT CheckResult CheckIndex(Database& store, const TakeLine& report);
 //            what lies in it: some 40 ms for 13,000 words and 31,000 documents. Takes memory as
 //            CheckIndex() does for that.
 KESTAN_EXPORT std::int64_t CheckStructure(const Database& store, const TakeLine& report);
+
+// The same, with findings as values.
+KESTAN_EXPORT std::int64_t CheckStructureWithFindings(const Database& store,
+                                                      const TakeFinding& report);
 
 }  // namespace kestan
 

@@ -3,13 +3,14 @@
 #define KESTAN_MAINTENANCE_REPAIR_H_
 
 #include <kestan/export.h>
-#include <kestan/maintenance/check.h>
+#include <kestan/maintenance/findings.h>
+#include <kestan/maintenance/lines.h>
 
 #include <cstdint>
 
 namespace kestan {
 
-// What became of the documents. Each is counted once.
+// How much of the index was saved. Each document is counted once.
 struct RepairResult {
   std::uint64_t saved = 0;          // nothing of it is seen to be missing
   std::uint64_t words_missing = 0;  // listed, but positions of its text have no word
@@ -22,17 +23,17 @@ struct RepairResult {
 
 // Builds a new index at `new_path` from every record that can be read from the file at
 // `damaged_path`, which is only read, without gdbm and without its lock: no host should be writing
-// it. What contradicts itself is dropped, nothing else; what one record says of another restores
-// it:
+// it. Only records that contradict others are dropped. Records that are lost or damaged are
+// restored from what others say of them:
 //
 // - Document and name records are restored from each other. A restored document record has the
-//   time 0, which makes hosts that compare times index the document anew. Where two documents claim
-//   one code, the code's name record decides.
-// - Posting records keep their whole entries. Codes that only postings hold become removed codes,
-//   so that a shrink purges them before they are used again; codes that nothing holds, reusable.
+//   time 0, which makes hosts that compare times index the document again. Where two documents have
+//   the same code, the code's name record decides.
+// - Posting records keep their whole postings. Codes that only postings have become removed codes,
+//   so that a shrink purges them before they are used again; codes that no record has, reusable.
 // - A record such as that of "d-day" is a word's if it has the shape of postings and no name record
-//   names a document "day". Word lists that make no sense keep their words, cut to what is there.
-// - Lost option flags are taken from the look of the posting records.
+//   names a document "day". Damaged word lists keep their words, cut to what is there.
+// - Lost option flags are inferred from the shapes of the posting records.
 //
 // Hands lines to `report`, which may be empty:
 //
@@ -43,9 +44,9 @@ struct RepairResult {
 //   note: what else was restored or dropped
 //
 // with names spelled as CheckIndex spells keys. A document counts as half-written if it has no
-// words at all; or if words are missing and the file is sound, or its code shows that it was added
-// after the last flush. Words at the end of a text, and words whose form in small letters is there,
-// can be missing unseen.
+// words at all; or if words are missing and the file is valid, or its code shows that it was added
+// after the last flush. Missing words go unnoticed at the end of a text, and where the lower-case
+// form of the word is there.
 //   Returns  0, and what was found in `*result` (never null); or -1, with the reason as the last
 //            line and no new file: `damaged_path` cannot be read or holds no record, there is
 //            something at `new_path`, or it cannot be written.
@@ -53,6 +54,10 @@ struct RepairResult {
 //            each of its records, and several times its largest posting record.
 KESTAN_EXPORT int RepairIndex(const char* damaged_path, const char* new_path,
                               const TakeLine& report, RepairResult* result);
+
+// The same, with findings as values.
+KESTAN_EXPORT int RepairIndexWithFindings(const char* damaged_path, const char* new_path,
+                                          const TakeFinding& report, RepairResult* result);
 
 }  // namespace kestan
 

@@ -40,14 +40,14 @@ void CheckLayout(const Database& store, Findings* findings) {
 
 }  // namespace
 
-std::int64_t CheckStructure(const Database& store, const TakeLine& report) {
+std::int64_t CheckStructureWithFindings(const Database& store, const TakeFinding& report) {
   if (store.FileBytes() == -1) return -1;
   Findings findings(report);
   CheckLayout(store, &findings);
   return static_cast<std::int64_t>(findings.faults());
 }
 
-CheckResult CheckIndex(Database& store, const TakeLine& report) {
+CheckResult CheckIndexWithFindings(Database& store, const TakeFinding& report) {
   if (store.Flush() == -1) return {0, 0, -1};
   Findings findings(report);
   CheckLayout(store, &findings);
@@ -68,6 +68,14 @@ CheckResult CheckIndex(Database& store, const TakeLine& report) {
   const int walk_error = tables.walk_error != 0 ? tables.walk_error : record.walk_error();
   const int error = CheckFile(store, walk_error, &findings);
   return {findings.faults(), findings.notes(), error};
+}
+
+CheckResult CheckIndex(Database& store, const TakeLine& report) {
+  return CheckIndexWithFindings(store, AsLines(report));
+}
+
+std::int64_t CheckStructure(const Database& store, const TakeLine& report) {
+  return CheckStructureWithFindings(store, AsLines(report));
 }
 
 }  // namespace kestan

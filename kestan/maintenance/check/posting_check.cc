@@ -4,7 +4,7 @@
 #include <kestan/maintenance/check/code_check.h>
 #include <kestan/maintenance/check/form_check.h>
 #include <kestan/maintenance/check/posting_check.h>
-#include <kestan/maintenance/repair/word_list_repair.h>
+#include <kestan/maintenance/salvage/word_list_salvage.h>
 
 #include <algorithm>
 #include <limits>

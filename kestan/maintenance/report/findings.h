@@ -1,25 +1,25 @@
-// What a check finds, as lines for the caller.
+// Makes findings, hands them out and counts them.
 #ifndef KESTAN_MAINTENANCE_REPORT_FINDINGS_H_
 #define KESTAN_MAINTENANCE_REPORT_FINDINGS_H_
 
-#include <kestan/maintenance/check.h>
+#include <kestan/maintenance/findings.h>
 #include <kestan/storage/memory.h>
-#include <kestan/text/escape.h>
 
 #include <array>
 #include <charconv>
 #include <cstdint>
+#include <initializer_list>
 #include <string_view>
 
 namespace kestan {
 
-// One part of a line: a text, which it borrows, or a number.
-class LinePart {
+// One part of the text of a finding: a text, which it borrows, or a number.
+class TextPart {
  public:
-  LinePart(const char* text) : text_(text) {}       // NOLINT(google-explicit-constructor)
-  LinePart(std::string_view text) : text_(text) {}  // NOLINT(google-explicit-constructor)
-  LinePart(const String& text) : text_(text) {}     // NOLINT(google-explicit-constructor)
-  LinePart(std::uint64_t number) {                  // NOLINT(google-explicit-constructor)
+  TextPart(const char* text) : text_(text) {}       // NOLINT(google-explicit-constructor)
+  TextPart(std::string_view text) : text_(text) {}  // NOLINT(google-explicit-constructor)
+  TextPart(const String& text) : text_(text) {}     // NOLINT(google-explicit-constructor)
+  TextPart(std::uint64_t number) {                  // NOLINT(google-explicit-constructor)
     char* const end = digits_.data() + digits_.size();
     digit_count_ =
         static_cast<std::size_t>(std::to_chars(digits_.data(), end, number).ptr - digits_.data());
@@ -35,42 +35,44 @@ class LinePart {
   std::size_t digit_count_ = 0;
 };
 
-// Stands for a key in lines about the index as a whole. It holds a blank, so it is no word's key.
-inline constexpr std::string_view kWholeFile = "index file";
+Severity SeverityOf(FindingKind kind);
 
-// Makes the lines, hands them out and counts them.
 class Findings {
  public:
-  // Borrows `take`, which may be empty: then lines are only counted.
-  explicit Findings(const TakeLine& take) : take_(take) {}
+  // Borrows `take`, which may be empty: then findings are only counted.
+  explicit Findings(const TakeFinding& take) : take_(take) {}
 
-  // Report that the record of `key` is at fault, or that something about it is worth a look.
+  // Report what a check says of the record of `key`, or of kWholeFile. The parts together are the
+  // text; those that come from files must be escaped already, but not the key.
   template <typename... Parts>
-  void Fault(std::string_view key, const Parts&... what) {
-    ++faults_;
-    Report({Escaped(key), ": ", what...});
+  void Fault(std::string_view key, const Parts&... text) {
+    Report(FindingKind::kCheckFault, key, text...);
   }
   template <typename... Parts>
-  void Note(std::string_view key, const Parts&... what) {
-    ++notes_;
-    Report({Escaped(key), ": note: ", what...});
+  void Note(std::string_view key, const Parts&... text) {
+    Report(FindingKind::kCheckNote, key, text...);
+  }
+
+  // Reports a finding of any kind.
+  template <typename... Parts>
+  void Report(FindingKind kind, std::string_view key, const Parts&... text) {
+    HandOut(kind, key, {TextPart(text)...});
   }
 
   std::uint64_t faults() const { return faults_; }
   std::uint64_t notes() const { return notes_; }
 
  private:
-  void Report(std::initializer_list<LinePart> parts) {
-    if (!take_) return;
-    String line;
-    for (const LinePart& part : parts) line += part.Text();
-    take_(line);
-  }
+  void HandOut(FindingKind kind, std::string_view key, std::initializer_list<TextPart> parts);
 
-  const TakeLine& take_;
+  const TakeFinding& take_;
   std::uint64_t faults_ = 0;
   std::uint64_t notes_ = 0;
 };
+
+// Returns what makes a line of each finding and hands it to `take`, which must outlive it. Empty if
+// `take` is.
+TakeFinding AsLines(const TakeLine& take);
 
 }  // namespace kestan
 

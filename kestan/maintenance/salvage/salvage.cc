@@ -70,7 +70,7 @@ class SalvageRun {
       if (standing == Standing::kFallback) fallbacks_.push_back({element, found.bits});
     }
     if (!is_believed) return;
-    ++result_.damage_.stray_buckets;
+    ++result_.damage_.orphan_buckets;
     NoteFree(bucket_);
     in_use_.push_back({found.at, found.at + map_.shape().bucket_bytes});
   }

@@ -36,11 +36,11 @@ class Salvage {
 
   // What was found wrong with the file around the records.
   struct Damage {
-    bool header = false;            // it is not that of an index
-    bool directory = false;         // some of it leads nowhere, or to a damaged bucket
-    std::size_t stray_buckets = 0;  // found beside the directory and believed
-    std::size_t old_records = 0;    // that are not current
-    std::size_t cut_records = 0;    // see SalvagedRecord
+    bool header = false;             // it is not that of an index
+    bool directory = false;          // some of it leads nowhere, or to a damaged bucket
+    std::size_t orphan_buckets = 0;  // found beside the directory and believed
+    std::size_t old_records = 0;     // that are not current
+    std::size_t cut_records = 0;     // see SalvagedRecord
     std::uint64_t unreadable_bytes = 0;
 
     bool IsAny() const { return header || directory || cut_records != 0 || unreadable_bytes != 0; }

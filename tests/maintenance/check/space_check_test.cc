@@ -15,7 +15,8 @@ namespace gdbm = kestan::gdbm;
 Lines LinesOfFile(const std::string& bytes, std::size_t most) {
   Lines lines;
   const kestan::TakeLine take = [&](std::string_view line) { lines.emplace(line); };
-  kestan::Findings findings(take);
+  const kestan::TakeFinding take_finding = kestan::AsLines(take);
+  kestan::Findings findings(take_finding);
   const gdbm::Bytes file(bytes);
   kestan::SpaceCheck(file, &findings, most).Run();
   return lines;

@@ -1,0 +1,150 @@
+#include <kestan/format/keys.h>
+#include <kestan/maintenance/repair/classify_records.h>
+
+#include <algorithm>
+
+namespace kestan {
+namespace {
+
+constexpr std::uint32_t kNameKeyBytes = 2 + kUnitBytes;
+
+bool IsName(const DBDatum& key, const DBDatum& value) {
+  return key.size == kNameKeyBytes && BytesOf(value).find('\0') == std::string_view::npos;
+}
+
+// Returns whether a word with a hyphen has positions that option flag 1 left. Nobody can judge
+// such a record.
+bool IsMixed(const DBDatum& key, const DBDatum& value, const PostingRules& rules) {
+  return HasSystemKey(BytesOf(key)) && !rules.with_positions && !LooksLikePostings(value, rules);
+}
+
+RepairAction Classify(const Salvage& salvage, const SalvagedRecord& record,
+                      const PostingRules& rules) {
+  const DBDatum key = AsDatum(salvage.KeyOf(record));
+  const DBDatum value = AsDatum(salvage.ValueOf(record));
+  switch (KindOf(key, &value, rules)) {
+    case RecordKind::kPosting:
+      return IsMixed(key, value, rules) ? RepairAction::kCopy : RepairAction::kPostings;
+    case RecordKind::kName:
+      return IsName(key, value) ? RepairAction::kRewrite : RepairAction::kDrop;
+    case RecordKind::kWordList:
+      return RepairAction::kWordList;
+    case RecordKind::kDocument:
+    case RecordKind::kCounter:
+    case RecordKind::kReusableCodes:
+    case RecordKind::kRemovedCodes:
+    case RecordKind::kOptions:
+      return RepairAction::kRewrite;
+    default:
+      return RepairAction::kCopy;
+  }
+}
+
+// Returns whether the record may be that of a document or that of a word such as "d-day".
+bool MayBeDocumentOrWord(std::string_view key, const SalvagedRecord& record, RepairAction action) {
+  if (!HasSystemKey(key) || !IsOfFamily(key, kDocumentFamily)) return false;
+  return action == RepairAction::kPostings || action == RepairAction::kCopy ||
+         (record.value_bytes == 0 && CanBeWord(key));
+}
+
+Vector<std::string_view> SortedNames(const Salvage& salvage, const RepairActions& actions) {
+  Vector<std::string_view> names;
+  for (std::size_t i = 0; i < actions.size(); ++i) {
+    const SalvagedRecord& record = salvage.records()[i];
+    const bool is_name =
+        actions[i] == RepairAction::kRewrite && IsOfFamily(salvage.KeyOf(record), kNameFamily);
+    if (is_name) names.push_back(salvage.ValueOf(record));
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+void ClassifyUndecided(const Salvage& salvage, const Vector<std::size_t>& undecided,
+                       RepairActions* actions) {
+  if (undecided.empty()) return;
+  const Vector<std::string_view> names = SortedNames(salvage, *actions);
+  for (const std::size_t i : undecided) {
+    const SalvagedRecord& record = salvage.records()[i];
+    const std::string_view name = salvage.KeyOf(record).substr(kDocumentFamily.size());
+    const bool is_named = std::binary_search(names.begin(), names.end(), name);
+    if (is_named) (*actions)[i] = RepairAction::kRewrite;
+    if (!is_named && record.value_bytes == 0) (*actions)[i] = RepairAction::kPostings;
+  }
+}
+
+DocumentCandidate CandidateOf(const Salvage& salvage, const SalvagedRecord& record) {
+  const DBDatum value = AsDatum(salvage.ValueOf(record));
+  const bool is_valid = value.size == kDocumentRecordBytes && UnitAt(value, 3) == 0;
+  const std::string_view name = salvage.KeyOf(record).substr(kDocumentFamily.size());
+  return {name, DocumentTimestamp(value), is_valid ? DocumentCode(value) : Code{0},
+          record.is_current};
+}
+
+bool HasDocument(const Vector<RepairedDocument>& documents, std::string_view name) {
+  const auto found =
+      std::lower_bound(documents.begin(), documents.end(), name,
+                       [](const RepairedDocument& document, std::string_view wanted) {
+                         return document.name < wanted;
+                       });
+  return found != documents.end() && found->name == name;
+}
+
+bool IsKeyOfDocument(std::string_view key, const RepairedDocuments& documents) {
+  if (IsOfFamily(key, kNameFamily)) {
+    return key.size() == kNameKeyBytes && documents.codes[UnitAt(AsDatum(key), 1)];
+  }
+  return IsOfFamily(key, kDocumentFamily) &&
+         HasDocument(documents.documents, key.substr(kDocumentFamily.size()));
+}
+
+}  // namespace
+
+RepairActions ClassifyRecords(const Salvage& salvage, const PostingRules& rules) {
+  RepairActions actions;
+  Vector<std::size_t> undecided;
+  actions.reserve(salvage.records().size());
+  for (const SalvagedRecord& record : salvage.records()) {
+    const RepairAction action = Classify(salvage, record, rules);
+    if (MayBeDocumentOrWord(salvage.KeyOf(record), record, action)) {
+      undecided.push_back(actions.size());
+    }
+    actions.push_back(action);
+  }
+  ClassifyUndecided(salvage, undecided, &actions);
+  return actions;
+}
+
+DocumentCandidates CollectCandidates(const Salvage& salvage, const RepairActions& actions) {
+  DocumentCandidates candidates;
+  for (std::size_t i = 0; i < actions.size(); ++i) {
+    if (actions[i] != RepairAction::kRewrite) continue;
+    const SalvagedRecord& record = salvage.records()[i];
+    const std::string_view key = salvage.KeyOf(record);
+    if (IsOfFamily(key, kDocumentFamily)) {
+      candidates.documents.push_back(CandidateOf(salvage, record));
+    }
+    if (!IsOfFamily(key, kNameFamily) || record.is_cut) continue;
+    const Code code = UnitAt(AsDatum(key), 1);
+    candidates.names.push_back({salvage.ValueOf(record), code, record.is_current});
+  }
+  return candidates;
+}
+
+void DropWordsInTheWay(const Salvage& salvage, const RepairedDocuments& documents,
+                       RepairActions* actions) {
+  for (std::size_t i = 0; i < actions->size(); ++i) {
+    RepairAction& action = (*actions)[i];
+    if (action == RepairAction::kRewrite) continue;
+    const std::string_view key = salvage.KeyOf(salvage.records()[i]);
+    if (IsKeyOfDocument(key, documents)) action = RepairAction::kDrop;
+  }
+}
+
+void FindDamagedWords(const Salvage& salvage, const PostingRules& rules, RepairActions* actions) {
+  for (std::size_t i = 0; i < actions->size(); ++i) {
+    RepairAction& action = (*actions)[i];
+    if (action == RepairAction::kCopy) action = Classify(salvage, salvage.records()[i], rules);
+  }
+}
+
+}  // namespace kestan
