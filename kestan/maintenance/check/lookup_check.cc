@@ -76,7 +76,7 @@ bool LookupCheck::IsFound(const gdbm::DirectoryRun& run, std::uint32_t place) co
   if (entry < run.first || entry >= run.end) return false;
   const std::uint32_t home = hash % shape_.elements;
   const std::uint32_t steps = (place + shape_.elements - home) % shape_.elements;
-  return steps < in_a_row_[place] && file_.IsSound(element);
+  return steps < in_a_row_[place] && file_.IsValid(element);
 }
 
 // Of two elements with the same key, a look-up finds the one that it meets first, and a walk shows

@@ -2,6 +2,7 @@
 #ifndef KESTAN_MAINTENANCE_SALVAGE_BUCKET_MAP_H_
 #define KESTAN_MAINTENANCE_SALVAGE_BUCKET_MAP_H_
 
+#include <kestan/maintenance/salvage/found_bucket.h>
 #include <kestan/maintenance/salvage/gdbm_layout.h>
 #include <kestan/storage/memory.h>
 
@@ -9,22 +10,8 @@
 
 namespace kestan::gdbm {
 
-// Where a bucket lies and which hashes it answers for.
-struct FoundBucket {
-  Offset at = 0;
-  Hash first = 0;  // the hashes from `first` to `last`
-  Hash last = 0;
-  std::uint8_t bits = 0;
-  bool is_reached = false;   // by the directory
-  bool has_head = false;     // see Bucket
-  bool is_empty = false;     // no element is used
-  bool is_intact = false;    // see Bucket
-  bool is_complete = false;  // see Bucket
-  bool is_split = false;     // buckets of its hashes with more bits are known
-};
-
-// Tells how far an element counts.
-enum class Standing : std::uint8_t {
+// How far an element counts.
+enum class Authority : std::uint8_t {
   kCurrent,   // the file says nothing newer about its hash
   kFallback,  // of an older bucket; the newer one lost elements, and this may be one of them
   kStale,     // the newer bucket is whole and does not have it, or has its own
@@ -32,41 +19,44 @@ enum class Standing : std::uint8_t {
 
 // The buckets of one file.
 //
-// The rule by which one of several buckets that cover the same hashes is believed:
+// Of several buckets that cover the same hashes, one is believed:
 //
-// 1. The directory's. Where an entry of it leads to what can be a bucket of just these hashes, no
-//    other bucket counts for them, unless one with more bits is found of which nothing is missing:
-//    then the directory, or its header, is older than the split.
-// 2. Else, the one with more bits. gdbm writes a bucket always to the same place until it splits
-//    it, never joins two, and frees the place of the one that it has split, whose bytes often stay.
-//    So of two buckets one of which covers the hashes of the other, that with fewer bits is the
-//    older, and each bucket with fewer bits than another one within its hashes is a left-over, even
+// 1. The directory's. If an entry of it leads to what can be a bucket of just these hashes, no
+// other
+//    bucket counts for them, unless one with more bits is found of which nothing is missing: then
+//    the directory, or its header, is older than the split.
+// 2. Else, the one with more bits. gdbm always writes a bucket to the same place until it splits
+// it,
+//    never joins two, and frees the place of the one that it has split, whose bytes often stay. So
+//    of two buckets one of which covers the hashes of the other, the one with fewer bits is older.
+//    Each bucket with fewer bits than another one within its hashes is left over from a split, even
 //    for hashes of which no newer bucket can be found.
-// 3. A left-over still counts for what is missing in the newer bucket, or where that is missing:
-//    as a fallback, which its reader must weigh, for the record may have been changed or removed
-//    after the split. An empty bucket that the directory reaches tells nothing of the hashes it
-//    holds, and so yields to strays of as many bits or more. Nor does one without a head prove
-//    the entry of the directory, which may lead into the middle of a bucket: it yields to a stray
-//    that is whole and has just its hashes.
+// 3. A bucket left over from a split still counts for elements that the newer bucket has lost, or
+// if
+//    that is lost: as a fallback, which its reader must weigh, for the record may have been changed
+//    or removed after the split. An empty bucket that the directory reaches says nothing about its
+//    hashes, so it yields to orphans of as many bits or more. A bucket without a head does not
+//    prove the entry of the directory, which may lead into the middle of a bucket: it yields to an
+//    orphan that is whole and has just its hashes.
 //
-// Elements whose bucket's head is lost are fallbacks of fallbacks: nobody knows how old they are.
+// Elements whose bucket has lost its head count last: nobody knows how old they are.
 class BucketMap {
  public:
   // Reads the header and the directory of `file`, which must outlive the map, and looks at every
-  // offset for buckets that they do not lead to.
+  // offset for buckets to which they do not lead.
   explicit BucketMap(const Bytes& file);
 
-  // By ascending hashes.
+  // Returns the buckets that the directory reaches, by ascending hashes.
   const Vector<FoundBucket>& reached() const { return reached_; }
-  // By ascending bits, then hashes.
-  const Vector<FoundBucket>& strays() const { return strays_; }
-  // Elements that belong to no bucket.
-  const Vector<Element>& loose() const { return loose_; }
+  // Returns the others, by ascending bits, then hashes.
+  const Vector<FoundBucket>& orphans() const { return orphans_; }
+  // Returns the elements that belong to no bucket.
+  const Vector<Element>& orphan_elements() const { return orphan_elements_; }
 
-  // Judges an element with `hash` in a bucket of `strays()`.
-  Standing StandingOf(const FoundBucket& stray, Hash hash) const;
-  // Judges one of `loose()`.
-  Standing StandingOfLoose(Hash hash) const;
+  // Judges an element with `hash` in a bucket of `orphans()`.
+  Authority AuthorityOf(const FoundBucket& orphan, Hash hash) const;
+  // Judges one of `orphan_elements()`.
+  Authority AuthorityOfElement(Hash hash) const;
 
   const Shape& shape() const { return shape_; }
   bool has_header() const { return has_header_; }
@@ -76,29 +66,21 @@ class BucketMap {
   bool is_whole() const { return is_whole_; }  // header, directory and every bucket are intact
 
  private:
-  void ReadDirectory(Offset at, unsigned bits);
-  void AddReached(Offset at, std::uint32_t first_entry, std::uint32_t end_entry, unsigned bits);
-  bool PlaceReached(const Bucket& bucket, std::uint32_t first_entry, std::uint32_t end_entry,
-                    unsigned bits, FoundBucket* found) const;
-  void SortReached();
+  void UseDirectory(Offset at, unsigned bits);
+  void UseFoundDirectory();
   bool CoversEverything() const;
 
-  void Scan();
-  void AddAround(Offset place, const Element& element);
-  bool BelongsToLastStray(Offset element) const;
-  void SortStrays();
+  void SortOrphans();
   void DropSplit();
   bool HasIntactPart(const FoundBucket& bucket) const;
   void MarkSplit();
   void MarkAncestors(const FoundBucket& bucket);
-  void SearchDirectory();
-  std::size_t CountEntries(Offset directory, unsigned bits) const;
 
   const FoundBucket* FindReached(Hash hash) const;
-  static bool YieldsTo(const FoundBucket& reached, const FoundBucket& stray);
-  std::size_t FindStray(unsigned bits, Hash prefix) const;
-  const FoundBucket* FindNewerStray(unsigned bits, Hash hash) const;
-  Standing StandingBehind(const FoundBucket& newer, Hash hash) const;
+  static bool YieldsTo(const FoundBucket& reached, const FoundBucket& orphan);
+  std::size_t FindOrphan(unsigned bits, Hash prefix) const;
+  const FoundBucket* FindNewerOrphan(unsigned bits, Hash hash) const;
+  Authority AuthorityBeside(const FoundBucket& newer, Hash hash) const;
 
   const Bytes& file_;
   Shape shape_;
@@ -109,8 +91,8 @@ class BucketMap {
   Offset directory_bytes_ = 0;
   mutable Bucket bucket_;  // memory to read into
   Vector<FoundBucket> reached_;
-  Vector<FoundBucket> strays_;
-  Vector<Element> loose_;
+  Vector<FoundBucket> orphans_;
+  Vector<Element> orphan_elements_;
 };
 
 }  // namespace kestan::gdbm

@@ -7,16 +7,17 @@ namespace {
 
 constexpr Offset kLongKeyBytes = 256;
 
-// The hashes of a bucket agree in its bits; those that do not agree with most of them are noise.
-void DropStrangers(Bucket* bucket) {
-  if (bucket->sound.empty()) return;
-  const Hash prefix = PrefixOf(static_cast<Hash>(bucket->sound.front().hash), bucket->bits);
-  for (const Element& element : bucket->sound) {
+// The hashes of a bucket agree in its bits. If those of valid elements do not, it has no head;
+// those of damaged elements that do not are noise.
+void DropForeignElements(Bucket* bucket) {
+  if (bucket->valid.empty()) return;
+  const Hash prefix = PrefixOf(static_cast<Hash>(bucket->valid.front().hash), bucket->bits);
+  for (const Element& element : bucket->valid) {
     if (PrefixOf(static_cast<Hash>(element.hash), bucket->bits) != prefix) bucket->has_head = false;
   }
-  const auto is_strange = [&](Hash hash) { return PrefixOf(hash, bucket->bits) != prefix; };
+  const auto is_foreign = [&](Hash hash) { return PrefixOf(hash, bucket->bits) != prefix; };
   auto& damaged = bucket->damaged;
-  damaged.erase(std::remove_if(damaged.begin(), damaged.end(), is_strange), damaged.end());
+  damaged.erase(std::remove_if(damaged.begin(), damaged.end(), is_foreign), damaged.end());
 }
 
 }  // namespace
@@ -61,7 +62,7 @@ bool BelongsTo(const DirectoryRun& run, const Header& header, const BucketHead& 
 }
 
 void ReadBucket(const Bytes& file, const Shape& shape, Offset at, Bucket* bucket) {
-  bucket->sound.clear();
+  bucket->valid.clear();
   bucket->damaged.clear();
   bucket->free.clear();
   BucketHead head;
@@ -75,12 +76,12 @@ void ReadBucket(const Bytes& file, const Shape& shape, Offset at, Bucket* bucket
     Element element;
     if (!file.Read(ElementAt(at, i), &element)) break;
     if (file.HasKey(element)) {
-      bucket->sound.push_back(element);
+      bucket->valid.push_back(element);
     } else if (element.hash >= 0) {
       bucket->damaged.push_back(static_cast<Hash>(element.hash));
     }
   }
-  DropStrangers(bucket);
+  DropForeignElements(bucket);
 }
 
 }  // namespace kestan::gdbm

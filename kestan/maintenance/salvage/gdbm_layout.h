@@ -1,6 +1,7 @@
-// gdbm's file as plain bytes: where its structures lie, and what tells a sound one from noise.
+// gdbm's file as plain bytes: where its structures lie, and which bytes are a valid one and not
+// noise.
 //
-// gdbm itself stops at the first damage it meets; what salvages records reads the file on its own.
+// gdbm itself stops at the first damage, so a salvage reads the file without it.
 // Numbers have this machine's size and byte order, and structures its alignment, as in gdbm.
 #ifndef KESTAN_MAINTENANCE_SALVAGE_GDBM_LAYOUT_H_
 #define KESTAN_MAINTENANCE_SALVAGE_GDBM_LAYOUT_H_
@@ -22,7 +23,7 @@ inline constexpr unsigned kHashBits = 31;
 // Neighbouring entries of the directory that lead to the same place.
 struct DirectoryRun {
   std::uint32_t first;
-  std::uint32_t end;  // behind the last entry
+  std::uint32_t end;  // after the last entry
   Offset bucket;
 };
 
@@ -34,11 +35,11 @@ inline Hash PrefixOf(Hash hash, unsigned bits) {
   return bits == 0 ? 0 : hash >> (kHashBits - bits);
 }
 
-// The bytes of a file, which nobody reads beyond the last.
+// The bytes of a file. No read goes past the end.
 class Bytes {
  public:
-  // Borrows `bytes`. Long keys are hashed for elements only as long as all that is hashed stays in
-  // proportion to the file, or a file made to that end would keep its reader busy for ever.
+  // Borrows `bytes`. All long keys that are hashed for elements together have a limit in proportion
+  // to the file, for a malicious file could keep its reader busy for ever.
   explicit Bytes(std::string_view bytes)
       : bytes_(bytes), long_keys_budget_(kSpareBudget + 16 * bytes.size()) {}
 
@@ -59,15 +60,15 @@ class Bytes {
     return true;
   }
 
-  // Tells whether the element names a place in the file where a key lies that begins with the bytes
-  // it gives and has the hash it gives: 31 bits of evidence and as many more as the key has, up to
-  // 32, so that noise does not pass.
-  bool IsSound(const Element& element) const {
+  // Returns whether there is a key at the place that the element names, with the first bytes and
+  // the hash that it gives, and a value. Noise does not pass: the hash is 31 bits of evidence, and
+  // the first bytes are up to 32 more.
+  bool IsValid(const Element& element) const {
     return HasKey(element) && Holds(element.data, static_cast<Offset>(element.key_bytes) +
                                                       static_cast<Offset>(element.value_bytes));
   }
 
-  // Tells the same of an element whose value may reach past the end, as where the file was cut.
+  // Returns the same, but the value may reach past the end, as where the file was cut.
   bool HasKey(const Element& element) const;
 
  private:
@@ -85,14 +86,15 @@ inline bool ReadHeader(const Bytes& file, Header* header, Shape* shape) {
 // Returns whether the numbers of a bucket's head can be those of one.
 bool IsHead(const BucketHead& head, const Shape& shape);
 
-// Calls `visit(run)` for each run of the directory, in the order of their hashes. An entry behind
-// the end of the file leads to 0, where no bucket is.
+// Calls `visit(run)` for each run of the directory at `directory`, of 2 to the power of `bits`
+// entries, in the order of their hashes. An entry past the end of the file leads to 0, where no
+// bucket is.
 template <typename Visit>
-void ForEachRun(const Bytes& file, const Header& header, Visit visit) {
-  const std::uint32_t entries = std::uint32_t{1} << header.directory_bits;
+void ForEachRun(const Bytes& file, Offset directory, unsigned bits, Visit visit) {
+  const std::uint32_t entries = std::uint32_t{1} << bits;
   const auto entry = [&](std::uint32_t index) {
     Offset bucket = 0;
-    file.Read(header.directory + Offset{index} * sizeof bucket, &bucket);
+    file.Read(directory + Offset{index} * sizeof bucket, &bucket);
     return bucket;
   };
   for (std::uint32_t first = 0; first < entries;) {
@@ -104,6 +106,12 @@ void ForEachRun(const Bytes& file, const Header& header, Visit visit) {
   }
 }
 
+// The same, for the directory that the header names.
+template <typename Visit>
+void ForEachRun(const Bytes& file, const Header& header, Visit visit) {
+  ForEachRun(file, header.directory, static_cast<unsigned>(header.directory_bits), visit);
+}
+
 // Returns whether the bucket with this head is that of all entries of the run and of no others.
 bool BelongsTo(const DirectoryRun& run, const Header& header, const BucketHead& head);
 
@@ -112,15 +120,18 @@ struct Bucket {
   bool has_head = false;    // its numbers can be those of a bucket
   unsigned bits = 0;        // 0 without a head
   std::uint32_t count = 0;  // of its elements, says the head
-  Vector<Element> sound;    // those whose keys bear them out; a value may reach past the end
+  Vector<Element> valid;    // those whose keys agree with them; a value may reach past the end
   Vector<Hash> damaged;     // hashes of those whose keys do not
   Vector<FreeSpace> free;   // the space that it keeps for its records
 
-  // Nothing is missing.
-  bool IsIntact() const { return has_head && sound.size() == count && damaged.empty(); }
+  // Returns whether nothing is missing.
+  bool IsIntact() const { return has_head && valid.size() == count && damaged.empty(); }
 
-  // Every element is accounted for, though the records of some are damaged.
-  bool IsComplete() const { return has_head && sound.size() + damaged.size() == count; }
+  // Returns the hash of the first valid element; there must be one.
+  Hash FirstHash() const { return static_cast<Hash>(valid.front().hash); }
+
+  // Returns whether every element is accounted for, though the records of some are damaged.
+  bool IsComplete() const { return has_head && valid.size() + damaged.size() == count; }
 };
 
 // Reads the bucket at `at`, which lies in the file, into `*bucket`, whose memory is used again.

@@ -2,6 +2,7 @@
 #include <kestan/maintenance/salvage/file_reading.h>
 #include <kestan/maintenance/salvage/gdbm_layout.h>
 #include <kestan/maintenance/salvage/salvage.h>
+#include <kestan/maintenance/salvage/used_space.h>
 #include <kestan/storage/hash.h>
 
 #include <algorithm>
@@ -10,17 +11,12 @@
 namespace kestan {
 namespace {
 
+using gdbm::Authority;
 using gdbm::Bucket;
 using gdbm::Bytes;
 using gdbm::Element;
 using gdbm::FoundBucket;
 using gdbm::Offset;
-using gdbm::Standing;
-
-struct Span {
-  Offset begin;
-  Offset end;
-};
 
 // An element that may count if nothing better has its key.
 struct Fallback {
@@ -32,15 +28,16 @@ bool IsOneOfTheBest(const Fallback& left, const Fallback& right) { return left.b
 
 }  // namespace
 
-// Finds the records of one file. Current ones first, then those that stand in for others.
+// Finds the records of one file: current ones first, then fallbacks for those that are lost.
 class SalvageRun {
  public:
-  SalvageRun(const Bytes& file, Salvage* result) : file_(file), map_(file), result_(*result) {}
+  SalvageRun(const Bytes& file, Salvage* result)
+      : file_(file), map_(file), result_(*result), used_(file) {}
 
   void Run() {
     for (const FoundBucket& bucket : map_.reached()) TakeReached(bucket);
-    for (const FoundBucket& bucket : map_.strays()) TakeStray(bucket);
-    for (const Element& element : map_.loose()) TakeLoose(element);
+    for (const FoundBucket& bucket : map_.orphans()) TakeOrphan(bucket);
+    for (const Element& element : map_.orphan_elements()) TakeOrphanElement(element);
     TakeFallbacks();
     CutOverlaps();
     const auto& records = result_.records_;
@@ -54,47 +51,59 @@ class SalvageRun {
  private:
   void TakeReached(const FoundBucket& found) {
     gdbm::ReadBucket(file_, map_.shape(), found.at, &bucket_);
-    NoteFree(bucket_);
-    for (const Element& element : bucket_.sound) {
+    used_.AddFree(bucket_);
+    for (const Element& element : bucket_.valid) {
       const auto hash = static_cast<gdbm::Hash>(element.hash);
       if (found.first <= hash && hash <= found.last) Take(element, true);
     }
   }
 
-  void TakeStray(const FoundBucket& found) {
+  void TakeOrphan(const FoundBucket& found) {
     gdbm::ReadBucket(file_, map_.shape(), found.at, &bucket_);
     bool is_believed = false;
-    for (const Element& element : bucket_.sound) {
-      const Standing standing = map_.StandingOf(found, static_cast<gdbm::Hash>(element.hash));
-      if (standing == Standing::kCurrent) is_believed = Take(element, true) || is_believed;
-      if (standing == Standing::kFallback) fallbacks_.push_back({element, found.bits});
+    for (const Element& element : bucket_.valid) {
+      const Authority authority = map_.AuthorityOf(found, static_cast<gdbm::Hash>(element.hash));
+      if (authority == Authority::kCurrent) is_believed = Take(element, true) || is_believed;
+      if (authority == Authority::kFallback) fallbacks_.push_back({element, found.bits});
     }
     if (!is_believed) return;
     ++result_.damage_.orphan_buckets;
-    NoteFree(bucket_);
-    in_use_.push_back({found.at, found.at + map_.shape().bucket_bytes});
+    used_.AddFree(bucket_);
+    used_.AddBucket(found.at, map_.shape().bucket_bytes);
   }
 
-  void TakeLoose(const Element& element) {
-    const Standing standing = map_.StandingOfLoose(static_cast<gdbm::Hash>(element.hash));
-    if (standing == Standing::kFallback) fallbacks_.push_back({element, 0});
+  void TakeOrphanElement(const Element& element) {
+    const Authority authority = map_.AuthorityOfElement(static_cast<gdbm::Hash>(element.hash));
+    if (authority == Authority::kFallback) fallbacks_.push_back({element, 0});
   }
 
-  // What lies in free space, or where other records and buckets lie, has been removed or moved.
+  // A fallback in free space, or where other records and buckets lie, has been removed or moved.
   void TakeFallbacks() {
     if (fallbacks_.empty()) return;
-    NoteFreeLists();
-    MergeSpans();
+    AddUsedSpace();
     std::stable_sort(fallbacks_.begin(), fallbacks_.end(), IsOneOfTheBest);
     for (const Fallback& fallback : fallbacks_) {
-      if (IsTaken(fallback.element)) continue;
+      if (used_.Overlaps(fallback.element)) continue;
       if (Take(fallback.element, false)) ++result_.damage_.old_records;
     }
   }
 
-  // No evidence but the next record's key tells how far a value goes, whose size may be damaged: it
-  // ends before that key or a bucket of the directory. Records of a file made to fill the disk,
-  // which overlap by the thousand, thus fit into the file again.
+  void AddUsedSpace() {
+    if (map_.has_header()) used_.AddFreeLists(map_.header());
+    used_.Add(0, std::min<Offset>(sizeof(gdbm::Header), file_.size()));
+    used_.Add(map_.directory(), map_.directory_bytes());
+    for (const FoundBucket& bucket : map_.reached()) {
+      used_.Add(bucket.at, map_.shape().bucket_bytes);
+    }
+    for (const SalvagedRecord& record : result_.records_) {
+      used_.Add(record.at, Offset{record.key_bytes} + record.value_bytes);
+    }
+    used_.Merge();
+  }
+
+  // The size of a value may be damaged. The only other evidence of its end is what follows it: the
+  // key of the next record, or a bucket of the directory. So the thousands of overlapping records
+  // of a file made to fill the disk fit into the file again.
   void CutOverlaps() {
     Vector<Offset> starts;
     for (const FoundBucket& bucket : map_.reached()) starts.push_back(bucket.at);
@@ -123,73 +132,7 @@ class SalvageRun {
     record->is_cut = true;
   }
 
-  void NoteSpan(Offset at, Offset bytes) {
-    if (bytes != 0 && file_.Holds(at, bytes)) in_use_.push_back({at, at + bytes});
-  }
-
-  void NoteFree(const Bucket& bucket) {
-    for (const gdbm::FreeSpace& space : bucket.free) {
-      if (space.bytes > 0) NoteSpan(space.at, static_cast<Offset>(space.bytes));
-    }
-  }
-
-  // The header's list of free space, and those behind it.
-  void NoteFreeLists() {
-    if (!map_.has_header()) return;
-    const bool is_extended = map_.header().magic == gdbm::kExtendedMagic;
-    Offset list = sizeof(gdbm::Header) + (is_extended ? gdbm::kExtensionBytes : 0);
-    Offset noted = 0;
-    while (list != 0 && noted <= file_.size()) {  // a chain may lead in circles
-      gdbm::FreeList head;
-      if (!file_.Read(list, &head)) return;
-      Offset next = list + sizeof head;
-      for (std::int32_t i = 0; i < head.count && noted <= file_.size(); ++i) {
-        gdbm::FreeSpace space;
-        if (!file_.Read(next, &space)) break;
-        if (space.bytes > 0) NoteSpan(space.at, static_cast<Offset>(space.bytes));
-        next += sizeof space;
-        noted += sizeof space;
-      }
-      noted += sizeof head;
-      list = head.next;
-    }
-  }
-
-  void MergeSpans() {
-    NoteSpan(0, std::min<Offset>(sizeof(gdbm::Header), file_.size()));
-    NoteSpan(map_.directory(), map_.directory_bytes());
-    for (const FoundBucket& bucket : map_.reached()) {
-      NoteSpan(bucket.at, map_.shape().bucket_bytes);
-    }
-    for (const SalvagedRecord& record : result_.records_) {
-      NoteSpan(record.at, Offset{record.key_bytes} + record.value_bytes);
-    }
-    std::sort(in_use_.begin(), in_use_.end(),
-              [](const Span& left, const Span& right) { return left.begin < right.begin; });
-    auto merged = in_use_.begin();
-    for (const Span& span : in_use_) {
-      if (span.begin <= merged->end) {
-        merged->end = std::max(merged->end, span.end);
-      } else {
-        *++merged = span;
-      }
-    }
-    in_use_.erase(merged + 1, in_use_.end());
-  }
-
-  // No data begins before the first span, which is the header's.
-  bool IsTaken(const Element& element) const {
-    const Offset end = element.data + static_cast<Offset>(element.key_bytes) +
-                       static_cast<Offset>(element.value_bytes);
-    auto next =
-        std::upper_bound(in_use_.begin(), in_use_.end(), element.data,
-                         [](Offset wanted, const Span& span) { return wanted < span.begin; });
-    if (next != in_use_.end() && next->begin < end) return true;
-    return (--next)->end > element.data;
-  }
-
-  // Adds the record of a sound element, unless its key is there. Records do not overlap, so that
-  // all of them fit into the file; those of a file made to fill the disk need not.
+  // Adds the record of a valid element, unless its key is there already.
   bool Take(const Element& element, bool is_current) {
     const SalvagedRecord record = RecordOf(element, is_current);
     if ((result_.records_.size() + 1) * 2 > table_.size()) GrowTable();
@@ -200,7 +143,7 @@ class SalvageRun {
     return true;
   }
 
-  // Of a value that reaches past the end of the file, there is what lies before it.
+  // A value that reaches past the end of the file is cut there.
   SalvagedRecord RecordOf(const Element& element, bool is_current) const {
     const auto key_bytes = static_cast<std::uint32_t>(element.key_bytes);
     const auto value_bytes = static_cast<std::uint32_t>(element.value_bytes);
@@ -233,7 +176,7 @@ class SalvageRun {
   const Hasher hasher_;
   Bucket bucket_;
   Vector<Fallback> fallbacks_;
-  Vector<Span> in_use_;          // or known to be free
+  gdbm::UsedSpace used_;
   Vector<std::uint32_t> table_;  // by hash of the key: the index of a record plus 1, or 0
 };
 

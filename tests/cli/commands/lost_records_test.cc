@@ -25,7 +25,7 @@ void ForEachElement(const std::string& bytes, const std::string& key, Visit visi
   for (std::size_t at = 512; at + sizeof(gdbm::Element) <= bytes.size(); ++at) {
     gdbm::Element element{};
     file.Read(at, &element);
-    if (!file.IsSound(element)) continue;
+    if (!file.IsValid(element)) continue;
     if (file.View(element.data, static_cast<gdbm::Offset>(element.key_bytes)) != key) continue;
     visit(at, element);
     is_found = true;

@@ -279,7 +279,7 @@ std::streamoff KeyStartOf(const std::string& path, const std::string& key) {
   for (std::size_t at = 512; at + sizeof(gdbm::Element) <= bytes.size(); ++at) {
     gdbm::Element element{};
     file.Read(at, &element);
-    if (!file.IsSound(element)) continue;
+    if (!file.IsValid(element)) continue;
     if (file.View(element.data, static_cast<gdbm::Offset>(element.key_bytes)) == key) {
       return static_cast<std::streamoff>(at + sizeof element.hash);
     }

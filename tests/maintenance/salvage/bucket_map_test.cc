@@ -6,7 +6,7 @@
 namespace kestan_maintenance {
 namespace {
 
-using gdbm::Standing;
+using gdbm::Authority;
 
 using BucketMapTest = CraftedFile;
 
@@ -45,8 +45,8 @@ TEST_F(BucketMapTest, AnEntryForOtherHashesThanThoseOfTheBucketDoesNotReachIt) {
     const gdbm::BucketMap map(bytes);
     ASSERT_EQ(map.reached().size(), 1U) << entry;
     EXPECT_EQ(map.reached()[0].at, kOtherPlace) << entry;
-    ASSERT_EQ(map.strays().size(), 1U) << entry;
-    EXPECT_EQ(map.strays()[0].at, kBucketPlace) << entry;
+    ASSERT_EQ(map.orphans().size(), 1U) << entry;
+    EXPECT_EQ(map.orphans()[0].at, kBucketPlace) << entry;
   }
 }
 
@@ -69,9 +69,9 @@ TEST_F(BucketMapTest, AnEmptyBucketYieldsToStraysOfAsManyBits) {
   PutBucket(kBucketPlace, 5, kBits);
   const gdbm::Bytes bytes(file_);
   const gdbm::BucketMap map(bytes);
-  ASSERT_EQ(map.strays().size(), 2U);
-  EXPECT_EQ(map.strays()[1].at, kBucketPlace);
-  EXPECT_EQ(map.StandingOf(map.strays()[1], 5U << 25), Standing::kCurrent);
+  ASSERT_EQ(map.orphans().size(), 2U);
+  EXPECT_EQ(map.orphans()[1].at, kBucketPlace);
+  EXPECT_EQ(map.AuthorityOf(map.orphans()[1], 5U << 25), Authority::kCurrent);
 }
 
 TEST_F(BucketMapTest, ABucketThatWasSplitYieldsToItsPartsThoughTheDirectoryLeadsToIt) {
@@ -82,11 +82,11 @@ TEST_F(BucketMapTest, ABucketThatWasSplitYieldsToItsPartsThoughTheDirectoryLeads
   const gdbm::Bytes bytes(file_);
   const gdbm::BucketMap map(bytes);
   EXPECT_FALSE(map.is_whole());
-  ASSERT_EQ(map.strays().size(), 2U);
-  EXPECT_EQ(map.strays()[0].at, kOtherPlace);
-  EXPECT_EQ(map.StandingOf(map.strays()[0], 5U << 25), Standing::kStale);
-  EXPECT_EQ(map.StandingOf(map.strays()[0], 4U << 25), Standing::kFallback);
-  EXPECT_EQ(map.StandingOf(map.strays()[1], 5U << 25), Standing::kCurrent);
+  ASSERT_EQ(map.orphans().size(), 2U);
+  EXPECT_EQ(map.orphans()[0].at, kOtherPlace);
+  EXPECT_EQ(map.AuthorityOf(map.orphans()[0], 5U << 25), Authority::kStale);
+  EXPECT_EQ(map.AuthorityOf(map.orphans()[0], 4U << 25), Authority::kFallback);
+  EXPECT_EQ(map.AuthorityOf(map.orphans()[1], 5U << 25), Authority::kCurrent);
 }
 
 TEST_F(BucketMapTest, AnEmptyBucketOutweighsWhatWasThereBeforeItsSplit) {
@@ -97,9 +97,9 @@ TEST_F(BucketMapTest, AnEmptyBucketOutweighsWhatWasThereBeforeItsSplit) {
   const gdbm::Bytes bytes(file_);
   const gdbm::BucketMap map(bytes);
   ASSERT_EQ(map.reached().size(), 1U);
-  ASSERT_EQ(map.strays().size(), 1U);
-  EXPECT_EQ(map.StandingOf(map.strays()[0], 5U << 25), Standing::kStale);
-  EXPECT_EQ(map.StandingOf(map.strays()[0], 4U << 25), Standing::kFallback);
+  ASSERT_EQ(map.orphans().size(), 1U);
+  EXPECT_EQ(map.AuthorityOf(map.orphans()[0], 5U << 25), Authority::kStale);
+  EXPECT_EQ(map.AuthorityOf(map.orphans()[0], 4U << 25), Authority::kFallback);
 }
 
 TEST_F(BucketMapTest, OfTwoBucketsForTheSameHashesTheOneThatLacksNothingIsBelieved) {
@@ -108,10 +108,10 @@ TEST_F(BucketMapTest, OfTwoBucketsForTheSameHashesTheOneThatLacksNothingIsBeliev
   PutBucket(kOtherPlace, 5, kBits);
   const gdbm::Bytes bytes(file_);
   const gdbm::BucketMap map(bytes);
-  ASSERT_EQ(map.strays().size(), 2U);
-  for (const gdbm::FoundBucket& stray : map.strays()) {
-    const Standing expected = stray.at == kOtherPlace ? Standing::kCurrent : Standing::kFallback;
-    EXPECT_EQ(map.StandingOf(stray, 5U << 25), expected);
+  ASSERT_EQ(map.orphans().size(), 2U);
+  for (const gdbm::FoundBucket& orphan : map.orphans()) {
+    const Authority expected = orphan.at == kOtherPlace ? Authority::kCurrent : Authority::kFallback;
+    EXPECT_EQ(map.AuthorityOf(orphan, 5U << 25), expected);
   }
 }
 
@@ -129,8 +129,8 @@ TEST_F(BucketMapTest, ElementsInTheirPlacesMakeABucketOfALargeBlock) {
   for (const gdbm::Element& element : AddKeys(6, 5, kBits)) PutAtHome(kBucketPlace, element);
   const gdbm::Bytes bytes(file_);
   const gdbm::BucketMap map(bytes);
-  EXPECT_EQ(map.strays().size(), 1U);
-  EXPECT_TRUE(map.loose().empty());
+  EXPECT_EQ(map.orphans().size(), 1U);
+  EXPECT_TRUE(map.orphan_elements().empty());
 }
 
 TEST_F(BucketMapTest, ABucketThatIsCutOffIsOneAsFarAsItGoes) {
@@ -145,8 +145,8 @@ TEST_F(BucketMapTest, ABucketThatIsCutOffIsOneAsFarAsItGoes) {
   file_.resize(static_cast<std::size_t>(gdbm::ElementAt(bucket, home + 1)));
   const gdbm::Bytes bytes(file_);
   const gdbm::BucketMap map(bytes);
-  ASSERT_EQ(map.strays().size(), 1U);
-  EXPECT_EQ(map.strays()[0].at, bucket);
+  ASSERT_EQ(map.orphans().size(), 1U);
+  EXPECT_EQ(map.orphans()[0].at, bucket);
 }
 
 TEST_F(BucketMapTest, AnElementTooNearToTheStartIsInNoBucket) {
@@ -154,7 +154,7 @@ TEST_F(BucketMapTest, AnElementTooNearToTheStartIsInNoBucket) {
   Put(gdbm::ElementAt(0, 3), Add("other"));
   const gdbm::Bytes bytes(file_);
   const gdbm::BucketMap map(bytes);
-  EXPECT_EQ(map.loose().size(), 2U);
+  EXPECT_EQ(map.orphan_elements().size(), 2U);
 }
 
 // How much of long keys is hashed has a limit, which the element itself uses up here.
@@ -165,11 +165,11 @@ TEST_F(BucketMapTest, AnElementWhoseKeyIsTooLongToBeHashedAgainIsLoose) {
   Put(gdbm::ElementAt(kBucketPlace, shape_.elements - 1), element);
   const gdbm::Bytes other(file_);
   const gdbm::Bytes bytes(file_);
-  ASSERT_TRUE(other.IsSound(element));
-  while (other.IsSound(element)) ASSERT_TRUE(bytes.IsSound(element));
+  ASSERT_TRUE(other.IsValid(element));
+  while (other.IsValid(element)) ASSERT_TRUE(bytes.IsSound(element));
   const gdbm::BucketMap map(bytes);
-  EXPECT_TRUE(map.strays().empty());
-  EXPECT_EQ(map.loose().size(), 1U);
+  EXPECT_TRUE(map.orphans().empty());
+  EXPECT_EQ(map.orphan_elements().size(), 1U);
 }
 
 TEST_F(BucketMapTest, ADirectoryIsFoundWithoutTheHeader) {
@@ -180,7 +180,7 @@ TEST_F(BucketMapTest, ADirectoryIsFoundWithoutTheHeader) {
   EXPECT_EQ(map.directory(), kDirectoryPlace);
   EXPECT_EQ(map.directory_bytes(), 8U * kEntries);
   EXPECT_EQ(map.reached().size(), 1U);
-  EXPECT_TRUE(map.strays().empty());
+  EXPECT_TRUE(map.orphans().empty());
 }
 
 TEST_F(BucketMapTest, NoDirectoryBeginsAtTheStartOfTheFileOrBeforeIt) {
@@ -214,7 +214,7 @@ TEST_F(BucketMapTest, NoDirectoryIsLookedForThatIsLargerThanAnyFile) {
   PutEntries({index}, kBucketPlace);
   const gdbm::Bytes bytes(file_);
   const gdbm::BucketMap map(bytes);
-  ASSERT_EQ(map.strays().size(), 1U);
+  ASSERT_EQ(map.orphans().size(), 1U);
   EXPECT_EQ(map.directory(), 0U);
 }
 

@@ -54,10 +54,10 @@ class LostBucketTest : public testing::Test {
 TEST_F(LostBucketTest, ALostBucketIsFound) {
   AddAlike(5);
   Look([](const BucketMap& map) {
-    ASSERT_EQ(map.strays().size(), 1U);
-    EXPECT_EQ(map.strays().front().at, kBucketAt);
-    EXPECT_TRUE(map.strays().front().is_intact);
-    EXPECT_TRUE(map.loose().empty());
+    ASSERT_EQ(map.orphans().size(), 1U);
+    EXPECT_EQ(map.orphans().front().at, kBucketAt);
+    EXPECT_TRUE(map.orphans().front().is_intact);
+    EXPECT_TRUE(map.orphan_elements().empty());
   });
 }
 
@@ -68,24 +68,24 @@ TEST_F(LostBucketTest, TheSizesOfARecordAreNoHead) {
   bytes_[bytes_.size() - 6] = '?';
   AddAlike(5);
   Look([](const BucketMap& map) {
-    ASSERT_EQ(map.strays().size(), 1U);
-    EXPECT_EQ(map.strays().front().at, kBucketAt);
-    EXPECT_EQ(map.strays().front().bits, 0U);
+    ASSERT_EQ(map.orphans().size(), 1U);
+    EXPECT_EQ(map.orphans().front().at, kBucketAt);
+    EXPECT_EQ(map.orphans().front().bits, 0U);
   });
 }
 
 TEST_F(LostBucketTest, ABucketMayKnowOfSpaceBehindTheEndOfACutFile) {
   AddAlike(5);
   head_.free.back() = {static_cast<std::int32_t>(bytes_.size()), (Offset{1} << 31) - 1};
-  Look([](const BucketMap& map) { EXPECT_EQ(map.strays().size(), 1U); });
+  Look([](const BucketMap& map) { EXPECT_EQ(map.orphans().size(), 1U); });
 }
 
 TEST_F(LostBucketTest, NoBucketKnowsOfSpaceFarBehindTheFile) {
   AddAlike(5);
   head_.free.back().at = Offset{1} << 31;
   Look([](const BucketMap& map) {
-    EXPECT_TRUE(map.strays().empty());
-    EXPECT_EQ(map.loose().size(), 5U);
+    EXPECT_TRUE(map.orphans().empty());
+    EXPECT_EQ(map.orphan_elements().size(), 5U);
   });
 }
 
@@ -93,7 +93,7 @@ TEST_F(LostBucketTest, NoBucketKnowsOfSpaceThatIsLargerThanTheFile) {
   AddAlike(5);
   for (const std::int32_t bytes : {static_cast<std::int32_t>(bytes_.size()) + 1, -1}) {
     head_.free.back().bytes = bytes;
-    Look([](const BucketMap& map) { EXPECT_TRUE(map.strays().empty()); });
+    Look([](const BucketMap& map) { EXPECT_TRUE(map.orphans().empty()); });
   }
 }
 
