@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/extract/limited_command.h"
+#include "cli/extract/converter/limited_command.h"
 
 namespace kestan_cli {
 

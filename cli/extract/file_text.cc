@@ -7,8 +7,8 @@
 #include <string_view>
 #include <utility>
 
-#include "cli/extract/decode.h"
-#include "cli/extract/html.h"
+#include "cli/extract/charset/decode.h"
+#include "cli/extract/html/html.h"
 #include "cli/files/fingerprint.h"
 #include "cli/files/skip.h"
 #include "cli/files/stable_file.h"

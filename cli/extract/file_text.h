@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "cli/extract/converter.h"
+#include "cli/extract/converter/converter.h"
 #include "cli/extract/document.h"
 #include "cli/files/fingerprint.h"
 

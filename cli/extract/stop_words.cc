@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "cli/console/message.h"
-#include "cli/extract/decode.h"
+#include "cli/extract/charset/decode.h"
 #include "cli/extract/document.h"
 #include "cli/files/skip.h"
 #include "cli/files/stable_file.h"

@@ -1,4 +1,4 @@
-#include "cli/extract/decode.h"
+#include "cli/extract/charset/decode.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // Running a program that nobody vouches for: without a shell, and within limits.
-#ifndef KESTAN_CLI_EXTRACT_LIMITED_COMMAND_H_
-#define KESTAN_CLI_EXTRACT_LIMITED_COMMAND_H_
+#ifndef KESTAN_CLI_EXTRACT_CONVERTER_LIMITED_COMMAND_H_
+#define KESTAN_CLI_EXTRACT_CONVERTER_LIMITED_COMMAND_H_
 
 #include <cstdint>
 #include <string>
@@ -28,4 +28,4 @@ CommandOutcome RunLimited(const std::string& path, const std::vector<std::string
 
 }  // namespace kestan_cli
 
-#endif  // KESTAN_CLI_EXTRACT_LIMITED_COMMAND_H_
+#endif  // KESTAN_CLI_EXTRACT_CONVERTER_LIMITED_COMMAND_H_

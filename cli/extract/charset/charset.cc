@@ -1,4 +1,4 @@
-#include "cli/extract/charset.h"
+#include "cli/extract/charset/charset.h"
 
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_cb.h>
@@ -11,7 +11,7 @@
 #include <memory>
 #include <new>
 
-#include "cli/extract/decode.h"
+#include "cli/extract/charset/decode.h"
 #include "cli/files/skip.h"
 #include "search/text/utf8.h"
 

@@ -1,4 +1,4 @@
-#include "cli/extract/charset.h"
+#include "cli/extract/charset/charset.h"
 
 #include <gtest/gtest.h>
 

@@ -1,13 +1,13 @@
 // Programs that turn files of other formats into text.
-#ifndef KESTAN_CLI_EXTRACT_CONVERTER_H_
-#define KESTAN_CLI_EXTRACT_CONVERTER_H_
+#ifndef KESTAN_CLI_EXTRACT_CONVERTER_CONVERTER_H_
+#define KESTAN_CLI_EXTRACT_CONVERTER_CONVERTER_H_
 
 #include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "cli/extract/limited_command.h"
+#include "cli/extract/converter/limited_command.h"
 
 namespace kestan_cli {
 
@@ -50,4 +50,4 @@ std::string Convert(const Converter& converter, const std::string& name,
 
 }  // namespace kestan_cli
 
-#endif  // KESTAN_CLI_EXTRACT_CONVERTER_H_
+#endif  // KESTAN_CLI_EXTRACT_CONVERTER_CONVERTER_H_

@@ -1,4 +1,4 @@
-#include "cli/extract/limited_command.h"
+#include "cli/extract/converter/limited_command.h"
 
 #include <fcntl.h>
 #include <poll.h>

@@ -1,6 +1,6 @@
 // From the bytes of a text file to UTF-8.
-#ifndef KESTAN_CLI_EXTRACT_DECODE_H_
-#define KESTAN_CLI_EXTRACT_DECODE_H_
+#ifndef KESTAN_CLI_EXTRACT_CHARSET_DECODE_H_
+#define KESTAN_CLI_EXTRACT_CHARSET_DECODE_H_
 
 #include <optional>
 #include <string>
@@ -26,4 +26,4 @@ std::optional<std::string> DecodedText(std::string bytes);
 
 }  // namespace kestan_cli
 
-#endif  // KESTAN_CLI_EXTRACT_DECODE_H_
+#endif  // KESTAN_CLI_EXTRACT_CHARSET_DECODE_H_

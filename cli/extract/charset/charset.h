@@ -1,6 +1,6 @@
 // The encodings that web pages name, under the names that the web has for them.
-#ifndef KESTAN_CLI_EXTRACT_CHARSET_H_
-#define KESTAN_CLI_EXTRACT_CHARSET_H_
+#ifndef KESTAN_CLI_EXTRACT_CHARSET_CHARSET_H_
+#define KESTAN_CLI_EXTRACT_CHARSET_CHARSET_H_
 
 #include <optional>
 #include <string>
@@ -24,4 +24,4 @@ std::optional<std::string> FromCharset(std::string_view label, std::string_view 
 
 }  // namespace kestan_cli
 
-#endif  // KESTAN_CLI_EXTRACT_CHARSET_H_
+#endif  // KESTAN_CLI_EXTRACT_CHARSET_CHARSET_H_

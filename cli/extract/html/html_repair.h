@@ -1,6 +1,6 @@
 // Places in HTML at which libxml2 drops text, or joins the words to either side.
-#ifndef KESTAN_CLI_EXTRACT_HTML_REPAIR_H_
-#define KESTAN_CLI_EXTRACT_HTML_REPAIR_H_
+#ifndef KESTAN_CLI_EXTRACT_HTML_HTML_REPAIR_H_
+#define KESTAN_CLI_EXTRACT_HTML_HTML_REPAIR_H_
 
 #include <string>
 #include <string_view>
@@ -14,4 +14,4 @@ std::string RepairedHtml(std::string_view html);
 
 }  // namespace kestan_cli
 
-#endif  // KESTAN_CLI_EXTRACT_HTML_REPAIR_H_
+#endif  // KESTAN_CLI_EXTRACT_HTML_HTML_REPAIR_H_

@@ -1,6 +1,6 @@
 // The text of HTML pages.
-#ifndef KESTAN_CLI_EXTRACT_HTML_H_
-#define KESTAN_CLI_EXTRACT_HTML_H_
+#ifndef KESTAN_CLI_EXTRACT_HTML_HTML_H_
+#define KESTAN_CLI_EXTRACT_HTML_HTML_H_
 
 #include <string>
 #include <string_view>
@@ -27,4 +27,4 @@ HtmlPage ReadUtf8Html(std::string_view text);
 
 }  // namespace kestan_cli
 
-#endif  // KESTAN_CLI_EXTRACT_HTML_H_
+#endif  // KESTAN_CLI_EXTRACT_HTML_HTML_H_

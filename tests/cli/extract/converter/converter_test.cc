@@ -1,4 +1,4 @@
-#include "cli/extract/converter.h"
+#include "cli/extract/converter/converter.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -1,4 +1,4 @@
-#include "cli/extract/html_repair.h"
+#include "cli/extract/html/html_repair.h"
 
 #include <gtest/gtest.h>
 

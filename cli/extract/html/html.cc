@@ -1,4 +1,4 @@
-#include "cli/extract/html.h"
+#include "cli/extract/html/html.h"
 
 #include <kestan/kestan.h>
 #include <libxml/HTMLparser.h>
@@ -17,11 +17,11 @@
 #include <string>
 #include <utility>
 
-#include "cli/extract/charset.h"
-#include "cli/extract/declared_charset.h"
-#include "cli/extract/decode.h"
+#include "cli/extract/charset/charset.h"
+#include "cli/extract/charset/declared_charset.h"
+#include "cli/extract/charset/decode.h"
 #include "cli/extract/document.h"
-#include "cli/extract/html_repair.h"
+#include "cli/extract/html/html_repair.h"
 #include "cli/files/skip.h"
 #include "search/text/utf8.h"
 

@@ -1,6 +1,6 @@
 // What a page says of its own encoding.
-#ifndef KESTAN_CLI_EXTRACT_DECLARED_CHARSET_H_
-#define KESTAN_CLI_EXTRACT_DECLARED_CHARSET_H_
+#ifndef KESTAN_CLI_EXTRACT_CHARSET_DECLARED_CHARSET_H_
+#define KESTAN_CLI_EXTRACT_CHARSET_DECLARED_CHARSET_H_
 
 #include <string>
 #include <string_view>
@@ -14,4 +14,4 @@ std::vector<std::string> DeclaredCharsets(std::string_view html);
 
 }  // namespace kestan_cli
 
-#endif  // KESTAN_CLI_EXTRACT_DECLARED_CHARSET_H_
+#endif  // KESTAN_CLI_EXTRACT_CHARSET_DECLARED_CHARSET_H_

@@ -1,4 +1,4 @@
-#include "cli/extract/declared_charset.h"
+#include "cli/extract/charset/declared_charset.h"
 
 #include <gtest/gtest.h>
 

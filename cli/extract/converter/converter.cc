@@ -1,4 +1,4 @@
-#include "cli/extract/converter.h"
+#include "cli/extract/converter/converter.h"
 
 #include <unistd.h>
 

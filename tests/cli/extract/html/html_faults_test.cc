@@ -4,7 +4,7 @@
 #include <exception>
 #include <string>
 
-#include "cli/extract/html.h"
+#include "cli/extract/html/html.h"
 #include "tests/faults/allocation_faults.h"
 #include "tests/faults/child.h"
 

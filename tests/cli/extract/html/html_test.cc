@@ -1,4 +1,4 @@
-#include "cli/extract/html.h"
+#include "cli/extract/html/html.h"
 
 #include <gtest/gtest.h>
 
