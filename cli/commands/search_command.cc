@@ -11,8 +11,9 @@
 #include "cli/commands/search_report.h"
 #include "cli/console/message.h"
 #include "cli/console/output.h"
+#include "cli/extract/indexed_text.h"
+#include "cli/files/fingerprint.h"
 #include "cli/index/opened_index.h"
-#include "cli/sync/indexed_file.h"
 #include "search/query/clauses.h"
 #include "search/query/distinct.h"
 #include "search/query/evaluator.h"
@@ -50,7 +51,11 @@ bool IsColoured(Colour colour) {
 class Search {
  public:
   Search(OpenedIndex& index, const SearchOptions& options)
-      : index_(index), engine_(index.engine()), options_(options), evaluator_(engine_) {}
+      : index_(index),
+        engine_(index.engine()),
+        options_(options),
+        evaluator_(engine_),
+        texts_(options.converters) {}
 
   SearchReport Run(const Query& query) {
     SearchReport report;
@@ -74,7 +79,7 @@ class Search {
     ShownHit shown;
     shown.hit = hit;
     shown.title = TextOrEmpty(engine_.DBGetTitle(hit.name.c_str()));
-    if (with_snippet) shown.snippet = SnippetOf(hit.name);
+    if (with_snippet) shown.snippet = SnippetOf(hit.name, shown.title);
     return shown;
   }
 
@@ -98,21 +103,16 @@ class Search {
       parts.push_back({listing, times});
     }
     const auto size_of = [this](const std::string& name) -> std::optional<std::uint64_t> {
-      const auto version = VersionOf(name);
-      if (!version) return std::nullopt;
-      return version->bytes;
+      const auto state = FileStateIn(TextOrEmpty(engine_.DBGetUser(name.c_str())));
+      if (!state) return std::nullopt;
+      return state->bytes;
     };
     SortByRelevance(parts, index_.facts().documents, size_of, &hits_);
   }
 
-  std::optional<FileVersion> VersionOf(const std::string& name) {
-    return ParseVersion(TextOrEmpty(engine_.DBGetUser(name.c_str())));
-  }
-
-  std::vector<Fragment> SnippetOf(const std::string& name) {
-    const auto version = VersionOf(name);
-    if (!version) return {};
-    const auto text = ReadIfUnchanged(name, *version);
+  std::vector<Fragment> SnippetOf(const std::string& name, const std::string& title) {
+    const auto text = texts_.Read({name, TextOrEmpty(engine_.DBGetUser(name.c_str())), title,
+                                   TextOrEmpty(engine_.DBGetSummary(name.c_str()))});
     if (!text) return {};
     return MakeSnippet(*text, evaluator_.matched_terms());
   }
@@ -121,6 +121,7 @@ class Search {
   Kestan& engine_;
   const SearchOptions& options_;
   Evaluator evaluator_;
+  IndexedTextReader texts_;
   std::vector<Hit> hits_;
 };
 
@@ -242,6 +243,7 @@ int RunSearchCommand(Kestan& engine, const Values& values) {
   options.count = values.Has("--count");
   options.json = values.Has("--json");
   options.snippets = values.Has("--snippets");
+  options.converters = values.All("--converter");
   options.explain = values.Has("--explain");
   options.colour = ColourOf(values.Text("--color"));
   return RunSearch(engine, values.Text("INDEX"), options);
@@ -255,6 +257,8 @@ std::vector<Option> SearchCommandOptions() {
           {"-0,--null", "", "print names only, each ended by a NUL"},
           {"--count", "", "print only how many documents there are"},
           {"--snippets", "", "print titles and snippets too, as on a terminal"},
+          {"--converter", "EXT=COMMAND",
+           "for snippets, have COMMAND print the text of files that end in .EXT, as for `index`"},
           {"--color", "WHEN", "whether to use colours", {"auto", "always", "never"}},
           {"--explain", "", "tell how the query was read and what each part of it found"},
           JsonOption()};

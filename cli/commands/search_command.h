@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "search/query/query_parser.h"
 #include "search/ranking/hits.h"
@@ -22,14 +23,15 @@ struct SearchOptions {
   kestan::search::DefaultOperator default_operator =
       kestan::search::DefaultOperator::kAnd;                         // --any: kOr
   kestan::search::HitOrder order = kestan::search::HitOrder::kBest;  // --order
-  std::optional<std::size_t> limit;  // --limit: how many hits are shown
-  bool names_only = false;           // -l
-  bool nul = false;                  // -0: names only, each followed by a NUL
-  bool count = false;                // --count: only how many hits there are
-  bool json = false;                 // --json
-  bool snippets = false;             // --snippets: titles and snippets in any output
-  bool explain = false;              // --explain
-  Colour colour = Colour::kAuto;     // --color
+  std::optional<std::size_t> limit;     // --limit: how many hits are shown
+  bool names_only = false;              // -l
+  bool nul = false;                     // -0: names only, each followed by a NUL
+  bool count = false;                   // --count: only how many hits there are
+  bool json = false;                    // --json
+  bool snippets = false;                // --snippets: titles and snippets in any output
+  std::vector<std::string> converters;  // --converter: EXT=COMMAND, for snippets
+  bool explain = false;                 // --explain
+  Colour colour = Colour::kAuto;        // --color
 };
 
 // Prints the documents that a query finds. On a terminal, or with snippets, a hit is shown with its

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "cli/extract/title.h"
 #include "cli/files/skip.h"
 #include "search/text/lines.h"
 #include "search/text/transliterate.h"
@@ -93,7 +92,7 @@ std::string Excerpt(std::string_view text, std::size_t max_bytes) {
 }
 
 Document MakeDocument(std::string text, TitleRule rule, const WordRules& rules) {
-  const TitledText titled = rule == TitleRule::kMarkdown ? SplitMarkdown(text) : SplitAtTitle(text);
+  const TitledText titled = SplitAtTitle(text, rule);
   Document document;
   document.title = Excerpt(titled.title, kMaxTitleBytes);
   document.summary = Excerpt(titled.rest, kMaxSummaryBytes);

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "cli/extract/title.h"
+
 namespace kestan_cli {
 
 // The longest text that the engine can clean.
@@ -19,12 +21,6 @@ struct Document {
   std::string summary;  // the beginning of what follows the title, in at most kMaxSummaryBytes
   std::string words;    // what the engine indexes
   std::string note{};   // why not all of the text is in them; empty if it is
-};
-
-// Where a text has its title.
-enum class TitleRule {
-  kFirstLine,  // its first line that is not blank
-  kMarkdown,   // its first heading, or the title that it names before its text; else as above
 };
 
 // What to leave out of the words.

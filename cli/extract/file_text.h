@@ -1,46 +1,52 @@
-// From a file to a document.
+// From a file to its text, and to the document made of it.
 #ifndef KESTAN_CLI_EXTRACT_FILE_TEXT_H_
 #define KESTAN_CLI_EXTRACT_FILE_TEXT_H_
 
-#include <cstdint>
 #include <string>
 
-#include "cli/extract/converter/converter.h"
 #include "cli/extract/document.h"
+#include "cli/extract/reading.h"
 #include "cli/files/fingerprint.h"
 
 namespace kestan_cli {
 
-// How to read files. Borrows the table.
-struct ReadingRules {
-  const Converters& converters;
-  CommandLimits limits;         // of a converter
-  std::uint64_t max_bytes = 0;  // of a file that is read without one; at most kMaxTextBytes
-  WordRules words;
-};
-
-// A file that has been read, and not yet understood.
+// A file that has been read but not decoded.
 struct LoadedFile {
   std::string name;
-  std::string head;  // its first bytes, kHeadBytes at most
+  std::string head;  // its first bytes, at most kHeadBytes
   Fingerprint fingerprint;
-  const Converter* converter = nullptr;  // which has to read it anew; the table's
-  std::string bytes;                     // without a converter
+  const Converter* converter = nullptr;  // that reads it again; the table owns it
+  std::string bytes;                     // empty with a converter
 };
 
-// Reads the file `name` to its end; a binary one only until that shows.
-//   Throws   SkipFile if it cannot be read, is binary and there is no converter for it, is too
-//            large, or changes meanwhile.
+// Reads the file `name` to its end; a binary file only until its first NUL.
+//   Throws   SkipFile if it cannot be read, is binary and has no converter, is too large, or
+//            changes meanwhile.
 LoadedFile LoadFile(const std::string& name, const ReadingRules& rules);
 
-// Whether the document `name` of `fingerprint`, made of the same bytes as `file`, was made in the
-// way that one of `file` would be made now: by the same format, and with the same words left out.
+// Returns whether the document `name` of `fingerprint`, which was made of the same bytes as `file`,
+// was read as `file` is read by `rules`.
 bool IsReadAlike(const LoadedFile& file, const std::string& name, const Fingerprint& fingerprint,
                  const ReadingRules& rules);
 
-// Makes a document of `file`, by the format that its name tells.
-//   Throws   SkipFile if it cannot be converted, if its text cannot be read whole and nothing tells
-//            what is missing, or if it changes meanwhile.
+// Replaces the bytes of `file`, which has a converter, by those that the converter writes.
+//   Throws   SkipFile if it fails, or if the file changes meanwhile.
+void ConvertFile(LoadedFile* file, const CommandLimits& limits);
+
+// What a reader sees of a file.
+struct FileText {
+  std::string text;  // UTF-8, without a NUL
+  TitleRule title_rule = TitleRule::kFirstLine;
+  std::string note{};  // why some of the text is missing; empty if none is
+};
+
+// Decodes the bytes of `file`, which has been converted if it has a converter. The title of an HTML
+// page becomes its first line.
+//   Throws   SkipFile if the bytes are no text, or if a page cannot be read whole.
+FileText TextOf(LoadedFile file);
+
+// Makes a document of `file`, with its converter if it has one.
+//   Throws   SkipFile as ConvertFile and TextOf do, or if there are too many words.
 Document DocumentOf(LoadedFile file, const ReadingRules& rules);
 
 }  // namespace kestan_cli

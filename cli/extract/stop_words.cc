@@ -25,7 +25,7 @@ CommandError TooLarge(const std::string& path) {
 std::string ReadWords(const std::string& path) {
   std::string bytes;
   try {
-    SteadyFile file(path);
+    StableFile file(path);
     for (std::string_view piece; file.Read(&piece);) {
       if (bytes.size() + piece.size() > kMaxTextBytes) throw TooLarge(path);
       bytes += piece;

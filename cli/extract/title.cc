@@ -88,19 +88,20 @@ bool FindHeading(std::string_view text, TitledText* found) {
   return false;
 }
 
-}  // namespace
-
-TitledText SplitAtTitle(std::string_view text) {
+TitledText SplitAfterFirstLine(std::string_view text) {
   text.remove_prefix(std::min(text.find_first_not_of(kWhiteSpace), text.size()));
   const std::size_t end = std::min(text.find('\n'), text.size());
   return {text.substr(0, end), text.substr(end)};
 }
 
-TitledText SplitMarkdown(std::string_view text) {
+}  // namespace
+
+TitledText SplitAtTitle(std::string_view text, TitleRule rule) {
+  if (rule == TitleRule::kFirstLine) return SplitAfterFirstLine(text);
   const std::string_view named = TakeFields(&text);
   if (!named.empty()) return {named, text};
   TitledText found;
-  return FindHeading(text, &found) ? found : SplitAtTitle(text);
+  return FindHeading(text, &found) ? found : SplitAfterFirstLine(text);
 }
 
 }  // namespace kestan_cli

@@ -12,13 +12,17 @@ struct TitledText {
   std::string_view rest;  // all that follows the title
 };
 
-// Parts `text` into its first line that is not blank and what follows it.
-TitledText SplitAtTitle(std::string_view text);
+// Which part of a text is its title.
+enum class TitleRule {
+  // The first line that is not blank.
+  kFirstLine,
+  // The "title:" between the two lines "---" that a text may begin with; else the first heading
+  // ("# Title", or a line with === or --- below it) outside blocks of code; else the first line.
+  kMarkdown,
+};
 
-// Parts Markdown at its first heading ("# Title", or a line with === or --- below it), outside
-// blocks of code; a "title:" between the two lines "---" that a text may begin with goes before.
-// Without either, as SplitAtTitle does.
-TitledText SplitMarkdown(std::string_view text);
+// Splits `text` after its title.
+TitledText SplitAtTitle(std::string_view text, TitleRule rule = TitleRule::kFirstLine);
 
 }  // namespace kestan_cli
 

@@ -38,7 +38,7 @@ std::string LineOf(const Fingerprint& fingerprint) {
 
 std::string_view FirstLine(std::string_view text) { return text.substr(0, text.find('\n')); }
 
-// Takes the parts of a line off its front.
+// Takes the fields of a line off its front.
 class LineReader {
  public:
   explicit LineReader(std::string_view line) : rest_(line) {}
@@ -49,13 +49,9 @@ class LineReader {
     return true;
   }
 
-  template <typename Number>
-  bool TakeNumber(Number* number) {
-    const char* const end = rest_.data() + rest_.size();
-    const auto [stop, error] = std::from_chars(rest_.data(), end, *number);
-    if (error != std::errc()) return false;
-    rest_.remove_prefix(static_cast<std::size_t>(stop - rest_.data()));
-    return true;
+  bool TakeState(FileState* state) {
+    return Take("size=") && TakeNumber(&state->bytes) && Take(" mtime=") &&
+           TakeNumber(&state->mtime_seconds) && Take(".") && TakeNumber(&state->mtime_nanoseconds);
   }
 
   bool TakeDigits(std::size_t count, std::string* digits) {
@@ -65,9 +61,18 @@ class LineReader {
            digits->find_first_not_of("0123456789abcdef") == std::string::npos;
   }
 
-  bool is_at_end() const { return rest_.empty(); }
+  std::string_view rest() const { return rest_; }
 
  private:
+  template <typename Number>
+  bool TakeNumber(Number* number) {
+    const char* const end = rest_.data() + rest_.size();
+    const auto [stop, error] = std::from_chars(rest_.data(), end, *number);
+    if (error != std::errc()) return false;
+    rest_.remove_prefix(static_cast<std::size_t>(stop - rest_.data()));
+    return true;
+  }
+
   std::string_view rest_;
 };
 
@@ -82,17 +87,23 @@ bool HaveSameContent(const Fingerprint& left, const Fingerprint& right) {
   return left.state.bytes == right.state.bytes && left.hash == right.hash;
 }
 
+std::optional<FileState> FileStateIn(std::string_view user_record) {
+  FileState state;
+  LineReader line(user_record);
+  if (!line.TakeState(&state)) return std::nullopt;
+  const bool ends = line.rest().empty() || line.rest()[0] == ' ' || line.rest()[0] == '\n';
+  return ends ? std::optional(state) : std::nullopt;
+}
+
 std::optional<Fingerprint> FingerprintIn(std::string_view user_record) {
   Fingerprint found;
   LineReader line(FirstLine(user_record));
-  const bool whole = line.Take("size=") && line.TakeNumber(&found.state.bytes) &&
-                     line.Take(" mtime=") && line.TakeNumber(&found.state.mtime_seconds) &&
-                     line.Take(".") && line.TakeNumber(&found.state.mtime_nanoseconds) &&
-                     line.Take(" hash=") && line.TakeDigits(kHashDigits, &found.hash);
-  if (!whole) return std::nullopt;
-  if (line.is_at_end()) return found;
+  const bool has_content = line.TakeState(&found.state) && line.Take(" hash=") &&
+                           line.TakeDigits(kHashDigits, &found.hash);
+  if (!has_content) return std::nullopt;
+  if (line.rest().empty()) return found;
   const bool has_reading = line.Take(" read=") && line.TakeDigits(kReadingDigits, &found.reading);
-  if (!has_reading || !line.is_at_end()) return std::nullopt;
+  if (!has_reading || !line.rest().empty()) return std::nullopt;
   return found;
 }
 

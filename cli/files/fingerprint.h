@@ -1,11 +1,11 @@
-// What tells whether a file has changed since it was indexed. It is kept in the first line of the
-// document's user record:
+// How the index recognises that a file has changed. The first line of a document's user record is
+// the fingerprint of its file:
 //
 //   size=1234 mtime=1700000000.123456789 hash=00112233445566778899aabbccddeeff
 //
-// A file that was read in another way than its name alone says has " read=0123456789abcdef" there.
-// The lines below it are the user's own and stay as they are. A record without such a first line is
-// a user's own as a whole, and the line is put before it.
+// " read=0123456789abcdef" follows if the file was not read as its name alone says. The lines below
+// belong to the user and stay as they are. A record without such a first line belongs to the user
+// as a whole, and the fingerprint is put before it.
 #ifndef KESTAN_CLI_FILES_FINGERPRINT_H_
 #define KESTAN_CLI_FILES_FINGERPRINT_H_
 
@@ -19,7 +19,7 @@ struct XXH3_state_s;
 
 namespace kestan_cli {
 
-// What the system tells about a file without reading it.
+// What the system knows of a file without reading it. A file of the same state has not changed.
 struct FileState {
   std::uint64_t bytes = 0;
   std::int64_t mtime_seconds = 0;  // since 1970
@@ -32,14 +32,19 @@ inline bool operator!=(const FileState& left, const FileState& right) { return !
 struct Fingerprint {
   FileState state;
   std::string hash;  // of the file's bytes: 32 hexadecimal digits
-  // How the file was read, in 16 hexadecimal digits; empty where its name alone says it.
+  // How the file was read: 16 hexadecimal digits; empty if its name alone says it.
   std::string reading{};
 };
 
-// Whether the two are of files with the same bytes.
+// Returns whether the two files hold the same bytes.
 bool HaveSameContent(const Fingerprint& left, const Fingerprint& right);
 
-// Returns the fingerprint in the first line of `user_record`, if there is one.
+// Returns the state at the start of `user_record`: "size=BYTES mtime=SECONDS.NANOSECONDS", then a
+// blank, a line feed or the end. The rest of the record may be anything.
+//   Returns  nothing if the record does not start so.
+std::optional<FileState> FileStateIn(std::string_view user_record);
+
+// Returns the fingerprint in the first line of `user_record`; nothing if that line is none.
 std::optional<Fingerprint> FingerprintIn(std::string_view user_record);
 
 // Returns `user_record` with `fingerprint` in its first line, and the user's own lines below.

@@ -60,7 +60,7 @@ FileState StateOf(const struct stat& status) {
           static_cast<std::uint32_t>(status.st_mtim.tv_nsec)};
 }
 
-SteadyFile::SteadyFile(const std::string& path) : path_(path), file_(Open(path)) {
+StableFile::StableFile(const std::string& path) : path_(path), file_(Open(path)) {
   const struct stat status = StatusOf(file_.get());
   if (!S_ISREG(status.st_mode)) throw SkipFile(SkipKind::kChanging, "not a file");
   state_ = StateOf(status);
@@ -69,7 +69,7 @@ SteadyFile::SteadyFile(const std::string& path) : path_(path), file_(Open(path))
   WaitForNextTick(state_);
 }
 
-bool SteadyFile::Read(std::string_view* piece) {
+bool StableFile::Read(std::string_view* piece) {
   const std::size_t bytes = std::fread(piece_.data(), 1, piece_.size(), file_.get());
   if (bytes == 0 && std::ferror(file_.get()) != 0) throw Unreadable(errno);
   bytes_read_ += bytes;
@@ -79,7 +79,7 @@ bool SteadyFile::Read(std::string_view* piece) {
   return bytes > 0;
 }
 
-Fingerprint SteadyFile::Finish() const {
+Fingerprint StableFile::Finish() const {
   struct stat named {};
   if (stat(path_.c_str(), &named) != 0) {
     throw SkipFile(SkipKind::kChanging, "vanished while it was read");

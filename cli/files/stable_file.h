@@ -19,12 +19,12 @@ namespace kestan_cli {
 FileState StateOf(const struct stat& status);
 
 // A file, read from its beginning to its end, hashed on the way.
-class SteadyFile {
+class StableFile {
  public:
   // Opens the file at `path`. Where it was changed within the last tick of the file system's clock,
   // waits for the next: a change after this one could not be told from it by its time.
   //   Throws   SkipFile if it cannot be opened or is no regular file.
-  explicit SteadyFile(const std::string& path);
+  explicit StableFile(const std::string& path);
 
   const FileState& state() const { return state_; }
 

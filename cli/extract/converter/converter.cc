@@ -114,6 +114,11 @@ Converters::Converters(const std::vector<std::string>& given) {
   }
 }
 
+const Converters& Converters::BuiltIn() {
+  static const Converters built_in({});
+  return built_in;
+}
+
 const Converter* Converters::Find(std::string_view name, std::string_view head) const {
   const std::string extension = ExtensionOf(name);
   for (const Converter& converter : converters_) {

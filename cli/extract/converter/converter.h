@@ -28,6 +28,9 @@ class Converters {
   //   Throws   CommandError for one that cannot be read.
   explicit Converters(const std::vector<std::string>& given);
 
+  // Returns the table of those that come with the command, and no others.
+  static const Converters& BuiltIn();
+
   // Finds the converter for the file `name`, which begins with `head`.
   //   Returns  nullptr if there is none. The table owns it.
   const Converter* Find(std::string_view name, std::string_view head) const;

@@ -8,7 +8,7 @@ namespace kestan_cli {
 namespace {
 
 std::string TitleOf(const std::string& markdown) {
-  return std::string(SplitMarkdown(markdown).title);
+  return std::string(SplitAtTitle(markdown, TitleRule::kMarkdown).title);
 }
 
 TEST(TitleTest, FirstLineThatIsNotBlankIsTheTitle) {
@@ -24,8 +24,8 @@ TEST(TitleTest, MarkdownHeadingIsTheTitle) {
 }
 
 TEST(TitleTest, RestBeginsAfterTheHeading) {
-  EXPECT_EQ(SplitMarkdown("badge\n# T\nrest\n").rest, "rest\n");
-  EXPECT_EQ(SplitMarkdown("T\n===\nrest\n").rest, "rest\n");
+  EXPECT_EQ(SplitAtTitle("badge\n# T\nrest\n", TitleRule::kMarkdown).rest, "rest\n");
+  EXPECT_EQ(SplitAtTitle("T\n===\nrest\n", TitleRule::kMarkdown).rest, "rest\n");
 }
 
 TEST(TitleTest, HashesWithoutABlankOrTooManyAreNoHeading) {
@@ -47,7 +47,7 @@ TEST(TitleTest, CodeHasNoHeadings) {
 
 TEST(TitleTest, FieldsBeforeTheTextNameTheTitle) {
   EXPECT_EQ(TitleOf("---\nauthor: x\ntitle: \"Named\"\n---\n# Heading"), "Named");
-  EXPECT_EQ(SplitMarkdown("---\ntitle: T\n---\nrest").rest, "rest");
+  EXPECT_EQ(SplitAtTitle("---\ntitle: T\n---\nrest", TitleRule::kMarkdown).rest, "rest");
 }
 
 TEST(TitleTest, FieldsAreNoHeading) {

@@ -68,6 +68,28 @@ TEST(FingerprintTest, OtherLinesAreNone) {
   EXPECT_FALSE(FingerprintIn("size=99999999999999999999 mtime=1.0 hash=" + kHash).has_value());
 }
 
+std::string StateIn(const std::string& record) {
+  const auto state = FileStateIn(record);
+  if (!state) return "nothing";
+  return std::to_string(state->bytes) + " " + std::to_string(state->mtime_seconds) + " " +
+         std::to_string(state->mtime_nanoseconds);
+}
+
+TEST(FileStateTest, IsSizeAndTime) {
+  EXPECT_EQ(StateIn("size=12 mtime=1700000000.000000345"), "12 1700000000 345");
+  EXPECT_EQ(StateIn("size=0 mtime=-1.5 hash=xyz\n"), "0 -1 5");
+  EXPECT_EQ(StateIn("size=5000000000 mtime=1.2\n"), "5000000000 1 2");
+  EXPECT_EQ(StateIn(ExampleLine() + "\nmy notes"), "1234 1700000000 5");
+}
+
+TEST(FileStateTest, OtherRecordsHaveNone) {
+  for (const char* record : {"", "size=", "size=12", "size=12 mtime=", "size=12 mtime=3",
+                             "size=12 mtime=3.", "size=12 mtime=3.4x", "size=-1 mtime=3.4",
+                             "mtime=3.4 size=12", " size=1 mtime=3.4", "hello"}) {
+    EXPECT_EQ(StateIn(record), "nothing") << record;
+  }
+}
+
 std::string HashOf(const std::string& text) {
   ContentHash hash;
   hash.Add(text);

@@ -14,14 +14,14 @@
 namespace kestan_cli {
 namespace {
 
-class SteadyFileTest : public kestan_tests::CommandTest {
+class StableFileTest : public kestan_tests::CommandTest {
  protected:
   // Reads the file `name`, with `meanwhile` done after its first piece.
   //   Returns  what was read, or the reason why not.
   std::string Read(
       const std::string& name, const std::function<void()>& meanwhile = [] {}) {
     try {
-      SteadyFile file(Path(name));
+      StableFile file(Path(name));
       std::string text;
       std::string_view piece;
       while (file.Read(&piece)) {
@@ -38,7 +38,7 @@ class SteadyFileTest : public kestan_tests::CommandTest {
   Fingerprint fingerprint_;
 };
 
-TEST_F(SteadyFileTest, AllBytesAreReadAndHashed) {
+TEST_F(StableFileTest, AllBytesAreReadAndHashed) {
   const std::string text = std::string(300000, 'x') + "\r\n\xff" + std::string(1, '\0');
   Write("a", text);
   EXPECT_EQ(Read("a"), text);
@@ -48,13 +48,13 @@ TEST_F(SteadyFileTest, AllBytesAreReadAndHashed) {
   EXPECT_EQ(fingerprint_.state.bytes, text.size());
 }
 
-TEST_F(SteadyFileTest, EmptyFileIsRead) {
+TEST_F(StableFileTest, EmptyFileIsRead) {
   Write("a", "");
   EXPECT_EQ(Read("a"), "");
   EXPECT_EQ(fingerprint_.state.bytes, 0u);
 }
 
-TEST_F(SteadyFileTest, TimeIsThatOfTheFile) {
+TEST_F(StableFileTest, TimeIsThatOfTheFile) {
   Write("a", "text");
   const timespec times[] = {{0, 0}, {1000000000, 123456789}};
   ASSERT_EQ(utimensat(AT_FDCWD, Path("a").c_str(), times, 0), 0);
@@ -62,33 +62,33 @@ TEST_F(SteadyFileTest, TimeIsThatOfTheFile) {
   EXPECT_EQ(fingerprint_.state, (FileState{4, 1000000000, 123456789}));
 }
 
-TEST_F(SteadyFileTest, MissingFileIsTold) {
+TEST_F(StableFileTest, MissingFileIsTold) {
   EXPECT_EQ(Read("a"), "unreadable: no such file or folder");
 }
 
-TEST_F(SteadyFileTest, FileThatGrowsIsTold) {
+TEST_F(StableFileTest, FileThatGrowsIsTold) {
   Write("a", "text");
   EXPECT_EQ(Read("a", [this] { Write("a", "longer text"); }),
             "changing: changed while it was read");
 }
 
-TEST_F(SteadyFileTest, FileThatShrinksIsTold) {
+TEST_F(StableFileTest, FileThatShrinksIsTold) {
   Write("a", std::string(300000, 'x'));
   EXPECT_EQ(Read("a", [this] { Write("a", "x"); }), "changing: changed while it was read");
 }
 
-TEST_F(SteadyFileTest, FileOverwrittenInItsLengthIsTold) {
+TEST_F(StableFileTest, FileOverwrittenInItsLengthIsTold) {
   Write("a", "text");
   EXPECT_EQ(Read("a", [this] { Write("a", "tex2"); }), "changing: changed while it was read");
 }
 
-TEST_F(SteadyFileTest, FileThatVanishesIsTold) {
+TEST_F(StableFileTest, FileThatVanishesIsTold) {
   Write("a", "text");
   EXPECT_EQ(Read("a", [this] { std::filesystem::remove(Path("a")); }),
             "changing: vanished while it was read");
 }
 
-TEST_F(SteadyFileTest, FileThatIsReplacedIsTold) {
+TEST_F(StableFileTest, FileThatIsReplacedIsTold) {
   Write("a", "text");
   Write("b", "text");
   std::filesystem::last_write_time(Path("b"), std::filesystem::last_write_time(Path("a")));
@@ -96,18 +96,18 @@ TEST_F(SteadyFileTest, FileThatIsReplacedIsTold) {
             "changing: changed while it was read");
 }
 
-TEST_F(SteadyFileTest, PipeInAFilesPlaceIsNotWaitedFor) {
+TEST_F(StableFileTest, PipeInAFilesPlaceIsNotWaitedFor) {
   ASSERT_EQ(mkfifo(Path("a").c_str(), 0644), 0);
   EXPECT_EQ(Read("a"), "changing: not a file");
 }
 
-TEST_F(SteadyFileTest, FolderInAFilesPlaceIsTold) {
+TEST_F(StableFileTest, FolderInAFilesPlaceIsTold) {
   std::filesystem::create_directory(Path("a"));
   EXPECT_EQ(Read("a"), "changing: not a file");
 }
 
 // Without the wait, the second version could have the time of the first.
-TEST_F(SteadyFileTest, ChangeRightAfterReadingShowsInTheTime) {
+TEST_F(StableFileTest, ChangeRightAfterReadingShowsInTheTime) {
   for (int i = 0; i < 20; ++i) {
     Write("a", "text");
     ASSERT_EQ(Read("a"), "text");
@@ -118,7 +118,7 @@ TEST_F(SteadyFileTest, ChangeRightAfterReadingShowsInTheTime) {
   }
 }
 
-TEST_F(SteadyFileTest, OldFilesAndThoseOfTheFutureAreNotWaitedFor) {
+TEST_F(StableFileTest, OldFilesAndThoseOfTheFutureAreNotWaitedFor) {
   Write("a", "text");
   for (const long seconds : {1000000000L, 2000000000L}) {
     const timespec times[] = {{0, 0}, {seconds, 0}};

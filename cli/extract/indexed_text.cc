@@ -1,0 +1,163 @@
+#include "cli/extract/indexed_text.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <string_view>
+#include <utility>
+
+#include "cli/console/message.h"
+#include "cli/console/output.h"
+#include "cli/extract/title.h"
+#include "cli/files/skip.h"
+#include "cli/files/stable_file.h"
+
+namespace kestan_cli {
+namespace {
+
+constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
+
+// Returns the fingerprint in a user record. One without a hash was read as the name says.
+std::optional<Fingerprint> RecordedFingerprint(const std::string& user_record) {
+  if (const auto fingerprint = FingerprintIn(user_record)) return fingerprint;
+  const auto state = FileStateIn(user_record);
+  if (!state.has_value()) return std::nullopt;
+  return Fingerprint{*state, ""};
+}
+
+bool IsUnchanged(const std::string& path, const FileState& indexed) {
+  struct stat status {};
+  // Looked at before it is opened: a pipe would wait for a writer.
+  return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && StateOf(status) == indexed;
+}
+
+OpenFile OpenForReading(const std::string& path) {
+  OpenFile file(std::fopen(path.c_str(), "rb"));
+  if (file == nullptr) throw SkipFile(SkipKind::kUnreadable, ReasonOf(errno));
+  std::setvbuf(file.get(), nullptr, _IONBF, 0);  // pieces are large
+  return file;
+}
+
+// Appends what comes next in `file`, until `*bytes` holds `max_bytes` or the file ends.
+void ReadUpTo(std::uint64_t max_bytes, std::FILE* file, std::string* bytes) {
+  const std::size_t had = bytes->size();
+  bytes->resize(static_cast<std::size_t>(max_bytes));
+  bytes->resize(had + std::fread(bytes->data() + had, 1, bytes->size() - had, file));
+  if (std::ferror(file) != 0) throw SkipFile(SkipKind::kUnreadable, ReasonOf(errno));
+}
+
+bool ContinuesCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xc0) == 0x80; }
+
+void DropLastCharacter(std::string* text) {
+  while (!text->empty() && ContinuesCharacter(text->back())) text->pop_back();
+  if (!text->empty()) text->pop_back();
+}
+
+// Drops the last word of a text that was cut. A text without blanks loses as many characters as the
+// bytes of a character that was cut can have become.
+void DropCutWord(std::string* text) {
+  constexpr std::size_t kMaxDropped = 256;
+  const std::size_t blank = text->find_last_of(kWhiteSpace);
+  if (blank != std::string::npos && text->size() - blank <= kMaxDropped) {
+    text->resize(blank);
+  } else {
+    for (int i = 0; i < 3; ++i) DropLastCharacter(text);
+  }
+}
+
+void CutTo(std::size_t max_bytes, std::string* text) {
+  if (text->size() <= max_bytes) return;
+  text->resize(max_bytes);
+  DropCutWord(text);
+}
+
+// Returns whether the index keeps the summary that is made of `text`, or its title if there is no
+// summary. Other text begins in another way.
+bool BeginsAsIndexed(const FileText& text, const DocumentRecords& document) {
+  const TitledText titled = SplitAtTitle(text.text, text.title_rule);
+  const std::string summary = Excerpt(titled.rest, kMaxSummaryBytes);
+  if (!summary.empty() || !document.summary.empty()) return summary == document.summary;
+  return Excerpt(titled.title, kMaxTitleBytes) == document.title;
+}
+
+// Takes the time that it lives from `*left`.
+class TimeTaker {
+ public:
+  explicit TimeTaker(std::chrono::milliseconds* left) : left_(*left) {}
+  ~TimeTaker() {
+    left_ -= std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start_);
+  }
+  TimeTaker(const TimeTaker&) = delete;
+  TimeTaker& operator=(const TimeTaker&) = delete;
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  std::chrono::milliseconds& left_;
+  const Clock::time_point start_ = Clock::now();
+};
+
+}  // namespace
+
+IndexedTextReader::IndexedTextReader(const std::vector<std::string>& converters, ConverterTime time)
+    : converters_(converters), time_(time) {}
+
+std::optional<std::string> IndexedTextReader::Read(const DocumentRecords& document) {
+  const auto fingerprint = RecordedFingerprint(document.user);
+  if (!fingerprint.has_value() || !IsUnchanged(document.name, fingerprint->state)) {
+    return std::nullopt;
+  }
+  try {
+    return TextOfUnchanged(document, *fingerprint);
+  } catch (const SkipFile&) {
+    return std::nullopt;
+  }
+}
+
+std::optional<std::string> IndexedTextReader::TextOfUnchanged(const DocumentRecords& document,
+                                                              const Fingerprint& fingerprint) {
+  const bool is_read_by_name = fingerprint.reading.empty();
+  bool is_cut = false;
+  LoadedFile file{document.name, "", fingerprint, nullptr, ""};
+  Load(is_read_by_name ? Converters::BuiltIn() : converters_, &file, &is_cut);
+  const bool is_read_alike = is_read_by_name || IsReadAlike(file, file.name, fingerprint,
+                                                            ReadingRules{converters_, {}, 0, {}});
+  FileText text = TextOf(std::move(file));
+  if (is_cut) DropCutWord(&text.text);
+  if (!is_read_alike && !BeginsAsIndexed(text, document)) return std::nullopt;
+  CutTo(kMaxShownText, &text.text);
+  return std::move(text.text);
+}
+
+// Reads as much of the file as is needed, and sets `*is_cut` if that is not all.
+void IndexedTextReader::Load(const Converters& converters, LoadedFile* file, bool* is_cut) {
+  const OpenFile opened = OpenForReading(file->name);
+  const std::uint64_t bytes = file->fingerprint.state.bytes;
+  ReadUpTo(std::min<std::uint64_t>(bytes, kHeadBytes), opened.get(), &file->head);
+  file->converter = converters.Find(file->name, file->head);
+  std::size_t max_bytes = kMaxShownText;
+  if (file->converter != nullptr) {
+    ConvertInTime(file);
+    *is_cut = file->bytes.size() > max_bytes;
+    file->bytes.resize(std::min(file->bytes.size(), max_bytes));
+    return;
+  }
+  if (FormatOf(file->name) == Format::kHtml) max_bytes = kMaxShownPage;
+  *is_cut = bytes > max_bytes;
+  file->bytes = file->head;
+  ReadUpTo(std::min<std::uint64_t>(bytes, max_bytes), opened.get(), &file->bytes);
+}
+
+void IndexedTextReader::ConvertInTime(LoadedFile* file) {
+  if (time_.all.count() <= 0) throw SkipFile(SkipKind::kConversion, "no time left");
+  const auto seconds_left = std::chrono::duration_cast<std::chrono::seconds>(time_.all).count() + 1;
+  CommandLimits limits;
+  limits.seconds = static_cast<unsigned>(std::min<long long>(time_.seconds_each, seconds_left));
+  const TimeTaker taker(&time_.all);
+  ConvertFile(file, limits);
+}
+
+}  // namespace kestan_cli

@@ -1,0 +1,42 @@
+// How a file is read: its format, its converter, and what is left out of its words.
+#ifndef KESTAN_CLI_EXTRACT_READING_H_
+#define KESTAN_CLI_EXTRACT_READING_H_
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "cli/extract/converter/converter.h"
+#include "cli/extract/document.h"
+
+namespace kestan_cli {
+
+enum class Format { kText, kMarkdown, kHtml };
+
+// Returns the format that the extension of `name` stands for.
+Format FormatOf(const std::string& name);
+
+// How to read files. Borrows the table.
+struct ReadingRules {
+  const Converters& converters;
+  CommandLimits limits;         // of a converter
+  std::uint64_t max_bytes = 0;  // of a file that needs none; at most kMaxTextBytes
+  WordRules words;
+};
+
+// Returns 16 hexadecimal digits that stand for how `rules` read the file `name`, which begins with
+// `head`: its format or the command of its converter, and the words left out. Equal digits and
+// equal bytes make equal documents.
+std::string ReadingDigits(const std::string& name, std::string_view head,
+                          const ReadingRules& rules);
+
+// Returns the digits of a file that is read as its name alone says: with the converters that come
+// with the command, and with no words left out.
+std::string ReadingDigitsByName(const std::string& name, std::string_view head);
+
+// Returns whether the two are the same.
+bool IsReadByName(const std::string& name, std::string_view head, const ReadingRules& rules);
+
+}  // namespace kestan_cli
+
+#endif  // KESTAN_CLI_EXTRACT_READING_H_
