@@ -2,16 +2,15 @@
 
 #include <kestan/maintenance.h>
 
-#include <array>
-#include <cstdio>
 #include <memory>
 
 #include "cli/app/commands.h"
 #include "cli/console/message.h"
 #include "cli/console/output.h"
-#include "cli/export/export_writer.h"
-#include "cli/export/latin1.h"
+#include "cli/export/json_writer.h"
+#include "cli/export/sql_writer.h"
 #include "cli/index/opened_index.h"
+#include "search/text/utf8.h"
 
 namespace kestan_cli {
 namespace {
@@ -69,39 +68,16 @@ class Exporter {
 };
 
 std::unique_ptr<ExportWriter> MakeWriter(const ExportOptions& options) {
-  if (options.target.empty() || !IsUtf8(options.target)) {
+  if (options.target.empty() || !kestan::search::IsUtf8(options.target)) {
     throw CommandError("the name of the target is empty or not UTF-8");
   }
   if (options.form == ExportForm::kSql) return std::make_unique<SqlWriter>(options.target);
   return std::make_unique<JsonWriter>(options.target);
 }
 
-unsigned DaysOf(unsigned year) {
-  return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0) ? 366 : 365;
-}
-
-unsigned DaysOf(unsigned month, unsigned year) {
-  constexpr std::array<unsigned, 12> kDays = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  return kDays[month] + (month == 1 ? DaysOf(year) - 365 : 0);
-}
-
 }  // namespace
 
 void Warn(const std::string& what) { Say("kestan: " + what); }
-
-// By hand, for time_t has 32 bits on some hosts, which end in 2038; those of an index end in 2106.
-std::string IsoTime(std::uint32_t seconds) {
-  unsigned days = seconds / 86400;
-  unsigned year = 1970;
-  while (days >= DaysOf(year)) days -= DaysOf(year++);
-  unsigned month = 0;
-  while (days >= DaysOf(month, year)) days -= DaysOf(month++, year);
-  std::array<char, 32> text;
-  std::snprintf(text.data(), text.size(), "%04u-%02u-%02uT%02u:%02u:%02uZ", year, month + 1,
-                days + 1, static_cast<unsigned>(seconds / 3600 % 24),
-                static_cast<unsigned>(seconds / 60 % 60), static_cast<unsigned>(seconds % 60));
-  return text.data();
-}
 
 int RunExport(Kestan&, const std::string& index, const ExportOptions& options) {
   const std::unique_ptr<ExportWriter> writer = MakeWriter(options);

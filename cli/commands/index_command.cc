@@ -12,7 +12,7 @@
 #include "cli/console/progress.h"
 #include "cli/extract/file_text.h"
 #include "cli/extract/stop_words.h"
-#include "cli/files/path_list.h"
+#include "cli/files/paths.h"
 #include "cli/files/scan.h"
 #include "cli/index/opened_index.h"
 #include "cli/sync/change_plan.h"

@@ -1,8 +1,10 @@
+#include "cli/export/json_writer.h"
+
 #include <optional>
 
 #include "cli/console/json.h"
 #include "cli/console/message.h"
-#include "cli/export/export_writer.h"
+#include "cli/export/iso_time.h"
 
 namespace kestan_cli {
 namespace {
@@ -41,7 +43,7 @@ std::string JsonWriter::Add(const kestan::StoredDocument& document, ExportNotes*
   return JsonLine(action) + JsonLine(source);
 }
 
-// Two documents with one id would be one at the server.
+// The server would take two documents with one id for one.
 bool JsonWriter::IsUsableId(const std::string& name) {
   const bool fits = !name.empty() && name.size() <= kMaxIdBytes;
   if (fits && ids_.insert(name).second) return true;

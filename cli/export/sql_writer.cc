@@ -1,7 +1,9 @@
+#include "cli/export/sql_writer.h"
+
 #include <optional>
 
 #include "cli/console/message.h"
-#include "cli/export/export_writer.h"
+#include "cli/export/iso_time.h"
 #include "cli/export/tsvector.h"
 
 namespace kestan_cli {

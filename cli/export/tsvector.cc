@@ -7,8 +7,9 @@
 #include <vector>
 
 #include "cli/console/message.h"
-#include "cli/export/latin1.h"
-#include "cli/files/text_hash.h"
+#include "cli/export/text_hash.h"
+#include "cli/extract/ascii.h"
+#include "cli/extract/charset/latin1.h"
 
 namespace kestan_cli {
 namespace {
@@ -29,16 +30,14 @@ class Lexemes {
 
  private:
   void Add(const kestan::PlacedWord& word) {
-    std::string bytes = WithoutNuls(ToUtf8(word.bytes, &made_.was_latin1), &made_.had_nul);
-    for (char& byte : bytes) {
-      if (byte >= 'A' && byte <= 'Z') byte = static_cast<char>(byte - 'A' + 'a');
-    }
+    std::string bytes =
+        AsciiLower(WithoutNuls(Utf8OrAllLatin1(word.bytes, &made_.was_latin1), &made_.had_nul));
     const auto [found, is_new] = numbers_.emplace(std::move(bytes), lexemes_.size());
     if (is_new) lexemes_.push_back({found->first, {}});
     AddPosition(word.position, &lexemes_[found->second].positions);
   }
 
-  // Positions ascend, and those of two spellings of a word may be the same.
+  // Positions ascend. Two spellings of a word may have the same.
   void AddPosition(unsigned position, std::vector<unsigned>* positions) {
     if (position == 0 || (!positions->empty() && positions->back() == position)) return;
     if (position > kMaxLexemePosition) {
@@ -56,7 +55,7 @@ class Lexemes {
 };
 
 // Returns the most bytes that the server needs for the lexeme: its text, and its positions on an
-// even address behind their count.
+// even address after their count.
 std::size_t BytesInServer(const Lexeme& lexeme) {
   const std::size_t units = lexeme.positions.empty() ? 0 : 1 + lexeme.positions.size();
   return lexeme.bytes.size() + 1 + 2 * units;

@@ -30,16 +30,16 @@ struct TsVectorLosses {
 struct TsVector {
   std::string text;  // what the server reads, as 'hello':1 'world':2; UTF-8
   TsVectorLosses losses;
-  bool was_latin1 = false;  // a word was not UTF-8
-  bool had_nul = false;     // a NUL has become U+FFFD
+  bool was_latin1 = false;  // some word was not UTF-8
+  bool had_nul = false;     // some NUL has become U+FFFD
 };
 
-// Makes a tsvector of the words of `document`: each once, with A-Z small, in the order in which
-// they first occur, and with its positions where they are known.
+// Makes a tsvector of the words of `document`: each once, in lower case (A-Z), in the order of
+// their first occurrences, and with its positions if they are known.
 TsVector MakeTsVector(const kestan::StoredDocument& document);
 
-// Returns `text` with U+FFFD for each NUL, which PostgreSQL does not take, and sets `*had_nul`,
-// which it never clears.
+// Returns `text` with U+FFFD for each NUL, which PostgreSQL does not accept, and sets `*had_nul` if
+// there was one; it is never cleared.
 std::string WithoutNuls(std::string text, bool* had_nul);
 
 }  // namespace kestan_cli

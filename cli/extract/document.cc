@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "cli/extract/ascii.h"
 #include "cli/files/skip.h"
 #include "search/text/lines.h"
 #include "search/text/transliterate.h"
@@ -17,14 +18,12 @@ using kestan::search::CleanWords;
 using kestan::search::LinesOf;
 using kestan::search::Transliterated;
 
-constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
-
 bool IsWhiteSpace(char byte) { return kWhiteSpace.find(byte) != std::string_view::npos; }
 
 bool ContinuesCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xc0) == 0x80; }
 
-// Returns where to cut `line`, at `max_bytes` or up to three bytes before: a UTF-8 character has
-// four at most, and text in another encoding is cut where it comes.
+// Returns where to cut `line`: at `max_bytes`, or up to three bytes before, where a character of
+// UTF-8 starts. Text that is not UTF-8 is cut at `max_bytes`.
 std::size_t CutAt(const std::string& line, std::size_t max_bytes) {
   for (std::size_t at = max_bytes; at + 4 > max_bytes; --at) {
     if (!ContinuesCharacter(line[at])) return at;
@@ -38,18 +37,18 @@ bool IsBase64(char byte) {
          (byte >= '0' && byte <= '9') || byte == '+' || byte == '/' || byte == '=';
 }
 
-// Returns how wide a line of base64 is, 0 if `line` is none.
+// Returns the length of a line of base64; 0 if `line` is none.
 std::size_t WidthOfBase64(std::string_view line) {
   line = line.substr(0, line.find_last_not_of('\r') + 1);
   return std::all_of(line.begin(), line.end(), IsBase64) ? line.size() : 0;
 }
 
-// Empties the lines of blocks of base64 as mail (76 bytes) and keys (64) have them, of which the
-// engine knows but 72: two lines or more of that width, and a shorter one at the end.
+// Empties the lines of base64 blocks in mail (76 columns) and in keys (64); the engine accepts only
+// 72-column lines. A block is two or more lines of that width and a shorter one at the end.
 std::string StripBase64(std::string_view text) {
   std::string kept;
   kept.reserve(text.size() + 1);
-  std::size_t block = 0;  // the width of the block that the line before is in, 0 outside of blocks
+  std::size_t block = 0;  // the width of the current block, 0 outside of blocks
   std::size_t next = 0;   // the width of the next line
   const std::vector<std::string_view> lines = LinesOf(text);
   for (std::size_t i = 0; i < lines.size(); ++i) {
@@ -98,7 +97,7 @@ Document MakeDocument(std::string text, TitleRule rule, const WordRules& rules) 
   document.summary = Excerpt(titled.rest, kMaxSummaryBytes);
   text = Transliterated(text);
   if (text.size() > kMaxTextBytes) throw SkipFile(SkipKind::kTooLarge, "too much text");
-  // After the accents have gone: to the engine a line with a byte above 127 is encoded data.
+  // After the accents have gone: the engine takes a line with a byte above 127 for encoded data.
   if (rules.strip_encoded) text = StripLines(std::move(text));
   document.words = CleanWords(std::move(text), rules.stop_words);
   return document;

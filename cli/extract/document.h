@@ -1,4 +1,4 @@
-// From the text of a file to what the index keeps of it.
+// Makes the text of a file into what the index keeps of it.
 #ifndef KESTAN_CLI_EXTRACT_DOCUMENT_H_
 #define KESTAN_CLI_EXTRACT_DOCUMENT_H_
 
@@ -17,26 +17,26 @@ constexpr std::size_t kMaxTitleBytes = 200;
 constexpr std::size_t kMaxSummaryBytes = 300;
 
 struct Document {
-  std::string title;    // in at most kMaxTitleBytes
-  std::string summary;  // the beginning of what follows the title, in at most kMaxSummaryBytes
+  std::string title;    // at most kMaxTitleBytes
+  std::string summary;  // how the text goes on after the title, at most kMaxSummaryBytes
   std::string words;    // what the engine indexes
-  std::string note{};   // why not all of the text is in them; empty if it is
+  std::string note{};   // why some of the text is missing; empty if none is
 };
 
 // What to leave out of the words.
 struct WordRules {
-  std::string stop_words;      // separated by anything but letters; none leave all words in
+  std::string stop_words;      // separated by anything but letters; may be empty
   bool strip_encoded = false;  // blocks of uuencode and base64
 };
 
-// Makes a document of `text` (UTF-8, no NUL). Its words are in ASCII letters, whatever the script.
-// With stop words, words of one or two letters are left out too.
+// Makes a document of `text` (UTF-8, no NUL). Its words are transliterated to ASCII letters. With
+// stop words, words of one or two letters are left out too.
 //   Throws   SkipFile if the words take more than kMaxTextBytes.
 Document MakeDocument(std::string text, TitleRule rule = TitleRule::kFirstLine,
                       const WordRules& rules = {});
 
-// Returns the beginning of `text` as one line: trimmed, with one blank for every run of white
-// space. It is at most `max_bytes` long and does not end within a UTF-8 character.
+// Returns the start of `text` as one trimmed line, with one blank for every run of white space: at
+// most `max_bytes`, and no part of a UTF-8 character at the end.
 std::string Excerpt(std::string_view text, std::size_t max_bytes);
 
 }  // namespace kestan_cli

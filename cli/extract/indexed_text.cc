@@ -11,14 +11,13 @@
 
 #include "cli/console/message.h"
 #include "cli/console/output.h"
+#include "cli/extract/ascii.h"
 #include "cli/extract/title.h"
 #include "cli/files/skip.h"
 #include "cli/files/stable_file.h"
 
 namespace kestan_cli {
 namespace {
-
-constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
 
 // Returns the fingerprint in a user record. One without a hash was read as the name says.
 std::optional<Fingerprint> RecordedFingerprint(const std::string& user_record) {

@@ -6,10 +6,10 @@
 
 namespace kestan_cli {
 
-// Returns the stop words that `choice` names, separated by white space: none for "", a list of
-// its own for "english", else those in the file at the path `choice`, in any script. Spelled as
-// words are indexed: without accents and apostrophes.
-//   Throws   CommandError if the file cannot be read or is no text.
+// Returns the stop words that `choice` names, separated by white space: none for "", the built-in
+// list for "english", else those in the file at the path `choice`, in any script. They are spelled
+// as words are indexed: without accents and apostrophes.
+//   Throws   CommandError if the file cannot be read or is not a text.
 std::string StopWords(const std::string& choice);
 
 }  // namespace kestan_cli

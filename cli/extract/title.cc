@@ -3,16 +3,12 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "cli/extract/ascii.h"
+
 namespace kestan_cli {
 namespace {
 
-constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
 constexpr std::size_t kMaxHashes = 6;
-
-std::string_view Trimmed(std::string_view text) {
-  text.remove_prefix(std::min(text.find_first_not_of(kWhiteSpace), text.size()));
-  return text.substr(0, text.find_last_not_of(kWhiteSpace) + 1);
-}
 
 // Takes the first line off `*text`, without its line feed.
 std::string_view TakeLine(std::string_view* text) {
@@ -27,7 +23,7 @@ bool StartsWith(std::string_view text, std::string_view start) {
 
 bool IsFence(std::string_view line) { return StartsWith(line, "```") || StartsWith(line, "~~~"); }
 
-// Returns the text of the heading "## Text ##"; nothing if `line` is no heading.
+// Returns the text of the heading "## Text ##"; nothing if `line` is not one.
 std::string_view HeadingIn(std::string_view line) {
   const std::size_t hashes = std::min(line.find_first_not_of('#'), line.size());
   if (hashes == 0 || hashes > kMaxHashes) return "";
@@ -41,15 +37,15 @@ std::string_view HeadingIn(std::string_view line) {
   return closed ? Trimmed(without_hashes) : line;
 }
 
-// Whether `line` makes the line above it a heading.
+// Returns whether `line` makes the line above it a heading.
 bool IsUnderline(std::string_view line) {
   const std::string_view marks = Trimmed(line);
   if (marks.size() < 2 || (marks.front() != '=' && marks.front() != '-')) return false;
   return marks.find_first_not_of(marks.front()) == std::string_view::npos;
 }
 
-// Takes the fields that `*text` may begin with off its front.
-//   Returns  the title among them; nothing if there is none.
+// Removes the front matter from the start of `*text`, if it has any.
+//   Returns  the title in it; nothing if there is none.
 std::string_view TakeFields(std::string_view* text) {
   constexpr std::string_view kTitle = "title:";
   constexpr std::string_view kQuotes = "\"'";
@@ -67,10 +63,10 @@ std::string_view TakeFields(std::string_view* text) {
                         kQuotes.find(title.front()) != std::string_view::npos;
     if (quoted) title = title.substr(1, title.size() - 2);
   }
-  return "";  // a rule, and no fields
+  return "";  // a rule, not front matter
 }
 
-// Looks for a heading. Titles stand near the beginning, but nothing says how near.
+// Finds the first heading, however far from the start it is.
 bool FindHeading(std::string_view text, TitledText* found) {
   std::string_view above;
   bool in_code = false;

@@ -1,4 +1,4 @@
-// Copying a file, and seeing to it that it is on the disk.
+// The steps of replacing a file by a new version: copying it, and syncing it to the disk.
 #ifndef KESTAN_CLI_FILES_ATOMIC_REPLACE_H_
 #define KESTAN_CLI_FILES_ATOMIC_REPLACE_H_
 
@@ -6,16 +6,16 @@
 
 namespace kestan_cli {
 
-// Copies the bytes of the open file `source` to a new one at `path`, which only this user may open.
-// Shares the blocks of the two where the file system can.
-//   Returns  0 or the system's error number; then there may be a part of the file.
+// Copies the bytes of the open file `source` to a new file at `path`, which only this user may
+// open. The two share their blocks if the file system can do that.
+//   Returns  0 or the system's error number, with or without a part of the file at `path`.
 int CopyFile(int source, const std::string& path);
 
-// Waits until the file or folder at `path` is on the disk.
+// Waits until the file or directory at `path` is on the disk.
 //   Returns  0 or the system's error number.
 int SyncPath(const std::string& path);
 
-// Returns the folder that `path` lies in.
+// Returns the directory of `path`.
 std::string FolderOf(const std::string& path);
 
 }  // namespace kestan_cli

@@ -1,4 +1,4 @@
-// An open file that closes itself.
+// A file descriptor that closes itself.
 #ifndef KESTAN_CLI_FILES_DESCRIPTOR_H_
 #define KESTAN_CLI_FILES_DESCRIPTOR_H_
 
@@ -22,7 +22,8 @@ class Descriptor {
   bool is_open() const { return number_ >= 0; }
   int number() const { return number_; }
 
-  //   Returns  0, or -1 with errno set; 0 if nothing was open.
+  // Closes it now.
+  //   Returns  0, also if nothing was open; -1 with errno set if that fails.
   int Close() { return is_open() ? close(std::exchange(number_, -1)) : 0; }
 
  private:

@@ -22,7 +22,7 @@ constexpr mode_t kOfOwner = 0700;
 
 bool IsRefusal(int error) { return error == EPERM || error == EACCES || error == EOPNOTSUPP; }
 
-// Asks for bytes of a size that is not known before, with `get(buffer, size)`.
+// Reads bytes of unknown size with `get(buffer, size)`.
 //   Returns  0 or the system's error number.
 template <typename Get>
 int GetBytes(Get get, std::string* bytes) {
@@ -32,7 +32,7 @@ int GetBytes(Get get, std::string* bytes) {
     bytes->resize(static_cast<std::size_t>(size));
     if (size == 0) return 0;
     const ssize_t got = get(bytes->data(), bytes->size());
-    if (got < 0 && errno == ERANGE) continue;  // it has grown meanwhile
+    if (got < 0 && errno == ERANGE) continue;  // it has grown since
     if (got < 0) return errno;
     bytes->resize(static_cast<std::size_t>(got));
     return 0;
@@ -44,7 +44,8 @@ int GetAttribute(int file, const char* name, std::string* value) {
                   value);
 }
 
-// Copies one. What the file system does not know, or this user may not read or set, is left out.
+// Copies one attribute. Skips what the file system does not support, or this user may not read or
+// set.
 int CopyAttribute(int source, int target, const char* name) {
   std::string value;
   int error = GetAttribute(source, name, &value);
@@ -53,7 +54,7 @@ int CopyAttribute(int source, int target, const char* name) {
 }
 
 int CopyUserAttributes(int source, int target) {
-  std::string names;  // each with a NUL behind it
+  std::string names;  // each with a NUL after it
   const int listed =
       GetBytes([&](char* to, std::size_t size) { return flistxattr(source, to, size); }, &names);
   if (listed != 0) return IsRefusal(listed) ? 0 : listed;
@@ -69,7 +70,7 @@ int CopyUserAttributes(int source, int target) {
 
 bool IsMissing(int error) { return error == ENODATA || error == EOPNOTSUPP; }
 
-// Gives `target` away as far as this user may.
+// Gives `target` the owner and the group of `source` as far as this user may.
 //   Returns  whether it has the group of `source` now.
 bool CopyGroup(const struct stat& source, int target, NewOwner owner) {
   struct stat status {};
@@ -80,9 +81,9 @@ bool CopyGroup(const struct stat& source, int target, NewOwner owner) {
   return fchown(target, static_cast<uid_t>(-1), source.st_gid) == 0;
 }
 
-// Gives `target` the access control list of `source`, or none where that has none: the folder may
-// have given it one. A list goes with its group only.
-//   Returns  false if there is one that `target` does not get.
+// Gives `target` the access control list of `source`, or removes the one that its directory gave it
+// if `source` has none. A list is copied only if the group was kept.
+//   Returns  false if `source` has a list that `target` does not get.
 bool CopyAccessList(int source, int target, bool group_kept) {
   std::string list;
   const int error = GetAttribute(source, kAccessList, &list);
@@ -93,7 +94,7 @@ bool CopyAccessList(int source, int target, bool group_kept) {
   return removed && IsMissing(error);
 }
 
-// Returns the part of `mode` in which it does not matter who is in the group.
+// Returns `mode` with only those rights for the group and for others that both had.
 mode_t WithoutGroup(mode_t mode) {
   const mode_t all = mode >> 3 & mode & 07;
   return (mode & kOfOwner) | all << 3 | all;
@@ -110,7 +111,7 @@ int CopyAttributes(int source, int target, NewOwner owner) {
   const bool list_kept = CopyAccessList(source, target, group_kept);
   mode_t mode = status.st_mode & kPermissions;
   if (!group_kept) mode = WithoutGroup(mode);
-  // Without the list, the bits of the group are those of everybody that it named.
+  // The bits of the group are those of everybody whom the list named.
   if (!list_kept) mode &= kOfOwner;
   return fchmod(target, mode) == 0 ? 0 : errno;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "cli/console/message.h"
+#include "cli/files/paths.h"
 #include "search/text/utf8.h"
 
 namespace kestan_cli {
@@ -19,8 +20,8 @@ std::string_view WithoutSlash(std::string_view pattern) {
   return pattern;
 }
 
-// Returns where the "]" is that closes the set at the start of `text`; npos if there is none. A "]"
-// right at the beginning of a set is one of its characters.
+// Returns where the set at the start of `text` is closed; npos if it is not. A "]" that begins a
+// set is one of its characters.
 std::size_t EndOfSet(std::string_view text) {
   const std::size_t first = text.substr(0, 2) == "[!" || text.substr(0, 2) == "[^" ? 3 : 2;
   return text.find(']', first);
@@ -43,8 +44,6 @@ bool IsInSet(std::string_view set, std::string_view character) {
   }
   return found != negated;
 }
-
-std::string_view LastPart(std::string_view path) { return path.substr(path.rfind('/') + 1); }
 
 }  // namespace
 
@@ -71,7 +70,7 @@ void Glob::AddToken(std::string_view* rest) {
   take(Token::Kind::kLiteral, literal.size(), literal);
 }
 
-// Adds the state "token `at` is next", and those that it implies where a token may match nothing.
+// Adds the state "token `at` is next". A token that may match nothing adds the state after it.
 void Glob::Enter(std::size_t at, std::vector<bool>* states) const {
   for (; !(*states)[at]; ++at) {
     (*states)[at] = true;
@@ -87,7 +86,7 @@ bool Glob::TakesOne(const Token& token, std::string_view character) {
 
 bool Glob::Matches(std::string_view path) const {
   std::vector<bool> states(tokens_.size() + 1);
-  // In a run of folders already begun, where only a "/" leads on.
+  // Inside "**/", after the first character: only a "/" ends it.
   std::vector<bool> in_folders(tokens_.size() + 1);
   Enter(0, &states);
   while (!path.empty()) {
@@ -118,7 +117,7 @@ std::string NameFilter::ReasonAgainst(std::string_view path, bool is_folder) con
   };
   const auto excluding = std::find_if(exclude.begin(), exclude.end(), matches);
   if (excluding != exclude.end()) return "excluded by " + Quoted(excluding->pattern());
-  // What is below a folder may be included though the folder itself is not named.
+  // Files in a directory may be included though no pattern names the directory.
   if (is_folder || include.empty()) return "";
   if (std::any_of(include.begin(), include.end(), matches)) return "";
   return "not included";

@@ -1,4 +1,4 @@
-// Patterns for names of files.
+// Patterns for the names of files.
 #ifndef KESTAN_CLI_FILES_GLOB_H_
 #define KESTAN_CLI_FILES_GLOB_H_
 
@@ -13,12 +13,13 @@ namespace kestan_cli {
 //
 //   ?      one character but "/"
 //   *      any characters but "/"
-//   **/    any folders, or none
+//   **/    any directories, or none
 //   **     any characters
 //   [a-z]  one of the characters listed; [!a-z] one not listed, but never "/"
 //   \x     x itself
 //
-// A "[" without its "]" stands for itself. Time grows with pattern and path, never faster.
+// A "[" without a "]" stands for itself. Matching takes time in proportion to the length of the
+// pattern times that of the path, whatever they are.
 class Glob {
  public:
   // Copies `pattern`. A "/" at its end is ignored.
@@ -43,14 +44,13 @@ class Glob {
   std::vector<Token> tokens_;
 };
 
-// Which of the files below a folder to take.
+// Which files below a directory to index.
 struct NameFilter {
   std::vector<Glob> include;  // empty: all
   std::vector<Glob> exclude;  // wins
 
-  // Says why the file or folder at `path`, seen from the folder that the user named, is left out.
-  // Patterns are held against the path and against its last part.
-  //   Returns  an empty string if it is not.
+  // Returns why the file or directory at `path` is left out; an empty string if it is not. `path`
+  // begins below the directory that the user named. A pattern may match the path or its last part.
   std::string ReasonAgainst(std::string_view path, bool is_folder) const;
 };
 

@@ -12,6 +12,7 @@
 #include <system_error>
 
 #include "cli/console/message.h"
+#include "cli/files/paths.h"
 #include "cli/files/stable_file.h"
 #include "cli/files/work_directory.h"
 
@@ -32,7 +33,7 @@ struct CloseFolder {
   void operator()(DIR* folder) const { closedir(folder); }
 };
 
-// The index itself, under whatever name it is met.
+// Identifies the index, whose file may have several names.
 std::set<FileId> FilesOfIndex(const std::string& index_path) {
   std::error_code error;
   const fs::path real = fs::canonical(index_path, error);
@@ -49,7 +50,7 @@ class Scanner {
   Scanner(std::set<FileId> own_files, const NameFilter& filter)
       : own_files_(std::move(own_files)), filter_(filter) {}
 
-  // Looks at what the user named: never left out by a pattern.
+  // Adds what the user named, whatever the patterns are.
   void LookAt(const std::string& path, MissingPath missing) {
     struct stat status {};
     if (stat(path.c_str(), &status) != 0) return Refuse(path, errno, missing);
@@ -58,7 +59,7 @@ class Scanner {
     AddFile(NameOf(path), status);
   }
 
-  // Paths may overlap: what one of them leads to is not left out.
+  // A file that one path skipped may have been found through another.
   Scan Finish() {
     Scan scan;
     for (auto& [name, state] : files_) scan.files.push_back({name, state});
@@ -97,7 +98,7 @@ class Scanner {
     }
   }
 
-  // Adds the folders in `folder` to `waiting`.
+  // Adds the files in `folder`, and its directories to `waiting`.
   void WalkFolder(const std::string& root, const std::string& folder,
                   std::vector<std::string>* waiting) {
     const std::unique_ptr<DIR, CloseFolder> open(opendir(folder.c_str()));
@@ -117,7 +118,7 @@ class Scanner {
                 std::vector<std::string>* waiting) {
     struct stat status {};
     const int error = lstat(path.c_str(), &status) == 0 ? 0 : errno;
-    if (error == ENOENT) return;  // gone since the folder was read
+    if (error == ENOENT) return;  // removed since the directory was read
     const std::string name = NameOf(path);
     if (error != 0) return AddSkip(name, SkipKind::kUnreadable, ReasonOf(error));
     const std::size_t start = root.size() + (root.back() == '/' ? 0 : 1);
@@ -137,28 +138,6 @@ class Scanner {
   std::map<std::string, Skip> skips_;
 };
 
-void AppendPart(std::string_view part, std::string* name) {
-  if (!name->empty() && name->back() != '/') *name += '/';
-  *name += part;
-}
-
-std::string_view LastPart(std::string_view name) { return name.substr(name.rfind('/') + 1); }
-
-bool IsFolder(const std::string& path) {
-  struct stat status {};
-  return lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
-}
-
-// Adds ".." to `*name`. It takes a folder off its end, but nothing else: the way up from where a
-// link leads is not the way that led to the link.
-void GoUp(std::string* name) {
-  if (*name == "/") return;
-  const std::string_view last = LastPart(*name);
-  if (last.empty() || last == ".." || !IsFolder(*name)) return AppendPart("..", name);
-  name->resize(name->size() - last.size());
-  if (name->size() > 1) name->pop_back();
-}
-
 }  // namespace
 
 Scan ScanPaths(const std::vector<std::string>& paths, const std::string& index_path,
@@ -166,40 +145,6 @@ Scan ScanPaths(const std::vector<std::string>& paths, const std::string& index_p
   Scanner scanner(FilesOfIndex(index_path), filter);
   for (const std::string& path : paths) scanner.LookAt(path, missing);
   return scanner.Finish();
-}
-
-std::string NameOf(const std::string& path) {
-  std::string name = path.substr(0, 1) == "/" ? "/" : "";
-  std::string_view rest = path;
-  while (!rest.empty()) {
-    const std::string_view part = rest.substr(0, rest.find('/'));
-    rest.remove_prefix(std::min(part.size() + 1, rest.size()));
-    if (part == "..") {
-      GoUp(&name);
-    } else if (!part.empty() && part != ".") {
-      AppendPart(part, &name);
-    }
-  }
-  return name.empty() && !path.empty() ? "." : name;
-}
-
-bool IsBelow(const std::string& name, const std::set<std::string>& paths) {
-  std::string above = name;
-  while (true) {
-    if (paths.count(above) != 0) return true;
-    // It leads out of what stands before it, wherever to.
-    if (LastPart(above) == "..") return false;
-    const std::size_t slash = above.rfind('/');
-    if (slash == std::string::npos) break;
-    above.resize(slash);
-  }
-  // What is left is the first part of the name.
-  return paths.count(above.empty() ? "/" : ".") != 0;
-}
-
-bool HasVanished(const std::string& path) {
-  struct stat status {};
-  return lstat(path.c_str(), &status) != 0 && (errno == ENOENT || errno == ENOTDIR);
 }
 
 }  // namespace kestan_cli

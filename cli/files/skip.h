@@ -1,4 +1,4 @@
-// Files that are left out, and why.
+// Files that are skipped, and why.
 #ifndef KESTAN_CLI_FILES_SKIP_H_
 #define KESTAN_CLI_FILES_SKIP_H_
 
@@ -11,7 +11,7 @@ namespace kestan_cli {
 
 enum class SkipKind {
   kBinary,
-  kLink,      // a symbolic link inside a folder
+  kLink,      // a symbolic link inside a directory
   kSpecial,   // a pipe, a socket or a device
   kExcluded,  // by the user's patterns
   kNoConverter,
@@ -23,16 +23,16 @@ enum class SkipKind {
   kName,
 };
 
-// Whether a file left out for `kind` should have been indexed.
+// Returns whether a file skipped for `kind` should have been indexed.
 bool IsFailure(SkipKind kind);
 
-// Returns `count` files left out for `kind` in words: "1 binary file", "2 links".
+// Returns how many files were skipped for `kind`, in words: "1 binary file", "2 links".
 std::string CountedSkips(unsigned long count, SkipKind kind);
 
 // Returns the name of `kind` for programs: "binary", "no_converter".
 std::string KeyOf(SkipKind kind);
 
-// What is wrong with one file, thrown up to whoever goes on with the next.
+// Why one file is skipped. The run goes on with the next file.
 class SkipFile : public std::runtime_error {
  public:
   SkipFile(SkipKind kind, const std::string& reason) : std::runtime_error(reason), kind_(kind) {}

@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::size_t kPieceBytes = std::size_t{1} << 17;
 
-// Longer than any tick of the kernel's clock, by which files are dated.
+// Longer than any tick of the kernel's clock, which gives files their times.
 constexpr std::chrono::milliseconds kTick{12};
 
 auto Unreadable(int error) { return SkipFile(SkipKind::kUnreadable, ReasonOf(error)); }

@@ -1,4 +1,4 @@
-// Reading a file that may change or vanish while it is read.
+// Reads a file that may change or vanish meanwhile, and notices if it does.
 #ifndef KESTAN_CLI_FILES_STABLE_FILE_H_
 #define KESTAN_CLI_FILES_STABLE_FILE_H_
 
@@ -15,26 +15,26 @@ struct stat;
 
 namespace kestan_cli {
 
-// Returns what is told about the file of `status`.
+// Returns the state of the file of `status`.
 FileState StateOf(const struct stat& status);
 
-// A file, read from its beginning to its end, hashed on the way.
+// Reads a file from its start to its end, and hashes it.
 class StableFile {
  public:
-  // Opens the file at `path`. Where it was changed within the last tick of the file system's clock,
-  // waits for the next: a change after this one could not be told from it by its time.
-  //   Throws   SkipFile if it cannot be opened or is no regular file.
+  // Opens the file at `path`. If it was changed within the last tick of the file system's clock,
+  // waits for the next tick: until then, another change would have the same time.
+  //   Throws   SkipFile if it cannot be opened or is not a regular file.
   explicit StableFile(const std::string& path);
 
   const FileState& state() const { return state_; }
 
   // Reads the next piece.
   //   Returns  false at the end; else `*piece` is valid until the next call.
-  //   Throws   SkipFile if it cannot be read, or has grown past the size that it had when opened.
+  //   Throws   SkipFile if it cannot be read, or has grown since it was opened.
   bool Read(std::string_view* piece);
 
   // Returns the fingerprint of the file after Read() has returned false.
-  //   Throws   SkipFile if the file, or what its path leads to, is not what it was when opened.
+  //   Throws   SkipFile if the file has changed since it was opened, or another is at its path.
   Fingerprint Finish() const;
 
  private:

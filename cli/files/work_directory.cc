@@ -38,14 +38,14 @@ std::string Digits(std::uint32_t number) {
   return digits.data();
 }
 
-// FNV-1a of the name so far: no name that somebody else chooses ends in it by chance.
+// FNV-1a of the name so far. Names that others choose do not end in it by chance.
 std::string CheckDigitsOf(std::string_view name) {
   std::uint32_t hash = 2166136261U;
   for (const char byte : name) hash = (hash ^ static_cast<unsigned char>(byte)) * 16777619U;
   return Digits(hash);
 }
 
-// Returns what the names of the work folders for `file` begin with.
+// Returns how the names of the work directories for `file` begin.
 std::string StartFor(const std::string& file) {
   return file.substr(0, kMaxStartBytes).append(kMark);
 }
@@ -56,14 +56,14 @@ std::string NewName(const std::string& file) {
   return name + CheckDigitsOf(name);
 }
 
-// ---- Folders ----
+// ---- Directories ----
 
 struct CloseFolder {
   void operator()(DIR* folder) const { closedir(folder); }
 };
 using OpenFolder = std::unique_ptr<DIR, CloseFolder>;
 
-// Returns the names in the open `folder`; none if it cannot be read.
+// Returns the names in the open directory `folder`; none if it cannot be read.
 std::vector<std::string> NamesIn(int folder) {
   std::vector<std::string> names;
   const int own = openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -107,7 +107,7 @@ bool IsFileOfOurs(int folder, const std::string& name) {
          S_ISREG(status.st_mode);
 }
 
-// Removes the work folder `name` and what is in it, unless there is anything in it that does not
+// Removes the work directory `name` with its contents, unless it holds anything that does not
 // belong there.
 void Remove(int folder, int around, const std::string& name) {
   const std::vector<std::string> files = NamesIn(folder);
@@ -118,7 +118,7 @@ void Remove(int folder, int around, const std::string& name) {
   if (IsStillAt(folder, around, name)) unlinkat(around, name.c_str(), AT_REMOVEDIR);
 }
 
-// Removes the folder `name` if a process that was ended has left it.
+// Removes the work directory `name` if no process works in it.
 void RemoveIfLeft(int around, const std::string& name) {
   const Descriptor folder = OpenAt(around, name);
   if (!folder.is_open() || !BelongsToThisUser(folder.number())) return;
@@ -136,15 +136,15 @@ WorkFolder::WorkFolder(const std::string& path, const std::string& complaint)
   throw CommandError(complaint + ": cannot make a folder beside it: " + ReasonOf(error));
 }
 
-// Makes the folder under a name that no try had before.
-//   Returns  0 or the system's error number: EEXIST if another try is worth it.
+// Makes the directory under a new name.
+//   Returns  0 or the system's error number: EEXIST if another try may succeed.
 int WorkFolder::Make(const std::string& path) {
   name_ = NewName(target_);
   if (mkdirat(around_.number(), name_.c_str(), 0700) != 0) return errno;
   folder_ = OpenAt(around_.number(), name_);
   if (!folder_.is_open()) return errno == ENOENT ? EEXIST : errno;
   if (!BelongsToThisUser(folder_.number())) return EPERM;
-  // Whoever removes leftovers may have come between. Where there are no locks, nobody removes any.
+  // A process that removes leftovers may have taken it. Without locks, none removes any.
   const bool is_taken = flock(folder_.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
   if (is_taken || !IsStillAt(folder_.number(), around_.number(), name_)) return EEXIST;
   file_ = PathOfFile();
@@ -152,7 +152,7 @@ int WorkFolder::Make(const std::string& path) {
   return 0;
 }
 
-// Returns a path that begins at the open folder; an empty one where the system has no such paths.
+// Returns a path that begins at the open directory; an empty one if the system has no such paths.
 std::string WorkFolder::PathOfFile() const {
   const std::string folder = "/proc/self/fd/" + std::to_string(folder_.number());
   struct stat open {};
@@ -173,7 +173,7 @@ int WorkFolder::Replace() const {
   return result == 0 ? 0 : errno;
 }
 
-// Not every file system knows how to rename without replacing; those that do not have links.
+// A file system that cannot rename without replacing has links.
 int WorkFolder::Place() const {
   const int from = folder_.number();
   const int to = around_.number();

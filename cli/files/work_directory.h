@@ -1,4 +1,4 @@
-// A place beside a file in which a new version of it is made.
+// A directory beside a file in which a new version of the file is made.
 #ifndef KESTAN_CLI_FILES_WORK_DIRECTORY_H_
 #define KESTAN_CLI_FILES_WORK_DIRECTORY_H_
 
@@ -9,34 +9,34 @@
 
 namespace kestan_cli {
 
-// A folder that only this user may enter, beside a file, for a new version of that file. Whoever
-// may write to the folder around it can take it away, but cannot make the process write elsewhere:
-// the folder is opened once, and paths into it begin at what is open.
+// A directory beside a file, for a new version of that file. Only this user may enter it. Whoever
+// may write to the directory around it can remove it, but cannot make the process write elsewhere:
+// it is opened once, and paths into it begin at the open descriptor.
 //
-// Its name cannot be foretold, and shows by its check digits who made it. The process has it locked
-// as long as it works there, so that what an ended process left can be told from what is in use.
+// Its name cannot be predicted, and its check digits show that this command made it. The process
+// locks it while it works there. One that is not locked was left by a process that was ended.
 class WorkFolder {
  public:
-  // Makes it beside the file at `path`, which need not be there.
+  // Makes it beside the file at `path`, which need not exist.
   //   Throws   CommandError "COMPLAINT: cannot make a folder beside it: REASON".
   WorkFolder(const std::string& path, const std::string& complaint);
   ~WorkFolder();  // removes it with what is in it
   WorkFolder(const WorkFolder&) = delete;
   WorkFolder& operator=(const WorkFolder&) = delete;
 
-  // Where the new version is to be made. Nothing is there at first.
+  // The path of the new version. Nothing is there at first.
   const std::string& file() const { return file_; }
 
-  // Opens what is there, for reading and writing. Follows no link.
-  //   Returns  a closed descriptor, with errno set, if it cannot.
+  // Opens the new version for reading and writing. Follows no link.
+  //   Returns  a closed descriptor, with errno set, if that fails.
   Descriptor Open() const;
 
-  // Puts the new version in the place of the file.
+  // Replaces the file by the new version.
   //   Returns  0 or the system's error number.
   int Replace() const;
 
-  // Puts the new version where the file is to be, if there is nothing yet.
-  //   Returns  0 or the system's error number: EEXIST if there is something.
+  // Moves the new version to the path of the file, where nothing is yet.
+  //   Returns  0 or the system's error number: EEXIST if something is there.
   int Place() const;
 
  private:
@@ -50,11 +50,11 @@ class WorkFolder {
   Descriptor folder_;
 };
 
-// Removes the folders that processes of this user left beside the file at `path` when they were
-// ended. Leaves alone what a process still works in, and all that this command has not made.
+// Removes the work directories beside the file at `path` that ended processes of this user left.
+// Keeps those that a process still works in, and everything that this command has not made.
 void RemoveLeftovers(const std::string& path);
 
-// Returns whether `name`, without folders, is one that this command gives to a work folder.
+// Returns whether `name`, without its directory, is that of a work directory.
 bool IsNameOfWorkFolder(std::string_view name);
 
 }  // namespace kestan_cli

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "cli/files/paths.h"
+
 namespace kestan_cli {
 namespace {
 

@@ -1,4 +1,4 @@
-// What an index lacks, going by what is known without reading a file.
+// What is to be done to bring an index up to date, as far as it shows without reading a file.
 #ifndef KESTAN_CLI_SYNC_CHANGE_PLAN_H_
 #define KESTAN_CLI_SYNC_CHANGE_PLAN_H_
 
@@ -23,22 +23,22 @@ struct Candidate {
   std::optional<Fingerprint> fingerprint;  // of the file that was indexed
 };
 
-// Documents whose files have vanished, to be given to files that have their content.
+// Documents whose files have vanished. A new file with the same content takes over such a document.
 class VanishedDocuments {
  public:
   void Add(const IndexedDocument& document);
 
-  // Finds one that was made of the same bytes as the file of `fingerprint`: one that
-  // `is_preferred`, if there is any.
-  //   Returns  nullptr if there is none. The table owns it, until it is taken out.
+  // Finds a document that was made of the same bytes as the file of `fingerprint`; if there are
+  // several, one that `is_preferred`.
+  //   Returns  nullptr if there is none. The table owns it until Take().
   const IndexedDocument* Find(
       const Fingerprint& fingerprint,
       const std::function<bool(const IndexedDocument&)>& is_preferred) const;
 
-  // Takes out what Find() has returned.
+  // Removes what Find() has returned.
   void Take(const IndexedDocument& document);
 
-  // The names of those that are left, in order of their bytes.
+  // Returns the names of those that are left, in order of their bytes.
   const std::set<std::string>& names() const { return names_; }
 
  private:
@@ -50,13 +50,13 @@ struct ChangePlan {
   std::vector<Candidate> to_read;  // in order of their names
   std::uint64_t bytes_to_read = 0;
   unsigned long unchanged = 0;
-  bool all = false;  // to be indexed anew even where nothing has changed
+  bool all = false;  // index unchanged files again too
   VanishedDocuments vanished;
 };
 
-// Compares `files` with `documents`, both in order of the bytes of their names. Documents vanished
-// are those at or below `roots` (as NameOf has them) that are not among the files and of which
-// `has_vanished` says so. With `all`, every file is to be read.
+// Compares `files` with `documents`, both in order of the bytes of their names. A document has
+// vanished if it is at or below `roots` (as NameOf returns them), is not among the files, and
+// `has_vanished` confirms it. With `all`, every file is to be read.
 ChangePlan PlanChanges(const std::vector<FoundFile>& files,
                        const std::vector<IndexedDocument>& documents,
                        const std::set<std::string>& roots,

@@ -8,20 +8,21 @@
 
 namespace kestan_cli {
 
-void Adder::Add(const std::string& name, const Document& document, const Fingerprint& fingerprint) {
+void IndexBatch::Add(const std::string& name, const Document& document,
+                     const Fingerprint& fingerprint) {
   AddWords(name, document.words);
   index_.CheckWritten(index_.engine().DBPutTitle(name.c_str(), document.title.c_str()));
   index_.CheckWritten(index_.engine().DBPutSummary(name.c_str(), document.summary.c_str()));
-  Renew(name, fingerprint);
+  UpdateFingerprint(name, fingerprint);
   SaveWhenDue(document.words.size());
 }
 
-void Adder::Renew(const std::string& name, const Fingerprint& fingerprint) {
+void IndexBatch::UpdateFingerprint(const std::string& name, const Fingerprint& fingerprint) {
   const std::string record = WithFingerprint(UserRecord(index_.engine(), name), fingerprint);
   index_.CheckWritten(index_.engine().DBPutUser(name.c_str(), record.c_str()));
 }
 
-void Adder::AddWords(const std::string& name, const std::string& words) {
+void IndexBatch::AddWords(const std::string& name, const std::string& words) {
   const std::string_view unseen = index_.engine().AddDocumentWords(name.c_str(), words.c_str());
   new_words_ += static_cast<unsigned long>(std::count(unseen.begin(), unseen.end(), '\n'));
   if (index_.engine().DocumentTimestamp(name.c_str()) != 0) return;
@@ -29,7 +30,7 @@ void Adder::AddWords(const std::string& name, const std::string& words) {
   throw CommandError("index " + Quoted(index_.path()) + " did not take " + Quoted(name));
 }
 
-void Adder::SaveWhenDue(std::size_t added_bytes) {
+void IndexBatch::SaveWhenDue(std::size_t added_bytes) {
   waiting_bytes_ += added_bytes;
   if (waiting_bytes_ < text_bytes_between_flushes_) return;
   index_.Save();

@@ -1,4 +1,4 @@
-// Adding documents to an open index.
+// Adds documents to an open index.
 #ifndef KESTAN_CLI_SYNC_INDEX_BATCH_H_
 #define KESTAN_CLI_SYNC_INDEX_BATCH_H_
 
@@ -11,26 +11,26 @@
 
 namespace kestan_cli {
 
-// How much text is added between two flushes, which bound the memory that waiting records take.
-// Flushes are to be few: each writes every record that has changed, and gdbm leaves holes behind
-// records that grew.
+// How much text is added between two flushes. A flush frees the memory that waiting records take.
+// But each writes every changed record, and gdbm leaves a hole where a record grew: so they are
+// few.
 constexpr std::size_t kTextBytesBetweenFlushes = std::size_t{1} << 26;
 
-// Adds documents one by one, and counts the words that the index had never seen.
-class Adder {
+// Adds documents one by one, and counts the words that are new to the index.
+class IndexBatch {
  public:
-  // Borrows `index`, which is open for writing. Saving it at the end is up to the caller.
-  explicit Adder(OpenedIndex& index,
-                 std::size_t text_bytes_between_flushes = kTextBytesBetweenFlushes)
+  // Borrows `index`, which is open for writing. The caller saves it at the end.
+  explicit IndexBatch(OpenedIndex& index,
+                      std::size_t text_bytes_between_flushes = kTextBytesBetweenFlushes)
       : index_(index), text_bytes_between_flushes_(text_bytes_between_flushes) {}
 
   // Adds `document` as `name`, in place of an earlier version, with its title, its summary and the
   // fingerprint of its file.
-  //   Throws   CommandError if the index does not take it.
+  //   Throws   CommandError if the index refuses it.
   void Add(const std::string& name, const Document& document, const Fingerprint& fingerprint);
 
   // Stores `fingerprint` for the document `name`, whose file has the same content as before.
-  void Renew(const std::string& name, const Fingerprint& fingerprint);
+  void UpdateFingerprint(const std::string& name, const Fingerprint& fingerprint);
 
   unsigned long new_words() const { return new_words_; }
 

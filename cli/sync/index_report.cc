@@ -63,7 +63,7 @@ std::string ReportJson(const IndexReport& report, bool with_files) {
 
 std::string NothingToIndex(const std::vector<Skip>& skips) {
   auto counts = CountKinds(skips);
-  // Pipes and devices are binary to whoever looks for text.
+  // To someone who looks for text, pipes and devices are binary.
   const unsigned long binary = counts[SkipKind::kBinary] + counts[SkipKind::kSpecial];
   std::string text = "nothing to index: no text files, " + CountedSkips(binary, SkipKind::kBinary) +
                      ", " + CountedSkips(counts[SkipKind::kLink], SkipKind::kLink);

@@ -1,4 +1,4 @@
-// What a run of `kestan index` tells at its end.
+// What a run of `kestan index` reports at its end.
 #ifndef KESTAN_CLI_SYNC_INDEX_REPORT_H_
 #define KESTAN_CLI_SYNC_INDEX_REPORT_H_
 
@@ -21,7 +21,7 @@ struct IndexReport {
   unsigned long moved = 0;
   unsigned long removed = 0;
   unsigned long unchanged = 0;
-  unsigned long new_words = 0;  // that the index had never seen
+  unsigned long new_words = 0;  // new to the index
   std::vector<Skip> skips;
   std::vector<Note> notes;
 };
@@ -33,22 +33,22 @@ std::string ReportLine(const IndexReport& report);
 // Returns "skipped 'NAME': REASON", without a line feed.
 std::string SkipLine(const Skip& skip);
 
-// Returns a line of that for each file that was left out.
+// Returns such a line for each of `skips`.
 std::string SkipLines(const std::vector<Skip>& skips);
 
 // Returns "indexed 'NAME' in part: REASON", without a line feed.
 std::string NoteLine(const Note& note);
 
-// Returns a line of that for each of `notes`.
+// Returns such a line for each of `notes`.
 std::string NoteLines(const std::vector<Note>& notes);
 
-// Returns the report as JSON, on one line: the numbers of ReportLine under its words, "skipped" as
-// an object of a "total" and a number for each kind; with `with_files` each of the files under
-// "skipped_files", and files that were indexed in part, if any, under "partial_files". Bytes of
-// names that are not UTF-8 become U+FFFD.
+// Returns the report as one line of JSON: the numbers of ReportLine under its words, "skipped" as
+// an object with a "total" and a number for each kind. "skipped_files" lists the files if
+// `with_files` is set, and "partial_files" those that were indexed in part, if any. Bytes of names
+// that are not UTF-8 become U+FFFD.
 std::string ReportJson(const IndexReport& report, bool with_files);
 
-// Returns why nothing came of a run, as a line without its end.
+// Returns why a run did nothing, without a line feed.
 std::string NothingToIndex(const std::vector<Skip>& skips);
 
 }  // namespace kestan_cli

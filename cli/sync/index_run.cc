@@ -6,16 +6,16 @@
 namespace kestan_cli {
 namespace {
 
-// What is to become of a file.
+// What to do with a file.
 struct Decision {
-  enum class Kind { kRenew, kMove, kAdd };
+  enum class Kind { kUpdateFingerprint, kMove, kAdd };
   Kind kind = Kind::kAdd;
   Fingerprint fingerprint;
   std::string moved_from;  // a document of the same bytes whose file has vanished; "" for none
   Document document;       // if it is to be added, under a name that it may have been moved to
 };
 
-// Reads a file and finds out what to do with it.
+// Reads a file and decides what to do with it.
 //   Throws   SkipFile.
 Decision Decide(const Candidate& candidate, const ReadingRules& rules, bool all,
                 VanishedDocuments* vanished) {
@@ -29,7 +29,7 @@ Decision Decide(const Candidate& candidate, const ReadingRules& rules, bool all,
                        HaveSameContent(*candidate.fingerprint, loaded.fingerprint) &&
                        is_read_alike(loaded.name, *candidate.fingerprint);
   if (is_same && !all) {
-    decision.kind = Decision::Kind::kRenew;
+    decision.kind = Decision::Kind::kUpdateFingerprint;
     return decision;
   }
   const auto is_preferred = [&](const IndexedDocument& document) {
@@ -55,12 +55,12 @@ void Apply(const Candidate& candidate, const Decision& decision, IndexWriter& wr
   const bool is_moved = !decision.moved_from.empty();
   if (is_moved) MoveDocument(writer.index(), decision.moved_from, name);
   if (decision.kind == Decision::Kind::kAdd) {
-    writer.adder().Add(name, decision.document, decision.fingerprint);
+    writer.batch().Add(name, decision.document, decision.fingerprint);
     ++(candidate.is_indexed || is_moved ? report->updated : report->added);
     if (!decision.document.note.empty()) report->notes.push_back({name, decision.document.note});
     return;
   }
-  writer.adder().Renew(name, decision.fingerprint);
+  writer.batch().UpdateFingerprint(name, decision.fingerprint);
   ++(is_moved ? report->moved : report->unchanged);
 }
 
@@ -75,7 +75,7 @@ unsigned long CountCodesNeeded(const ChangePlan& plan, const ReadingRules& rules
       const Decision decision = Decide(candidate, rules, plan.all, &vanished);
       if (decision.kind == Decision::Kind::kAdd) ++count;
     } catch (const SkipFile&) {
-      // Left out, so it takes none.
+      // It takes no code.
     }
     progress.Advance(candidate.file.state.bytes);
   }

@@ -1,4 +1,4 @@
-// Carrying out a plan of changes.
+// Carries out a plan of changes.
 #ifndef KESTAN_CLI_SYNC_INDEX_RUN_H_
 #define KESTAN_CLI_SYNC_INDEX_RUN_H_
 
@@ -12,16 +12,15 @@
 
 namespace kestan_cli {
 
-// Counts how many documents of `plan` will take a code of the index: those that are new or replace
-// an earlier version, and not those that are moved, have the same content, or will be left out.
-// Reads the files to tell, so it is for the rare case that their number matters.
+// Counts the documents of `plan` that will take a document code: those that are new or replace an
+// earlier version. Those that move, keep their content or are skipped take none. Reads all files,
+// so it is for indexes that are almost full.
 unsigned long CountCodesNeeded(const ChangePlan& plan, const ReadingRules& rules,
                                Progress& progress);
 
-// Reads the files of `plan` and changes the index accordingly; what became of each goes to
-// `report`. With `prune`, removes the documents whose files have vanished, but for those that were
-// moved.
-//   Throws   CommandError if the index does not take a change.
+// Reads the files of `plan`, changes the index accordingly and counts the changes in `report`. With
+// `prune`, removes the documents whose files have vanished and did not move.
+//   Throws   CommandError if the index refuses a change.
 void CarryOut(ChangePlan plan, const ReadingRules& rules, bool prune, IndexWriter& writer,
               Progress& progress, IndexReport* report);
 

@@ -1,4 +1,4 @@
-// The index that a run changes.
+// Opens an index when its first change comes.
 #ifndef KESTAN_CLI_SYNC_INDEX_WRITER_H_
 #define KESTAN_CLI_SYNC_INDEX_WRITER_H_
 
@@ -9,24 +9,24 @@
 
 namespace kestan_cli {
 
-// Begins the change of an index when there is something to change, so that a run that finds nothing
-// leaves the file as it is, and makes none.
+// Begins a change of an index when there is something to change. A run that finds nothing leaves
+// the file as it is, and makes none.
 class IndexWriter {
  public:
   // Borrows `change`, which has not begun.
   explicit IndexWriter(IndexChange& change) : change_(change) {}
 
-  // The index, opened now if it was not.
+  // Returns the index, and opens it first if need be.
   //   Throws   CommandError if it cannot be opened.
   OpenedIndex& index() { return Open().index; }
-  Adder& adder() { return Open().adder; }
+  IndexBatch& batch() { return Open().batch; }
 
   // Commits the change, if it has begun.
   //   Throws   CommandError if the file refuses the changes.
-  //   Returns  how many words the index had never seen.
+  //   Returns  how many words are new to the index.
   unsigned long Finish() {
     if (!opened_.has_value()) return 0;
-    const unsigned long new_words = opened_->adder.new_words();
+    const unsigned long new_words = opened_->batch.new_words();
     opened_.reset();
     change_.Commit();
     return new_words;
@@ -34,9 +34,9 @@ class IndexWriter {
 
  private:
   struct Opened {
-    explicit Opened(OpenedIndex& opened) : index(opened), adder(opened) {}
+    explicit Opened(OpenedIndex& opened) : index(opened), batch(opened) {}
     OpenedIndex& index;
-    Adder adder;
+    IndexBatch batch;
   };
 
   Opened& Open() {

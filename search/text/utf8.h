@@ -30,6 +30,9 @@ std::size_t FindNonAscii(std::string_view text, std::size_t from);
 // of `text` if there is none.
 std::size_t FindNonUtf8(std::string_view text, std::size_t from);
 
+// Returns whether all of `text` is UTF-8.
+inline bool IsUtf8(std::string_view text) { return FindNonUtf8(text, 0) == text.size(); }
+
 }  // namespace kestan::search
 
 #endif  // KESTAN_SEARCH_TEXT_UTF8_H_

@@ -11,7 +11,8 @@
 #include <memory>
 #include <new>
 
-#include "cli/extract/charset/decode.h"
+#include "cli/extract/ascii.h"
+#include "cli/extract/charset/latin1.h"
 #include "cli/files/skip.h"
 #include "search/text/utf8.h"
 
@@ -23,15 +24,15 @@ using kestan::search::AppendCharacter;
 constexpr std::string_view kLatin1 = "windows-1252";
 constexpr std::string_view kUtf8 = "utf-8";
 constexpr std::string_view kLatin10 = "iso-8859-16";  // which ICU does not have
-constexpr std::string_view kUntrue = "none";          // of a page whose ASCII could be read
+constexpr std::string_view kUntrue = "none";          // cannot be true: the label was read as ASCII
 
 struct Charset {
   std::string_view converter;  // as ICU calls it
   std::string_view labels;
 };
 
-// What the web takes the labels for. ICU knows other labels too, and knows some of these as
-// narrower encodings than pages are written in.
+// What the labels mean to browsers. ICU knows other labels too, and takes some of these for smaller
+// character sets than pages are written in.
 constexpr std::array kCharsets{
     Charset{kUtf8,
             "unicode-1-1-utf-8 unicode11utf8 unicode20utf8 utf-8 utf8 x-unicode20utf8 cp65001"},
@@ -123,16 +124,15 @@ struct CloseConverter {
 };
 using OwnedConverter = std::unique_ptr<UConverter, CloseConverter>;
 
-// What ICU says of bytes that are no characters. ASCII behind a lead byte is no part of a broken
-// character: it stays.
+// Handles the invalid bytes that ICU reports. ASCII after a lead byte stays.
 struct Faults {
   static void Replace(const void* context, UConverterToUnicodeArgs* arguments, const char* bytes,
                       std::int32_t length, UConverterCallbackReason reason, UErrorCode* error) {
-    if (reason > UCNV_IRREGULAR) return;  // about the converter, not about bytes
+    if (reason > UCNV_IRREGULAR) return;  // not about invalid bytes
     *error = U_ZERO_ERROR;
     *static_cast<bool*>(const_cast<void*>(context)) = true;
     std::u16string text(1, u'\ufffd');
-    // Pairs of ASCII bytes that stand for one character were never ASCII.
+    // Two ASCII bytes that stand for one character are not ASCII.
     const bool may_hold_ascii =
         reason != UCNV_UNASSIGNED || static_cast<unsigned char>(bytes[0]) >= 0x80;
     for (std::int32_t i = 0; may_hold_ascii && i < length; ++i) {
@@ -142,7 +142,7 @@ struct Faults {
   }
 };
 
-// Gathers UTF-16 in pieces, which may part a pair.
+// Collects UTF-16 in pieces. A surrogate pair may be split between two.
 class Utf8Builder {
  public:
   void Add(const char16_t* units, std::size_t count) {
@@ -172,10 +172,9 @@ class Utf8Builder {
   char16_t lead_ = 0;
 };
 
-// Opens the converter that ICU has under `name`.
-//   Returns  nullptr if there is none. ICU says so too where one request for memory failed, so it
-//   is
-//            asked twice.
+// Opens the converter that ICU has under `name`. ICU reports a failed allocation as a missing
+// converter, so it is asked twice.
+//   Returns  nullptr if there is none.
 OwnedConverter OpenConverter(const std::string& name) {
   OwnedConverter converter;
   for (int attempt = 0; converter == nullptr && attempt < 2; ++attempt) {
@@ -206,22 +205,17 @@ std::string Converted(UConverter* converter, std::string_view bytes, bool* fault
   return builder.Finish();
 }
 
-// Returns `label` in small letters, without white space around it; nothing if no name looks so. ICU
-// would take a comma for the start of an option, and a slash for that of a path.
+// Returns `label` trimmed and in lower case; nothing if it holds a character that no label has: ICU
+// reads options after a comma and a path after a slash.
 std::string Normal(std::string_view label) {
-  constexpr std::string_view kBlanks = " \t\n\f\r";
-  label.remove_prefix(std::min(label.find_first_not_of(kBlanks), label.size()));
-  std::string normal(label.substr(0, label.find_last_not_of(kBlanks) + 1));
-  for (char& byte : normal) {
-    if (byte >= 'A' && byte <= 'Z') byte = static_cast<char>(byte | 0x20);
-  }
   constexpr std::string_view kInNames = "abcdefghijklmnopqrstuvwxyz0123456789-_.:+()";
+  std::string normal = AsciiLower(Trimmed(label, kHtmlWhiteSpace));
   if (normal.find_first_not_of(kInNames) != std::string::npos) normal.clear();
   return normal;
 }
 
-// Finds what the web takes `label` for.
-//   Returns  nullptr if it does not know it.
+// Finds what `label` means to browsers.
+//   Returns  nullptr if they do not know it.
 const Charset* FindCharset(const std::string& label) {
   const std::string sought = " " + label + " ";
   for (const Charset& charset : kCharsets) {
@@ -234,7 +228,7 @@ const Charset* FindCharset(const std::string& label) {
 bool HoldsAscii(UConverter* converter) {
   std::string ascii = "\t\n\r";
   for (char byte = ' '; byte <= '~'; ++byte) {
-    if (byte != '\\' && byte != '~') ascii += byte;  // Japan has a yen and a line there
+    if (byte != '\\' && byte != '~') ascii += byte;  // a yen sign and an overline in Japan
   }
   bool faulty = false;
   return Converted(converter, ascii, &faulty) == ascii && !faulty;
@@ -242,8 +236,8 @@ bool HoldsAscii(UConverter* converter) {
 
 enum class Trust { kNone, kIfFaultless, kFull };
 
-// An encoding that shifts makes other text of all that follows one wrong byte, so the whole of a
-// page has to speak for it.
+// In an encoding that shifts, one wrong byte changes all the text after it. So it is believed only
+// if every byte is valid.
 Trust TrustIn(UConverter* converter) {
   const UConverterType type = ucnv_getType(converter);
   if (type == UCNV_UTF7 || type == UCNV_HZ || type == UCNV_ISO_2022) return Trust::kIfFaultless;
@@ -252,7 +246,7 @@ Trust TrustIn(UConverter* converter) {
   return has_no_state && HoldsAscii(converter) ? Trust::kFull : Trust::kNone;
 }
 
-// Reads `bytes` in an encoding of which only ICU knows.
+// Decodes `bytes` as a character set that is not in the table but in ICU.
 std::optional<std::string> FromForeignCharset(const std::string& label, std::string_view bytes) {
   const OwnedConverter converter = OpenConverter(label);
   const Trust trust = converter != nullptr ? TrustIn(converter.get()) : Trust::kNone;

@@ -4,25 +4,12 @@
 #include <cstddef>
 #include <map>
 
+#include "cli/extract/ascii.h"
+
 namespace kestan_cli {
 namespace {
 
-constexpr std::string_view kBlanks = " \t\n\f\r";
-
-bool IsLetter(char byte) {
-  const char small = static_cast<char>(byte | 0x20);
-  return small >= 'a' && small <= 'z';
-}
-
-std::string Lower(std::string_view text) {
-  std::string lower(text);
-  for (char& byte : lower) {
-    if (byte >= 'A' && byte <= 'Z') byte = static_cast<char>(byte | 0x20);
-  }
-  return lower;
-}
-
-// A page may name an encoding again and again, and each name may cost a look at all of it.
+// Each label may cost a scan of the whole page, and a hostile page may have many.
 constexpr std::size_t kMaxCharsets = 8;
 
 struct Tag {
@@ -35,7 +22,7 @@ struct Tag {
   }
 };
 
-// Takes the tags of a page off its front, one after the other, as a browser finds them.
+// Reads the tags of a page one after the other, as a browser finds them.
 class TagReader {
  public:
   explicit TagReader(std::string_view html) : rest_(html) {}
@@ -47,7 +34,7 @@ class TagReader {
       if (StartsWith("<!--")) {
         rest_.remove_prefix(2);  // "<!-->" is a whole comment
         SkipTo("-->");
-      } else if (rest_.size() > 1 && IsLetter(rest_[1])) {
+      } else if (rest_.size() > 1 && IsAsciiLetter(rest_[1])) {
         rest_.remove_prefix(1);
         *tag = ReadTag();
         if (tag->name == "script" || tag->name == "style") SkipToEndOf(tag->name);
@@ -64,7 +51,8 @@ class TagReader {
  private:
   bool StartsWith(std::string_view start) const { return rest_.substr(0, start.size()) == start; }
 
-  // Returns false where there is no `mark`, and then nothing is left.
+  // Skips to the next `mark`.
+  //   Returns  false if there is none: then nothing is left.
   bool SkipTo(std::string_view mark) {
     rest_.remove_prefix(std::min(rest_.find(mark), rest_.size()));
     return !rest_.empty();
@@ -72,7 +60,7 @@ class TagReader {
 
   void SkipToEndOf(const std::string& name) {
     while (SkipTo("</")) {
-      if (Lower(rest_.substr(2, name.size())) == name) return;
+      if (AsciiLower(rest_.substr(2, name.size())) == name) return;
       rest_.remove_prefix(2);
     }
   }
@@ -81,7 +69,7 @@ class TagReader {
     rest_.remove_prefix(std::min(rest_.find_first_not_of(bytes), rest_.size()));
   }
 
-  // Takes what comes before any of `ends`.
+  // Reads up to the first of `ends`.
   std::string_view Take(std::string_view ends) {
     const std::string_view taken = rest_.substr(0, rest_.find_first_of(ends));
     rest_.remove_prefix(taken.size());
@@ -89,21 +77,21 @@ class TagReader {
   }
 
   Tag ReadTag() {
-    Tag tag{Lower(Take(" \t\n\f\r/>")), {}};
+    Tag tag{AsciiLower(Take(" \t\n\f\r/>")), {}};
     while (true) {
       Skip(" \t\n\f\r/");
       if (rest_.empty() || rest_.front() == '>') return tag;
       const std::string_view first = rest_.substr(0, 1);  // may be '='
       rest_.remove_prefix(1);
-      const std::string name = Lower(std::string(first) + std::string(Take(" \t\n\f\r/>=")));
-      Skip(kBlanks);
+      const std::string name = AsciiLower(std::string(first) + std::string(Take(" \t\n\f\r/>=")));
+      Skip(kHtmlWhiteSpace);
       tag.attributes.emplace(name, StartsWith("=") ? ReadValue() : "");
     }
   }
 
   std::string ReadValue() {
     rest_.remove_prefix(1);
-    Skip(kBlanks);
+    Skip(kHtmlWhiteSpace);
     if (!StartsWith("\"") && !StartsWith("'")) return std::string(Take(" \t\n\f\r>"));
     const std::string_view quote = rest_.substr(0, 1);
     rest_.remove_prefix(1);
@@ -117,11 +105,11 @@ class TagReader {
 
 // Returns the value of `name` in text like "text/html; charset=x"; nothing if there is none.
 std::string ValueIn(std::string_view text, std::string_view name) {
-  const std::string lower = Lower(text);
+  const std::string lower = AsciiLower(text);
   for (std::size_t at = lower.find(name); at != std::string::npos; at = lower.find(name, at)) {
-    at = std::min(lower.find_first_not_of(kBlanks, at + name.size()), lower.size());
+    at = std::min(lower.find_first_not_of(kHtmlWhiteSpace, at + name.size()), lower.size());
     if (at == lower.size() || lower[at] != '=') continue;
-    at = std::min(lower.find_first_not_of(kBlanks, at + 1), lower.size());
+    at = std::min(lower.find_first_not_of(kHtmlWhiteSpace, at + 1), lower.size());
     const bool is_quoted = at < lower.size() && (lower[at] == '"' || lower[at] == '\'');
     const std::string ends = is_quoted ? std::string(1, lower[at]) : " \t\n\f\r;";
     at += is_quoted ? 1 : 0;
@@ -132,7 +120,7 @@ std::string ValueIn(std::string_view text, std::string_view name) {
 
 std::string CharsetOf(const Tag& meta) {
   if (std::string charset = meta.Attribute("charset"); !charset.empty()) return charset;
-  if (Lower(meta.Attribute("http-equiv")) != "content-type") return "";
+  if (AsciiLower(meta.Attribute("http-equiv")) != "content-type") return "";
   return ValueIn(meta.Attribute("content"), "charset");
 }
 

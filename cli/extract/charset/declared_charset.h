@@ -1,4 +1,4 @@
-// What a page says of its own encoding.
+// The character set that a page declares.
 #ifndef KESTAN_CLI_EXTRACT_CHARSET_DECLARED_CHARSET_H_
 #define KESTAN_CLI_EXTRACT_CHARSET_DECLARED_CHARSET_H_
 
@@ -8,8 +8,9 @@
 
 namespace kestan_cli {
 
-// Returns the encodings that the page `html` names, the one to believe first: those of its meta
-// elements in their order, then that of an XML declaration. Comments, scripts and styles name none.
+// Returns the character sets that the page `html` declares, in the order of trust: those of its
+// meta elements as they come, then that of an XML declaration. Comments, scripts and styles are
+// skipped.
 std::vector<std::string> DeclaredCharsets(std::string_view html);
 
 }  // namespace kestan_cli

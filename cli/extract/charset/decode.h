@@ -1,4 +1,4 @@
-// From the bytes of a text file to UTF-8.
+// Decodes the bytes of a text file.
 #ifndef KESTAN_CLI_EXTRACT_CHARSET_DECODE_H_
 #define KESTAN_CLI_EXTRACT_CHARSET_DECODE_H_
 
@@ -8,20 +8,16 @@
 
 namespace kestan_cli {
 
-// Whether `bytes` begin with the mark of UTF-16, in which text may hold NUL bytes.
+// Returns whether `bytes` begin with the byte order mark of UTF-16, whose text may hold NUL bytes.
 bool StartsAsUtf16(std::string_view bytes);
 
-// Whether `bytes` are UTF-16 that breaks off within a unit. A byte too many or too few anywhere in
-// it makes other text of all that follows.
+// Returns whether `bytes` are UTF-16 of an odd length. A byte too many or too few anywhere garbles
+// all the text after it.
 bool IsBrokenUtf16(std::string_view bytes);
 
-// Returns `bytes`, which are UTF-8, and what is not taken byte by byte as Latin-1 with the signs
-// that Windows adds to it, so that one bad byte does not spoil a text.
-std::string Utf8OrLatin1(std::string bytes);
-
-// Reads `bytes` as UTF-16 where they begin with its mark, else as Utf8OrLatin1 does, with
-// or without a mark.
-//   Returns  the text in UTF-8, without the mark; nothing if it holds a NUL, as no text does.
+// Decodes `bytes`: as UTF-16 if they begin with its byte order mark, else as Utf8OrLatin1 does.
+//   Returns  the text in UTF-8, without a byte order mark; nothing if it holds a NUL: it is no
+//   text.
 std::optional<std::string> DecodedText(std::string bytes);
 
 }  // namespace kestan_cli

@@ -8,12 +8,12 @@
 #include <filesystem>
 
 #include "cli/console/message.h"
+#include "cli/extract/ascii.h"
 #include "cli/files/skip.h"
 
 namespace kestan_cli {
 namespace {
 
-constexpr std::string_view kBlanks = " \t\n\v\f\r";
 constexpr std::string_view kFile = "{}";
 
 struct KnownConverter {
@@ -32,29 +32,20 @@ constexpr std::array kKnown{
     KnownConverter{"djvu", "AT&TFORM", "djvutxt {}"},
 };
 
-std::string Lower(std::string_view text) {
-  std::string lower(text);
-  const auto is_capital = [](char byte) { return byte >= 'A' && byte <= 'Z'; };
-  for (char& byte : lower) {
-    if (is_capital(byte)) byte = static_cast<char>(byte | 0x20);
-  }
-  return lower;
-}
-
-// Cuts at blanks. Quotes mean nothing, for there is no shell.
+// Splits at blanks. Quotes mean nothing, for there is no shell.
 std::vector<std::string> WordsOf(std::string_view command) {
   std::vector<std::string> words;
   while (true) {
-    command.remove_prefix(std::min(command.find_first_not_of(kBlanks), command.size()));
+    command.remove_prefix(std::min(command.find_first_not_of(kWhiteSpace), command.size()));
     if (command.empty()) return words;
-    words.emplace_back(command.substr(0, command.find_first_of(kBlanks)));
+    words.emplace_back(command.substr(0, command.find_first_of(kWhiteSpace)));
     command.remove_prefix(words.back().size());
   }
 }
 
 Converter ParseConverter(const std::string& given) {
   const std::size_t equals = given.find('=');
-  std::string extension = Lower(std::string_view(given).substr(0, equals));
+  std::string extension = AsciiLower(std::string_view(given).substr(0, equals));
   if (!extension.empty() && extension.front() == '.') extension.erase(0, 1);
   const std::string command = equals == std::string::npos ? "" : given.substr(equals + 1);
   const bool names_file = command.find(kFile) != std::string::npos;
@@ -71,7 +62,7 @@ bool IsProgram(const std::string& path) {
 }
 
 // Finds `program` as a shell would.
-//   Returns  its path; an empty string if it is not there.
+//   Returns  its path; an empty string if it is missing.
 std::string FindProgram(const std::string& program) {
   if (program.find('/') != std::string::npos) return IsProgram(program) ? program : "";
   const char* const set = std::getenv("PATH");  // NOLINT(concurrency-mt-unsafe)
@@ -85,7 +76,7 @@ std::string FindProgram(const std::string& program) {
   return "";
 }
 
-// Puts the file's name in place of {}. A name never looks like an option.
+// Replaces {} by the name of the file, which never looks like an option.
 std::string WithName(std::string word, const std::string& name) {
   const std::string safe_name = name.front() == '-' ? "./" + name : name;
   for (std::size_t at = word.find(kFile); at != std::string::npos;
@@ -101,7 +92,7 @@ std::string ExtensionOf(std::string_view name) {
   name.remove_prefix(name.rfind('/') + 1);
   const std::size_t dot = name.rfind('.');
   if (dot == std::string_view::npos || dot == 0) return "";
-  return Lower(name.substr(dot + 1));
+  return AsciiLower(name.substr(dot + 1));
 }
 
 Converters::Converters(const std::vector<std::string>& given) {

@@ -1,4 +1,4 @@
-// Programs that turn files of other formats into text.
+// Programs that convert files of other formats to text.
 #ifndef KESTAN_CLI_EXTRACT_CONVERTER_CONVERTER_H_
 #define KESTAN_CLI_EXTRACT_CONVERTER_CONVERTER_H_
 
@@ -12,20 +12,20 @@
 namespace kestan_cli {
 
 struct Converter {
-  std::string extension;  // in small letters, without the dot
-  // What a file of the format holds in its first kHeadBytes; other files are no such files,
-  // whatever their names say. Empty where that is not looked at.
+  std::string extension;  // in lower case, without the dot
+  // What the first kHeadBytes of every file of the format hold. A file without it is of another
+  // format, whatever its name says. Empty for any file.
   std::string magic;
-  std::vector<std::string> command;  // the program, and its arguments; {} stands for the file
+  std::vector<std::string> command;  // the program and its arguments; {} stands for the file
 };
 
 constexpr std::size_t kHeadBytes = 1024;
 
-// The converters that are known, by extension.
+// The known converters, by extension.
 class Converters {
  public:
-  // Knows those that come with the command, and `given` ("EXT=COMMAND") in front of them.
-  //   Throws   CommandError for one that cannot be read.
+  // Holds `given` ("EXT=COMMAND"), and after them those that come with the command.
+  //   Throws   CommandError for one that is not of that form.
   explicit Converters(const std::vector<std::string>& given);
 
   // Returns the table of those that come with the command, and no others.
@@ -35,19 +35,20 @@ class Converters {
   //   Returns  nullptr if there is none. The table owns it.
   const Converter* Find(std::string_view name, std::string_view head) const;
 
-  // Whether some converter takes files with the extension of `name`, whatever is in them.
+  // Returns whether there is a converter for the extension of `name`, whatever the file holds.
   bool MayConvert(std::string_view name) const;
 
  private:
   std::vector<Converter> converters_;
 };
 
-// Returns the part of `name` after its last dot, in small letters; nothing if it has none, or only
-// one at its beginning.
+// Returns what follows the last dot of the file name in `name`, in lower case; nothing if there is
+// no dot, or only one at the start.
 std::string ExtensionOf(std::string_view name);
 
-// Turns the file `name` into what `converter` writes to its standard output.
-//   Throws   SkipFile if the program is not there or does not come to a good end.
+// Runs `converter` for the file `name`.
+//   Returns  what it writes to its standard output.
+//   Throws   SkipFile if the program is missing, fails or exceeds `limits`.
 std::string Convert(const Converter& converter, const std::string& name,
                     const CommandLimits& limits);
 

@@ -42,8 +42,8 @@ struct Pipe {
   }
 };
 
-// Sets a limit at which the program is told (`soft`) and one at which it is ended, neither above
-// those that this process has.
+// Sets the limits of which the program gets a signal (`soft`) and at which it is killed (`hard`).
+// Neither exceeds those of this process.
 void Limit(decltype(RLIMIT_AS) resource, std::uint64_t soft, std::uint64_t hard) {
   struct rlimit limit {};
   if (getrlimit(resource, &limit) != 0) return;
@@ -52,8 +52,8 @@ void Limit(decltype(RLIMIT_AS) resource, std::uint64_t soft, std::uint64_t hard)
   setrlimit(resource, &limit);
 }
 
-// Runs in the child, which has the parent's memory until it becomes the program: nothing that the
-// parent holds may change, and nothing but system calls is safe.
+// Runs in the child, which shares the memory of the parent until it becomes the program. It must
+// not change what the parent holds, and only system calls are safe.
 [[noreturn]] void Become(const char* path, char* const* argv, int null, int output, int errors,
                          const CommandLimits& limits) {
   setpgid(0, 0);
@@ -70,8 +70,7 @@ void Limit(decltype(RLIMIT_AS) resource, std::uint64_t soft, std::uint64_t hard)
   _exit(kCannotStart);
 }
 
-// A program that has been started; killed with its process group when this goes, unless it has
-// ended.
+// A running program. The destructor kills it with its process group if it has not ended.
 class Child {
  public:
   explicit Child(pid_t id) : id_(id) { setpgid(id_, id_); }
@@ -81,7 +80,7 @@ class Child {
   Child(const Child&) = delete;
   Child& operator=(const Child&) = delete;
 
-  // Kills what runs on and waits for the child's end.
+  // Kills the process group and waits for the end of the child.
   //   Returns  its wait status.
   int Kill() {
     kill(-id_, SIGKILL);
@@ -93,14 +92,14 @@ class Child {
     return status;
   }
 
-  // Waits until the child has ended or `deadline` has passed; kills what is left of its group.
-  //   Returns  whether it ended by itself, and then its wait status.
+  // Waits until the child ends, but not past `deadline`; then kills what is left of its group.
+  //   Returns  whether it ended by itself, with its wait status in `*status`.
   bool WaitUntil(Clock::time_point deadline, int* status) {
     siginfo_t info{};
     std::chrono::microseconds pause(50);  // most have ended, or are about to
     while (true) {
       info.si_pid = 0;
-      // The zombie stays, so that its group's number cannot be anybody else's when it is killed.
+      // The zombie stays, so that no other group can have its number when it is killed.
       const int failed = waitid(P_PID, static_cast<id_t>(id_), &info, WEXITED | WNOHANG | WNOWAIT);
       if (failed == 0 && info.si_pid == id_) break;
       if (Clock::now() >= deadline) return false;
@@ -126,8 +125,8 @@ int MillisecondsUntil(Clock::time_point deadline) {
   return static_cast<int>(std::clamp<long long>(left + 1, 0, 60000));
 }
 
-// Reads once from `from`, and closes it at its end. Keeps `max_bytes` at most, plus one piece.
-//   Returns  false with errno set if it cannot be read: what was kept may not be all.
+// Reads once from `from`, and closes it at its end. Keeps at most `max_bytes` and one piece.
+//   Returns  false with errno set if it cannot be read.
 bool ReadOnce(Descriptor& from, std::string* into, std::uint64_t max_bytes) {
   static std::array<char, std::size_t{1} << 16> piece;
   const ssize_t bytes = read(from.number(), piece.data(), piece.size());
@@ -164,7 +163,7 @@ std::string ReadStreams(Pipe& output, Pipe& errors, const CommandLimits& limits,
   return "";
 }
 
-// Returns the first line of what it said, in a few words.
+// Returns the start of the first line that the program wrote to its standard error stream.
 std::string Said(const std::string& errors) {
   const std::size_t start = errors.find_first_not_of(" \t\r\n");
   if (start == std::string::npos) return "";

@@ -1,4 +1,4 @@
-// Running a program that nobody vouches for: without a shell, and within limits.
+// Runs an untrusted program: without a shell, and within limits.
 #ifndef KESTAN_CLI_EXTRACT_CONVERTER_LIMITED_COMMAND_H_
 #define KESTAN_CLI_EXTRACT_CONVERTER_LIMITED_COMMAND_H_
 
@@ -9,7 +9,7 @@
 namespace kestan_cli {
 
 struct CommandLimits {
-  unsigned seconds = 60;  // of processor time, and of waiting for it as well
+  unsigned seconds = 60;  // of processor time, and of elapsed time
   std::uint64_t memory_bytes = std::uint64_t{1} << 30;
   std::uint64_t output_bytes = std::uint64_t{1} << 28;
 };
@@ -19,9 +19,9 @@ struct CommandOutcome {
   std::string failure;  // the end of a sentence: "ended with status 3: bad file"; empty if none
 };
 
-// Runs the program at `path`, with `arguments` from its own name on, and waits for its end. It
-// reads nothing, inherits no descriptor, and ends when this process does. A program that passes a
-// limit is killed, with all that it has started and that stayed in its process group.
+// Runs the program at `path`, with `arguments` (the first is its own name), and waits for its end.
+// Its standard input is empty, it inherits no descriptor, and it ends with this process. A program
+// that exceeds a limit is killed with its process group.
 //   Throws   std::bad_alloc only.
 CommandOutcome RunLimited(const std::string& path, const std::vector<std::string>& arguments,
                           const CommandLimits& limits);

@@ -19,7 +19,7 @@
 
 #include "cli/extract/charset/charset.h"
 #include "cli/extract/charset/declared_charset.h"
-#include "cli/extract/charset/decode.h"
+#include "cli/extract/charset/latin1.h"
 #include "cli/extract/document.h"
 #include "cli/extract/html/html_repair.h"
 #include "cli/files/skip.h"
@@ -28,15 +28,15 @@
 namespace kestan_cli {
 namespace {
 
-using kestan::search::FindNonUtf8;
+using kestan::search::IsUtf8;
 
-// Elements inside a line: a word may go on across them. In the order of their bytes.
+// Elements inside a line: a word may continue across them. Sorted.
 constexpr std::array<std::string_view, 32> kInline{
     "a",    "abbr",   "acronym", "b",   "bdi", "bdo",  "big",  "cite", "code", "del",  "dfn",
     "em",   "font",   "i",       "ins", "kbd", "mark", "nobr", "q",    "s",    "samp", "small",
     "span", "strike", "strong",  "sub", "sup", "time", "tt",   "u",    "var",  "wbr"};
 
-// Elements whose text nobody reads.
+// Elements whose text no reader sees.
 constexpr std::array<std::string_view, 3> kHidden{"script", "style", "template"};
 
 template <std::size_t kCount>
@@ -46,7 +46,7 @@ bool IsAmong(const std::array<std::string_view, kCount>& names, std::string_view
 
 const char* Chars(const xmlChar* text) { return reinterpret_cast<const char*>(text); }
 
-// Gathers a page from the reader's events.
+// Builds a page from the events of the parser.
 class PageBuilder {
  public:
   void Start(std::string_view name) {
@@ -71,7 +71,7 @@ class PageBuilder {
 
   void EndPage() { is_whole_ = true; }
 
-  // Whether the parser has come to the end of the page.
+  // Returns whether the parser has reached the end of the page.
   bool is_whole() const { return is_whole_; }
 
   HtmlPage Finish() {
@@ -112,7 +112,7 @@ htmlSAXHandler Handler() {
   return handler;
 }
 
-// Memory for libxml2, which loses text or itself where it gets none: the process ends first.
+// Memory for libxml2, which loses text or crashes without it: the process ends first.
 struct ParserMemory {
   static void* Allocate(std::size_t bytes) { return Reallocate(nullptr, bytes); }
 
@@ -126,7 +126,7 @@ struct ParserMemory {
     return static_cast<char*>(std::memcpy(Allocate(bytes), text, bytes));
   }
 
-  // Once, before anything else that libxml2 does.
+  // Installs the functions once, before libxml2 does anything else.
   static bool IsReady() {
     static const bool ready = xmlMemSetup(std::free, Allocate, Reallocate, Duplicate) == 0;
     return ready;
@@ -139,12 +139,13 @@ struct FreeParser {
 
 void SayNothing(void* /*context*/, const char* /*format*/, ...) {}  // NOLINT(cert-dcl50-cpp)
 
-// Hears what libxml2 says, and keeps it off the standard error stream. Broken markup is no error.
+// Catches the errors of libxml2, which would go to the standard error stream. Broken markup is not
+// one.
 class ParserErrors {
  public:
   ParserErrors() {
     xmlSetGenericErrorFunc(nullptr, SayNothing);
-    // libxml2 has changed what it says of the error: constant or not.
+    // The error is constant in some versions of libxml2.
     xmlSetStructuredErrorFunc(this, [](void* errors, auto* error) {
       const bool is_markup = error->domain == XML_FROM_HTML || error->domain == XML_FROM_PARSER;
       auto* const heard = static_cast<ParserErrors*>(errors);
@@ -155,16 +156,16 @@ class ParserErrors {
   ParserErrors(const ParserErrors&) = delete;
   ParserErrors& operator=(const ParserErrors&) = delete;
 
-  // Whether text may be missing.
+  // Returns whether text may be missing.
   bool is_broken() const { return is_broken_; }
 
  private:
   bool is_broken_ = false;
 };
 
-// Pages in UTF-8 say that they are in Latin-1 more often than pages in Latin-1 read as UTF-8.
+// Pages in UTF-8 that declare Latin-1 are more frequent than pages in Latin-1 that are valid UTF-8.
 bool IsUtf8AllTheSame(std::string_view charset, std::string_view bytes) {
-  return IsLatin1Label(charset) && FindNonUtf8(bytes, 0) == bytes.size();
+  return IsLatin1Label(charset) && IsUtf8(bytes);
 }
 
 std::string Decoded(std::string_view bytes) {
@@ -182,7 +183,7 @@ std::string Decoded(std::string_view bytes) {
 
 auto NotWhole() { return SkipFile(SkipKind::kUnreadable, "the page could not be read whole"); }
 
-// Has libxml2 read `html`, which is UTF-8 whatever it says.
+// Parses `html`, which is UTF-8 whatever it declares.
 HtmlPage Parsed(const std::string& html) {
   PageBuilder builder;
   const ParserErrors errors;
@@ -195,7 +196,7 @@ HtmlPage Parsed(const std::string& html) {
                       HTML_PARSE_NONET | HTML_PARSE_IGNORE_ENC;
   htmlDocPtr tree = htmlCtxtReadMemory(parser.get(), html.data(), static_cast<int>(html.size()),
                                        nullptr, "UTF-8", options);
-  xmlFreeDoc(tree);  // there is none, as nothing builds it
+  xmlFreeDoc(tree);  // null: the handler builds none
   if (errors.is_broken() || !builder.is_whole()) throw NotWhole();
   return builder.Finish();
 }

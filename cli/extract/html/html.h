@@ -1,4 +1,4 @@
-// The text of HTML pages.
+// Extracts the text of HTML pages.
 #ifndef KESTAN_CLI_EXTRACT_HTML_HTML_H_
 #define KESTAN_CLI_EXTRACT_HTML_HTML_H_
 
@@ -12,17 +12,15 @@ struct HtmlPage {
   std::string text;   // of everything else but scripts and styles; blocks stand on their own lines
 };
 
-// Reads `bytes`, however broken their markup. Their encoding is the one that the page names, with a
-// mark of UTF-8, in a meta element or in an XML declaration; without one that can be true it is
-// UTF-8, and Latin-1 where bytes are not. A page that names Latin-1 and reads as UTF-8 throughout
-// is UTF-8. Bytes that the encoding does not know part words and lose no others. What comes back is
-// UTF-8.
+// Reads the page `bytes`, however broken its markup is. Its encoding is the one that it declares:
+// with a byte order mark of UTF-8, in a meta element or in an XML declaration. If it declares none
+// that can be true, it is UTF-8, and Latin-1 where bytes are not UTF-8. A page that declares
+// Latin-1 but is valid UTF-8 is UTF-8. Invalid bytes separate words. The result is UTF-8.
 //   Throws   SkipFile if not all of the text could be read, or the page is too large; bad_alloc if
-//            ICU has no memory. Where libxml2 has none, the process ends as Kestan::SafeMalloc
-//            says.
+//            ICU has no memory. If libxml2 has none, the process ends as Kestan::SafeMalloc says.
 HtmlPage ReadHtml(std::string_view bytes);
 
-// Reads a page in UTF-8, whatever encoding it names. Throws as ReadHtml does.
+// Reads a page in UTF-8, whatever encoding it declares. Throws as ReadHtml does.
 HtmlPage ReadUtf8Html(std::string_view text);
 
 }  // namespace kestan_cli

@@ -15,7 +15,7 @@ struct Trap {
   std::string_view instead;
 };
 
-// Browsers end these comments where they begin; libxml2 looks for another end.
+// To browsers these are whole comments; libxml2 looks for another end.
 constexpr std::array kTraps{Trap{"<!-->", "<!-- -->"}, Trap{"<!--->", "<!-- -->"},
                             Trap{"\xef\xbf\xbe", kUnknown}, Trap{"\xef\xbf\xbf", kUnknown}};
 
@@ -28,7 +28,7 @@ bool IsCharacter(std::uint32_t code) {
   return code < 0xd800 || (code >= 0xe000 && code < 0xfffe) || (code >= 0x10000 && code < 0x110000);
 }
 
-// Returns the value of a digit, 16 for what is none.
+// Returns the value of a digit; 16 if `digit` is none.
 std::uint32_t ValueOf(char digit) {
   if (digit >= '0' && digit <= '9') return static_cast<std::uint32_t>(digit - '0');
   const char small = static_cast<char>(digit | 0x20);
@@ -57,14 +57,14 @@ Reference ReadReference(std::string_view text) {
 }
 
 struct Replacement {
-  std::size_t bytes = 0;  // that are replaced; 0 where all can stay
+  std::size_t bytes = 0;  // that are replaced; 0 if none are
   std::string_view instead;
 };
 
-// Looks at the beginning of `text`, which is behind the last end of a tag or not.
-Replacement FindReplacement(std::string_view text, bool is_behind_tags) {
+// Returns what to replace at the start of `text`. No tag ends after it if `is_after_tags`.
+Replacement FindReplacement(std::string_view text, bool is_after_tags) {
   if (IsControl(text.front())) return {1, " "};
-  if (text.front() == '<' && is_behind_tags) return {1, "&lt;"};
+  if (text.front() == '<' && is_after_tags) return {1, "&lt;"};
   if (text.substr(0, 2) == "&#") {
     const Reference reference = ReadReference(text);
     if (reference.bytes == 0) return {1, "&amp;"};
@@ -87,7 +87,7 @@ std::string RepairedHtml(std::string_view html) {
   repaired.reserve(html.size());
   const std::size_t last = html.rfind('>');
   const std::size_t tags_end = last != std::string_view::npos ? last : 0;
-  std::size_t kept = 0;  // what is before has been added
+  std::size_t kept = 0;  // the bytes before it are in `repaired`
   for (std::size_t at = 0; at < html.size();) {
     const Replacement replacement =
         MayBeTrap(html[at]) ? FindReplacement(html.substr(at), at >= tags_end) : Replacement();

@@ -1,4 +1,4 @@
-// Places in HTML at which libxml2 drops text, or joins the words to either side.
+// Repairs HTML where libxml2 would drop text or join words.
 #ifndef KESTAN_CLI_EXTRACT_HTML_HTML_REPAIR_H_
 #define KESTAN_CLI_EXTRACT_HTML_HTML_REPAIR_H_
 
@@ -7,9 +7,9 @@
 
 namespace kestan_cli {
 
-// Returns the page `html` (UTF-8) without them: control characters are blanks, what stands for no
-// character and references to none are U+FFFD, comments that are over at once are closed in full,
-// and a tag that the end of the page cuts is text.
+// Returns the page `html` (UTF-8) with blanks for control characters, U+FFFD for noncharacters and
+// for references to no character, full ends of comments that are closed at once ("<!-->"), and a
+// tag that the end of the page cuts as text.
 std::string RepairedHtml(std::string_view html);
 
 }  // namespace kestan_cli

@@ -188,42 +188,6 @@ TEST_F(ScanTest, FilesGivenByHandAreTakenWhateverThePatterns) {
   EXPECT_EQ(FilesOf(ScanOf({"a.o"}, {{}, {Glob("*.o")}})), Names{"a.o"});
 }
 
-using NameOfTest = ScanTest;
-
-TEST_F(NameOfTest, NamesHaveNoDotsAndNoSlashAtTheEnd) {
-  EXPECT_EQ(NameOf("./a//b/./c/"), "a/b/c");
-  EXPECT_EQ(NameOf("."), ".");
-  EXPECT_EQ(NameOf("./"), ".");
-  EXPECT_EQ(NameOf("/"), "/");
-  EXPECT_EQ(NameOf("//a/."), "/a");
-  EXPECT_EQ(NameOf(""), "");
-  EXPECT_EQ(NameOf("a..b/..c"), "a..b/..c");
-}
-
-TEST_F(NameOfTest, WayUpFromAFolderIsTakenOut) {
-  std::filesystem::create_directories("a/b");
-  EXPECT_EQ(NameOf("a/b/../c"), "a/c");
-  EXPECT_EQ(NameOf("a/b/../../c"), "c");
-  EXPECT_EQ(NameOf("a/.."), ".");
-  EXPECT_EQ(NameOf("./a/b/.././../a"), "a");
-  EXPECT_EQ(NameOf(Path("a/../c")), Path("c"));
-  EXPECT_EQ(NameOf("/../a"), "/a");
-  EXPECT_EQ(NameOf("../a/.."), "../a/..");  // of which nothing is known
-}
-
-TEST_F(NameOfTest, WayUpFromAnythingElseStays) {
-  std::filesystem::create_directories("a/b");
-  std::filesystem::create_directories("x/y");
-  std::filesystem::create_symlink("../x/y", "a/link");
-  Write("file", "text");
-  EXPECT_EQ(NameOf("a/link/../f"), "a/link/../f");
-  EXPECT_EQ(NameOf("a//link/./..//y/../f/"), "a/link/../f");
-  EXPECT_EQ(NameOf("a/link/../../f"), "a/link/../../f");
-  EXPECT_EQ(NameOf("gone/../f"), "gone/../f");
-  EXPECT_EQ(NameOf("file/../f"), "file/../f");
-  EXPECT_EQ(NameOf("../../f"), "../../f");
-}
-
 TEST_F(ScanTest, WayUpFromALinkLeadsToTheFileThatTheSystemFinds) {
   Write("a/f", "one");
   Write("b/f", "other text");
@@ -233,48 +197,6 @@ TEST_F(ScanTest, WayUpFromALinkLeadsToTheFileThatTheSystemFinds) {
   EXPECT_EQ(FilesOf(scan), Names{"a/link/../f"});
   EXPECT_EQ(scan.files.at(0).state.bytes, 10u);
   EXPECT_EQ(Files({"a/link/.."}), Names{"a/link/../f"});
-}
-
-TEST(IsBelowTest, NamesAreBelowTheirFolders) {
-  EXPECT_TRUE(IsBelow("d/e/a", {"d"}));
-  EXPECT_TRUE(IsBelow("d/e/a", {"x", "d/e"}));
-  EXPECT_TRUE(IsBelow("d", {"d"}));
-  EXPECT_FALSE(IsBelow("dd", {"d"}));
-  EXPECT_FALSE(IsBelow("dd/a", {"d"}));
-  EXPECT_FALSE(IsBelow("a", {}));
-}
-
-TEST(IsBelowTest, TheFolderOfTheProcessHoldsNamesThatDoNotLeaveIt) {
-  EXPECT_TRUE(IsBelow("a", {"."}));
-  EXPECT_TRUE(IsBelow("a/b", {"."}));
-  EXPECT_TRUE(IsBelow("..a", {"."}));
-  EXPECT_FALSE(IsBelow("../a", {"."}));
-  EXPECT_FALSE(IsBelow("/a", {"."}));
-  EXPECT_TRUE(IsBelow("../a", {".."}));
-  EXPECT_FALSE(IsBelow("a", {".."}));
-}
-
-TEST(IsBelowTest, WhatIsBehindAWayUpIsNotBelowWhatIsBeforeIt) {
-  EXPECT_FALSE(IsBelow("a/link/../f", {"a"}));
-  EXPECT_FALSE(IsBelow("a/link/../f", {"a/link", "."}));
-  EXPECT_FALSE(IsBelow("/a/link/../f", {"/"}));
-  EXPECT_TRUE(IsBelow("a/link/../f", {"a/link/.."}));
-  EXPECT_TRUE(IsBelow("a/link/../f", {"a/link/../f"}));
-}
-
-TEST(IsBelowTest, TheRootHoldsAllAbsoluteNames) {
-  EXPECT_TRUE(IsBelow("/a/b", {"/"}));
-  EXPECT_FALSE(IsBelow("a/b", {"/"}));
-}
-
-TEST_F(ScanTest, VanishedIsOnlyWhatIsKnownToBe) {
-  Write("a", "text");
-  std::filesystem::create_symlink("nowhere", "link");
-  EXPECT_FALSE(HasVanished("a"));
-  EXPECT_FALSE(HasVanished("link"));
-  EXPECT_TRUE(HasVanished("b"));
-  EXPECT_TRUE(HasVanished("a/b"));
-  EXPECT_FALSE(HasVanished(std::string(300, 'x')));
 }
 
 }  // namespace

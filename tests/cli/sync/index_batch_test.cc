@@ -13,11 +13,11 @@ namespace {
 
 const std::string kHash = "00112233445566778899aabbccddeeff";
 
-class AdderTest : public kestan_tests::CommandTest {
+class IndexBatchTest : public kestan_tests::CommandTest {
  protected:
   // Adds `text` as `name`.
-  static void Add(Adder& adder, const std::string& name, const std::string& text) {
-    adder.Add(name, MakeDocument(text), {{4, 5, 6}, kHash});
+  static void Add(IndexBatch& batch, const std::string& name, const std::string& text) {
+    batch.Add(name, MakeDocument(text), {{4, 5, 6}, kHash});
   }
 
   // Whether the index, still open, has the postings of `a` on the disk.
@@ -26,9 +26,10 @@ class AdderTest : public kestan_tests::CommandTest {
     return kestan_tests::Dump(Path("copy"))["cat"] == kestan_tests::Units({1, 1, 1});
   }
 
-  static std::string Complaint(Adder& adder, const std::string& name, const std::string& text) {
+  static std::string Complaint(IndexBatch& batch, const std::string& name,
+                               const std::string& text) {
     try {
-      Add(adder, name, text);
+      Add(batch, name, text);
     } catch (const CommandError& error) {
       return error.what();
     }
@@ -39,51 +40,51 @@ class AdderTest : public kestan_tests::CommandTest {
   OpenedIndex index_{engine_, Path("my.index"), Access::kCreate};
 };
 
-TEST_F(AdderTest, CountsNewWords) {
-  Adder adder(index_);
-  Add(adder, "a", "cat\n");
-  EXPECT_EQ(adder.new_words(), 1u);
-  Add(adder, "b", "cat dog\n");
-  EXPECT_EQ(adder.new_words(), 2u);
-  Add(adder, "b", "cat dog\n");
-  EXPECT_EQ(adder.new_words(), 2u);
+TEST_F(IndexBatchTest, CountsNewWords) {
+  IndexBatch batch(index_);
+  Add(batch, "a", "cat\n");
+  EXPECT_EQ(batch.new_words(), 1u);
+  Add(batch, "b", "cat dog\n");
+  EXPECT_EQ(batch.new_words(), 2u);
+  Add(batch, "b", "cat dog\n");
+  EXPECT_EQ(batch.new_words(), 2u);
 }
 
-TEST_F(AdderTest, SavesWhenEnoughTextHasCome) {
-  Adder adder(index_, 4);  // of words: a blank follows
-  Add(adder, "a", "cat\n");
+TEST_F(IndexBatchTest, SavesWhenEnoughTextHasCome) {
+  IndexBatch batch(index_, 4);  // of words: a blank follows
+  Add(batch, "a", "cat\n");
   EXPECT_TRUE(IsSaved());
 }
 
-TEST_F(AdderTest, DoesNotSaveBefore) {
-  Adder adder(index_, 5);
-  Add(adder, "a", "cat\n");
+TEST_F(IndexBatchTest, DoesNotSaveBefore) {
+  IndexBatch batch(index_, 5);
+  Add(batch, "a", "cat\n");
   EXPECT_FALSE(IsSaved());
 }
 
-TEST_F(AdderTest, StoresTheFingerprint) {
-  Adder adder(index_);
-  Add(adder, "a", "cat\n");
+TEST_F(IndexBatchTest, StoresTheFingerprint) {
+  IndexBatch batch(index_);
+  Add(batch, "a", "cat\n");
   EXPECT_EQ(UserRecord(engine_, "a"), "size=4 mtime=5.000000006 hash=" + kHash);
 }
 
-TEST_F(AdderTest, KeepsWhatAUserWroteInTheRecord) {
-  Adder adder(index_);
+TEST_F(IndexBatchTest, KeepsWhatAUserWroteInTheRecord) {
+  IndexBatch batch(index_);
   engine_.DBPutUser("a", "my notes");
-  Add(adder, "a", "cat\n");
+  Add(batch, "a", "cat\n");
   EXPECT_EQ(UserRecord(engine_, "a"), "size=4 mtime=5.000000006 hash=" + kHash + "\nmy notes");
-  adder.Renew("a", {{7, 8, 9}, kHash});
+  batch.UpdateFingerprint("a", {{7, 8, 9}, kHash});
   EXPECT_EQ(UserRecord(engine_, "a"), "size=7 mtime=8.000000009 hash=" + kHash + "\nmy notes");
 }
 
-TEST_F(AdderTest, DocumentThatAFullIndexRefusesIsNamed) {
-  Adder adder(index_);
-  Add(adder, "a", "cat\n");
+TEST_F(IndexBatchTest, DocumentThatAFullIndexRefusesIsNamed) {
+  IndexBatch batch(index_);
+  Add(batch, "a", "cat\n");
   index_.Save();
   engine_.CloseIndex();
   kestan_tests::Plant(Path("my.index"), {{"g-code", kestan_tests::Units({65535})}});
   ASSERT_EQ(engine_.OpenIndex(Path("my.index").c_str(), 1), 0);
-  EXPECT_EQ(Complaint(adder, "b", "cat dog\n"),
+  EXPECT_EQ(Complaint(batch, "b", "cat dog\n"),
             "index '" + Path("my.index") + "' did not take 'b'");
 }
 

@@ -68,16 +68,5 @@ TEST(IndexReportTest, NothingToIndexTellsWhatThereWas) {
             "nothing to index: no text files, 2 binary files, 0 links, 1 unusable name");
 }
 
-TEST(SkipTest, FailuresAreFilesThatShouldHaveBeenIndexed) {
-  for (SkipKind kind : {SkipKind::kBinary, SkipKind::kLink, SkipKind::kSpecial, SkipKind::kExcluded,
-                        SkipKind::kNoConverter}) {
-    EXPECT_FALSE(IsFailure(kind));
-  }
-  for (SkipKind kind : {SkipKind::kUnreadable, SkipKind::kConversion, SkipKind::kChanging,
-                        SkipKind::kTooLarge, SkipKind::kName}) {
-    EXPECT_TRUE(IsFailure(kind));
-  }
-}
-
 }  // namespace
 }  // namespace kestan_cli

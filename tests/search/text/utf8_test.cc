@@ -60,5 +60,28 @@ TEST(Utf8Test, FirstByteThatIsNotUtf8IsFound) {
   EXPECT_EQ(FindNonUtf8("", 0), 0u);
 }
 
+TEST(IsUtf8Test, CharactersOfEveryLengthAreIn) {
+  EXPECT_TRUE(IsUtf8(""));
+  EXPECT_TRUE(IsUtf8(std::string("plain\n\x7f\0", 8)));
+  EXPECT_TRUE(IsUtf8("\xc2\x80\xdf\xbf"));
+  EXPECT_TRUE(IsUtf8("\xe0\xa0\x80\xed\x9f\xbf\xee\x80\x80\xef\xbf\xbf"));
+  EXPECT_TRUE(IsUtf8("\xf0\x90\x80\x80\xf4\x8f\xbf\xbf"));
+}
+
+TEST(IsUtf8Test, OverlongFormsSurrogatesAndWhatIsTooHighAreNot) {
+  for (const char* text :
+       {"\xc0\x80", "\xc1\xbf", "\xe0\x9f\xbf", "\xf0\x8f\xbf\xbf", "\xed\xa0\x80", "\xed\xbf\xbf",
+        "\xf4\x90\x80\x80", "\xf5\x80\x80\x80"}) {
+    EXPECT_FALSE(IsUtf8(text)) << text;
+  }
+}
+
+TEST(IsUtf8Test, BrokenCharactersAreNot) {
+  for (const char* text : {"\x80", "\xbf", "\xc3", "\xc3x", "\xe2\x82", "\xe2\x82x", "\xe2(\xa1",
+                           "\xf0\x9f\x98", "\xf0\x9f\x98x", "ok\xff"}) {
+    EXPECT_FALSE(IsUtf8(text)) << text;
+  }
+}
+
 }  // namespace
 }  // namespace kestan::search

@@ -1,4 +1,4 @@
-#include "cli/files/text_hash.h"
+#include "cli/export/text_hash.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "cli/files/text_hash.h"
+#include "cli/export/text_hash.h"
 
 #include <sys/auxv.h>
 #include <sys/random.h>
@@ -14,7 +14,7 @@ namespace {
 
 using Secret = std::array<std::uint64_t, 24>;  // at least XXH3_SECRET_SIZE_MIN bytes
 
-// For a system without random bytes: it gave sixteen to the process when it started.
+// For a system without random bytes: uses the sixteen that the process got when it started.
 void TakeBytesOfStart(Secret* secret) {
   std::array<std::uint64_t, 3> start = {};
   // NOLINTNEXTLINE(performance-no-int-to-ptr): that is how the system hands them over
