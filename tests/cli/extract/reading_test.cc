@@ -33,8 +33,9 @@ TEST(FormatTest, EverythingElseIsText) {
 
 TEST(ReadingTest, DigitsAreSixteenAndStayTheSame) {
   // Indexes keep them.
-  EXPECT_EQ(ReadingDigitsByName("a.txt", ""), "6ce49a33da735dcd");
-  EXPECT_EQ(ReadingDigitsByName("a.html", ""), "x");
+  EXPECT_EQ(Digits("a.txt", "", "x=cat -u {}", {"", true}), "663470a229a3a834");
+  EXPECT_EQ(Digits("a.html", "", "x=cat -u {}", {"", true}), "5aef8787b7c48eb2");
+  EXPECT_EQ(Digits("a.x", "", "x=cat -u {}"), "1f69a28d99e6ab04");
 }
 
 TEST(ReadingTest, EveryFormatAndConverterHasOtherDigits) {
