@@ -276,7 +276,7 @@ TEST_F(ExportServerTest, AHostileNameOfTheTableIsItsName) {
 
 // ---- Limits ----
 
-TEST_F(ExportServerTest, WhatIsAtTheLimitsOfTheServerIsTakenAndTheRestIsTold) {
+TEST_F(ExportServerTest, WhatIsAtTheLimitsOfTheServerIsTakenAndTheRestIsReported) {
   std::string many;
   for (int i = 1; i <= 257; ++i) many += "many ";
   std::string late;

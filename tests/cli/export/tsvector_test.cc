@@ -27,11 +27,11 @@ std::string TextOf(const Words& words) {
 
 TEST(TsVectorTest, NoWordsAreAnEmptyVector) { EXPECT_EQ(TextOf({}), ""); }
 
-TEST(TsVectorTest, WordsAreSmallAndKeepTheirPlaces) {
+TEST(TsVectorTest, WordsAreInLowerCaseAndKeepTheirPositions) {
   EXPECT_EQ(TextOf({{"Hello", 1}, {"world", 2}, {"HELLO", 3}}), "'hello':1,3 'world':2");
 }
 
-TEST(TsVectorTest, OnlyAToZAreMadeSmall) {
+TEST(TsVectorTest, OnlyAToZAreLowered) {
   EXPECT_EQ(TextOf({{"@AZ[\xc3\x89", 1}}), "'@az[\xc3\x89':1");
 }
 
@@ -67,7 +67,7 @@ TEST(TsVectorTest, NulsAreReplaced) {
   EXPECT_TRUE(made.had_nul);
 }
 
-TEST(TsVectorTest, LongWordsAreLeftOutAndTold) {
+TEST(TsVectorTest, LongWordsAreLeftOutAndReported) {
   const std::string longest(kestan_cli::kMaxLexemeBytes, 'w');
   EXPECT_EQ(TextOf({{longest, 1}}), "'" + longest + "':1");
   const std::string longer = longest + "w";
@@ -93,7 +93,7 @@ TEST(TsVectorTest, AWordKeeps256Places) {
   EXPECT_EQ(made.losses.Text(), "1 position past the 256th of a word left out");
 }
 
-TEST(TsVectorTest, WhatDoesNotFitIsToldAndShorterWordsStillGoIn) {
+TEST(TsVectorTest, WhatDoesNotFitIsReportedAndShorterWordsStillGoIn) {
   std::vector<std::string> texts;
   for (int i = 0; i < 600; ++i) texts.push_back(std::to_string(1000 + i) + std::string(2000, 'w'));
   texts.emplace_back("a");

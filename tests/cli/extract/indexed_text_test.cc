@@ -111,7 +111,7 @@ TEST_F(IndexedTextReaderTest, PageHasItsTitleAndTextButNoMarkup) {
   EXPECT_EQ(text, "One\nTwo & 3\n");
 }
 
-TEST_F(IndexedTextReaderTest, TextOfAPageMayStandBehindLongScripts) {
+TEST_F(IndexedTextReaderTest, TextOfAPageMayStandAfterLongScripts) {
   const std::string script = "<script>" + std::string(2 * kMaxShownText, 'x') + "</script>";
   EXPECT_EQ(ReadNew("a.html", script + "<p>word"), "word\n");
 }

@@ -38,7 +38,7 @@ TEST_F(StopWordsTest, EmptyFileLeavesAllWordsIn) {
   EXPECT_EQ(Left("a mat", Path("stop")), "a mat");
 }
 
-TEST_F(StopWordsTest, FileThatCannotBeReadIsTold) {
+TEST_F(StopWordsTest, FileThatCannotBeReadIsReported) {
   EXPECT_THROW(StopWords(Path("none")), CommandError);
   Write("binary", std::string(1, '\0'));
   try {

@@ -24,7 +24,7 @@ TEST(PathListTest, EmptyPathsAreLeftOut) { EXPECT_EQ(PathsIn("\0\0a\0\0"sv), Nam
 
 TEST(PathListTest, EmptyListHasNone) { EXPECT_EQ(PathsIn(""), Names{}); }
 
-TEST(PathListTest, StreamThatCannotBeReadIsTold) {
+TEST(PathListTest, StreamThatCannotBeReadIsReported) {
   const OpenFile folder(std::fopen("/", "rb"));
   ASSERT_NE(folder, nullptr);
   try {
@@ -35,7 +35,7 @@ TEST(PathListTest, StreamThatCannotBeReadIsTold) {
   }
 }
 
-TEST(PathListTest, StreamThatHoldsTooMuchIsTold) {
+TEST(PathListTest, StreamThatHoldsTooMuchIsReported) {
   const OpenFile zeros(std::fopen("/dev/zero", "rb"));
   ASSERT_NE(zeros, nullptr);
   try {
@@ -106,7 +106,7 @@ TEST(IsBelowTest, TheFolderOfTheProcessHoldsNamesThatDoNotLeaveIt) {
   EXPECT_FALSE(IsBelow("a", {".."}));
 }
 
-TEST(IsBelowTest, WhatIsBehindAWayUpIsNotBelowWhatIsBeforeIt) {
+TEST(IsBelowTest, WhatFollowsAWayUpIsNotBelowWhatPrecedesIt) {
   EXPECT_FALSE(IsBelow("a/link/../f", {"a"}));
   EXPECT_FALSE(IsBelow("a/link/../f", {"a/link", "."}));
   EXPECT_FALSE(IsBelow("/a/link/../f", {"/"}));

@@ -163,7 +163,7 @@ TEST_F(ScanTest, DevicesGivenByHandAreRefused) {
   EXPECT_EQ(Complaint({"/dev/null"}), "cannot read '/dev/null': neither a file nor a folder");
 }
 
-TEST_F(ScanTest, LineFeedInTheNameOfAnyFolderIsTold) {
+TEST_F(ScanTest, LineFeedInTheNameOfAnyFolderIsReported) {
   Write("d\nd/a", "text");
   EXPECT_EQ(SkipsOf(ScanOf({"."})), Names{"d\nd/a: its name holds a line feed"});
 }

@@ -62,33 +62,33 @@ TEST_F(StableFileTest, TimeIsThatOfTheFile) {
   EXPECT_EQ(fingerprint_.state, (FileState{4, 1000000000, 123456789}));
 }
 
-TEST_F(StableFileTest, MissingFileIsTold) {
+TEST_F(StableFileTest, MissingFileIsReported) {
   EXPECT_EQ(Read("a"), "unreadable: no such file or folder");
 }
 
-TEST_F(StableFileTest, FileThatGrowsIsTold) {
+TEST_F(StableFileTest, FileThatGrowsIsReported) {
   Write("a", "text");
   EXPECT_EQ(Read("a", [this] { Write("a", "longer text"); }),
             "changing: changed while it was read");
 }
 
-TEST_F(StableFileTest, FileThatShrinksIsTold) {
+TEST_F(StableFileTest, FileThatShrinksIsReported) {
   Write("a", std::string(300000, 'x'));
   EXPECT_EQ(Read("a", [this] { Write("a", "x"); }), "changing: changed while it was read");
 }
 
-TEST_F(StableFileTest, FileOverwrittenInItsLengthIsTold) {
+TEST_F(StableFileTest, FileOverwrittenInItsLengthIsReported) {
   Write("a", "text");
   EXPECT_EQ(Read("a", [this] { Write("a", "tex2"); }), "changing: changed while it was read");
 }
 
-TEST_F(StableFileTest, FileThatVanishesIsTold) {
+TEST_F(StableFileTest, FileThatVanishesIsReported) {
   Write("a", "text");
   EXPECT_EQ(Read("a", [this] { std::filesystem::remove(Path("a")); }),
             "changing: vanished while it was read");
 }
 
-TEST_F(StableFileTest, FileThatIsReplacedIsTold) {
+TEST_F(StableFileTest, FileThatIsReplacedIsReported) {
   Write("a", "text");
   Write("b", "text");
   std::filesystem::last_write_time(Path("b"), std::filesystem::last_write_time(Path("a")));
@@ -101,7 +101,7 @@ TEST_F(StableFileTest, PipeInAFilesPlaceIsNotWaitedFor) {
   EXPECT_EQ(Read("a"), "changing: not a file");
 }
 
-TEST_F(StableFileTest, FolderInAFilesPlaceIsTold) {
+TEST_F(StableFileTest, FolderInAFilesPlaceIsReported) {
   std::filesystem::create_directory(Path("a"));
   EXPECT_EQ(Read("a"), "changing: not a file");
 }

@@ -66,7 +66,7 @@ TEST_F(IndexChangesTest, TouchedFileIsUnchangedAndItsNewTimeIsKept) {
   EXPECT_EQ(static_cast<unsigned char>(Record("d-d/a")[0]), added);
 }
 
-TEST_F(IndexChangesTest, AllFilesAreIndexedAnewWhereAskedFor) {
+TEST_F(IndexChangesTest, AllFilesAreIndexedAgainOnDemand) {
   Write("d/a", "the cat\n");
   Index();
   options_.all = true;
@@ -320,7 +320,7 @@ TEST_F(IndexChangesTest, WayUpFromALinkNamesTheFileThatIsIndexed) {
   EXPECT_EQ(Index(), Report(0, 0, 0, 0, 1));
 }
 
-TEST_F(IndexChangesTest, DocumentBehindALinkIsPrunedByItsOwnPathOnly) {
+TEST_F(IndexChangesTest, DocumentReachedThroughALinkIsPrunedByItsOwnPathOnly) {
   Write("d/f", "cat\n");
   Write("e/f", "dog\n");
   fs::create_directory("e/inner");

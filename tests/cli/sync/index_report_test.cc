@@ -21,7 +21,7 @@ IndexReport Example() {
   return report;
 }
 
-TEST(IndexReportTest, LineTellsAllCounts) {
+TEST(IndexReportTest, LineHasAllCounts) {
   EXPECT_EQ(ReportLine(Example()),
             "added 1, updated 2, moved 3, removed 4, unchanged 5, "
             "skipped 3 (2 binary files, 1 unusable name)\n");
@@ -38,7 +38,7 @@ TEST(IndexReportTest, EachSkippedFileIsOneLine) {
             "skipped 'd/\\xff': binary file\n");
 }
 
-TEST(IndexReportTest, JsonTellsTheSame) {
+TEST(IndexReportTest, JsonHasTheSame) {
   EXPECT_EQ(ReportJson(Example(), false),
             R"({"schema":1,"added":1,"updated":2,"moved":3,"removed":4,"unchanged":5,)"
             R"("new_words":6,"skipped":{"total":3,"binary":2,"name":1}})"
@@ -63,7 +63,7 @@ TEST(IndexReportTest, FilesIndexedInPartAreNamed) {
             std::string::npos);
 }
 
-TEST(IndexReportTest, NothingToIndexTellsWhatThereWas) {
+TEST(IndexReportTest, NothingToIndexSaysWhatThereWas) {
   EXPECT_EQ(NothingToIndex(Example().skips),
             "nothing to index: no text files, 2 binary files, 0 links, 1 unusable name");
 }

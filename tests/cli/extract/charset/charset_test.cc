@@ -66,7 +66,7 @@ TEST(CharsetTest, EncodingsThatShiftAreBelievedWhereAllOfTheTextAgrees) {
   EXPECT_EQ(FromCharset("hz-gb-2312", "~{VPND~} \xe9"), std::nullopt);
 }
 
-TEST(CharsetTest, AsciiBehindALeadByteStays) {
+TEST(CharsetTest, AsciiAfterALeadByteStays) {
   EXPECT_EQ(FromCharset("gbk", "one \xff two"), "one \ufffd two");
   EXPECT_EQ(FromCharset("euc-jp", "\xb0x"), "\ufffdx");
   EXPECT_EQ(FromCharset("shift_jis", "one\x81"), "one\ufffd");

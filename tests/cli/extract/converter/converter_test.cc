@@ -56,7 +56,7 @@ TEST(ConvertersTest, GivenOnesGoBeforeThoseKnownAndTakeAnyContent) {
   EXPECT_EQ(found->command, (Texts{"my", "tool", "-x", "{}", "-"}));
 }
 
-TEST(ConvertersTest, MistakesAreTold) {
+TEST(ConvertersTest, MistakesAreReported) {
   const std::string what = " is not of the form EXT=COMMAND with {} for the file";
   for (const char* given : {"", "pdf", "pdf=", "=tool {}", "pdf=tool", "tar.gz=tool {}", "{}"}) {
     EXPECT_EQ(Complaint(given), "converter " + Quoted(given) + what);
@@ -104,11 +104,11 @@ TEST_F(ConvertTest, FolderOnThePathIsNoProgram) {
   EXPECT_EQ(Converted("tool {}", "a"), "no_converter: no converter for .x (tool is missing)");
 }
 
-TEST_F(ConvertTest, FailureIsTold) {
+TEST_F(ConvertTest, FailureIsReported) {
   EXPECT_EQ(Converted("false {}", "a"), "conversion: false ended with status 1");
 }
 
-TEST_F(ConvertTest, FileThatCannotBeRunIsTold) {
+TEST_F(ConvertTest, FileThatCannotBeRunIsReported) {
   Write("tool",
         "\x7f"
         "ELF nothing");

@@ -48,17 +48,17 @@ TEST_F(LimitedCommandTest, NoDescriptorIsInherited) {
   close(leaked);
 }
 
-TEST_F(LimitedCommandTest, FailureIsToldWithItsFirstLine) {
+TEST_F(LimitedCommandTest, FailureIsReportedWithItsFirstLine) {
   const CommandOutcome outcome = Shell("echo partial; echo bad file >&2; echo more >&2; exit 3");
   EXPECT_EQ(outcome.failure, "ended with status 3: bad file");
   EXPECT_EQ(outcome.output, "");
 }
 
-TEST_F(LimitedCommandTest, FailureWithoutAWordIsTold) {
+TEST_F(LimitedCommandTest, FailureWithoutAWordIsReported) {
   EXPECT_EQ(Shell("exit 1").failure, "ended with status 1");
 }
 
-TEST_F(LimitedCommandTest, SignalIsTold) {
+TEST_F(LimitedCommandTest, SignalIsReported) {
   EXPECT_EQ(Shell("kill -SEGV $$").failure, "was ended by signal 11");
 }
 
@@ -67,7 +67,7 @@ TEST_F(LimitedCommandTest, BrokenPipesEndAProgramAsUsual) {
   EXPECT_EQ(Shell("kill -PIPE $$; echo alive").failure, "was ended by signal 13");
 }
 
-TEST_F(LimitedCommandTest, MissingProgramIsTold) {
+TEST_F(LimitedCommandTest, MissingProgramIsReported) {
   EXPECT_EQ(RunLimited(Path("none"), {"none"}, {}).failure, "could not be started");
 }
 

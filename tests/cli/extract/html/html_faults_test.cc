@@ -81,11 +81,11 @@ class HtmlFaultsTest : public testing::TestWithParam<Failing> {
   }
 };
 
-TEST_P(HtmlFaultsTest, PageIsWholeOrSomebodyIsTold) {
+TEST_P(HtmlFaultsTest, PageIsWholeOrSomebodyIsReported) {
   EXPECT_GT(ExpectTextOrWord(kPage, "\u00e9"), 20);
 }
 
-TEST_P(HtmlFaultsTest, PageInANamedEncodingIsWholeOrSomebodyIsTold) {
+TEST_P(HtmlFaultsTest, PageInANamedEncodingIsWholeOrSomebodyIsReported) {
   EXPECT_GT(ExpectTextOrWord("<meta charset=windows-1251>" + kPage, "\u0439"), 20);
 }
 

@@ -118,7 +118,7 @@ TEST(HtmlTest, EveryTruncationOfAPageIsRead) {
   }
 }
 
-TEST(HtmlTest, BrokenMarkupIsNotToldOnTheErrorStream) {
+TEST(HtmlTest, BrokenMarkupIsNotReportedOnTheErrorStream) {
   testing::internal::CaptureStderr();
   ReadHtml("<p><a<b></x>&nonsense; <!DOCTYPE> </table> &#0; <meta charset=nonsense>\xff\xfe");
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
