@@ -31,7 +31,7 @@ KESTAN_EXPORT IndexReader& ReaderOf(Kestan& engine);  // see kestan/results.h
 // sets belong to the process. Another engine object may be made, but no two should be in use.
 //
 // Strings that come in are NUL-terminated bytes in no particular encoding; the engine only borrows
-// them for the call. Text that goes out lies in the scratch buffer unless said otherwise: it is the
+// them for the call. Text that goes out is in the scratch buffer unless said otherwise: it is the
 // engine's, never to be freed, and valid until the next call that writes the buffer, which every
 // method that returns text does, and DBPutWords.
 //
@@ -71,7 +71,7 @@ class KESTAN_EXPORT Kestan {
   // Copies every record, with changes that wait to be written, into the index at `path`, which is
   // created where it is missing; records that it has already stay unless their keys are the same.
   // Flushes this index and the copy after the 1001st record, and then after every 1000 more. Ends
-  // at a record that cannot be read, which FileError() then tells.
+  // at a record that cannot be read; FileError() then has the error.
   //   Returns  0; -1 if `path` cannot be opened; else gdbm's error number from closing the copy.
   //   Prints   "Kestan: Could not open index file 'PATH' -- ERROR", without a line break.
   int CopyIndexTo(const char* path);
@@ -176,7 +176,7 @@ class KESTAN_EXPORT Kestan {
 
   // Indexes the words of `text`, which white space separates, as the document `name`, in place of
   // an earlier one. Every word is recorded as it stands and, where that differs, with bit 5 set in
-  // each byte, which makes capital letters small. Either string may lie in the scratch buffer.
+  // each byte, which makes capital letters lower case. Either string may be in the scratch buffer.
   //   Returns  the words that the index had never seen, in order of their bytes, each followed by
   //            a line feed, in the scratch buffer; a constant empty string if none is open; if the
   //            index is full, where an earlier version is removed all the same; or with nothing
@@ -212,15 +212,15 @@ class KESTAN_EXPORT Kestan {
   //   Returns  0; -1 without an index.
   int ShrinkIndex();
 
-  // Drops the entries of codes that the next documents may get from the postings of the words that
-  // ShrinkIndex passes over: words of one byte, and of two where the second is '-'. A host that
-  // calls it before it adds documents never finds a document by such a word of the one that had its
-  // code before. With `removed_too`, drops those of removed documents as well: right before
-  // ShrinkIndex, which gives their room back then.
-  //   Returns  0; -1 without an index; -2 with nothing changed if a posting record of such a word
-  //   is
-  //            damaged and has entries of codes that the next documents may get; else gdbm's error
-  //            number, and what was dropped is unspecified.
+  // Purges the words that ShrinkIndex passes over, words of one byte, and of two where the second
+  // is
+  // '-', of the postings of codes that the next documents may get. A host that calls it before it
+  // adds documents never finds a document by such a word of the one that had its code before. With
+  // `removed_too`, purges the postings of removed documents as well: useful right before
+  // ShrinkIndex, which then gives their space back.
+  //   Returns  0; -1 without an index; -2 with nothing changed if the posting record of such a word
+  //            is damaged and has postings of codes that the next documents may get; else gdbm's
+  //            error number, and what was purged is unspecified.
   //   Cost     some 512 look-ups, and the reading of the postings of such words.
   int PurgeShortWords(bool removed_too = false);
 

@@ -7,9 +7,9 @@
 namespace kestan {
 namespace {
 
-// Tells words from system records by the second byte alone. One-byte words are passed over, so
-// their records keep the postings of removed documents: files in use have always been shrunk this
-// way.
+// Distinguishes words from system records by the second byte alone. One-byte words are passed over,
+// so their records keep the postings of removed documents: files in use have always been shrunk
+// this way.
 bool IsPurgedKey(const DBDatum& key) { return key.size >= 2 && key.data[1] != '-'; }
 
 // Takes the postings of `codes` out of the words' records; they reach the file at the next flush.

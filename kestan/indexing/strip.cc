@@ -119,7 +119,7 @@ int StripWords(char* text, unsigned length, const char* stop_text, const char* c
 
 namespace {
 
-// What tells a line of text from a line of encoded data.
+// What distinguishes a line of text from a line of encoded data.
 struct Line {
   unsigned end;        // the index after its line feed, or after the text
   unsigned count = 0;  // of its bytes but carriage returns and the line feed
@@ -144,7 +144,7 @@ Line ReadLine(const char* text, unsigned length, unsigned start) {
 // Recognises encoded data line by line.
 class EncodedDataFilter {
  public:
-  // Tells whether to blank `line`. `first` is its first byte, `at_write` the byte where the next
+  // Returns whether to blank `line`. `first` is its first byte, `at_write` the byte where the next
   // kept line will go: the start of a uuencoded block is looked for there. The two are the same
   // until a line has been blanked.
   bool Blanks(const Line& line, char first, char at_write) {

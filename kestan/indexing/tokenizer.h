@@ -12,9 +12,9 @@
 
 namespace kestan {
 
-// Splits a text at white space. Each word is recorded as it stands and, where that differs, folded:
-// with bit 5 set in every byte, which makes capital letters small (and '@' a '`'). Both forms get
-// the same position.
+// Splits a text at white space. Each word is recorded as it stands and, where that differs,
+// case-folded: with bit 5 set in every byte, which makes capital letters lower case (and '@' a
+// '`'). Both forms get the same position.
 class Tokenizer {
  public:
   struct Word {

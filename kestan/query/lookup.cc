@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kSmallestPostingUnits = 3;  // code, count, one position
 
-// A damaged record may end behind a code, or count more positions at its end than it holds.
+// A damaged record may end after a code, or count more positions at its end than it holds.
 void CloseLastPosting(const Posting& last, UnfilledVector<std::uint16_t>* units) {
   if (last.units == 1) units->push_back(0);
   if (last.units > 1) (*units)[last.first_unit + 1] = last.positions;

@@ -57,7 +57,7 @@ class Matches {
   // No matches.
   Matches() = default;
 
-  // Borrows `count` entries at `entries` and the units behind them.
+  // Borrows `count` entries at `entries` and the units that their `first` counts in.
   Matches(const Entry* entries, std::size_t count, const std::uint16_t* units)
       : entries_(entries), count_(count), units_(units) {}
 

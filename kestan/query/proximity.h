@@ -10,16 +10,16 @@
 
 namespace kestan {
 
-// Finds the positions of the second word that stand near enough to the first, and what their
-// nearness earns: each pair of words d places apart, d up to 20, is worth 401 - d * d.
+// Finds the positions of the second word that are near enough to the first, and the bonus that the
+// pairs earn: each pair of words d places apart, d up to 20, adds 401 - d * d.
 class ProximityMatcher {
  public:
   // `distance` is how far apart the words of a pair may be, in either order; the same place does
   // not count. 0: any distance, the same place too. Below 0: none.
   explicit ProximityMatcher(int distance) : distance_(distance) {}
 
-  // Matches the positions of two words in one document. A position of 0 is not known: it is near to
-  // all, earns nothing and leaves the other one to be found.
+  // Matches the positions of two words in one document. A position of 0 is not known: it matches
+  // every other, earns no bonus, and the other one is found.
   void Match(Positions first, Positions second);
 
   // The positions that the last Match() found, ascending; as many as a document can have. Valid

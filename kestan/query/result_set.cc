@@ -20,7 +20,7 @@ void ResultSet::AddUnplaced(Code code, Score score) {
   AddTaken(code, score, 0);
 }
 
-// Writes every code and steps on only behind those that stay: a jump that nobody can foresee would
+// Writes every code and moves on only past those that stay: a branch that cannot be predicted would
 // cost more.
 void ResultSet::AddAllBut(const CodeSet& excluded, Code top) {
   units_ = {1, 0};

@@ -14,19 +14,19 @@
 
 namespace kestan {
 
-// Documents in ascending order of their codes. All positions of a set lie in one block of units:
-// for each document its number of positions and then these, which is how a posting record has them.
+// Documents in ascending order of their codes. All positions of a set share one block of units: for
+// each document the number of its positions and then these, as in a posting record.
 class ResultSet {
  public:
   using Document = Matches::Entry;
 
-  // Makes room for about so many documents, and units of all of them together.
+  // Reserves memory for about so many documents, and units of all of them together.
   void Reserve(std::size_t documents, std::size_t units) {
     documents_.reserve(documents);
     units_.reserve(units);
   }
 
-  // Adds a document with room for `count` positions. Unless codes come in ascending order, Sort()
+  // Adds a document with space for `count` positions. Unless codes come in ascending order, Sort()
   // must follow the last one.
   //   Returns  where the positions go. Valid until the next call.
   Position* Add(Code code, Score score, std::uint16_t count) {
@@ -50,8 +50,8 @@ class ResultSet {
     documents_.push_back({code, score, static_cast<std::uint32_t>(first)});
   }
 
-  // To a set that has only such documents, adds some that matched at a place that is not known: the
-  // document `code`, or all from 1 to `top` but those of `excluded`, with score 0.
+  // Add documents whose positions are not known, to a set that has no others: the document `code`,
+  // or all from 1 to `top` but those of `excluded`, with score 0.
   void AddUnplaced(Code code, Score score);
   void AddAllBut(const CodeSet& excluded, Code top);
 
@@ -63,7 +63,7 @@ class ResultSet {
   // Returns a view of the whole set. Valid until it changes.
   Matches View() const { return {documents_.data(), documents_.size(), units_.data()}; }
 
-  // Gives back room that was made for documents that did not come, if it is more than half.
+  // Gives back memory reserved for documents that did not come, if it is more than half.
   void Trim() {
     if (documents_.size() < documents_.capacity() / 2) documents_.shrink_to_fit();
   }

@@ -8,7 +8,7 @@
 namespace kestan {
 namespace {
 
-// Adds one document with the positions of `b` and behind them those of `a`. Their number is counted
+// Adds one document with the positions of `b` followed by those of `a`. Their number is counted
 // in 16 bits; where it passes 65535, only as many positions stay as it then says.
 void AddMerged(const ResultSet& a_set, const ResultSet::Document& a, const ResultSet& b_set,
                const ResultSet::Document& b, ResultSet* merged) {

@@ -1,4 +1,4 @@
-// Kestan::QueryAnd of kestan/query/combine.cc.
+// AND, within a distance or not, through Kestan::QueryAnd.
 #include <climits>
 
 #include "tests/query/query_test.h"
