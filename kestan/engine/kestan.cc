@@ -9,12 +9,12 @@
 #include <kestan/indexing/shrink.h>
 #include <kestan/indexing/strip.h>
 #include <kestan/query/index_reader.h>
-#include <kestan/query/intersect.h>
 #include <kestan/query/listing.h>
 #include <kestan/query/lookup.h>
-#include <kestan/query/negate.h>
+#include <kestan/query/operators/intersect.h>
+#include <kestan/query/operators/negate.h>
+#include <kestan/query/operators/unite.h>
 #include <kestan/query/statistics.h>
-#include <kestan/query/unite.h>
 #include <kestan/storage/memory.h>
 #include <kestan/storage/owned_datum.h>
 

@@ -1,4 +1,4 @@
-#include <kestan/query/proximity.h>
+#include <kestan/query/operators/proximity.h>
 
 #include <algorithm>
 #include <cstddef>

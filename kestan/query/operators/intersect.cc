@@ -1,6 +1,6 @@
-#include <kestan/query/intersect.h>
-#include <kestan/query/proximity.h>
-#include <kestan/query/score.h>
+#include <kestan/query/operators/intersect.h>
+#include <kestan/query/operators/proximity.h>
+#include <kestan/query/operators/score.h>
 
 #include <algorithm>
 #include <cstdint>

@@ -1,6 +1,6 @@
 // OR.
-#ifndef KESTAN_QUERY_UNITE_H_
-#define KESTAN_QUERY_UNITE_H_
+#ifndef KESTAN_QUERY_OPERATORS_UNITE_H_
+#define KESTAN_QUERY_OPERATORS_UNITE_H_
 
 #include <kestan/query/result_set.h>
 
@@ -11,4 +11,4 @@ ResultSet Unite(const ResultSet& first, const ResultSet& second);
 
 }  // namespace kestan
 
-#endif  // KESTAN_QUERY_UNITE_H_
+#endif  // KESTAN_QUERY_OPERATORS_UNITE_H_

@@ -1,6 +1,6 @@
 #include <kestan/format/id_list.h>
 #include <kestan/format/keys.h>
-#include <kestan/query/negate.h>
+#include <kestan/query/operators/negate.h>
 
 namespace kestan {
 

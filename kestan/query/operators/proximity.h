@@ -1,6 +1,6 @@
 // Matching the positions of two words in one document.
-#ifndef KESTAN_QUERY_PROXIMITY_H_
-#define KESTAN_QUERY_PROXIMITY_H_
+#ifndef KESTAN_QUERY_OPERATORS_PROXIMITY_H_
+#define KESTAN_QUERY_OPERATORS_PROXIMITY_H_
 
 #include <kestan/query/result_set.h>
 #include <kestan/storage/memory.h>
@@ -56,4 +56,4 @@ class ProximityMatcher {
 
 }  // namespace kestan
 
-#endif  // KESTAN_QUERY_PROXIMITY_H_
+#endif  // KESTAN_QUERY_OPERATORS_PROXIMITY_H_

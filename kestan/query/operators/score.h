@@ -1,6 +1,6 @@
 // Scores that combining adds up.
-#ifndef KESTAN_QUERY_SCORE_H_
-#define KESTAN_QUERY_SCORE_H_
+#ifndef KESTAN_QUERY_OPERATORS_SCORE_H_
+#define KESTAN_QUERY_OPERATORS_SCORE_H_
 
 #include <kestan/query/matches.h>
 
@@ -16,4 +16,4 @@ inline Score CutScore(std::uint32_t score) {
 
 }  // namespace kestan
 
-#endif  // KESTAN_QUERY_SCORE_H_
+#endif  // KESTAN_QUERY_OPERATORS_SCORE_H_

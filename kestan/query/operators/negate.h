@@ -1,6 +1,6 @@
 // NOT.
-#ifndef KESTAN_QUERY_NEGATE_H_
-#define KESTAN_QUERY_NEGATE_H_
+#ifndef KESTAN_QUERY_OPERATORS_NEGATE_H_
+#define KESTAN_QUERY_OPERATORS_NEGATE_H_
 
 #include <kestan/query/result_set.h>
 #include <kestan/storage/database.h>
@@ -18,4 +18,4 @@ std::optional<ResultSet> Negate(Database& store, const DBDatum& reusable_codes,
 
 }  // namespace kestan
 
-#endif  // KESTAN_QUERY_NEGATE_H_
+#endif  // KESTAN_QUERY_OPERATORS_NEGATE_H_

@@ -1,5 +1,5 @@
-#include <kestan/query/score.h>
-#include <kestan/query/unite.h>
+#include <kestan/query/operators/score.h>
+#include <kestan/query/operators/unite.h>
 
 #include <algorithm>
 #include <cstddef>

@@ -1,5 +1,5 @@
 // The quick way of matching positions against the slow, plain one: all pairs.
-#include <kestan/query/proximity.h>
+#include <kestan/query/operators/proximity.h>
 
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>

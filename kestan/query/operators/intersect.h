@@ -1,6 +1,6 @@
 // AND, within a distance or not.
-#ifndef KESTAN_QUERY_INTERSECT_H_
-#define KESTAN_QUERY_INTERSECT_H_
+#ifndef KESTAN_QUERY_OPERATORS_INTERSECT_H_
+#define KESTAN_QUERY_OPERATORS_INTERSECT_H_
 
 #include <kestan/query/result_set.h>
 
@@ -13,4 +13,4 @@ ResultSet Intersect(const ResultSet& first, const ResultSet& second, int distanc
 
 }  // namespace kestan
 
-#endif  // KESTAN_QUERY_INTERSECT_H_
+#endif  // KESTAN_QUERY_OPERATORS_INTERSECT_H_
