@@ -21,7 +21,8 @@ namespace {
 
 // Returns the fingerprint in a user record. One without a hash was read as the name says.
 std::optional<Fingerprint> RecordedFingerprint(const std::string& user_record) {
-  if (const auto fingerprint = FingerprintIn(user_record)) return fingerprint;
+  std::optional<Fingerprint> fingerprint = FingerprintIn(user_record);
+  if (fingerprint.has_value()) return fingerprint;
   const auto state = FileStateIn(user_record);
   if (!state.has_value()) return std::nullopt;
   return Fingerprint{*state, ""};
@@ -82,15 +83,15 @@ bool BeginsAsIndexed(const FileText& text, const DocumentRecords& document) {
   return Excerpt(titled.title, kMaxTitleBytes) == document.title;
 }
 
-// Takes the time that it lives from `*left`.
-class TimeTaker {
+// Subtracts the time for which it exists from `*left`.
+class TimeCharge {
  public:
-  explicit TimeTaker(std::chrono::milliseconds* left) : left_(*left) {}
-  ~TimeTaker() {
+  explicit TimeCharge(std::chrono::milliseconds* left) : left_(*left) {}
+  ~TimeCharge() {
     left_ -= std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start_);
   }
-  TimeTaker(const TimeTaker&) = delete;
-  TimeTaker& operator=(const TimeTaker&) = delete;
+  TimeCharge(const TimeCharge&) = delete;
+  TimeCharge& operator=(const TimeCharge&) = delete;
 
  private:
   using Clock = std::chrono::steady_clock;
@@ -155,7 +156,7 @@ void IndexedTextReader::ConvertInTime(LoadedFile* file) {
   const auto seconds_left = std::chrono::duration_cast<std::chrono::seconds>(time_.all).count() + 1;
   CommandLimits limits;
   limits.seconds = static_cast<unsigned>(std::min<long long>(time_.seconds_each, seconds_left));
-  const TimeTaker taker(&time_.all);
+  const TimeCharge charge(&time_.all);
   ConvertFile(file, limits);
 }
 
