@@ -21,8 +21,8 @@ bool IsFolder(const std::string& path) {
   return lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-// Adds ".." to `*name`. It takes a folder off its end, but nothing else: the way up from where a
-// link leads is not the way that led to the link.
+// Adds ".." to `*name`: removes its last part if that is a directory. A link stays, for the way up
+// from its target is not the way back.
 void GoUp(std::string* name) {
   if (*name == "/") return;
   const std::string_view last = LastPart(*name);
