@@ -1,5 +1,5 @@
-// The command `kestan`: reads arguments, runs one command, and turns whatever went wrong into one
-// line and an exit status.
+// The command `kestan`: reads the arguments, runs one command, and turns any error into a message
+// of one line and an exit status.
 #include <kestan/kestan.h>
 
 #include <csignal>
@@ -8,15 +8,17 @@
 #include <string>
 
 #include "cli/app/arguments.h"
-#include "cli/app/commands.h"
+#include "cli/app/command_registry.h"
+#include "cli/app/standard_descriptors.h"
+#include "cli/console/diagnostics.h"
 #include "cli/console/message.h"
 #include "cli/console/output.h"
 
 namespace kestan_cli {
 namespace {
 
-int Complain(const std::string& what, int status = kFailed) {
-  Say("kestan: " + what);
+int Fail(const std::string& what, int status = kFailed) {
+  ReportProblem(what);
   return status;
 }
 
@@ -36,11 +38,11 @@ int RunAndReport(const Arguments& arguments) {
   } catch (const BrokenPipe&) {
     return kFailed;
   } catch (const CommandError& error) {
-    return Complain(error.what(), error.status());
+    return Fail(error.what(), error.status());
   } catch (const std::bad_alloc&) {
-    return Complain("out of memory");
+    return Fail("out of memory");
   } catch (const std::exception& error) {
-    return Complain(error.what());
+    return Fail(error.what());
   }
 }
 
@@ -48,8 +50,8 @@ int RunAndReport(const Arguments& arguments) {
 }  // namespace kestan_cli
 
 int main(int argc, char** argv) {
-  const kestan_cli::StandardDescriptors taken;
-  // Neither a reader that leaves nor a limit on file sizes may end the process amid a change.
+  const kestan_cli::StandardDescriptors descriptors;
+  // Neither a closed pipe nor a limit on file sizes may end the process in the middle of a change.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
   return kestan_cli::RunAndReport({argv + (argc > 0 ? 1 : 0), argv + argc});

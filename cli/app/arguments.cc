@@ -10,8 +10,8 @@
 namespace kestan_cli {
 namespace {
 
-// CLI11 takes an argument in brackets for a list, and hands out what it holds. A byte in front,
-// which is taken off again, keeps it whole.
+// CLI11 takes an argument in brackets for a list and splits it. A byte in front prevents that; it
+// is removed afterwards.
 constexpr char kGuard = '\x01';
 
 bool IsSwitch(const Command& command, char letter) {
@@ -22,13 +22,13 @@ bool IsSwitch(const Command& command, char letter) {
          });
 }
 
-// Whether `argument` is nothing but a dash and the letters of switches: "-l0".
+// Returns whether `argument` is a dash and letters of switches only: "-l0".
 bool AreSwitches(const Command& command, const std::string& argument) {
   return std::all_of(argument.begin() + 1, argument.end(),
                      [&](char letter) { return IsSwitch(command, letter); });
 }
 
-// `command` is the one that the arguments are for, null where that is not known.
+// The argument is one of `command`, which is null if it is not known.
 bool NeedsGuard(const std::string& argument, const Command* command) {
   if (argument.empty()) return false;
   if (argument.front() == '[' || argument.front() == kGuard) return true;
@@ -51,7 +51,7 @@ std::string Unguarded(std::string argument) {
   return !argument.empty() && argument.front() == kGuard ? argument.substr(1) : argument;
 }
 
-// What CLI11 puts the values of one argument into.
+// One declared argument, and the place where CLI11 stores its values.
 struct Slot {
   std::string name;
   bool is_switch = false;
@@ -162,7 +162,7 @@ void Prepare(CLI::App* app) {
   app->get_formatter()->column_width(28);
 }
 
-// Also makes the text of the version; CLI11 knows which of the two was asked for.
+// Returns the help or the version, whichever `request` is for.
 std::string HelpText(const CLI::App& app, const CLI::ParseError& request) {
   std::ostringstream text;
   app.exit(request, text, text);
@@ -173,9 +173,9 @@ bool LooksLikeOption(const std::string& argument) {
   return argument.size() > 1 && argument.front() == '-';
 }
 
-// Says what `error` is in the words of the help.
-std::string WhatIsWrong(const CLI::App& app, bool wants_command, const CLI::ParseError& error) {
-  Arguments left = app.remaining(true);  // the arguments that found no place
+// Describes `error` in the terms of the help.
+std::string Describe(const CLI::App& app, bool wants_command, const CLI::ParseError& error) {
+  Arguments left = app.remaining(true);  // the arguments that no slot took
   left.erase(std::remove(left.begin(), left.end(), "--"), left.end());
   const auto option = std::find_if(left.begin(), left.end(), LooksLikeOption);
   if (option != left.end()) {
@@ -189,7 +189,7 @@ std::string WhatIsWrong(const CLI::App& app, bool wants_command, const CLI::Pars
   return LooksLikeOption(name) ? name + " needs a value" : "--" + name + " takes no value";
 }
 
-// The same with the command whose help tells more.
+// Returns the error with a hint at the help of the command.
 CommandError Refusal(const CLI::App& app, const CLI::ParseError& error) {
   std::string called = app.get_name();
   const CLI::App* last = &app;
@@ -198,7 +198,7 @@ CommandError Refusal(const CLI::App& app, const CLI::ParseError& error) {
     called += " " + last->get_name();
   }
   const bool is_group = !last->get_subcommands([](const CLI::App*) { return true; }).empty();
-  return CommandError(WhatIsWrong(app, is_group, error) + " (see " + called + " --help)");
+  return CommandError(Describe(app, is_group, error) + " (see " + called + " --help)");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Reading the command line, and telling what it may hold.
+// Reads the command line.
 #ifndef KESTAN_CLI_APP_ARGUMENTS_H_
 #define KESTAN_CLI_APP_ARGUMENTS_H_
 
@@ -10,14 +10,14 @@
 namespace kestan_cli {
 
 struct Request {
-  const Command* command = nullptr;  // null if only `text` was asked for
+  const Command* command = nullptr;  // null if the request is for `text` only
   Values values;
   std::string text;  // the help, or the version
 };
 
 // Reads `arguments`, those after the name of the program. Borrows `commands`, which the request
 // points into.
-//   Throws   CommandError if they do not make a command.
+//   Throws   CommandError if they are not valid.
 Request ReadArguments(const std::vector<Command>& commands, const Arguments& arguments);
 
 }  // namespace kestan_cli

@@ -1,21 +1,20 @@
-// What a command of `kestan` is. Its declaration is the one source of how its arguments are read,
-// of its help, its manual page and its completion.
+// The declaration of a command. Its arguments are read, and its help, manual page and completion
+// are generated, from the declaration alone.
 #ifndef KESTAN_CLI_APP_COMMAND_H_
 #define KESTAN_CLI_APP_COMMAND_H_
 
 #include <kestan/kestan.h>
 
+#include <functional>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
-namespace kestan_cli {
+#include "cli/console/exit_status.h"
+#include "cli/console/report.h"
 
-// Exit statuses.
-constexpr int kDone = 0;
-constexpr int kNoHits = 1;  // of a search; also where `check` finds faults
-constexpr int kFailed = 2;
-constexpr int kBusy = 75;  // somebody else is changing the index: try again later
+namespace kestan_cli {
 
 using Arguments = std::vector<std::string>;
 
@@ -29,13 +28,14 @@ struct Positional {
 };
 
 struct Option {
-  std::string names;  // "-l,--names-only": the long one names it in Values
-  std::string value;  // what its value is called; empty for a switch, which takes none
+  std::string names;  // "-l,--names-only": Values uses the long name
+  std::string value;  // the name of its value in help; empty for a switch, which takes none
   std::string purpose;
-  std::vector<std::string> choices = {};  // the only values that it takes, if any
+  Arguments choices = {};  // the only values that it takes; empty for any
 };
 
-// The arguments of one run of a command, by the names of Positional and the long names of Option.
+// The arguments of one run of a command, under the names of Positional and the long names of
+// Option.
 class Values {
  public:
   void Add(const std::string& name, std::string value) {
@@ -44,14 +44,14 @@ class Values {
 
   bool Has(const std::string& name) const { return values_.count(name) != 0; }
 
-  // Returns all values of `name` in the order given, or the last, or `fallback` where there is
-  // none.
+  // Returns all values of `name` in the order given.
   Arguments All(const std::string& name) const;
+
+  // Returns the last value of `name`, or `fallback` if there is none.
   std::string Text(const std::string& name, const std::string& fallback = "") const;
 
-  // Reads the last value of `name` as a number.
-  //   Returns  `fallback` where it was not given.
-  //   Throws   CommandError if it is none from `least` to `most`.
+  // Returns the last value of `name` as a number, or `fallback` if there is none.
+  //   Throws   CommandError if it is not a number from `least` to `most`.
   long long Number(const std::string& name, long long fallback, long long least,
                    long long most) const;
 
@@ -60,31 +60,31 @@ class Values {
 };
 
 struct Command {
-  std::string name;  // two words where it is one of a group: "title get"
+  std::string name;  // two words for a command of a group: "title get"
   std::string purpose;
   std::vector<Positional> positionals;
   std::vector<Option> options;
-  std::string more;    // what its help says at the end
-  Arguments examples;  // without the prompt
-  int (*run)(Kestan& engine, const Values& values);
-  bool takes_dashes = false;  // what begins with one dash is an argument, unless an option is so
-  bool hidden = false;        // in no list: for the build alone
+  std::string more;                                              // the end of its help
+  Arguments examples;                                            // without the prompt
+  std::function<int(Kestan& engine, const Values& values)> run;  // returns the exit status
+  bool takes_dashes = false;  // a word with one dash is an argument unless it is an option
+  bool hidden = false;        // left out of help and manual: only the build uses it
 };
 
-// Returns what the commands of `group`, whose names begin with that word, are for; an empty string
-// where there is no such group.
+// Returns the purpose of the commands whose names begin with the word `group`; empty if there is no
+// such group.
 std::string PurposeOfGroup(const std::string& group);
 
 // Returns the long name of an option: "--null" of "-0,--null".
 std::string LongName(const Option& option);
 
-// Returns what the option is for, with the values that it takes.
+// Returns the purpose of the option, with the values that it takes.
 std::string DescriptionOf(const Option& option);
 
-// Returns the command line in short: "kestan search [OPTIONS] INDEX QUERY...".
+// Returns the synopsis of the command: "kestan search [OPTIONS] INDEX QUERY...".
 std::string UsageOf(const Command& command);
 
-// Options that many commands have.
+// Options and arguments that many commands have.
 inline Option JsonOption() { return {"--json", "", "report as one line of JSON"}; }
 inline Option QuietOption() { return {"-q,--quiet", "", "say nothing but errors"}; }
 inline Option InPlaceOption() {
@@ -93,6 +93,11 @@ inline Option InPlaceOption() {
           "command or fills the disk meanwhile can damage the index"};
 }
 inline Positional IndexArgument() { return {"INDEX", "the index file"}; }
+
+// Returns the format of the report that `values` ask for.
+inline ReportFormat ReportFormatOf(const Values& values) {
+  return ReportFormatOf(values.Has("--json"), values.Has("--quiet"));
+}
 
 }  // namespace kestan_cli
 

@@ -1,5 +1,7 @@
 #include "cli/app/manual.h"
 
+#include "cli/app/command_groups.h"
+
 namespace kestan_cli {
 namespace {
 
@@ -9,7 +11,7 @@ constexpr const char* kStatuses =
     "something is wrong: the message says what\n.TP\n75\n"
     "another process is changing the index: try again later\n";
 
-// Spells what roff would take for something else.
+// Escapes what roff would take for markup.
 std::string Roff(const std::string& text) {
   std::string escaped;
   bool at_start = true;
@@ -65,26 +67,19 @@ std::string Items(const Command& command) {
   return items;
 }
 
-// What the page of a single command says of it.
+// Returns the part of a page that describes its one command.
 std::string Body(const Command& command) {
   return ".SH DESCRIPTION\n" + Description(command) + ".SH OPTIONS\n" + Items(command) +
          ".SH EXAMPLES\n" + Examples(command);
 }
 
-// What the page of a group says of one of its commands.
+// Returns the section on one command of a group.
 std::string SectionOf(const Command& command) {
   return ".SH kestan " + Roff(command.name) + "\n" + Description(command) + Items(command) +
          ".PP\n" + Examples(command);
 }
 
-std::string FirstWord(const std::string& name) { return name.substr(0, name.find(' ')); }
-
-std::string SecondWord(const std::string& name) {
-  const std::size_t blank = name.find(' ');
-  return blank == std::string::npos ? "" : name.substr(blank + 1);
-}
-
-std::string PageName(const Command& command) { return "kestan-" + FirstWord(command.name); }
+std::string PageName(const CommandGroup& group) { return "kestan-" + group.name; }
 
 std::string Overview(const std::vector<Command>& commands) {
   std::string page = Head("kestan", "index text files and find words in them") +
@@ -97,190 +92,22 @@ std::string Overview(const std::vector<Command>& commands) {
   return page + Item("--version", "print the version") + kStatuses;
 }
 
-// The commands that stand behind one first word, in the order of the list.
-struct Group {
-  std::string name;
-  std::vector<const Command*> commands;
-};
-
-std::vector<Group> GroupsOf(const std::vector<Command>& commands) {
-  std::vector<Group> groups;
-  for (const Command& command : commands) {
-    if (command.hidden) continue;
-    const std::string name = FirstWord(command.name);
-    if (groups.empty() || groups.back().name != name) groups.push_back({name, {}});
-    groups.back().commands.push_back(&command);
-  }
-  return groups;
-}
-
-bool IsGroup(const Group& group) { return !SecondWord(group.commands.front()->name).empty(); }
-
-std::string PurposeOf(const Group& group) {
-  return IsGroup(group) ? PurposeOfGroup(group.name) : group.commands.front()->purpose;
-}
-
-std::string Joined(const std::vector<std::string>& words) {
-  std::string text;
-  for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
-  return text;
-}
-
-// "--null -0": the names of a command's options, for a list of words.
-std::string OptionWords(const Command& command) {
-  std::string words = "--help";
-  for (const Option& option : command.options) {
-    std::string names = option.names;
-    const std::size_t comma = names.find(',');
-    if (comma != std::string::npos) names[comma] = ' ';
-    words += " " + names;
-  }
-  return words;
-}
-
-std::string SecondWords(const Group& group) {
-  std::vector<std::string> words;
-  for (const Command* command : group.commands) words.push_back(SecondWord(command->name));
-  return Joined(words);
-}
-
-// Spells `text` between single quotes, for zsh and fish.
-std::string ShellQuoted(const std::string& text) {
-  std::string quoted = "'";
-  for (const char letter : text)
-    quoted += letter == '\'' ? std::string("'\\''") : std::string(1, letter);
-  return quoted + "'";
-}
-
-// A shell function body, which bash and zsh both read, that sets `words` to what may stand next:
-// $1 and $2 are the first words after the name of the program.
-std::string CasesOf(const std::vector<Group>& groups) {
-  std::string cases = "  case \"$1 $2\" in\n";
-  for (const Group& group : groups) {
-    for (const Command* command : group.commands) {
-      const std::string pattern = IsGroup(group) ? command->name : command->name + " *";
-      const std::string quoted = IsGroup(group) ? "\"" + pattern + "\"" : command->name + "\\ *";
-      cases += "    " + quoted + ") echo \"" + OptionWords(*command) + "\" ;;\n";
-    }
-    if (IsGroup(group)) {
-      cases += "    " + group.name + "\\ *) echo \"" + SecondWords(group) + "\" ;;\n";
-    }
-  }
-  return cases + "  esac\n";
-}
-
-// A case of the same kind, of what may follow an option: $1 is the first word, $2 the option.
-std::string CasesOfValues(const std::vector<Group>& groups) {
-  std::string cases = "  case \"$1 $2\" in\n";
-  for (const Group& group : groups) {
-    for (const Command* command : group.commands) {
-      for (const Option& option : command->options) {
-        if (option.choices.empty()) continue;
-        cases += "    " + group.name + "\\ " + LongName(option) + ") echo \"" +
-                 Joined(option.choices) + "\" ;;\n";
-      }
-    }
-  }
-  return cases + "  esac\n";
-}
-
-std::string NamesOf(const std::vector<Group>& groups) {
-  std::string names;
-  for (const Group& group : groups) names += group.name + " ";
-  return names + "--help --version";
-}
-
-// " -l order -x -a 'best name' -d 'how ...'"
-std::string FishOption(const Option& option) {
-  std::string text = " -l " + LongName(option).substr(2);
-  if (option.names[1] != '-') text += std::string(" -s ") + option.names[1];
-  if (!option.choices.empty()) {
-    text += " -x -a " + ShellQuoted(Joined(option.choices));
-  } else if (!option.value.empty()) {
-    text += " -r";
-  }
-  return text + " -d " + ShellQuoted(option.purpose);
-}
-
 }  // namespace
 
 std::map<std::string, std::string> ManualPages(const std::vector<Command>& commands) {
   std::map<std::string, std::string> pages{{"kestan.1", Overview(commands)}};
-  for (const Group& group : GroupsOf(commands)) {
-    std::string page = Head(PageName(*group.commands.front()), PurposeOf(group));
+  for (const CommandGroup& group : GroupsOf(commands)) {
+    std::string page = Head(PageName(group), PurposeOf(group));
     page += ".SH SYNOPSIS\n";
     for (const Command* command : group.commands) {
       page += (command != group.commands.front() ? ".br\n" : "") + Roff(UsageOf(*command)) + "\n";
     }
     for (const Command* command : group.commands) {
-      page += IsGroup(group) ? SectionOf(*command) : Body(*command);
+      page += HasSecondWords(group) ? SectionOf(*command) : Body(*command);
     }
-    pages[PageName(*group.commands.front()) + ".1"] = page + kStatuses;
+    pages[PageName(group) + ".1"] = page + kStatuses;
   }
   return pages;
-}
-
-std::string BashCompletion(const std::vector<Command>& commands) {
-  const std::vector<Group> groups = GroupsOf(commands);
-  return "_kestan_words() {\n" + CasesOf(groups) + "}\n_kestan_values() {\n" +
-         CasesOfValues(groups) +
-         "}\n"
-         "_kestan() {\n"
-         "  local now=${COMP_WORDS[COMP_CWORD]} words values\n"
-         "  values=$(_kestan_values \"${COMP_WORDS[1]}\" \"${COMP_WORDS[COMP_CWORD-1]}\")\n"
-         "  words=$(_kestan_words \"${COMP_WORDS[1]}\" \"${COMP_WORDS[2]}\")\n"
-         "  [ \"$COMP_CWORD\" -gt 1 ] || words='" +
-         NamesOf(groups) +
-         "'\n"
-         "  if [ \"$COMP_CWORD\" -gt 2 ] || [ \"${words#--}\" != \"$words\" ]; then\n"
-         "    [ \"${now#-}\" != \"$now\" ] || words=$values\n"
-         "  fi\n"
-         "  mapfile -t COMPREPLY < <(compgen -W \"$words\" -- \"$now\")\n"
-         "}\n"
-         "complete -o default -F _kestan kestan\n";
-}
-
-std::string ZshCompletion(const std::vector<Command>& commands) {
-  const std::vector<Group> groups = GroupsOf(commands);
-  std::string names;
-  for (const Group& group : groups) {
-    names += "    " + ShellQuoted(group.name + ":" + PurposeOf(group)) + "\n";
-  }
-  return "#compdef kestan\n_kestan_words() {\n" + CasesOf(groups) + "}\n_kestan_values() {\n" +
-         CasesOfValues(groups) +
-         "}\n"
-         "_kestan() {\n"
-         "  local -a names next values\n"
-         "  names=(\n" +
-         names +
-         "  )\n"
-         "  if (( CURRENT == 2 )); then _describe 'command' names; return; fi\n"
-         "  values=(${=\"$(_kestan_values \"$words[2]\" \"$words[CURRENT-1]\")\"})\n"
-         "  if (( $#values )); then compadd -a values; return; fi\n"
-         "  next=(${=\"$(_kestan_words \"$words[2]\" \"$words[3]\")\"})\n"
-         "  if [[ \"$next[1]\" != --* && CURRENT -eq 3 ]]; then compadd -a next; return; fi\n"
-         "  if [[ \"$PREFIX\" == -* ]]; then compadd -a next; else _files; fi\n"
-         "}\n"
-         "compdef _kestan kestan\n";
-}
-
-std::string FishCompletion(const std::vector<Command>& commands) {
-  std::string lines;
-  for (const Group& group : GroupsOf(commands)) {
-    lines += "complete -c kestan -n __fish_use_subcommand -f -a " + group.name + " -d " +
-             ShellQuoted(PurposeOf(group)) + "\n";
-    const std::string seen = "'__fish_seen_subcommand_from " + group.name + "'";
-    if (IsGroup(group)) {
-      lines += "complete -c kestan -f -n " + seen + "'; and not __fish_seen_subcommand_from " +
-               SecondWords(group) + "' -a '" + SecondWords(group) + "'\n";
-    }
-    for (const Command* command : group.commands) {
-      for (const Option& option : command->options) {
-        lines += "complete -c kestan -n " + seen + FishOption(option) + "\n";
-      }
-    }
-  }
-  return lines;
 }
 
 }  // namespace kestan_cli

@@ -1,4 +1,4 @@
-// The manual pages and the completion of the command line, out of the declarations of the commands.
+// The manual pages, generated from the declarations of the commands.
 #ifndef KESTAN_CLI_APP_MANUAL_H_
 #define KESTAN_CLI_APP_MANUAL_H_
 
@@ -13,11 +13,6 @@ namespace kestan_cli {
 // Returns the pages by the names of their files: kestan.1, and kestan-NAME.1 for each command and
 // each group of commands. The text is in roff, with the macros of man(7).
 std::map<std::string, std::string> ManualPages(const std::vector<Command>& commands);
-
-// Return what the shell has to read to complete the command line.
-std::string BashCompletion(const std::vector<Command>& commands);
-std::string ZshCompletion(const std::vector<Command>& commands);
-std::string FishCompletion(const std::vector<Command>& commands);
 
 }  // namespace kestan_cli
 

@@ -9,11 +9,12 @@
 #include <string_view>
 #include <vector>
 
-#include "cli/app/commands.h"
+#include "cli/app/command_registry.h"
 #include "cli/console/json.h"
 #include "cli/console/message.h"
 #include "cli/console/output.h"
-#include "cli/index/copied_index.h"
+#include "cli/index/atomic_create.h"
+#include "cli/index/captured_stderr.h"
 #include "cli/index/opened_index.h"
 
 namespace kestan_cli {
@@ -124,7 +125,7 @@ int RunRepair(Kestan&, const Values& values) {
   const auto report = [&](const kestan::Finding& finding) { findings.Take(finding); };
   kestan::RepairResult result;
   CheckFile(damaged);
-  MakeWhole(target, damaged, [&](const std::string& part) {
+  CreateAtomically(target, damaged, [&](const std::string& part) {
     const CapturedStderr lines_of_store;
     const int error =
         kestan::RepairIndexWithFindings(damaged.c_str(), part.c_str(), report, &result);
@@ -202,7 +203,7 @@ int RunLoad(Kestan&, const Values& values) {
                          ReasonOf(is_folder ? EISDIR : errno));
     }
   }
-  MakeWhole(target, "", [&](const std::string& part) {
+  CreateAtomically(target, "", [&](const std::string& part) {
     Load(source == "-" ? std::cin : file, part, target, source == "-" ? "standard input" : source);
   });
   return kDone;

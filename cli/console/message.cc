@@ -4,7 +4,7 @@
 #include <cerrno>
 #include <system_error>
 
-#include "cli/console/control.h"
+#include "cli/console/control_characters.h"
 
 namespace kestan_cli {
 namespace {
@@ -27,11 +27,9 @@ std::string EscapedUnlessBlank(std::string_view bytes) {
 
 }  // namespace
 
-std::string OneLine(std::string_view text) { return WithControlsSpelled(text, Escaped); }
+std::string OneLine(std::string_view text) { return EscapeControls(text, Escaped); }
 
-std::string Readable(std::string_view text) {
-  return WithControlsSpelled(text, EscapedUnlessBlank);
-}
+std::string Readable(std::string_view text) { return EscapeControls(text, EscapedUnlessBlank); }
 
 std::string Quoted(std::string_view text) { return "'" + OneLine(text) + "'"; }
 

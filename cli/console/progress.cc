@@ -5,8 +5,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <utility>
+
+#include "cli/console/diagnostics.h"
 
 namespace kestan_cli {
 namespace {
@@ -16,9 +17,9 @@ constexpr std::chrono::seconds kBetweenLines{10};
 constexpr std::size_t kUsualColumns = 80;
 constexpr std::size_t kMaxBar = 40;
 constexpr std::size_t kMinBar = 5;
-constexpr double kSecondsToTrust = 1;  // before, the rate says little
+constexpr double kSecondsToTrust = 1;  // earlier, the rate means little
 
-// Files differ in size, so bytes tell better how far a run has come; empty files have none.
+// Bytes show progress better than files, which differ in size. Files count for the empty ones.
 double ShareOf(const ProgressState& state) {
   const auto total = static_cast<double>(state.total_bytes + state.total_files);
   return total > 0 ? static_cast<double>(state.bytes + state.files) / total : 1;
@@ -65,9 +66,9 @@ std::string ProgressBar(const ProgressState& state, std::size_t columns) {
   const std::string text = Padded(std::to_string(percent), 3, ' ') + "%  " +
                            std::to_string(state.files) + "/" + std::to_string(state.total_files) +
                            " files" + Rate(state) + TimeLeft(state);
-  const std::size_t room = columns - std::min(columns, text.size() + 3);
-  if (room < kMinBar) return text.substr(0, columns);
-  const std::size_t width = std::min(room, kMaxBar);
+  const std::size_t free_columns = columns - std::min(columns, text.size() + 3);
+  if (free_columns < kMinBar) return text.substr(0, columns);
+  const std::size_t width = std::min(free_columns, kMaxBar);
   const auto done = static_cast<std::size_t>(share * static_cast<double>(width));
   return "[" + std::string(done, '#') + std::string(width - done, ' ') + "] " + text;
 }
@@ -84,7 +85,7 @@ ProgressStyle StyleOfStandardError(bool quiet) {
 
 Progress::Progress(ProgressStyle style, unsigned long total_files, std::uint64_t total_bytes)
     : Progress(style, total_files, total_bytes, Clock::now,
-               [](const std::string& text) { std::fputs(text.c_str(), stderr); }) {}
+               [](const std::string& text) { PrintProgress(text); }) {}
 
 Progress::Progress(ProgressStyle style, unsigned long total_files, std::uint64_t total_bytes,
                    Now now, Write write)
@@ -104,11 +105,11 @@ void Progress::Advance(std::uint64_t bytes) {
   if (now < next_) return;
   state_.seconds = std::chrono::duration<double>(now - start_).count();
   if (style_ == ProgressStyle::kBar) {
-    // One column stays free, for some terminals go to the next line after the last.
+    // The last column stays free: some terminals start a new line after it.
     write_("\r" + ProgressBar(state_, ColumnsOfTerminal() - 1) + "\x1b[K");
     next_ = now + kBetweenBars;
     drawn_ = true;
-  } else if (state_.files < state_.total_files) {  // the end speaks for itself
+  } else if (state_.files < state_.total_files) {  // the report follows at the end
     write_("kestan: " + ProgressWords(state_) + "\n");
     next_ = now + kBetweenLines;
   }

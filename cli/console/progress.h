@@ -1,4 +1,4 @@
-// Telling how far a long run has come.
+// Shows how far a long run has come.
 #ifndef KESTAN_CLI_CONSOLE_PROGRESS_H_
 #define KESTAN_CLI_CONSOLE_PROGRESS_H_
 
@@ -15,7 +15,7 @@ struct ProgressState {
   unsigned long total_files = 0;
   std::uint64_t bytes = 0;
   std::uint64_t total_bytes = 0;
-  double seconds = 0;  // since the beginning
+  double seconds = 0;  // since the start
 };
 
 // Returns "[####    ]  50%  1200/2400 files, 300/s, 0:04 left", in at most `columns` characters.
@@ -26,33 +26,33 @@ std::string ProgressWords(const ProgressState& state);
 
 enum class ProgressStyle {
   kNone,
-  kBar,    // redrawn in place, ten times a second at most
+  kBar,    // redrawn in place, at most ten times a second
   kLines,  // a line every ten seconds
 };
 
-// Returns the style that suits the standard error stream.
+// Returns the style that suits the standard error stream: a bar on a terminal.
 ProgressStyle StyleOfStandardError(bool quiet);
 
-// Follows a run and tells of it on the standard error stream.
+// Follows a run and shows its progress on the standard error stream.
 class Progress {
  public:
   using Clock = std::chrono::steady_clock;
   using Now = std::function<Clock::time_point()>;
   using Write = std::function<void(const std::string& text)>;
 
-  // Begins now.
+  // The run starts now.
   Progress(ProgressStyle style, unsigned long total_files, std::uint64_t total_bytes);
-  // The same with another clock and another stream, for tests.
+  // The same with its own clock and its own stream, for tests.
   Progress(ProgressStyle style, unsigned long total_files, std::uint64_t total_bytes, Now now,
            Write write);
   ~Progress() { Clear(); }
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
-  // A file of `bytes` has been dealt with.
+  // Counts a file of `bytes` that was processed, and shows the progress when it is time to.
   void Advance(std::uint64_t bytes);
 
-  // Takes the bar off the terminal, before something else is written.
+  // Erases the bar, so that something else can be printed.
   void Clear();
 
  private:

@@ -11,9 +11,6 @@
 
 namespace kestan_cli {
 
-// Prints "kestan: WHAT" as one line on the standard error stream. The export goes on.
-void Warn(const std::string& what);
-
 // What the writer found in a document. The export reports it once, at the end.
 struct ExportNotes {
   // Returns `text` in UTF-8.

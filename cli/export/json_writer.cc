@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "cli/console/diagnostics.h"
 #include "cli/console/json.h"
 #include "cli/console/message.h"
 #include "cli/export/iso_time.h"
@@ -47,10 +48,10 @@ std::string JsonWriter::Add(const kestan::StoredDocument& document, ExportNotes*
 bool JsonWriter::IsUsableId(const std::string& name) {
   const bool fits = !name.empty() && name.size() <= kMaxIdBytes;
   if (fits && ids_.insert(name).second) return true;
-  Warn(Quoted(name) + ": no _id, for it would be " +
-       (name.empty() ? "empty"
-        : fits       ? "that of an earlier document"
-                     : "longer than 512 bytes"));
+  ReportProblem(Quoted(name) + ": no _id, for it would be " +
+                (name.empty() ? "empty"
+                 : fits       ? "that of an earlier document"
+                              : "longer than 512 bytes"));
   return false;
 }
 

@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "cli/console/diagnostics.h"
 #include "cli/console/message.h"
 #include "cli/export/iso_time.h"
 #include "cli/export/tsvector.h"
@@ -72,7 +73,7 @@ std::string SqlWriter::Begin() {
 std::string SqlWriter::Add(const kestan::StoredDocument& document, ExportNotes* notes) {
   const TsVector vector = MakeTsVector(document);
   const std::string losses = vector.losses.Text();
-  if (!losses.empty()) Warn(Quoted(document.name) + ": " + losses);
+  if (!losses.empty()) ReportProblem(Quoted(document.name) + ": " + losses);
   notes->document_was_latin1 |= vector.was_latin1;
   notes->document_had_nul |= vector.had_nul;
   std::string line;

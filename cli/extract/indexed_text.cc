@@ -10,9 +10,9 @@
 #include <utility>
 
 #include "cli/console/message.h"
-#include "cli/console/output.h"
 #include "cli/extract/ascii.h"
 #include "cli/extract/title.h"
+#include "cli/files/open_file.h"
 #include "cli/files/skip.h"
 #include "cli/files/stable_file.h"
 

@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <cstddef>
 
-#include "cli/console/output.h"
+#include "cli/console/input.h"
 
 namespace kestan_cli {
 namespace {

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "cli/console/output.h"
 #include "cli/files/fingerprint.h"
+#include "cli/files/open_file.h"
 
 struct stat;
 

@@ -18,7 +18,7 @@ void MoveSideRecord(OpenedIndex& index, const SideRecord& record, const std::str
   Kestan& engine = index.engine();
   const char* const text = (engine.*record.get)(from.c_str());
   if (text == nullptr) {
-    (engine.*record.remove)(to.c_str());  // left there by an earlier document of that name
+    (engine.*record.remove)(to.c_str());  // an earlier document of that name left it
     return;
   }
   index.CheckWritten((engine.*record.put)(to.c_str(), std::string(text).c_str()));

@@ -1,4 +1,4 @@
-// All that an index keeps under the name of one document.
+// The records that an index keeps for a document.
 #ifndef KESTAN_CLI_INDEX_DOCUMENT_RECORDS_H_
 #define KESTAN_CLI_INDEX_DOCUMENT_RECORDS_H_
 
@@ -11,7 +11,7 @@
 
 namespace kestan_cli {
 
-// A document as an index has it.
+// A document of an index.
 struct IndexedDocument {
   std::string name;
   std::optional<Fingerprint> fingerprint;  // of the file that was indexed
@@ -27,12 +27,12 @@ void CheckIndexed(const OpenedIndex& index, const std::string& name);
 std::string UserRecord(Kestan& engine, const std::string& name);
 
 // Removes the document `name`, if there is one, with its title, summary and user record.
-//   Throws   CommandError, with nothing removed, if what the index has of it cannot be read.
+//   Throws   CommandError, with nothing removed, if a record that is needed cannot be read.
 void RemoveDocument(const OpenedIndex& index, const std::string& name);
 
-// Gives the document `from` the name `to`, which no document has, with its title, its summary and
-// its user record. Its words are not read again.
-//   Throws   CommandError if the index does not take it.
+// Renames the document `from` to `to`, which no document has, with its title, summary and user
+// record. Its words are not indexed again.
+//   Throws   CommandError if the index refuses it.
 void MoveDocument(OpenedIndex& index, const std::string& from, const std::string& to);
 
 }  // namespace kestan_cli

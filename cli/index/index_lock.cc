@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <utility>
 
-#include "cli/app/command.h"
 #include "cli/console/message.h"
 
 namespace kestan_cli {
@@ -22,7 +21,7 @@ bool IsAt(int file, const std::string& path) {
          open_file.st_dev == named.st_dev && open_file.st_ino == named.st_ino;
 }
 
-// Locks the whole open file, or unlocks it. This kind of lock does not meet that of flock().
+// Locks or unlocks the whole open file. Locks of this kind and those of flock() are independent.
 //   Returns  0 or the system's error number.
 int SetLock(int file, decltype(F_WRLCK) type) {
   struct flock lock {};
@@ -35,8 +34,8 @@ int SetLock(int file, decltype(F_WRLCK) type) {
 //   Returns  0 or the system's error number.
 int Share(int file) { return flock(file, LOCK_SH | LOCK_NB) == 0 ? 0 : errno; }
 
-// Some network file systems make both kinds of locks one. There, gdbm could not open what this
-// process has locked, and its lock alone must do.
+// Some network file systems treat both kinds of locks as one. There, gdbm cannot open a file that
+// this process has locked, so its lock must be enough.
 int ShareBeside(int locked, int file) {
   int error = Share(file);
   if (error != EWOULDBLOCK) return error;
@@ -49,7 +48,7 @@ bool IsHeldByAnother(int error) { return error == EAGAIN || error == EACCES; }
 }  // namespace
 
 IndexLock::IndexLock(std::string path, const std::string& complaint) : path_(std::move(path)) {
-  // A file that another process has just replaced locks nobody out.
+  // A lock on a file that another process has just replaced keeps nobody out.
   while (Lock(complaint) && !IsAt(file_.number(), path_)) {
   }
 }
@@ -68,7 +67,7 @@ bool IndexLock::Lock(const std::string& complaint) {
   if (!file_.is_open()) throw CommandError(complaint + ": " + ReasonOf(errno));
   check(SetLock(file_.number(), F_WRLCK));
   reader_ = Descriptor(open(path_.c_str(), O_RDONLY | kOpenFlags));
-  if (!reader_.is_open()) return true;  // it has just been removed or replaced
+  if (!reader_.is_open()) return true;  // another process has just removed or replaced it
   check(ShareBeside(file_.number(), reader_.number()));
   return true;
 }

@@ -1,4 +1,4 @@
-// Keeping others out while an index changes.
+// Keeps other processes from changing an index.
 #ifndef KESTAN_CLI_INDEX_INDEX_LOCK_H_
 #define KESTAN_CLI_INDEX_INDEX_LOCK_H_
 
@@ -8,9 +8,9 @@
 
 namespace kestan_cli {
 
-// Keeps everybody out who would change an index: other commands, and programs that write it in
-// place. Whoever reads it goes on. There is no lock file: the index itself is locked, with locks
-// that belong to the open file, so that they go with the process however that ends.
+// Keeps out other commands that would change an index, and programs that write it in place. Readers
+// are not affected. There is no lock file: the index itself is locked. The locks belong to the open
+// file, so they end with the process, however it ends.
 class IndexLock {
  public:
   // Locks the file at `path`, unless there is none.
@@ -18,17 +18,19 @@ class IndexLock {
   //            changing it.
   IndexLock(std::string path, const std::string& complaint);
 
-  // Whether there was a file to lock.
+  // Returns whether there was a file to lock.
   bool has_file() const { return file_.is_open(); }
 
-  // Returns the locked file, open as long as this lives, whatever happens to its name.
+  // Returns the locked file. It stays open until the destruction of the lock, even if it is
+  // renamed.
   int file() const { return file_.number(); }
 
-  // Returns whether the locked file still has its name or, without one, whether nobody else has
-  // made one.
+  // Returns whether the locked file is still at the path; if there was none, whether there is still
+  // none.
   bool IsInPlace() const;
 
-  // Lets this process write the file in place, under gdbm's own lock. Other commands stay out.
+  // Allows this process to write the file in place, under gdbm's own lock. Keeps other commands
+  // out.
   void LetWriteInPlace() { reader_.Close(); }
 
  private:

@@ -5,9 +5,8 @@
 #include <cerrno>
 #include <filesystem>
 
-#include "cli/app/command.h"
+#include "cli/console/diagnostics.h"
 #include "cli/console/message.h"
-#include "cli/console/output.h"
 #include "cli/files/atomic_replace.h"
 #include "cli/files/file_attributes.h"
 
@@ -15,10 +14,6 @@ namespace kestan_cli {
 namespace {
 
 std::string Complaint(const std::string& path) { return "cannot change index " + Quoted(path); }
-
-auto CannotChange(const std::string& path, const std::string& reason, int status = kFailed) {
-  return CommandError(Complaint(path) + ": " + reason, status);
-}
 
 void Check(int error, const std::string& path) {
   if (error != 0) throw CannotChange(path, ReasonOf(error) + "; it is as it was");
@@ -30,36 +25,41 @@ CommandError MadeByAnother(const std::string& path) {
 
 }  // namespace
 
-IndexChange::IndexChange(Kestan& engine, const std::string& path, Access access, Way way)
-    : engine_(engine), path_(path), file_(RealPath(path)), access_(access), way_(way) {
-  ExamineIndex(path_, access_);  // first, for a path that holds no index gets no lock
+IndexTransaction::IndexTransaction(Kestan& engine, const std::string& path, Access access,
+                                   UpdateMode mode)
+    : engine_(engine), path_(path), file_(RealPath(path)), access_(access), mode_(mode) {
+  if (mode_ == UpdateMode::kInPlace) {
+    ReportProblem("changing index " + Quoted(path_) +
+                  " in place: it can be damaged if this is ended early");
+  }
+  ExamineIndex(path_, access_);  // first: only an index is locked
   lock_ = std::make_unique<IndexLock>(file_, Complaint(path_));
-  if (way_ == Way::kOnCopy) RemoveLeftovers(file_);
-  facts_ = ExamineIndex(path_, access_);  // nobody changes it any more
+  if (mode_ == UpdateMode::kOnCopy) RemoveLeftovers(file_);
+  facts_ = ExamineIndex(path_, access_);  // again: nobody can change it now
   std::error_code error;
   if (std::filesystem::file_size(file_, error) != 0 && !error) CheckStructure(path_);
 }
 
-IndexChange::~IndexChange() {
-  opened_.reset();  // before the folder goes in which the file is
+IndexTransaction::~IndexTransaction() {
+  opened_.reset();  // before the directory of its file is removed
 }
 
-OpenedIndex& IndexChange::Begin() {
-  const std::string& file = way_ == Way::kOnCopy ? Copy() : MakeInPlace();
+OpenedIndex& IndexTransaction::Begin() {
+  const std::string& file = mode_ == UpdateMode::kOnCopy ? Copy() : MakeInPlace();
   opened_ = std::make_unique<OpenedIndex>(engine_, file, access_, path_);
   return *opened_;
 }
 
-// Returns where the copy is.
-const std::string& IndexChange::Copy() {
+// Returns the path of the copy.
+const std::string& IndexTransaction::Copy() {
   folder_ = std::make_unique<WorkFolder>(file_, Complaint(path_));
   const int error = lock_->has_file() ? CopyFile(lock_->file(), folder_->file()) : 0;
   if (error == 0) return folder_->file();
   throw CannotChange(path_, "no copy beside it: " + ReasonOf(error) + "; it is as it was");
 }
 
-// Makes an empty file where there is none, for a file can be locked and a name cannot.
-const std::string& IndexChange::MakeInPlace() {
+// Makes an empty file if there is none: a file can be locked, a name cannot.
+const std::string& IndexTransaction::MakeInPlace() {
   if (!lock_->has_file()) {
     constexpr int kMode = 0644;
     const Descriptor made(open(file_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kMode));
@@ -71,41 +71,41 @@ const std::string& IndexChange::MakeInPlace() {
   return file_;
 }
 
-void IndexChange::Close() {
+void IndexTransaction::Close() {
   opened_->Close();
   opened_.reset();
 }
 
-std::uintmax_t IndexChange::Measure() {
+std::uintmax_t IndexTransaction::Measure() {
   Close();
   return std::filesystem::file_size(folder_->file());
 }
 
-void IndexChange::Commit() {
+void IndexTransaction::Commit() {
   Close();
-  if (way_ == Way::kOnCopy) Replace();
+  if (mode_ == UpdateMode::kOnCopy) Replace();
 }
 
-// The copy is nobody else's until here, and may be another file than it was at first: gdbm rewrites
-// one that shrinks.
-void IndexChange::KeepAttributes() const {
+// Comes last: no other user may open the copy before, and gdbm makes a new file when it shrinks
+// one.
+void IndexTransaction::KeepAttributes() const {
   if (!lock_->has_file()) return;
   const Descriptor copy = folder_->Open();
   Check(copy.is_open() ? 0 : errno, path_);
   Check(CopyAttributes(lock_->file(), copy.number(), NewOwner::kSame), path_);
 }
 
-void IndexChange::CheckNobodyCameBetween() const {
+void IndexTransaction::CheckNotReplaced() const {
   if (lock_->IsInPlace()) return;
   if (!lock_->has_file()) throw MadeByAnother(path_);
   throw CannotChange(path_, "another process has replaced or removed it meanwhile; try again",
                      kBusy);
 }
 
-void IndexChange::Replace() const {
+void IndexTransaction::Replace() const {
   KeepAttributes();
   Check(SyncPath(folder_->file()), path_);
-  CheckNobodyCameBetween();
+  CheckNotReplaced();
   const int failed = lock_->has_file() ? folder_->Replace() : folder_->Place();
   if (failed == EEXIST) throw MadeByAnother(path_);
   Check(failed, path_);
@@ -113,13 +113,6 @@ void IndexChange::Replace() const {
     throw CommandError("index " + Quoted(path_) +
                        " is changed, but may not be on the disk yet: " + ReasonOf(error));
   }
-}
-
-IndexChange::Way WayOf(bool in_place, const std::string& path) {
-  if (!in_place) return IndexChange::Way::kOnCopy;
-  Say("kestan: changing index " + Quoted(path) +
-      " in place: it can be damaged if this is ended early");
-  return IndexChange::Way::kInPlace;
 }
 
 }  // namespace kestan_cli

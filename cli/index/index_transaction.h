@@ -14,36 +14,44 @@
 
 namespace kestan_cli {
 
-// Works on a copy beside the index, and puts it in the place of the index when all is on the disk.
-// Until then the index stays as it was, whatever happens, and others read it; nobody else changes
-// it. The copy gets the owner, group and mode of the index as far as this user may give them. What
-// a process leaves behind that was ended on the way, the next change removes.
-class IndexChange {
- public:
-  enum class Way { kOnCopy, kInPlace };
+enum class UpdateMode {
+  kOnCopy,
+  kInPlace,  // faster, but the index is damaged if the process ends early or the disk is full
+};
 
-  // Locks the index at `path` and looks at it. Borrows `engine`, whose index must be closed.
+inline UpdateMode UpdateModeOf(bool in_place) {
+  return in_place ? UpdateMode::kInPlace : UpdateMode::kOnCopy;
+}
+
+// Works on a copy beside the index, and replaces the index by the copy when all is on the disk.
+// Until then the index stays as it was, whatever happens: others may read it, and nobody else can
+// change it. The copy gets the owner, group and mode of the index as far as this user may set them.
+// If a process ends before its transaction, the next transaction removes the copy.
+class IndexTransaction {
+ public:
+  // Locks the index at `path` and examines it. Borrows `engine`, whose index must be closed.
+  // Reports the risk of a change in place.
   //   Throws   what ExamineIndex and CheckStructure throw; CommandError with the status kBusy
   //            if another process is changing the index.
-  IndexChange(Kestan& engine, const std::string& path, Access access, Way way);
-  ~IndexChange();  // without Commit(), a change on a copy is forgotten
-  IndexChange(const IndexChange&) = delete;
-  IndexChange& operator=(const IndexChange&) = delete;
+  IndexTransaction(Kestan& engine, const std::string& path, Access access, UpdateMode mode);
+  ~IndexTransaction();  // without Commit(), a change on a copy is discarded
+  IndexTransaction(const IndexTransaction&) = delete;
+  IndexTransaction& operator=(const IndexTransaction&) = delete;
 
   const IndexFacts& facts() const { return facts_; }
 
-  // Makes the copy and opens it in the engine. Once; before, the index may be read there.
+  // Makes the copy and opens it in the engine. To be called once; before, the engine may open the
+  // index for reading.
   //   Throws   CommandError if no copy can be made.
   OpenedIndex& Begin();
 
-  // Writes everything out, closes the copy and tells how many bytes it has. The last call: the
-  // index stays as it is.
+  // Writes everything out and closes the copy. The last call: the index stays as it is.
+  //   Returns  how many bytes the copy has.
   std::uintmax_t Measure();
 
-  // Writes everything out, closes the index and puts the copy in its place.
-  //   Throws   CommandError if any record did not reach the file; then the index is as it was, if
-  //            this worked on a copy. With the status kBusy if another process has meanwhile put
-  //            another file in the place of the index.
+  // Writes everything out, closes the index and replaces it by the copy. The last call.
+  //   Throws   CommandError if any record did not reach the file; with a copy, the index is then as
+  //            it was. With the status kBusy if another process has replaced the index meanwhile.
   void Commit();
 
  private:
@@ -51,22 +59,19 @@ class IndexChange {
   const std::string& MakeInPlace();
   void Close();
   void KeepAttributes() const;
-  void CheckNobodyCameBetween() const;
+  void CheckNotReplaced() const;
   void Replace() const;
 
   Kestan& engine_;
   const std::string path_;
   const std::string file_;  // the index itself
   const Access access_;
-  const Way way_;
+  const UpdateMode mode_;
   std::unique_ptr<IndexLock> lock_;
   IndexFacts facts_;
   std::unique_ptr<WorkFolder> folder_;
   std::unique_ptr<OpenedIndex> opened_;
 };
-
-// Way::kInPlace where `in_place` is set; then says on the standard error stream what that means.
-IndexChange::Way WayOf(bool in_place, const std::string& path);
 
 }  // namespace kestan_cli
 

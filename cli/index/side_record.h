@@ -1,4 +1,4 @@
-// The three texts that an index keeps beside the words of a document.
+// The three texts that an index keeps for a document beside its words.
 #ifndef KESTAN_CLI_INDEX_SIDE_RECORD_H_
 #define KESTAN_CLI_INDEX_SIDE_RECORD_H_
 
@@ -8,23 +8,24 @@
 
 namespace kestan_cli {
 
-// One of them, and what the engine does with it.
+// One kind of these texts, and the engine's functions for it. Each function takes the name of a
+// document. `get` returns null if there is no such text, the others return 0 on success.
 struct SideRecord {
-  const char* command;  // that changes it
-  const char* title;    // as people call it
-  char* (Kestan::*get)(const char* name);
-  int (Kestan::*put)(const char* name, const char* text);
-  int (Kestan::*remove)(const char* name);
+  const char* name;     // of its commands, and in JSON
+  const char* noun;     // in messages
+  const char* example;  // a text of this kind, for help
+  char* (Kestan::*get)(const char* document);
+  int (Kestan::*put)(const char* document, const char* text);
+  int (Kestan::*remove)(const char* document);
 };
 
-inline constexpr SideRecord kTitle{"title", "title", &Kestan::DBGetTitle, &Kestan::DBPutTitle,
-                                   &Kestan::DBDelTitle};
-inline constexpr SideRecord kSummary{"summary", "summary", &Kestan::DBGetSummary,
-                                     &Kestan::DBPutSummary, &Kestan::DBDelSummary};
-inline constexpr SideRecord kUser{"user", "user record", &Kestan::DBGetUser, &Kestan::DBPutUser,
-                                  &Kestan::DBDelUser};
-
-inline constexpr std::array kSideRecords{kTitle, kSummary, kUser};
+inline constexpr std::array kSideRecords{
+    SideRecord{"title", "title", "Things to do", &Kestan::DBGetTitle, &Kestan::DBPutTitle,
+               &Kestan::DBDelTitle},
+    SideRecord{"summary", "summary", "What is left for this week", &Kestan::DBGetSummary,
+               &Kestan::DBPutSummary, &Kestan::DBDelSummary},
+    SideRecord{"user", "user record", "reviewed=yes", &Kestan::DBGetUser, &Kestan::DBPutUser,
+               &Kestan::DBDelUser}};
 
 }  // namespace kestan_cli
 

@@ -14,7 +14,7 @@ namespace kestan_cli {
 class IndexWriter {
  public:
   // Borrows `change`, which has not begun.
-  explicit IndexWriter(IndexChange& change) : change_(change) {}
+  explicit IndexWriter(IndexTransaction& change) : change_(change) {}
 
   // Returns the index, and opens it first if need be.
   //   Throws   CommandError if it cannot be opened.
@@ -46,7 +46,7 @@ class IndexWriter {
     return opened_.emplace(index);
   }
 
-  IndexChange& change_;
+  IndexTransaction& change_;
   std::optional<Opened> opened_;
 };
 

@@ -111,7 +111,7 @@ class CommandTest : public testing::Test {
  private:
   [[noreturn]] void Become(const std::vector<std::string>& arguments, const std::string& out,
                            const std::string& err, const InChild& prepare) {
-    // Opened before privileges go: whoever the child becomes need not reach the build folder.
+    // Opened before it gives up privileges: the other user may have no access to the build folder.
     const int command = open(KESTAN_COMMAND, O_RDONLY | O_CLOEXEC);
     std::vector<char*> argv{const_cast<char*>("kestan")};
     for (const std::string& argument : arguments)

@@ -24,7 +24,7 @@ struct Call {
 inline void BeTraced() { ptrace(PTRACE_TRACEME, 0, nullptr, nullptr); }
 
 // Lets the traced `child`, just started, run until it is about to make a call that is `wanted`.
-//   Returns  false if it ended by itself before; then nobody need wait for it.
+//   Returns  false if it ended before; there is no need to wait for it then.
 inline bool StopBefore(pid_t child, const std::function<bool(const Call&)>& wanted) {
   int status = 0;
   waitpid(child, &status, 0);  // stopped at its start
@@ -56,7 +56,7 @@ inline int Resume(pid_t child) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-// Whether `call` gives a file its name, as the last step of a change does.
+// Returns whether `call` renames a file, as the last step of a change does.
 inline bool IsRename(const Call& call) {
 #ifdef SYS_renameat
   if (call.number == SYS_renameat) return true;

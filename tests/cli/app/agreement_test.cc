@@ -1,11 +1,10 @@
 // All commands agree about a damaged index: where `check` finds no fault, `dump` succeeds, and
-// `search`, `list` and `stats` answer as they do on the undamaged file. A text (title, summary,
-// user record, word list) cannot be told from another one, nor from none, and the time of a
-// document not from another time; nor does anything tell which words had capitals. Damage to these
-// that leaves no trace is the one exception.
+// `search`, `list` and `stats` answer as they do on the undamaged file. The one exception is damage
+// that leaves no trace: another text (title, summary, user record, word list) or none, another time
+// of a document, and other capitals of a word are all valid.
 //
 // Some hundreds of damaged files by default; for ten times as many:
-//   KESTAN_AGREEMENT=10 cli_tests --gtest_filter='Agreement.*'
+//   KESTAN_AGREEMENT=10 cli_tests --gtest_filter='AgreementTest.*'
 #include <gtest/gtest.h>
 #include <kestan/maintenance/salvage/gdbm_layout.h>
 
@@ -92,7 +91,7 @@ struct Places {
   }
 };
 
-class Agreement : public CommandTest {
+class AgreementTest : public CommandTest {
  protected:
   void SetUp() override {
     Write("empty", "");
@@ -195,7 +194,7 @@ class Agreement : public CommandTest {
     return answers;
   }
 
-  // Words with capitals stand once more in small letters. These tell how many words a document has,
+  // Words with capitals are also kept in lower case. These give how many words a document has,
   // but not which of them had capitals.
   static bool IsUntold(const std::string& key) {
     if (key.size() > 1 && key[1] == '-') return std::strchr("tsuw", key[0]) != nullptr;
@@ -244,28 +243,28 @@ class Agreement : public CommandTest {
   int clean_ = 0;
 };
 
-TEST_F(Agreement, AboutElements) { Flip(GoodPlaces().elements, "element", 100); }
+TEST_F(AgreementTest, AboutElements) { Flip(GoodPlaces().elements, "element", 100); }
 
-TEST_F(Agreement, AboutHeadsOfBuckets) { Flip(GoodPlaces().heads, "head of a bucket", 40); }
+TEST_F(AgreementTest, AboutHeadsOfBuckets) { Flip(GoodPlaces().heads, "head of a bucket", 40); }
 
-TEST_F(Agreement, AboutTheDirectory) { Flip(GoodPlaces().directory, "directory", 30); }
+TEST_F(AgreementTest, AboutTheDirectory) { Flip(GoodPlaces().directory, "directory", 30); }
 
-TEST_F(Agreement, AboutTheHeader) { Flip(GoodPlaces().headers, "header", 40); }
+TEST_F(AgreementTest, AboutTheHeader) { Flip(GoodPlaces().headers, "header", 40); }
 
-TEST_F(Agreement, AboutPostings) { Flip(GoodPlaces().postings, "postings", 60); }
+TEST_F(AgreementTest, AboutPostings) { Flip(GoodPlaces().postings, "postings", 60); }
 
-TEST_F(Agreement, AboutCodes) { Flip(GoodPlaces().codes, "codes and names", 40); }
+TEST_F(AgreementTest, AboutCodes) { Flip(GoodPlaces().codes, "codes and names", 40); }
 
-TEST_F(Agreement, AboutTexts) { Flip(GoodPlaces().texts, "text", 10, true); }
+TEST_F(AgreementTest, AboutTexts) { Flip(GoodPlaces().texts, "text", 10, true); }
 
-TEST_F(Agreement, AboutStaleParts) {
+TEST_F(AgreementTest, AboutStaleParts) {
   Stale(GoodPlaces().headers, "older header", 1);
   Stale(GoodPlaces().directory, "older directory", 1);
   Stale(GoodPlaces().buckets, "older bucket", 20);
   Stale(Pages(), "older page", 20);
 }
 
-TEST_F(Agreement, AboutCutFiles) {
+TEST_F(AgreementTest, AboutCutFiles) {
   Cut(GoodPlaces().postings, "cut in postings", 4);
   Cut(GoodPlaces().codes, "cut in codes", 4);
   Cut(GoodPlaces().texts, "cut in a text", 4);

@@ -2,12 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 #include <vector>
 
-#include "cli/app/commands.h"
-#include "tests/cli/command_test.h"
+#include "cli/app/command_registry.h"
+#include "tests/cli/app/completion_test.h"
 
 namespace kestan_tests {
 namespace {
@@ -37,17 +36,11 @@ TEST(ManualTest, EveryCommandHasAnExampleAndItsOptionsArePrinted) {
   }
 }
 
-TEST(ManualTest, LettersThatRoffTakesForItsOwnAreSpelledOut) {
+TEST(ManualTest, CharactersOfRoffAreEscaped) {
   const std::vector<Command> commands{
       {"try", "Try.", {}, {}, "\n.dot at \\ the start", {"kestan try"}, nullptr}};
   const std::string page = kestan_cli::ManualPages(commands).at("kestan-try.1");
   EXPECT_TRUE(Holds(page, "\n\\&.dot at \\e the start")) << page;
-}
-
-// Whether the machine has the program `name`.
-bool IsInstalled(const std::string& name) {
-  const std::string command = "command -v " + name + " > /dev/null";
-  return std::system(command.c_str()) == 0;  // NOLINT(cert-env33-c,concurrency-mt-unsafe)
 }
 
 TEST(ManualTest, PageOfAGroupHasEachSectionOnce) {
@@ -58,71 +51,12 @@ TEST(ManualTest, PageOfAGroupHasEachSectionOnce) {
   EXPECT_TRUE(Holds(page, "\n.SH kestan title delete\n")) << page;
 }
 
-class CompletionTest : public CommandTest {
- protected:
-  // Has bash complete `line` and returns what it offers.
-  std::string Offers(const std::string& words, int count) {
-    Write("completion", Run({"completion", "bash"}).out);
-    Write("try", ". ./completion; COMP_WORDS=(" + words + "); COMP_CWORD=" +
-                     std::to_string(count - 1) + "; _kestan; echo \"${COMPREPLY[@]}\"");
-    return Shell("bash try");
-  }
+using ManualPagesTest = CompletionTest;
 
-  // Runs `command` in the folder of the test and returns what it prints.
-  std::string Shell(const std::string& command) {
-    const std::string line = "cd '" + Path("") + "' && { " + command + "; } > printed";
-    EXPECT_EQ(std::system(line.c_str()), 0);  // NOLINT(cert-env33-c,concurrency-mt-unsafe)
-    return BytesOfFile(Path("printed"));
-  }
-};
-
-TEST_F(CompletionTest, BashOffersCommands) {
-  EXPECT_EQ(Offers("kestan se", 2), "search\n");
-  EXPECT_TRUE(Holds(Offers("kestan ''", 2), "index search"));
-}
-
-TEST_F(CompletionTest, BashOffersCommandsOfAGroup) {
-  EXPECT_EQ(Offers("kestan title ''", 3), "get set delete\n");
-}
-
-TEST_F(CompletionTest, BashOffersOptionsOnlyWhereOneBegins) {
-  EXPECT_EQ(Offers("kestan shrink --dr", 3), "--dry-run\n");
-  EXPECT_EQ(Offers("kestan option set my.index --in", 5), "--in-place\n");
-  EXPECT_EQ(Offers("kestan shrink ''", 3), "\n");
-}
-
-TEST_F(CompletionTest, PagesAreSetWithoutWarnings) {
+TEST_F(ManualPagesTest, GroffSetsThePagesWithoutWarnings) {
   if (!IsInstalled("groff")) GTEST_SKIP() << "there is no groff";
   for (const auto& [name, text] : kestan_cli::ManualPages(AllCommands())) Write(name, text);
   EXPECT_EQ(Shell("groff -man -ww -z *.1 2>&1"), "");
-}
-
-TEST_F(CompletionTest, BashOffersTheValuesOfAnOption) {
-  EXPECT_EQ(Offers("kestan search --order ''", 4), "best score name code\n");
-  EXPECT_EQ(Offers("kestan search --color a", 4), "auto always\n");
-}
-
-TEST_F(CompletionTest, FishOffersWhatMayStandNext) {
-  if (!IsInstalled("fish")) GTEST_SKIP() << "there is no fish";
-  Write("completion", Run({"completion", "fish"}).out);
-  Write("try",
-        "source completion; for line in 'kestan se' 'kestan title ' 'kestan title get --j'"
-        " 'kestan search --order b'\ncomplete -C $line | string split -f 1 \\t\nend");
-  EXPECT_EQ(Shell("HOME=. fish --no-config try 2>&1"), "search\ndelete\nget\nset\n--json\nbest\n");
-}
-
-TEST_F(CompletionTest, ZshReadsItsCompletion) {
-  if (!IsInstalled("zsh")) GTEST_SKIP() << "there is no zsh";
-  Write("completion", Run({"completion", "zsh"}).out);
-  Write("try",
-        "compdef() { echo $*; }; . ./completion\n_kestan_words title ''\n"
-        "_kestan_values search --order");
-  EXPECT_EQ(Shell("zsh -f try 2>&1"), "_kestan kestan\nget set delete\nbest score name code\n");
-}
-
-TEST_F(CompletionTest, UnknownShellIsTold) {
-  EXPECT_EQ(Run({"completion", "csh"}),
-            Failure("no completion for the shell 'csh'; there are bash, zsh and fish"));
 }
 
 }  // namespace

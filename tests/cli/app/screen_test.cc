@@ -1,4 +1,4 @@
-// What the command does for any of its streams that is a terminal.
+// What the command prints if one of its streams is a terminal.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <termios.h>
@@ -13,8 +13,8 @@
 #include <string>
 #include <vector>
 
-#include "cli/app/commands.h"
-#include "cli/console/control.h"
+#include "cli/app/command_registry.h"
+#include "cli/console/control_characters.h"
 #include "tests/cli/command_test.h"
 
 namespace kestan_tests {
@@ -37,7 +37,7 @@ class ScreenTest : public CommandTest {
     EXPECT_GE(line, 0);
     termios mode{};
     tcgetattr(line, &mode);
-    cfmakeraw(&mode);  // the terminal itself puts nothing between
+    cfmakeraw(&mode);  // the terminal itself adds nothing
     tcsetattr(line, TCSANOW, &mode);
     const TempDir files;
     const pid_t child = Start(arguments, files, [&] {
@@ -55,7 +55,7 @@ class ScreenTest : public CommandTest {
   }
 
  private:
-  // While the command runs, for a terminal holds little that nobody reads.
+  // Reads while the command runs: a terminal buffers little.
   static std::string ReadToEnd(int screen) {
     std::string shown;
     std::array<char, 4096> bytes{};
@@ -68,14 +68,14 @@ class ScreenTest : public CommandTest {
   }
 };
 
-TEST_F(ScreenTest, NamesCannotSteerIt) {
+TEST_F(ScreenTest, ControlCharactersInNamesAreEscaped) {
   Add("a\x1b[2J", "cat\n");
   EXPECT_EQ(Shown(STDOUT_FILENO, {"list", "my.index"}), "a\\x1b[2J\n");
   EXPECT_EQ(Shown(STDOUT_FILENO, {"search", "-l", "my.index", "cat"}), "a\\x1b[2J\n");
   EXPECT_EQ(Run({"list", "my.index"}), Success("a\x1b[2J\n"));
 }
 
-TEST_F(ScreenTest, TextsKeepTheirLines) {
+TEST_F(ScreenTest, TextsKeepTheirLineFeeds) {
   Add("a", "cat\n");
   ASSERT_EQ(Run({"title", "set", "my.index", "a", "one\n\ttwo\r\x9b\xc3\xa9"}).status, 0);
   EXPECT_EQ(Shown(STDOUT_FILENO, {"title", "get", "my.index", "a"}),
@@ -83,7 +83,7 @@ TEST_F(ScreenTest, TextsKeepTheirLines) {
   EXPECT_EQ(Run({"title", "get", "my.index", "a"}), Success("one\n\ttwo\r\x9b\xc3\xa9\n"));
 }
 
-TEST_F(ScreenTest, IndexingShowsABarUnlessItIsToBeQuiet) {
+TEST_F(ScreenTest, IndexingShowsABarUnlessQuiet) {
   Write("slow", "#!/bin/sh\nsleep 0.3\necho text\n");
   ASSERT_EQ(chmod(Path("slow").c_str(), 0700), 0);
   for (const char* name : {"d/a.zz", "d/b.zz"}) Write(name, std::string("a\0b", 3));
@@ -113,7 +113,7 @@ std::string Orders() {
 // The same with the white space that is no line feed.
 std::string MoreOrders() { return Orders() + "\r\v\f" + Orders(); }
 
-// Returns `shown` without what the command itself tells the terminal: of how far it has come, and,
+// Returns `shown` without the terminal controls of the command itself: the progress bar and,
 // if `coloured`, in which colours.
 std::string WithoutOwnOrders(const std::string& shown, bool coloured) {
   const std::string rest = std::regex_replace(shown, std::regex("\r[ -~]*\x1b\\[K"), "");
@@ -134,7 +134,7 @@ void ExpectHarmless(const std::string& text, const Arguments& arguments) {
   }
 }
 
-class OrdersTest : public ScreenTest {
+class TerminalControlsTest : public ScreenTest {
  protected:
   void SetUp() override {
     Write(name_, "cat " + MoreOrders() + "\ncat\n" + MoreOrders() + "cat\n");
@@ -258,7 +258,7 @@ class OrdersTest : public ScreenTest {
 };
 
 // Covers a command that comes later, as long as Good() knows its arguments.
-TEST_F(OrdersTest, OfFilesAndIndexesDoNotReachIt) {
+TEST_F(TerminalControlsTest, OfFilesAndIndexesDoNotReachTheTerminal) {
   for (const Command& command : kestan_cli::AllCommands()) {
     for (const Arguments& line : Lines(command)) {
       const bool coloured = line.back() == "--color=always";
@@ -267,7 +267,7 @@ TEST_F(OrdersTest, OfFilesAndIndexesDoNotReachIt) {
   }
 }
 
-TEST_F(OrdersTest, AreShownSpelledOut) {
+TEST_F(TerminalControlsTest, AreShownEscaped) {
   const std::set<std::string> shown_by = {"list",        "search",   "words",        "title get",
                                           "summary get", "user get", "wordlist get", "check",
                                           "dump",        "export",   "move",         "remove"};
@@ -280,14 +280,14 @@ TEST_F(OrdersTest, AreShownSpelledOut) {
   }
 }
 
-TEST_F(OrdersTest, OfColoursAreTheCommandsOwn) {
+TEST_F(TerminalControlsTest, OfColoursAreOnlyTheCommandsOwn) {
   const Arguments line = {"search", "--color=always", "my.index", "cat"};
   const std::string shown = Screen(line);
   EXPECT_NE(shown.find("\x1b[1;31mcat\x1b[0m"), std::string::npos) << shown;
   ExpectHarmless(WithoutOwnOrders(shown, true), line);
 }
 
-TEST_F(OrdersTest, StayExactForAProgramThatReads) {
+TEST_F(TerminalControlsTest, ReachProgramsUnchanged) {
   std::filesystem::copy_file(Path("base.index"), Path("my.index"));
   for (const char* record : {"title", "summary"}) {
     EXPECT_EQ(Run({record, "get", "my.index", name_}), Success(MoreOrders() + "\n")) << record;
@@ -296,7 +296,7 @@ TEST_F(OrdersTest, StayExactForAProgramThatReads) {
   EXPECT_NE(Run({"words", "my.index"}).out.find(Orders() + "\n"), std::string::npos);
 }
 
-TEST_F(OrdersTest, LeaveJsonWhatItIs) {
+TEST_F(TerminalControlsTest, LeaveJsonValid) {
   std::filesystem::copy_file(Path("base.index"), Path("my.index"));
   for (const Arguments& line : {Arguments{"list", "my.index"},
                                 {"search", "--snippets", "my.index", "cat"},

@@ -7,21 +7,21 @@
 namespace kestan_cli {
 namespace {
 
-TEST(MessageTest, ControlCharactersAreSpelledOut) {
+TEST(MessageTest, ControlCharactersAreEscaped) {
   EXPECT_EQ(OneLine("a\nb\x1b[1m\x7f"), "a\\nb\\x1b[1m\\x7f");
 }
 
-TEST(MessageTest, ControlCharactersOfTwoBytesAreSpelledOut) {
+TEST(MessageTest, ControlCharactersOfTwoBytesAreEscaped) {
   EXPECT_EQ(OneLine("\xc2\x80 \xc2\x9b \xc2\xa0 \xc2"), "\\xc2\\x80 \\xc2\\x9b \xc2\xa0 \\xc2");
 }
 
 TEST(MessageTest, OtherBytesStayAsTheyAre) { EXPECT_EQ(OneLine(" caf\xc3\xa9~"), " caf\xc3\xa9~"); }
 
-TEST(MessageTest, NamesStandBetweenQuotesOnOneLine) { EXPECT_EQ(Quoted("a\nb"), "'a\\nb'"); }
+TEST(MessageTest, QuotedNamesStayOnOneLine) { EXPECT_EQ(Quoted("a\nb"), "'a\\nb'"); }
 
 TEST(MessageTest, ReasonsBeginInLowerCase) { EXPECT_EQ(ReasonOf(EACCES), "permission denied"); }
 
-TEST(MessageTest, FoldersAreCalledSoEverywhere) {
+TEST(MessageTest, MissingFilesAndDirectoriesHaveOurOwnWords) {
   EXPECT_EQ(ReasonOf(ENOENT), "no such file or folder");
   EXPECT_EQ(ReasonOf(EISDIR), "is a folder");
 }

@@ -2,66 +2,52 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <regex>
 #include <set>
 #include <string>
 
-#include "tests/support/index_test.h"
-
 namespace kestan_tests {
 namespace {
 
-using kestan_cli::CapturedStderr;
+using kestan_cli::LinePrinter;
+using kestan_cli::Print;
 
-TEST(CapturedStderrTest, ComeOutLaterAndInTheirOrder) {
-  const std::string printed = StandardErrorOf([] {
-    {
-      const CapturedStderr held;
-      std::fputs("first\n", stderr);
-      std::fputs("second\n", stderr);
-    }
-    std::fputs("third\n", stderr);
-  });
-  EXPECT_EQ(printed, "first\nsecond\nthird\n");
+std::string Printed(const std::function<void()>& print) {
+  testing::internal::CaptureStdout();
+  print();
+  return testing::internal::GetCapturedStdout();
 }
 
-TEST(CapturedStderrTest, AreGoneWhenDropped) {
-  const std::string printed = StandardErrorOf([] {
-    {
-      CapturedStderr held;
-      std::fputs("lost\n", stderr);
-      held.Drop();
-    }
-    std::fputs("kept\n", stderr);
-  });
-  EXPECT_EQ(printed, "kept\n");
+TEST(OutputTest, ProgramsGetTheBytesThemselves) {
+  EXPECT_EQ(Printed([] { Print(std::string("a\x1b[2J\0\xff\n", 8)); }),
+            std::string("a\x1b[2J\0\xff\n", 8));
 }
 
-TEST(CapturedStderrTest, CannotSteerATerminal) {
-  EXPECT_EQ(StandardErrorOf([] {
-              const CapturedStderr held;
-              std::fputs("\x1b[2J caf\xc3\xa9\n\x9b\n", stderr);
+TEST(OutputTest, LinesArePrintedSomeAtATimeAndAllAtTheEnd) {
+  const std::string line(40000, 'x');
+  EXPECT_EQ(Printed([&] {
+              LinePrinter printer;
+              printer.Take(line);
+              printer.Take(line);  // more than is held back
             }),
-            "\\x1b[2J caf\xc3\xa9\n\\x9b\n");
-}
-
-TEST(CapturedStderrTest, MayBeLongerThanAPiece) {
-  const std::string line(10000, 'x');
-  EXPECT_EQ(StandardErrorOf([&] {
-              const CapturedStderr held;
-              std::fputs(line.c_str(), stderr);
+            line + "\n" + line + "\n");
+  EXPECT_EQ(Printed([] { LinePrinter().Take("waits"); }), "");
+  EXPECT_EQ(Printed([] {
+              LinePrinter printer;
+              printer.Take("waits");
+              printer.Finish();
+              printer.Finish();
             }),
-            line);
+            "waits\n");
 }
 
-// Whatever is printed comes from a file some day.
-TEST(OutputTest, NothingElseWritesToTheStandardStreams) {
-  const std::set<std::string> may_write = {"output.cc", "progress.cc"};
-  const std::regex writes("stdout|stderr|std::(cout|cerr|clog|puts|printf|putchar)\\b|perror");
+// One file writes to each stream, and escapes what a terminal could obey.
+TEST(OutputTest, NoOtherFileWritesToTheStandardStreams) {
+  const std::set<std::string> may_write = {"output.cc", "diagnostics.cc"};
+  const std::regex writes(
+      "\\b(stdout|stderr)\\b|std::(cout|cerr|clog|puts|printf|putchar)\\b|perror");
   for (const std::string folder : {"cli", "search"}) {
     const std::string root = KESTAN_SOURCE_DIR "/" + folder;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
@@ -73,17 +59,6 @@ TEST(OutputTest, NothingElseWritesToTheStandardStreams) {
       }
     }
   }
-}
-
-// The engine ends the process when memory runs out, wherever that is.
-TEST(CapturedStderrDeathTest, ComeOutWhenTheProcessEnds) {
-  EXPECT_EXIT(
-      {
-        const CapturedStderr held;
-        std::fputs("the last words\n", stderr);
-        std::exit(7);  // NOLINT(concurrency-mt-unsafe)
-      },
-      testing::ExitedWithCode(7), "the last words");
 }
 
 }  // namespace

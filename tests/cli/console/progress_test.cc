@@ -12,7 +12,7 @@ using std::chrono::milliseconds;
 
 ProgressState Half() { return {50, 100, 0, 0, 10}; }
 
-TEST(ProgressBarTest, TellsShareRateAndTimeLeft) {
+TEST(ProgressBarTest, ShowsShareRateAndTimeLeft) {
   EXPECT_EQ(ProgressBar(Half(), 60),
             "[###########            ]  50%  50/100 files, 5/s, 0:10 left");
 }
@@ -23,23 +23,23 @@ TEST(ProgressBarTest, FitsEveryWidth) {
   }
 }
 
-TEST(ProgressBarTest, NarrowTerminalsGetWordsOnly) {
+TEST(ProgressBarTest, NarrowTerminalGetsTextOnly) {
   EXPECT_EQ(ProgressBar(Half(), 20), " 50%  50/100 files, ");
 }
 
-TEST(ProgressBarTest, BytesCountForTheShare) {
+TEST(ProgressBarTest, ShareIsOfBytes) {
   EXPECT_EQ(ProgressWords({1, 3, 999, 3997, 10}), "1 of 3 files, 0:30 left");
 }
 
-TEST(ProgressBarTest, LongTimesAreInHours) {
+TEST(ProgressBarTest, LongTimesHaveHours) {
   EXPECT_EQ(ProgressWords({1, 1001, 0, 0, 7.21}), "1 of 1001 files, 2:00:10 left");
 }
 
-TEST(ProgressBarTest, NothingIsSaidOfTheFirstMoments) {
+TEST(ProgressBarTest, FirstSecondHasNoTimeLeft) {
   EXPECT_EQ(ProgressWords({50, 100, 0, 0, 0.5}), "50 of 100 files");
 }
 
-TEST(ProgressBarTest, FilesThatGrewAreNoMoreThanAll) {
+TEST(ProgressBarTest, FilesThatGrewDoNotExceedOneHundredPercent) {
   EXPECT_EQ(ProgressBar({1, 1, 500, 100, 0}, 30).find("100%"), 15u);
 }
 
@@ -60,7 +60,7 @@ class ProgressTest : public testing::Test {
   std::vector<std::string> written_;
 };
 
-TEST_F(ProgressTest, BarIsDrawnTenTimesASecondAtMostAndTakenOff) {
+TEST_F(ProgressTest, BarIsDrawnAtMostTenTimesASecondAndErased) {
   Run(ProgressStyle::kBar, milliseconds(10));
   ASSERT_EQ(written_.size(), 11u);
   EXPECT_EQ(written_.front().front(), '\r');
@@ -78,7 +78,7 @@ TEST_F(ProgressTest, LinesComeEveryTenSeconds) {
   EXPECT_EQ(written_[0], "kestan: 40 of 100 files, 0:15 left\n");
 }
 
-TEST_F(ProgressTest, LastFileNeedsNoLine) {
+TEST_F(ProgressTest, NoLineFollowsTheLastFile) {
   Run(ProgressStyle::kLines, milliseconds(100));
   EXPECT_TRUE(written_.empty());
 }

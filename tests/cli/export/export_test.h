@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "cli/commands/export_command.h"
+#include "cli/commands/documents/export_command.h"
 #include "tests/support/index_test.h"
 
 namespace kestan_tests {
@@ -19,8 +19,7 @@ struct Exported {
 inline Exported Export(const std::string& index, const kestan_cli::ExportOptions& options) {
   testing::internal::CaptureStdout();
   testing::internal::CaptureStderr();
-  Kestan engine;
-  EXPECT_EQ(kestan_cli::RunExport(engine, index, options), 0);
+  EXPECT_EQ(kestan_cli::RunExport(index, options), 0);
   Exported exported;
   exported.err = testing::internal::GetCapturedStderr();
   exported.out = testing::internal::GetCapturedStdout();

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "cli/console/message.h"
-#include "cli/console/output.h"
+#include "cli/files/open_file.h"
 #include "tests/cli/command_test.h"
 
 namespace kestan_cli {

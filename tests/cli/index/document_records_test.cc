@@ -19,7 +19,7 @@ class DocumentRecordsTest : public kestan_tests::CommandTest {
   OpenedIndex index_{engine_, Path("my.index"), Access::kCreate};
 };
 
-TEST_F(DocumentRecordsTest, DocumentsComeInOrderWithTheirFingerprints) {
+TEST_F(DocumentRecordsTest, DocumentsAreInOrderWithTheirFingerprints) {
   engine_.AddDocumentWords("b", "cat");
   engine_.AddDocumentWords("a", "cat");
   engine_.DBPutUser("a", ("size=1 mtime=2.000000003 hash=" + kHash).c_str());
@@ -34,16 +34,18 @@ TEST_F(DocumentRecordsTest, DocumentsComeInOrderWithTheirFingerprints) {
 }
 
 // The end of the file is gone for a moment, as when a disk fails.
-TEST_F(DocumentRecordsTest, ADocumentThatCannotBeReadIsNotCalledRemoved) {
+TEST_F(DocumentRecordsTest, UnreadableDocumentIsNotRemoved) {
   engine_.AddDocumentWords("a", "cat");
   engine_.FlushIndex();
   std::filesystem::resize_file(Path("my.index"), 512);
   EXPECT_THROW(RemoveDocument(index_, "a"), CommandError);
 }
 
-TEST_F(DocumentRecordsTest, EmptyIndexHasNone) { EXPECT_TRUE(IndexedDocuments(engine_).empty()); }
+TEST_F(DocumentRecordsTest, EmptyIndexHasNoDocuments) {
+  EXPECT_TRUE(IndexedDocuments(engine_).empty());
+}
 
-TEST_F(DocumentRecordsTest, MovingLeavesNothingOfTheNewNamesPast) {
+TEST_F(DocumentRecordsTest, MoveReplacesOldSideRecordsOfTheNewName) {
   engine_.AddDocumentWords("a", "cat");
   engine_.DBPutTitle("a", "Title");
   engine_.DBPutTitle("b", "Old title");
@@ -55,7 +57,7 @@ TEST_F(DocumentRecordsTest, MovingLeavesNothingOfTheNewNamesPast) {
   EXPECT_STREQ(engine_.ListDocuments(), "b\n");
 }
 
-TEST_F(DocumentRecordsTest, MovingWhatIsNotThereIsTold) {
+TEST_F(DocumentRecordsTest, MoveOfAnUnknownDocumentIsAnError) {
   EXPECT_THROW(MoveDocument(index_, "a", "b"), CommandError);
 }
 

@@ -52,7 +52,7 @@ class IndexLockTest : public ChangedIndexTest {
   }
 };
 
-TEST_F(IndexLockTest, NoReportedChangeIsLostWhereverTheOtherIsHeldUp) {
+TEST_F(IndexLockTest, NoReportedChangeIsLostWhereverTheOtherIsDelayed) {
   for (const bool first_in_place : {false, true}) {
     for (const bool second_in_place : {false, true}) {
       int nth = 0;
@@ -76,7 +76,7 @@ void WriteAsHost(const std::string& path) {
   _exit(written ? 0 : 1);
 }
 
-TEST_F(IndexLockTest, HostThatIsHeldUpWritesTheIndexThatTookThePlace) {
+TEST_F(IndexLockTest, DelayedHostWritesTheIndexThatReplacedItsOwn) {
   const pid_t host = fork();
   if (host == 0) WriteAsHost(Path("my.index"));
   ASSERT_TRUE(StopBefore(host, [](const Call& call) { return call.number == SYS_flock; }));
@@ -98,7 +98,7 @@ TEST_F(IndexLockTest, ChangesOnACopyKeepChangesInPlaceOut) {
   EXPECT_TRUE(HasTitle("old/a"));
 }
 
-TEST_F(IndexLockTest, ReadersGoOnWhileAChangeIsOnItsWay) {
+TEST_F(IndexLockTest, ReadersAreNotAffectedByATransaction) {
   const TempDir streams;
   const pid_t child = Start(Titling("old/a", false), streams, BeTraced);
   ASSERT_TRUE(StopBefore(child, IsRename));
@@ -107,7 +107,7 @@ TEST_F(IndexLockTest, ReadersGoOnWhileAChangeIsOnItsWay) {
   EXPECT_EQ(Resume(child), 0);
 }
 
-TEST_F(IndexLockTest, OfTwoWhoMakeAnIndexInPlaceOneIsToldToComeAgain) {
+TEST_F(IndexLockTest, SecondOfTwoThatMakeAnIndexInPlaceGetsStatusBusy) {
   const TempDir streams;
   const Arguments making{"index", "made", "new", "--in-place"};
   const pid_t child = Start(making, streams, BeTraced);

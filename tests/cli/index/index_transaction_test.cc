@@ -12,9 +12,9 @@
 namespace kestan_tests {
 namespace {
 
-using IndexChangeTest = ChangedIndexTest;
+using IndexTransactionTest = ChangedIndexTest;
 
-TEST_F(IndexChangeTest, LeavesNothingBesideTheIndex) {
+TEST_F(IndexTransactionTest, LeavesNothingBesideTheIndex) {
   for (const Arguments& change : Changes()) {
     Reset();
     EXPECT_EQ(Run(change).status, 0) << change.front();
@@ -23,7 +23,7 @@ TEST_F(IndexChangeTest, LeavesNothingBesideTheIndex) {
   }
 }
 
-TEST_F(IndexChangeTest, InPlaceMakesTheSameIndexAndSaysWhatItRisks) {
+TEST_F(IndexTransactionTest, InPlaceMakesTheSameIndexAndReportsTheRisk) {
   for (Arguments change : Changes()) {
     Reset();
     ASSERT_EQ(Run(change).status, 0);
@@ -39,7 +39,7 @@ TEST_F(IndexChangeTest, InPlaceMakesTheSameIndexAndSaysWhatItRisks) {
   }
 }
 
-TEST_F(IndexChangeTest, ReadersGoOnWithTheOldIndex) {
+TEST_F(IndexTransactionTest, ReadersKeepTheOldIndex) {
   Database reader;
   ASSERT_EQ(reader.Open(Path("my.index").c_str(), 0), 0);
   ASSERT_EQ(Run({"remove", "my.index", "old/a"}).status, 0);
@@ -48,7 +48,7 @@ TEST_F(IndexChangeTest, ReadersGoOnWithTheOldIndex) {
   EXPECT_EQ(Run({"list", "my.index"}), Success("old/b\n"));
 }
 
-TEST_F(IndexChangeTest, SecondWriterIsToldToComeAgain) {
+TEST_F(IndexTransactionTest, SecondWriterGetsStatusBusy) {
   const TempDir streams;
   const pid_t first = Start({"remove", "my.index", "old/a"}, streams, BeTraced);
   ASSERT_TRUE(StopBefore(first, IsRename));
@@ -63,7 +63,7 @@ TEST_F(IndexChangeTest, SecondWriterIsToldToComeAgain) {
   EXPECT_EQ(Resume(first), 0);
 }
 
-TEST_F(IndexChangeTest, HostThatWritesTheIndexKeepsChangesOut) {
+TEST_F(IndexTransactionTest, HostThatHasTheIndexOpenKeepsTransactionsOut) {
   Database host;
   ASSERT_EQ(host.Open(Path("my.index").c_str(), 1), 0);
   for (const Arguments& change : Changes()) EXPECT_EQ(Run(change).status, 75) << change.front();
@@ -71,7 +71,7 @@ TEST_F(IndexChangeTest, HostThatWritesTheIndexKeepsChangesOut) {
   EXPECT_EQ(RecordsOf("my.index"), RecordsOf("base.index"));
 }
 
-TEST_F(IndexChangeTest, FollowsLinksToTheIndex) {
+TEST_F(IndexTransactionTest, FollowsLinksToTheIndex) {
   std::filesystem::create_symlink("my.index", Path("link"));
   std::filesystem::create_symlink(Path("link"), Path("link to link"));
   ASSERT_EQ(Run({"remove", "link to link", "old/a"}).status, 0);
@@ -80,13 +80,13 @@ TEST_F(IndexChangeTest, FollowsLinksToTheIndex) {
   EXPECT_EQ(Run({"list", "my.index"}), Success("old/b\n"));
 }
 
-TEST_F(IndexChangeTest, MakesANewIndexThroughALink) {
+TEST_F(IndexTransactionTest, MakesANewIndexThroughALink) {
   std::filesystem::create_symlink("made.index", Path("link"));
   ASSERT_EQ(Run({"index", "link", "new"}).status, 0);
   EXPECT_TRUE(std::filesystem::is_regular_file(Path("made.index")));
 }
 
-TEST_F(IndexChangeTest, FolderWithoutLeaveToWriteIsTold) {
+TEST_F(IndexTransactionTest, ReadOnlyDirectoryIsAnError) {
   OpenFolderToAll(0555);
   ASSERT_EQ(chmod(Path("my.index").c_str(), 0666), 0);
   const Outcome outcome = Run({"shrink", "my.index"}, GiveUpPrivileges);
@@ -99,7 +99,7 @@ TEST_F(IndexChangeTest, FolderWithoutLeaveToWriteIsTold) {
 
 // ---- No room ----
 
-// Below this, the limit on the size of files cuts off what the command says, too.
+// With a lower limit on the size of files, the messages of the command are cut off too.
 constexpr std::uintmax_t kRoomForMessages = 4096;
 
 class FullDiskTest : public ChangedIndexTest {

@@ -27,8 +27,8 @@ class IndexRunTest : public kestan_tests::CommandTest {
 
   // Runs once, and returns its report as a line.
   std::string Index(bool all = false, bool prune = false) {
-    IndexChange change(engine_, "my.index", Access::kCreate, IndexChange::Way::kOnCopy);
-    IndexWriter writer(change);
+    IndexTransaction transaction(engine_, "my.index", Access::kCreate, UpdateMode::kOnCopy);
+    IndexWriter writer(transaction);
     Progress progress(ProgressStyle::kNone, 0, 0);
     report_ = {};
     CarryOut(Plan(all), rules_, prune, writer, progress, &report_);

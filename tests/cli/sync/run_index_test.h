@@ -7,8 +7,7 @@
 #include <filesystem>
 #include <string>
 
-#include "cli/app/commands.h"
-#include "cli/commands/index_command.h"
+#include "cli/commands/documents/index_command.h"
 #include "cli/console/message.h"
 #include "tests/cli/command_test.h"
 

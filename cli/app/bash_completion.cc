@@ -1,0 +1,34 @@
+#include "cli/app/bash_completion.h"
+
+#include "cli/app/shell_words.h"
+
+namespace kestan_cli {
+namespace {
+
+std::string NamesOf(const std::vector<CommandGroup>& groups) {
+  std::string names;
+  for (const CommandGroup& group : groups) names += group.name + " ";
+  return names + "--help --version";
+}
+
+}  // namespace
+
+std::string BashCompletion(const std::vector<Command>& commands) {
+  const std::vector<CommandGroup> groups = GroupsOf(commands);
+  return WordFunctions(groups) +
+         "_kestan() {\n"
+         "  local now=${COMP_WORDS[COMP_CWORD]} words values\n"
+         "  values=$(_kestan_values \"${COMP_WORDS[1]}\" \"${COMP_WORDS[COMP_CWORD-1]}\")\n"
+         "  words=$(_kestan_words \"${COMP_WORDS[1]}\" \"${COMP_WORDS[2]}\")\n"
+         "  [ \"$COMP_CWORD\" -gt 1 ] || words='" +
+         NamesOf(groups) +
+         "'\n"
+         "  if [ \"$COMP_CWORD\" -gt 2 ] || [ \"${words#--}\" != \"$words\" ]; then\n"
+         "    [ \"${now#-}\" != \"$now\" ] || words=$values\n"
+         "  fi\n"
+         "  mapfile -t COMPREPLY < <(compgen -W \"$words\" -- \"$now\")\n"
+         "}\n"
+         "complete -o default -F _kestan kestan\n";
+}
+
+}  // namespace kestan_cli

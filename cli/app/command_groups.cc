@@ -1,0 +1,42 @@
+#include "cli/app/command_groups.h"
+
+#include "cli/console/message.h"
+
+namespace kestan_cli {
+namespace {
+
+std::string FirstWord(const std::string& name) { return name.substr(0, name.find(' ')); }
+
+std::string SecondWord(const std::string& name) {
+  const std::size_t blank = name.find(' ');
+  return blank == std::string::npos ? "" : name.substr(blank + 1);
+}
+
+}  // namespace
+
+std::vector<CommandGroup> GroupsOf(const std::vector<Command>& commands) {
+  std::vector<CommandGroup> groups;
+  for (const Command& command : commands) {
+    if (command.hidden) continue;
+    const std::string name = FirstWord(command.name);
+    if (groups.empty() || groups.back().name != name) groups.push_back({name, {}});
+    groups.back().commands.push_back(&command);
+  }
+  return groups;
+}
+
+bool HasSecondWords(const CommandGroup& group) {
+  return !SecondWord(group.commands.front()->name).empty();
+}
+
+std::string SecondWords(const CommandGroup& group) {
+  std::vector<std::string> words;
+  for (const Command* command : group.commands) words.push_back(SecondWord(command->name));
+  return Joined(words, " ");
+}
+
+std::string PurposeOf(const CommandGroup& group) {
+  return HasSecondWords(group) ? PurposeOfGroup(group.name) : group.commands.front()->purpose;
+}
+
+}  // namespace kestan_cli

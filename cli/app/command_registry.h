@@ -1,0 +1,50 @@
+// All commands. Each is declared here and defined in a file of its own in cli/commands/.
+#ifndef KESTAN_CLI_APP_COMMAND_REGISTRY_H_
+#define KESTAN_CLI_APP_COMMAND_REGISTRY_H_
+
+#include <vector>
+
+#include "cli/app/command.h"
+
+namespace kestan_cli {
+
+struct SideRecord;
+
+// Returns all commands, in the order in which help lists them. Each throws CommandError if anything
+// goes wrong; a command that changes an index has then not changed it.
+const std::vector<Command>& AllCommands();
+
+// cli/commands/documents/
+Command IndexCommand();
+Command ListCommand();
+Command RemoveCommand();
+Command MoveCommand();
+Command GetSideRecordCommand(const SideRecord& record);
+Command SetSideRecordCommand(const SideRecord& record);
+Command DeleteSideRecordCommand(const SideRecord& record);
+Command ExportCommand();
+
+// cli/commands/search/
+Command SearchCommand();
+
+// cli/commands/words/
+Command WordsCommand();
+Command GetWordListCommand();
+Command PutWordListCommand();
+
+// cli/commands/upkeep/
+Command StatsCommand();
+Command GetOptionCommand();
+Command SetOptionCommand();
+Command ClearOptionCommand();
+Command ShrinkCommand();
+Command CopyCommand();
+std::vector<Command> MaintenanceCommands();  // check, repair, dump, load
+
+// cli/commands/help/
+Command CompletionCommand();
+Command ManualCommand();
+
+}  // namespace kestan_cli
+
+#endif  // KESTAN_CLI_APP_COMMAND_REGISTRY_H_

@@ -1,0 +1,38 @@
+#include <string>
+
+#include "cli/app/bash_completion.h"
+#include "cli/app/command_registry.h"
+#include "cli/app/fish_completion.h"
+#include "cli/app/zsh_completion.h"
+#include "cli/console/message.h"
+#include "cli/console/output.h"
+
+namespace kestan_cli {
+namespace {
+
+std::string CompletionFor(const std::string& shell) {
+  if (shell == "bash") return BashCompletion(AllCommands());
+  if (shell == "zsh") return ZshCompletion(AllCommands());
+  if (shell == "fish") return FishCompletion(AllCommands());
+  throw CommandError("no completion for the shell " + Quoted(shell) +
+                     "; there are bash, zsh and fish");
+}
+
+int RunCompletion(Kestan&, const Values& values) {
+  Print(CompletionFor(values.Text("SHELL")));
+  return kDone;
+}
+
+}  // namespace
+
+Command CompletionCommand() {
+  return {"completion",
+          "Print what a shell needs to complete this command's arguments.",
+          {{"SHELL", "bash, zsh or fish"}},
+          {},
+          "",
+          {"kestan completion bash > ~/.local/share/bash-completion/completions/kestan"},
+          RunCompletion};
+}
+
+}  // namespace kestan_cli

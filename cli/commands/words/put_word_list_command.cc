@@ -1,0 +1,70 @@
+#include <algorithm>
+#include <cstddef>
+#include <cstdio>
+#include <sstream>
+#include <string>
+
+#include "cli/app/command_registry.h"
+#include "cli/console/input.h"
+#include "cli/console/message.h"
+#include "cli/index/index_transaction.h"
+
+namespace kestan_cli {
+namespace {
+
+constexpr std::size_t kMaxListedBytes = 127;
+constexpr std::size_t kMaxInputBytes = std::size_t{1} << 26;  // millions of words
+
+// Excludes NUL, which would end the list for the engine.
+bool IsAscii(char byte) { return static_cast<signed char>(byte) > 0; }
+
+std::string WordsOf(const Values& values) {
+  if (!values.Has("WORD")) return ReadInput(stdin, kMaxInputBytes);
+  std::string words;
+  for (const std::string& word : values.All("WORD")) words += word + "\n";
+  return words;
+}
+
+// The engine would cut a long word, and would change bytes above 127.
+void CheckWords(const std::string& words) {
+  std::istringstream rest(words);
+  for (std::string word; rest >> word;) {
+    if (word.size() > kMaxListedBytes) {
+      throw CommandError("the word " + Quoted(word) + " has " + std::to_string(word.size()) +
+                         " bytes; a list keeps words of at most " +
+                         std::to_string(kMaxListedBytes));
+    }
+    if (!std::all_of(word.begin(), word.end(), IsAscii)) {
+      throw CommandError("the word " + Quoted(word) + " is not in ASCII; a list keeps no others");
+    }
+  }
+}
+
+int RunPutWordList(Kestan& engine, const Values& values) {
+  const std::string index = values.Text("INDEX");
+  const std::string words = WordsOf(values);
+  CheckWords(words);
+  IndexTransaction transaction(engine, index, Access::kWrite,
+                               UpdateModeOf(values.Has("--in-place")));
+  OpenedIndex& opened = transaction.Begin();
+  opened.CheckWritten(engine.DBPutWords(values.Text("LIST").c_str(), words.c_str()));
+  transaction.Commit();
+  return kDone;
+}
+
+}  // namespace
+
+Command PutWordListCommand() {
+  return {"wordlist put",
+          "Keep a list of words in the index, in place of an earlier one.",
+          {IndexArgument(),
+           {"LIST", "the name of the list"},
+           {"WORD", "the words; without any, they are read from the standard input",
+            Positional::Count::kAny}},
+          {InPlaceOption()},
+          "A word is at most 127 bytes long, and of ASCII. White space separates words.",
+          {"kestan wordlist put my.index colours red green blue"},
+          RunPutWordList};
+}
+
+}  // namespace kestan_cli

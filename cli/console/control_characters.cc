@@ -1,0 +1,61 @@
+#include "cli/console/control_characters.h"
+
+#include "search/text/utf8.h"
+
+namespace kestan_cli {
+namespace {
+
+using kestan::search::CharacterBytes;
+
+unsigned ByteAt(std::string_view text, std::size_t at) {
+  return static_cast<unsigned char>(text[at]);
+}
+
+// Decodes a character of at most three bytes, as every control character is.
+unsigned CodeOf(std::string_view character) {
+  const unsigned lead = ByteAt(character, 0);
+  if (character.size() == 1) return lead;
+  if (character.size() == 2) return (lead & 0x1f) << 6 | (ByteAt(character, 1) & 0x3f);
+  return (lead & 0x0f) << 12 | (ByteAt(character, 1) & 0x3f) << 6 | (ByteAt(character, 2) & 0x3f);
+}
+
+bool IsControl(unsigned code) {
+  return code < 0x20 || (code >= 0x7f && code <= 0x9f) || (code >= 0x202a && code <= 0x202e) ||
+         (code >= 0x2066 && code <= 0x2069);
+}
+
+std::string AsJson(std::string_view control) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  const unsigned code = CodeOf(control);
+  std::string escaped = "\\u";
+  for (const unsigned shift : {12U, 8U, 4U, 0U}) escaped += kDigits[code >> shift & 15];
+  return escaped;
+}
+
+}  // namespace
+
+Character FirstCharacter(std::string_view text) {
+  const std::size_t bytes = CharacterBytes(text);
+  if (bytes == 0) return {1, true};
+  return {bytes, bytes <= 3 && IsControl(CodeOf(text.substr(0, bytes)))};
+}
+
+std::string EscapeControls(std::string_view text,
+                           const std::function<std::string(std::string_view)>& escape) {
+  std::string escaped;
+  while (!text.empty()) {
+    const Character first = FirstCharacter(text);
+    const std::string_view bytes = text.substr(0, first.bytes);
+    if (first.is_control) {
+      escaped += escape(bytes);
+    } else {
+      escaped += bytes;
+    }
+    text.remove_prefix(first.bytes);
+  }
+  return escaped;
+}
+
+std::string EscapeControlsInJson(std::string_view json) { return EscapeControls(json, AsJson); }
+
+}  // namespace kestan_cli

@@ -1,0 +1,34 @@
+// The errors of index files, as messages to the user.
+#ifndef KESTAN_CLI_INDEX_INDEX_ERRORS_H_
+#define KESTAN_CLI_INDEX_INDEX_ERRORS_H_
+
+#include <string>
+
+#include "cli/console/message.h"
+
+namespace kestan_cli {
+
+inline constexpr const char* kSeeRepair = "kestan repair saves what it still holds";
+inline constexpr const char* kIfItWasOne = "; if it was one, see kestan repair";
+
+// Each returns the error to throw for the index that is called `path` in messages.
+
+CommandError CannotOpen(const std::string& path, const std::string& reason, int status = kFailed);
+CommandError CannotChange(const std::string& path, const std::string& reason, int status = kFailed);
+
+// Another process `holds_it`: "is changing it" or "has it open".
+CommandError Locked(const std::string& path, const std::string& holds_it);
+
+// The store refused to open the file with `error`; errno was `system_error` right after.
+CommandError StoreNotOpened(const std::string& path, int error, int system_error);
+
+// The store could not read a record, with `error`.
+CommandError CannotRead(const std::string& path, int error);
+
+// The store could not write a record, with `error`. The index itself is unharmed if the store works
+// `on_copy`.
+CommandError CannotWrite(const std::string& path, int error, bool on_copy);
+
+}  // namespace kestan_cli
+
+#endif  // KESTAN_CLI_INDEX_INDEX_ERRORS_H_

@@ -1,0 +1,42 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/cli/app/completion_test.h"
+
+namespace kestan_tests {
+namespace {
+
+class BashCompletionTest : public CompletionTest {
+ protected:
+  // Has bash complete the last of `count` words, and returns what it offers.
+  std::string Offers(const std::string& words, int count) {
+    WriteCompletion("bash");
+    Write("try", ". ./completion; COMP_WORDS=(" + words + "); COMP_CWORD=" +
+                     std::to_string(count - 1) + "; _kestan; echo \"${COMPREPLY[@]}\"");
+    return Shell("bash try");
+  }
+};
+
+TEST_F(BashCompletionTest, OffersCommands) {
+  EXPECT_EQ(Offers("kestan se", 2), "search\n");
+  EXPECT_EQ(Offers("kestan ''", 2).substr(0, 12), "index search");
+}
+
+TEST_F(BashCompletionTest, OffersCommandsOfAGroup) {
+  EXPECT_EQ(Offers("kestan title ''", 3), "get set delete\n");
+}
+
+TEST_F(BashCompletionTest, OffersOptionsOnlyAfterADash) {
+  EXPECT_EQ(Offers("kestan shrink --dr", 3), "--dry-run\n");
+  EXPECT_EQ(Offers("kestan option set my.index --in", 5), "--in-place\n");
+  EXPECT_EQ(Offers("kestan shrink ''", 3), "\n");
+}
+
+TEST_F(BashCompletionTest, OffersTheValuesOfAnOption) {
+  EXPECT_EQ(Offers("kestan search --order ''", 4), "best score name code\n");
+  EXPECT_EQ(Offers("kestan search --color a", 4), "auto always\n");
+}
+
+}  // namespace
+}  // namespace kestan_tests

@@ -1,0 +1,56 @@
+#include "cli/app/command_registry.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+#include <string>
+
+#include "cli/app/command_groups.h"
+
+namespace kestan_cli {
+namespace {
+
+TEST(CommandRegistryTest, NamesAreUniqueAndCommandsOfAGroupAreNeighbours) {
+  std::set<std::string> names;
+  for (const Command& command : AllCommands()) {
+    EXPECT_TRUE(names.insert(command.name).second) << command.name;
+    EXPECT_TRUE(static_cast<bool>(command.run)) << command.name;
+  }
+  std::set<std::string> groups;
+  for (const CommandGroup& group : GroupsOf(AllCommands())) {
+    EXPECT_TRUE(groups.insert(group.name).second) << group.name;
+    EXPECT_NE(PurposeOf(group), "") << group.name;
+  }
+}
+
+TEST(CommandRegistryTest, CommonOptionsHaveTheSameLettersInAllCommands) {
+  const std::map<std::string, std::string> names{{"--json", "--json"},
+                                                 {"--quiet", "-q,--quiet"},
+                                                 {"--null", "-0,--null"},
+                                                 {"--in-place", "--in-place"}};
+  for (const Command& command : AllCommands()) {
+    for (const Option& option : command.options) {
+      const auto known = names.find(LongName(option));
+      if (known == names.end()) continue;
+      EXPECT_EQ(option.names, known->second) << command.name;
+    }
+  }
+}
+
+TEST(CommandRegistryTest, EveryCommandThatChangesAnIndexCanDoSoInPlace) {
+  for (const char* name : {"index", "remove", "move", "title set", "user delete", "wordlist put",
+                           "option set", "option clear", "shrink"}) {
+    bool has_option = false;
+    for (const Command& command : AllCommands()) {
+      if (command.name != name) continue;
+      for (const Option& option : command.options) {
+        has_option = has_option || option.names == InPlaceOption().names;
+      }
+    }
+    EXPECT_TRUE(has_option) << name;
+  }
+}
+
+}  // namespace
+}  // namespace kestan_cli

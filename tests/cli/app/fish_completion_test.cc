@@ -1,0 +1,22 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/cli/app/completion_test.h"
+
+namespace kestan_tests {
+namespace {
+
+using FishCompletionTest = CompletionTest;
+
+TEST_F(FishCompletionTest, OffersWhatMayFollow) {
+  if (!IsInstalled("fish")) GTEST_SKIP() << "there is no fish";
+  WriteCompletion("fish");
+  Write("try",
+        "source completion; for line in 'kestan se' 'kestan title ' 'kestan title get --j'"
+        " 'kestan search --order b'\ncomplete -C $line | string split -f 1 \\t\nend");
+  EXPECT_EQ(Shell("HOME=. fish --no-config try 2>&1"), "search\ndelete\nget\nset\n--json\nbest\n");
+}
+
+}  // namespace
+}  // namespace kestan_tests

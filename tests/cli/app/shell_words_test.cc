@@ -1,0 +1,35 @@
+#include "cli/app/shell_words.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace kestan_cli {
+namespace {
+
+TEST(ShellWordsTest, QuotesInsideQuotesAreEscaped) {
+  EXPECT_EQ(ShellQuoted("it's"), "'it'\\''s'");
+  EXPECT_EQ(ShellQuoted("$HOME `x` \\"), "'$HOME `x` \\'");
+}
+
+TEST(ShellWordsTest, FunctionsHaveACaseForEachCommandAndEachChoice) {
+  const std::vector<Command> commands{
+      {"find", "", {}, {{"-o,--order", "ORDER", "", {"best", "name"}}}, "", {}, nullptr},
+      {"title get", "", {}, {{"--json", "", ""}}, "", {}, nullptr}};
+  EXPECT_EQ(WordFunctions(GroupsOf(commands)),
+            "_kestan_words() {\n"
+            "  case \"$1 $2\" in\n"
+            "    find\\ *) echo \"--help -o --order\" ;;\n"
+            "    \"title get\") echo \"--help --json\" ;;\n"
+            "    title\\ *) echo \"get\" ;;\n"
+            "  esac\n"
+            "}\n"
+            "_kestan_values() {\n"
+            "  case \"$1 $2\" in\n"
+            "    find\\ --order) echo \"best name\" ;;\n"
+            "  esac\n"
+            "}\n");
+}
+
+}  // namespace
+}  // namespace kestan_cli

@@ -1,0 +1,22 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/cli/app/completion_test.h"
+
+namespace kestan_tests {
+namespace {
+
+using ZshCompletionTest = CompletionTest;
+
+TEST_F(ZshCompletionTest, ZshRunsItsFunctions) {
+  if (!IsInstalled("zsh")) GTEST_SKIP() << "there is no zsh";
+  WriteCompletion("zsh");
+  Write("try",
+        "compdef() { echo $*; }; . ./completion\n_kestan_words title ''\n"
+        "_kestan_values search --order");
+  EXPECT_EQ(Shell("zsh -f try 2>&1"), "_kestan kestan\nget set delete\nbest score name code\n");
+}
+
+}  // namespace
+}  // namespace kestan_tests

@@ -1,0 +1,206 @@
+// What a search shows, and in which form.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "tests/cli/command_test.h"
+
+namespace kestan_tests {
+namespace {
+
+using Json = nlohmann::json;
+
+class SearchOutputTest : public CommandTest {
+ protected:
+  void SetUp() override {
+    Add("b", "Cats and more\nThe cat sat.\n");
+    Add("a", "A cat and a cat\nand a dog.\n");
+    Add("c", "Fish\n");
+  }
+
+  Outcome Search(
+      std::vector<std::string> arguments, const InChild& prepare = [] {}) {
+    arguments.insert(arguments.begin(), {"search", "my.index"});
+    return Run(arguments, prepare);
+  }
+
+  Json SearchJson(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "--json");
+    return Json::parse(Search(arguments).out);
+  }
+};
+
+const std::string kPlain = "100 a\n50 b\n";
+
+TEST_F(SearchOutputTest, LimitShowsTheFirst) {
+  EXPECT_EQ(Search({"--limit", "1", "cat"}), Success("100 a\n"));
+  EXPECT_EQ(Search({"--limit", "2", "cat"}), Success(kPlain));
+  EXPECT_EQ(Search({"--limit", "99", "cat"}), Success(kPlain));
+}
+
+TEST_F(SearchOutputTest, LimitOfZeroShowsNoHits) {
+  EXPECT_EQ(Search({"--limit", "0", "cat"}), Success(""));
+}
+
+TEST_F(SearchOutputTest, CountInJsonShowsNoDocuments) {
+  const Json report = SearchJson({"--count", "--limit", "1", "cat"});
+  EXPECT_EQ(report["total"], 2);
+  EXPECT_EQ(report["hits"], Json::array());
+}
+
+TEST_F(SearchOutputTest, OrdersAreByNameCodeOrScore) {
+  EXPECT_EQ(Search({"--order", "name", "cat OR fish"}), Success("100 a\n50 b\n50 c\n"));
+  EXPECT_EQ(Search({"--order", "code", "cat OR fish"}), Success("50 b\n100 a\n50 c\n"));
+  EXPECT_EQ(Search({"--order", "score", "cat OR fish"}), Success("100 a\n50 b\n50 c\n"));
+  EXPECT_EQ(Search({"--any", "-l", "--order", "code", "cat fish"}), Success("b\na\nc\n"));
+}
+
+TEST_F(SearchOutputTest, NamesAloneEndWithALineFeedOrANul) {
+  EXPECT_EQ(Search({"-l", "cat"}), Success("a\nb\n"));
+  EXPECT_EQ(Search({"-0", "cat"}), Success(std::string("a\0b\0", 4)));
+  EXPECT_EQ(Search({"-l", "-0", "cat"}), Success(std::string("a\0b\0", 4)));
+}
+
+TEST_F(SearchOutputTest, CountIsOfAllHits) {
+  EXPECT_EQ(Search({"--count", "cat"}), Success("2\n"));
+  EXPECT_EQ(Search({"--count", "--limit", "1", "cat"}), Success("2\n"));
+  EXPECT_EQ(Search({"--count", "cow"}), (Outcome{1, "0\n", ""}));
+  EXPECT_EQ(Search({"--count", "42"}).out, "0\n");
+}
+
+TEST_F(SearchOutputTest, SnippetsShowTheFileThatWasIndexed) {
+  EXPECT_EQ(Search({"--snippets", "cat dog"}),
+            Success("100 a\n    A cat and a cat\n    A [cat] and a [cat] and a [dog].\n"));
+}
+
+TEST_F(SearchOutputTest, ChangedFilesAndFilesWithoutARecordHaveNoSnippet) {
+  Write("a", "another cat\n");
+  ASSERT_EQ(Run({"user", "delete", "my.index", "b"}).status, 0);
+  EXPECT_EQ(Search({"--snippets", "cat"}),
+            Success("100 a\n    A cat and a cat\n50 b\n    Cats and more\n"));
+}
+
+TEST_F(SearchOutputTest, OnlyTerminalsGetColoursUnlessAskedFor) {
+  EXPECT_EQ(Search({"--color", "always", "--snippets", "dog"}).out,
+            "\x1b[2m100\x1b[0m \x1b[36ma\x1b[0m\n    A cat and a cat\n"
+            "    A cat and a cat and a \x1b[1;31mdog\x1b[0m.\n");
+  EXPECT_EQ(Search({"--color", "always", "cat"}), Success(kPlain));
+  EXPECT_EQ(Search({"--color", "auto", "--snippets", "dog"}).out.find('\x1b'), std::string::npos);
+}
+
+// A terminal on which the command prints.
+class TerminalTest : public SearchOutputTest {
+ protected:
+  void SetUp() override {
+    SearchOutputTest::SetUp();
+    master_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    ASSERT_TRUE(master_ >= 0 && grantpt(master_) == 0 && unlockpt(master_) == 0);
+  }
+  void TearDown() override { close(master_); }
+
+  std::string Shown(const std::vector<std::string>& arguments, const char* no_color = "") {
+    const std::string slave = ptsname(master_);
+    const int held = open(slave.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    Search(arguments, [&] {
+      setenv("TERM", "xterm", 1);
+      setenv("NO_COLOR", no_color, 1);
+      dup2(open(slave.c_str(), O_RDWR | O_NOCTTY), STDOUT_FILENO);
+    });
+    std::string text(4096, '\0');
+    const ssize_t bytes = read(master_, text.data(), text.size());
+    close(held);
+    text.resize(bytes > 0 ? static_cast<std::size_t>(bytes) : 0);
+    return text;
+  }
+
+ private:
+  int master_ = -1;
+};
+
+TEST_F(TerminalTest, TerminalsGetTitlesAndColour) {
+  EXPECT_EQ(Shown({"dog"}),
+            "\x1b[2m100\x1b[0m \x1b[36ma\x1b[0m\r\n    A cat and a cat\r\n"
+            "    A cat and a cat and a \x1b[1;31mdog\x1b[0m.\r\n");
+}
+
+TEST_F(TerminalTest, NoColorIsHonoured) {
+  const std::string plain = "100 a\r\n    A cat and a cat\r\n    A cat and a cat and a [dog].\r\n";
+  EXPECT_EQ(Shown({"dog"}, "1"), plain);
+  EXPECT_EQ(Shown({"--color", "never", "dog"}), plain);
+}
+
+TEST_F(SearchOutputTest, ExplanationGoesToTheErrorStream) {
+  const Outcome outcome = Search({"--explain", "cat -fish"});
+  EXPECT_EQ(outcome.out, kPlain);
+  EXPECT_EQ(outcome.err.find("AND: 2 documents, "), 0u) << outcome;
+  EXPECT_NE(outcome.err.find("\n  cat: 2 documents, "), std::string::npos);
+  EXPECT_NE(outcome.err.find("\n    fish: 1 document, "), std::string::npos);
+}
+
+TEST_F(SearchOutputTest, CutExpansionsAreNoted) {
+  std::string text;
+  for (char first = 'a'; first <= 'z'; ++first) {
+    for (const char* rest : {"a", "b", "c", "d"}) text += std::string("q") + first + rest + " ";
+  }
+  Add("many", text);
+  EXPECT_EQ(
+      Search({"q*"}),
+      (Outcome{0, "100 many\n", "note: q* stands for only the 100 most frequent of 104 words\n"}));
+}
+
+TEST_F(SearchOutputTest, SuggestionsAreForMissingWords) {
+  EXPECT_EQ(Search({"fsih"}), (Outcome{1, "", "did you mean: fish\n"}));
+  EXPECT_EQ(Search({"fsih OR cat"}), Success(kPlain));
+  EXPECT_EQ(Search({"cat fish"}), (Outcome{1, "", ""}));
+}
+
+TEST_F(SearchOutputTest, JsonHasHitsAndTotal) {
+  const Json json = SearchJson({"--limit", "1", "cat"});
+  EXPECT_EQ(json["schema"], 1);
+  EXPECT_EQ(json["query"], "cat");
+  EXPECT_EQ(json["total"], 2);
+  EXPECT_EQ(json["hits"],
+            Json::parse(R"([{"percent": 100, "name": "a", "title": "A cat and a cat"}])"));
+  EXPECT_FALSE(json.contains("explanation"));
+}
+
+TEST_F(SearchOutputTest, JsonHasSnippetsWhenAsked) {
+  const Json hit = SearchJson({"--snippets", "dog"})["hits"][0];
+  EXPECT_EQ(hit["snippet"][1], Json::parse(R"({"text": "dog", "match": true})"));
+  EXPECT_FALSE(SearchJson({"dog"})["hits"][0].contains("snippet"));
+}
+
+TEST_F(SearchOutputTest, JsonHasTheExplanationWhenAsked) {
+  const Outcome outcome = Search({"--json", "--explain", "cat"});
+  EXPECT_EQ(outcome.err, "");
+  EXPECT_EQ(Json::parse(outcome.out)["explanation"]["part"], "cat");
+}
+
+TEST_F(SearchOutputTest, JsonWithoutHitsHasSuggestions) {
+  const Outcome outcome = Search({"--json", "fsih"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, "");
+  EXPECT_EQ(Json::parse(outcome.out)["suggestions"], Json::parse(R"(["fish"])"));
+  EXPECT_EQ(SearchJson({"42"})["total"], 0);
+}
+
+TEST_F(SearchOutputTest, ClosedPipeEndsTheSearchQuietly) {
+  const auto broken = [] {
+    int ends[2];
+    if (pipe(ends) != 0) _exit(127);
+    dup2(ends[1], STDOUT_FILENO);
+    close(ends[0]);
+    close(ends[1]);
+  };
+  EXPECT_EQ(Search({"--snippets", "cat"}, broken), (Outcome{2, "", ""}));
+  EXPECT_EQ(Search({"--json", "cat"}, broken), (Outcome{2, "", ""}));
+}
+
+}  // namespace
+}  // namespace kestan_tests

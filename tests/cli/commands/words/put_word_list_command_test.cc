@@ -1,0 +1,58 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/cli/command_test.h"
+
+namespace kestan_tests {
+namespace {
+
+class PutWordListCommandTest : public CommandTest {
+ protected:
+  void SetUp() override { Add("a", "The title\nthe summary\n"); }
+};
+
+TEST_F(PutWordListCommandTest, WordsKeepTheirOrder) {
+  EXPECT_EQ(Run({"wordlist", "put", "my.index", "colours", "red", "reddish", "blue"}), Success(""));
+  EXPECT_EQ(Run({"wordlist", "get", "my.index", "colours"}), Success("red\nreddish\nblue\n"));
+  EXPECT_EQ(Run({"wordlist", "get", "my.index", "shapes"}),
+            Failure("no word list 'shapes' in index 'my.index'"));
+}
+
+TEST_F(PutWordListCommandTest, WordsThatAListCannotKeepAreErrors) {
+  const std::string longest(127, 'x');
+  EXPECT_EQ(Run({"wordlist", "put", "my.index", "names", longest}), Success(""));
+  const std::string before = IndexBytes();
+  EXPECT_EQ(
+      Run({"wordlist", "put", "my.index", "names", "a", longest + "y"}),
+      Failure("the word '" + longest + "y' has 128 bytes; a list keeps words of at most 127"));
+  EXPECT_EQ(Run({"wordlist", "put", "my.index", "names", "a", "caf\xc3\xa9"}),
+            Failure("the word 'caf\xc3\xa9' is not in ASCII; a list keeps no others"));
+  EXPECT_EQ(IndexBytes(), before);
+  EXPECT_EQ(Run({"wordlist", "get", "my.index", "names"}), Success(longest + "\n"));
+}
+
+TEST_F(PutWordListCommandTest, WordsAreReadFromTheStandardInput) {
+  Write("words", "round\nsquare  flat\n");
+  const auto from_file = [this] {
+    dup2(open(Path("words").c_str(), O_RDONLY | O_CLOEXEC), STDIN_FILENO);
+  };
+  EXPECT_EQ(Run({"wordlist", "put", "my.index", "shapes"}, from_file), Success(""));
+  EXPECT_EQ(Run({"wordlist", "get", "my.index", "shapes"}), Success("round\nsquare\nflat\n"));
+}
+
+TEST_F(PutWordListCommandTest, ListThatCannotBeReadIsNotKept) {
+  const auto from_folder = [] { dup2(open(".", O_RDONLY | O_CLOEXEC), STDIN_FILENO); };
+  EXPECT_EQ(Run({"wordlist", "put", "my.index", "shapes"}, from_folder),
+            Failure("cannot read the standard input: is a folder"));
+  EXPECT_EQ(Run({"wordlist", "get", "my.index", "shapes"}).status, 2);
+}
+
+TEST_F(PutWordListCommandTest, JsonHasTheWords) {
+  ASSERT_EQ(Run({"wordlist", "put", "my.index", "l", "red", "blue"}).status, 0);
+  EXPECT_EQ(Run({"wordlist", "get", "my.index", "l", "--json"}),
+            Success("{\"schema\":1,\"list\":\"l\",\"words\":[\"red\",\"blue\"]}\n"));
+}
+
+}  // namespace
+}  // namespace kestan_tests

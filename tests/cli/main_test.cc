@@ -1,0 +1,172 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <string>
+#include <vector>
+
+#include "tests/cli/command_test.h"
+
+namespace kestan_tests {
+namespace {
+
+using MainTest = CommandTest;
+
+TEST_F(MainTest, VersionIsPrinted) {
+  const Outcome outcome = Run({"--version"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out.substr(0, 7), "kestan ");
+  EXPECT_EQ(outcome.err, "");
+}
+
+TEST_F(MainTest, HelpNamesEveryCommand) {
+  const Outcome outcome = Run({"--help"});
+  EXPECT_EQ(outcome.status, 0);
+  for (const char* name : {"index", "search", "list", "words", "stats", "remove", "move", "shrink",
+                           "copy", "check", "dump", "export"}) {
+    EXPECT_NE(outcome.out.find(std::string("\n  ") + name + " "), std::string::npos) << name;
+  }
+}
+
+TEST_F(MainTest, HelpOfEveryCommandHasAnExample) {
+  for (const char* name : {"index", "search", "list", "words", "stats", "remove", "move", "shrink",
+                           "copy", "check", "dump", "export"}) {
+    const Outcome outcome = Run({name, "--help"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_NE(outcome.out.find(std::string("\nExample: kestan ") + name + " my.index"),
+              std::string::npos)
+        << outcome;
+  }
+}
+
+TEST_F(MainTest, WrongArgumentsAreReportedOnOneLine) {
+  const std::vector<std::vector<std::string>> wrong = {{},
+                                                       {"sing"},
+                                                       {"search"},
+                                                       {"search", "my.index"},
+                                                       {"list"},
+                                                       {"list", "a", "b"},
+                                                       {"index", "a"},
+                                                       {"list", "--loud", "a"},
+                                                       {"remove", "a"},
+                                                       {"--\n"}};
+  for (const auto& arguments : wrong) {
+    const Outcome outcome = Run(arguments);
+    EXPECT_EQ(outcome.status, 2) << outcome;
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err.substr(0, 8), "kestan: ");
+    EXPECT_EQ(outcome.err.find('\n'), outcome.err.size() - 1) << outcome;
+  }
+}
+
+TEST_F(MainTest, WrongArgumentsAreReportedWithTheHelpToRead) {
+  const std::string search = " (see kestan search --help)";
+  EXPECT_EQ(Run({}), Failure("no command (see kestan --help)"));
+  EXPECT_EQ(Run({"sing"}), Failure("no command 'sing' (see kestan --help)"));
+  EXPECT_EQ(Run({"title", "sing"}), Failure("no command 'sing' (see kestan title --help)"));
+  EXPECT_EQ(Run({"title", "get", "a"}), Failure("NAME is required (see kestan title get --help)"));
+  EXPECT_EQ(Run({"search", "--limit"}), Failure("--limit needs a value" + search));
+  EXPECT_EQ(Run({"search", "a", "b", "--json=no"}), Failure("--json takes no value" + search));
+  EXPECT_EQ(Run({"list", "a", "b"}),
+            Failure("one argument too many: 'b' (see kestan list --help)"));
+  EXPECT_EQ(Run({"title", "get", "--", "a"}),
+            Failure("NAME is required (see kestan title get --help)"));
+  EXPECT_EQ(Run({"search", "a", "b", "--order", "x\n"}),
+            Failure("--order takes one of best, score, name, code, not 'x\\n'"));
+}
+
+TEST_F(MainTest, UnknownOptionIsReportedBeforeMissingArguments) {
+  const std::string hint = "; put -- before what only looks like one (see kestan ";
+  EXPECT_EQ(Run({"search", "a", "--loud"}),
+            Failure("no option '--loud'" + hint + "search --help)"));
+  EXPECT_EQ(Run({"title", "set", "a", "b", "-dash"}),
+            Failure("no option '-dash'" + hint + "title set --help)"));
+}
+
+TEST_F(MainTest, SwitchesOfOneLetterMayShareADash) {
+  Add("a", "cat\n");
+  EXPECT_EQ(Run({"search", "my.index", "-l0", "cat"}), Success(std::string("a\0", 2)));
+  EXPECT_EQ(Run({"search", "my.index", "cat", "-h"}).out.substr(0, 5), "Find ");
+}
+
+TEST_F(MainTest, WhyPrintsReasonsIfNothingCouldBeIndexed) {
+  Write("d/a", std::string("a\0b", 3));
+  const std::string told = "kestan: nothing to index: no text files, 1 binary file, 0 links\n";
+  EXPECT_EQ(Run({"index", "my.index", "d", "--why"}),
+            (Outcome{2, "skipped 'd/a': binary file\n", told}));
+  const Outcome json = Run({"index", "my.index", "d", "--json"});
+  EXPECT_EQ(json.status, 2);
+  EXPECT_EQ(json.err, told);
+  EXPECT_EQ(json.out.substr(0, 11), "{\"schema\":1");
+}
+
+TEST_F(MainTest, TwoDashesEndTheOptions) {
+  Write("-a", "cat\n");
+  EXPECT_EQ(Run({"index", "my.index", "-a"}).status, 2);
+  EXPECT_EQ(Run({"index", "my.index", "--", "-a"}).status, 0);
+  EXPECT_EQ(Run({"list", "my.index"}), Success("-a\n"));
+}
+
+TEST_F(MainTest, WordsOfAQueryMayBeginWithADash) {
+  Add("a", "cat dog\n");
+  Add("b", "cat\n");
+  EXPECT_EQ(Run({"search", "my.index", "cat", "-dog"}), Success("100 b\n"));
+  EXPECT_EQ(Run({"search", "my.index", "cat", "-(dog OR cow)", "-l"}), Success("b\n"));
+  EXPECT_EQ(Run({"search", "my.index", "-hello"}).status, 0);
+  EXPECT_EQ(Run({"search", "my.index", "--hello"}).status, 2);
+  EXPECT_EQ(Run({"list", "my.index", "-hello"}).status, 0);  // -h, and the help
+}
+
+TEST_F(MainTest, HelpNamesTheValuesOfAnOption) {
+  const std::string help = Run({"search", "--help"}).out;
+  EXPECT_NE(help.find("best, score, name, code"), std::string::npos) << help;
+}
+
+TEST_F(MainTest, FullDiskOfTheOutputIsReported) {
+  Add("a", "cat\n");
+  const auto full = [] { dup2(open("/dev/full", O_WRONLY | O_CLOEXEC), STDOUT_FILENO); };
+  const Outcome told = Failure("cannot write to the standard output: no space left on device");
+  EXPECT_EQ(Run({"search", "my.index", "cat"}, full), told);
+  EXPECT_EQ(Run({"list", "my.index"}, full), told);
+  EXPECT_EQ(Run({"--help"}, full), told);
+}
+
+TEST_F(MainTest, ClosedPipeEndsTheCommandQuietly) {
+  Add("a", "cat\n");
+  const auto broken = [] {
+    int ends[2];
+    if (pipe(ends) != 0) _exit(127);
+    dup2(ends[1], STDOUT_FILENO);
+    close(ends[0]);
+    close(ends[1]);
+  };
+  EXPECT_EQ(Run({"list", "my.index"}, broken), (Outcome{2, "", ""}));
+}
+
+TEST_F(MainTest, DiagnosticsForAClosedStreamNeverReachTheIndex) {
+  Add("a", "cat\n");
+  // A reusable code of 0 makes the engine speak while the index is open.
+  Plant(Path("my.index"), {{"g-avail", Units({0})}});
+  Write("a", "dog\n");
+  EXPECT_EQ(Run({"index", "my.index", "a"}, [] { close(STDERR_FILENO); }).status, 1);
+  EXPECT_EQ(IndexBytes().find("oops"), std::string::npos);
+  EXPECT_NE(Run({"index", "my.index", "a"}).err.find("oops"), std::string::npos);
+}
+
+TEST_F(MainTest, CommandWorksWithAllStreamsClosed) {
+  Write("a", "cat\n");
+  const auto closed = [] {
+    for (int descriptor : {0, 1, 2}) close(descriptor);
+  };
+  EXPECT_EQ(Run({"index", "my.index", "a"}, closed).status, 2);  // it cannot tell
+  EXPECT_EQ(Run({"search", "my.index", "cat"}), Success("100 a\n"));
+}
+
+TEST_F(MainTest, ClosedOutputIsReported) {
+  Add("a", "cat\n");
+  EXPECT_EQ(Run({"list", "my.index"}, [] { close(STDOUT_FILENO); }),
+            Failure("cannot write to the standard output: bad file descriptor"));
+}
+
+}  // namespace
+}  // namespace kestan_tests
