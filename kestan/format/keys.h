@@ -3,9 +3,11 @@
 #define KESTAN_FORMAT_KEYS_H_
 
 #include <kestan/storage/database.h>
+#include <kestan/storage/datum_bytes.h>
 #include <kestan/storage/dbdatum.h>
 #include <kestan/storage/memory.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -31,13 +33,38 @@ inline String ItemKey(std::string_view family, std::string_view name) {
   return key.append(name);
 }
 
-// Returns a datum around `bytes`, which it borrows.
-inline DBDatum AsDatum(std::string_view bytes) {
-  return {bytes.data(), static_cast<std::uint32_t>(bytes.size())};
+inline constexpr std::size_t kFamilyBytes = 2;  // a letter and '-'
+
+// Returns whether the second byte of `key` is '-', as in every family. Words may have it there too.
+inline bool HasFamilyMark(std::string_view key) {
+  return key.size() >= kFamilyBytes && key[1] == '-';
 }
 
-// Tells whether `key` names something else than a word. Words of two bytes may end in '-'.
-inline bool IsSystemKey(const DBDatum& key) { return key.size > 2 && key.data[1] == '-'; }
+// Returns whether `key` names something else than a word, as far as a key alone can say: words such
+// as "e-mail" look like system keys. Two bytes that end in '-' are a word.
+inline bool IsSystemKey(std::string_view key) {
+  return key.size() > kFamilyBytes && HasFamilyMark(key);
+}
+inline bool IsSystemKey(const DBDatum& key) { return IsSystemKey(BytesOf(key)); }
+
+// Returns whether a shrink passes over the record of `key`: system records, words of one byte, and
+// words whose second byte is '-'. Files in use have always been shrunk this way. So such a word's
+// record may list a code that is free, or one code more than once.
+inline bool IsNeverPurged(std::string_view key) {
+  return key.size() < kFamilyBytes || HasFamilyMark(key);
+}
+inline bool IsNeverPurged(const DBDatum& key) { return IsNeverPurged(BytesOf(key)); }
+
+// Returns whether the key begins with `family`.
+inline bool IsOfFamily(std::string_view key, std::string_view family) {
+  return key.substr(0, family.size()) == family;
+}
+
+// Returns whether the key begins with a family that the engine writes, "g-" among them.
+inline bool IsOfKnownFamily(std::string_view key) {
+  constexpr std::string_view kLetters = "gdcwust";
+  return HasFamilyMark(key) && kLetters.find(key[0]) != std::string_view::npos;
+}
 
 // Fetches the value of `key`.
 //   Returns  a handle shared with the store's cache; a null one if there is no such record. Where

@@ -89,7 +89,7 @@ bool BeginsLikePostings(const DBDatum& value, const PostingRules& rules) {
 }
 
 RecordKind KindOfFamily(std::string_view key, const DBDatum& value, const PostingRules& rules) {
-  const RecordKind family = Find(kFamilies, key.substr(0, 2));
+  const RecordKind family = Find(kFamilies, key.substr(0, kFamilyBytes));
   if (!CanBeWord(key)) return family;
   if (IsShapedLikePostings(value, rules)) {
     return CanBeOfFamily(family, key, value, rules) ? family : RecordKind::kPosting;
@@ -144,11 +144,11 @@ bool CanBeWord(std::string_view key) {
 
 RecordKind KindOf(const DBDatum& key, const DBDatum* value, const PostingRules& rules) {
   const std::string_view bytes = BytesOf(key);
-  if (bytes.size() < 2 || bytes[1] != '-') return RecordKind::kPosting;
-  if (bytes.size() == 2) return KindOfTwoBytes(bytes, value, rules);
+  if (!HasFamilyMark(bytes)) return RecordKind::kPosting;
+  if (bytes.size() == kFamilyBytes) return KindOfTwoBytes(bytes, value, rules);
   const RecordKind single = Find(kSingleRecords, bytes);
   if (single != RecordKind::kOther) return single;
-  return value == nullptr ? Find(kFamilies, bytes.substr(0, 2))
+  return value == nullptr ? Find(kFamilies, bytes.substr(0, kFamilyBytes))
                           : KindOfFamily(bytes, *value, rules);
 }
 

@@ -2,6 +2,7 @@
 #ifndef KESTAN_FORMAT_RECORD_KIND_H_
 #define KESTAN_FORMAT_RECORD_KIND_H_
 
+#include <kestan/format/keys.h>
 #include <kestan/format/posting.h>
 #include <kestan/storage/database.h>
 #include <kestan/storage/dbdatum.h>
@@ -55,20 +56,6 @@ bool CanBeWord(std::string_view key);
 // another shape than a document record, and NULs, which no other text has that the engine stores.
 // Where neither tells, or the value is empty, the record is that of a document, a name or a text.
 RecordKind KindOf(const DBDatum& key, const DBDatum* value, const PostingRules& rules);
-
-// Tells whether the key begins with `family`.
-inline bool IsOfFamily(std::string_view key, std::string_view family) {
-  return key.substr(0, family.size()) == family;
-}
-
-// Tells whether the key of a posting record looks like that of a system record.
-inline bool HasSystemKey(std::string_view word) { return word.size() > 2 && word[1] == '-'; }
-
-// Tells whether a shrink leaves the entries of removed documents in the posting record of `key`,
-// so that it may list a code that is free, or one code more than once.
-inline bool IsNeverPurged(const DBDatum& key) { return key.size < 2 || key.data[1] == '-'; }
-
-inline std::string_view BytesOf(const DBDatum& datum) { return {datum.data, datum.size}; }
 
 }  // namespace kestan
 

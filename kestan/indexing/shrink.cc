@@ -7,11 +7,6 @@
 namespace kestan {
 namespace {
 
-// Distinguishes words from system records by the second byte alone. One-byte words are passed over,
-// so their records keep the postings of removed documents: files in use have always been shrunk
-// this way.
-bool IsPurgedKey(const DBDatum& key) { return key.size >= 2 && key.data[1] != '-'; }
-
 // Takes the postings of `codes` out of the words' records; they reach the file at the next flush.
 //   Returns  false if there may be records that could not be read.
 bool PurgeWords(Database& store, const CodeSet& codes, bool with_positions) {
@@ -20,7 +15,7 @@ bool PurgeWords(Database& store, const CodeSet& codes, bool with_positions) {
   RecordIterator record(store, options);
   for (; record.Valid(); record.Next()) {
     DBDatum* const value = record.value().ptr;
-    if (value == nullptr || !IsPurgedKey(record.key())) continue;
+    if (value == nullptr || IsNeverPurged(record.key())) continue;
     if (PurgePostings(value, codes, with_positions)) value->dirty = true;
   }
   return record.all_read();

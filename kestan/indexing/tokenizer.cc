@@ -1,4 +1,5 @@
 #include <kestan/indexing/tokenizer.h>
+#include <kestan/text/fold.h>
 #include <kestan/text/white_space.h>
 
 namespace kestan {
@@ -8,8 +9,8 @@ constexpr std::size_t kFirstTable = 512;
 
 }  // namespace
 
-Tokenizer::Tokenizer(std::string_view text) : text_(text), folded_(text), table_(kFirstTable) {
-  for (char& byte : folded_) byte = static_cast<char>(byte | 0x20);
+Tokenizer::Tokenizer(std::string_view text)
+    : text_(text), folded_(Folded(text)), table_(kFirstTable) {
   Split();
   SortPositions();
 }
@@ -21,7 +22,7 @@ void Tokenizer::Split() {
     while (next < end && IsWhiteSpace(*next)) ++next;
     if (next == end) break;
     const char* const start = next;
-    unsigned all = 0x20;
+    unsigned all = kFoldBit;
     while (next < end && !IsWhiteSpace(*next)) all &= static_cast<unsigned char>(*next++);
     const auto length = static_cast<std::size_t>(next - start);
     Record({start, length});

@@ -1,3 +1,4 @@
+#include <kestan/storage/datum_bytes.h>
 #include <kestan/storage/dbcache.h>
 
 #include <algorithm>
@@ -17,8 +18,6 @@ std::size_t PlacesFor(std::size_t count) {
   while (count * 4 >= places * 3) places *= 2;
   return places;
 }
-
-std::string_view BytesOf(const DBDatum& datum) { return {datum.data, datum.size}; }
 
 bool IsSame(const KeyDigest& left, const KeyDigest& right) {
   return left.hash == right.hash && left.length == right.length && left.start == right.start;

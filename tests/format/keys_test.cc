@@ -1,4 +1,3 @@
-// The keys of the index file.
 #include <kestan/format/keys.h>
 
 #include <string>
@@ -11,14 +10,14 @@ namespace {
 
 using namespace std::string_view_literals;
 
-TEST(Keys, OfTheGlobalRecordsAreFixed) {
+TEST(KeysTest, OfTheGlobalRecordsAreFixed) {
   EXPECT_EQ(kestan::kCounterKey, "g-code");
   EXPECT_EQ(kestan::kAvailableKey, "g-avail");
   EXPECT_EQ(kestan::kDeletedKey, "g-deleted");
   EXPECT_EQ(kestan::kOptionsKey, "g-opts");
 }
 
-TEST(Keys, OfItemsAreTheFamilyAndTheName) {
+TEST(KeysTest, OfItemsAreTheFamilyAndTheName) {
   EXPECT_EQ(kestan::ItemKey(kestan::kDocumentFamily, "name"), "d-name");
   EXPECT_EQ(kestan::ItemKey(kestan::kNameFamily, "name"), "c-name");
   EXPECT_EQ(kestan::ItemKey(kestan::kWordListFamily, "name"), "w-name");
@@ -28,20 +27,20 @@ TEST(Keys, OfItemsAreTheFamilyAndTheName) {
   EXPECT_EQ(kestan::ItemKey(kestan::kTitleFamily, ""), "t-");
 }
 
-TEST(Keys, ASystemKeyIsLongerThanTwoBytesWithADashAsItsSecond) {
+TEST(KeysTest, ASystemKeyIsLongerThanTwoBytesWithADashAsItsSecond) {
   for (std::string_view key : {"g-code"sv, "w-x"sv, "x-y"sv, "---"sv, "c-\0\1"sv, "\xff-\0"sv}) {
     EXPECT_TRUE(kestan::IsSystemKey(Datum(key))) << key;
   }
 }
 
-TEST(Keys, EveryOtherKeyIsAWord) {
+TEST(KeysTest, EveryOtherKeyIsAWord) {
   for (std::string_view key :
        {""sv, "-"sv, "a"sv, "a-"sv, "--"sv, "ab"sv, "abc"sv, "-ab"sv, "ab-"sv, "ab-c"sv}) {
     EXPECT_FALSE(kestan::IsSystemKey(Datum(key))) << key;
   }
 }
 
-TEST(Keys, FetchFindsARecordOrNothing) {
+TEST(KeysTest, FetchFindsARecordOrNothing) {
   const TempDir folder;
   const std::string path = folder / "file";
   Plant(path, {{"key", "value"}});
@@ -51,12 +50,36 @@ TEST(Keys, FetchFindsARecordOrNothing) {
   EXPECT_EQ(kestan::Fetch(store, "other").ptr, nullptr);
 }
 
-TEST(Keys, ADatumBorrowsTheBytesOfAView) {
-  const std::string_view bytes = "ab\0c"sv;
-  const DBDatum datum = kestan::AsDatum(bytes);
-  EXPECT_EQ(datum.data, bytes.data());
-  EXPECT_EQ(datum.size, 4u);
-  EXPECT_LT(datum.refs, 1);
+TEST(KeysTest, AFamilyMarkIsTheSecondByte) {
+  for (std::string_view key : {"a-"sv, "--"sv, "d-name"sv, "e-mail"sv, "\0-"sv}) {
+    EXPECT_TRUE(kestan::HasFamilyMark(key)) << key;
+  }
+  for (std::string_view key : {""sv, "-"sv, "a"sv, "-a"sv, "ab-"sv}) {
+    EXPECT_FALSE(kestan::HasFamilyMark(key)) << key;
+  }
+}
+
+TEST(KeysTest, ShrinksPassOverShortWordsAndHyphens) {
+  for (const char* key : {"", "a", "a-", "a-b"}) EXPECT_TRUE(kestan::IsNeverPurged(Datum(key)));
+  for (const char* key : {"ab", "-a", "ab-"}) EXPECT_FALSE(kestan::IsNeverPurged(Datum(key)));
+}
+
+TEST(KeysTest, AreOfTheFamilyThatTheyBeginWith) {
+  EXPECT_TRUE(kestan::IsOfFamily("d-", kestan::kDocumentFamily));
+  EXPECT_TRUE(kestan::IsOfFamily("d-name", kestan::kDocumentFamily));
+  EXPECT_FALSE(kestan::IsOfFamily("d", kestan::kDocumentFamily));
+  EXPECT_FALSE(kestan::IsOfFamily("t-name", kestan::kDocumentFamily));
+}
+
+TEST(KeysTest, OfSevenFamiliesAreKnown) {
+  for (int letter = 0; letter < 256; ++letter) {
+    const std::string key = std::string(1, static_cast<char>(letter)) + "-name";
+    const bool is_known = letter != 0 && std::string_view("gdcwust").find(key[0]) != key.npos;
+    EXPECT_EQ(kestan::IsOfKnownFamily(key), is_known) << letter;
+  }
+  EXPECT_TRUE(kestan::IsOfKnownFamily("t-"));
+  EXPECT_FALSE(kestan::IsOfKnownFamily("t"));
+  EXPECT_FALSE(kestan::IsOfKnownFamily("ta-"));
 }
 
 }  // namespace

@@ -3,30 +3,21 @@
 #include <kestan/format/posting_list.h>
 #include <kestan/format/units.h>
 #include <kestan/maintenance/check/form_check.h>
-
-#include <algorithm>
+#include <kestan/text/fold.h>
 
 namespace kestan {
 namespace {
 
-constexpr unsigned char kFoldBit = 0x20;
-
-String Fold(std::string_view word) {
-  String folded(word);
-  for (char& byte : folded) byte = static_cast<char>(byte | kFoldBit);
-  return folded;
-}
-
-// One entry and the record that it is part of.
+// One posting and the record that it is part of.
 struct Placed {
   const DBDatum& record;
-  const Posting& entry;
+  const Posting& posting;
 
-  std::size_t begin() const { return entry.first_unit + entry.units - entry.positions; }
-  std::size_t end() const { return entry.first_unit + entry.units; }
+  std::size_t begin() const { return posting.first_unit + posting.units - posting.positions; }
+  std::size_t end() const { return posting.first_unit + posting.units; }
 };
 
-// Positions that begin again behind the last are in the same order in both.
+// Positions that begin again after the last one are in the same order in both.
 bool HasPositionsOf(const Placed& folded, const Placed& word) {
   std::size_t next = folded.begin();
   for (std::size_t i = word.begin(); i < word.end(); ++i) {
@@ -36,31 +27,26 @@ bool HasPositionsOf(const Placed& folded, const Placed& word) {
   return true;
 }
 
-// Returns the code of the first entry of `word` that `folded` lacks or has with other positions, 0
-// if there is none. Damage is reported where it is met first: behind it, the two are out of step.
+// Returns the code of the first posting of `word` that `folded` lacks or has with other positions,
+// 0 if there is none. Only the first is reported: after it, the two are out of step.
 Code FirstLacking(const DBDatum& folded, const DBDatum& word, bool with_positions) {
   PostingReader folded_reader(folded, with_positions);
   PostingReader reader(word, with_positions);
   Posting other{};
-  for (Posting entry{}; reader.Next(&entry);) {
+  for (Posting posting{}; reader.Next(&posting);) {
     bool is_there = folded_reader.Next(&other);
-    while (is_there && other.code != entry.code) is_there = folded_reader.Next(&other);
-    if (!is_there || !HasPositionsOf({folded, other}, {word, entry})) return entry.code;
+    while (is_there && other.code != posting.code) is_there = folded_reader.Next(&other);
+    if (!is_there || !HasPositionsOf({folded, other}, {word, posting})) return posting.code;
   }
   return 0;
 }
 
 }  // namespace
 
-bool IsFolded(std::string_view word) {
-  return std::all_of(word.begin(), word.end(),
-                     [](char byte) { return (static_cast<unsigned char>(byte) & kFoldBit) != 0; });
-}
-
 void FormCheck::Visit(const DBDatum& key, const DBDatum& value) {
   const std::string_view word = BytesOf(key);
   if (value.size == 0 || IsNeverPurged(key) || IsFolded(word) || !CanBeWord(word)) return;
-  const String folded_word = Fold(word);
+  const String folded_word = Folded(word);
   DBDatumPtr folded;
   const int error = store_.Get(&folded, AsDatum(folded_word));
   if (Database::IsReadFailure(error)) return;
@@ -76,7 +62,7 @@ void FormCheck::Visit(const DBDatum& key, const DBDatum& value) {
   }
   const std::size_t held_bytes = folded.ptr->size;
   folded.Free();
-  cadence_.Note(held_bytes);
+  flush_.Note(held_bytes);
 }
 
 }  // namespace kestan

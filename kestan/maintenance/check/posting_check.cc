@@ -2,9 +2,9 @@
 #include <kestan/format/posting_list.h>
 #include <kestan/format/units.h>
 #include <kestan/maintenance/check/code_check.h>
-#include <kestan/maintenance/check/form_check.h>
 #include <kestan/maintenance/check/posting_check.h>
 #include <kestan/maintenance/salvage/word_list_salvage.h>
+#include <kestan/text/fold.h>
 
 #include <algorithm>
 #include <limits>
@@ -38,7 +38,7 @@ PostingCheck::PostingCheck(const IndexTables& tables, Findings* findings)
     : tables_(tables),
       findings_(*findings),
       known_(CodesInUse(tables)),
-      tallies_(kCodes),
+      statistics_(kCodes),
       seen_in_(kCodes) {
   for (const Code code : tables.removed) known_.set(code);
   for (const Code code : tables.reusable) reusable_.set(code);
@@ -62,7 +62,7 @@ void PostingCheck::Visit(const DBDatum& key, const DBDatum& value) {
 
 void PostingCheck::CheckPostings(const DBDatum& key, const DBDatum& value) {
   const std::string_view word = BytesOf(key);
-  if (HasSystemKey(word) && !NoteHyphen(key, value)) return;
+  if (IsSystemKey(word) && !NoteHyphen(key, value)) return;
   if (!CanBeWord(word)) findings_.Note(word, "no word: it is empty or holds white space or a NUL");
   if (value.size == 0) ++unused_words_;
   if (value.size % kUnitBytes != 0) {
@@ -102,18 +102,18 @@ PostingCheck::Faults PostingCheck::CountFaults(const Record& record) {
   Faults faults;
   ++record_number_;
   PostingReader reader(record.value, tables_.rules.with_positions);
-  Posting entry{};
-  while (reader.Next(&entry)) {
-    if (entry.code == 0) ++faults.zero_codes;
-    CheckCode(record, entry.code, &faults);
-    CountPositions(record, entry, &faults);
+  Posting posting{};
+  while (reader.Next(&posting)) {
+    if (posting.code == 0) ++faults.zero_codes;
+    CheckCode(record, posting.code, &faults);
+    CountPositions(record, posting, &faults);
   }
-  if (tables_.rules.with_positions) CheckEnd(record, entry);
+  if (tables_.rules.with_positions) CheckEnd(record, posting);
   return faults;
 }
 
-// In records that no shrink purges, entries of removed documents stay when their codes become free,
-// and would be those of the next documents that get the codes.
+// In records that no shrink purges, postings of removed documents stay when their codes become
+// free. They would pass for postings of the next documents that get the codes.
 void PostingCheck::CheckCode(const Record& record, Code code, Faults* faults) {
   const bool is_repeated = seen_in_[code] == record_number_;
   seen_in_[code] = record_number_;
@@ -123,34 +123,34 @@ void PostingCheck::CheckCode(const Record& record, Code code, Faults* faults) {
   ++(record.is_never_purged && reusable_[code] ? faults->free_codes : faults->unknown_codes);
 }
 
-void PostingCheck::CountPositions(const Record& record, const Posting& entry, Faults* faults) {
-  Tally& tally = tallies_[entry.code];
-  tally.has_words = true;
-  if (!record.is_never_purged) tally.has_own_words = true;
+void PostingCheck::CountPositions(const Record& record, const Posting& posting, Faults* faults) {
+  DocumentStatistics& statistics = statistics_[posting.code];
+  statistics.has_words = true;
+  if (!record.is_never_purged) statistics.has_own_words = true;
   if (!tables_.rules.with_positions) return;
-  if (entry.positions == kMaxPosition || record.may_be_text) tally.is_unsure = true;
-  if (entry.units >= 2 && UnitAt(record.value, entry.first_unit + 1) == 0) {
+  if (posting.positions == kMaxPosition || record.may_be_text) statistics.is_unsure = true;
+  if (posting.units >= kUnitsBeforePositions && UnitAt(record.value, posting.first_unit + 1) == 0) {
     ++faults->without_positions;
   }
   Position previous = 0;
-  for (std::size_t i = entry.units - entry.positions; i < entry.units; ++i) {
-    const Position position = UnitAt(record.value, entry.first_unit + i);
-    if (position == kMaxPosition) tally.wraps = true;
-    if (record.is_folded) tally.weight += PositionWeights::Of(position);
+  for (std::size_t i = posting.units - posting.positions; i < posting.units; ++i) {
+    const Position position = UnitAt(record.value, posting.first_unit + i);
+    if (position == kMaxPosition) statistics.wraps = true;
+    if (record.is_folded) statistics.weight += PositionWeights::Of(position);
     if (position == 0) {
       ++faults->zero_positions;
     } else if (record.is_never_purged) {
-      tally.doubtful += record.is_folded ? 1 : 0;
+      statistics.doubtful += record.is_folded ? 1 : 0;
     } else {
-      if (position <= previous) tally.descends = true;
-      tally.highest = std::max(tally.highest, position);
-      tally.positions += record.is_folded ? 1 : 0;
+      if (position <= previous) statistics.descends = true;
+      statistics.highest = std::max(statistics.highest, position);
+      statistics.positions += record.is_folded ? 1 : 0;
     }
     previous = position;
   }
 }
 
-// A count that runs past the end, or an end behind a code.
+// Reports a count that runs past the end, and a code at the end without a count.
 void PostingCheck::CheckEnd(const Record& record, const Posting& last) {
   const std::string_view word = BytesOf(record.key);
   const std::uint64_t code = last.code;
@@ -175,7 +175,8 @@ void PostingCheck::CheckText(const DBDatum& key, const DBDatum& value) {
   }
   if (tables_.KindOfRecord(key, value) == RecordKind::kOther) {
     findings_.Note(bytes, "no record of the engine has such a key");
-  } else if (!tables_.IsIncomplete() && tables_.FindDocument(bytes.substr(2)) == nullptr) {
+  } else if (!tables_.IsIncomplete() &&
+             tables_.FindDocument(bytes.substr(kFamilyBytes)) == nullptr) {
     findings_.Note(bytes, "its document is not in the index");
   }
 }
@@ -207,41 +208,43 @@ void PostingCheck::CheckDocuments() {
 }
 
 void PostingCheck::CheckDocument(const IndexTables::Document& document) {
-  const Tally& tally = tallies_[document.code];
+  const DocumentStatistics& statistics = statistics_[document.code];
   const String key = ItemKey(kDocumentFamily, document.name);
-  // What a letter has may be an earlier document's whose code was being used again.
-  const bool is_bare = !tally.has_own_words && reusable_[document.code];
-  if (!tally.has_words || is_bare) {
+  // Postings of one-byte words may be those of an earlier document that had the same code.
+  const bool is_bare = !statistics.has_own_words && reusable_[document.code];
+  if (!statistics.has_words || is_bare) {
     return findings_.Note(key, "no words: an empty text, or left half-written?");
   }
-  if (tally.descends && !tally.wraps) findings_.Fault(key, "positions of a word do not ascend");
-  CheckPlaces(key, tally);
+  if (statistics.descends && !statistics.wraps)
+    findings_.Fault(key, "positions of a word do not ascend");
+  CheckPlaces(key, statistics);
 }
 
 // A removed document keeps its words until a shrink.
 void PostingCheck::CheckRemoved(Code code) {
-  const Tally& tally = tallies_[code];
-  const std::uint64_t recorded = std::uint64_t{tally.positions} + tally.doubtful;
-  const bool has_all = recorded >= tally.highest && tally.weight == weights_.OfText(recorded);
-  if (has_all || tally.is_unsure || tally.doubtful != 0) return;
+  const DocumentStatistics& statistics = statistics_[code];
+  const std::uint64_t recorded = std::uint64_t{statistics.positions} + statistics.doubtful;
+  const bool has_all =
+      recorded >= statistics.highest && statistics.weight == weights_.OfText(recorded);
+  if (has_all || statistics.is_unsure || statistics.doubtful != 0) return;
   findings_.Fault(kDeletedKey, "words missing of the removed document of code ",
                   std::uint64_t{code}, "; a shrink takes the others");
 }
 
 // The folded words of a text have its positions, each of them once, and once more in every round of
 // a text of more than 65535 words.
-void PostingCheck::CheckPlaces(const String& key, const Tally& tally) {
-  const std::uint64_t highest = tally.highest;
-  const std::uint64_t recorded = std::uint64_t{tally.positions} + tally.doubtful;
-  if (tally.positions > highest && !tally.wraps) {
-    findings_.Fault(key, "several words at one position: ", std::uint64_t{tally.positions},
+void PostingCheck::CheckPlaces(const String& key, const DocumentStatistics& statistics) {
+  const std::uint64_t highest = statistics.highest;
+  const std::uint64_t recorded = std::uint64_t{statistics.positions} + statistics.doubtful;
+  if (statistics.positions > highest && !statistics.wraps) {
+    findings_.Fault(key, "several words at one position: ", std::uint64_t{statistics.positions},
                     " up to position ", highest);
   } else if (recorded < highest) {
     findings_.Fault(key, "words missing: at least ", highest - recorded, " of ", highest,
                     "; left half-written?");
-  } else if (tally.is_unsure || tally.weight == weights_.OfText(recorded)) {
+  } else if (statistics.is_unsure || statistics.weight == weights_.OfText(recorded)) {
     return;
-  } else if (tally.doubtful != 0) {
+  } else if (statistics.doubtful != 0) {
     findings_.Fault(key,
                     "words of one letter, or with a hyphen, contradict the others: those of "
                     "an earlier document?");

@@ -12,7 +12,7 @@ namespace {
 
 // A word, or a document whose record is damaged.
 bool IsUndecided(const DBDatum& key, const DBDatum& value, RecordKind kind) {
-  if (!HasSystemKey(BytesOf(key)) || !IsOfFamily(BytesOf(key), kDocumentFamily)) return false;
+  if (!IsSystemKey(BytesOf(key)) || !IsOfFamily(BytesOf(key), kDocumentFamily)) return false;
   return kind == RecordKind::kPosting || (value.size == 0 && CanBeWord(BytesOf(key)));
 }
 

@@ -9,6 +9,7 @@
 #include <kestan/storage/flush_policy.h>
 #include <kestan/storage/memory.h>
 #include <kestan/storage/record_iterator.h>
+#include <kestan/text/fold.h>
 
 #include <algorithm>
 #include <array>
@@ -40,14 +41,7 @@ bool HasBytes(const DBDatumPtr& value, std::string_view bytes) {
   return value.ptr != nullptr && std::string_view(value.ptr->data, value.ptr->size) == bytes;
 }
 
-bool IsOfFamily(std::string_view key) {
-  constexpr std::string_view kFamilies = "gdcwust";
-  return key.size() >= 2 && key[1] == '-' && kFamilies.find(key[0]) != std::string_view::npos;
-}
-
-bool IsDocumentKey(std::string_view key) { return key.substr(0, 2) == kDocumentFamily; }
-
-// Everything that the keys tell, with which the postings can be read.
+// Everything that the keys say, which reading the postings takes.
 class Contents {
  public:
   //   Returns  0 or gdbm's error number.
@@ -61,7 +55,7 @@ class Contents {
     if (const int error = SortKeys(store, &document_keys); error != 0) return error;
     if (const int error = ReadDocumentRecords(store, document_keys); error != 0) return error;
     DropKeysOfEmptyName();
-    FindSmallForms();
+    FindFoldedWords();
     return 0;
   }
 
@@ -69,18 +63,18 @@ class Contents {
   const Vector<Document>& documents() const { return documents_; }  // by ascending code
   const Vector<String>& words() const { return words_; }            // in order of their bytes
 
-  // Returns the word that was recorded beside `word` because `word` has capital letters, or
-  // kNoWord.
-  WordId SmallForm(WordId word) const { return small_forms_[word]; }
+  // Returns the folded form of `word`, which is recorded wherever `word` is; kNoWord if `word` is
+  // its own folded form, or the other has no record.
+  WordId FoldedWord(WordId word) const { return folded_words_[word]; }
 
  private:
   // Two-byte keys are those of words, and of the empty name.
   int SortKeys(Database& store, Vector<String>* document_keys) {
     RecordIterator record(store, WalkOptions::Keys());
     for (; record.Valid(); record.Next()) {
-      const std::string_view key(record.key().data, record.key().size);
-      if (IsDocumentKey(key)) document_keys->emplace_back(key);
-      if (key.size() <= 2 || !IsOfFamily(key)) words_.emplace_back(key);
+      const std::string_view key = BytesOf(record.key());
+      if (IsOfFamily(key, kDocumentFamily)) document_keys->emplace_back(key);
+      if (key.size() <= kFamilyBytes || !IsOfKnownFamily(key)) words_.emplace_back(key);
     }
     std::sort(words_.begin(), words_.end());
     words_.erase(std::unique(words_.begin(), words_.end()), words_.end());
@@ -88,10 +82,10 @@ class Contents {
   }
 
   int ReadDocumentRecords(Database& store, const Vector<String>& keys) {
-    PeriodicFlush cadence(store);
+    PeriodicFlush flush(store);
     for (const String& key : keys) {
       if (const int error = ReadDocumentRecord(store, key); error != 0) return error;
-      cadence.Note(key.size());
+      flush.Note(key.size());
     }
     std::sort(documents_.begin(), documents_.end(),
               [](const Document& left, const Document& right) { return left.code < right.code; });
@@ -120,25 +114,25 @@ class Contents {
   void DropKeysOfEmptyName() {
     const auto is_empty = [](const Document& document) { return document.name.empty(); };
     if (std::none_of(documents_.begin(), documents_.end(), is_empty)) return;
-    words_.erase(std::remove_if(words_.begin(), words_.end(), IsOfFamily), words_.end());
+    words_.erase(std::remove_if(words_.begin(), words_.end(), IsOfKnownFamily), words_.end());
   }
 
-  void FindSmallForms() {
-    constexpr char kSmallBit = 0x20;
-    String small;
+  void FindFoldedWords() {
     for (const String& word : words_) {
-      small = word;
-      for (char& byte : small) byte = static_cast<char>(byte | kSmallBit);
-      const auto found = std::lower_bound(words_.begin(), words_.end(), small);
-      const bool is_recorded = small != word && found != words_.end() && *found == small;
-      small_forms_.push_back(is_recorded ? static_cast<WordId>(found - words_.begin()) : kNoWord);
+      folded_words_.push_back(IsFolded(std::string_view(word)) ? kNoWord : Find(Folded(word)));
     }
+  }
+
+  WordId Find(const String& word) const {
+    const auto found = std::lower_bound(words_.begin(), words_.end(), word);
+    const bool is_recorded = found != words_.end() && *found == word;
+    return is_recorded ? static_cast<WordId>(found - words_.begin()) : kNoWord;
   }
 
   bool has_positions_ = true;
   Vector<Document> documents_;
   Vector<String> words_;
-  Vector<WordId> small_forms_;
+  Vector<WordId> folded_words_;  // by word
 };
 
 // ---- From postings to the places of words ----
@@ -153,44 +147,42 @@ Code CodeOf(Place place) { return static_cast<Code>(place >> 48); }
 Position PositionOf(Place place) { return static_cast<Position>(place >> 32); }
 WordId WordOf(Place place) { return static_cast<WordId>(place); }
 
-// No shrink purges the postings of these, so that an entry may be that of an earlier document. The
-// last one of a code is the youngest.
-bool MayHaveOldEntries(std::string_view word) { return word.size() < 2 || word[1] == '-'; }
-
-// Calls `visit(entry)` for each entry of the record, in no particular order, except those that a
-// later one replaces.
+// Calls `visit(posting)` for each posting of the record, in no particular order, except those that
+// a later one replaces: where no shrink purges the record, a posting may be that of an earlier
+// document, and the last one of a code counts.
 template <typename Visit>
-void ForEachEntry(std::string_view word, const DBDatum& record, bool has_positions, Visit visit) {
+void ForEachPostingOf(std::string_view word, const DBDatum& record, bool has_positions,
+                      Visit visit) {
   PostingReader reader(record, has_positions);
-  Posting entry{};
-  if (!MayHaveOldEntries(word)) {
-    while (reader.Next(&entry)) visit(entry);
+  Posting posting{};
+  if (!IsNeverPurged(word)) {
+    while (reader.Next(&posting)) visit(posting);
     return;
   }
-  Vector<Posting> entries;
-  while (reader.Next(&entry)) entries.push_back(entry);
+  Vector<Posting> postings;
+  while (reader.Next(&posting)) postings.push_back(posting);
   CodeSet visited;
-  for (auto last = entries.rbegin(); last != entries.rend(); ++last) {
+  for (auto last = postings.rbegin(); last != postings.rend(); ++last) {
     if (!visited[last->code]) visit(*last);
     visited.set(last->code);
   }
 }
 
-// Calls `visit(word, record, entry)` for each posting of the index.
+// Calls `visit(word, record, posting)` for each posting of the index.
 //   Returns  0 or gdbm's error number.
 template <typename Visit>
 int ForEachPosting(Database& store, const Contents& contents, Visit visit) {
-  PeriodicFlush cadence(store);
+  PeriodicFlush flush(store);
   DBDatumPtr record;
   for (WordId word = 0; word < contents.words().size(); ++word) {
     const String& bytes = contents.words()[word];
     if (const int error = Read(store, bytes, &record); error != 0) return error;
     if (record.ptr == nullptr) continue;
-    ForEachEntry(bytes, *record.ptr, contents.has_positions(),
-                 [&](const Posting& entry) { visit(word, *record.ptr, entry); });
+    ForEachPostingOf(bytes, *record.ptr, contents.has_positions(),
+                     [&](const Posting& posting) { visit(word, *record.ptr, posting); });
     const std::size_t held_bytes = record.ptr->size;
     record.Free();
-    cadence.Note(held_bytes);
+    flush.Note(held_bytes);
   }
   return 0;
 }
@@ -199,8 +191,8 @@ using PlaceCounts = Vector<std::size_t>;  // of each code
 
 int CountPlaces(Database& store, const Contents& contents, PlaceCounts* counts) {
   counts->assign(std::size_t{kMaxCode} + 1, 0);
-  return ForEachPosting(store, contents, [&](WordId, const DBDatum&, const Posting& entry) {
-    (*counts)[entry.code] += contents.has_positions() ? entry.positions : 1;
+  return ForEachPosting(store, contents, [&](WordId, const DBDatum&, const Posting& posting) {
+    (*counts)[posting.code] += contents.has_positions() ? posting.positions : 1;
   });
 }
 
@@ -210,12 +202,12 @@ int FindPlaces(Database& store, const Contents& contents, const CodeSet& codes, 
   places->clear();
   places->reserve(count);
   const int error = ForEachPosting(
-      store, contents, [&](WordId word, const DBDatum& record, const Posting& entry) {
-        if (!codes[entry.code]) return;
-        if (!contents.has_positions()) places->push_back(MakePlace(entry.code, 0, word));
-        const std::size_t end = entry.first_unit + entry.units;
-        for (std::size_t unit = end - entry.positions; unit < end; ++unit) {
-          places->push_back(MakePlace(entry.code, UnitAt(record, unit), word));
+      store, contents, [&](WordId word, const DBDatum& record, const Posting& posting) {
+        if (!codes[posting.code]) return;
+        if (!contents.has_positions()) places->push_back(MakePlace(posting.code, 0, word));
+        const std::size_t end = posting.first_unit + posting.units;
+        for (std::size_t unit = end - posting.positions; unit < end; ++unit) {
+          places->push_back(MakePlace(posting.code, UnitAt(record, unit), word));
         }
       });
   std::sort(places->begin(), places->end());
@@ -237,7 +229,7 @@ class WordOrder {
       const Place* const next =
           std::find_if(begin, end, [=](Place place) { return PositionOf(place) != position; });
       CountWords(begin, next);
-      DropSmallForms();
+      DropFoldedForms();
       for (const Counted& each : here_) {
         words_.insert(words_.end(), each.count, {contents_.words()[each.word], position});
       }
@@ -261,16 +253,16 @@ class WordOrder {
     }
   }
 
-  // A word with capitals accounts for one more that was recorded with it. What is left of the small
-  // form stood in the text itself, in another round of the positions.
-  void DropSmallForms() {
+  // A word with capitals accounts for one occurrence of its folded form, recorded with it. What is
+  // left of the folded form stood in the text itself, in another round of the positions.
+  void DropFoldedForms() {
     for (const Counted& each : here_) {
-      const WordId small = contents_.SmallForm(each.word);
-      if (small == kNoWord) continue;
+      const WordId folded = contents_.FoldedWord(each.word);
+      if (folded == kNoWord) continue;
       const auto found =
-          std::lower_bound(here_.begin(), here_.end(), small,
+          std::lower_bound(here_.begin(), here_.end(), folded,
                            [](const Counted& left, WordId right) { return left.word < right; });
-      if (found == here_.end() || found->word != small) continue;
+      if (found == here_.end() || found->word != folded) continue;
       found->count -= std::min(found->count, each.count);
     }
   }
@@ -285,7 +277,7 @@ class WordOrder {
 class DocumentGiver {
  public:
   DocumentGiver(Database& store, const Contents& contents, const TakeDocument& take)
-      : store_(store), contents_(contents), take_(take), order_(contents), cadence_(store) {}
+      : store_(store), contents_(contents), take_(take), order_(contents), flush_(store) {}
 
   // Gives all documents, as many at once as have no more than `most` places, or else one.
   int Give(const PlaceCounts& counts, std::size_t most) {
@@ -346,7 +338,7 @@ class DocumentGiver {
     }
     take_(*given);
     records = {};
-    cadence_.Note(bytes);
+    flush_.Note(bytes);
     return 0;
   }
 
@@ -354,7 +346,7 @@ class DocumentGiver {
   const Contents& contents_;
   const TakeDocument& take_;
   WordOrder order_;
-  PeriodicFlush cadence_;
+  PeriodicFlush flush_;
   CodeSet codes_;  // of the documents that are given now
   Vector<Place> places_;
 };

@@ -5,6 +5,7 @@
 #include <kestan/storage/memory.h>
 #include <kestan/storage/record_iterator.h>
 #include <kestan/storage/size_guard.h>
+#include <kestan/text/escape.h>
 
 #include <algorithm>
 #include <array>
@@ -18,13 +19,9 @@ namespace {
 constexpr std::string_view kName = "kestan-dump ";
 constexpr std::string_view kFirstLine = "kestan-dump 1";
 constexpr std::string_view kLastLineStart = "end ";
-constexpr char kSeparator = '\t';  // between key and value
-constexpr char kEscape = '\\';     // at the end of a line: the next one goes on
-constexpr std::size_t kEscapedBytes = 4;
+constexpr char kSeparator = '\t';                 // between key and value
 constexpr std::size_t kMaxRecordBytes = INT_MAX;  // of key or value: what gdbm can store
-constexpr std::string_view kDigits = "0123456789abcdef";
-
-bool IsPlain(char byte) { return byte >= ' ' && byte <= '~' && byte != kEscape; }
+constexpr char kContinuation = kEscape;           // at the end of a line: the next one goes on
 
 // Appends at least `width` digits.
 void AppendNumber(std::uint64_t number, int base, std::size_t width, String* text) {
@@ -34,8 +31,8 @@ void AppendNumber(std::uint64_t number, int base, std::size_t width, String* tex
   text->append(width - std::min(width, count), '0').append(digits.data(), count);
 }
 
-// How many records a dump has so far, and the checksum of its lines.
-struct Tally {
+// What the last line of a dump says: how many records there are, and the checksum of the lines.
+struct DumpTrailer {
   void AddLine(std::string_view line) {
     checksum.Add(line);
     checksum.Add("\n");
@@ -66,39 +63,38 @@ class DumpWriter {
     line_ += kSeparator;
     AddBytes({value.data, value.size});
     EndLine(line_);
-    ++tally_.records;
+    ++trailer_.records;
   }
 
-  void Finish() { take_(tally_.LastLine()); }
+  void Finish() { take_(trailer_.LastLine()); }
 
  private:
   void AddBytes(std::string_view bytes) {
     for (const char byte : bytes) {
-      MakeRoom(kEscapedBytes);
+      MakeRoom(kEscapedByteBytes);
       if (IsPlain(byte)) {
         line_ += byte;
-        continue;
+      } else {
+        AppendEscape(byte, &line_);
       }
-      const auto number = static_cast<unsigned char>(byte);
-      line_ += {kEscape, 'x', kDigits[number >> 4], kDigits[number & 15]};
     }
   }
 
   // Goes on in a new line where this one could not take `bytes` more and still be continued.
   void MakeRoom(std::size_t bytes) {
     if (line_.size() + bytes < kMaxDumpLineBytes) return;
-    line_ += kEscape;
+    line_ += kContinuation;
     EndLine(line_);
     line_.clear();
   }
 
   void EndLine(std::string_view line) {
-    tally_.AddLine(line);
+    trailer_.AddLine(line);
     take_(line);
   }
 
   const TakeLine& take_;
-  Tally tally_;
+  DumpTrailer trailer_;
   String line_;
 };
 
@@ -106,7 +102,7 @@ class DumpWriter {
 //   Returns  0 or gdbm's error number.
 int FindKeys(Database& store, Vector<String>* keys) {
   RecordIterator record(store, WalkOptions::Keys());
-  for (; record.Valid(); record.Next()) keys->emplace_back(record.key().data, record.key().size);
+  for (; record.Valid(); record.Next()) keys->emplace_back(BytesOf(record.key()));
   std::sort(keys->begin(), keys->end());
   keys->erase(std::unique(keys->begin(), keys->end()), keys->end());
   return record.walk_error();
@@ -118,7 +114,7 @@ class DumpReader {
  public:
   // Borrows both.
   DumpReader(Database& target, const TakeLine& complain)
-      : target_(target), complain_(complain), cadence_(target) {}
+      : target_(target), complain_(complain), flush_(target) {}
 
   // Reads all lines.
   //   Returns  false once something is wrong, which it has said.
@@ -136,11 +132,11 @@ class DumpReader {
     if (is_complete_) return Refuse("something follows the last line");
     if (line.size() > kMaxDumpLineBytes) return Refuse("longer than any line of a dump");
     if (line_number_ == 1) return ReadFirstLine(line);
-    const bool continues = !line.empty() && line.back() == kEscape;
+    const bool continues = !line.empty() && line.back() == kContinuation;
     if (!is_within_record_ && !continues && line.find(kSeparator) == std::string_view::npos) {
       return ReadLastLine(line);
     }
-    tally_.AddLine(line);
+    trailer_.AddLine(line);
     if (continues) line.remove_suffix(1);
     if (!AddText(line)) return false;
     is_within_record_ = continues;
@@ -148,14 +144,14 @@ class DumpReader {
   }
 
   bool ReadFirstLine(std::string_view line) {
-    tally_.AddLine(line);
+    trailer_.AddLine(line);
     if (line == kFirstLine) return true;
     const bool has_name = line.substr(0, kName.size()) == kName;
     return Refuse(has_name ? "a dump in a form that is not known here" : "not a dump of an index");
   }
 
   bool ReadLastLine(std::string_view line) {
-    is_complete_ = line == std::string_view(tally_.LastLine());
+    is_complete_ = line == std::string_view(trailer_.LastLine());
     if (is_complete_) return true;
     const bool is_last = line.substr(0, kLastLineStart.size()) == kLastLineStart;
     return Refuse(is_last ? "number of records or checksum differ from what was read"
@@ -183,15 +179,16 @@ class DumpReader {
       return true;
     }
     if (text->front() != kEscape) return Refuse("a byte that should have been escaped");
-    const std::string_view escape = text->substr(0, kEscapedBytes);
-    if (escape.size() < kEscapedBytes || escape[1] != 'x') return Refuse("an escape is not \\xHH");
-    const std::size_t high = kDigits.find(escape[2]);
-    const std::size_t low = kDigits.find(escape[3]);
+    const std::string_view escape = text->substr(0, kEscapedByteBytes);
+    if (escape.size() < kEscapedByteBytes || escape[1] != 'x')
+      return Refuse("an escape is not \\xHH");
+    const std::size_t high = kHexDigits.find(escape[2]);
+    const std::size_t low = kHexDigits.find(escape[3]);
     if (high == std::string_view::npos || low == std::string_view::npos)
       return Refuse("an escape is not \\xHH");
     const char byte = static_cast<char>(high << 4 | low);
     if (IsPlain(byte)) return Refuse("an escape for a byte that needs none");
-    text->remove_prefix(kEscapedBytes);
+    text->remove_prefix(kEscapedByteBytes);
     return AddBytes({&byte, 1});
   }
 
@@ -205,8 +202,8 @@ class DumpReader {
 
   bool FinishRecord() {
     if (!is_value_) return Refuse("a record without a tab");
-    if (tally_.records != 0 && !(last_key_ < key_)) return Refuse("the keys are not in order");
-    ++tally_.records;
+    if (trailer_.records != 0 && !(last_key_ < key_)) return Refuse("the keys are not in order");
+    ++trailer_.records;
     if (!Store()) return false;
     last_key_.swap(key_);
     key_.clear();
@@ -223,7 +220,7 @@ class DumpReader {
 
   bool Store() {
     int error = target_.Put(AsDatum(key_), AsDatum(value_));
-    if (error == 0) error = cadence_.Note(key_.size() + value_.size());
+    if (error == 0) error = flush_.Note(key_.size() + value_.size());
     if (error == 0) return true;
     String what("cannot store the record -- ");
     return Refuse(what.append(Database::ErrorString(error)));
@@ -238,8 +235,8 @@ class DumpReader {
 
   Database& target_;
   const TakeLine& complain_;
-  PeriodicFlush cadence_;
-  Tally tally_;
+  PeriodicFlush flush_;
+  DumpTrailer trailer_;
   std::uint64_t line_number_ = 0;
   String key_;
   String value_;
@@ -270,7 +267,7 @@ int DumpIndex(Database& store, const TakeLine& take) {
   if (store.Flush() == -1) return -1;
   if (const int error = FindKeys(store, &keys); error != 0) return error;
   DumpWriter writer(take);
-  PeriodicFlush cadence(store);
+  PeriodicFlush flush(store);
   SizeGuard guard(store);
   for (const String& key : keys) {
     if (const int error = store.Get(&value, AsDatum(key)); error != 0) return error;
@@ -278,7 +275,7 @@ int DumpIndex(Database& store, const TakeLine& take) {
     writer.Add(AsDatum(key), *value.ptr);
     const std::size_t bytes = key.size() + value.ptr->size;
     value.Free();
-    cadence.Note(bytes);  // dumping goes on where changes of others cannot be written
+    flush.Note(bytes);  // dumping goes on where changes of others cannot be written
   }
   writer.Finish();
   return 0;

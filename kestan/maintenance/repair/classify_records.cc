@@ -1,3 +1,4 @@
+#include <kestan/format/document_record.h>
 #include <kestan/format/keys.h>
 #include <kestan/maintenance/repair/classify_records.h>
 
@@ -6,8 +7,6 @@
 namespace kestan {
 namespace {
 
-constexpr std::uint32_t kNameKeyBytes = 2 + kUnitBytes;
-
 bool IsName(const DBDatum& key, const DBDatum& value) {
   return key.size == kNameKeyBytes && BytesOf(value).find('\0') == std::string_view::npos;
 }
@@ -15,7 +14,7 @@ bool IsName(const DBDatum& key, const DBDatum& value) {
 // Returns whether a word with a hyphen has positions that option flag 1 left. Nobody can judge
 // such a record.
 bool IsMixed(const DBDatum& key, const DBDatum& value, const PostingRules& rules) {
-  return HasSystemKey(BytesOf(key)) && !rules.with_positions && !LooksLikePostings(value, rules);
+  return IsSystemKey(BytesOf(key)) && !rules.with_positions && !LooksLikePostings(value, rules);
 }
 
 RepairAction Classify(const Salvage& salvage, const SalvagedRecord& record,
@@ -42,7 +41,7 @@ RepairAction Classify(const Salvage& salvage, const SalvagedRecord& record,
 
 // Returns whether the record may be that of a document or that of a word such as "d-day".
 bool MayBeDocumentOrWord(std::string_view key, const SalvagedRecord& record, RepairAction action) {
-  if (!HasSystemKey(key) || !IsOfFamily(key, kDocumentFamily)) return false;
+  if (!IsSystemKey(key) || !IsOfFamily(key, kDocumentFamily)) return false;
   return action == RepairAction::kPostings || action == RepairAction::kCopy ||
          (record.value_bytes == 0 && CanBeWord(key));
 }

@@ -2,7 +2,8 @@
 #ifndef KESTAN_MAINTENANCE_REPAIR_CODES_H_
 #define KESTAN_MAINTENANCE_REPAIR_CODES_H_
 
-#include <kestan/format/records.h>
+#include <kestan/format/id_list.h>
+#include <kestan/format/posting.h>
 #include <kestan/maintenance/repair/documents.h>
 #include <kestan/maintenance/repair/system_records.h>
 #include <kestan/storage/memory.h>

@@ -1,6 +1,6 @@
 #include <kestan/format/keys.h>
-#include <kestan/maintenance/check/form_check.h>
 #include <kestan/maintenance/repair/count_postings.h>
+#include <kestan/text/fold.h>
 
 #include <algorithm>
 
@@ -68,7 +68,7 @@ class PostingCounter {
   // one without words.
   void CountCopied(const DBDatum& key, const DBDatum& value) {
     if (LooksLikePostings(value, rules_)) return CountLikePostings(key, value);
-    if (HasSystemKey(BytesOf(key))) CountMixed(value);
+    if (IsSystemKey(BytesOf(key))) CountMixed(value);
   }
 
   void CountLikePostings(const DBDatum& key, const DBDatum& value) {

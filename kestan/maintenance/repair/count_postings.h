@@ -2,8 +2,10 @@
 #ifndef KESTAN_MAINTENANCE_REPAIR_COUNT_POSTINGS_H_
 #define KESTAN_MAINTENANCE_REPAIR_COUNT_POSTINGS_H_
 
+#include <kestan/format/id_list.h>
+#include <kestan/format/posting.h>
+#include <kestan/format/posting_list.h>
 #include <kestan/format/record_kind.h>
-#include <kestan/format/records.h>
 #include <kestan/maintenance/repair/classify_records.h>
 #include <kestan/maintenance/repair/kept_postings.h>
 #include <kestan/maintenance/salvage/salvage.h>

@@ -2,8 +2,8 @@
 #ifndef KESTAN_MAINTENANCE_REPAIR_KEPT_POSTINGS_H_
 #define KESTAN_MAINTENANCE_REPAIR_KEPT_POSTINGS_H_
 
+#include <kestan/format/id_list.h>
 #include <kestan/format/record_kind.h>
-#include <kestan/format/records.h>
 #include <kestan/maintenance/repair/codes.h>
 #include <kestan/maintenance/salvage/posting_salvage.h>
 #include <kestan/storage/dbdatum.h>

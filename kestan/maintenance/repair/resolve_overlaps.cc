@@ -1,6 +1,6 @@
 #include <kestan/format/keys.h>
-#include <kestan/maintenance/check/form_check.h>
 #include <kestan/maintenance/repair/resolve_overlaps.h>
+#include <kestan/text/fold.h>
 
 #include <algorithm>
 #include <tuple>

@@ -2,7 +2,8 @@
 #ifndef KESTAN_MAINTENANCE_REPAIR_RESOLVE_OVERLAPS_H_
 #define KESTAN_MAINTENANCE_REPAIR_RESOLVE_OVERLAPS_H_
 
-#include <kestan/format/records.h>
+#include <kestan/format/id_list.h>
+#include <kestan/format/posting.h>
 #include <kestan/maintenance/repair/classify_records.h>
 #include <kestan/maintenance/repair/count_postings.h>
 #include <kestan/maintenance/repair/kept_postings.h>

@@ -1,12 +1,11 @@
 #include <kestan/format/keys.h>
+#include <kestan/format/option_flags.h>
 #include <kestan/maintenance/repair/codes.h>
 #include <kestan/maintenance/repair/system_records.h>
 #include <kestan/maintenance/salvage/posting_salvage.h>
 
 namespace kestan {
 namespace {
-
-constexpr std::uint32_t kOptionsBytes = 4;
 
 // How many posting records have which shape. Short ones can have both.
 struct ShapeCount {
@@ -34,7 +33,7 @@ ShapeCount CountShapes(const Salvage& salvage) {
   for (const SalvagedRecord& record : salvage.records()) {
     const std::string_view key = salvage.KeyOf(record);
     const DBDatum value = AsDatum(salvage.ValueOf(record));
-    if (value.size == 0 || (key.size() > 1 && key[1] == '-')) continue;
+    if (value.size == 0 || HasFamilyMark(key)) continue;
     ++count.records;
     if (postings.ReadsWhole(value)) ++count.with_positions;
     if (AreDistinctCodes(value, &seen)) ++count.codes_alone;

@@ -2,7 +2,7 @@
 #ifndef KESTAN_MAINTENANCE_REPAIR_SYSTEM_RECORDS_H_
 #define KESTAN_MAINTENANCE_REPAIR_SYSTEM_RECORDS_H_
 
-#include <kestan/format/records.h>
+#include <kestan/format/posting.h>
 #include <kestan/maintenance/salvage/salvage.h>
 #include <kestan/storage/dbdatum.h>
 

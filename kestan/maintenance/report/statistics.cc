@@ -101,11 +101,11 @@ class Counter {
     std::uint64_t postings = 0;
     std::uint64_t purged_units = 0;
     PostingReader reader(value, rules_.with_positions);
-    Posting entry;
-    while (reader.Next(&entry)) {
+    Posting posting;
+    while (reader.Next(&posting)) {
       ++postings;
-      statistics_.positions += entry.positions;
-      if (is_purged && removed_[entry.code]) purged_units += entry.units;
+      statistics_.positions += posting.positions;
+      if (is_purged && removed_[posting.code]) purged_units += posting.units;
     }
     AddWord(postings);
     return purged_units * kUnitBytes;

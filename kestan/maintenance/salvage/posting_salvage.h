@@ -2,8 +2,10 @@
 #ifndef KESTAN_MAINTENANCE_SALVAGE_POSTING_SALVAGE_H_
 #define KESTAN_MAINTENANCE_SALVAGE_POSTING_SALVAGE_H_
 
+#include <kestan/format/id_list.h>
+#include <kestan/format/posting.h>
+#include <kestan/format/posting_list.h>
 #include <kestan/format/record_kind.h>
-#include <kestan/format/records.h>
 #include <kestan/storage/dbdatum.h>
 #include <kestan/storage/memory.h>
 

@@ -1,0 +1,26 @@
+#include <gtest/gtest.h>
+#include <kestan/storage/datum_bytes.h>
+
+namespace kestan_tests {
+namespace {
+
+using namespace std::string_view_literals;
+
+TEST(DatumBytesTest, DatumBorrowsTheBytesOfAView) {
+  const std::string_view bytes = "ab\0c"sv;
+  const DBDatum datum = kestan::AsDatum(bytes);
+  EXPECT_EQ(datum.data, bytes.data());
+  EXPECT_EQ(datum.size, 4u);
+  EXPECT_LT(datum.refs, 1);
+}
+
+TEST(DatumBytesTest, ViewLooksAtTheBytesOfADatum) {
+  const std::string_view bytes = "ab\0c"sv;
+  const DBDatum datum(bytes.data(), 4);
+  EXPECT_EQ(kestan::BytesOf(datum).data(), bytes.data());
+  EXPECT_EQ(kestan::BytesOf(datum), bytes);
+  EXPECT_EQ(kestan::BytesOf(DBDatum()), "");
+}
+
+}  // namespace
+}  // namespace kestan_tests
