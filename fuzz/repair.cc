@@ -1,6 +1,6 @@
-// A small sound index whose file and records any bytes damage, repaired. There is a new index or
-// one line that says why not; the new one has no fault but words that the damage took, repairing it
-// changes nothing, and the damaged file stays as it was.
+// A small valid index, damaged in its file and records by any bytes, and repaired. There is a new
+// index or one line that says why not; the new one has no fault but words that the damage took,
+// repairing it changes nothing, and the damaged file stays as it was.
 //
 // Input: a byte that chooses the index (mod 4) and whether the new one is repaired too (a quarter
 // of all bytes), records that are put into it first, and damage to its file. Records: how many (mod
@@ -48,7 +48,7 @@ const std::string& RepairedPath() {
   return path;
 }
 
-// ---- The sound indexes ----
+// ---- The valid indexes ----
 
 // Of three documents; 4 is a removed code, 5 and 6 are reusable.
 RecordList Small() {
@@ -133,9 +133,9 @@ std::string ReadFile(const std::string& path) {
 
 // Makes the file of an index, which is the same as the last one made unless records are put in.
 std::string MakeFile(unsigned choice, Input& input) {
-  static std::array<std::string, kIndexes> sound;
+  static std::array<std::string, kIndexes> valid;
   const unsigned planted = input.Below(kMostRecords);
-  if (planted == 0 && !sound.at(choice).empty()) return sound.at(choice);
+  if (planted == 0 && !valid.at(choice).empty()) return valid.at(choice);
   RecordList records = BaseRecords(choice);
   for (unsigned i = 0; i < planted; ++i) {
     std::string key = KeyFrom(input);
@@ -144,7 +144,7 @@ std::string MakeFile(unsigned choice, Input& input) {
   }
   kestan_fuzz::MakeIndex(DamagedPath(), records);
   std::string bytes = ReadFile(DamagedPath());
-  if (planted == 0) sound.at(choice) = bytes;
+  if (planted == 0) valid.at(choice) = bytes;
   return bytes;
 }
 
@@ -171,28 +171,32 @@ struct Repaired {
   int error = 0;
   kestan::RepairResult result;
   std::size_t notes = 0;
-  std::size_t documents = 0;  // lines about them
+  std::size_t documents = 0;  // findings about them, or about files
 };
 
 Repaired Repair(const std::string& from, const std::string& to) {
   Repaired repaired;
-  const auto take = [&](std::string_view line) {
-    Require(IsLine(line), "a line is none");
-    ++(line.substr(0, 6) == "note: " ? repaired.notes : repaired.documents);
+  const auto take = [&](const kestan::Finding& finding) {
+    kestan::ReportAsLine(finding,
+                         [](std::string_view line) { Require(IsLine(line), "a line is none"); });
+    ++(finding.severity == kestan::Severity::kNote ? repaired.notes : repaired.documents);
   };
-  repaired.error = kestan::RepairIndex(from.c_str(), to.c_str(), take, &repaired.result);
+  repaired.error =
+      kestan::RepairIndexWithFindings(from.c_str(), to.c_str(), take, &repaired.result);
   return repaired;
 }
 
-void RequireSound(const std::string& path) {
+void RequireValid(const std::string& path) {
   Database store;
   Require(store.Open(path.c_str(), 0) == 0, "the new index cannot be opened");
   std::string fault;
-  const auto take = [&](std::string_view line) {
-    const bool is_note = line.find(": note: ") != std::string_view::npos;
-    if (!is_note && !kestan_tests::IsAboutMissingWords(line)) fault = line;
+  const auto take = [&](const kestan::Finding& finding) {
+    if (finding.severity == kestan::Severity::kNote) return;
+    kestan::ReportAsLine(finding, [&](std::string_view line) {
+      if (!kestan_tests::IsAboutMissingWords(line)) fault = line;
+    });
   };
-  const kestan::CheckResult check = kestan::CheckIndex(store, take);
+  const kestan::CheckResult check = kestan::CheckIndexWithFindings(store, take);
   if (!fault.empty()) kestan_fuzz::Fail("the new index is at fault: " + fault);
   Require(check.file_error == 0, "the new index cannot be read");
 }
@@ -205,7 +209,7 @@ void RequireCounted(const Repaired& repaired, const Records& records) {
       "a document has no line, or more than one");
 }
 
-// A sound index stays as it is.
+// A valid index stays as it is.
 void RequireKept(const Records& records) {
   static const std::string path = PathOf("again");
   unlink(path.c_str());
@@ -221,7 +225,7 @@ void RepairAndJudge(bool twice) {
   const bool exists = access(RepairedPath().c_str(), F_OK) == 0;
   Require(exists == (repaired.error == 0), "there is a new file, or there is none");
   if (!exists) return Require(repaired.documents == 1, "no reason, or more than one");
-  RequireSound(RepairedPath());
+  RequireValid(RepairedPath());
   const Records records = kestan_tests::Dump(RepairedPath());
   RequireCounted(repaired, records);
   if (twice) RequireKept(records);

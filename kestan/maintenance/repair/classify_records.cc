@@ -73,7 +73,7 @@ void ClassifyUndecided(const Salvage& salvage, const Vector<std::size_t>& undeci
 
 DocumentCandidate CandidateOf(const Salvage& salvage, const SalvagedRecord& record) {
   const DBDatum value = AsDatum(salvage.ValueOf(record));
-  const bool is_valid = value.size == kDocumentRecordBytes && UnitAt(value, 3) == 0;
+  const bool is_valid = value.size == kDocumentRecordBytes && DocumentPadding(value) == 0;
   const std::string_view name = salvage.KeyOf(record).substr(kDocumentFamily.size());
   return {name, DocumentTimestamp(value), is_valid ? DocumentCode(value) : Code{0},
           record.is_current};
@@ -90,7 +90,7 @@ bool HasDocument(const Vector<RepairedDocument>& documents, std::string_view nam
 
 bool IsKeyOfDocument(std::string_view key, const RepairedDocuments& documents) {
   if (IsOfFamily(key, kNameFamily)) {
-    return key.size() == kNameKeyBytes && documents.codes[UnitAt(AsDatum(key), 1)];
+    return key.size() == kNameKeyBytes && documents.codes[CodeOfNameKey(AsDatum(key))];
   }
   return IsOfFamily(key, kDocumentFamily) &&
          HasDocument(documents.documents, key.substr(kDocumentFamily.size()));
@@ -123,7 +123,7 @@ DocumentCandidates CollectCandidates(const Salvage& salvage, const RepairActions
       candidates.documents.push_back(CandidateOf(salvage, record));
     }
     if (!IsOfFamily(key, kNameFamily) || record.is_cut) continue;
-    const Code code = UnitAt(AsDatum(key), 1);
+    const Code code = CodeOfNameKey(AsDatum(key));
     candidates.names.push_back({salvage.ValueOf(record), code, record.is_current});
   }
   return candidates;

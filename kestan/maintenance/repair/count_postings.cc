@@ -1,4 +1,6 @@
 #include <kestan/format/keys.h>
+#include <kestan/format/posting_list.h>
+#include <kestan/format/units.h>
 #include <kestan/maintenance/repair/count_postings.h>
 #include <kestan/text/fold.h>
 
@@ -126,8 +128,8 @@ Code HighestCodePosted(const Salvage& salvage, const RepairActions& actions, boo
   return highest;
 }
 
-PostingCounts CountPostings(const Salvage& salvage, const RepairActions& actions,
-                            const PostingRules& rules, KeptPostings* kept) {
+PostingCounts CountKeptPostings(const Salvage& salvage, const RepairActions& actions,
+                                const PostingRules& rules, KeptPostings* kept) {
   return PostingCounter(rules, kept).Run(salvage, actions);
 }
 

@@ -43,8 +43,8 @@ Code HighestCodePosted(const Salvage& salvage, const RepairActions& actions, boo
                        const CodeSet& long_documents);
 
 // Counts the postings that are kept.
-PostingCounts CountPostings(const Salvage& salvage, const RepairActions& actions,
-                            const PostingRules& rules, KeptPostings* kept);
+PostingCounts CountKeptPostings(const Salvage& salvage, const RepairActions& actions,
+                                const PostingRules& rules, KeptPostings* kept);
 
 }  // namespace kestan
 

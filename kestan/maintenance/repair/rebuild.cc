@@ -1,4 +1,5 @@
 #include <kestan/format/document_record.h>
+#include <kestan/format/id_list.h>
 #include <kestan/format/keys.h>
 #include <kestan/format/option_flags.h>
 #include <kestan/maintenance/repair/rebuild.h>

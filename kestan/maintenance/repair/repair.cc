@@ -13,6 +13,7 @@
 // Each step takes what it needs and returns what it has found. None writes to the damaged file, and
 // only the eighth writes at all.
 #include <fcntl.h>
+#include <kestan/format/id_list.h>
 #include <kestan/maintenance/repair.h>
 #include <kestan/maintenance/repair/classify_records.h>
 #include <kestan/maintenance/repair/codes.h>
@@ -66,7 +67,7 @@ class Repairer {
 
     // 5. Count the postings.
     KeptPostings kept(rules, long_documents, documents.codes | retired);
-    PostingCounts counts = CountPostings(salvage_, actions, rules, &kept);
+    PostingCounts counts = CountKeptPostings(salvage_, actions, rules, &kept);
 
     // 6. Resolve overlaps.
     const Overlaps overlaps = ResolveOverlaps(salvage_, actions, long_documents, counts, &kept);

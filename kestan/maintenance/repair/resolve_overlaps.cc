@@ -1,4 +1,6 @@
 #include <kestan/format/keys.h>
+#include <kestan/format/posting_list.h>
+#include <kestan/format/units.h>
 #include <kestan/maintenance/repair/resolve_overlaps.h>
 #include <kestan/text/fold.h>
 
@@ -64,7 +66,7 @@ class OverlapResolver {
   template <typename Visit>
   void ForEachPlace(const OverlappingPosting& posting, Visit visit) const {
     const DBDatum value = AsDatum(salvage_.ValueOf(salvage_.records()[posting.record]));
-    const std::size_t first = std::size_t{posting.first_unit} + 2;  // after code and count
+    const std::size_t first = posting.first_unit + kUnitsBeforePositions;
     for (std::size_t i = first; i < first + posting.positions; ++i) {
       visit(PlaceOf(posting.code, UnitAt(value, i)));
     }

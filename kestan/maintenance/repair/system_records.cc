@@ -1,5 +1,7 @@
+#include <kestan/format/id_list.h>
 #include <kestan/format/keys.h>
 #include <kestan/format/option_flags.h>
+#include <kestan/format/units.h>
 #include <kestan/maintenance/repair/codes.h>
 #include <kestan/maintenance/repair/system_records.h>
 #include <kestan/maintenance/salvage/posting_salvage.h>
