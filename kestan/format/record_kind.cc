@@ -48,8 +48,7 @@ bool IsShapedLikePostings(const DBDatum& value, const PostingRules& rules) {
   return LooksLikePostings(value, rules) || LooksLikeMixedPostings(value);
 }
 
-// Tells whether the record, which is shaped like postings, can be what its family says all the
-// same.
+// Returns whether the record, which is shaped like postings, can be of the family of its key.
 bool CanBeOfFamily(RecordKind family, std::string_view key, const DBDatum& value,
                    const PostingRules& rules) {
   switch (family) {
@@ -78,7 +77,7 @@ RecordKind KindOfTwoBytes(std::string_view key, const DBDatum* value, const Post
   return CanBeOfFamily(family, key, *value, rules) ? family : RecordKind::kPosting;
 }
 
-// Tells a damaged posting record, of which mostly the first entry makes sense, from a host's own
+// Distinguishes a damaged posting record, whose first posting mostly makes sense, from a host's own
 // text.
 bool BeginsLikePostings(const DBDatum& value, const PostingRules& rules) {
   if (!rules.with_positions || !HasNul(value)) return false;

@@ -1,4 +1,4 @@
-// What a record of an index is, told by its key and, where that is not enough, by its value.
+// The kind of a record, by its key and, where that is not enough, by its value.
 #ifndef KESTAN_FORMAT_RECORD_KIND_H_
 #define KESTAN_FORMAT_RECORD_KIND_H_
 
@@ -36,25 +36,26 @@ struct PostingRules {
 // Reads option flags and counter. What is missing counts as 0.
 PostingRules ReadPostingRules(Database& store);
 
-// Tells whether the record is not empty and nothing but whole entries of codes from 1 up to the
+// Returns whether the record is not empty and nothing but whole postings of codes from 1 up to the
 // highest, each with at least one position, none of them 0. No text passes for that where
 // positions are kept.
 bool LooksLikePostings(const DBDatum& value, const PostingRules& rules);
 
-// Tells whether the record can be a whole entry with positions, more of them, and then codes alone.
-// Option flag 1 takes the positions out of no word such as "e-mail", whose key looks like that of a
-// system record, and entries that come later have none.
+// Returns whether the record can be one or more whole postings with positions, and then codes
+// alone. Option flag 1 leaves the positions of words such as "e-mail", whose keys look like those
+// of system records, and postings that come later have none.
 bool LooksLikeMixedPostings(const DBDatum& value);
 
-// Tells whether documents can hold such a word: it is not empty, and has no white space and no NUL.
+// Returns whether documents can hold such a word: it is not empty, and has no white space and no
+// NUL.
 bool CanBeWord(std::string_view key);
 
-// Tells what the record is. `value` may be null if it is unreadable.
+// Returns the kind of the record. `value` may be null if it is unreadable.
 //
 // Keys of two bytes such as "t-" belong to a word as well as to the title of the document with the
 // empty name, and "d-day" or "c-section" are words too: the value decides. A posting record has
 // another shape than a document record, and NULs, which no other text has that the engine stores.
-// Where neither tells, or the value is empty, the record is that of a document, a name or a text.
+// Where neither decides, or the value is empty, the record is that of a document, a name or a text.
 RecordKind KindOf(const DBDatum& key, const DBDatum* value, const PostingRules& rules);
 
 }  // namespace kestan

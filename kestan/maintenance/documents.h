@@ -29,7 +29,7 @@ struct StoredDocument {
 
   // The words, each spelled as the text had it, by ascending position and, where several share
   // one, in order of their bytes. Of a text of more than 65535 words, those of every round share
-  // positions. Without positions each word is there once, and small if the text had it small too.
+  // positions. Without positions each word is there once, in lower case if the text had it so too.
   const PlacedWord* words = nullptr;
   std::size_t word_count = 0;
   bool has_positions = true;  // false where option flag 1 keeps none

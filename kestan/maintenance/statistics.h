@@ -54,7 +54,7 @@ struct IndexStatistics {
 
   std::uint64_t file_bytes = 0;
   std::uint64_t record_bytes = 0;           // of all keys and values
-  std::uint64_t removed_posting_bytes = 0;  // of entries that a shrink purges
+  std::uint64_t removed_posting_bytes = 0;  // of postings that a shrink purges
   std::uint64_t smallest_file_bytes = 0;    // about what a shrink leaves; see below
   std::uint64_t reclaimable_bytes = 0;      // about what a shrink gives back
   int file_error = 0;  // gdbm's number of the first error; the numbers are incomplete then
@@ -64,7 +64,7 @@ struct IndexStatistics {
 // that wait elsewhere. Changes nothing, but makes `store` flush.
 //
 // What a shrink leaves is estimated, for gdbm alone knows how it will lay records out: keys and
-// values without the entries of removed documents; 2048 bytes for the header and the first bucket;
+// values without the postings of removed documents; 2048 bytes for the header and the first bucket;
 // 107 bytes a record for further buckets and the directory, and for the space that they lose each
 // time they grow; and what no longer fits a block of 512 bytes, s * s / 1024 for a record of s
 // bytes, at most 256. The first number and the last follow from gdbm's layout, the 107 is measured.

@@ -9,7 +9,7 @@
 
 namespace kestan {
 
-// Returns the remainder of each byte, eight bits of zero behind it.
+// Returns the remainder of each byte, followed by eight bits of zero.
 constexpr std::array<std::uint64_t, 256> MakeCrc64Table() {
   constexpr std::uint64_t kPolynomial = 0xc96c5795d7870f42;
   std::array<std::uint64_t, 256> table{};

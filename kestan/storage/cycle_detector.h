@@ -1,4 +1,4 @@
-// Notices keys that a walk meets twice.
+// Detects keys that a walk meets twice.
 #ifndef KESTAN_STORAGE_CYCLE_DETECTOR_H_
 #define KESTAN_STORAGE_CYCLE_DETECTOR_H_
 
@@ -21,8 +21,8 @@ class CycleDetector {
   }
 
   // Notes that the walk has come to `key`, which is copied.
-  //   Returns  whether it is known to have been there before. Then the next keys are new to the
-  //            guard until the walk is twice as long, so that long walks get few alarms.
+  //   Returns  whether the walk is known to have met it before. After that the detector takes keys
+  //            for new until the walk is twice as long, so that long walks get few alarms.
   bool HasMet(const DBDatum& key) {
     const bool is_landmark = landmark_.ptr != nullptr && *landmark_.ptr == key;
     if (is_landmark) landmark_.Free();

@@ -64,7 +64,8 @@ bool LeadsToCycle(GDBM_FILE file, DBDatumPtr key) {
 }  // namespace
 
 Database::Database()
-    : walk_guard_(kestan::New<kestan::CycleDetector>()), cache_(kestan::New<kestan::DBCache>()) {}
+    : cycle_detector_(kestan::New<kestan::CycleDetector>()),
+      cache_(kestan::New<kestan::DBCache>()) {}
 
 Database::~Database() { Close(); }
 
@@ -172,7 +173,7 @@ int Database::First(DBDatumPtr* key, DBDatumPtr* value) {
   key->Free();
   if (!IsOpenFor("first")) return -1;
   MapFile(true);
-  walk_guard_->Restart();
+  cycle_detector_->Restart();
   const datum found = gdbm_firstkey(dbf);
   return Visit(key, value, found.dptr, found.dsize);
 }
@@ -194,7 +195,7 @@ int Database::Visit(DBDatumPtr* key, DBDatumPtr* value, char* found, int found_b
   if (found == nullptr) return -1;
   cursor = kestan::AdoptDatum(found, static_cast<std::uint32_t>(found_bytes));
   if (const kestan::DBCache::Entry* entry = cache_->Find(*cursor.ptr)) cursor = entry->key;
-  if (walk_guard_->HasMet(*cursor.ptr) && LeadsToCycle(dbf, cursor)) {
+  if (cycle_detector_->HasMet(*cursor.ptr) && LeadsToCycle(dbf, cursor)) {
     walk_error_ = Remember(GDBM_BAD_HASH_TABLE);
     return -1;
   }
@@ -244,7 +245,7 @@ int Database::Remember(int error) {
 }
 
 // Walks are twice as fast over a mapped file, and so are writes after one that find room in it. But
-// gdbm maps a file anew each time it grows, which costs far more than it saves: the first growth
+// gdbm maps a file again each time it grows, which costs far more than it saves: the first growth
 // ends the mapping, and before a walk there is none.
 void Database::MapFile(bool mapped) {
   if (!writes_ || mapped == mapped_ || (mapped && !mappable_)) return;

@@ -60,8 +60,8 @@ class KESTAN_EXPORT Database {
   //   Owner    shared with the cache: `*value` sees what others do to the value and keeps it alive.
   int Get(DBDatumPtr* value, const DBDatum& key);
 
-  // Tells whether Get() returned `error` because it could not read the file. There may be a record
-  // then, and nothing should be put in its place.
+  // Returns whether `error`, which Get() returned, means that the file could not be read. There may
+  // be a record then, and nothing should be put in its place.
   static bool IsReadFailure(int error);
 
   // Fetches the values of `count` keys, as that many calls of Get() would. Much faster where most
@@ -105,7 +105,7 @@ class KESTAN_EXPORT Database {
   //   Returns  0, -1 without a file, or gdbm's error number.
   int Verify();
 
-  // Returns the size of the file in bytes, -1 without a file. Changes that wait for a flush may yet
+  // Returns the size of the file in bytes, -1 without a file. Changes that wait for a flush may
   // change it.
   std::int64_t FileBytes() const;
 
@@ -135,7 +135,7 @@ class KESTAN_EXPORT Database {
 
   gdbm_file_info* dbf = nullptr;
   DBDatumPtr cursor;  // the key that First() or Next() found last
-  std::unique_ptr<kestan::CycleDetector> walk_guard_;
+  std::unique_ptr<kestan::CycleDetector> cycle_detector_;
   int walk_error_ = 0;
   int file_error_ = 0;
   std::unique_ptr<kestan::DBCache> cache_;

@@ -34,7 +34,7 @@ void RecordIterator::Next() {
   Visit(store_.Next(&key_, options_.fetches_values ? &value_ : nullptr));
 }
 
-// Looks at the record to which a step of the store has come, with `error` as its answer.
+// Takes in the record that a step of the store has reached, which returned `error`.
 void RecordIterator::Visit(int error) {
   if (!Valid()) {
     value_.Free();

@@ -1,4 +1,4 @@
-// Keeps a file of a few bytes from filling the memory.
+// Keeps a small file from filling the memory.
 #ifndef KESTAN_STORAGE_SIZE_GUARD_H_
 #define KESTAN_STORAGE_SIZE_GUARD_H_
 
@@ -10,9 +10,9 @@
 
 namespace kestan {
 
-// Notices records that share their bytes. Those of a sound file do not, so that all of them
-// together have no more bytes than the file; in one that was made to do harm, they may have
-// thousands of times as many.
+// Detects records that share their bytes. In a valid file they do not, so that all of them together
+// have no more bytes than the file. In a file made to do harm, they may have thousands of times as
+// many.
 class SizeGuard {
  public:
   // Borrows `store`, which is open.

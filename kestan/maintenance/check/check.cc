@@ -26,7 +26,7 @@ int CheckFile(Database& store, int walk_error, Findings* findings) {
   return first;
 }
 
-// Looks at the file as gdbm has laid it out, past its records.
+// Checks the layout of the file, independently of what gdbm reads from it.
 void CheckLayout(const Database& store, Findings* findings) {
   const MappedFile file(store.Descriptor());
   if (!file.is_mapped()) {

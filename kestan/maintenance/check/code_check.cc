@@ -32,7 +32,7 @@ void CheckDocument(const IndexTables& tables, const IndexTables::Document& docum
                    Findings* findings) {
   const String key = ItemKey(kDocumentFamily, document.name);
   const std::uint64_t code = document.code;
-  if (document.has_rest) findings->Fault(key, "other bytes than 0 behind the code");
+  if (document.has_padding) findings->Fault(key, "other bytes than 0 behind the code");
   if (document.name.find('\0') != String::npos) {
     findings->Note(key, "a NUL in the name: no call of the engine reaches the document");
   }

@@ -53,21 +53,21 @@ void LookupCheck::CheckElements(const gdbm::DirectoryRun& run, std::uint32_t cou
 
 void LookupCheck::ReadElements(gdbm::Offset bucket) {
   elements_.resize(shape_.elements);
-  in_a_row_.assign(shape_.elements, 0);
+  used_before_.assign(shape_.elements, 0);
   used_ = 0;
   for (std::uint32_t place = 0; place < shape_.elements; ++place) {
     file_.Read(gdbm::ElementAt(bucket, place), &elements_[place]);
     if (IsUsed(elements_[place])) ++used_;
   }
-  std::uint32_t row = 0;  // the first place follows the last, so twice around tells all
+  std::uint32_t row = 0;  // the first place follows the last, so two rounds find every row
   for (std::uint32_t step = 0; step < 2 * shape_.elements; ++step) {
     const std::uint32_t place = step % shape_.elements;
     row = IsUsed(elements_[place]) ? std::min(row + 1, shape_.elements) : 0;
-    in_a_row_[place] = row;
+    used_before_[place] = row;
   }
 }
 
-// What can be told without the key comes first, for the key costs a read from elsewhere.
+// Checks what needs no key first, since the key is read from elsewhere.
 bool LookupCheck::IsFound(const gdbm::DirectoryRun& run, std::uint32_t place) const {
   const gdbm::Element& element = elements_[place];
   if (element.hash < 0) return false;
@@ -76,7 +76,7 @@ bool LookupCheck::IsFound(const gdbm::DirectoryRun& run, std::uint32_t place) co
   if (entry < run.first || entry >= run.end) return false;
   const std::uint32_t home = hash % shape_.elements;
   const std::uint32_t steps = (place + shape_.elements - home) % shape_.elements;
-  return steps < in_a_row_[place] && file_.IsValid(element);
+  return steps < used_before_[place] && file_.IsValid(element);
 }
 
 // Of two elements with the same key, a look-up finds the one that it meets first, and a walk shows

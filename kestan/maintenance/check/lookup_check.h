@@ -1,10 +1,10 @@
-// Whether gdbm finds every record that it shows, judged by the bytes of its file.
+// Checks by the bytes of a gdbm file that a look-up finds every record that a walk shows.
 //
 // A walk takes each key from the place that an element of a bucket names. A look-up starts from the
-// key: its hash names an entry of the directory, which leads to a bucket; there the search begins
+// key: its hash names an entry of the directory, which names a bucket; there the search begins
 // at the place that the hash names, ends at the first unused one, and takes the element that gives
 // the same hash, length and first bytes. Right after a walk has shown a key, gdbm answers for it
-// without all that, so that fetching the records of a walk proves nothing.
+// without all that. So fetching the records of a walk proves nothing.
 #ifndef KESTAN_MAINTENANCE_CHECK_LOOKUP_CHECK_H_
 #define KESTAN_MAINTENANCE_CHECK_LOOKUP_CHECK_H_
 
@@ -41,9 +41,9 @@ class LookupCheck {
   Findings& findings_;
   gdbm::Header header_{};
   gdbm::Shape shape_;
-  Vector<gdbm::Element> elements_;  // of the bucket that is looked at
-  Vector<std::uint32_t> in_a_row_;  // by place: how many used ones end there, without a gap
-  Vector<std::uint32_t> found_;     // places of elements that a look-up may find
+  Vector<gdbm::Element> elements_;     // of the bucket that is looked at
+  Vector<std::uint32_t> used_before_;  // by place: how many used ones end there, without a gap
+  Vector<std::uint32_t> found_;        // places of elements that a look-up may find
   std::uint32_t used_ = 0;
   std::uint64_t lost_ = 0;
   std::uint64_t bad_runs_ = 0;

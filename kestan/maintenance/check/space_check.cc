@@ -28,12 +28,12 @@ void SpaceCheck::ForEachPiece(Take take) const {
              [&](const gdbm::DirectoryRun& run) { ForEachOfBucket(run.bucket, take); });
 }
 
-// The header's list of free space, and those behind it, which lie in pieces of their own.
+// Takes the header's list of free space, and those after it, which lie in pieces of their own.
 template <typename Take>
 void SpaceCheck::ForEachFree(Take take) const {
   const bool is_extended = header_.magic == gdbm::kExtendedMagic;
   Offset list = sizeof(gdbm::Header) + (is_extended ? gdbm::kExtensionBytes : 0);
-  Offset read = 0;  // a chain may lead back to itself
+  Offset read = 0;  // a chain may be a cycle
   for (bool is_first = true; list != 0 && read <= file_.size(); is_first = false) {
     gdbm::FreeList head{};
     if (!file_.Read(list, &head) || head.count < 0) return;
@@ -72,7 +72,7 @@ void SpaceCheck::ForEachOfBucket(Offset bucket, Take take) const {
   }
 }
 
-// Looks at the pieces that begin in one part of the file. What lies outside of it, or seems to end
+// Checks the pieces that begin in one part of the file. What lies outside of it, or seems to end
 // before it begins, is counted with the first part.
 void SpaceCheck::CheckPart(Offset begin, Offset end) {
   pieces_.clear();

@@ -1,4 +1,4 @@
-// Whether everything in a gdbm file has bytes of its own.
+// Checks that everything in a gdbm file has bytes of its own.
 #ifndef KESTAN_MAINTENANCE_CHECK_SPACE_CHECK_H_
 #define KESTAN_MAINTENANCE_CHECK_SPACE_CHECK_H_
 
@@ -11,13 +11,13 @@
 
 namespace kestan {
 
-// Looks at header, directory, buckets, records and free space. A record whose length is damaged
+// Checks header, directory, buckets, records and free space. A record whose length is damaged
 // reaches into the next; parts of an older state of the file take space that others have by now, or
 // count it as free, so that the next change would overwrite them.
 class SpaceCheck {
  public:
-  // How many pieces are held at once, 24 bytes each. Of a file with more, a part is looked at after
-  // the other, with a pass over all buckets for each.
+  // How many pieces are held at once, 24 bytes each. A file with more is checked in parts, each
+  // with a pass over all buckets.
   static constexpr std::size_t kPiecesAtOnce = std::size_t{1} << 19;
 
   // Borrows both.
@@ -52,7 +52,7 @@ class SpaceCheck {
   gdbm::Header header_{};
   gdbm::Shape shape_;
   Vector<Piece> pieces_;
-  Piece last_{};  // of those looked at, the one that ends last
+  Piece last_{};  // of those checked, the one that ends last
   std::uint64_t shared_records_ = 0;
   std::uint64_t used_free_ = 0;
   std::uint64_t shared_others_ = 0;

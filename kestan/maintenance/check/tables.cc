@@ -30,7 +30,7 @@ class TableBuilder {
     }
   }
 
-  // A walk that goes in circles comes to a record more than once.
+  // A walk may visit a record more than once before it detects a cycle.
   void Finish() {
     Decide();
     auto& documents = tables_.documents;
@@ -92,7 +92,7 @@ class TableBuilder {
     document.name = BytesOf(key).substr(kDocumentFamily.size());
     document.bytes = value.size;
     document.code = DocumentCode(value);
-    document.has_rest = value.size >= kDocumentRecordBytes && DocumentPadding(value) != 0;
+    document.has_padding = value.size >= kDocumentRecordBytes && DocumentPadding(value) != 0;
     return document;
   }
 

@@ -1,4 +1,4 @@
-// What the system records of an index say, side by side in memory.
+// The contents of the system records of an index, in memory.
 #ifndef KESTAN_MAINTENANCE_CHECK_TABLES_H_
 #define KESTAN_MAINTENANCE_CHECK_TABLES_H_
 
@@ -12,7 +12,7 @@
 
 namespace kestan {
 
-// Takes memory for the documents' names, twice; nothing of the postings.
+// Holds the documents' names twice, and nothing of the postings.
 struct IndexTables {
   // A record "d-" + name. One that is empty or shaped like the postings of a word such as "d-day"
   // is a document's if a name record names that document.
@@ -20,7 +20,7 @@ struct IndexTables {
     String name;
     std::uint32_t bytes = 0;  // of the record
     Code code = 0;
-    bool has_rest = false;  // the two bytes behind the code are not 0
+    bool has_padding = false;  // the two bytes after the code are not 0
   };
 
   // A record "c-" + code.
@@ -29,8 +29,8 @@ struct IndexTables {
     String name;
   };
 
-  // A record that has another length, or a "c-" record whose key has another, than the engine gives
-  // it.
+  // A record whose length is not what the engine writes; or a "c-" record whose key has such a
+  // length.
   struct OddRecord {
     String key;
     std::uint32_t bytes = 0;  // of the value
@@ -40,7 +40,7 @@ struct IndexTables {
   const Document* FindDocument(std::string_view name) const;
   const Name* FindName(Code code) const;
 
-  // Tells what the record is, as KindOf() does, but of a record "d-" + name by `documents`.
+  // Returns the kind of the record as KindOf() does, but decides of "d-" + name by `documents`.
   RecordKind KindOfRecord(const DBDatum& key, const DBDatum& value) const;
 
   Vector<Document> documents;  // by ascending name; those with odd records too
@@ -55,7 +55,7 @@ struct IndexTables {
   PostingRules rules;
   int walk_error = 0;  // gdbm's number if the walk ended early
 
-  // Records may be missing from the tables.
+  // Returns whether records may be missing from the tables.
   bool IsIncomplete() const { return walk_error != 0 || !unreadable.empty(); }
 };
 
