@@ -1,17 +1,16 @@
 #include "cli/index/document_records.h"
 
+#include <kestan/results.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <string_view>
 
 #include "cli/console/message.h"
 #include "cli/index/side_record.h"
-#include "search/text/lines.h"
 
 namespace kestan_cli {
 namespace {
-
-using kestan::search::SortedLines;
 
 void MoveSideRecord(OpenedIndex& index, const SideRecord& record, const std::string& from,
                     const std::string& to) {
@@ -27,9 +26,19 @@ void MoveSideRecord(OpenedIndex& index, const SideRecord& record, const std::str
 
 }  // namespace
 
+std::vector<std::string> DocumentNames(Kestan& engine) {
+  std::vector<std::string> names;
+  kestan::ReaderOf(engine).ForEachDocument([&](std::string_view name) {
+    names.emplace_back(name);
+    return true;
+  });
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
 std::vector<IndexedDocument> IndexedDocuments(Kestan& engine) {
   std::vector<IndexedDocument> documents;
-  for (std::string& name : SortedLines(engine.ListDocuments())) {
+  for (std::string& name : DocumentNames(engine)) {
     if (name.empty()) continue;
     const auto fingerprint = FingerprintIn(UserRecord(engine, name));
     documents.push_back({std::move(name), fingerprint});

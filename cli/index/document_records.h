@@ -17,6 +17,9 @@ struct IndexedDocument {
   std::optional<Fingerprint> fingerprint;  // of the file that was indexed
 };
 
+// Returns the names of the documents of an open index, in order of their bytes.
+std::vector<std::string> DocumentNames(Kestan& engine);
+
 // Returns the documents of an open index, in order of the bytes of their names.
 std::vector<IndexedDocument> IndexedDocuments(Kestan& engine);
 

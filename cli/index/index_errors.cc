@@ -1,23 +1,25 @@
 #include "cli/index/index_errors.h"
 
 #include <kestan/kestan.h>
+#include <kestan/results.h>
 
 namespace kestan_cli {
 namespace {
 
-// gdbm's error numbers, which the store hands on.
-constexpr int kFileOpenError = 3;
-constexpr int kFileWriteError = 4;
-constexpr int kFileReadError = 6;  // those between are about seeking and writing
-constexpr int kCantBeReader = 9;
-constexpr int kCantBeWriter = 10;
-constexpr int kNeedsRecovery = 29;
+using kestan::StoreError;
+
+bool IsError(int error, StoreError which) { return error == static_cast<int>(which); }
+
+// Returns whether the system refused an operation on the file, so that errno gives the reason.
+bool IsFromSystem(int error) {
+  return error >= static_cast<int>(StoreError::kFileOpen) &&
+         error <= static_cast<int>(StoreError::kFileRead);
+}
 
 // Returns why the store refused to open a file; errno was `system_error` right after.
 std::string ReasonOfStore(int error, int system_error) {
-  if (error == kNeedsRecovery) return std::string("damaged; ") + kSeeRepair;
-  const bool from_system = error >= kFileOpenError && error <= kFileReadError;
-  if (from_system && system_error != 0) return ReasonOf(system_error);
+  if (IsError(error, StoreError::kNeedsRecovery)) return std::string("damaged; ") + kSeeRepair;
+  if (IsFromSystem(error) && system_error != 0) return ReasonOf(system_error);
   return std::string("not an index file (") + Database::ErrorString(error) + ")" + kIfItWasOne;
 }
 
@@ -25,7 +27,9 @@ std::string ReasonOfStore(int error, int system_error) {
 // needed.
 std::string ReasonOfWrite(int error, bool on_copy) {
   const std::string reason = Database::ErrorString(error);
-  if (error != kFileWriteError && error != kNeedsRecovery) return reason + "; see kestan check";
+  const bool is_write_error =
+      IsError(error, StoreError::kFileWrite) || IsError(error, StoreError::kNeedsRecovery);
+  if (!is_write_error) return reason + "; see kestan check";
   return "a write failed, perhaps for want of room (" + reason + ")" +
          (on_copy ? "; it is as it was" : "");
 }
@@ -45,8 +49,8 @@ CommandError Locked(const std::string& path, const std::string& holds_it) {
 }
 
 CommandError StoreNotOpened(const std::string& path, int error, int system_error) {
-  if (error == kCantBeReader) return Locked(path, "is changing it");
-  if (error == kCantBeWriter) return Locked(path, "has it open");
+  if (IsError(error, StoreError::kCannotBeReader)) return Locked(path, "is changing it");
+  if (IsError(error, StoreError::kCannotBeWriter)) return Locked(path, "has it open");
   return CannotOpen(path, ReasonOfStore(error, system_error));
 }
 

@@ -3,9 +3,7 @@
 #include <kestan/maintenance.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <string_view>
@@ -17,6 +15,9 @@ namespace kestan_cli {
 namespace {
 
 namespace fs = std::filesystem;
+
+using kestan::CollectionCounts;
+using kestan::IndexFile;
 
 constexpr int kMaxLinks = 40;  // in a chain; as many as the system follows
 
@@ -41,55 +42,22 @@ void CheckWritable(const std::string& path) {
   if (::access(path.c_str(), W_OK) != 0) throw CannotChange(path, ReasonOf(errno));
 }
 
-DBDatumPtr Record(Database& store, std::string_view key) {
-  DBDatumPtr value;
-  store.Get(&value, DBDatum(key.data(), static_cast<std::uint32_t>(key.size())));
-  return value;
+// Returns the counts of an index that is still to be made.
+CollectionCounts CountsOfNewIndex() {
+  CollectionCounts counts;
+  counts.free_codes = kestan::kMaxCode;
+  return counts;
 }
 
-// Reads a 16-bit number, low byte first; bytes that a damaged record lacks are 0.
-unsigned long FirstUnit(const DBDatum& value) {
-  unsigned long unit = 0;
-  for (std::uint32_t i = 0; i < 2 && i < value.size; ++i) {
-    unit |= static_cast<unsigned long>(static_cast<unsigned char>(value.data[i])) << 8 * i;
-  }
-  return unit;
-}
-
-// Returns whether there is the record of a document, which no index has without a counter.
-bool ShowsDocuments(Database& store) {
-  constexpr std::uint32_t kDocumentBytes = 8;
-  constexpr int kRecordsBetweenFlushes = 1000;  // a flush frees the memory of those read
-  DBDatumPtr key;
-  DBDatumPtr value;
-  int walked = 0;
-  for (int end = store.First(&key, &value); key.ptr != nullptr; end = store.Next(&key, &value)) {
-    const std::string_view bytes(key.ptr->data, key.ptr->size);
-    if (bytes.substr(0, 2) == "d-" && end == 0 && value.ptr->size == kDocumentBytes) return true;
-    if (++walked % kRecordsBetweenFlushes == 0) store.Flush();
-  }
-  return false;
-}
-
-unsigned long CountUnits(const DBDatumPtr& value) {
-  return value.ptr != nullptr ? value.ptr->size / 2 : 0;
-}
-
-IndexFacts FactsOf(Database& store, bool* lacks_counter) {
-  IndexFacts facts;
-  const DBDatumPtr highest = Record(store, "g-code");
-  if (highest.ptr == nullptr) {
-    *lacks_counter = ShowsDocuments(store);  // an undamaged index without a counter is small
-    return facts;
-  }
-  facts.had_documents = true;
-  facts.free_codes -= FirstUnit(*highest.ptr);
-  const unsigned long reusable = CountUnits(Record(store, "g-avail"));
-  const unsigned long gone = reusable + CountUnits(Record(store, "g-deleted"));
-  const unsigned long codes = FirstUnit(*highest.ptr);
-  facts.free_codes += reusable;
-  facts.documents = codes - std::min(codes, gone);
-  return facts;
+// Returns whether there is the record of a document. An undamaged index without a counter of
+// documents has none, and is small.
+bool HasDocuments(IndexFile& file) {
+  bool found = false;
+  file.ForEachDocument([&](std::string_view name) {
+    found = file.CodeOf(name) != 0;
+    return !found;
+  });
+  return found;
 }
 
 }  // namespace
@@ -126,29 +94,27 @@ std::string RealPath(const std::string& path) {
   return real.string();
 }
 
-IndexFacts ExamineIndex(const std::string& path, Access access) {
+CollectionCounts ExamineIndex(const std::string& path, Access access) {
   if (access == Access::kCreate && IsMissing(path)) {
     CheckFolderOfNewIndex(path);
-    return {};
+    return CountsOfNewIndex();
   }
   CheckFile(path);
   if (access == Access::kWrite || access == Access::kCreate) CheckWritable(path);
-  if (access == Access::kCreate && IsEmpty(path)) return {};
-  Database store;
-  OpenStore(store, path, Access::kRead);
-  const bool has_options = Record(store, "g-opts").ptr != nullptr;
-  bool lacks_counter = false;
-  const IndexFacts facts = FactsOf(store, &lacks_counter);
-  if (store.FileError() != 0) {
-    if (access == Access::kInspect) return facts;
-    throw CannotRead(path, store.FileError());
-  }
+  if (access == Access::kCreate && IsEmpty(path)) return CountsOfNewIndex();
+  IndexFile file;
+  OpenStore(file.store(), path, Access::kRead);
+  const bool has_options = file.OptionFlags().has_value();
+  const CollectionCounts counts = file.Counts();
+  const bool lacks_counter = !counts.had_documents && HasDocuments(file);
+  if (access == Access::kInspect && file.FileError() != 0) return counts;
+  if (file.FileError() != 0) throw CannotRead(path, file.FileError());
   if (lacks_counter && access != Access::kInspect) {
     throw CannotOpen(path, std::string("its counter of documents is lost; ") + kSeeRepair);
   }
   // Every index has option flags; a gdbm file of another program has not.
   if (!has_options) throw CannotOpen(path, std::string("not an index file") + kIfItWasOne);
-  return facts;
+  return counts;
 }
 
 void CheckStructure(const std::string& path) {

@@ -3,6 +3,7 @@
 #ifndef KESTAN_CLI_INDEX_INDEX_EXAMINATION_H_
 #define KESTAN_CLI_INDEX_INDEX_EXAMINATION_H_
 
+#include <kestan/index_file.h>
 #include <kestan/kestan.h>
 
 #include <string>
@@ -19,18 +20,12 @@ enum class Access {
   kCreate,   // change it, or make a new one at a path without a file or with an empty one
 };
 
-// What is known about an index before the engine opens it.
-struct IndexFacts {
-  bool had_documents = false;        // it has, or once had, a document
-  unsigned long free_codes = 65535;  // how many documents can still be added
-  unsigned long documents = 0;       // how many it has, without removed ones
-};
-
 // Examines the file at `path`. Writes nothing to it.
+//   Returns  its counts; those of an index without documents if it is still to be made.
 //   Throws   CommandError "cannot open index 'PATH': REASON" if it is missing, cannot be read or
-//            (for a change) written, is not an index, or is damaged where IndexFacts are read; with
+//            (for a change) written, is not an index, or is damaged where the counts are read; with
 //            the status kBusy if another process is writing it.
-IndexFacts ExamineIndex(const std::string& path, Access access);
+kestan::CollectionCounts ExamineIndex(const std::string& path, Access access);
 
 // Makes sure that it is safe to change the index at `path`. Writes nothing to it. Every record must
 // be found by its key, or a change would write the record a second time. No record may lie in space

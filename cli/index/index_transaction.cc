@@ -35,7 +35,7 @@ IndexTransaction::IndexTransaction(Kestan& engine, const std::string& path, Acce
   ExamineIndex(path_, access_);  // first: only an index is locked
   lock_ = std::make_unique<IndexLock>(file_, Complaint(path_));
   if (mode_ == UpdateMode::kOnCopy) RemoveLeftovers(file_);
-  facts_ = ExamineIndex(path_, access_);  // again: nobody can change it now
+  counts_ = ExamineIndex(path_, access_);  // again: nobody can change it now
   std::error_code error;
   if (std::filesystem::file_size(file_, error) != 0 && !error) CheckStructure(path_);
 }

@@ -10,7 +10,7 @@ OpenedIndex::OpenedIndex(Kestan& engine, const std::string& path, Access access,
     : engine_(engine),
       file_(RealPath(path)),
       path_(std::move(shown)),
-      facts_(ExamineIndex(path, access)) {
+      counts_(ExamineIndex(path, access)) {
   if (engine_.OpenIndex(file_.c_str(), access == Access::kRead ? 0 : 1) == 0) return;
   Database store;
   OpenStore(store, path, access, path_);

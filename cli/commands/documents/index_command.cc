@@ -40,8 +40,8 @@ std::vector<std::string> PathsOf(const IndexOptions& options) {
 }
 
 std::vector<IndexedDocument> DocumentsAt(Kestan& engine, const std::string& index,
-                                         const IndexFacts& facts) {
-  if (!facts.had_documents) return {};
+                                         const kestan::CollectionCounts& counts) {
+  if (!counts.had_documents) return {};
   const OpenedIndex opened(engine, index, Access::kRead);
   std::vector<IndexedDocument> documents = IndexedDocuments(engine);
   opened.CheckRead();
@@ -64,14 +64,14 @@ void ForgetSkipsOf(const VanishedDocuments& vanished, std::vector<Skip>* skips) 
 
 // Makes sure before the change that there are codes for all new documents: the engine removes the
 // earlier version of a document even if there is none for the new one.
-void CheckFreeCodes(const ChangePlan& plan, const ReadingRules& rules, const IndexFacts& facts,
-                    const std::string& index, bool quiet) {
-  if (plan.to_read.size() <= facts.free_codes) return;
+void CheckFreeCodes(const ChangePlan& plan, const ReadingRules& rules,
+                    const kestan::CollectionCounts& counts, const std::string& index, bool quiet) {
+  if (plan.to_read.size() <= counts.free_codes) return;
   Progress progress(StyleOfStandardError(quiet), plan.to_read.size(), plan.bytes_to_read);
   const unsigned long needed = CountCodesNeeded(plan, rules, progress);
-  if (needed <= facts.free_codes) return;
+  if (needed <= counts.free_codes) return;
   throw CommandError("index " + Quoted(index) + " has room for " +
-                     Counted(facts.free_codes, "more document") + ", not for " +
+                     Counted(counts.free_codes, "more document") + ", not for " +
                      std::to_string(needed) + "; shrinking it may make room");
 }
 
@@ -139,10 +139,10 @@ int RunIndex(Kestan& engine, const std::string& index, const IndexOptions& optio
   const ReadingRules rules = RulesOf(options, converters);
   const std::vector<std::string> paths = PathsOf(options);
   Scan scan = ScanFor(options, paths, index);
-  ChangePlan plan = PlanChanges(scan.files, DocumentsAt(engine, index, transaction.facts()),
+  ChangePlan plan = PlanChanges(scan.files, DocumentsAt(engine, index, transaction.counts()),
                                 NamesOf(paths), HasVanished, options.all);
   if (options.prune) ForgetSkipsOf(plan.vanished, &scan.skips);
-  CheckFreeCodes(plan, rules, transaction.facts(), index, options.quiet);
+  CheckFreeCodes(plan, rules, transaction.counts(), index, options.quiet);
   IndexReport report;
   report.skips = std::move(scan.skips);
   Carry(std::move(plan), rules, options, transaction, &report);

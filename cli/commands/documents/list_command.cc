@@ -3,13 +3,10 @@
 
 #include "cli/app/command_registry.h"
 #include "cli/console/json.h"
-#include "cli/index/opened_index.h"
-#include "search/text/lines.h"
+#include "cli/index/document_records.h"
 
 namespace kestan_cli {
 namespace {
-
-using kestan::search::SortedLines;
 
 using Names = std::vector<std::string>;
 
@@ -34,7 +31,7 @@ Json JsonOf(Kestan& engine, const Names& names) {
 
 int RunList(Kestan& engine, const Values& values) {
   const OpenedIndex opened(engine, values.Text("INDEX"), Access::kRead);
-  const Names names = SortedLines(engine.ListDocuments());
+  const Names names = DocumentNames(engine);
   PrintReport(
       ReportFormatOf(values),
       [&] {

@@ -1,5 +1,7 @@
 #include "cli/commands/search/search_command.h"
 
+#include <kestan/results.h>
+
 #include <cstdint>
 #include <cstdlib>
 #include <string_view>
@@ -106,7 +108,7 @@ class Search {
       if (!state) return std::nullopt;
       return state->bytes;
     };
-    SortByRelevance(parts, index_.facts().documents, size_of, &hits_);
+    SortByRelevance(parts, index_.counts().documents, size_of, &hits_);
   }
 
   std::vector<Fragment> SnippetOf(const std::string& name, const std::string& title) {
@@ -204,7 +206,7 @@ int RunSearch(Kestan& engine, const std::string& index, const SearchOptions& opt
   const std::optional<Query> query = ParseQuery(options.query, options.default_operator);
   if (!query) return PrintNothing(options, {"the query holds no letters to search for"});
   // An index that never had a document matches nothing, and the engine ends the process at a NOT.
-  if (!opened.facts().had_documents) return PrintNothing(options, {});
+  if (!opened.counts().had_documents) return PrintNothing(options, {});
   return FindAndPrint(opened, *query, options);
 }
 
@@ -229,7 +231,7 @@ int RunSearchCommand(Kestan& engine, const Values& values) {
   if (values.Has("--any")) options.default_operator = DefaultOperator::kOr;
   options.order = OrderOf(values.Text("--order"));
   if (values.Has("--limit")) {
-    options.limit = static_cast<std::size_t>(values.Number("--limit", 0, 0, 65535));
+    options.limit = static_cast<std::size_t>(values.Number("--limit", 0, 0, kestan::kMaxCode));
   }
   options.names_only = values.Has("--names-only");
   options.nul = values.Has("--null");

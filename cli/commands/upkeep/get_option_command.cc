@@ -1,3 +1,5 @@
+#include <kestan/results.h>
+
 #include <string>
 
 #include "cli/app/command_registry.h"
@@ -8,7 +10,8 @@ namespace kestan_cli {
 namespace {
 
 std::string JsonOf(unsigned long flags) {
-  return JsonReport({{"flags", flags}, {"positions_kept", (flags & 1) == 0}});
+  return JsonReport(
+      {{"flags", flags}, {"positions_kept", (flags & kestan::kFlagNoPositions) == 0}});
 }
 
 int RunGetOption(Kestan& engine, const Values& values) {

@@ -1,4 +1,5 @@
 #include <kestan/maintenance.h>
+#include <kestan/results.h>
 
 #include <cstdint>
 #include <iterator>
@@ -24,7 +25,9 @@ struct Fact {
   std::uint64_t number;
 };
 
-bool KeepsPositions(const IndexStatistics& index) { return (index.option_flags & 1) == 0; }
+bool KeepsPositions(const IndexStatistics& index) {
+  return (index.option_flags & kestan::kFlagNoPositions) == 0;
+}
 
 std::vector<Fact> CountsIn(const IndexStatistics& index) {
   return {{"documents", "documents", index.documents},

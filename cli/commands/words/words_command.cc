@@ -1,8 +1,9 @@
+#include <kestan/results.h>
+
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "cli/app/command_registry.h"
@@ -25,9 +26,9 @@ double BoundOf(const Values& values, const std::string& option, double fallback)
   double bound = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), bound);
   const bool is_number = error == std::errc() && end == text.data() + text.size();
-  if (is_number && bound >= 0 && bound <= 65535) return bound;
-  throw CommandError(option + " takes a count from 1 to 65535 or a share below 1, not " +
-                     Quoted(text));
+  if (is_number && bound >= 0 && bound <= kestan::kMaxCode) return bound;
+  throw CommandError(option + " takes a count from 1 to " + std::to_string(kestan::kMaxCode) +
+                     " or a share below 1, not " + Quoted(text));
 }
 
 struct CountedWord {
@@ -37,15 +38,23 @@ struct CountedWord {
 
 using CountedWords = std::vector<CountedWord>;
 
+// Removed documents and codes without a document do not count.
+std::size_t CountDocuments(Kestan& engine, const std::string& word) {
+  kestan::IndexReader& reader = kestan::ReaderOf(engine);
+  const int id = engine.QueryWord(word.c_str());
+  const kestan::Matches matches = kestan::MatchesOf(id);
+  const auto count = std::count_if(matches.begin(), matches.end(), [&](const kestan::Match& match) {
+    return !reader.IsRemoved(match.code) && reader.NameOf(match.code).data() != nullptr;
+  });
+  engine.FreeQueryResult(id);
+  return static_cast<std::size_t>(count);
+}
+
 // Counts the documents of each word, and puts the most frequent words first.
 CountedWords CountDocuments(Kestan& engine, const std::vector<std::string>& words) {
   CountedWords counted;
   for (const std::string& word : words) {
-    const int id = engine.QueryWord(word.c_str());
-    const std::string_view listing = engine.QueryResults(id);
-    counted.push_back(
-        {word, static_cast<std::size_t>(std::count(listing.begin(), listing.end(), '\n'))});
-    engine.FreeQueryResult(id);
+    counted.push_back({word, CountDocuments(engine, word)});
   }
   std::stable_sort(counted.begin(), counted.end(), [](const auto& left, const auto& right) {
     return left.documents > right.documents;

@@ -2,11 +2,23 @@
 
 #include <gtest/gtest.h>
 
+#include <kestan/results.h>
+
 #include <cerrno>
 #include <string>
 
 namespace kestan_cli {
 namespace {
+
+using kestan::StoreError;
+
+CommandError NotOpened(StoreError error, int system_error) {
+  return StoreNotOpened("a", static_cast<int>(error), system_error);
+}
+
+CommandError NotWritten(StoreError error, bool on_copy) {
+  return CannotWrite("a", static_cast<int>(error), on_copy);
+}
 
 TEST(IndexErrorsTest, MessagesNameTheIndexAndTheReason) {
   EXPECT_STREQ(CannotOpen("a\nb", "is a folder").what(), "cannot open index 'a\\nb': is a folder");
@@ -18,27 +30,28 @@ TEST(IndexErrorsTest, LockedIndexIsBusy) {
   const CommandError error = Locked("a", "has it open");
   EXPECT_STREQ(error.what(), "cannot open index 'a': another process has it open; try again later");
   EXPECT_EQ(error.status(), kBusy);
-  EXPECT_EQ(StoreNotOpened("a", 9, 0).status(), kBusy);
-  EXPECT_EQ(StoreNotOpened("a", 10, 0).status(), kBusy);
+  EXPECT_EQ(NotOpened(StoreError::kCannotBeReader, 0).status(), kBusy);
+  EXPECT_EQ(NotOpened(StoreError::kCannotBeWriter, 0).status(), kBusy);
 }
 
 TEST(IndexErrorsTest, SystemGivesTheReasonWhereItRefusedTheFile) {
-  EXPECT_STREQ(StoreNotOpened("a", 3, EACCES).what(), "cannot open index 'a': permission denied");
-  EXPECT_STREQ(StoreNotOpened("a", 29, 0).what(),
+  EXPECT_STREQ(NotOpened(StoreError::kFileOpen, EACCES).what(),
+               "cannot open index 'a': permission denied");
+  EXPECT_STREQ(NotOpened(StoreError::kNeedsRecovery, 0).what(),
                "cannot open index 'a': damaged; kestan repair saves what it still holds");
   EXPECT_STREQ(
-      StoreNotOpened("a", 7, 0).what(),
+      NotOpened(StoreError::kBadMagicNumber, 0).what(),
       "cannot open index 'a': not an index file (Bad magic number); if it was one, see kestan "
       "repair");
 }
 
 TEST(IndexErrorsTest, FailedWriteLeavesTheIndexAloneIfItWasOnACopy) {
-  const std::string in_place = CannotWrite("a", 4, false).what();
+  const std::string in_place = NotWritten(StoreError::kFileWrite, false).what();
   EXPECT_EQ(in_place.find("cannot write to index 'a': a write failed, perhaps for want of room ("),
             0u)
       << in_place;
-  EXPECT_EQ(CannotWrite("a", 4, true).what(), in_place + "; it is as it was");
-  const std::string other = CannotWrite("a", 5, true).what();
+  EXPECT_EQ(NotWritten(StoreError::kFileWrite, true).what(), in_place + "; it is as it was");
+  const std::string other = NotWritten(StoreError::kFileSeek, true).what();
   EXPECT_NE(other.find("; see kestan check"), std::string::npos) << other;
 }
 

@@ -175,7 +175,7 @@ TEST_F(IndexExaminationTest, UnreadableDirectoryHidesItsIndex) {
   ASSERT_EQ(chmod(Path("closed").c_str(), 0755), 0);
 }
 
-TEST_F(IndexExaminationTest, FactsHaveTheNumberOfFreeCodes) {
+TEST_F(IndexExaminationTest, CountsHaveTheNumberOfFreeCodes) {
   using kestan_cli::Access;
   using kestan_cli::ExamineIndex;
   Add("docs/a", "some words\n");
@@ -184,7 +184,7 @@ TEST_F(IndexExaminationTest, FactsHaveTheNumberOfFreeCodes) {
   EXPECT_EQ(ExamineIndex(Path("my.index"), Access::kRead).free_codes, 3u);
 }
 
-TEST_F(IndexExaminationTest, FactsHaveTheNumberOfDocuments) {
+TEST_F(IndexExaminationTest, CountsHaveTheNumberOfDocuments) {
   using kestan_cli::Access;
   using kestan_cli::ExamineIndex;
   Add("docs/a", "some words\n");
@@ -196,20 +196,21 @@ TEST_F(IndexExaminationTest, FactsHaveTheNumberOfDocuments) {
   EXPECT_EQ(ExamineIndex(Path("my.index"), Access::kRead).documents, 0u);
 }
 
-TEST_F(IndexExaminationTest, FactsSurviveDamagedRecords) {
+TEST_F(IndexExaminationTest, CountsSurviveDamagedRecords) {
   using kestan_cli::Access;
   Add("docs/a", "some words\n");
   Plant(Path("my.index"), {{"g-code", "\x05"}, {"g-avail", "abc"}});
-  const kestan_cli::IndexFacts facts = kestan_cli::ExamineIndex(Path("my.index"), Access::kWrite);
-  EXPECT_TRUE(facts.had_documents);
-  EXPECT_EQ(facts.free_codes, 65536u - 5);
+  const kestan::CollectionCounts counts =
+      kestan_cli::ExamineIndex(Path("my.index"), Access::kWrite);
+  EXPECT_TRUE(counts.had_documents);
+  EXPECT_EQ(counts.free_codes, 65536u - 5);
 }
 
 TEST_F(IndexExaminationTest, NewIndexNeverHadADocument) {
   using kestan_cli::Access;
-  const kestan_cli::IndexFacts facts = kestan_cli::ExamineIndex(Path("new"), Access::kCreate);
-  EXPECT_FALSE(facts.had_documents);
-  EXPECT_EQ(facts.free_codes, 65535u);
+  const kestan::CollectionCounts counts = kestan_cli::ExamineIndex(Path("new"), Access::kCreate);
+  EXPECT_FALSE(counts.had_documents);
+  EXPECT_EQ(counts.free_codes, 65535u);
 }
 
 TEST_F(IndexExaminationTest, IndexWithoutItsCounterIsDamaged) {
