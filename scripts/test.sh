@@ -5,4 +5,4 @@ cd "$(dirname "$0")/.."
 scripts/install-dependencies.sh
 cmake --preset release -DKESTAN_BUILD_TESTS=ON
 cmake --build --preset release
-ctest --preset release
+ctest --preset release -j "$(nproc)"
