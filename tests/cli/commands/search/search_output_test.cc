@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <array>
 #include <csignal>
 #include <cstdlib>
 #include <nlohmann/json.hpp>
@@ -112,10 +113,14 @@ class TerminalTest : public SearchOutputTest {
       setenv("NO_COLOR", no_color, 1);
       dup2(open(slave.c_str(), O_RDWR | O_NOCTTY), STDOUT_FILENO);
     });
-    std::string text(4096, '\0');
-    const ssize_t bytes = read(master_, text.data(), text.size());
     close(held);
-    text.resize(bytes > 0 ? static_cast<std::size_t>(bytes) : 0);
+    // The system passes a terminal's text on in pieces, some of them after the command has ended.
+    // With the last descriptor of the other side closed, the read after the last piece fails.
+    std::string text;
+    std::array<char, 4096> piece{};
+    for (ssize_t bytes = 0; (bytes = read(master_, piece.data(), piece.size())) > 0;) {
+      text.append(piece.data(), static_cast<std::size_t>(bytes));
+    }
     return text;
   }
 
