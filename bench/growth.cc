@@ -15,10 +15,10 @@
 #include <string>
 #include <vector>
 
-#include "peers/corpus.h"
-#include "peers/measure.h"
-#include "support/texts.h"
-#include "support/workbench.h"
+#include "bench/peers/corpus.h"
+#include "bench/peers/measure.h"
+#include "bench/support/texts.h"
+#include "bench/support/workbench.h"
 
 namespace kestan_bench {
 

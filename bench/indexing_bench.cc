@@ -7,13 +7,13 @@
 #include <kestan/kestan.h>
 
 #include <cctype>
-#include <cstdlib>
 #include <cstring>
-#include <map>
 #include <string>
+#include <vector>
 
-#include "support/texts.h"
-#include "support/workbench.h"
+#include "bench/support/texts.h"
+#include "bench/support/workbench.h"
+#include "tests/support/stored_records.h"
 
 namespace kestan_bench {
 namespace {
@@ -144,35 +144,10 @@ void BuildIndex(const std::string& path) {
   }
 }
 
-using Records = std::map<std::string, std::string>;
-
-// Calls `visit(key, value)` for every record, with plain gdbm calls.
-template <typename Visit>
-void Walk(GDBM_FILE file, Visit visit) {
-  datum key = gdbm_firstkey(file);
-  while (key.dptr != nullptr) {
-    const datum value = gdbm_fetch(file, key);
-    visit(key, value);
-    std::free(value.dptr);
-    const datum next = gdbm_nextkey(file, key);
-    std::free(key.dptr);
-    key = next;
-  }
-}
-
-std::string Bytes(datum bytes) { return {bytes.dptr, static_cast<std::size_t>(bytes.dsize)}; }
-
-datum Datum(const std::string& bytes) {
-  return {const_cast<char*>(bytes.data()), static_cast<int>(bytes.size())};
-}
-
-Records ReadRecords(const std::string& path) {
-  Records records;
-  GDBM_FILE file = gdbm_open(path.c_str(), 0, GDBM_READER, 0, nullptr);
-  Walk(file, [&records](datum key, datum value) { records[Bytes(key)] = Bytes(value); });
-  gdbm_close(file);
-  return records;
-}
+using kestan_tests::Dump;
+using kestan_tests::GdbmDatum;
+using kestan_tests::Records;
+using kestan_tests::VisitRecords;
 
 // The records of `after` that are new or other than in `before`, and the keys that are gone.
 struct Changes {
@@ -198,13 +173,14 @@ void ApplyBare(const std::string& path, const Changes& changes, bool reorganises
   GDBM_FILE file = gdbm_open(path.c_str(), 512, GDBM_WRITER | GDBM_FAST, 0644, nullptr);
   Check(file != nullptr, "gdbm_open");
   std::size_t bytes = 0;
-  Walk(file,
-       [&bytes](datum /*key*/, datum value) { bytes += static_cast<std::size_t>(value.dsize); });
+  VisitRecords(file, [&bytes](datum /*key*/, datum value) {
+    bytes += static_cast<std::size_t>(value.dsize);
+  });
   Check(bytes > 0, "records");
   for (const auto& [key, value] : changes.stored) {
-    Check(gdbm_store(file, Datum(key), Datum(value), GDBM_REPLACE) == 0, "gdbm_store");
+    Check(gdbm_store(file, GdbmDatum(key), GdbmDatum(value), GDBM_REPLACE) == 0, "gdbm_store");
   }
-  for (const std::string& key : changes.deleted) gdbm_delete(file, Datum(key));
+  for (const std::string& key : changes.deleted) gdbm_delete(file, GdbmDatum(key));
   if (reorganises) gdbm_reorganize(file);
   gdbm_sync(file);
   gdbm_close(file);
@@ -239,8 +215,7 @@ void TimeWork(benchmark::State& state, Work work) {
   const TempDir folder;
   BuildIndex(folder / "index");
   OnCopies(state, folder / "index", work);
-  const Changes changes =
-      Difference(ReadRecords(folder / "index"), ReadRecords(folder / "index.copy"));
+  const Changes changes = Difference(Dump(folder / "index"), Dump(folder / "index.copy"));
   Check(changes.stored.size() > 10000, "most posting records changed");
 }
 
@@ -250,11 +225,11 @@ void TimeBareTwin(benchmark::State& state, Work work, bool reorganises) {
   BuildIndex(folder / "index");
   CopyOver(folder / "index", folder / "done");
   work(folder / "done");
-  const Records wanted = ReadRecords(folder / "done");
-  const Changes changes = Difference(ReadRecords(folder / "index"), wanted);
+  const Records wanted = Dump(folder / "done");
+  const Changes changes = Difference(Dump(folder / "index"), wanted);
   OnCopies(state, folder / "index",
            [&](const std::string& path) { ApplyBare(path, changes, reorganises); });
-  Check(ReadRecords(folder / "index.copy") == wanted, "the bare twin stores the same");
+  Check(Dump(folder / "index.copy") == wanted, "the bare twin stores the same");
 }
 
 void ShrinkIndex(benchmark::State& state) { TimeWork(state, Shrink); }

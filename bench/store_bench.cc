@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "support/texts.h"
-#include "support/workbench.h"
+#include "bench/support/texts.h"
+#include "bench/support/workbench.h"
 
 namespace kestan_bench {
 namespace {

@@ -1,4 +1,4 @@
-#include "peers/corpus.h"
+#include "bench/peers/corpus.h"
 
 #include <array>
 #include <cstdlib>

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "peers/engine.h"
+#include "bench/peers/engine.h"
 
 namespace kestan_bench {
 

@@ -15,9 +15,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "peers/corpus.h"
-#include "peers/engine.h"
-#include "peers/measure.h"
+#include "bench/peers/corpus.h"
+#include "bench/peers/engine.h"
+#include "bench/peers/measure.h"
 
 namespace kestan_bench {
 namespace {

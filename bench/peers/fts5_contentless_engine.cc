@@ -1,5 +1,5 @@
 // SQLite FTS5 with content='': the index alone, and a table of names beside it.
-#include "peers/sqlite_engine.h"
+#include "bench/peers/sqlite_engine.h"
 
 namespace kestan_bench {
 namespace {

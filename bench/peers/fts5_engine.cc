@@ -1,5 +1,5 @@
 // SQLite FTS5 as it comes: the text and the name are kept beside the index.
-#include "peers/sqlite_engine.h"
+#include "bench/peers/sqlite_engine.h"
 
 namespace kestan_bench {
 namespace {

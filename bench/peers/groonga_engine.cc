@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "peers/engine.h"
+#include "bench/peers/engine.h"
 
 namespace kestan_bench {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "peers/engine.h"
+#include "bench/peers/engine.h"
 
 namespace kestan_bench {
 namespace {

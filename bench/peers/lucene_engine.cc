@@ -13,7 +13,7 @@
 #include <string>
 #include <utility>
 
-#include "peers/engine.h"
+#include "bench/peers/engine.h"
 
 namespace kestan_bench {
 namespace {

@@ -1,4 +1,4 @@
-#include "peers/measure.h"
+#include "bench/peers/measure.h"
 
 #include <sys/stat.h>
 

@@ -9,8 +9,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "peers/corpus.h"
-#include "peers/engine.h"
+#include "bench/peers/corpus.h"
+#include "bench/peers/engine.h"
 
 namespace kestan_bench {
 namespace {

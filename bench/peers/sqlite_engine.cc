@@ -1,4 +1,4 @@
-#include "peers/sqlite_engine.h"
+#include "bench/peers/sqlite_engine.h"
 
 namespace kestan_bench {
 namespace {

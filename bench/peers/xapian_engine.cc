@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "peers/engine.h"
+#include "bench/peers/engine.h"
 
 namespace kestan_bench {
 namespace {

@@ -1,4 +1,4 @@
-#include "support/texts.h"
+#include "bench/support/texts.h"
 
 namespace kestan_bench {
 namespace {

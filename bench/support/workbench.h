@@ -1,4 +1,4 @@
-// What the micro-benchmarks share: a folder that vanishes, and checks that stop a wrong benchmark.
+// Shared by the workloads: a temporary directory, and checks that stop a wrong benchmark.
 #ifndef KESTAN_BENCH_SUPPORT_WORKBENCH_H_
 #define KESTAN_BENCH_SUPPORT_WORKBENCH_H_
 
@@ -7,7 +7,8 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
-#include <string_view>
+
+#include "tests/support/temp_dir.h"
 
 namespace kestan_bench {
 
@@ -18,26 +19,10 @@ inline void Check(bool holds, const char* what) {
   std::exit(1);
 }
 
-// A new folder below the system's folder for temporary files, removed with all that it holds.
-class TempDir {
+// A temporary directory on the disk: the time that a flush waits is part of what is measured.
+class TempDir : public kestan_tests::TempDir {
  public:
-  TempDir() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "kestan-bench-XXXXXX").string();
-    Check(mkdtemp(pattern.data()) != nullptr, "a temporary folder");
-    path_ = pattern;
-  }
-  ~TempDir() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  TempDir(const TempDir&) = delete;
-  TempDir& operator=(const TempDir&) = delete;
-
-  // Returns the path of `name` in the folder; the file need not be there.
-  std::string operator/(std::string_view name) const { return path_ + "/" + std::string(name); }
-
- private:
-  std::string path_;
+  TempDir() : kestan_tests::TempDir(std::filesystem::temp_directory_path()) {}
 };
 
 // Copies the file at `from` over the one at `to`.

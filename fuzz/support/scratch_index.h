@@ -1,4 +1,4 @@
-// An index file that each execution makes anew, and the engine's buffer as a new process has it.
+// An index file that each execution makes again, and the engine's buffer as in a new process.
 #ifndef KESTAN_FUZZ_SUPPORT_SCRATCH_INDEX_H_
 #define KESTAN_FUZZ_SUPPORT_SCRATCH_INDEX_H_
 
@@ -14,7 +14,7 @@
 
 namespace kestan_fuzz {
 
-// In memory where the system has a place for that; vanishes at the end of the process.
+// The temporary directory of this process.
 inline const kestan_tests::TempDir& Folder() {
   static const kestan_tests::TempDir folder;
   return folder;
@@ -22,12 +22,10 @@ inline const kestan_tests::TempDir& Folder() {
 
 using RecordList = std::vector<std::pair<std::string, std::string>>;
 
-inline datum GdbmDatum(const std::string& bytes) {
-  return {const_cast<char*>(bytes.data()), static_cast<int>(bytes.size())};
-}
+using kestan_tests::GdbmDatum;
 
-// Makes the file at `path` an index that holds `records` and nothing else. Of those with the same
-// key the last one stays.
+// Makes the file at `path` an index that holds `records` and nothing else. If several have the same
+// key, the last one stays.
 inline void MakeIndex(const std::string& path, const RecordList& records) {
   GDBM_FILE file = gdbm_open(path.c_str(), 512, GDBM_NEWDB | GDBM_NOMMAP, 0644, nullptr);
   Require(file != nullptr, "cannot make an index file");

@@ -16,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/files.h"
 #include "tests/support/index_test.h"
 
 namespace kestan_tests {
@@ -39,11 +40,7 @@ inline std::ostream& operator<<(std::ostream& stream, const Outcome& outcome) {
 inline Outcome Success(const std::string& out) { return {0, out, ""}; }
 inline Outcome Failure(const std::string& what) { return {2, "", "kestan: " + what + "\n"}; }
 
-inline std::string BytesOfFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  EXPECT_TRUE(file.is_open()) << path;
-  return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
-}
+inline std::string BytesOfFile(const std::string& path) { return ReadFile(path); }
 
 // Runs in the child, between its start and the command. Gives up a superuser's right to pass over
 // permissions; anyone else has none to give up.

@@ -1,20 +1,14 @@
 // The pages for newcomers say what the library does.
-#include <fstream>
-#include <iterator>
 #include <sstream>
 #include <string>
 
+#include "tests/support/files.h"
 #include "tests/support/index_test.h"
 
 namespace {
 
+using kestan_tests::ReadFile;
 using kestan_tests::Records;
-
-std::string ReadFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  EXPECT_TRUE(file) << path;
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 std::string ReadPage(const std::string& name) {
   return ReadFile(std::string(KESTAN_SOURCE_DIR) + "/" + name);

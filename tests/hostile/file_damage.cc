@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 
 #include "tests/model/clock.h"
 #include "tests/support/index_test.h"
@@ -50,15 +48,6 @@ std::size_t NumberAt(const std::string& file, std::size_t offset) {
 }
 
 }  // namespace
-
-std::string ReadFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(file), {});
-}
-
-void WriteFile(const std::string& path, const std::string& bytes) {
-  std::ofstream(path, std::ios::binary) << bytes;
-}
 
 std::string GoodFile() {
   const kestan_tests::TempDir folder;

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/files.h"
+
 namespace kestan_hostile {
 
 // A file and what was done to it.
@@ -31,9 +33,8 @@ class Dice {
 // which has some 50,000 bytes and is the same every time.
 std::string GoodFile();
 
-// Reads and writes whole files.
-std::string ReadFile(const std::string& path);
-void WriteFile(const std::string& path, const std::string& bytes);
+using kestan_tests::ReadFile;
+using kestan_tests::WriteFile;
 
 // Each kind of damage, done to the file `good` in one place after the other.
 std::vector<Damaged> FlippedInTheFirstBlock(const std::string& good);

@@ -4,8 +4,6 @@
 #include <kestan/maintenance/salvage/salvage.h>
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <set>
 
 namespace kestan_maintenance {
@@ -63,15 +61,6 @@ void Mark(std::vector<Place>* places, std::size_t at, std::size_t bytes, Place p
 }
 
 }  // namespace
-
-std::string ReadFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(file), {});
-}
-
-void WriteFile(const std::string& path, const std::string& bytes) {
-  std::ofstream(path, std::ios::binary) << bytes;
-}
 
 void MakeIndex(const std::string& path, int documents, unsigned seed) {
   Dice dice(seed);

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/files.h"
 #include "tests/support/index_test.h"
 
 namespace kestan_maintenance {
@@ -26,8 +27,8 @@ class Dice {
   std::mt19937 engine_;
 };
 
-std::string ReadFile(const std::string& path);
-void WriteFile(const std::string& path, const std::string& bytes);
+using kestan_tests::ReadFile;
+using kestan_tests::WriteFile;
 
 // Makes an index as a host would: `documents` documents of some 10 to 70 words out of a vocabulary
 // in which a few are frequent and many rare, flushed now and then, with titles, summaries, removed,

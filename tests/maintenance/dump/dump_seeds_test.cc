@@ -3,11 +3,10 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <vector>
 
 #include "tests/maintenance/dump/dump_test.h"
+#include "tests/support/files.h"
 
 namespace kestan_tests {
 namespace {
@@ -23,11 +22,6 @@ std::vector<fs::path> FilesBelow(const fs::path& folder) {
   }
   std::sort(files.begin(), files.end());
   return files;
-}
-
-std::string BytesOf(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 class DumpSeedsTest : public DumpTest {
@@ -73,7 +67,7 @@ TEST_F(DumpSeedsTest, IndexFilesThatOpenComeBackOrTellWhyNot) {
 TEST_F(DumpSeedsTest, IndexesMadeOfEverySeedComeBack) {
   int count = 0;
   for (const fs::path& seed : FilesBelow(kSeeds)) {
-    const std::string bytes = BytesOf(seed);
+    const std::string bytes = kestan_tests::ReadFile(seed);
     const std::string path = folder_ / "made";
     fs::remove(path);
     {
