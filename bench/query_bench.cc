@@ -20,7 +20,7 @@ namespace {
 constexpr unsigned kDocuments = 16000;
 constexpr unsigned kWords = 200;
 constexpr unsigned kInOrder = 30000;  // of each of two words: the positions ascend
-constexpr unsigned kWrapped = 60000;  // of each of two words: the positions start anew
+constexpr unsigned kWrapped = 60000;  // of each of two words: the positions start again
 
 // One index, made when it is first needed and open for reading from then on.
 class Library {

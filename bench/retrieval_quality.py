@@ -48,7 +48,7 @@ def words_of(question):
 
 
 def joined_with_or(question):
-    """Small letters, or OR would not be between operands and capitals would be exact."""
+    """Lower case, or OR would not be between operands and capitals would be exact."""
     return [" OR ".join(words_of(question))]
 
 

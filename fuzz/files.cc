@@ -1,7 +1,7 @@
 // Any bytes as an index file, opened for reading and for writing and driven through every method.
 //
 // gdbm has faults of its own on such files; support/gdbm_guard.h turns those that raise a signal
-// or walk in a circle into errors, and KESTAN_FUZZ_SHOW_GDBM_FAULTS=1 has them printed. What the
+// or walk in a cycle into errors, and KESTAN_FUZZ_SHOW_GDBM_FAULTS=1 has them printed. What the
 // address sanitizer finds inside gdbm, scripts/fuzz.sh tells from findings in our code.
 #include <fcntl.h>
 #include <kestan/kestan.h>
@@ -140,7 +140,7 @@ void WriteFile(const std::uint8_t* bytes, std::size_t size) {
   kestan_fuzz::Require(written == static_cast<ssize_t>(size), "cannot write a file");
 }
 
-// gdbm rewrites a file beside the old one, and leaves that behind when it fails in it.
+// gdbm rewrites a file beside the old one, and leaves the new one there when it fails.
 void ClearFolder() {
   unlink(CopyPath().c_str());
   if (kestan_fuzz::GdbmFaults().empty()) return;

@@ -37,7 +37,7 @@ std::string EncodedLine(std::size_t length, char first) {
 void WriteStripSeeds() {
   Write("strip_non_words", "empty", "");
   Write("strip_non_words", "prose", kProse);
-  Write("strip_non_words", "one_letter", "x");  // the last blank lands behind the text
+  Write("strip_non_words", "one_letter", "x");  // the last blank lands after the text
   Write("strip_non_words", "line_feeds", "\n\na\n\n b\n");
   Write("strip_non_words", "apostrophes", "'a' b'' 'c d'e'f '");
   Write("strip_non_words", "high_bytes", "caf\xc3\xa9 \xff\x80 a\0b"s);

@@ -25,7 +25,7 @@ constexpr unsigned kManyCodes = 300;
 constexpr std::array<const char*, 4> kWords = {"cat", "dog", "a", "d-"};
 constexpr std::array<const char*, 3> kNames = {"a", "b", ""};
 
-// What one step is told: numbers to choose by.
+// The numbers by which one step chooses.
 struct Step {
   unsigned a, b, c;
 };

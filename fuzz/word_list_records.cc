@@ -24,7 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const char* const words = engine.DBGetWords("list");
   const kestan_model::Text expected = model.DBGetWords("list");
   kestan_fuzz::Require(words != nullptr, "the list was not found");
-  // A record may hold NULs, so all that the model says is compared, and the NUL behind it.
+  // A record may hold NULs, so the whole answer of the model is compared, with the NUL after it.
   const std::string read(words, expected.bytes.size() + 1);
   kestan_fuzz::Require(read == expected.bytes + '\0', "the words are others than the model's");
   kestan_fuzz::Require(Kestan::WBSize == process.buffer_size,

@@ -19,7 +19,7 @@ class KestanEngine : public Engine {
 
   void Clean(std::string* text) override {
     const auto size = static_cast<unsigned>(text->size());
-    text->push_back(' ');  // room for the last blank
+    text->push_back(' ');  // for the last blank
     text->resize(static_cast<std::size_t>(Kestan::StripNonWords(text->data(), size)));
   }
 

@@ -20,7 +20,7 @@ struct FreeBytes {
 // Memory of exactly so many bytes, so that a sanitizer sees the first one outside.
 using ExactBytes = std::unique_ptr<char, FreeBytes>;
 
-// Copies `text` with a NUL behind it.
+// Copies `text` with a NUL after it.
 inline ExactBytes ExactString(const std::string& text) {
   return ExactBytes(kestan_tests::MallocCopy({text.c_str(), text.size() + 1}));
 }

@@ -42,7 +42,7 @@ class LongListing : public IndexTest {
     return lines;
   }
 
-  // Every line, each behind `prefix`.
+  // Every line with `prefix` before it.
   static std::vector<std::string> Expected(const std::string& prefix) {
     std::vector<std::string> lines;
     for (int number = 0; number < kLines; ++number) lines.push_back(prefix + Line(number));

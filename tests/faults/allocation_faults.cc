@@ -95,7 +95,7 @@ void StopFailing() { plan.log = nullptr; }
 
 }  // namespace kestan_faults
 
-// The C library's own functions, behind the names that every program may define anew.
+// The C library's own functions. A program may define malloc and the others itself.
 // NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming)
 extern "C" {
 

@@ -13,7 +13,7 @@ namespace kestan_faults {
 struct AllocationLog {
   static constexpr long kNotedSizes = 256;
 
-  // Tells whether one of the first failures that were not gdbm's was of so many bytes.
+  // Returns whether one of the first failures that were not gdbm's was of so many bytes.
   bool HasFailed(std::size_t bytes) const;
 
   long calls = 0;

@@ -93,7 +93,7 @@ void CheckWholeSession(const SessionTrial& trial, const std::string& undisturbed
   ++tally->fell_back;
 }
 
-// Tells whether every line of a listing of documents is a name that the session uses.
+// Returns whether every line of a listing of documents is a name that the session uses.
 bool AreNamesOfTheSession(const std::string& listing) {
   const std::regex names("(([a-f]\\.txt|moved\\.txt|more[0-4])\n)*\n?");
   return std::regex_match(listing, names);

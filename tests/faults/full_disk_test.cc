@@ -1,4 +1,4 @@
-// The disk fills up during the session. At every step it gets at most 600 bytes more room, until
+// The disk fills up during the session. At every step it gets at most 600 bytes more space, until
 // the session succeeds: once as a limit on the size of each file, and once as a disk that takes so
 // many bytes of growth, then a part of a write, and then nothing.
 //
@@ -43,7 +43,7 @@ long GrowthBy(int file, std::size_t bytes) {
   return std::max(static_cast<long>(end - status.st_size), 0L);
 }
 
-// A disk that has room for `room` bytes.
+// A disk on which `room` bytes are free.
 CallRule DiskOf(long room) {
   return [room](const SystemCall& call) mutable -> Ruling {
     if (call.function != Function::kWrite) return {};
@@ -88,15 +88,15 @@ struct Counts {
   int whole = 0;     // every document of the flush is there and answers
   int unopened = 0;  // the index does not open
   int lost = 0;      // it does, and misses documents or answers
-  int mended = 0;    // unopened or lost, but whole after gdbm_recover
+  int repaired = 0;  // unopened or lost, but whole after gdbm_recover
 };
 
 void Print(const Counts& counts) {
   std::printf(
       "%d steps, %d with messages; %d flushed documents before space ran out: afterwards "
-      "%d were whole, %d did not open, %d had lost documents; gdbm_recover mended %d\n",
+      "%d were whole, %d did not open, %d had lost documents; gdbm_recover repaired %d\n",
       counts.steps, counts.messages, counts.flushed, counts.whole, counts.unopened, counts.lost,
-      counts.mended);
+      counts.repaired);
 }
 
 bool HasFlushed(const std::string& transcript) {
@@ -113,7 +113,7 @@ void Count(const Aftermath& left, Counts* counts) {
   } else {
     ++counts->unopened;
   }
-  if (left.mended.IsWhole()) ++counts->mended;
+  if (left.repaired.IsWhole()) ++counts->repaired;
 }
 
 Counts FillUp(const std::function<CallRule(long)>& disk_of) {

@@ -24,7 +24,7 @@ const Errors& OfReading() {
   return errors;
 }
 
-// Whatever changes a record takes and gives room as well.
+// A call that changes a record also takes and frees space.
 const Errors& OfWriting() {
   static const Errors errors = Joined({GDBM_FILE_WRITE_ERROR, GDBM_BAD_AVAIL}, OfReading());
   return errors;

@@ -15,7 +15,7 @@ bool Matches(const std::string& message, const char* pattern) {
   return std::regex_match(message, std::regex(pattern, std::regex::extended));
 }
 
-// Tells whether `message` ends with the text of one of gdbm's errors.
+// Returns whether `message` ends with the text of one of gdbm's errors.
 bool EndsWithGdbmError(const std::string& message) {
   const std::size_t dashes = message.rfind(" -- ");
   if (dashes == std::string::npos) return false;

@@ -12,13 +12,13 @@ namespace kestan_faults {
 // line feeds. The message of a failed copy has none, so another may follow it on its line.
 std::vector<std::string> Messages(std::string_view standard_error);
 
-// Tells whether `message` is one that a session in which gdbm fails may print and go on.
+// Returns whether a session in which gdbm fails may print `message` and go on.
 bool IsPromised(const std::string& message);
 
-// Tells whether `message` is the last of a process that ends because it has no code counter.
+// Returns whether `message` is the last of a process that ends because it has no code counter.
 bool IsPromisedEnd(const std::string& message);
 
-// Tells whether `message` is that of a flush about a record that it could not write.
+// Returns whether `message` is that of a flush about a record that it could not write.
 bool IsOfFlush(const std::string& message);
 
 // Returns what a flush prints of a record that it could not write.

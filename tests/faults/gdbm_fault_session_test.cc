@@ -95,7 +95,7 @@ struct Fault {
   bool IsOf(std::string_view function) const { return call.gdbm.function == function; }
   bool IsIn(std::string_view step) const { return call.step.what == step; }
 
-  // Tells whether a flush makes the call, not a Put.
+  // Returns whether a flush makes the call, not a Put.
   bool IsStoreOfFlush() const {
     if (!IsOf("store")) return false;
     if (IsIn("copy")) return call.gdbm.file == "index";
@@ -103,7 +103,7 @@ struct Fault {
     return IsIn("flush") || IsIn("close") || IsIn("list") || IsIn("common") || IsIn("complement");
   }
 
-  // Tells whether the index stays closed for it.
+  // Returns whether the index stays closed for it.
   bool PreventsOpening() const {
     if (IsOf("open")) return call.gdbm.file == "index";
     const bool is_needed = call.gdbm.key == "g-opts" || call.gdbm.key == "g-avail";
@@ -111,16 +111,16 @@ struct Fault {
            error != GDBM_ITEM_NOT_FOUND;
   }
 
-  // Tells whether the name of the document that the session moves cannot be found for it.
+  // Returns whether the name of the document that the session moves cannot be found for it.
   bool HidesTheMovedName() const {
     if (!StartsWith(call.gdbm.key, "c-")) return false;
     return (IsOf("store") && IsIn("add b")) || (IsOf("fetch") && IsIn("move") && IsMissing());
   }
 
-  // Tells whether gdbm says for it that there is no such record.
+  // Returns whether gdbm says for it that there is no such record.
   bool IsMissing() const { return error == GDBM_ITEM_NOT_FOUND; }
 
-  // Tells whether a walk notices it. A last key that is missed looks like the end.
+  // Returns whether a walk notices it. A last key that is missed looks like the end.
   bool IsSeenByWalk() const {
     return IsOf("fetch") || ((IsOf("firstkey") || IsOf("nextkey")) && !IsMissing());
   }

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kLaterDocuments = 20;
 
-// Returns what the lines of `text` hold behind the first `skipped` words of each.
+// Returns the lines of `text` without the first `skipped` words of each.
 Names NamesIn(const char* text, int skipped) {
   Names names;
   std::istringstream lines(text);
@@ -47,7 +47,7 @@ Names Ask(Kestan* engine, const Question& question) {
   return names;
 }
 
-// Compares the index with `reference`, and notes the results with `when` behind their names.
+// Compares the index with `reference`, and notes the results with `when` after their names.
 //   Returns  whether it is whole.
 bool Compare(const std::string& index, const Reference& reference, const std::string& when,
              Transcript* transcript) {
@@ -130,14 +130,14 @@ Aftermath LookAt(const std::string& index, const Reference& reference) {
     Compare(index, reference, " later", transcript);
     if (is_whole) return;
     Mend(index);
-    Compare(index, reference, " mended", transcript);
+    Compare(index, reference, " repaired", transcript);
   });
   const std::string& transcript = aftermath.outcome.transcript;
   aftermath.error = NumberIn(transcript, "error");
   aftermath.needs_recovery = NumberIn(transcript, "needs recovery") == 1;
   aftermath.found = ComparisonIn(transcript, "");
   aftermath.later = ComparisonIn(transcript, " later");
-  aftermath.mended = ComparisonIn(transcript, " mended");
+  aftermath.repaired = ComparisonIn(transcript, " repaired");
   return aftermath;
 }
 

@@ -44,7 +44,7 @@ struct Aftermath {
   bool needs_recovery = false;  // it opens, but gdbm refuses to read it
   Comparison found;             // as it was left
   Comparison later;             // after more documents were added to it and flushed
-  Comparison mended;            // where it was not whole: after gdbm recovered it
+  Comparison repaired;          // where it was not whole: after gdbm recovered it
 };
 
 // Looks at the index in a process of its own.

@@ -44,16 +44,16 @@ struct Counts {
   int listed = 0;    // it listed every flushed document
   int answered = 0;  // and answered every query as before
   int later = 0;     // and did both after more documents were added
-  int mended = 0;    // it did not at first, but after gdbm_recover
+  int repaired = 0;  // it did not at first, but after gdbm_recover
 };
 
 void Print(const char* title, const Counts& counts) {
   std::printf(
       "%s: %d trials, %d killed after a flush; of these %d opened, %d needed recovery, %d "
       "listed all flushed documents, %d answered all reference queries, %d did both after "
-      "more additions; gdbm_recover mended %d\n",
+      "more additions; gdbm_recover repaired %d\n",
       title, counts.trials, counts.flushed, counts.opened, counts.refused, counts.listed,
-      counts.answered, counts.later, counts.mended);
+      counts.answered, counts.later, counts.repaired);
   std::fflush(stdout);  // or the next children would print it again
 }
 
@@ -64,7 +64,7 @@ void Count(const Aftermath& left, Counts* counts) {
   counts->listed += left.found.missing == 0 ? 1 : 0;
   counts->answered += left.found.IsWhole() ? 1 : 0;
   counts->later += left.found.IsWhole() && left.later.IsWhole() ? 1 : 0;
-  counts->mended += left.mended.IsWhole() ? 1 : 0;
+  counts->repaired += left.repaired.IsWhole() ? 1 : 0;
 }
 
 // Kills the process before its nth call of a function that changes files or syncs them.
@@ -113,7 +113,7 @@ TEST(Kill, BeforeAnyChangeOfAFileLeavesAllDocumentsOrNeedsRecovery) {
   Print("before each change of a file", counts);
 }
 
-// Runs the longer session in `folder`, which is made anew.
+// Runs the longer session in `folder`, which is made again.
 Outcome RunLongSessionIn(const std::string& folder, long kill_after_us) {
   std::filesystem::remove_all(folder);
   std::filesystem::create_directory(folder);

@@ -19,7 +19,7 @@ class Transcript {
 
   std::string_view text() const { return {text_, size_}; }
 
-  // Tells whether the call `what` has returned.
+  // Returns whether the call `what` has returned.
   bool Has(std::string_view what) const;
 
  private:

@@ -14,7 +14,7 @@ namespace kestan_faults {
 
 // Runs the session in a child with `rule` for its system calls. The transcript says "short write"
 // where a write first moved fewer bytes than it was asked to, and "files left open" at the end.
-// The folder of the two files is removed first with all that it holds, and made anew.
+// The folder of the two files is removed first with all that it holds, and made again.
 Outcome RunWatchedSession(const std::string& folder, const CallRule& rule);
 
 // The index that RunWatchedSession leaves in `folder`.
@@ -23,10 +23,10 @@ std::string IndexIn(const std::string& folder);
 // Returns the functions that an undisturbed session calls, one for each call, in their order.
 std::vector<Function> CallsOfSession(const std::string& folder);
 
-// Tells whether `standard_error` holds only lines that the engine promises.
+// Returns whether `standard_error` holds only lines that the engine promises.
 bool HoldsOnlyPromisedLines(const std::string& standard_error);
 
-// Tells whether a process ended as the engine promises, whatever the system did to it: by itself,
+// Returns whether a process ended as the engine promises, whatever the system did to it: by itself,
 // with status 0, or with status 1 after a line that ends in "(oops!)".
 bool EndedAsPromised(const Outcome& outcome);
 

@@ -12,7 +12,7 @@ struct Watch {
   CallRule rule;
   std::function<void()> on_shortfall;
   std::array<bool, 1024> files = {};  // by descriptor
-  bool is_asking = false;             // the rule is being asked: its own calls take their course
+  bool is_asking = false;             // the rule is being asked: its own calls go through
 };
 
 Watch* watch = nullptr;

@@ -32,7 +32,7 @@ enum class Function : std::uint8_t {
 // Returns the function's name in the C library.
 const char* NameOf(Function function);
 
-// Tells whether the function changes files or waits until they are on the disk.
+// Returns whether the function changes files or waits until they are on the disk.
 bool IsWriteLike(Function function);
 
 struct SystemCall {
@@ -41,17 +41,17 @@ struct SystemCall {
   std::size_t bytes;  // that a read or a write is asked to move; 0 for other functions
 };
 
-// What becomes of a call.
+// How a call proceeds.
 struct Ruling {
-  int error = 0;                      // 0: it takes its course; else it only reports this error
+  int error = 0;                      // 0: it goes through; else it only reports this error
   std::size_t most_bytes = SIZE_MAX;  // that a read or a write moves
 };
 
 using CallRule = std::function<Ruling(const SystemCall&)>;
 
 // Asks `rule` about each call for a file below `folder` from now on, until the process ends. What
-// the rule itself calls takes its course. The first write that does not move all its bytes, for
-// whatever reason, is told to `on_shortfall`.
+// the rule itself calls goes through. The first write that does not move all its bytes, for
+// whatever reason, calls `on_shortfall`.
 void WatchCalls(const std::string& folder, CallRule rule, std::function<void()> on_shortfall = {});
 
 // Returns how many of the files that were opened under the watch are still open.
@@ -59,7 +59,7 @@ int WatchedFilesOpen();
 
 // ---- For the stand-ins of the C library's functions ----
 
-// Return what is to become of a call; it takes its course where its file is not watched.
+// Return how a call has to proceed. It goes through if its file is not watched.
 Ruling RuleOn(const SystemCall& call);
 Ruling RuleOn(Function function, std::string_view path);
 

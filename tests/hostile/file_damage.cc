@@ -66,7 +66,7 @@ std::string GoodFile() {
 }
 
 std::vector<Damaged> FlippedInTheFirstBlock(const std::string& good) {
-  constexpr std::size_t kHeaderBytes = 64;  // and behind them the first list of free space
+  constexpr std::size_t kHeaderBytes = 64;  // and after them the first list of free space
   std::vector<Damaged> files;
   for (std::size_t at = 0; at < kBlockBytes; ++at) {
     for (const char flip : {'\xff', '\x01', '\x80'}) {

@@ -1,5 +1,5 @@
 // What a host does with an index file, damaged or not, in a child process that has little time and
-// little room.
+// little space.
 #ifndef KESTAN_TESTS_HOSTILE_FILE_SESSION_H_
 #define KESTAN_TESTS_HOSTILE_FILE_SESSION_H_
 
@@ -10,7 +10,7 @@
 
 namespace kestan_hostile {
 
-// Leaves this process little time and room: if it loops it is ended by a signal, and if it writes
+// Leaves this process little time and space: if it loops it is ended by a signal, and if it writes
 // too much it finds the disk full.
 void LimitThisProcess();
 

@@ -241,7 +241,7 @@ class OverlappingFile {
   std::string bytes_;
 };
 
-// Thousands of keys in the same place, which are gone through as far as the file has room for them.
+// Thousands of keys in the same place, which are visited as far as the file can hold them.
 TEST_F(HostileMaintenance, OfKeysThatShareTheirBytes) {
   for (const char* first : {"aaaa", "t-aa"}) {
     const std::string bytes = OverlappingFile(first).bytes();

@@ -90,8 +90,8 @@ struct Blocks {
   bool encoded = false;
 };
 
-// Tells whether a line is encoded data. `byte_at_write` is what the text holds where the line would
-// be moved to, which is not the line's first byte once a line has been emptied.
+// Returns whether a line is encoded data. `byte_at_write` is what the text holds where the line
+// would be moved to, which is not the line's first byte once a line has been emptied.
 bool IsBad(const Line& line, char byte_at_write, Blocks* in) {
   if (line.has_high_byte) return true;
   if (in->uuencode && line.bytes[0] == 'M') return true;

@@ -11,7 +11,7 @@ namespace kestan_model {
 
 struct Stripped {
   std::string text;   // what is kept
-  bool ends_in_zero;  // whether a zero byte is written behind it
+  bool ends_in_zero;  // whether a zero byte is written after it
   bool operator==(const Stripped& other) const {
     return text == other.text && ends_in_zero == other.ends_in_zero;
   }

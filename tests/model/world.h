@@ -53,7 +53,7 @@ class World {
     Compare("the buffer's size", Shown(Kestan::WBSize), Shown(process.buffer_size));
   }
 
-  // Replaces `records` in the index file behind the engine's back, and opens it for writing.
+  // Replaces `records` in the index file without the engine, and opens it for writing.
   void PlantAndReopen(const Records& records);
 
   // Compares what the files hold at this moment, whether an index is open or not.

@@ -8,7 +8,7 @@
 
 namespace kestan_tests {
 
-// More than the limit leaves room for.
+// More than the limit allows.
 inline constexpr unsigned kTooManyBytes = 4294967295u;
 
 // Leaves this process less memory than kTooManyBytes. The address sanitizer needs far more address
