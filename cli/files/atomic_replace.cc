@@ -59,7 +59,7 @@ int SyncPath(const std::string& path) {
   return file.is_open() && fsync(file.number()) == 0 ? 0 : errno;
 }
 
-std::string FolderOf(const std::string& path) {
+std::string DirectoryOf(const std::string& path) {
   const fs::path folder = fs::path(path).parent_path();
   return folder.empty() ? "." : folder.string();
 }

@@ -16,7 +16,7 @@ int CopyFile(int source, const std::string& path);
 int SyncPath(const std::string& path);
 
 // Returns the directory of `path`.
-std::string FolderOf(const std::string& path);
+std::string DirectoryOf(const std::string& path);
 
 }  // namespace kestan_cli
 

@@ -107,7 +107,7 @@ class Scanner {
     errno = 0;
     while (const dirent* entry = readdir(open.get())) {  // NOLINT(concurrency-mt-unsafe)
       const std::string_view name = static_cast<const char*>(entry->d_name);
-      if (name == "." || name == ".." || IsNameOfWorkFolder(name)) continue;
+      if (name == "." || name == ".." || IsWorkDirectoryName(name)) continue;
       FileAway(root, start + std::string(name), waiting);
       errno = 0;
     }

@@ -127,9 +127,9 @@ void RemoveIfLeft(int around, const std::string& name) {
 
 }  // namespace
 
-WorkFolder::WorkFolder(const std::string& path, const std::string& complaint)
+WorkDirectory::WorkDirectory(const std::string& path, const std::string& complaint)
     : target_(std::filesystem::path(path).filename().string()),
-      around_(open(FolderOf(path).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)) {
+      around_(open(DirectoryOf(path).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)) {
   int error = around_.is_open() ? EEXIST : errno;
   for (int i = 0; i < kTries && error == EEXIST; ++i) error = Make(path);
   if (error == 0) return;
@@ -138,7 +138,7 @@ WorkFolder::WorkFolder(const std::string& path, const std::string& complaint)
 
 // Makes the directory under a new name.
 //   Returns  0 or the system's error number: EEXIST if another try may succeed.
-int WorkFolder::Make(const std::string& path) {
+int WorkDirectory::Make(const std::string& path) {
   name_ = NewName(target_);
   if (mkdirat(around_.number(), name_.c_str(), 0700) != 0) return errno;
   folder_ = OpenAt(around_.number(), name_);
@@ -148,12 +148,12 @@ int WorkFolder::Make(const std::string& path) {
   const bool is_taken = flock(folder_.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
   if (is_taken || !IsStillAt(folder_.number(), around_.number(), name_)) return EEXIST;
   file_ = PathOfFile();
-  if (file_.empty()) file_ = FolderOf(path) + "/" + name_ + "/" + kFile;
+  if (file_.empty()) file_ = DirectoryOf(path) + "/" + name_ + "/" + kFile;
   return 0;
 }
 
 // Returns a path that begins at the open directory; an empty one if the system has no such paths.
-std::string WorkFolder::PathOfFile() const {
+std::string WorkDirectory::PathOfFile() const {
   const std::string folder = "/proc/self/fd/" + std::to_string(folder_.number());
   struct stat open {};
   struct stat named {};
@@ -162,19 +162,19 @@ std::string WorkFolder::PathOfFile() const {
   return leads_there ? folder + "/" + kFile : "";
 }
 
-WorkFolder::~WorkFolder() { Remove(folder_.number(), around_.number(), name_); }
+WorkDirectory::~WorkDirectory() { Remove(folder_.number(), around_.number(), name_); }
 
-Descriptor WorkFolder::Open() const {
+Descriptor WorkDirectory::Open() const {
   return Descriptor(openat(folder_.number(), kFile, O_RDWR | O_NOFOLLOW | O_CLOEXEC));
 }
 
-int WorkFolder::Replace() const {
+int WorkDirectory::Replace() const {
   const int result = renameat(folder_.number(), kFile, around_.number(), target_.c_str());
   return result == 0 ? 0 : errno;
 }
 
 // A file system that cannot rename without replacing has links.
-int WorkFolder::Place() const {
+int WorkDirectory::Place() const {
   const int from = folder_.number();
   const int to = around_.number();
   if (renameat2(from, kFile, to, target_.c_str(), RENAME_NOREPLACE) == 0) return 0;
@@ -184,16 +184,16 @@ int WorkFolder::Place() const {
 }
 
 void RemoveLeftovers(const std::string& path) {
-  const Descriptor around(open(FolderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  const Descriptor around(open(DirectoryOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (!around.is_open()) return;
   const std::string start = StartFor(std::filesystem::path(path).filename().string());
   for (const std::string& name : NamesIn(around.number())) {
     const bool is_of_file = name.compare(0, start.size(), start) == 0;
-    if (is_of_file && IsNameOfWorkFolder(name)) RemoveIfLeft(around.number(), name);
+    if (is_of_file && IsWorkDirectoryName(name)) RemoveIfLeft(around.number(), name);
   }
 }
 
-bool IsNameOfWorkFolder(std::string_view name) {
+bool IsWorkDirectoryName(std::string_view name) {
   constexpr std::size_t kEndBytes = kRandomDigits + kCheckDigits;
   if (name.size() <= kMark.size() + kEndBytes) return false;
   const std::size_t start_bytes = name.size() - kMark.size() - kEndBytes;

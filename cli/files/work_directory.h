@@ -15,14 +15,14 @@ namespace kestan_cli {
 //
 // Its name cannot be predicted, and its check digits show that this command made it. The process
 // locks it while it works there. One that is not locked was left by a process that was ended.
-class WorkFolder {
+class WorkDirectory {
  public:
   // Makes it beside the file at `path`, which need not exist.
   //   Throws   CommandError "COMPLAINT: cannot make a folder beside it: REASON".
-  WorkFolder(const std::string& path, const std::string& complaint);
-  ~WorkFolder();  // removes it with what is in it
-  WorkFolder(const WorkFolder&) = delete;
-  WorkFolder& operator=(const WorkFolder&) = delete;
+  WorkDirectory(const std::string& path, const std::string& complaint);
+  ~WorkDirectory();  // removes it with what is in it
+  WorkDirectory(const WorkDirectory&) = delete;
+  WorkDirectory& operator=(const WorkDirectory&) = delete;
 
   // The path of the new version. Nothing is there at first.
   const std::string& file() const { return file_; }
@@ -55,7 +55,7 @@ class WorkFolder {
 void RemoveLeftovers(const std::string& path);
 
 // Returns whether `name`, without its directory, is that of a work directory.
-bool IsNameOfWorkFolder(std::string_view name);
+bool IsWorkDirectoryName(std::string_view name);
 
 }  // namespace kestan_cli
 

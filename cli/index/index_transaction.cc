@@ -52,7 +52,7 @@ OpenedIndex& IndexTransaction::Begin() {
 
 // Returns the path of the copy.
 const std::string& IndexTransaction::Copy() {
-  folder_ = std::make_unique<WorkFolder>(file_, Complaint(path_));
+  folder_ = std::make_unique<WorkDirectory>(file_, Complaint(path_));
   const int error = lock_->has_file() ? CopyFile(lock_->file(), folder_->file()) : 0;
   if (error == 0) return folder_->file();
   throw CannotChange(path_, "no copy beside it: " + ReasonOf(error) + "; it is as it was");
@@ -109,7 +109,7 @@ void IndexTransaction::Replace() const {
   const int failed = lock_->has_file() ? folder_->Replace() : folder_->Place();
   if (failed == EEXIST) throw MadeByAnother(path_);
   Check(failed, path_);
-  if (const int error = SyncPath(FolderOf(file_))) {
+  if (const int error = SyncPath(DirectoryOf(file_))) {
     throw CommandError("index " + Quoted(path_) +
                        " is changed, but may not be on the disk yet: " + ReasonOf(error));
   }

@@ -69,7 +69,7 @@ class IndexTransaction {
   const UpdateMode mode_;
   std::unique_ptr<IndexLock> lock_;
   kestan::CollectionCounts counts_;
-  std::unique_ptr<WorkFolder> folder_;
+  std::unique_ptr<WorkDirectory> folder_;
   std::unique_ptr<OpenedIndex> opened_;
 };
 

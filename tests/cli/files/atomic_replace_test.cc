@@ -76,10 +76,10 @@ TEST_F(SyncPathTest, FilesAndDirectoriesAreSynced) {
   EXPECT_EQ(SyncPath(Path("gone")), ENOENT);
 }
 
-TEST(FolderOfTest, IsTheWayToTheLastPart) {
-  EXPECT_EQ(FolderOf("a/b/c"), "a/b");
-  EXPECT_EQ(FolderOf("/a"), "/");
-  EXPECT_EQ(FolderOf("a"), ".");
+TEST(DirectoryOfTest, IsTheWayToTheLastPart) {
+  EXPECT_EQ(DirectoryOf("a/b/c"), "a/b");
+  EXPECT_EQ(DirectoryOf("/a"), "/");
+  EXPECT_EQ(DirectoryOf("a"), ".");
 }
 
 }  // namespace

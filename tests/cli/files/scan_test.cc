@@ -123,7 +123,7 @@ TEST_F(ScanTest, TheIndexIsLeftOutUnderAnyName) {
   EXPECT_EQ(FilesOf(ScanOf({"d"}, {}, "./d/../d/index")), Names{"d/a"});
 }
 
-TEST_F(ScanTest, WorkFoldersAreLeftOutAndForeignFilesAreNot) {
+TEST_F(ScanTest, WorkDirectoriesAreLeftOutAndForeignFilesAreNot) {
   const std::string left = "d/index.kestan-new.0123456789abcdef6b9c2d26";
   for (const std::string name : {"d/a", "d/index", "d/index.lock", "d/index.kestan-new"}) {
     Write(name, "text");

@@ -86,7 +86,7 @@ constexpr std::array kMakers{MakeText,     MakeEmpty,  MakeFolder,       MakeEmp
                              MakeHardLink, MakeSocket, MakeUnreadable,   MakeFileOfAnotherUser,
                              MakeDevice};
 
-class WorkFolderTest : public ChangedIndexTest {
+class WorkDirectoryTest : public ChangedIndexTest {
  protected:
   // Every command that makes, replaces or removes a file, some of which fail.
   static std::vector<Arguments> Commands() {
@@ -150,7 +150,7 @@ class WorkFolderTest : public ChangedIndexTest {
   }
 };
 
-TEST_F(WorkFolderTest, ForeignFilesStayAsTheyAre) {
+TEST_F(WorkDirectoryTest, ForeignFilesStayAsTheyAre) {
   Write("my.dump", Run({"dump", "base.index"}).out);
   Write("target", "not yours");
   for (const Maker make : kMakers) {
@@ -160,7 +160,7 @@ TEST_F(WorkFolderTest, ForeignFilesStayAsTheyAre) {
   }
 }
 
-TEST_F(WorkFolderTest, ForeignFilesBarNoChange) {
+TEST_F(WorkDirectoryTest, ForeignFilesBarNoChange) {
   for (const char* end : {".lock", ".kestan-new", ".kestan-new.abcdef"}) {
     Write(std::string("my.index") + end, "not yours");
   }
@@ -170,7 +170,7 @@ TEST_F(WorkFolderTest, ForeignFilesBarNoChange) {
   }
 }
 
-TEST_F(WorkFolderTest, WhatAnEndedChangeLeftGoesWithTheNext) {
+TEST_F(WorkDirectoryTest, WhatAnEndedChangeLeftGoesWithTheNext) {
   for (const Arguments& change : Changes()) {
     LeftBehind(change);
     EXPECT_EQ(Run({"title", "set", "my.index", "old/a", "Next"}).status, 0);
@@ -178,13 +178,13 @@ TEST_F(WorkFolderTest, WhatAnEndedChangeLeftGoesWithTheNext) {
   }
 }
 
-TEST_F(WorkFolderTest, WhatAnEndedCopyLeftGoesWithTheNext) {
+TEST_F(WorkDirectoryTest, WhatAnEndedCopyLeftGoesWithTheNext) {
   LeftBehind({"copy", "my.index", "my.index.b"});
   EXPECT_EQ(Run({"copy", "my.index", "my.index.b"}).status, 0);
   EXPECT_EQ(Leftovers(), std::vector<std::string>{"my.index.b"});
 }
 
-TEST_F(WorkFolderTest, LeftFolderWithAForeignFileStaysWhole) {
+TEST_F(WorkDirectoryTest, LeftDirectoryWithAForeignFileStaysWhole) {
   const std::string left = LeftBehind({"remove", "my.index", "old/a"});
   Write(left + "/mine", "not yours");
   EXPECT_EQ(Run({"remove", "my.index", "old/a"}).status, 0);
@@ -193,7 +193,7 @@ TEST_F(WorkFolderTest, LeftFolderWithAForeignFileStaysWhole) {
   EXPECT_EQ(BytesOfFile(Path(left + "/mine")), "not yours");
 }
 
-TEST_F(WorkFolderTest, FolderWithOtherCheckDigitsStays) {
+TEST_F(WorkDirectoryTest, DirectoryWithOtherCheckDigitsStays) {
   const std::string left = LeftBehind({"remove", "my.index", "old/a"});
   std::string other = left;
   other.back() = other.back() == '0' ? '1' : '0';
@@ -202,7 +202,7 @@ TEST_F(WorkFolderTest, FolderWithOtherCheckDigitsStays) {
   EXPECT_EQ(Leftovers(), std::vector<std::string>{other});
 }
 
-TEST_F(WorkFolderTest, WhatAProcessStillWorksInStays) {
+TEST_F(WorkDirectoryTest, WhatAProcessStillWorksInStays) {
   const TempDir streams;
   const pid_t child = Start({"index", "my.index.n", "old"}, streams, BeTraced);
   ASSERT_TRUE(StopBefore(child, IsRename));
@@ -216,7 +216,7 @@ TEST_F(WorkFolderTest, WhatAProcessStillWorksInStays) {
   EXPECT_EQ(Run({"list", "my.index.n"}).out.find("old"), std::string::npos);
 }
 
-TEST_F(WorkFolderTest, CopyOverwritesNothingThatCameMeanwhile) {
+TEST_F(WorkDirectoryTest, CopyOverwritesNothingThatCameMeanwhile) {
   const TempDir streams;
   const pid_t child = Start({"copy", "my.index", "b"}, streams, BeTraced);
   ASSERT_TRUE(StopBefore(child, IsRename));
@@ -227,7 +227,7 @@ TEST_F(WorkFolderTest, CopyOverwritesNothingThatCameMeanwhile) {
   EXPECT_EQ(BytesOfFile(Path("b")), "not yours");
 }
 
-TEST_F(WorkFolderTest, IndexThatWasReplacedMeanwhileStays) {
+TEST_F(WorkDirectoryTest, IndexThatWasReplacedMeanwhileStays) {
   const TempDir streams;
   // Named before the change looks for the last time whether the index is in its place.
   const pid_t child = Start({"remove", "my.index", "old/a"}, streams, BeTraced);
@@ -239,28 +239,28 @@ TEST_F(WorkFolderTest, IndexThatWasReplacedMeanwhileStays) {
   EXPECT_TRUE(Leftovers().empty());
 }
 
-TEST_F(WorkFolderTest, NamesOfIndexesMayBeAsLongAsTheSystemAllows) {
+TEST_F(WorkDirectoryTest, NamesOfIndexesMayBeAsLongAsTheSystemAllows) {
   const std::string name(255, 'n');
   EXPECT_EQ(Run({"index", name, "new"}).status, 0);
   EXPECT_EQ(Run({"index", name, "old"}).status, 0);
 }
 
-TEST_F(WorkFolderTest, OnlyNamesThatTheCommandGivesAreKnown) {
+TEST_F(WorkDirectoryTest, OnlyNamesThatTheCommandGivesAreKnown) {
   const std::string left = LeftBehind({"remove", "my.index", "old/a"});
-  EXPECT_TRUE(kestan_cli::IsNameOfWorkFolder(left));
-  EXPECT_FALSE(kestan_cli::IsNameOfWorkFolder("my.index"));
-  EXPECT_FALSE(kestan_cli::IsNameOfWorkFolder(""));
+  EXPECT_TRUE(kestan_cli::IsWorkDirectoryName(left));
+  EXPECT_FALSE(kestan_cli::IsWorkDirectoryName("my.index"));
+  EXPECT_FALSE(kestan_cli::IsWorkDirectoryName(""));
   for (std::size_t i = 0; i < left.size(); ++i) {
     std::string other = left;
     other[i] = other[i] == '7' ? '8' : '7';
-    EXPECT_FALSE(kestan_cli::IsNameOfWorkFolder(other)) << other;
-    EXPECT_FALSE(kestan_cli::IsNameOfWorkFolder(left.substr(0, i))) << i;
+    EXPECT_FALSE(kestan_cli::IsWorkDirectoryName(other)) << other;
+    EXPECT_FALSE(kestan_cli::IsWorkDirectoryName(left.substr(0, i))) << i;
   }
 }
 
 // ---- Folders of other users ----
 
-TEST_F(WorkFolderTest, WhatAnotherUserLeftStaysAndBarsNobody) {
+TEST_F(WorkDirectoryTest, WhatAnotherUserLeftStaysAndBarsNobody) {
   if (geteuid() != 0) GTEST_SKIP() << "only a superuser can be two users";
   const std::string left = LeftBehind({"remove", "my.index", "old/a"});
   OpenFolderToAll(0777);
@@ -271,7 +271,7 @@ TEST_F(WorkFolderTest, WhatAnotherUserLeftStaysAndBarsNobody) {
   EXPECT_TRUE(Leftovers().empty());
 }
 
-TEST_F(WorkFolderTest, SomebodyWhoTakesTheFolderAwayDoesNotTurnTheWriterElsewhere) {
+TEST_F(WorkDirectoryTest, SomebodyWhoTakesTheDirectoryAwayDoesNotTurnTheWriterElsewhere) {
   const TempDir streams;
   fs::create_directory(Path("elsewhere"));
   const pid_t child = Start({"remove", "my.index", "old/a"}, streams, BeTraced);
