@@ -2,7 +2,7 @@
 #ifndef KESTAN_SEARCH_QUERY_EVALUATOR_H_
 #define KESTAN_SEARCH_QUERY_EVALUATOR_H_
 
-#include <kestan/kestan.h>
+#include <kestan/results.h>
 
 #include <cstdint>
 #include <optional>
@@ -22,7 +22,8 @@ namespace kestan::search {
 class Evaluator {
  public:
   // Borrows `engine`, whose index is open and has, or had, a document.
-  explicit Evaluator(Kestan& engine) : engine_(engine), words_(engine), expander_(words_) {}
+  explicit Evaluator(Kestan& engine)
+      : engine_(engine), words_(ReaderOf(engine)), expander_(words_) {}
   Evaluator(const Evaluator&) = delete;
   Evaluator& operator=(const Evaluator&) = delete;
 

@@ -2,7 +2,7 @@
 #ifndef KESTAN_SEARCH_QUERY_INDEX_WORDS_H_
 #define KESTAN_SEARCH_QUERY_INDEX_WORDS_H_
 
-#include <kestan/kestan.h>
+#include <kestan/results.h>
 
 #include <cstddef>
 #include <map>
@@ -17,16 +17,19 @@ namespace kestan::search {
 // and keeps them: the index must not change meanwhile.
 class IndexWords {
  public:
-  // Borrows `engine`, whose index is open. Reads nothing yet.
-  explicit IndexWords(Kestan& engine) : engine_(engine) {}
+  // Borrows `reader`, whose index is open. Reads nothing yet.
+  explicit IndexWords(IndexReader& reader) : reader_(reader) {}
 
+  // Returns the words that are in some document, removed ones among them.
   const Vocabulary& All();
 
-  // Returns how many documents have `word`.
+  // Returns how many documents have `word`, without removed ones.
   std::size_t DocumentsWith(const std::string& word);
 
  private:
-  Kestan& engine_;
+  bool HasDocument(Code code);
+
+  IndexReader& reader_;
   std::optional<Vocabulary> all_;
   std::map<std::string, std::size_t> documents_with_;  // of the words that were asked for
 };

@@ -2,9 +2,8 @@
 #ifndef KESTAN_SEARCH_QUERY_RESULT_SET_H_
 #define KESTAN_SEARCH_QUERY_RESULT_SET_H_
 
-#include <kestan/kestan.h>
+#include <kestan/results.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <string_view>
 #include <utility>
@@ -31,13 +30,30 @@ class ResultSet {
 
   int id() const { return id_; }
 
-  // Returns the engine's listing, in its scratch buffer.
-  const char* Listing() const { return engine_->QueryResults(id_); }
+  // Calls `visit(match)` for each match but those of removed documents, in ascending order of
+  // codes.
+  template <typename Visit>
+  void ForEachMatch(Visit visit) const {
+    IndexReader& reader = ReaderOf(*engine_);
+    for (const Match match : MatchesOf(id_)) {
+      if (!reader.IsRemoved(match.code)) visit(match);
+    }
+  }
 
-  // Returns how many documents are listed.
+  // Calls `visit(match, name)` for each of these whose code has a document. Lends the name.
+  template <typename Visit>
+  void ForEachDocument(Visit visit) const {
+    IndexReader& reader = ReaderOf(*engine_);
+    ForEachMatch([&](const Match& match) {
+      const std::string_view name = reader.NameOf(match.code);
+      if (name.data() != nullptr) visit(match, name);
+    });
+  }
+
   std::size_t CountDocuments() const {
-    const std::string_view listing = Listing();
-    return static_cast<std::size_t>(std::count(listing.begin(), listing.end(), '\n'));
+    std::size_t count = 0;
+    ForEachDocument([&count](const Match&, std::string_view) { ++count; });
+    return count;
   }
 
  private:

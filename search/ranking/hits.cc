@@ -1,29 +1,49 @@
 #include "search/ranking/hits.h"
 
 #include <algorithm>
+#include <string_view>
 #include <tuple>
 
-namespace kestan::search {
+#include "search/ranking/percentage.h"
 
-std::vector<Hit> HitsIn(std::string_view listing) {
+namespace kestan::search {
+namespace {
+
+// A code without a name is no document, yet its score counts for the scale, as it does in the
+// engine's listings.
+Score BestScoreIn(const ResultSet& set) {
+  Score best = 0;
+  set.ForEachMatch([&](const Match& match) { best = std::max(best, match.score); });
+  return best;
+}
+
+}  // namespace
+
+std::vector<Hit> HitsIn(const ResultSet& set) {
+  const PercentageScale percentage(BestScoreIn(set));
   std::vector<Hit> hits;
-  ForEachHit(listing, [&](int percent, std::string_view name) {
-    hits.push_back({percent, std::string(name), hits.size()});
+  set.ForEachDocument([&](const Match& match, std::string_view name) {
+    hits.push_back({percentage.Of(match.score), std::string(name), match.code});
   });
   return hits;
 }
 
-std::size_t CountLines(std::string_view listing) {
-  return static_cast<std::size_t>(std::count(listing.begin(), listing.end(), '\n'));
+std::vector<ScoredDocument> ScoredDocumentsIn(const ResultSet& set) {
+  const PercentageScale percentage(BestScoreIn(set));
+  std::vector<ScoredDocument> documents;
+  set.ForEachDocument([&](const Match& match, std::string_view) {
+    documents.push_back({match.code, percentage.Of(match.score)});
+  });
+  return documents;
 }
 
 void Sort(HitOrder order, std::vector<Hit>* hits) {
   std::sort(hits->begin(), hits->end(), [order](const Hit& left, const Hit& right) {
     if (order == HitOrder::kName) {
-      return std::tie(left.name, left.place) < std::tie(right.name, right.place);
+      return std::tie(left.name, left.code) < std::tie(right.name, right.code);
     }
-    if (order == HitOrder::kCode) return left.place < right.place;
-    return std::tie(right.percent, left.place) < std::tie(left.percent, right.place);
+    if (order == HitOrder::kCode) return left.code < right.code;
+    return std::tie(right.percent, left.code) < std::tie(left.percent, right.code);
   });
 }
 

@@ -2,20 +2,22 @@
 #ifndef KESTAN_SEARCH_RANKING_HITS_H_
 #define KESTAN_SEARCH_RANKING_HITS_H_
 
-#include <cstddef>
+#include <kestan/results.h>
+
 #include <string>
-#include <string_view>
 #include <vector>
+
+#include "search/query/result_set.h"
 
 namespace kestan::search {
 
 struct Hit {
   int percent = 0;  // of the best hit's score or relevance
   std::string name;
-  std::size_t place = 0;  // in the listing, which is in order of codes
+  Code code = 0;
 };
 
-// In which order hits are shown.
+// How hits are sorted.
 enum class HitOrder {
   kBest,   // by relevance where words side by side mean any of them, else by score
   kScore,  // the engine's percentage, the highest first; among equals, the document added first
@@ -23,29 +25,18 @@ enum class HitOrder {
   kCode,   // in order of the engine's codes: the document added first, where none was removed
 };
 
-// Parses a listing of the engine's: lines "PERCENT NAME".
-std::vector<Hit> HitsIn(std::string_view listing);
+// A document and the percentage of its score, as a hit without its name.
+struct ScoredDocument {
+  Code code = 0;
+  int percent = 0;
+};
 
-// Returns how many lines `listing` has.
-std::size_t CountLines(std::string_view listing);
+// Returns the documents of `set` in ascending order of their codes.
+std::vector<Hit> HitsIn(const ResultSet& set);
+std::vector<ScoredDocument> ScoredDocumentsIn(const ResultSet& set);
 
-// Puts `hits` into `order`; kBest is taken for kScore, and percentages are compared as they are.
+// Sorts `hits` by `order`; kBest is taken for kScore, and percentages are compared as they are.
 void Sort(HitOrder order, std::vector<Hit>* hits);
-
-// Calls `take(percent, name)` for each line of `listing`. The name is part of the listing.
-template <typename Take>
-void ForEachHit(std::string_view listing, Take take) {
-  while (!listing.empty()) {
-    const std::string_view line = listing.substr(0, listing.find('\n'));
-    listing.remove_prefix(line.size() < listing.size() ? line.size() + 1 : line.size());
-    int percent = 0;
-    std::size_t digits = 0;
-    for (; digits < line.size() && line[digits] != ' '; ++digits) {
-      percent = percent * 10 + (line[digits] - '0');
-    }
-    take(percent, line.substr(digits < line.size() ? digits + 1 : digits));
-  }
-}
 
 }  // namespace kestan::search
 

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <map>
-#include <string_view>
 #include <utility>
 
 #include "search/ranking/bm25.h"
@@ -26,10 +24,11 @@ struct Candidate {
   double relevance = 0;
 };
 
-int LeastPercentOf(std::string_view listing) {
+// Less than half a percent shows as 0.
+int LeastPercentOf(const std::vector<ScoredDocument>& documents) {
   int least = std::numeric_limits<int>::max();
-  ForEachHit(listing, [&](int percent, std::string_view) { least = std::min(least, percent); });
-  return std::max(least, 1);  // less than half a percent of the best one shows as 0
+  for (const ScoredDocument& document : documents) least = std::min(least, document.percent);
+  return std::max(least, 1);
 }
 
 double RelevanceOf(const Candidate& candidate) {
@@ -70,21 +69,20 @@ std::vector<Candidate> CandidatesOf(std::vector<Hit>* hits) {
   return candidates;
 }
 
-void AddContributions(const std::vector<RankedPart>& parts, double documents,
-                      std::vector<Candidate>* candidates) {
-  std::map<std::string_view, Candidate*> by_name;
-  for (Candidate& candidate : *candidates) by_name[candidate.hit.name] = &candidate;
-  for (const RankedPart& part : parts) {
-    const std::string listing = part.listing();
-    const auto query_frequency = static_cast<double>(part.times);
-    const double idf = Idf(static_cast<double>(CountLines(listing)), documents);
-    const int least = LeastPercentOf(listing);
-    ForEachHit(listing, [&](int percent, std::string_view name) {
-      const auto found = by_name.find(name);
-      if (found == by_name.end()) return;
-      const double tf = std::max(1.0, std::round(static_cast<double>(percent) / least));
-      found->second->contributions.push_back({idf, tf, query_frequency});
-    });
+// Adds what `clause`, which finds `found`, contributes to each candidate. Both are in ascending
+// order of codes.
+void AddContributions(const RankedClause& clause, const std::vector<ScoredDocument>& found,
+                      double documents, std::vector<Candidate>* candidates) {
+  const double idf = Idf(static_cast<double>(found.size()), documents);
+  const auto query_frequency = static_cast<double>(clause.times);
+  const int least = LeastPercentOf(found);
+  auto candidate = candidates->begin();
+  for (const auto [code, percent] : found) {
+    while (candidate != candidates->end() && candidate->hit.code < code) ++candidate;
+    if (candidate == candidates->end()) break;
+    if (candidate->hit.code != code) continue;
+    const double tf = std::max(1.0, std::round(static_cast<double>(percent) / least));
+    candidate->contributions.push_back({idf, tf, query_frequency});
   }
 }
 
@@ -101,10 +99,12 @@ void StorePercentages(std::vector<Candidate>* candidates, std::vector<Hit>* hits
 
 }  // namespace
 
-void SortByRelevance(const std::vector<RankedPart>& parts, std::uint64_t documents,
+void SortByRelevance(const std::vector<RankedClause>& clauses, std::uint64_t documents,
                      const SizeOf& size_of, std::vector<Hit>* hits) {
   std::vector<Candidate> candidates = CandidatesOf(hits);
-  AddContributions(parts, static_cast<double>(documents), &candidates);
+  for (const RankedClause& clause : clauses) {
+    AddContributions(clause, clause.documents(), static_cast<double>(documents), &candidates);
+  }
   SortCandidates(&candidates);
   Measure(size_of, &candidates);
   SortCandidates(&candidates);

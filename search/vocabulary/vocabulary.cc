@@ -1,9 +1,9 @@
 #include "search/vocabulary/vocabulary.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "search/text/letters.h"
-#include "search/text/lines.h"
 #include "search/vocabulary/edit_distance.h"
 
 namespace kestan::search {
@@ -15,8 +15,7 @@ bool StartsWith(std::string_view text, std::string_view prefix) {
 
 }  // namespace
 
-Vocabulary::Vocabulary(std::string_view lines) : lines_(lines), words_(LinesOf(lines_)) {
-  words_.erase(std::remove(words_.begin(), words_.end(), std::string_view()), words_.end());
+Vocabulary::Vocabulary(std::vector<std::string> words) : words_(std::move(words)) {
   std::sort(words_.begin(), words_.end());
 }
 
@@ -25,7 +24,7 @@ std::vector<FuzzyMatch> Vocabulary::WithPrefix(std::string_view prefix) const {
   std::vector<FuzzyMatch> found;
   auto word = std::lower_bound(words_.begin(), words_.end(), prefix);
   for (; word != words_.end() && StartsWith(*word, prefix); ++word) {
-    if (exact || !HasCapital(*word)) found.push_back({std::string(*word), 0, 0});
+    if (exact || !HasCapital(*word)) found.push_back({*word, 0, 0});
   }
   return found;
 }
@@ -33,10 +32,10 @@ std::vector<FuzzyMatch> Vocabulary::WithPrefix(std::string_view prefix) const {
 std::vector<FuzzyMatch> Vocabulary::WithinEdits(std::string_view word, int edits) const {
   const bool exact = HasCapital(word);
   std::vector<FuzzyMatch> found;
-  for (const std::string_view candidate : words_) {
+  for (const std::string& candidate : words_) {
     if (!exact && HasCapital(candidate)) continue;
     const int needed = BoundedEditDistance(word, candidate, edits);
-    if (needed <= edits) found.push_back({std::string(candidate), needed, 0});
+    if (needed <= edits) found.push_back({candidate, needed, 0});
   }
   return found;
 }

@@ -10,14 +10,10 @@
 
 namespace kestan::search {
 
-// The upper bound for Kestan::CommonWords that leaves out no word. A negative one stands for the
-// number of documents, and a word of one letter may have postings of many more that are gone.
-constexpr double kAnyFrequency = 4294967295.0;
-
 class Vocabulary {
  public:
-  // Copies `lines`, one word each, in any order.
-  explicit Vocabulary(std::string_view lines);
+  // Takes `words`, in any order.
+  explicit Vocabulary(std::vector<std::string> words);
 
   // Finds the words that begin with `prefix`, in order of their bytes. The engine indexes a word
   // with capitals in lower case too: if `prefix` has no capital, only words without any are found.
@@ -28,8 +24,7 @@ class Vocabulary {
   std::vector<FuzzyMatch> WithinEdits(std::string_view word, int edits) const;
 
  private:
-  const std::string lines_;
-  std::vector<std::string_view> words_;  // in order of their bytes
+  std::vector<std::string> words_;  // in order of their bytes
 };
 
 }  // namespace kestan::search

@@ -35,8 +35,9 @@ using kestan::search::HitsIn;
 using kestan::search::MakeSnippet;
 using kestan::search::ParseQuery;
 using kestan::search::Query;
-using kestan::search::RankedPart;
+using kestan::search::RankedClause;
 using kestan::search::ResultSet;
+using kestan::search::ScoredDocumentsIn;
 using kestan::search::ScoringClauses;
 
 std::string TextOrEmpty(const char* text) { return text == nullptr ? "" : text; }
@@ -64,7 +65,7 @@ class Search {
     Explanation* const explanation = options_.explain ? &*report.explanation : nullptr;
     {
       const ResultSet found = evaluator_.Evaluate(query, explanation);
-      hits_ = HitsIn(found.Listing());
+      hits_ = HitsIn(found);
     }
     report.notes = evaluator_.notes();
     report.total = hits_.size();
@@ -96,19 +97,19 @@ class Search {
   }
 
   void RankByRelevance(const Query& query) {
-    std::vector<RankedPart> parts;
-    for (const auto& [part, times] : Distinct(ScoringClauses(query))) {
-      const auto listing = [this, part = part] {
-        return std::string(evaluator_.Evaluate(*part, nullptr).Listing());
+    std::vector<RankedClause> clauses;
+    for (const auto& [clause, times] : Distinct(ScoringClauses(query))) {
+      const auto documents = [this, clause = clause] {
+        return ScoredDocumentsIn(evaluator_.Evaluate(*clause, nullptr));
       };
-      parts.push_back({listing, times});
+      clauses.push_back({documents, times});
     }
     const auto size_of = [this](const std::string& name) -> std::optional<std::uint64_t> {
       const auto state = FileStateIn(TextOrEmpty(engine_.DBGetUser(name.c_str())));
       if (!state) return std::nullopt;
       return state->bytes;
     };
-    SortByRelevance(parts, index_.counts().documents, size_of, &hits_);
+    SortByRelevance(clauses, index_.counts().documents, size_of, &hits_);
   }
 
   std::vector<Fragment> SnippetOf(const std::string& name, const std::string& title) {

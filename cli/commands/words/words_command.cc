@@ -11,13 +11,15 @@
 #include "cli/console/message.h"
 #include "cli/index/opened_index.h"
 #include "search/text/lines.h"
-#include "search/vocabulary/vocabulary.h"
 
 namespace kestan_cli {
 namespace {
 
-using kestan::search::kAnyFrequency;
 using kestan::search::SortedLines;
+
+// The upper bound for Kestan::CommonWords that leaves out no word. A negative one stands for the
+// number of documents, and a word of one letter may have postings of many more that are gone.
+constexpr double kAnyFrequency = 4294967295.0;
 
 // Reads a bound on document frequencies as the engine takes it: a share below 1, a count from 1 on.
 double BoundOf(const Values& values, const std::string& option, double fallback) {

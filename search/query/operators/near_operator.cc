@@ -1,3 +1,5 @@
+#include <kestan/results.h>
+
 #include <cstddef>
 
 #include "search/query/evaluator.h"
@@ -7,7 +9,7 @@ namespace kestan::search {
 namespace {
 
 void NoteMissingPositions(Explanation* explanation, Evaluator& evaluator) {
-  if ((evaluator.engine().Options() & 1) == 0) return;
+  if (ReaderOf(evaluator.engine()).KeepsPositions()) return;
   if (explanation != nullptr) explanation->note = "taken for AND";
   evaluator.AddNote("the index keeps no positions, so NEAR and quotes are taken for AND");
 }

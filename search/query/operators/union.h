@@ -2,7 +2,7 @@
 #ifndef KESTAN_SEARCH_QUERY_OPERATORS_UNION_H_
 #define KESTAN_SEARCH_QUERY_OPERATORS_UNION_H_
 
-#include <kestan/kestan.h>
+#include <kestan/results.h>
 
 #include <cstddef>
 #include <vector>

@@ -28,7 +28,8 @@ class EvaluatorTest : public kestan_tests::IndexTest {
   std::string Found(const std::string& text,
                     DefaultOperator default_operator = DefaultOperator::kAnd) {
     Evaluator evaluator(engine_);
-    return evaluator.Evaluate(*ParseQuery(text, default_operator), nullptr).Listing();
+    return engine_.QueryResults(
+        evaluator.Evaluate(*ParseQuery(text, default_operator), nullptr).id());
   }
 
   // The terms that `text` matches.

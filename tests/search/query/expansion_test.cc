@@ -25,7 +25,7 @@ class QueryExpanderTest : public kestan_tests::IndexTest {
   }
 
   Expansion Expanded(const std::string& text) {
-    IndexWords words(engine_);
+    IndexWords words(ReaderOf(engine_));
     QueryExpander expander(words);
     return expander.Expand(*ParseQuery(text));
   }

@@ -90,7 +90,7 @@ class QueryOfAnIndexTest : public kestan_tests::IndexTest {
   std::string Found(const Query& query) {
     Evaluator evaluator(engine_);
     std::string names;
-    for (const Hit& hit : HitsIn(evaluator.Evaluate(query, nullptr).Listing())) names += hit.name;
+    for (const Hit& hit : HitsIn(evaluator.Evaluate(query, nullptr))) names += hit.name;
     return names;
   }
 };
@@ -185,8 +185,8 @@ TEST_F(QueryOfAnIndexTest, DifferentOperandsCountAsFromLeftToRight) {
   const bool holds = rc::check([this] {
     const Query query = QueryOfDifferentOperands(3);
     Evaluator evaluator(engine_);
-    const std::string found = evaluator.Evaluate(query, nullptr).Listing();
-    RC_ASSERT(found == LeftToRight(engine_, query).Listing());
+    const std::string found = engine_.QueryResults(evaluator.Evaluate(query, nullptr).id());
+    RC_ASSERT(found == engine_.QueryResults(LeftToRight(engine_, query).id()));
   });
   EXPECT_TRUE(holds);
 }

@@ -5,49 +5,96 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/index_test.h"
+
 namespace kestan::search {
 namespace {
 
-std::string Sorted(HitOrder order, const std::string& listing) {
-  std::vector<Hit> hits = HitsIn(listing);
-  Sort(order, &hits);
+std::string Joined(const std::vector<Hit>& hits) {
   std::string text;
   for (const Hit& hit : hits) text += std::to_string(hit.percent) + hit.name + " ";
   return text;
 }
 
-const std::string kListing = "50 c\n100 b\n50 a\n0 d\n";
+class HitsInTest : public kestan_tests::IndexTest {
+ protected:
+  ResultSet Documents(const char* word) { return {engine_, engine_.QueryWord(word)}; }
 
-TEST(HitsTest, LinesAreParsed) {
-  const auto hits = HitsIn("100 a b\n7 \n");
-  ASSERT_EQ(hits.size(), 2u);
-  EXPECT_EQ(hits[0].percent, 100);
-  EXPECT_EQ(hits[0].name, "a b");
-  EXPECT_EQ(hits[1].name, "");
-  EXPECT_EQ(hits[1].place, 1u);
+  // The same as the engine lists it.
+  std::string Listed(const char* word) {
+    std::string text;
+    for (const char each : std::string(engine_.QueryResults(Documents(word).id()))) {
+      if (each != ' ') text += each == '\n' ? ' ' : each;
+    }
+    return text;
+  }
+};
+
+TEST_F(HitsInTest, HitsAreTheDocumentsInOrderOfCodes) {
+  engine_.AddDocumentWords("b", "cat");
+  engine_.AddDocumentWords("a", "cat cat cat");
+  engine_.AddDocumentWords("c", "dog");
+  const std::vector<Hit> hits = HitsIn(Documents("cat"));
+  EXPECT_EQ(Joined(hits), "33b 100a ");
+  EXPECT_EQ(hits[0].code, 1u);
+  EXPECT_EQ(hits[1].code, 2u);
 }
 
-TEST(HitsTest, EmptyListingHasNoHits) {
-  EXPECT_TRUE(HitsIn("").empty());
-  EXPECT_EQ(CountLines(""), 0u);
-  EXPECT_EQ(CountLines(kListing), 4u);
+TEST_F(HitsInTest, RemovedDocumentsAreNoHitsAndSetNoScale) {
+  engine_.AddDocumentWords("one", "cat cat cat cat");
+  engine_.AddDocumentWords("two", "cat cat");
+  engine_.AddDocumentWords("three", "cat");
+  engine_.RemoveDocumentWords("one");
+  EXPECT_EQ(Joined(HitsIn(Documents("cat"))), "100two 50three ");
 }
 
-TEST(HitsTest, ByScoreEqualsKeepTheOrderOfCodes) {
-  EXPECT_EQ(Sorted(HitOrder::kScore, kListing), "100b 50c 50a 0d ");
-  EXPECT_EQ(Sorted(HitOrder::kBest, kListing), "100b 50c 50a 0d ");
+TEST_F(HitsInTest, PercentagesAreThoseOfTheEngine) {
+  for (int count = 1; count <= 300; ++count) {
+    std::string text;
+    for (int i = 0; i < count; ++i) text += "cat ";
+    engine_.AddDocumentWords(("n" + std::to_string(count)).c_str(), text.c_str());
+    if (count % 50 != 0) continue;
+    EXPECT_EQ(Joined(HitsIn(Documents("cat"))), Listed("cat")) << count;
+  }
 }
 
-TEST(HitsTest, ByNameGoesByBytes) {
-  EXPECT_EQ(Sorted(HitOrder::kName, "1 b\n2 B\n3 a\n"), "2B 3a 1b ");
+TEST_F(HitsInTest, SetWithoutDocumentsHasNoHits) {
+  engine_.AddDocumentWords("one", "cat");
+  EXPECT_TRUE(HitsIn(Documents("dog")).empty());
+  EXPECT_TRUE(ScoredDocumentsIn(Documents("dog")).empty());
 }
 
-TEST(HitsTest, ByCodeIsAsListedWhateverCameBefore) {
-  std::vector<Hit> hits = HitsIn(kListing);
+TEST_F(HitsInTest, ScoredDocumentsAreTheHitsWithoutTheirNames) {
+  engine_.AddDocumentWords("b", "cat");
+  engine_.AddDocumentWords("a", "cat cat");
+  const auto documents = ScoredDocumentsIn(Documents("cat"));
+  ASSERT_EQ(documents.size(), 2u);
+  EXPECT_EQ(documents[0].code, 1u);
+  EXPECT_EQ(documents[0].percent, 50);
+  EXPECT_EQ(documents[1].code, 2u);
+  EXPECT_EQ(documents[1].percent, 100);
+}
+
+std::string Sorted(HitOrder order, std::vector<Hit> hits) {
+  Sort(order, &hits);
+  return Joined(hits);
+}
+
+const std::vector<Hit> kHits{{50, "c", 1}, {100, "b", 2}, {50, "a", 3}, {0, "d", 4}};
+
+TEST(HitOrderTest, ByScoreEqualsKeepTheOrderOfCodes) {
+  EXPECT_EQ(Sorted(HitOrder::kScore, kHits), "100b 50c 50a 0d ");
+  EXPECT_EQ(Sorted(HitOrder::kBest, kHits), "100b 50c 50a 0d ");
+}
+
+TEST(HitOrderTest, ByNameGoesByBytes) {
+  EXPECT_EQ(Sorted(HitOrder::kName, {{1, "b", 1}, {2, "B", 2}, {3, "a", 3}}), "2B 3a 1b ");
+}
+
+TEST(HitOrderTest, ByCodeDoesNotDependOnWhatCameBefore) {
+  std::vector<Hit> hits = kHits;
   Sort(HitOrder::kName, &hits);
-  Sort(HitOrder::kCode, &hits);
-  EXPECT_EQ(hits.front().name, "c");
-  EXPECT_EQ(hits.back().name, "d");
+  EXPECT_EQ(Sorted(HitOrder::kCode, hits), Joined(kHits));
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 namespace kestan::search {
 namespace {
 
-const Vocabulary kWords("layer\nlayers\nlay\nLay\nbayer\nplayer\nx\nBayer\n");
+const Vocabulary kWords({"layer", "layers", "lay", "Lay", "bayer", "player", "x", "Bayer"});
 
 std::size_t Twice(const std::string&) { return 2; }
 
@@ -25,7 +25,7 @@ TEST(SuggestionsTest, CapitalsAreNoMistakes) {
 }
 
 TEST(SuggestionsTest, ShortWordsMayHoldFewerMistakes) {
-  const Vocabulary words("ab\nabc\nabcd\nabcde\n");
+  const Vocabulary words({"ab", "abc", "abcd", "abcde"});
   EXPECT_EQ(Suggestions(words, "ax", Twice), std::vector<std::string>{});
   EXPECT_EQ(Suggestions(words, "abx", Twice), (std::vector<std::string>{"ab", "abc"}));
   EXPECT_EQ(Suggestions(words, "xyabc", Twice), std::vector<std::string>{"abc"});
@@ -37,7 +37,7 @@ TEST(SuggestionsTest, WordsWithoutDocumentsAreNotSuggested) {
 }
 
 TEST(SuggestionsTest, SingleLettersAreNotSuggested) {
-  EXPECT_EQ(Suggestions(Vocabulary("a\nabc\n"), "abx", Twice), std::vector<std::string>{"abc"});
+  EXPECT_EQ(Suggestions(Vocabulary({"a", "abc"}), "abx", Twice), std::vector<std::string>{"abc"});
 }
 
 }  // namespace
