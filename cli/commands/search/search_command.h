@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "cli/console/report.h"
-#include "search/query/query.h"
+#include "search/query/query_parser.h"
 #include "search/ranking/hits.h"
 
 namespace kestan_cli {
