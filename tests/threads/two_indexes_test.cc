@@ -1,8 +1,8 @@
 // The parts of the library below class Kestan: each works on the store that it is given, so threads
 // of one process may work on different index files at the same time.
-#include <kestan/query/intersect.h>
 #include <kestan/query/lookup.h>
-#include <kestan/query/unite.h>
+#include <kestan/query/operators/intersect.h>
+#include <kestan/query/operators/unite.h>
 #include <kestan/storage/database.h>
 #include <kestan/storage/record_iterator.h>
 
