@@ -1,5 +1,6 @@
 // The parts of the library below class Kestan: each works on the store that it is given, so threads
 // of one process may work on different index files at the same time.
+#include <kestan/index_file.h>
 #include <kestan/query/lookup.h>
 #include <kestan/query/operators/intersect.h>
 #include <kestan/query/operators/unite.h>
@@ -63,6 +64,21 @@ std::vector<std::string> SearchAll(Database& store, const std::string& start) {
   return answers;
 }
 
+// Reads the postings of every word as a host does. Returns them as text.
+std::string ReadPostings(const std::string& path, const std::string& start) {
+  kestan::IndexFile file;
+  EXPECT_EQ(file.Open(path.c_str()), 0);
+  std::string text;
+  for (int divisor = 1; divisor <= 20; ++divisor) {
+    const kestan::WordPostings postings = file.FindWord(NumberedWord(start, divisor));
+    for (kestan::WordPostings::Cursor cursor(postings); cursor.Next();) {
+      text += " " + std::to_string(cursor.code()) + ":" + std::to_string(cursor.positions().size());
+    }
+  }
+  EXPECT_EQ(file.FileError(), 0);
+  return text;
+}
+
 // Walks over the whole store.
 Records ReadAll(Database& store) {
   Records records;
@@ -108,6 +124,20 @@ TEST_F(TwoIndexesTest, GiveTheSameAnswersInTwoThreads) {
     RunTogether([&] { found_a = search(path_a_, "a"); }, [&] { found_b = search(path_b_, "b"); });
     EXPECT_EQ(found_a, answers_a);
     EXPECT_EQ(found_b, answers_b);
+  }
+}
+
+TEST_F(TwoIndexesTest, AreReadAsIndexFilesInTwoThreads) {
+  const std::string postings_a = ReadPostings(path_a_, "a");
+  const std::string postings_b = ReadPostings(path_b_, "b");
+  ASSERT_NE(postings_a, "");
+  std::string found_a;
+  std::string found_b;
+  for (int round = 0; round < kRounds; ++round) {
+    RunTogether([&] { found_a = ReadPostings(path_a_, "a"); },
+                [&] { found_b = ReadPostings(path_b_, "b"); });
+    EXPECT_EQ(found_a, postings_a);
+    EXPECT_EQ(found_b, postings_b);
   }
 }
 
