@@ -30,7 +30,7 @@ Commands Gather() {
   Append({GetWordListCommand(), PutWordListCommand()}, &all);
   Append({GetOptionCommand(), SetOptionCommand(), ClearOptionCommand()}, &all);
   Append({ShrinkCommand(), CopyCommand()}, &all);
-  Append(MaintenanceCommands(), &all);
+  Append({CheckCommand(), RepairCommand(), DumpCommand(), LoadCommand()}, &all);
   Append({ExportCommand(), CompletionCommand(), ManualCommand()}, &all);
   return all;
 }

@@ -39,7 +39,10 @@ Command SetOptionCommand();
 Command ClearOptionCommand();
 Command ShrinkCommand();
 Command CopyCommand();
-std::vector<Command> MaintenanceCommands();  // check, repair, dump, load
+Command CheckCommand();
+Command RepairCommand();
+Command DumpCommand();
+Command LoadCommand();
 
 // cli/commands/help/
 Command CompletionCommand();

@@ -5,10 +5,11 @@
 namespace kestan_cli {
 
 constexpr int kDone = 0;
-constexpr int kNoHits = 1;      // a search found nothing
-constexpr int kIncomplete = 1;  // some files were not indexed, or only in part
-constexpr int kFailed = 2;      // the message says why
-constexpr int kBusy = 75;       // another process is changing the index: try again later
+constexpr int kNoHits = 1;       // a search found nothing
+constexpr int kFaultsFound = 1;  // a check found faults
+constexpr int kIncomplete = 1;   // not all files were indexed, or not all documents were saved
+constexpr int kFailed = 2;       // the message says why
+constexpr int kBusy = 75;        // another process is changing the index: try again later
 
 }  // namespace kestan_cli
 

@@ -44,5 +44,16 @@ TEST_F(ListCommandTest, NamesThatAreNotUtf8StayValidJson) {
   EXPECT_NE(Run({"list", "--json", "my.index"}).out.find("caf\xef\xbf\xbd"), std::string::npos);
 }
 
+// Other hosts may name a document so.
+TEST_F(ListCommandTest, NameWithALineFeedIsOneName) {
+  {
+    Kestan engine;
+    ASSERT_EQ(engine.OpenIndex(Path("my.index").c_str(), 1), 0);
+    engine.AddDocumentWords("a\nb", "cat");
+  }
+  const std::string out = Run({"list", "--json", "my.index"}).out;
+  EXPECT_NE(out.find("\"documents\":[{\"name\":\"a\\nb\",\"time\":1"), std::string::npos) << out;
+}
+
 }  // namespace
 }  // namespace kestan_tests

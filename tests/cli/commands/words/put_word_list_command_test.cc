@@ -48,11 +48,5 @@ TEST_F(PutWordListCommandTest, ListThatCannotBeReadIsNotKept) {
   EXPECT_EQ(Run({"wordlist", "get", "my.index", "shapes"}).status, 2);
 }
 
-TEST_F(PutWordListCommandTest, JsonHasTheWords) {
-  ASSERT_EQ(Run({"wordlist", "put", "my.index", "l", "red", "blue"}).status, 0);
-  EXPECT_EQ(Run({"wordlist", "get", "my.index", "l", "--json"}),
-            Success("{\"schema\":1,\"list\":\"l\",\"words\":[\"red\",\"blue\"]}\n"));
-}
-
 }  // namespace
 }  // namespace kestan_tests

@@ -30,5 +30,22 @@ TEST_F(WordsCommandTest, InvalidBoundsAreErrors) {
   }
 }
 
+TEST_F(WordsCommandTest, CountsLeaveOutRemovedDocuments) {
+  Add("a", "cat dog\n");
+  Add("b", "dog\n");
+  ASSERT_EQ(Run({"remove", "my.index", "a"}).status, 0);
+  EXPECT_EQ(Run({"words", "my.index", "--counts"}), Success("1 dog\n0 cat\n"));
+}
+
+// Other hosts may name a document so.
+TEST_F(WordsCommandTest, DocumentWithALineFeedInItsNameCountsOnce) {
+  {
+    Kestan engine;
+    ASSERT_EQ(engine.OpenIndex(Path("my.index").c_str(), 1), 0);
+    engine.AddDocumentWords("a\nb", "cat");
+  }
+  EXPECT_EQ(Run({"words", "my.index", "--counts"}), Success("1 cat\n"));
+}
+
 }  // namespace
 }  // namespace kestan_tests
