@@ -15,7 +15,8 @@ bool StartsWith(std::string_view text, std::string_view prefix) {
 
 }  // namespace
 
-Vocabulary::Vocabulary(std::vector<std::string> words) : words_(std::move(words)) {
+Vocabulary::Vocabulary(std::vector<std::string> words)
+    : storage_(std::move(words)), words_(storage_.begin(), storage_.end()) {
   std::sort(words_.begin(), words_.end());
 }
 
@@ -24,7 +25,7 @@ std::vector<FuzzyMatch> Vocabulary::WithPrefix(std::string_view prefix) const {
   std::vector<FuzzyMatch> found;
   auto word = std::lower_bound(words_.begin(), words_.end(), prefix);
   for (; word != words_.end() && StartsWith(*word, prefix); ++word) {
-    if (exact || !HasCapital(*word)) found.push_back({*word, 0, 0});
+    if (exact || !HasCapital(*word)) found.push_back({std::string(*word), 0, 0});
   }
   return found;
 }
@@ -32,10 +33,10 @@ std::vector<FuzzyMatch> Vocabulary::WithPrefix(std::string_view prefix) const {
 std::vector<FuzzyMatch> Vocabulary::WithinEdits(std::string_view word, int edits) const {
   const bool exact = HasCapital(word);
   std::vector<FuzzyMatch> found;
-  for (const std::string& candidate : words_) {
+  for (const std::string_view candidate : words_) {
     if (!exact && HasCapital(candidate)) continue;
     const int needed = BoundedEditDistance(word, candidate, edits);
-    if (needed <= edits) found.push_back({candidate, needed, 0});
+    if (needed <= edits) found.push_back({std::string(candidate), needed, 0});
   }
   return found;
 }

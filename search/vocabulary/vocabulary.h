@@ -14,6 +14,8 @@ class Vocabulary {
  public:
   // Takes `words`, in any order.
   explicit Vocabulary(std::vector<std::string> words);
+  Vocabulary(const Vocabulary&) = delete;
+  Vocabulary& operator=(const Vocabulary&) = delete;
 
   // Finds the words that begin with `prefix`, in order of their bytes. The engine indexes a word
   // with capitals in lower case too: if `prefix` has no capital, only words without any are found.
@@ -24,7 +26,8 @@ class Vocabulary {
   std::vector<FuzzyMatch> WithinEdits(std::string_view word, int edits) const;
 
  private:
-  std::vector<std::string> words_;  // in order of their bytes
+  const std::vector<std::string> storage_;
+  std::vector<std::string_view> words_;  // in order of their bytes: views are cheaper to sort
 };
 
 }  // namespace kestan::search
