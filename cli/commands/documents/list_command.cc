@@ -1,4 +1,9 @@
+#include <kestan/results.h>
+
+#include <algorithm>
+#include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/app/command_registry.h"
@@ -16,28 +21,48 @@ std::string TextOf(const Names& names, char end) {
   return text;
 }
 
-Json JsonOf(Kestan& engine, const std::string& name) {
-  Json document{{"name", name}, {"time", engine.DocumentTimestamp(name.c_str())}};
-  if (const char* const title = engine.DBGetTitle(name.c_str())) document["title"] = title;
-  if (const char* const summary = engine.DBGetSummary(name.c_str())) document["summary"] = summary;
-  return document;
+struct TimedDocument {
+  std::string name;
+  std::uint32_t time = 0;
+};
+
+// Returns the documents in order of the bytes of their names. Reads the times in the same walk: a
+// damaged file may not give a record twice.
+std::vector<TimedDocument> TimedDocuments(Kestan& engine) {
+  std::vector<TimedDocument> documents;
+  kestan::IndexReader& reader = kestan::ReaderOf(engine);
+  reader.ForEachDocument([&](std::string_view name) {
+    documents.push_back({std::string(name), reader.TimestampOf(name)});
+    return true;
+  });
+  std::sort(documents.begin(), documents.end(),
+            [](const auto& left, const auto& right) { return left.name < right.name; });
+  return documents;
 }
 
-Json JsonOf(Kestan& engine, const Names& names) {
+Json JsonOf(Kestan& engine, const TimedDocument& document) {
+  const char* const name = document.name.c_str();
+  Json json{{"name", document.name}, {"time", document.time}};
+  if (const char* const title = engine.DBGetTitle(name)) json["title"] = title;
+  if (const char* const summary = engine.DBGetSummary(name)) json["summary"] = summary;
+  return json;
+}
+
+Json JsonOf(Kestan& engine) {
   Json documents = Json::array();
-  for (const std::string& name : names) documents.push_back(JsonOf(engine, name));
+  for (const TimedDocument& each : TimedDocuments(engine))
+    documents.push_back(JsonOf(engine, each));
   return documents;
 }
 
 int RunList(Kestan& engine, const Values& values) {
   const OpenedIndex opened(engine, values.Text("INDEX"), Access::kRead);
-  const Names names = DocumentNames(engine);
   PrintReport(
       ReportFormatOf(values),
       [&] {
-        return JsonReport({{"documents", JsonOf(engine, names)}});
+        return JsonReport({{"documents", JsonOf(engine)}});
       },
-      [&] { return TextOf(names, values.Has("--null") ? '\0' : '\n'); });
+      [&] { return TextOf(DocumentNames(engine), values.Has("--null") ? '\0' : '\n'); });
   opened.CheckRead();
   return kDone;
 }
