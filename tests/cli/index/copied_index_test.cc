@@ -42,7 +42,8 @@ TEST_F(CopiedIndexTest, FileThatIsNoIndexIsNotCopied) {
 
 TEST_F(CopiedIndexTest, FullDiskLeavesNoCopy) {
   const Outcome outcome = Run({"copy", "my.index", "copy"}, FileSizeLimit(IndexBytes().size() / 4));
-  EXPECT_EQ(outcome, Failure("cannot make 'copy': not all was written, perhaps for want of room"));
+  EXPECT_EQ(outcome,
+            Failure("cannot make 'copy': the copy is not complete; see kestan check 'my.index'"));
   EXPECT_FALSE(std::filesystem::exists(Path("copy")));
 }
 
