@@ -1,6 +1,6 @@
 #include <kestan/engine/kestan.h>
 #include <kestan/storage/memory.h>
-#include <kestan/storage/record_iterator.h>
+#include <kestan/storage/walk/record_iterator.h>
 
 #include <cstdio>
 

@@ -5,7 +5,7 @@
 #include <kestan/format/posting.h>
 #include <kestan/format/posting_list.h>
 #include <kestan/storage/memory.h>
-#include <kestan/storage/record_iterator.h>
+#include <kestan/storage/walk/record_iterator.h>
 
 namespace {
 

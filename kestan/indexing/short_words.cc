@@ -6,8 +6,8 @@
 #include <kestan/format/record_kind.h>
 #include <kestan/format/units.h>
 #include <kestan/indexing/short_words.h>
-#include <kestan/storage/flush_policy.h>
 #include <kestan/storage/memory.h>
+#include <kestan/storage/walk/flush_policy.h>
 
 #include <array>
 #include <string_view>

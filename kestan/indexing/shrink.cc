@@ -2,7 +2,7 @@
 #include <kestan/format/keys.h>
 #include <kestan/format/posting_list.h>
 #include <kestan/indexing/shrink.h>
-#include <kestan/storage/record_iterator.h>
+#include <kestan/storage/walk/record_iterator.h>
 
 namespace kestan {
 namespace {

@@ -6,7 +6,7 @@
 #include <kestan/query/index_reader.h>
 #include <kestan/query/name_table.h>
 #include <kestan/storage/memory.h>
-#include <kestan/storage/record_iterator.h>
+#include <kestan/storage/walk/record_iterator.h>
 
 #include <algorithm>
 

@@ -3,7 +3,7 @@
 #include <kestan/format/posting_list.h>
 #include <kestan/format/record_kind.h>
 #include <kestan/query/statistics.h>
-#include <kestan/storage/record_iterator.h>
+#include <kestan/storage/walk/record_iterator.h>
 
 #include <cstdint>
 

@@ -54,19 +54,22 @@ DBDatumPtr InOrder(const DBDatum& record, bool with_positions) {
 }  // namespace
 
 WordPostings::WordPostings(DBDatumPtr record, bool with_positions)
-    : record_(std::move(record)), with_positions_(with_positions) {
-  if (record_.ptr == nullptr || AreInOrder(*record_.ptr, with_positions_)) return;
-  record_ = InOrder(*record_.ptr, with_positions_);
-}
+    : record_(std::move(record)), with_positions_(with_positions) {}
 
 std::size_t WordPostings::CountDocuments() const {
   return record_.ptr != nullptr ? CountPostings(*record_.ptr, with_positions_) : 0;
 }
 
+WordPostings::Cursor::Cursor(const WordPostings& postings)
+    : record_(postings.record_), with_positions_(postings.with_positions_) {
+  if (record_.ptr == nullptr || AreInOrder(*record_.ptr, with_positions_)) return;
+  record_ = InOrder(*record_.ptr, with_positions_);
+}
+
 bool WordPostings::Cursor::Next() {
-  if (postings_.record_.ptr == nullptr) return false;
-  const DBDatum& record = *postings_.record_.ptr;
-  PostingReader reader(record, postings_.with_positions_, next_unit_);
+  if (record_.ptr == nullptr) return false;
+  const DBDatum& record = *record_.ptr;
+  PostingReader reader(record, with_positions_, next_unit_);
   Posting posting;
   if (!reader.Next(&posting)) return false;
   next_unit_ = posting.first_unit + posting.units;

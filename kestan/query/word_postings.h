@@ -32,9 +32,9 @@ class EncodedPositions {
 };
 
 // The documents that hold a word, in ascending order of their codes, each once, and where they hold
-// it. A view of the record, which the object shares with the store and keeps alive; only a record
-// whose codes are out of order, as codes that are used again may be, is copied. Changes of the
-// index do not show in it reliably: use it before the next one.
+// it. A view of the record, which the object shares with the store and keeps alive. Only for a
+// record whose codes are out of order, as codes that are used again may be, a cursor makes a copy.
+// Changes of the index do not show reliably: use the postings before the next one.
 //
 //   for (WordPostings::Cursor cursor(postings); cursor.Next();) Use(cursor.code());
 class KESTAN_EXPORT WordPostings {
@@ -52,14 +52,16 @@ class KESTAN_EXPORT WordPostings {
   // Returns whether the record has positions. If not, those of each document are empty.
   bool with_positions() const { return with_positions_; }
 
-  // Returns how many documents hold the word. Reads the whole record.
+  // Returns how many documents hold the word. Reads the whole record. One that a damaged record
+  // lists twice counts twice, as for Kestan::CommonWords.
   std::size_t CountDocuments() const;
 
   // Goes through the postings, once.
   class KESTAN_EXPORT Cursor {
    public:
-    // Borrows `postings`. Stands before the first posting.
-    explicit Cursor(const WordPostings& postings) : postings_(postings) {}
+    // Shares the record of `postings`, or copies one that is out of order. Stands before the first
+    // posting.
+    explicit Cursor(const WordPostings& postings);
 
     // Goes to the next posting.
     //   Returns  false if there is none.
@@ -69,7 +71,8 @@ class KESTAN_EXPORT WordPostings {
     EncodedPositions positions() const { return positions_; }
 
    private:
-    const WordPostings& postings_;
+    DBDatumPtr record_;
+    bool with_positions_;
     std::size_t next_unit_ = 0;
     Code code_ = 0;
     EncodedPositions positions_;

@@ -5,7 +5,7 @@
 #include <kestan/query/operators/intersect.h>
 #include <kestan/query/operators/unite.h>
 #include <kestan/storage/database.h>
-#include <kestan/storage/record_iterator.h>
+#include <kestan/storage/walk/record_iterator.h>
 
 #include <functional>
 #include <string>

@@ -7,7 +7,7 @@
 #include <kestan/maintenance/check/tables.h>
 #include <kestan/maintenance/report/findings.h>
 #include <kestan/maintenance/salvage/file_reading.h>
-#include <kestan/storage/record_iterator.h>
+#include <kestan/storage/walk/record_iterator.h>
 
 namespace kestan {
 namespace {

@@ -6,7 +6,7 @@
 #include <kestan/maintenance/report/findings.h>
 #include <kestan/storage/database.h>
 #include <kestan/storage/dbdatum.h>
-#include <kestan/storage/flush_policy.h>
+#include <kestan/storage/walk/flush_policy.h>
 
 namespace kestan {
 

@@ -3,7 +3,7 @@
 #include <kestan/format/keys.h>
 #include <kestan/format/option_flags.h>
 #include <kestan/maintenance/check/tables.h>
-#include <kestan/storage/record_iterator.h>
+#include <kestan/storage/walk/record_iterator.h>
 
 #include <algorithm>
 

@@ -6,9 +6,9 @@
 #include <kestan/format/posting_list.h>
 #include <kestan/format/units.h>
 #include <kestan/maintenance/documents.h>
-#include <kestan/storage/flush_policy.h>
 #include <kestan/storage/memory.h>
-#include <kestan/storage/record_iterator.h>
+#include <kestan/storage/walk/flush_policy.h>
+#include <kestan/storage/walk/record_iterator.h>
 #include <kestan/text/fold.h>
 
 #include <algorithm>

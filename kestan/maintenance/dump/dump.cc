@@ -1,10 +1,10 @@
 #include <kestan/format/keys.h>
 #include <kestan/maintenance/dump.h>
 #include <kestan/storage/crc64.h>
-#include <kestan/storage/flush_policy.h>
 #include <kestan/storage/memory.h>
-#include <kestan/storage/record_iterator.h>
-#include <kestan/storage/size_guard.h>
+#include <kestan/storage/walk/flush_policy.h>
+#include <kestan/storage/walk/record_iterator.h>
+#include <kestan/storage/walk/size_guard.h>
 #include <kestan/text/escape.h>
 
 #include <algorithm>

@@ -5,7 +5,7 @@
 #include <kestan/format/record_kind.h>
 #include <kestan/format/units.h>
 #include <kestan/maintenance/statistics.h>
-#include <kestan/storage/record_iterator.h>
+#include <kestan/storage/walk/record_iterator.h>
 
 #include <algorithm>
 

@@ -110,7 +110,8 @@ TEST_F(BucketMapTest, OfTwoBucketsForTheSameHashesTheOneThatLacksNothingIsBeliev
   const gdbm::BucketMap map(bytes);
   ASSERT_EQ(map.orphans().size(), 2U);
   for (const gdbm::FoundBucket& orphan : map.orphans()) {
-    const Authority expected = orphan.at == kOtherPlace ? Authority::kCurrent : Authority::kFallback;
+    const Authority expected =
+        orphan.at == kOtherPlace ? Authority::kCurrent : Authority::kFallback;
     EXPECT_EQ(map.AuthorityOf(orphan, 5U << 25), expected);
   }
 }

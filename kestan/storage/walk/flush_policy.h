@@ -1,6 +1,6 @@
 // Bounds what a long run over many records leaves in the store's cache.
-#ifndef KESTAN_STORAGE_FLUSH_POLICY_H_
-#define KESTAN_STORAGE_FLUSH_POLICY_H_
+#ifndef KESTAN_STORAGE_WALK_FLUSH_POLICY_H_
+#define KESTAN_STORAGE_WALK_FLUSH_POLICY_H_
 
 #include <kestan/storage/database.h>
 
@@ -58,4 +58,4 @@ class PeriodicFlush {
 
 }  // namespace kestan
 
-#endif  // KESTAN_STORAGE_FLUSH_POLICY_H_
+#endif  // KESTAN_STORAGE_WALK_FLUSH_POLICY_H_

@@ -1,4 +1,4 @@
-#include <kestan/storage/record_iterator.h>
+#include <kestan/storage/walk/record_iterator.h>
 
 #include <gdbm.h>
 

@@ -1,11 +1,11 @@
 // A walk over all records of a store.
-#ifndef KESTAN_STORAGE_RECORD_ITERATOR_H_
-#define KESTAN_STORAGE_RECORD_ITERATOR_H_
+#ifndef KESTAN_STORAGE_WALK_RECORD_ITERATOR_H_
+#define KESTAN_STORAGE_WALK_RECORD_ITERATOR_H_
 
 #include <kestan/storage/database.h>
 #include <kestan/storage/dbdatum.h>
-#include <kestan/storage/flush_policy.h>
-#include <kestan/storage/size_guard.h>
+#include <kestan/storage/walk/flush_policy.h>
+#include <kestan/storage/walk/size_guard.h>
 
 #include <cstddef>
 
@@ -84,4 +84,4 @@ class RecordIterator {
 
 }  // namespace kestan
 
-#endif  // KESTAN_STORAGE_RECORD_ITERATOR_H_
+#endif  // KESTAN_STORAGE_WALK_RECORD_ITERATOR_H_

@@ -1,5 +1,5 @@
 // When a long run over many records flushes the store.
-#include <kestan/storage/flush_policy.h>
+#include <kestan/storage/walk/flush_policy.h>
 
 #include "tests/support/gdbm_calls.h"
 #include "tests/support/index_test.h"

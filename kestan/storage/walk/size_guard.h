@@ -1,6 +1,6 @@
 // Keeps a small file from filling the memory.
-#ifndef KESTAN_STORAGE_SIZE_GUARD_H_
-#define KESTAN_STORAGE_SIZE_GUARD_H_
+#ifndef KESTAN_STORAGE_WALK_SIZE_GUARD_H_
+#define KESTAN_STORAGE_WALK_SIZE_GUARD_H_
 
 #include <gdbm.h>
 #include <kestan/storage/database.h>
@@ -35,4 +35,4 @@ class SizeGuard {
 
 }  // namespace kestan
 
-#endif  // KESTAN_STORAGE_SIZE_GUARD_H_
+#endif  // KESTAN_STORAGE_WALK_SIZE_GUARD_H_
