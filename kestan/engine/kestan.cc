@@ -1,4 +1,5 @@
 #include <kestan/engine/kestan.h>
+
 #include <kestan/engine/named_word_lists.h>
 #include <kestan/engine/shared_state.h>
 #include <kestan/engine/side_records.h>

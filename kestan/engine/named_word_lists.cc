@@ -1,4 +1,5 @@
 #include <kestan/engine/named_word_lists.h>
+
 #include <kestan/format/keys.h>
 #include <kestan/format/word_list.h>
 #include <kestan/storage/memory.h>

@@ -1,4 +1,5 @@
 #include <kestan/engine/results.h>
+
 #include <kestan/engine/shared_state.h>
 
 namespace kestan {

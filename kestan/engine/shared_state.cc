@@ -1,4 +1,5 @@
 #include <kestan/engine/shared_state.h>
+
 #include <kestan/storage/memory.h>
 
 namespace kestan {

@@ -1,4 +1,5 @@
 #include <kestan/engine/side_records.h>
+
 #include <kestan/format/keys.h>
 #include <kestan/storage/memory.h>
 

@@ -1,9 +1,10 @@
+#include <kestan/format/record_kind.h>
+
 #include <kestan/format/document_record.h>
 #include <kestan/format/id_list.h>
 #include <kestan/format/keys.h>
 #include <kestan/format/option_flags.h>
 #include <kestan/format/posting_list.h>
-#include <kestan/format/record_kind.h>
 #include <kestan/text/white_space.h>
 
 #include <algorithm>

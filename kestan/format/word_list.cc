@@ -1,4 +1,5 @@
 #include <kestan/format/word_list.h>
+
 #include <kestan/text/white_space.h>
 
 #include <algorithm>

@@ -1,9 +1,10 @@
+#include <kestan/indexing/indexer.h>
+
 #include <kestan/format/document_record.h>
 #include <kestan/format/id_list.h>
 #include <kestan/format/keys.h>
 #include <kestan/format/posting.h>
 #include <kestan/format/posting_list.h>
-#include <kestan/indexing/indexer.h>
 #include <kestan/indexing/tokenizer.h>
 #include <kestan/storage/memory.h>
 

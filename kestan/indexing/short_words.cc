@@ -1,3 +1,5 @@
+#include <kestan/indexing/short_words.h>
+
 #include <kestan/format/document_record.h>
 #include <kestan/format/id_list.h>
 #include <kestan/format/keys.h>
@@ -5,7 +7,6 @@
 #include <kestan/format/posting_list.h>
 #include <kestan/format/record_kind.h>
 #include <kestan/format/units.h>
-#include <kestan/indexing/short_words.h>
 #include <kestan/storage/memory.h>
 #include <kestan/storage/walk/flush_policy.h>
 

@@ -1,7 +1,8 @@
+#include <kestan/indexing/shrink.h>
+
 #include <kestan/format/id_list.h>
 #include <kestan/format/keys.h>
 #include <kestan/format/posting_list.h>
-#include <kestan/indexing/shrink.h>
 #include <kestan/storage/walk/record_iterator.h>
 
 namespace kestan {

@@ -1,4 +1,5 @@
 #include <kestan/indexing/strip.h>
+
 #include <kestan/storage/memory.h>
 #include <strings.h>
 

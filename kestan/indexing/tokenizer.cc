@@ -1,4 +1,5 @@
 #include <kestan/indexing/tokenizer.h>
+
 #include <kestan/text/fold.h>
 #include <kestan/text/white_space.h>
 

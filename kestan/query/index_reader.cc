@@ -1,9 +1,10 @@
+#include <kestan/query/index_reader.h>
+
 #include <kestan/format/document_record.h>
 #include <kestan/format/id_list.h>
 #include <kestan/format/keys.h>
 #include <kestan/format/option_flags.h>
 #include <kestan/format/record_kind.h>
-#include <kestan/query/index_reader.h>
 #include <kestan/query/name_table.h>
 #include <kestan/storage/memory.h>
 #include <kestan/storage/walk/record_iterator.h>

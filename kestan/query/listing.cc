@@ -1,6 +1,7 @@
+#include <kestan/query/listing.h>
+
 #include <kestan/format/id_list.h>
 #include <kestan/format/keys.h>
-#include <kestan/query/listing.h>
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,7 @@
+#include <kestan/query/lookup.h>
+
 #include <kestan/format/keys.h>
 #include <kestan/format/posting_list.h>
-#include <kestan/query/lookup.h>
 
 #include <cstdint>
 #include <utility>

@@ -1,5 +1,6 @@
-#include <kestan/format/document_record.h>
 #include <kestan/query/name_table.h>
+
+#include <kestan/format/document_record.h>
 
 namespace kestan {
 namespace {

@@ -1,8 +1,9 @@
+#include <kestan/query/statistics.h>
+
 #include <kestan/format/id_list.h>
 #include <kestan/format/keys.h>
 #include <kestan/format/posting_list.h>
 #include <kestan/format/record_kind.h>
-#include <kestan/query/statistics.h>
 #include <kestan/storage/walk/record_iterator.h>
 
 #include <cstdint>

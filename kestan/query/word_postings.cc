@@ -1,6 +1,7 @@
+#include <kestan/query/word_postings.h>
+
 #include <kestan/format/id_list.h>
 #include <kestan/format/posting_list.h>
-#include <kestan/query/word_postings.h>
 #include <kestan/storage/memory.h>
 #include <kestan/storage/owned_datum.h>
 

@@ -1,6 +1,7 @@
+#include <kestan/storage/database.h>
+
 #include <gdbm.h>
 #include <kestan/storage/cycle_detector.h>
-#include <kestan/storage/database.h>
 #include <kestan/storage/dbcache.h>
 #include <kestan/storage/gdbm_file.h>
 #include <kestan/storage/memory.h>

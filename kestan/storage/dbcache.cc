@@ -1,5 +1,6 @@
-#include <kestan/storage/datum_bytes.h>
 #include <kestan/storage/dbcache.h>
+
+#include <kestan/storage/datum_bytes.h>
 
 #include <algorithm>
 #include <cstring>

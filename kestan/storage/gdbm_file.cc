@@ -1,4 +1,5 @@
 #include <kestan/storage/gdbm_file.h>
+
 #include <kestan/storage/gdbm_header.h>
 #include <kestan/storage/memory.h>
 #include <sys/file.h>

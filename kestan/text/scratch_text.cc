@@ -1,5 +1,6 @@
-#include <kestan/storage/memory.h>
 #include <kestan/text/scratch_text.h>
+
+#include <kestan/storage/memory.h>
 
 #include <algorithm>
 

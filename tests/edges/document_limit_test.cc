@@ -10,7 +10,7 @@ namespace {
 constexpr unsigned kMost = 65535;
 constexpr char kFull[] = "Kestan: Too many documents (max=65535) -- try shrinking database\n";
 
-class DocumentLimit : public IndexTest {
+class DocumentLimitTest : public IndexTest {
  protected:
   void SetUp() override {
     kestan_model::SetClock(1000000000);
@@ -55,7 +55,7 @@ class DocumentLimit : public IndexTest {
   }
 };
 
-TEST_F(DocumentLimit, The65535thDocumentIsTheLast) {
+TEST_F(DocumentLimitTest, The65535thDocumentIsTheLast) {
   AddFrom(1, kMost - 1);
   EXPECT_EQ(CountListed(), kMost - 1);
   EXPECT_STREQ(engine_.CommonWords(kMost, -1), "");
@@ -74,7 +74,7 @@ TEST_F(DocumentLimit, The65535thDocumentIsTheLast) {
   EXPECT_EQ(CountLines(Listing(engine_.QueryNegate(-1))), kMost);
 }
 
-TEST_F(DocumentLimit, AFullIndexTakesAsManyDocumentsAgainAfterAShrink) {
+TEST_F(DocumentLimitTest, AFullIndexTakesAsManyDocumentsAgainAfterAShrink) {
   AddFrom(1, kMost);
   RemoveAll();
   EXPECT_EQ(CountListed(), 0U);
@@ -100,7 +100,7 @@ TEST_F(DocumentLimit, AFullIndexTakesAsManyDocumentsAgainAfterAShrink) {
   EXPECT_EQ(stored.at("every"), every);
 }
 
-TEST_F(DocumentLimit, AFullIndexOfRemovedDocumentsGivesBackTheOneCodeThatWasShrunk) {
+TEST_F(DocumentLimitTest, AFullIndexOfRemovedDocumentsGivesBackTheOneCodeThatWasShrunk) {
   PlantAndReopen(Document(Name(7), 7) + Records{{"g-code", Units({kMost})}});
   engine_.RemoveDocumentWords(Name(7).c_str());
   ExpectFull();

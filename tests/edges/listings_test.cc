@@ -9,7 +9,7 @@ namespace {
 
 constexpr int kLines = 3000;  // of 30 to 90 bytes: five doublings of 4096 bytes
 
-class LongListing : public IndexTest {
+class LongListingTest : public IndexTest {
  protected:
   // A word or a name of 30 to 60 bytes.
   static std::string Line(int number) {
@@ -62,21 +62,21 @@ class LongListing : public IndexTest {
   }
 };
 
-TEST_F(LongListing, OfNewWordsIsWhole) {
+TEST_F(LongListingTest, OfNewWordsIsWhole) {
   const std::string words = engine_.AddDocumentWords("one", Text().c_str());
   EXPECT_EQ(Sorted(words), Expected(""));
   EXPECT_EQ(Kestan::WBSize, SizeFor(words, 1));
   EXPECT_GE(Kestan::WBSize, 4096U << 5);
 }
 
-TEST_F(LongListing, OfCommonWordsIsWhole) {
+TEST_F(LongListingTest, OfCommonWordsIsWhole) {
   engine_.AddDocumentWords("one", Text().c_str());
   const std::string words = engine_.CommonWords(1, 1);
   EXPECT_EQ(Sorted(words), Expected(""));
   EXPECT_GE(Kestan::WBSize, SizeFor(words, 1));
 }
 
-TEST_F(LongListing, OfDocumentsIsWhole) {
+TEST_F(LongListingTest, OfDocumentsIsWhole) {
   AddDocuments();
   const std::string names = engine_.ListDocuments();
   EXPECT_EQ(Sorted(names), Expected(""));
@@ -84,7 +84,7 @@ TEST_F(LongListing, OfDocumentsIsWhole) {
   EXPECT_GE(Kestan::WBSize, 4096U << 5);
 }
 
-TEST_F(LongListing, OfAResultIsWhole) {
+TEST_F(LongListingTest, OfAResultIsWhole) {
   AddDocuments();
   const std::string lines = Listing(engine_.QueryWord("cat"));
   EXPECT_EQ(Sorted(lines), Expected("100 "));
@@ -92,7 +92,7 @@ TEST_F(LongListing, OfAResultIsWhole) {
   EXPECT_GE(Kestan::WBSize, 4096U << 5);
 }
 
-TEST_F(LongListing, OfAWordListIsWhole) {
+TEST_F(LongListingTest, OfAWordListIsWhole) {
   std::string text;
   for (int number = 0; number < kLines; ++number) text += Line(number) + "\n";
   EXPECT_EQ(engine_.DBPutWords("list", text.c_str()), 0);

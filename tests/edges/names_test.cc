@@ -19,7 +19,7 @@ struct Unusual {
   }
 };
 
-class UnusualName : public IndexTest, public testing::WithParamInterface<Unusual> {
+class UnusualNameTest : public IndexTest, public testing::WithParamInterface<Unusual> {
  protected:
   void SetUp() override {
     kestan_model::SetClock(kTime);
@@ -37,7 +37,7 @@ std::string EveryByteAbove127() {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Of, UnusualName,
+    Of, UnusualNameTest,
     testing::Values(Unusual{"10000 bytes", std::string(10000, 'n')},
                     Unusual{"70000 bytes", std::string(70000, '\xff')},
                     Unusual{"two lines", "two\nlines"}, Unusual{"a line feed", "\n"},
@@ -46,7 +46,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Unusual{"a dash", "-"}, Unusual{"a document key", "d-x"},
                     Unusual{"a system key", "g-code"}, Unusual{"a line of a listing", "100 name"}));
 
-TEST_P(UnusualName, IsListedByQueriesAndWalks) {
+TEST_P(UnusualNameTest, IsListedByQueriesAndWalks) {
   engine_.AddDocumentWords("other", "cat cat");
   engine_.AddDocumentWords(bytes_, "cat");
   EXPECT_EQ(Listing(engine_.QueryWord("cat")), "100 other\n50 " + name_ + "\n");
@@ -55,14 +55,14 @@ TEST_P(UnusualName, IsListedByQueriesAndWalks) {
   EXPECT_EQ(engine_.DocumentTimestamp(bytes_), kTime);
 }
 
-TEST_P(UnusualName, IsStoredWithoutATerminator) {
+TEST_P(UnusualNameTest, IsStoredWithoutATerminator) {
   engine_.AddDocumentWords(bytes_, "cat");
   const Records stored = Stored();
   EXPECT_EQ(stored.at(NameKey(1)), name_);
   EXPECT_EQ(stored.at("d-" + name_).substr(4), Units({1, 0}));
 }
 
-TEST_P(UnusualName, HasATitleASummaryAndAUserRecord) {
+TEST_P(UnusualNameTest, HasATitleASummaryAndAUserRecord) {
   engine_.DBPutTitle(bytes_, "title");
   engine_.DBPutSummary(bytes_, "summary");
   engine_.DBPutUser(bytes_, "user");
@@ -74,7 +74,7 @@ TEST_P(UnusualName, HasATitleASummaryAndAUserRecord) {
   EXPECT_STREQ(engine_.DBGetSummary(bytes_), "summary");
 }
 
-TEST_P(UnusualName, IsReplacedMovedAndRemoved) {
+TEST_P(UnusualNameTest, IsReplacedMovedAndRemoved) {
   engine_.AddDocumentWords(bytes_, "cat");
   engine_.AddDocumentWords(bytes_, "dog");
   EXPECT_EQ(Listing(engine_.QueryWord("cat")), "");
@@ -87,7 +87,7 @@ TEST_P(UnusualName, IsReplacedMovedAndRemoved) {
   EXPECT_STREQ(engine_.ListDocuments(), "");
 }
 
-TEST_P(UnusualName, IsCopiedAndOutlivesAShrink) {
+TEST_P(UnusualNameTest, IsCopiedAndOutlivesAShrink) {
   engine_.AddDocumentWords("gone", "cat");
   engine_.AddDocumentWords(bytes_, "cat");
   engine_.RemoveDocumentWords("gone");

@@ -11,7 +11,7 @@ using kestan_model::World;
 
 constexpr int kDepth = 8;
 
-class Nested : public testing::Test {
+class NestedQueriesTest : public testing::Test {
  protected:
   void SetUp() override {
     const std::string path = world_.Path("index");
@@ -65,7 +65,7 @@ class Nested : public testing::Test {
   World world_;
 };
 
-TEST_F(Nested, OperatorsToADepthOf8AnswerAsTheModelDoes) {
+TEST_F(NestedQueriesTest, OperatorsToADepthOf8AnswerAsTheModelDoes) {
   Nest(words_[0], 0);
   EXPECT_EQ(nodes_, 87380);  // 4 + 4^2 + ... + 4^8
 }

@@ -5,7 +5,7 @@
 namespace kestan_tests {
 namespace {
 
-class TitleOfLength : public IndexTest, public testing::WithParamInterface<std::uint32_t> {
+class TitleOfLengthTest : public IndexTest, public testing::WithParamInterface<std::uint32_t> {
  protected:
   void SetUp() override {
     IndexTest::SetUp();
@@ -37,36 +37,36 @@ class TitleOfLength : public IndexTest, public testing::WithParamInterface<std::
   }
 };
 
-INSTANTIATE_TEST_SUITE_P(Bytes, TitleOfLength,
+INSTANTIATE_TEST_SUITE_P(Bytes, TitleOfLengthTest,
                          testing::Values(1, 4094, 4095, 4096, 4097, 4098, 8190, 8191, 8192, 8193,
                                          8194, 12286, 12287, 12288, 12289, 12290));
 
-TEST_P(TitleOfLength, ComesBackWholeFromABufferThatWasNothing) {
+TEST_P(TitleOfLengthTest, ComesBackWholeFromABufferThatWasNothing) {
   EXPECT_EQ(ReadInto(0), Regrown());
 }
 
-TEST_P(TitleOfLength, ComesBackWholeFromALargerBuffer) {
+TEST_P(TitleOfLengthTest, ComesBackWholeFromALargerBuffer) {
   EXPECT_EQ(ReadInto(GetParam() + 4097), GetParam() + 4097);
 }
 
-TEST_P(TitleOfLength, ComesBackWholeTwice) {
+TEST_P(TitleOfLengthTest, ComesBackWholeTwice) {
   const std::uint32_t once = ReadInto(0);
   EXPECT_EQ(engine_.DBGetTitle("name"), title_);
   EXPECT_EQ(Kestan::WBSize, GetParam() > once ? Regrown() : once);
 }
 
 // A host cannot ask for a size between 0 and 4097 that is not 4096.
-class LongTitleOfLength : public TitleOfLength {};
+class LongTitleOfLengthTest : public TitleOfLengthTest {};
 
-INSTANTIATE_TEST_SUITE_P(Bytes, LongTitleOfLength,
+INSTANTIATE_TEST_SUITE_P(Bytes, LongTitleOfLengthTest,
                          testing::Values(4098, 8190, 8191, 8192, 8193, 8194, 12286, 12287, 12288,
                                          12289, 12290));
 
-TEST_P(LongTitleOfLength, ComesBackWholeFromASmallerBuffer) {
+TEST_P(LongTitleOfLengthTest, ComesBackWholeFromASmallerBuffer) {
   EXPECT_EQ(ReadInto(GetParam() - 1), Regrown());
 }
 
-TEST_P(LongTitleOfLength, ComesBackWholeFromABufferOfJustItsLength) {
+TEST_P(LongTitleOfLengthTest, ComesBackWholeFromABufferOfJustItsLength) {
   EXPECT_EQ(ReadInto(GetParam()), GetParam());
 }
 

@@ -4,18 +4,18 @@
 namespace kestan_tests {
 namespace {
 
-class LongText : public QueryTest {};
+class LongTextTest : public QueryTest {};
 
-class WordOfLength : public QueryTest, public testing::WithParamInterface<std::size_t> {
+class WordOfLengthTest : public QueryTest, public testing::WithParamInterface<std::size_t> {
  protected:
   const std::string word_ = std::string(GetParam(), 'w');
 };
 
-INSTANTIATE_TEST_SUITE_P(Bytes, WordOfLength,
+INSTANTIATE_TEST_SUITE_P(Bytes, WordOfLengthTest,
                          testing::Values(1, 2, 64, 65, 127, 128, 255, 256, 511, 512, 4095, 4096,
                                          65535, 65536, 70000));
 
-TEST_P(WordOfLength, IsIndexedFoundAndListedWhole) {
+TEST_P(WordOfLengthTest, IsIndexedFoundAndListedWhole) {
   EXPECT_EQ(engine_.AddDocumentWords("one", (word_ + " cat " + word_).c_str()),
             "cat\n" + word_ + "\n");
   engine_.AddDocumentWords("two", (word_ + "x").c_str());
@@ -27,13 +27,13 @@ TEST_P(WordOfLength, IsIndexedFoundAndListedWhole) {
   EXPECT_EQ(Stored().at(word_), Entry(1, {1, 3}));
 }
 
-TEST_P(WordOfLength, IsFoldedWhole) {
+TEST_P(WordOfLengthTest, IsFoldedWhole) {
   const std::string capitals(GetParam(), 'W');
   EXPECT_EQ(engine_.AddDocumentWords("one", capitals.c_str()), capitals + "\n" + word_ + "\n");
   EXPECT_EQ(HitsOf(Word(word_.c_str())), (Hits{{1, 1, {1}}}));
 }
 
-TEST_P(WordOfLength, LosesRemovedDocumentsInAShrinkUnlessItIsOneByte) {
+TEST_P(WordOfLengthTest, LosesRemovedDocumentsInAShrinkUnlessItIsOneByte) {
   engine_.AddDocumentWords("one", word_.c_str());
   engine_.AddDocumentWords("two", word_.c_str());
   engine_.RemoveDocumentWords("one");
@@ -42,7 +42,7 @@ TEST_P(WordOfLength, LosesRemovedDocumentsInAShrinkUnlessItIsOneByte) {
   EXPECT_EQ(stored.at(word_), (GetParam() == 1 ? Entry(1, {1}) : "") + Entry(2, {1}));
 }
 
-TEST_P(WordOfLength, LosesItsPositionsWithOptionFlag1) {
+TEST_P(WordOfLengthTest, LosesItsPositionsWithOptionFlag1) {
   engine_.AddDocumentWords("one", word_.c_str());
   engine_.SetOptionFlag(1);
   engine_.AddDocumentWords("two", word_.c_str());
@@ -50,7 +50,7 @@ TEST_P(WordOfLength, LosesItsPositionsWithOptionFlag1) {
 }
 
 // The second byte is what tells system records, but only in keys of more than two bytes.
-TEST_F(LongText, AWordOfTwoBytesThatEndsInADashIsAWordThatShrinkingPassesOver) {
+TEST_F(LongTextTest, AWordOfTwoBytesThatEndsInADashIsAWordThatShrinkingPassesOver) {
   EXPECT_STREQ(engine_.AddDocumentWords("one", "a- -a --"), "--\n-a\na-\n");
   for (const char* word : {"a-", "-a", "--"}) EXPECT_EQ(Listing(Word(word)), "100 one\n") << word;
   const std::string common = engine_.CommonWords(1, 1);
@@ -66,7 +66,7 @@ TEST_F(LongText, AWordOfTwoBytesThatEndsInADashIsAWordThatShrinkingPassesOver) {
 }
 
 // The 65536th word stands at place 1 again, so that the 100000th stands at 34465.
-TEST_F(LongText, PlacesOf100000WordsGoRoundOnce) {
+TEST_F(LongTextTest, PlacesOf100000WordsGoRoundOnce) {
   std::string text = "first second ";
   text += Times(65533, "x ") + "wrapped " + Times(34463, "x ") + "last";
   engine_.AddDocumentWords("one", text.c_str());
@@ -79,7 +79,7 @@ TEST_F(LongText, PlacesOf100000WordsGoRoundOnce) {
   EXPECT_EQ(HitsOf(And(Word("first"), Word("last"), 34464)), (Hits{{1, 2, {34465}}}));
 }
 
-TEST_F(LongText, AWordThatOccurs70000TimesIsCountedToTheLimit) {
+TEST_F(LongTextTest, AWordThatOccurs70000TimesIsCountedToTheLimit) {
   engine_.AddDocumentWords("many", (Times(70000, "x ") + "end").c_str());
   engine_.AddDocumentWords("one", "x");
   const Hits hits = HitsOf(Word("x"));
@@ -90,7 +90,7 @@ TEST_F(LongText, AWordThatOccurs70000TimesIsCountedToTheLimit) {
   EXPECT_EQ(Listing(Word("x")), "100 many\n0 one\n");
 }
 
-TEST_F(LongText, OccurrencesOnBothSidesOfTheLimitScoreAsMuchAsIsCounted) {
+TEST_F(LongTextTest, OccurrencesOnBothSidesOfTheLimitScoreAsMuchAsIsCounted) {
   for (const unsigned count : {65534U, 65535U, 65536U}) {
     engine_.AddDocumentWords(std::to_string(count).c_str(), Times(count, "xx ").c_str());
   }

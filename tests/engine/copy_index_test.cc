@@ -7,7 +7,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-class CopyIndex : public IndexTest {
+class CopyIndexTest : public IndexTest {
  protected:
   // Makes an index of `count` records, the option flags among them, and opens it with `mode`.
   void Fill(int count, int mode = 1) {
@@ -46,7 +46,7 @@ class CopyIndex : public IndexTest {
   const std::string copy_path_ = folder_ / "copy";
 };
 
-TEST_F(CopyIndex, CopiesEveryRecord) {
+TEST_F(CopyIndexTest, CopiesEveryRecord) {
   engine_.DBPutTitle("name", "title");
   engine_.AddDocumentWords("name", "some words");
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(Copy(), 0); }), "");
@@ -55,7 +55,7 @@ TEST_F(CopyIndex, CopiesEveryRecord) {
   EXPECT_EQ(copied, Stored());
 }
 
-TEST_F(CopyIndex, LeavesTheIndexOpenAndAsItWas) {
+TEST_F(CopyIndexTest, LeavesTheIndexOpenAndAsItWas) {
   engine_.DBPutTitle("name", "title");
   Copy();
   EXPECT_STREQ(engine_.DBGetTitle("name"), "title");
@@ -63,7 +63,7 @@ TEST_F(CopyIndex, LeavesTheIndexOpenAndAsItWas) {
   EXPECT_EQ(Dump(copy_path_).at("t-name"), "title");
 }
 
-TEST_F(CopyIndex, KeepsRecordsThatTheSourceLacks) {
+TEST_F(CopyIndexTest, KeepsRecordsThatTheSourceLacks) {
   Plant(copy_path_, {{"t-old", "kept"}, {"t-name", "replaced"}});
   engine_.DBPutTitle("name", "title");
   EXPECT_EQ(Copy(), 0);
@@ -71,14 +71,14 @@ TEST_F(CopyIndex, KeepsRecordsThatTheSourceLacks) {
             (Records{{"g-opts", std::string(4, '\0')}, {"t-name", "title"}, {"t-old", "kept"}}));
 }
 
-TEST_F(CopyIndex, CopiesChangesThatWaitForAFlush) {
+TEST_F(CopyIndexTest, CopiesChangesThatWaitForAFlush) {
   PlantAndReopen({{"word", Units({7, 2, 10, 20})}});
   engine_.SetOptionFlag(1);
   EXPECT_EQ(Copy(), 0);
   EXPECT_EQ(Dump(copy_path_).at("word"), Units({7}));
 }
 
-TEST_F(CopyIndex, ChangesThatWaitStillReachTheIndex) {
+TEST_F(CopyIndexTest, ChangesThatWaitStillReachTheIndex) {
   PlantAndReopen({{"word", Units({7, 2, 10, 20})}});
   engine_.SetOptionFlag(1);
   GdbmWatch gdbm;
@@ -87,7 +87,7 @@ TEST_F(CopyIndex, ChangesThatWaitStillReachTheIndex) {
   EXPECT_EQ(Stored().at("word"), Units({7}));
 }
 
-TEST_F(CopyIndex, ChangesThatWaitAreStoredInTheCopyOnce) {
+TEST_F(CopyIndexTest, ChangesThatWaitAreStoredInTheCopyOnce) {
   PlantAndReopen({{"word", Units({7, 2, 10, 20})}});
   engine_.SetOptionFlag(1);
   GdbmWatch gdbm;
@@ -95,7 +95,7 @@ TEST_F(CopyIndex, ChangesThatWaitAreStoredInTheCopyOnce) {
   EXPECT_EQ(StoresIn(gdbm, copy_path_).size(), 2u);  // the option flags are the other
 }
 
-TEST_F(CopyIndex, TheIndexKeepsOnlyTheLastRecordsInMemory) {
+TEST_F(CopyIndexTest, TheIndexKeepsOnlyTheLastRecordsInMemory) {
   Fill(2500);
   Copy();
   GdbmWatch gdbm;
@@ -103,7 +103,7 @@ TEST_F(CopyIndex, TheIndexKeepsOnlyTheLastRecordsInMemory) {
   EXPECT_GE(gdbm.Count("fetch"), 1998u);  // 499 since the last flush, and two held across one
 }
 
-TEST_F(CopyIndex, TheReusableCodesInMemoryAreCopiedAndStillReachTheIndex) {
+TEST_F(CopyIndexTest, TheReusableCodesInMemoryAreCopiedAndStillReachTheIndex) {
   PlantAndReopen({{"g-avail", Units({5, 9})}});
   engine_.AddDocumentWords("name", "");
   EXPECT_EQ(Copy(), 0);
@@ -111,7 +111,7 @@ TEST_F(CopyIndex, TheReusableCodesInMemoryAreCopiedAndStillReachTheIndex) {
   EXPECT_EQ(Stored().at("g-avail"), Units({5}));
 }
 
-TEST_F(CopyIndex, TwoThousandFiveHundredRecordsFlushTwice) {
+TEST_F(CopyIndexTest, TwoThousandFiveHundredRecordsFlushTwice) {
   Fill(2500);
   GdbmWatch gdbm;
   EXPECT_EQ(Copy(), 0);
@@ -120,21 +120,21 @@ TEST_F(CopyIndex, TwoThousandFiveHundredRecordsFlushTwice) {
   EXPECT_EQ(gdbm.Lines().back(), "close");
 }
 
-TEST_F(CopyIndex, AThousandRecordsFlushAtTheEndOnly) {
+TEST_F(CopyIndexTest, AThousandRecordsFlushAtTheEndOnly) {
   Fill(1000);
   GdbmWatch gdbm;
   EXPECT_EQ(Copy(), 0);
   EXPECT_EQ(Cadence(gdbm), (Lines{"1000 stored", "copy synced"}));
 }
 
-TEST_F(CopyIndex, AThousandAndOneRecordsFlushOnceBeforeTheEnd) {
+TEST_F(CopyIndexTest, AThousandAndOneRecordsFlushOnceBeforeTheEnd) {
   Fill(1001);
   GdbmWatch gdbm;
   EXPECT_EQ(Copy(), 0);
   EXPECT_EQ(Cadence(gdbm), (Lines{"1001 stored", "index synced", "copy synced", "copy synced"}));
 }
 
-TEST_F(CopyIndex, TwoThousandRecordsDoNotFlushASecondTime) {
+TEST_F(CopyIndexTest, TwoThousandRecordsDoNotFlushASecondTime) {
   Fill(2000);
   GdbmWatch gdbm;
   EXPECT_EQ(Copy(), 0);
@@ -142,19 +142,19 @@ TEST_F(CopyIndex, TwoThousandRecordsDoNotFlushASecondTime) {
                                   "999 stored", "copy synced"}));
 }
 
-TEST_F(CopyIndex, ManyRecordsAreAllThere) {
+TEST_F(CopyIndexTest, ManyRecordsAreAllThere) {
   Fill(2500);
   EXPECT_EQ(Copy(), 0);
   EXPECT_EQ(Dump(copy_path_), Stored());
 }
 
-TEST_F(CopyIndex, AnIndexOpenForReadingCanBeCopied) {
+TEST_F(CopyIndexTest, AnIndexOpenForReadingCanBeCopied) {
   Fill(10, 0);
   EXPECT_EQ(Copy(), 0);
   EXPECT_EQ(Dump(copy_path_), Stored());
 }
 
-TEST_F(CopyIndex, ATargetThatCannotBeOpenedIsNamedWithoutALineBreak) {
+TEST_F(CopyIndexTest, ATargetThatCannotBeOpenedIsNamedWithoutALineBreak) {
   const std::string path = folder_ / "missing/copy";
   const GdbmWatch gdbm;
   const std::string printed =
@@ -164,7 +164,7 @@ TEST_F(CopyIndex, ATargetThatCannotBeOpenedIsNamedWithoutALineBreak) {
   EXPECT_EQ(gdbm.Count("store"), 0u);
 }
 
-TEST_F(CopyIndex, AnIndexIsNotCopiedOntoItself) {
+TEST_F(CopyIndexTest, AnIndexIsNotCopiedOntoItself) {
   engine_.DBPutTitle("name", "title");
   const std::string printed =
       StandardErrorOf([&] { EXPECT_EQ(engine_.CopyIndexTo(path_.c_str()), -1); });
@@ -173,21 +173,21 @@ TEST_F(CopyIndex, AnIndexIsNotCopiedOntoItself) {
   EXPECT_EQ(Stored().at("t-name"), "title");
 }
 
-TEST_F(CopyIndex, WithoutAnIndexTheCopyIsEmpty) {
+TEST_F(CopyIndexTest, WithoutAnIndexTheCopyIsEmpty) {
   engine_.CloseIndex();
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(Copy(), 0); }),
             "Kestan: Call to database::first without an open database\n");
   EXPECT_TRUE(Dump(copy_path_).empty());
 }
 
-TEST_F(CopyIndex, WithoutAnIndexATargetThatExistsKeepsItsRecords) {
+TEST_F(CopyIndexTest, WithoutAnIndexATargetThatExistsKeepsItsRecords) {
   Plant(copy_path_, {{"t-old", "kept"}});
   engine_.CloseIndex();
   StandardErrorOf([&] { EXPECT_EQ(Copy(), 0); });
   EXPECT_EQ(Dump(copy_path_), (Records{{"t-old", "kept"}}));
 }
 
-TEST_F(CopyIndex, EndsAtARecordThatCannotBeFetched) {
+TEST_F(CopyIndexTest, EndsAtARecordThatCannotBeFetched) {
   Fill(10);
   GdbmWatch gdbm;
   gdbm.Fail("fetch", 5, GDBM_FILE_READ_ERROR);
@@ -197,7 +197,7 @@ TEST_F(CopyIndex, EndsAtARecordThatCannotBeFetched) {
   EXPECT_LE(stored.size(), 5u);  // the flags are read from memory, whether they come early or late
 }
 
-TEST_F(CopyIndex, GoesOnBehindARecordThatTheTargetRefuses) {
+TEST_F(CopyIndexTest, GoesOnBehindARecordThatTheTargetRefuses) {
   Fill(10);
   GdbmWatch gdbm;
   gdbm.Fail("store", 3, GDBM_FILE_WRITE_ERROR);
@@ -205,7 +205,7 @@ TEST_F(CopyIndex, GoesOnBehindARecordThatTheTargetRefuses) {
   EXPECT_EQ(Dump(copy_path_).size(), 9u);
 }
 
-TEST_F(CopyIndex, FlushErrorsOfTheIndexArePrintedAndTheCopyGoesOn) {
+TEST_F(CopyIndexTest, FlushErrorsOfTheIndexArePrintedAndTheCopyGoesOn) {
   Fill(1000);
   PlantAndReopen({{"word", Units({7, 2, 10, 20})}});
   engine_.CloseIndex();

@@ -9,7 +9,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-class HeldRecords : public IndexTest {
+class HeldRecordsTest : public IndexTest {
  protected:
   void SetUp() override {
     IndexTest::SetUp();
@@ -45,7 +45,7 @@ class HeldRecords : public IndexTest {
   const Lines codes_ = {"g-avail"};
 };
 
-TEST_F(HeldRecords, NoneOfSideRecords) {
+TEST_F(HeldRecordsTest, NoneOfSideRecords) {
   EXPECT_EQ(HeldAfter([&] { engine_.DBGetUser("one"); }), codes_);
   EXPECT_EQ(HeldAfter([&] { engine_.DBGetSummary("one"); }), codes_);
   EXPECT_EQ(HeldAfter([&] { engine_.DBGetTitle("one"); }), codes_);
@@ -55,14 +55,14 @@ TEST_F(HeldRecords, NoneOfSideRecords) {
   EXPECT_EQ(HeldAfter([&] { engine_.DBGetWords("one"); }), codes_);
 }
 
-TEST_F(HeldRecords, NoneOfTheOptions) {
+TEST_F(HeldRecordsTest, NoneOfTheOptions) {
   EXPECT_EQ(HeldAfter([&] { engine_.GetOptions(); }), codes_);
   EXPECT_EQ(HeldAfter([&] { engine_.SetOptionFlag(2); }), codes_);
   EXPECT_EQ(HeldAfter([&] { engine_.SetOptionFlag(1); }), codes_);
   EXPECT_EQ(HeldAfter([&] { engine_.UnsetOptionFlag(2); }), codes_);
 }
 
-TEST_F(HeldRecords, NoneOfDocuments) {
+TEST_F(HeldRecordsTest, NoneOfDocuments) {
   EXPECT_EQ(HeldAfter([&] { engine_.DocumentTimestamp("one"); }), codes_);
   EXPECT_EQ(HeldAfter([&] { engine_.AddDocumentWords("three", "cat bird"); }), codes_);
   EXPECT_EQ(HeldAfter([&] { engine_.AddDocumentWords("four", "cat Cow"); }), codes_);
@@ -71,7 +71,7 @@ TEST_F(HeldRecords, NoneOfDocuments) {
   EXPECT_EQ(HeldAfter([&] { engine_.ShrinkIndex(); }), codes_);
 }
 
-TEST_F(HeldRecords, NoneOfQueries) {
+TEST_F(HeldRecordsTest, NoneOfQueries) {
   int cat = 0;
   EXPECT_EQ(HeldAfter([&] { cat = engine_.QueryWord("cat"); }), codes_);
   EXPECT_EQ(HeldAfter([&] { engine_.FreeQueryResult(engine_.QueryNegate(cat)); }), codes_);
@@ -84,7 +84,7 @@ TEST_F(HeldRecords, NoneOfQueries) {
 }
 
 // Whoever holds a changed record has it written by every flush.
-TEST_F(HeldRecords, TheListOfReusableCodesIsWrittenByEveryFlushOnceItHasChanged) {
+TEST_F(HeldRecordsTest, TheListOfReusableCodesIsWrittenByEveryFlushOnceItHasChanged) {
   engine_.AddDocumentWords("three", "");
   const GdbmWatch gdbm;
   engine_.FlushIndex();

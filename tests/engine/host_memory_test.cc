@@ -12,31 +12,31 @@
 namespace kestan_tests {
 namespace {
 
-TEST(SafeMalloc, GivesAsManyBytesAsAskedFor) {
+TEST(SafeMallocTest, GivesAsManyBytesAsAskedFor) {
   char* const block = static_cast<char*>(Kestan::SafeMalloc(1000));
   std::memset(block, 'x', 1000);
   EXPECT_EQ(block[999], 'x');
   std::free(block);
 }
 
-TEST(SafeMalloc, ServesNoBytesToo) {
+TEST(SafeMallocTest, ServesNoBytesToo) {
   errno = ENOMEM;  // if the process ended here, it would be with this status
   void* const block = Kestan::SafeMalloc(0);
   EXPECT_NE(block, nullptr);
   std::free(block);
 }
 
-TEST(SafeMalloc, PrintsNothingWhereThereIsMemory) {
+TEST(SafeMallocTest, PrintsNothingWhereThereIsMemory) {
   EXPECT_EQ(StandardErrorOf([] { std::free(Kestan::SafeMalloc(1)); }), "");
 }
 
-TEST(SafeRealloc, AllocatesForANullPointer) {
+TEST(SafeReallocTest, AllocatesForANullPointer) {
   char* const block = static_cast<char*>(Kestan::SafeRealloc(nullptr, 10));
   std::memset(block, 'x', 10);
   std::free(block);
 }
 
-TEST(SafeRealloc, KeepsTheBytes) {
+TEST(SafeReallocTest, KeepsTheBytes) {
   char* block = static_cast<char*>(Kestan::SafeMalloc(4));
   std::memcpy(block, "word", 4);
   block = static_cast<char*>(Kestan::SafeRealloc(block, 1000000));
@@ -46,7 +46,7 @@ TEST(SafeRealloc, KeepsTheBytes) {
   std::free(block);
 }
 
-TEST(SafeRealloc, ToNoBytesLeavesABlockToFree) {
+TEST(SafeReallocTest, ToNoBytesLeavesABlockToFree) {
   errno = ENOMEM;  // if the process ended here, it would be with this status
   void* block = Kestan::SafeMalloc(10);
   block = Kestan::SafeRealloc(block, 0);
@@ -55,7 +55,7 @@ TEST(SafeRealloc, ToNoBytesLeavesABlockToFree) {
   std::free(block);
 }
 
-TEST(SafeRealloc, OfNothingToNoBytesLeavesABlockToFree) {
+TEST(SafeReallocTest, OfNothingToNoBytesLeavesABlockToFree) {
   errno = ENOMEM;  // if the process ended here, it would be with this status
   void* const block = Kestan::SafeRealloc(nullptr, 0);
   EXPECT_NE(block, nullptr);

@@ -7,11 +7,11 @@
 namespace kestan_tests {
 namespace {
 
-using IndexRecords = IndexTest;
+using IndexRecordsTest = IndexTest;
 
 std::string NameKey(unsigned code) { return "c-" + Units({code}); }
 
-TEST_F(IndexRecords, AreTheseAndNoOthers) {
+TEST_F(IndexRecordsTest, AreTheseAndNoOthers) {
   engine_.AddDocumentWords("doc1", "Hello world");
   Records stored = Stored();
   EXPECT_EQ(stored.at("d-doc1").size(), 8u);
@@ -24,7 +24,7 @@ TEST_F(IndexRecords, AreTheseAndNoOthers) {
                              {"world", Units({1, 1, 2})}}));
 }
 
-TEST_F(IndexRecords, ADocumentRecordHoldsTimeAndCode) {
+TEST_F(IndexRecordsTest, ADocumentRecordHoldsTimeAndCode) {
   const auto before = static_cast<std::uint32_t>(std::time(nullptr));
   engine_.AddDocumentWords("doc1", "words");
   const auto after = static_cast<std::uint32_t>(std::time(nullptr));
@@ -34,16 +34,18 @@ TEST_F(IndexRecords, ADocumentRecordHoldsTimeAndCode) {
   EXPECT_EQ(Stored().at("d-doc1"), Units({timestamp & 0xffff, timestamp >> 16, 1, 0}));
 }
 
-TEST_F(IndexRecords, TheCounterIsTheHighestCodeHandedOut) {
+TEST_F(IndexRecordsTest, TheCounterIsTheHighestCodeHandedOut) {
   engine_.AddDocumentWords("doc1", "");
   engine_.AddDocumentWords("doc2", "");
   engine_.RemoveDocumentWords("doc2");
   EXPECT_EQ(Stored().at("g-code"), Units({2}));
 }
 
-TEST_F(IndexRecords, WithoutADocumentThereIsNoCounter) { EXPECT_EQ(Stored().count("g-code"), 0u); }
+TEST_F(IndexRecordsTest, WithoutADocumentThereIsNoCounter) {
+  EXPECT_EQ(Stored().count("g-code"), 0u);
+}
 
-TEST_F(IndexRecords, AReusedCodeMakesNoCounter) {
+TEST_F(IndexRecordsTest, AReusedCodeMakesNoCounter) {
   PlantAndReopen({{"g-avail", Units({3})}});
   engine_.AddDocumentWords("doc1", "");
   const Records stored = Stored();
@@ -51,7 +53,7 @@ TEST_F(IndexRecords, AReusedCodeMakesNoCounter) {
   EXPECT_EQ(stored.at(NameKey(3)), "doc1");
 }
 
-TEST_F(IndexRecords, PostingsStandInTheOrderInWhichDocumentsWereAdded) {
+TEST_F(IndexRecordsTest, PostingsStandInTheOrderInWhichDocumentsWereAdded) {
   engine_.AddDocumentWords("doc1", "word other word");
   engine_.AddDocumentWords("doc2", "word");
   const Records stored = Stored();
@@ -59,27 +61,27 @@ TEST_F(IndexRecords, PostingsStandInTheOrderInWhichDocumentsWereAdded) {
   EXPECT_EQ(stored.at("g-code"), Units({2}));
 }
 
-TEST_F(IndexRecords, AReusedCodeStandsBehindHigherOnes) {
+TEST_F(IndexRecordsTest, AReusedCodeStandsBehindHigherOnes) {
   PlantAndReopen({{"g-avail", Units({3})}, {"g-code", Units({9})}, {"word", Units({9, 1, 1})}});
   engine_.AddDocumentWords("doc1", "word");
   EXPECT_EQ(Stored().at("word"), Units({9, 1, 1, 3, 1, 1}));
 }
 
-TEST_F(IndexRecords, WithoutPositionsPostingsAreCodes) {
+TEST_F(IndexRecordsTest, WithoutPositionsPostingsAreCodes) {
   engine_.SetOptionFlag(1);
   engine_.AddDocumentWords("doc1", "word word");
   engine_.AddDocumentWords("doc2", "word");
   EXPECT_EQ(Stored().at("word"), Units({1, 2}));
 }
 
-TEST_F(IndexRecords, ANameKeyMayHoldZeros) {
+TEST_F(IndexRecordsTest, ANameKeyMayHoldZeros) {
   PlantAndReopen({{"g-code", Units({255})}});
   engine_.AddDocumentWords("doc256", "");
   EXPECT_STREQ(engine_.ListDocuments(), "doc256\n");
   EXPECT_EQ(Stored().at(std::string("c-\0\1", 4)), "doc256");
 }
 
-TEST_F(IndexRecords, NameKeysThatDifferBehindAZeroAreTwo) {
+TEST_F(IndexRecordsTest, NameKeysThatDifferBehindAZeroAreTwo) {
   PlantAndReopen({{"g-code", Units({255})}, {NameKey(512), "doc512"}});
   engine_.AddDocumentWords("doc256", "");
   const Records stored = Stored();
@@ -87,7 +89,7 @@ TEST_F(IndexRecords, NameKeysThatDifferBehindAZeroAreTwo) {
   EXPECT_EQ(stored.at(NameKey(512)), "doc512");
 }
 
-TEST_F(IndexRecords, AnEmptyPostingRecordIsAWordWithoutDocuments) {
+TEST_F(IndexRecordsTest, AnEmptyPostingRecordIsAWordWithoutDocuments) {
   engine_.AddDocumentWords("doc1", "other");
   PlantAndReopen({{"word", ""}});
   const int id = engine_.QueryWord("word");
@@ -95,7 +97,7 @@ TEST_F(IndexRecords, AnEmptyPostingRecordIsAWordWithoutDocuments) {
   EXPECT_EQ(Listing(id), "");
 }
 
-TEST_F(IndexRecords, TheCodeOfADocumentIsTheUnitAtByteFour) {
+TEST_F(IndexRecordsTest, TheCodeOfADocumentIsTheUnitAtByteFour) {
   engine_.AddDocumentWords("doc1", "word");
   PlantAndReopen({{"d-doc1", Units({0, 0, 1, 65535})}});
   EXPECT_EQ(engine_.RemoveDocumentWords("doc1"), 0);
@@ -104,7 +106,7 @@ TEST_F(IndexRecords, TheCodeOfADocumentIsTheUnitAtByteFour) {
   EXPECT_EQ(stored.count(NameKey(1)), 0u);
 }
 
-TEST_F(IndexRecords, PositionsGoOnWithOneAfter65535) {
+TEST_F(IndexRecordsTest, PositionsGoOnWithOneAfter65535) {
   std::string text;
   for (int i = 0; i < 65534; ++i) text += "a ";
   engine_.AddDocumentWords("doc1", (text + "b c d").c_str());
@@ -114,7 +116,7 @@ TEST_F(IndexRecords, PositionsGoOnWithOneAfter65535) {
   EXPECT_EQ(stored.at("d"), Units({1, 1, 2}));
 }
 
-TEST_F(IndexRecords, AnEntryHoldsAtMost65535Positions) {
+TEST_F(IndexRecordsTest, AnEntryHoldsAtMost65535Positions) {
   std::string text;
   for (int i = 0; i < 65535; ++i) text += "a ";
   engine_.AddDocumentWords("doc1", text.c_str());

@@ -92,12 +92,12 @@ static_assert(!std::is_assignable_v<decltype((Kestan::WordBuf)), char*>);
 static_assert(!std::is_assignable_v<decltype((Kestan::WBSize)), std::uint32_t>);
 static_assert(sizeof(Kestan::WBSize) == 4);
 
-TEST(KestanClass, TheScratchBufferStartsNull) {
+TEST(KestanClassTest, TheScratchBufferStartsNull) {
   EXPECT_EQ(Kestan::WordBuf, nullptr);
   EXPECT_EQ(Kestan::WBSize, 0u);
 }
 
-TEST(KestanClass, MakingAnEngineTouchesNoScratchBufferAndNoFile) {
+TEST(KestanClassTest, MakingAnEngineTouchesNoScratchBufferAndNoFile) {
   GdbmWatch gdbm;
   const std::string printed = StandardErrorOf([] {
     const Kestan engine;
@@ -109,7 +109,7 @@ TEST(KestanClass, MakingAnEngineTouchesNoScratchBufferAndNoFile) {
   EXPECT_TRUE(gdbm.Calls().empty());
 }
 
-TEST(KestanClass, StringsThatAreNotConstantServe) {
+TEST(KestanClassTest, StringsThatAreNotConstantServe) {
   const TempDir folder;
   std::string path = folder / "index";
   std::string name = "name";
@@ -123,7 +123,7 @@ TEST(KestanClass, StringsThatAreNotConstantServe) {
   EXPECT_EQ(Kestan::StripWords(text.data(), 9, stop_word.data(), stop_list), 5);
 }
 
-class EngineEnd : public testing::Test {
+class KestanDestructorTest : public testing::Test {
  protected:
   void SetUp() override { ASSERT_EQ(engine_->OpenIndex(path_.c_str(), 1), 0); }
 
@@ -132,7 +132,7 @@ class EngineEnd : public testing::Test {
   std::unique_ptr<Kestan> engine_ = std::make_unique<Kestan>();
 };
 
-TEST_F(EngineEnd, WritesWhatWaits) {
+TEST_F(KestanDestructorTest, WritesWhatWaits) {
   engine_->CloseIndex();
   Plant(path_, {{"word", Units({7, 2, 10, 20})}});
   engine_->OpenIndex(path_.c_str(), 1);
@@ -141,11 +141,11 @@ TEST_F(EngineEnd, WritesWhatWaits) {
   EXPECT_EQ(Dump(path_).at("word"), Units({7}));
 }
 
-TEST_F(EngineEnd, PrintsNothing) {
+TEST_F(KestanDestructorTest, PrintsNothing) {
   EXPECT_EQ(StandardErrorOf([&] { engine_.reset(); }), "");
 }
 
-TEST_F(EngineEnd, LeavesTheScratchBuffersAddressAndSize) {
+TEST_F(KestanDestructorTest, LeavesTheScratchBuffersAddressAndSize) {
   engine_->DBPutTitle("name", "title");
   engine_->DBGetTitle("name");
   const auto address = reinterpret_cast<std::uintptr_t>(Kestan::WordBuf);
@@ -155,7 +155,7 @@ TEST_F(EngineEnd, LeavesTheScratchBuffersAddressAndSize) {
   EXPECT_EQ(Kestan::WBSize, 4096u);
 }
 
-TEST_F(EngineEnd, TheNextEngineHasAScratchBufferAgain) {
+TEST_F(KestanDestructorTest, TheNextEngineHasAScratchBufferAgain) {
   engine_->DBPutTitle("name", "title");
   engine_->DBGetTitle("name");
   engine_ = nullptr;

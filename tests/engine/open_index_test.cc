@@ -12,7 +12,7 @@ using Lines = std::vector<std::string>;
 const std::string kNoOptions(4, '\0');
 
 // An engine without an index.
-class ClosedEngine : public IndexTest {
+class ClosedIndexTest : public IndexTest {
  protected:
   void SetUp() override {}
 
@@ -26,27 +26,27 @@ class ClosedEngine : public IndexTest {
   }
 };
 
-using Lifecycle = IndexTest;
+using LifecycleTest = IndexTest;
 
-TEST_F(ClosedEngine, ReadingAMissingFileFailsInSilence) {
+TEST_F(ClosedIndexTest, ReadingAMissingFileFailsInSilence) {
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(engine_.OpenIndex(path_.c_str(), 0), -1); }), "");
   EXPECT_FALSE(std::filesystem::exists(path_));
 }
 
-TEST_F(ClosedEngine, WritingAMissingFileCreatesIt) {
+TEST_F(ClosedIndexTest, WritingAMissingFileCreatesIt) {
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(engine_.OpenIndex(path_.c_str(), 1), 0); }), "");
   EXPECT_EQ(engine_.Options(), 0u);
   EXPECT_EQ(Stored(), (Records{{"g-opts", kNoOptions}}));
 }
 
-TEST_F(ClosedEngine, OptionsAreLoadedBeforeTheReusableCodes) {
+TEST_F(ClosedIndexTest, OptionsAreLoadedBeforeTheReusableCodes) {
   Plant(path_, {{"g-opts", kNoOptions}, {"g-avail", Units({3})}});
   const GdbmWatch gdbm;
   EXPECT_EQ(engine_.OpenIndex(path_.c_str(), 1), 0);
   EXPECT_EQ(gdbm.Lines(), (Lines{"fetch g-opts", "fetch g-avail"}));
 }
 
-TEST_F(ClosedEngine, AnyModeButZeroWrites) {
+TEST_F(ClosedIndexTest, AnyModeButZeroWrites) {
   for (int mode : {1, 2, -1}) {
     EXPECT_EQ(engine_.OpenIndex(path_.c_str(), mode), 0);
     EXPECT_EQ(engine_.DBPutTitle("name", "title"), 0);
@@ -54,7 +54,7 @@ TEST_F(ClosedEngine, AnyModeButZeroWrites) {
   }
 }
 
-TEST_F(ClosedEngine, AFileOfAnotherKindFailsInSilence) {
+TEST_F(ClosedIndexTest, AFileOfAnotherKindFailsInSilence) {
   std::ofstream(path_) << std::string(4096, 'x');
   EXPECT_EQ(StandardErrorOf([&] {
               EXPECT_EQ(engine_.OpenIndex(path_.c_str(), 0), -1);
@@ -63,12 +63,12 @@ TEST_F(ClosedEngine, AFileOfAnotherKindFailsInSilence) {
             "");
 }
 
-TEST_F(ClosedEngine, AFailedOpenLeavesItClosed) {
+TEST_F(ClosedIndexTest, AFailedOpenLeavesItClosed) {
   EXPECT_EQ(engine_.OpenIndex(path_.c_str(), 0), -1);
   EXPECT_EQ(engine_.OpenIndex(path_.c_str(), 1), 0);
 }
 
-TEST_F(ClosedEngine, AReaderReadsAndIsRefusedWriting) {
+TEST_F(ClosedIndexTest, AReaderReadsAndIsRefusedWriting) {
   Plant(path_, {{"g-opts", kNoOptions}, {"t-name", "title"}});
   EXPECT_EQ(engine_.OpenIndex(path_.c_str(), 0), 0);
   EXPECT_STREQ(engine_.DBGetTitle("name"), "title");
@@ -77,42 +77,42 @@ TEST_F(ClosedEngine, AReaderReadsAndIsRefusedWriting) {
             "");
 }
 
-TEST_F(ClosedEngine, AReaderOfAnIndexWithoutOptionsOpensInSilence) {
+TEST_F(ClosedIndexTest, AReaderOfAnIndexWithoutOptionsOpensInSilence) {
   Plant(path_, {{"t-name", "title"}});
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(engine_.OpenIndex(path_.c_str(), 0), 0); }), "");
   EXPECT_EQ(engine_.Options(), 0u);
   EXPECT_EQ(Stored(), (Records{{"t-name", "title"}}));
 }
 
-TEST_F(ClosedEngine, ReusableCodesAreLoaded) {
+TEST_F(ClosedIndexTest, ReusableCodesAreLoaded) {
   Plant(path_, {{"g-avail", Units({5, 9})}, {"g-code", Units({20})}});
   engine_.OpenIndex(path_.c_str(), 1);
   EXPECT_EQ(NameKeyOfNewDocument("name"), "c-" + Units({9}));
 }
 
-TEST_F(ClosedEngine, WithoutReusableCodesTheFirstCodeIsOne) {
+TEST_F(ClosedIndexTest, WithoutReusableCodesTheFirstCodeIsOne) {
   engine_.OpenIndex(path_.c_str(), 1);
   EXPECT_EQ(NameKeyOfNewDocument("name"), "c-" + Units({1}));
 }
 
-TEST_F(ClosedEngine, OpeningWritesNoReusableCodes) {
+TEST_F(ClosedIndexTest, OpeningWritesNoReusableCodes) {
   Plant(path_, {{"g-avail", Units({5, 9})}});
   engine_.OpenIndex(path_.c_str(), 1);
   EXPECT_EQ(Stored(), (Records{{"g-avail", Units({5, 9})}, {"g-opts", kNoOptions}}));
 }
 
-TEST_F(ClosedEngine, ClosingStoresNoListOfCodesOfItsOwn) {
+TEST_F(ClosedIndexTest, ClosingStoresNoListOfCodesOfItsOwn) {
   engine_.OpenIndex(path_.c_str(), 1);
   EXPECT_EQ(Stored().count("g-avail"), 0u);
 }
 
-TEST_F(ClosedEngine, HalfACodeIsNoReusableCode) {
+TEST_F(ClosedIndexTest, HalfACodeIsNoReusableCode) {
   Plant(path_, {{"g-avail", "\x05"}});
   engine_.OpenIndex(path_.c_str(), 1);
   EXPECT_EQ(NameKeyOfNewDocument("name"), "c-" + Units({1}));
 }
 
-TEST_F(ClosedEngine, TheReusableCodesOfOneIndexAreNotThoseOfTheNext) {
+TEST_F(ClosedIndexTest, TheReusableCodesOfOneIndexAreNotThoseOfTheNext) {
   Plant(path_, {{"g-avail", Units({5})}, {"g-code", Units({20})}});
   engine_.OpenIndex(path_.c_str(), 1);
   engine_.CloseIndex();
@@ -125,7 +125,7 @@ TEST_F(ClosedEngine, TheReusableCodesOfOneIndexAreNotThoseOfTheNext) {
   EXPECT_EQ(stored.at("g-code"), Units({1}));
 }
 
-TEST_F(ClosedEngine, TheReusableCodesOfAnotherIndexTakeTheirPlace) {
+TEST_F(ClosedIndexTest, TheReusableCodesOfAnotherIndexTakeTheirPlace) {
   const std::string other_path = folder_ / "other";
   Plant(path_, {{"g-avail", Units({5})}, {"g-code", Units({20})}});
   Plant(other_path, {{"g-avail", Units({7})}, {"g-code", Units({20})}});
@@ -138,7 +138,7 @@ TEST_F(ClosedEngine, TheReusableCodesOfAnotherIndexTakeTheirPlace) {
   EXPECT_EQ(Dump(path_).at("g-avail"), Units({5}));
 }
 
-TEST_F(ClosedEngine, ClosingIsNoErrorAndPrintsNothing) {
+TEST_F(ClosedIndexTest, ClosingIsNoErrorAndPrintsNothing) {
   EXPECT_EQ(StandardErrorOf([&] {
               EXPECT_EQ(engine_.CloseIndex(), 0);
               EXPECT_EQ(engine_.CloseIndex(), 0);
@@ -146,12 +146,12 @@ TEST_F(ClosedEngine, ClosingIsNoErrorAndPrintsNothing) {
             "");
 }
 
-TEST_F(ClosedEngine, FlushingReturnsZeroAndTheStoreComplains) {
+TEST_F(ClosedIndexTest, FlushingReturnsZeroAndTheStoreComplains) {
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(engine_.FlushIndex(), 0); }),
             "Kestan: Call to database::flush without an open database\n");
 }
 
-TEST_F(Lifecycle, ASecondOpenIsRefusedAndChangesNothing) {
+TEST_F(LifecycleTest, ASecondOpenIsRefusedAndChangesNothing) {
   engine_.DBPutTitle("name", "title");
   const std::string other_path = folder_ / "other";
   const std::string printed =
@@ -161,7 +161,7 @@ TEST_F(Lifecycle, ASecondOpenIsRefusedAndChangesNothing) {
   EXPECT_STREQ(engine_.DBGetTitle("name"), "title");
 }
 
-TEST_F(Lifecycle, ASecondOpenTouchesNoFile) {
+TEST_F(LifecycleTest, ASecondOpenTouchesNoFile) {
   engine_.FlushIndex();  // a look at a record would have to read it now
   const GdbmWatch gdbm;
   StandardErrorOf([&] { EXPECT_EQ(engine_.OpenIndex(path_.c_str(), 1), -1); });
@@ -169,7 +169,7 @@ TEST_F(Lifecycle, ASecondOpenTouchesNoFile) {
   EXPECT_TRUE(gdbm.Openings().empty());
 }
 
-TEST_F(Lifecycle, ASecondOpenKeepsTheOptions) {
+TEST_F(LifecycleTest, ASecondOpenKeepsTheOptions) {
   engine_.SetOptionFlag(4);
   const std::string other_path = folder_ / "other";
   Plant(other_path, {{"g-opts", std::string("\x08\0\0\0", 4)}});
@@ -177,7 +177,7 @@ TEST_F(Lifecycle, ASecondOpenKeepsTheOptions) {
   EXPECT_EQ(engine_.Options(), 4u);
 }
 
-TEST_F(Lifecycle, IndexesMayBeOpenedOneAfterTheOther) {
+TEST_F(LifecycleTest, IndexesMayBeOpenedOneAfterTheOther) {
   const std::string other_path = folder_ / "other";
   engine_.DBPutTitle("name", "first");
   EXPECT_EQ(engine_.CloseIndex(), 0);
@@ -189,24 +189,24 @@ TEST_F(Lifecycle, IndexesMayBeOpenedOneAfterTheOther) {
   EXPECT_STREQ(engine_.DBGetTitle("name"), "first");
 }
 
-TEST_F(Lifecycle, ClosingWritesWhatWaits) {
+TEST_F(LifecycleTest, ClosingWritesWhatWaits) {
   PlantAndReopen({{"word", Units({7, 1, 10})}});
   engine_.SetOptionFlag(1);
   EXPECT_EQ(Stored().at("word"), Units({7}));
 }
 
-TEST_F(Lifecycle, ClosingTwiceReturnsZero) {
+TEST_F(LifecycleTest, ClosingTwiceReturnsZero) {
   EXPECT_EQ(engine_.CloseIndex(), 0);
   EXPECT_EQ(engine_.CloseIndex(), 0);
 }
 
-TEST_F(Lifecycle, ClosingKeepsTheOptionsInMemory) {
+TEST_F(LifecycleTest, ClosingKeepsTheOptionsInMemory) {
   engine_.SetOptionFlag(4);
   engine_.CloseIndex();
   EXPECT_EQ(engine_.Options(), 4u);
 }
 
-TEST_F(Lifecycle, ClosingKeepsTheScratchBuffer) {
+TEST_F(LifecycleTest, ClosingKeepsTheScratchBuffer) {
   engine_.DBPutTitle("name", "title");
   const char* const title = engine_.DBGetTitle("name");
   engine_.CloseIndex();
@@ -215,7 +215,7 @@ TEST_F(Lifecycle, ClosingKeepsTheScratchBuffer) {
   EXPECT_STREQ(title, "title");
 }
 
-TEST_F(Lifecycle, FlushingWritesWhatWaitsAndDropsIt) {
+TEST_F(LifecycleTest, FlushingWritesWhatWaitsAndDropsIt) {
   PlantAndReopen({{"word", Units({7, 1, 10})}});
   engine_.SetOptionFlag(1);
   GdbmWatch gdbm;
@@ -224,7 +224,7 @@ TEST_F(Lifecycle, FlushingWritesWhatWaitsAndDropsIt) {
   EXPECT_EQ(gdbm.Lines(), (Lines{"store word", "sync", "sync"}));
 }
 
-TEST_F(Lifecycle, FlushingReturnsZeroWhateverTheStoreReports) {
+TEST_F(LifecycleTest, FlushingReturnsZeroWhateverTheStoreReports) {
   PlantAndReopen({{"word", Units({7, 1, 10})}});
   engine_.CloseIndex();
   engine_.OpenIndex(path_.c_str(), 0);
@@ -233,7 +233,7 @@ TEST_F(Lifecycle, FlushingReturnsZeroWhateverTheStoreReports) {
             "Kestan: Could not write item 'word' -- Reader can't store\n");
 }
 
-TEST_F(Lifecycle, ClosingReturnsZeroWhateverTheStoreReports) {
+TEST_F(LifecycleTest, ClosingReturnsZeroWhateverTheStoreReports) {
   PlantAndReopen({{"word", Units({7, 1, 10})}});
   engine_.CloseIndex();
   engine_.OpenIndex(path_.c_str(), 0);

@@ -17,14 +17,14 @@ const std::string kGetLine = "Kestan: Call to database::get without an open data
 const std::string kPutLine = "Kestan: Call to database::put without an open database\n";
 const std::string kFirstLine = "Kestan: Call to database::first without an open database\n";
 
-using Options = IndexTest;
+using OptionsTest = IndexTest;
 
-TEST_F(Options, ANewIndexHasNoneAndSaysSo) {
+TEST_F(OptionsTest, ANewIndexHasNoneAndSaysSo) {
   EXPECT_EQ(engine_.Options(), 0u);
   EXPECT_EQ(Stored(), (Records{{"g-opts", std::string(4, '\0')}}));
 }
 
-TEST_F(Options, AnIndexThatWasOpenedOnceHoldsTheRecord) {
+TEST_F(OptionsTest, AnIndexThatWasOpenedOnceHoldsTheRecord) {
   engine_.CloseIndex();
   Plant(path_, {{"word", ""}});
   engine_.OpenIndex(path_.c_str(), 1);
@@ -32,31 +32,31 @@ TEST_F(Options, AnIndexThatWasOpenedOnceHoldsTheRecord) {
   EXPECT_EQ(Stored().at("g-opts"), std::string(4, '\0'));
 }
 
-TEST_F(Options, AreLoadedWhenTheIndexIsOpened) {
+TEST_F(OptionsTest, AreLoadedWhenTheIndexIsOpened) {
   PlantAndReopen({{"g-opts", Flags(0x87654322)}});
   EXPECT_EQ(engine_.Options(), 0x87654322u);
 }
 
-TEST_F(Options, AskingForThemDoesNotTouchTheFile) {
+TEST_F(OptionsTest, AskingForThemDoesNotTouchTheFile) {
   engine_.FlushIndex();  // a look at the record would have to read it now
   GdbmWatch gdbm;
   EXPECT_EQ(engine_.Options(), 0u);
   EXPECT_TRUE(gdbm.Calls().empty());
 }
 
-TEST_F(Options, LoadingDoesNotStoreThem) {
+TEST_F(OptionsTest, LoadingDoesNotStoreThem) {
   PlantAndReopen({{"g-opts", Flags(4)}});
   GdbmWatch gdbm;
   engine_.GetOptions();
   EXPECT_EQ(gdbm.Count("store"), 0u);
 }
 
-TEST_F(Options, OfALongerRecordAreItsFirstFourBytes) {
+TEST_F(OptionsTest, OfALongerRecordAreItsFirstFourBytes) {
   PlantAndReopen({{"g-opts", Flags(4) + "more"}});
   EXPECT_EQ(engine_.Options(), 4u);
 }
 
-TEST_F(Options, OfAShorterRecordLackTheMissingBytes) {
+TEST_F(OptionsTest, OfAShorterRecordLackTheMissingBytes) {
   const std::string all = Flags(0x04030202);
   const unsigned long expected[] = {0, 0x02, 0x0202, 0x030202};
   for (std::size_t size = 0; size < 4; ++size) {
@@ -65,13 +65,13 @@ TEST_F(Options, OfAShorterRecordLackTheMissingBytes) {
   }
 }
 
-TEST_F(Options, CanBeLoadedAgain) {
+TEST_F(OptionsTest, CanBeLoadedAgain) {
   EXPECT_EQ(engine_.SetOptionFlag(4), 0);
   engine_.GetOptions();
   EXPECT_EQ(engine_.Options(), 4u);
 }
 
-TEST_F(Options, LoadingAnAbsentRecordMakesOneOfZero) {
+TEST_F(OptionsTest, LoadingAnAbsentRecordMakesOneOfZero) {
   engine_.SetOptionFlag(4);
   engine_.CloseIndex();
   std::filesystem::remove(path_);
@@ -81,12 +81,12 @@ TEST_F(Options, LoadingAnAbsentRecordMakesOneOfZero) {
   EXPECT_EQ(Stored().at("g-opts"), Flags(0));
 }
 
-TEST_F(Options, AreStoredAsFourLittleEndianBytes) {
+TEST_F(OptionsTest, AreStoredAsFourLittleEndianBytes) {
   EXPECT_EQ(engine_.SetOptionFlag(0x87654322), 0);
   EXPECT_EQ(Stored().at("g-opts"), "\x22\x43\x65\x87");
 }
 
-TEST_F(Options, AreStoredAtOnce) {
+TEST_F(OptionsTest, AreStoredAtOnce) {
   GdbmWatch gdbm;
   engine_.SetOptionFlag(4);
   engine_.UnsetOptionFlag(4);
@@ -96,13 +96,13 @@ TEST_F(Options, AreStoredAtOnce) {
   EXPECT_EQ(gdbm.Calls()[1].value, Flags(0));
 }
 
-TEST_F(Options, StoringReturnsGdbmsError) {
+TEST_F(OptionsTest, StoringReturnsGdbmsError) {
   GdbmWatch gdbm;
   gdbm.Fail("store", 1, GDBM_FILE_WRITE_ERROR);
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(engine_.PutOptions(), GDBM_FILE_WRITE_ERROR); }), "");
 }
 
-TEST_F(Options, AFailureToStoreThemIsNotReported) {
+TEST_F(OptionsTest, AFailureToStoreThemIsNotReported) {
   GdbmWatch gdbm;
   gdbm.Fail("store", 1, GDBM_FILE_WRITE_ERROR);
   gdbm.Fail("store", 2, GDBM_FILE_WRITE_ERROR);
@@ -111,13 +111,13 @@ TEST_F(Options, AFailureToStoreThemIsNotReported) {
   EXPECT_EQ(engine_.Options(), 4u);
 }
 
-TEST_F(Options, NoFlagsCannotBeSetOrCleared) {
+TEST_F(OptionsTest, NoFlagsCannotBeSetOrCleared) {
   EXPECT_EQ(engine_.SetOptionFlag(0), -1);
   EXPECT_EQ(engine_.UnsetOptionFlag(0), -1);
 }
 
 #if ULONG_MAX > 0xffffffff
-TEST_F(Options, FlagsAreTheLow32BitsOfTheArgument) {
+TEST_F(OptionsTest, FlagsAreTheLow32BitsOfTheArgument) {
   EXPECT_EQ(engine_.SetOptionFlag(0x100000000), -1);
   EXPECT_EQ(engine_.UnsetOptionFlag(0x100000000), -1);
   EXPECT_EQ(engine_.SetOptionFlag(0x100000004), 0);
@@ -127,13 +127,13 @@ TEST_F(Options, FlagsAreTheLow32BitsOfTheArgument) {
 }
 #endif
 
-TEST_F(Options, SettingAddsFlags) {
+TEST_F(OptionsTest, SettingAddsFlags) {
   EXPECT_EQ(engine_.SetOptionFlag(4), 0);
   EXPECT_EQ(engine_.SetOptionFlag(8 | 0x80000000), 0);
   EXPECT_EQ(engine_.Options(), 0x8000000cu);
 }
 
-TEST_F(Options, AMaskThatOverlapsIsIgnoredWhole) {
+TEST_F(OptionsTest, AMaskThatOverlapsIsIgnoredWhole) {
   PlantAndReopen({{"g-opts", Flags(4)}, {"word", Units({7, 1, 10})}});
   GdbmWatch gdbm;
   EXPECT_EQ(engine_.SetOptionFlag(5), 0);
@@ -143,14 +143,14 @@ TEST_F(Options, AMaskThatOverlapsIsIgnoredWhole) {
   EXPECT_EQ(Stored().at("word"), Units({7, 1, 10}));
 }
 
-TEST_F(Options, ClearingTakesFlagsAway) {
+TEST_F(OptionsTest, ClearingTakesFlagsAway) {
   engine_.SetOptionFlag(0xe);
   EXPECT_EQ(engine_.UnsetOptionFlag(0x14), 0);
   EXPECT_EQ(engine_.Options(), 0xau);
   EXPECT_EQ(Stored().at("g-opts"), Flags(0xa));
 }
 
-TEST_F(Options, ClearingWhatIsNotSetChangesNothing) {
+TEST_F(OptionsTest, ClearingWhatIsNotSetChangesNothing) {
   engine_.SetOptionFlag(4);
   GdbmWatch gdbm;
   EXPECT_EQ(engine_.UnsetOptionFlag(8), 0);
@@ -160,7 +160,7 @@ TEST_F(Options, ClearingWhatIsNotSetChangesNothing) {
   EXPECT_TRUE(gdbm.Calls().empty());
 }
 
-TEST_F(Options, FlagOneCannotBeCleared) {
+TEST_F(OptionsTest, FlagOneCannotBeCleared) {
   engine_.SetOptionFlag(5);
   GdbmWatch gdbm;
   EXPECT_EQ(engine_.UnsetOptionFlag(1), -2);
@@ -169,13 +169,13 @@ TEST_F(Options, FlagOneCannotBeCleared) {
   EXPECT_TRUE(gdbm.Calls().empty());
 }
 
-TEST_F(Options, AMaskWithFlagOneIsRefusedForTheSakeOfAnyOtherFlag) {
+TEST_F(OptionsTest, AMaskWithFlagOneIsRefusedForTheSakeOfAnyOtherFlag) {
   engine_.SetOptionFlag(4);
   EXPECT_EQ(engine_.UnsetOptionFlag(5), -2);
   EXPECT_EQ(engine_.Options(), 4u);
 }
 
-TEST_F(Options, FlagsOtherThanOneConvertNothing) {
+TEST_F(OptionsTest, FlagsOtherThanOneConvertNothing) {
   PlantAndReopen({{"word", Units({7, 1, 10})}});
   GdbmWatch gdbm;
   engine_.SetOptionFlag(0xfffffffe);
@@ -183,7 +183,7 @@ TEST_F(Options, FlagsOtherThanOneConvertNothing) {
   EXPECT_EQ(Stored().at("word"), Units({7, 1, 10}));
 }
 
-TEST_F(Options, WithoutAnIndexTheWordInMemoryChangesAnyway) {
+TEST_F(OptionsTest, WithoutAnIndexTheWordInMemoryChangesAnyway) {
   engine_.CloseIndex();
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(engine_.SetOptionFlag(4), 0); }), kPutLine);
   EXPECT_EQ(engine_.Options(), 4u);
@@ -194,20 +194,20 @@ TEST_F(Options, WithoutAnIndexTheWordInMemoryChangesAnyway) {
   EXPECT_EQ(engine_.Options(), 1u);
 }
 
-TEST_F(Options, WithoutAnIndexLoadingGivesZero) {
+TEST_F(OptionsTest, WithoutAnIndexLoadingGivesZero) {
   engine_.SetOptionFlag(4);
   engine_.CloseIndex();
   EXPECT_EQ(StandardErrorOf([&] { engine_.GetOptions(); }), kGetLine + kPutLine);
   EXPECT_EQ(engine_.Options(), 0u);
 }
 
-TEST_F(Options, WithoutAnIndexStoringFails) {
+TEST_F(OptionsTest, WithoutAnIndexStoringFails) {
   engine_.CloseIndex();
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(engine_.PutOptions(), -1); }), kPutLine);
 }
 
 // Plants a record for "word", sets flag 1 and returns what the record becomes.
-class Conversion : public IndexTest {
+class PositionsConversionTest : public IndexTest {
  protected:
   std::string Converted(const std::string& record) {
     engine_.CloseIndex();
@@ -219,15 +219,15 @@ class Conversion : public IndexTest {
   }
 };
 
-TEST_F(Conversion, KeepsTheCodesAlone) {
+TEST_F(PositionsConversionTest, KeepsTheCodesAlone) {
   EXPECT_EQ(Converted(Units({7, 2, 10, 20, 9, 0})), Units({7, 9}));
   EXPECT_EQ(Converted(Units({7, 1, 10})), Units({7}));
   EXPECT_EQ(Converted(Units({3, 3, 1, 2, 3, 2, 1, 65535, 1, 0})), Units({3, 2, 1}));
 }
 
-TEST_F(Conversion, AnEmptyRecordStaysEmpty) { EXPECT_EQ(Converted(""), ""); }
+TEST_F(PositionsConversionTest, AnEmptyRecordStaysEmpty) { EXPECT_EQ(Converted(""), ""); }
 
-TEST_F(Conversion, OfADamagedRecordStaysWithinIt) {
+TEST_F(PositionsConversionTest, OfADamagedRecordStaysWithinIt) {
   EXPECT_EQ(Converted(Units({7})), Units({7}));
   EXPECT_EQ(Converted(Units({7, 65535, 1, 2})), Units({7}));
   EXPECT_EQ(Converted(Units({7, 1})), Units({7}));
@@ -236,14 +236,14 @@ TEST_F(Conversion, OfADamagedRecordStaysWithinIt) {
   EXPECT_EQ(Converted("x"), "");
 }
 
-TEST_F(Conversion, IsMadeOnce) {
+TEST_F(PositionsConversionTest, IsMadeOnce) {
   EXPECT_EQ(Converted(Units({7, 2, 10, 20, 9, 0})), Units({7, 9}));
   engine_.OpenIndex(path_.c_str(), 1);
   EXPECT_EQ(engine_.SetOptionFlag(1), 0);
   EXPECT_EQ(Stored().at("word"), Units({7, 9}));
 }
 
-TEST_F(Conversion, ReachesTheFileWithTheNextFlush) {
+TEST_F(PositionsConversionTest, ReachesTheFileWithTheNextFlush) {
   PlantAndReopen({{"word", Units({7, 2, 10, 20})}});
   GdbmWatch gdbm;
   engine_.SetOptionFlag(1);
@@ -254,7 +254,7 @@ TEST_F(Conversion, ReachesTheFileWithTheNextFlush) {
   EXPECT_EQ(gdbm.Calls().end()[-2].value, Units({7}));
 }
 
-TEST_F(Conversion, RecordsThatStayAsTheyAreAreWrittenToo) {
+TEST_F(PositionsConversionTest, RecordsThatStayAsTheyAreAreWrittenToo) {
   PlantAndReopen({{"code", Units({7})}, {"empty", ""}, {"word", Units({7, 1, 10})}});
   GdbmWatch gdbm;
   engine_.SetOptionFlag(1);
@@ -266,21 +266,21 @@ TEST_F(Conversion, RecordsThatStayAsTheyAreAreWrittenToo) {
   EXPECT_EQ(writes, (Lines{"g-opts", "code", "empty", "word"}));
 }
 
-TEST_F(Conversion, IsSeenByQueriesBeforeTheFlush) {
+TEST_F(PositionsConversionTest, IsSeenByQueriesBeforeTheFlush) {
   engine_.AddDocumentWords("name", "word word");
   engine_.SetOptionFlag(1);
   const int id = engine_.QueryWord("word");
   EXPECT_EQ(Listing(id), "100 name\n");
 }
 
-TEST_F(Conversion, FollowsTheFlagsInAnyMaskThatHoldsOne) {
+TEST_F(PositionsConversionTest, FollowsTheFlagsInAnyMaskThatHoldsOne) {
   PlantAndReopen({{"word", Units({7, 2, 10, 20})}});
   EXPECT_EQ(engine_.SetOptionFlag(9), 0);
   EXPECT_EQ(engine_.Options(), 9u);
   EXPECT_EQ(Stored().at("word"), Units({7}));
 }
 
-TEST_F(Conversion, LeavesSystemRecordsAlone) {
+TEST_F(PositionsConversionTest, LeavesSystemRecordsAlone) {
   const std::string postings = Units({7, 2, 10, 20});
   Records records;
   for (const char* key : {"g-code", "g-avail", "g-deleted", "d-x", "c-xy", "w-x", "u-x", "s-x",
@@ -293,7 +293,7 @@ TEST_F(Conversion, LeavesSystemRecordsAlone) {
   EXPECT_EQ(Stored(), records);
 }
 
-TEST_F(Conversion, TakesEveryOtherKeyForAWord) {
+TEST_F(PositionsConversionTest, TakesEveryOtherKeyForAWord) {
   Records records;
   for (const char* key : {"a", "-", "a-", "--", "ab", "abc", "a_b", "-ab", "ab-"}) {
     records[key] = Units({7, 2, 10, 20});
@@ -305,7 +305,7 @@ TEST_F(Conversion, TakesEveryOtherKeyForAWord) {
   EXPECT_EQ(Stored(), records);
 }
 
-TEST_F(Conversion, CoversALargeIndex) {
+TEST_F(PositionsConversionTest, CoversALargeIndex) {
   Records records;
   for (unsigned i = 0; i < 3000; ++i) records["word" + std::to_string(i)] = Units({i, 1, 10});
   PlantAndReopen(records);
@@ -315,7 +315,7 @@ TEST_F(Conversion, CoversALargeIndex) {
   EXPECT_EQ(Stored(), records);
 }
 
-TEST_F(Conversion, NewDocumentsAddCodesAlone) {
+TEST_F(PositionsConversionTest, NewDocumentsAddCodesAlone) {
   engine_.AddDocumentWords("first", "word word");
   engine_.SetOptionFlag(1);
   engine_.AddDocumentWords("second", "word word");

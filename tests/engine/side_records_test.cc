@@ -20,7 +20,7 @@ struct Family {
   }
 };
 
-class SideRecord : public IndexTest, public testing::WithParamInterface<Family> {
+class SideRecordTest : public IndexTest, public testing::WithParamInterface<Family> {
  protected:
   char* Get(const std::string& name) { return (engine_.*GetParam().get)(name.c_str()); }
   int Put(const std::string& name, const std::string& text) {
@@ -31,61 +31,61 @@ class SideRecord : public IndexTest, public testing::WithParamInterface<Family> 
 };
 
 INSTANTIATE_TEST_SUITE_P(
-    Families, SideRecord,
+    Families, SideRecordTest,
     testing::Values(Family{"u-", &Kestan::DBGetUser, &Kestan::DBPutUser, &Kestan::DBDelUser},
                     Family{"s-", &Kestan::DBGetSummary, &Kestan::DBPutSummary,
                            &Kestan::DBDelSummary},
                     Family{"t-", &Kestan::DBGetTitle, &Kestan::DBPutTitle, &Kestan::DBDelTitle}));
 
-TEST_P(SideRecord, IsStoredUnderItsPrefixWithoutTerminators) {
+TEST_P(SideRecordTest, IsStoredUnderItsPrefixWithoutTerminators) {
   EXPECT_EQ(Put("doc1", "abc"), 0);
   const Records stored = Stored();
   EXPECT_EQ(stored.at(Key("doc1")), "abc");
   EXPECT_EQ(stored.size(), 2u);  // the option flags are the other
 }
 
-TEST_P(SideRecord, ComesBackInTheScratchBuffer) {
+TEST_P(SideRecordTest, ComesBackInTheScratchBuffer) {
   Put("doc1", "abc");
   char* const text = Get("doc1");
   EXPECT_STREQ(text, "abc");
   EXPECT_EQ(text, Kestan::WordBuf);
 }
 
-TEST_P(SideRecord, IsWrittenAtOnce) {
+TEST_P(SideRecordTest, IsWrittenAtOnce) {
   GdbmWatch gdbm;
   Put("doc1", "abc");
   EXPECT_EQ(gdbm.Lines(), std::vector<std::string>{"store " + Key("doc1")});
 }
 
-TEST_P(SideRecord, IsReplacedByTheNextOne) {
+TEST_P(SideRecordTest, IsReplacedByTheNextOne) {
   Put("doc1", "a longer text");
   EXPECT_EQ(Put("doc1", "abc"), 0);
   EXPECT_STREQ(Get("doc1"), "abc");
   EXPECT_EQ(Stored().at(Key("doc1")), "abc");
 }
 
-TEST_P(SideRecord, MayBeEmpty) {
+TEST_P(SideRecordTest, MayBeEmpty) {
   EXPECT_EQ(Put("doc1", ""), 0);
   EXPECT_STREQ(Get("doc1"), "");
   EXPECT_EQ(Stored().at(Key("doc1")), "");
 }
 
-TEST_P(SideRecord, AnEmptyTextNeedsNoStatedSize) {
+TEST_P(SideRecordTest, AnEmptyTextNeedsNoStatedSize) {
   Put("doc1", "");
   EXPECT_NE(Get("doc1"), nullptr);
   EXPECT_EQ(Kestan::WBSize, 0u);
 }
 
-TEST_P(SideRecord, ThatIsAbsentIsNull) {
+TEST_P(SideRecordTest, ThatIsAbsentIsNull) {
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(Get("doc1"), nullptr); }), "");
   EXPECT_EQ(Kestan::WordBuf, nullptr);
 }
 
-TEST_P(SideRecord, ThatIsAbsentCannotBeDeleted) {
+TEST_P(SideRecordTest, ThatIsAbsentCannotBeDeleted) {
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(Del("doc1"), -1); }), "");
 }
 
-TEST_P(SideRecord, IsDeletedOnce) {
+TEST_P(SideRecordTest, IsDeletedOnce) {
   Put("doc1", "abc");
   EXPECT_EQ(Del("doc1"), 0);
   EXPECT_EQ(Get("doc1"), nullptr);
@@ -93,26 +93,26 @@ TEST_P(SideRecord, IsDeletedOnce) {
   EXPECT_EQ(Stored().count(Key("doc1")), 0u);
 }
 
-TEST_P(SideRecord, ThatIsEmptyCanBeDeletedToo) {
+TEST_P(SideRecordTest, ThatIsEmptyCanBeDeletedToo) {
   Put("doc1", "");
   EXPECT_EQ(Del("doc1"), 0);
   EXPECT_EQ(Stored().count(Key("doc1")), 0u);
 }
 
-TEST_P(SideRecord, IsDeletedFromTheFileAtOnce) {
+TEST_P(SideRecordTest, IsDeletedFromTheFileAtOnce) {
   PlantAndReopen({{Key("doc1"), "abc"}});
   GdbmWatch gdbm;
   EXPECT_EQ(Del("doc1"), 0);
   EXPECT_EQ(gdbm.Count("delete"), 1u);
 }
 
-TEST_P(SideRecord, NeedsNoDocument) {
+TEST_P(SideRecordTest, NeedsNoDocument) {
   Put("no document", "abc");
   EXPECT_STREQ(Get("no document"), "abc");
   EXPECT_STREQ(engine_.ListDocuments(), "");
 }
 
-TEST_P(SideRecord, OutlivesItsDocument) {
+TEST_P(SideRecordTest, OutlivesItsDocument) {
   engine_.AddDocumentWords("doc1", "words");
   Put("doc1", "abc");
   EXPECT_EQ(engine_.RemoveDocumentWords("doc1"), 0);
@@ -121,7 +121,7 @@ TEST_P(SideRecord, OutlivesItsDocument) {
   EXPECT_STREQ(Get("doc1"), "abc");
 }
 
-TEST_P(SideRecord, KeepsTheOldNameOfARenamedDocument) {
+TEST_P(SideRecordTest, KeepsTheOldNameOfARenamedDocument) {
   engine_.AddDocumentWords("old", "words");
   Put("old", "abc");
   engine_.MoveDocumentWords("old", "new");
@@ -129,19 +129,19 @@ TEST_P(SideRecord, KeepsTheOldNameOfARenamedDocument) {
   EXPECT_EQ(Get("new"), nullptr);
 }
 
-TEST_P(SideRecord, TheTextMayLieInTheScratchBuffer) {
+TEST_P(SideRecordTest, TheTextMayLieInTheScratchBuffer) {
   Put("doc1", "abc");
   EXPECT_EQ((engine_.*GetParam().put)("doc2", Get("doc1")), 0);
   EXPECT_EQ(Stored().at(Key("doc2")), "abc");
 }
 
-TEST_P(SideRecord, TheNameMayLieInTheScratchBuffer) {
+TEST_P(SideRecordTest, TheNameMayLieInTheScratchBuffer) {
   Put("doc1", "doc2");
   Put("doc2", "abc");
   EXPECT_STREQ((engine_.*GetParam().get)(Get("doc1")), "abc");
 }
 
-TEST_P(SideRecord, WithoutAnIndexTheStoreComplains) {
+TEST_P(SideRecordTest, WithoutAnIndexTheStoreComplains) {
   engine_.CloseIndex();
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(Get("doc1"), nullptr); }),
             "Kestan: Call to database::get without an open database\n");
@@ -151,15 +151,15 @@ TEST_P(SideRecord, WithoutAnIndexTheStoreComplains) {
             "Kestan: Call to database::del without an open database\n");
 }
 
-TEST_P(SideRecord, AFileThatRefusesGivesItsErrorInSilence) {
+TEST_P(SideRecordTest, AFileThatRefusesGivesItsErrorInSilence) {
   GdbmWatch gdbm;
   gdbm.Fail("store", 1, GDBM_FILE_WRITE_ERROR);
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(Put("doc1", "abc"), GDBM_FILE_WRITE_ERROR); }), "");
 }
 
-using SideRecords = IndexTest;
+using SideRecordsTest = IndexTest;
 
-TEST_F(SideRecords, TheFamiliesDoNotCollide) {
+TEST_F(SideRecordsTest, TheFamiliesDoNotCollide) {
   engine_.DBPutUser("doc1", "user");
   engine_.DBPutSummary("doc1", "summary");
   engine_.DBPutTitle("doc1", "title");
@@ -173,7 +173,7 @@ TEST_F(SideRecords, TheFamiliesDoNotCollide) {
   EXPECT_EQ(stored.count("s-doc1"), 0u);
 }
 
-TEST_F(SideRecords, WhatCannotBeReadIsNotDeleted) {
+TEST_F(SideRecordsTest, WhatCannotBeReadIsNotDeleted) {
   PlantAndReopen({{"t-name", "title"}});
   {
     GdbmWatch gdbm;
@@ -184,7 +184,7 @@ TEST_F(SideRecords, WhatCannotBeReadIsNotDeleted) {
   EXPECT_EQ(Stored().at("t-name"), "title");
 }
 
-TEST_F(SideRecords, TheNextGetOverwritesTheText) {
+TEST_F(SideRecordsTest, TheNextGetOverwritesTheText) {
   engine_.DBPutTitle("a", "first");
   engine_.DBPutTitle("b", "second");
   const char* const first = engine_.DBGetTitle("a");
@@ -193,13 +193,13 @@ TEST_F(SideRecords, TheNextGetOverwritesTheText) {
   EXPECT_STREQ(first, "second");
 }
 
-TEST_F(SideRecords, ATextWithZerosComesBackWhole) {
+TEST_F(SideRecordsTest, ATextWithZerosComesBackWhole) {
   const std::string text("a\0b", 3);
   PlantAndReopen({{"t-name", text}});
   EXPECT_EQ(std::string(engine_.DBGetTitle("name"), 4), text + '\0');
 }
 
-TEST_F(SideRecords, TheEmptyNameIsTakenForAWord) {
+TEST_F(SideRecordsTest, TheEmptyNameIsTakenForAWord) {
   engine_.DBPutTitle("", "abcd");
   engine_.AddDocumentWords("doc1", "words");
   EXPECT_STREQ(engine_.DBGetTitle(""), "abcd");
@@ -218,23 +218,23 @@ struct Growth {
   }
 };
 
-class SideRecordSize : public IndexTest, public testing::WithParamInterface<Growth> {};
+class SideRecordSizeTest : public IndexTest, public testing::WithParamInterface<Growth> {};
 
-INSTANTIATE_TEST_SUITE_P(Lengths, SideRecordSize,
+INSTANTIATE_TEST_SUITE_P(Lengths, SideRecordSizeTest,
                          testing::Values(Growth{1, 4096}, Growth{4095, 4096}, Growth{4096, 0},
                                          Growth{4097, 0}, Growth{8191, 0}, Growth{8192, 4096},
                                          Growth{12287, 4096}, Growth{12288, 0}, Growth{16383, 0},
                                          Growth{16384, 4096}, Growth{1000000, 4096},
                                          Growth{1003520, 0}));
 
-TEST_P(SideRecordSize, IsOneBitOfTheLengthPlus4096) {
+TEST_P(SideRecordSizeTest, IsOneBitOfTheLengthPlus4096) {
   const std::string text(GetParam().length, 'x');
   engine_.DBPutTitle("name", text.c_str());
   EXPECT_EQ(engine_.DBGetTitle("name"), text);
   EXPECT_EQ(Kestan::WBSize, GetParam().after);
 }
 
-TEST_P(SideRecordSize, ServesTheSameTextAgain) {
+TEST_P(SideRecordSizeTest, ServesTheSameTextAgain) {
   const std::string text(GetParam().length, 'x');
   engine_.DBPutTitle("name", text.c_str());
   engine_.DBGetTitle("name");
@@ -242,7 +242,7 @@ TEST_P(SideRecordSize, ServesTheSameTextAgain) {
   EXPECT_EQ(Kestan::WBSize, GetParam().after);
 }
 
-TEST_F(SideRecords, ATextOfJustTheStatedSizeDoesNotChangeIt) {
+TEST_F(SideRecordsTest, ATextOfJustTheStatedSizeDoesNotChangeIt) {
   engine_.DBPutTitle("short", "abc");
   engine_.DBGetTitle("short");
   const std::string text(4096, 'x');
@@ -252,7 +252,7 @@ TEST_F(SideRecords, ATextOfJustTheStatedSizeDoesNotChangeIt) {
   EXPECT_EQ(Kestan::WordBuf[4096], '\0');
 }
 
-TEST_F(SideRecords, ATextOfOneByteMoreDoes) {
+TEST_F(SideRecordsTest, ATextOfOneByteMoreDoes) {
   engine_.DBPutTitle("short", "abc");
   engine_.DBGetTitle("short");
   const std::string text(4097, 'x');
@@ -263,7 +263,7 @@ TEST_F(SideRecords, ATextOfOneByteMoreDoes) {
   EXPECT_EQ(Kestan::WBSize, 4096u);
 }
 
-TEST_F(SideRecords, ALargerStatedSizeStays) {
+TEST_F(SideRecordsTest, ALargerStatedSizeStays) {
   engine_.DBPutWords("list", std::string(5000, ' ').c_str());
   EXPECT_EQ(Kestan::WBSize, 9096u);
   const std::string text(9096, 'x');

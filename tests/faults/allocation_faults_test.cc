@@ -148,7 +148,7 @@ void FailEach(Failing failing) {
 
 }  // namespace
 
-TEST(AllocationFaults, ReachGdbmAndTheEngine) {
+TEST(AllocationFaultsTest, ReachGdbmAndTheEngine) {
   EXPECT_GT(RunSessionWithFault(1, Failing::kOnce).log.failed_elsewhere, 0);
   long in_gdbm = 0;
   for (long nth = 1; nth < 100 && in_gdbm == 0; ++nth) {
@@ -157,8 +157,8 @@ TEST(AllocationFaults, ReachGdbmAndTheEngine) {
   EXPECT_GT(in_gdbm, 0);
 }
 
-TEST(AllocationFaults, OneAllocationFails) { FailEach(Failing::kOnce); }
+TEST(AllocationFaultsTest, OneAllocationFails) { FailEach(Failing::kOnce); }
 
-TEST(AllocationFaults, EveryAllocationFromOneOnFails) { FailEach(Failing::kFromThenOn); }
+TEST(AllocationFaultsTest, EveryAllocationFromOneOnFails) { FailEach(Failing::kFromThenOn); }
 
 }  // namespace kestan_faults

@@ -137,13 +137,13 @@ Counts FillUp(const std::function<CallRule(long)>& disk_of) {
   return counts;
 }
 
-TEST(FullDisk, IsReportedWhereFilesHaveALimit) {
+TEST(FullDiskTest, IsReportedWhereFilesHaveALimit) {
   const Counts counts = FillUp(FilesOf);
   EXPECT_GT(counts.messages, 0);
   EXPECT_GT(counts.whole, 0);
 }
 
-TEST(FullDisk, IsReportedWhereNoFileCanGrow) {
+TEST(FullDiskTest, IsReportedWhereNoFileCanGrow) {
   const Counts counts = FillUp(DiskOf);
   EXPECT_GT(counts.messages, 0);
   EXPECT_GT(counts.whole, 0);

@@ -47,9 +47,9 @@ Outcome RunWithFault(const MaintenanceFiles& files, const std::string& function,
   });
 }
 
-class GdbmFaultMaintenance : public testing::TestWithParam<std::tuple<std::string, bool>> {};
+class GdbmFaultMaintenanceTest : public testing::TestWithParam<std::tuple<std::string, bool>> {};
 
-TEST_P(GdbmFaultMaintenance, CallsNothingDoneThatIsNot) {
+TEST_P(GdbmFaultMaintenanceTest, CallsNothingDoneThatIsNot) {
   const auto& [function, lasting] = GetParam();
   const MaintenanceFiles files;
   const int calls = CountCalls(files, function);
@@ -70,11 +70,11 @@ TEST_P(GdbmFaultMaintenance, CallsNothingDoneThatIsNot) {
   std::cout << function << ": " << calls << " calls\n";
 }
 
-std::string NameOf(const testing::TestParamInfo<GdbmFaultMaintenance::ParamType>& test) {
+std::string NameOf(const testing::TestParamInfo<GdbmFaultMaintenanceTest::ParamType>& test) {
   return std::get<0>(test.param) + (std::get<1>(test.param) ? "FromThenOn" : "Once");
 }
 
-INSTANTIATE_TEST_SUITE_P(, GdbmFaultMaintenance,
+INSTANTIATE_TEST_SUITE_P(, GdbmFaultMaintenanceTest,
                          testing::Combine(testing::Values("close", "fetch", "firstkey", "nextkey",
                                                           "open", "setopt", "store", "sync"),
                                           testing::Bool()),

@@ -19,7 +19,7 @@ using kestan_tests::GdbmWatch;
 using kestan_tests::Records;
 using kestan_tests::StandardErrorOf;
 
-class GdbmFaultMethods : public kestan_tests::IndexTest {
+class GdbmFaultMethodsTest : public kestan_tests::IndexTest {
  protected:
   // An index with a record of every kind and nothing in memory. The document c is removed.
   void SetUp() override {
@@ -71,7 +71,7 @@ class GdbmFaultMethods : public kestan_tests::IndexTest {
   }
 };
 
-TEST_F(GdbmFaultMethods, PutReturnsTheErrorNumber) {
+TEST_F(GdbmFaultMethodsTest, PutReturnsTheErrorNumber) {
   WithEachError("store", [&](int error) {
     EXPECT_EQ(engine_.DBPutTitle("a", "new"), error);
     EXPECT_EQ(engine_.DBPutSummary("a", "new"), error);
@@ -85,7 +85,7 @@ TEST_F(GdbmFaultMethods, PutReturnsTheErrorNumber) {
   EXPECT_EQ(stored.count("u-new"), 0u);
 }
 
-TEST_F(GdbmFaultMethods, OptionFlagsChangeInMemoryAlone) {
+TEST_F(GdbmFaultMethodsTest, OptionFlagsChangeInMemoryAlone) {
   WithEachError("store", [&](int) {
     EXPECT_EQ(engine_.SetOptionFlag(4), 0);
     EXPECT_EQ(engine_.Options(), 4u);
@@ -96,7 +96,7 @@ TEST_F(GdbmFaultMethods, OptionFlagsChangeInMemoryAlone) {
   });
 }
 
-TEST_F(GdbmFaultMethods, GetReturnsNull) {
+TEST_F(GdbmFaultMethodsTest, GetReturnsNull) {
   WithEachError("fetch", [&](int) {
     EXPECT_EQ(engine_.DBGetTitle("a"), nullptr);
     EXPECT_EQ(engine_.DBGetSummary("a"), nullptr);
@@ -106,7 +106,7 @@ TEST_F(GdbmFaultMethods, GetReturnsNull) {
   EXPECT_STREQ(engine_.DBGetTitle("a"), "title");
 }
 
-TEST_F(GdbmFaultMethods, DelNeedsToSeeTheText) {
+TEST_F(GdbmFaultMethodsTest, DelNeedsToSeeTheText) {
   WithEachError("fetch", [&](int) {
     EXPECT_EQ(engine_.DBDelTitle("a"), -1);
     EXPECT_EQ(engine_.DBDelSummary("a"), -1);
@@ -115,7 +115,7 @@ TEST_F(GdbmFaultMethods, DelNeedsToSeeTheText) {
   EXPECT_EQ(Stored().at("t-a"), "title");
 }
 
-TEST_F(GdbmFaultMethods, DelDoesNotTellThatGdbmKeptTheText) {
+TEST_F(GdbmFaultMethodsTest, DelDoesNotTellThatGdbmKeptTheText) {
   WithEachError("delete", [&](int) {
     EXPECT_EQ(engine_.DBDelTitle("a"), 0);
     EXPECT_EQ(engine_.DBDelSummary("a"), 0);
@@ -124,7 +124,7 @@ TEST_F(GdbmFaultMethods, DelDoesNotTellThatGdbmKeptTheText) {
   EXPECT_EQ(Stored().at("t-a"), "title");
 }
 
-TEST_F(GdbmFaultMethods, DocumentsThatCannotBeReadAreUnknownAndStay) {
+TEST_F(GdbmFaultMethodsTest, DocumentsThatCannotBeReadAreUnknownAndStay) {
   WithEachError("fetch", [&](int error) {
     const bool is_missing = error == GDBM_ITEM_NOT_FOUND;
     EXPECT_EQ(engine_.DocumentTimestamp("a"), 0u);
@@ -135,15 +135,15 @@ TEST_F(GdbmFaultMethods, DocumentsThatCannotBeReadAreUnknownAndStay) {
   EXPECT_NE(engine_.DocumentTimestamp("a"), 0u);
 }
 
-TEST_F(GdbmFaultMethods, DocumentThatCannotBeDeletedIsRemovedAllTheSame) {
+TEST_F(GdbmFaultMethodsTest, DocumentThatCannotBeDeletedIsRemovedAllTheSame) {
   WithEachError("delete", [&](int) { EXPECT_EQ(engine_.RemoveDocumentWords("a"), 0); });
 }
 
-TEST_F(GdbmFaultMethods, DocumentThatCannotBeDeletedMovesAllTheSame) {
+TEST_F(GdbmFaultMethodsTest, DocumentThatCannotBeDeletedMovesAllTheSame) {
   WithEachError("delete", [&](int) { EXPECT_EQ(engine_.MoveDocumentWords("a", "new"), 0); });
 }
 
-TEST_F(GdbmFaultMethods, MoveSaysThatTheNameIsMissing) {
+TEST_F(GdbmFaultMethodsTest, MoveSaysThatTheNameIsMissing) {
   GdbmWatch watch;
   watch.Fail("fetch", 2, GDBM_ITEM_NOT_FOUND);
   int result = 0;
@@ -152,7 +152,7 @@ TEST_F(GdbmFaultMethods, MoveSaysThatTheNameIsMissing) {
   EXPECT_EQ(result, -1);
 }
 
-TEST_F(GdbmFaultMethods, MoveNeedsToReadTheName) {
+TEST_F(GdbmFaultMethodsTest, MoveNeedsToReadTheName) {
   for (int error : ErrorsOf("fetch")) {
     if (error == GDBM_ITEM_NOT_FOUND) continue;
     GdbmWatch watch;
@@ -163,7 +163,7 @@ TEST_F(GdbmFaultMethods, MoveNeedsToReadTheName) {
   }
 }
 
-TEST_F(GdbmFaultMethods, RemoveNeedsToReadTheRemovedCodes) {
+TEST_F(GdbmFaultMethodsTest, RemoveNeedsToReadTheRemovedCodes) {
   for (int error : ErrorsOf("fetch")) {
     if (error == GDBM_ITEM_NOT_FOUND) continue;  // there are none then
     GdbmWatch watch;
@@ -174,7 +174,7 @@ TEST_F(GdbmFaultMethods, RemoveNeedsToReadTheRemovedCodes) {
   }
 }
 
-TEST_F(GdbmFaultMethods, AddListsNewWordsThatItCannotStore) {
+TEST_F(GdbmFaultMethodsTest, AddListsNewWordsThatItCannotStore) {
   WithEachError("store", [&](int error) {
     const std::string word = "new" + std::to_string(error);
     EXPECT_EQ(engine_.AddDocumentWords("d", ("cat " + word).c_str()), word + "\n");
@@ -182,7 +182,7 @@ TEST_F(GdbmFaultMethods, AddListsNewWordsThatItCannotStore) {
   });
 }
 
-TEST_F(GdbmFaultMethods, AddDoesNothingWithoutTheCounter) {
+TEST_F(GdbmFaultMethodsTest, AddDoesNothingWithoutTheCounter) {
   for (int error : ErrorsOf("fetch")) {
     if (error == GDBM_ITEM_NOT_FOUND) continue;  // there is none then, and counting begins
     GdbmWatch watch;
@@ -193,13 +193,13 @@ TEST_F(GdbmFaultMethods, AddDoesNothingWithoutTheCounter) {
   EXPECT_EQ(engine_.DocumentTimestamp("d"), 0u);
 }
 
-TEST_F(GdbmFaultMethods, FlushPrintsALineForEachRecordThatItCannotWrite) {
+TEST_F(GdbmFaultMethodsTest, FlushPrintsALineForEachRecordThatItCannotWrite) {
   FailStores(
       {"cat", "dog", "g-code"}, [&](int error) { AddDocumentOf(error); },
       [&] { return engine_.FlushIndex(); });
 }
 
-TEST_F(GdbmFaultMethods, FlushWritesTheRecordsAroundOneThatItCannotWrite) {
+TEST_F(GdbmFaultMethodsTest, FlushWritesTheRecordsAroundOneThatItCannotWrite) {
   AddDocumentOf(0);
   GdbmWatch watch;
   watch.Fail("store", 2, GDBM_FILE_WRITE_ERROR);
@@ -211,7 +211,7 @@ TEST_F(GdbmFaultMethods, FlushWritesTheRecordsAroundOneThatItCannotWrite) {
   EXPECT_EQ(stored.at("g-code"), kestan_tests::Units({4}));
 }
 
-TEST_F(GdbmFaultMethods, ClosePrintsALineForEachRecordThatItCannotWrite) {
+TEST_F(GdbmFaultMethodsTest, ClosePrintsALineForEachRecordThatItCannotWrite) {
   const auto change = [&](int error) {
     engine_.OpenIndex(path_.c_str(), 1);
     AddDocumentOf(error);
@@ -220,7 +220,7 @@ TEST_F(GdbmFaultMethods, ClosePrintsALineForEachRecordThatItCannotWrite) {
   FailStores({"cat", "dog", "g-code"}, change, [&] { return engine_.CloseIndex(); });
 }
 
-TEST_F(GdbmFaultMethods, ShrinkPrintsALineForEachRecordThatItCannotWrite) {
+TEST_F(GdbmFaultMethodsTest, ShrinkPrintsALineForEachRecordThatItCannotWrite) {
   const auto change = [&](int error) {
     AddDocumentOf(error);
     engine_.RemoveDocumentWords(std::to_string(error).c_str());
@@ -229,7 +229,7 @@ TEST_F(GdbmFaultMethods, ShrinkPrintsALineForEachRecordThatItCannotWrite) {
   FailStores({"cat", "dog", "g-avail"}, change, [&] { return engine_.ShrinkIndex(); });
 }
 
-TEST_F(GdbmFaultMethods, WhatGdbmSaysOfTheFileAsAWholeIsNotReported) {
+TEST_F(GdbmFaultMethodsTest, WhatGdbmSaysOfTheFileAsAWholeIsNotReported) {
   for (const char* function : {"sync", "reorganize", "close", "setopt"}) {
     WithEachError(function, [&](int) {
       EXPECT_EQ(engine_.FlushIndex(), 0);
@@ -242,7 +242,7 @@ TEST_F(GdbmFaultMethods, WhatGdbmSaysOfTheFileAsAWholeIsNotReported) {
   EXPECT_STREQ(engine_.DBGetTitle("a"), "title");
 }
 
-TEST_F(GdbmFaultMethods, OpenReturnsMinusOneAndLeavesTheEngineClosed) {
+TEST_F(GdbmFaultMethodsTest, OpenReturnsMinusOneAndLeavesTheEngineClosed) {
   engine_.CloseIndex();
   for (int mode : {0, 1}) {
     WithEachError("open", [&](int) { EXPECT_EQ(engine_.OpenIndex(path_.c_str(), mode), -1); });
@@ -250,7 +250,7 @@ TEST_F(GdbmFaultMethods, OpenReturnsMinusOneAndLeavesTheEngineClosed) {
   EXPECT_EQ(engine_.OpenIndex(path_.c_str(), 1), 0);
 }
 
-TEST_F(GdbmFaultMethods, OpenNeedsToReadTheOptions) {
+TEST_F(GdbmFaultMethodsTest, OpenNeedsToReadTheOptions) {
   engine_.CloseIndex();
   for (int error : ErrorsOf("fetch")) {
     if (error == GDBM_ITEM_NOT_FOUND) continue;  // the file has none then
@@ -262,7 +262,7 @@ TEST_F(GdbmFaultMethods, OpenNeedsToReadTheOptions) {
   EXPECT_EQ(engine_.OpenIndex(path_.c_str(), 1), 0);
 }
 
-TEST_F(GdbmFaultMethods, OpenGoesOnWithoutStoringTheOptions) {
+TEST_F(GdbmFaultMethodsTest, OpenGoesOnWithoutStoringTheOptions) {
   engine_.CloseIndex();
   WithEachError("store", [&](int) {
     EXPECT_EQ(engine_.OpenIndex((folder_ / "new").c_str(), 1), 0);
@@ -270,7 +270,7 @@ TEST_F(GdbmFaultMethods, OpenGoesOnWithoutStoringTheOptions) {
   });
 }
 
-TEST_F(GdbmFaultMethods, CopySaysThatItCannotOpen) {
+TEST_F(GdbmFaultMethodsTest, CopySaysThatItCannotOpen) {
   const std::string copy = folder_ / "copy";
   WithEachError(
       "open", [&](int) { EXPECT_EQ(engine_.CopyIndexTo(copy.c_str()), -1); },
@@ -279,12 +279,12 @@ TEST_F(GdbmFaultMethods, CopySaysThatItCannotOpen) {
       });
 }
 
-TEST_F(GdbmFaultMethods, CopyDoesNotTellWhatItCouldNotStore) {
+TEST_F(GdbmFaultMethodsTest, CopyDoesNotTellWhatItCouldNotStore) {
   WithEachError("store",
                 [&](int) { EXPECT_EQ(engine_.CopyIndexTo((folder_ / "copy").c_str()), 0); });
 }
 
-TEST_F(GdbmFaultMethods, WalksEndWhereAKeyCannotBeRead) {
+TEST_F(GdbmFaultMethodsTest, WalksEndWhereAKeyCannotBeRead) {
   for (const char* function : {"firstkey", "nextkey"}) {
     const std::size_t most = function == std::string("nextkey") ? 1 : 0;  // records
     const std::string copy = folder_ / function;
@@ -297,7 +297,7 @@ TEST_F(GdbmFaultMethods, WalksEndWhereAKeyCannotBeRead) {
   }
 }
 
-TEST_F(GdbmFaultMethods, PositionsStayWhereTheWalkBreaksOff) {
+TEST_F(GdbmFaultMethodsTest, PositionsStayWhereTheWalkBreaksOff) {
   for (const char* function : {"firstkey", "nextkey"}) {
     for (int error : ErrorsOf(function)) {
       if (error == GDBM_ITEM_NOT_FOUND) continue;  // looks like the end
@@ -310,20 +310,20 @@ TEST_F(GdbmFaultMethods, PositionsStayWhereTheWalkBreaksOff) {
   EXPECT_EQ(engine_.Options(), 0u);
 }
 
-TEST_F(GdbmFaultMethods, ListsAreEmptyWithoutTheCounter) {
+TEST_F(GdbmFaultMethodsTest, ListsAreEmptyWithoutTheCounter) {
   WithEachError("fetch", [&](int) {
     EXPECT_STREQ(engine_.ListDocuments(), "");
     EXPECT_STREQ(engine_.CommonWords(0, -1), "");
   });
 }
 
-TEST_F(GdbmFaultMethods, ListingLeavesOutNamesThatCannotBeRead) {
+TEST_F(GdbmFaultMethodsTest, ListingLeavesOutNamesThatCannotBeRead) {
   const int id = engine_.QueryWord("cat");
   WithEachError("fetch", [&](int) { EXPECT_STREQ(engine_.QueryResults(id), ""); });
   EXPECT_EQ(Listing(id), "100 a\n100 b\n");
 }
 
-TEST_F(GdbmFaultMethods, ComplementEndsTheProcessWithoutTheCounter) {
+TEST_F(GdbmFaultMethodsTest, ComplementEndsTheProcessWithoutTheCounter) {
   constexpr int kNoSet = 0;  // counts as empty
   for (int error : ErrorsOf("fetch")) {
     GdbmWatch watch;

@@ -240,9 +240,9 @@ bool Try(const Fault& fault, const Rehearsal& rehearsal) {
   return outcome.exit_status == 0;
 }
 
-class GdbmFaultSession : public testing::TestWithParam<std::tuple<std::string, bool>> {};
+class GdbmFaultSessionTest : public testing::TestWithParam<std::tuple<std::string, bool>> {};
 
-TEST_P(GdbmFaultSession, KeepsItsPromises) {
+TEST_P(GdbmFaultSessionTest, KeepsItsPromises) {
   const auto& [function, lasting] = GetParam();
   const char* const wanted = std::getenv("KESTAN_FAULT_ERRORS");
   std::vector<int> errors = ErrorsOf(function);
@@ -266,11 +266,11 @@ TEST_P(GdbmFaultSession, KeepsItsPromises) {
             << " sessions, " << whole << " of them came to their end\n";
 }
 
-std::string NameOf(const testing::TestParamInfo<GdbmFaultSession::ParamType>& test) {
+std::string NameOf(const testing::TestParamInfo<GdbmFaultSessionTest::ParamType>& test) {
   return std::get<0>(test.param) + (std::get<1>(test.param) ? "FromThenOn" : "Once");
 }
 
-INSTANTIATE_TEST_SUITE_P(, GdbmFaultSession,
+INSTANTIATE_TEST_SUITE_P(, GdbmFaultSessionTest,
                          testing::Combine(testing::ValuesIn(FaultyFunctions()), testing::Bool()),
                          NameOf);
 

@@ -92,7 +92,7 @@ void Check(const Outcome& outcome, Function function, const Aftermath& left) {
   EXPECT_TRUE(left.found.wrong <= 0 || drops_positions) << Describe(left.outcome);
 }
 
-TEST(Kill, BeforeAnyChangeOfAFileLeavesAllDocumentsOrNeedsRecovery) {
+TEST(KillTest, BeforeAnyChangeOfAFileLeavesAllDocumentsOrNeedsRecovery) {
   const kestan_tests::TempDir folder;
   const std::string files = folder / "files";
   const std::vector<Function> calls = WriteLikeCalls(files);
@@ -127,7 +127,7 @@ Aftermath LookAtLongSession(const std::string& folder, int rounds) {
   return LookAt(kestan_faults::IndexIn(folder), kestan_faults::LongSessionReference(rounds));
 }
 
-TEST(Kill, LongSessionLeavesItsReferenceWhenItEnds) {
+TEST(KillTest, LongSessionLeavesItsReferenceWhenItEnds) {
   const kestan_tests::TempDir folder;
   const std::string files = folder / "files";
   const Outcome outcome = RunLongSessionIn(files, 0);
@@ -150,7 +150,7 @@ long SessionUs(const std::string& folder) {
   return *std::min_element(runs_us.begin(), runs_us.end());
 }
 
-TEST(Kill, AtRandomMomentsLeavesAnIndexThatTheEngineSurvives) {
+TEST(KillTest, AtRandomMomentsLeavesAnIndexThatTheEngineSurvives) {
   const kestan_tests::TempDir folder;
   const std::string files = folder / "files";
   // The same moments each time, as far as a moment can be the same.

@@ -50,7 +50,7 @@ void Change(const std::string& path, Transcript* transcript) {
   transcript->Add("close", engine.CloseIndex());
 }
 
-TEST(LargeIndexAllocationFaults, CostNoDocumentThatWasThere) {
+TEST(LargeIndexAllocationFaultsTest, CostNoDocumentThatWasThere) {
   constexpr int kDocuments = 40;
   constexpr unsigned kSeed = 1;
   const kestan_tests::TempDir folder;

@@ -55,9 +55,11 @@ void FailEach(Failing failing) {
   std::cout << nth - 1 << " allocations; " << went_on << " sessions went on without\n";
 }
 
-TEST(MaintenanceAllocationFaults, OneAllocationFails) { FailEach(Failing::kOnce); }
+TEST(MaintenanceAllocationFaultsTest, OneAllocationFails) { FailEach(Failing::kOnce); }
 
-TEST(MaintenanceAllocationFaults, EveryAllocationFromOneOnFails) { FailEach(Failing::kFromThenOn); }
+TEST(MaintenanceAllocationFaultsTest, EveryAllocationFromOneOnFails) {
+  FailEach(Failing::kFromThenOn);
+}
 
 }  // namespace
 }  // namespace kestan_faults

@@ -17,7 +17,7 @@ using kestan_faults::Outcome;
 using kestan_faults::RunInChild;
 using kestan_faults::Transcript;
 
-TEST(Session, CallsEveryMethodAndEndsWell) {
+TEST(SessionTest, CallsEveryMethodAndEndsWell) {
   const kestan_tests::TempDir folder;
   const kestan_faults::SessionFiles files{folder / "index", folder / "copy"};
   const Outcome outcome =
@@ -28,13 +28,13 @@ TEST(Session, CallsEveryMethodAndEndsWell) {
   EXPECT_NE(outcome.transcript.find("close again: 0\n"), std::string::npos) << outcome.transcript;
 }
 
-TEST(Child, TellsHowItEnded) {
+TEST(ChildTest, TellsHowItEnded) {
   EXPECT_EQ(RunInChild([](Transcript*) { std::_Exit(7); }).exit_status, 7);
   EXPECT_EQ(RunInChild([](Transcript*) { raise(SIGKILL); }).signal, SIGKILL);
   EXPECT_EQ(RunInChild([](Transcript*) { pause(); }, 1000).signal, SIGKILL);
 }
 
-TEST(Child, KeepsWhatAKilledOneWrote) {
+TEST(ChildTest, KeepsWhatAKilledOneWrote) {
   const Outcome outcome = RunInChild([](Transcript* transcript) {
     transcript->Add("step", 1);
     std::fputs("line\n", stderr);

@@ -13,7 +13,7 @@
 namespace kestan_faults {
 namespace {
 
-class SlackAllocationFaults : public testing::Test {
+class SlackAllocationFaultsTest : public testing::Test {
  protected:
   // Runs `session` with one allocation of `bytes` bytes failing, of which it must make one, and
   // expects that this makes no difference to it.
@@ -36,7 +36,7 @@ class SlackAllocationFaults : public testing::Test {
 };
 
 // The buffer has 10,001 bytes, and asks for half as many more.
-TEST_F(SlackAllocationFaults, TheTextBufferTakesWhatItNeeds) {
+TEST_F(SlackAllocationFaultsTest, TheTextBufferTakesWhatItNeeds) {
   {
     Kestan engine;
     engine.OpenIndex(path_.c_str(), 1);
@@ -52,7 +52,7 @@ TEST_F(SlackAllocationFaults, TheTextBufferTakesWhatItNeeds) {
 }
 
 // 1,000 positions with what stands before them are 2,004 bytes, and a quarter more is asked for.
-TEST_F(SlackAllocationFaults, APostingRecordTakesWhatItNeeds) {
+TEST_F(SlackAllocationFaultsTest, APostingRecordTakesWhatItNeeds) {
   std::string text;
   for (int i = 0; i < 1000; ++i) text += "cat ";
   ExpectToGoOnWithout(2505, [&](Transcript* transcript) {

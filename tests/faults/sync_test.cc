@@ -49,19 +49,19 @@ std::string SyncsOfFlushAfter(Action before) {
 
 const std::string kWholeFile = "waits: fsync\n";
 
-TEST(Flush, WaitsForTheWholeFile) {
+TEST(FlushTest, WaitsForTheWholeFile) {
   EXPECT_EQ(SyncsOfFlushAfter([](Kestan*) {}), kWholeFile);
 }
 
-TEST(Flush, WaitsForTheWholeFileAfterAShrink) {
+TEST(FlushTest, WaitsForTheWholeFileAfterAShrink) {
   EXPECT_EQ(SyncsOfFlushAfter([](Kestan* engine) { engine->ShrinkIndex(); }), kWholeFile);
 }
 
-TEST(Flush, WaitsForTheWholeFileAfterAWalk) {
+TEST(FlushTest, WaitsForTheWholeFileAfterAWalk) {
   EXPECT_EQ(SyncsOfFlushAfter([](Kestan* engine) { engine->ListDocuments(); }), kWholeFile);
 }
 
-TEST(Flush, WaitsForTheWholeFileAfterAWalkAndAShrink) {
+TEST(FlushTest, WaitsForTheWholeFileAfterAWalkAndAShrink) {
   EXPECT_EQ(SyncsOfFlushAfter([](Kestan* engine) {
               engine->RemoveDocumentWords("first0");
               engine->ShrinkIndex();

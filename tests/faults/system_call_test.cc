@@ -167,7 +167,7 @@ void PrintCalls(const std::vector<Function>& calls) {
   std::printf("together %zu calls\n", calls.size());
 }
 
-TEST(SystemCallWatch, StandsBeforeEveryWrite) {
+TEST(SystemCallWatchTest, StandsBeforeEveryWrite) {
   const kestan_tests::TempDir folder;
   const std::string files = folder / "files";
   const Outcome outcome = kestan_faults::RunWatchedSession(files, [](const SystemCall& call) {
@@ -179,7 +179,7 @@ TEST(SystemCallWatch, StandsBeforeEveryWrite) {
   }
 }
 
-TEST(SystemCallFault, LeavesTheEngineAliveAndItsPromisesKept) {
+TEST(SystemCallFaultTest, LeavesTheEngineAliveAndItsPromisesKept) {
   const kestan_tests::TempDir folder;
   const std::string files = folder / "files";
   const std::vector<Function> calls = kestan_faults::CallsOfSession(files);

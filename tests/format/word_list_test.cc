@@ -55,51 +55,51 @@ std::string PlainDecode(std::string_view list) {
   return out.substr(0, out.find('\0'));  // as a reader of the text sees it
 }
 
-TEST(WordList, EncodesWhatIsNewInEachWord) {
+TEST(WordListTest, EncodesWhatIsNewInEachWord) {
   EXPECT_EQ(Encode("alpha alphabet alps"), Item(0, "alpha") + Item(5, "bet") + Item(3, "s"));
   EXPECT_EQ(Encode(""), "");
 }
 
-TEST(WordList, AnEncodingIsAtMostOneByteLongerThanTheText) {
+TEST(WordListTest, AnEncodingIsAtMostOneByteLongerThanTheText) {
   EXPECT_EQ(Encode("a b c"), Item(0, "a") + Item(0, "b") + Item(0, "c"));
   EXPECT_EQ(Encode("a"), Item(0, "a"));
 }
 
-TEST(WordList, DecodesWhatItEncoded) {
+TEST(WordListTest, DecodesWhatItEncoded) {
   EXPECT_EQ(Decode(Encode("alpha alphabet alps alps b")), "alpha\nalphabet\nalps\nalps\nb\n");
 }
 
-TEST(WordList, TheDecodedTextIsTheBuffers) {
+TEST(WordListTest, TheDecodedTextIsTheBuffers) {
   kestan::ScratchBuffer out;
   EXPECT_EQ(kestan::DecodeWordList(*Counted(kGood).ptr, &out), out.bytes);
   out.Release();
 }
 
-TEST(WordList, AFirstWordSharesNothing) {
+TEST(WordListTest, AFirstWordSharesNothing) {
   EXPECT_EQ(Decode(Item(5, "abc")), "abc\n");
   EXPECT_EQ(Decode(Item(127)), "");
 }
 
-TEST(WordList, AWordThatSharesMoreThanThereIsGoesOnWithItself) {
+TEST(WordListTest, AWordThatSharesMoreThanThereIsGoesOnWithItself) {
   EXPECT_EQ(Decode(Item(0, "ab") + Item(7)), "ab\nab\nab\na\n");
 }
 
-TEST(WordList, BytesBeforeTheFirstMarkAreAWord) {
+TEST(WordListTest, BytesBeforeTheFirstMarkAreAWord) {
   EXPECT_EQ(Decode("ab" + Item(1, "c")), "ab\nac\n");
 }
 
-TEST(WordList, EmptyWordsBeforeTheFirstByteLeaveNoLine) {
+TEST(WordListTest, EmptyWordsBeforeTheFirstByteLeaveNoLine) {
   EXPECT_EQ(Decode(Item(0) + Item(0, "a")), "a\n");
 }
 
-TEST(WordList, EveryTruncationIsReadWithinItsBytes) {
+TEST(WordListTest, EveryTruncationIsReadWithinItsBytes) {
   for (std::size_t size = 0; size <= kGood.size(); ++size) {
     const std::string cut = kGood.substr(0, size);
     EXPECT_EQ(Decode(cut), PlainDecode(cut)) << size;
   }
 }
 
-TEST(WordList, EveryChangedByteIsReadWithinTheRecord) {
+TEST(WordListTest, EveryChangedByteIsReadWithinTheRecord) {
   for (std::size_t at = 0; at < kGood.size(); ++at) {
     for (int byte = 0; byte < 256; ++byte) {
       std::string changed = kGood;
@@ -109,14 +109,14 @@ TEST(WordList, EveryChangedByteIsReadWithinTheRecord) {
   }
 }
 
-TEST(WordList, MarksAloneStayWithinTheBuffer) {
+TEST(WordListTest, MarksAloneStayWithinTheBuffer) {
   for (const char mark : {'\x80', '\x81', '\xc0', '\xff'}) {
     const std::string list = Item(0, "word") + std::string(300, mark);
     EXPECT_EQ(Decode(list), PlainDecode(list));
   }
 }
 
-TEST(WordList, TheLastLineFeedAndTheTerminatorHaveRoom) {
+TEST(WordListTest, TheLastLineFeedAndTheTerminatorHaveRoom) {
   const std::string word(5000, 'x');
   EXPECT_EQ(Decode(word), word + "\n");
   EXPECT_EQ(Decode(Item(0, word)), word + "\n");
@@ -132,18 +132,18 @@ std::uint32_t SizeAfterTwoWords(std::uint32_t size) {
   return out.size;
 }
 
-TEST(WordList, GrowsTheStatedSizeBeforeAWordThatHasFewerThan128BytesLeft) {
+TEST(WordListTest, GrowsTheStatedSizeBeforeAWordThatHasFewerThan128BytesLeft) {
   EXPECT_EQ(SizeAfterTwoWords(131), 131u);
   EXPECT_EQ(SizeAfterTwoWords(130), 130u);
   EXPECT_EQ(SizeAfterTwoWords(129), 129u + 32u + 4096u);
 }
 
-TEST(WordList, GrowsASizeThatIsLessThan128FromTheFirstWordOn) {
+TEST(WordListTest, GrowsASizeThatIsLessThan128FromTheFirstWordOn) {
   EXPECT_EQ(SizeAfterTwoWords(127), 127u + 31u + 4096u);
   EXPECT_EQ(SizeAfterTwoWords(0), 4096u);
 }
 
-TEST(WordList, WhiteSpaceIsSixBytes) {
+TEST(WordListTest, WhiteSpaceIsSixBytes) {
   std::string white_space;
   for (int byte = 0; byte < 256; ++byte) {
     if (kestan::IsWhiteSpace(static_cast<char>(byte))) white_space += static_cast<char>(byte);

@@ -29,7 +29,7 @@ long DiskBytes(const std::string& path) {
   return stat(path.c_str(), &file) == 0 ? file.st_blocks * kCountedBytes : 0;
 }
 
-class HostileFiles : public testing::Test {
+class HostileFilesTest : public testing::Test {
  protected:
   // Opens each of `files`, for reading and for writing; or each so many, where that takes too long.
   void Survive(const std::vector<Damaged>& files) {
@@ -68,30 +68,30 @@ class HostileFiles : public testing::Test {
   long base_kib_ = 0;  // what a child takes that does nothing
 };
 
-TEST_F(HostileFiles, AGoodFileIsReadAndWrittenToTheEnd) {
+TEST_F(HostileFilesTest, AGoodFileIsReadAndWrittenToTheEnd) {
   EXPECT_GT(good_.size(), 20000U);
   EXPECT_LT(good_.size(), 60000U);
   Survive({{"good", good_}});
 }
 
-TEST_F(HostileFiles, FlippedInTheFirstBlock) { Survive(FlippedInTheFirstBlock(good_)); }
+TEST_F(HostileFilesTest, FlippedInTheFirstBlock) { Survive(FlippedInTheFirstBlock(good_)); }
 
-TEST_F(HostileFiles, FlippedAnywhere) {
+TEST_F(HostileFilesTest, FlippedAnywhere) {
   const int flips = NumberFromEnvironment("KESTAN_HOSTILE_FLIPS", 600);
   Survive(FlippedAnywhere(good_, static_cast<std::size_t>(flips)));
 }
 
-TEST_F(HostileFiles, Cut) { Survive(Cut(good_)); }
+TEST_F(HostileFilesTest, Cut) { Survive(Cut(good_)); }
 
-TEST_F(HostileFiles, BlocksOfZeros) { Survive(BlocksOfZeros(good_)); }
+TEST_F(HostileFilesTest, BlocksOfZeros) { Survive(BlocksOfZeros(good_)); }
 
-TEST_F(HostileFiles, BlocksOfNoise) { Survive(BlocksOfNoise(good_)); }
+TEST_F(HostileFilesTest, BlocksOfNoise) { Survive(BlocksOfNoise(good_)); }
 
-TEST_F(HostileFiles, BlocksSwapped) { Survive(BlocksSwapped(good_)); }
+TEST_F(HostileFilesTest, BlocksSwapped) { Survive(BlocksSwapped(good_)); }
 
-TEST_F(HostileFiles, DirectoryEntriesRepeated) { Survive(DirectoryEntriesRepeated(good_)); }
+TEST_F(HostileFilesTest, DirectoryEntriesRepeated) { Survive(DirectoryEntriesRepeated(good_)); }
 
-TEST_F(HostileFiles, ThatNeverWereAnIndex) { Survive(Strangers(good_)); }
+TEST_F(HostileFilesTest, ThatNeverWereAnIndex) { Survive(Strangers(good_)); }
 
 }  // namespace
 }  // namespace kestan_hostile

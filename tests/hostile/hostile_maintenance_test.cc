@@ -50,7 +50,7 @@ void DoEverything(const std::string& path) {
   for (const Work work : {CheckIt, DumpIt, CountIt, RepairIt}) work(path);
 }
 
-class HostileMaintenance : public testing::Test {
+class HostileMaintenanceTest : public testing::Test {
  protected:
   void SetUp() override {
     base_kib_ = kestan_faults::RunInChild([](Transcript*) {}).peak_kib;
@@ -92,7 +92,7 @@ class HostileMaintenance : public testing::Test {
 
 // ---- Small files, damaged in every way ----
 
-TEST_F(HostileMaintenance, OfSmallFiles) {
+TEST_F(HostileMaintenanceTest, OfSmallFiles) {
   const std::string good = GoodFile();
   SurviveEach({{"good", good}}, 1);
   SurviveEach(FlippedInTheFirstBlock(good), 16);
@@ -135,7 +135,7 @@ std::string LongRecord(const std::string& path, const std::string& key, const st
 
 constexpr std::size_t kLongUnits = 3'000'000;
 
-TEST_F(HostileMaintenance, OfManySmallRecords) {
+TEST_F(HostileMaintenanceTest, OfManySmallRecords) {
   std::string bytes = FileWith(path_, [](auto* records) {
     for (int i = 0; i < 60000; ++i) (*records)["w" + std::to_string(i)] = Units({1, 1, 1});
   });
@@ -144,12 +144,12 @@ TEST_F(HostileMaintenance, OfManySmallRecords) {
   Survive(RepairIt, bytes, "without the header, repaired");
 }
 
-TEST_F(HostileMaintenance, OfALongPostingRecord) {
+TEST_F(HostileMaintenanceTest, OfALongPostingRecord) {
   SurviveEverything(LongRecord(path_, "cat", Repeated(Units({1, 1, 1}), kLongUnits / 3)), "good");
 }
 
 // No entry of them is whole, or each is in doubt.
-TEST_F(HostileMaintenance, OfDamagedLongPostingRecords) {
+TEST_F(HostileMaintenanceTest, OfDamagedLongPostingRecords) {
   for (const auto& entry : {Units({1, 1, 0}), Units({1}), Units({0}), Units({9, 1, 2, 3})}) {
     const std::string record = Repeated(entry, 2 * kLongUnits / entry.size());
     const std::string what = std::to_string(entry.size()) + " bytes over and over";
@@ -158,7 +158,7 @@ TEST_F(HostileMaintenance, OfDamagedLongPostingRecords) {
   }
 }
 
-TEST_F(HostileMaintenance, OfLongRecordsOfOtherKinds) {
+TEST_F(HostileMaintenanceTest, OfLongRecordsOfOtherKinds) {
   const std::string value = Repeated("\x82\x01", kLongUnits);
   for (const std::string key : {"g-avail", "d-a", "w-list", "e-mail", "c-section"}) {
     Survive(DoEverything, LongRecord(path_, key, value), key);
@@ -242,7 +242,7 @@ class OverlappingFile {
 };
 
 // Thousands of keys in the same place, which are visited as far as the file can hold them.
-TEST_F(HostileMaintenance, OfKeysThatShareTheirBytes) {
+TEST_F(HostileMaintenanceTest, OfKeysThatShareTheirBytes) {
   for (const char* first : {"aaaa", "t-aa"}) {
     const std::string bytes = OverlappingFile(first).bytes();
     SurviveEverything(bytes, first);

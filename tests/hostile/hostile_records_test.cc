@@ -34,46 +34,46 @@ void Lose(const std::string& key) {
   RunAll(damaged, kestan_model::Shown(key) + " is missing");
 }
 
-TEST(HostileRecords, ThatAreGoodAreReadAsTheModelReadsThem) {
+TEST(HostileRecordsTest, ThatAreGoodAreReadAsTheModelReadsThem) {
   RunAll(GoodIndex(), "good");
   RunAll(GoodIndexWithoutPositions(), "good, without positions");
 }
 
-TEST(HostileRecords, PostingsWithPositions) { Damage(GoodIndex(), "cat"); }
+TEST(HostileRecordsTest, PostingsWithPositions) { Damage(GoodIndex(), "cat"); }
 
-TEST(HostileRecords, PostingsWhoseCodesDoNotAscend) { Damage(GoodIndex(), "dog"); }
+TEST(HostileRecordsTest, PostingsWhoseCodesDoNotAscend) { Damage(GoodIndex(), "dog"); }
 
-TEST(HostileRecords, PostingsOfAOneByteWord) { Damage(GoodIndex(), "x"); }
+TEST(HostileRecordsTest, PostingsOfAOneByteWord) { Damage(GoodIndex(), "x"); }
 
-TEST(HostileRecords, PostingsWithoutPositions) { Damage(GoodIndexWithoutPositions(), "cat"); }
+TEST(HostileRecordsTest, PostingsWithoutPositions) { Damage(GoodIndexWithoutPositions(), "cat"); }
 
-TEST(HostileRecords, TheCodeCounter) { Damage(GoodIndex(), "g-code"); }
+TEST(HostileRecordsTest, TheCodeCounter) { Damage(GoodIndex(), "g-code"); }
 
-TEST(HostileRecords, TheReusableCodes) { Damage(GoodIndex(), "g-avail"); }
+TEST(HostileRecordsTest, TheReusableCodes) { Damage(GoodIndex(), "g-avail"); }
 
-TEST(HostileRecords, TheRemovedCodes) { Damage(GoodIndex(), "g-deleted"); }
+TEST(HostileRecordsTest, TheRemovedCodes) { Damage(GoodIndex(), "g-deleted"); }
 
-TEST(HostileRecords, TheOptionFlags) { Damage(GoodIndex(), "g-opts"); }
+TEST(HostileRecordsTest, TheOptionFlags) { Damage(GoodIndex(), "g-opts"); }
 
-TEST(HostileRecords, DocumentRecords) {
+TEST(HostileRecordsTest, DocumentRecords) {
   Damage(GoodIndex(), "d-a");
   Damage(GoodIndex(), "d-b");
 }
 
-TEST(HostileRecords, NameRecords) { Damage(GoodIndex(), std::string("c-\x01\0", 4)); }
+TEST(HostileRecordsTest, NameRecords) { Damage(GoodIndex(), std::string("c-\x01\0", 4)); }
 
-TEST(HostileRecords, WordLists) { Damage(GoodIndex(), "w-list"); }
+TEST(HostileRecordsTest, WordLists) { Damage(GoodIndex(), "w-list"); }
 
-TEST(HostileRecords, TextsOfTheHost) {
+TEST(HostileRecordsTest, TextsOfTheHost) {
   for (const char* key : {"t-a", "s-a", "u-a"}) Damage(GoodIndex(), key);
 }
 
-TEST(HostileRecords, ThatAreMissing) {
+TEST(HostileRecordsTest, ThatAreMissing) {
   for (const auto& [key, unused] : GoodIndex()) Lose(key);
 }
 
 // Keys that no version writes, beside an index that is whole.
-TEST(HostileRecords, UnderKeysThatFitNothing) {
+TEST(HostileRecordsTest, UnderKeysThatFitNothing) {
   const std::string keys[] = {
       "",    "-",  "--", "c-",    std::string("c-\0", 3), "c-12345",           "d-", "g-",
       "g-x", "w-", "t-", "-opts", std::string(300, '-'),  std::string(2, '\0')};

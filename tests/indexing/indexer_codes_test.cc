@@ -4,13 +4,13 @@
 namespace kestan_tests {
 namespace {
 
-class DocumentCodes : public IndexTest {
+class DocumentCodesTest : public IndexTest {
  protected:
   // Adds a document without words.
   const char* Add(const char* name) { return engine_.AddDocumentWords(name, ""); }
 };
 
-TEST_F(DocumentCodes, AreCountedUpFrom1) {
+TEST_F(DocumentCodesTest, AreCountedUpFrom1) {
   for (const char* name : {"one", "two", "three"}) Add(name);
   const Records stored = Stored();
   EXPECT_EQ(stored.at(NameKey(1)), "one");
@@ -19,14 +19,14 @@ TEST_F(DocumentCodes, AreCountedUpFrom1) {
   EXPECT_EQ(stored.at("g-code"), Units({3}));
 }
 
-TEST_F(DocumentCodes, AreCountedOnInAnIndexThatIsOpenedAgain) {
+TEST_F(DocumentCodesTest, AreCountedOnInAnIndexThatIsOpenedAgain) {
   Add("one");
   PlantAndReopen({});
   Add("two");
   EXPECT_EQ(Stored().at(NameKey(2)), "two");
 }
 
-TEST_F(DocumentCodes, AreReusedLastInFirstOut) {
+TEST_F(DocumentCodesTest, AreReusedLastInFirstOut) {
   PlantAndReopen({{"g-avail", Units({5, 9})}, {"g-code", Units({9})}});
   for (const char* name : {"first", "second", "third"}) Add(name);
   const Records stored = Stored();
@@ -37,7 +37,7 @@ TEST_F(DocumentCodes, AreReusedLastInFirstOut) {
   EXPECT_EQ(stored.at("g-code"), Units({10}));
 }
 
-TEST_F(DocumentCodes, ShortenedListOfReusableCodesIsStored) {
+TEST_F(DocumentCodesTest, ShortenedListOfReusableCodesIsStored) {
   PlantAndReopen({{"g-avail", Units({5, 9, 300})}, {"g-code", Units({300})}});
   Add("first");
   const Records stored = Stored();
@@ -46,7 +46,7 @@ TEST_F(DocumentCodes, ShortenedListOfReusableCodesIsStored) {
   EXPECT_EQ(stored.at("g-code"), Units({300}));
 }
 
-TEST_F(DocumentCodes, ReusableCodeLeavesAMissingCounterMissing) {
+TEST_F(DocumentCodesTest, ReusableCodeLeavesAMissingCounterMissing) {
   PlantAndReopen({{"g-avail", Units({4})}});
   Add("first");
   const Records stored = Stored();
@@ -54,7 +54,7 @@ TEST_F(DocumentCodes, ReusableCodeLeavesAMissingCounterMissing) {
   EXPECT_EQ(stored.count("g-code"), 0U);
 }
 
-TEST_F(DocumentCodes, GoUpTo65535) {
+TEST_F(DocumentCodesTest, GoUpTo65535) {
   PlantAndReopen({{"g-code", Units({65534})}});
   EXPECT_EQ(StandardErrorOf([&] { Add("last"); }), "");
   const Records stored = Stored();
@@ -62,7 +62,7 @@ TEST_F(DocumentCodes, GoUpTo65535) {
   EXPECT_EQ(stored.at("g-code"), Units({65535}));
 }
 
-TEST_F(DocumentCodes, FullIndexTakesNoDocument) {
+TEST_F(DocumentCodesTest, FullIndexTakesNoDocument) {
   PlantAndReopen({{"g-code", Units({65535})}});
   const std::string message = StandardErrorOf([&] {
     const char* const words = engine_.AddDocumentWords("one", "word");
@@ -74,7 +74,7 @@ TEST_F(DocumentCodes, FullIndexTakesNoDocument) {
   EXPECT_EQ(Stored(), (Records{{"g-code", Units({65535})}, {"g-opts", kPositions}}));
 }
 
-TEST_F(DocumentCodes, FullIndexLosesTheEarlierVersionAllTheSame) {
+TEST_F(DocumentCodesTest, FullIndexLosesTheEarlierVersionAllTheSame) {
   PlantAndReopen(Records{{"g-code", Units({65535})}, {"old", Entry(7, {1})}} + Document("one", 7));
   StandardErrorOf([&] { engine_.AddDocumentWords("one", "new"); });
   EXPECT_EQ(Stored(), (Records{{"g-code", Units({65535})},
@@ -83,19 +83,19 @@ TEST_F(DocumentCodes, FullIndexLosesTheEarlierVersionAllTheSame) {
                                {"old", Entry(7, {1})}}));
 }
 
-TEST_F(DocumentCodes, FullIndexStillReusesCodes) {
+TEST_F(DocumentCodesTest, FullIndexStillReusesCodes) {
   PlantAndReopen({{"g-code", Units({65535})}, {"g-avail", Units({8})}});
   EXPECT_EQ(StandardErrorOf([&] { Add("one"); }), "");
   EXPECT_EQ(Stored().at(NameKey(8)), "one");
 }
 
-TEST_F(DocumentCodes, CodeZeroEndsTheProcess) {
+TEST_F(DocumentCodesTest, CodeZeroEndsTheProcess) {
   PlantAndReopen({{"g-avail", Units({7, 0})}, {"g-code", Units({7})}});
   EXPECT_EXIT(Add("one"), testing::ExitedWithCode(1),
               "^Kestan: Attempted to use code #0 \\(oops!\\)\n$");
 }
 
-TEST_F(DocumentCodes, ShortCounterIsPaddedAndGrows) {
+TEST_F(DocumentCodesTest, ShortCounterIsPaddedAndGrows) {
   PlantAndReopen({{"g-code", "\x05"}});
   Add("one");
   const Records stored = Stored();
@@ -103,7 +103,7 @@ TEST_F(DocumentCodes, ShortCounterIsPaddedAndGrows) {
   EXPECT_EQ(stored.at("g-code"), Units({6}));
 }
 
-TEST_F(DocumentCodes, EmptyCounterIsZero) {
+TEST_F(DocumentCodesTest, EmptyCounterIsZero) {
   PlantAndReopen({{"g-code", ""}});
   Add("one");
   const Records stored = Stored();
@@ -111,13 +111,13 @@ TEST_F(DocumentCodes, EmptyCounterIsZero) {
   EXPECT_EQ(stored.at("g-code"), Units({1}));
 }
 
-TEST_F(DocumentCodes, LongCounterKeepsItsOtherBytes) {
+TEST_F(DocumentCodesTest, LongCounterKeepsItsOtherBytes) {
   PlantAndReopen({{"g-code", Units({255, 9, 9})}});
   Add("one");
   EXPECT_EQ(Stored().at("g-code"), Units({256, 9, 9}));
 }
 
-TEST_F(DocumentCodes, OddByteOfTheReusableCodesIsNoCode) {
+TEST_F(DocumentCodesTest, OddByteOfTheReusableCodesIsNoCode) {
   PlantAndReopen({{"g-avail", Units({5, 9}) + "x"}, {"g-code", Units({9})}});
   for (const char* name : {"first", "second", "third"}) Add(name);
   const Records stored = Stored();
@@ -126,7 +126,7 @@ TEST_F(DocumentCodes, OddByteOfTheReusableCodesIsNoCode) {
   EXPECT_EQ(stored.at(NameKey(10)), "third");
 }
 
-TEST_F(DocumentCodes, EachIndexHasItsOwn) {
+TEST_F(DocumentCodesTest, EachIndexHasItsOwn) {
   PlantAndReopen({{"g-avail", Units({5})}, {"g-code", Units({9})}});
   engine_.CloseIndex();
   const std::string other = folder_ / "other";

@@ -4,7 +4,7 @@
 namespace kestan_tests {
 namespace {
 
-class NewWords : public IndexTest {
+class NewWordsTest : public IndexTest {
  protected:
   // Adds a document and returns its new words, which lie in the scratch buffer.
   std::string Of(const std::string& text) {
@@ -19,82 +19,82 @@ class NewWords : public IndexTest {
   }
 };
 
-TEST_F(NewWords, BufferIsUnsetBeforeTheFirstDocument) {
+TEST_F(NewWordsTest, BufferIsUnsetBeforeTheFirstDocument) {
   EXPECT_EQ(Kestan::WordBuf, nullptr);
   EXPECT_EQ(Kestan::WBSize, 0U);
 }
 
-TEST_F(NewWords, EmptyListLiesInTheBufferToo) {
+TEST_F(NewWordsTest, EmptyListLiesInTheBufferToo) {
   EXPECT_EQ(Of(""), "");
   EXPECT_EQ(Kestan::WBSize, 4096U);
 }
 
-TEST_F(NewWords, AreInOrderOfTheirBytes) {
+TEST_F(NewWordsTest, AreInOrderOfTheirBytes) {
   EXPECT_EQ(Of("b ab a \xff abc 1 aa"), "1\na\naa\nab\nabc\nb\n\xff\n");
 }
 
-TEST_F(NewWords, CapitalsSortBeforeSmallLetters) {
+TEST_F(NewWordsTest, CapitalsSortBeforeSmallLetters) {
   EXPECT_EQ(Of("Hello world"), "Hello\nhello\nworld\n");
 }
 
-TEST_F(NewWords, AreOnlyThoseWithoutARecord) {
+TEST_F(NewWordsTest, AreOnlyThoseWithoutARecord) {
   Of("cat dog");
   EXPECT_EQ(Of("cat cow Dog"), "Dog\ncow\n");
 }
 
-TEST_F(NewWords, DoNotComeBackWhileTheirRecordIsEmpty) {
+TEST_F(NewWordsTest, DoNotComeBackWhileTheirRecordIsEmpty) {
   PlantAndReopen({{"cat", ""}});
   EXPECT_EQ(Of("cat"), "");
 }
 
-TEST_F(NewWords, WordWithTwoBytesToSpareFitsTheBuffer) {
+TEST_F(NewWordsTest, WordWithTwoBytesToSpareFitsTheBuffer) {
   EXPECT_EQ(Of(Word(4094)), Word(4094) + "\n");
   EXPECT_EQ(Kestan::WBSize, 4096U);
 }
 
-TEST_F(NewWords, WordWithOneByteToSpareDoublesTheBuffer) {
+TEST_F(NewWordsTest, WordWithOneByteToSpareDoublesTheBuffer) {
   EXPECT_EQ(Of(Word(4095)), Word(4095) + "\n");
   EXPECT_EQ(Kestan::WBSize, 8192U);
 }
 
-TEST_F(NewWords, RoomIsCountedFromTheEndOfTheList) {
+TEST_F(NewWordsTest, RoomIsCountedFromTheEndOfTheList) {
   EXPECT_EQ(Of(Word(2000) + " " + Word(2093, 'x')), Word(2000) + "\n" + Word(2093, 'x') + "\n");
   EXPECT_EQ(Kestan::WBSize, 4096U);
 }
 
-TEST_F(NewWords, ListOneByteLongerDoublesTheBuffer) {
+TEST_F(NewWordsTest, ListOneByteLongerDoublesTheBuffer) {
   EXPECT_EQ(Of(Word(2000) + " " + Word(2094, 'x')), Word(2000) + "\n" + Word(2094, 'x') + "\n");
   EXPECT_EQ(Kestan::WBSize, 8192U);
 }
 
-TEST_F(NewWords, BufferDoublesOnlyOnceForOneWord) {
+TEST_F(NewWordsTest, BufferDoublesOnlyOnceForOneWord) {
   EXPECT_EQ(Of(Word(10000)), Word(10000) + "\n");
   EXPECT_EQ(Kestan::WBSize, 8192U);
 }
 
-TEST_F(NewWords, BufferDoublesAgainAtTheNextWord) {
+TEST_F(NewWordsTest, BufferDoublesAgainAtTheNextWord) {
   EXPECT_EQ(Of(Word(10000) + " x"), Word(10000) + "\nx\n");
   EXPECT_EQ(Kestan::WBSize, 16384U);
 }
 
-TEST_F(NewWords, BufferDoublesForEachWordThatIsPastItsEnd) {
+TEST_F(NewWordsTest, BufferDoublesForEachWordThatIsPastItsEnd) {
   EXPECT_EQ(Of(Word(40000) + " x y z"), Word(40000) + "\nx\ny\nz\n");
   EXPECT_EQ(Kestan::WBSize, 65536U);
 }
 
-TEST_F(NewWords, BufferNeverShrinks) {
+TEST_F(NewWordsTest, BufferNeverShrinks) {
   Of(Word(4095));
   EXPECT_EQ(Of("x"), "x\n");
   EXPECT_EQ(Kestan::WBSize, 8192U);
 }
 
-TEST_F(NewWords, KnownWordsTakeNoRoom) {
+TEST_F(NewWordsTest, KnownWordsTakeNoRoom) {
   PlantAndReopen({{Word(10000), ""}});
   EXPECT_EQ(Of(Word(10000)), "");
   EXPECT_EQ(Kestan::WBSize, 4096U);
 }
 
-TEST_F(NewWords, ManyWordsAllComeBack) {
+TEST_F(NewWordsTest, ManyWordsAllComeBack) {
   std::string text, expected;
   for (unsigned i = 10000; i < 20000; ++i) {
     text += std::to_string(i) + " ";
@@ -104,14 +104,14 @@ TEST_F(NewWords, ManyWordsAllComeBack) {
   EXPECT_EQ(Kestan::WBSize, 65536U);
 }
 
-TEST_F(NewWords, LargerBufferIsKeptAsItIs) {
+TEST_F(NewWordsTest, LargerBufferIsKeptAsItIs) {
   engine_.DBPutWords("list", std::string(5000, 'l').c_str());
   ASSERT_EQ(Kestan::WBSize, 9096U);
   Of("word");
   EXPECT_EQ(Kestan::WBSize, 9096U);
 }
 
-TEST_F(NewWords, BufferCountedAs0GrowsTo4096) {
+TEST_F(NewWordsTest, BufferCountedAs0GrowsTo4096) {
   engine_.DBPutTitle("name", std::string(5000, 't').c_str());
   engine_.DBGetTitle("name");
   ASSERT_EQ(Kestan::WBSize, 0U);

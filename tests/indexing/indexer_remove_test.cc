@@ -10,9 +10,9 @@ std::uint32_t Now() { return static_cast<std::uint32_t>(std::time(nullptr)); }
 
 constexpr const char* kNoIndex = "Kestan: Call to database::get without an open database\n";
 
-class RemoveDocument : public IndexTest {};
+class RemoveDocumentTest : public IndexTest {};
 
-TEST_F(RemoveDocument, TakesAwayTheNameAndListsTheCode) {
+TEST_F(RemoveDocumentTest, TakesAwayTheNameAndListsTheCode) {
   engine_.AddDocumentWords("one", "cat");
   EXPECT_EQ(engine_.RemoveDocumentWords("one"), 0);
   EXPECT_EQ(Stored(), (Records{{"cat", Entry(1, {1})},
@@ -21,31 +21,31 @@ TEST_F(RemoveDocument, TakesAwayTheNameAndListsTheCode) {
                                {"g-opts", kPositions}}));
 }
 
-TEST_F(RemoveDocument, UnknownNameIs1AndSilent) {
+TEST_F(RemoveDocumentTest, UnknownNameIs1AndSilent) {
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(engine_.RemoveDocumentWords("one"), 1); }), "");
   EXPECT_EQ(Stored(), (Records{{"g-opts", kPositions}}));
 }
 
-TEST_F(RemoveDocument, SecondTimeIs1AndListsTheCodeOnce) {
+TEST_F(RemoveDocumentTest, SecondTimeIs1AndListsTheCodeOnce) {
   engine_.AddDocumentWords("one", "cat");
   EXPECT_EQ(engine_.RemoveDocumentWords("one"), 0);
   EXPECT_EQ(engine_.RemoveDocumentWords("one"), 1);
   EXPECT_EQ(Stored().at("g-deleted"), Units({1}));
 }
 
-TEST_F(RemoveDocument, CodesAreListedInOrderOfRemoval) {
+TEST_F(RemoveDocumentTest, CodesAreListedInOrderOfRemoval) {
   PlantAndReopen(Document("a", 4) + Document("b", 2) + Document("c", 7));
   for (const char* name : {"a", "b", "c"}) EXPECT_EQ(engine_.RemoveDocumentWords(name), 0);
   EXPECT_EQ(Stored().at("g-deleted"), Units({4, 2, 7}));
 }
 
-TEST_F(RemoveDocument, DuplicateCodesAreNotLookedFor) {
+TEST_F(RemoveDocumentTest, DuplicateCodesAreNotLookedFor) {
   PlantAndReopen(Records{{"g-deleted", Units({4})}} + Document("a", 4));
   engine_.RemoveDocumentWords("a");
   EXPECT_EQ(Stored().at("g-deleted"), Units({4, 4}));
 }
 
-TEST_F(RemoveDocument, LeavesTheWordInQueriesAndOutOfListings) {
+TEST_F(RemoveDocumentTest, LeavesTheWordInQueriesAndOutOfListings) {
   engine_.AddDocumentWords("one", "cat");
   engine_.AddDocumentWords("two", "cat");
   engine_.RemoveDocumentWords("one");
@@ -53,14 +53,14 @@ TEST_F(RemoveDocument, LeavesTheWordInQueriesAndOutOfListings) {
   EXPECT_EQ(Listing(engine_.QueryWord("cat")), "100 two\n");
 }
 
-TEST_F(RemoveDocument, CodeIsNotHandedOutBeforeShrinking) {
+TEST_F(RemoveDocumentTest, CodeIsNotHandedOutBeforeShrinking) {
   engine_.AddDocumentWords("one", "cat");
   engine_.RemoveDocumentWords("one");
   engine_.AddDocumentWords("two", "cat");
   EXPECT_EQ(Stored().at(NameKey(2)), "two");
 }
 
-TEST_F(RemoveDocument, SideRecordsStay) {
+TEST_F(RemoveDocumentTest, SideRecordsStay) {
   engine_.AddDocumentWords("one", "cat");
   engine_.DBPutTitle("one", "title");
   engine_.DBPutSummary("one", "summary");
@@ -72,13 +72,13 @@ TEST_F(RemoveDocument, SideRecordsStay) {
   EXPECT_EQ(stored.at("u-one"), "user");
 }
 
-TEST_F(RemoveDocument, UpperHalfOfTheStoredCodeIsIgnored) {
+TEST_F(RemoveDocumentTest, UpperHalfOfTheStoredCodeIsIgnored) {
   PlantAndReopen({{"d-a", Units({0, 0, 4, 0xffff})}, {NameKey(4), "a"}});
   EXPECT_EQ(engine_.RemoveDocumentWords("a"), 0);
   EXPECT_EQ(Stored(), (Records{{"g-deleted", Units({4})}, {"g-opts", kPositions}}));
 }
 
-TEST_F(RemoveDocument, ShortRecordIsPaddedWithZeros) {
+TEST_F(RemoveDocumentTest, ShortRecordIsPaddedWithZeros) {
   const std::string whole = DocumentRecord(1000, 0x0304);
   for (std::size_t size = 0; size < 8; ++size) {
     const unsigned code = size < 5 ? 0U : size == 5 ? 0x04U : 0x0304U;
@@ -88,14 +88,14 @@ TEST_F(RemoveDocument, ShortRecordIsPaddedWithZeros) {
   }
 }
 
-TEST_F(RemoveDocument, WithoutAnIndexIs1) {
+TEST_F(RemoveDocumentTest, WithoutAnIndexIs1) {
   engine_.CloseIndex();
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(engine_.RemoveDocumentWords("a"), 1); }), kNoIndex);
 }
 
-class MoveDocument : public IndexTest {};
+class MoveDocumentTest : public IndexTest {};
 
-TEST_F(MoveDocument, KeepsTheCodeUnderTheNewName) {
+TEST_F(MoveDocumentTest, KeepsTheCodeUnderTheNewName) {
   PlantAndReopen(Document("old", 7) + Records{{"cat", Entry(7, {1})}});
   EXPECT_EQ(engine_.MoveDocumentWords("old", "new"), 0);
   const Records stored = Stored();
@@ -106,7 +106,7 @@ TEST_F(MoveDocument, KeepsTheCodeUnderTheNewName) {
   EXPECT_EQ(stored.count("g-deleted"), 0U);
 }
 
-TEST_F(MoveDocument, RenewsTheTimestamp) {
+TEST_F(MoveDocumentTest, RenewsTheTimestamp) {
   PlantAndReopen(Document("old", 7));
   ASSERT_EQ(engine_.DocumentTimestamp("old"), 1000U);
   const std::uint32_t before = Now();
@@ -116,14 +116,14 @@ TEST_F(MoveDocument, RenewsTheTimestamp) {
   EXPECT_EQ(engine_.DocumentTimestamp("old"), 0U);
 }
 
-TEST_F(MoveDocument, UnknownNameChangesNothing) {
+TEST_F(MoveDocumentTest, UnknownNameChangesNothing) {
   PlantAndReopen(Document("one", 7));
   const auto move = [&] { EXPECT_EQ(engine_.MoveDocumentWords("two", "three"), -1); };
   EXPECT_EQ(StandardErrorOf(move), "");
   EXPECT_EQ(Stored(), (Document("one", 7) + Records{{"g-opts", kPositions}}));
 }
 
-TEST_F(MoveDocument, LongerAndShorterNamesAreStoredWhole) {
+TEST_F(MoveDocumentTest, LongerAndShorterNamesAreStoredWhole) {
   const std::string long_name(10000, 'n');
   PlantAndReopen(Document("name", 7));
   EXPECT_EQ(engine_.MoveDocumentWords("name", long_name.c_str()), 0);
@@ -131,7 +131,7 @@ TEST_F(MoveDocument, LongerAndShorterNamesAreStoredWhole) {
   EXPECT_EQ(Stored().at(NameKey(7)), "n");
 }
 
-TEST_F(MoveDocument, LongNameIsListedBeforeAndAfterTheFlush) {
+TEST_F(MoveDocumentTest, LongNameIsListedBeforeAndAfterTheFlush) {
   const std::string long_name(10000, 'n');
   engine_.AddDocumentWords("name", "cat");
   engine_.MoveDocumentWords("name", long_name.c_str());
@@ -140,7 +140,7 @@ TEST_F(MoveDocument, LongNameIsListedBeforeAndAfterTheFlush) {
   EXPECT_EQ(Listing(engine_.QueryWord("cat")), "100 " + long_name + "\n");
 }
 
-TEST_F(MoveDocument, EmptyNameIsANameLikeAnyOther) {
+TEST_F(MoveDocumentTest, EmptyNameIsANameLikeAnyOther) {
   PlantAndReopen(Document("old", 7));
   EXPECT_EQ(engine_.MoveDocumentWords("old", ""), 0);
   const Records stored = Stored();
@@ -148,7 +148,7 @@ TEST_F(MoveDocument, EmptyNameIsANameLikeAnyOther) {
   EXPECT_EQ(stored.at("d-").substr(4), Units({7, 0}));
 }
 
-TEST_F(MoveDocument, OntoItselfOnlyRenewsTheTimestamp) {
+TEST_F(MoveDocumentTest, OntoItselfOnlyRenewsTheTimestamp) {
   PlantAndReopen(Document("one", 7));
   EXPECT_EQ(engine_.MoveDocumentWords("one", "one"), 0);
   const Records stored = Stored();
@@ -158,7 +158,7 @@ TEST_F(MoveDocument, OntoItselfOnlyRenewsTheTimestamp) {
   EXPECT_EQ(stored.size(), 3U);
 }
 
-TEST_F(MoveDocument, OntoAnotherDocumentLeavesThatOneHalfThere) {
+TEST_F(MoveDocumentTest, OntoAnotherDocumentLeavesThatOneHalfThere) {
   PlantAndReopen(Document("a", 1) + Document("b", 2) +
                  Records{{"cat", Entry(1, {1}) + Entry(2, {1})}});
   EXPECT_EQ(engine_.MoveDocumentWords("a", "b"), 0);
@@ -169,7 +169,7 @@ TEST_F(MoveDocument, OntoAnotherDocumentLeavesThatOneHalfThere) {
   EXPECT_EQ(stored.count("g-deleted"), 0U);
 }
 
-TEST_F(MoveDocument, MissingNameRecordIsReportedAfterTheMove) {
+TEST_F(MoveDocumentTest, MissingNameRecordIsReportedAfterTheMove) {
   PlantAndReopen({{"d-old", DocumentRecord(1000, 65535)}});
   const auto move = [&] { EXPECT_EQ(engine_.MoveDocumentWords("old", "new"), -1); };
   EXPECT_EQ(StandardErrorOf(move), "Kestan: Could not fetch document for code 65535 (oops!)\n");
@@ -178,7 +178,7 @@ TEST_F(MoveDocument, MissingNameRecordIsReportedAfterTheMove) {
   EXPECT_EQ(stored.at("d-new").substr(4), Units({65535, 0}));
 }
 
-TEST_F(MoveDocument, SideRecordsKeepTheOldName) {
+TEST_F(MoveDocumentTest, SideRecordsKeepTheOldName) {
   PlantAndReopen(Document("old", 7));
   engine_.DBPutTitle("old", "title");
   engine_.MoveDocumentWords("old", "new");
@@ -186,13 +186,13 @@ TEST_F(MoveDocument, SideRecordsKeepTheOldName) {
   EXPECT_EQ(engine_.DBGetTitle("new"), nullptr);
 }
 
-TEST_F(MoveDocument, UpperHalfOfTheStoredCodeIsKept) {
+TEST_F(MoveDocumentTest, UpperHalfOfTheStoredCodeIsKept) {
   PlantAndReopen({{"d-a", Units({0, 0, 4, 0x1234})}, {NameKey(4), "a"}});
   EXPECT_EQ(engine_.MoveDocumentWords("a", "b"), 0);
   EXPECT_EQ(Stored().at("d-b").substr(4), Units({4, 0x1234}));
 }
 
-TEST_F(MoveDocument, ShortRecordGrowsTo8Bytes) {
+TEST_F(MoveDocumentTest, ShortRecordGrowsTo8Bytes) {
   const std::string whole = DocumentRecord(1000, 0x0304);
   for (std::size_t size = 0; size < 8; ++size) {
     const unsigned code = size < 5 ? 0U : size == 5 ? 0x04U : 0x0304U;
@@ -202,7 +202,7 @@ TEST_F(MoveDocument, ShortRecordGrowsTo8Bytes) {
   }
 }
 
-TEST_F(MoveDocument, MovedNameCanBeRemoved) {
+TEST_F(MoveDocumentTest, MovedNameCanBeRemoved) {
   PlantAndReopen(Document("old", 7));
   engine_.MoveDocumentWords("old", "new");
   EXPECT_EQ(engine_.RemoveDocumentWords("old"), 1);
@@ -210,36 +210,36 @@ TEST_F(MoveDocument, MovedNameCanBeRemoved) {
   EXPECT_EQ(Stored(), (Records{{"g-deleted", Units({7})}, {"g-opts", kPositions}}));
 }
 
-TEST_F(MoveDocument, WithoutAnIndexIsMinus1) {
+TEST_F(MoveDocumentTest, WithoutAnIndexIsMinus1) {
   engine_.CloseIndex();
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(engine_.MoveDocumentWords("a", "b"), -1); }), kNoIndex);
 }
 
-class DocumentTimestamp : public IndexTest {};
+class DocumentTimestampTest : public IndexTest {};
 
-TEST_F(DocumentTimestamp, IsTheTimeOfTheAddition) {
+TEST_F(DocumentTimestampTest, IsTheTimeOfTheAddition) {
   const std::uint32_t before = Now();
   engine_.AddDocumentWords("one", "");
   EXPECT_GE(engine_.DocumentTimestamp("one"), before);
   EXPECT_LE(engine_.DocumentTimestamp("one"), Now());
 }
 
-TEST_F(DocumentTimestamp, HasAll32Bits) {
+TEST_F(DocumentTimestampTest, HasAll32Bits) {
   PlantAndReopen(Document("one", 7, 0xfedcba98));
   EXPECT_EQ(engine_.DocumentTimestamp("one"), 0xfedcba98U);
 }
 
-TEST_F(DocumentTimestamp, OfAnUnknownNameIs0AndSilent) {
+TEST_F(DocumentTimestampTest, OfAnUnknownNameIs0AndSilent) {
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(engine_.DocumentTimestamp("one"), 0U); }), "");
 }
 
-TEST_F(DocumentTimestamp, ShortRecordIsPaddedWithZeros) {
+TEST_F(DocumentTimestampTest, ShortRecordIsPaddedWithZeros) {
   PlantAndReopen({{"d-one", "\x01\x02\x03"}, {"d-two", ""}});
   EXPECT_EQ(engine_.DocumentTimestamp("one"), 0x030201U);
   EXPECT_EQ(engine_.DocumentTimestamp("two"), 0U);
 }
 
-TEST_F(DocumentTimestamp, WithoutAnIndexIs0) {
+TEST_F(DocumentTimestampTest, WithoutAnIndexIs0) {
   engine_.CloseIndex();
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(engine_.DocumentTimestamp("one"), 0U); }), kNoIndex);
 }

@@ -14,7 +14,7 @@
 namespace kestan_tests {
 namespace {
 
-class StoreUse : public IndexTest {
+class StoreUseTest : public IndexTest {
  protected:
   // Runs `action` and returns how often it called `function` with `key`.
   template <typename Action>
@@ -42,27 +42,27 @@ class StoreUse : public IndexTest {
 
 using Changes = std::vector<std::string>;
 
-TEST_F(StoreUse, AdditionWritesCounterWordsNameAndDocumentInThisOrder) {
+TEST_F(StoreUseTest, AdditionWritesCounterWordsNameAndDocumentInThisOrder) {
   EXPECT_EQ(
       ChangesBy([&] { engine_.AddDocumentWords("one", "dog cat"); }),
       (Changes{"store g-code", "store cat", "store dog", "store " + NameKey(1), "store d-one"}));
 }
 
-TEST_F(StoreUse, AdditionRemovesTheEarlierVersionFirst) {
+TEST_F(StoreUseTest, AdditionRemovesTheEarlierVersionFirst) {
   PlantAndReopen(Document("one", 1) + Records{{"g-code", Units({1})}});
   EXPECT_EQ(ChangesBy([&] { engine_.AddDocumentWords("one", "cat"); }),
             (Changes{"store g-deleted", "delete " + NameKey(1), "delete d-one", "store cat",
                      "store " + NameKey(2), "store d-one"}));
 }
 
-TEST_F(StoreUse, RenamingDeletesTheOldRecordBeforeItStoresTheNew) {
+TEST_F(StoreUseTest, RenamingDeletesTheOldRecordBeforeItStoresTheNew) {
   PlantAndReopen(Document("old", 7));
   EXPECT_EQ(ChangesBy([&] { engine_.MoveDocumentWords("old", "new"); }),
             (Changes{"delete d-old", "store d-new"}));
 }
 
 // A list that was not cached stays changed, and the flush writes it once more.
-TEST_F(StoreUse, ShrinkingStoresTheFirstReusableCodesAtOnce) {
+TEST_F(StoreUseTest, ShrinkingStoresTheFirstReusableCodesAtOnce) {
   const Records removed = {{"cat", Entry(2, {1})}, {"g-deleted", Units({2})}};
   const auto shrink = [&] { engine_.ShrinkIndex(); };
   PlantAndReopen(removed);
@@ -72,7 +72,7 @@ TEST_F(StoreUse, ShrinkingStoresTheFirstReusableCodesAtOnce) {
   EXPECT_EQ(ChangesBy(shrink), (Changes{"delete g-deleted", "store g-avail", "store cat"}));
 }
 
-TEST_F(StoreUse, ShrinkingStoresFurtherReusableCodesAtTheFlush) {
+TEST_F(StoreUseTest, ShrinkingStoresFurtherReusableCodesAtTheFlush) {
   PlantAndReopen({{"cat", Entry(2, {1})}, {"g-avail", Units({3})}, {"g-deleted", Units({2})}});
   EXPECT_EQ(ChangesBy([&] { engine_.ShrinkIndex(); }),
             (Changes{"delete g-deleted", "store cat", "store g-avail"}));
@@ -96,18 +96,18 @@ std::clock_t TimeToIndex(const std::vector<std::string>& words) {
 }
 
 // With a hash that everybody can compute, these would take some 20 times as long.
-TEST(TimeOfIndexing, WordsOfOnePlainHashTakeTheTimeOfOthers) {
+TEST(TimeOfIndexingTest, WordsOfOnePlainHashTakeTheTimeOfOthers) {
   constexpr std::size_t kWords = 15000;
   EXPECT_LT(TimeToIndex(WordsOfOnePlainHash(kWords)), 4 * TimeToIndex(UnrelatedWords(kWords)));
 }
 
-TEST_F(StoreUse, KnownWordIsFetchedOnceForADocument) {
+TEST_F(StoreUseTest, KnownWordIsFetchedOnceForADocument) {
   PlantAndReopen({{"cat", Entry(1, {1})}, {"g-code", Units({1})}});
   const auto add = [&] { engine_.AddDocumentWords("one", "cat cat dog cat"); };
   EXPECT_EQ(CallsOf("fetch", "cat", add), 1);
 }
 
-TEST_F(StoreUse, KnownWordIsStoredOnceForManyDocuments) {
+TEST_F(StoreUseTest, KnownWordIsStoredOnceForManyDocuments) {
   PlantAndReopen({{"cat", Entry(1, {1})}, {"g-code", Units({1})}});
   const auto add_and_flush = [&] {
     for (const char* name : {"one", "two", "three"}) engine_.AddDocumentWords(name, "cat");
@@ -116,26 +116,26 @@ TEST_F(StoreUse, KnownWordIsStoredOnceForManyDocuments) {
   EXPECT_EQ(CallsOf("store", "cat", add_and_flush), 1);
 }
 
-TEST_F(StoreUse, NewWordIsStoredAtOnceAndAgainAtTheFlush) {
+TEST_F(StoreUseTest, NewWordIsStoredAtOnceAndAgainAtTheFlush) {
   const auto add = [&] { engine_.AddDocumentWords("one", "cat"); };
   EXPECT_EQ(CallsOf("store", "cat", add), 1);
   EXPECT_EQ(CallsOf("store", "cat", [&] { engine_.FlushIndex(); }), 1);
 }
 
-TEST_F(StoreUse, FirstCounterIsStoredAtOnceAndNotAgain) {
+TEST_F(StoreUseTest, FirstCounterIsStoredAtOnceAndNotAgain) {
   const auto add = [&] { engine_.AddDocumentWords("one", ""); };
   EXPECT_EQ(CallsOf("store", "g-code", add), 1);
   EXPECT_EQ(CallsOf("store", "g-code", [&] { engine_.FlushIndex(); }), 0);
 }
 
-TEST_F(StoreUse, RenamedDocumentReachesTheFileAtOnceAndItsNameAtTheFlush) {
+TEST_F(StoreUseTest, RenamedDocumentReachesTheFileAtOnceAndItsNameAtTheFlush) {
   PlantAndReopen(Document("old", 7));
   const auto move = [&] { engine_.MoveDocumentWords("old", "new"); };
   EXPECT_EQ(CallsOf("store", "d-new", move), 1);
   EXPECT_EQ(CallsOf("store", NameKey(7), [&] { engine_.FlushIndex(); }), 1);
 }
 
-TEST_F(StoreUse, FirstRemovedCodeIsStoredAtOnceAndTheOthersAtTheFlush) {
+TEST_F(StoreUseTest, FirstRemovedCodeIsStoredAtOnceAndTheOthersAtTheFlush) {
   PlantAndReopen(Document("a", 4) + Document("b", 2) + Document("c", 7));
   const auto remove = [&](const char* name) {
     return CallsOf("store", "g-deleted", [&] { engine_.RemoveDocumentWords(name); });
@@ -146,14 +146,14 @@ TEST_F(StoreUse, FirstRemovedCodeIsStoredAtOnceAndTheOthersAtTheFlush) {
   EXPECT_EQ(CallsOf("store", "g-deleted", [&] { engine_.FlushIndex(); }), 1);
 }
 
-TEST_F(StoreUse, RemovalDeletesBothRecordsAtOnce) {
+TEST_F(StoreUseTest, RemovalDeletesBothRecordsAtOnce) {
   PlantAndReopen(Document("a", 4));
   const GdbmWatch watch;
   engine_.RemoveDocumentWords("a");
   EXPECT_EQ(watch.Count("delete"), 2U);
 }
 
-TEST_F(StoreUse, ShrinkingStoresOnlyTheWordsThatChanged) {
+TEST_F(StoreUseTest, ShrinkingStoresOnlyTheWordsThatChanged) {
   PlantAndReopen(
       {{"cat", Entry(1, {1}) + Entry(2, {1})}, {"dog", Entry(1, {1})}, {"g-deleted", Units({2})}});
   const GdbmWatch watch;
@@ -164,12 +164,12 @@ TEST_F(StoreUse, ShrinkingStoresOnlyTheWordsThatChanged) {
   EXPECT_EQ(watch.Count("reorganize"), 1U);
 }
 
-TEST_F(StoreUse, ListOfReusableCodesThatIsInTheFileIsStoredOnlyAtTheFlush) {
+TEST_F(StoreUseTest, ListOfReusableCodesThatIsInTheFileIsStoredOnlyAtTheFlush) {
   PlantAndReopen({{"g-avail", Units({3})}, {"g-deleted", Units({2})}});
   EXPECT_EQ(CallsOf("store", "g-avail", [&] { engine_.ShrinkIndex(); }), 1);
 }
 
-TEST_F(StoreUse, ShrinkingWithoutRemovedCodesDoesNotWalk) {
+TEST_F(StoreUseTest, ShrinkingWithoutRemovedCodesDoesNotWalk) {
   PlantAndReopen({{"cat", Entry(1, {1})}});
   const GdbmWatch watch;
   EXPECT_EQ(engine_.ShrinkIndex(), 0);
@@ -178,7 +178,7 @@ TEST_F(StoreUse, ShrinkingWithoutRemovedCodesDoesNotWalk) {
   EXPECT_EQ(watch.Count("reorganize"), 1U);
 }
 
-TEST_F(StoreUse, ResultOfTheCompactionIsNotReported) {
+TEST_F(StoreUseTest, ResultOfTheCompactionIsNotReported) {
   GdbmWatch watch;
   watch.Fail("reorganize", 1, GDBM_REORGANIZE_FAILED);
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(engine_.ShrinkIndex(), 0); }), "");
@@ -186,7 +186,7 @@ TEST_F(StoreUse, ResultOfTheCompactionIsNotReported) {
 
 #if UINTPTR_MAX > 0xffffffff
 // Memory of that size is only to be had where addresses are wide; hardly any of it is touched.
-TEST_F(StoreUse, PostingRecordAsLargeAsGdbmStoresTakesNoMoreEntries) {
+TEST_F(StoreUseTest, PostingRecordAsLargeAsGdbmStoresTakesNoMoreEntries) {
   PlantAndReopen({{"cat", Entry(1, {1})}, {"g-code", Units({1})}});
   const auto add = [&] { EXPECT_STREQ(engine_.AddDocumentWords("one", "cat dog"), "dog\n"); };
   {

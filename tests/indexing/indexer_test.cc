@@ -6,7 +6,7 @@
 namespace kestan_tests {
 namespace {
 
-class AddDocument : public IndexTest {
+class AddDocumentTest : public IndexTest {
  protected:
   std::string Add(const char* name, const std::string& text) {
     return engine_.AddDocumentWords(name, text.c_str());
@@ -19,7 +19,7 @@ class AddDocument : public IndexTest {
   }
 };
 
-TEST_F(AddDocument, FirstDocumentGetsCode1AndItsPostings) {
+TEST_F(AddDocumentTest, FirstDocumentGetsCode1AndItsPostings) {
   EXPECT_EQ(Add("one", "Hello world"), "Hello\nhello\nworld\n");
   const Records stored = Stored();
   EXPECT_EQ(stored.at("g-code"), Units({1}));
@@ -28,7 +28,7 @@ TEST_F(AddDocument, FirstDocumentGetsCode1AndItsPostings) {
   EXPECT_EQ(stored.at("world"), Entry(1, {2}));
 }
 
-TEST_F(AddDocument, SecondDocumentIsAppended) {
+TEST_F(AddDocumentTest, SecondDocumentIsAppended) {
   Add("one", "Hello world");
   EXPECT_EQ(Add("two", "hello Hello"), "");
   const Records stored = Stored();
@@ -38,7 +38,7 @@ TEST_F(AddDocument, SecondDocumentIsAppended) {
   EXPECT_EQ(stored.at("g-code"), Units({2}));
 }
 
-TEST_F(AddDocument, WithoutPositionsAnEntryIsTheBareCode) {
+TEST_F(AddDocumentTest, WithoutPositionsAnEntryIsTheBareCode) {
   engine_.SetOptionFlag(1);
   Add("one", "Hello world");
   Add("two", "hello Hello hello");
@@ -48,13 +48,13 @@ TEST_F(AddDocument, WithoutPositionsAnEntryIsTheBareCode) {
   EXPECT_EQ(stored.at("world"), Units({1}));
 }
 
-TEST_F(AddDocument, OtherOptionFlagsKeepPositions) {
+TEST_F(AddDocumentTest, OtherOptionFlagsKeepPositions) {
   engine_.SetOptionFlag(2);
   Add("one", "word");
   EXPECT_EQ(Stored().at("word"), Entry(1, {1}));
 }
 
-TEST_F(AddDocument, WritesTheNameAndTheDocumentRecord) {
+TEST_F(AddDocumentTest, WritesTheNameAndTheDocumentRecord) {
   const auto before = static_cast<std::uint32_t>(std::time(nullptr));
   Add("a name", "word");
   const auto after = static_cast<std::uint32_t>(std::time(nullptr));
@@ -66,13 +66,13 @@ TEST_F(AddDocument, WritesTheNameAndTheDocumentRecord) {
   EXPECT_LE(TimestampOf(record), after);
 }
 
-TEST_F(AddDocument, WritesNoOtherRecords) {
+TEST_F(AddDocumentTest, WritesNoOtherRecords) {
   Add("one", "word");
   const Records stored = Stored();
   EXPECT_EQ(stored.size(), 5U) << "g-code, g-opts, c-, d- and the word";
 }
 
-TEST_F(AddDocument, WhiteSpaceMakesNoWordsAndMovesNoPositions) {
+TEST_F(AddDocumentTest, WhiteSpaceMakesNoWordsAndMovesNoPositions) {
   EXPECT_EQ(Add("one", " \t\n\v\f\r one \r\n two\f\vthree\t"), "one\nthree\ntwo\n");
   const Records stored = Stored();
   EXPECT_EQ(stored.at("one"), Entry(1, {1}));
@@ -80,7 +80,7 @@ TEST_F(AddDocument, WhiteSpaceMakesNoWordsAndMovesNoPositions) {
   EXPECT_EQ(stored.at("three"), Entry(1, {3}));
 }
 
-TEST_F(AddDocument, OnlySixBytesAreWhiteSpace) {
+TEST_F(AddDocumentTest, OnlySixBytesAreWhiteSpace) {
   for (int byte = 1; byte < 256; ++byte) {
     const std::string word = std::string("w") + static_cast<char>(byte) + "w";
     Add("document", word);
@@ -89,7 +89,7 @@ TEST_F(AddDocument, OnlySixBytesAreWhiteSpace) {
   }
 }
 
-TEST_F(AddDocument, TextWithoutWordsStillTakesACode) {
+TEST_F(AddDocumentTest, TextWithoutWordsStillTakesACode) {
   EXPECT_EQ(Add("empty", ""), "");
   EXPECT_EQ(Add("white", " \n "), "");
   const Records stored = Stored();
@@ -100,11 +100,11 @@ TEST_F(AddDocument, TextWithoutWordsStillTakesACode) {
   EXPECT_EQ(stored.size(), 6U) << "g-code, g-opts and two records for each document";
 }
 
-TEST_F(AddDocument, WordsWithBit5SetAreRecordedOnce) {
+TEST_F(AddDocumentTest, WordsWithBit5SetAreRecordedOnce) {
   EXPECT_EQ(Add("one", "abc 123 ~{}"), "123\nabc\n~{}\n");
 }
 
-TEST_F(AddDocument, CapitalsAreRecordedAsWrittenAndFolded) {
+TEST_F(AddDocumentTest, CapitalsAreRecordedAsWrittenAndFolded) {
   EXPECT_EQ(Add("one", "ABC aBc"), "ABC\naBc\nabc\n");
   const Records stored = Stored();
   EXPECT_EQ(stored.at("ABC"), Entry(1, {1}));
@@ -112,19 +112,19 @@ TEST_F(AddDocument, CapitalsAreRecordedAsWrittenAndFolded) {
   EXPECT_EQ(stored.at("abc"), Entry(1, {1, 2}));
 }
 
-TEST_F(AddDocument, FoldSetsBit5OfEveryByte) {
+TEST_F(AddDocumentTest, FoldSetsBit5OfEveryByte) {
   EXPECT_EQ(Add("one", "@"), "@\n`\n");
   EXPECT_EQ(Add("two", "_"), "_\n\x7f\n");
   EXPECT_EQ(Add("three", "\x01\xc0\xdf"), "\x01\xc0\xdf\n!\xe0\xff\n");
   EXPECT_EQ(Add("four", "[\\]^"), "[\\]^\n{|}~\n");
 }
 
-TEST_F(AddDocument, WordAndItsFoldedFormShareOneRecordInOneDocument) {
+TEST_F(AddDocumentTest, WordAndItsFoldedFormShareOneRecordInOneDocument) {
   Add("one", "Cat cat CAT");
   EXPECT_EQ(Stored().at("cat"), Entry(1, {1, 2, 3}));
 }
 
-TEST_F(AddDocument, PositionAfter65535Is1) {
+TEST_F(AddDocumentTest, PositionAfter65535Is1) {
   Add("one", Times(65534, "x ") + "y z Last");
   const Records stored = Stored();
   EXPECT_EQ(stored.at("y"), Entry(1, {65535}));
@@ -133,14 +133,14 @@ TEST_F(AddDocument, PositionAfter65535Is1) {
   EXPECT_EQ(stored.at("last"), Entry(1, {2}));
 }
 
-TEST_F(AddDocument, WordMayOccur65535Times) {
+TEST_F(AddDocumentTest, WordMayOccur65535Times) {
   Add("one", Times(65535, "x ") + "y");
   const Records stored = Stored();
   EXPECT_EQ(stored.at("x"), Entry(1, From(1, 65535)));
   EXPECT_EQ(stored.at("y"), Entry(1, {1}));
 }
 
-TEST_F(AddDocument, OccurrencesAfterThe65535thAreNotRecorded) {
+TEST_F(AddDocumentTest, OccurrencesAfterThe65535thAreNotRecorded) {
   Add("one", Times(65537, "x ") + "y");
   Add("two", "x");
   const Records stored = Stored();
@@ -148,7 +148,7 @@ TEST_F(AddDocument, OccurrencesAfterThe65535thAreNotRecorded) {
   EXPECT_EQ(stored.at("y"), Entry(1, {3}));
 }
 
-TEST_F(AddDocument, PositionsKeepTheirOrderHoweverMany) {
+TEST_F(AddDocumentTest, PositionsKeepTheirOrderHoweverMany) {
   const Numbers counts = {63, 64, 65, 127, 128, 129, 1025};
   for (unsigned count : counts) Add("one", Times(count, "x" + std::to_string(count) + " "));
   const Records stored = Stored();
@@ -158,7 +158,7 @@ TEST_F(AddDocument, PositionsKeepTheirOrderHoweverMany) {
   }
 }
 
-TEST_F(AddDocument, SameNameGetsANewCodeAndTheOldOneWaits) {
+TEST_F(AddDocumentTest, SameNameGetsANewCodeAndTheOldOneWaits) {
   Add("one", "cat");
   EXPECT_EQ(Add("one", "cat dog"), "dog\n");
   const Records stored = Stored();
@@ -169,7 +169,7 @@ TEST_F(AddDocument, SameNameGetsANewCodeAndTheOldOneWaits) {
   EXPECT_EQ(stored.at(NameKey(2)), "one");
 }
 
-TEST_F(AddDocument, NewRecordsReachTheFileAtOnceAndTheirPostingsAtTheFlush) {
+TEST_F(AddDocumentTest, NewRecordsReachTheFileAtOnceAndTheirPostingsAtTheFlush) {
   Add("one", "word");
   Add("two", "word");
   std::filesystem::copy_file(path_, folder_ / "before");
@@ -182,7 +182,7 @@ TEST_F(AddDocument, NewRecordsReachTheFileAtOnceAndTheirPostingsAtTheFlush) {
   EXPECT_EQ(Dump(folder_ / "after").at("word"), Entry(1, {1}) + Entry(2, {1}));
 }
 
-TEST_F(AddDocument, EmptyNameIsANameLikeAnyOther) {
+TEST_F(AddDocumentTest, EmptyNameIsANameLikeAnyOther) {
   Add("", "word");
   const Records stored = Stored();
   EXPECT_EQ(stored.at("d-").size(), 8U);
@@ -190,12 +190,12 @@ TEST_F(AddDocument, EmptyNameIsANameLikeAnyOther) {
 }
 
 // Cleaned text has no such words; in other text they meet the records of the index itself.
-TEST_F(AddDocument, WordThatLooksLikeASystemKeyGrowsThatRecord) {
+TEST_F(AddDocumentTest, WordThatLooksLikeASystemKeyGrowsThatRecord) {
   EXPECT_EQ(Add("one", "g-code"), "");
   EXPECT_EQ(Stored().at("g-code"), Units({1}) + Entry(1, {1}));
 }
 
-TEST_F(AddDocument, TextMayLieInTheScratchBuffer) {
+TEST_F(AddDocumentTest, TextMayLieInTheScratchBuffer) {
   ASSERT_EQ(Add("one", "Cat dog"), "Cat\ncat\ndog\n");
   EXPECT_STREQ(engine_.AddDocumentWords("two", Kestan::WordBuf), "");
   const Records stored = Stored();
@@ -203,7 +203,7 @@ TEST_F(AddDocument, TextMayLieInTheScratchBuffer) {
   EXPECT_EQ(stored.at("dog"), Entry(1, {2}) + Entry(2, {3}));
 }
 
-TEST_F(AddDocument, NameMayLieInTheScratchBuffer) {
+TEST_F(AddDocumentTest, NameMayLieInTheScratchBuffer) {
   engine_.DBPutTitle("key", "the name");
   const char* const name = engine_.DBGetTitle("key");
   ASSERT_EQ(name, Kestan::WordBuf);
@@ -214,7 +214,7 @@ TEST_F(AddDocument, NameMayLieInTheScratchBuffer) {
   EXPECT_EQ(stored.count("d-the name"), 1U);
 }
 
-TEST_F(AddDocument, StoreThatRefusesWritesDoesNotStopTheCall) {
+TEST_F(AddDocumentTest, StoreThatRefusesWritesDoesNotStopTheCall) {
   engine_.CloseIndex();
   ASSERT_EQ(engine_.OpenIndex(path_.c_str(), 0), 0);
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(Add("one", "cat dog"), "cat\ndog\n"); }), "");
@@ -223,7 +223,7 @@ TEST_F(AddDocument, StoreThatRefusesWritesDoesNotStopTheCall) {
   EXPECT_EQ(Dump(path_).count("cat"), 0U);
 }
 
-TEST_F(AddDocument, WithoutAnIndexNothingIsAdded) {
+TEST_F(AddDocumentTest, WithoutAnIndexNothingIsAdded) {
   engine_.CloseIndex();
   StandardErrorOf([&] { EXPECT_STREQ(engine_.AddDocumentWords("one", "cat"), ""); });
   EXPECT_EQ(Dump(path_).size(), 1U) << "g-opts alone";

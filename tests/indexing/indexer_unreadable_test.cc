@@ -17,7 +17,7 @@ namespace {
 using Action = std::function<void(Kestan*)>;
 using Method = std::function<int(Kestan*)>;
 
-class UnreadableRecord : public testing::Test {
+class UnreadableRecordTest : public testing::Test {
  protected:
   // An index with two documents, one more that is removed, and a reusable code.
   void SetUp() override {
@@ -81,19 +81,19 @@ class UnreadableRecord : public testing::Test {
 
 void AddDocument(Kestan* engine) { engine->AddDocumentWords("new", "cat dog"); }
 
-TEST_F(UnreadableRecord, OfAWordKeepsItsPostingsWhenADocumentIsAdded) {
+TEST_F(UnreadableRecordTest, OfAWordKeepsItsPostingsWhenADocumentIsAdded) {
   const Records after = After("cat", AddDocument, 2);  // "dog" is fetched in between
   EXPECT_EQ(after.at("cat"), before_.at("cat"));
   EXPECT_EQ(after.at("dog"), before_.at("dog") + Units({4, 1, 2}));
   EXPECT_EQ(after.count("d-new"), 1u);
 }
 
-TEST_F(UnreadableRecord, OfAWordIsUsedWhenASecondLookFindsIt) {
+TEST_F(UnreadableRecordTest, OfAWordIsUsedWhenASecondLookFindsIt) {
   const Records after = After("dog", AddDocument);
   EXPECT_EQ(after.at("dog"), before_.at("dog") + Units({4, 1, 2}));
 }
 
-TEST_F(UnreadableRecord, OfTheCounterLeavesTheIndexAsItWas) {
+TEST_F(UnreadableRecordTest, OfTheCounterLeavesTheIndexAsItWas) {
   std::string new_words = "?";
   const Records after = After("g-code", [&](Kestan* engine) {
     engine->AddDocumentWords("x", "cat");  // takes the reusable code
@@ -105,7 +105,7 @@ TEST_F(UnreadableRecord, OfTheCounterLeavesTheIndexAsItWas) {
   EXPECT_EQ(new_words, "");
 }
 
-TEST_F(UnreadableRecord, OfTheCounterKeepsTheEarlierVersion) {
+TEST_F(UnreadableRecordTest, OfTheCounterKeepsTheEarlierVersion) {
   std::string new_words = "?";
   const Records after = After("g-code", [&](Kestan* engine) {
     engine->AddDocumentWords("x", "cat");  // takes the reusable code
@@ -120,29 +120,29 @@ int RemoveB(Kestan* engine) { return engine->RemoveDocumentWords("b"); }
 int MoveB(Kestan* engine) { return engine->MoveDocumentWords("b", "new"); }
 int DropPositions(Kestan* engine) { return engine->SetOptionFlag(1 | 4); }
 
-TEST_F(UnreadableRecord, KeepsTheDocumentFromBeingRemoved) {
+TEST_F(UnreadableRecordTest, KeepsTheDocumentFromBeingRemoved) {
   for (const char* key : {"g-deleted", "d-b"}) ExpectRefusal(key, -1, RemoveB);
 }
 
-TEST_F(UnreadableRecord, KeepsTheEarlierVersionOfADocument) {
+TEST_F(UnreadableRecordTest, KeepsTheEarlierVersionOfADocument) {
   const auto add = [](Kestan* engine) {
     return static_cast<int>(std::strlen(engine->AddDocumentWords("b", "fresh")));
   };
   for (const char* key : {"g-deleted", "d-b"}) ExpectRefusal(key, 0, add);
 }
 
-TEST_F(UnreadableRecord, KeepsTheDocumentFromMoving) {
+TEST_F(UnreadableRecordTest, KeepsTheDocumentFromMoving) {
   for (const std::string& key : {std::string("d-b"), NameKey(2)}) ExpectRefusal(key, -2, MoveB);
 }
 
-TEST_F(UnreadableRecord, KeepsThePositionsOfAllWords) {
+TEST_F(UnreadableRecordTest, KeepsThePositionsOfAllWords) {
   for (const auto& [key, value] : before_) {
     if (key == "g-opts" || key == "g-avail") continue;  // read when the index is opened
     ExpectRefusal(key, -3, DropPositions);
   }
 }
 
-TEST_F(UnreadableRecord, LeavesTheFlagsAsTheyWere) {
+TEST_F(UnreadableRecordTest, LeavesTheFlagsAsTheyWere) {
   unsigned long flags = 0;
   After("dog", [&](Kestan* engine) {
     DropPositions(engine);
@@ -151,7 +151,7 @@ TEST_F(UnreadableRecord, LeavesTheFlagsAsTheyWere) {
   EXPECT_EQ(flags, 0u);
 }
 
-TEST_F(UnreadableRecord, DoesNoHarmWhereTheNextTryReadsIt) {
+TEST_F(UnreadableRecordTest, DoesNoHarmWhereTheNextTryReadsIt) {
   const Records after = After("g-deleted", [](Kestan* engine) {
     RemoveB(engine);
     RemoveB(engine);
@@ -162,7 +162,7 @@ TEST_F(UnreadableRecord, DoesNoHarmWhereTheNextTryReadsIt) {
   EXPECT_EQ(after.at("g-opts"), Units({5, 0}));
 }
 
-TEST_F(UnreadableRecord, DoesNotMatterToTheHostsOwnFlags) {
+TEST_F(UnreadableRecordTest, DoesNotMatterToTheHostsOwnFlags) {
   Kestan engine;
   ASSERT_EQ(engine.OpenIndex(path_.c_str(), 1), 0);
   GdbmWatch watch;
@@ -170,7 +170,7 @@ TEST_F(UnreadableRecord, DoesNotMatterToTheHostsOwnFlags) {
   EXPECT_EQ(engine.SetOptionFlag(4), 0);
 }
 
-TEST_F(UnreadableRecord, KeepsThePositionsWhereTheWalkBreaksOff) {
+TEST_F(UnreadableRecordTest, KeepsThePositionsWhereTheWalkBreaksOff) {
   for (const char* function : {"firstkey", "nextkey"}) {
     GdbmWatch watch;
     watch.Fail(function, 1, GDBM_FILE_READ_ERROR);
@@ -182,17 +182,17 @@ TEST_F(UnreadableRecord, KeepsThePositionsWhereTheWalkBreaksOff) {
   }
 }
 
-TEST_F(UnreadableRecord, OfReusableCodesKeepsTheIndexFromOpening) {
+TEST_F(UnreadableRecordTest, OfReusableCodesKeepsTheIndexFromOpening) {
   const Records after = After("g-avail", [](Kestan* engine) { engine->ShrinkIndex(); });
   EXPECT_EQ(after, before_);
 }
 
-TEST_F(UnreadableRecord, OfOptionsKeepsTheIndexFromOpening) {
+TEST_F(UnreadableRecordTest, OfOptionsKeepsTheIndexFromOpening) {
   const Records after = After("g-opts", AddDocument);
   EXPECT_EQ(after, before_);
 }
 
-TEST_F(UnreadableRecord, OfAWordKeepsCodesFromBeingReused) {
+TEST_F(UnreadableRecordTest, OfAWordKeepsCodesFromBeingReused) {
   const Records after = After("cat", [](Kestan* engine) { engine->ShrinkIndex(); });
   EXPECT_EQ(after.at("cat"), before_.at("cat"));
   EXPECT_EQ(after.at("dog"), Units({1, 1, 2, 2, 1, 2}));
@@ -200,7 +200,7 @@ TEST_F(UnreadableRecord, OfAWordKeepsCodesFromBeingReused) {
   EXPECT_EQ(after.at("g-avail"), before_.at("g-avail"));
 }
 
-TEST_F(UnreadableRecord, OfAWordStaysWhereTheWalkOfAShrinkBreaksOff) {
+TEST_F(UnreadableRecordTest, OfAWordStaysWhereTheWalkOfAShrinkBreaksOff) {
   GdbmWatch watch;
   watch.Fail("nextkey", 2, GDBM_FILE_READ_ERROR);
   Kestan engine;

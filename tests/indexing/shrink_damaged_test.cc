@@ -6,7 +6,7 @@
 namespace kestan_tests {
 namespace {
 
-class ShrinkDamaged : public IndexTest {
+class ShrinkDamagedTest : public IndexTest {
  protected:
   // Shrinks an index where the code 2 is removed, and returns the record of "apple".
   std::string Apple(const std::string& postings, const std::string& options = kPositions) {
@@ -21,28 +21,28 @@ class ShrinkDamaged : public IndexTest {
   }
 };
 
-TEST_F(ShrinkDamaged, CountPastTheEndTakesTheUnitsThatAreLeft) {
+TEST_F(ShrinkDamagedTest, CountPastTheEndTakesTheUnitsThatAreLeft) {
   EXPECT_EQ(Apple(Entry(2, {9}) + Units({1, 5, 10})), Units({1, 5, 10}));
   EXPECT_EQ(Apple(Entry(1, {9}) + Units({2, 5, 10})), Entry(1, {9}));
   EXPECT_EQ(Apple(Entry(2, {9}) + Units({1, 65535})), Units({1, 65535}));
 }
 
-TEST_F(ShrinkDamaged, LoneCodeAtTheEndIsAnEntry) {
+TEST_F(ShrinkDamagedTest, LoneCodeAtTheEndIsAnEntry) {
   EXPECT_EQ(Apple(Entry(2, {9}) + Units({1})), Units({1}));
   EXPECT_EQ(Apple(Entry(1, {9}) + Units({2})), Entry(1, {9}));
 }
 
-TEST_F(ShrinkDamaged, OddByteStaysWhereNothingIsPurged) {
+TEST_F(ShrinkDamagedTest, OddByteStaysWhereNothingIsPurged) {
   EXPECT_EQ(Apple(Entry(1, {9}) + "x"), Entry(1, {9}) + "x");
   EXPECT_EQ(Apple("x"), "x");
 }
 
-TEST_F(ShrinkDamaged, OddByteGoesWithAPurgedEntry) {
+TEST_F(ShrinkDamagedTest, OddByteGoesWithAPurgedEntry) {
   EXPECT_EQ(Apple(Entry(2, {9}) + Entry(1, {3}) + "x"), Entry(1, {3}));
   EXPECT_EQ(Apple(Units({2, 1}) + "x", kNoPositions), Units({1}));
 }
 
-TEST_F(ShrinkDamaged, EveryTruncationOfARecordIsServed) {
+TEST_F(ShrinkDamagedTest, EveryTruncationOfARecordIsServed) {
   const std::string whole = Entry(1, {8}) + Entry(2, {9, 9}) + Entry(3, {8, 8});
   for (std::size_t size = 0; size <= whole.size(); ++size) {
     const std::string shrunk = Apple(whole.substr(0, size));
@@ -51,7 +51,7 @@ TEST_F(ShrinkDamaged, EveryTruncationOfARecordIsServed) {
   }
 }
 
-TEST_F(ShrinkDamaged, AnyChangedByteIsServed) {
+TEST_F(ShrinkDamagedTest, AnyChangedByteIsServed) {
   const std::string whole = Entry(1, {8}) + Entry(2, {9, 9}) + Entry(3, {8, 8});
   for (std::size_t at = 0; at < whole.size(); ++at) {
     std::string changed = whole;
@@ -61,25 +61,25 @@ TEST_F(ShrinkDamaged, AnyChangedByteIsServed) {
 }
 
 // No document has code 0, so its entries are damage and go with any removal.
-TEST_F(ShrinkDamaged, EntriesOfCode0GoToo) {
+TEST_F(ShrinkDamagedTest, EntriesOfCode0GoToo) {
   EXPECT_EQ(Apple(Entry(0, {1}) + Entry(3, {0})), Entry(3, {0}));
   const Records stored = Shrunk({{"pear", Entry(0, {1}) + Entry(3, {0})}, {"g-deleted", ""}});
   EXPECT_EQ(stored.at("pear"), Entry(3, {0}));
 }
 
-TEST_F(ShrinkDamaged, EntriesOfCode0StayWhereNothingWasRemoved) {
+TEST_F(ShrinkDamagedTest, EntriesOfCode0StayWhereNothingWasRemoved) {
   const std::string postings = Entry(0, {1}) + Entry(3, {0});
   EXPECT_EQ(Shrunk({{"pear", postings}}).at("pear"), postings);
 }
 
-TEST_F(ShrinkDamaged, OddByteOfTheRemovedCodesIsNoCode) {
+TEST_F(ShrinkDamagedTest, OddByteOfTheRemovedCodesIsNoCode) {
   const std::string postings = Entry(1, {1}) + Entry(2, {1}) + Entry('x', {1});
   const Records stored = Shrunk({{"apple", postings}, {"g-deleted", Units({2}) + "x"}});
   EXPECT_EQ(stored.at("apple"), Entry(1, {1}) + Entry('x', {1}));
   EXPECT_EQ(stored.count("g-deleted"), 0U);
 }
 
-TEST_F(ShrinkDamaged, CodesOfOddListsAreReusedAllTheSame) {
+TEST_F(ShrinkDamagedTest, CodesOfOddListsAreReusedAllTheSame) {
   PlantAndReopen({{"g-deleted", Units({2}) + "x"}, {"g-code", Units({2})}});
   engine_.ShrinkIndex();
   engine_.AddDocumentWords("one", "");

@@ -4,7 +4,7 @@
 namespace kestan_tests {
 namespace {
 
-class ShrinkIndex : public IndexTest {
+class ShrinkIndexTest : public IndexTest {
  protected:
   // Plants `records`, shrinks, and returns what is stored then, but for the option flags.
   Records Shrunk(const Records& records) {
@@ -22,50 +22,50 @@ class ShrinkIndex : public IndexTest {
   }
 };
 
-TEST_F(ShrinkIndex, PurgesTheEntriesOfRemovedCodes) {
+TEST_F(ShrinkIndexTest, PurgesTheEntriesOfRemovedCodes) {
   const std::string kept_first = Entry(1, {4}), kept_last = Entry(7, {300});
   EXPECT_EQ(Apple(kept_first + Entry(2, {1, 2}) + Entry(5, {9}) + kept_last),
             kept_first + kept_last);
 }
 
-TEST_F(ShrinkIndex, PurgesBareCodesWherePositionsAreNotKept) {
+TEST_F(ShrinkIndexTest, PurgesBareCodesWherePositionsAreNotKept) {
   EXPECT_EQ(Apple(Units({1, 2, 5, 7}), kNoPositions), Units({1, 7}));
 }
 
-TEST_F(ShrinkIndex, PurgesTheFirstAndTheLastEntry) {
+TEST_F(ShrinkIndexTest, PurgesTheFirstAndTheLastEntry) {
   EXPECT_EQ(Apple(Entry(5, {1}) + Entry(1, {2, 5}) + Entry(2, {})), Entry(1, {2, 5}));
 }
 
-TEST_F(ShrinkIndex, PurgesEveryEntryOfACode) {
+TEST_F(ShrinkIndexTest, PurgesEveryEntryOfACode) {
   EXPECT_EQ(Apple(Entry(2, {1}) + Entry(1, {1}) + Entry(2, {3})), Entry(1, {1}));
 }
 
-TEST_F(ShrinkIndex, PositionsThatEqualRemovedCodesStay) {
+TEST_F(ShrinkIndexTest, PositionsThatEqualRemovedCodesStay) {
   EXPECT_EQ(Apple(Entry(1, {2, 5}) + Entry(2, {5}) + Entry(4, {5, 2})),
             Entry(1, {2, 5}) + Entry(4, {5, 2}));
 }
 
-TEST_F(ShrinkIndex, RecordThatLosesEverythingStaysEmpty) {
+TEST_F(ShrinkIndexTest, RecordThatLosesEverythingStaysEmpty) {
   EXPECT_EQ(Apple(Entry(2, {1}) + Entry(5, {1, 2})), "");
 }
 
-TEST_F(ShrinkIndex, RecordWithoutRemovedCodesStaysAsItIs) {
+TEST_F(ShrinkIndexTest, RecordWithoutRemovedCodesStaysAsItIs) {
   EXPECT_EQ(Apple(Entry(9, {1}) + Entry(3, {1, 2})), Entry(9, {1}) + Entry(3, {1, 2}));
   EXPECT_EQ(Apple(""), "");
 }
 
-TEST_F(ShrinkIndex, OtherOptionFlagsKeepPositions) {
+TEST_F(ShrinkIndexTest, OtherOptionFlagsKeepPositions) {
   EXPECT_EQ(Apple(Entry(1, {2}) + Entry(2, {1}), Units({4, 0})), Entry(1, {2}));
 }
 
-TEST_F(ShrinkIndex, OneByteWordsKeepRemovedCodes) {
+TEST_F(ShrinkIndexTest, OneByteWordsKeepRemovedCodes) {
   const std::string postings = Entry(2, {1}) + Entry(3, {1});
   const Records stored = Shrunk({{"a", postings}, {"ab", postings}, {"g-deleted", Units({2})}});
   EXPECT_EQ(stored.at("a"), postings);
   EXPECT_EQ(stored.at("ab"), Entry(3, {1}));
 }
 
-TEST_F(ShrinkIndex, KeysWithADashInSecondPlaceAreNotPurged) {
+TEST_F(ShrinkIndexTest, KeysWithADashInSecondPlaceAreNotPurged) {
   const std::string postings = Entry(2, {1}) + Entry(3, {1});
   const Records stored = Shrunk({{"x-", postings},
                                  {"x-y", postings},
@@ -77,7 +77,7 @@ TEST_F(ShrinkIndex, KeysWithADashInSecondPlaceAreNotPurged) {
   for (const char* key : {"xy-", "-x"}) EXPECT_EQ(stored.at(key), Entry(3, {1})) << key;
 }
 
-TEST_F(ShrinkIndex, ReusedCodeFindsItsNewDocumentThroughAOneByteWord) {
+TEST_F(ShrinkIndexTest, ReusedCodeFindsItsNewDocumentThroughAOneByteWord) {
   engine_.AddDocumentWords("old", "a bc");
   engine_.RemoveDocumentWords("old");
   engine_.ShrinkIndex();
@@ -86,12 +86,12 @@ TEST_F(ShrinkIndex, ReusedCodeFindsItsNewDocumentThroughAOneByteWord) {
   EXPECT_EQ(Listing(engine_.QueryWord("bc")), "");
 }
 
-TEST_F(ShrinkIndex, AppendsRemovedCodesToTheReusableOnes) {
+TEST_F(ShrinkIndexTest, AppendsRemovedCodesToTheReusableOnes) {
   const Records stored = Shrunk({{"g-avail", Units({3})}, {"g-deleted", Units({8, 6})}});
   EXPECT_EQ(stored, (Records{{"g-avail", Units({3, 8, 6})}}));
 }
 
-TEST_F(ShrinkIndex, NextDocumentsTakeTheCodesFromTheEnd) {
+TEST_F(ShrinkIndexTest, NextDocumentsTakeTheCodesFromTheEnd) {
   PlantAndReopen({{"g-avail", Units({3})}, {"g-deleted", Units({8, 6})}, {"g-code", Units({8})}});
   engine_.ShrinkIndex();
   for (const char* name : {"first", "second", "third"}) engine_.AddDocumentWords(name, "");
@@ -101,16 +101,16 @@ TEST_F(ShrinkIndex, NextDocumentsTakeTheCodesFromTheEnd) {
   EXPECT_EQ(stored.at(NameKey(3)), "third");
 }
 
-TEST_F(ShrinkIndex, CreatesTheListOfReusableCodes) {
+TEST_F(ShrinkIndexTest, CreatesTheListOfReusableCodes) {
   EXPECT_EQ(Shrunk({{"g-deleted", Units({8})}}), (Records{{"g-avail", Units({8})}}));
 }
 
-TEST_F(ShrinkIndex, FillsAnEmptyListOfReusableCodes) {
+TEST_F(ShrinkIndexTest, FillsAnEmptyListOfReusableCodes) {
   EXPECT_EQ(Shrunk({{"g-deleted", Units({8})}, {"g-avail", ""}}),
             (Records{{"g-avail", Units({8})}}));
 }
 
-TEST_F(ShrinkIndex, CodesTakenBeforeAreNotGivenTwice) {
+TEST_F(ShrinkIndexTest, CodesTakenBeforeAreNotGivenTwice) {
   PlantAndReopen({{"g-avail", Units({3})}, {"g-code", Units({3})}});
   engine_.AddDocumentWords("one", "");
   engine_.RemoveDocumentWords("one");
@@ -118,41 +118,41 @@ TEST_F(ShrinkIndex, CodesTakenBeforeAreNotGivenTwice) {
   EXPECT_EQ(Stored().at("g-avail"), Units({3}));
 }
 
-TEST_F(ShrinkIndex, DuplicatesAreKept) {
+TEST_F(ShrinkIndexTest, DuplicatesAreKept) {
   EXPECT_EQ(Shrunk({{"g-avail", Units({6})}, {"g-deleted", Units({6, 6})}}).at("g-avail"),
             Units({6, 6, 6}));
 }
 
-TEST_F(ShrinkIndex, WithoutRemovedCodesChangesNoRecord) {
+TEST_F(ShrinkIndexTest, WithoutRemovedCodesChangesNoRecord) {
   const Records records = {{"apple", Entry(2, {1}) + "odd"}, {"g-avail", Units({2})}};
   EXPECT_EQ(Shrunk(records), records);
 }
 
-TEST_F(ShrinkIndex, SecondTimeChangesNothing) {
+TEST_F(ShrinkIndexTest, SecondTimeChangesNothing) {
   const Records once = Shrunk({{"apple", Entry(2, {1})}, {"g-deleted", Units({2})}});
   EXPECT_EQ(Shrunk({}), once);
 }
 
-TEST_F(ShrinkIndex, EmptyListOfRemovedCodesGoesToo) {
+TEST_F(ShrinkIndexTest, EmptyListOfRemovedCodesGoesToo) {
   EXPECT_EQ(Shrunk({{"g-deleted", ""}, {"apple", Entry(1, {1})}}),
             (Records{{"g-avail", ""}, {"apple", Entry(1, {1})}}));
 }
 
-TEST_F(ShrinkIndex, OneMoreLookBehindTheListPurgesNothingLive) {
+TEST_F(ShrinkIndexTest, OneMoreLookBehindTheListPurgesNothingLive) {
   std::string postings;
   for (unsigned code = 1; code < 600; ++code) postings += Entry(code, {});
   const std::string live = postings.substr(4);
   EXPECT_EQ(Shrunk({{"apple", postings}, {"g-deleted", Units({1})}}).at("apple"), live);
 }
 
-TEST_F(ShrinkIndex, NoLiveEntryGoesWithAnEmptyList) {
+TEST_F(ShrinkIndexTest, NoLiveEntryGoesWithAnEmptyList) {
   std::string codes;
   for (unsigned code = 1; code < 65536; ++code) codes += Units({code});
   const Records stored = Shrunk({{"apple", codes}, {"g-deleted", ""}, {"g-opts", kNoPositions}});
   EXPECT_EQ(stored.at("apple"), codes);
 }
 
-TEST_F(ShrinkIndex, RemovedCodesVanishFromQueries) {
+TEST_F(ShrinkIndexTest, RemovedCodesVanishFromQueries) {
   engine_.AddDocumentWords("one", "cat");
   engine_.AddDocumentWords("two", "cat");
   engine_.RemoveDocumentWords("one");
@@ -161,7 +161,7 @@ TEST_F(ShrinkIndex, RemovedCodesVanishFromQueries) {
   EXPECT_EQ(Stored().at("cat"), Entry(2, {1}));
 }
 
-TEST_F(ShrinkIndex, ReclaimsTheSpaceInTheFile) {
+TEST_F(ShrinkIndexTest, ReclaimsTheSpaceInTheFile) {
   for (int i = 0; i < 100; ++i) {
     engine_.DBPutTitle(std::to_string(i).c_str(), std::string(10000, 't').c_str());
   }
@@ -172,7 +172,7 @@ TEST_F(ShrinkIndex, ReclaimsTheSpaceInTheFile) {
   EXPECT_LT(std::filesystem::file_size(path_), before / 2);
 }
 
-TEST_F(ShrinkIndex, WithoutAnIndexIsMinus1) {
+TEST_F(ShrinkIndexTest, WithoutAnIndexIsMinus1) {
   engine_.CloseIndex();
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(engine_.ShrinkIndex(), -1); }),
             "Kestan: Call to database::get without an open database\n"

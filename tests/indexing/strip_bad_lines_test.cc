@@ -17,130 +17,130 @@ std::string Line(char first, std::size_t length, const char* end = "\n") {
 const std::string kUuencoded = Line('M', 61);
 const std::string kEncoded = Line('a', 72);
 
-TEST(StripBadLines, EmptyTextWritesNothing) { EXPECT_EQ(BadLines("").length, 0); }
+TEST(StripBadLinesTest, EmptyTextWritesNothing) { EXPECT_EQ(BadLines("").length, 0); }
 
-TEST(StripBadLines, PlainLinesStayAsTheyAre) {
+TEST(StripBadLinesTest, PlainLinesStayAsTheyAre) {
   const Stripped result = BadLines("one\r\n\ntwo words\nMore");
   EXPECT_EQ(result.length, 20);
   EXPECT_EQ(result.buffer, "one\r\n\ntwo words\nMore");
 }
 
-TEST(StripBadLines, NoTerminatorIsWritten) {
+TEST(StripBadLinesTest, NoTerminatorIsWritten) {
   const Stripped result = BadLines(kUuencoded + "cat\n");
   EXPECT_EQ(result.text, "\ncat\n");
   EXPECT_EQ(result.buffer.at(5), 'x');
 }
 
-TEST(StripBadLines, UuencodedBlockIsBlankedToItsLastLineWithM) {
+TEST(StripBadLinesTest, UuencodedBlockIsBlankedToItsLastLineWithM) {
   EXPECT_EQ(BadLines(kUuencoded + kUuencoded + "Mshort\nM\nend\n").text, "\n\n\n\nend\n");
 }
 
-TEST(StripBadLines, UuencodedBlockEndsAtTheFirstOtherLine) {
+TEST(StripBadLinesTest, UuencodedBlockEndsAtTheFirstOtherLine) {
   EXPECT_EQ(BadLines(kUuencoded + "end\nMother\n").text, "\nend\nMother\n");
   EXPECT_EQ(BadLines(kUuencoded + "\nMother\n").text, "\n\nMother\n");
 }
 
-TEST(StripBadLines, OnlyALineOf61BytesOpensAUuencodedBlock) {
+TEST(StripBadLinesTest, OnlyALineOf61BytesOpensAUuencodedBlock) {
   EXPECT_EQ(BadLines(Line('M', 60)).text, Line('M', 60));
   EXPECT_EQ(BadLines(Line('M', 61)).text, "\n");
   EXPECT_EQ(BadLines(Line('M', 62)).text, Line('M', 62));
 }
 
-TEST(StripBadLines, OnlyALineWithMOpensAUuencodedBlock) {
+TEST(StripBadLinesTest, OnlyALineWithMOpensAUuencodedBlock) {
   EXPECT_EQ(BadLines(Line('N', 61)).text, Line('N', 61));
   EXPECT_EQ(BadLines(Line('m', 61)).text, Line('m', 61));
 }
 
-TEST(StripBadLines, UuencodedLineMayHoldBlanks) {
+TEST(StripBadLinesTest, UuencodedLineMayHoldBlanks) {
   EXPECT_EQ(BadLines("M" + std::string(60, ' ') + "\n").text, "\n");
 }
 
-TEST(StripBadLines, CarriageReturnsAreNotCounted) {
+TEST(StripBadLinesTest, CarriageReturnsAreNotCounted) {
   EXPECT_EQ(BadLines(Line('M', 61, "\r\n")).text, "\n");
   EXPECT_EQ(BadLines(Line('M', 30, "\r") + Line('M', 31)).text, "\n");
   EXPECT_EQ(BadLines(Line('M', 60, "\r\n")).text, Line('M', 60, "\r\n"));
 }
 
-TEST(StripBadLines, CarriageReturnCanBeTheFirstByteOfALine) {
+TEST(StripBadLinesTest, CarriageReturnCanBeTheFirstByteOfALine) {
   EXPECT_EQ(BadLines("\r" + kUuencoded).text, "\r" + kUuencoded);
   EXPECT_EQ(BadLines(kUuencoded + "\rM\n").text, "\n\rM\n");
 }
 
 // Once a line was blanked, what opens a uuencoded block is the byte where the next line will go.
-TEST(StripBadLines, ByteLeftOverFromABlankedLineOpensABlock) {
+TEST(StripBadLinesTest, ByteLeftOverFromABlankedLineOpensABlock) {
   EXPECT_EQ(BadLines("\x80M\n" + Line('X', 61) + "Mother\n").text, "\n\n\n");
 }
 
-TEST(StripBadLines, ByteLeftOverFromABlankedLineHidesABlock) {
+TEST(StripBadLinesTest, ByteLeftOverFromABlankedLineHidesABlock) {
   EXPECT_EQ(BadLines("\x80x\n" + kUuencoded).text, "\n" + kUuencoded);
 }
 
-TEST(StripBadLines, EncodedBlockIsBlankedUntilALineWithWhiteSpace) {
+TEST(StripBadLinesTest, EncodedBlockIsBlankedUntilALineWithWhiteSpace) {
   EXPECT_EQ(BadLines(kEncoded + kEncoded + "abc\nabc=\ntwo words\nabc\n").text,
             "\n\n\n\ntwo words\nabc\n");
 }
 
-TEST(StripBadLines, EncodedBlockEndsAtALineWithADash) {
+TEST(StripBadLinesTest, EncodedBlockEndsAtALineWithADash) {
   EXPECT_EQ(BadLines(kEncoded + "-abc\nabc\n").text, "\n-abc\nabc\n");
 }
 
-TEST(StripBadLines, EncodedBlockGoesOnThroughEmptyLines) {
+TEST(StripBadLinesTest, EncodedBlockGoesOnThroughEmptyLines) {
   EXPECT_EQ(BadLines(kEncoded + "\nabc\n\r\nabc\n").text, "\n\n\n\n\n");
 }
 
-TEST(StripBadLines, OnlyALineOf72BytesOpensAnEncodedBlock) {
+TEST(StripBadLinesTest, OnlyALineOf72BytesOpensAnEncodedBlock) {
   EXPECT_EQ(BadLines(Line('a', 71) + "abc\n").text, Line('a', 71) + "abc\n");
   EXPECT_EQ(BadLines(Line('a', 72) + "abc\n").text, "\n\n");
   EXPECT_EQ(BadLines(Line('a', 73) + "abc\n").text, Line('a', 73) + "abc\n");
 }
 
-TEST(StripBadLines, WhiteSpaceKeepsALineOf72Bytes) {
+TEST(StripBadLinesTest, WhiteSpaceKeepsALineOf72Bytes) {
   for (const char* space : {" ", "\t", "\v", "\f"}) {
     const std::string line = Line('a', 35, space) + Line('a', 36);
     EXPECT_EQ(BadLines(line + "abc\n").text, line + "abc\n");
   }
 }
 
-TEST(StripBadLines, CarriageReturnIsNoWhiteSpace) {
+TEST(StripBadLinesTest, CarriageReturnIsNoWhiteSpace) {
   EXPECT_EQ(BadLines(Line('a', 72, "\r\n") + "abc\r\nabc\n").text, "\n\n\n");
 }
 
-TEST(StripBadLines, DashLineOf72BytesOpensABlockAgain) {
+TEST(StripBadLinesTest, DashLineOf72BytesOpensABlockAgain) {
   EXPECT_EQ(BadLines(kEncoded + Line('-', 72) + "abc\n").text, "\n\n\n");
 }
 
-TEST(StripBadLines, EncodedBlockGoesOnBehindUuencodedLines) {
+TEST(StripBadLinesTest, EncodedBlockGoesOnBehindUuencodedLines) {
   // The blanked first line leaves 'M' where the next line goes, so that the next one opens a block.
   const std::string encoded = "aM" + std::string(70, 'x') + "\n";
   EXPECT_EQ(BadLines(encoded + kUuencoded + "Mmm mmm\nabc\ntwo words\nabc\n").text,
             "\n\n\n\ntwo words\nabc\n");
 }
 
-TEST(StripBadLines, LineWithAHighByteIsBlanked) {
+TEST(StripBadLinesTest, LineWithAHighByteIsBlanked) {
   EXPECT_EQ(BadLines("cat \x80 dog\ncat\n").text, "\ncat\n");
   EXPECT_EQ(BadLines("cat \xff\n\xe4\n").text, "\n\n");
   EXPECT_EQ(BadLines("cat \x7f dog\n").text, "cat \x7f dog\n");
 }
 
-TEST(StripBadLines, HighByteLeavesABlockOpen) {
+TEST(StripBadLinesTest, HighByteLeavesABlockOpen) {
   EXPECT_EQ(BadLines(kUuencoded + "caf\xe9 au lait\nMore\n").text, "\n\n\n");
   EXPECT_EQ(BadLines(kEncoded + "caf\xe9 au lait\nabc\n").text, "\n\n\n");
 }
 
-TEST(StripBadLines, HighByteOpensNoBlock) {
+TEST(StripBadLinesTest, HighByteOpensNoBlock) {
   const std::string uuencoded = "M\xe9" + std::string(59, 'x') + "\n";
   const std::string encoded = "a\xe9" + std::string(70, 'x') + "\n";
   EXPECT_EQ(BadLines(uuencoded + "Mother\n").text, "\nMother\n");
   EXPECT_EQ(BadLines(encoded + "abc\n").text, "\nabc\n");
 }
 
-TEST(StripBadLines, LastLineGainsALineFeedWhenItIsBlanked) {
+TEST(StripBadLinesTest, LastLineGainsALineFeedWhenItIsBlanked) {
   EXPECT_EQ(BadLines("caf\xe9").text, "\n");
   EXPECT_EQ(BadLines("\xe9").buffer, "\n");
   EXPECT_EQ(BadLines("cat\n" + Line('a', 72, "")).text, "cat\n\n");
 }
 
-TEST(StripBadLines, LastLineWithoutLineFeedStaysWithoutOne) {
+TEST(StripBadLinesTest, LastLineWithoutLineFeedStaysWithoutOne) {
   EXPECT_EQ(BadLines("\xe9\ncat").text, "\ncat");
 }
 

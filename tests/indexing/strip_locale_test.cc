@@ -13,7 +13,7 @@ namespace {
 
 // A host may set a locale; the tests set one of 8 bits, which they build where the machine has the
 // sources of locales.
-class StripLocale : public testing::Test {
+class StripLocaleTest : public testing::Test {
  protected:
   void SetUp() override {
     const std::string name = "en_US.ISO-8859-1";
@@ -43,13 +43,13 @@ class StripLocale : public testing::Test {
   TempDir folder_;
 };
 
-TEST_F(StripLocale, ItsLettersAreLetters) {
+TEST_F(StripLocaleTest, ItsLettersAreLetters) {
   EXPECT_EQ(NonWords("na\xefve.caf\xe9"), "na\xefve caf\xe9 ");
   EXPECT_EQ(Words("\xe9t\xe9 o\xf9 cat", "the"), "\xe9t\xe9  cat");
   EXPECT_EQ(Words("\xe9t\xe9 cat", "\xe9t\xe9"), " cat");
 }
 
-TEST_F(StripLocale, ItsLettersMatchStopWordsInBothCases) {
+TEST_F(StripLocaleTest, ItsLettersMatchStopWordsInBothCases) {
   if (strcasecmp("\xc4", "\xe4") != 0) {
     GTEST_SKIP() << "strcasecmp does not follow the locale here; the address sanitizer's does not";
   }
@@ -58,15 +58,15 @@ TEST_F(StripLocale, ItsLettersMatchStopWordsInBothCases) {
   EXPECT_EQ(Words("\xf6hn cat", "\xe4hn"), "\xf6hn cat");
 }
 
-TEST_F(StripLocale, ItsOtherBytesSeparate) { EXPECT_EQ(NonWords("a\xd7z"), "a z "); }
+TEST_F(StripLocaleTest, ItsOtherBytesSeparate) { EXPECT_EQ(NonWords("a\xd7z"), "a z "); }
 
 // As a signed char it is -1, which the classification takes for the end of a file.
-TEST_F(StripLocale, Byte255IsNoLetter) {
+TEST_F(StripLocaleTest, Byte255IsNoLetter) {
   EXPECT_EQ(NonWords("a\xffz"), "a z ");
   EXPECT_EQ(Words("abc\xffthe", "the"), "abc\xff");
 }
 
-TEST_F(StripLocale, HighBytesStillMakeABadLine) {
+TEST_F(StripLocaleTest, HighBytesStillMakeABadLine) {
   EXPECT_EQ(StripInPlace("caf\xe9\ncat\n", 0, Kestan::StripBadLines).text, "\ncat\n");
 }
 

@@ -9,78 +9,78 @@ namespace {
 // The function is promised room for one byte more than the text has.
 Stripped NonWords(std::string_view text) { return StripInPlace(text, 1, Kestan::StripNonWords); }
 
-TEST(StripNonWords, EmptyTextWritesNothing) {
+TEST(StripNonWordsTest, EmptyTextWritesNothing) {
   const Stripped result = NonWords("");
   EXPECT_EQ(result.length, 0);
   EXPECT_EQ(result.buffer, "#");
 }
 
-TEST(StripNonWords, ShortenedTextLosesItsLastBlankToATerminator) {
+TEST(StripNonWordsTest, ShortenedTextLosesItsLastBlankToATerminator) {
   const Stripped result = NonWords("abc...x");
   EXPECT_EQ(result.length, 5);
   EXPECT_EQ(result.text, "abc x");
   EXPECT_EQ(result.buffer, std::string("abc x\0x#", 8));
 }
 
-TEST(StripNonWords, TextOfTheSameLengthKeepsItsLastBlankAndGetsNoTerminator) {
+TEST(StripNonWordsTest, TextOfTheSameLengthKeepsItsLastBlankAndGetsNoTerminator) {
   const Stripped result = NonWords("abc.");
   EXPECT_EQ(result.length, 4);
   EXPECT_EQ(result.buffer, "abc #");
 }
 
-TEST(StripNonWords, BlankAfterALastLetterLiesBehindTheText) {
+TEST(StripNonWordsTest, BlankAfterALastLetterLiesBehindTheText) {
   const Stripped result = NonWords("abc");
   EXPECT_EQ(result.length, 4);
   EXPECT_EQ(result.buffer, "abc ");
 }
 
-TEST(StripNonWords, InputThatEndsAmongSeparatorsStillGetsABlank) {
+TEST(StripNonWordsTest, InputThatEndsAmongSeparatorsStillGetsABlank) {
   EXPECT_EQ(NonWords("abc..").buffer, "abc  #");
   EXPECT_EQ(NonWords("abc...").buffer, std::string("abc \0.#", 7));
 }
 
-TEST(StripNonWords, TextWithoutLettersLeavesOneBlankAtMost) {
+TEST(StripNonWordsTest, TextWithoutLettersLeavesOneBlankAtMost) {
   EXPECT_EQ(NonWords(".").buffer, " #");
   const Stripped result = NonWords("..");
   EXPECT_EQ(result.length, 0);
   EXPECT_EQ(result.buffer, std::string("\0.#", 3));
 }
 
-TEST(StripNonWords, LineFeedAfterASeparatorReplacesTheBlank) {
+TEST(StripNonWordsTest, LineFeedAfterASeparatorReplacesTheBlank) {
   const Stripped result = NonWords("abc.\ndef");
   EXPECT_EQ(result.length, 8);
   EXPECT_EQ(result.text, "abc\ndef ");
 }
 
-TEST(StripNonWords, LineFeedRightAfterAWordIsLost) {
+TEST(StripNonWordsTest, LineFeedRightAfterAWordIsLost) {
   const Stripped result = NonWords("abc\ndef");
   EXPECT_EQ(result.length, 8);
   EXPECT_EQ(result.text, "abc def ");
 }
 
-TEST(StripNonWords, LeadingLineFeedsStay) {
+TEST(StripNonWordsTest, LeadingLineFeedsStay) {
   EXPECT_EQ(NonWords("\n\nabc").text, "\n\nabc ");
   EXPECT_EQ(NonWords("\n").text, "\n ");
   EXPECT_EQ(NonWords(" \n \nabc").text, "\n\nabc");
 }
 
-TEST(StripNonWords, BlankLinesAfterSeparatorsStay) {
+TEST(StripNonWordsTest, BlankLinesAfterSeparatorsStay) {
   EXPECT_EQ(NonWords("abc.\n\ndef").text, "abc\n\ndef ");
   EXPECT_EQ(NonWords("abc.\n.\ndef").text, "abc\n\ndef");
   EXPECT_EQ(NonWords("abc\n\ndef").text, "abc\ndef ");
 }
 
-TEST(StripNonWords, LastLineFeedStaysBeforeTheLastBlank) {
+TEST(StripNonWordsTest, LastLineFeedStaysBeforeTheLastBlank) {
   EXPECT_EQ(NonWords("abc.\n").buffer, "abc\n #");
   EXPECT_EQ(NonWords("abc..\n").text, "abc\n");
 }
 
-TEST(StripNonWords, ApostropheBetweenLettersStays) {
+TEST(StripNonWordsTest, ApostropheBetweenLettersStays) {
   EXPECT_EQ(NonWords("rock'n'roll").text, "rock'n'roll ");
   EXPECT_EQ(NonWords("don't").text, "don't ");
 }
 
-TEST(StripNonWords, ApostropheAtTheEndOfAWordGoes) {
+TEST(StripNonWordsTest, ApostropheAtTheEndOfAWordGoes) {
   const Stripped result = NonWords("rock' roll");
   EXPECT_EQ(result.length, 10);
   EXPECT_EQ(result.text, "rock roll ");
@@ -88,28 +88,28 @@ TEST(StripNonWords, ApostropheAtTheEndOfAWordGoes) {
   EXPECT_EQ(NonWords("a''b").text, "a b ");
 }
 
-TEST(StripNonWords, ApostropheEndsAWordSoThatALineFeedBehindItStays) {
+TEST(StripNonWordsTest, ApostropheEndsAWordSoThatALineFeedBehindItStays) {
   EXPECT_EQ(NonWords("abc'\ndef").text, "abc\ndef ");
 }
 
-TEST(StripNonWords, ApostropheBeforeAWordGoes) {
+TEST(StripNonWordsTest, ApostropheBeforeAWordGoes) {
   EXPECT_EQ(NonWords("'tis").text, "tis ");
   EXPECT_EQ(NonWords("it 'tis").text, "it tis ");
 }
 
-TEST(StripNonWords, LetterBehindTheLengthDoesNotKeepAnApostrophe) {
+TEST(StripNonWordsTest, LetterBehindTheLengthDoesNotKeepAnApostrophe) {
   const auto strip_five = [](char* text, unsigned) { return Kestan::StripNonWords(text, 5); };
   const Stripped result = StripInPlace("rock'n", 0, strip_five);
   EXPECT_EQ(result.length, 5);
   EXPECT_EQ(result.buffer, "rock n");
 }
 
-TEST(StripNonWords, DigitsSeparateAndCaseStays) {
+TEST(StripNonWordsTest, DigitsSeparateAndCaseStays) {
   EXPECT_EQ(NonWords("Ab1cD").text, "Ab cD ");
   EXPECT_EQ(NonWords("A42b").text, "A b ");
 }
 
-TEST(StripNonWords, OnlyTheLettersOfTheDefaultLocaleStay) {
+TEST(StripNonWordsTest, OnlyTheLettersOfTheDefaultLocaleStay) {
   for (int byte = 0; byte < 256; ++byte) {
     const char one = static_cast<char>(byte);
     const bool letter = (one >= 'A' && one <= 'Z') || (one >= 'a' && one <= 'z');
@@ -118,7 +118,7 @@ TEST(StripNonWords, OnlyTheLettersOfTheDefaultLocaleStay) {
   }
 }
 
-TEST(StripNonWords, BytesAboveTheLettersSeparateWords) {
+TEST(StripNonWordsTest, BytesAboveTheLettersSeparateWords) {
   EXPECT_EQ(NonWords("na\xc3\xafve").text, "na ve ");
   EXPECT_EQ(NonWords(std::string_view("a\0b", 3)).text, "a b ");
 }

@@ -17,105 +17,105 @@ Stripped Words(std::string_view text, const char* stop_text,
 
 std::string Letters(std::size_t count) { return std::string(count, 'x'); }
 
-TEST(StripWords, EmptyTextWritesNothing) {
+TEST(StripWordsTest, EmptyTextWritesNothing) {
   EXPECT_EQ(Words("", "the").length, 0);
   EXPECT_EQ(Words("", "").length, 0);
 }
 
-TEST(StripWords, DropsStopWordsAndShortWordsAndKeepsTheSeparators) {
+TEST(StripWordsTest, DropsStopWordsAndShortWordsAndKeepsTheSeparators) {
   const Stripped result = Words("The cat and a dog", "the,and");
   EXPECT_EQ(result.length, 10);
   EXPECT_EQ(result.text, " cat   dog");
   EXPECT_EQ(result.buffer, std::string(" cat   dog\0 a dog", 17));
 }
 
-TEST(StripWords, TextThatStaysAsItIsGetsNoTerminator) {
+TEST(StripWordsTest, TextThatStaysAsItIsGetsNoTerminator) {
   const Stripped result = Words("cat dog", "the");
   EXPECT_EQ(result.length, 7);
   EXPECT_EQ(result.buffer, "cat dog");
 }
 
-TEST(StripWords, LookupIgnoresCaseOnBothSides) {
+TEST(StripWordsTest, LookupIgnoresCaseOnBothSides) {
   EXPECT_EQ(Words("THE The the cat", "tHe").text, "   cat");
   EXPECT_EQ(Words("Dog dOG cat", "the", {"DOG"}).text, "  cat");
 }
 
-TEST(StripWords, WordsOfTwoLettersGoAndOfThreeStay) {
+TEST(StripWordsTest, WordsOfTwoLettersGoAndOfThreeStay) {
   EXPECT_EQ(Words("a ab abc", "the").text, "  abc");
   EXPECT_EQ(Words("I'm a'b'c", "the").text, " abc");
 }
 
-TEST(StripWords, AnyNonLetterSeparatesStopWords) {
+TEST(StripWordsTest, AnyNonLetterSeparatesStopWords) {
   const char* const stop_text = "one,two three\nfour5six'ten;end";
   EXPECT_EQ(Words("one two three four six ten end cat", stop_text).text, "       cat");
   EXPECT_EQ(Words("sixten fourfive", stop_text).text, "sixten fourfive");
 }
 
-TEST(StripWords, StopTextMayBeginAndEndWithSeparators) {
+TEST(StripWordsTest, StopTextMayBeginAndEndWithSeparators) {
   EXPECT_EQ(Words("the cat and", " ,the. and ").text, " cat ");
 }
 
-TEST(StripWords, StopTextWithoutAnyWordStillDropsShortWordsAndTheList) {
+TEST(StripWordsTest, StopTextWithoutAnyWordStillDropsShortWordsAndTheList) {
   EXPECT_EQ(Words("a dog cat", " ", {"dog"}).text, "  cat");
 }
 
-TEST(StripWords, EmptyStopTextDropsNothing) {
+TEST(StripWordsTest, EmptyStopTextDropsNothing) {
   const Stripped result = Words("a The don't dog", "", {"the", "dog", "a"});
   EXPECT_EQ(result.length, 14);
   EXPECT_EQ(result.text, "a The dont dog");
   EXPECT_EQ(result.buffer, std::string("a The dont dog\0", 15));
 }
 
-TEST(StripWords, ListEntriesAreTakenAsTheyAre) {
+TEST(StripWordsTest, ListEntriesAreTakenAsTheyAre) {
   EXPECT_EQ(Words("cat dog cow", "the", {"cat", "cow"}).text, " dog ");
   EXPECT_EQ(Words("cat dog", "the", {"cat dog", "cat,"}).text, "cat dog");
 }
 
-TEST(StripWords, ListEntryWithAnApostropheMatchesNoWord) {
+TEST(StripWordsTest, ListEntryWithAnApostropheMatchesNoWord) {
   EXPECT_EQ(Words("don't", "the", {"don't"}).text, "dont");
   EXPECT_EQ(Words("don't", "the", {"dont"}).text, "");
 }
 
-TEST(StripWords, ListEndsAtItsFirstNull) {
+TEST(StripWordsTest, ListEndsAtItsFirstNull) {
   EXPECT_EQ(Words("cat dog", "the", {"cat", nullptr, "dog"}).text, " dog");
 }
 
-TEST(StripWords, WordsAreCutAfter64Letters) {
+TEST(StripWordsTest, WordsAreCutAfter64Letters) {
   EXPECT_EQ(Words(Letters(64), "").text, Letters(64));
   EXPECT_EQ(Words(Letters(65), "").text, Letters(64));
   EXPECT_EQ(Words(Letters(70) + " cat", "the").text, Letters(64) + " cat");
 }
 
-TEST(StripWords, WordOf64LettersEndsBeforeAnApostrophe) {
+TEST(StripWordsTest, WordOf64LettersEndsBeforeAnApostrophe) {
   EXPECT_EQ(Words(Letters(64) + "'abc", "").text, Letters(64) + "'abc");
   EXPECT_EQ(Words(Letters(63) + "'abc", "").text, Letters(63) + "a");
   EXPECT_EQ(Words(Letters(63) + "'", "").text, Letters(63));
 }
 
-TEST(StripWords, CutWordIsLookedUpAsItWasCut) {
+TEST(StripWordsTest, CutWordIsLookedUpAsItWasCut) {
   EXPECT_EQ(Words(Letters(70) + ".", Letters(64).c_str()).text, ".");
   EXPECT_EQ(Words(Letters(70) + ".", Letters(70).c_str()).text, Letters(64) + ".");
 }
 
-TEST(StripWords, SeparatorsBetweenWordsStayWithTheirApostrophes) {
+TEST(StripWordsTest, SeparatorsBetweenWordsStayWithTheirApostrophes) {
   EXPECT_EQ(Words("the 'cat' sat", "the").text, " 'cat sat");
   EXPECT_EQ(Words("cat, '12' dog\n", "the").text, "cat, '12' dog\n");
 }
 
-TEST(StripWords, ApostrophesAtTheStartOfTheTextGo) {
+TEST(StripWordsTest, ApostrophesAtTheStartOfTheTextGo) {
   EXPECT_EQ(Words("''' cat", "").text, " cat");
   EXPECT_EQ(Words("'cat", "the").text, "cat");
 }
 
-TEST(StripWords, LeadingSeparatorsStay) { EXPECT_EQ(Words(".\ncat", "the").text, ".\ncat"); }
+TEST(StripWordsTest, LeadingSeparatorsStay) { EXPECT_EQ(Words(".\ncat", "the").text, ".\ncat"); }
 
-TEST(StripWords, DroppedOnlyWordLeavesATerminator) {
+TEST(StripWordsTest, DroppedOnlyWordLeavesATerminator) {
   const Stripped result = Words("the", "the");
   EXPECT_EQ(result.length, 0);
   EXPECT_EQ(result.buffer, std::string("\0he", 3));
 }
 
-TEST(StripWords, BytesAboveTheLettersSeparateAndStay) {
+TEST(StripWordsTest, BytesAboveTheLettersSeparateAndStay) {
   EXPECT_EQ(Words("na\xc3\xafve cat", "the").text, "\xc3\xaf cat");
   EXPECT_EQ(Words("abc\xff"
                   "abc",
@@ -126,7 +126,7 @@ TEST(StripWords, BytesAboveTheLettersSeparateAndStay) {
   EXPECT_EQ(Words(std::string_view("cat\0the\0dog", 11), "the").text, std::string("cat\0\0dog", 8));
 }
 
-TEST(StripWords, BytesBehindTheLengthAreLeftAlone) {
+TEST(StripWordsTest, BytesBehindTheLengthAreLeftAlone) {
   const char* const no_list[] = {nullptr};
   char text[] = "cat dogs";
   EXPECT_EQ(Kestan::StripWords(text, 7, "the", no_list), 7);

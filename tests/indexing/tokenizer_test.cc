@@ -40,13 +40,13 @@ WordMap Words(const std::string& text) {
   return words;
 }
 
-RC_GTEST_PROP(Tokenizer, AreThoseOfAPlainMap, ()) {
+RC_GTEST_PROP(TokenizerTest, AreThoseOfAPlainMap, ()) {
   const auto text = *rc::gen::container<std::string>(
       rc::gen::element('a', 'b', 'A', 'B', '@', '\x80', ' ', ' ', '\n', '\t', '\v', '\f', '\r'));
   RC_ASSERT(Words(text) == PlainWords(text));
 }
 
-TEST(Tokenizer, OfALongTextAreThoseOfAPlainMap) {
+TEST(TokenizerTest, OfALongTextAreThoseOfAPlainMap) {
   std::string text;
   for (unsigned i = 0; i < 200000; ++i) {
     text += (i % 3 == 0 ? "Word" : "word") + std::to_string(i * 7919 % 5003) + " ";
@@ -54,13 +54,13 @@ TEST(Tokenizer, OfALongTextAreThoseOfAPlainMap) {
   EXPECT_EQ(Words(text), PlainWords(text));
 }
 
-TEST(Tokenizer, OfOneHashAreToldApart) {
+TEST(TokenizerTest, OfOneHashAreToldApart) {
   const auto [one, two] = kestan_tests::PairOfOneHash(kestan::Hasher(), "");
   const std::string text = one + " " + two + " " + one;
   EXPECT_EQ(Words(text), PlainWords(text));
 }
 
-TEST(Tokenizer, OfAnEmptyTextAreNone) {
+TEST(TokenizerTest, OfAnEmptyTextAreNone) {
   EXPECT_TRUE(Words("").empty());
   EXPECT_TRUE(Words(" \n\t").empty());
 }

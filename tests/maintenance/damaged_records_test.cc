@@ -66,25 +66,25 @@ void DamageValue(const std::string& key) {
   }
 }
 
-TEST(DamagedRecords, WereSoundBefore) {
+TEST(DamagedRecordsTest, WereSoundBefore) {
   EXPECT_EQ(LinesOf(EveryKind()), Lines({"q-x: note: no record of the engine has such a key"}));
 }
 
-TEST(DamagedRecords, PostingRecords) { DamageValue("cat"); }
-TEST(DamagedRecords, PostingRecordsOfOneByteWords) { DamageValue("x"); }
-TEST(DamagedRecords, DocumentRecords) { DamageValue("d-a"); }
-TEST(DamagedRecords, DocumentRecordsOfTheEmptyName) { DamageValue("d-"); }
-TEST(DamagedRecords, NameRecords) { DamageValue("c-\1\0"s); }
-TEST(DamagedRecords, Titles) { DamageValue("t-a"); }
-TEST(DamagedRecords, UserRecordsOfTheEmptyName) { DamageValue("u-"); }
-TEST(DamagedRecords, WordLists) { DamageValue("w-list"); }
-TEST(DamagedRecords, UnknownRecords) { DamageValue("q-x"); }
-TEST(DamagedRecords, ReusableCodes) { DamageValue("g-avail"); }
-TEST(DamagedRecords, RemovedCodes) { DamageValue("g-deleted"); }
-TEST(DamagedRecords, Counters) { DamageValue("g-code"); }
-TEST(DamagedRecords, OptionFlags) { DamageValue("g-opts"); }
+TEST(DamagedRecordsTest, PostingRecords) { DamageValue("cat"); }
+TEST(DamagedRecordsTest, PostingRecordsOfOneByteWords) { DamageValue("x"); }
+TEST(DamagedRecordsTest, DocumentRecords) { DamageValue("d-a"); }
+TEST(DamagedRecordsTest, DocumentRecordsOfTheEmptyName) { DamageValue("d-"); }
+TEST(DamagedRecordsTest, NameRecords) { DamageValue("c-\1\0"s); }
+TEST(DamagedRecordsTest, Titles) { DamageValue("t-a"); }
+TEST(DamagedRecordsTest, UserRecordsOfTheEmptyName) { DamageValue("u-"); }
+TEST(DamagedRecordsTest, WordLists) { DamageValue("w-list"); }
+TEST(DamagedRecordsTest, UnknownRecords) { DamageValue("q-x"); }
+TEST(DamagedRecordsTest, ReusableCodes) { DamageValue("g-avail"); }
+TEST(DamagedRecordsTest, RemovedCodes) { DamageValue("g-deleted"); }
+TEST(DamagedRecordsTest, Counters) { DamageValue("g-code"); }
+TEST(DamagedRecordsTest, OptionFlags) { DamageValue("g-opts"); }
 
-TEST(DamagedRecords, Keys) {
+TEST(DamagedRecordsTest, Keys) {
   for (const auto& [key, value] : EveryKind()) {
     for (const std::string& form : kestan_hostile::DamagedForms(key)) {
       Records records = EveryKind();

@@ -58,12 +58,12 @@ rc::Gen<Records> DamagedRecords() {
        {1, gen::apply(record, gen::just<std::string>("w-a"), lists)}});
 }
 
-RC_GTEST_PROP(DamagedRecords, AreReadAsTheModelReadsThem, ()) {
+RC_GTEST_PROP(DamagedRecordsTest, AreReadAsTheModelReadsThem, ()) {
   Run(*Scripts(gen::weightedOneOf<Operation>(
       {{1, PlantOperation(DamagedRecords())}, {3, AllOperations(kVocabulary)}})));
 }
 
-RC_GTEST_PROP(DamagedRecords, AreQueriedAsTheModelQueriesThem, ()) {
+RC_GTEST_PROP(DamagedRecordsTest, AreQueriedAsTheModelQueriesThem, ()) {
   Run(*Scripts(gen::weightedOneOf<Operation>(
       {{2, PlantOperation(DamagedRecords())}, {3, QueryOperations(kVocabulary)}})));
 }

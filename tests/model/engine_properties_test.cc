@@ -32,18 +32,20 @@ Vocabulary LongVocabulary() {
           {std::string(2000, 'n'), std::string(4095, 'n'), std::string(9000, 'N'), "b"}};
 }
 
-RC_GTEST_PROP(Engine, DoesWhatTheModelDoes, ()) { Run(*Scripts(AllOperations(PlainVocabulary()))); }
+RC_GTEST_PROP(EnginePropertiesTest, DoesWhatTheModelDoes, ()) {
+  Run(*Scripts(AllOperations(PlainVocabulary())));
+}
 
-RC_GTEST_PROP(Engine, DoesWhatTheModelDoesWithWordsThatLookLikeSystemKeys, ()) {
+RC_GTEST_PROP(EnginePropertiesTest, DoesWhatTheModelDoesWithWordsThatLookLikeSystemKeys, ()) {
   Run(*Scripts(AllOperations(TrapVocabulary())));
 }
 
-RC_GTEST_PROP(Engine, DoesWhatTheModelDoesWithLongWordsAndNames, ()) {
+RC_GTEST_PROP(EnginePropertiesTest, DoesWhatTheModelDoesWithLongWordsAndNames, ()) {
   Run(*Scripts(AllOperations(LongVocabulary())));
 }
 
 // One line just fits the buffer as it is after its first growth, or just does not.
-RC_GTEST_PROP(Engine, GrowsTheBufferAsTheModelDoes, ()) {
+RC_GTEST_PROP(EnginePropertiesTest, GrowsTheBufferAsTheModelDoes, ()) {
   const auto length = *rc::gen::element<std::size_t>(4075, 4076, 4077, 4093, 4094, 4095, 4096);
   const Vocabulary vocabulary{{std::string(length, 'w')}, {std::string(length, 'n')}};
   Run(*Scripts(rc::gen::weightedOneOf<Operation>({{2, DocumentOperations(vocabulary)},
@@ -51,18 +53,18 @@ RC_GTEST_PROP(Engine, GrowsTheBufferAsTheModelDoes, ()) {
                                                   {3, SideRecordOperations(vocabulary)}})));
 }
 
-RC_GTEST_PROP(Engine, ReusesCodesAsTheModelDoes, ()) {
+RC_GTEST_PROP(EnginePropertiesTest, ReusesCodesAsTheModelDoes, ()) {
   Run(*Scripts(DocumentOperations(PlainVocabulary())));
 }
 
-RC_GTEST_PROP(Engine, AnswersNestedQueriesAsTheModelDoes, ()) {
+RC_GTEST_PROP(EnginePropertiesTest, AnswersNestedQueriesAsTheModelDoes, ()) {
   const Vocabulary vocabulary{{"cat", "dog", "a"}, {"1", "2", "3", "4", "5"}};
   Run(*Scripts(rc::gen::weightedOneOf<Operation>(
       {{1, DocumentOperations(vocabulary)}, {3, QueryOperations(vocabulary)}})));
 }
 
 // About as many records as are copied before the first flush, and changes that wait for one.
-RC_GTEST_PROP(Engine, CopiesLargeIndexesAsTheModelDoes, ()) {
+RC_GTEST_PROP(EnginePropertiesTest, CopiesLargeIndexesAsTheModelDoes, ()) {
   Script script;
   script.steps.push_back(*FillOperation(rc::gen::inRange(985, 1003)));
   for (int i = 0; i < 3; ++i) script.steps.push_back(*DocumentOperations(PlainVocabulary()));
@@ -71,7 +73,7 @@ RC_GTEST_PROP(Engine, CopiesLargeIndexesAsTheModelDoes, ()) {
 }
 
 // The counter stands just before the last code.
-RC_GTEST_PROP(Engine, FillsUpAsTheModelDoes, ()) {
+RC_GTEST_PROP(EnginePropertiesTest, FillsUpAsTheModelDoes, ()) {
   const auto counters = rc::gen::map(rc::gen::inRange(65533u, 65536u), [](unsigned code) {
     return Records{{"g-code", kestan_tests::Units({code})}};
   });

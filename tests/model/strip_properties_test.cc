@@ -88,19 +88,19 @@ rc::Gen<std::vector<std::string>> ManyOf(const rc::Gen<std::string>& texts) {
   return gen::container<std::vector<std::string>>(texts);
 }
 
-RC_GTEST_PROP(StripNonWords, DoesWhatTheModelDoes, ()) {
+RC_GTEST_PROP(StripNonWordsTest, DoesWhatTheModelDoes, ()) {
   for (const std::string& text : *ManyOf(Texts())) {
     Check(text, 1, StripNonWords(text), Kestan::StripNonWords);
   }
 }
 
-RC_GTEST_PROP(StripBadLines, DoesWhatTheModelDoes, ()) {
+RC_GTEST_PROP(StripBadLinesTest, DoesWhatTheModelDoes, ()) {
   for (const std::string& text : *ManyOf(gen::oneOf(AnyBytes(), Lines()))) {
     Check(text, 0, StripBadLines(text), Kestan::StripBadLines);
   }
 }
 
-RC_GTEST_PROP(StripWords, DoesWhatTheModelDoes, ()) {
+RC_GTEST_PROP(StripWordsTest, DoesWhatTheModelDoes, ()) {
   const std::string stop_text = *gen::element<std::string>("", " ", "the", "THE,xyz", "7cat dont ");
   const auto stop_list = *gen::container<std::vector<std::string>>(
       gen::element<std::string>("the", "Dont", "don't", "", "Cat", "wwwwwwwwww", "oneill"));
@@ -115,7 +115,7 @@ RC_GTEST_PROP(StripWords, DoesWhatTheModelDoes, ()) {
   }
 }
 
-RC_GTEST_PROP(Stripping, InAChainDoesWhatTheModelDoes, ()) {
+RC_GTEST_PROP(StripPropertiesTest, InAChainDoesWhatTheModelDoes, ()) {
   const std::string text = *Texts();
   const std::string lines = StripBadLines(text).text;
   const std::string words = StripNonWords(lines).text;

@@ -43,7 +43,7 @@ Operation StoreAndRead(int number, const std::string& list) {
   return {"DBPutWords, DBGetWords " + Shown(name) + " " + Shown(list), run};
 }
 
-RC_GTEST_PROP(WordList, IsStoredAndReadAsTheModelDoes, ()) {
+RC_GTEST_PROP(WordListTest, IsStoredAndReadAsTheModelDoes, ()) {
   Run(*Scripts(gen::apply(StoreAndRead, gen::inRange(0, 200), gen::oneOf(Lists(), LongLists()))));
 }
 

@@ -15,7 +15,7 @@ bool IsProcessorFusing() {
 #endif
 }
 
-class FusedArithmetic : public IndexTest {
+class FusedArithmeticTest : public IndexTest {
  protected:
   void SetUp() override {
     if (!IsProcessorFusing()) GTEST_SKIP() << "the processor cannot run it";
@@ -31,7 +31,7 @@ class FusedArithmetic : public IndexTest {
 };
 
 // The product is a little less than a half. It becomes that in the sum, when it was rounded itself.
-TEST_F(FusedArithmetic, RoundsTheShareBeforeItAddsAHalf) {
+TEST_F(FusedArithmeticTest, RoundsTheShareBeforeItAddsAHalf) {
   EXPECT_LT(std::fma(11, 0.045454545454545449, 0.5), 1.0);
   EXPECT_EQ(WordsOfShare(11, 0.045454545454545449), "one\n");
   EXPECT_LT(std::fma(45, 0.01111111111111111, 0.5), 1.0);

@@ -26,7 +26,7 @@ void LookAtTheEnd() {
 // What is registered before any other object is made runs after all of them are destroyed.
 __attribute__((constructor(101))) void RegisterTheLook() { std::atexit(LookAtTheEnd); }
 
-class Registry : public QueryTest {
+class RegistryTest : public QueryTest {
  protected:
   void SetUp() override {
     QueryTest::SetUp();
@@ -34,7 +34,7 @@ class Registry : public QueryTest {
   }
 };
 
-TEST_F(Registry, IdsStartAt1AndGrowByOne) {
+TEST_F(RegistryTest, IdsStartAt1AndGrowByOne) {
   EXPECT_EQ(Word("cat"), 1);
   EXPECT_EQ(Word("cat"), 2);
   EXPECT_EQ(And(1, 2, 0), 3);
@@ -42,28 +42,28 @@ TEST_F(Registry, IdsStartAt1AndGrowByOne) {
   EXPECT_EQ(Not(1), 5);
 }
 
-TEST_F(Registry, FreedIdIsNotUsedAgain) {
+TEST_F(RegistryTest, FreedIdIsNotUsedAgain) {
   EXPECT_EQ(Word("cat"), 1);
   engine_.FreeQueryResult(1);
   EXPECT_EQ(Word("cat"), 2);
   EXPECT_EQ(kestan::Results().Find(1), nullptr);
 }
 
-TEST_F(Registry, FailuresTakeNoId) {
+TEST_F(RegistryTest, FailuresTakeNoId) {
   EXPECT_EQ(Word("dog"), -1);
   EXPECT_EQ(And(1, 2, 0), -1);
   EXPECT_EQ(Or(1, 2), -1);
   EXPECT_EQ(Word("cat"), 1);
 }
 
-TEST_F(Registry, EmptySetTakesAnId) {
+TEST_F(RegistryTest, EmptySetTakesAnId) {
   EXPECT_EQ(Not(Word("cat")), 2);
   EXPECT_EQ(HitsOf(2), Hits{});
   EXPECT_EQ(And(1, 2, 0), 3);
   EXPECT_EQ(HitsOf(3), Hits{});
 }
 
-TEST_F(Registry, SecondFreeDoesNothing) {
+TEST_F(RegistryTest, SecondFreeDoesNothing) {
   Word("cat");
   Word("cat");
   engine_.FreeQueryResult(1);
@@ -71,7 +71,7 @@ TEST_F(Registry, SecondFreeDoesNothing) {
   EXPECT_EQ(HitsOf(2), (Hits{{1, 1, {1}}}));
 }
 
-TEST_F(Registry, UnknownIdsAreFreedSilently) {
+TEST_F(RegistryTest, UnknownIdsAreFreedSilently) {
   Word("cat");
   const auto free_unknown = [&] {
     for (int id : {-1, 0, 2, 1000, INT_MAX, INT_MIN}) engine_.FreeQueryResult(id);
@@ -80,7 +80,7 @@ TEST_F(Registry, UnknownIdsAreFreedSilently) {
   EXPECT_EQ(HitsOf(1), (Hits{{1, 1, {1}}}));
 }
 
-TEST_F(Registry, OperandsStayAsTheyAre) {
+TEST_F(RegistryTest, OperandsStayAsTheyAre) {
   PlantAndReopen({{"dog", Entry(1, {2}) + Entry(3, {9})}});
   const int cat = Word("cat"), dog = Word("dog");
   const Hits cat_before = HitsOf(cat), dog_before = HitsOf(dog);
@@ -92,14 +92,14 @@ TEST_F(Registry, OperandsStayAsTheyAre) {
   EXPECT_EQ(HitsOf(dog), dog_before);
 }
 
-TEST_F(Registry, ResultOutlivesItsOperands) {
+TEST_F(RegistryTest, ResultOutlivesItsOperands) {
   Word("cat");
   And(1, 1, 0);
   engine_.FreeQueryResult(1);
   EXPECT_EQ(Listing(2), "100 one\n");
 }
 
-TEST_F(Registry, SetsOutliveTheOpenIndex) {
+TEST_F(RegistryTest, SetsOutliveTheOpenIndex) {
   Word("cat");
   engine_.CloseIndex();
   EXPECT_EQ(And(1, 1, 0), 2);
@@ -108,7 +108,7 @@ TEST_F(Registry, SetsOutliveTheOpenIndex) {
 }
 
 // The second engine is never destroyed: two destructors would release one scratch buffer twice.
-TEST_F(Registry, EnginesShareIdsAndSets) {
+TEST_F(RegistryTest, EnginesShareIdsAndSets) {
   static Kestan* const second = new Kestan;
   const std::string other_path = folder_ / "other";
   Plant(other_path, {{"dog", Entry(1, {2})}});
@@ -123,7 +123,7 @@ TEST_F(Registry, EnginesShareIdsAndSets) {
   second->CloseIndex();
 }
 
-TEST_F(Registry, SetsOutliveTheEngineThatMadeThem) {
+TEST_F(RegistryTest, SetsOutliveTheEngineThatMadeThem) {
   const std::string other_path = folder_ / "other";
   Plant(other_path, {{"dog", Entry(1, {2})}});
   auto other = std::make_unique<Kestan>();
@@ -138,7 +138,7 @@ TEST_F(Registry, SetsOutliveTheEngineThatMadeThem) {
 }
 
 // A word with so many positions that its sets tell by their size whether they are there.
-class RegistryMemory : public QueryTest {
+class RegistryMemoryTest : public QueryTest {
  protected:
   void SetUp() override {
     QueryTest::SetUp();
@@ -149,7 +149,7 @@ class RegistryMemory : public QueryTest {
   }
 };
 
-TEST_F(RegistryMemory, AFreedSetLeavesNothing) {
+TEST_F(RegistryMemoryTest, AFreedSetLeavesNothing) {
   const std::size_t before = HeapBytes();
   const int word = engine_.QueryWord("cat");
   const int both = engine_.QueryOr(word, word);
@@ -160,7 +160,7 @@ TEST_F(RegistryMemory, AFreedSetLeavesNothing) {
 }
 
 // A host that is ending need not wait until every set is taken apart.
-TEST_F(RegistryMemory, SetsThatNobodyFreedStayWhenTheProcessEnds) {
+TEST_F(RegistryMemoryTest, SetsThatNobodyFreedStayWhenTheProcessEnds) {
   const auto end_with_sets = [&] {
     const std::size_t before = HeapBytes();
     for (int i = 0; i < 4; ++i) engine_.QueryWord("cat");

@@ -8,7 +8,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-class FlushPolicy : public IndexTest {
+class FlushPolicyTest : public IndexTest {
  protected:
   // Opens an index of `count` records, of which `count` - 2 are words without documents.
   void PlantRecords(int count) {
@@ -42,7 +42,7 @@ class FlushPolicy : public IndexTest {
 
 // Counts how often each record is written while one of the walks goes over records that were all
 // changed, and in two flushes after it.
-class FlushHolds : public FlushPolicy {
+class FlushCadenceTest : public FlushPolicyTest {
  protected:
   // Has `count` records, and the words among them changed by flag 1.
   void ChangeAll(int count) {
@@ -77,13 +77,13 @@ class FlushHolds : public FlushPolicy {
   Lines last_keys_;  // each key that a walk has passed, in its order
 };
 
-TEST_F(FlushPolicy, WalkOver250RecordsFlushesTwice) {
+TEST_F(FlushPolicyTest, WalkOver250RecordsFlushesTwice) {
   PlantRecords(250);
   EXPECT_EQ(OfDocuments(), (Numbers{101, 202}));
   EXPECT_EQ(OfWords(), (Numbers{101, 202}));
 }
 
-TEST_F(FlushPolicy, FirstFlushComesAfterThe101stRecord) {
+TEST_F(FlushPolicyTest, FirstFlushComesAfterThe101stRecord) {
   PlantRecords(100);
   EXPECT_EQ(OfDocuments(), Numbers{});
   EXPECT_EQ(OfWords(), Numbers{});
@@ -92,21 +92,21 @@ TEST_F(FlushPolicy, FirstFlushComesAfterThe101stRecord) {
   EXPECT_EQ(OfWords(), Numbers{101});
 }
 
-TEST_F(FlushPolicy, EachFurtherFlushComesAfter101More) {
+TEST_F(FlushPolicyTest, EachFurtherFlushComesAfter101More) {
   PlantRecords(302);
   EXPECT_EQ(OfWords(), (Numbers{101, 202}));
   PlantRecords(303);
   EXPECT_EQ(OfWords(), (Numbers{101, 202, 303}));
 }
 
-TEST_F(FlushPolicy, IndexWithoutCounterIsNotWalked) {
+TEST_F(FlushPolicyTest, IndexWithoutCounterIsNotWalked) {
   EXPECT_EQ(OfWords(), Numbers{});
   const GdbmWatch watch;
   engine_.ListDocuments();
   EXPECT_EQ(watch.Count("firstkey"), 0U);
 }
 
-TEST_F(FlushHolds, OnlyTheRecordThatAFlushMeetsIsWrittenByTheNextToo) {
+TEST_F(FlushCadenceTest, OnlyTheRecordThatAFlushMeetsIsWrittenByTheNextToo) {
   ChangeAll(250);
   const auto by_documents = WritesOf([&] { engine_.ListDocuments(); });
   EXPECT_EQ(by_documents.size(), 248U);
@@ -117,7 +117,7 @@ TEST_F(FlushHolds, OnlyTheRecordThatAFlushMeetsIsWrittenByTheNextToo) {
   EXPECT_EQ(WrittenTwiceOrMore(by_words), Lines{last_keys_.at(100)});
 }
 
-TEST_F(FlushHolds, NothingAfterTheWalk) {
+TEST_F(FlushCadenceTest, NothingAfterTheWalk) {
   ChangeAll(50);
   const auto by_documents = WritesOf([&] { engine_.ListDocuments(); });
   EXPECT_EQ(by_documents.size(), 48U);
@@ -128,7 +128,7 @@ TEST_F(FlushHolds, NothingAfterTheWalk) {
   EXPECT_EQ(WrittenTwiceOrMore(by_words), Lines{});
 }
 
-TEST_F(FlushHolds, NoCounterDuringTheWalk) {
+TEST_F(FlushCadenceTest, NoCounterDuringTheWalk) {
   PlantRecords(150);
   engine_.AddDocumentWords("two", "");
   EXPECT_EQ(WritesOf([&] { engine_.CommonWords(0, 1); }),

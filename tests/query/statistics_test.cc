@@ -26,7 +26,7 @@ std::vector<std::string> KeysInOrder(const std::string& path) {
 
 auto CountLines(const std::string& lines) { return std::count(lines.begin(), lines.end(), '\n'); }
 
-class CollectionWalk : public IndexTest {
+class CollectionWalkTest : public IndexTest {
  protected:
   // Lists the one document, whose name has `length` bytes.
   std::string DocumentOf(std::size_t length) {
@@ -57,7 +57,7 @@ class CollectionWalk : public IndexTest {
   static std::string Line(std::size_t length) { return std::string(length, 'n') + "\n"; }
 };
 
-TEST_F(CollectionWalk, ListsDocumentsInTheOrderOfTheFile) {
+TEST_F(CollectionWalkTest, ListsDocumentsInTheOrderOfTheFile) {
   std::string expected;
   for (char name = 'a'; name <= 'z'; ++name)
     engine_.AddDocumentWords(std::string(1, name).c_str(), "cat");
@@ -72,7 +72,7 @@ TEST_F(CollectionWalk, ListsDocumentsInTheOrderOfTheFile) {
   EXPECT_EQ(lines, expected);
 }
 
-TEST_F(CollectionWalk, ListsWordsInTheOrderOfTheFile) {
+TEST_F(CollectionWalkTest, ListsWordsInTheOrderOfTheFile) {
   std::string text, expected;
   for (int i = 100; i < 200; ++i) text += std::to_string(i) + " ";
   engine_.AddDocumentWords("one", text.c_str());
@@ -84,40 +84,40 @@ TEST_F(CollectionWalk, ListsWordsInTheOrderOfTheFile) {
   EXPECT_EQ(engine_.CommonWords(1, 1), expected);
 }
 
-TEST_F(CollectionWalk, ListsNamesOfAnyBytes) {
+TEST_F(CollectionWalkTest, ListsNamesOfAnyBytes) {
   PlantAndReopen({{"g-code", Units({1})}, {std::string("d-a\0\n", 5), ""}});
   engine_.ListDocuments();
   EXPECT_EQ(std::string(Kestan::WordBuf, 5), std::string("a\0\n\n\0", 5));
 }
 
-TEST_F(CollectionWalk, DocumentsAreToldByTheirKeysAlone) {
+TEST_F(CollectionWalkTest, DocumentsAreToldByTheirKeysAlone) {
   PlantAndReopen({{"g-code", Units({1})}, {"d", ""}, {"D-x", ""}, {"e-x", ""}, {"dx-", ""}});
   EXPECT_STREQ(engine_.ListDocuments(), "");
   PlantAndReopen({{"d-x", ""}});
   EXPECT_STREQ(engine_.ListDocuments(), "x\n");
 }
 
-TEST_F(CollectionWalk, EmptyNameIsADocumentAndAWordToo) {
+TEST_F(CollectionWalkTest, EmptyNameIsADocumentAndAWordToo) {
   engine_.AddDocumentWords("", "");
   EXPECT_STREQ(engine_.ListDocuments(), "\n");
   EXPECT_STREQ(engine_.CommonWords(0, -1), "d-\n");
 }
 
-TEST_F(CollectionWalk, RemovedAndMovedDocumentsAreListedAsTheyAreNow) {
+TEST_F(CollectionWalkTest, RemovedAndMovedDocumentsAreListedAsTheyAreNow) {
   for (const char* name : {"one", "two"}) engine_.AddDocumentWords(name, "");
   engine_.RemoveDocumentWords("one");
   engine_.MoveDocumentWords("two", "three");
   EXPECT_STREQ(engine_.ListDocuments(), "three\n");
 }
 
-TEST_F(CollectionWalk, IndexWithoutCounterIsAnEmptyTextOutsideTheBuffer) {
+TEST_F(CollectionWalkTest, IndexWithoutCounterIsAnEmptyTextOutsideTheBuffer) {
   PlantAndReopen(Document("one", 1));
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_STREQ(engine_.ListDocuments(), ""); }), "");
   EXPECT_EQ(Kestan::WordBuf, nullptr);
   EXPECT_EQ(Kestan::WBSize, 0U);
 }
 
-TEST_F(CollectionWalk, IndexWithoutCounterLeavesTheBufferAlone) {
+TEST_F(CollectionWalkTest, IndexWithoutCounterLeavesTheBufferAlone) {
   engine_.DBPutTitle("name", "title");
   const char* const title = engine_.DBGetTitle("name");
   EXPECT_STREQ(engine_.ListDocuments(), "");
@@ -125,13 +125,13 @@ TEST_F(CollectionWalk, IndexWithoutCounterLeavesTheBufferAlone) {
   EXPECT_STREQ(title, "title");
 }
 
-TEST_F(CollectionWalk, WithoutAnIndexIsAnEmptyText) {
+TEST_F(CollectionWalkTest, WithoutAnIndexIsAnEmptyText) {
   engine_.CloseIndex();
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_STREQ(engine_.ListDocuments(), ""); }),
             "Kestan: Call to database::get without an open database\n");
 }
 
-TEST_F(CollectionWalk, IndexWithoutDocumentsIsAnEmptyTextInTheBuffer) {
+TEST_F(CollectionWalkTest, IndexWithoutDocumentsIsAnEmptyTextInTheBuffer) {
   PlantAndReopen({{"g-code", Units({4})}});
   const char* const lines = engine_.ListDocuments();
   EXPECT_STREQ(lines, "");
@@ -139,37 +139,37 @@ TEST_F(CollectionWalk, IndexWithoutDocumentsIsAnEmptyTextInTheBuffer) {
   EXPECT_EQ(Kestan::WBSize, 4096U);
 }
 
-TEST_F(CollectionWalk, NameThatFillsTheBufferFits) {
+TEST_F(CollectionWalkTest, NameThatFillsTheBufferFits) {
   EXPECT_EQ(DocumentOf(4094), Line(4094));
   EXPECT_EQ(Kestan::WBSize, 4096U);
 }
 
-TEST_F(CollectionWalk, NameThatLeavesNoRoomDoublesTheBuffer) {
+TEST_F(CollectionWalkTest, NameThatLeavesNoRoomDoublesTheBuffer) {
   EXPECT_EQ(DocumentOf(4095), Line(4095));
   EXPECT_EQ(Kestan::WBSize, 8192U);
 }
 
-TEST_F(CollectionWalk, BufferDoublesOnlyOnceForOneName) {
+TEST_F(CollectionWalkTest, BufferDoublesOnlyOnceForOneName) {
   EXPECT_EQ(DocumentOf(10000), Line(10000));
   EXPECT_EQ(Kestan::WBSize, 8192U);
 }
 
-TEST_F(CollectionWalk, WordThatFillsTheBufferFits) {
+TEST_F(CollectionWalkTest, WordThatFillsTheBufferFits) {
   EXPECT_EQ(WordOf(4094), Line(4094));
   EXPECT_EQ(Kestan::WBSize, 4096U);
 }
 
-TEST_F(CollectionWalk, WordThatLeavesNoRoomDoublesTheBuffer) {
+TEST_F(CollectionWalkTest, WordThatLeavesNoRoomDoublesTheBuffer) {
   EXPECT_EQ(WordOf(4095), Line(4095));
   EXPECT_EQ(Kestan::WBSize, 8192U);
 }
 
-TEST_F(CollectionWalk, BufferDoublesOnlyOnceForOneWord) {
+TEST_F(CollectionWalkTest, BufferDoublesOnlyOnceForOneWord) {
   EXPECT_EQ(WordOf(10000), Line(10000));
   EXPECT_EQ(Kestan::WBSize, 8192U);
 }
 
-TEST_F(CollectionWalk, BufferDoublesForEachNamePastItsEnd) {
+TEST_F(CollectionWalkTest, BufferDoublesForEachNamePastItsEnd) {
   Records records = {{"g-code", Units({3})}};
   for (char letter : {'a', 'b', 'c'}) records["d-" + std::string(20000, letter)] = "";
   PlantAndReopen(records);
@@ -181,7 +181,7 @@ TEST_F(CollectionWalk, BufferDoublesForEachNamePastItsEnd) {
   EXPECT_EQ(Kestan::WBSize, 32768U);
 }
 
-TEST_F(CollectionWalk, BufferCountedAs0GrowsTo4096) {
+TEST_F(CollectionWalkTest, BufferCountedAs0GrowsTo4096) {
   engine_.DBPutTitle("name", std::string(5000, 't').c_str());
   engine_.DBGetTitle("name");
   ASSERT_EQ(Kestan::WBSize, 0U);
@@ -189,14 +189,14 @@ TEST_F(CollectionWalk, BufferCountedAs0GrowsTo4096) {
   EXPECT_EQ(Kestan::WBSize, 4096U);
 }
 
-TEST_F(CollectionWalk, ManyRecordsAreVisitedOnceAcrossFlushes) {
+TEST_F(CollectionWalkTest, ManyRecordsAreVisitedOnceAcrossFlushes) {
   for (int i = 0; i < 500; ++i) engine_.AddDocumentWords(std::to_string(i).c_str(), "cat");
   EXPECT_EQ(CountLines(engine_.ListDocuments()), 500);
   EXPECT_STREQ(engine_.CommonWords(500, 500), "cat\n");
   EXPECT_EQ(Stored().at("g-code"), Units({500}));
 }
 
-TEST_F(CollectionWalk, EndsAtARecordThatCannotBeFetched) {
+TEST_F(CollectionWalkTest, EndsAtARecordThatCannotBeFetched) {
   const auto documents = [&] { return engine_.ListDocuments(); };
   const auto words = [&] { return engine_.CommonWords(0, -1); };
   const std::string all_documents = WalkWithout(11, documents);
@@ -213,7 +213,7 @@ TEST_F(CollectionWalk, EndsAtARecordThatCannotBeFetched) {
 
 // What a walk has passed is cached until the next flush, and a shared value that is put under a
 // cached key becomes clean: only the word "d-a", moved to the key of "d-b", tells the two apart.
-TEST_F(CollectionWalk, AWalkLeavesTheRecordsThatItPassedInTheCache) {
+TEST_F(CollectionWalkTest, AWalkLeavesTheRecordsThatItPassedInTheCache) {
   engine_.AddDocumentWords("code", "d-b");
   engine_.CloseIndex();
   ASSERT_EQ(engine_.OpenIndex(path_.c_str(), 0), 0);

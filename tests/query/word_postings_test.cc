@@ -1,5 +1,6 @@
 // The postings of one word as a view of their record.
 #include <kestan/query/word_postings.h>
+
 #include <kestan/storage/owned_datum.h>
 
 #include "tests/query/query_test.h"

@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include <kestan/storage/crc64.h>
+
+#include <gtest/gtest.h>
 
 namespace kestan_tests {
 namespace {

@@ -8,7 +8,7 @@
 namespace kestan_tests {
 namespace {
 
-class DatabaseCursor : public DatabaseTest {
+class DatabaseCursorTest : public DatabaseTest {
  protected:
   // Walks the whole store, values included.
   Records Walk() {
@@ -66,7 +66,7 @@ class DatabaseCursor : public DatabaseTest {
   const Records three_ = {{"a", "1"}, {"b", "2"}, {std::string("c\0c", 3), ""}};
 };
 
-TEST_F(DatabaseCursor, AnEmptyFileEndsAtOnceWithANullKey) {
+TEST_F(DatabaseCursorTest, AnEmptyFileEndsAtOnceWithANullKey) {
   DBDatumPtr key = Counted("old");
   DBDatumPtr value = Counted("kept");
   EXPECT_EQ(store_.First(&key, &value), -1);
@@ -74,7 +74,7 @@ TEST_F(DatabaseCursor, AnEmptyFileEndsAtOnceWithANullKey) {
   EXPECT_EQ(Bytes(*value.ptr), "kept");
 }
 
-TEST_F(DatabaseCursor, NextBeforeAnyFirstIsTheEnd) {
+TEST_F(DatabaseCursorTest, NextBeforeAnyFirstIsTheEnd) {
   Put("key", "value");
   DBDatumPtr key = Counted("old");
   DBDatumPtr value = Counted("kept");
@@ -83,13 +83,13 @@ TEST_F(DatabaseCursor, NextBeforeAnyFirstIsTheEnd) {
   EXPECT_EQ(Bytes(*value.ptr), "kept");
 }
 
-TEST_F(DatabaseCursor, VisitsEveryRecordOnce) {
+TEST_F(DatabaseCursorTest, VisitsEveryRecordOnce) {
   PlantAndReopen(three_);
   EXPECT_EQ(Walk(), three_);
   EXPECT_EQ(Walk(), three_);
 }
 
-TEST_F(DatabaseCursor, VisitsKeysInGdbmsOrder) {
+TEST_F(DatabaseCursorTest, VisitsKeysInGdbmsOrder) {
   Records many;
   for (int i = 0; i < 500; ++i) many["key" + std::to_string(i)] = "value";
   PlantAndReopen(many);
@@ -98,14 +98,14 @@ TEST_F(DatabaseCursor, VisitsKeysInGdbmsOrder) {
   EXPECT_EQ(keys, GdbmKeys(path_));
 }
 
-TEST_F(DatabaseCursor, WithoutAValueReadsNoValues) {
+TEST_F(DatabaseCursorTest, WithoutAValueReadsNoValues) {
   PlantAndReopen(three_);
   GdbmWatch gdbm;
   EXPECT_EQ(Keys().size(), 3u);
   EXPECT_EQ(gdbm.Count("fetch"), 0u);
 }
 
-TEST_F(DatabaseCursor, WithAValueReadsThroughTheCache) {
+TEST_F(DatabaseCursorTest, WithAValueReadsThroughTheCache) {
   PlantAndReopen(three_);
   Get("a");
   GdbmWatch gdbm;
@@ -114,21 +114,21 @@ TEST_F(DatabaseCursor, WithAValueReadsThroughTheCache) {
   EXPECT_EQ(gdbm.Count("fetch"), 2u);
 }
 
-TEST_F(DatabaseCursor, SeesWhatWasPutAndNotWhatWasDeleted) {
+TEST_F(DatabaseCursorTest, SeesWhatWasPutAndNotWhatWasDeleted) {
   PlantAndReopen(three_);
   Put("d", "4");
   store_.Del(Datum("a"));
   EXPECT_EQ(Walk(), (Records{{"b", "2"}, {std::string("c\0c", 3), ""}, {"d", "4"}}));
 }
 
-TEST_F(DatabaseCursor, SeesChangesThatWaitForAFlush) {
+TEST_F(DatabaseCursorTest, SeesChangesThatWaitForAFlush) {
   PlantAndReopen(three_);
   Change(Held("a"), "X");
   EXPECT_EQ(Walk().at("a"), "X");
   EXPECT_EQ(InFile().at("a"), "1");
 }
 
-TEST_F(DatabaseCursor, ValuesMayBeChangedDuringTheWalk) {
+TEST_F(DatabaseCursorTest, ValuesMayBeChangedDuringTheWalk) {
   PlantAndReopen({{"a", "1"}, {"b", "2"}, {"c", "3"}});
   DBDatumPtr key;
   DBDatumPtr value;
@@ -138,7 +138,7 @@ TEST_F(DatabaseCursor, ValuesMayBeChangedDuringTheWalk) {
   EXPECT_EQ(Stored(), (Records{{"a", "X"}, {"b", "X"}, {"c", "X"}}));
 }
 
-TEST_F(DatabaseCursor, AWalkSurvivesFlushes) {
+TEST_F(DatabaseCursorTest, AWalkSurvivesFlushes) {
   PlantAndReopen(three_);
   Records seen;
   DBDatumPtr key;
@@ -151,14 +151,14 @@ TEST_F(DatabaseCursor, AWalkSurvivesFlushes) {
 }
 
 // In a file that holds the same keys in another order, a walk may come to keys that it has passed.
-TEST_F(DatabaseCursor, GoesOnInACompactedFileAsGdbmDoes) {
+TEST_F(DatabaseCursorTest, GoesOnInACompactedFileAsGdbmDoes) {
   for (const char* key : kCrowded) Put(key, "value");
   const std::string fifth = Keys(5).back();
   store_.Shrink();
   ExpectRestAfter(fifth, path_);
 }
 
-TEST_F(DatabaseCursor, GoesOnInAnotherFileAsGdbmDoes) {
+TEST_F(DatabaseCursorTest, GoesOnInAnotherFileAsGdbmDoes) {
   for (const char* key : kCrowded) Put(key, "value");
   const std::string other = folder_ / "other";
   for (const std::string& key : Keys()) Plant(other, {{key, "value"}});
@@ -169,7 +169,7 @@ TEST_F(DatabaseCursor, GoesOnInAnotherFileAsGdbmDoes) {
 }
 
 // Flushes store held records of an earlier file in the next one too.
-TEST_F(DatabaseCursor, GoesOnAsGdbmDoesWhereAFlushAddsRecords) {
+TEST_F(DatabaseCursorTest, GoesOnAsGdbmDoesWhereAFlushAddsRecords) {
   std::vector<DBDatumPtr> held;
   for (int i = 1239; i <= 1245; ++i) {
     Put("h" + std::to_string(i), "value");
@@ -185,7 +185,7 @@ TEST_F(DatabaseCursor, GoesOnAsGdbmDoesWhereAFlushAddsRecords) {
   ExpectRestAfter(fifth, other);
 }
 
-TEST_F(DatabaseCursor, TheEndFreesTheKeyAndLeavesTheValue) {
+TEST_F(DatabaseCursorTest, TheEndFreesTheKeyAndLeavesTheValue) {
   PlantAndReopen({{"a", "1"}});
   DBDatumPtr key;
   DBDatumPtr value;
@@ -195,7 +195,7 @@ TEST_F(DatabaseCursor, TheEndFreesTheKeyAndLeavesTheValue) {
   EXPECT_EQ(Bytes(*value.ptr), "1");
 }
 
-TEST_F(DatabaseCursor, TheEndIsReachedAgainAndAgainWithTheLastKey) {
+TEST_F(DatabaseCursorTest, TheEndIsReachedAgainAndAgainWithTheLastKey) {
   PlantAndReopen({{"a", "1"}});
   DBDatumPtr key;
   store_.First(&key);
@@ -205,7 +205,7 @@ TEST_F(DatabaseCursor, TheEndIsReachedAgainAndAgainWithTheLastKey) {
   EXPECT_EQ(gdbm.Lines(), (Lines{"nextkey a", "nextkey a"}));
 }
 
-TEST_F(DatabaseCursor, GdbmsErrorsEndTheWalk) {
+TEST_F(DatabaseCursorTest, GdbmsErrorsEndTheWalk) {
   PlantAndReopen(three_);
   GdbmWatch gdbm;
   gdbm.Fail("firstkey", 1, GDBM_FILE_READ_ERROR);
@@ -217,7 +217,7 @@ TEST_F(DatabaseCursor, GdbmsErrorsEndTheWalk) {
   EXPECT_EQ(store_.Next(&key), 0);
 }
 
-TEST_F(DatabaseCursor, AValueThatCannotBeReadIsReported) {
+TEST_F(DatabaseCursorTest, AValueThatCannotBeReadIsReported) {
   PlantAndReopen({{"a", "1"}});
   GdbmWatch gdbm;
   gdbm.Fail("fetch", 1, GDBM_FILE_READ_ERROR);
@@ -228,14 +228,14 @@ TEST_F(DatabaseCursor, AValueThatCannotBeReadIsReported) {
   EXPECT_EQ(value.ptr, nullptr);
 }
 
-TEST_F(DatabaseCursor, TheKeyIsHeldByTheCallerAndTheCursor) {
+TEST_F(DatabaseCursorTest, TheKeyIsHeldByTheCallerAndTheCursor) {
   PlantAndReopen({{"a", "1"}});
   DBDatumPtr key;
   store_.First(&key);
   EXPECT_EQ(key.ptr->refs, 2);
 }
 
-TEST_F(DatabaseCursor, ACachedKeyIsTheCachesOwn) {
+TEST_F(DatabaseCursorTest, ACachedKeyIsTheCachesOwn) {
   PlantAndReopen({{"a", "1"}});
   Get("a");
   DBDatumPtr key;
@@ -246,7 +246,7 @@ TEST_F(DatabaseCursor, ACachedKeyIsTheCachesOwn) {
   EXPECT_EQ(again.ptr, key.ptr);
 }
 
-TEST_F(DatabaseCursor, TheKeyMayBeTheHandleOfTheLastStep) {
+TEST_F(DatabaseCursorTest, TheKeyMayBeTheHandleOfTheLastStep) {
   PlantAndReopen({{"a", "b"}, {"b", "a"}});
   DBDatumPtr handle;
   ASSERT_EQ(store_.First(&handle), 0);
@@ -257,7 +257,7 @@ TEST_F(DatabaseCursor, TheKeyMayBeTheHandleOfTheLastStep) {
   EXPECT_NE(Bytes(*handle.ptr), first);
 }
 
-TEST_F(DatabaseCursor, TheCurrentRecordMayBeDeleted) {
+TEST_F(DatabaseCursorTest, TheCurrentRecordMayBeDeleted) {
   PlantAndReopen({{"a", "1"}});
   DBDatumPtr key;
   DBDatumPtr value;
@@ -267,7 +267,7 @@ TEST_F(DatabaseCursor, TheCurrentRecordMayBeDeleted) {
   EXPECT_EQ(store_.First(&key), -1);
 }
 
-TEST_F(DatabaseCursor, WalksAFileThatCannotBeMappedAndTriesNoMore) {
+TEST_F(DatabaseCursorTest, WalksAFileThatCannotBeMappedAndTriesNoMore) {
   PlantAndReopen({{"a", "1"}, {"b", "2"}});
   GdbmWatch gdbm;
   std::size_t options = 0;

@@ -19,7 +19,7 @@ constexpr std::size_t kPlaceOfFreeSpaceList = 48;
 
 using Action = std::function<void(const DBDatum& key)>;
 
-class DamagedFile : public testing::Test {
+class DamagedFileTest : public testing::Test {
  protected:
   void SetUp() override {
     Records records;
@@ -95,13 +95,13 @@ class DamagedFile : public testing::Test {
   Database store_;
 };
 
-TEST_F(DamagedFile, WithItsNextBlockFarAwayOpensForReadingOnly) {
+TEST_F(DamagedFileTest, WithItsNextBlockFarAwayOpensForReadingOnly) {
   SetNumberAt(kPlaceOfNextBlock, std::uint64_t{1} << 40);
   ExpectReadOnly();
 }
 
 // gdbm's extended format begins with the same fields.
-TEST_F(DamagedFile, OfTheExtendedFormatIsRefusedInTheSameWay) {
+TEST_F(DamagedFileTest, OfTheExtendedFormatIsRefusedInTheSameWay) {
   GDBM_FILE file = gdbm_open(path_.c_str(), 512, GDBM_NEWDB | GDBM_NUMSYNC, 0644, nullptr);
   ASSERT_NE(file, nullptr) << gdbm_strerror(gdbm_errno);
   gdbm_close(file);
@@ -113,26 +113,26 @@ TEST_F(DamagedFile, OfTheExtendedFormatIsRefusedInTheSameWay) {
 }
 
 // An older format may have other fields there.
-TEST_F(DamagedFile, OfAnotherFormatIsLeftToGdbm) {
+TEST_F(DamagedFileTest, OfAnotherFormatIsLeftToGdbm) {
   constexpr std::uint32_t kOldMagic = 0x13579ace;
   std::memcpy(bytes_.data(), &kOldMagic, sizeof kOldMagic);
   SetNumberAt(kPlaceOfNextBlock, std::uint64_t{1} << 40);
   EXPECT_EQ(store_.Open(path_.c_str(), 1), 0);
 }
 
-TEST_F(DamagedFile, WithItsNextBlockALittleAwayOpensForWriting) {
+TEST_F(DamagedFileTest, WithItsNextBlockALittleAwayOpensForWriting) {
   SetNumberAt(kPlaceOfNextBlock, NumberAt(kPlaceOfNextBlock) + 4096);
   EXPECT_EQ(store_.Open(path_.c_str(), 1), 0);
   EXPECT_EQ(store_.Put(Datum("new"), Datum("value")), 0);
 }
 
-TEST_F(DamagedFile, WithItsFreeSpaceListElsewhereOpensForReadingOnly) {
+TEST_F(DamagedFileTest, WithItsFreeSpaceListElsewhereOpensForReadingOnly) {
   SetNumberAt(kPlaceOfFreeSpaceList, 100000007);
   ExpectReadOnly();
 }
 
 // As a process leaves it that was killed while gdbm lengthened the file.
-TEST_F(DamagedFile, LongerThanItsHeaderSaysIsLeftToGdbmToRecover) {
+TEST_F(DamagedFileTest, LongerThanItsHeaderSaysIsLeftToGdbmToRecover) {
   bytes_.append(4096, '\0');
   std::ofstream(path_, std::ios::binary) << bytes_;
   EXPECT_EQ(store_.Open(path_.c_str(), 1), GDBM_NEED_RECOVERY);
@@ -147,16 +147,16 @@ TEST_F(DamagedFile, LongerThanItsHeaderSaysIsLeftToGdbmToRecover) {
 }
 
 // Some buckets in a wrong place gdbm notices itself; of others it comes to the same keys for ever.
-TEST_F(DamagedFile, WithABucketInTwoPlacesIsNotWalkedForEver) {
+TEST_F(DamagedFileTest, WithABucketInTwoPlacesIsNotWalkedForEver) {
   EXPECT_GT(CountCycles(0, [](const DBDatum&) {}), 0);
 }
 
-TEST_F(DamagedFile, IsNotWalkedForEverByOneWhoWritesInEachStep) {
+TEST_F(DamagedFileTest, IsNotWalkedForEverByOneWhoWritesInEachStep) {
   EXPECT_GT(CountCycles(1, [&](const DBDatum& key) { store_.Put(key, Datum("other")); }), 0);
 }
 
 // Stored by each flush of the walk, the record keeps the file changing.
-TEST_F(DamagedFile, IsNotWalkedForEverByOneWhoFlushesAHeldRecordInEachStep) {
+TEST_F(DamagedFileTest, IsNotWalkedForEverByOneWhoFlushesAHeldRecordInEachStep) {
   const DBDatumPtr held = Counted("value");
   const auto flush = [&](const DBDatum&) {
     store_.Put(Datum("held"), *held.ptr);
@@ -166,7 +166,7 @@ TEST_F(DamagedFile, IsNotWalkedForEverByOneWhoFlushesAHeldRecordInEachStep) {
   StandardErrorOf([&] { EXPECT_GT(CountCycles(1, flush), 0); });  // gdbm refuses some files
 }
 
-TEST_F(DamagedFile, IsNotWalkedForEverByOneWhoAddsAndDeletesARecordInEachStep) {
+TEST_F(DamagedFileTest, IsNotWalkedForEverByOneWhoAddsAndDeletesARecordInEachStep) {
   const auto come_and_go = [&](const DBDatum&) {
     store_.Put(Datum("new"), Datum("value"));
     store_.Del(Datum("new"));
@@ -174,7 +174,7 @@ TEST_F(DamagedFile, IsNotWalkedForEverByOneWhoAddsAndDeletesARecordInEachStep) {
   EXPECT_GT(CountCycles(1, come_and_go), 0);
 }
 
-TEST_F(DamagedFile, WithADirectoryThatLeadsNowhereIsFoundDamagedOnceItIsUsed) {
+TEST_F(DamagedFileTest, WithADirectoryThatLeadsNowhereIsFoundDamagedOnceItIsUsed) {
   const auto directory = static_cast<std::size_t>(NumberAt(kPlaceOfDirectory));
   SetNumberAt(directory, std::uint64_t{1} << 40);
   ASSERT_EQ(store_.Open(path_.c_str(), 0), 0);
@@ -183,7 +183,7 @@ TEST_F(DamagedFile, WithADirectoryThatLeadsNowhereIsFoundDamagedOnceItIsUsed) {
   EXPECT_NE(store_.FileError(), 0);
 }
 
-TEST_F(DamagedFile, ThatIsWholeAfterAllIsWalkedWhileKeysComeAndGo) {
+TEST_F(DamagedFileTest, ThatIsWholeAfterAllIsWalkedWhileKeysComeAndGo) {
   ASSERT_EQ(store_.Open(path_.c_str(), 1), 0);
   DBDatumPtr key;
   int count = 0;

@@ -4,9 +4,9 @@
 namespace kestan_tests {
 namespace {
 
-using DatabaseError = DatabaseTest;
+using DatabaseErrorTest = DatabaseTest;
 
-TEST_F(DatabaseError, IsNoneWhileAllGoesWell) {
+TEST_F(DatabaseErrorTest, IsNoneWhileAllGoesWell) {
   Put("key", "value");
   Change(Held("key"), "other");
   store_.Del(Datum("missing"));
@@ -16,14 +16,14 @@ TEST_F(DatabaseError, IsNoneWhileAllGoesWell) {
   EXPECT_EQ(store_.FileError(), 0);
 }
 
-TEST_F(DatabaseError, OfAReaderIsNoneToo) {
+TEST_F(DatabaseErrorTest, OfAReaderIsNoneToo) {
   PlantAndReopen({{"key", "value"}}, 0);
   EXPECT_EQ(Get("key"), "value");
   store_.Close();
   EXPECT_EQ(store_.FileError(), 0);
 }
 
-TEST_F(DatabaseError, IsTheFirstOfMany) {
+TEST_F(DatabaseErrorTest, IsTheFirstOfMany) {
   GdbmWatch watch;
   watch.Fail("store", 1, GDBM_FILE_WRITE_ERROR);
   watch.Fail("fetch", 1, GDBM_FILE_READ_ERROR);
@@ -32,14 +32,14 @@ TEST_F(DatabaseError, IsTheFirstOfMany) {
   EXPECT_EQ(store_.FileError(), GDBM_FILE_WRITE_ERROR);
 }
 
-TEST_F(DatabaseError, OfAReadIsKept) {
+TEST_F(DatabaseErrorTest, OfAReadIsKept) {
   GdbmWatch watch;
   watch.Fail("fetch", 1, GDBM_FILE_READ_ERROR);
   EXPECT_EQ(Get("key"), "none");
   EXPECT_EQ(store_.FileError(), GDBM_FILE_READ_ERROR);
 }
 
-TEST_F(DatabaseError, OfARemovalIsKept) {
+TEST_F(DatabaseErrorTest, OfARemovalIsKept) {
   Put("key", "value");
   GdbmWatch watch;
   watch.Fail("delete", 1, GDBM_FILE_WRITE_ERROR);
@@ -47,7 +47,7 @@ TEST_F(DatabaseError, OfARemovalIsKept) {
   EXPECT_EQ(store_.FileError(), GDBM_FILE_WRITE_ERROR);
 }
 
-TEST_F(DatabaseError, OfAWalkIsKept) {
+TEST_F(DatabaseErrorTest, OfAWalkIsKept) {
   GdbmWatch watch;
   watch.Fail("firstkey", 1, GDBM_BAD_BUCKET);
   DBDatumPtr key;
@@ -57,7 +57,7 @@ TEST_F(DatabaseError, OfAWalkIsKept) {
 
 // gdbm tells no error where it has no memory for a bucket.
 
-TEST_F(DatabaseError, OfAReadThatGdbmTellsNoErrorOfIsNotSuccess) {
+TEST_F(DatabaseErrorTest, OfAReadThatGdbmTellsNoErrorOfIsNotSuccess) {
   DBDatumPtr value;
   GdbmWatch watch;
   watch.Fail("fetch", 1, GDBM_NO_ERROR);
@@ -66,14 +66,14 @@ TEST_F(DatabaseError, OfAReadThatGdbmTellsNoErrorOfIsNotSuccess) {
   EXPECT_EQ(store_.FileError(), GDBM_MALLOC_ERROR);
 }
 
-TEST_F(DatabaseError, OfAWriteThatGdbmTellsNoErrorOfIsNotSuccess) {
+TEST_F(DatabaseErrorTest, OfAWriteThatGdbmTellsNoErrorOfIsNotSuccess) {
   GdbmWatch watch;
   watch.Fail("store", 1, GDBM_NO_ERROR);
   EXPECT_EQ(Put("key", "value"), GDBM_MALLOC_ERROR);
   EXPECT_EQ(store_.FileError(), GDBM_MALLOC_ERROR);
 }
 
-TEST_F(DatabaseError, OfAWalkThatGdbmTellsNoErrorOfIsNotItsEnd) {
+TEST_F(DatabaseErrorTest, OfAWalkThatGdbmTellsNoErrorOfIsNotItsEnd) {
   for (const char* const function : {"firstkey", "nextkey"}) {
     Put("one", "1");
     Put("two", "2");
@@ -87,28 +87,28 @@ TEST_F(DatabaseError, OfAWalkThatGdbmTellsNoErrorOfIsNotItsEnd) {
   }
 }
 
-TEST_F(DatabaseError, OfAFileThatCannotBeOpenedIsNeverZero) {
+TEST_F(DatabaseErrorTest, OfAFileThatCannotBeOpenedIsNeverZero) {
   store_.Close();
   GdbmWatch watch;
   watch.Fail("open", 1, GDBM_NO_ERROR);
   EXPECT_EQ(store_.Open(path_.c_str(), 1), GDBM_MALLOC_ERROR);
 }
 
-TEST_F(DatabaseError, OfASyncIsKept) {
+TEST_F(DatabaseErrorTest, OfASyncIsKept) {
   GdbmWatch watch;
   watch.Fail("sync", 1, GDBM_FILE_SYNC_ERROR);
   store_.Sync();
   EXPECT_EQ(store_.FileError(), GDBM_FILE_SYNC_ERROR);
 }
 
-TEST_F(DatabaseError, OfAReorganisationIsKept) {
+TEST_F(DatabaseErrorTest, OfAReorganisationIsKept) {
   GdbmWatch watch;
   watch.Fail("reorganize", 1, GDBM_REORGANIZE_FAILED);
   EXPECT_EQ(store_.Shrink(), 0);
   EXPECT_EQ(store_.FileError(), GDBM_REORGANIZE_FAILED);
 }
 
-TEST_F(DatabaseError, OfTheFlushAtTheEndStaysAfterClosing) {
+TEST_F(DatabaseErrorTest, OfTheFlushAtTheEndStaysAfterClosing) {
   Put("key", "value");
   Change(Held("key"), "other");
   GdbmWatch watch;
@@ -117,7 +117,7 @@ TEST_F(DatabaseError, OfTheFlushAtTheEndStaysAfterClosing) {
   EXPECT_EQ(store_.FileError(), GDBM_FILE_WRITE_ERROR);
 }
 
-TEST_F(DatabaseError, IsForgottenWhenAFileIsOpened) {
+TEST_F(DatabaseErrorTest, IsForgottenWhenAFileIsOpened) {
   {
     GdbmWatch watch;
     watch.Fail("store", 1, GDBM_FILE_WRITE_ERROR);
@@ -130,7 +130,7 @@ TEST_F(DatabaseError, IsForgottenWhenAFileIsOpened) {
   EXPECT_EQ(store_.FileError(), 0);
 }
 
-TEST_F(DatabaseError, OfARecordTooLargeForTheFileIsKept) {
+TEST_F(DatabaseErrorTest, OfARecordTooLargeForTheFileIsKept) {
   Put("key", "");
   const DBDatumPtr value = Held("key");
   value.ptr->size = 0x80000000u;  // what lies behind the bytes is never looked at
@@ -140,7 +140,7 @@ TEST_F(DatabaseError, OfARecordTooLargeForTheFileIsKept) {
   value.ptr->size = 0;
 }
 
-TEST_F(DatabaseError, VerifyFindsNothingWrongWithAGoodFile) {
+TEST_F(DatabaseErrorTest, VerifyFindsNothingWrongWithAGoodFile) {
   Put("key", "value");
   EXPECT_EQ(store_.Verify(), 0);
 }

@@ -4,7 +4,7 @@
 namespace kestan_tests {
 namespace {
 
-class ClosedDatabase : public DatabaseTest {
+class ClosedDatabaseTest : public DatabaseTest {
  protected:
   void SetUp() override {}
 
@@ -21,54 +21,54 @@ class ClosedDatabase : public DatabaseTest {
   DBDatumPtr value_ = Counted("value");
 };
 
-TEST_F(ClosedDatabase, GetFailsAndFreesItsHandle) {
+TEST_F(ClosedDatabaseTest, GetFailsAndFreesItsHandle) {
   ExpectRefusal("get", [&] { return store_.Get(&value_, Datum("key")); });
   EXPECT_EQ(value_.ptr, nullptr);
 }
 
-TEST_F(ClosedDatabase, PutFails) {
+TEST_F(ClosedDatabaseTest, PutFails) {
   ExpectRefusal("put", [&] { return store_.Put(*key_.ptr, *value_.ptr); });
   EXPECT_EQ(key_.ptr->refs, 1);
   EXPECT_EQ(value_.ptr->refs, 1);
 }
 
-TEST_F(ClosedDatabase, DelFails) {
+TEST_F(ClosedDatabaseTest, DelFails) {
   ExpectRefusal("del", [&] { return store_.Del(Datum("key")); });
 }
 
-TEST_F(ClosedDatabase, FirstFailsAndFreesTheKeyAlone) {
+TEST_F(ClosedDatabaseTest, FirstFailsAndFreesTheKeyAlone) {
   ExpectRefusal("first", [&] { return store_.First(&key_, &value_); });
   EXPECT_EQ(key_.ptr, nullptr);
   EXPECT_EQ(Bytes(*value_.ptr), "value");
 }
 
-TEST_F(ClosedDatabase, NextFailsAndFreesTheKeyAlone) {
+TEST_F(ClosedDatabaseTest, NextFailsAndFreesTheKeyAlone) {
   ExpectRefusal("next", [&] { return store_.Next(&key_, &value_); });
   EXPECT_EQ(key_.ptr, nullptr);
   EXPECT_EQ(Bytes(*value_.ptr), "value");
 }
 
-TEST_F(ClosedDatabase, SyncFails) {
+TEST_F(ClosedDatabaseTest, SyncFails) {
   ExpectRefusal("sync", [&] { return store_.Sync(); });
 }
 
-TEST_F(ClosedDatabase, VerifyFails) {
+TEST_F(ClosedDatabaseTest, VerifyFails) {
   ExpectRefusal("verify", [&] { return store_.Verify(); });
 }
 
-TEST_F(ClosedDatabase, HasNoSize) {
+TEST_F(ClosedDatabaseTest, HasNoSize) {
   ExpectRefusal("size", [&] { return static_cast<int>(store_.FileBytes()); });
 }
 
-TEST_F(ClosedDatabase, ShrinkFails) {
+TEST_F(ClosedDatabaseTest, ShrinkFails) {
   ExpectRefusal("shrink", [&] { return store_.Shrink(); });
 }
 
-TEST_F(ClosedDatabase, FlushFails) {
+TEST_F(ClosedDatabaseTest, FlushFails) {
   ExpectRefusal("flush", [&] { return store_.Flush(); });
 }
 
-TEST_F(ClosedDatabase, AClosedAgainStoreFailsToo) {
+TEST_F(ClosedDatabaseTest, AClosedAgainStoreFailsToo) {
   store_.Open(path_.c_str(), 1);
   Put("key", "value");
   store_.Close();
@@ -76,7 +76,7 @@ TEST_F(ClosedDatabase, AClosedAgainStoreFailsToo) {
   ExpectRefusal("next", [&] { return store_.Next(&key_); });
 }
 
-TEST_F(ClosedDatabase, AHeldRecordDoesNotAnswerWithoutAFile) {
+TEST_F(ClosedDatabaseTest, AHeldRecordDoesNotAnswerWithoutAFile) {
   store_.Open(path_.c_str(), 1);
   Put("key", "value");
   const DBDatumPtr held = Held("key");
@@ -85,7 +85,7 @@ TEST_F(ClosedDatabase, AHeldRecordDoesNotAnswerWithoutAFile) {
   EXPECT_EQ(value_.ptr, nullptr);
 }
 
-TEST_F(ClosedDatabase, NothingReachesGdbm) {
+TEST_F(ClosedDatabaseTest, NothingReachesGdbm) {
   GdbmWatch gdbm;
   StandardErrorOf([&] {
     store_.Get(&value_, Datum("key"));
@@ -101,7 +101,7 @@ TEST_F(ClosedDatabase, NothingReachesGdbm) {
   EXPECT_TRUE(gdbm.Calls().empty());
 }
 
-TEST_F(ClosedDatabase, ErrorsAreCalledAsGdbmCallsThem) {
+TEST_F(ClosedDatabaseTest, ErrorsAreCalledAsGdbmCallsThem) {
   for (int error : {0, 1, 7, 15, 1000}) {
     EXPECT_STREQ(Database::ErrorString(error), gdbm_strerror(error));
   }

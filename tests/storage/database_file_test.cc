@@ -13,7 +13,7 @@ namespace {
 static_assert(!std::is_copy_constructible_v<Database>);
 static_assert(!std::is_copy_assignable_v<Database>);
 
-class DatabaseFile : public DatabaseTest {
+class DatabaseFileTest : public DatabaseTest {
  protected:
   void SetUp() override {}
 
@@ -27,19 +27,19 @@ class DatabaseFile : public DatabaseTest {
   const std::string other_path_ = folder_ / "other";
 };
 
-TEST_F(DatabaseFile, AWriterCreatesTheFile) {
+TEST_F(DatabaseFileTest, AWriterCreatesTheFile) {
   EXPECT_EQ(store_.Open(path_.c_str(), 1), 0);
   EXPECT_TRUE(std::filesystem::exists(path_));
   EXPECT_TRUE(Stored().empty());
 }
 
-TEST_F(DatabaseFile, AWriterKeepsTheRecordsThatAreThere) {
+TEST_F(DatabaseFileTest, AWriterKeepsTheRecordsThatAreThere) {
   Plant(path_, {{"key", "value"}});
   EXPECT_EQ(store_.Open(path_.c_str(), 1), 0);
   EXPECT_EQ(Get("key"), "value");
 }
 
-TEST_F(DatabaseFile, AnyModeButZeroWrites) {
+TEST_F(DatabaseFileTest, AnyModeButZeroWrites) {
   for (int writer : {1, 2, -1, 1 << 30}) {
     ASSERT_EQ(store_.Open(path_.c_str(), writer), 0);
     EXPECT_EQ(Put("key", "value"), 0);
@@ -47,27 +47,27 @@ TEST_F(DatabaseFile, AnyModeButZeroWrites) {
   }
 }
 
-TEST_F(DatabaseFile, AReaderDoesNotCreateTheFile) {
+TEST_F(DatabaseFileTest, AReaderDoesNotCreateTheFile) {
   const int error = store_.Open(path_.c_str(), 0);
   EXPECT_EQ(error, GdbmErrorOf(path_, GDBM_READER));
   EXPECT_GT(error, 0);
   EXPECT_FALSE(std::filesystem::exists(path_));
 }
 
-TEST_F(DatabaseFile, AReaderReads) {
+TEST_F(DatabaseFileTest, AReaderReads) {
   Plant(path_, {{"key", "value"}});
   EXPECT_EQ(store_.Open(path_.c_str(), 0), 0);
   EXPECT_EQ(Get("key"), "value");
 }
 
-TEST_F(DatabaseFile, TwoReadersShareAFile) {
+TEST_F(DatabaseFileTest, TwoReadersShareAFile) {
   Plant(path_, {{"key", "value"}});
   Database second;
   EXPECT_EQ(store_.Open(path_.c_str(), 0), 0);
   EXPECT_EQ(second.Open(path_.c_str(), 0), 0);
 }
 
-TEST_F(DatabaseFile, AsksGdbmForAFastWriter) {
+TEST_F(DatabaseFileTest, AsksGdbmForAFastWriter) {
   GdbmWatch gdbm;
   store_.Open(path_.c_str(), 1);
   ASSERT_EQ(gdbm.Openings().size(), 1u);
@@ -79,7 +79,7 @@ TEST_F(DatabaseFile, AsksGdbmForAFastWriter) {
   EXPECT_FALSE(opening.has_fatal_callback);
 }
 
-TEST_F(DatabaseFile, AsksGdbmForAPlainReader) {
+TEST_F(DatabaseFileTest, AsksGdbmForAPlainReader) {
   Plant(path_, {});
   GdbmWatch gdbm;
   store_.Open(path_.c_str(), 0);
@@ -91,7 +91,7 @@ TEST_F(DatabaseFile, AsksGdbmForAPlainReader) {
   EXPECT_FALSE(opening.has_fatal_callback);
 }
 
-TEST_F(DatabaseFile, ANewFileIsWrittenByItsOwnerOnly) {
+TEST_F(DatabaseFileTest, ANewFileIsWrittenByItsOwnerOnly) {
   const mode_t mask = umask(0);
   store_.Open(path_.c_str(), 1);
   umask(mask);
@@ -100,7 +100,7 @@ TEST_F(DatabaseFile, ANewFileIsWrittenByItsOwnerOnly) {
   EXPECT_EQ(status.st_mode & 0777u, 0644u);
 }
 
-TEST_F(DatabaseFile, OpeningTwiceFailsAndKeepsTheFirstFile) {
+TEST_F(DatabaseFileTest, OpeningTwiceFailsAndKeepsTheFirstFile) {
   Plant(path_, {{"key", "value"}});
   ASSERT_EQ(store_.Open(path_.c_str(), 1), 0);
   GdbmWatch gdbm;
@@ -110,7 +110,7 @@ TEST_F(DatabaseFile, OpeningTwiceFailsAndKeepsTheFirstFile) {
   EXPECT_EQ(Get("key"), "value");
 }
 
-TEST_F(DatabaseFile, OpeningTwiceKeepsTheCache) {
+TEST_F(DatabaseFileTest, OpeningTwiceKeepsTheCache) {
   Plant(path_, {{"key", "value"}});
   ASSERT_EQ(store_.Open(path_.c_str(), 1), 0);
   Change(Held("key"), "VALUE");
@@ -118,7 +118,7 @@ TEST_F(DatabaseFile, OpeningTwiceKeepsTheCache) {
   EXPECT_EQ(Stored().at("key"), "VALUE");
 }
 
-TEST_F(DatabaseFile, OpeningPrintsNothing) {
+TEST_F(DatabaseFileTest, OpeningPrintsNothing) {
   const std::string printed = StandardErrorOf([&] {
     store_.Open(other_path_.c_str(), 0);
     store_.Open(path_.c_str(), 1);
@@ -127,31 +127,31 @@ TEST_F(DatabaseFile, OpeningPrintsNothing) {
   EXPECT_EQ(printed, "");
 }
 
-TEST_F(DatabaseFile, AFileOfAnotherKindIsGdbmsError) {
+TEST_F(DatabaseFileTest, AFileOfAnotherKindIsGdbmsError) {
   std::ofstream(path_) << std::string(4096, 'x');
   EXPECT_EQ(store_.Open(path_.c_str(), 1), GdbmErrorOf(path_, GDBM_WRCREAT));
   EXPECT_EQ(store_.Open(path_.c_str(), 0), GDBM_BAD_MAGIC_NUMBER);
 }
 
-TEST_F(DatabaseFile, AFolderIsGdbmsError) {
+TEST_F(DatabaseFileTest, AFolderIsGdbmsError) {
   const std::string folder = folder_ / "";
   EXPECT_EQ(store_.Open(folder.c_str(), 1), GdbmErrorOf(folder, GDBM_WRCREAT));
 }
 
-TEST_F(DatabaseFile, ALockedFileIsGdbmsError) {
+TEST_F(DatabaseFileTest, ALockedFileIsGdbmsError) {
   Database first;
   ASSERT_EQ(first.Open(path_.c_str(), 1), 0);
   EXPECT_EQ(store_.Open(path_.c_str(), 1), GDBM_CANT_BE_WRITER);
   EXPECT_EQ(store_.Open(path_.c_str(), 0), GDBM_CANT_BE_READER);
 }
 
-TEST_F(DatabaseFile, AFailedOpenLeavesTheStoreClosed) {
+TEST_F(DatabaseFileTest, AFailedOpenLeavesTheStoreClosed) {
   EXPECT_GT(store_.Open(path_.c_str(), 0), 0);
   EXPECT_EQ(store_.Close(), 0);
   EXPECT_EQ(store_.Open(path_.c_str(), 1), 0);
 }
 
-TEST_F(DatabaseFile, ClosingAClosedStoreIsNoError) {
+TEST_F(DatabaseFileTest, ClosingAClosedStoreIsNoError) {
   const std::string printed = StandardErrorOf([&] {
     EXPECT_EQ(store_.Close(), 0);
     EXPECT_EQ(store_.Close(), 0);
@@ -159,7 +159,7 @@ TEST_F(DatabaseFile, ClosingAClosedStoreIsNoError) {
   EXPECT_EQ(printed, "");
 }
 
-TEST_F(DatabaseFile, ClosingFlushesThenCloses) {
+TEST_F(DatabaseFileTest, ClosingFlushesThenCloses) {
   Plant(path_, {{"key", "value"}});
   store_.Open(path_.c_str(), 1);
   Change(Held("key"), "VALUE");
@@ -168,7 +168,7 @@ TEST_F(DatabaseFile, ClosingFlushesThenCloses) {
   EXPECT_EQ(gdbm.Lines(), (Lines{"store key", "sync", "close"}));
 }
 
-TEST_F(DatabaseFile, DyingCloses) {
+TEST_F(DatabaseFileTest, DyingCloses) {
   Plant(path_, {{"key", "value"}});
   auto dies = std::make_unique<Database>();
   dies->Open(path_.c_str(), 1);
@@ -181,11 +181,11 @@ TEST_F(DatabaseFile, DyingCloses) {
   EXPECT_EQ(value.ptr->refs, 1);
 }
 
-TEST_F(DatabaseFile, DyingClosedPrintsNothing) {
+TEST_F(DatabaseFileTest, DyingClosedPrintsNothing) {
   EXPECT_EQ(StandardErrorOf([] { const Database store; }), "");
 }
 
-TEST_F(DatabaseFile, DyingReleasesTheCursor) {
+TEST_F(DatabaseFileTest, DyingReleasesTheCursor) {
   Plant(path_, {{"key", "value"}});
   DBDatumPtr key;
   {
@@ -197,7 +197,7 @@ TEST_F(DatabaseFile, DyingReleasesTheCursor) {
   EXPECT_EQ(key.ptr->refs, 1);
 }
 
-TEST_F(DatabaseFile, AHeldRecordAnswersForTheNextFileToo) {
+TEST_F(DatabaseFileTest, AHeldRecordAnswersForTheNextFileToo) {
   Plant(path_, {{"key", "of the first"}});
   Plant(other_path_, {{"key", "of the second"}});
   store_.Open(path_.c_str(), 1);
@@ -210,7 +210,7 @@ TEST_F(DatabaseFile, AHeldRecordAnswersForTheNextFileToo) {
   EXPECT_EQ(gdbm.Count("fetch"), 0u);
 }
 
-TEST_F(DatabaseFile, ARecordGivenUpBeforeOpeningDoesNotAnswerForTheNextFile) {
+TEST_F(DatabaseFileTest, ARecordGivenUpBeforeOpeningDoesNotAnswerForTheNextFile) {
   Plant(path_, {{"key", "of the first"}});
   Plant(other_path_, {{"key", "of the second"}});
   store_.Open(path_.c_str(), 1);
@@ -221,7 +221,7 @@ TEST_F(DatabaseFile, ARecordGivenUpBeforeOpeningDoesNotAnswerForTheNextFile) {
   EXPECT_EQ(Get("key"), "of the second");
 }
 
-TEST_F(DatabaseFile, StoresThatAreOpenSideBySideDoNotSeeEachOther) {
+TEST_F(DatabaseFileTest, StoresThatAreOpenSideBySideDoNotSeeEachOther) {
   Plant(path_, {{"key", "of the first"}});
   Plant(other_path_, {{"key", "of the second"}});
   Database other;

@@ -4,10 +4,10 @@
 namespace kestan_tests {
 namespace {
 
-using DatabaseFlush = DatabaseTest;
-using DatabaseShrink = DatabaseTest;
+using DatabaseFlushTest = DatabaseTest;
+using DatabaseShrinkTest = DatabaseTest;
 
-TEST_F(DatabaseFlush, AChangeReachesTheFileOnlyWithAFlush) {
+TEST_F(DatabaseFlushTest, AChangeReachesTheFileOnlyWithAFlush) {
   PlantAndReopen({{"key", "value"}});
   Change(Held("key"), "VALUE");
   store_.Sync();
@@ -17,14 +17,14 @@ TEST_F(DatabaseFlush, AChangeReachesTheFileOnlyWithAFlush) {
   EXPECT_EQ(InFile().at("key"), "VALUE");
 }
 
-TEST_F(DatabaseFlush, AChangeWithoutItsMarkIsLost) {
+TEST_F(DatabaseFlushTest, AChangeWithoutItsMarkIsLost) {
   PlantAndReopen({{"key", "value"}});
   Held("key").ptr->data[0] = 'X';
   store_.Flush();
   EXPECT_EQ(Get("key"), "value");
 }
 
-TEST_F(DatabaseFlush, TheHolderMayReplaceTheBuffer) {
+TEST_F(DatabaseFlushTest, TheHolderMayReplaceTheBuffer) {
   PlantAndReopen({{"key", "value"}});
   DBDatumPtr held = Held("key");
   std::free(held.ptr->data);
@@ -35,7 +35,7 @@ TEST_F(DatabaseFlush, TheHolderMayReplaceTheBuffer) {
   EXPECT_EQ(Stored().at("key"), "a value that has grown");
 }
 
-TEST_F(DatabaseFlush, ManyChangesAreWrittenOnce) {
+TEST_F(DatabaseFlushTest, ManyChangesAreWrittenOnce) {
   PlantAndReopen({{"key", "value"}});
   GdbmWatch gdbm;
   for (const char* text : {"a", "b", "c"}) Change(Held("key"), text);
@@ -43,7 +43,7 @@ TEST_F(DatabaseFlush, ManyChangesAreWrittenOnce) {
   EXPECT_EQ(gdbm.Lines(), (Lines{"fetch key", "store key", "sync"}));
 }
 
-TEST_F(DatabaseFlush, WritesInKeyOrder) {
+TEST_F(DatabaseFlushTest, WritesInKeyOrder) {
   const Lines keys = {"a", "ab", "abc", "b", "wordA", "wordB", "\xff"};
   Records records;
   for (const std::string& key : keys) records[key] = "value";
@@ -57,7 +57,7 @@ TEST_F(DatabaseFlush, WritesInKeyOrder) {
   EXPECT_EQ(gdbm.Lines(), expected);
 }
 
-TEST_F(DatabaseFlush, AHeldChangeIsWrittenByEveryFlush) {
+TEST_F(DatabaseFlushTest, AHeldChangeIsWrittenByEveryFlush) {
   PlantAndReopen({{"key", "value"}});
   DBDatumPtr held = Held("key");
   Change(held, "VALUE");
@@ -72,7 +72,7 @@ TEST_F(DatabaseFlush, AHeldChangeIsWrittenByEveryFlush) {
                                  "sync"}));
 }
 
-TEST_F(DatabaseFlush, AHeldRecordStaysInTheCache) {
+TEST_F(DatabaseFlushTest, AHeldRecordStaysInTheCache) {
   PlantAndReopen({{"clean", "1"}, {"dirty", "2"}});
   const DBDatumPtr clean = Held("clean");
   const DBDatumPtr dirty = Held("dirty");
@@ -84,7 +84,7 @@ TEST_F(DatabaseFlush, AHeldRecordStaysInTheCache) {
   EXPECT_EQ(gdbm.Count("fetch"), 0u);
 }
 
-TEST_F(DatabaseFlush, ARecordThatNobodyHoldsIsDropped) {
+TEST_F(DatabaseFlushTest, ARecordThatNobodyHoldsIsDropped) {
   PlantAndReopen({{"clean", "1"}, {"dirty", "2"}});
   Change(Held("dirty"), "3");
   Get("clean");
@@ -94,7 +94,7 @@ TEST_F(DatabaseFlush, ARecordThatNobodyHoldsIsDropped) {
   EXPECT_EQ(gdbm.Count("fetch"), 2u);
 }
 
-TEST_F(DatabaseFlush, CloseLeavesHeldRecordsInTheCacheButClosesTheFile) {
+TEST_F(DatabaseFlushTest, CloseLeavesHeldRecordsInTheCacheButClosesTheFile) {
   PlantAndReopen({{"key", "value"}});
   const DBDatumPtr held = Held("key");
   store_.Close();
@@ -102,13 +102,13 @@ TEST_F(DatabaseFlush, CloseLeavesHeldRecordsInTheCacheButClosesTheFile) {
   EXPECT_EQ(Dump(path_).at("key"), "value");
 }
 
-TEST_F(DatabaseFlush, WithNothingToWriteStillSyncs) {
+TEST_F(DatabaseFlushTest, WithNothingToWriteStillSyncs) {
   GdbmWatch gdbm;
   EXPECT_EQ(store_.Flush(), 0);
   EXPECT_EQ(gdbm.Lines(), (Lines{"sync"}));
 }
 
-TEST_F(DatabaseFlush, ARefusedRecordIsNamedAndItsErrorReturned) {
+TEST_F(DatabaseFlushTest, ARefusedRecordIsNamedAndItsErrorReturned) {
   PlantAndReopen({{"key", "value"}}, 0);
   Change(Held("key"), "VALUE");
   const std::string printed =
@@ -116,7 +116,7 @@ TEST_F(DatabaseFlush, ARefusedRecordIsNamedAndItsErrorReturned) {
   EXPECT_EQ(printed, "Kestan: Could not write item 'key' -- Reader can't store\n");
 }
 
-TEST_F(DatabaseFlush, ARefusedRecordDoesNotStopTheOthers) {
+TEST_F(DatabaseFlushTest, ARefusedRecordDoesNotStopTheOthers) {
   PlantAndReopen({{"a", "1"}, {"b", "2"}, {"c", "3"}});
   for (const char* key : {"a", "b", "c"}) Change(Held(key), "X");
   GdbmWatch gdbm;
@@ -129,7 +129,7 @@ TEST_F(DatabaseFlush, ARefusedRecordDoesNotStopTheOthers) {
   EXPECT_EQ(Stored(), (Records{{"a", "X"}, {"b", "2"}, {"c", "X"}}));
 }
 
-TEST_F(DatabaseFlush, TheLastErrorIsReturned) {
+TEST_F(DatabaseFlushTest, TheLastErrorIsReturned) {
   PlantAndReopen({{"a", "1"}, {"b", "2"}, {"c", "3"}});
   for (const char* key : {"a", "b", "c"}) Change(Held(key), "X");
   GdbmWatch gdbm;
@@ -143,7 +143,7 @@ TEST_F(DatabaseFlush, TheLastErrorIsReturned) {
                          Database::ErrorString(GDBM_FILE_SEEK_ERROR) + "\n");
 }
 
-TEST_F(DatabaseFlush, ARefusedRecordStaysOnlyWhileHeld) {
+TEST_F(DatabaseFlushTest, ARefusedRecordStaysOnlyWhileHeld) {
   PlantAndReopen({{"free", "1"}, {"held", "2"}});
   Change(Held("free"), "X");
   const DBDatumPtr held = Held("held");
@@ -156,7 +156,7 @@ TEST_F(DatabaseFlush, ARefusedRecordStaysOnlyWhileHeld) {
   EXPECT_EQ(Get("held"), "X");
 }
 
-TEST_F(DatabaseFlush, TheMessageEndsTheKeyAtItsFirstZero) {
+TEST_F(DatabaseFlushTest, TheMessageEndsTheKeyAtItsFirstZero) {
   const std::string key("ab\0cd", 5);
   PlantAndReopen({{key, "value"}}, 0);
   Change(Held(key), "VALUE");
@@ -164,7 +164,7 @@ TEST_F(DatabaseFlush, TheMessageEndsTheKeyAtItsFirstZero) {
             "Kestan: Could not write item 'ab' -- Reader can't store\n");
 }
 
-TEST_F(DatabaseFlush, TheMessageHasAllOfALongKeyAndNoMore) {
+TEST_F(DatabaseFlushTest, TheMessageHasAllOfALongKeyAndNoMore) {
   const std::string key(5000, 'k');
   const DBDatumPtr shared = Counted(key);
   const DBDatumPtr value = Counted("value");
@@ -175,7 +175,7 @@ TEST_F(DatabaseFlush, TheMessageHasAllOfALongKeyAndNoMore) {
             "Kestan: Could not write item '" + key + "' -- Reader can't store\n");
 }
 
-TEST_F(DatabaseFlush, CloseReturnsItsResultAndClosesAllTheSame) {
+TEST_F(DatabaseFlushTest, CloseReturnsItsResultAndClosesAllTheSame) {
   PlantAndReopen({{"key", "value"}}, 0);
   Change(Held("key"), "VALUE");
   const std::string printed =
@@ -186,7 +186,7 @@ TEST_F(DatabaseFlush, CloseReturnsItsResultAndClosesAllTheSame) {
   EXPECT_EQ(Get("key"), "value");
 }
 
-TEST_F(DatabaseFlush, AFailedSyncIsNotReported) {
+TEST_F(DatabaseFlushTest, AFailedSyncIsNotReported) {
   GdbmWatch gdbm;
   gdbm.Fail("sync", 1, GDBM_FILE_SYNC_ERROR);
   gdbm.Fail("sync", 2, GDBM_FILE_SYNC_ERROR);
@@ -198,7 +198,7 @@ TEST_F(DatabaseFlush, AFailedSyncIsNotReported) {
   EXPECT_EQ(gdbm.Count("sync"), 2u);
 }
 
-TEST_F(DatabaseFlush, SyncWritesNoRecords) {
+TEST_F(DatabaseFlushTest, SyncWritesNoRecords) {
   PlantAndReopen({{"key", "value"}});
   Change(Held("key"), "VALUE");
   GdbmWatch gdbm;
@@ -206,7 +206,7 @@ TEST_F(DatabaseFlush, SyncWritesNoRecords) {
   EXPECT_EQ(gdbm.Lines(), (Lines{"sync"}));
 }
 
-TEST_F(DatabaseShrink, FlushesReorganizesAndSyncs) {
+TEST_F(DatabaseShrinkTest, FlushesReorganizesAndSyncs) {
   PlantAndReopen({{"key", "value"}});
   Change(Held("key"), "VALUE");
   GdbmWatch gdbm;
@@ -214,7 +214,7 @@ TEST_F(DatabaseShrink, FlushesReorganizesAndSyncs) {
   EXPECT_EQ(gdbm.Lines(), (Lines{"store key", "sync", "reorganize", "sync"}));
 }
 
-TEST_F(DatabaseShrink, KeepsTheRecordsAndStaysOpen) {
+TEST_F(DatabaseShrinkTest, KeepsTheRecordsAndStaysOpen) {
   Put("key", "value");
   Put("gone", "value");
   store_.Del(Datum("gone"));
@@ -224,7 +224,7 @@ TEST_F(DatabaseShrink, KeepsTheRecordsAndStaysOpen) {
   EXPECT_EQ(Stored(), (Records{{"key", "value"}, {"more", "value"}}));
 }
 
-TEST_F(DatabaseShrink, GivesFreeSpaceBack) {
+TEST_F(DatabaseShrinkTest, GivesFreeSpaceBack) {
   for (char letter = 'a'; letter <= 'z'; ++letter) Put({&letter, 1}, std::string(5000, letter));
   store_.Sync();
   const auto before = std::filesystem::file_size(path_);
@@ -233,7 +233,7 @@ TEST_F(DatabaseShrink, GivesFreeSpaceBack) {
   EXPECT_LT(std::filesystem::file_size(path_), before);
 }
 
-TEST_F(DatabaseShrink, LeavesAFileThatIsOnlyReadAsItIs) {
+TEST_F(DatabaseShrinkTest, LeavesAFileThatIsOnlyReadAsItIs) {
   PlantAndReopen({{"key", "value"}}, 0);
   std::size_t options = 0;
   {
@@ -246,7 +246,7 @@ TEST_F(DatabaseShrink, LeavesAFileThatIsOnlyReadAsItIs) {
   EXPECT_EQ(Get("key"), "value");
 }
 
-TEST_F(DatabaseShrink, ReportsNoFailure) {
+TEST_F(DatabaseShrinkTest, ReportsNoFailure) {
   PlantAndReopen({{"key", "value"}});
   Change(Held("key"), "VALUE");
   GdbmWatch gdbm;

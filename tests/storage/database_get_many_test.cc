@@ -4,7 +4,7 @@
 namespace kestan_tests {
 namespace {
 
-class DatabaseGetMany : public DatabaseTest {
+class DatabaseGetManyTest : public DatabaseTest {
  protected:
   // Fetches the values of `names`, "none" for each that is absent.
   std::vector<std::string> GetMany(const std::vector<std::string>& names) {
@@ -20,7 +20,7 @@ class DatabaseGetMany : public DatabaseTest {
   }
 };
 
-TEST_F(DatabaseGetMany, FindsCachedRecordsAndThoseInTheFile) {
+TEST_F(DatabaseGetManyTest, FindsCachedRecordsAndThoseInTheFile) {
   Put("a", "1");
   Put("b", "2");
   store_.Flush();
@@ -29,14 +29,14 @@ TEST_F(DatabaseGetMany, FindsCachedRecordsAndThoseInTheFile) {
             (std::vector<std::string>{"1", "2", "3", "none", "1"}));
 }
 
-TEST_F(DatabaseGetMany, OfMoreKeysThanABatchFindsAll) {
+TEST_F(DatabaseGetManyTest, OfMoreKeysThanABatchFindsAll) {
   std::vector<std::string> names;
   for (int i = 0; i < 100; ++i) names.push_back(std::to_string(i));
   for (const std::string& name : names) Put(name, name);
   EXPECT_EQ(GetMany(names), names);
 }
 
-TEST_F(DatabaseGetMany, SharesTheValuesWithTheCache) {
+TEST_F(DatabaseGetManyTest, SharesTheValuesWithTheCache) {
   Put("a", "1");
   const DBDatum key = Datum("a");
   DBDatumPtr value;
@@ -45,9 +45,9 @@ TEST_F(DatabaseGetMany, SharesTheValuesWithTheCache) {
   EXPECT_EQ(value.ptr->refs, 2);
 }
 
-TEST_F(DatabaseGetMany, OfNoKeysDoesNothing) { EXPECT_TRUE(GetMany({}).empty()); }
+TEST_F(DatabaseGetManyTest, OfNoKeysDoesNothing) { EXPECT_TRUE(GetMany({}).empty()); }
 
-TEST_F(DatabaseGetMany, ReplacesWhatTheHandlesHeld) {
+TEST_F(DatabaseGetManyTest, ReplacesWhatTheHandlesHeld) {
   Put("a", "1");
   DBDatumPtr value = Held("a");
   const DBDatum absent = Datum("b");
@@ -55,7 +55,7 @@ TEST_F(DatabaseGetMany, ReplacesWhatTheHandlesHeld) {
   EXPECT_EQ(value.ptr, nullptr);
 }
 
-TEST_F(DatabaseGetMany, WithoutAFileSaysSoOnce) {
+TEST_F(DatabaseGetManyTest, WithoutAFileSaysSoOnce) {
   store_.Close();
   const DBDatum key = Datum("a");
   DBDatumPtr value;

@@ -8,9 +8,9 @@ namespace {
 
 using namespace std::string_view_literals;
 
-using DatabaseGet = DatabaseTest;
+using DatabaseGetTest = DatabaseTest;
 
-TEST_F(DatabaseGet, AnAbsentKeyIsGdbmsItemNotFound) {
+TEST_F(DatabaseGetTest, AnAbsentKeyIsGdbmsItemNotFound) {
   DBDatumPtr value;
   const std::string printed =
       StandardErrorOf([&] { EXPECT_EQ(store_.Get(&value, Datum("key")), GDBM_ITEM_NOT_FOUND); });
@@ -18,7 +18,7 @@ TEST_F(DatabaseGet, AnAbsentKeyIsGdbmsItemNotFound) {
   EXPECT_EQ(printed, "");
 }
 
-TEST_F(DatabaseGet, AnAbsentKeyIsAskedForEachTime) {
+TEST_F(DatabaseGetTest, AnAbsentKeyIsAskedForEachTime) {
   GdbmWatch gdbm;
   EXPECT_EQ(Get("key"), "none");
   EXPECT_EQ(Get("key"), "none");
@@ -26,7 +26,7 @@ TEST_F(DatabaseGet, AnAbsentKeyIsAskedForEachTime) {
 }
 
 // No bytes of the key are looked at: the cache is empty.
-TEST_F(DatabaseGet, AKeyOfMoreBytesThanGdbmCanCountIsAbsent) {
+TEST_F(DatabaseGetTest, AKeyOfMoreBytesThanGdbmCanCountIsAbsent) {
   DBDatum key = Datum("key");
   key.size = 1u + INT_MAX;
   DBDatumPtr value;
@@ -35,7 +35,7 @@ TEST_F(DatabaseGet, AKeyOfMoreBytesThanGdbmCanCountIsAbsent) {
   EXPECT_TRUE(gdbm.Lines().empty());
 }
 
-TEST_F(DatabaseGet, FailureGivesUpWhatTheHandleHeld) {
+TEST_F(DatabaseGetTest, FailureGivesUpWhatTheHandleHeld) {
   DBDatumPtr value = Counted("old");
   const DBDatumPtr old = value;
   EXPECT_EQ(store_.Get(&value, Datum("key")), GDBM_ITEM_NOT_FOUND);
@@ -43,7 +43,7 @@ TEST_F(DatabaseGet, FailureGivesUpWhatTheHandleHeld) {
   EXPECT_EQ(old.ptr->refs, 1);
 }
 
-TEST_F(DatabaseGet, GdbmsOtherErrorsAreReturnedToo) {
+TEST_F(DatabaseGetTest, GdbmsOtherErrorsAreReturnedToo) {
   PlantAndReopen({{"key", "value"}});
   GdbmWatch gdbm;
   gdbm.Fail("fetch", 1, GDBM_FILE_READ_ERROR);
@@ -53,7 +53,7 @@ TEST_F(DatabaseGet, GdbmsOtherErrorsAreReturnedToo) {
   EXPECT_EQ(Get("key"), "value");
 }
 
-TEST_F(DatabaseGet, ReadsARecordOnce) {
+TEST_F(DatabaseGetTest, ReadsARecordOnce) {
   PlantAndReopen({{"key", "value"}});
   GdbmWatch gdbm;
   EXPECT_EQ(Get("key"), "value");
@@ -61,7 +61,7 @@ TEST_F(DatabaseGet, ReadsARecordOnce) {
   EXPECT_EQ(gdbm.Lines(), (Lines{"fetch key"}));
 }
 
-TEST_F(DatabaseGet, TheValueIsSharedWithTheCache) {
+TEST_F(DatabaseGetTest, TheValueIsSharedWithTheCache) {
   PlantAndReopen({{"key", "value"}});
   const DBDatumPtr first = Held("key");
   EXPECT_EQ(first.ptr->refs, 2);
@@ -70,7 +70,7 @@ TEST_F(DatabaseGet, TheValueIsSharedWithTheCache) {
   EXPECT_EQ(first.ptr->refs, 3);
 }
 
-TEST_F(DatabaseGet, TheValueStartsClean) {
+TEST_F(DatabaseGetTest, TheValueStartsClean) {
   PlantAndReopen({{"key", "value"}});
   const DBDatumPtr value = Held("key");
   EXPECT_FALSE(value.ptr->dirty);
@@ -78,7 +78,7 @@ TEST_F(DatabaseGet, TheValueStartsClean) {
   EXPECT_EQ(value.ptr->size, 5u);
 }
 
-TEST_F(DatabaseGet, ReplacesWhatTheHandleHeld) {
+TEST_F(DatabaseGetTest, ReplacesWhatTheHandleHeld) {
   PlantAndReopen({{"a", "1"}, {"b", "2"}});
   DBDatumPtr value;
   store_.Get(&value, Datum("a"));
@@ -88,14 +88,14 @@ TEST_F(DatabaseGet, ReplacesWhatTheHandleHeld) {
   EXPECT_EQ(first.ptr->refs, 2);
 }
 
-TEST_F(DatabaseGet, TheKeyMayBeWhatTheHandleHolds) {
+TEST_F(DatabaseGetTest, TheKeyMayBeWhatTheHandleHolds) {
   PlantAndReopen({{"a", "b"}, {"b", "c"}});
   DBDatumPtr handle = Held("a");
   EXPECT_EQ(store_.Get(&handle, *handle.ptr), 0);
   EXPECT_EQ(Bytes(*handle.ptr), "c");
 }
 
-TEST_F(DatabaseGet, TheKeyMayBeWhatTheHandleAloneHolds) {
+TEST_F(DatabaseGetTest, TheKeyMayBeWhatTheHandleAloneHolds) {
   PlantAndReopen({{"b", "c"}});
   DBDatumPtr handle = Counted("b");
   EXPECT_EQ(store_.Get(&handle, *handle.ptr), 0);
@@ -105,7 +105,7 @@ TEST_F(DatabaseGet, TheKeyMayBeWhatTheHandleAloneHolds) {
   EXPECT_EQ(handle.ptr, nullptr);
 }
 
-TEST_F(DatabaseGet, CopiesTheKey) {
+TEST_F(DatabaseGetTest, CopiesTheKey) {
   PlantAndReopen({{"key", "value"}});
   const DBDatumPtr key = Counted("key");
   DBDatumPtr value;
@@ -115,7 +115,7 @@ TEST_F(DatabaseGet, CopiesTheKey) {
   EXPECT_EQ(Held("key").ptr, value.ptr);
 }
 
-TEST_F(DatabaseGet, ACountedKeyHasItsCountAgain) {
+TEST_F(DatabaseGetTest, ACountedKeyHasItsCountAgain) {
   PlantAndReopen({{"key", "value"}});
   const DBDatumPtr key = Counted("key");
   const DBDatumPtr absent = Counted("absent");
@@ -128,7 +128,7 @@ TEST_F(DatabaseGet, ACountedKeyHasItsCountAgain) {
   }
 }
 
-TEST_F(DatabaseGet, LeavesTheCountOfAnUncountedKey) {
+TEST_F(DatabaseGetTest, LeavesTheCountOfAnUncountedKey) {
   PlantAndReopen({{"key", "value"}});
   const DBDatum key = Datum("key");
   DBDatumPtr value;
@@ -137,21 +137,21 @@ TEST_F(DatabaseGet, LeavesTheCountOfAnUncountedKey) {
   EXPECT_LT(key.refs, 1);
 }
 
-TEST_F(DatabaseGet, TakesKeysByTheirLength) {
+TEST_F(DatabaseGetTest, TakesKeysByTheirLength) {
   PlantAndReopen({{"key", "short"}, {std::string("key\0more", 8), "long"}});
   EXPECT_EQ(Get("key\0more"sv), "long");
   EXPECT_EQ(Get("key"), "short");
   EXPECT_EQ(Get("key\0"sv), "none");
 }
 
-TEST_F(DatabaseGet, AnEmptyValueIsNotAbsent) {
+TEST_F(DatabaseGetTest, AnEmptyValueIsNotAbsent) {
   PlantAndReopen({{"key", ""}});
   const DBDatumPtr value = Held("key");
   ASSERT_NE(value.ptr, nullptr);
   EXPECT_EQ(value.ptr->size, 0u);
 }
 
-TEST_F(DatabaseGet, TheEmptyKeyIsAKey) {
+TEST_F(DatabaseGetTest, TheEmptyKeyIsAKey) {
   EXPECT_EQ(Get(""), "none");
   EXPECT_EQ(Put("", "value"), 0);
   EXPECT_EQ(store_.Flush(), 0);
@@ -160,7 +160,7 @@ TEST_F(DatabaseGet, TheEmptyKeyIsAKey) {
   EXPECT_EQ(Bytes(*value.ptr), "value");
 }
 
-TEST_F(DatabaseGet, ReadsAgainWhatAFlushDropped) {
+TEST_F(DatabaseGetTest, ReadsAgainWhatAFlushDropped) {
   PlantAndReopen({{"key", "value"}});
   EXPECT_EQ(Get("key"), "value");
   store_.Flush();
@@ -169,7 +169,7 @@ TEST_F(DatabaseGet, ReadsAgainWhatAFlushDropped) {
   EXPECT_EQ(gdbm.Count("fetch"), 1u);
 }
 
-TEST_F(DatabaseGet, BinaryValuesComeBackWhole) {
+TEST_F(DatabaseGetTest, BinaryValuesComeBackWhole) {
   std::string every_byte;
   for (int byte = 0; byte < 256; ++byte) every_byte += static_cast<char>(byte);
   PlantAndReopen({{"key", every_byte}});

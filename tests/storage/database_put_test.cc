@@ -8,30 +8,30 @@ namespace {
 
 using namespace std::string_view_literals;
 
-using DatabasePut = DatabaseTest;
-using DatabaseDel = DatabaseTest;
+using DatabasePutTest = DatabaseTest;
+using DatabaseDelTest = DatabaseTest;
 
-TEST_F(DatabasePut, WritesTheFileAtOnce) {
+TEST_F(DatabasePutTest, WritesTheFileAtOnce) {
   GdbmWatch gdbm;
   EXPECT_EQ(Put("key", "value"), 0);
   EXPECT_EQ(gdbm.Lines(), (Lines{"store key"}));
   EXPECT_EQ(gdbm.Calls().front().value, "value");
 }
 
-TEST_F(DatabasePut, ReachesTheFileWithASync) {
+TEST_F(DatabasePutTest, ReachesTheFileWithASync) {
   Put("key", "value");
   store_.Sync();
   EXPECT_EQ(InFile(), (Records{{"key", "value"}}));
 }
 
-TEST_F(DatabasePut, ReplacesARecord) {
+TEST_F(DatabasePutTest, ReplacesARecord) {
   EXPECT_EQ(Put("key", "value"), 0);
   EXPECT_EQ(Put("key", "longer value"), 0);
   EXPECT_EQ(Get("key"), "longer value");
   EXPECT_EQ(Stored(), (Records{{"key", "longer value"}}));
 }
 
-TEST_F(DatabasePut, ReplacesARecordThatWasNotCached) {
+TEST_F(DatabasePutTest, ReplacesARecordThatWasNotCached) {
   PlantAndReopen({{"key", "old"}});
   GdbmWatch gdbm;
   EXPECT_EQ(Put("key", "new"), 0);
@@ -39,21 +39,21 @@ TEST_F(DatabasePut, ReplacesARecordThatWasNotCached) {
   EXPECT_EQ(gdbm.Lines(), (Lines{"store key"}));
 }
 
-TEST_F(DatabasePut, TheNewValueIsReadFromTheCache) {
+TEST_F(DatabasePutTest, TheNewValueIsReadFromTheCache) {
   Put("key", "value");
   GdbmWatch gdbm;
   EXPECT_EQ(Get("key"), "value");
   EXPECT_TRUE(gdbm.Lines().empty());
 }
 
-TEST_F(DatabasePut, IsNotWrittenAgainByAFlush) {
+TEST_F(DatabasePutTest, IsNotWrittenAgainByAFlush) {
   Put("key", "value");
   GdbmWatch gdbm;
   store_.Flush();
   EXPECT_EQ(gdbm.Lines(), (Lines{"sync"}));
 }
 
-TEST_F(DatabasePut, CopiesBytesThatAreNotCounted) {
+TEST_F(DatabasePutTest, CopiesBytesThatAreNotCounted) {
   std::string key = "key";
   std::string value = "value";
   EXPECT_EQ(Put(key, value), 0);
@@ -61,20 +61,20 @@ TEST_F(DatabasePut, CopiesBytesThatAreNotCounted) {
   EXPECT_EQ(Get("key"), "value");
 }
 
-TEST_F(DatabasePut, ACopiedValueIsHeldByTheCacheAlone) {
+TEST_F(DatabasePutTest, ACopiedValueIsHeldByTheCacheAlone) {
   Put("key", "value");
   const DBDatumPtr value = Held("key");
   EXPECT_EQ(value.ptr->refs, 2);
   EXPECT_FALSE(value.ptr->dirty);
 }
 
-TEST_F(DatabasePut, CopiesACountedKeyOfAnUncountedValue) {
+TEST_F(DatabasePutTest, CopiesACountedKeyOfAnUncountedValue) {
   const DBDatumPtr key = Counted("key");
   EXPECT_EQ(store_.Put(*key.ptr, Datum("value")), 0);
   EXPECT_EQ(key.ptr->refs, 1);
 }
 
-TEST_F(DatabasePut, ACountedKeyThatIsCachedHasItsCountAgain) {
+TEST_F(DatabasePutTest, ACountedKeyThatIsCachedHasItsCountAgain) {
   const DBDatumPtr key = Counted("key");
   const DBDatumPtr value = Counted("value");
   Put("key", "old");
@@ -84,14 +84,14 @@ TEST_F(DatabasePut, ACountedKeyThatIsCachedHasItsCountAgain) {
   EXPECT_EQ(key.ptr->refs, 1);
 }
 
-TEST_F(DatabasePut, SharesACountedValue) {
+TEST_F(DatabasePutTest, SharesACountedValue) {
   const DBDatumPtr value = Counted("value");
   EXPECT_EQ(store_.Put(Datum("key"), *value.ptr), 0);
   EXPECT_EQ(value.ptr->refs, 2);
   EXPECT_EQ(Held("key").ptr, value.ptr);
 }
 
-TEST_F(DatabasePut, SharesTheCountedKeyOfACountedValue) {
+TEST_F(DatabasePutTest, SharesTheCountedKeyOfACountedValue) {
   const DBDatumPtr key = Counted("key");
   const DBDatumPtr value = Counted("value");
   EXPECT_EQ(store_.Put(*key.ptr, *value.ptr), 0);
@@ -100,7 +100,7 @@ TEST_F(DatabasePut, SharesTheCountedKeyOfACountedValue) {
   EXPECT_EQ(Stored(), (Records{{"key", "value"}}));
 }
 
-TEST_F(DatabasePut, ASharedKeyIsGivenUpWithItsRecord) {
+TEST_F(DatabasePutTest, ASharedKeyIsGivenUpWithItsRecord) {
   const DBDatumPtr key = Counted("key");
   DBDatumPtr value = Counted("value");
   store_.Put(*key.ptr, *value.ptr);
@@ -109,7 +109,7 @@ TEST_F(DatabasePut, ASharedKeyIsGivenUpWithItsRecord) {
   EXPECT_EQ(key.ptr->refs, 1);
 }
 
-TEST_F(DatabasePut, ASharedValueThatIsChangedIsFlushed) {
+TEST_F(DatabasePutTest, ASharedValueThatIsChangedIsFlushed) {
   const DBDatumPtr value = Counted("value");
   store_.Put(Datum("key"), *value.ptr);
   Change(value, "VALUE");
@@ -117,7 +117,7 @@ TEST_F(DatabasePut, ASharedValueThatIsChangedIsFlushed) {
   EXPECT_EQ(Stored().at("key"), "VALUE");
 }
 
-TEST_F(DatabasePut, ACountedValueNewToTheCacheStaysDirty) {
+TEST_F(DatabasePutTest, ACountedValueNewToTheCacheStaysDirty) {
   const DBDatumPtr value = Counted("value");
   value.ptr->dirty = true;
   store_.Put(Datum("key"), *value.ptr);
@@ -127,7 +127,7 @@ TEST_F(DatabasePut, ACountedValueNewToTheCacheStaysDirty) {
   EXPECT_EQ(gdbm.Lines(), (Lines{"store key", "sync"}));
 }
 
-TEST_F(DatabasePut, HoldersOfTheCachedValueSeeTheNewBytes) {
+TEST_F(DatabasePutTest, HoldersOfTheCachedValueSeeTheNewBytes) {
   PlantAndReopen({{"key", "value"}});
   const DBDatumPtr held = Held("key");
   EXPECT_EQ(Put("key", "something longer"), 0);
@@ -137,7 +137,7 @@ TEST_F(DatabasePut, HoldersOfTheCachedValueSeeTheNewBytes) {
   EXPECT_EQ(Held("key").ptr, held.ptr);
 }
 
-TEST_F(DatabasePut, ANewValueClearsTheMarkOfAChange) {
+TEST_F(DatabasePutTest, ANewValueClearsTheMarkOfAChange) {
   PlantAndReopen({{"key", "value"}});
   const DBDatumPtr held = Held("key");
   Change(held, "VALUE");
@@ -148,7 +148,7 @@ TEST_F(DatabasePut, ANewValueClearsTheMarkOfAChange) {
   EXPECT_EQ(gdbm.Lines(), (Lines{"sync"}));
 }
 
-TEST_F(DatabasePut, ACountedValueTakesThePlaceOfTheCachedOne) {
+TEST_F(DatabasePutTest, ACountedValueTakesThePlaceOfTheCachedOne) {
   PlantAndReopen({{"key", "old"}});
   const DBDatumPtr old = Held("key");
   const DBDatumPtr value = Counted("new");
@@ -161,7 +161,7 @@ TEST_F(DatabasePut, ACountedValueTakesThePlaceOfTheCachedOne) {
   EXPECT_EQ(old.ptr->refs, 1);
 }
 
-TEST_F(DatabasePut, TheCachedValueItselfMayBePut) {
+TEST_F(DatabasePutTest, TheCachedValueItselfMayBePut) {
   PlantAndReopen({{"key", "value"}});
   const DBDatumPtr held = Held("key");
   Change(held, "VALUE");
@@ -171,21 +171,21 @@ TEST_F(DatabasePut, TheCachedValueItselfMayBePut) {
   EXPECT_EQ(Stored().at("key"), "VALUE");
 }
 
-TEST_F(DatabasePut, TheNewBytesMayLieInTheCachedValue) {
+TEST_F(DatabasePutTest, TheNewBytesMayLieInTheCachedValue) {
   PlantAndReopen({{"key", "value"}});
   const DBDatumPtr held = Held("key");
   EXPECT_EQ(store_.Put(Datum("key"), DBDatum(held.ptr->data + 1, 3)), 0);
   EXPECT_EQ(Bytes(*held.ptr), "alu");
 }
 
-TEST_F(DatabasePut, EmptyValuesNeedNoMemory) {
+TEST_F(DatabasePutTest, EmptyValuesNeedNoMemory) {
   EXPECT_EQ(store_.Put(Datum("key"), DBDatum()), 0);
   EXPECT_EQ(Get("key"), "");
   EXPECT_EQ(store_.Put(Datum("key"), DBDatum()), 0);
   EXPECT_EQ(Stored(), (Records{{"key", ""}}));
 }
 
-TEST_F(DatabasePut, ACountedValueWithoutMemoryIsStoredAsEmpty) {
+TEST_F(DatabasePutTest, ACountedValueWithoutMemoryIsStoredAsEmpty) {
   DBDatumPtr value;
   value.ptr = new DBDatum();
   value.ptr->refs = 1;
@@ -193,20 +193,20 @@ TEST_F(DatabasePut, ACountedValueWithoutMemoryIsStoredAsEmpty) {
   EXPECT_EQ(Stored(), (Records{{"key", ""}}));
 }
 
-TEST_F(DatabasePut, KeysAndValuesMayHoldZeros) {
+TEST_F(DatabasePutTest, KeysAndValuesMayHoldZeros) {
   EXPECT_EQ(Put("c-\0\1"sv, "a\0b"sv), 0);
   EXPECT_EQ(Get("c-\0\1"sv), "a\0b"sv);
   EXPECT_EQ(Stored(), (Records{{std::string("c-\0\1", 4), std::string("a\0b", 3)}}));
 }
 
-TEST_F(DatabasePut, ARefusedStoreReturnsGdbmsErrorAndPrintsNothing) {
+TEST_F(DatabasePutTest, ARefusedStoreReturnsGdbmsErrorAndPrintsNothing) {
   PlantAndReopen({{"key", "value"}}, 0);
   const std::string printed =
       StandardErrorOf([&] { EXPECT_EQ(Put("key", "new"), GDBM_READER_CANT_STORE); });
   EXPECT_EQ(printed, "");
 }
 
-TEST_F(DatabasePut, ARefusedValueStaysInTheCacheAndNotInTheFile) {
+TEST_F(DatabasePutTest, ARefusedValueStaysInTheCacheAndNotInTheFile) {
   PlantAndReopen({{"key", "value"}}, 0);
   Put("key", "new");
   Put("other", "new too");
@@ -217,14 +217,14 @@ TEST_F(DatabasePut, ARefusedValueStaysInTheCacheAndNotInTheFile) {
   EXPECT_EQ(Get("other"), "none");
 }
 
-TEST_F(DatabasePut, EachOfGdbmsErrorsIsReturned) {
+TEST_F(DatabasePutTest, EachOfGdbmsErrorsIsReturned) {
   GdbmWatch gdbm;
   gdbm.Fail("store", 1, GDBM_FILE_WRITE_ERROR);
   EXPECT_EQ(Put("key", "value"), GDBM_FILE_WRITE_ERROR);
   EXPECT_EQ(Put("key", "value"), 0);
 }
 
-TEST_F(DatabasePut, MoreBytesThanGdbmCanCountAreRefused) {
+TEST_F(DatabasePutTest, MoreBytesThanGdbmCanCountAreRefused) {
   const DBDatumPtr value = Counted("short");
   value.ptr->size = 1u + INT_MAX;
   GdbmWatch gdbm;
@@ -232,7 +232,7 @@ TEST_F(DatabasePut, MoreBytesThanGdbmCanCountAreRefused) {
   EXPECT_EQ(gdbm.Count("store"), 0u);
 }
 
-TEST_F(DatabasePut, AsManyBytesAsGdbmCanCountAreHandedToIt) {
+TEST_F(DatabasePutTest, AsManyBytesAsGdbmCanCountAreHandedToIt) {
   const DBDatumPtr value = Counted(std::string(kNotedBytes, 'v'));
   value.ptr->size = INT_MAX;
   GdbmWatch gdbm;
@@ -241,27 +241,27 @@ TEST_F(DatabasePut, AsManyBytesAsGdbmCanCountAreHandedToIt) {
   EXPECT_EQ(gdbm.Count("store"), 1u);
 }
 
-TEST_F(DatabaseDel, RemovesFromCacheAndFile) {
+TEST_F(DatabaseDelTest, RemovesFromCacheAndFile) {
   Put("key", "value");
   EXPECT_EQ(store_.Del(Datum("key")), 0);
   EXPECT_EQ(Get("key"), "none");
   EXPECT_TRUE(Stored().empty());
 }
 
-TEST_F(DatabaseDel, RemovesWhatWasNeverRead) {
+TEST_F(DatabaseDelTest, RemovesWhatWasNeverRead) {
   PlantAndReopen({{"key", "value"}, {"other", "stays"}});
   EXPECT_EQ(store_.Del(Datum("key")), 0);
   EXPECT_EQ(Stored(), (Records{{"other", "stays"}}));
 }
 
-TEST_F(DatabaseDel, AnAbsentKeyIsNoError) {
+TEST_F(DatabaseDelTest, AnAbsentKeyIsNoError) {
   GdbmWatch gdbm;
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(store_.Del(Datum("key")), 0); }), "");
   EXPECT_EQ(gdbm.Lines(), (Lines{"delete key"}));
 }
 
 // No bytes of the key are looked at: the cache is empty.
-TEST_F(DatabaseDel, AKeyOfMoreBytesThanGdbmCanCountIsAbsent) {
+TEST_F(DatabaseDelTest, AKeyOfMoreBytesThanGdbmCanCountIsAbsent) {
   DBDatum key = Datum("key");
   key.size = 1u + INT_MAX;
   GdbmWatch gdbm;
@@ -269,14 +269,14 @@ TEST_F(DatabaseDel, AKeyOfMoreBytesThanGdbmCanCountIsAbsent) {
   EXPECT_TRUE(gdbm.Lines().empty());
 }
 
-TEST_F(DatabaseDel, ARefusedDeleteIsNoErrorAndForgetsTheCachedValue) {
+TEST_F(DatabaseDelTest, ARefusedDeleteIsNoErrorAndForgetsTheCachedValue) {
   PlantAndReopen({{"key", "value"}}, 0);
   Change(Held("key"), "VALUE");
   EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(store_.Del(Datum("key")), 0); }), "");
   EXPECT_EQ(Get("key"), "value");
 }
 
-TEST_F(DatabaseDel, ACountedKeyHasItsCountAgain) {
+TEST_F(DatabaseDelTest, ACountedKeyHasItsCountAgain) {
   const DBDatumPtr key = Counted("key");
   Put("key", "value");
   for (int i = 0; i < 2; ++i) {  // with a record, and without
@@ -285,7 +285,7 @@ TEST_F(DatabaseDel, ACountedKeyHasItsCountAgain) {
   }
 }
 
-TEST_F(DatabaseDel, TheHolderKeepsTheValue) {
+TEST_F(DatabaseDelTest, TheHolderKeepsTheValue) {
   Put("key", "value");
   const DBDatumPtr held = Held("key");
   EXPECT_EQ(store_.Del(Datum("key")), 0);
@@ -294,7 +294,7 @@ TEST_F(DatabaseDel, TheHolderKeepsTheValue) {
   EXPECT_EQ(Get("key"), "none");
 }
 
-TEST_F(DatabaseDel, AChangeMadeAfterwardsIsNotFlushed) {
+TEST_F(DatabaseDelTest, AChangeMadeAfterwardsIsNotFlushed) {
   Put("key", "value");
   const DBDatumPtr held = Held("key");
   store_.Del(Datum("key"));
@@ -302,7 +302,7 @@ TEST_F(DatabaseDel, AChangeMadeAfterwardsIsNotFlushed) {
   EXPECT_TRUE(Stored().empty());
 }
 
-TEST_F(DatabaseDel, TheKeyMayBeTheCachesOwn) {
+TEST_F(DatabaseDelTest, TheKeyMayBeTheCachesOwn) {
   Put("key", "value");
   DBDatumPtr key;
   ASSERT_EQ(store_.First(&key), 0);
@@ -311,7 +311,7 @@ TEST_F(DatabaseDel, TheKeyMayBeTheCachesOwn) {
   EXPECT_TRUE(Stored().empty());
 }
 
-TEST_F(DatabaseDel, ADeletedKeyCanBePutAgain) {
+TEST_F(DatabaseDelTest, ADeletedKeyCanBePutAgain) {
   Put("key", "value");
   const DBDatumPtr held = Held("key");
   store_.Del(Datum("key"));

@@ -73,7 +73,7 @@ class TwinFile {
   bool has_key_ = false;
 };
 
-class DatabaseWalkProperties : public testing::Test {
+class DatabaseWalkPropertiesTest : public testing::Test {
  protected:
   // Runs one random sequence of `operations` operations on a store with two files.
   void RunSequence(unsigned seed, int operations) {
@@ -161,7 +161,7 @@ class DatabaseWalkProperties : public testing::Test {
   DBDatumPtr value_;
 };
 
-TEST_F(DatabaseWalkProperties, StepsAreThoseOfAPlainWalk) {
+TEST_F(DatabaseWalkPropertiesTest, StepsAreThoseOfAPlainWalk) {
   const int sequences = NumberFromEnvironment("KESTAN_WALK_SEQUENCES", 2000);
   for (int seed = 0; seed < sequences && !HasFailure(); ++seed) {
     SCOPED_TRACE("sequence " + std::to_string(seed));

@@ -1,5 +1,6 @@
-#include <gtest/gtest.h>
 #include <kestan/storage/datum_bytes.h>
+
+#include <gtest/gtest.h>
 
 namespace kestan_tests {
 namespace {

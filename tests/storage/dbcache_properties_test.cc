@@ -40,7 +40,7 @@ void ExpectSame(kestan::DBCache* cache, const PlainMap& plain) {
   RC_ASSERT(dirty == keys);
 }
 
-RC_GTEST_PROP(DBCacheProperty, HoldsWhatAPlainMapHolds, ()) {
+RC_GTEST_PROP(DBCachePropertiesTest, HoldsWhatAPlainMapHolds, ()) {
   kestan::DBCache cache;
   PlainMap plain;
   const auto numbers = *rc::gen::container<std::vector<unsigned>>(rc::gen::inRange(0u, 1200u));
@@ -56,7 +56,7 @@ RC_GTEST_PROP(DBCacheProperty, HoldsWhatAPlainMapHolds, ()) {
   ExpectSame(&cache, plain);
 }
 
-RC_GTEST_PROP(DBCacheProperty, FindsManyAsItFindsOne, ()) {
+RC_GTEST_PROP(DBCachePropertiesTest, FindsManyAsItFindsOne, ()) {
   kestan::DBCache cache;
   const auto inserted = *rc::gen::container<std::vector<unsigned>>(rc::gen::inRange(0u, 300u));
   for (const unsigned number : inserted) {

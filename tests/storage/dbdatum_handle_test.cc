@@ -13,9 +13,9 @@
 namespace kestan_tests {
 namespace {
 
-TEST(DBDatumPtr, StartsNull) { EXPECT_EQ(DBDatumPtr().ptr, nullptr); }
+TEST(DBDatumPtrTest, StartsNull) { EXPECT_EQ(DBDatumPtr().ptr, nullptr); }
 
-TEST(DBDatumPtr, CopyingCountsOneHolderMore) {
+TEST(DBDatumPtrTest, CopyingCountsOneHolderMore) {
   const DBDatumPtr first = Counted("value");
   EXPECT_EQ(first.ptr->refs, 1);
   const DBDatumPtr second = first;
@@ -23,13 +23,13 @@ TEST(DBDatumPtr, CopyingCountsOneHolderMore) {
   EXPECT_EQ(first.ptr->refs, 2);
 }
 
-TEST(DBDatumPtr, CopyingANullHandleGivesAnother) {
+TEST(DBDatumPtrTest, CopyingANullHandleGivesAnother) {
   const DBDatumPtr null;
   const DBDatumPtr copy = null;
   EXPECT_EQ(copy.ptr, nullptr);
 }
 
-TEST(DBDatumPtr, AssigningCountsOneHolderMore) {
+TEST(DBDatumPtrTest, AssigningCountsOneHolderMore) {
   const DBDatumPtr first = Counted("value");
   DBDatumPtr second;
   second = first;
@@ -37,7 +37,7 @@ TEST(DBDatumPtr, AssigningCountsOneHolderMore) {
   EXPECT_EQ(first.ptr->refs, 2);
 }
 
-TEST(DBDatumPtr, AssigningGivesUpTheOldDatum) {
+TEST(DBDatumPtrTest, AssigningGivesUpTheOldDatum) {
   const DBDatumPtr first = Counted("first");
   const DBDatumPtr second = Counted("second");
   DBDatumPtr handle = first;
@@ -46,7 +46,7 @@ TEST(DBDatumPtr, AssigningGivesUpTheOldDatum) {
   EXPECT_EQ(second.ptr->refs, 2);
 }
 
-TEST(DBDatumPtr, AssigningToItselfChangesNothing) {
+TEST(DBDatumPtrTest, AssigningToItselfChangesNothing) {
   DBDatumPtr handle = Counted("value");
   const DBDatumPtr& same = handle;
   handle = same;
@@ -55,7 +55,7 @@ TEST(DBDatumPtr, AssigningToItselfChangesNothing) {
   EXPECT_EQ(Bytes(*handle.ptr), "value");
 }
 
-TEST(DBDatumPtr, MovingToItselfChangesNothing) {
+TEST(DBDatumPtrTest, MovingToItselfChangesNothing) {
   DBDatumPtr handle = Counted("value");
   DBDatumPtr& same = handle;
   handle = std::move(same);
@@ -63,7 +63,7 @@ TEST(DBDatumPtr, MovingToItselfChangesNothing) {
   EXPECT_EQ(handle.ptr->refs, 1);
 }
 
-TEST(DBDatumPtr, AssigningAnotherHandleOfTheSameDatumKeepsTheCount) {
+TEST(DBDatumPtrTest, AssigningAnotherHandleOfTheSameDatumKeepsTheCount) {
   DBDatumPtr first = Counted("value");
   const DBDatumPtr second = first;
   first = second;
@@ -71,7 +71,7 @@ TEST(DBDatumPtr, AssigningAnotherHandleOfTheSameDatumKeepsTheCount) {
   EXPECT_EQ(first.ptr->refs, 2);
 }
 
-TEST(DBDatumPtr, MovingKeepsTheCount) {
+TEST(DBDatumPtrTest, MovingKeepsTheCount) {
   DBDatumPtr first = Counted("value");
   DBDatumPtr second = std::move(first);
   EXPECT_EQ(second.ptr->refs, 1);
@@ -81,7 +81,7 @@ TEST(DBDatumPtr, MovingKeepsTheCount) {
   EXPECT_EQ(Bytes(*third.ptr), "value");
 }
 
-TEST(DBDatumPtr, FreeLeavesTheDatumToItsOtherHolder) {
+TEST(DBDatumPtrTest, FreeLeavesTheDatumToItsOtherHolder) {
   DBDatumPtr first = Counted("value");
   const DBDatumPtr second = first;
   first.Free();
@@ -90,13 +90,13 @@ TEST(DBDatumPtr, FreeLeavesTheDatumToItsOtherHolder) {
   EXPECT_EQ(Bytes(*second.ptr), "value");
 }
 
-TEST(DBDatumPtr, TheLastFreeReleasesBytesAndRecord) {
+TEST(DBDatumPtrTest, TheLastFreeReleasesBytesAndRecord) {
   DBDatumPtr handle = Counted("value");
   handle.Free();
   EXPECT_EQ(handle.ptr, nullptr);
 }
 
-TEST(DBDatumPtr, TheLastFreeOfADatumWithoutBytesReleasesTheRecord) {
+TEST(DBDatumPtrTest, TheLastFreeOfADatumWithoutBytesReleasesTheRecord) {
   DBDatumPtr handle;
   handle.ptr = new DBDatum();
   handle.ptr->refs = 1;
@@ -104,14 +104,14 @@ TEST(DBDatumPtr, TheLastFreeOfADatumWithoutBytesReleasesTheRecord) {
   EXPECT_EQ(handle.ptr, nullptr);
 }
 
-TEST(DBDatumPtr, FreeOfANullHandleDoesNothing) {
+TEST(DBDatumPtrTest, FreeOfANullHandleDoesNothing) {
   DBDatumPtr handle;
   handle.Free();
   handle.Free();
   EXPECT_EQ(handle.ptr, nullptr);
 }
 
-TEST(DBDatumPtr, DyingFreesTheHandle) {
+TEST(DBDatumPtrTest, DyingFreesTheHandle) {
   const DBDatumPtr first = Counted("value");
   {
     const DBDatumPtr second = first;
@@ -120,7 +120,7 @@ TEST(DBDatumPtr, DyingFreesTheHandle) {
   EXPECT_EQ(first.ptr->refs, 1);
 }
 
-TEST(DBDatumPtr, AnUncountedDatumIsNotCountedByCopies) {
+TEST(DBDatumPtrTest, AnUncountedDatumIsNotCountedByCopies) {
   DBDatum datum = Datum("value");
   const DBDatumPtr first(&datum);
   const DBDatumPtr second = first;
@@ -130,7 +130,7 @@ TEST(DBDatumPtr, AnUncountedDatumIsNotCountedByCopies) {
   EXPECT_EQ(datum.refs, -1);
 }
 
-TEST(DBDatumPtr, FreeLowersTheCountOfAnUncountedDatumAndNoMore) {
+TEST(DBDatumPtrTest, FreeLowersTheCountOfAnUncountedDatumAndNoMore) {
   DBDatum datum = Datum("value");
   DBDatumPtr(&datum).Free();
   EXPECT_EQ(datum.refs, -2);
@@ -139,7 +139,7 @@ TEST(DBDatumPtr, FreeLowersTheCountOfAnUncountedDatumAndNoMore) {
   EXPECT_EQ(Bytes(datum), "value");
 }
 
-TEST(DBDatumPtr, ACountOfZeroIsNotCountedEither) {
+TEST(DBDatumPtrTest, ACountOfZeroIsNotCountedEither) {
   DBDatum datum = Datum("value");
   datum.refs = 0;
   DBDatumPtr handle(&datum);
@@ -149,20 +149,20 @@ TEST(DBDatumPtr, ACountOfZeroIsNotCountedEither) {
   EXPECT_EQ(Bytes(datum), "value");
 }
 
-TEST(DBDatumPtr, SharingACountedDatumCounts) {
+TEST(DBDatumPtrTest, SharingACountedDatumCounts) {
   const DBDatumPtr first = Counted("value");
   const DBDatumPtr second(first.ptr);
   EXPECT_EQ(first.ptr->refs, 2);
 }
 
-TEST(DBDatumPtr, OrdersAsTheDatumsDo) {
+TEST(DBDatumPtrTest, OrdersAsTheDatumsDo) {
   const std::less<DBDatumPtr> less;
   EXPECT_TRUE(less(Counted("a"), Counted("b")));
   EXPECT_FALSE(less(Counted("b"), Counted("a")));
   EXPECT_TRUE(less(Counted("a"), Counted("\xff")));
 }
 
-TEST(DBDatumPtr, IsAKeyOfStandardMaps) {
+TEST(DBDatumPtrTest, IsAKeyOfStandardMaps) {
   std::map<DBDatumPtr, int> map;
   map[Counted("b")] = 2;
   map[Counted("a")] = 1;

@@ -35,7 +35,7 @@ bool Less(std::string_view left, std::string_view right) { return Datum(left) < 
 
 bool Equal(std::string_view left, std::string_view right) { return Datum(left) == Datum(right); }
 
-TEST(DBDatum, StartsUncountedCleanAndWithoutCode) {
+TEST(DBDatumTest, StartsUncountedCleanAndWithoutCode) {
   const char bytes[] = "abc";
   const DBDatum datum(bytes, 2);
   EXPECT_EQ(datum.data, bytes);
@@ -45,7 +45,7 @@ TEST(DBDatum, StartsUncountedCleanAndWithoutCode) {
   EXPECT_FALSE(datum.dirty);
 }
 
-TEST(DBDatum, ADefaultOneIsEmpty) {
+TEST(DBDatumTest, ADefaultOneIsEmpty) {
   const DBDatum datum;
   EXPECT_EQ(datum.data, nullptr);
   EXPECT_EQ(datum.size, 0u);
@@ -54,19 +54,19 @@ TEST(DBDatum, ADefaultOneIsEmpty) {
   EXPECT_FALSE(datum.dirty);
 }
 
-TEST(DBDatum, CodeIsTheFirstFourBytesWithTheFirstOnTop) {
+TEST(DBDatumTest, CodeIsTheFirstFourBytesWithTheFirstOnTop) {
   EXPECT_EQ(CodeOf("\x01\x02\x03\x04"), 0x01020304u);
   EXPECT_EQ(CodeOf("\x01\x02\x03\x04\x05"), 0x01020304u);
   EXPECT_EQ(CodeOf("\xff\xfe\xfd\xfc"), 0xfffefdfcu);
 }
 
-TEST(DBDatum, CodeOfFewerBytesEndsInZeros) {
+TEST(DBDatumTest, CodeOfFewerBytesEndsInZeros) {
   EXPECT_EQ(CodeOf("\x01\x02\x03"), 0x01020300u);
   EXPECT_EQ(CodeOf("\x01\x02"), 0x01020000u);
   EXPECT_EQ(CodeOf("\x01"), 0x01000000u);
 }
 
-TEST(DBDatum, CodeTakesNoByteBeyondTheSize) {
+TEST(DBDatumTest, CodeTakesNoByteBeyondTheSize) {
   const char bytes[] = "\x01\x02\x03\x04\x05";
   EXPECT_EQ(DBDatum(bytes, 3).CalcCode(), 0x01020300u);
   EXPECT_EQ(DBDatum(bytes, 2).CalcCode(), 0x01020000u);
@@ -74,18 +74,18 @@ TEST(DBDatum, CodeTakesNoByteBeyondTheSize) {
   EXPECT_EQ(DBDatum(bytes, 0).CalcCode(), 0u);
 }
 
-TEST(DBDatum, CodeOfNoBytesIsZeroEvenWithoutMemory) {
+TEST(DBDatumTest, CodeOfNoBytesIsZeroEvenWithoutMemory) {
   EXPECT_EQ(DBDatum().CalcCode(), 0u);
   EXPECT_EQ(CodeOf(""), 0u);
 }
 
-TEST(DBDatum, CalculatingTheCodeDoesNotStoreIt) {
+TEST(DBDatumTest, CalculatingTheCodeDoesNotStoreIt) {
   const DBDatum datum = Datum("word");
   EXPECT_NE(datum.CalcCode(), 0u);
   EXPECT_EQ(datum.code, 0u);
 }
 
-TEST(DBDatum, ThePrefixComesBeforeTheLongerOne) {
+TEST(DBDatumTest, ThePrefixComesBeforeTheLongerOne) {
   EXPECT_TRUE(Less("ab", "ab\0"sv));
   EXPECT_TRUE(Less("ab", "abc"));
   EXPECT_FALSE(Less("ab\0"sv, "ab"));
@@ -93,36 +93,36 @@ TEST(DBDatum, ThePrefixComesBeforeTheLongerOne) {
   EXPECT_TRUE(Less("abcdefgh", "abcdefghi"));
 }
 
-TEST(DBDatum, TheCodeDecidesBeforeTheLength) {
+TEST(DBDatumTest, TheCodeDecidesBeforeTheLength) {
   EXPECT_TRUE(Less("abzzz", "b"));
   EXPECT_FALSE(Less("b", "abzzz"));
 }
 
-TEST(DBDatum, BytesBeyondTheCodeDecideWhereCodesAgree) {
+TEST(DBDatumTest, BytesBeyondTheCodeDecideWhereCodesAgree) {
   EXPECT_TRUE(Less("wordA", "wordB"));
   EXPECT_FALSE(Less("wordB", "wordA"));
   EXPECT_TRUE(Less("wordAZ", "wordB"));
 }
 
-TEST(DBDatum, BytesAbove127ComeLast) {
+TEST(DBDatumTest, BytesAbove127ComeLast) {
   EXPECT_TRUE(Less("\x7f", "\x80"));
   EXPECT_FALSE(Less("\xff", "z"));
   EXPECT_TRUE(Less("word\x7f", "word\x80"));
   EXPECT_FALSE(Less("word\xff", "wordz"));
 }
 
-TEST(DBDatum, TheEmptyOneComesFirst) {
+TEST(DBDatumTest, TheEmptyOneComesFirst) {
   EXPECT_TRUE(DBDatum() < Datum("\0"sv));
   EXPECT_FALSE(Datum("\0"sv) < DBDatum());
   EXPECT_FALSE(DBDatum() < DBDatum());
 }
 
-TEST(DBDatum, IsNotBeforeItself) {
+TEST(DBDatumTest, IsNotBeforeItself) {
   EXPECT_FALSE(Less("word", "word"));
   EXPECT_FALSE(Less("\0\0"sv, "\0\0"sv));
 }
 
-TEST(DBDatum, ComparingKeepsBothCodes) {
+TEST(DBDatumTest, ComparingKeepsBothCodes) {
   const DBDatum left = Datum("left");
   const DBDatum right = Datum("right");
   EXPECT_TRUE(left < right);
@@ -130,7 +130,7 @@ TEST(DBDatum, ComparingKeepsBothCodes) {
   EXPECT_EQ(right.code, right.CalcCode());
 }
 
-TEST(DBDatum, ACodeThatIsKeptIsNotCalculatedAgain) {
+TEST(DBDatumTest, ACodeThatIsKeptIsNotCalculatedAgain) {
   const DBDatum left = Datum("zebra");
   const DBDatum right = Datum("ant");
   left.code = 1;
@@ -138,7 +138,7 @@ TEST(DBDatum, ACodeThatIsKeptIsNotCalculatedAgain) {
   EXPECT_EQ(left.code, 1u);
 }
 
-TEST(DBDatum, EqualsTheSameBytesElsewhere) {
+TEST(DBDatumTest, EqualsTheSameBytesElsewhere) {
   EXPECT_TRUE(Equal("longer than four", std::string("longer than four")));
   EXPECT_FALSE(Equal("longer than four", "longer than fouR"));
   EXPECT_FALSE(Equal("aord", "word"));
@@ -146,13 +146,13 @@ TEST(DBDatum, EqualsTheSameBytesElsewhere) {
   EXPECT_TRUE(DBDatum() == DBDatum());
 }
 
-TEST(DBDatum, OfAnotherSizeIsNeverEqual) {
+TEST(DBDatumTest, OfAnotherSizeIsNeverEqual) {
   EXPECT_FALSE(Equal("ab", "abc"));
   EXPECT_FALSE(Equal("ab", "ab\0"sv));
   EXPECT_FALSE(Equal("", "\0"sv));
 }
 
-TEST(DBDatum, EqualityKeepsCodesOnlyWhereSizesAgree) {
+TEST(DBDatumTest, EqualityKeepsCodesOnlyWhereSizesAgree) {
   const DBDatum word = Datum("word");
   const DBDatum longer = Datum("words");
   const DBDatum other = Datum("bird");
@@ -164,7 +164,7 @@ TEST(DBDatum, EqualityKeepsCodesOnlyWhereSizesAgree) {
   EXPECT_EQ(other.code, other.CalcCode());
 }
 
-TEST(DBDatum, DifferentCodesMeanUnequal) {
+TEST(DBDatumTest, DifferentCodesMeanUnequal) {
   const DBDatum left = Datum("word");
   const DBDatum right = Datum("word");
   left.code = 1;
@@ -180,7 +180,7 @@ std::vector<std::string> ShortStrings() {
   return strings;
 }
 
-TEST(DBDatum, OrderAndEqualityAreThoseOfStandardStrings) {
+TEST(DBDatumTest, OrderAndEqualityAreThoseOfStandardStrings) {
   const std::vector<std::string> strings = ShortStrings();
   for (const std::string& left : strings) {
     for (const std::string& right : strings) {

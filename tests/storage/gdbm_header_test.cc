@@ -1,5 +1,6 @@
-#include <gtest/gtest.h>
 #include <kestan/storage/gdbm_header.h>
+
+#include <gtest/gtest.h>
 
 #include <cstring>
 #include <string>

@@ -13,20 +13,20 @@
 namespace kestan_tests {
 namespace {
 
-TEST(Memory, AllocatedBytesCanAllBeWritten) {
+TEST(MemoryTest, AllocatedBytesCanAllBeWritten) {
   char* const block = static_cast<char*>(kestan::Allocate(100));
   std::memset(block, 'x', 100);
   std::free(block);
 }
 
-TEST(Memory, NoBytesAreServedToo) {
+TEST(MemoryTest, NoBytesAreServedToo) {
   errno = ENOMEM;  // if the process ended here, it would be with this status
   void* const block = kestan::Allocate(0);
   EXPECT_NE(block, nullptr);
   std::free(block);
 }
 
-TEST(Memory, ReallocatedMemoryKeepsItsBytes) {
+TEST(MemoryTest, ReallocatedMemoryKeepsItsBytes) {
   char* block = static_cast<char*>(kestan::Allocate(4));
   std::memcpy(block, "word", 4);
   block = static_cast<char*>(kestan::Reallocate(block, 100000));
@@ -34,7 +34,7 @@ TEST(Memory, ReallocatedMemoryKeepsItsBytes) {
   std::free(block);
 }
 
-TEST(Memory, SlackIsTakenWhereThereIsMemoryForIt) {
+TEST(MemoryTest, SlackIsTakenWhereThereIsMemoryForIt) {
   std::size_t roomy = 100;
   void* block = kestan::ReallocateWithSlack(nullptr, 10, &roomy);
   std::memset(block, 'x', 100);
@@ -47,13 +47,13 @@ TEST(Memory, SlackIsTakenWhereThereIsMemoryForIt) {
   std::free(block);
 }
 
-TEST(Memory, ReallocatingNothingAllocates) {
+TEST(MemoryTest, ReallocatingNothingAllocates) {
   char* const block = static_cast<char*>(kestan::Reallocate(nullptr, 3));
   std::memcpy(block, "abc", 3);
   std::free(block);
 }
 
-TEST(Memory, ReallocatingToNoBytesStillOwnsABlock) {
+TEST(MemoryTest, ReallocatingToNoBytesStillOwnsABlock) {
   errno = ENOMEM;  // if the process ended here, it would be with this status
   void* block = kestan::Allocate(10);
   block = kestan::Reallocate(block, 0);
@@ -61,7 +61,7 @@ TEST(Memory, ReallocatingToNoBytesStillOwnsABlock) {
   std::free(block);
 }
 
-TEST(Memory, NewPassesItsArgumentsOn) {
+TEST(MemoryTest, NewPassesItsArgumentsOn) {
   const std::string* const text = kestan::New<std::string>(std::size_t{3}, 'x');
   EXPECT_EQ(*text, "xxx");
   delete text;
@@ -126,12 +126,12 @@ TEST(MemoryDeathTest, TheExitStatusIsTheErrorThatTheLineNames) {
       testing::Eq("Kestan: could not allocate 12 bytes -- " + reason + "\n"));
 }
 
-TEST(Memory, AllocatorsAreAllTheSame) {
+TEST(MemoryTest, AllocatorsAreAllTheSame) {
   EXPECT_TRUE(kestan::Allocator<int>() == kestan::Allocator<int>());
   EXPECT_FALSE(kestan::Allocator<int>() != kestan::Allocator<int>());
 }
 
-TEST(Memory, StringsAndVectorsHoldWhatIsPutIn) {
+TEST(MemoryTest, StringsAndVectorsHoldWhatIsPutIn) {
   kestan::String text("abc");
   text.append(1000, 'x');
   EXPECT_EQ(text.size(), 1003u);

@@ -15,7 +15,7 @@ void ExpectFresh(const DBDatum& datum) {
   EXPECT_FALSE(datum.dirty);
 }
 
-TEST(OwnedDatum, AdoptingTakesTheBytesAsTheyAre) {
+TEST(OwnedDatumTest, AdoptingTakesTheBytesAsTheyAre) {
   char* const bytes = MallocCopy("value");
   const DBDatumPtr handle = kestan::AdoptDatum(bytes, 5);
   EXPECT_EQ(handle.ptr->data, bytes);
@@ -23,7 +23,7 @@ TEST(OwnedDatum, AdoptingTakesTheBytesAsTheyAre) {
   ExpectFresh(*handle.ptr);
 }
 
-TEST(OwnedDatum, CopyingBytesMakesMemoryOfItsOwn) {
+TEST(OwnedDatumTest, CopyingBytesMakesMemoryOfItsOwn) {
   const std::string original = "value";
   char* const copy = kestan::CopyBytes(original.data(), 5);
   EXPECT_NE(copy, original.data());
@@ -31,13 +31,13 @@ TEST(OwnedDatum, CopyingBytesMakesMemoryOfItsOwn) {
   std::free(copy);
 }
 
-TEST(OwnedDatum, CopyingNoBytesIsNotNull) {
+TEST(OwnedDatumTest, CopyingNoBytesIsNotNull) {
   char* const copy = kestan::CopyBytes(nullptr, 0);
   EXPECT_NE(copy, nullptr);
   std::free(copy);
 }
 
-TEST(OwnedDatum, ACopyIsCleanAndUncodedWhateverTheOriginalIs) {
+TEST(OwnedDatumTest, ACopyIsCleanAndUncodedWhateverTheOriginalIs) {
   DBDatum original = Datum("value");
   original.dirty = true;
   original.code = 7;
@@ -48,7 +48,7 @@ TEST(OwnedDatum, ACopyIsCleanAndUncodedWhateverTheOriginalIs) {
   ExpectFresh(*copy.ptr);
 }
 
-TEST(OwnedDatum, ACopyOfNothingIsEmptyAndHasMemory) {
+TEST(OwnedDatumTest, ACopyOfNothingIsEmptyAndHasMemory) {
   const DBDatumPtr copy = kestan::CopyDatum(DBDatum());
   EXPECT_EQ(copy.ptr->size, 0u);
   EXPECT_NE(copy.ptr->data, nullptr);

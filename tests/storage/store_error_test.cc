@@ -1,8 +1,9 @@
 // The error numbers that hosts see are those of the gdbm that the library is built with.
+#include <kestan/storage/store_error.h>
+
 #include <gdbm.h>
 #include <gtest/gtest.h>
 #include <kestan/storage/database.h>
-#include <kestan/storage/store_error.h>
 
 namespace kestan_tests {
 namespace {

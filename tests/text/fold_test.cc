@@ -1,5 +1,6 @@
-#include <gtest/gtest.h>
 #include <kestan/text/fold.h>
+
+#include <gtest/gtest.h>
 
 namespace kestan {
 namespace {

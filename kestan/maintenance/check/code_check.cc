@@ -1,6 +1,7 @@
+#include <kestan/maintenance/check/code_check.h>
+
 #include <kestan/format/document_record.h>
 #include <kestan/format/keys.h>
-#include <kestan/maintenance/check/code_check.h>
 #include <kestan/text/escape.h>
 
 #include <algorithm>

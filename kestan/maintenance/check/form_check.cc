@@ -1,8 +1,9 @@
+#include <kestan/maintenance/check/form_check.h>
+
 #include <kestan/format/keys.h>
 #include <kestan/format/posting.h>
 #include <kestan/format/posting_list.h>
 #include <kestan/format/units.h>
-#include <kestan/maintenance/check/form_check.h>
 #include <kestan/text/fold.h>
 
 namespace kestan {

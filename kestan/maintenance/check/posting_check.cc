@@ -1,8 +1,9 @@
+#include <kestan/maintenance/check/posting_check.h>
+
 #include <kestan/format/keys.h>
 #include <kestan/format/posting_list.h>
 #include <kestan/format/units.h>
 #include <kestan/maintenance/check/code_check.h>
-#include <kestan/maintenance/check/posting_check.h>
 #include <kestan/maintenance/salvage/word_list_salvage.h>
 #include <kestan/text/fold.h>
 

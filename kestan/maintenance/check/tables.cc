@@ -1,8 +1,9 @@
+#include <kestan/maintenance/check/tables.h>
+
 #include <kestan/format/document_record.h>
 #include <kestan/format/id_list.h>
 #include <kestan/format/keys.h>
 #include <kestan/format/option_flags.h>
-#include <kestan/maintenance/check/tables.h>
 #include <kestan/storage/walk/record_iterator.h>
 
 #include <algorithm>

@@ -1,6 +1,7 @@
+#include <kestan/maintenance/repair/classify_records.h>
+
 #include <kestan/format/document_record.h>
 #include <kestan/format/keys.h>
-#include <kestan/maintenance/repair/classify_records.h>
 
 #include <algorithm>
 

@@ -1,7 +1,8 @@
+#include <kestan/maintenance/repair/count_postings.h>
+
 #include <kestan/format/keys.h>
 #include <kestan/format/posting_list.h>
 #include <kestan/format/units.h>
-#include <kestan/maintenance/repair/count_postings.h>
 #include <kestan/text/fold.h>
 
 #include <algorithm>

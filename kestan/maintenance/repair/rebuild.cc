@@ -1,8 +1,9 @@
+#include <kestan/maintenance/repair/rebuild.h>
+
 #include <kestan/format/document_record.h>
 #include <kestan/format/id_list.h>
 #include <kestan/format/keys.h>
 #include <kestan/format/option_flags.h>
-#include <kestan/maintenance/repair/rebuild.h>
 #include <kestan/maintenance/salvage/word_list_salvage.h>
 #include <kestan/storage/database.h>
 

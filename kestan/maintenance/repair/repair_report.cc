@@ -1,5 +1,6 @@
-#include <kestan/format/keys.h>
 #include <kestan/maintenance/repair/repair_report.h>
+
+#include <kestan/format/keys.h>
 
 namespace kestan {
 namespace {

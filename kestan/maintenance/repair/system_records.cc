@@ -1,9 +1,10 @@
+#include <kestan/maintenance/repair/system_records.h>
+
 #include <kestan/format/id_list.h>
 #include <kestan/format/keys.h>
 #include <kestan/format/option_flags.h>
 #include <kestan/format/units.h>
 #include <kestan/maintenance/repair/codes.h>
-#include <kestan/maintenance/repair/system_records.h>
 #include <kestan/maintenance/salvage/posting_salvage.h>
 
 namespace kestan {

@@ -1,4 +1,5 @@
 #include <kestan/maintenance/report/findings.h>
+
 #include <kestan/text/escape.h>
 
 namespace kestan {

@@ -1,4 +1,5 @@
 #include <kestan/maintenance/salvage/bucket_map.h>
+
 #include <kestan/maintenance/salvage/directory.h>
 #include <kestan/maintenance/salvage/orphans.h>
 

@@ -1,5 +1,6 @@
-#include <fcntl.h>
 #include <kestan/maintenance/salvage/file_reading.h>
+
+#include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>

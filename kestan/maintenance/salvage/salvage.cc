@@ -1,7 +1,8 @@
+#include <kestan/maintenance/salvage/salvage.h>
+
 #include <kestan/maintenance/salvage/bucket_map.h>
 #include <kestan/maintenance/salvage/file_reading.h>
 #include <kestan/maintenance/salvage/gdbm_layout.h>
-#include <kestan/maintenance/salvage/salvage.h>
 #include <kestan/maintenance/salvage/used_space.h>
 #include <kestan/storage/hash.h>
 

@@ -1,4 +1,5 @@
 #include <kestan/query/operators/intersect.h>
+
 #include <kestan/query/operators/proximity.h>
 #include <kestan/query/operators/score.h>
 

@@ -1,6 +1,7 @@
+#include <kestan/query/operators/negate.h>
+
 #include <kestan/format/id_list.h>
 #include <kestan/format/keys.h>
-#include <kestan/query/operators/negate.h>
 
 namespace kestan {
 

@@ -1,5 +1,6 @@
-#include <kestan/query/operators/score.h>
 #include <kestan/query/operators/unite.h>
+
+#include <kestan/query/operators/score.h>
 
 #include <algorithm>
 #include <cstddef>

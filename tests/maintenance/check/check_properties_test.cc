@@ -179,19 +179,19 @@ void ExpectSound(const std::vector<Step>& steps, bool hyphens = false) {
   RC_ASSERT(statistics.file_error == 0);
 }
 
-RC_GTEST_PROP(CheckedScripts, LeaveASoundIndex, ()) {
+RC_GTEST_PROP(CheckPropertiesTest, LeaveASoundIndex, ()) {
   ExpectSound(*rc::gen::container<std::vector<Step>>(Steps(15)));
 }
 
-RC_GTEST_PROP(CheckedScripts, LeaveASoundIndexWithoutPositions, ()) {
+RC_GTEST_PROP(CheckPropertiesTest, LeaveASoundIndexWithoutPositions, ()) {
   ExpectSound(*rc::gen::container<std::vector<Step>>(Steps(17)));
 }
 
-RC_GTEST_PROP(CheckedScripts, LeaveASoundIndexOfWordsWithHyphens, ()) {
+RC_GTEST_PROP(CheckPropertiesTest, LeaveASoundIndexOfWordsWithHyphens, ()) {
   ExpectSound(*rc::gen::container<std::vector<Step>>(Steps(15)), true);
 }
 
-RC_GTEST_PROP(CheckedScripts, LeaveASoundIndexOfWordsWithHyphensWithoutPositions, ()) {
+RC_GTEST_PROP(CheckPropertiesTest, LeaveASoundIndexOfWordsWithHyphensWithoutPositions, ()) {
   ExpectSound(*rc::gen::container<std::vector<Step>>(Steps(17)), true);
 }
 

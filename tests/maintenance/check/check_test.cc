@@ -176,7 +176,7 @@ TEST_F(CheckTest, WithoutALineTakerFindingsAreCounted) {
   EXPECT_EQ(result.notes, 1u);
 }
 
-TEST(Check, WithoutAFileSaysSo) {
+TEST(CheckRecordsTest, WithoutAFileSaysSo) {
   Database store;
   kestan::CheckResult result;
   EXPECT_EQ(StandardErrorOf([&] { result = kestan::CheckIndex(store, {}); }),
@@ -294,7 +294,7 @@ void FlipByte(const std::string& path, std::streamoff at) {
   file.seekp(at).write(&byte, 1);
 }
 
-TEST(CheckElements, ARecordThatAWalkShowsAndNoLookUpFindsIsAFault) {
+TEST(CheckElementsTest, ARecordThatAWalkShowsAndNoLookUpFindsIsAFault) {
   for (const std::string key : {"dog", "g-code", "d-b"}) {
     const TempDir folder;
     const std::string path = folder / "index";
@@ -307,7 +307,7 @@ TEST(CheckElements, ARecordThatAWalkShowsAndNoLookUpFindsIsAFault) {
   }
 }
 
-TEST(CheckElements, OfAGoodFileAllAreFound) {
+TEST(CheckElementsTest, OfAGoodFileAllAreFound) {
   const TempDir folder;
   Records records;
   for (int i = 0; i < 5000; ++i) records["word" + std::to_string(i)] = Units({1, 1, 1});
@@ -317,7 +317,7 @@ TEST(CheckElements, OfAGoodFileAllAreFound) {
   EXPECT_EQ(kestan::CheckStructure(store, {}), 0);
 }
 
-TEST(CheckElements, WithoutAFileSaysSo) {
+TEST(CheckElementsTest, WithoutAFileSaysSo) {
   const Database store;
   std::int64_t result = 0;
   EXPECT_EQ(StandardErrorOf([&] { result = kestan::CheckStructure(store, {}); }),
@@ -325,7 +325,7 @@ TEST(CheckElements, WithoutAFileSaysSo) {
   EXPECT_EQ(result, -1);
 }
 
-TEST(CheckElements, ALengthThatReachesIntoTheNextRecordIsAFault) {
+TEST(CheckElementsTest, ALengthThatReachesIntoTheNextRecordIsAFault) {
   const TempDir folder;
   const std::string path = folder / "index";
   Plant(path, SoundRecords());
@@ -340,7 +340,7 @@ TEST(CheckElements, ALengthThatReachesIntoTheNextRecordIsAFault) {
 
 // ---- Memory ----
 
-TEST(CheckMemory, HoldsNoMoreThan16MiBOfRecords) {
+TEST(CheckMemoryTest, HoldsNoMoreThan16MiBOfRecords) {
   constexpr std::size_t kRecords = 3900;  // so that something is left at the end of each walk
   constexpr std::size_t kBytes = 20000;
   constexpr std::size_t kMostBytes = std::size_t{1} << 24;
@@ -369,7 +369,7 @@ TEST(CheckMemory, HoldsNoMoreThan16MiBOfRecords) {
   EXPECT_LT(most, kMostBytes + kRecords / 8 * (kBytes + 1000));
 }
 
-TEST(CheckMemory, FlushesOnItsWay) {
+TEST(CheckMemoryTest, FlushesOnItsWay) {
   const TempDir folder;
   Records records;
   for (int i = 0; i < 2500; ++i) records["word" + std::to_string(i)] = "";

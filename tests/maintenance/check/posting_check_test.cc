@@ -24,38 +24,38 @@ std::string Places(unsigned first, unsigned last) {
   return record;
 }
 
-TEST(PostingCheck, OddLength) {
+TEST(PostingCheckTest, OddLength) {
   EXPECT_EQ(LinesOf(With({{"dog", Units({1, 1, 2}) + "x"}})), Lines({"dog: odd length: 7 bytes"}));
 }
 
-TEST(PostingCheck, CountPastTheEnd) {
+TEST(PostingCheckTest, CountPastTheEnd) {
   EXPECT_EQ(LinesOf(With({{"dog", Units({1, 2, 2})}})),
             Lines({"dog: ends within an entry: code 1 counts 2 positions and has 1"}));
 }
 
-TEST(PostingCheck, EndBehindACode) {
+TEST(PostingCheckTest, EndBehindACode) {
   EXPECT_EQ(LinesOf(With({{"dog", Units({1, 1, 2, 2})}})),
             Lines({"dog: ends within an entry: code 2 without a number of positions"}));
 }
 
-TEST(PostingCheck, CodeZero) {
+TEST(PostingCheckTest, CodeZero) {
   EXPECT_EQ(LinesOf(With({{"dog", Units({1, 1, 2, 0, 1, 1, 0, 1, 2})}})),
             Lines({"dog: entries of code 0: 2"}));
 }
 
-TEST(PostingCheck, CodesThatNoDocumentHolds) {
+TEST(PostingCheckTest, CodesThatNoDocumentHolds) {
   EXPECT_EQ(LinesOf(With({{"dog", Units({1, 1, 2, 3, 1, 1, 4, 1, 2})}})),
             Lines({"dog: entries of codes that no document holds: 2"}));
 }
 
-TEST(PostingCheck, ReusableCodesMustHaveNoEntries) {
+TEST(PostingCheckTest, ReusableCodesMustHaveNoEntries) {
   EXPECT_EQ(
       LinesOf(With(
           {{"dog", Units({1, 1, 2, 3, 1, 1})}, {"g-avail", Units({3})}, {"g-code", Units({3})}})),
       Lines({"dog: entries of codes that no document holds: 1"}));
 }
 
-TEST(PostingCheck, RemovedCodesAwaitAShrink) {
+TEST(PostingCheckTest, RemovedCodesAwaitAShrink) {
   EXPECT_EQ(
       LinesOf(With(
           {{"dog", Units({1, 1, 2, 3, 1, 1})}, {"g-deleted", Units({3})}, {"g-code", Units({3})}})),
@@ -63,7 +63,7 @@ TEST(PostingCheck, RemovedCodesAwaitAShrink) {
 }
 
 // Whoever gets the free code next would be found under these words.
-TEST(PostingCheck, OldEntriesOfWordsThatAreNeverPurgedAreFaults) {
+TEST(PostingCheckTest, OldEntriesOfWordsThatAreNeverPurgedAreFaults) {
   const Records records{{"x", Units({3, 1, 1, 2, 1, 1})},
                         {"y-", Units({3, 1, 1, 3, 1, 1})},
                         {"g-avail", Units({3})},
@@ -76,28 +76,28 @@ TEST(PostingCheck, OldEntriesOfWordsThatAreNeverPurgedAreFaults) {
                    "earlier document?"}));
 }
 
-TEST(PostingCheck, WordsThatAreNeverPurgedKnowNoCodesAboveTheCounter) {
+TEST(PostingCheckTest, WordsThatAreNeverPurgedKnowNoCodesAboveTheCounter) {
   EXPECT_EQ(LinesOf(With({{"x", Units({3, 1, 1})}})),
             Lines({"x: entries of codes that no document holds: 1"}));
 }
 
-TEST(PostingCheck, RepeatedCodes) {
+TEST(PostingCheckTest, RepeatedCodes) {
   EXPECT_EQ(LinesOf(With({{"cat", Units({1, 1, 1, 2, 1, 1, 1, 1, 3, 2, 1, 2})}})),
             Lines({"cat: entries of a code listed before: 2"}));
 }
 
-TEST(PostingCheck, PositionsOfZero) {
+TEST(PostingCheckTest, PositionsOfZero) {
   EXPECT_EQ(LinesOf(With({{"fox", Units({1, 3, 0, 0, 3})}})),
             Lines({"fox: positions of 0: 2",
                    "d-a: some positions have several words, and others have none"}));
 }
 
-TEST(PostingCheck, EntriesWithoutPositions) {
+TEST(PostingCheckTest, EntriesWithoutPositions) {
   EXPECT_EQ(LinesOf(With({{"fox", Units({1, 0, 2, 0})}})),
             Lines({"fox: entries without positions: 2"}));
 }
 
-TEST(PostingCheck, SeveralFaultsOfOneRecord) {
+TEST(PostingCheckTest, SeveralFaultsOfOneRecord) {
   EXPECT_EQ(LinesOf(With({{"a\\b\n", Units({0, 1, 7, 9, 0, 2}) + "x"}})),
             Lines({"a\\x5cb\\x0a: note: no word: it is empty or holds white space or a NUL",
                    "a\\x5cb\\x0a: odd length: 13 bytes", "a\\x5cb\\x0a: entries of code 0: 1",
@@ -106,7 +106,7 @@ TEST(PostingCheck, SeveralFaultsOfOneRecord) {
                    "a\\x5cb\\x0a: ends within an entry: code 2 without a number of positions"}));
 }
 
-TEST(PostingCheck, EmptyPostingRecordsShareALine) {
+TEST(PostingCheckTest, EmptyPostingRecordsShareALine) {
   const Checked checked = CheckRecords(With({{"fox", ""}, {"hen", ""}}));
   EXPECT_EQ(checked.lines,
             Lines({"index file: note: empty posting records, of words that no document holds: 2"}));
@@ -114,7 +114,7 @@ TEST(PostingCheck, EmptyPostingRecordsShareALine) {
 }
 
 // Without positions, "ab" is the code 25185 too.
-TEST(PostingCheck, TextThatMayBeACodeLeavesOpenWhetherItsDocumentHasWords) {
+TEST(PostingCheckTest, TextThatMayBeACodeLeavesOpenWhetherItsDocumentHasWords) {
   const unsigned code = 'a' | 'b' << 8;
   Records records = WithoutPositions(
       {{"g-code", Units({code})}, {"d-x", Units({0, 0, code, 0})}, {"c-ab", "x"}, {"t-a", "ab"}});
@@ -126,13 +126,13 @@ TEST(PostingCheck, TextThatMayBeACodeLeavesOpenWhetherItsDocumentHasWords) {
   EXPECT_EQ(LinesOf(records), expected);
 }
 
-TEST(PostingCheck, KeysThatAreNoWords) {
+TEST(PostingCheckTest, KeysThatAreNoWords) {
   const std::string what = ": note: no word: it is empty or holds white space or a NUL";
   EXPECT_EQ(LinesOf(With({{"a cat", Units({1, 1, 3})}, {"c\0t"s, Units({1, 1, 3})}})),
             Lines({"a cat" + what, "c\\x00t" + what}));
 }
 
-TEST(PostingCheck, WithoutPositionsEveryUnitIsACode) {
+TEST(PostingCheckTest, WithoutPositionsEveryUnitIsACode) {
   EXPECT_EQ(LinesOf(WithoutPositions({})), Lines());
   EXPECT_EQ(LinesOf(WithoutPositions({{"cat", Units({1, 2, 2, 0, 9}) + "x"}})),
             Lines({"cat: odd length: 11 bytes", "cat: entries of code 0: 1",
@@ -140,14 +140,14 @@ TEST(PostingCheck, WithoutPositionsEveryUnitIsACode) {
                    "cat: entries of codes that no document holds: 1"}));
 }
 
-TEST(PostingCheck, DocumentWithoutWords) {
+TEST(PostingCheckTest, DocumentWithoutWords) {
   EXPECT_EQ(LinesOf(With({{"cat", Units({1, 1, 1})}})),
             Lines({"d-b: note: no words: an empty text, or left half-written?"}));
   EXPECT_EQ(LinesOf(WithoutPositions({{"cat", Units({1})}})),
             Lines({"d-b: note: no words: an empty text, or left half-written?"}));
 }
 
-TEST(PostingCheck, DocumentWithoutWordsButThoseOfAnEarlierOne) {
+TEST(PostingCheckTest, DocumentWithoutWordsButThoseOfAnEarlierOne) {
   const Lines lines = LinesOf(With({{"x", Units({3, 1, 7})},
                                     {"d-c", Units({9, 9, 3, 0})},
                                     {"c-\3\0"s, "c"},
@@ -157,23 +157,23 @@ TEST(PostingCheck, DocumentWithoutWordsButThoseOfAnEarlierOne) {
                           "d-c: note: no words: an empty text, or left half-written?"}));
 }
 
-TEST(PostingCheck, GapInTheWordsOfADocument) {
+TEST(PostingCheckTest, GapInTheWordsOfADocument) {
   EXPECT_EQ(LinesOf(With({{"dog", Units({1, 1, 4})}})),
             Lines({"d-a: words missing: at least 2 of 4; left half-written?"}));
 }
 
-TEST(PostingCheck, WrittenFormWithoutTheFoldedOne) {
+TEST(PostingCheckTest, WrittenFormWithoutTheFoldedOne) {
   EXPECT_EQ(LinesOf(With({{"Fox", Units({1, 1, 3})}})),
             Lines({"Fox: the case-folded form has no record",
                    "d-a: words missing: at least 1 of 3; left half-written?"}));
   EXPECT_EQ(LinesOf(With({{"Fox", Units({1, 1, 3})}, {"fox", Units({1, 1, 3})}})), Lines());
 }
 
-TEST(PostingCheck, OneByteWordsFillGaps) {
+TEST(PostingCheckTest, OneByteWordsFillGaps) {
   EXPECT_EQ(LinesOf(With({{"dog", Units({1, 1, 3})}, {"i", Units({1, 1, 2})}})), Lines());
 }
 
-TEST(PostingCheck, WordsWithHyphensFillGaps) {
+TEST(PostingCheckTest, WordsWithHyphensFillGaps) {
   EXPECT_EQ(LinesOf(With({{"dog", Units({1, 1, 4})},
                           {"e-mail", Units({1, 1, 2})},
                           {"t-shirt", Units({1, 1, 3})}})),
@@ -181,7 +181,7 @@ TEST(PostingCheck, WordsWithHyphensFillGaps) {
                    "t-shirt: note: the posting record of a word with a hyphen"}));
 }
 
-TEST(PostingCheck, WordsThatLookLikeDocumentsNamesAndListsAreNoFaults) {
+TEST(PostingCheckTest, WordsThatLookLikeDocumentsNamesAndListsAreNoFaults) {
   const std::string what = ": note: the posting record of a word with a hyphen";
   EXPECT_EQ(LinesOf(With({{"dog", Units({1, 1, 6})},
                           {"d-day", Units({1, 1, 2})},
@@ -191,7 +191,7 @@ TEST(PostingCheck, WordsThatLookLikeDocumentsNamesAndListsAreNoFaults) {
             Lines({"d-day" + what, "c-section" + what, "c-ab" + what, "w-2" + what}));
 }
 
-TEST(PostingCheck, DamagedPostingsOfAWordWithAHyphenAreFaults) {
+TEST(PostingCheckTest, DamagedPostingsOfAWordWithAHyphenAreFaults) {
   const std::string what = ": note: the posting record of a word with a hyphen";
   EXPECT_EQ(
       LinesOf(With({{"t-shirt", Units({9, 1, 1})}, {"e-mail", Units({1, 2, 1})}})),
@@ -201,7 +201,7 @@ TEST(PostingCheck, DamagedPostingsOfAWordWithAHyphenAreFaults) {
              "earlier document?"}));
 }
 
-TEST(PostingCheck, ADocumentRecordShapedLikePostingsIsTheDocumentsWhereANameSaysSo) {
+TEST(PostingCheckTest, ADocumentRecordShapedLikePostingsIsTheDocumentsWhereANameSaysSo) {
   EXPECT_EQ(LinesOf(With({{"d-b", Units({2, 1, 2})}})),
             Lines({"d-b: length 6 instead of 8 bytes"}));
   EXPECT_EQ(LinesOf(With({{"d-b", ""}})),
@@ -209,30 +209,30 @@ TEST(PostingCheck, ADocumentRecordShapedLikePostingsIsTheDocumentsWhereANameSays
                    "c-\\x02\\x00: the document has another code, 0: b"}));
 }
 
-TEST(PostingCheck, AnEmptyRecordThatNoNameBelongsToMayBeThatOfAWord) {
+TEST(PostingCheckTest, AnEmptyRecordThatNoNameBelongsToMayBeThatOfAWord) {
   EXPECT_EQ(LinesOf(With({{"d-day", ""}})),
             Lines({"d-day: note: empty: that of a word with a hyphen, or of a lost document"}));
 }
 
-TEST(PostingCheck, PositionsThatOptionFlagOneLeftAreNotJudged) {
+TEST(PostingCheckTest, PositionsThatOptionFlagOneLeftAreNotJudged) {
   const std::string what = ": note: a word with a hyphen, with positions that option flag 1 left";
   EXPECT_EQ(
       LinesOf(WithoutPositions({{"d-day", Units({1, 1, 9, 2})}, {"e-mail", Units({1, 2, 5, 70})}})),
       Lines({"d-day" + what, "e-mail" + what}));
 }
 
-TEST(PostingCheck, SeveralWordsAtOnePosition) {
+TEST(PostingCheckTest, SeveralWordsAtOnePosition) {
   EXPECT_EQ(LinesOf(With({{"fox", Units({1, 1, 2})}})),
             Lines({"d-a: several words at one position: 3 up to position 2"}));
 }
 
-TEST(PostingCheck, PositionsThatDoNotAscend) {
+TEST(PostingCheckTest, PositionsThatDoNotAscend) {
   EXPECT_EQ(LinesOf(With({{"dog", Units({1, 2, 3, 2})}})),
             Lines({"d-a: positions of a word do not ascend"}));
 }
 
 // Behind the last position a text begins again at the first.
-TEST(PostingCheck, DocumentWhosePositionsWrap) {
+TEST(PostingCheckTest, DocumentWhosePositionsWrap) {
   const Records sound = With({{"dog", Places(2, 65535)}, {"fox", Units({1, 2, 1, 2})}});
   EXPECT_EQ(LinesOf(sound), Lines());
   EXPECT_EQ(LinesOf(With({{"dog", Places(2, 65535)}, {"fox", Units({1, 2, 1, 3})}})),
@@ -241,27 +241,27 @@ TEST(PostingCheck, DocumentWhosePositionsWrap) {
             Lines({"d-a: words missing: at least 1 of 65534; left half-written?"}));
 }
 
-TEST(PostingCheck, AWordAtThePositionOfAnotherWhereOneHasNone) {
+TEST(PostingCheckTest, AWordAtThePositionOfAnotherWhereOneHasNone) {
   EXPECT_EQ(
       LinesOf(With(
           {{"dog", Units({1, 2, 2, 3})}, {"fox", Units({1, 1, 3})}, {"hen", Units({1, 1, 5})}})),
       Lines({"d-a: some positions have several words, and others have none"}));
 }
 
-TEST(PostingCheck, TextsOfDocumentsThatAreNotThere) {
+TEST(PostingCheckTest, TextsOfDocumentsThatAreNotThere) {
   EXPECT_EQ(LinesOf(With({{"t-a", "A"}, {"s-b", "B"}, {"u-c", "C"}, {"t-c", ""}, {"s-", "x"}})),
             Lines({"u-c: note: its document is not in the index",
                    "t-c: note: its document is not in the index",
                    "s-: note: its document is not in the index"}));
 }
 
-TEST(PostingCheck, KeysOfUnknownFamilies) {
+TEST(PostingCheckTest, KeysOfUnknownFamilies) {
   EXPECT_EQ(LinesOf(With({{"g-none", "x"}, {"q-", Units({2, 1, 2})}, {"q-x", "x"}})),
             Lines({"g-none: note: no record of the engine has such a key",
                    "q-x: note: no record of the engine has such a key"}));
 }
 
-TEST(PostingCheck, WordListThatSharesMoreThanThereIs) {
+TEST(PostingCheckTest, WordListThatSharesMoreThanThereIs) {
   EXPECT_EQ(LinesOf(With({{"w-good",
                            "\x80"
                            "red\x83"
@@ -282,7 +282,7 @@ TEST(PostingCheck, WordListThatSharesMoreThanThereIs) {
 }
 
 // What DBPutWords makes of "\xc3\xa9t\xc3\xa9 \xc3\xa9tat caf\xe9 cave".
-TEST(PostingCheck, WordListsOfBytesAbove127AreNoFaults) {
+TEST(PostingCheckTest, WordListsOfBytesAbove127AreNoFaults) {
   EXPECT_EQ(
       LinesOf(With({{"w-list",
                      "\x80\xc3\xa9t\xc3\xa9\x83"
@@ -291,7 +291,7 @@ TEST(PostingCheck, WordListsOfBytesAbove127AreNoFaults) {
       Lines({"w-list: note: bytes above 127 in words, which do not come back as they went in"}));
 }
 
-TEST(PostingCheck, WordListThatDoesNotBeginWithAWord) {
+TEST(PostingCheckTest, WordListThatDoesNotBeginWithAWord) {
   EXPECT_EQ(LinesOf(With({{"w-list", "red"}})),
             Lines({"w-list: the list does not begin with a word"}));
   EXPECT_EQ(LinesOf(With({{"w-list", "\xc3\xa9t\xc3\xa9"}}))

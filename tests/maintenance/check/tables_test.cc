@@ -20,7 +20,7 @@ IndexTables TablesOf(const Records& records) {
   return kestan::ReadTables(store);
 }
 
-TEST(Tables, HoldDocumentsByName) {
+TEST(TablesTest, HoldDocumentsByName) {
   const IndexTables tables = TablesOf(With({{"d-\xff", Units({0x5678, 0x1234, 7, 0})},
                                             {"d-", Units({1, 0, 8, 0})},
                                             {"d-Z", Units({2, 0})}}));
@@ -40,7 +40,7 @@ TEST(Tables, HoldDocumentsByName) {
   EXPECT_EQ(tables.odd[0].bytes, 4u);
 }
 
-TEST(Tables, HoldNamesByCode) {
+TEST(TablesTest, HoldNamesByCode) {
   const IndexTables tables = TablesOf(With({{"c-\xff\xff", "last"}, {"c-\0\1"s, "middle"}}));
   ASSERT_EQ(tables.names.size(), 4u);
   EXPECT_EQ(tables.names.back().code, 65535);
@@ -49,7 +49,7 @@ TEST(Tables, HoldNamesByCode) {
   EXPECT_EQ(tables.FindName(3), nullptr);
 }
 
-TEST(Tables, HoldNoWordsWithHyphens) {
+TEST(TablesTest, HoldNoWordsWithHyphens) {
   const IndexTables tables = TablesOf(With({{"d-day", Units({1, 1, 1})},
                                             {"d-night", ""},
                                             {"c-section", Units({1, 1, 2})},
@@ -61,7 +61,7 @@ TEST(Tables, HoldNoWordsWithHyphens) {
   EXPECT_TRUE(tables.odd.empty());
 }
 
-TEST(Tables, HoldDamagedDocumentsThatANameRecordNames) {
+TEST(TablesTest, HoldDamagedDocumentsThatANameRecordNames) {
   const IndexTables tables = TablesOf(With({{"d-a", ""}, {"d-b", Units({1, 1, 2})}}));
   ASSERT_EQ(tables.documents.size(), 2u);
   EXPECT_EQ(tables.odd.size(), 2u);
@@ -71,7 +71,7 @@ TEST(Tables, HoldDamagedDocumentsThatANameRecordNames) {
   EXPECT_EQ(tables.KindOfRecord(Datum("d-c"), Datum("")), kestan::RecordKind::kPosting);
 }
 
-TEST(Tables, HoldCodesAsTheRecordsListThem) {
+TEST(TablesTest, HoldCodesAsTheRecordsListThem) {
   const IndexTables tables =
       TablesOf(With({{"g-avail", Units({9, 3, 3})}, {"g-deleted", Units({0}) + "x"}}));
   EXPECT_EQ(tables.reusable, (kestan::Vector<kestan::Code>{9, 3, 3}));
@@ -84,7 +84,7 @@ TEST(Tables, HoldCodesAsTheRecordsListThem) {
   EXPECT_EQ(tables.odd[0].bytes, 3u);
 }
 
-TEST(Tables, HoldNothingOfTextsAndStrangers) {
+TEST(TablesTest, HoldNothingOfTextsAndStrangers) {
   const IndexTables tables =
       TablesOf({{"t-a", ""}, {"u-", "x"}, {"s-b", ""}, {"w-c", ""}, {"q-d", ""}});
   EXPECT_TRUE(tables.documents.empty());
@@ -95,7 +95,7 @@ TEST(Tables, HoldNothingOfTextsAndStrangers) {
   EXPECT_FALSE(tables.IsIncomplete());
 }
 
-TEST(Tables, TellThatTheyAreIncomplete) {
+TEST(TablesTest, TellThatTheyAreIncomplete) {
   const TempDir folder;
   Plant(folder / "index", SoundRecords());
   Database store;

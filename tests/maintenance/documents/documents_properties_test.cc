@@ -32,7 +32,7 @@ rc::Gen<std::string> AnyWord() {
   return rc::gen::suchThat(rc::gen::resize(3, rc::gen::container<std::string>(bytes)), IsKept);
 }
 
-RC_GTEST_PROP(DocumentsProperty, WordsComeBackAsTheyWentIn, ()) {
+RC_GTEST_PROP(DocumentsPropertiesTest, WordsComeBackAsTheyWentIn, ()) {
   const TempDir folder;
   const std::string path = folder / "index";
   const auto texts = *rc::gen::container<std::vector<std::vector<std::string>>>(

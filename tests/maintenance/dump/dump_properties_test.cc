@@ -29,7 +29,7 @@ std::string LoadIntoFile(const std::string& text, const std::string& path) {
   return LoadInto(store, text);
 }
 
-RC_GTEST_PROP(DumpProperty, BringsEveryRecordBack, ()) {
+RC_GTEST_PROP(DumpPropertiesTest, BringsEveryRecordBack, ()) {
   const auto records = *rc::gen::container<Records>(AnyBytes(), AnyBytes());
   const TempDir folder;
   Plant(folder / "source", records);
@@ -41,7 +41,7 @@ RC_GTEST_PROP(DumpProperty, BringsEveryRecordBack, ()) {
 
 // Any lines at all, with a last line that is right, are loaded or refused; what is loaded comes
 // out again as it went in.
-RC_GTEST_PROP(DumpProperty, TakesOnlyWhatItWouldWrite, ()) {
+RC_GTEST_PROP(DumpPropertiesTest, TakesOnlyWhatItWouldWrite, ()) {
   const std::string alphabet = "\n\t\\x0afb"s;
   const auto records = *rc::gen::container<std::string>(rc::gen::elementOf(alphabet)) + "\n";
   const auto count = *rc::gen::inRange(0u, 4u);

@@ -1,6 +1,7 @@
 // The codes of a new index.
-#include <gtest/gtest.h>
 #include <kestan/maintenance/repair/codes.h>
+
+#include <gtest/gtest.h>
 
 #include <initializer_list>
 

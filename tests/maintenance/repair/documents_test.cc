@@ -1,6 +1,7 @@
 // Which documents come of document and name records that do not agree.
-#include <gtest/gtest.h>
 #include <kestan/maintenance/repair/documents.h>
+
+#include <gtest/gtest.h>
 
 #include <string>
 

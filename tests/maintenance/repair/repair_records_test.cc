@@ -4,9 +4,9 @@
 namespace kestan_maintenance {
 namespace {
 
-using RepairOfRecords = RepairTest;
+using RepairOfRecordsTest = RepairTest;
 
-TEST_F(RepairOfRecords, TextsAndWordsWithHyphensAreCopied) {
+TEST_F(RepairOfRecordsTest, TextsAndWordsWithHyphensAreCopied) {
   Records records = Good();
   records["t-a"] = "Title";
   records["u-x"] = std::string("\0\1", 2);
@@ -15,7 +15,7 @@ TEST_F(RepairOfRecords, TextsAndWordsWithHyphensAreCopied) {
   EXPECT_EQ(Repaired(records), records);
 }
 
-TEST_F(RepairOfRecords, WordsWithKeysLikeDocumentsAndNamesAreCopied) {
+TEST_F(RepairOfRecordsTest, WordsWithKeysLikeDocumentsAndNamesAreCopied) {
   Records records = Good();
   records["d-day"] = Units({1, 1, 3});
   records["c-note"] = Units({2, 1, 2});
@@ -25,7 +25,7 @@ TEST_F(RepairOfRecords, WordsWithKeysLikeDocumentsAndNamesAreCopied) {
   EXPECT_EQ(Dump(new_path_), records);
 }
 
-TEST_F(RepairOfRecords, NameRecordsThatCannotBeAreDropped) {
+TEST_F(RepairOfRecordsTest, NameRecordsThatCannotBeAreDropped) {
   Records records = Good();
   records["c-note"] = "text";
   records["c-" + Units({3})] = std::string("a\0b", 3);
@@ -35,7 +35,7 @@ TEST_F(RepairOfRecords, NameRecordsThatCannotBeAreDropped) {
   EXPECT_EQ(result_.dropped, 2U);
 }
 
-TEST_F(RepairOfRecords, ALostDocumentRecordIsRestoredWithTimeZero) {
+TEST_F(RepairOfRecordsTest, ALostDocumentRecordIsRestoredWithTimeZero) {
   Records records = Good();
   records.erase("d-a");
   Records restored = Good();
@@ -44,20 +44,20 @@ TEST_F(RepairOfRecords, ALostDocumentRecordIsRestoredWithTimeZero) {
   EXPECT_EQ(result_.saved, 2U);
 }
 
-TEST_F(RepairOfRecords, ALostNameRecordIsRestored) {
+TEST_F(RepairOfRecordsTest, ALostNameRecordIsRestored) {
   Records records = Good();
   records.erase("c-" + Units({1}));
   EXPECT_EQ(Repaired(records), Good());
 }
 
-TEST_F(RepairOfRecords, ALostCounterIsRestored) {
+TEST_F(RepairOfRecordsTest, ALostCounterIsRestored) {
   Records records = Good();
   records.erase("g-code");
   EXPECT_EQ(Repaired(records), Good());
   EXPECT_TRUE(Says("note: g-code: 2, lost"));
 }
 
-TEST_F(RepairOfRecords, CounterAndOptionsOfAnotherLengthAreLost) {
+TEST_F(RepairOfRecordsTest, CounterAndOptionsOfAnotherLengthAreLost) {
   Records records = Good();
   records["g-code"] = "2";
   records["g-opts"] = Units({1});
@@ -65,7 +65,7 @@ TEST_F(RepairOfRecords, CounterAndOptionsOfAnotherLengthAreLost) {
   EXPECT_TRUE(Says("note: g-code: 2, lost"));
 }
 
-TEST_F(RepairOfRecords, CodeRecordsThatHoldNothingStay) {
+TEST_F(RepairOfRecordsTest, CodeRecordsThatHoldNothingStay) {
   Records records = {{"g-opts", Units({0, 0})}, {"g-code", Units({0})}, {"g-avail", ""}};
   EXPECT_EQ(Repaired(records), records);
   records = Good();
@@ -73,14 +73,14 @@ TEST_F(RepairOfRecords, CodeRecordsThatHoldNothingStay) {
   EXPECT_EQ(Repaired(records), records);
 }
 
-TEST_F(RepairOfRecords, ACounterBelowACodeInUseIsRaised) {
+TEST_F(RepairOfRecordsTest, ACounterBelowACodeInUseIsRaised) {
   Records records = Good();
   records["g-code"] = Units({1});
   EXPECT_EQ(Repaired(records), Good());
   EXPECT_TRUE(Says("note: g-code: 2 instead of 1"));
 }
 
-TEST_F(RepairOfRecords, LostOptionsAreTakenFromThePostings) {
+TEST_F(RepairOfRecordsTest, LostOptionsAreTakenFromThePostings) {
   Records records = Good();
   records.erase("g-opts");
   EXPECT_EQ(Repaired(records), Good());
@@ -89,7 +89,7 @@ TEST_F(RepairOfRecords, LostOptionsAreTakenFromThePostings) {
       "are kept"));
 }
 
-TEST_F(RepairOfRecords, LostOptionsOfAnIndexWithoutPositionsAreTakenFromThePostings) {
+TEST_F(RepairOfRecordsTest, LostOptionsOfAnIndexWithoutPositionsAreTakenFromThePostings) {
   Records records = Good();
   records["cat"] = Units({1, 2});
   records["sat"] = Units({1});
@@ -100,7 +100,7 @@ TEST_F(RepairOfRecords, LostOptionsOfAnIndexWithoutPositionsAreTakenFromThePosti
 }
 
 // The units 1 to 4 are four codes, and as well the code 1 with two positions.
-TEST_F(RepairOfRecords, FlagOneIsBelievedWherePostingsCanBeReadBothWays) {
+TEST_F(RepairOfRecordsTest, FlagOneIsBelievedWherePostingsCanBeReadBothWays) {
   Records records = Good();
   records["g-opts"] = Units({1, 0});
   records["cat"] = records["sat"] = Units({1, 2, 3, 4});
@@ -109,7 +109,7 @@ TEST_F(RepairOfRecords, FlagOneIsBelievedWherePostingsCanBeReadBothWays) {
 }
 
 // "cat" and "sat" are two; ten tell whether there are positions.
-TEST_F(RepairOfRecords, WrongOptionsGiveWayToTenPostingRecordsAndNotToNine) {
+TEST_F(RepairOfRecordsTest, WrongOptionsGiveWayToTenPostingRecordsAndNotToNine) {
   Records records = Good();
   records["g-opts"] = Units({1, 4});
   for (unsigned i = 3; i < 10; ++i) records["word" + std::to_string(i)] = Units({2, 1, i});
@@ -120,7 +120,7 @@ TEST_F(RepairOfRecords, WrongOptionsGiveWayToTenPostingRecordsAndNotToNine) {
   EXPECT_EQ(Dump(new_path_).at("cat"), records.at("cat"));
 }
 
-TEST_F(RepairOfRecords, OfTwoWordsAtOnePlaceOneIsKept) {
+TEST_F(RepairOfRecordsTest, OfTwoWordsAtOnePlaceOneIsKept) {
   Records records = Good();
   records["dog"] = Units({1, 1, 2});
   records["Sat"] = Units({1, 1, 2});  // stands at the place of its form in small letters
@@ -133,7 +133,7 @@ TEST_F(RepairOfRecords, OfTwoWordsAtOnePlaceOneIsKept) {
   EXPECT_EQ(result_.saved, 2U);
 }
 
-TEST_F(RepairOfRecords, OfTwoWordsAtOnePlaceTheOneOfADamagedRecordGoes) {
+TEST_F(RepairOfRecordsTest, OfTwoWordsAtOnePlaceTheOneOfADamagedRecordGoes) {
   Records records = Good();
   records["dog"] = Units({1, 1, 2, 9});
   records["eel"] = Units({1, 1, 3, 9});
@@ -143,7 +143,7 @@ TEST_F(RepairOfRecords, OfTwoWordsAtOnePlaceTheOneOfADamagedRecordGoes) {
   EXPECT_EQ(result_.dropped, 1U);
 }
 
-TEST_F(RepairOfRecords, ADocumentWithTheCodeOfAnotherIsLost) {
+TEST_F(RepairOfRecordsTest, ADocumentWithTheCodeOfAnotherIsLost) {
   Records records = Good();
   records["d-c"] = Units({9, 0, 1, 0});
   EXPECT_EQ(Repaired(records), Good());
@@ -151,7 +151,7 @@ TEST_F(RepairOfRecords, ADocumentWithTheCodeOfAnotherIsLost) {
   EXPECT_EQ(result_.lost, 1U);
 }
 
-TEST_F(RepairOfRecords, ADocumentOfWhichOnlyWordsAreLeftIsLostAndItsCodeIsRemoved) {
+TEST_F(RepairOfRecordsTest, ADocumentOfWhichOnlyWordsAreLeftIsLostAndItsCodeIsRemoved) {
   Records records = Good();
   records.erase("d-a");
   records.erase("c-" + Units({1}));
@@ -162,7 +162,7 @@ TEST_F(RepairOfRecords, ADocumentOfWhichOnlyWordsAreLeftIsLostAndItsCodeIsRemove
   EXPECT_EQ(result_.lost, 1U);
 }
 
-TEST_F(RepairOfRecords, CodeListsHoldNoCodeTwiceNorOneInUseNorZero) {
+TEST_F(RepairOfRecordsTest, CodeListsHoldNoCodeTwiceNorOneInUseNorZero) {
   Records records = Good();
   records["g-code"] = Units({6});
   records["g-avail"] = Units({0, 5, 1, 5, 3, 6});
@@ -173,7 +173,7 @@ TEST_F(RepairOfRecords, CodeListsHoldNoCodeTwiceNorOneInUseNorZero) {
   EXPECT_EQ(Repaired(records), restored);
 }
 
-TEST_F(RepairOfRecords, ACodeThatNothingHoldsBecomesReusable) {
+TEST_F(RepairOfRecordsTest, ACodeThatNothingHoldsBecomesReusable) {
   Records records = Good();
   records["g-code"] = Units({4});
   records["g-deleted"] = Units({4});
@@ -182,7 +182,7 @@ TEST_F(RepairOfRecords, ACodeThatNothingHoldsBecomesReusable) {
   EXPECT_EQ(Repaired(records), restored);
 }
 
-TEST_F(RepairOfRecords, EntriesOfImpossibleCodesAreDropped) {
+TEST_F(RepairOfRecordsTest, EntriesOfImpossibleCodesAreDropped) {
   Records records = Good();
   records["cat"] += Units({0, 1, 1, 3, 1, 1});
   records["g"] = Units({9});
@@ -192,7 +192,7 @@ TEST_F(RepairOfRecords, EntriesOfImpossibleCodesAreDropped) {
   EXPECT_EQ(result_.dropped, 2U);
 }
 
-TEST_F(RepairOfRecords, WordsOfOneByteKeepEntriesOfReusableCodes) {
+TEST_F(RepairOfRecordsTest, WordsOfOneByteKeepEntriesOfReusableCodes) {
   Records records = Good();
   records["g-code"] = Units({3});
   records["g-avail"] = Units({3});
@@ -201,7 +201,7 @@ TEST_F(RepairOfRecords, WordsOfOneByteKeepEntriesOfReusableCodes) {
 }
 
 // A document with more words than positions counts no further than to the last one.
-TEST_F(RepairOfRecords, AGapInADocumentWhosePositionsStartAgainIsNotSeen) {
+TEST_F(RepairOfRecordsTest, AGapInADocumentWhosePositionsStartAgainIsNotSeen) {
   std::string text = "odd ";
   for (int i = 1; i < 65540; ++i) text += "word ";
   Kestan engine;
@@ -215,7 +215,7 @@ TEST_F(RepairOfRecords, AGapInADocumentWhosePositionsStartAgainIsNotSeen) {
 }
 
 // Its positions pass the highest that is not doubtful, which is no contradiction here.
-TEST_F(RepairOfRecords, ADocumentWhoseLastPositionIsThatOfALetterIsKeptWhole) {
+TEST_F(RepairOfRecordsTest, ADocumentWhoseLastPositionIsThatOfALetterIsKeptWhole) {
   std::string text;
   for (int i = 0; i < 65534; ++i) text += "word ";
   text += "a ";

@@ -297,7 +297,7 @@ void ExpectTheAim(const std::map<std::string, Figures>& figures) {
   }
 }
 
-TEST(RepairShare, DocumentsWhoseRecordsAreUntouchedByStalePartsAreSaved) {
+TEST(RepairShareTest, DocumentsWhoseRecordsAreUntouchedByStalePartsAreSaved) {
   std::map<std::string, Figures> figures;
   for (int i = 0; i < Indexes(); ++i) {
     const kestan_tests::TempDir folder;
@@ -316,7 +316,7 @@ TEST(RepairShare, DocumentsWhoseRecordsAreUntouchedByStalePartsAreSaved) {
   ExpectTheAim(figures);
 }
 
-TEST(RepairShare, DocumentsWhoseRecordsLieBeforeACutAreSaved) {
+TEST(RepairShareTest, DocumentsWhoseRecordsLieBeforeACutAreSaved) {
   std::map<std::string, Figures> figures;
   for (int i = 0; i < Indexes(); ++i) {
     const kestan_tests::TempDir folder;
@@ -334,7 +334,7 @@ TEST(RepairShare, DocumentsWhoseRecordsLieBeforeACutAreSaved) {
   ExpectTheAim(figures);
 }
 
-TEST(RepairShare, DocumentsWhoseRecordsAreUntouchedAreSaved) {
+TEST(RepairShareTest, DocumentsWhoseRecordsAreUntouchedAreSaved) {
   constexpr std::array<std::size_t, 3> kCounts = {1, 4, 16};
   std::map<std::string, Figures> figures;
   for (int i = 0; i < Indexes(); ++i) {

@@ -4,9 +4,9 @@
 namespace kestan_maintenance {
 namespace {
 
-using RepairOfWords = RepairTest;
+using RepairOfWordsTest = RepairTest;
 
-TEST_F(RepairOfWords, WordsThatLookLikeSystemRecordsStay) {
+TEST_F(RepairOfWordsTest, WordsThatLookLikeSystemRecordsStay) {
   Records records = Good();
   for (const char* word : {"d-day", "c-section", "c-ab", "t-shirt", "w-2", "e-mail", "g-force"}) {
     records[word] = Units({1, 1, 3, 2, 1, 2});
@@ -17,7 +17,7 @@ TEST_F(RepairOfWords, WordsThatLookLikeSystemRecordsStay) {
   EXPECT_EQ(result_.dropped, 0U);
 }
 
-TEST_F(RepairOfWords, WordsThatKeptTheirPositionsStay) {
+TEST_F(RepairOfWordsTest, WordsThatKeptTheirPositionsStay) {
   Records records = Good();
   records["g-opts"] = Units({1, 0});
   records["cat"] = Units({1, 2});
@@ -31,7 +31,7 @@ TEST_F(RepairOfWords, WordsThatKeptTheirPositionsStay) {
   EXPECT_EQ(result_.dropped, 0U);
 }
 
-TEST_F(RepairOfWords, WordsWithHyphensGiveUpOnlyEntriesThatMakeNoSense) {
+TEST_F(RepairOfWordsTest, WordsWithHyphensGiveUpOnlyEntriesThatMakeNoSense) {
   Records records = Good();
   records["d-day"] = Units({1, 1, 3, 9, 1, 2});
   records["e-mail"] = Units({1, 1, 3, 2, 1, 2}) + "x";
@@ -42,7 +42,7 @@ TEST_F(RepairOfWords, WordsWithHyphensGiveUpOnlyEntriesThatMakeNoSense) {
   EXPECT_TRUE(Says("note: d-day: damaged, entries kept: 1"));
 }
 
-TEST_F(RepairOfWords, AWordWithAHyphenIsKnownAfterTheCounterIs) {
+TEST_F(RepairOfWordsTest, AWordWithAHyphenIsKnownAfterTheCounterIs) {
   Records records = Good();
   records["g-code"] = Units({0});
   records["e-mail"] = Units({1, 1, 3, 1, 99, 1});
@@ -51,7 +51,7 @@ TEST_F(RepairOfWords, AWordWithAHyphenIsKnownAfterTheCounterIs) {
   EXPECT_EQ(Repaired(records), restored);
 }
 
-TEST_F(RepairOfWords, ADocumentRecordShapedLikePostingsIsRestoredWhereANameSaysSo) {
+TEST_F(RepairOfWordsTest, ADocumentRecordShapedLikePostingsIsRestoredWhereANameSaysSo) {
   Records records = Good();
   records["d-a"] = Units({2, 1, 1});
   Records restored = Good();
@@ -61,7 +61,7 @@ TEST_F(RepairOfWords, ADocumentRecordShapedLikePostingsIsRestoredWhereANameSaysS
   EXPECT_EQ(Repaired(records), restored);
 }
 
-TEST_F(RepairOfWords, AWordWhoseKeyANameRecordNeedsGivesWay) {
+TEST_F(RepairOfWordsTest, AWordWhoseKeyANameRecordNeedsGivesWay) {
   Records records = Good();
   const unsigned code = 'a' | 'b' << 8;
   records["g-code"] = Units({code});
@@ -72,7 +72,7 @@ TEST_F(RepairOfWords, AWordWhoseKeyANameRecordNeedsGivesWay) {
   EXPECT_EQ(result_.records, repaired.size());
 }
 
-TEST_F(RepairOfWords, PostingsWithTheKeyOfADocumentWithoutANameGiveWay) {
+TEST_F(RepairOfWordsTest, PostingsWithTheKeyOfADocumentWithoutANameGiveWay) {
   Records records = Good();
   records["g-code"] = Units({3});
   records["c-" + Units({3})] = "";
@@ -82,7 +82,7 @@ TEST_F(RepairOfWords, PostingsWithTheKeyOfADocumentWithoutANameGiveWay) {
   EXPECT_EQ(result_.records, repaired.size());
 }
 
-TEST_F(RepairOfWords, SystemRecordsThatAWordHasGrownKeepWhatTheyHeld) {
+TEST_F(RepairOfWordsTest, SystemRecordsThatAWordHasGrownKeepWhatTheyHeld) {
   Records records = Good();
   records["g-opts"] = Units({6, 0, 1, 1, 3});
   records["g-code"] = Units({4, 2, 1, 2});
@@ -96,7 +96,7 @@ TEST_F(RepairOfWords, SystemRecordsThatAWordHasGrownKeepWhatTheyHeld) {
   EXPECT_TRUE(Says("note: g-code: 8 bytes, of which the first 2 are kept"));
 }
 
-TEST_F(RepairOfWords, WordListsKeepTheirWordsAsFarAsTheyMakeSense) {
+TEST_F(RepairOfWordsTest, WordListsKeepTheirWordsAsFarAsTheyMakeSense) {
   Records records = Good();
   records["w-cut"] = "ed\x82ge";
   records["w-more"] =
@@ -119,7 +119,7 @@ TEST_F(RepairOfWords, WordListsKeepTheirWordsAsFarAsTheyMakeSense) {
   EXPECT_FALSE(Says("note: w-utf8: damaged, words may be wrong"));
 }
 
-TEST_F(RepairOfWords, AMendedWordListHasNoNuls) {
+TEST_F(RepairOfWordsTest, AMendedWordListHasNoNuls) {
   Records records = Good();
   records["w-list"] = Units({2, 1, 3}) + "x";
   Records restored = Good();
@@ -127,14 +127,14 @@ TEST_F(RepairOfWords, AMendedWordListHasNoNuls) {
   EXPECT_EQ(Repaired(records), restored);
 }
 
-TEST_F(RepairOfWords, PostingsOfAnEarlierLongDocumentStay) {
+TEST_F(RepairOfWordsTest, PostingsOfAnEarlierLongDocumentStay) {
   Records records = Good();
   records["x"] = Units({1, 3, 9, 65535, 2, 1, 1, 3});
   records["e-mail"] = Units({1, 2, 9, 2, 1, 1, 3});
   EXPECT_EQ(Repaired(records), records);
 }
 
-TEST_F(RepairOfWords, WordsOfAnEarlierDocumentMakeNoHalfWrittenOneWhole) {
+TEST_F(RepairOfWordsTest, WordsOfAnEarlierDocumentMakeNoHalfWrittenOneWhole) {
   Records records = Good();
   records["g-code"] = Units({3});
   records["g-avail"] = Units({3});
@@ -148,7 +148,7 @@ TEST_F(RepairOfWords, WordsOfAnEarlierDocumentMakeNoHalfWrittenOneWhole) {
 }
 
 // Without positions, "ab" is the code 25185 too.
-TEST_F(RepairOfWords, ATextThatMayBeACodeLeavesOpenWhetherItsDocumentHasWords) {
+TEST_F(RepairOfWordsTest, ATextThatMayBeACodeLeavesOpenWhetherItsDocumentHasWords) {
   const unsigned code = 'a' | 'b' << 8;
   Records records = Good();
   records["g-opts"] = Units({1, 0});

@@ -1,6 +1,7 @@
 // Findings, and the lines that are made of them.
-#include <gtest/gtest.h>
 #include <kestan/maintenance/report/findings.h>
+
+#include <gtest/gtest.h>
 
 #include <string>
 #include <vector>

@@ -38,7 +38,7 @@ std::string Codes(unsigned count) {
   return record;
 }
 
-TEST(Statistics, CountDocumentsAndCodes) {
+TEST(StatisticsTest, CountDocumentsAndCodes) {
   const IndexStatistics statistics = ReadRecords(With({{"g-avail", Units({3, 4, 6})},
                                                        {"g-deleted", Units({5})},
                                                        {"g-code", Units({6})},
@@ -51,7 +51,7 @@ TEST(Statistics, CountDocumentsAndCodes) {
   EXPECT_EQ(statistics.file_error, 0);
 }
 
-TEST(Statistics, CountWordsPostingsAndPositions) {
+TEST(StatisticsTest, CountWordsPostingsAndPositions) {
   const IndexStatistics statistics =
       ReadRecords(With({{"fox", Units({1, 3, 3, 4, 5})}, {"hen", ""}}));
   EXPECT_EQ(statistics.words, 4u);
@@ -60,7 +60,7 @@ TEST(Statistics, CountWordsPostingsAndPositions) {
   EXPECT_EQ(statistics.positions, 6u);
 }
 
-TEST(Statistics, WordsWithHyphensAreWords) {
+TEST(StatisticsTest, WordsWithHyphensAreWords) {
   const std::string postings = Units({1, 1, 3, 2, 1, 2});
   const IndexStatistics statistics = ReadRecords(With({{"d-day", postings},
                                                        {"c-section", postings},
@@ -76,14 +76,14 @@ TEST(Statistics, WordsWithHyphensAreWords) {
   EXPECT_EQ(Shown(statistics.other_records), "0 records, 0 + 0 bytes");
 }
 
-TEST(Statistics, WithoutPositionsCountCodes) {
+TEST(StatisticsTest, WithoutPositionsCountCodes) {
   const IndexStatistics statistics =
       ReadRecords({{"g-opts", Units({1, 0})}, {"cat", Codes(7)}, {"dog", Codes(1)}});
   EXPECT_EQ(statistics.postings, 8u);
   EXPECT_EQ(statistics.positions, 0u);
 }
 
-TEST(Statistics, CountBytesByKind) {
+TEST(StatisticsTest, CountBytesByKind) {
   const IndexStatistics statistics = ReadRecords(With({{"t-a", "Title"},
                                                        {"t-", "No name"},
                                                        {"s-a", ""},
@@ -104,7 +104,7 @@ TEST(Statistics, CountBytesByKind) {
 }
 
 // Both sides of each limit: 1, 2, 3 to 4, 5 to 8, ..., 32769 to 65536.
-TEST(Statistics, WordsFallIntoClassesOfFrequency) {
+TEST(StatisticsTest, WordsFallIntoClassesOfFrequency) {
   Records records{{"g-opts", Units({1, 0})}};
   for (unsigned count : {1u, 2u, 3u, 4u, 5u, 8u, 9u, 32768u, 32769u, 65535u}) {
     records["word" + std::to_string(count)] = Codes(count);
@@ -126,13 +126,13 @@ TEST(Statistics, WordsFallIntoClassesOfFrequency) {
   expect(16, 3, 32769 + 65535 + 65535 + 65535);
 }
 
-TEST(Statistics, EntriesOfRemovedDocumentsCanBePurged) {
+TEST(StatisticsTest, EntriesOfRemovedDocumentsCanBePurged) {
   const Records records = With({{"g-deleted", Units({2})}, {"x", Units({2, 1, 2, 1, 1, 3})}});
   EXPECT_EQ(ReadRecords(records).removed_posting_bytes, 6u);  // "cat" gives its entry, "x" never
   EXPECT_EQ(ReadRecords(SoundRecords()).removed_posting_bytes, 0u);
 }
 
-TEST(Statistics, WithoutAFileSaySo) {
+TEST(StatisticsTest, WithoutAFileSaySo) {
   Database store;
   IndexStatistics statistics;
   EXPECT_EQ(StandardErrorOf([&] { statistics = kestan::ReadStatistics(store); }),
@@ -141,7 +141,7 @@ TEST(Statistics, WithoutAFileSaySo) {
   EXPECT_EQ(statistics.documents, 0u);
 }
 
-TEST(Statistics, LeaveOutWhatCannotBeReadAndSaySo) {
+TEST(StatisticsTest, LeaveOutWhatCannotBeReadAndSaySo) {
   const TempDir folder;
   Plant(folder / "index", SoundRecords());
   const auto records_of = [](const IndexStatistics& all) {
@@ -163,7 +163,7 @@ TEST_F(IndexTest, StatisticsTellTheFilesSize) {
 
 // ---- What a shrink gives back ----
 
-class ShrinkEstimate : public IndexTest {
+class ShrinkEstimateTest : public IndexTest {
  protected:
   // Shrinks the index and compares its size with what the statistics promised before and say now.
   void ExpectPromiseKept() {
@@ -208,29 +208,29 @@ class ShrinkEstimate : public IndexTest {
   std::uint32_t chance_ = 1;
 };
 
-TEST_F(ShrinkEstimate, HoldsForManyRareWords) {
+TEST_F(ShrinkEstimateTest, HoldsForManyRareWords) {
   AddDocuments(300, 100, 20000);
   ExpectPromiseKept();
 }
 
-TEST_F(ShrinkEstimate, HoldsForFrequentWords) {
+TEST_F(ShrinkEstimateTest, HoldsForFrequentWords) {
   AddDocuments(1000, 100, 1000);
   ExpectPromiseKept();
 }
 
-TEST_F(ShrinkEstimate, HoldsAfterHalfOfTheDocumentsWereRemoved) {
+TEST_F(ShrinkEstimateTest, HoldsAfterHalfOfTheDocumentsWereRemoved) {
   AddDocuments(1000, 50, 3000);
   RemoveEvery(2, 1000);
   ExpectPromiseKept();
 }
 
-TEST_F(ShrinkEstimate, HoldsAfterAllDocumentsWereRemoved) {
+TEST_F(ShrinkEstimateTest, HoldsAfterAllDocumentsWereRemoved) {
   AddDocuments(600, 50, 3000);
   RemoveEvery(1, 600);
   ExpectPromiseKept();
 }
 
-TEST_F(ShrinkEstimate, HoldsForTextsOfAllLengths) {
+TEST_F(ShrinkEstimateTest, HoldsForTextsOfAllLengths) {
   for (unsigned bytes : {10u, 100u, 300u, 600u, 2000u}) {
     for (int i = 0; i < 300; ++i) {
       const std::string name = std::to_string(bytes) + " " + std::to_string(i);
@@ -240,7 +240,7 @@ TEST_F(ShrinkEstimate, HoldsForTextsOfAllLengths) {
   ExpectPromiseKept();
 }
 
-TEST_F(ShrinkEstimate, PromisesNothingInASmallestFile) {
+TEST_F(ShrinkEstimateTest, PromisesNothingInASmallestFile) {
   engine_.CloseIndex();
   EXPECT_LT(Read(path_).reclaimable_bytes, 2048u);
 }

@@ -1,8 +1,9 @@
 // Files of which some bytes cannot be read, and files that change while they are read. The program
 // has the linker lead the library's calls of the system to the stand-ins at the end of this file.
+#include <kestan/maintenance/salvage/file_reading.h>
+
 #include <gtest/gtest.h>
 #include <kestan/maintenance.h>
-#include <kestan/maintenance/salvage/file_reading.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -21,7 +22,7 @@ namespace {
 std::function<int(std::size_t at, std::size_t bytes)> read_error;
 int look_error = 0;  // the same for looking at what the file is
 
-class FileReading : public testing::Test {
+class FileReadingTest : public testing::Test {
  protected:
   void SetUp() override {
     for (std::size_t i = 0; i < kBytes; ++i) bytes_ += static_cast<char>(1 + i % 251);
@@ -55,12 +56,12 @@ class FileReading : public testing::Test {
   std::uint64_t unreadable_ = 7;
 };
 
-TEST_F(FileReading, AFileIsReadWhole) {
+TEST_F(FileReadingTest, AFileIsReadWhole) {
   EXPECT_EQ(Read(), bytes_);
   EXPECT_EQ(unreadable_, 0U);
 }
 
-TEST_F(FileReading, SignalsAreNoErrors) {
+TEST_F(FileReadingTest, SignalsAreNoErrors) {
   int signals = 0;
   read_error = [&](std::size_t, std::size_t) { return ++signals % 3 != 0 ? EINTR : 0; };
   EXPECT_EQ(Read(), bytes_);
@@ -68,7 +69,7 @@ TEST_F(FileReading, SignalsAreNoErrors) {
   EXPECT_GT(signals, 3);
 }
 
-TEST_F(FileReading, BlocksThatCannotBeReadBecomeZeros) {
+TEST_F(FileReadingTest, BlocksThatCannotBeReadBecomeZeros) {
   for (const std::size_t block : {std::size_t{0}, std::size_t{1024}, kBytes / 512 * 512}) {
     Damage(block, block + 1);
     std::string expected = bytes_;
@@ -79,7 +80,7 @@ TEST_F(FileReading, BlocksThatCannotBeReadBecomeZeros) {
   }
 }
 
-TEST_F(FileReading, OfDamageAcrossBlocksEachIsLost) {
+TEST_F(FileReadingTest, OfDamageAcrossBlocksEachIsLost) {
   Damage(1023, 1537);
   std::string expected = bytes_;
   expected.replace(512, 1536, 1536, '\0');
@@ -87,7 +88,7 @@ TEST_F(FileReading, OfDamageAcrossBlocksEachIsLost) {
   EXPECT_EQ(unreadable_, 1536U);
 }
 
-TEST_F(FileReading, AFileThatIsCutMeanwhileEndsThere) {
+TEST_F(FileReadingTest, AFileThatIsCutMeanwhileEndsThere) {
   constexpr std::size_t kLeft = 1500000;
   read_error = [&](std::size_t at, std::size_t) {
     if (at != 0) std::filesystem::resize_file(path_, kLeft);
@@ -97,19 +98,19 @@ TEST_F(FileReading, AFileThatIsCutMeanwhileEndsThere) {
   EXPECT_EQ(unreadable_, 0U);
 }
 
-TEST_F(FileReading, AFileThatCannotBeLookedAtIsAnError) {
+TEST_F(FileReadingTest, AFileThatCannotBeLookedAtIsAnError) {
   look_error = EIO;
   EXPECT_EQ(kestan::ReadWholeFile(path_.c_str(), &read_, &unreadable_), EIO);
 }
 
-TEST_F(FileReading, AFileThatFitsNoMemoryIsAnErrorAndNoEndOfTheProcess) {
+TEST_F(FileReadingTest, AFileThatFitsNoMemoryIsAnErrorAndNoEndOfTheProcess) {
   std::error_code error;
   std::filesystem::resize_file(path_, kestan::String().max_size() / 2 + 1, error);
   if (error) GTEST_SKIP() << "no such file here: " << error.message();
   EXPECT_EQ(kestan::ReadWholeFile(path_.c_str(), &read_, &unreadable_), EFBIG);
 }
 
-TEST_F(FileReading, ARepairSaysWhatItCouldNotRead) {
+TEST_F(FileReadingTest, ARepairSaysWhatItCouldNotRead) {
   MakeIndex(folder_ / "index", 100, 1);
   Damage(3 * kBlockBytes, 4 * kBlockBytes);
   std::string said;
@@ -122,7 +123,7 @@ TEST_F(FileReading, ARepairSaysWhatItCouldNotRead) {
 }
 
 // Where nothing that counts lies, the file is damaged all the same.
-TEST_F(FileReading, AnUnreadableBlockOfTextIsDamage) {
+TEST_F(FileReadingTest, AnUnreadableBlockOfTextIsDamage) {
   const std::string damaged = folder_ / "index";
   kestan_tests::Plant(damaged, {{"t-a", std::string(5000, 't')}});
   const std::size_t bytes = ReadFile(damaged).size();

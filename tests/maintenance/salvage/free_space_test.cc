@@ -10,7 +10,7 @@ namespace kestan_maintenance {
 namespace {
 
 // A file with a record that no bucket has: where it does not lie in free space, it may be old.
-class FreeSpace : public CraftedFile {
+class FreeSpaceTest : public CraftedFile {
  protected:
   void PutRecord(std::uint32_t magic = gdbm::kMagic) {
     PutHeader(512, magic);
@@ -38,12 +38,12 @@ class FreeSpace : public CraftedFile {
   gdbm::Element record_{};
 };
 
-TEST_F(FreeSpace, ARecordWithoutABucketIsFound) {
+TEST_F(FreeSpaceTest, ARecordWithoutABucketIsFound) {
   PutRecord();
   EXPECT_EQ(CountFound(), 1U);
 }
 
-TEST_F(FreeSpace, ARecordThatLiesInItIsNot) {
+TEST_F(FreeSpaceTest, ARecordThatLiesInItIsNot) {
   PutRecord();
   PutList(kList, 1, {3, record_.data});
   EXPECT_EQ(CountFound(), 0U);
@@ -51,13 +51,13 @@ TEST_F(FreeSpace, ARecordThatLiesInItIsNot) {
   EXPECT_EQ(CountFound(), 0U);
 }
 
-TEST_F(FreeSpace, ARecordThatReachesIntoItIsNot) {
+TEST_F(FreeSpaceTest, ARecordThatReachesIntoItIsNot) {
   PutRecord();
   PutList(kList, 1, {1, record_.data + 5});
   EXPECT_EQ(CountFound(), 0U);
 }
 
-TEST_F(FreeSpace, ARecordRightBesideItIsFound) {
+TEST_F(FreeSpaceTest, ARecordRightBesideItIsFound) {
   PutRecord();
   file_ += "behind";
   PutList(kList, 1, {6, record_.data + 7});
@@ -66,7 +66,7 @@ TEST_F(FreeSpace, ARecordRightBesideItIsFound) {
   EXPECT_EQ(CountFound(), 1U);
 }
 
-TEST_F(FreeSpace, OfNoBytesOrBehindTheEndCountsForNothing) {
+TEST_F(FreeSpaceTest, OfNoBytesOrBehindTheEndCountsForNothing) {
   PutRecord();
   for (const std::int32_t bytes : {0, -1, INT_MIN, 8}) {
     PutList(kList, 1, {bytes, record_.data});
@@ -74,7 +74,7 @@ TEST_F(FreeSpace, OfNoBytesOrBehindTheEndCountsForNothing) {
   }
 }
 
-TEST_F(FreeSpace, IsListedBehindTheExtensionInTheExtendedFormat) {
+TEST_F(FreeSpaceTest, IsListedBehindTheExtensionInTheExtendedFormat) {
   PutRecord(gdbm::kExtendedMagic);
   PutList(kList + gdbm::kExtensionBytes, 1, {6, record_.data});
   EXPECT_EQ(CountFound(), 0U);
@@ -82,14 +82,14 @@ TEST_F(FreeSpace, IsListedBehindTheExtensionInTheExtendedFormat) {
   EXPECT_EQ(CountFound(), 1U);
 }
 
-TEST_F(FreeSpace, EveryEntryOfAListCounts) {
+TEST_F(FreeSpaceTest, EveryEntryOfAListCounts) {
   PutRecord();
   PutList(kList, 2, {1, 7000});
   Put(kList + sizeof(gdbm::FreeList) + sizeof(gdbm::FreeSpace), gdbm::FreeSpace{6, record_.data});
   EXPECT_EQ(CountFound(), 0U);
 }
 
-TEST_F(FreeSpace, IsListedInFurtherListsToo) {
+TEST_F(FreeSpaceTest, IsListedInFurtherListsToo) {
   PutRecord();
   constexpr Offset kFurther = 6144;
   PutList(kList, 1, {1, 7000}, kFurther);
@@ -97,13 +97,13 @@ TEST_F(FreeSpace, IsListedInFurtherListsToo) {
   EXPECT_EQ(CountFound(), 0U);
 }
 
-TEST_F(FreeSpace, ListsThatLeadInCirclesEnd) {
+TEST_F(FreeSpaceTest, ListsThatLeadInCirclesEnd) {
   PutRecord();
   PutList(kList, 1, {1, 7000}, kList);
   EXPECT_EQ(CountFound(), 1U);
 }
 
-TEST_F(FreeSpace, ListsThatLeadNowhereEnd) {
+TEST_F(FreeSpaceTest, ListsThatLeadNowhereEnd) {
   PutRecord();
   for (const Offset next : {file_.size(), file_.size() - 1, ~std::size_t{0}}) {
     PutList(kList, 1, {1, 7000}, next);
@@ -111,14 +111,14 @@ TEST_F(FreeSpace, ListsThatLeadNowhereEnd) {
   }
 }
 
-TEST_F(FreeSpace, AListEndsWithTheFile) {
+TEST_F(FreeSpaceTest, AListEndsWithTheFile) {
   PutRecord();
   PutList(kList, INT_MAX, {1, 7000});
   EXPECT_EQ(CountFound(), 1U);
 }
 
 // The list is gone through once and a half before the bytes of it are more than those of the file.
-TEST_F(FreeSpace, AListThatIsTooLongEndsInItsNextRound) {
+TEST_F(FreeSpaceTest, AListThatIsTooLongEndsInItsNextRound) {
   PutRecord();
   PutList(kList, 300, {1, 7000}, kList);
   EXPECT_EQ(CountFound(), 1U);

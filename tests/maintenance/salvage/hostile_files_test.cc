@@ -19,7 +19,7 @@ namespace {
 
 namespace gdbm = kestan::gdbm;
 
-class RepairOfHostileFiles : public testing::Test {
+class RepairOfHostileFilesTest : public testing::Test {
  protected:
   void SetUp() override { MakeIndex(folder_ / "good", 40, 3); }
 
@@ -69,7 +69,7 @@ class RepairOfHostileFiles : public testing::Test {
   Dice dice_{11};
 };
 
-TEST_F(RepairOfHostileFiles, BytesChangedAtRandom) {
+TEST_F(RepairOfHostileFilesTest, BytesChangedAtRandom) {
   const std::string good = Good();
   for (int round = 0; round < Rounds(100); ++round) {
     std::string bytes = good;
@@ -80,7 +80,7 @@ TEST_F(RepairOfHostileFiles, BytesChangedAtRandom) {
   }
 }
 
-TEST_F(RepairOfHostileFiles, BytesOfTheHeaderChangedAtRandom) {
+TEST_F(RepairOfHostileFilesTest, BytesOfTheHeaderChangedAtRandom) {
   const std::string good = Good();
   for (int round = 0; round < Rounds(60); ++round) {
     std::string bytes = good;
@@ -92,7 +92,7 @@ TEST_F(RepairOfHostileFiles, BytesOfTheHeaderChangedAtRandom) {
   }
 }
 
-TEST_F(RepairOfHostileFiles, BlocksMovedCutAndRepeated) {
+TEST_F(RepairOfHostileFilesTest, BlocksMovedCutAndRepeated) {
   const std::string good = Good();
   for (int round = 0; round < Rounds(60); ++round) {
     std::string bytes = good;
@@ -105,7 +105,7 @@ TEST_F(RepairOfHostileFiles, BlocksMovedCutAndRepeated) {
   }
 }
 
-TEST_F(RepairOfHostileFiles, NoiseBehindAGoodHeader) {
+TEST_F(RepairOfHostileFilesTest, NoiseBehindAGoodHeader) {
   for (int round = 0; round < Rounds(20); ++round) {
     std::string bytes = Good();
     const std::size_t first = sizeof(gdbm::Header) + dice_.Below(2000);
@@ -114,7 +114,7 @@ TEST_F(RepairOfHostileFiles, NoiseBehindAGoodHeader) {
   }
 }
 
-TEST_F(RepairOfHostileFiles, HeadersOfExtremes) {
+TEST_F(RepairOfHostileFilesTest, HeadersOfExtremes) {
   const std::string good = Good();
   for (const std::int64_t extreme : {std::int64_t{0}, std::int64_t{-1}, std::int64_t{INT_MAX},
                                      std::int64_t{INT_MIN}, std::int64_t{1} << 62}) {
@@ -132,7 +132,7 @@ TEST_F(RepairOfHostileFiles, HeadersOfExtremes) {
   }
 }
 
-TEST_F(RepairOfHostileFiles, BucketsOfExtremes) {
+TEST_F(RepairOfHostileFilesTest, BucketsOfExtremes) {
   const std::string good = Good();
   gdbm::Offset first_bucket = 0;
   std::memcpy(&first_bucket, &good[InMemory(HeaderOf(good).directory)], sizeof first_bucket);
@@ -146,7 +146,7 @@ TEST_F(RepairOfHostileFiles, BucketsOfExtremes) {
   }
 }
 
-TEST_F(RepairOfHostileFiles, ListsOfFreeSpaceThatLeadInCircles) {
+TEST_F(RepairOfHostileFilesTest, ListsOfFreeSpaceThatLeadInCircles) {
   std::string bytes = Good();
   const std::size_t list = sizeof(gdbm::Header);
   Put(&bytes, list, gdbm::FreeList{INT_MAX, INT_MAX, list});
@@ -156,13 +156,13 @@ TEST_F(RepairOfHostileFiles, ListsOfFreeSpaceThatLeadInCircles) {
   EXPECT_EQ(Repair(bytes), 0);
 }
 
-TEST_F(RepairOfHostileFiles, ADirectoryThatLeadsToItself) {
+TEST_F(RepairOfHostileFilesTest, ADirectoryThatLeadsToItself) {
   std::string bytes = Frame(4096);
   for (std::size_t i = 0; i < 64; ++i) Put(&bytes, 512 + i * 8, gdbm::Offset{512});
   EXPECT_EQ(Repair(bytes), -1);
 }
 
-TEST_F(RepairOfHostileFiles, RecordsThatOverlapFillNoDisk) {
+TEST_F(RepairOfHostileFilesTest, RecordsThatOverlapFillNoDisk) {
   constexpr std::size_t kBuckets = 2000;
   constexpr std::size_t kText = 1024 + kBuckets * 512;
   std::string bytes = Frame(kText + 100000);
@@ -180,7 +180,7 @@ TEST_F(RepairOfHostileFiles, RecordsThatOverlapFillNoDisk) {
   EXPECT_LT(std::filesystem::file_size(folder_ / "repaired"), 3 * bytes.size());
 }
 
-TEST_F(RepairOfHostileFiles, AnIndexInATextIsNotTakenForTheIndex) {
+TEST_F(RepairOfHostileFilesTest, AnIndexInATextIsNotTakenForTheIndex) {
   const std::string inner = Good();
   {
     Kestan engine;

@@ -1,6 +1,7 @@
 // Posting records of which some bytes are damaged.
-#include <gtest/gtest.h>
 #include <kestan/maintenance/salvage/posting_salvage.h>
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 

@@ -1,7 +1,8 @@
 // What a salvage finds in whole files, and what it still finds in damaged ones.
+#include <kestan/maintenance/salvage/salvage.h>
+
 #include <gtest/gtest.h>
 #include <kestan/maintenance/salvage/gdbm_layout.h>
-#include <kestan/maintenance/salvage/salvage.h>
 
 #include <algorithm>
 #include <cstddef>

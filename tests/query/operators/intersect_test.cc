@@ -6,7 +6,7 @@
 namespace kestan_tests {
 namespace {
 
-class QueryAnd : public QueryTest {
+class QueryAndTest : public QueryTest {
  protected:
   // Combines a word at `first` with one at `second`, both in document 1 alone.
   Hits Both(const Numbers& first, const Numbers& second, int distance) {
@@ -15,19 +15,19 @@ class QueryAnd : public QueryTest {
   }
 };
 
-TEST_F(QueryAnd, KeepsTheDocumentsOfBoth) {
+TEST_F(QueryAndTest, KeepsTheDocumentsOfBoth) {
   const int first = Postings(Entry(1, {1}) + Entry(3, {1}) + Entry(5, {1}) + Entry(7, {1}));
   const int second = Postings(Entry(2, {50}) + Entry(3, {51}) + Entry(7, {52}) + Entry(9, {53}));
   EXPECT_EQ(HitsOf(And(first, second, 0)), (Hits{{3, 2, {51}}, {7, 2, {52}}}));
   EXPECT_EQ(HitsOf(And(second, first, 0)), (Hits{{3, 2, {1}}, {7, 2, {1}}}));
 }
 
-TEST_F(QueryAnd, IsEmptyWhereNoDocumentIsInBoth) {
+TEST_F(QueryAndTest, IsEmptyWhereNoDocumentIsInBoth) {
   const int first = Postings(Entry(1, {1}));
   EXPECT_EQ(HitsOf(And(first, Postings(Entry(2, {1})), 0)), Hits{});
 }
 
-TEST_F(QueryAnd, UnknownOperandIsMinus1AndSilent) {
+TEST_F(QueryAndTest, UnknownOperandIsMinus1AndSilent) {
   const int known = At({1});
   const auto combine = [&] {
     EXPECT_EQ(And(known, 99, 0), -1);
@@ -37,18 +37,18 @@ TEST_F(QueryAnd, UnknownOperandIsMinus1AndSilent) {
   EXPECT_EQ(StandardErrorOf(combine), "");
 }
 
-TEST_F(QueryAnd, NeighboursMatchInEitherOrder) {
+TEST_F(QueryAndTest, NeighboursMatchInEitherOrder) {
   EXPECT_EQ(Both({7}, {8}, 1), (Hits{{1, 402, {8}}}));
   EXPECT_EQ(Both({8}, {7}, 1), (Hits{{1, 402, {7}}}));
 }
 
-TEST_F(QueryAnd, WordsFurtherApartThanTheDistanceDoNotMatch) {
+TEST_F(QueryAndTest, WordsFurtherApartThanTheDistanceDoNotMatch) {
   EXPECT_EQ(Both({7}, {10}, 1), Hits{});
   EXPECT_EQ(Both({7}, {9}, 1), Hits{});
   EXPECT_EQ(Both({9}, {7}, 1), Hits{});
 }
 
-TEST_F(QueryAnd, DistanceReachesExactlyThatFar) {
+TEST_F(QueryAndTest, DistanceReachesExactlyThatFar) {
   for (unsigned distance : {2U, 19U, 20U, 21U, 500U}) {
     const int k = static_cast<int>(distance);
     EXPECT_EQ(Both({1000}, {1000 + distance}, k).size(), 1U) << distance;
@@ -58,33 +58,33 @@ TEST_F(QueryAnd, DistanceReachesExactlyThatFar) {
   }
 }
 
-TEST_F(QueryAnd, WithADistanceOnePlaceDoesNotMatchItself) {
+TEST_F(QueryAndTest, WithADistanceOnePlaceDoesNotMatchItself) {
   EXPECT_EQ(Both({7}, {7}, 1), Hits{});
   EXPECT_EQ(Both({7}, {7}, INT_MAX), Hits{});
 }
 
-TEST_F(QueryAnd, WithoutADistanceOnePlaceMatchesItself) {
+TEST_F(QueryAndTest, WithoutADistanceOnePlaceMatchesItself) {
   EXPECT_EQ(Both({7}, {7}, 0), (Hits{{1, 2 + 401, {7}}}));
 }
 
-TEST_F(QueryAnd, LargestDistanceReachesEverywhere) {
+TEST_F(QueryAndTest, LargestDistanceReachesEverywhere) {
   EXPECT_EQ(Both({1}, {65535}, INT_MAX), (Hits{{1, 2, {65535}}}));
   EXPECT_EQ(Both({65535}, {1}, 65534), (Hits{{1, 2, {1}}}));
   EXPECT_EQ(Both({65535}, {1}, 65533), Hits{});
 }
 
-TEST_F(QueryAnd, NegativeDistanceLetsNoKnownPlacesPass) {
+TEST_F(QueryAndTest, NegativeDistanceLetsNoKnownPlacesPass) {
   for (int distance : {-1, -20, INT_MIN + 1, INT_MIN}) {
     EXPECT_EQ(Both({7, 9}, {7, 8, 500}, distance), Hits{}) << distance;
   }
 }
 
-TEST_F(QueryAnd, NegativeDistanceLetsUnknownPlacesPass) {
+TEST_F(QueryAndTest, NegativeDistanceLetsUnknownPlacesPass) {
   EXPECT_EQ(Both({7, 9}, {0}, -1), (Hits{{1, 3, {7, 9}}}));
   EXPECT_EQ(Both({0}, {7, 9}, INT_MIN), (Hits{{1, 3, {7, 9}}}));
 }
 
-TEST_F(QueryAnd, PairsUpTo20PlacesApartEarnABonus) {
+TEST_F(QueryAndTest, PairsUpTo20PlacesApartEarnABonus) {
   const auto score = [&](unsigned first, unsigned second) {
     return Both({first}, {second}, 0).at(0).score - 2;
   };
@@ -98,48 +98,48 @@ TEST_F(QueryAnd, PairsUpTo20PlacesApartEarnABonus) {
   EXPECT_EQ(score(100, 79), 0U);
 }
 
-TEST_F(QueryAnd, BonusDoesNotDependOnTheDistance) {
+TEST_F(QueryAndTest, BonusDoesNotDependOnTheDistance) {
   EXPECT_EQ(Both({100}, {110}, 10), (Hits{{1, 2 + 301, {110}}}));
   EXPECT_EQ(Both({100}, {110}, 5000), (Hits{{1, 2 + 301, {110}}}));
   EXPECT_EQ(Both({100}, {130}, 30), (Hits{{1, 2, {130}}}));
 }
 
-TEST_F(QueryAnd, WordsFarApartMatchOnlyWithoutADistance) {
+TEST_F(QueryAndTest, WordsFarApartMatchOnlyWithoutADistance) {
   EXPECT_EQ(Both({100}, {130}, 5), Hits{});
   EXPECT_EQ(Both({100}, {130}, 0), (Hits{{1, 2, {130}}}));
 }
 
-TEST_F(QueryAnd, EveryClosePairEarnsItsBonus) {
+TEST_F(QueryAndTest, EveryClosePairEarnsItsBonus) {
   EXPECT_EQ(Both({10, 11}, {12}, 0), (Hits{{1, 3 + 397 + 400, {12}}}));
   EXPECT_EQ(Both({10}, {12, 12}, 0), (Hits{{1, 3 + 397 + 397, {12}}}));
 }
 
-TEST_F(QueryAnd, OnlyPairsWithinTheDistanceEarnABonus) {
+TEST_F(QueryAndTest, OnlyPairsWithinTheDistanceEarnABonus) {
   EXPECT_EQ(Both({10}, {10, 12, 13}, 2), (Hits{{1, 4 + 397, {12}}}));
 }
 
-TEST_F(QueryAnd, PositionsAreDistinctAndAscending) {
+TEST_F(QueryAndTest, PositionsAreDistinctAndAscending) {
   EXPECT_EQ(Both({100, 400}, {405, 405, 103, 99}, 5).at(0).positions, (Numbers{99, 103, 405}));
 }
 
-TEST_F(QueryAnd, PositionsAreThoseOfTheSecondOperand) {
+TEST_F(QueryAndTest, PositionsAreThoseOfTheSecondOperand) {
   EXPECT_EQ(Both({100, 200}, {300, 50}, 0), (Hits{{1, 4, {50, 300}}}));
 }
 
-TEST_F(QueryAnd, SetWithItselfEarnsForEachPair) {
+TEST_F(QueryAndTest, SetWithItselfEarnsForEachPair) {
   const int id = At({10, 12, 100});
   EXPECT_EQ(HitsOf(And(id, id, 0)), (Hits{{1, 6 + 3 * 401 + 2 * 397, {10, 12, 100}}}));
   EXPECT_EQ(HitsOf(And(id, id, 2)), (Hits{{1, 6 + 2 * 397, {10, 12}}}));
 }
 
-TEST_F(QueryAnd, ChainMeasuresFromTheWordMatchedLast) {
+TEST_F(QueryAndTest, ChainMeasuresFromTheWordMatchedLast) {
   const int first = At({1}), second = At({2});
   const int both = And(first, second, 1);
   EXPECT_EQ(HitsOf(And(both, At({3}), 1)), (Hits{{1, 402 + 1 + 400, {3}}}));
   EXPECT_EQ(HitsOf(And(And(second, first, 1), At({3}), 1)), Hits{});
 }
 
-TEST_F(QueryAnd, WithoutPositionsEveryCommonDocumentStays) {
+TEST_F(QueryAndTest, WithoutPositionsEveryCommonDocumentStays) {
   DropPositions();
   const int first = Postings(Units({1, 2, 3}));
   const int second = Postings(Units({3, 2, 4}));
@@ -148,27 +148,27 @@ TEST_F(QueryAnd, WithoutPositionsEveryCommonDocumentStays) {
   }
 }
 
-TEST_F(QueryAnd, UnknownPlaceOfTheSecondKeepsThePlacesOfTheFirst) {
+TEST_F(QueryAndTest, UnknownPlaceOfTheSecondKeepsThePlacesOfTheFirst) {
   EXPECT_EQ(Both({5, 9}, {0}, 1), (Hits{{1, 3, {5, 9}}}));
   EXPECT_EQ(Both({5}, {0, 7}, 0), (Hits{{1, 3 + 397, {5, 7}}}));
 }
 
-TEST_F(QueryAnd, UnknownPlaceOfTheFirstKeepsThePlacesOfTheSecond) {
+TEST_F(QueryAndTest, UnknownPlaceOfTheFirstKeepsThePlacesOfTheSecond) {
   EXPECT_EQ(Both({0}, {5, 9}, 1), (Hits{{1, 3, {5, 9}}}));
   EXPECT_EQ(Both({0, 7}, {5, 40}, 1), (Hits{{1, 4, {5, 40}}}));
 }
 
-TEST_F(QueryAnd, UnknownPlacesOfBothKeepOneUnknownPlace) {
+TEST_F(QueryAndTest, UnknownPlacesOfBothKeepOneUnknownPlace) {
   EXPECT_EQ(Both({0}, {0}, 1), (Hits{{1, 2, {0}}}));
   EXPECT_EQ(Both({0, 3}, {0, 9}, 1), (Hits{{1, 4, {0, 3, 9}}}));
 }
 
-TEST_F(QueryAnd, DocumentWithoutPositionsDrops) {
+TEST_F(QueryAndTest, DocumentWithoutPositionsDrops) {
   EXPECT_EQ(Both({}, {1, 2}, 0), Hits{});
   EXPECT_EQ(Both({1}, {}, 0), Hits{});
 }
 
-TEST_F(QueryAnd, EachDocumentIsMatchedByItself) {
+TEST_F(QueryAndTest, EachDocumentIsMatchedByItself) {
   const int first = Postings(Entry(1, {10}) + Entry(2, {10}) + Entry(3, {500}));
   const int second = Postings(Entry(1, {11}) + Entry(2, {500}) + Entry(3, {500, 11}));
   EXPECT_EQ(HitsOf(And(first, second, 0)),
@@ -176,7 +176,7 @@ TEST_F(QueryAnd, EachDocumentIsMatchedByItself) {
 }
 
 // 163 pairs in one place earn 163 x 401 = 65363; the rest is the number of positions.
-TEST_F(QueryAnd, ScoreReaches65535AndNoFurther) {
+TEST_F(QueryAndTest, ScoreReaches65535AndNoFurther) {
   const auto score = [&](unsigned far_away) {
     Numbers second = From(1000, 1000 + far_away - 1);
     second.push_back(5);
@@ -187,24 +187,24 @@ TEST_F(QueryAnd, ScoreReaches65535AndNoFurther) {
   EXPECT_EQ(score(9), 65535U);
 }
 
-TEST_F(QueryAnd, ScoreAbove65535IsCut) {
+TEST_F(QueryAndTest, ScoreAbove65535IsCut) {
   EXPECT_EQ(Both(Numbers(13, 5), Numbers(12, 5), 0).at(0).score, 13U * 12 * 401 + 25);
   EXPECT_EQ(Both(Numbers(14, 5), Numbers(12, 5), 0).at(0).score, 65535U);
 }
 
 // 3998 x 2679 pairs earn 401 each, which is 146 more than 2^32.
-TEST_F(QueryAnd, ScoreIsCountedIn32BitsBeforeItIsCut) {
+TEST_F(QueryAndTest, ScoreIsCountedIn32BitsBeforeItIsCut) {
   EXPECT_EQ(Both(Numbers(3998, 5), Numbers(2679, 5), 0), (Hits{{1, 146 + 3998 + 2679, {5}}}));
 }
 
-TEST_F(QueryAnd, SumOfScoresIsCutWithoutAnyBonusToo) {
+TEST_F(QueryAndTest, SumOfScoresIsCutWithoutAnyBonusToo) {
   const int first = At(Numbers(40000, 5));
   EXPECT_EQ(HitsOf(And(first, At({0}), 0)).at(0).score, 40001U);
   const int cut = And(first, At({5}), 0);
   EXPECT_EQ(HitsOf(And(cut, At({1000}), 0)), (Hits{{1, 65535, {1000}}}));
 }
 
-TEST_F(QueryAnd, AtMost65535PositionsStay) {
+TEST_F(QueryAndTest, AtMost65535PositionsStay) {
   const Hits hits = Both(From(0, 65534), {0, 65535}, 0);
   ASSERT_EQ(hits.size(), 1U);
   EXPECT_EQ(hits[0].positions, From(0, 65534));

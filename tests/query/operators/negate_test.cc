@@ -4,7 +4,7 @@
 namespace kestan_tests {
 namespace {
 
-class QueryNegate : public QueryTest {
+class QueryNegateTest : public QueryTest {
  protected:
   // Hits of score 0 at an unknown place.
   static Hits Zeros(const Numbers& codes) {
@@ -14,35 +14,35 @@ class QueryNegate : public QueryTest {
   }
 };
 
-TEST_F(QueryNegate, FindsTheOtherDocuments) {
+TEST_F(QueryNegateTest, FindsTheOtherDocuments) {
   for (const char* text : {"cat", "dog", "cat", "cow"}) engine_.AddDocumentWords(text, text);
   EXPECT_EQ(HitsOf(Not(Word("dog"))), Zeros({1, 3, 4}));
 }
 
-TEST_F(QueryNegate, OfEverythingIsAnEmptySet) {
+TEST_F(QueryNegateTest, OfEverythingIsAnEmptySet) {
   PlantAndReopen({{"g-code", Units({2})}});
   EXPECT_EQ(HitsOf(Not(Postings(Entry(1, {1}) + Entry(2, {1})))), Hits{});
 }
 
-TEST_F(QueryNegate, OfAnUnknownSetIsEverything) {
+TEST_F(QueryNegateTest, OfAnUnknownSetIsEverything) {
   PlantAndReopen({{"g-code", Units({3})}});
   EXPECT_EQ(HitsOf(Not(-1)), Zeros({1, 2, 3}));
   EXPECT_EQ(HitsOf(Not(99)), Zeros({1, 2, 3}));
 }
 
-TEST_F(QueryNegate, LeavesOutReusableCodes) {
+TEST_F(QueryNegateTest, LeavesOutReusableCodes) {
   PlantAndReopen({{"g-code", Units({6})}, {"g-avail", Units({5, 2})}});
   EXPECT_EQ(HitsOf(Not(-1)), Zeros({1, 3, 4, 6}));
   EXPECT_EQ(HitsOf(Not(Postings(Entry(2, {1}) + Entry(3, {1})))), Zeros({1, 4, 6}));
 }
 
-TEST_F(QueryNegate, SeesReusableCodesThatAreNotFlushed) {
+TEST_F(QueryNegateTest, SeesReusableCodesThatAreNotFlushed) {
   PlantAndReopen({{"g-code", Units({3})}, {"g-avail", Units({3, 2})}});
   engine_.AddDocumentWords("one", "");
   EXPECT_EQ(HitsOf(Not(-1)), Zeros({1, 2}));
 }
 
-TEST_F(QueryNegate, KeepsRemovedDocumentsUntilTheIndexIsShrunk) {
+TEST_F(QueryNegateTest, KeepsRemovedDocumentsUntilTheIndexIsShrunk) {
   engine_.AddDocumentWords("one", "cat");
   engine_.AddDocumentWords("two", "dog");
   engine_.RemoveDocumentWords("one");
@@ -52,52 +52,52 @@ TEST_F(QueryNegate, KeepsRemovedDocumentsUntilTheIndexIsShrunk) {
   EXPECT_EQ(HitsOf(Not(Word("dog"))), Hits{});
 }
 
-TEST_F(QueryNegate, IgnoresCodesAboveTheCounter) {
+TEST_F(QueryNegateTest, IgnoresCodesAboveTheCounter) {
   PlantAndReopen({{"g-code", Units({2})}, {"g-avail", Units({9})}});
   EXPECT_EQ(HitsOf(Not(Postings(Entry(0, {1}) + Entry(3, {1}) + Entry(65535, {1})))),
             Zeros({1, 2}));
 }
 
-TEST_F(QueryNegate, CountsUpTo65535) {
+TEST_F(QueryNegateTest, CountsUpTo65535) {
   PlantAndReopen({{"g-code", Units({65535})}});
   EXPECT_EQ(HitsOf(Not(Postings(Entry(1, {1})))), Zeros(From(2, 65535)));
 }
 
-TEST_F(QueryNegate, OfANegationIsWhatWasThereWithoutScores) {
+TEST_F(QueryNegateTest, OfANegationIsWhatWasThereWithoutScores) {
   PlantAndReopen({{"g-code", Units({4})}});
   EXPECT_EQ(HitsOf(Not(Not(Postings(Entry(2, {1, 2}))))), Zeros({2}));
 }
 
-TEST_F(QueryNegate, CanBeNarrowedByAWord) {
+TEST_F(QueryNegateTest, CanBeNarrowedByAWord) {
   PlantAndReopen({{"g-code", Units({4})}});
   const int word = Postings(Entry(2, {8}) + Entry(3, {1, 9}));
   const int others = Not(Postings(Entry(2, {1})));
   EXPECT_EQ(HitsOf(And(word, others, 5)), (Hits{{3, 2, {1, 9}}}));
 }
 
-TEST_F(QueryNegate, CounterOfZeroIsAnEmptySet) {
+TEST_F(QueryNegateTest, CounterOfZeroIsAnEmptySet) {
   PlantAndReopen({{"g-code", Units({0})}});
   EXPECT_EQ(HitsOf(Not(-1)), Hits{});
 }
 
-TEST_F(QueryNegate, ShortCounterIsPaddedWithZeros) {
+TEST_F(QueryNegateTest, ShortCounterIsPaddedWithZeros) {
   PlantAndReopen({{"g-code", "\x02"}});
   EXPECT_EQ(HitsOf(Not(-1)), Zeros({1, 2}));
   PlantAndReopen({{"g-code", ""}});
   EXPECT_EQ(HitsOf(Not(-1)), Hits{});
 }
 
-TEST_F(QueryNegate, OddByteOfTheReusableCodesIsNoCode) {
+TEST_F(QueryNegateTest, OddByteOfTheReusableCodesIsNoCode) {
   PlantAndReopen({{"g-code", Units({3})}, {"g-avail", Units({2}) + "\x01"}});
   EXPECT_EQ(HitsOf(Not(-1)), Zeros({1, 3}));
 }
 
-TEST_F(QueryNegate, IndexWithoutCounterEndsTheProcess) {
+TEST_F(QueryNegateTest, IndexWithoutCounterEndsTheProcess) {
   EXPECT_EXIT(engine_.QueryNegate(-1), testing::ExitedWithCode(1),
               "^Kestan: Could not locate global-code \\(oops!\\)\n$");
 }
 
-TEST_F(QueryNegate, WithoutAnIndexEndsTheProcess) {
+TEST_F(QueryNegateTest, WithoutAnIndexEndsTheProcess) {
   engine_.CloseIndex();
   EXPECT_EXIT(engine_.QueryNegate(-1), testing::ExitedWithCode(1),
               "^Kestan: Call to database::get without an open database\n"

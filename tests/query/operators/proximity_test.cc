@@ -73,7 +73,7 @@ PositionVector Ascending(const PositionVector& positions) {
   return ascending;
 }
 
-RC_GTEST_PROP(ProximityMatcher, MatchesAscendingPositionsAsAllPairsDo, ()) {
+RC_GTEST_PROP(ProximityMatcherTest, MatchesAscendingPositionsAsAllPairsDo, ()) {
   const int distance = *AnyDistance();
   kestan::ProximityMatcher matcher(distance);
   for (int round = 0; round < 3; ++round) {
@@ -83,7 +83,7 @@ RC_GTEST_PROP(ProximityMatcher, MatchesAscendingPositionsAsAllPairsDo, ()) {
   }
 }
 
-RC_GTEST_PROP(ProximityMatcher, MatchesAnyPositionsAsAllPairsDo, ()) {
+RC_GTEST_PROP(ProximityMatcherTest, MatchesAnyPositionsAsAllPairsDo, ()) {
   const int distance = *AnyDistance();
   kestan::ProximityMatcher matcher(distance);
   for (int round = 0; round < 3; ++round) {
@@ -93,7 +93,7 @@ RC_GTEST_PROP(ProximityMatcher, MatchesAnyPositionsAsAllPairsDo, ()) {
   }
 }
 
-TEST(ProximityMatcher, MatchesTheHighestPositionsAsAllPairsDo) {
+TEST(ProximityMatcherTest, MatchesTheHighestPositionsAsAllPairsDo) {
   const PositionVector first = {1, 2, 3, 65530, 65533, 65535};
   const PositionVector second = {1, 21, 22, 65510, 65534, 65535};
   for (const int distance : {0, 1, 20, 21, 65534, INT_MAX, -1, INT_MIN}) {
@@ -102,7 +102,7 @@ TEST(ProximityMatcher, MatchesTheHighestPositionsAsAllPairsDo) {
   }
 }
 
-TEST(ProximityMatcher, OfAllPositionsKeepsAsManyAsADocumentCanHave) {
+TEST(ProximityMatcherTest, OfAllPositionsKeepsAsManyAsADocumentCanHave) {
   PositionVector all(65536);
   std::iota(all.begin(), all.end(), kestan::Position{0});
   kestan::ProximityMatcher matcher(0);
@@ -119,7 +119,7 @@ PositionVector ManyPositions(std::mt19937* draw, unsigned least, unsigned range)
   return positions;
 }
 
-RC_GTEST_PROP(ProximityMatcher, MatchesManyPositionsAsAllPairsDo, ()) {
+RC_GTEST_PROP(ProximityMatcherTest, MatchesManyPositionsAsAllPairsDo, ()) {
   std::mt19937 draw(*rc::gen::arbitrary<unsigned>());
   const unsigned range = *rc::gen::element(5u, 100u, 2000u, 65535u);
   for (const unsigned least : {0u, 1u, 65435u}) {
@@ -142,7 +142,7 @@ std::pair<PositionVector, PositionVector> TakingTurns(unsigned times) {
 }
 
 // All pairs would be billions; these take milliseconds, with a wide margin for slow machines.
-TEST(ProximityMatcher, TakesNoTimeForTwoWordsThatFillADocument) {
+TEST(ProximityMatcherTest, TakesNoTimeForTwoWordsThatFillADocument) {
   const auto [odd, even] = TakingTurns(30000);
   kestan::ProximityMatcher matcher(1);
   const auto start = std::chrono::steady_clock::now();
@@ -152,7 +152,7 @@ TEST(ProximityMatcher, TakesNoTimeForTwoWordsThatFillADocument) {
   EXPECT_EQ(match.bonus, 400u * (2 * 30000 - 1));
 }
 
-TEST(ProximityMatcher, TakesNoTimeWhereThePositionsOfTwoWordsWrapAround) {
+TEST(ProximityMatcherTest, TakesNoTimeWhereThePositionsOfTwoWordsWrapAround) {
   const auto [first, second] = TakingTurns(60000);
   kestan::ProximityMatcher matcher(1);
   const auto start = std::chrono::steady_clock::now();
@@ -162,7 +162,7 @@ TEST(ProximityMatcher, TakesNoTimeWhereThePositionsOfTwoWordsWrapAround) {
   EXPECT_EQ(match.bonus, 400u * (2 * 60000 - 2));  // one pair stands at 65535 and 1
 }
 
-TEST(ProximityMatcher, CountsTheBonusModulo32Bits) {
+TEST(ProximityMatcherTest, CountsTheBonusModulo32Bits) {
   PositionVector same(65535, 7);  // 401 for each pair
   kestan::ProximityMatcher matcher(0);
   const Match match = Matched(&matcher, same, PositionVector(100, 7));

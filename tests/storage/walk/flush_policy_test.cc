@@ -7,7 +7,7 @@
 namespace kestan_tests {
 namespace {
 
-class RunFlushes : public testing::Test {
+class RunFlushesTest : public testing::Test {
  protected:
   void SetUp() override { ASSERT_EQ(store_.Open((folder_ / "file").c_str(), 1), 0); }
 
@@ -24,14 +24,14 @@ class RunFlushes : public testing::Test {
   kestan::PeriodicFlush cadence_{store_};
 };
 
-TEST_F(RunFlushes, ComeAfterEach1000Records) {
+TEST_F(RunFlushesTest, ComeAfterEach1000Records) {
   EXPECT_EQ(FlushesOf(999, 1), 0U);
   EXPECT_EQ(FlushesOf(1, 1), 1U);
   EXPECT_EQ(FlushesOf(999, 1), 0U);
   EXPECT_EQ(FlushesOf(1, 1), 1U);
 }
 
-TEST_F(RunFlushes, ComeAfterEach16MillionBytes) {
+TEST_F(RunFlushesTest, ComeAfterEach16MillionBytes) {
   constexpr std::size_t kBytes = std::size_t{1} << 24;
   EXPECT_EQ(FlushesOf(1, kBytes - 1), 0U);
   EXPECT_EQ(FlushesOf(1, 1), 1U);
@@ -39,7 +39,7 @@ TEST_F(RunFlushes, ComeAfterEach16MillionBytes) {
   EXPECT_EQ(FlushesOf(1, kBytes), 1U);
 }
 
-TEST_F(RunFlushes, GiveTheirErrorsBack) {
+TEST_F(RunFlushesTest, GiveTheirErrorsBack) {
   ASSERT_EQ(store_.Put(Datum("key"), Datum("value")), 0);
   DBDatumPtr value;
   ASSERT_EQ(store_.Get(&value, Datum("key")), 0);
