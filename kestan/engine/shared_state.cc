@@ -6,8 +6,11 @@ namespace kestan {
 
 ScratchBuffer scratch;
 
+// In memory that needs no allocation, for a process that ends because there is none comes here too;
+// and never destroyed.
 ResultRegistry& Results() {
-  static auto* const results = New<ResultRegistry>();
+  alignas(ResultRegistry) static char memory[sizeof(ResultRegistry)];
+  static auto* const results = new (memory) ResultRegistry();
   return *results;
 }
 

@@ -33,17 +33,20 @@ std::string_view FamilyOf(SideRecord kind) {
 
 }  // namespace
 
-// The codes of "g-deleted", as they were at some number of changes of the store.
-struct IndexReader::RemovedCodes {
-  bool is_read = false;
-  std::uint64_t changes = 0;
-  CodeSet codes;
+// What has been read, for as long as the store does not change. Holds no record: one that is held
+// would stay in the store's cache when another file is opened, and answer for that one.
+struct IndexReader::Cache {
+  NameTable names;
+  String long_name;  // what NameOf() returned last, if it is too long for the table
+  CodeSet removed_codes;
+  std::optional<std::uint64_t> removed_codes_at;  // changes of the store when they were read
 };
 
-IndexReader::IndexReader(Database& store)
-    : store_(store), names_(New<NameTable>()), removed_(New<RemovedCodes>()) {}
+IndexReader::IndexReader(Database& store) : store_(store), cache_(New<Cache>()) {}
 
 IndexReader::~IndexReader() = default;
+
+NameTable& IndexReader::names() { return cache_->names; }
 
 CollectionCounts IndexReader::Counts() {
   CollectionCounts counts;
@@ -67,8 +70,11 @@ std::optional<std::uint32_t> IndexReader::OptionFlags() {
 bool IndexReader::KeepsPositions() { return (OptionFlags().value_or(0) & kFlagNoPositions) == 0; }
 
 std::string_view IndexReader::NameOf(Code code) {
-  names_->Refresh(store_);
-  return names_->Find(store_, code, &long_name_);
+  cache_->names.Refresh(store_);
+  DBDatumPtr record;
+  const std::string_view name = cache_->names.Find(store_, code, &record);
+  if (record.ptr == nullptr || name.data() != record.ptr->data) return name;
+  return cache_->long_name.assign(name);
 }
 
 Code IndexReader::CodeOf(std::string_view name) {
@@ -82,14 +88,13 @@ std::uint32_t IndexReader::TimestampOf(std::string_view name) {
 }
 
 bool IndexReader::IsRemoved(Code code) {
-  if (!removed_->is_read || removed_->changes != store_.Changes()) {
+  if (cache_->removed_codes_at != store_.Changes()) {
     const DBDatumPtr removed = Fetch(store_, kDeletedKey);
-    removed_->codes.reset();
-    if (removed.ptr != nullptr) CollectCodes(*removed.ptr, &removed_->codes);
-    removed_->changes = store_.Changes();
-    removed_->is_read = true;
+    cache_->removed_codes.reset();
+    if (removed.ptr != nullptr) CollectCodes(*removed.ptr, &cache_->removed_codes);
+    cache_->removed_codes_at = store_.Changes();
   }
-  return removed_->codes[code];
+  return cache_->removed_codes[code];
 }
 
 DBDatumPtr IndexReader::FindSideRecord(SideRecord kind, std::string_view name) {

@@ -82,7 +82,7 @@ class KESTAN_EXPORT IndexReader {
   int ForEachDocument(const std::function<bool(std::string_view name)>& visit);
 
   // Returns the names that were asked for so far, for listings.
-  NameTable& names() { return *names_; }
+  NameTable& names();
 
   // ---- Words ----
 
@@ -99,12 +99,10 @@ class KESTAN_EXPORT IndexReader {
       const std::function<bool(std::string_view word, const WordPostings& postings)>& visit);
 
  private:
-  struct RemovedCodes;
+  struct Cache;
 
   Database& store_;
-  std::unique_ptr<NameTable> names_;
-  std::unique_ptr<RemovedCodes> removed_;
-  DBDatumPtr long_name_;  // what NameOf() returned last, if it is too long for the table
+  std::unique_ptr<Cache> cache_;
 };
 
 }  // namespace kestan

@@ -98,6 +98,20 @@ TEST_F(IndexReaderTest, NameTooLongForTheTableIsWhole) {
   EXPECT_EQ(reader_.NameOf(1), name);
 }
 
+TEST_F(IndexReaderTest, IndexOpenedLaterAnswersForItself) {
+  const std::string long_name(5000, 'x');
+  for (const std::string& name : {std::string("one"), long_name}) {
+    engine_.CloseIndex();
+    std::filesystem::remove(path_);
+    ASSERT_EQ(engine_.OpenIndex(path_.c_str(), 1), 0);
+    engine_.AddDocumentWords(name.c_str(), "cat");
+    EXPECT_EQ(reader_.NameOf(1), name);
+    EXPECT_FALSE(reader_.IsRemoved(1));
+    engine_.RemoveDocumentWords(name.c_str());
+    EXPECT_TRUE(reader_.IsRemoved(1));
+  }
+}
+
 TEST_F(IndexReaderTest, RemovedDocumentIsRemovedUntilTheShrink) {
   engine_.AddDocumentWords("one", "cat");
   engine_.AddDocumentWords("two", "cat");
