@@ -8,7 +8,7 @@
 
 #include "cli/console/message.h"
 #include "cli/export/text_hash.h"
-#include "cli/extract/ascii.h"
+#include "cli/extract/charset/ascii.h"
 #include "cli/extract/charset/latin1.h"
 
 namespace kestan_cli {

@@ -10,8 +10,8 @@
 #include <utility>
 
 #include "cli/console/message.h"
-#include "cli/extract/ascii.h"
-#include "cli/extract/title.h"
+#include "cli/extract/charset/ascii.h"
+#include "cli/extract/document/title.h"
 #include "cli/files/open_file.h"
 #include "cli/files/skip.h"
 #include "cli/files/stable_file.h"

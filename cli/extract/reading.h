@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "cli/extract/converter/converter.h"
-#include "cli/extract/document.h"
+#include "cli/extract/document/document.h"
 
 namespace kestan_cli {
 

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <string>
 
-#include "cli/extract/document.h"
+#include "cli/extract/document/document.h"
 #include "cli/files/fingerprint.h"
 #include "cli/index/opened_index.h"
 

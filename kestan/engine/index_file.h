@@ -2,9 +2,9 @@
 #ifndef KESTAN_ENGINE_INDEX_FILE_H_
 #define KESTAN_ENGINE_INDEX_FILE_H_
 
-#include <kestan/export.h>
 #include <kestan/query/index_reader.h>
 #include <kestan/storage/database.h>
+#include <kestan/storage/export.h>
 
 namespace kestan {
 

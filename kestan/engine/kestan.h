@@ -2,9 +2,9 @@
 #ifndef KESTAN_ENGINE_KESTAN_H_
 #define KESTAN_ENGINE_KESTAN_H_
 
-#include <kestan/export.h>
 #include <kestan/storage/database.h>
 #include <kestan/storage/dbdatum.h>
+#include <kestan/storage/export.h>
 
 #include <cstdint>
 #include <memory>

@@ -3,10 +3,10 @@
 #define KESTAN_ENGINE_RESULTS_H_
 
 #include <kestan/engine/kestan.h>
-#include <kestan/export.h>
 #include <kestan/format/posting.h>
 #include <kestan/query/index_reader.h>
 #include <kestan/query/matches.h>
+#include <kestan/storage/export.h>
 
 namespace kestan {
 

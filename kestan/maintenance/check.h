@@ -2,10 +2,10 @@
 #ifndef KESTAN_MAINTENANCE_CHECK_H_
 #define KESTAN_MAINTENANCE_CHECK_H_
 
-#include <kestan/export.h>
 #include <kestan/maintenance/findings.h>
 #include <kestan/maintenance/lines.h>
 #include <kestan/storage/database.h>
+#include <kestan/storage/export.h>
 
 #include <cstdint>
 

@@ -2,8 +2,8 @@
 #ifndef KESTAN_MAINTENANCE_DOCUMENTS_H_
 #define KESTAN_MAINTENANCE_DOCUMENTS_H_
 
-#include <kestan/export.h>
 #include <kestan/storage/database.h>
+#include <kestan/storage/export.h>
 
 #include <cstddef>
 #include <cstdint>

@@ -3,9 +3,9 @@
 #ifndef KESTAN_MAINTENANCE_DUMP_H_
 #define KESTAN_MAINTENANCE_DUMP_H_
 
-#include <kestan/export.h>
 #include <kestan/maintenance/lines.h>
 #include <kestan/storage/database.h>
+#include <kestan/storage/export.h>
 
 #include <cstddef>
 

@@ -2,8 +2,8 @@
 #ifndef KESTAN_MAINTENANCE_FINDINGS_H_
 #define KESTAN_MAINTENANCE_FINDINGS_H_
 
-#include <kestan/export.h>
 #include <kestan/maintenance/lines.h>
+#include <kestan/storage/export.h>
 
 #include <cstdint>
 #include <functional>

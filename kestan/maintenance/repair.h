@@ -2,9 +2,9 @@
 #ifndef KESTAN_MAINTENANCE_REPAIR_H_
 #define KESTAN_MAINTENANCE_REPAIR_H_
 
-#include <kestan/export.h>
 #include <kestan/maintenance/findings.h>
 #include <kestan/maintenance/lines.h>
+#include <kestan/storage/export.h>
 
 #include <cstdint>
 

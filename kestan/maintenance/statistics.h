@@ -2,8 +2,8 @@
 #ifndef KESTAN_MAINTENANCE_STATISTICS_H_
 #define KESTAN_MAINTENANCE_STATISTICS_H_
 
-#include <kestan/export.h>
 #include <kestan/storage/database.h>
+#include <kestan/storage/export.h>
 
 #include <array>
 #include <cstdint>

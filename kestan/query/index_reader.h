@@ -2,11 +2,11 @@
 #ifndef KESTAN_QUERY_INDEX_READER_H_
 #define KESTAN_QUERY_INDEX_READER_H_
 
-#include <kestan/export.h>
 #include <kestan/format/posting.h>
 #include <kestan/query/word_postings.h>
 #include <kestan/storage/database.h>
 #include <kestan/storage/dbdatum.h>
+#include <kestan/storage/export.h>
 
 #include <cstddef>
 #include <cstdint>

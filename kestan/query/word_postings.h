@@ -2,9 +2,9 @@
 #ifndef KESTAN_QUERY_WORD_POSTINGS_H_
 #define KESTAN_QUERY_WORD_POSTINGS_H_
 
-#include <kestan/export.h>
 #include <kestan/format/posting.h>
 #include <kestan/storage/dbdatum.h>
+#include <kestan/storage/export.h>
 
 #include <cstddef>
 #include <cstdint>

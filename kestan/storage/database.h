@@ -2,8 +2,8 @@
 #ifndef KESTAN_STORAGE_DATABASE_H_
 #define KESTAN_STORAGE_DATABASE_H_
 
-#include <kestan/export.h>
 #include <kestan/storage/dbdatum.h>
+#include <kestan/storage/export.h>
 
 #include <cstddef>
 #include <cstdint>

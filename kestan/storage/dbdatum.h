@@ -2,7 +2,7 @@
 #ifndef KESTAN_STORAGE_DBDATUM_H_
 #define KESTAN_STORAGE_DBDATUM_H_
 
-#include <kestan/export.h>
+#include <kestan/storage/export.h>
 
 #include <cstdint>
 #include <functional>

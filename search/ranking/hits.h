@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "search/query/result_set.h"
+#include "search/query/evaluation/result_set.h"
 
 namespace kestan::search {
 

@@ -17,7 +17,7 @@
 #include "cli/index/opened_index.h"
 #include "search/query/clauses.h"
 #include "search/query/distinct.h"
-#include "search/query/evaluator.h"
+#include "search/query/evaluation/evaluator.h"
 #include "search/query/query_parser.h"
 #include "search/ranking/relevance.h"
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "search/query/explanation.h"
+#include "search/query/evaluation/explanation.h"
 #include "search/ranking/hits.h"
 #include "search/snippet/snippet.h"
 

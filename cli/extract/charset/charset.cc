@@ -11,7 +11,7 @@
 #include <memory>
 #include <new>
 
-#include "cli/extract/ascii.h"
+#include "cli/extract/charset/ascii.h"
 #include "cli/extract/charset/latin1.h"
 #include "cli/files/skip.h"
 #include "search/text/utf8.h"

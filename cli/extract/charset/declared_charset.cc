@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <map>
 
-#include "cli/extract/ascii.h"
+#include "cli/extract/charset/ascii.h"
 
 namespace kestan_cli {
 namespace {

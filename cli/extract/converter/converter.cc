@@ -8,7 +8,7 @@
 #include <filesystem>
 
 #include "cli/console/message.h"
-#include "cli/extract/ascii.h"
+#include "cli/extract/charset/ascii.h"
 #include "cli/files/skip.h"
 
 namespace kestan_cli {

@@ -20,7 +20,7 @@
 #include "cli/extract/charset/charset.h"
 #include "cli/extract/charset/declared_charset.h"
 #include "cli/extract/charset/latin1.h"
-#include "cli/extract/document.h"
+#include "cli/extract/document/document.h"
 #include "cli/extract/html/html_repair.h"
 #include "cli/files/skip.h"
 #include "search/text/utf8.h"

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "search/query/evaluator.h"
+#include "search/query/evaluation/evaluator.h"
 #include "search/query/query_parser.h"
 #include "search/query/query_printer.h"
 #include "search/ranking/hits.h"

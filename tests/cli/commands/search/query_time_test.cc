@@ -8,7 +8,7 @@
 #include <limits>
 #include <string>
 
-#include "search/query/evaluator.h"
+#include "search/query/evaluation/evaluator.h"
 #include "search/query/query_parser.h"
 #include "tests/support/index_test.h"
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "cli/extract/document.h"
+#include "cli/extract/document/document.h"
 
 namespace kestan_cli {
 namespace {

@@ -1,0 +1,106 @@
+#include "cli/extract/document/document.h"
+
+#include <kestan/kestan.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "cli/extract/charset/ascii.h"
+#include "cli/files/skip.h"
+#include "search/text/lines.h"
+#include "search/text/transliterate.h"
+#include "search/text/words.h"
+
+namespace kestan_cli {
+namespace {
+
+using kestan::search::CleanWords;
+using kestan::search::LinesOf;
+using kestan::search::Transliterated;
+
+bool IsWhiteSpace(char byte) { return kWhiteSpace.find(byte) != std::string_view::npos; }
+
+bool ContinuesCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xc0) == 0x80; }
+
+// Returns where to cut `line`: at `max_bytes`, or up to three bytes before, where a character of
+// UTF-8 starts. Text that is not UTF-8 is cut at `max_bytes`.
+std::size_t CutAt(const std::string& line, std::size_t max_bytes) {
+  for (std::size_t at = max_bytes; at + 4 > max_bytes; --at) {
+    if (!ContinuesCharacter(line[at])) return at;
+    if (at == 0) break;
+  }
+  return max_bytes;
+}
+
+bool IsBase64(char byte) {
+  return (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') ||
+         (byte >= '0' && byte <= '9') || byte == '+' || byte == '/' || byte == '=';
+}
+
+// Returns the length of a line of base64; 0 if `line` is none.
+std::size_t WidthOfBase64(std::string_view line) {
+  line = line.substr(0, line.find_last_not_of('\r') + 1);
+  return std::all_of(line.begin(), line.end(), IsBase64) ? line.size() : 0;
+}
+
+// Empties the lines of base64 blocks in mail (76 columns) and in keys (64); the engine accepts only
+// 72-column lines. A block is two or more lines of that width and a shorter one at the end.
+std::string StripBase64(std::string_view text) {
+  std::string kept;
+  kept.reserve(text.size() + 1);
+  std::size_t block = 0;  // the width of the current block, 0 outside of blocks
+  std::size_t next = 0;   // the width of the next line
+  const std::vector<std::string_view> lines = LinesOf(text);
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    const std::size_t width = i == 0 ? WidthOfBase64(lines[0]) : next;
+    next = i + 1 < lines.size() ? WidthOfBase64(lines[i + 1]) : 0;
+    if (block == 0 && (width == 64 || width == 76) && next == width) block = width;
+    const bool is_inside = width != 0 && width <= block;
+    if (!is_inside) kept += lines[i];
+    if (!is_inside || width < block) block = 0;
+    kept += '\n';
+  }
+  return kept;
+}
+
+std::string StripLines(std::string text) {
+  text = StripBase64(text);
+  const int length = Kestan::StripBadLines(text.data(), static_cast<unsigned>(text.size()));
+  text.resize(static_cast<std::size_t>(length));
+  return text;
+}
+
+}  // namespace
+
+std::string Excerpt(std::string_view text, std::size_t max_bytes) {
+  std::string line;
+  bool gap = false;
+  for (char byte : text) {
+    if (IsWhiteSpace(byte)) {
+      gap = !line.empty();
+      continue;
+    }
+    if (gap) line += ' ';
+    gap = false;
+    line += byte;
+    if (line.size() > max_bytes + 1) break;
+  }
+  if (line.size() > max_bytes) line.resize(CutAt(line, max_bytes));
+  if (!line.empty() && line.back() == ' ') line.pop_back();
+  return line;
+}
+
+Document MakeDocument(std::string text, TitleRule rule, const WordRules& rules) {
+  const TitledText titled = SplitAtTitle(text, rule);
+  Document document;
+  document.title = Excerpt(titled.title, kMaxTitleBytes);
+  document.summary = Excerpt(titled.rest, kMaxSummaryBytes);
+  text = Transliterated(text);
+  if (text.size() > kMaxTextBytes) throw SkipFile(SkipKind::kTooLarge, "too much text");
+  // After the accents have gone: the engine takes a line with a byte above 127 for encoded data.
+  if (rules.strip_encoded) text = StripLines(std::move(text));
+  document.words = CleanWords(std::move(text), rules.stop_words);
+  return document;
+}
+
+}  // namespace kestan_cli

@@ -1,0 +1,44 @@
+// Makes the text of a file into what the index keeps of it.
+#ifndef KESTAN_CLI_EXTRACT_DOCUMENT_DOCUMENT_H_
+#define KESTAN_CLI_EXTRACT_DOCUMENT_DOCUMENT_H_
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "cli/extract/document/title.h"
+
+namespace kestan_cli {
+
+// The longest text that the engine can clean.
+constexpr std::size_t kMaxTextBytes = 0x7fffffff - 1;
+
+constexpr std::size_t kMaxTitleBytes = 200;
+constexpr std::size_t kMaxSummaryBytes = 300;
+
+struct Document {
+  std::string title;    // at most kMaxTitleBytes
+  std::string summary;  // how the text goes on after the title, at most kMaxSummaryBytes
+  std::string words;    // what the engine indexes
+  std::string note{};   // why some of the text is missing; empty if none is
+};
+
+// What to leave out of the words.
+struct WordRules {
+  std::string stop_words;      // separated by anything but letters; may be empty
+  bool strip_encoded = false;  // blocks of uuencode and base64
+};
+
+// Makes a document of `text` (UTF-8, no NUL). Its words are transliterated to ASCII letters. With
+// stop words, words of one or two letters are left out too.
+//   Throws   SkipFile if the words take more than kMaxTextBytes.
+Document MakeDocument(std::string text, TitleRule rule = TitleRule::kFirstLine,
+                      const WordRules& rules = {});
+
+// Returns the start of `text` as one trimmed line, with one blank for every run of white space: at
+// most `max_bytes`, and no part of a UTF-8 character at the end.
+std::string Excerpt(std::string_view text, std::size_t max_bytes);
+
+}  // namespace kestan_cli
+
+#endif  // KESTAN_CLI_EXTRACT_DOCUMENT_DOCUMENT_H_

@@ -1,0 +1,52 @@
+#include "cli/extract/document/stop_words.h"
+
+#include <optional>
+
+#include "cli/console/message.h"
+#include "cli/extract/charset/decode.h"
+#include "cli/extract/document/document.h"
+#include "cli/files/skip.h"
+#include "cli/files/stable_file.h"
+#include "search/text/stop_words.h"
+#include "search/text/transliterate.h"
+#include "search/text/words.h"
+
+namespace kestan_cli {
+namespace {
+
+using kestan::search::CleanWords;
+using kestan::search::EnglishStopWords;
+using kestan::search::Transliterated;
+
+CommandError TooLarge(const std::string& path) {
+  return CommandError(Quoted(path) + " is too large");
+}
+
+std::string ReadWords(const std::string& path) {
+  std::string bytes;
+  try {
+    StableFile file(path);
+    for (std::string_view piece; file.Read(&piece);) {
+      if (bytes.size() + piece.size() > kMaxTextBytes) throw TooLarge(path);
+      bytes += piece;
+    }
+  } catch (const SkipFile& problem) {
+    throw CommandError("cannot read " + Quoted(path) + ": " + problem.what());
+  }
+  const std::optional<std::string> text = DecodedText(std::move(bytes));
+  if (!text.has_value()) throw CommandError("cannot read " + Quoted(path) + ": not a text");
+  return Transliterated(*text);
+}
+
+}  // namespace
+
+std::string StopWords(const std::string& choice) {
+  if (choice.empty()) return "";
+  std::string words = choice == "english" ? EnglishStopWords() : ReadWords(choice);
+  if (words.size() > kMaxTextBytes) throw TooLarge(choice);
+  words = CleanWords(std::move(words));
+  // Even a blank would make the engine drop short words.
+  return words.find_first_not_of(" \n") == std::string::npos ? "" : words;
+}
+
+}  // namespace kestan_cli

@@ -1,0 +1,17 @@
+// The stop words of an index: those that the user chooses to leave out.
+#ifndef KESTAN_CLI_EXTRACT_DOCUMENT_STOP_WORDS_H_
+#define KESTAN_CLI_EXTRACT_DOCUMENT_STOP_WORDS_H_
+
+#include <string>
+
+namespace kestan_cli {
+
+// Returns the stop words that `choice` names, separated by white space: none for "", the built-in
+// list for "english", else those in the file at the path `choice`, in any script. They are spelled
+// as words are indexed: without accents and apostrophes.
+//   Throws   CommandError if the file cannot be read or is not a text.
+std::string StopWords(const std::string& choice);
+
+}  // namespace kestan_cli
+
+#endif  // KESTAN_CLI_EXTRACT_DOCUMENT_STOP_WORDS_H_

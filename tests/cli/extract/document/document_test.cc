@@ -1,0 +1,117 @@
+#include "cli/extract/document/document.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace kestan_cli {
+namespace {
+
+std::string Repeated(std::size_t count, const std::string& text) {
+  std::string all;
+  while (count-- > 0) all += text;
+  return all;
+}
+
+TEST(DocumentTest, TitleIsTheFirstLineThatIsNotBlank) {
+  const Document document = MakeDocument("\n \t\n  The \t title\r\nBody  text.\n\nMore.\n");
+  EXPECT_EQ(document.title, "The title");
+  EXPECT_EQ(document.summary, "Body text. More.");
+}
+
+TEST(DocumentTest, BlankTextHasNoTitle) {
+  const Document document = MakeDocument(" \n\t\n");
+  EXPECT_EQ(document.title, "");
+  EXPECT_EQ(document.summary, "");
+}
+
+TEST(DocumentTest, SingleLineHasNoSummary) {
+  const Document document = MakeDocument("Title");
+  EXPECT_EQ(document.title, "Title");
+  EXPECT_EQ(document.summary, "");
+}
+
+TEST(DocumentTest, TitleHasAtMost200Bytes) {
+  EXPECT_EQ(MakeDocument(std::string(200, 'x')).title, std::string(200, 'x'));
+  EXPECT_EQ(MakeDocument(std::string(201, 'x')).title, std::string(200, 'x'));
+}
+
+TEST(DocumentTest, SummaryHasAtMost300Bytes) {
+  EXPECT_EQ(MakeDocument("t\n" + std::string(300, 'x')).summary, std::string(300, 'x'));
+  EXPECT_EQ(MakeDocument("t\n" + std::string(301, 'x')).summary, std::string(300, 'x'));
+}
+
+TEST(ExcerptTest, CharactersAreNotCutInTwo) {
+  EXPECT_EQ(Excerpt("abc\xc3\xa9", 5), "abc\xc3\xa9");
+  EXPECT_EQ(Excerpt("abc\xc3\xa9", 4), "abc");
+  EXPECT_EQ(Excerpt("abc\xc3\xa9", 3), "abc");
+  EXPECT_EQ(Excerpt("ab\xf0\x9f\x98\x80", 5), "ab");
+  EXPECT_EQ(Excerpt("ab\xf0\x9f\x98\x80z", 6), "ab\xf0\x9f\x98\x80");
+}
+
+TEST(ExcerptTest, OtherEncodingsAreCutWhereItComes) {
+  EXPECT_EQ(Excerpt(Repeated(9, "\x80"), 5), Repeated(5, "\x80"));
+  EXPECT_EQ(Excerpt(Repeated(9, "\x80"), 2), Repeated(2, "\x80"));
+}
+
+TEST(ExcerptTest, EndsWithoutABlank) {
+  EXPECT_EQ(Excerpt("ab cd", 3), "ab");
+  EXPECT_EQ(Excerpt("ab  ", 9), "ab");
+}
+
+const std::string kEncoded = "M" + std::string(60, 'A') + "\n";
+
+std::string WordsOf(const std::string& text, const WordRules& rules = {}) {
+  return MakeDocument(text, TitleRule::kFirstLine, rules).words;
+}
+
+TEST(DocumentTest, WordsLeaveOutLinesOfEncodedDataOnRequest) {
+  const std::string text = "first line.\n" + kEncoded + "last.\n";
+  EXPECT_EQ(WordsOf(text, {"", true}), "first line\n\nlast\n");
+  EXPECT_EQ(WordsOf(text), "first line\n" + std::string("M") + std::string(60, 'A') + " last\n");
+}
+
+// So many lines of `width` letters, and a shorter one.
+std::string Base64(int lines, std::size_t width) {
+  std::string block;
+  for (int i = 0; i < lines; ++i) block += std::string(width, 'A') + "\r\n";
+  return block + "AAA=\r\n";
+}
+
+TEST(DocumentTest, Base64OfMailAndKeysIsEncodedData) {
+  for (const std::size_t width : {64U, 72U, 76U}) {
+    EXPECT_EQ(WordsOf("first line.\n" + Base64(2, width) + "\nthe end.\n", {"", true}),
+              "first line\n\n\n\n\nthe end\n")
+        << width;
+  }
+}
+
+TEST(DocumentTest, LongWordsAreNoEncodedData) {
+  for (const std::string& text :
+       {Base64(1, 76), Base64(2, 75), std::string(76, 'x') + "\n" + std::string(76, '.') + "\n"}) {
+    EXPECT_EQ(WordsOf(text, {"", true}), WordsOf(text)) << text;
+  }
+}
+
+TEST(DocumentTest, WordsWithAccentsAreIndexedWithout) {
+  EXPECT_EQ(WordsOf("one.\ncaf\xc3\xa9 two.\nthree.\n"), "one\ncafe two\nthree\n");
+}
+
+TEST(DocumentTest, LinesWithAccentsAreNoEncodedData) {
+  EXPECT_EQ(WordsOf("one.\ncaf\xc3\xa9 two.\nthree.\n", {"", true}), "one\ncafe two\nthree\n");
+}
+
+TEST(DocumentTest, TitleAndSummaryKeepTheirAccents) {
+  const Document document = MakeDocument("Caf\xc3\xa9\nZ\xc3\xbcrich");
+  EXPECT_EQ(document.title, "Caf\xc3\xa9");
+  EXPECT_EQ(document.summary, "Z\xc3\xbcrich");
+}
+
+TEST(DocumentTest, StopWordsAreLeftOutWithShortWords) {
+  EXPECT_EQ(WordsOf("The cat is here\n", {"the here", false}), " cat   ");
+}
+
+TEST(DocumentTest, EmptyTextIsAnEmptyDocument) { EXPECT_EQ(MakeDocument("").words, ""); }
+
+}  // namespace
+}  // namespace kestan_cli
