@@ -31,7 +31,7 @@ void DropAllPositions(const kestan::Vector<DBDatumPtr>& words) {
 
 unsigned long Kestan::Options() const { return OptionFlags; }
 
-bool Kestan::KeepsPositions() const { return (OptionFlags & kestan::kFlagNoPositions) == 0; }
+bool Kestan::KeepsPositions() const { return kestan::KeepsPositions(OptionFlags); }
 
 void Kestan::GetOptions() { LoadOptions(); }
 

@@ -27,6 +27,9 @@ struct Positions {
 // The option flag of an index that keeps no positions: its posting records hold codes alone.
 inline constexpr std::uint32_t kFlagNoPositions = 1;
 
+// Returns whether an index with the option flags `flags` keeps positions.
+constexpr bool KeepsPositions(std::uint64_t flags) { return (flags & kFlagNoPositions) == 0; }
+
 }  // namespace kestan
 
 #endif  // KESTAN_FORMAT_POSTING_H_

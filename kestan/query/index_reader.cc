@@ -67,7 +67,7 @@ std::optional<std::uint32_t> IndexReader::OptionFlags() {
   return DecodeOptions(*options.ptr);
 }
 
-bool IndexReader::KeepsPositions() { return (OptionFlags().value_or(0) & kFlagNoPositions) == 0; }
+bool IndexReader::KeepsPositions() { return kestan::KeepsPositions(OptionFlags().value_or(0)); }
 
 std::string_view IndexReader::NameOf(Code code) {
   cache_->names.Refresh(store_);

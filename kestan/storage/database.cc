@@ -22,8 +22,9 @@ bool FitsGdbm(const DBDatum& bytes) { return bytes.size <= INT_MAX; }
 
 // gdbm refuses null pointers, even to no bytes at all.
 datum ForGdbm(const DBDatum& bytes) {
-  static char nothing;
-  return {bytes.data != nullptr ? bytes.data : &nothing, static_cast<int>(bytes.size)};
+  static const char kNothing = 0;
+  char* const data = bytes.data != nullptr ? bytes.data : const_cast<char*>(&kNothing);
+  return {data, static_cast<int>(bytes.size)};
 }
 
 // Another process may put another file in the place of this one before gdbm has its lock. What is

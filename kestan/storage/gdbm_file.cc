@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <mutex>
 
 namespace kestan {
 namespace {
@@ -49,6 +50,7 @@ int DamageOf(GDBM_FILE file) {
 }
 
 void CloseFile(GDBM_FILE file) {
+  static std::mutex mutex;  // threads may close files of their own at one time
   static auto* const abandoned = New<Vector<GDBM_FILE>>();  // lives as long as the process
   if (gdbm_needs_recovery(file) == 0) {
     gdbm_close(file);
@@ -58,6 +60,7 @@ void CloseFile(GDBM_FILE file) {
   gdbm_setopt(file, GDBM_SETMMAP, &mapped, sizeof mapped);
   flock(gdbm_fdesc(file), LOCK_UN);  // closing would not do where the mapping stays
   close(gdbm_fdesc(file));
+  const std::lock_guard<std::mutex> lock(mutex);
   abandoned->push_back(file);
 }
 

@@ -10,8 +10,7 @@ namespace kestan_cli {
 namespace {
 
 std::string JsonOf(unsigned long flags) {
-  return JsonReport(
-      {{"flags", flags}, {"positions_kept", (flags & kestan::kFlagNoPositions) == 0}});
+  return JsonReport({{"flags", flags}, {"positions_kept", kestan::KeepsPositions(flags)}});
 }
 
 int RunGetOption(Kestan& engine, const Values& values) {

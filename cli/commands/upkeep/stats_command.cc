@@ -26,7 +26,7 @@ struct Fact {
 };
 
 bool KeepsPositions(const IndexStatistics& index) {
-  return (index.option_flags & kestan::kFlagNoPositions) == 0;
+  return kestan::KeepsPositions(index.option_flags);
 }
 
 std::vector<Fact> CountsIn(const IndexStatistics& index) {

@@ -49,7 +49,7 @@ class Contents {
     DBDatumPtr options;
     if (const int error = Read(store, kOptionsKey, &options); error != 0) return error;
     if (options.ptr != nullptr) {
-      has_positions_ = (DecodeOptions(*options.ptr) & kFlagNoPositions) == 0;
+      has_positions_ = KeepsPositions(DecodeOptions(*options.ptr));
     }
     Vector<String> document_keys;
     if (const int error = SortKeys(store, &document_keys); error != 0) return error;

@@ -32,7 +32,7 @@ struct InferredOptions {
     kNoRecord,  // there is no record; of all flags, only flag 1 is known
   };
 
-  bool with_positions() const { return (flags & kFlagNoPositions) == 0; }
+  bool with_positions() const { return KeepsPositions(flags); }
 
   std::uint32_t flags = 0;
   Basis basis = Basis::kRecord;

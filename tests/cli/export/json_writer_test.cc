@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kestan_cli {
@@ -25,7 +26,8 @@ class JsonWriterTest : public testing::Test {
     return parsed;
   }
 
-  static kestan::StoredDocument Named(const std::string& name) {
+  // Lends `name` to the document.
+  static kestan::StoredDocument Named(std::string_view name) {
     kestan::StoredDocument document;
     document.name = name;
     return document;
