@@ -7,6 +7,7 @@
 #include <kestan/storage/database.h>
 #include <kestan/storage/walk/record_iterator.h>
 
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <thread>
@@ -165,6 +166,22 @@ TEST_F(TwoIndexesTest, AreChangedInTwoThreads) {
   RunTogether([&] { change(path_a_); }, [&] { change(path_b_); });
   EXPECT_EQ(Dump(path_a_).at("u-299"), path_a_);
   EXPECT_EQ(Dump(path_b_).at("u-299"), path_b_);
+}
+
+// The store keeps what it must not close, for the process has one list of it.
+TEST_F(TwoIndexesTest, AreClosedInTwoThreadsWhenDamaged) {
+  const auto read_and_close = [](const std::string& path) {
+    std::filesystem::resize_file(path, std::filesystem::file_size(path) / 2);
+    for (int round = 0; round < 20; ++round) {
+      Database store;
+      EXPECT_EQ(store.Open(path.c_str(), 0), 0);
+      kestan::RecordIterator record(store);
+      while (record.Valid()) record.Next();
+      EXPECT_FALSE(record.all_read());
+      EXPECT_NE(store.Verify(), 0);
+    }
+  };
+  RunTogether([&] { read_and_close(path_a_); }, [&] { read_and_close(path_b_); });
 }
 
 // gdbm's error number belongs to the thread: a file that cannot be opened fails in its own thread
