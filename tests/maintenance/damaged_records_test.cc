@@ -66,7 +66,7 @@ void DamageValue(const std::string& key) {
   }
 }
 
-TEST(DamagedRecordsTest, WereSoundBefore) {
+TEST(DamagedRecordsTest, WereValidBefore) {
   EXPECT_EQ(LinesOf(EveryKind()), Lines({"q-x: note: no record of the engine has such a key"}));
 }
 

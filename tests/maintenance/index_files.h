@@ -35,14 +35,14 @@ using kestan_tests::WriteFile;
 // replaced and renamed documents, and a shrink in every third index.
 void MakeIndex(const std::string& path, int documents, unsigned seed);
 
-// Goes on with the index at `path`, which MakeIndex() has made: adds the documents behind number
+// Goes on with the index at `path`, which MakeIndex() has made: adds the documents after number
 // `documents` up to `more`, and changes some.
 void ChangeIndex(const std::string& path, int documents, int more, unsigned seed);
 
 // What of a good file lies where.
 enum class Place { kHeader, kDirectory, kBucket, kData, kFree };
 
-// One record of a good file and all places that it stands on.
+// One record of a good file, and where its parts are.
 struct Record {
   std::string key;
   std::string value;

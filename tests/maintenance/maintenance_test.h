@@ -1,4 +1,4 @@
-// What the tests of the maintenance room share: a small sound index to damage, and what a check
+// What the tests of the maintenance parts share: a small valid index to damage, and what a check
 // says.
 #ifndef KESTAN_TESTS_MAINTENANCE_MAINTENANCE_TEST_H_
 #define KESTAN_TESTS_MAINTENANCE_MAINTENANCE_TEST_H_
@@ -31,8 +31,8 @@ inline Checked Check(const std::string& path, int writer = 0) {
   return checked;
 }
 
-// Tells whether the line is about words that damage has taken from documents, or about old entries
-// of words that no shrink purges. Neither is what a repair makes wrong.
+// Returns whether the line is about words that damage has taken from documents, or about old
+// postings of words that no shrink purges. Neither is what a repair makes wrong.
 inline bool IsAboutMissingWords(std::string_view line) {
   for (const char* what :
        {": words missing", ": some positions have several words",
@@ -57,7 +57,7 @@ inline Lines FaultsOf(const std::string& path) {
 }
 
 // Two documents: "a", code 1, of the words "cat dog", and "b", code 2, of the word "cat".
-inline Records SoundRecords() {
+inline Records ValidRecords() {
   using namespace std::string_literals;
   return {{"cat", Units({1, 1, 1, 2, 1, 1})},
           {"dog", Units({1, 1, 2})},
@@ -69,15 +69,15 @@ inline Records SoundRecords() {
           {"g-opts", Units({0, 0})}};
 }
 
-// Returns the sound records with those of `changes` in the place of others or besides them.
+// Returns the valid records with those of `changes` in the place of others or besides them.
 inline Records With(const Records& changes) {
   Records records = changes;
-  records.merge(SoundRecords());
+  records.merge(ValidRecords());
   return records;
 }
 
 inline Records Without(const std::string& key) {
-  Records records = SoundRecords();
+  Records records = ValidRecords();
   EXPECT_EQ(records.erase(key), 1u);
   return records;
 }

@@ -162,7 +162,7 @@ void ExpectRepairedAsItIs(const std::string& path) {
   if (result.half_written + result.words_missing + result.lost != 0) RC_FAIL(said);
 }
 
-void ExpectSound(const std::vector<Step>& steps, bool hyphens = false) {
+void ExpectValid(const std::vector<Step>& steps, bool hyphens = false) {
   Host host(hyphens);
   for (const Step& step : steps) host.Run(step);
   const Checked checked = Check(host.Finish());
@@ -179,20 +179,20 @@ void ExpectSound(const std::vector<Step>& steps, bool hyphens = false) {
   RC_ASSERT(statistics.file_error == 0);
 }
 
-RC_GTEST_PROP(CheckPropertiesTest, LeaveASoundIndex, ()) {
-  ExpectSound(*rc::gen::container<std::vector<Step>>(Steps(15)));
+RC_GTEST_PROP(CheckPropertiesTest, LeaveAValidIndex, ()) {
+  ExpectValid(*rc::gen::container<std::vector<Step>>(Steps(15)));
 }
 
-RC_GTEST_PROP(CheckPropertiesTest, LeaveASoundIndexWithoutPositions, ()) {
-  ExpectSound(*rc::gen::container<std::vector<Step>>(Steps(17)));
+RC_GTEST_PROP(CheckPropertiesTest, LeaveAValidIndexWithoutPositions, ()) {
+  ExpectValid(*rc::gen::container<std::vector<Step>>(Steps(17)));
 }
 
-RC_GTEST_PROP(CheckPropertiesTest, LeaveASoundIndexOfWordsWithHyphens, ()) {
-  ExpectSound(*rc::gen::container<std::vector<Step>>(Steps(15)), true);
+RC_GTEST_PROP(CheckPropertiesTest, LeaveAValidIndexOfWordsWithHyphens, ()) {
+  ExpectValid(*rc::gen::container<std::vector<Step>>(Steps(15)), true);
 }
 
-RC_GTEST_PROP(CheckPropertiesTest, LeaveASoundIndexOfWordsWithHyphensWithoutPositions, ()) {
-  ExpectSound(*rc::gen::container<std::vector<Step>>(Steps(17)), true);
+RC_GTEST_PROP(CheckPropertiesTest, LeaveAValidIndexOfWordsWithHyphensWithoutPositions, ()) {
+  ExpectValid(*rc::gen::container<std::vector<Step>>(Steps(17)), true);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Whole indexes: those that the engine made are sound, and what is wrong with the file is said.
+// Whole indexes: those that the engine made are valid, and what is wrong with the file is said.
 #include <gdbm.h>
 #include <kestan/maintenance/check.h>
 #include <kestan/maintenance/salvage/gdbm_layout.h>
@@ -27,7 +27,7 @@ class CheckTest : public IndexTest {
   }
 };
 
-// Leaves records of every kind, and every kind of change behind: documents that came, went and were
+// Leaves records of every kind and of every kind of change: documents that came, went and were
 // replaced, codes that are free, used again and awaiting a shrink.
 void Exercise(Kestan& engine) {
   engine.SetOptionFlag(2);
@@ -50,7 +50,7 @@ void Exercise(Kestan& engine) {
   engine.DBPutWords("empty", "");
 }
 
-TEST_F(CheckTest, EveryKindOfRecordTheEngineMakesIsSound) {
+TEST_F(CheckTest, EveryKindOfRecordTheEngineMakesIsValid) {
   Exercise(engine_);
   engine_.CloseIndex();
   const Checked checked = Check(path_);
@@ -60,7 +60,7 @@ TEST_F(CheckTest, EveryKindOfRecordTheEngineMakesIsSound) {
   EXPECT_EQ(checked.result.file_error, 0);
 }
 
-TEST_F(CheckTest, AnIndexWithoutPositionsIsSound) {
+TEST_F(CheckTest, AnIndexWithoutPositionsIsValid) {
   Exercise(engine_);
   engine_.SetOptionFlag(1);
   engine_.AddDocumentWords("f", "cat and CAT");
@@ -103,7 +103,7 @@ TEST_F(CheckTest, AWordThatHasTheKeyOfTheCounterIsAFault) {
   EXPECT_EQ(lines.count("g-code: length 8 instead of 2 bytes"), 1u);
 }
 
-TEST_F(CheckTest, NewAndEmptyFilesAreSound) {
+TEST_F(CheckTest, NewAndEmptyFilesAreValid) {
   engine_.CloseIndex();
   EXPECT_EQ(Check(path_).lines, Lines());
   Plant(folder_ / "empty", {});
@@ -111,7 +111,7 @@ TEST_F(CheckTest, NewAndEmptyFilesAreSound) {
 }
 
 // The records of one-letter words are never purged, so that their positions are doubtful; but this
-// one is what tells that the text went on after its last position.
+// one is what shows that the text went on after its last position.
 TEST_F(CheckTest, ADocumentWhoseLastPositionIsThatOfALetterWrapsToo) {
   std::string text;
   for (int i = 0; i < 65534; ++i) text += "word ";
@@ -123,7 +123,7 @@ TEST_F(CheckTest, ADocumentWhoseLastPositionIsThatOfALetterWrapsToo) {
 }
 
 // Two documents of 65535 and 65537 words: the first fills all positions, the second wraps.
-TEST_F(CheckTest, LongDocumentsAreSound) {
+TEST_F(CheckTest, LongDocumentsAreValid) {
   std::string text;
   for (int i = 0; i < 65535; ++i) text += i % 3 == 0 ? "One " : "two ";
   engine_.AddDocumentWords("long", text.c_str());
@@ -190,7 +190,7 @@ TEST(CheckRecordsTest, WithoutAFileSaysSo) {
 class CheckFileTest : public testing::Test {
  protected:
   void SetUp() override {
-    Plant(path_, SoundRecords());
+    Plant(path_, ValidRecords());
     ASSERT_EQ(store_.Open(path_.c_str(), 0), 0);
   }
 
@@ -206,7 +206,7 @@ class CheckFileTest : public testing::Test {
 
 TEST_F(CheckFileTest, UnreadableRecordsAreFaultsAndTheRestIsNotJudgedByThem) {
   GdbmWatch watch;
-  watch.FailFrom("fetch", 3, GDBM_FILE_READ_ERROR);  // behind the options and the counter
+  watch.FailFrom("fetch", 3, GDBM_FILE_READ_ERROR);  // after the options and the counter
   const kestan::CheckResult result = Run();
   EXPECT_EQ(result.file_error, GDBM_FILE_READ_ERROR);
   Lines expected{"index file: reading or writing failed -- " +
@@ -231,7 +231,7 @@ TEST_F(CheckFileTest, TextsAreNotJudgedWhereADocumentMayBeMissing) {
   ASSERT_EQ(store_.Open(path_.c_str(), 0), 0);
   lines_.clear();
   GdbmWatch watch;
-  watch.Fail("fetch", 3, GDBM_FILE_READ_ERROR);  // behind the options and the counter
+  watch.Fail("fetch", 3, GDBM_FILE_READ_ERROR);  // after the options and the counter
   Run();
   EXPECT_EQ(lines_.count(note), 0u);
 }
@@ -247,7 +247,7 @@ TEST_F(CheckFileTest, AWalkThatEndsEarlyIsAFault) {
 
 TEST_F(CheckFileTest, ASecondWalkThatEndsEarlySuspectsNoDocument) {
   GdbmWatch watch;
-  const int records = static_cast<int>(SoundRecords().size());
+  const int records = static_cast<int>(ValidRecords().size());
   watch.Fail("nextkey", records + 1, GDBM_FILE_SEEK_ERROR);
   const std::string text = gdbm_strerror(GDBM_FILE_SEEK_ERROR);
   EXPECT_EQ(Run().file_error, GDBM_FILE_SEEK_ERROR);
@@ -272,7 +272,7 @@ TEST_F(CheckFileTest, DamagedFreeSpaceIsAFault) {
 
 namespace gdbm = kestan::gdbm;
 
-// Returns where the element of `key` lies in the file, behind the hash that it gives.
+// Returns where the element of `key` lies in the file, after the hash that it gives.
 std::streamoff KeyStartOf(const std::string& path, const std::string& key) {
   const std::string bytes = kestan_maintenance::ReadFile(path);
   const gdbm::Bytes file(bytes);
@@ -298,7 +298,7 @@ TEST(CheckElementsTest, ARecordThatAWalkShowsAndNoLookUpFindsIsAFault) {
   for (const std::string key : {"dog", "g-code", "d-b"}) {
     const TempDir folder;
     const std::string path = folder / "index";
-    Plant(path, SoundRecords());
+    Plant(path, ValidRecords());
     FlipByte(path, KeyStartOf(path, key));
     EXPECT_EQ(Check(path).lines.count(key + ": no look-up finds the record"), 1U) << key;
     Database store;
@@ -328,9 +328,9 @@ TEST(CheckElementsTest, WithoutAFileSaysSo) {
 TEST(CheckElementsTest, ALengthThatReachesIntoTheNextRecordIsAFault) {
   const TempDir folder;
   const std::string path = folder / "index";
-  Plant(path, SoundRecords());
-  constexpr std::streamoff kBehindTheKeyStart = 4 + 8 + 4;  // key start, place, length of the key
-  FlipByte(path, KeyStartOf(path, "c-\1" + std::string(1, '\0')) + kBehindTheKeyStart);
+  Plant(path, ValidRecords());
+  constexpr std::streamoff kAfterTheKeyStart = 4 + 8 + 4;  // key start, place, length of the key
+  FlipByte(path, KeyStartOf(path, "c-\1" + std::string(1, '\0')) + kAfterTheKeyStart);
   const Lines lines = Check(path).lines;
   EXPECT_TRUE(std::any_of(lines.begin(), lines.end(), [](const std::string& line) {
     return line.find("share bytes") != std::string::npos ||

@@ -8,7 +8,7 @@ namespace {
 
 using namespace std::string_literals;
 
-TEST(CodeCheckTest, SoundRecordsAreNotReported) { EXPECT_EQ(LinesOf(SoundRecords()), Lines()); }
+TEST(CodeCheckTest, ValidRecordsAreNotReported) { EXPECT_EQ(LinesOf(ValidRecords()), Lines()); }
 
 TEST(CodeCheckTest, DocumentWithoutNameRecord) {
   EXPECT_EQ(LinesOf(Without("c-\2\0"s)), Lines({"d-b: code 2 has no name record"}));
@@ -104,7 +104,7 @@ TEST(CodeCheckTest, KeysOfNameRecordsWithOtherLengths) {
       Lines({"c-x: the key has 3 bytes instead of 4", "c-xyz: the key has 5 bytes instead of 4"}));
 }
 
-TEST(CodeCheckTest, BytesBehindTheCode) {
+TEST(CodeCheckTest, BytesAfterTheCode) {
   EXPECT_EQ(LinesOf(With({{"d-b", Units({9, 9, 2, 256})}})),
             Lines({"d-b: other bytes than 0 behind the code"}));
 }

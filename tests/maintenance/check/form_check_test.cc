@@ -1,4 +1,4 @@
-// The case-folded form of a word stands wherever the word does.
+// The case-folded form of a word is wherever the word is.
 #include <kestan/maintenance/check/form_check.h>
 
 #include <string>
@@ -16,7 +16,7 @@ TEST(FormCheckTest, PostingsAndPositionsOfTheFoldedFormInOrder) {
   EXPECT_EQ(LinesOf(With({{"Cat", Units({2, 1, 1})}})), Lines());
 }
 
-TEST(FormCheckTest, AnEntryThatTheSmallFormLacks) {
+TEST(FormCheckTest, APostingThatTheFoldedFormLacks) {
   EXPECT_EQ(LinesOf(With({{"Cat", Units({2, 1, 1, 1, 1, 1})}})),
             Lines({kFault + std::string("1")}));
   EXPECT_EQ(
@@ -24,7 +24,7 @@ TEST(FormCheckTest, AnEntryThatTheSmallFormLacks) {
       Lines({"Dog: the case-folded form is not where this is, first in the document of code 2"}));
 }
 
-TEST(FormCheckTest, APositionThatTheSmallFormLacks) {
+TEST(FormCheckTest, APositionThatTheFoldedFormLacks) {
   EXPECT_EQ(LinesOf(With({{"Cat", Units({1, 1, 2})}})), Lines({kFault + std::string("1")}));
   EXPECT_EQ(LinesOf(With({{"Cat", Units({1, 1, 1, 2, 2, 1, 1})}})),
             Lines({kFault + std::string("2"), "d-b: positions of a word do not ascend"}));

@@ -10,7 +10,7 @@ namespace {
 
 using namespace std::string_literals;
 
-// The sound records without positions.
+// The valid records without positions.
 Records WithoutPositions(const Records& changes) {
   Records records = With({{"g-opts", Units({1, 0})}, {"cat", Units({1, 2})}, {"dog", Units({1})}});
   for (const auto& [key, value] : changes) records[key] = value;
@@ -33,7 +33,7 @@ TEST(PostingCheckTest, CountPastTheEnd) {
             Lines({"dog: ends within an entry: code 1 counts 2 positions and has 1"}));
 }
 
-TEST(PostingCheckTest, EndBehindACode) {
+TEST(PostingCheckTest, EndAfterACode) {
   EXPECT_EQ(LinesOf(With({{"dog", Units({1, 1, 2, 2})}})),
             Lines({"dog: ends within an entry: code 2 without a number of positions"}));
 }
@@ -48,7 +48,7 @@ TEST(PostingCheckTest, CodesThatNoDocumentHolds) {
             Lines({"dog: entries of codes that no document holds: 2"}));
 }
 
-TEST(PostingCheckTest, ReusableCodesMustHaveNoEntries) {
+TEST(PostingCheckTest, ReusableCodesMustHaveNoPostings) {
   EXPECT_EQ(
       LinesOf(With(
           {{"dog", Units({1, 1, 2, 3, 1, 1})}, {"g-avail", Units({3})}, {"g-code", Units({3})}})),
@@ -63,7 +63,7 @@ TEST(PostingCheckTest, RemovedCodesAwaitAShrink) {
 }
 
 // Whoever gets the free code next would be found under these words.
-TEST(PostingCheckTest, OldEntriesOfWordsThatAreNeverPurgedAreFaults) {
+TEST(PostingCheckTest, OldPostingsOfWordsThatAreNeverPurgedAreFaults) {
   const Records records{{"x", Units({3, 1, 1, 2, 1, 1})},
                         {"y-", Units({3, 1, 1, 3, 1, 1})},
                         {"g-avail", Units({3})},
@@ -92,7 +92,7 @@ TEST(PostingCheckTest, PositionsOfZero) {
                    "d-a: some positions have several words, and others have none"}));
 }
 
-TEST(PostingCheckTest, EntriesWithoutPositions) {
+TEST(PostingCheckTest, PostingsWithoutPositions) {
   EXPECT_EQ(LinesOf(With({{"fox", Units({1, 0, 2, 0})}})),
             Lines({"fox: entries without positions: 2"}));
 }
@@ -231,10 +231,10 @@ TEST(PostingCheckTest, PositionsThatDoNotAscend) {
             Lines({"d-a: positions of a word do not ascend"}));
 }
 
-// Behind the last position a text begins again at the first.
+// After the last position a text begins again at the first.
 TEST(PostingCheckTest, DocumentWhosePositionsWrap) {
-  const Records sound = With({{"dog", Places(2, 65535)}, {"fox", Units({1, 2, 1, 2})}});
-  EXPECT_EQ(LinesOf(sound), Lines());
+  const Records valid = With({{"dog", Places(2, 65535)}, {"fox", Units({1, 2, 1, 2})}});
+  EXPECT_EQ(LinesOf(valid), Lines());
   EXPECT_EQ(LinesOf(With({{"dog", Places(2, 65535)}, {"fox", Units({1, 2, 1, 3})}})),
             Lines({"d-a: some positions have several words, and others have none"}));
   EXPECT_EQ(LinesOf(With({{"dog", Places(3, 65534)}})),

@@ -97,7 +97,7 @@ TEST(TablesTest, HoldNothingOfTextsAndStrangers) {
 
 TEST(TablesTest, TellThatTheyAreIncomplete) {
   const TempDir folder;
-  Plant(folder / "index", SoundRecords());
+  Plant(folder / "index", ValidRecords());
   Database store;
   ASSERT_EQ(store.Open((folder / "index").c_str(), 0), 0);
   GdbmWatch watch;

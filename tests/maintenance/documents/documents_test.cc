@@ -163,7 +163,7 @@ TEST_F(DocumentsTest, WithoutOptionsPositionsAreRead) {
 }
 
 // As where a record of theirs was lost.
-TEST_F(DocumentsTest, CapitalsAccountForASmallFormAtTheirOwnPlaceOnly) {
+TEST_F(DocumentsTest, CapitalsAccountForAFoldedFormAtTheirOwnPlaceOnly) {
   engine_.AddDocumentWords("a", "bee");
   PlantAndReopen({{"Ape", Entry(1, {2, 3, 4})},
                   {"Zoo", Entry(1, {5})},
@@ -175,7 +175,7 @@ TEST_F(DocumentsTest, CapitalsAccountForASmallFormAtTheirOwnPlaceOnly) {
   EXPECT_EQ(Read(), Lines{"a: bee/1 Ape/2 Ape/3 Ape/4 bat/4 Zoo/5 ape/6 Bat/7 Cow/8 dog/9"});
 }
 
-TEST_F(DocumentsTest, OldEntriesOfOneLetterWordsGiveWayToNewerOnes) {
+TEST_F(DocumentsTest, OldPostingsOfOneLetterWordsGiveWayToNewerOnes) {
   engine_.AddDocumentWords("old", "x x a");
   engine_.RemoveDocumentWords("old");
   engine_.ShrinkIndex();
@@ -213,7 +213,7 @@ TEST_F(DocumentsTest, ARecordThatCannotBeReadIsAnError) {
 TEST_F(DocumentsTest, AKeyThatOnlyTheWalkFindsHasNoRecord) {
   engine_.AddDocumentWords("a", "one two");
   engine_.CloseIndex();
-  for (const int nth : {2, 3}) {  // behind the options: document and name
+  for (const int nth : {2, 3}) {  // after the options: document and name
     GdbmWatch watch;
     watch.Fail("fetch", nth, GDBM_ITEM_NOT_FOUND);
     EXPECT_EQ(Read(), Lines()) << nth;

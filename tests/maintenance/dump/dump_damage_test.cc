@@ -26,7 +26,7 @@ class DumpDamageTest : public DumpTest {
 
 TEST_F(DumpDamageTest, EveryTruncationIsRefused) {
   const std::string text = DumpOf(kRecords);
-  ASSERT_EQ(Load(text.substr(0, text.size() - 1)), "");  // only a line feed behind all that counts
+  ASSERT_EQ(Load(text.substr(0, text.size() - 1)), "");  // only a line feed after all that counts
   for (std::size_t bytes = 0; bytes + 1 < text.size(); ++bytes) {
     EXPECT_EQ(Load(text.substr(0, bytes)).substr(0, 5), "line ") << bytes;
   }

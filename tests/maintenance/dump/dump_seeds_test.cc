@@ -63,7 +63,7 @@ TEST_F(DumpSeedsTest, IndexFilesThatOpenComeBackOrTellWhyNot) {
   EXPECT_GE(whole, 5);
 }
 
-// Each seed is a record as it stands, and a text, a title and a word list.
+// Each seed is a record as it is, and a text, a title and a word list.
 TEST_F(DumpSeedsTest, IndexesMadeOfEverySeedComeBack) {
   int count = 0;
   for (const fs::path& seed : FilesBelow(kSeeds)) {

@@ -52,7 +52,7 @@ TEST_F(DumpTest, RecordsOfSeveralLinesComeBack) {
   const Records records = {{"a", "before"},
                            {std::string(3000000, 'k'), "a long key"},
                            {"v", std::string(3000000, '\0')},
-                           {"w", "behind a long value"}};
+                           {"w", "after a long value"}};
   EXPECT_EQ(Load(DumpOf(records)), "");
   EXPECT_EQ(Dump(target_), records);
 }

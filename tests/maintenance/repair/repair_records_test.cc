@@ -19,7 +19,8 @@ TEST_F(RepairOfRecordsTest, WordsWithKeysLikeDocumentsAndNamesAreCopied) {
   Records records = Good();
   records["d-day"] = Units({1, 1, 3});
   records["c-note"] = Units({2, 1, 2});
-  records["x-ray"] = Units({1, 2, 5, 5});  // no entry that makes sense, and nobody else's either
+  records["x-ray"] =
+      Units({1, 2, 5, 5});  // no posting that makes sense, and no other record either
   kestan_tests::Plant(path_, records);
   EXPECT_EQ(Repair(), 0);
   EXPECT_EQ(Dump(new_path_), records);
@@ -108,7 +109,7 @@ TEST_F(RepairOfRecordsTest, FlagOneIsBelievedWherePostingsCanBeReadBothWays) {
   EXPECT_EQ(Repaired(records).at("g-opts"), Units({1, 0}));
 }
 
-// "cat" and "sat" are two; ten tell whether there are positions.
+// "cat" and "sat" are two; ten show whether there are positions.
 TEST_F(RepairOfRecordsTest, WrongOptionsGiveWayToTenPostingRecordsAndNotToNine) {
   Records records = Good();
   records["g-opts"] = Units({1, 4});
@@ -123,7 +124,7 @@ TEST_F(RepairOfRecordsTest, WrongOptionsGiveWayToTenPostingRecordsAndNotToNine) 
 TEST_F(RepairOfRecordsTest, OfTwoWordsAtOnePlaceOneIsKept) {
   Records records = Good();
   records["dog"] = Units({1, 1, 2});
-  records["Sat"] = Units({1, 1, 2});  // stands at the place of its form in small letters
+  records["Sat"] = Units({1, 1, 2});  // has the position of its case-folded form
   records["x"] = Units({1, 1, 2});    // may be an earlier document's
   const Records restored = Repaired(records);
   EXPECT_EQ(restored.count("dog") + restored.count("sat"), 1U);
@@ -182,7 +183,7 @@ TEST_F(RepairOfRecordsTest, ACodeThatNothingHoldsBecomesReusable) {
   EXPECT_EQ(Repaired(records), restored);
 }
 
-TEST_F(RepairOfRecordsTest, EntriesOfImpossibleCodesAreDropped) {
+TEST_F(RepairOfRecordsTest, PostingsOfImpossibleCodesAreDropped) {
   Records records = Good();
   records["cat"] += Units({0, 1, 1, 3, 1, 1});
   records["g"] = Units({9});
@@ -192,7 +193,7 @@ TEST_F(RepairOfRecordsTest, EntriesOfImpossibleCodesAreDropped) {
   EXPECT_EQ(result_.dropped, 2U);
 }
 
-TEST_F(RepairOfRecordsTest, WordsOfOneByteKeepEntriesOfReusableCodes) {
+TEST_F(RepairOfRecordsTest, WordsOfOneByteKeepPostingsOfReusableCodes) {
   Records records = Good();
   records["g-code"] = Units({3});
   records["g-avail"] = Units({3});

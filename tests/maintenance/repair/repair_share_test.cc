@@ -1,12 +1,12 @@
 // How many documents a repair saves whose own records the damage did not touch.
 //
-// A document's own records are its document and name records and its entries in posting records,
+// A document's own records are its document and name records and its postings,
 // each with the key and the element of a bucket that lead there. It is saved if the new index lists
-// it under its code and has every one of its entries. At least 99 of 100 are.
+// it under its code and has every one of its postings. At least 99 of 100 are.
 //
 // Each index is damaged five times: blocks anywhere, and only blocks with bytes of the header, of
 // the directory, of buckets, of records. To see the figures for more indexes than the default:
-//   KESTAN_REPAIR_INDEXES=500 repair_tests --gtest_filter='RepairShare.*'
+//   KESTAN_REPAIR_INDEXES=500 repair_tests --gtest_filter='RepairShareTest.*'
 #include <gtest/gtest.h>
 #include <kestan/format/document_record.h>
 #include <kestan/format/posting_list.h>
@@ -35,7 +35,7 @@ int Indexes() {
   return kestan_tests::NumberFromEnvironment("KESTAN_REPAIR_INDEXES", kDefaultIndexes);
 }
 
-// Where a document stands in the good file.
+// Where the records of a document are in the good file.
 struct Own {
   struct Span {
     std::size_t at;
@@ -44,18 +44,18 @@ struct Own {
   };
   std::string name;
   std::vector<Span> spans;
-  std::map<std::string, std::string> entries;  // by word
+  std::map<std::string, std::string> postings;  // by word
 };
 
 bool IsWord(const std::string& key) { return key.size() < 2 || key[1] != '-'; }
 
-// Calls `visit(code, first byte, bytes)` for each entry.
+// Calls `visit(code, first byte, bytes)` for each posting.
 template <typename Visit>
-void ForEachEntry(const std::string& value, Visit visit) {
+void ForEachPosting(const std::string& value, Visit visit) {
   const DBDatum record = kestan_tests::Datum(value);
   kestan::PostingReader reader(record, true);
-  kestan::Posting entry{};
-  while (reader.Next(&entry)) visit(entry.code, entry.first_unit * 2, entry.units * 2);
+  kestan::Posting posting{};
+  while (reader.Next(&posting)) visit(posting.code, posting.first_unit * 2, posting.units * 2);
 }
 
 void AddSpan(Own* own, const Record& record, std::size_t at, std::size_t bytes) {
@@ -73,17 +73,17 @@ std::map<unsigned, Own> DocumentsOf(const FileMap& map) {
       documents[code].name = record.key.substr(2);
       AddSpan(&documents[code], record, value_at, record.value.size());
     } else if (record.key.substr(0, 2) == "c-") {
-      const unsigned code = kestan::UnitAt(kestan_tests::Datum(record.key), 1);
+      const unsigned code = kestan::CodeOfNameKey(kestan_tests::Datum(record.key));
       AddSpan(&documents[code], record, value_at, record.value.size());
     }
   }
   for (const Record& record : map.records) {
     if (!IsWord(record.key)) continue;
-    ForEachEntry(record.value, [&](unsigned code, std::size_t at, std::size_t bytes) {
+    ForEachPosting(record.value, [&](unsigned code, std::size_t at, std::size_t bytes) {
       const auto found = documents.find(code);
       if (found == documents.end()) return;
       AddSpan(&found->second, record, record.data + record.key.size() + at, bytes);
-      found->second.entries[record.key] += record.value.substr(at, bytes);
+      found->second.postings[record.key] += record.value.substr(at, bytes);
     });
   }
   return documents;
@@ -94,7 +94,7 @@ struct Damage {
   std::set<std::size_t> blocks;  // that are damaged
 };
 
-// Tells whether the damage left a document's records alone; with `elements` also where they lie.
+// Returns whether the damage left a document's records alone; with `elements` also where they lie.
 bool IsUntouched(const Own& own, const Damage& damage, bool elements) {
   for (const Own::Span& span : own.spans) {
     if (span.bytes == 0 || (span.is_element && !elements)) continue;
@@ -129,8 +129,8 @@ struct Figures {
   std::uint64_t readable = 0;   // untouched but for elements
   std::uint64_t kept = 0;       // of these, listed
   std::uint64_t foreign = 0;    // documents of new indexes that the good ones do not have
-  std::uint64_t wrong = 0;      // entries of new indexes that the good ones do not have
-  std::uint64_t entries = 0;    // of new indexes
+  std::uint64_t wrong = 0;      // postings of new indexes that the good ones do not have
+  std::uint64_t postings = 0;   // of new indexes
   std::uint64_t faults = 0;     // that a check finds in new indexes
 
   double Share() const {
@@ -146,9 +146,9 @@ bool IsListed(const Records& found, unsigned code, const Own& own) {
 bool IsSaved(const std::map<unsigned, Own>& found, unsigned code, const Own& own) {
   const auto document = found.find(code);
   if (document == found.end() || document->second.name != own.name) return false;
-  for (const auto& [word, entry] : own.entries) {
-    const auto kept = document->second.entries.find(word);
-    if (kept == document->second.entries.end() || kept->second != entry) return false;
+  for (const auto& [word, posting] : own.postings) {
+    const auto kept = document->second.postings.find(word);
+    if (kept == document->second.postings.end() || kept->second != posting) return false;
   }
   return true;
 }
@@ -162,10 +162,10 @@ void CountForeign(const std::map<unsigned, Own>& documents, const std::map<unsig
       ++figures->foreign;
       continue;
     }
-    figures->entries += own.entries.size();
-    for (const auto& [word, entry] : own.entries) {
-      const auto kept = good->second.entries.find(word);
-      figures->wrong += kept == good->second.entries.end() || kept->second != entry ? 1 : 0;
+    figures->postings += own.postings.size();
+    for (const auto& [word, posting] : own.postings) {
+      const auto kept = good->second.postings.find(word);
+      figures->wrong += kept == good->second.postings.end() || kept->second != posting ? 1 : 0;
     }
   }
 }
@@ -221,7 +221,7 @@ std::string Spelled(std::size_t count, const char* where, bool with_noise) {
 
 void Print(const std::map<std::string, Figures>& figures) {
   std::printf("%-24s %9s %9s %9s %9s %9s %9s %9s %8s %9s %6s %6s\n", "damaged blocks", "documents",
-              "listed", "untouched", "saved", "share", "readable", "listed", "foreign", "entries",
+              "listed", "untouched", "saved", "share", "readable", "listed", "foreign", "postings",
               "wrong", "faults");
   for (const auto& [what, of] : figures) {
     std::printf("%-24s", what.c_str());
@@ -232,7 +232,7 @@ void Print(const std::map<std::string, Figures>& figures) {
     std::printf(
         " %9llu %9llu %8llu %9llu %6llu %6llu\n", static_cast<unsigned long long>(of.readable),
         static_cast<unsigned long long>(of.kept), static_cast<unsigned long long>(of.foreign),
-        static_cast<unsigned long long>(of.entries), static_cast<unsigned long long>(of.wrong),
+        static_cast<unsigned long long>(of.postings), static_cast<unsigned long long>(of.wrong),
         static_cast<unsigned long long>(of.faults));
   }
 }
@@ -268,7 +268,7 @@ Damage WithStalePages(const std::string& good, const std::string& older, std::si
   return damage;
 }
 
-// The file cut inside the value of a record whose key has, or has not, a hyphen behind its first
+// The file cut inside the value of a record whose key has, or has not, a hyphen after its first
 // byte; of `family` there.
 Damage CutIn(const std::string& good, const FileMap& map, char family, Dice* dice) {
   std::vector<const Record*> candidates;

@@ -1,4 +1,4 @@
-// New indexes from damaged ones: what becomes of files, and what is said.
+// New indexes from damaged ones: which files there are after a repair, and what it reports.
 #include "tests/maintenance/repair/repair_test.h"
 
 #include <kestan/maintenance/salvage/gdbm_layout.h>
@@ -28,7 +28,7 @@ TEST_F(RepairTest, IndexesOfAHostStayAsTheyAre) {
     ASSERT_EQ(Repair(), 0);
     EXPECT_EQ(Dump(new_path_), Dump(path_));
     EXPECT_EQ(result_.words_missing + result_.half_written + result_.lost, 0U);
-    ExpectSound();
+    ExpectValid();
   }
 }
 
@@ -109,7 +109,7 @@ TEST_F(RepairTest, IndexesOfManyRecordsAndOfLongOnesStayAsTheyAre) {
   EXPECT_EQ(result_.records, records.size());
 }
 
-TEST_F(RepairTest, WhatOfTheFileIsDamagedIsTold) {
+TEST_F(RepairTest, WhatOfTheFileIsDamagedIsReported) {
   MakeIndex(path_, 40, 3);
   const std::string good = ReadFile(path_);
   const FileMap map = MapOf(good);
@@ -163,7 +163,7 @@ TEST_F(RepairTest, ADocumentWithoutWordsIsHalfWritten) {
   EXPECT_EQ(result_.half_written, 1U);
 }
 
-TEST_F(RepairTest, InASoundFileADocumentWithAGapIsHalfWritten) {
+TEST_F(RepairTest, InAValidFileADocumentWithAGapIsHalfWritten) {
   Records records = Good();
   records["sat"] = Units({1, 1, 3});
   EXPECT_EQ(Repaired(records), records);
@@ -219,7 +219,7 @@ TEST_F(RepairTest, AKilledHostsDocumentsAreNamed) {
   std::filesystem::rename(left, path_);
   ASSERT_EQ(Repair(), 0);
   EXPECT_EQ(Documents(), Lines({"half-written: started: no words", "saved: whole"}));
-  ExpectSound();
+  ExpectValid();
 }
 
 TEST_F(RepairTest, ARepairedIndexTakesMoreDocuments) {
@@ -236,30 +236,30 @@ TEST_F(RepairTest, ARepairedIndexTakesMoreDocuments) {
   EXPECT_STREQ(engine.QueryResults(id), "100 new\n");
   engine.FreeQueryResult(id);
   engine.CloseIndex();
-  ExpectSound();
+  ExpectValid();
 }
 
 // Of the last word, whose record is the last in the file, all documents but those of the lost tail
 // are found.
-TEST_F(RepairTest, APostingRecordThatTheEndOfTheFileCutsKeepsItsWholeEntries) {
+TEST_F(RepairTest, APostingRecordThatTheEndOfTheFileCutsKeepsItsWholePostings) {
   Records records = Good();
-  std::string entries;
+  std::string postings;
   for (unsigned code = 3; code <= 1000; ++code) {
-    entries += Units({code, 1, 1});
+    postings += Units({code, 1, 1});
     records["d-" + std::to_string(code)] = Units({9, 9, code, 0});
     records["c-" + Units({code})] = std::to_string(code);
   }
   records["g-code"] = Units({1000});
   records["zebra"] = Units({1, 1, 3});
   kestan_tests::Plant(path_, records);
-  kestan_tests::Plant(path_, {{"zebra", entries}});  // grows behind all buckets
+  kestan_tests::Plant(path_, {{"zebra", postings}});  // grows after all buckets
   const std::string bytes = ReadFile(path_);
-  const std::size_t end = bytes.rfind(entries) + entries.size();
+  const std::size_t end = bytes.rfind(postings) + postings.size();
   WriteFile(path_, bytes.substr(0, end - 4));
   ASSERT_EQ(Repair(), 0);
-  EXPECT_EQ(Dump(new_path_).at("zebra"), entries.substr(0, entries.size() - 6));
+  EXPECT_EQ(Dump(new_path_).at("zebra"), postings.substr(0, postings.size() - 6));
   EXPECT_TRUE(Says("note: zebra: damaged, entries kept: 997"));
-  ExpectSound();
+  ExpectValid();
 }
 
 TEST_F(RepairTest, ATextThatRunsIntoTheNextRecordIsCutThere) {

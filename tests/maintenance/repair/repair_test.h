@@ -36,11 +36,11 @@ class RepairTest : public testing::Test {
     std::filesystem::remove(new_path_);
     kestan_tests::Plant(path_, records);
     EXPECT_EQ(Repair(), 0);
-    ExpectSound();
+    ExpectValid();
     return Dump(new_path_);
   }
 
-  void ExpectSound() { EXPECT_EQ(kestan_tests::FaultsOf(new_path_), kestan_tests::Lines()); }
+  void ExpectValid() { EXPECT_EQ(kestan_tests::FaultsOf(new_path_), kestan_tests::Lines()); }
 
   bool Says(const std::string& line) const {
     return std::find(lines_.begin(), lines_.end(), line) != lines_.end();

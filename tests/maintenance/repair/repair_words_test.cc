@@ -31,7 +31,7 @@ TEST_F(RepairOfWordsTest, WordsThatKeptTheirPositionsStay) {
   EXPECT_EQ(result_.dropped, 0U);
 }
 
-TEST_F(RepairOfWordsTest, WordsWithHyphensGiveUpOnlyEntriesThatMakeNoSense) {
+TEST_F(RepairOfWordsTest, WordsWithHyphensGiveUpOnlyPostingsThatMakeNoSense) {
   Records records = Good();
   records["d-day"] = Units({1, 1, 3, 9, 1, 2});
   records["e-mail"] = Units({1, 1, 3, 2, 1, 2}) + "x";
@@ -119,7 +119,7 @@ TEST_F(RepairOfWordsTest, WordListsKeepTheirWordsAsFarAsTheyMakeSense) {
   EXPECT_FALSE(Says("note: w-utf8: damaged, words may be wrong"));
 }
 
-TEST_F(RepairOfWordsTest, AMendedWordListHasNoNuls) {
+TEST_F(RepairOfWordsTest, ARepairedWordListHasNoNuls) {
   Records records = Good();
   records["w-list"] = Units({2, 1, 3}) + "x";
   Records restored = Good();

@@ -126,10 +126,10 @@ TEST(StatisticsTest, WordsFallIntoClassesOfFrequency) {
   expect(16, 3, 32769 + 65535 + 65535 + 65535);
 }
 
-TEST(StatisticsTest, EntriesOfRemovedDocumentsCanBePurged) {
+TEST(StatisticsTest, PostingsOfRemovedDocumentsCanBePurged) {
   const Records records = With({{"g-deleted", Units({2})}, {"x", Units({2, 1, 2, 1, 1, 3})}});
-  EXPECT_EQ(ReadRecords(records).removed_posting_bytes, 6u);  // "cat" gives its entry, "x" never
-  EXPECT_EQ(ReadRecords(SoundRecords()).removed_posting_bytes, 0u);
+  EXPECT_EQ(ReadRecords(records).removed_posting_bytes, 6u);  // "cat" gives its posting, "x" never
+  EXPECT_EQ(ReadRecords(ValidRecords()).removed_posting_bytes, 0u);
 }
 
 TEST(StatisticsTest, WithoutAFileSaySo) {
@@ -143,7 +143,7 @@ TEST(StatisticsTest, WithoutAFileSaySo) {
 
 TEST(StatisticsTest, LeaveOutWhatCannotBeReadAndSaySo) {
   const TempDir folder;
-  Plant(folder / "index", SoundRecords());
+  Plant(folder / "index", ValidRecords());
   const auto records_of = [](const IndexStatistics& all) {
     return all.words + all.documents + all.name_records.records + all.system_records.records;
   };
@@ -151,7 +151,7 @@ TEST(StatisticsTest, LeaveOutWhatCannotBeReadAndSaySo) {
   watch.Fail("fetch", 4, GDBM_FILE_READ_ERROR);  // options, counter and removed codes come first
   const IndexStatistics statistics = Read(folder / "index");
   EXPECT_EQ(statistics.file_error, GDBM_FILE_READ_ERROR);
-  EXPECT_EQ(records_of(statistics), SoundRecords().size() - 1);
+  EXPECT_EQ(records_of(statistics), ValidRecords().size() - 1);
   watch.Fail("nextkey", 2, GDBM_FILE_SEEK_ERROR);
   EXPECT_EQ(Read(folder / "index").file_error, GDBM_FILE_SEEK_ERROR);
 }

@@ -62,7 +62,7 @@ TEST_F(BucketMapTest, AnEmptyBucketIsReachedByJustTheEntriesThatItsBitsAskFor) {
   }
 }
 
-TEST_F(BucketMapTest, AnEmptyBucketYieldsToStraysOfAsManyBits) {
+TEST_F(BucketMapTest, AnEmptyBucketYieldsToOrphanBucketsOfAsManyBits) {
   PutHeader();
   PutHead(kOtherPlace, 1, 0);
   for (unsigned entry = 0; entry < kEntries / 2; ++entry) PutEntries({entry}, kOtherPlace);
@@ -159,7 +159,7 @@ TEST_F(BucketMapTest, AnElementTooNearToTheStartIsInNoBucket) {
 }
 
 // How much of long keys is hashed has a limit, which the element itself uses up here.
-TEST_F(BucketMapTest, AnElementWhoseKeyIsTooLongToBeHashedAgainIsLoose) {
+TEST_F(BucketMapTest, AnElementWhoseKeyIsTooLongToBeHashedAgainBelongsToNoBucket) {
   PutHeader();
   const gdbm::Element element = Add(std::string(1 << 20, 'k'));
   PutHead(kBucketPlace, 0, 1);
@@ -188,14 +188,14 @@ TEST_F(BucketMapTest, NoDirectoryBeginsAtTheStartOfTheFileOrBeforeIt) {
   for (const Offset place : {Offset{8}, Offset{40}}) {
     file_.assign(8192, '\0');
     PutBucket(kBucketPlace, 5, kBits);
-    Put(place, kBucketPlace);  // entry 5 stands at 40 of a directory
+    Put(place, kBucketPlace);  // entry 5 is at byte 40 of a directory
     const gdbm::Bytes bytes(file_);
     EXPECT_EQ(gdbm::BucketMap(bytes).directory(), 0U) << place;
   }
 }
 
 // Of its two buckets, only the one that is looked for first would have its entry in the file.
-TEST_F(BucketMapTest, NoDirectoryWithMostOfItsEntriesBehindTheEndIsTaken) {
+TEST_F(BucketMapTest, NoDirectoryWithMostOfItsEntriesPastTheEndIsTaken) {
   PutBucket(kBucketPlace, 5, kBits);
   PutBucket(kOtherPlace, 31, kBits - 1);
   const Offset last = file_.size();
@@ -226,11 +226,11 @@ TEST_F(BucketMapTest, ADirectoryIsLookedForIn64Places) {
     PutBucket(kBucketPlace, 5, kBits);
     PutBucket(kOtherPlace, 6, kBits);
     for (unsigned i = 0; i < others; ++i) Put(1024 + Offset{i} * 8, kOtherPlace);
-    constexpr Offset kBehind = 6144;
-    PutEntries({5}, kBucketPlace, kBehind);
-    PutEntries({6}, kOtherPlace, kBehind);
+    constexpr Offset kAfter = 6144;
+    PutEntries({5}, kBucketPlace, kAfter);
+    PutEntries({6}, kOtherPlace, kAfter);
     const gdbm::Bytes bytes(file_);
-    EXPECT_EQ(gdbm::BucketMap(bytes).directory(), others == 63 ? kBehind : 0U);
+    EXPECT_EQ(gdbm::BucketMap(bytes).directory(), others == 63 ? kAfter : 0U);
   }
 }
 

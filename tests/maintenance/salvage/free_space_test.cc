@@ -59,14 +59,14 @@ TEST_F(FreeSpaceTest, ARecordThatReachesIntoItIsNot) {
 
 TEST_F(FreeSpaceTest, ARecordRightBesideItIsFound) {
   PutRecord();
-  file_ += "behind";
+  file_ += "beyond";
   PutList(kList, 1, {6, record_.data + 7});
   EXPECT_EQ(CountFound(), 1U);
   PutList(kList, 1, {5, record_.data - 5});
   EXPECT_EQ(CountFound(), 1U);
 }
 
-TEST_F(FreeSpaceTest, OfNoBytesOrBehindTheEndCountsForNothing) {
+TEST_F(FreeSpaceTest, OfNoBytesOrPastTheEndCountsForNothing) {
   PutRecord();
   for (const std::int32_t bytes : {0, -1, INT_MIN, 8}) {
     PutList(kList, 1, {bytes, record_.data});
@@ -74,7 +74,7 @@ TEST_F(FreeSpaceTest, OfNoBytesOrBehindTheEndCountsForNothing) {
   }
 }
 
-TEST_F(FreeSpaceTest, IsListedBehindTheExtensionInTheExtendedFormat) {
+TEST_F(FreeSpaceTest, IsListedAfterTheExtensionInTheExtendedFormat) {
   PutRecord(gdbm::kExtendedMagic);
   PutList(kList + gdbm::kExtensionBytes, 1, {6, record_.data});
   EXPECT_EQ(CountFound(), 0U);

@@ -29,7 +29,7 @@ class RepairOfHostileFilesTest : public testing::Test {
 
   std::string Good() const { return ReadFile(folder_ / "good"); }
 
-  // Repairs a file of these bytes. If that makes an index, it is a sound one.
+  // Repairs a file of these bytes. If that makes an index, it is a valid one.
   //   Returns  what RepairIndex() returned.
   int Repair(const std::string& bytes) {
     const std::string damaged = folder_ / "damaged";
@@ -38,11 +38,11 @@ class RepairOfHostileFilesTest : public testing::Test {
     std::filesystem::remove(repaired);
     const int error = kestan::RepairIndex(damaged.c_str(), repaired.c_str(), {}, &result_);
     EXPECT_EQ(std::filesystem::exists(repaired), error == 0);
-    if (error == 0) ExpectSound(repaired);
+    if (error == 0) ExpectValid(repaired);
     return error;
   }
 
-  static void ExpectSound(const std::string& path) {
+  static void ExpectValid(const std::string& path) {
     EXPECT_EQ(kestan_tests::FaultsOf(path), kestan_tests::Lines());
   }
 
@@ -105,7 +105,7 @@ TEST_F(RepairOfHostileFilesTest, BlocksMovedCutAndRepeated) {
   }
 }
 
-TEST_F(RepairOfHostileFilesTest, NoiseBehindAGoodHeader) {
+TEST_F(RepairOfHostileFilesTest, NoiseAfterAGoodHeader) {
   for (int round = 0; round < Rounds(20); ++round) {
     std::string bytes = Good();
     const std::size_t first = sizeof(gdbm::Header) + dice_.Below(2000);

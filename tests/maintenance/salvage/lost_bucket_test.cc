@@ -74,13 +74,13 @@ TEST_F(LostBucketTest, TheSizesOfARecordAreNoHead) {
   });
 }
 
-TEST_F(LostBucketTest, ABucketMayKnowOfSpaceBehindTheEndOfACutFile) {
+TEST_F(LostBucketTest, ABucketMayKnowOfSpacePastTheEndOfACutFile) {
   AddAlike(5);
   head_.free.back() = {static_cast<std::int32_t>(bytes_.size()), (Offset{1} << 31) - 1};
   Look([](const BucketMap& map) { EXPECT_EQ(map.orphans().size(), 1U); });
 }
 
-TEST_F(LostBucketTest, NoBucketKnowsOfSpaceFarBehindTheFile) {
+TEST_F(LostBucketTest, NoBucketKnowsOfSpaceFarPastTheFile) {
   AddAlike(5);
   head_.free.back().at = Offset{1} << 31;
   Look([](const BucketMap& map) {

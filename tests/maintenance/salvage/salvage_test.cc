@@ -131,7 +131,7 @@ TEST_F(SalvageTest, FindsEverythingWithoutTheHeader) {
   EXPECT_EQ(Salvaged(path_), records);
 }
 
-TEST_F(SalvageTest, TellsWhatOfTheFileIsDamaged) {
+TEST_F(SalvageTest, ReportsWhatOfTheFileIsDamaged) {
   Store(0, 300, 40);
   const std::string good = ReadFile(path_);
   const auto damage_of = [&](Place place, std::size_t bytes) {
@@ -250,7 +250,7 @@ TEST_F(SalvageTest, FindsTheRecordsOfAFileOfLargeBlocksWithoutItsDirectory) {
   EXPECT_EQ(Salvaged(path_), records);
 }
 
-// Its bucket has no head, and nothing tells that the record is the newest of its key.
+// Its bucket has no head, and nothing shows that the record is the newest of its key.
 TEST_F(SalvageTest, AnOldRecordThatRunsIntoANewerOneIsLeftOut) {
   Store(0, 800, 40);
   const Records good = Dump(path_);
