@@ -2,6 +2,8 @@
 
 #include <kestan/format/document_record.h>
 #include <kestan/format/keys.h>
+#include <kestan/format/option_flags.h>
+#include <kestan/format/units.h>
 #include <kestan/text/escape.h>
 
 #include <algorithm>
@@ -9,7 +11,7 @@
 namespace kestan {
 namespace {
 
-std::string_view KeyBytes(const std::array<char, 2 + kUnitBytes>& key) {
+std::string_view KeyBytes(const std::array<char, kNameKeyBytes>& key) {
   return {key.data(), key.size()};
 }
 
@@ -19,10 +21,11 @@ void CheckLength(const IndexTables::OddRecord& record, Findings* findings) {
   if (key == kAvailableKey || key == kDeletedKey) {
     findings->Fault(key, "odd length: ", bytes, " bytes");
   } else if (IsOfFamily(key, kNameFamily)) {
-    findings->Fault(key, "the key has ", std::uint64_t{key.size()}, " bytes instead of 4");
+    findings->Fault(key, "the key has ", std::uint64_t{key.size()}, " bytes instead of ",
+                    std::uint64_t{kNameKeyBytes});
   } else {
-    const std::uint64_t expected = key == kCounterKey   ? 2
-                                   : key == kOptionsKey ? 4
+    const std::uint64_t expected = key == kCounterKey   ? kUnitBytes
+                                   : key == kOptionsKey ? kOptionsBytes
                                                         : kDocumentRecordBytes;
     findings->Fault(key, "length ", bytes, " instead of ", expected, " bytes");
   }
@@ -46,8 +49,8 @@ void CheckDocument(const IndexTables& tables, const IndexTables::Document& docum
   }
 }
 
-// Names that a document record denies; where the code itself names another document, that
-// document's own line says so.
+// Reports a name whose document record is missing or gives another code. Where the code names
+// another document, the line of that document says so.
 void CheckName(const IndexTables& tables, const IndexTables::Name& name, Findings* findings) {
   const auto key_bytes = NameKey(name.code);
   const std::string_view key = KeyBytes(key_bytes);
@@ -85,7 +88,7 @@ void CheckCounter(const IndexTables& tables, const CodeSet& in_use, Findings* fi
   }
 }
 
-// What a code in "g-avail" or "g-deleted" must not be as well.
+// A code in "g-avail" or "g-deleted" must be neither 0, nor in use, nor above the counter.
 void CheckListed(const IndexTables& tables, std::string_view key, const CodeSet& listed,
                  const CodeSet& in_use, Findings* findings) {
   if (listed[0]) findings->Fault(key, "the code is 0");
@@ -111,7 +114,7 @@ void CheckRepeats(std::string_view key, Vector<Code> codes, Findings* findings) 
   }
 }
 
-// Codes that were handed out and cannot come back.
+// Reports how many codes were handed out and can never be used again.
 void CheckLostCodes(const IndexTables& tables, const CodeSet& known, Findings* findings) {
   std::uint64_t lost = 0;
   for (std::size_t code = 1; code <= tables.counter; ++code) lost += known[code] ? 0 : 1;

@@ -8,10 +8,10 @@
 
 namespace kestan {
 
-// Returns the codes that a document record or a name record gives to a document; never 0.
+// Returns the codes that document and name records give to documents, without code 0.
 CodeSet CodesInUse(const IndexTables& tables);
 
-// Reports unreadable records, and system records whose length is not what the engine writes.
+// Reports unreadable records, and system records of another length than the engine writes.
 void CheckLengths(const IndexTables& tables, Findings* findings);
 
 // Reports contradictions between system records. The tables must be complete.

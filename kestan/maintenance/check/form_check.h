@@ -1,4 +1,4 @@
-// Checks that the case-folded form of a word stands wherever the word does.
+// Checks that the case-folded form of a word is wherever the word is.
 #ifndef KESTAN_MAINTENANCE_CHECK_FORM_CHECK_H_
 #define KESTAN_MAINTENANCE_CHECK_FORM_CHECK_H_
 

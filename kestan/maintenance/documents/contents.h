@@ -25,7 +25,7 @@ struct Document {
 //   Returns  0, or gdbm's number of a read failure.
 int ReadRecord(Database& store, std::string_view key, DBDatumPtr* value);
 
-// Everything that the keys say, which reading the postings takes.
+// What the keys of an index say; reading the postings takes it.
 class Contents {
  public:
   // Reads the keys of `store`, and the records of documents. To be called once.

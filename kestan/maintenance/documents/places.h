@@ -13,7 +13,7 @@
 
 namespace kestan {
 
-// Where a word stands. As one number, so that sorting by document, position and word is fast.
+// Where a word is: document, position and word as one number, so that sorting is fast.
 using Place = std::uint64_t;
 
 constexpr Place MakePlace(Code code, Position position, WordId word) {

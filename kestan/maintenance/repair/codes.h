@@ -31,7 +31,7 @@ class CodesSeen {
 };
 
 // Returns the highest code that a document can have: what the counter says, or a document record
-// that agrees with its name record, for the counter may lag behind documents that were added after
+// that agrees with its name record, for the counter may not count documents that were added after
 // the last flush. Without a counter, the highest of all codes that any record names, among them
 // `highest_posted`.
 Code HighestCode(const SystemRecords& system, const DocumentCandidates& candidates,

@@ -5,7 +5,7 @@
 namespace kestan {
 namespace {
 
-// What stands before the key, between key and text, and whether there is a key.
+// What a line has before the key and between key and text, and whether it has a key.
 struct LineForm {
   const char* start;
   const char* middle;

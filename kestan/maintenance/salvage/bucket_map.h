@@ -22,22 +22,19 @@ enum class Authority : std::uint8_t {
 // Of several buckets that cover the same hashes, one is believed:
 //
 // 1. The directory's. If an entry of it leads to what can be a bucket of just these hashes, no
-// other
-//    bucket counts for them, unless one with more bits is found of which nothing is missing: then
-//    the directory, or its header, is older than the split.
+//    other bucket counts for them, unless one with more bits is found of which nothing is missing:
+//    then the directory, or its header, is older than the split.
 // 2. Else, the one with more bits. gdbm always writes a bucket to the same place until it splits
-// it,
-//    never joins two, and frees the place of the one that it has split, whose bytes often stay. So
-//    of two buckets one of which covers the hashes of the other, the one with fewer bits is older.
-//    Each bucket with fewer bits than another one within its hashes is left over from a split, even
-//    for hashes of which no newer bucket can be found.
+//    it, never joins two, and frees the place of the one that it has split, whose bytes often stay.
+//    So of two buckets one of which covers the hashes of the other, the one with fewer bits is
+//    older. Each bucket with fewer bits than another one within its hashes is left over from a
+//    split, even for hashes of which no newer bucket can be found.
 // 3. A bucket left over from a split still counts for elements that the newer bucket has lost, or
-// if
-//    that is lost: as a fallback, which its reader must weigh, for the record may have been changed
-//    or removed after the split. An empty bucket that the directory reaches says nothing about its
-//    hashes, so it yields to orphans of as many bits or more. A bucket without a head does not
-//    prove the entry of the directory, which may lead into the middle of a bucket: it yields to an
-//    orphan that is whole and has just its hashes.
+//    if that is lost: as a fallback, which its reader must weigh, for the record may have been
+//    changed or removed after the split. An empty bucket that the directory reaches says nothing
+//    about its hashes, so it yields to orphans of as many bits or more. A bucket without a head
+//    does not prove the entry of the directory, which may lead into the middle of a bucket: it
+//    yields to an orphan that is whole and has just its hashes.
 //
 // Elements whose bucket has lost its head count last: nobody knows how old they are.
 class BucketMap {

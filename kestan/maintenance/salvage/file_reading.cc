@@ -30,7 +30,7 @@ class Descriptor {
   const int number_;
 };
 
-// Reads up to `wanted` bytes to `to`, again if a signal came first.
+// Reads up to `wanted` bytes to `to`. Tries again after a signal.
 ssize_t ReadAt(int descriptor, char* to, std::size_t wanted, std::uint64_t at) {
   ssize_t count = 0;
   do {
@@ -56,7 +56,7 @@ int ReadWholeFile(const char* path, String* bytes, std::uint64_t* unreadable_byt
     ssize_t count = ReadAt(file.number(), &(*bytes)[at], std::min(left, kChunkBytes), at);
     const std::size_t block = std::min(left, kBlockBytes - at % kBlockBytes);
     if (count < 0) count = ReadAt(file.number(), &(*bytes)[at], block, at);
-    if (count == 0) bytes->resize(at);  // somebody has cut the file
+    if (count == 0) bytes->resize(at);  // another process has cut the file
     if (count < 0) *unreadable_bytes += block;
     at += count < 0 ? block : static_cast<std::size_t>(count);
   }

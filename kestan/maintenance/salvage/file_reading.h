@@ -1,4 +1,4 @@
-// A whole file in memory, as much of it as the system gives.
+// Reads a whole file into memory, as far as the system can read it.
 #ifndef KESTAN_MAINTENANCE_SALVAGE_FILE_READING_H_
 #define KESTAN_MAINTENANCE_SALVAGE_FILE_READING_H_
 
@@ -10,24 +10,24 @@
 
 namespace kestan {
 
-// Reads the regular file at `path` into `*bytes`. A mapping would be cheaper, but the process would
-// end where the disk cannot be read or the file is cut meanwhile; here, blocks of 512 bytes that
-// cannot be read become zeros, and count in `*unreadable_bytes`.
-//   Returns  0, or the system's error number: also EFBIG for a file that no memory could hold, and
-//            EINVAL for what is no regular file.
+// Reads the regular file at `path` into `*bytes`. Blocks of 512 bytes that cannot be read become
+// zeros, and count in `*unreadable_bytes`. A mapping would be cheaper, but a signal would end the
+// process where the disk cannot be read or another process cuts the file.
+//   Returns  0, or the system's error number: also EFBIG for a file too large for any memory, and
+//            EINVAL for anything but a regular file.
 int ReadWholeFile(const char* path, String* bytes, std::uint64_t* unreadable_bytes);
 
-// The bytes of an open file, mapped for reading as gdbm maps those that it only reads. The process
-// ends where the disk cannot be read or the file is cut meanwhile, as it does in gdbm.
+// The bytes of an open file, mapped as gdbm maps the files that it only reads. As with gdbm, a
+// signal ends the process where the disk cannot be read or another process cuts the file.
 class MappedFile {
  public:
-  // Maps the file of `descriptor`, which may be closed then.
+  // Maps the file of `descriptor`, which may be closed after that.
   explicit MappedFile(int descriptor);
   ~MappedFile();
   MappedFile(const MappedFile&) = delete;
   MappedFile& operator=(const MappedFile&) = delete;
 
-  // Returns false if the system does not map the file, or has no addresses for it.
+  // Returns whether the system has mapped the file. An empty file is never mapped.
   bool is_mapped() const { return start_ != nullptr; }
   std::string_view bytes() const { return {static_cast<const char*>(start_), size_}; }
 
