@@ -95,12 +95,16 @@ TEST_F(RebuildTest, DamagedWordListsAreRepairedAndOthersStayAsTheyAre) {
   EXPECT_EQ(lines_, Lines({"note: w-a: damaged, words may be wrong"}));
 }
 
-TEST_F(RebuildTest, ACutRecordThatIsCopiedIsReported) {
+TEST_F(RebuildTest, ACutRecordThatIsNotWrittenAgainIsReported) {
   ReadCut({{"t-a", "A title"}}, "t-a");
   EXPECT_EQ(Rebuilt(RepairAction::kCopy).count("t-a"), 1U);
   EXPECT_EQ(lines_, Lines({"note: t-a: cut where the next record begins or the file ends"}));
   Rebuilt(RepairAction::kRewrite);
   EXPECT_EQ(lines_, Lines());
+  ReadCut({{"w-a", "\x80sat"}}, "w-a");
+  Rebuilt(RepairAction::kWordList);
+  ASSERT_FALSE(lines_.empty());
+  EXPECT_EQ(lines_[0], "note: w-a: cut where the next record begins or the file ends");
 }
 
 TEST_F(RebuildTest, DocumentsGetBothOfTheirRecords) {

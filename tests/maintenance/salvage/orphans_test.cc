@@ -78,6 +78,28 @@ TEST_F(FindOrphansTest, AHeadCountsAtLeastTheElementsThatAreThere) {
   EXPECT_EQ(Found().elements.size(), 2U);
 }
 
+TEST_F(FindOrphansTest, OfTwoHeadsAroundOneElementTheOneThatLacksNothingHasIt) {
+  constexpr std::uint32_t kSlots =  // that the later head covers
+      (sizeof(gdbm::BucketHead) + sizeof(gdbm::Element) - 1) / sizeof(gdbm::Element);
+  const Offset later = kBucketPlace + kSlots * sizeof(gdbm::Element);
+  const gdbm::Element element = AddKeys(1, 5, kBits).front();
+  const auto found_at = [&](std::int32_t count, std::int32_t later_count) {
+    PutHead(kBucketPlace, kBits, static_cast<std::size_t>(count));
+    gdbm::BucketHead head{};
+    head.bits = kBits;
+    head.count = later_count;
+    Put(later, head);
+    Put(gdbm::ElementAt(kBucketPlace, 2 * kSlots), element);
+    const gdbm::Orphans orphans = Found();
+    EXPECT_EQ(orphans.buckets.size(), 1U);
+    return orphans.buckets.empty() ? 0 : orphans.buckets[0].at;
+  };
+  EXPECT_EQ(found_at(1, 2), kBucketPlace);
+  EXPECT_EQ(found_at(2, 1), later);
+  EXPECT_EQ(found_at(1, 1), later);
+  EXPECT_EQ(found_at(2, 2), later);
+}
+
 TEST_F(FindOrphansTest, FreeSpaceOfAHeadLiesInTheFileUnlessTheFileIsCut) {
   const auto buckets = [this](const gdbm::FreeSpace& space) {
     PutBucket(kBucketPlace, 5, kBits);
