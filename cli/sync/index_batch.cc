@@ -1,7 +1,6 @@
 #include "cli/sync/index_batch.h"
 
-#include <algorithm>
-#include <string_view>
+#include <kestan/results.h>
 
 #include "cli/console/message.h"
 #include "cli/index/document_records.h"
@@ -23,8 +22,7 @@ void IndexBatch::UpdateFingerprint(const std::string& name, const Fingerprint& f
 }
 
 void IndexBatch::AddWords(const std::string& name, const std::string& words) {
-  const std::string_view unseen = index_.engine().AddDocumentWords(name.c_str(), words.c_str());
-  new_words_ += static_cast<unsigned long>(std::count(unseen.begin(), unseen.end(), '\n'));
+  new_words_ += kestan::AddWords(index_.engine(), name.c_str(), words.c_str()).value_or(0);
   if (index_.engine().DocumentTimestamp(name.c_str()) != 0) return;
   index_.CheckRead();
   throw CommandError("index " + Quoted(index_.path()) + " did not take " + Quoted(name));

@@ -158,15 +158,20 @@ int Kestan::StripBadLines(char* text, unsigned length) {
 
 // ---- Documents ----
 
-const char* Kestan::AddDocumentWords(const char* name, const char* text) {
+std::optional<std::size_t> Kestan::AddWords(const char* name, const char* text) {
   if (!IsOpen()) {
     RemoveDocumentWords(name);  // for the message of the store
-    return "";
+    return std::nullopt;
   }
-  const auto outcome =
+  const kestan::Addition added =
       kestan::AddDocument(store_, AvailCodes, KeepsPositions(), name, text, &scratch);
-  if (outcome == kestan::AddOutcome::kCodeZero) EndProcess("Attempted to use code #0");
-  return outcome == kestan::AddOutcome::kAdded ? scratch.bytes : "";
+  if (added.outcome == kestan::AddOutcome::kCodeZero) EndProcess("Attempted to use code #0");
+  if (added.outcome != kestan::AddOutcome::kAdded) return std::nullopt;
+  return added.new_words;
+}
+
+const char* Kestan::AddDocumentWords(const char* name, const char* text) {
+  return AddWords(name, text).has_value() ? scratch.bytes : "";
 }
 
 int Kestan::RemoveDocumentWords(const char* name) { return kestan::RemoveDocument(store_, name); }

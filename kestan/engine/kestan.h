@@ -6,14 +6,19 @@
 #include <kestan/storage/dbdatum.h>
 #include <kestan/storage/export.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 class Kestan;
 
 namespace kestan {
 class IndexReader;
-KESTAN_EXPORT IndexReader& ReaderOf(Kestan& engine);  // see kestan/results.h
+// See kestan/results.h.
+KESTAN_EXPORT IndexReader& ReaderOf(Kestan& engine);
+KESTAN_EXPORT std::optional<std::size_t> AddWords(Kestan& engine, const char* name,
+                                                  const char* text);
 }  // namespace kestan
 
 // A full-text search engine over one index file.
@@ -273,12 +278,18 @@ class KESTAN_EXPORT Kestan {
 
  private:
   friend kestan::IndexReader& kestan::ReaderOf(Kestan& engine);
+  friend std::optional<std::size_t> kestan::AddWords(Kestan& engine, const char* name,
+                                                     const char* text);
 
   bool LoadOptions();
   bool LoadReusableCodes();
   bool IsOpen() const { return AvailCodes.ptr != nullptr; }
   bool KeepsPositions() const;
   const DBDatum& ReusableCodes() const;
+
+  // Adds as AddDocumentWords() does, with the new words in the scratch buffer.
+  //   Returns  their number; no value where AddDocumentWords() returns the constant.
+  std::optional<std::size_t> AddWords(const char* name, const char* text);
 
   Database store_;
   DBDatumPtr AvailCodes;          // the reusable codes: the value of "g-avail"; null while closed

@@ -11,4 +11,8 @@ Matches MatchesOf(int id) {
 
 IndexReader& ReaderOf(Kestan& engine) { return *engine.reader_; }
 
+std::optional<std::size_t> AddWords(Kestan& engine, const char* name, const char* text) {
+  return engine.AddWords(name, text);
+}
+
 }  // namespace kestan

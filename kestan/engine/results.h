@@ -8,6 +8,9 @@
 #include <kestan/query/matches.h>
 #include <kestan/storage/export.h>
 
+#include <cstddef>
+#include <optional>
+
 namespace kestan {
 
 // Returns the matches of the result set `id` in ascending order of their codes, removed documents
@@ -23,6 +26,12 @@ KESTAN_EXPORT Matches MatchesOf(int id);
 // sees changes that wait to be written.
 //   Owner    `engine`. Valid as long as that is; after OpenIndex, it reads the index opened then.
 KESTAN_EXPORT IndexReader& ReaderOf(Kestan& engine);
+
+// Adds a document as Kestan::AddDocumentWords() does, whose text goes into the scratch buffer here
+// too.
+//   Returns  how many words the index had never seen; no value if the document was not added.
+KESTAN_EXPORT std::optional<std::size_t> AddWords(Kestan& engine, const char* name,
+                                                  const char* text);
 
 }  // namespace kestan
 

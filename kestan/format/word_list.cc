@@ -29,6 +29,37 @@ std::size_t DecodedBytes(const DBDatum& list) {
   return count;
 }
 
+// Decodes `list` as DecodeWordList() says, and calls `visit` with each word when it is complete.
+template <typename Visit>
+char* Decode(const DBDatum& list, ScratchBuffer* out, Visit visit) {
+  out->Reserve(DecodedBytes(list));
+  std::size_t used = 0;
+  std::size_t previous = 0;
+  const auto end_word = [&] {
+    visit(std::string_view(out->bytes + previous, used - previous));
+    out->bytes[used++] = '\n';
+  };
+  for (std::uint32_t i = 0; i < list.size; ++i) {
+    const unsigned byte = static_cast<unsigned char>(list.data[i]);
+    if (byte < kItemMark) {
+      out->bytes[used++] = list.data[i];
+      continue;
+    }
+    if (used > 0) end_word();
+    const std::size_t start = used;
+    if (static_cast<std::int64_t>(start) > static_cast<std::int64_t>(out->size) - 128) {
+      out->Grow(out->size + out->size / 4 + 4096);
+    }
+    // One byte at a time, since the word before may end within the bytes that this one copies.
+    const std::size_t shared = start > 0 ? byte - kItemMark : 0;
+    for (std::size_t k = 0; k < shared; ++k) out->bytes[used++] = out->bytes[previous + k];
+    previous = start;
+  }
+  if (used > 0) end_word();
+  out->bytes[used] = '\0';
+  return out->bytes;
+}
+
 }  // namespace
 
 std::size_t EncodeWordList(std::string_view text, char* out) {
@@ -50,28 +81,26 @@ std::size_t EncodeWordList(std::string_view text, char* out) {
 }
 
 char* DecodeWordList(const DBDatum& list, ScratchBuffer* out) {
-  out->Reserve(DecodedBytes(list));
-  std::size_t used = 0;
-  std::size_t previous = 0;
-  for (std::uint32_t i = 0; i < list.size; ++i) {
-    const unsigned byte = static_cast<unsigned char>(list.data[i]);
-    if (byte < kItemMark) {
-      out->bytes[used++] = list.data[i];
-      continue;
+  return Decode(list, out, [](std::string_view) {});
+}
+
+void ForEachListedWord(const DBDatum& list,
+                       const std::function<void(std::string_view word)>& visit) {
+  struct OwnBuffer : ScratchBuffer {
+    ~OwnBuffer() { Release(); }
+  } buffer;
+  bool has_ended = false;
+  Decode(list, &buffer, [&](std::string_view word) {
+    if (has_ended) return;
+    const std::size_t size = word.find('\0');
+    has_ended = size != std::string_view::npos;
+    word = word.substr(0, size);
+    for (std::size_t end; (end = word.find('\n')) != std::string_view::npos;) {
+      visit(word.substr(0, end));
+      word.remove_prefix(end + 1);
     }
-    if (used > 0) out->bytes[used++] = '\n';
-    const std::size_t start = used;
-    if (static_cast<std::int64_t>(start) > static_cast<std::int64_t>(out->size) - 128) {
-      out->Grow(out->size + out->size / 4 + 4096);
-    }
-    // One byte at a time, since the word before may end within the bytes that this one copies.
-    const std::size_t shared = start > 0 ? byte - kItemMark : 0;
-    for (std::size_t k = 0; k < shared; ++k) out->bytes[used++] = out->bytes[previous + k];
-    previous = start;
-  }
-  if (used > 0) out->bytes[used++] = '\n';
-  out->bytes[used] = '\0';
-  return out->bytes;
+    if (!has_ended || !word.empty()) visit(word);
+  });
 }
 
 }  // namespace kestan

@@ -7,6 +7,7 @@
 #include <kestan/text/scratch_text.h>
 
 #include <cstddef>
+#include <functional>
 #include <string_view>
 
 namespace kestan {
@@ -21,6 +22,11 @@ std::size_t EncodeWordList(std::string_view text, char* out);
 // were written after that one, and the first word shares nothing.
 //   Returns  the text, at the start of `out`.
 char* DecodeWordList(const DBDatum& list, ScratchBuffer* out);
+
+// Calls `visit` with each of these words, lent for the call. As in the text, a line feed in a
+// damaged list ends a word, and a NUL the list.
+void ForEachListedWord(const DBDatum& list,
+                       const std::function<void(std::string_view word)>& visit);
 
 }  // namespace kestan
 

@@ -60,8 +60,11 @@ class PostingAdder {
   PostingAdder(Database& store, Code code, bool with_positions)
       : store_(store), code_(code), with_positions_(with_positions) {}
 
-  void Add(const Tokenizer& words, ScratchText* new_words) {
-    for (const Word* word : AddToKnownWords(words)) AddNewWord(*word, new_words);
+  // Returns how many words had no record. Lists them in `*new_words`.
+  std::size_t Add(const Tokenizer& words, ScratchText* new_words) {
+    const Vector<const Word*> unknown = AddToKnownWords(words);
+    for (const Word* word : unknown) AddNewWord(*word, new_words);
+    return unknown.size();
   }
 
  private:
@@ -117,26 +120,26 @@ class PostingAdder {
 
 }  // namespace
 
-AddOutcome AddDocument(Database& store, const DBDatumPtr& reusable_codes, bool with_positions,
-                       std::string_view name, std::string_view text, ScratchBuffer* new_words) {
+Addition AddDocument(Database& store, const DBDatumPtr& reusable_codes, bool with_positions,
+                     std::string_view name, std::string_view text, ScratchBuffer* new_words) {
   // Copies: both strings may lie in the buffer, which is written below.
   const String document(name);
   const Tokenizer words(text);
   const bool reuse = CountCodes(*reusable_codes.ptr) != 0;
   // An earlier version stays where nothing could take its place.
-  if (!reuse && IsUnreadable(store, kCounterKey)) return AddOutcome::kUnreadable;
-  if (RemoveDocument(store, document) < 0) return AddOutcome::kUnreadable;
+  if (!reuse && IsUnreadable(store, kCounterKey)) return {AddOutcome::kUnreadable};
+  if (RemoveDocument(store, document) < 0) return {AddOutcome::kUnreadable};
   ScratchText lines(new_words);
   Code code = 0;
   const AddOutcome outcome = reuse ? ReuseCode(reusable_codes, &code) : NextCode(store, &code);
-  if (outcome != AddOutcome::kAdded) return outcome;
+  if (outcome != AddOutcome::kAdded) return {outcome};
 
-  PostingAdder(store, code, with_positions).Add(words, &lines);
+  const std::size_t unknown = PostingAdder(store, code, with_positions).Add(words, &lines);
   const auto record = EncodeDocument(Now(), code);
   store.Put(AsDatum(NameKey(code)), AsDatum(document));
   store.Put(AsDatum(ItemKey(kDocumentFamily, document)), AsDatum(record));
   lines.Finish();
-  return AddOutcome::kAdded;
+  return {AddOutcome::kAdded, unknown};
 }
 
 int RemoveDocument(Database& store, std::string_view name) {

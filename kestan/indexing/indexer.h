@@ -6,6 +6,7 @@
 #include <kestan/storage/dbdatum.h>
 #include <kestan/text/scratch_text.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -18,6 +19,12 @@ enum class AddOutcome : std::uint8_t {
   kCodeZero,    // the list of reusable codes holds a 0, which is taken off; nothing is added
 };
 
+// What adding a document did.
+struct Addition {
+  AddOutcome outcome;
+  std::size_t new_words = 0;  // how many words the index had never seen
+};
+
 // Adds the words of `text`, which white space separates, as the document `name`, in place of an
 // earlier version. Copies both. `reusable_codes` is the value of "g-avail", from which the code
 // comes if it has any; `with_positions` says whether the index keeps them. A word whose record
@@ -26,8 +33,8 @@ enum class AddOutcome : std::uint8_t {
 //   Prints   "Kestan: Too many documents (max=65535) -- try shrinking database" on kFull;
 //            "Kestan: Posting record of 'WORD' is full -- entry left out" where a record would pass
 //            2,147,483,647 bytes.
-AddOutcome AddDocument(Database& store, const DBDatumPtr& reusable_codes, bool with_positions,
-                       std::string_view name, std::string_view text, ScratchBuffer* new_words);
+Addition AddDocument(Database& store, const DBDatumPtr& reusable_codes, bool with_positions,
+                     std::string_view name, std::string_view text, ScratchBuffer* new_words);
 
 // Deletes the two records of the document `name` and lists its code as removed.
 //   Returns  0; 1 if there is no such document or no file is open; -1 with nothing changed if the

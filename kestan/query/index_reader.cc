@@ -5,7 +5,9 @@
 #include <kestan/format/keys.h>
 #include <kestan/format/option_flags.h>
 #include <kestan/format/record_kind.h>
+#include <kestan/format/word_list.h>
 #include <kestan/query/name_table.h>
+#include <kestan/query/statistics.h>
 #include <kestan/storage/memory.h>
 #include <kestan/storage/walk/record_iterator.h>
 
@@ -129,6 +131,22 @@ int IndexReader::ForEachWord(
     if (!visit(BytesOf(record.key()), postings)) return error;
   }
   return record.walk_error() != 0 ? record.walk_error() : error;
+}
+
+int IndexReader::ForEachCommonWord(
+    FrequencyRange range,
+    const std::function<bool(std::string_view word, std::size_t documents)>& visit) {
+  const DBDatumPtr reusable = Fetch(store_, kAvailableKey);
+  return kestan::ForEachCommonWord(store_, reusable.ptr != nullptr ? *reusable.ptr : DBDatum(),
+                                   KeepsPositions(), range, visit);
+}
+
+bool IndexReader::ForEachListedWord(std::string_view name,
+                                    const std::function<void(std::string_view word)>& visit) {
+  const DBDatumPtr list = Fetch(store_, ItemKey(kWordListFamily, name));
+  if (list.ptr == nullptr) return false;
+  kestan::ForEachListedWord(*list.ptr, visit);
+  return true;
 }
 
 }  // namespace kestan

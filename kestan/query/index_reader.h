@@ -3,6 +3,7 @@
 #define KESTAN_QUERY_INDEX_READER_H_
 
 #include <kestan/format/posting.h>
+#include <kestan/query/frequency_range.h>
 #include <kestan/query/word_postings.h>
 #include <kestan/storage/database.h>
 #include <kestan/storage/dbdatum.h>
@@ -97,6 +98,20 @@ class KESTAN_EXPORT IndexReader {
   //   Returns  as ForEachDocument() does.
   int ForEachWord(
       const std::function<bool(std::string_view word, const WordPostings& postings)>& visit);
+
+  // Calls `visit` with each word that so many documents hold, removed ones among them, and with
+  // their number: the words of Kestan::CommonWords, in the file's order. Flushes the store now and
+  // then. Ends at the first record that cannot be read. `visit` returns whether to go on.
+  //   Returns  0, or gdbm's number of the error that ended it.
+  int ForEachCommonWord(
+      FrequencyRange range,
+      const std::function<bool(std::string_view word, std::size_t documents)>& visit);
+
+  // Calls `visit` with each word of the named list `name`, lent for the call, in the order of the
+  // list: the words of Kestan::DBGetWords.
+  //   Returns  false if there is no such list.
+  bool ForEachListedWord(std::string_view name,
+                         const std::function<void(std::string_view word)>& visit);
 
  private:
   struct Cache;

@@ -2,9 +2,14 @@
 #ifndef KESTAN_QUERY_STATISTICS_H_
 #define KESTAN_QUERY_STATISTICS_H_
 
+#include <kestan/query/frequency_range.h>
 #include <kestan/storage/database.h>
 #include <kestan/storage/dbdatum.h>
 #include <kestan/text/scratch_text.h>
+
+#include <cstddef>
+#include <functional>
+#include <string_view>
 
 namespace kestan {
 
@@ -12,15 +17,16 @@ namespace kestan {
 //   Returns  the lines, in `*text`; null if the index never had a document or no file is open.
 char* ListDocuments(Database& store, ScratchBuffer* text);
 
-// How many documents hold a word, at least and at most. From 0 up to, not including, 1 it is a
-// share of the documents; from 1 on a count. A negative `high` is no limit.
-struct FrequencyRange {
-  double low;
-  double high;
-};
+// Calls `visit` with each word of that frequency and the number of its documents, in the file's
+// order. `reusable_codes` is the value of "g-avail". Removed documents count. The walk ends at the
+// first record that cannot be read, and where `visit` returns false.
+//   Returns  0, also if the index never had a document or no file is open; or gdbm's number of the
+//            error that ended the walk.
+int ForEachCommonWord(
+    Database& store, const DBDatum& reusable_codes, bool with_positions, FrequencyRange range,
+    const std::function<bool(std::string_view word, std::size_t documents)>& visit);
 
-// Lists the words of that frequency, as ListDocuments() does documents. `reusable_codes` is the
-// value of "g-avail". Removed documents count.
+// Lists these words, as ListDocuments() does documents.
 //   Returns  as ListDocuments().
 char* ListCommonWords(Database& store, const DBDatum& reusable_codes, bool with_positions,
                       FrequencyRange range, ScratchBuffer* text);

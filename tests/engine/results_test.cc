@@ -29,6 +29,21 @@ class ResultsTest : public QueryTest {
   }
 };
 
+TEST_F(ResultsTest, AddingADocumentCountsNewWords) {
+  EXPECT_EQ(kestan::AddWords(engine_, "one", "cat dog cat"), 2u);
+  EXPECT_EQ(kestan::AddWords(engine_, "two", "cat Bird"), 2u);  // and in lower case
+  EXPECT_STREQ(engine_.WordBuf, "Bird\nbird\n");
+  EXPECT_EQ(kestan::AddWords(engine_, "three", "dog"), 0u);
+  EXPECT_NE(engine_.DocumentTimestamp("three"), 0u);
+}
+
+TEST_F(ResultsTest, DocumentThatIsNotAddedHasNoCount) {
+  PlantAndReopen({{"g-code", Units({65535})}});
+  EXPECT_EQ(
+      StandardErrorOf([&] { EXPECT_EQ(kestan::AddWords(engine_, "one", "cat"), std::nullopt); }),
+      "Kestan: Too many documents (max=65535) -- try shrinking database\n");
+}
+
 TEST_F(ResultsTest, MatchesComeByCodeWithScoreAndPositions) {
   engine_.AddDocumentWords("one", "cat dog cat");
   engine_.AddDocumentWords("two", "dog cat");

@@ -5,8 +5,10 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <sstream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <kestan/text/white_space.h>
 #include "tests/format/word_items.h"
@@ -34,6 +36,22 @@ std::string Decode(std::string_view list) {
   const std::string text = kestan::DecodeWordList(*record.ptr, &out);
   out.Release();
   return text;
+}
+
+using Words = std::vector<std::string>;
+
+Words Visited(std::string_view list) {
+  Words words;
+  kestan::ForEachListedWord(*Counted(list).ptr,
+                            [&](std::string_view word) { words.emplace_back(word); });
+  return words;
+}
+
+Words LinesOf(const std::string& text) {
+  std::istringstream in(text);
+  Words lines;
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  return lines;
 }
 
 // The same, byte by byte and without a buffer to outgrow.
@@ -69,6 +87,21 @@ TEST(WordListTest, DecodesWhatItEncoded) {
   EXPECT_EQ(Decode(Encode("alpha alphabet alps alps b")), "alpha\nalphabet\nalps\nalps\nb\n");
 }
 
+TEST(WordListTest, WordsAreVisitedOneByOne) {
+  EXPECT_EQ(Visited(Encode("alpha alphabet b")), Words({"alpha", "alphabet", "b"}));
+  EXPECT_EQ(Visited(Item(0, "a") + Item(0) + Item(0, "b")), Words({"a", "", "b"}));
+  EXPECT_EQ(Visited(""), Words());
+}
+
+TEST(WordListTest, LineFeedsAndNulsEndWhatIsVisitedAsTheyEndTheText) {
+  const std::string nul(1, '\0');
+  for (const std::string& list :
+       {Item(0, "a\nb") + Item(0, "c"), Item(0, "a" + nul + "b") + Item(0, "c"),
+        Item(0, "a") + Item(0, nul) + Item(0, "c"), Item(0, "a\n" + nul + "b"), Item(0, "\n\n")}) {
+    EXPECT_EQ(Visited(list), LinesOf(Decode(list))) << list;
+  }
+}
+
 TEST(WordListTest, TheDecodedTextIsTheBuffers) {
   kestan::ScratchBuffer out;
   EXPECT_EQ(kestan::DecodeWordList(*Counted(kGood).ptr, &out), out.bytes);
@@ -96,6 +129,7 @@ TEST(WordListTest, EveryTruncationIsReadWithinItsBytes) {
   for (std::size_t size = 0; size <= kGood.size(); ++size) {
     const std::string cut = kGood.substr(0, size);
     EXPECT_EQ(Decode(cut), PlainDecode(cut)) << size;
+    EXPECT_EQ(Visited(cut), LinesOf(PlainDecode(cut))) << size;
   }
 }
 
@@ -105,6 +139,7 @@ TEST(WordListTest, EveryChangedByteIsReadWithinTheRecord) {
       std::string changed = kGood;
       changed[at] = static_cast<char>(byte);
       ASSERT_EQ(Decode(changed), PlainDecode(changed)) << at << ": " << byte;
+      ASSERT_EQ(Visited(changed), LinesOf(PlainDecode(changed))) << at << ": " << byte;
     }
   }
 }

@@ -34,6 +34,18 @@ class IndexReaderTest : public QueryTest {
     return words;
   }
 
+  Strings CommonWords(kestan::FrequencyRange range) {
+    Strings words;
+    EXPECT_EQ(reader_.ForEachCommonWord(range,
+                                        [&](std::string_view word, std::size_t) {
+                                          words.emplace_back(word);
+                                          return true;
+                                        }),
+              0);
+    std::sort(words.begin(), words.end());
+    return words;
+  }
+
   kestan::IndexReader& reader_ = kestan::ReaderOf(engine_);
 };
 
@@ -147,6 +159,73 @@ TEST_F(IndexReaderTest, WordsHaveTheirFrequencies) {
   EXPECT_EQ(Words(), (std::map<std::string, std::size_t>{{"cat", 2}, {"dog", 1}}));
   EXPECT_EQ(reader_.DocumentFrequency("cat"), 2u);
   EXPECT_EQ(reader_.DocumentFrequency("bird"), 0u);
+}
+
+TEST_F(IndexReaderTest, CommonWordsAreThoseOfTheListing) {
+  engine_.AddDocumentWords("one", "cat dog");
+  engine_.AddDocumentWords("two", "cat bird");
+  engine_.AddDocumentWords("three", "cat dog");
+  engine_.RemoveDocumentWords("three");  // counts until the shrink
+  const std::vector<kestan::FrequencyRange> ranges{{1, -1},  {2, 3},       {3, 3},       {0.5, -1},
+                                                   {0, 0.4}, {0.34, 0.67}, {2.9999, -1}, {4, -1}};
+  for (const auto range : ranges) {
+    std::string lines;
+    EXPECT_EQ(reader_.ForEachCommonWord(range,
+                                        [&](std::string_view word, std::size_t documents) {
+                                          EXPECT_EQ(documents, reader_.DocumentFrequency(word));
+                                          lines += std::string(word) + "\n";
+                                          return true;
+                                        }),
+              0);
+    EXPECT_EQ(lines, engine_.CommonWords(range.low, range.high)) << range.low << " " << range.high;
+  }
+}
+
+TEST_F(IndexReaderTest, CommonWordsFollowReusableCodes) {
+  for (const char* name : {"one", "two", "three", "four"}) engine_.AddDocumentWords(name, "cat");
+  engine_.AddDocumentWords("five", "dog");
+  engine_.RemoveDocumentWords("one");
+  engine_.RemoveDocumentWords("two");
+  engine_.RemoveDocumentWords("three");
+  engine_.ShrinkIndex();
+  // Half of two documents, not of five.
+  EXPECT_EQ(CommonWords({0.5, 0.5}), Strings({"cat", "dog"}));
+}
+
+TEST_F(IndexReaderTest, IndexThatNeverHadADocumentHasNoCommonWords) {
+  PlantAndReopen({{"cat", Units({1, 1, 2})}});
+  EXPECT_EQ(CommonWords({0, -1}), Strings());
+  EXPECT_EQ(Words().size(), 1u);
+}
+
+TEST_F(IndexReaderTest, CommonWordIsOneValueWhateverItsBytes) {
+  const std::string odd("a\nb\0c", 5);
+  PlantAndReopen({{"g-code", Units({1})}, {odd, Units({1, 1, 2})}});
+  EXPECT_EQ(CommonWords({1, -1}), Strings({odd}));
+}
+
+TEST_F(IndexReaderTest, WalkOverCommonWordsEndsWhereTheVisitorSaysSo) {
+  engine_.AddDocumentWords("one", "cat dog bird");
+  int visits = 0;
+  EXPECT_EQ(reader_.ForEachCommonWord({1, -1},
+                                      [&](std::string_view, std::size_t) {
+                                        ++visits;
+                                        return false;
+                                      }),
+            0);
+  EXPECT_EQ(visits, 1);
+}
+
+TEST_F(IndexReaderTest, ListedWordsAreThoseOfTheNamedList) {
+  engine_.DBPutWords("colours", "red reddish blue");
+  engine_.DBPutWords("none", "");
+  Strings words;
+  const auto add = [&](std::string_view word) { words.emplace_back(word); };
+  EXPECT_TRUE(reader_.ForEachListedWord("colours", add));
+  EXPECT_EQ(words, Strings({"red", "reddish", "blue"}));
+  EXPECT_TRUE(reader_.ForEachListedWord("none", add));
+  EXPECT_FALSE(reader_.ForEachListedWord("shapes", add));
+  EXPECT_EQ(words.size(), 3u);
 }
 
 TEST_F(IndexReaderTest, WalksEndWhereTheVisitorSaysSo) {

@@ -1,15 +1,22 @@
+#include <kestan/results.h>
+
 #include <string>
+#include <string_view>
 
 #include "cli/app/command_registry.h"
 #include "cli/console/json.h"
 #include "cli/console/message.h"
 #include "cli/index/opened_index.h"
-#include "search/text/lines.h"
 
 namespace kestan_cli {
 namespace {
 
-using kestan::search::LinesOf;
+Json JsonOf(Kestan& engine, const std::string& list) {
+  Json words = Json::array();
+  kestan::ReaderOf(engine).ForEachListedWord(
+      list, [&](std::string_view word) { words.push_back(std::string(word)); });
+  return words;
+}
 
 int RunGetWordList(Kestan& engine, const Values& values) {
   const std::string index = values.Text("INDEX");
@@ -23,7 +30,7 @@ int RunGetWordList(Kestan& engine, const Values& values) {
   PrintReport(
       ReportFormatOf(values),
       [&] {
-        return JsonReport({{"list", list}, {"words", LinesOf(words)}});
+        return JsonReport({{"list", list}, {"words", JsonOf(engine, list)}});
       },
       [&] { return words; });
   return kDone;

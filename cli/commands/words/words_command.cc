@@ -4,20 +4,21 @@
 #include <charconv>
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/app/command_registry.h"
 #include "cli/console/json.h"
 #include "cli/console/message.h"
 #include "cli/index/opened_index.h"
-#include "search/text/lines.h"
+#include "search/query/index_words.h"
 
 namespace kestan_cli {
 namespace {
 
-using kestan::search::SortedLines;
+using kestan::search::IndexWords;
 
-// The upper bound for Kestan::CommonWords that leaves out no word. A negative one stands for the
+// The upper bound that leaves out no word. A negative one stands for the
 // number of documents, and a word of one letter may have postings of many more that are gone.
 constexpr double kAnyFrequency = 4294967295.0;
 
@@ -40,23 +41,24 @@ struct CountedWord {
 
 using CountedWords = std::vector<CountedWord>;
 
-// Removed documents and codes without a document do not count.
-std::size_t CountDocuments(Kestan& engine, const std::string& word) {
-  kestan::IndexReader& reader = kestan::ReaderOf(engine);
-  const int id = engine.QueryWord(word.c_str());
-  const kestan::Matches matches = kestan::MatchesOf(id);
-  const auto count = std::count_if(matches.begin(), matches.end(), [&](const kestan::Match& match) {
-    return !reader.IsRemoved(match.code) && reader.NameOf(match.code).data() != nullptr;
+// Returns the words that `range` of documents hold, removed ones among them, in order of their
+// bytes.
+std::vector<std::string> WordsIn(Kestan& engine, kestan::FrequencyRange range) {
+  std::vector<std::string> words;
+  kestan::ReaderOf(engine).ForEachCommonWord(range, [&](std::string_view word, std::size_t) {
+    words.emplace_back(word);
+    return true;
   });
-  engine.FreeQueryResult(id);
-  return static_cast<std::size_t>(count);
+  std::sort(words.begin(), words.end());
+  return words;
 }
 
 // Counts the documents of each word, and puts the most frequent words first.
 CountedWords CountDocuments(Kestan& engine, const std::vector<std::string>& words) {
+  IndexWords index_words(kestan::ReaderOf(engine));
   CountedWords counted;
   for (const std::string& word : words) {
-    counted.push_back({word, CountDocuments(engine, word)});
+    counted.push_back({word, index_words.DocumentsWith(word)});
   }
   std::stable_sort(counted.begin(), counted.end(), [](const auto& left, const auto& right) {
     return left.documents > right.documents;
@@ -90,7 +92,7 @@ int RunWords(Kestan& engine, const Values& values) {
   const double low = BoundOf(values, "--at-least", 1);
   const double high = BoundOf(values, "--at-most", kAnyFrequency);
   const OpenedIndex opened(engine, values.Text("INDEX"), Access::kRead);
-  const std::vector<std::string> words = SortedLines(engine.CommonWords(low, high));
+  const std::vector<std::string> words = WordsIn(engine, {low, high});
   const auto counted = [&] { return CountDocuments(engine, words); };
   PrintReport(
       ReportFormatOf(values),

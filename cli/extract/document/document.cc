@@ -3,11 +3,12 @@
 #include <kestan/kestan.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
+#include <vector>
 
 #include "cli/extract/charset/ascii.h"
 #include "cli/files/skip.h"
-#include "search/text/lines.h"
 #include "search/text/transliterate.h"
 #include "search/text/words.h"
 
@@ -15,7 +16,6 @@ namespace kestan_cli {
 namespace {
 
 using kestan::search::CleanWords;
-using kestan::search::LinesOf;
 using kestan::search::Transliterated;
 
 bool IsWhiteSpace(char byte) { return kWhiteSpace.find(byte) != std::string_view::npos; }
@@ -41,6 +41,17 @@ bool IsBase64(char byte) {
 std::size_t WidthOfBase64(std::string_view line) {
   line = line.substr(0, line.find_last_not_of('\r') + 1);
   return std::all_of(line.begin(), line.end(), IsBase64) ? line.size() : 0;
+}
+
+// Returns the lines of `text` without their line feeds. Borrows it.
+std::vector<std::string_view> LinesOf(std::string_view text) {
+  std::vector<std::string_view> lines;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    lines.push_back(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return lines;
 }
 
 // Empties the lines of base64 blocks in mail (76 columns) and in keys (64); the engine accepts only
