@@ -54,6 +54,13 @@ TEST_F(ResolveOverlapsTest, OfTwoWordsThatAreNotCurrentBothAreLeftOut) {
   EXPECT_EQ(Resolve().postings.size(), 2U);
 }
 
+TEST_F(ResolveOverlapsTest, ADamagedRecordKeepsAPositionThatNoOtherWordHas) {
+  Read({{"ant", Units({1, 1, 2}) + "x"}, {"cat", Units({1, 1, 1})}, {"dog", Units({1, 1, 1})}});
+  const kestan::Overlaps overlaps = Resolve();
+  ASSERT_EQ(overlaps.postings.size(), 1U);
+  EXPECT_NE(overlaps.postings[0].record, IndexOf("ant"));
+}
+
 TEST_F(ResolveOverlapsTest, ALeftOutPostingFreesItsOtherPositions) {
   Read({{"ant", Units({1, 1, 1})}, {"bee", Units({1, 2, 1, 2})}, {"cat", Units({1, 1, 2})}});
   const kestan::Overlaps overlaps = Resolve();
