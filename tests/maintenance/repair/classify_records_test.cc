@@ -162,7 +162,8 @@ TEST_F(DropWordsInTheWayTest, WordsWithTheKeysOfADocumentAreDropped) {
 
 TEST_F(DropWordsInTheWayTest, AllOtherRecordsStay) {
   EXPECT_EQ(ActionOf("d-day", RepairAction::kRewrite), RepairAction::kRewrite);
-  for (const std::string& key : {"d-days"s, "d-da"s, "day"s, "t-day"s, "c-" + Units({2}), "c-x"s}) {
+  for (const std::string& key :
+       {"d-days"s, "d-da"s, "day"s, "t-day"s, "c-" + Units({2}), "c-x"s, kNameKey + "x"}) {
     EXPECT_EQ(ActionOf(key, RepairAction::kPostings), RepairAction::kPostings) << key;
   }
 }

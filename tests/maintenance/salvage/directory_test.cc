@@ -48,10 +48,11 @@ TEST_F(ReadDirectoryTest, ABucketIsReachedOnceThoughAnEntryBetweenItsRunsIsDamag
 }
 
 TEST_F(ReadDirectoryTest, OfTwoBucketsForTheSameHashesTheOneWithItsHeadStays) {
-  PutBucket(kBucketPlace, 2, kBits - 1);
+  PutBucket(kBucketPlace, 4, kBits);
   Put(kBucketPlace, std::int32_t{-1});  // no head has so little free space
-  PutBucket(kOtherPlace, 2, kBits - 1);
   PutEntries({4}, kBucketPlace);
+  ASSERT_EQ(Reached().size(), 1U);
+  PutBucket(kOtherPlace, 2, kBits - 1);
   PutEntries({5}, kOtherPlace);
   const auto reached = Reached();
   ASSERT_EQ(reached.size(), 1U);
