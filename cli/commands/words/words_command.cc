@@ -16,10 +16,8 @@
 namespace kestan_cli {
 namespace {
 
-using kestan::search::IndexWords;
-
-// The upper bound that leaves out no word. A negative one stands for the
-// number of documents, and a word of one letter may have postings of many more that are gone.
+// The upper bound that leaves out no word. A negative one stands for the number of documents, and a
+// word of one letter may have postings of many more that are gone.
 constexpr double kAnyFrequency = 4294967295.0;
 
 // Reads a bound on document frequencies as the engine takes it: a share below 1, a count from 1 on.
@@ -55,10 +53,10 @@ std::vector<std::string> WordsIn(Kestan& engine, kestan::FrequencyRange range) {
 
 // Counts the documents of each word, and puts the most frequent words first.
 CountedWords CountDocuments(Kestan& engine, const std::vector<std::string>& words) {
-  IndexWords index_words(kestan::ReaderOf(engine));
+  kestan::IndexReader& reader = kestan::ReaderOf(engine);
   CountedWords counted;
   for (const std::string& word : words) {
-    counted.push_back({word, index_words.DocumentsWith(word)});
+    counted.push_back({word, kestan::search::CountDocuments(reader, word)});
   }
   std::stable_sort(counted.begin(), counted.end(), [](const auto& left, const auto& right) {
     return left.documents > right.documents;

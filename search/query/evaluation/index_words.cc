@@ -16,7 +16,20 @@ std::vector<std::string> WordsWithPostings(IndexReader& reader) {
   return words;
 }
 
+bool HasDocument(IndexReader& reader, Code code) {
+  return !reader.IsRemoved(code) && reader.NameOf(code).data() != nullptr;
+}
+
 }  // namespace
+
+std::size_t CountDocuments(IndexReader& reader, std::string_view word) {
+  const WordPostings postings = reader.FindWord(word);
+  std::size_t count = 0;
+  for (WordPostings::Cursor cursor(postings); cursor.Next();) {
+    if (HasDocument(reader, cursor.code())) ++count;
+  }
+  return count;
+}
 
 const Vocabulary& IndexWords::All() {
   if (!all_) all_.emplace(WordsWithPostings(reader_));
@@ -25,17 +38,8 @@ const Vocabulary& IndexWords::All() {
 
 std::size_t IndexWords::DocumentsWith(const std::string& word) {
   const auto [known, is_new] = documents_with_.emplace(word, 0);
-  if (is_new) {
-    const WordPostings postings = reader_.FindWord(word);
-    for (WordPostings::Cursor cursor(postings); cursor.Next();) {
-      if (HasDocument(cursor.code())) ++known->second;
-    }
-  }
+  if (is_new) known->second = CountDocuments(reader_, word);
   return known->second;
-}
-
-bool IndexWords::HasDocument(Code code) {
-  return !reader_.IsRemoved(code) && reader_.NameOf(code).data() != nullptr;
 }
 
 }  // namespace kestan::search

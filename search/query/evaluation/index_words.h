@@ -8,10 +8,14 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "search/vocabulary/vocabulary.h"
 
 namespace kestan::search {
+
+// Returns how many documents have `word`, without removed ones.
+std::size_t CountDocuments(IndexReader& reader, std::string_view word);
 
 // The words of an index and their document frequencies. Reads them when they are first asked for,
 // and keeps them: the index must not change meanwhile.
@@ -27,8 +31,6 @@ class IndexWords {
   std::size_t DocumentsWith(const std::string& word);
 
  private:
-  bool HasDocument(Code code);
-
   IndexReader& reader_;
   std::optional<Vocabulary> all_;
   std::map<std::string, std::size_t> documents_with_;  // of the words that were asked for

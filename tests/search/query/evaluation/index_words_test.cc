@@ -42,6 +42,8 @@ TEST_F(IndexWordsTest, RemovedDocumentsAreNotCounted) {
   IndexWords words(ReaderOf(engine_));
   EXPECT_EQ(words.DocumentsWith("cat"), 1u);
   EXPECT_EQ(words.DocumentsWith("a"), 1u);
+  EXPECT_EQ(CountDocuments(ReaderOf(engine_), "cat"), 1u);
+  EXPECT_EQ(CountDocuments(ReaderOf(engine_), "cow"), 0u);
 }
 
 }  // namespace
