@@ -94,6 +94,15 @@ class CommandTest : public testing::Test {
     ASSERT_TRUE(file.good()) << name;
   }
 
+  // Counts the files whose names begin with `start`.
+  int CountFiles(const std::string& start) const {
+    int count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(Path(""))) {
+      if (entry.path().filename().string().rfind(start, 0) == 0) ++count;
+    }
+    return count;
+  }
+
   // Writes a text and adds it to the index `my.index`.
   void Add(const std::string& name, const std::string& text) {
     Write(name, text);

@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "cli/console/message.h"
+#include "tests/cli/command_test.h"
 #include "tests/cli/export/export_test.h"
 
 namespace kestan_tests {
@@ -219,6 +220,16 @@ TEST_F(ExportTest, IndexIsNotChanged) {
   const Records before = Dump(path_);
   ExportAs(kSql);
   EXPECT_EQ(Dump(path_), before);
+}
+
+using ExportCommandTest = CommandTest;
+
+TEST_F(ExportCommandTest, PrintsEitherForm) {
+  Add("a", "cat dog\n");
+  EXPECT_EQ(Run({"export", "my.index", "json"}).out.rfind("{\"index\":{\"_index\":\"kestan\"", 0),
+            0u);
+  EXPECT_NE(Run({"export", "my.index", "sql", "texts"}).out.find("tsvector"), std::string::npos);
+  EXPECT_EQ(Run({"export", "my.index", "xml"}), Failure("no form 'xml'; there are json and sql"));
 }
 
 }  // namespace

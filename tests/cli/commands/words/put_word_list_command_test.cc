@@ -2,12 +2,12 @@
 
 #include <string>
 
-#include "tests/cli/command_test.h"
+#include "tests/cli/endless_input.h"
 
 namespace kestan_tests {
 namespace {
 
-class PutWordListCommandTest : public CommandTest {
+class PutWordListCommandTest : public EndlessInputTest {
  protected:
   void SetUp() override { Add("a", "The title\nthe summary\n"); }
 };
@@ -46,6 +46,13 @@ TEST_F(PutWordListCommandTest, ListThatCannotBeReadIsNotKept) {
   EXPECT_EQ(Run({"wordlist", "put", "my.index", "shapes"}, from_folder),
             Failure("cannot read the standard input: is a folder"));
   EXPECT_EQ(Run({"wordlist", "get", "my.index", "shapes"}).status, 2);
+}
+
+TEST_F(PutWordListCommandTest, EndlessInputIsNotReadToItsEnd) {
+  Outcome outcome;
+  EXPECT_LT(FeedEndlessly({"wordlist", "put", "my.index", "l"}, "", 100 * kMiB, &outcome),
+            66 * kMiB);
+  EXPECT_EQ(outcome, Failure("the standard input holds more than 67108864 bytes"));
 }
 
 }  // namespace

@@ -1,0 +1,99 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include "tests/cli/endless_input.h"
+
+namespace kestan_tests {
+namespace {
+
+class LoadCommandTest : public EndlessInputTest {
+ protected:
+  void SetUp() override {
+    Add("a", "cat dog\n");
+    Add("b", "cat\n");
+  }
+};
+
+TEST_F(LoadCommandTest, ReadsTheStandardInput) {
+  Write("my.dump", Run({"dump", "my.index"}).out);
+  const auto from_file = [this] {
+    dup2(open(Path("my.dump").c_str(), O_RDONLY | O_CLOEXEC), STDIN_FILENO);
+  };
+  EXPECT_EQ(Run({"load", "new.index"}, from_file), Success(""));
+  EXPECT_EQ(Run({"load", "other.index", "-"}, from_file), Success(""));
+  EXPECT_EQ(Dump(Path("other.index")), Dump(Path("my.index")));
+}
+
+TEST_F(LoadCommandTest, DoesNotOverwrite) {
+  Write("my.dump", Run({"dump", "my.index"}).out);
+  EXPECT_EQ(Run({"load", "my.index", "my.dump"}),
+            Failure("cannot make 'my.index': there is something already; choose another name"));
+}
+
+TEST_F(LoadCommandTest, MissingFileIsAnError) {
+  EXPECT_EQ(Run({"load", "new.index", "nowhere"}),
+            Failure("cannot read 'nowhere': no such file or folder"));
+}
+
+TEST_F(LoadCommandTest, FolderIsAnError) {
+  EXPECT_EQ(Run({"load", "new.index", "."}), Failure("cannot read '.': is a folder"));
+}
+
+TEST_F(LoadCommandTest, FullDiskIsAnErrorAboutTheNewFile) {
+  Write("my.dump", Run({"dump", "my.index"}).out);
+  const auto full_disk = [limit = FileSizeLimit(1000)] {
+    setenv("ASAN_OPTIONS", "detect_leaks=0", 1);  // gdbm loses 512 bytes when it cannot make a file
+    limit();
+  };
+  const Outcome full = Run({"load", "new.index", "my.dump"}, full_disk);
+  EXPECT_EQ(full.status, 2);
+  EXPECT_EQ(full.err.substr(0, 33), "kestan: cannot make 'new.index': ") << full;
+  EXPECT_EQ(full.err.find('\n'), full.err.size() - 1) << full;
+  EXPECT_FALSE(std::filesystem::exists(Path("new.index")));
+}
+
+TEST_F(LoadCommandTest, TruncatedDumpMakesNoIndex) {
+  const std::string dump = Run({"dump", "my.index"}).out;
+  Write("cut.dump", dump.substr(0, dump.size() / 2));
+  const Outcome outcome = Run({"load", "new.index", "cut.dump"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.err.rfind("kestan: cannot load 'cut.dump': line ", 0), 0u) << outcome;
+  EXPECT_EQ(CountFiles("new.index"), 0);
+}
+
+TEST_F(LoadCommandTest, EndlessLineIsNotReadToItsEnd) {
+  Outcome outcome;
+  EXPECT_LT(FeedEndlessly({"load", "new.index"}, "kestan-dump 1\n", 64 * kMiB, &outcome), 4 * kMiB);
+  EXPECT_EQ(outcome,
+            Failure("cannot load 'standard input': line 2: longer than any line of a dump"));
+  EXPECT_EQ(CountFiles("new.index"), 0);
+}
+
+TEST_F(LoadCommandTest, LineMayBeAsLongAsTheFormatAllows) {
+  const std::string longest(kMiB, 'x');
+  for (const std::string end : {"\n", ""}) {
+    Write("my.dump", "kestan-dump 1\n" + longest + end);
+    EXPECT_EQ(Run({"load", "new.index", "my.dump"}),
+              Failure("cannot load 'my.dump': line 2: neither a record nor the last line"));
+    Write("my.dump", "kestan-dump 1\n" + longest + "x" + end);
+    EXPECT_EQ(Run({"load", "new.index", "my.dump"}),
+              Failure("cannot load 'my.dump': line 2: longer than any line of a dump"));
+  }
+}
+
+TEST_F(LoadCommandTest, EmptyLinesAndNulsAreErrors) {
+  Write("my.dump", "kestan-dump 1\n\n");
+  EXPECT_EQ(Run({"load", "new.index", "my.dump"}),
+            Failure("cannot load 'my.dump': line 2: neither a record nor the last line"));
+  Write("my.dump", std::string("kestan-dump 1\na\0\tb\n", 19));
+  EXPECT_EQ(Run({"load", "new.index", "my.dump"}),
+            Failure("cannot load 'my.dump': line 2: a byte that should have been escaped"));
+}
+
+}  // namespace
+}  // namespace kestan_tests
