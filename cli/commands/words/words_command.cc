@@ -11,7 +11,7 @@
 #include "cli/console/json.h"
 #include "cli/console/message.h"
 #include "cli/index/opened_index.h"
-#include "search/query/index_words.h"
+#include "search/query/evaluation/index_words.h"
 
 namespace kestan_cli {
 namespace {
