@@ -14,7 +14,8 @@ namespace kestan {
 //
 //   kestan::IndexFile file;
 //   if (file.Open("my.index") != 0) return 1;
-//   for (kestan::WordPostings postings = file.FindWord("hello"), ...
+//   const kestan::WordPostings postings = file.FindWord("hello");
+//   for (kestan::WordPostings::Cursor cursor(postings); cursor.Next();) Use(cursor.code());
 //
 // Prints nothing while a file is open.
 class KESTAN_EXPORT IndexFile : public IndexReader {

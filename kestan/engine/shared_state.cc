@@ -1,6 +1,7 @@
 #include <kestan/engine/shared_state.h>
 
-#include <kestan/storage/memory.h>
+#include <new>
+#include <type_traits>
 
 namespace kestan {
 
@@ -9,8 +10,8 @@ ScratchBuffer scratch;
 // In memory that needs no allocation, for a process that ends because there is none comes here too;
 // and never destroyed.
 ResultRegistry& Results() {
-  alignas(ResultRegistry) static char memory[sizeof(ResultRegistry)];
-  static auto* const results = new (memory) ResultRegistry();
+  static std::aligned_storage_t<sizeof(ResultRegistry), alignof(ResultRegistry)> memory;
+  static auto* const results = new (&memory) ResultRegistry();
   return *results;
 }
 

@@ -16,6 +16,8 @@
 #include <optional>
 #include <string_view>
 
+class Kestan;
+
 namespace kestan {
 
 class NameTable;
@@ -77,24 +79,26 @@ class KESTAN_EXPORT IndexReader {
   //   Returns  a handle that shares it, null if there is none.
   DBDatumPtr FindSideRecord(SideRecord kind, std::string_view name);
 
-  // Calls `visit` with the name of each document, in the file's order. Flushes the store now and
-  // then. `visit` returns whether to go on.
-  //   Returns  0, or gdbm's number of an error that kept a document from being read.
+  // Calls `visit` with the name of each document, in the file's order, as Kestan::ListDocuments()
+  // lists them: a word such as "d-day", whose key is that of a document "day", cannot be told from
+  // one. Documents whose records cannot be read are among them. Flushes the store now and then.
+  // `visit` returns whether to go on.
+  //   Returns  0, or the number of an error, a StoreError, that hides documents or their records.
   int ForEachDocument(const std::function<bool(std::string_view name)>& visit);
-
-  // Returns the names that were asked for so far, for listings.
-  NameTable& names();
 
   // ---- Words ----
 
-  // Finds the postings of `word`, byte for byte. See WordPostings for how long they live.
+  // Finds the postings of `word`, byte for byte. See WordPostings for how long they live. Where the
+  // key of another record is asked for, such as that of a title, its bytes are read as postings.
   WordPostings FindWord(std::string_view word);
 
   // Returns how many documents hold `word`, removed ones among them until a shrink.
   std::size_t DocumentFrequency(std::string_view word) { return FindWord(word).CountDocuments(); }
 
-  // Calls `visit` with each word and its postings, lent for the call, in the file's order. Flushes
-  // the store now and then. `visit` returns whether to go on.
+  // Calls `visit` with each word and its postings, lent for the call, in the file's order. Words
+  // such as "t-shirt", whose keys look like those of other records, are left out, as by
+  // Kestan::CommonWords(). A word whose record cannot be read comes without postings. Flushes the
+  // store now and then. `visit` returns whether to go on.
   //   Returns  as ForEachDocument() does.
   int ForEachWord(
       const std::function<bool(std::string_view word, const WordPostings& postings)>& visit);
@@ -114,7 +118,10 @@ class KESTAN_EXPORT IndexReader {
                          const std::function<void(std::string_view word)>& visit);
 
  private:
+  friend class ::Kestan;
   struct Cache;
+
+  NameTable& names();  // those asked for so far, for listings
 
   Database& store_;
   std::unique_ptr<Cache> cache_;

@@ -56,13 +56,8 @@ class Repairer {
     const CodeSet long_documents = FindLongDocuments(salvage_, actions, with_positions);
 
     // 4. Resolve the documents.
-    const DocumentCandidates candidates = CollectCandidates(salvage_, actions);
-    const Code posted = system.counter
-                            ? Code{0}
-                            : HighestCodePosted(salvage_, actions, with_positions, long_documents);
-    const PostingRules rules{with_positions, HighestCode(system, candidates, posted)};
-    const CodeSet retired = RetiredCodes(system, rules.highest);
-    const RepairedDocuments documents = ResolveDocuments(candidates, retired);
+    const auto& [rules, retired, documents] =
+        Resolve(system, actions, with_positions, long_documents);
     DropWordsInTheWay(salvage_, documents, &actions);
 
     // 5. Count the postings.
@@ -90,6 +85,24 @@ class Repairer {
   }
 
  private:
+  // What the records of documents say together.
+  struct Resolution {
+    PostingRules rules;  // with the highest code that any record gives
+    CodeSet retired;     // codes listed as reusable or removed
+    RepairedDocuments documents;
+  };
+
+  Resolution Resolve(const SystemRecords& system, const RepairActions& actions, bool with_positions,
+                     const CodeSet& long_documents) const {
+    const DocumentCandidates candidates = CollectCandidates(salvage_, actions);
+    const Code posted = system.counter
+                            ? Code{0}
+                            : HighestCodePosted(salvage_, actions, with_positions, long_documents);
+    const PostingRules rules{with_positions, HighestCode(system, candidates, posted)};
+    const CodeSet retired = RetiredCodes(system, rules.highest);
+    return {rules, retired, ResolveDocuments(candidates, retired)};
+  }
+
   bool ReadDamagedFile() {
     const int error = salvage_.Read(damaged_path_);
     if (error != 0) return Fail(FindingKind::kCannotRead, damaged_path_, std::strerror(error));
