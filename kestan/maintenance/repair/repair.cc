@@ -51,8 +51,7 @@ class Repairer {
     const bool with_positions = options.with_positions();
 
     // 3. Classify the records.
-    const Code recorded = system.counter ? DecodeCounter(*system.counter) : kMaxCode;
-    RepairActions actions = ClassifyRecords(salvage_, {with_positions, recorded});
+    RepairActions actions = ClassifyRecords(salvage_, {with_positions, CounterOf(system)});
     const CodeSet long_documents = FindLongDocuments(salvage_, actions, with_positions);
 
     // 4. Resolve the documents.
@@ -78,13 +77,18 @@ class Repairer {
     if (!WriteNewFile(plan, &kept)) return -1;
 
     // 9. Report.
-    const bool is_damaged = salvage_.damage().IsAny() || counts.is_any_left_out || overlaps.is_any;
+    const bool is_damaged = result_.was_damaged || counts.is_any_left_out || overlaps.is_any;
     ReportDocuments({documents, counts, system, retired, codes.orphans, is_damaged}, &findings_,
                     &result_);
     return 0;
   }
 
  private:
+  // Returns the highest code that the counter allows.
+  static Code CounterOf(const SystemRecords& system) {
+    return system.counter ? DecodeCounter(*system.counter) : kMaxCode;
+  }
+
   // What the records of documents say together.
   struct Resolution {
     PostingRules rules;  // with the highest code that any record gives
