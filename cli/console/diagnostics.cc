@@ -33,7 +33,7 @@ void PrintDiagnostics(std::string_view text) {
     PrintProgress(text.substr(0, bytes));
     text.remove_prefix(bytes);
     if (text.empty()) return;
-    std::fprintf(stderr, "\\x%02x", static_cast<unsigned>(static_cast<unsigned char>(text[0])));
+    PrintProgress(OneLine(text.substr(0, 1)));
     text.remove_prefix(1);
   }
 }

@@ -31,7 +31,7 @@ class Lexemes {
  private:
   void Add(const kestan::PlacedWord& word) {
     std::string bytes =
-        AsciiLower(WithoutNuls(Utf8OrAllLatin1(word.bytes, &made_.was_latin1), &made_.had_nul));
+        LowerCase(WithoutNuls(Utf8OrAllLatin1(word.bytes, &made_.was_latin1), &made_.had_nul));
     const auto [found, is_new] = numbers_.emplace(std::move(bytes), lexemes_.size());
     if (is_new) lexemes_.push_back({found->first, {}});
     AddPosition(word.position, &lexemes_[found->second].positions);

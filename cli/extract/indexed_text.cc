@@ -15,6 +15,7 @@
 #include "cli/files/open_file.h"
 #include "cli/files/skip.h"
 #include "cli/files/stable_file.h"
+#include "search/text/utf8.h"
 
 namespace kestan_cli {
 namespace {
@@ -49,10 +50,8 @@ void ReadUpTo(std::uint64_t max_bytes, std::FILE* file, std::string* bytes) {
   if (std::ferror(file) != 0) throw SkipFile(SkipKind::kUnreadable, ReasonOf(errno));
 }
 
-bool ContinuesCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xc0) == 0x80; }
-
 void DropLastCharacter(std::string* text) {
-  while (!text->empty() && ContinuesCharacter(text->back())) text->pop_back();
+  while (!text->empty() && kestan::search::ContinuesCharacter(text->back())) text->pop_back();
   if (!text->empty()) text->pop_back();
 }
 

@@ -55,6 +55,18 @@ bool AppendPosting(DBDatum* record, Code code, const Positions* positions) {
   return true;
 }
 
+void EncodePosting(Code code, const EncodedPositions* positions, String* bytes) {
+  const auto append = [bytes](std::uint16_t unit) {
+    std::array<char, kUnitBytes> encoded;
+    StoreUnit(encoded.data(), unit);
+    bytes->append(encoded.data(), encoded.size());
+  };
+  append(code);
+  if (positions == nullptr) return;
+  append(static_cast<std::uint16_t>(positions->size()));
+  for (const Position position : *positions) append(position);
+}
+
 void DropPositions(DBDatum* record) {
   PostingReader reader(*record, true);
   Posting posting;

@@ -21,6 +21,9 @@ namespace kestan {
 inline constexpr std::size_t kUnitsBeforePositions = 2;  // the code and the number of positions
 
 struct Posting {
+  std::size_t count_unit() const { return first_unit + 1; }  // where the number of positions is
+  std::size_t end_unit() const { return first_unit + units; }
+
   std::size_t first_unit;  // where the posting begins
   std::size_t units;       // how many units of it the record holds
   Code code;
@@ -63,6 +66,21 @@ class PostingReader {
   const bool with_positions_;
   std::size_t next_unit_;
 };
+
+// Returns those positions of a posting that its record holds.
+inline EncodedPositions PositionsOf(const DBDatum& record, const Posting& posting) {
+  return {UnitAddress(record, posting.end_unit() - posting.positions), posting.positions};
+}
+
+// Returns how many positions a posting of a record with positions says that it has. The last one of
+// a cut record may hold fewer, or end before it says: then 0.
+inline std::uint16_t StatedPositions(const DBDatum& record, const Posting& posting) {
+  return posting.units >= kUnitsBeforePositions ? UnitAt(record, posting.count_unit())
+                                                : Position{0};
+}
+
+// Appends a posting to the bytes of a record; with `positions` null, one without positions.
+void EncodePosting(Code code, const EncodedPositions* positions, String* bytes);
 
 // Returns all units of the record, codes and counts among them.
 UnfilledVector<std::uint16_t> CopyUnits(const DBDatum& record);

@@ -24,6 +24,9 @@ inline std::uint16_t UnitAt(const DBDatum& record, std::size_t index) {
   return static_cast<std::uint16_t>(low | high << CHAR_BIT);
 }
 
+// Returns whether the record ends within a unit.
+inline bool HasOddByte(const DBDatum& record) { return record.size % kUnitBytes != 0; }
+
 // Returns the address of unit `index` of the record.
 inline char* UnitAddress(const DBDatum& record, std::size_t index) {
   return record.data + index * kUnitBytes;

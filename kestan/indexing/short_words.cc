@@ -155,12 +155,12 @@ class ShortWordPurge {
 
   // Returns whether the record is nothing but postings and the last one is not cut.
   bool IsWhole(const DBDatum& postings) const {
-    if (postings.size % kUnitBytes != 0) return false;
+    if (HasOddByte(postings)) return false;
     if (!rules_.with_positions) return true;
     PostingReader reader(postings, true);
     Posting last{};
     while (reader.Next(&last)) continue;
-    return last.units >= 2 && UnitAt(postings, last.first_unit + 1) == last.positions;
+    return last.units >= kUnitsBeforePositions && StatedPositions(postings, last) == last.positions;
   }
 
   Database& store_;

@@ -14,7 +14,7 @@ constexpr std::size_t kSmallestPostingUnits = 3;  // code, count, one position
 // A damaged record may end after a code, or count more positions at its end than it holds.
 void CloseLastPosting(const Posting& last, UnfilledVector<std::uint16_t>* units) {
   if (last.units == 1) units->push_back(0);
-  if (last.units > 1) (*units)[last.first_unit + 1] = last.positions;
+  if (last.units >= kUnitsBeforePositions) (*units)[last.count_unit()] = last.positions;
 }
 
 // Each document scores the number of its positions. The set takes all units of the record in one
@@ -24,8 +24,9 @@ void AddPostings(const DBDatum& record, ResultSet* set) {
   set->Reserve(units.size() / kSmallestPostingUnits + 1, 0);
   PostingReader reader(record, true);
   Posting posting{};
-  while (reader.Next(&posting))
-    set->AddTaken(posting.code, posting.positions, posting.first_unit + 1);
+  while (reader.Next(&posting)) {
+    set->AddTaken(posting.code, posting.positions, posting.count_unit());
+  }
   CloseLastPosting(posting, &units);
   set->TakeUnits(std::move(units));
 }

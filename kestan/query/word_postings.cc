@@ -22,11 +22,6 @@ bool AreInOrder(const DBDatum& record, bool with_positions) {
   return true;
 }
 
-void AppendUnit(std::uint16_t unit, String* bytes) {
-  const auto encoded = EncodeCode(unit);
-  bytes->append(encoded.data(), encoded.size());
-}
-
 // Copies the postings in order of their codes. Of several with one code, the first stays. A last
 // posting that counts more positions than it has gets their true number, for others may follow now.
 DBDatumPtr InOrder(const DBDatum& record, bool with_positions) {
@@ -42,12 +37,8 @@ DBDatumPtr InOrder(const DBDatum& record, bool with_positions) {
   for (const Posting& posting : postings) {
     if (posting.code == previous) continue;
     previous = posting.code;
-    AppendUnit(posting.code, &bytes);
-    if (!with_positions) continue;
-    AppendUnit(posting.positions, &bytes);
-    const std::size_t end_unit = posting.first_unit + posting.units;
-    bytes.append(record.data + (end_unit - posting.positions) * kUnitBytes,
-                 posting.positions * std::size_t{kUnitBytes});
+    const EncodedPositions positions = PositionsOf(record, posting);
+    EncodePosting(posting.code, with_positions ? &positions : nullptr, &bytes);
   }
   return CopyDatum({bytes.data(), static_cast<std::uint32_t>(bytes.size())});
 }
@@ -73,10 +64,9 @@ bool WordPostings::Cursor::Next() {
   PostingReader reader(record, with_positions_, next_unit_);
   Posting posting;
   if (!reader.Next(&posting)) return false;
-  next_unit_ = posting.first_unit + posting.units;
+  next_unit_ = posting.end_unit();
   code_ = posting.code;
-  const std::size_t first_position = next_unit_ - posting.positions;
-  positions_ = {record.data + first_position * kUnitBytes, posting.positions};
+  positions_ = PositionsOf(record, posting);
   return true;
 }
 

@@ -11,26 +11,6 @@
 
 namespace kestan {
 
-// Positions in the bytes of a record, two each, the lower first.
-class EncodedPositions {
- public:
-  EncodedPositions() = default;
-
-  // Borrows 2 * `count` bytes at `bytes`.
-  EncodedPositions(const char* bytes, std::size_t count) : bytes_(bytes), count_(count) {}
-
-  std::size_t size() const { return count_; }
-  Position operator[](std::size_t index) const {
-    const unsigned low = static_cast<unsigned char>(bytes_[2 * index]);
-    const unsigned high = static_cast<unsigned char>(bytes_[2 * index + 1]);
-    return static_cast<Position>(low | high << 8);
-  }
-
- private:
-  const char* bytes_ = nullptr;
-  std::size_t count_ = 0;
-};
-
 // The documents that hold a word, in ascending order of their codes, each once, and where they hold
 // it. A view of the record, which the object shares with the store and keeps alive. Only for a
 // record whose codes are out of order, as codes that are used again may be, a cursor makes a copy.

@@ -1,29 +1,20 @@
-// The ASCII characters of names, labels and markup.
+// The ASCII characters of names, labels and markup, beside those that search/text/ has.
 #ifndef KESTAN_CLI_EXTRACT_CHARSET_ASCII_H_
 #define KESTAN_CLI_EXTRACT_CHARSET_ASCII_H_
 
 #include <algorithm>
-#include <string>
 #include <string_view>
+
+#include "search/text/letters.h"
+#include "search/text/white_space.h"
 
 namespace kestan_cli {
 
-inline constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
+using kestan::search::IsAsciiLetter;
+using kestan::search::kWhiteSpace;
+using kestan::search::LowerCase;
+
 inline constexpr std::string_view kHtmlWhiteSpace = " \t\n\f\r";
-
-inline bool IsAsciiLetter(char byte) {
-  const char lower = static_cast<char>(byte | 0x20);
-  return lower >= 'a' && lower <= 'z';
-}
-
-// Returns `text` with A-Z in lower case. Other bytes stay.
-inline std::string AsciiLower(std::string_view text) {
-  std::string lower(text);
-  for (char& byte : lower) {
-    if (byte >= 'A' && byte <= 'Z') byte = static_cast<char>(byte | 0x20);
-  }
-  return lower;
-}
 
 // Returns `text` without any of `blanks` at its two ends.
 inline std::string_view Trimmed(std::string_view text, std::string_view blanks = kWhiteSpace) {

@@ -209,7 +209,7 @@ std::string Converted(UConverter* converter, std::string_view bytes, bool* fault
 // reads options after a comma and a path after a slash.
 std::string Normal(std::string_view label) {
   constexpr std::string_view kInNames = "abcdefghijklmnopqrstuvwxyz0123456789-_.:+()";
-  std::string normal = AsciiLower(Trimmed(label, kHtmlWhiteSpace));
+  std::string normal = LowerCase(Trimmed(label, kHtmlWhiteSpace));
   if (normal.find_first_not_of(kInNames) != std::string::npos) normal.clear();
   return normal;
 }

@@ -60,7 +60,7 @@ class TagReader {
 
   void SkipToEndOf(const std::string& name) {
     while (SkipTo("</")) {
-      if (AsciiLower(rest_.substr(2, name.size())) == name) return;
+      if (LowerCase(rest_.substr(2, name.size())) == name) return;
       rest_.remove_prefix(2);
     }
   }
@@ -77,13 +77,13 @@ class TagReader {
   }
 
   Tag ReadTag() {
-    Tag tag{AsciiLower(Take(" \t\n\f\r/>")), {}};
+    Tag tag{LowerCase(Take(" \t\n\f\r/>")), {}};
     while (true) {
       Skip(" \t\n\f\r/");
       if (rest_.empty() || rest_.front() == '>') return tag;
       const std::string_view first = rest_.substr(0, 1);  // may be '='
       rest_.remove_prefix(1);
-      const std::string name = AsciiLower(std::string(first) + std::string(Take(" \t\n\f\r/>=")));
+      const std::string name = LowerCase(std::string(first) + std::string(Take(" \t\n\f\r/>=")));
       Skip(kHtmlWhiteSpace);
       tag.attributes.emplace(name, StartsWith("=") ? ReadValue() : "");
     }
@@ -105,7 +105,7 @@ class TagReader {
 
 // Returns the value of `name` in text like "text/html; charset=x"; nothing if there is none.
 std::string ValueIn(std::string_view text, std::string_view name) {
-  const std::string lower = AsciiLower(text);
+  const std::string lower = LowerCase(text);
   for (std::size_t at = lower.find(name); at != std::string::npos; at = lower.find(name, at)) {
     at = std::min(lower.find_first_not_of(kHtmlWhiteSpace, at + name.size()), lower.size());
     if (at == lower.size() || lower[at] != '=') continue;
@@ -120,7 +120,7 @@ std::string ValueIn(std::string_view text, std::string_view name) {
 
 std::string CharsetOf(const Tag& meta) {
   if (std::string charset = meta.Attribute("charset"); !charset.empty()) return charset;
-  if (AsciiLower(meta.Attribute("http-equiv")) != "content-type") return "";
+  if (LowerCase(meta.Attribute("http-equiv")) != "content-type") return "";
   return ValueIn(meta.Attribute("content"), "charset");
 }
 

@@ -45,7 +45,7 @@ std::vector<std::string> WordsOf(std::string_view command) {
 
 Converter ParseConverter(const std::string& given) {
   const std::size_t equals = given.find('=');
-  std::string extension = AsciiLower(std::string_view(given).substr(0, equals));
+  std::string extension = LowerCase(std::string_view(given).substr(0, equals));
   if (!extension.empty() && extension.front() == '.') extension.erase(0, 1);
   const std::string command = equals == std::string::npos ? "" : given.substr(equals + 1);
   const bool names_file = command.find(kFile) != std::string::npos;
@@ -92,7 +92,7 @@ std::string ExtensionOf(std::string_view name) {
   name.remove_prefix(name.rfind('/') + 1);
   const std::size_t dot = name.rfind('.');
   if (dot == std::string_view::npos || dot == 0) return "";
-  return AsciiLower(name.substr(dot + 1));
+  return LowerCase(name.substr(dot + 1));
 }
 
 Converters::Converters(const std::vector<std::string>& given) {

@@ -10,6 +10,7 @@
 #include "cli/extract/charset/ascii.h"
 #include "cli/files/skip.h"
 #include "search/text/transliterate.h"
+#include "search/text/utf8.h"
 #include "search/text/words.h"
 
 namespace kestan_cli {
@@ -18,15 +19,11 @@ namespace {
 using kestan::search::CleanWords;
 using kestan::search::Transliterated;
 
-bool IsWhiteSpace(char byte) { return kWhiteSpace.find(byte) != std::string_view::npos; }
-
-bool ContinuesCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xc0) == 0x80; }
-
 // Returns where to cut `line`: at `max_bytes`, or up to three bytes before, where a character of
 // UTF-8 starts. Text that is not UTF-8 is cut at `max_bytes`.
 std::size_t CutAt(const std::string& line, std::size_t max_bytes) {
   for (std::size_t at = max_bytes; at + 4 > max_bytes; --at) {
-    if (!ContinuesCharacter(line[at])) return at;
+    if (!kestan::search::ContinuesCharacter(line[at])) return at;
     if (at == 0) break;
   }
   return max_bytes;
@@ -87,7 +84,7 @@ std::string Excerpt(std::string_view text, std::size_t max_bytes) {
   std::string line;
   bool gap = false;
   for (char byte : text) {
-    if (IsWhiteSpace(byte)) {
+    if (kestan::search::IsWhiteSpace(byte)) {
       gap = !line.empty();
       continue;
     }

@@ -9,21 +9,14 @@
 namespace kestan {
 namespace {
 
-// One posting and the record that it is part of.
-struct Placed {
-  const DBDatum& record;
-  const Posting& posting;
-
-  std::size_t begin() const { return posting.first_unit + posting.units - posting.positions; }
-  std::size_t end() const { return posting.first_unit + posting.units; }
-};
-
-// Positions that begin again after the last one are in the same order in both.
-bool HasPositionsOf(const Placed& folded, const Placed& word) {
-  std::size_t next = folded.begin();
-  for (std::size_t i = word.begin(); i < word.end(); ++i) {
-    while (next < folded.end() && UnitAt(folded.record, next) != UnitAt(word.record, i)) ++next;
-    if (next++ >= folded.end()) return false;
+// Returns whether `folded` has all positions of `word`. Positions that begin again after the last
+// one are in the same order in both.
+bool HasPositionsOf(const EncodedPositions& folded, const EncodedPositions& word) {
+  auto next = folded.begin();
+  for (const Position position : word) {
+    while (next != folded.end() && *next != position) ++next;
+    if (next == folded.end()) return false;
+    ++next;
   }
   return true;
 }
@@ -37,7 +30,9 @@ Code FirstLacking(const DBDatum& folded, const DBDatum& word, bool with_position
   for (Posting posting{}; reader.Next(&posting);) {
     bool is_there = folded_reader.Next(&other);
     while (is_there && other.code != posting.code) is_there = folded_reader.Next(&other);
-    if (!is_there || !HasPositionsOf({folded, other}, {word, posting})) return posting.code;
+    if (!is_there || !HasPositionsOf(PositionsOf(folded, other), PositionsOf(word, posting))) {
+      return posting.code;
+    }
   }
   return 0;
 }

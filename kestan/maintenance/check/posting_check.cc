@@ -14,7 +14,6 @@ namespace kestan {
 namespace {
 
 constexpr std::size_t kCodes = std::size_t{kMaxCode} + 1;
-constexpr Position kMaxPosition = std::numeric_limits<Position>::max();
 
 }  // namespace
 
@@ -66,7 +65,7 @@ void PostingCheck::CheckPostings(const DBDatum& key, const DBDatum& value) {
   if (IsSystemKey(word) && !NoteHyphen(key, value)) return;
   if (!CanBeWord(word)) findings_.Note(word, "no word: it is empty or holds white space or a NUL");
   if (value.size == 0) ++unused_words_;
-  if (value.size % kUnitBytes != 0) {
+  if (HasOddByte(value)) {
     findings_.Fault(word, "odd length: ", std::uint64_t{value.size}, " bytes");
   }
   const Faults faults = CountFaults({key, value, IsNeverPurged(key), IsFolded(word), false});
@@ -130,12 +129,11 @@ void PostingCheck::CountPositions(const Record& record, const Posting& posting, 
   if (!record.is_never_purged) statistics.has_own_words = true;
   if (!tables_.rules.with_positions) return;
   if (posting.positions == kMaxPosition || record.may_be_text) statistics.is_unsure = true;
-  if (posting.units >= kUnitsBeforePositions && UnitAt(record.value, posting.first_unit + 1) == 0) {
+  if (posting.units >= kUnitsBeforePositions && StatedPositions(record.value, posting) == 0) {
     ++faults->without_positions;
   }
   Position previous = 0;
-  for (std::size_t i = posting.units - posting.positions; i < posting.units; ++i) {
-    const Position position = UnitAt(record.value, posting.first_unit + i);
+  for (const Position position : PositionsOf(record.value, posting)) {
     if (position == kMaxPosition) statistics.wraps = true;
     if (record.is_folded) statistics.weight += PositionWeights::Of(position);
     if (position == 0) {
@@ -161,7 +159,7 @@ void PostingCheck::CheckEnd(const Record& record, const Posting& last) {
     return;
   }
   if (last.units == 0) return;
-  const std::uint64_t count = UnitAt(record.value, last.first_unit + 1);
+  const std::uint64_t count = StatedPositions(record.value, last);
   if (count == positions) return;
   findings_.Fault(word, "ends within an entry: code ", code, " counts ", count,
                   " positions and has ", positions);

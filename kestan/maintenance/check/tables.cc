@@ -122,7 +122,7 @@ class TableBuilder {
   }
 
   void AddCodes(const DBDatum& key, const DBDatum& value, Vector<Code>* codes) {
-    NoteOdd(key, value, value.size % kUnitBytes != 0);
+    NoteOdd(key, value, HasOddByte(value));
     codes->clear();
     for (std::size_t i = 0; i < CountCodes(value); ++i) codes->push_back(CodeAt(value, i));
   }

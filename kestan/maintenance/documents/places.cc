@@ -63,15 +63,15 @@ int FindPlaces(Database& store, const Contents& contents, const CodeSet& codes, 
                Vector<Place>* places) {
   places->clear();
   places->reserve(count);
-  const int error = ForEachPosting(
-      store, contents, [&](WordId word, const DBDatum& record, const Posting& posting) {
-        if (!codes[posting.code]) return;
-        if (!contents.has_positions()) places->push_back(MakePlace(posting.code, 0, word));
-        const std::size_t end = posting.first_unit + posting.units;
-        for (std::size_t unit = end - posting.positions; unit < end; ++unit) {
-          places->push_back(MakePlace(posting.code, UnitAt(record, unit), word));
-        }
-      });
+  const int error = ForEachPosting(store, contents,
+                                   [&](WordId word, const DBDatum& record, const Posting& posting) {
+                                     if (!codes[posting.code]) return;
+                                     if (!contents.has_positions())
+                                       places->push_back(MakePlace(posting.code, 0, word));
+                                     for (const Position position : PositionsOf(record, posting)) {
+                                       places->push_back(MakePlace(posting.code, position, word));
+                                     }
+                                   });
   std::sort(places->begin(), places->end());
   return error;
 }

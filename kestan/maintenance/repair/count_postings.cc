@@ -10,8 +10,6 @@
 namespace kestan {
 namespace {
 
-constexpr Position kMaxPosition = kMaxCode;
-
 // Calls `visit(record)` for each record with the action kPostings.
 template <typename Visit>
 void ForEachPostingRecord(const Salvage& salvage, const RepairActions& actions, Visit visit) {
@@ -56,8 +54,8 @@ class PostingCounter {
     document.has_own_words = true;
     counts_.posted.set(posting.code);
     if (is_folded) document.positions += posting.positions;
-    for (std::size_t i = posting.units() - posting.positions; i < posting.units(); ++i) {
-      document.highest = std::max(document.highest, UnitAt(value, posting.first_unit + i));
+    for (const Position position : PositionsOf(value, posting)) {
+      document.highest = std::max(document.highest, position);
     }
   }
 
@@ -106,8 +104,8 @@ CodeSet FindLongDocuments(const Salvage& salvage, const RepairActions& actions,
     PostingReader reader(value, true);
     Posting posting;
     while (reader.Next(&posting)) {
-      for (std::size_t i = posting.units - posting.positions; i < posting.units; ++i) {
-        if (UnitAt(value, posting.first_unit + i) == kMaxPosition) found.set(posting.code);
+      for (const Position position : PositionsOf(value, posting)) {
+        if (position == kMaxPosition) found.set(posting.code);
       }
     }
   });

@@ -23,7 +23,7 @@ bool AreDistinctCodes(const DBDatum& value, CodesSeen* seen) {
     const Code code = CodeAt(value, i);
     if (code == 0 || !seen->Add(code)) return false;
   }
-  return value.size % kUnitBytes == 0;
+  return !HasOddByte(value);
 }
 
 // Records with a hyphen as the second byte of the key may be no words', and do not count.

@@ -6,9 +6,7 @@
 namespace kestan {
 namespace {
 
-constexpr std::size_t kHeadUnits = 2;  // code and number of positions
-
-std::size_t EndOf(const WholePosting& posting) { return posting.first_unit + posting.units(); }
+std::size_t EndOf(const WholePosting& posting) { return AsPosting(posting).end_unit(); }
 
 }  // namespace
 
@@ -21,7 +19,7 @@ bool PostingSalvage::Read(const DBDatum& record, bool may_be_old) {
 
 // Stops at the first posting that is not valid.
 bool PostingSalvage::ReadsWhole(const DBDatum& record, bool may_be_old) {
-  const std::size_t smallest_units = rules_.with_positions ? kHeadUnits + 1 : 1;
+  const std::size_t smallest_units = rules_.with_positions ? kUnitsBeforePositions + 1 : 1;
   postings_.clear();
   postings_.reserve(record.size / kUnitBytes / smallest_units);
   PostingReader reader(record, rules_.with_positions);
@@ -31,14 +29,14 @@ bool PostingSalvage::ReadsWhole(const DBDatum& record, bool may_be_old) {
     postings_.push_back(
         {static_cast<std::uint32_t>(posting.first_unit), posting.code, posting.positions});
   }
-  return record.size % kUnitBytes == 0;
+  return !HasOddByte(record);
 }
 
 bool PostingSalvage::IsValid(const DBDatum& record, const Posting& posting, bool may_be_old) const {
   if (!IsPossible(posting.code)) return false;
   if (!rules_.with_positions) return true;
-  const std::size_t first = posting.first_unit + kHeadUnits;
-  if (posting.positions == 0 || UnitAt(record, first - 1) != posting.positions) return false;
+  const std::size_t first = posting.first_unit + kUnitsBeforePositions;
+  if (posting.positions == 0 || StatedPositions(record, posting) != posting.positions) return false;
   return IsAscending(record, first, posting.positions, may_be_old || long_documents_[posting.code]);
 }
 
@@ -75,7 +73,7 @@ void PostingSalvage::ReadAround(const DBDatum& record, std::size_t from) {
     const std::size_t taken = score_[unit] != score_[unit + 1] ? UnitsAt(record, unit) : 0;
     const Code code = UnitAt(record, unit);
     if (taken != 0 && IsPossible(code)) {
-      const std::size_t head = rules_.with_positions ? kHeadUnits : 1;
+      const std::size_t head = rules_.with_positions ? kUnitsBeforePositions : 1;
       postings_.push_back(
           {static_cast<std::uint32_t>(unit), code, static_cast<std::uint16_t>(taken - head)});
     }
@@ -88,12 +86,12 @@ void PostingSalvage::ReadAround(const DBDatum& record, std::size_t from) {
 std::size_t PostingSalvage::UnitsAt(const DBDatum& record, std::size_t unit) const {
   if (!rules_.with_positions) return 1;
   const std::size_t units = record.size / kUnitBytes;
-  const std::size_t first = unit + kHeadUnits;
+  const std::size_t first = unit + kUnitsBeforePositions;
   if (first >= units) return 0;
   const std::size_t count = UnitAt(record, unit + 1);
   const bool is_posting = count != 0 && count <= units - first && UnitAt(record, first) != 0 &&
                           ascending_[first] >= count;
-  return is_posting ? kHeadUnits + count : 0;
+  return is_posting ? kUnitsBeforePositions + count : 0;
 }
 
 // The rest of a damaged posting may look like the head of a longer one that includes the next. So

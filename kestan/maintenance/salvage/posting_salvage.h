@@ -16,12 +16,21 @@ namespace kestan {
 
 // A posting that is all there. Small, for a record may have a billion.
 struct WholePosting {
-  std::size_t units() const { return positions == 0 ? 1 : std::size_t{2} + positions; }
+  std::size_t units() const { return positions == 0 ? 1 : kUnitsBeforePositions + positions; }
 
   std::uint32_t first_unit;
   Code code;
   std::uint16_t positions;  // 0 only where no positions are kept
 };
+
+// Returns the same posting as a reader of its record gives it.
+inline Posting AsPosting(const WholePosting& posting) {
+  return {posting.first_unit, posting.units(), posting.code, posting.positions};
+}
+
+inline EncodedPositions PositionsOf(const DBDatum& record, const WholePosting& posting) {
+  return PositionsOf(record, AsPosting(posting));
+}
 
 // Finds the whole postings of a posting record that may be damaged.
 //

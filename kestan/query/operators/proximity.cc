@@ -8,10 +8,10 @@ namespace {
 
 constexpr int kCloseWords = 20;  // pairs up to this far apart earn a bonus
 constexpr int kClosestBonus = 401;
-constexpr std::size_t kMaxPositions = 65535;  // of one document
-constexpr std::size_t kFewPairs = 8;          // not worth a look at their order
-constexpr std::size_t kManyPairs = 65536;     // worth a table of all positions
-constexpr int kLastPosition = 65535;
+constexpr std::size_t kMaxPositions = kMaxPosition;  // of one document
+constexpr std::size_t kFewPairs = 8;                 // not worth a look at their order
+constexpr std::size_t kManyPairs = 65536;            // worth a table of all positions
+constexpr int kLastPosition = kMaxPosition;
 
 // Known, and each higher than the one before: what indexing writes, up to 65535 words a document.
 bool AreAscending(Positions positions) {
