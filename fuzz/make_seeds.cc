@@ -12,7 +12,7 @@
 
 namespace {
 
-using kestan_tests::Entry;
+using kestan_tests::EncodedPosting;
 using kestan_tests::From;
 using kestan_tests::Times;
 using kestan_tests::Units;
@@ -127,8 +127,8 @@ std::string TwoDocuments() {
 }
 
 std::string Good() {
-  return TwoDocuments() + Planted(kCat, Entry(1, {1, 3, 9}) + Entry(2, {2})) +
-         Planted(kDog, Entry(1, {2, 30}) + Entry(2, {4}));
+  return TwoDocuments() + Planted(kCat, EncodedPosting(1, {1, 3, 9}) + EncodedPosting(2, {2})) +
+         Planted(kDog, EncodedPosting(1, {2, 30}) + EncodedPosting(2, {4}));
 }
 
 void WritePostingSeeds() {
@@ -139,10 +139,12 @@ void WritePostingSeeds() {
         steps + TwoDocuments() + Planted(kCat, Units({1, 65535, 1, 2})) +
             Planted(kDog, Units({2, 3, 1}) + "x"));
   Write("postings", "ends_behind_a_code",
-        steps + TwoDocuments() + Planted(kCat, Entry(1, {1}) + Units({2})) + Planted(kDog, "x"));
+        steps + TwoDocuments() + Planted(kCat, EncodedPosting(1, {1}) + Units({2})) +
+            Planted(kDog, "x"));
   Write("postings", "descending_positions",
-        steps + TwoDocuments() + Planted(kCat, Entry(1, {9, 9, 0, 3}) + Entry(1, {1})) +
-            Planted(kDog, Entry(2, {1}) + Entry(1, {65535, 1, 0, 12, 10})));
+        steps + TwoDocuments() +
+            Planted(kCat, EncodedPosting(1, {9, 9, 0, 3}) + EncodedPosting(1, {1})) +
+            Planted(kDog, EncodedPosting(2, {1}) + EncodedPosting(1, {65535, 1, 0, 12, 10})));
   Write("postings", "no_positions",
         steps + Good() + Planted(kOpts, Units({1, 0})) + Planted(kA, Units({2, 1, 1, 0})));
   Write("postings", "code_zero",
@@ -154,8 +156,8 @@ void WritePostingSeeds() {
   Write("postings", "highest_counter",
         Steps({kNot, kWord, kNot, kAnd, kAdd, kAdd}) + Good() + Planted(kCode, Units({65535})));
   Write("postings", "many_positions",
-        steps + TwoDocuments() + Planted(kCat, Entry(1, From(1, 120))) +
-            Planted(kDog, Entry(1, From(60, 180))));
+        steps + TwoDocuments() + Planted(kCat, EncodedPosting(1, From(1, 120))) +
+            Planted(kDog, EncodedPosting(1, From(60, 180))));
 }
 
 // ---- Sequences of operations: the bytes that choose them, as the target numbers them ----

@@ -96,7 +96,7 @@ TEST_F(DocumentLimitTest, AFullIndexTakesAsManyDocumentsAgainAfterAShrink) {
   EXPECT_EQ(stored.at("g-avail"), "");
   EXPECT_EQ(stored.count("g-deleted"), 0U);
   std::string every;
-  for (unsigned code = kMost; code >= 1; --code) every += Entry(code, {1});
+  for (unsigned code = kMost; code >= 1; --code) every += EncodedPosting(code, {1});
   EXPECT_EQ(stored.at("every"), every);
 }
 

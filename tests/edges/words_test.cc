@@ -24,7 +24,7 @@ TEST_P(WordOfLengthTest, IsIndexedFoundAndListedWhole) {
   EXPECT_EQ(Listing(Word(word_.c_str())), "100 one\n");
   const std::string common = "\n" + std::string(engine_.CommonWords(1, -1));
   EXPECT_NE(common.find("\n" + word_ + "\n"), std::string::npos);
-  EXPECT_EQ(Stored().at(word_), Entry(1, {1, 3}));
+  EXPECT_EQ(Stored().at(word_), EncodedPosting(1, {1, 3}));
 }
 
 TEST_P(WordOfLengthTest, IsFoldedWhole) {
@@ -39,7 +39,8 @@ TEST_P(WordOfLengthTest, LosesRemovedDocumentsInAShrinkUnlessItIsOneByte) {
   engine_.RemoveDocumentWords("one");
   engine_.ShrinkIndex();
   const Records stored = Stored();
-  EXPECT_EQ(stored.at(word_), (GetParam() == 1 ? Entry(1, {1}) : "") + Entry(2, {1}));
+  EXPECT_EQ(stored.at(word_),
+            (GetParam() == 1 ? EncodedPosting(1, {1}) : "") + EncodedPosting(2, {1}));
 }
 
 TEST_P(WordOfLengthTest, LosesItsPositionsWithOptionFlag1) {
@@ -60,9 +61,9 @@ TEST_F(LongTextTest, AWordOfTwoBytesThatEndsInADashIsAWordThatShrinkingPassesOve
   engine_.RemoveDocumentWords("one");
   engine_.ShrinkIndex();
   const Records stored = Stored();
-  EXPECT_EQ(stored.at("a-"), Entry(1, {1}));
+  EXPECT_EQ(stored.at("a-"), EncodedPosting(1, {1}));
   EXPECT_EQ(stored.at("-a"), "");
-  EXPECT_EQ(stored.at("--"), Entry(1, {3}));
+  EXPECT_EQ(stored.at("--"), EncodedPosting(1, {3}));
 }
 
 // The 65536th word stands at place 1 again, so that the 100000th stands at 34465.

@@ -197,7 +197,7 @@ TEST_F(CopyIndexTest, EndsAtARecordThatCannotBeFetched) {
   EXPECT_LE(stored.size(), 5u);  // the flags are read from memory, whether they come early or late
 }
 
-TEST_F(CopyIndexTest, GoesOnBehindARecordThatTheTargetRefuses) {
+TEST_F(CopyIndexTest, GoesOnAfterARecordThatTheTargetRefuses) {
   Fill(10);
   GdbmWatch gdbm;
   gdbm.Fail("store", 3, GDBM_FILE_WRITE_ERROR);

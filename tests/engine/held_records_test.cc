@@ -14,8 +14,8 @@ class HeldRecordsTest : public IndexTest {
   void SetUp() override {
     IndexTest::SetUp();
     PlantAndReopen(Document("one", 1) + Document("two", 2) +
-                   Records{{"cat", Entry(1, {1}) + Entry(2, {1})},
-                           {"dog", Entry(3, {1})},
+                   Records{{"cat", EncodedPosting(1, {1}) + EncodedPosting(2, {1})},
+                           {"dog", EncodedPosting(3, {1})},
                            {"g-avail", Units({4})},
                            {"g-code", Units({4})},
                            {"g-deleted", Units({3})},

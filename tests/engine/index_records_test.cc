@@ -61,7 +61,7 @@ TEST_F(IndexRecordsTest, PostingsStandInTheOrderInWhichDocumentsWereAdded) {
   EXPECT_EQ(stored.at("g-code"), Units({2}));
 }
 
-TEST_F(IndexRecordsTest, AReusedCodeStandsBehindHigherOnes) {
+TEST_F(IndexRecordsTest, AReusedCodeStandsAfterHigherOnes) {
   PlantAndReopen({{"g-avail", Units({3})}, {"g-code", Units({9})}, {"word", Units({9, 1, 1})}});
   engine_.AddDocumentWords("doc1", "word");
   EXPECT_EQ(Stored().at("word"), Units({9, 1, 1, 3, 1, 1}));
@@ -81,7 +81,7 @@ TEST_F(IndexRecordsTest, ANameKeyMayHoldZeros) {
   EXPECT_EQ(Stored().at(std::string("c-\0\1", 4)), "doc256");
 }
 
-TEST_F(IndexRecordsTest, NameKeysThatDifferBehindAZeroAreTwo) {
+TEST_F(IndexRecordsTest, NameKeysThatDifferAfterAZeroAreTwo) {
   PlantAndReopen({{"g-code", Units({255})}, {NameKey(512), "doc512"}});
   engine_.AddDocumentWords("doc256", "");
   const Records stored = Stored();
@@ -116,7 +116,7 @@ TEST_F(IndexRecordsTest, PositionsGoOnWithOneAfter65535) {
   EXPECT_EQ(stored.at("d"), Units({1, 1, 2}));
 }
 
-TEST_F(IndexRecordsTest, AnEntryHoldsAtMost65535Positions) {
+TEST_F(IndexRecordsTest, APostingHoldsAtMost65535Positions) {
   std::string text;
   for (int i = 0; i < 65535; ++i) text += "a ";
   engine_.AddDocumentWords("doc1", text.c_str());

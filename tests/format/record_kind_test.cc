@@ -122,7 +122,7 @@ TEST(RecordKindTest, PositionsBeforeCodesAloneAreMixedPostings) {
   EXPECT_EQ(kestan::KindOf(Datum("d-day"), &datum, kRulesWithoutPositions), RecordKind::kPosting);
 }
 
-TEST(RecordKindTest, AWordOfNoFamilyIsToldByItsFirstEntry) {
+TEST(RecordKindTest, AWordOfNoFamilyIsKnownByItsFirstPosting) {
   EXPECT_EQ(KindOf("e-mail", Units({1, 1, 1}) + "x"), RecordKind::kPosting);
   EXPECT_EQ(KindOf("e-mail", Units({1, 1, 1, 2, 9, 1})), RecordKind::kPosting);
   EXPECT_EQ(KindOf("e-mail", "text"), RecordKind::kOther);

@@ -17,7 +17,7 @@ using kestan_model::Null;
 using kestan_model::Records;
 using kestan_model::Taken;
 using kestan_model::World;
-using kestan_tests::Entry;
+using kestan_tests::EncodedPosting;
 using kestan_tests::Units;
 
 constexpr int kSetsAfterAWord = 100;  // far more than a script makes after its last word
@@ -229,9 +229,10 @@ Records IndexWith(const Records& words) {
 
 Records GoodIndex() {
   return IndexWith({{"g-opts", kestan_tests::kPositions},
-                    {"cat", Entry(1, {1, 3}) + Entry(2, {2}) + Entry(3, {7}) + Entry(6, {4, 5})},
-                    {"dog", Entry(6, {3}) + Entry(2, {1})},
-                    {"x", Entry(1, {2}) + Entry(3, {1})}});
+                    {"cat", EncodedPosting(1, {1, 3}) + EncodedPosting(2, {2}) +
+                                EncodedPosting(3, {7}) + EncodedPosting(6, {4, 5})},
+                    {"dog", EncodedPosting(6, {3}) + EncodedPosting(2, {1})},
+                    {"x", EncodedPosting(1, {2}) + EncodedPosting(3, {1})}});
 }
 
 Records GoodIndexWithoutPositions() {

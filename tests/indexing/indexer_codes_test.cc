@@ -75,12 +75,13 @@ TEST_F(DocumentCodesTest, FullIndexTakesNoDocument) {
 }
 
 TEST_F(DocumentCodesTest, FullIndexLosesTheEarlierVersionAllTheSame) {
-  PlantAndReopen(Records{{"g-code", Units({65535})}, {"old", Entry(7, {1})}} + Document("one", 7));
+  PlantAndReopen(Records{{"g-code", Units({65535})}, {"old", EncodedPosting(7, {1})}} +
+                 Document("one", 7));
   StandardErrorOf([&] { engine_.AddDocumentWords("one", "new"); });
   EXPECT_EQ(Stored(), (Records{{"g-code", Units({65535})},
                                {"g-deleted", Units({7})},
                                {"g-opts", kPositions},
-                               {"old", Entry(7, {1})}}));
+                               {"old", EncodedPosting(7, {1})}}));
 }
 
 TEST_F(DocumentCodesTest, FullIndexStillReusesCodes) {

@@ -15,7 +15,7 @@ class RemoveDocumentTest : public IndexTest {};
 TEST_F(RemoveDocumentTest, TakesAwayTheNameAndListsTheCode) {
   engine_.AddDocumentWords("one", "cat");
   EXPECT_EQ(engine_.RemoveDocumentWords("one"), 0);
-  EXPECT_EQ(Stored(), (Records{{"cat", Entry(1, {1})},
+  EXPECT_EQ(Stored(), (Records{{"cat", EncodedPosting(1, {1})},
                                {"g-code", Units({1})},
                                {"g-deleted", Units({1})},
                                {"g-opts", kPositions}}));
@@ -96,13 +96,13 @@ TEST_F(RemoveDocumentTest, WithoutAnIndexIs1) {
 class MoveDocumentTest : public IndexTest {};
 
 TEST_F(MoveDocumentTest, KeepsTheCodeUnderTheNewName) {
-  PlantAndReopen(Document("old", 7) + Records{{"cat", Entry(7, {1})}});
+  PlantAndReopen(Document("old", 7) + Records{{"cat", EncodedPosting(7, {1})}});
   EXPECT_EQ(engine_.MoveDocumentWords("old", "new"), 0);
   const Records stored = Stored();
   EXPECT_EQ(stored.count("d-old"), 0U);
   EXPECT_EQ(stored.at("d-new").substr(4), Units({7, 0}));
   EXPECT_EQ(stored.at(NameKey(7)), "new");
-  EXPECT_EQ(stored.at("cat"), Entry(7, {1}));
+  EXPECT_EQ(stored.at("cat"), EncodedPosting(7, {1}));
   EXPECT_EQ(stored.count("g-deleted"), 0U);
 }
 
@@ -160,7 +160,7 @@ TEST_F(MoveDocumentTest, OntoItselfOnlyRenewsTheTimestamp) {
 
 TEST_F(MoveDocumentTest, OntoAnotherDocumentLeavesThatOneHalfThere) {
   PlantAndReopen(Document("a", 1) + Document("b", 2) +
-                 Records{{"cat", Entry(1, {1}) + Entry(2, {1})}});
+                 Records{{"cat", EncodedPosting(1, {1}) + EncodedPosting(2, {1})}});
   EXPECT_EQ(engine_.MoveDocumentWords("a", "b"), 0);
   EXPECT_EQ(Listing(engine_.QueryWord("cat")), "100 b\n100 b\n");
   const Records stored = Stored();

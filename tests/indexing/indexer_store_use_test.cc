@@ -63,7 +63,7 @@ TEST_F(StoreUseTest, RenamingDeletesTheOldRecordBeforeItStoresTheNew) {
 
 // A list that was not cached stays changed, and the flush writes it once more.
 TEST_F(StoreUseTest, ShrinkingStoresTheFirstReusableCodesAtOnce) {
-  const Records removed = {{"cat", Entry(2, {1})}, {"g-deleted", Units({2})}};
+  const Records removed = {{"cat", EncodedPosting(2, {1})}, {"g-deleted", Units({2})}};
   const auto shrink = [&] { engine_.ShrinkIndex(); };
   PlantAndReopen(removed);
   EXPECT_EQ(ChangesBy(shrink),
@@ -73,7 +73,8 @@ TEST_F(StoreUseTest, ShrinkingStoresTheFirstReusableCodesAtOnce) {
 }
 
 TEST_F(StoreUseTest, ShrinkingStoresFurtherReusableCodesAtTheFlush) {
-  PlantAndReopen({{"cat", Entry(2, {1})}, {"g-avail", Units({3})}, {"g-deleted", Units({2})}});
+  PlantAndReopen(
+      {{"cat", EncodedPosting(2, {1})}, {"g-avail", Units({3})}, {"g-deleted", Units({2})}});
   EXPECT_EQ(ChangesBy([&] { engine_.ShrinkIndex(); }),
             (Changes{"delete g-deleted", "store cat", "store g-avail"}));
 }
@@ -102,13 +103,13 @@ TEST(TimeOfIndexingTest, WordsOfOnePlainHashTakeTheTimeOfOthers) {
 }
 
 TEST_F(StoreUseTest, KnownWordIsFetchedOnceForADocument) {
-  PlantAndReopen({{"cat", Entry(1, {1})}, {"g-code", Units({1})}});
+  PlantAndReopen({{"cat", EncodedPosting(1, {1})}, {"g-code", Units({1})}});
   const auto add = [&] { engine_.AddDocumentWords("one", "cat cat dog cat"); };
   EXPECT_EQ(CallsOf("fetch", "cat", add), 1);
 }
 
 TEST_F(StoreUseTest, KnownWordIsStoredOnceForManyDocuments) {
-  PlantAndReopen({{"cat", Entry(1, {1})}, {"g-code", Units({1})}});
+  PlantAndReopen({{"cat", EncodedPosting(1, {1})}, {"g-code", Units({1})}});
   const auto add_and_flush = [&] {
     for (const char* name : {"one", "two", "three"}) engine_.AddDocumentWords(name, "cat");
     engine_.FlushIndex();
@@ -154,8 +155,9 @@ TEST_F(StoreUseTest, RemovalDeletesBothRecordsAtOnce) {
 }
 
 TEST_F(StoreUseTest, ShrinkingStoresOnlyTheWordsThatChanged) {
-  PlantAndReopen(
-      {{"cat", Entry(1, {1}) + Entry(2, {1})}, {"dog", Entry(1, {1})}, {"g-deleted", Units({2})}});
+  PlantAndReopen({{"cat", EncodedPosting(1, {1}) + EncodedPosting(2, {1})},
+                  {"dog", EncodedPosting(1, {1})},
+                  {"g-deleted", Units({2})}});
   const GdbmWatch watch;
   engine_.ShrinkIndex();
   const std::vector<std::string> lines = watch.Lines();
@@ -170,7 +172,7 @@ TEST_F(StoreUseTest, ListOfReusableCodesThatIsInTheFileIsStoredOnlyAtTheFlush) {
 }
 
 TEST_F(StoreUseTest, ShrinkingWithoutRemovedCodesDoesNotWalk) {
-  PlantAndReopen({{"cat", Entry(1, {1})}});
+  PlantAndReopen({{"cat", EncodedPosting(1, {1})}});
   const GdbmWatch watch;
   EXPECT_EQ(engine_.ShrinkIndex(), 0);
   EXPECT_EQ(watch.Count("firstkey"), 0U);
@@ -186,8 +188,8 @@ TEST_F(StoreUseTest, ResultOfTheCompactionIsNotReported) {
 
 #if UINTPTR_MAX > 0xffffffff
 // Memory of that size is only to be had where addresses are wide; hardly any of it is touched.
-TEST_F(StoreUseTest, PostingRecordAsLargeAsGdbmStoresTakesNoMoreEntries) {
-  PlantAndReopen({{"cat", Entry(1, {1})}, {"g-code", Units({1})}});
+TEST_F(StoreUseTest, PostingRecordAsLargeAsGdbmStoresTakesNoMorePostings) {
+  PlantAndReopen({{"cat", EncodedPosting(1, {1})}, {"g-code", Units({1})}});
   const auto add = [&] { EXPECT_STREQ(engine_.AddDocumentWords("one", "cat dog"), "dog\n"); };
   {
     GdbmWatch watch;
@@ -195,8 +197,8 @@ TEST_F(StoreUseTest, PostingRecordAsLargeAsGdbmStoresTakesNoMoreEntries) {
     EXPECT_EQ(StandardErrorOf(add), "Kestan: Posting record of 'cat' is full -- entry left out\n");
   }
   const Records stored = Stored();
-  EXPECT_EQ(stored.at("cat"), Entry(1, {1}));
-  EXPECT_EQ(stored.at("dog"), Entry(2, {2}));
+  EXPECT_EQ(stored.at("cat"), EncodedPosting(1, {1}));
+  EXPECT_EQ(stored.at("dog"), EncodedPosting(2, {2}));
 }
 #endif
 

@@ -23,22 +23,22 @@ TEST_F(AddDocumentTest, FirstDocumentGetsCode1AndItsPostings) {
   EXPECT_EQ(Add("one", "Hello world"), "Hello\nhello\nworld\n");
   const Records stored = Stored();
   EXPECT_EQ(stored.at("g-code"), Units({1}));
-  EXPECT_EQ(stored.at("Hello"), Entry(1, {1}));
-  EXPECT_EQ(stored.at("hello"), Entry(1, {1}));
-  EXPECT_EQ(stored.at("world"), Entry(1, {2}));
+  EXPECT_EQ(stored.at("Hello"), EncodedPosting(1, {1}));
+  EXPECT_EQ(stored.at("hello"), EncodedPosting(1, {1}));
+  EXPECT_EQ(stored.at("world"), EncodedPosting(1, {2}));
 }
 
 TEST_F(AddDocumentTest, SecondDocumentIsAppended) {
   Add("one", "Hello world");
   EXPECT_EQ(Add("two", "hello Hello"), "");
   const Records stored = Stored();
-  EXPECT_EQ(stored.at("hello"), Entry(1, {1}) + Entry(2, {1, 2}));
-  EXPECT_EQ(stored.at("Hello"), Entry(1, {1}) + Entry(2, {2}));
-  EXPECT_EQ(stored.at("world"), Entry(1, {2}));
+  EXPECT_EQ(stored.at("hello"), EncodedPosting(1, {1}) + EncodedPosting(2, {1, 2}));
+  EXPECT_EQ(stored.at("Hello"), EncodedPosting(1, {1}) + EncodedPosting(2, {2}));
+  EXPECT_EQ(stored.at("world"), EncodedPosting(1, {2}));
   EXPECT_EQ(stored.at("g-code"), Units({2}));
 }
 
-TEST_F(AddDocumentTest, WithoutPositionsAnEntryIsTheBareCode) {
+TEST_F(AddDocumentTest, WithoutPositionsAPostingIsTheBareCode) {
   engine_.SetOptionFlag(1);
   Add("one", "Hello world");
   Add("two", "hello Hello hello");
@@ -51,7 +51,7 @@ TEST_F(AddDocumentTest, WithoutPositionsAnEntryIsTheBareCode) {
 TEST_F(AddDocumentTest, OtherOptionFlagsKeepPositions) {
   engine_.SetOptionFlag(2);
   Add("one", "word");
-  EXPECT_EQ(Stored().at("word"), Entry(1, {1}));
+  EXPECT_EQ(Stored().at("word"), EncodedPosting(1, {1}));
 }
 
 TEST_F(AddDocumentTest, WritesTheNameAndTheDocumentRecord) {
@@ -75,9 +75,9 @@ TEST_F(AddDocumentTest, WritesNoOtherRecords) {
 TEST_F(AddDocumentTest, WhiteSpaceMakesNoWordsAndMovesNoPositions) {
   EXPECT_EQ(Add("one", " \t\n\v\f\r one \r\n two\f\vthree\t"), "one\nthree\ntwo\n");
   const Records stored = Stored();
-  EXPECT_EQ(stored.at("one"), Entry(1, {1}));
-  EXPECT_EQ(stored.at("two"), Entry(1, {2}));
-  EXPECT_EQ(stored.at("three"), Entry(1, {3}));
+  EXPECT_EQ(stored.at("one"), EncodedPosting(1, {1}));
+  EXPECT_EQ(stored.at("two"), EncodedPosting(1, {2}));
+  EXPECT_EQ(stored.at("three"), EncodedPosting(1, {3}));
 }
 
 TEST_F(AddDocumentTest, OnlySixBytesAreWhiteSpace) {
@@ -107,9 +107,9 @@ TEST_F(AddDocumentTest, WordsWithBit5SetAreRecordedOnce) {
 TEST_F(AddDocumentTest, CapitalsAreRecordedAsWrittenAndFolded) {
   EXPECT_EQ(Add("one", "ABC aBc"), "ABC\naBc\nabc\n");
   const Records stored = Stored();
-  EXPECT_EQ(stored.at("ABC"), Entry(1, {1}));
-  EXPECT_EQ(stored.at("aBc"), Entry(1, {2}));
-  EXPECT_EQ(stored.at("abc"), Entry(1, {1, 2}));
+  EXPECT_EQ(stored.at("ABC"), EncodedPosting(1, {1}));
+  EXPECT_EQ(stored.at("aBc"), EncodedPosting(1, {2}));
+  EXPECT_EQ(stored.at("abc"), EncodedPosting(1, {1, 2}));
 }
 
 TEST_F(AddDocumentTest, FoldSetsBit5OfEveryByte) {
@@ -121,31 +121,31 @@ TEST_F(AddDocumentTest, FoldSetsBit5OfEveryByte) {
 
 TEST_F(AddDocumentTest, WordAndItsFoldedFormShareOneRecordInOneDocument) {
   Add("one", "Cat cat CAT");
-  EXPECT_EQ(Stored().at("cat"), Entry(1, {1, 2, 3}));
+  EXPECT_EQ(Stored().at("cat"), EncodedPosting(1, {1, 2, 3}));
 }
 
 TEST_F(AddDocumentTest, PositionAfter65535Is1) {
   Add("one", Times(65534, "x ") + "y z Last");
   const Records stored = Stored();
-  EXPECT_EQ(stored.at("y"), Entry(1, {65535}));
-  EXPECT_EQ(stored.at("z"), Entry(1, {1}));
-  EXPECT_EQ(stored.at("Last"), Entry(1, {2}));
-  EXPECT_EQ(stored.at("last"), Entry(1, {2}));
+  EXPECT_EQ(stored.at("y"), EncodedPosting(1, {65535}));
+  EXPECT_EQ(stored.at("z"), EncodedPosting(1, {1}));
+  EXPECT_EQ(stored.at("Last"), EncodedPosting(1, {2}));
+  EXPECT_EQ(stored.at("last"), EncodedPosting(1, {2}));
 }
 
 TEST_F(AddDocumentTest, WordMayOccur65535Times) {
   Add("one", Times(65535, "x ") + "y");
   const Records stored = Stored();
-  EXPECT_EQ(stored.at("x"), Entry(1, From(1, 65535)));
-  EXPECT_EQ(stored.at("y"), Entry(1, {1}));
+  EXPECT_EQ(stored.at("x"), EncodedPosting(1, From(1, 65535)));
+  EXPECT_EQ(stored.at("y"), EncodedPosting(1, {1}));
 }
 
 TEST_F(AddDocumentTest, OccurrencesAfterThe65535thAreNotRecorded) {
   Add("one", Times(65537, "x ") + "y");
   Add("two", "x");
   const Records stored = Stored();
-  EXPECT_EQ(stored.at("x"), Entry(1, From(1, 65535)) + Entry(2, {1}));
-  EXPECT_EQ(stored.at("y"), Entry(1, {3}));
+  EXPECT_EQ(stored.at("x"), EncodedPosting(1, From(1, 65535)) + EncodedPosting(2, {1}));
+  EXPECT_EQ(stored.at("y"), EncodedPosting(1, {3}));
 }
 
 TEST_F(AddDocumentTest, PositionsKeepTheirOrderHoweverMany) {
@@ -154,7 +154,7 @@ TEST_F(AddDocumentTest, PositionsKeepTheirOrderHoweverMany) {
   const Records stored = Stored();
   unsigned code = 0;
   for (unsigned count : counts) {
-    EXPECT_EQ(stored.at("x" + std::to_string(count)), Entry(++code, From(1, count)));
+    EXPECT_EQ(stored.at("x" + std::to_string(count)), EncodedPosting(++code, From(1, count)));
   }
 }
 
@@ -163,7 +163,7 @@ TEST_F(AddDocumentTest, SameNameGetsANewCodeAndTheOldOneWaits) {
   EXPECT_EQ(Add("one", "cat dog"), "dog\n");
   const Records stored = Stored();
   EXPECT_EQ(stored.at("g-deleted"), Units({1}));
-  EXPECT_EQ(stored.at("cat"), Entry(1, {1}) + Entry(2, {1}));
+  EXPECT_EQ(stored.at("cat"), EncodedPosting(1, {1}) + EncodedPosting(2, {1}));
   EXPECT_EQ(stored.at("d-one").substr(4), Units({2, 0}));
   EXPECT_EQ(stored.count(NameKey(1)), 0U);
   EXPECT_EQ(stored.at(NameKey(2)), "one");
@@ -179,7 +179,7 @@ TEST_F(AddDocumentTest, NewRecordsReachTheFileAtOnceAndTheirPostingsAtTheFlush) 
   EXPECT_EQ(before.at(NameKey(2)), "two");
   engine_.FlushIndex();
   std::filesystem::copy_file(path_, folder_ / "after");
-  EXPECT_EQ(Dump(folder_ / "after").at("word"), Entry(1, {1}) + Entry(2, {1}));
+  EXPECT_EQ(Dump(folder_ / "after").at("word"), EncodedPosting(1, {1}) + EncodedPosting(2, {1}));
 }
 
 TEST_F(AddDocumentTest, EmptyNameIsANameLikeAnyOther) {
@@ -192,15 +192,15 @@ TEST_F(AddDocumentTest, EmptyNameIsANameLikeAnyOther) {
 // Cleaned text has no such words; in other text they meet the records of the index itself.
 TEST_F(AddDocumentTest, WordThatLooksLikeASystemKeyGrowsThatRecord) {
   EXPECT_EQ(Add("one", "g-code"), "");
-  EXPECT_EQ(Stored().at("g-code"), Units({1}) + Entry(1, {1}));
+  EXPECT_EQ(Stored().at("g-code"), Units({1}) + EncodedPosting(1, {1}));
 }
 
 TEST_F(AddDocumentTest, TextMayLieInTheScratchBuffer) {
   ASSERT_EQ(Add("one", "Cat dog"), "Cat\ncat\ndog\n");
   EXPECT_STREQ(engine_.AddDocumentWords("two", Kestan::WordBuf), "");
   const Records stored = Stored();
-  EXPECT_EQ(stored.at("cat"), Entry(1, {1}) + Entry(2, {1, 2}));
-  EXPECT_EQ(stored.at("dog"), Entry(1, {2}) + Entry(2, {3}));
+  EXPECT_EQ(stored.at("cat"), EncodedPosting(1, {1}) + EncodedPosting(2, {1, 2}));
+  EXPECT_EQ(stored.at("dog"), EncodedPosting(1, {2}) + EncodedPosting(2, {3}));
 }
 
 TEST_F(AddDocumentTest, NameMayLieInTheScratchBuffer) {

@@ -28,8 +28,8 @@ inline std::string Codes(const Numbers& codes) {
   return bytes;
 }
 
-// Spells one entry of a posting record with positions.
-inline std::string Entry(unsigned code, const Numbers& positions) {
+// Returns the bytes of one posting with positions.
+inline std::string EncodedPosting(unsigned code, const Numbers& positions) {
   return Units({code, static_cast<unsigned>(positions.size())}) + Codes(positions);
 }
 

@@ -22,28 +22,29 @@ class ShrinkDamagedTest : public IndexTest {
 };
 
 TEST_F(ShrinkDamagedTest, CountPastTheEndTakesTheUnitsThatAreLeft) {
-  EXPECT_EQ(Apple(Entry(2, {9}) + Units({1, 5, 10})), Units({1, 5, 10}));
-  EXPECT_EQ(Apple(Entry(1, {9}) + Units({2, 5, 10})), Entry(1, {9}));
-  EXPECT_EQ(Apple(Entry(2, {9}) + Units({1, 65535})), Units({1, 65535}));
+  EXPECT_EQ(Apple(EncodedPosting(2, {9}) + Units({1, 5, 10})), Units({1, 5, 10}));
+  EXPECT_EQ(Apple(EncodedPosting(1, {9}) + Units({2, 5, 10})), EncodedPosting(1, {9}));
+  EXPECT_EQ(Apple(EncodedPosting(2, {9}) + Units({1, 65535})), Units({1, 65535}));
 }
 
-TEST_F(ShrinkDamagedTest, LoneCodeAtTheEndIsAnEntry) {
-  EXPECT_EQ(Apple(Entry(2, {9}) + Units({1})), Units({1}));
-  EXPECT_EQ(Apple(Entry(1, {9}) + Units({2})), Entry(1, {9}));
+TEST_F(ShrinkDamagedTest, LoneCodeAtTheEndIsAPosting) {
+  EXPECT_EQ(Apple(EncodedPosting(2, {9}) + Units({1})), Units({1}));
+  EXPECT_EQ(Apple(EncodedPosting(1, {9}) + Units({2})), EncodedPosting(1, {9}));
 }
 
 TEST_F(ShrinkDamagedTest, OddByteStaysWhereNothingIsPurged) {
-  EXPECT_EQ(Apple(Entry(1, {9}) + "x"), Entry(1, {9}) + "x");
+  EXPECT_EQ(Apple(EncodedPosting(1, {9}) + "x"), EncodedPosting(1, {9}) + "x");
   EXPECT_EQ(Apple("x"), "x");
 }
 
-TEST_F(ShrinkDamagedTest, OddByteGoesWithAPurgedEntry) {
-  EXPECT_EQ(Apple(Entry(2, {9}) + Entry(1, {3}) + "x"), Entry(1, {3}));
+TEST_F(ShrinkDamagedTest, OddByteGoesWithAPurgedPosting) {
+  EXPECT_EQ(Apple(EncodedPosting(2, {9}) + EncodedPosting(1, {3}) + "x"), EncodedPosting(1, {3}));
   EXPECT_EQ(Apple(Units({2, 1}) + "x", kNoPositions), Units({1}));
 }
 
 TEST_F(ShrinkDamagedTest, EveryTruncationOfARecordIsServed) {
-  const std::string whole = Entry(1, {8}) + Entry(2, {9, 9}) + Entry(3, {8, 8});
+  const std::string whole =
+      EncodedPosting(1, {8}) + EncodedPosting(2, {9, 9}) + EncodedPosting(3, {8, 8});
   for (std::size_t size = 0; size <= whole.size(); ++size) {
     const std::string shrunk = Apple(whole.substr(0, size));
     EXPECT_EQ(shrunk.substr(0, 6), whole.substr(0, std::min<std::size_t>(size, 6))) << size;
@@ -52,7 +53,8 @@ TEST_F(ShrinkDamagedTest, EveryTruncationOfARecordIsServed) {
 }
 
 TEST_F(ShrinkDamagedTest, AnyChangedByteIsServed) {
-  const std::string whole = Entry(1, {8}) + Entry(2, {9, 9}) + Entry(3, {8, 8});
+  const std::string whole =
+      EncodedPosting(1, {8}) + EncodedPosting(2, {9, 9}) + EncodedPosting(3, {8, 8});
   for (std::size_t at = 0; at < whole.size(); ++at) {
     std::string changed = whole;
     changed[at] = '\xff';
@@ -61,21 +63,23 @@ TEST_F(ShrinkDamagedTest, AnyChangedByteIsServed) {
 }
 
 // No document has code 0, so its entries are damage and go with any removal.
-TEST_F(ShrinkDamagedTest, EntriesOfCode0GoToo) {
-  EXPECT_EQ(Apple(Entry(0, {1}) + Entry(3, {0})), Entry(3, {0}));
-  const Records stored = Shrunk({{"pear", Entry(0, {1}) + Entry(3, {0})}, {"g-deleted", ""}});
-  EXPECT_EQ(stored.at("pear"), Entry(3, {0}));
+TEST_F(ShrinkDamagedTest, PostingsOfCode0GoToo) {
+  EXPECT_EQ(Apple(EncodedPosting(0, {1}) + EncodedPosting(3, {0})), EncodedPosting(3, {0}));
+  const Records stored =
+      Shrunk({{"pear", EncodedPosting(0, {1}) + EncodedPosting(3, {0})}, {"g-deleted", ""}});
+  EXPECT_EQ(stored.at("pear"), EncodedPosting(3, {0}));
 }
 
-TEST_F(ShrinkDamagedTest, EntriesOfCode0StayWhereNothingWasRemoved) {
-  const std::string postings = Entry(0, {1}) + Entry(3, {0});
+TEST_F(ShrinkDamagedTest, PostingsOfCode0StayWhereNothingWasRemoved) {
+  const std::string postings = EncodedPosting(0, {1}) + EncodedPosting(3, {0});
   EXPECT_EQ(Shrunk({{"pear", postings}}).at("pear"), postings);
 }
 
 TEST_F(ShrinkDamagedTest, OddByteOfTheRemovedCodesIsNoCode) {
-  const std::string postings = Entry(1, {1}) + Entry(2, {1}) + Entry('x', {1});
+  const std::string postings =
+      EncodedPosting(1, {1}) + EncodedPosting(2, {1}) + EncodedPosting('x', {1});
   const Records stored = Shrunk({{"apple", postings}, {"g-deleted", Units({2}) + "x"}});
-  EXPECT_EQ(stored.at("apple"), Entry(1, {1}) + Entry('x', {1}));
+  EXPECT_EQ(stored.at("apple"), EncodedPosting(1, {1}) + EncodedPosting('x', {1}));
   EXPECT_EQ(stored.count("g-deleted"), 0U);
 }
 

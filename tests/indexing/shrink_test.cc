@@ -22,9 +22,9 @@ class ShrinkIndexTest : public IndexTest {
   }
 };
 
-TEST_F(ShrinkIndexTest, PurgesTheEntriesOfRemovedCodes) {
-  const std::string kept_first = Entry(1, {4}), kept_last = Entry(7, {300});
-  EXPECT_EQ(Apple(kept_first + Entry(2, {1, 2}) + Entry(5, {9}) + kept_last),
+TEST_F(ShrinkIndexTest, PurgesThePostingsOfRemovedCodes) {
+  const std::string kept_first = EncodedPosting(1, {4}), kept_last = EncodedPosting(7, {300});
+  EXPECT_EQ(Apple(kept_first + EncodedPosting(2, {1, 2}) + EncodedPosting(5, {9}) + kept_last),
             kept_first + kept_last);
 }
 
@@ -32,41 +32,45 @@ TEST_F(ShrinkIndexTest, PurgesBareCodesWherePositionsAreNotKept) {
   EXPECT_EQ(Apple(Units({1, 2, 5, 7}), kNoPositions), Units({1, 7}));
 }
 
-TEST_F(ShrinkIndexTest, PurgesTheFirstAndTheLastEntry) {
-  EXPECT_EQ(Apple(Entry(5, {1}) + Entry(1, {2, 5}) + Entry(2, {})), Entry(1, {2, 5}));
+TEST_F(ShrinkIndexTest, PurgesTheFirstAndTheLastPosting) {
+  EXPECT_EQ(Apple(EncodedPosting(5, {1}) + EncodedPosting(1, {2, 5}) + EncodedPosting(2, {})),
+            EncodedPosting(1, {2, 5}));
 }
 
-TEST_F(ShrinkIndexTest, PurgesEveryEntryOfACode) {
-  EXPECT_EQ(Apple(Entry(2, {1}) + Entry(1, {1}) + Entry(2, {3})), Entry(1, {1}));
+TEST_F(ShrinkIndexTest, PurgesEveryPostingOfACode) {
+  EXPECT_EQ(Apple(EncodedPosting(2, {1}) + EncodedPosting(1, {1}) + EncodedPosting(2, {3})),
+            EncodedPosting(1, {1}));
 }
 
 TEST_F(ShrinkIndexTest, PositionsThatEqualRemovedCodesStay) {
-  EXPECT_EQ(Apple(Entry(1, {2, 5}) + Entry(2, {5}) + Entry(4, {5, 2})),
-            Entry(1, {2, 5}) + Entry(4, {5, 2}));
+  EXPECT_EQ(Apple(EncodedPosting(1, {2, 5}) + EncodedPosting(2, {5}) + EncodedPosting(4, {5, 2})),
+            EncodedPosting(1, {2, 5}) + EncodedPosting(4, {5, 2}));
 }
 
 TEST_F(ShrinkIndexTest, RecordThatLosesEverythingStaysEmpty) {
-  EXPECT_EQ(Apple(Entry(2, {1}) + Entry(5, {1, 2})), "");
+  EXPECT_EQ(Apple(EncodedPosting(2, {1}) + EncodedPosting(5, {1, 2})), "");
 }
 
 TEST_F(ShrinkIndexTest, RecordWithoutRemovedCodesStaysAsItIs) {
-  EXPECT_EQ(Apple(Entry(9, {1}) + Entry(3, {1, 2})), Entry(9, {1}) + Entry(3, {1, 2}));
+  EXPECT_EQ(Apple(EncodedPosting(9, {1}) + EncodedPosting(3, {1, 2})),
+            EncodedPosting(9, {1}) + EncodedPosting(3, {1, 2}));
   EXPECT_EQ(Apple(""), "");
 }
 
 TEST_F(ShrinkIndexTest, OtherOptionFlagsKeepPositions) {
-  EXPECT_EQ(Apple(Entry(1, {2}) + Entry(2, {1}), Units({4, 0})), Entry(1, {2}));
+  EXPECT_EQ(Apple(EncodedPosting(1, {2}) + EncodedPosting(2, {1}), Units({4, 0})),
+            EncodedPosting(1, {2}));
 }
 
 TEST_F(ShrinkIndexTest, OneByteWordsKeepRemovedCodes) {
-  const std::string postings = Entry(2, {1}) + Entry(3, {1});
+  const std::string postings = EncodedPosting(2, {1}) + EncodedPosting(3, {1});
   const Records stored = Shrunk({{"a", postings}, {"ab", postings}, {"g-deleted", Units({2})}});
   EXPECT_EQ(stored.at("a"), postings);
-  EXPECT_EQ(stored.at("ab"), Entry(3, {1}));
+  EXPECT_EQ(stored.at("ab"), EncodedPosting(3, {1}));
 }
 
 TEST_F(ShrinkIndexTest, KeysWithADashInSecondPlaceAreNotPurged) {
-  const std::string postings = Entry(2, {1}) + Entry(3, {1});
+  const std::string postings = EncodedPosting(2, {1}) + EncodedPosting(3, {1});
   const Records stored = Shrunk({{"x-", postings},
                                  {"x-y", postings},
                                  {"--", postings},
@@ -74,7 +78,7 @@ TEST_F(ShrinkIndexTest, KeysWithADashInSecondPlaceAreNotPurged) {
                                  {"-x", postings},
                                  {"g-deleted", Units({2})}});
   for (const char* key : {"x-", "x-y", "--"}) EXPECT_EQ(stored.at(key), postings) << key;
-  for (const char* key : {"xy-", "-x"}) EXPECT_EQ(stored.at(key), Entry(3, {1})) << key;
+  for (const char* key : {"xy-", "-x"}) EXPECT_EQ(stored.at(key), EncodedPosting(3, {1})) << key;
 }
 
 TEST_F(ShrinkIndexTest, ReusedCodeFindsItsNewDocumentThroughAOneByteWord) {
@@ -124,28 +128,28 @@ TEST_F(ShrinkIndexTest, DuplicatesAreKept) {
 }
 
 TEST_F(ShrinkIndexTest, WithoutRemovedCodesChangesNoRecord) {
-  const Records records = {{"apple", Entry(2, {1}) + "odd"}, {"g-avail", Units({2})}};
+  const Records records = {{"apple", EncodedPosting(2, {1}) + "odd"}, {"g-avail", Units({2})}};
   EXPECT_EQ(Shrunk(records), records);
 }
 
 TEST_F(ShrinkIndexTest, SecondTimeChangesNothing) {
-  const Records once = Shrunk({{"apple", Entry(2, {1})}, {"g-deleted", Units({2})}});
+  const Records once = Shrunk({{"apple", EncodedPosting(2, {1})}, {"g-deleted", Units({2})}});
   EXPECT_EQ(Shrunk({}), once);
 }
 
 TEST_F(ShrinkIndexTest, EmptyListOfRemovedCodesGoesToo) {
-  EXPECT_EQ(Shrunk({{"g-deleted", ""}, {"apple", Entry(1, {1})}}),
-            (Records{{"g-avail", ""}, {"apple", Entry(1, {1})}}));
+  EXPECT_EQ(Shrunk({{"g-deleted", ""}, {"apple", EncodedPosting(1, {1})}}),
+            (Records{{"g-avail", ""}, {"apple", EncodedPosting(1, {1})}}));
 }
 
-TEST_F(ShrinkIndexTest, OneMoreLookBehindTheListPurgesNothingLive) {
+TEST_F(ShrinkIndexTest, OneMoreLookPastTheListPurgesNothingLive) {
   std::string postings;
-  for (unsigned code = 1; code < 600; ++code) postings += Entry(code, {});
+  for (unsigned code = 1; code < 600; ++code) postings += EncodedPosting(code, {});
   const std::string live = postings.substr(4);
   EXPECT_EQ(Shrunk({{"apple", postings}, {"g-deleted", Units({1})}}).at("apple"), live);
 }
 
-TEST_F(ShrinkIndexTest, NoLiveEntryGoesWithAnEmptyList) {
+TEST_F(ShrinkIndexTest, NoLivePostingGoesWithAnEmptyList) {
   std::string codes;
   for (unsigned code = 1; code < 65536; ++code) codes += Units({code});
   const Records stored = Shrunk({{"apple", codes}, {"g-deleted", ""}, {"g-opts", kNoPositions}});
@@ -158,7 +162,7 @@ TEST_F(ShrinkIndexTest, RemovedCodesVanishFromQueries) {
   engine_.RemoveDocumentWords("one");
   engine_.ShrinkIndex();
   EXPECT_EQ(Listing(engine_.QueryWord("cat")), "100 two\n");
-  EXPECT_EQ(Stored().at("cat"), Entry(2, {1}));
+  EXPECT_EQ(Stored().at("cat"), EncodedPosting(2, {1}));
 }
 
 TEST_F(ShrinkIndexTest, ReclaimsTheSpaceInTheFile) {

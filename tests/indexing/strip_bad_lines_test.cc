@@ -109,7 +109,7 @@ TEST(StripBadLinesTest, DashLineOf72BytesOpensABlockAgain) {
   EXPECT_EQ(BadLines(kEncoded + Line('-', 72) + "abc\n").text, "\n\n\n");
 }
 
-TEST(StripBadLinesTest, EncodedBlockGoesOnBehindUuencodedLines) {
+TEST(StripBadLinesTest, EncodedBlockGoesOnAfterUuencodedLines) {
   // The blanked first line leaves 'M' where the next line goes, so that the next one opens a block.
   const std::string encoded = "aM" + std::string(70, 'x') + "\n";
   EXPECT_EQ(BadLines(encoded + kUuencoded + "Mmm mmm\nabc\ntwo words\nabc\n").text,

@@ -28,7 +28,7 @@ TEST(StripNonWordsTest, TextOfTheSameLengthKeepsItsLastBlankAndGetsNoTerminator)
   EXPECT_EQ(result.buffer, "abc #");
 }
 
-TEST(StripNonWordsTest, BlankAfterALastLetterLiesBehindTheText) {
+TEST(StripNonWordsTest, BlankAfterALastLetterIsPastTheText) {
   const Stripped result = NonWords("abc");
   EXPECT_EQ(result.length, 4);
   EXPECT_EQ(result.buffer, "abc ");
@@ -88,7 +88,7 @@ TEST(StripNonWordsTest, ApostropheAtTheEndOfAWordGoes) {
   EXPECT_EQ(NonWords("a''b").text, "a b ");
 }
 
-TEST(StripNonWordsTest, ApostropheEndsAWordSoThatALineFeedBehindItStays) {
+TEST(StripNonWordsTest, ApostropheEndsAWordSoThatALineFeedAfterItStays) {
   EXPECT_EQ(NonWords("abc'\ndef").text, "abc\ndef ");
 }
 
@@ -97,7 +97,7 @@ TEST(StripNonWordsTest, ApostropheBeforeAWordGoes) {
   EXPECT_EQ(NonWords("it 'tis").text, "it tis ");
 }
 
-TEST(StripNonWordsTest, LetterBehindTheLengthDoesNotKeepAnApostrophe) {
+TEST(StripNonWordsTest, LetterPastTheLengthDoesNotKeepAnApostrophe) {
   const auto strip_five = [](char* text, unsigned) { return Kestan::StripNonWords(text, 5); };
   const Stripped result = StripInPlace("rock'n", 0, strip_five);
   EXPECT_EQ(result.length, 5);

@@ -126,7 +126,7 @@ TEST(StripWordsTest, BytesAboveTheLettersSeparateAndStay) {
   EXPECT_EQ(Words(std::string_view("cat\0the\0dog", 11), "the").text, std::string("cat\0\0dog", 8));
 }
 
-TEST(StripWordsTest, BytesBehindTheLengthAreLeftAlone) {
+TEST(StripWordsTest, BytesPastTheLengthAreLeftAlone) {
   const char* const no_list[] = {nullptr};
   char text[] = "cat dogs";
   EXPECT_EQ(Kestan::StripWords(text, 7, "the", no_list), 7);

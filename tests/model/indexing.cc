@@ -74,8 +74,8 @@ unsigned Model::TakeCode() {
 }
 
 // A record that is new is in the file at once, but empty until the next flush.
-void Model::AppendEntry(const std::string& word, unsigned code,
-                        const std::vector<unsigned>& positions, Lines* new_words) {
+void Model::AppendPosting(const std::string& word, unsigned code,
+                          const std::vector<unsigned>& positions, Lines* new_words) {
   Value record = store_.Get(word);
   if (record == nullptr) {
     store_.Put(word, "");
@@ -96,7 +96,7 @@ Text Model::AddDocumentWords(const std::string& name, const std::string& text) {
   const unsigned code = TakeCode();
   if (code == 0) return ConstantEmpty();
   for (const auto& [word, positions] : WordsOf(text)) {
-    AppendEntry(word, code, positions, &new_words);
+    AppendPosting(word, code, positions, &new_words);
   }
   store_.Put(NameKey(code), name);
   store_.Put("d-" + name, BytesOf(process_.now, 4) + BytesOf(code, 4));
@@ -142,14 +142,14 @@ std::uint32_t Model::DocumentTimestamp(const std::string& name) {
 }
 
 // One-byte words are passed over, unlike everywhere else.
-void Model::PurgeEntries(const std::set<unsigned>& codes) {
+void Model::PurgePostings(const std::set<unsigned>& codes) {
   store_.ForEach([&](const std::string& key, const Value& value) {
     if (key.size() < 2 || key[1] == '-') return;
     std::string kept;
     bool purged = false;
-    for (const Entry& entry : EntriesOf(value->bytes, PositionsKept())) {
-      if (codes.count(entry.code) == 0) {
-        kept += RecordOf(entry.units);
+    for (const Posting& posting : PostingsOf(value->bytes, PositionsKept())) {
+      if (codes.count(posting.code) == 0) {
+        kept += RecordOf(posting.units);
       } else {
         purged = true;
       }
@@ -164,7 +164,7 @@ int Model::ShrinkIndex() {
     const std::vector<unsigned> codes = UnitsOf(deleted->bytes);
     std::set<unsigned> purged(codes.begin(), codes.end());
     purged.insert(0);  // no document's code, but a damaged record may hold it
-    PurgeEntries(purged);
+    PurgePostings(purged);
     std::vector<unsigned> avail = UnitsOf(avail_codes_->bytes);
     const bool was_empty = avail.empty();
     avail.insert(avail.end(), codes.begin(), codes.end());

@@ -73,7 +73,7 @@ int Model::SetOptionFlag(std::uint32_t flags) {
   store_.ForEach([](const std::string& key, const Value& value) {
     if (IsSystemKey(key)) return;
     std::vector<unsigned> codes;
-    for (const Entry& entry : EntriesOf(value->bytes, true)) codes.push_back(entry.code);
+    for (const Posting& posting : PostingsOf(value->bytes, true)) codes.push_back(posting.code);
     *value = Cell{RecordOf(codes), true};
   });
   return 0;

@@ -68,7 +68,7 @@ Text Model::WordsBetween(std::uint32_t lower, std::uint32_t upper) {
   Lines lines(process_);
   WalkAndFlush(101, 101, [&](const std::string& key, const Value& value) {
     if (IsSystemKey(key)) return;
-    const std::size_t count = EntriesOf(value->bytes, PositionsKept()).size();
+    const std::size_t count = PostingsOf(value->bytes, PositionsKept()).size();
     if (lower <= count && count <= upper) lines.Add(key, key.size() + 2);
   });
   return lines.Finish();

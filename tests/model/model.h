@@ -90,9 +90,9 @@ class Model {
   bool PositionsKept() const { return (flags_ & 1) == 0; }
   std::vector<unsigned> DeletedCodes();
   unsigned TakeCode();
-  void AppendEntry(const std::string& word, unsigned code, const std::vector<unsigned>& positions,
-                   class Lines* new_words);
-  void PurgeEntries(const std::set<unsigned>& codes);
+  void AppendPosting(const std::string& word, unsigned code, const std::vector<unsigned>& positions,
+                     class Lines* new_words);
+  void PurgePostings(const std::set<unsigned>& codes);
   int Register(const ResultSet& result);
   const ResultSet* Find(int id) const;
   Text WordsBetween(std::uint32_t lower, std::uint32_t upper);

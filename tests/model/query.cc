@@ -55,12 +55,12 @@ int Model::QueryWord(const std::string& word) {
   const Value record = store_.Get(word);
   if (record == nullptr) return -1;
   ResultSet result;
-  for (const Entry& entry : EntriesOf(record->bytes, PositionsKept())) {
+  for (const Posting& posting : PostingsOf(record->bytes, PositionsKept())) {
     Hit hit{1, {0}};
     if (PositionsKept()) {
-      hit = Hit{static_cast<std::uint32_t>(entry.positions.size()), entry.positions};
+      hit = Hit{static_cast<std::uint32_t>(posting.positions.size()), posting.positions};
     }
-    result.insert({entry.code, hit});  // keeps the first entry of a code
+    result.insert({posting.code, hit});  // keeps the first posting of a code
   }
   return Register(result);
 }

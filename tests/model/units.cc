@@ -34,21 +34,21 @@ std::string RecordOf(const std::vector<unsigned>& units) {
   return record;
 }
 
-std::vector<Entry> EntriesOf(const std::string& record, bool positions_kept) {
+std::vector<Posting> PostingsOf(const std::string& record, bool positions_kept) {
   const std::vector<unsigned> units = UnitsOf(record);
-  std::vector<Entry> entries;
+  std::vector<Posting> postings;
   for (std::size_t at = 0; at < units.size();) {
     std::size_t end = at + 1;
     if (positions_kept) end = at + 2 + (at + 1 < units.size() ? units[at + 1] : 0);
-    Entry entry{units[at], {}, {}};
+    Posting posting{units[at], {}, {}};
     for (std::size_t i = at; i < end && i < units.size(); ++i) {
-      entry.units.push_back(units[i]);
-      if (i >= at + 2) entry.positions.push_back(units[i]);
+      posting.units.push_back(units[i]);
+      if (i >= at + 2) posting.positions.push_back(units[i]);
     }
-    entries.push_back(entry);
+    postings.push_back(posting);
     at = end;
   }
-  return entries;
+  return postings;
 }
 
 }  // namespace kestan_model

@@ -23,15 +23,15 @@ std::vector<unsigned> UnitsOf(const std::string& record);
 std::string RecordOf(const std::vector<unsigned>& units);
 
 // One document's part of a posting record.
-struct Entry {
+struct Posting {
   unsigned code;
   std::vector<unsigned> positions;
-  std::vector<unsigned> units;  // all of the entry, as the record has it
+  std::vector<unsigned> units;  // all of the posting, as the record has it
 };
 
-// The entries of a posting record: a code, a count, that many positions; or, where positions are
-// not kept, a code alone. The last entry is as long as the record lets it be.
-std::vector<Entry> EntriesOf(const std::string& record, bool positions_kept);
+// The postings of a posting record: a code, a count, that many positions; or, where positions are
+// not kept, a code alone. The last posting is as long as the record lets it be.
+std::vector<Posting> PostingsOf(const std::string& record, bool positions_kept);
 
 }  // namespace kestan_model
 

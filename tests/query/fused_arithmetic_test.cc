@@ -25,7 +25,7 @@ class FusedArithmeticTest : public IndexTest {
   // Lists the words of an index of `documents` documents that are in at least, and at most, this
   // share of them. One word is in one document, another in none.
   std::string WordsOfShare(unsigned documents, double share) {
-    PlantAndReopen({{"g-code", Units({documents})}, {"one", Entry(1, {1})}, {"none", ""}});
+    PlantAndReopen({{"g-code", Units({documents})}, {"one", EncodedPosting(1, {1})}, {"none", ""}});
     return engine_.CommonWords(share, share);
   }
 };

@@ -14,7 +14,7 @@ class QueryResultsTest : public QueryTest {
     Records names;
     for (unsigned score : scores) {
       const auto code = static_cast<unsigned>(names.size()) + 1;
-      postings += Entry(code, Numbers(score, 1));
+      postings += EncodedPosting(code, Numbers(score, 1));
       names[NameKey(code)] = std::to_string(code);
     }
     PlantAndReopen(names);
@@ -74,7 +74,8 @@ TEST_F(QueryResultsTest, NegationListsEveryDocumentWith0) {
 
 TEST_F(QueryResultsTest, LinesFollowTheCodesNotTheScores) {
   PlantAndReopen({{NameKey(300), "a"}, {NameKey(2), "b"}, {NameKey(65535), "c"}});
-  EXPECT_EQ(List(Postings(Entry(65535, {1, 2}) + Entry(300, {1}) + Entry(2, {1, 2}))),
+  EXPECT_EQ(List(Postings(EncodedPosting(65535, {1, 2}) + EncodedPosting(300, {1}) +
+                          EncodedPosting(2, {1, 2}))),
             "100 b\n50 a\n100 c\n");
 }
 
@@ -102,7 +103,7 @@ TEST_F(QueryResultsTest, RemovedDocumentDoesNotSetTheScale) {
 
 TEST_F(QueryResultsTest, DocumentWithoutNameIsLeftOutButSetsTheScale) {
   PlantAndReopen({{NameKey(2), "two"}});
-  EXPECT_EQ(List(Postings(Entry(1, {1, 2, 3, 4}) + Entry(2, {1}))), "25 two\n");
+  EXPECT_EQ(List(Postings(EncodedPosting(1, {1, 2, 3, 4}) + EncodedPosting(2, {1}))), "25 two\n");
 }
 
 TEST_F(QueryResultsTest, OddByteOfTheRemovedCodesIsNoCode) {
@@ -144,7 +145,7 @@ TEST_F(QueryResultsTest, ListsTheSameTwice) {
 TEST_F(QueryResultsTest, NamesAreListedByteForByte) {
   const std::string name("a \0\n\xff%u", 7);
   PlantAndReopen({{NameKey(1), name}, {NameKey(2), ""}});
-  engine_.QueryResults(Postings(Entry(1, {1}) + Entry(2, {1})));
+  engine_.QueryResults(Postings(EncodedPosting(1, {1}) + EncodedPosting(2, {1})));
   EXPECT_EQ(std::string(Kestan::WordBuf, 18), "100 " + name + "\n100 \n" + '\0');
 }
 
@@ -165,15 +166,16 @@ TEST_F(QueryResultsTest, BufferDoublesOnlyOnceForOneLine) {
 
 TEST_F(QueryResultsTest, BufferDoublesAgainAtTheNextLine) {
   PlantAndReopen({{NameKey(1), Name(10000)}, {NameKey(2), "x"}, {NameKey(3), "y"}});
-  EXPECT_EQ(List(Postings(Entry(1, {1}) + Entry(2, {1}) + Entry(3, {1}))),
-            "100 " + Name(10000) + "\n100 x\n100 y\n");
+  EXPECT_EQ(
+      List(Postings(EncodedPosting(1, {1}) + EncodedPosting(2, {1}) + EncodedPosting(3, {1}))),
+      "100 " + Name(10000) + "\n100 x\n100 y\n");
   EXPECT_EQ(Kestan::WBSize, 16384U);
 }
 
 TEST_F(QueryResultsTest, RoomIsCountedFromTheEndOfTheLines) {
   // The first line takes 4 + 2000 + 1 bytes and leaves 2091.
   PlantAndReopen({{NameKey(1), Name(2000)}, {NameKey(2), Name(2071)}});
-  const int both = Postings(Entry(1, {1}) + Entry(2, {1}));
+  const int both = Postings(EncodedPosting(1, {1}) + EncodedPosting(2, {1}));
   List(both);
   EXPECT_EQ(Kestan::WBSize, 4096U);
   PlantAndReopen({{NameKey(2), Name(2072)}});

@@ -18,12 +18,13 @@ TEST_F(QueryWordTest, FindsTheDocumentsWithTheirPositions) {
 }
 
 TEST_F(QueryWordTest, PutsDocumentsInOrderOfTheirCodes) {
-  EXPECT_EQ(Of(Entry(9, {1}) + Entry(65535, {2, 3}) + Entry(4, {}) + Entry(5, {7})),
+  EXPECT_EQ(Of(EncodedPosting(9, {1}) + EncodedPosting(65535, {2, 3}) + EncodedPosting(4, {}) +
+               EncodedPosting(5, {7})),
             (Hits{{4, 0, {}}, {5, 1, {7}}, {9, 1, {1}}, {65535, 2, {2, 3}}}));
 }
 
 TEST_F(QueryWordTest, PositionsKeepTheirStoredOrder) {
-  EXPECT_EQ(Of(Entry(1, {5, 3, 3, 0, 9})), (Hits{{1, 5, {5, 3, 3, 0, 9}}}));
+  EXPECT_EQ(Of(EncodedPosting(1, {5, 3, 3, 0, 9})), (Hits{{1, 5, {5, 3, 3, 0, 9}}}));
 }
 
 TEST_F(QueryWordTest, WithoutPositionsEachDocumentScores1AtAnUnknownPlace) {
@@ -33,11 +34,11 @@ TEST_F(QueryWordTest, WithoutPositionsEachDocumentScores1AtAnUnknownPlace) {
 
 TEST_F(QueryWordTest, OtherOptionFlagsKeepPositions) {
   PlantAndReopen({{"g-opts", Units({2, 0})}});
-  EXPECT_EQ(Of(Entry(7, {2})), (Hits{{7, 1, {2}}}));
+  EXPECT_EQ(Of(EncodedPosting(7, {2})), (Hits{{7, 1, {2}}}));
 }
 
 TEST_F(QueryWordTest, MatchesByteForByte) {
-  PlantAndReopen({{"cat", Entry(1, {1})}});
+  PlantAndReopen({{"cat", EncodedPosting(1, {1})}});
   for (const char* word : {"Cat", "ca", "cats", " cat", ""}) EXPECT_EQ(Word(word), -1) << word;
   EXPECT_EQ(Word("cat"), 1);
 }
@@ -59,10 +60,11 @@ TEST_F(QueryWordTest, SeesPostingsThatAreNotFlushed) {
   EXPECT_EQ(HitsOf(Word("cat")), (Hits{{1, 1, {1}}, {2, 1, {1}}}));
 }
 
-TEST_F(QueryWordTest, FirstEntryOfACodeCounts) {
-  EXPECT_EQ(Of(Entry(5, {1, 2}) + Entry(3, {4}) + Entry(5, {9}) + Entry(3, {8})),
+TEST_F(QueryWordTest, FirstPostingOfACodeCounts) {
+  EXPECT_EQ(Of(EncodedPosting(5, {1, 2}) + EncodedPosting(3, {4}) + EncodedPosting(5, {9}) +
+               EncodedPosting(3, {8})),
             (Hits{{3, 1, {4}}, {5, 2, {1, 2}}}));
-  EXPECT_EQ(Of(Entry(3, {1, 2}) + Entry(3, {9})), (Hits{{3, 2, {1, 2}}}));
+  EXPECT_EQ(Of(EncodedPosting(3, {1, 2}) + EncodedPosting(3, {9})), (Hits{{3, 2, {1, 2}}}));
 }
 
 TEST_F(QueryWordTest, FirstUnitOfACodeCountsWithoutPositions) {
@@ -74,7 +76,7 @@ TEST_F(QueryWordTest, FirstUnitOfACodeCountsWithoutPositions) {
 TEST_F(QueryWordTest, EmptyRecordIsAnEmptySet) { EXPECT_EQ(Of(""), Hits{}); }
 
 TEST_F(QueryWordTest, OddLastByteIsIgnored) {
-  EXPECT_EQ(Of(Entry(3, {9}) + "x"), (Hits{{3, 1, {9}}}));
+  EXPECT_EQ(Of(EncodedPosting(3, {9}) + "x"), (Hits{{3, 1, {9}}}));
   EXPECT_EQ(Of("x"), Hits{});
 }
 
@@ -90,11 +92,11 @@ TEST_F(QueryWordTest, CountPastTheEndIsCutToWhatIsLeft) {
 
 TEST_F(QueryWordTest, MissingCountIs0) {
   EXPECT_EQ(Of(Units({7})), (Hits{{7, 0, {}}}));
-  EXPECT_EQ(Of(Entry(1, {5}) + Units({7})), (Hits{{1, 1, {5}}, {7, 0, {}}}));
+  EXPECT_EQ(Of(EncodedPosting(1, {5}) + Units({7})), (Hits{{1, 1, {5}}, {7, 0, {}}}));
 }
 
 TEST_F(QueryWordTest, EveryTruncationOfARecordIsServed) {
-  const std::string whole = Entry(1, {8}) + Entry(2, {9, 10});
+  const std::string whole = EncodedPosting(1, {8}) + EncodedPosting(2, {9, 10});
   const std::vector<Hits> expected = {
       {},
       {{1, 0, {}}},
@@ -111,7 +113,7 @@ TEST_F(QueryWordTest, EveryTruncationOfARecordIsServed) {
 }
 
 TEST_F(QueryWordTest, AnyChangedByteIsServed) {
-  const std::string whole = Entry(1, {8}) + Entry(2, {9, 10});
+  const std::string whole = EncodedPosting(1, {8}) + EncodedPosting(2, {9, 10});
   for (std::size_t at = 0; at < whole.size(); ++at) {
     std::string changed = whole;
     changed[at] = '\xff';
@@ -120,7 +122,7 @@ TEST_F(QueryWordTest, AnyChangedByteIsServed) {
 }
 
 TEST_F(QueryWordTest, RecordOf65535PositionsIsRead) {
-  const Hits hits = Of(Entry(1, From(1, 65535)) + Entry(2, {1}));
+  const Hits hits = Of(EncodedPosting(1, From(1, 65535)) + EncodedPosting(2, {1}));
   EXPECT_EQ(hits, (Hits{{1, 65535, From(1, 65535)}, {2, 1, {1}}}));
 }
 

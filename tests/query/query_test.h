@@ -68,7 +68,7 @@ class QueryTest : public IndexTest {
   }
 
   // Returns a set of document 1 alone, which holds a word at `positions`.
-  int At(const Numbers& positions) { return Postings(Entry(1, positions)); }
+  int At(const Numbers& positions) { return Postings(EncodedPosting(1, positions)); }
 
   // Turns the index into one without positions.
   void DropPositions() { PlantAndReopen({{"g-opts", kNoPositions}}); }

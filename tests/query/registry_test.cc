@@ -30,7 +30,8 @@ class RegistryTest : public QueryTest {
  protected:
   void SetUp() override {
     QueryTest::SetUp();
-    PlantAndReopen(Document("one", 1) + Records{{"cat", Entry(1, {1})}, {"g-code", Units({1})}});
+    PlantAndReopen(Document("one", 1) +
+                   Records{{"cat", EncodedPosting(1, {1})}, {"g-code", Units({1})}});
   }
 };
 
@@ -81,7 +82,7 @@ TEST_F(RegistryTest, UnknownIdsAreFreedSilently) {
 }
 
 TEST_F(RegistryTest, OperandsStayAsTheyAre) {
-  PlantAndReopen({{"dog", Entry(1, {2}) + Entry(3, {9})}});
+  PlantAndReopen({{"dog", EncodedPosting(1, {2}) + EncodedPosting(3, {9})}});
   const int cat = Word("cat"), dog = Word("dog");
   const Hits cat_before = HitsOf(cat), dog_before = HitsOf(dog);
   And(cat, dog, 1);
@@ -111,7 +112,7 @@ TEST_F(RegistryTest, SetsOutliveTheOpenIndex) {
 TEST_F(RegistryTest, EnginesShareIdsAndSets) {
   static Kestan* const second = new Kestan;
   const std::string other_path = folder_ / "other";
-  Plant(other_path, {{"dog", Entry(1, {2})}});
+  Plant(other_path, {{"dog", EncodedPosting(1, {2})}});
   ASSERT_EQ(second->OpenIndex(other_path.c_str(), 1), 0);
   EXPECT_EQ(engine_.QueryWord("cat"), 1);
   EXPECT_EQ(second->QueryWord("dog"), 2);
@@ -125,7 +126,7 @@ TEST_F(RegistryTest, EnginesShareIdsAndSets) {
 
 TEST_F(RegistryTest, SetsOutliveTheEngineThatMadeThem) {
   const std::string other_path = folder_ / "other";
-  Plant(other_path, {{"dog", Entry(1, {2})}});
+  Plant(other_path, {{"dog", EncodedPosting(1, {2})}});
   auto other = std::make_unique<Kestan>();
   ASSERT_EQ(other->OpenIndex(other_path.c_str(), 1), 0);
   EXPECT_EQ(other->QueryWord("dog"), 1);
@@ -143,7 +144,7 @@ class RegistryMemoryTest : public QueryTest {
   void SetUp() override {
     QueryTest::SetUp();
     std::string record;
-    for (unsigned code = 1; code <= 20; ++code) record += Entry(code, Numbers(60000, 7));
+    for (unsigned code = 1; code <= 20; ++code) record += EncodedPosting(code, Numbers(60000, 7));
     PlantAndReopen({{"cat", record}});
     engine_.FreeQueryResult(engine_.QueryWord("cat"));  // the record itself is cached from now on
   }

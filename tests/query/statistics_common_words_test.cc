@@ -30,7 +30,7 @@ class CommonWordsTest : public IndexTest {
     Records records = {{"g-code", Units({documents})}, {"n0", ""}, {"g-avail", ""}};
     std::string postings;
     for (unsigned count = 1; count <= 10; ++count) {
-      postings += Entry(count, {1, 2});
+      postings += EncodedPosting(count, {1, 2});
       records[std::string("n") + "0123456789X"[count]] = postings;
     }
     PlantAndReopen(records);
@@ -167,18 +167,19 @@ TEST_F(CommonWordsTest, CountsBareCodesWherePositionsAreNotKept) {
 TEST_F(CommonWordsTest, ShortWordsTakePartAndSystemRecordsDoNot) {
   Records records = {{"g-code", Units({9})}};
   for (const char* key : {"a", "-", "ab", "x-", "--", "abc", "x-y", "---", "xy-"}) {
-    records[key] = Entry(1, {1});
+    records[key] = EncodedPosting(1, {1});
   }
   PlantAndReopen(records);
   EXPECT_EQ(Sorted(engine_.CommonWords(1, 1)), "- -- a ab abc x- xy- ");
 }
 
 TEST_F(CommonWordsTest, DamagedRecordsAreCountedToTheirEnd) {
-  PlantAndReopen({{"g-code", Units({9})},
-                  {"far", Units({1, 65535, 1, 1})},
-                  {"lone", Entry(1, {1}) + Units({2})},
-                  {"byte", "x"},
-                  {"cut", Entry(1, {1}) + Entry(2, {1}) + Units({3, 9, 1}) + "x"}});
+  PlantAndReopen(
+      {{"g-code", Units({9})},
+       {"far", Units({1, 65535, 1, 1})},
+       {"lone", EncodedPosting(1, {1}) + Units({2})},
+       {"byte", "x"},
+       {"cut", EncodedPosting(1, {1}) + EncodedPosting(2, {1}) + Units({3, 9, 1}) + "x"}});
   EXPECT_EQ(Sorted(engine_.CommonWords(0, 0)), "byte ");
   EXPECT_EQ(Sorted(engine_.CommonWords(1, 1)), "far ");
   EXPECT_EQ(Sorted(engine_.CommonWords(2, 2)), "lone ");
@@ -192,7 +193,7 @@ TEST_F(CommonWordsTest, ShortCounterIsPaddedWithZeros) {
 }
 
 TEST_F(CommonWordsTest, IndexWithoutCounterIsAnEmptyTextOutsideTheBuffer) {
-  PlantAndReopen({{"cat", Entry(1, {1})}});
+  PlantAndReopen({{"cat", EncodedPosting(1, {1})}});
   const auto list = [&] { EXPECT_STREQ(engine_.CommonWords(0, -1), ""); };
   EXPECT_EQ(StandardErrorOf(list), "");
   EXPECT_EQ(Kestan::WordBuf, nullptr);

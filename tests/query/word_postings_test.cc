@@ -30,7 +30,7 @@ std::vector<std::string> Spelled(const WordPostings& postings) {
 using Strings = std::vector<std::string>;
 
 TEST(WordPostingsTest, AreThoseOfTheRecord) {
-  const auto postings = PostingsIn(Entry(3, {1, 258}) + Entry(700, {65535}));
+  const auto postings = PostingsIn(EncodedPosting(3, {1, 258}) + EncodedPosting(700, {65535}));
   EXPECT_TRUE(postings.has_word());
   EXPECT_EQ(postings.CountDocuments(), 2u);
   EXPECT_EQ(Spelled(postings), Strings({"3: 1 258", "700: 65535"}));
@@ -56,12 +56,14 @@ TEST(WordPostingsTest, WithoutPositionsAreCodesAlone) {
 }
 
 TEST(WordPostingsTest, CodeThatWasUsedAgainComesInItsOrder) {
-  const auto postings = PostingsIn(Entry(1, {1}) + Entry(9, {2, 3}) + Entry(4, {7}));
+  const auto postings =
+      PostingsIn(EncodedPosting(1, {1}) + EncodedPosting(9, {2, 3}) + EncodedPosting(4, {7}));
   EXPECT_EQ(Spelled(postings), Strings({"1: 1", "4: 7", "9: 2 3"}));
 }
 
 TEST(WordPostingsTest, OfOneCodeTwiceTheFirstStays) {
-  const auto postings = PostingsIn(Entry(4, {7}) + Entry(4, {8}) + Entry(1, {1}));
+  const auto postings =
+      PostingsIn(EncodedPosting(4, {7}) + EncodedPosting(4, {8}) + EncodedPosting(1, {1}));
   EXPECT_EQ(postings.CountDocuments(), 3u);
   EXPECT_EQ(Spelled(postings), Strings({"1: 1", "4: 7"}));
 }
@@ -71,20 +73,21 @@ TEST(WordPostingsTest, CodesOutOfOrderWithoutPositionsAreSorted) {
 }
 
 TEST(WordPostingsTest, CutRecordInOrderGivesWhatItHolds) {
-  const std::string record = Entry(2, {1, 2}) + Entry(6, {3, 4, 5});
+  const std::string record = EncodedPosting(2, {1, 2}) + EncodedPosting(6, {3, 4, 5});
   EXPECT_EQ(Spelled(PostingsIn(record.substr(0, record.size() - 3))), Strings({"2: 1 2", "6: 3"}));
   EXPECT_EQ(Spelled(PostingsIn(record.substr(0, 10))), Strings({"2: 1 2", "6:"}));
 }
 
 // The posting that claims more positions than there are is no longer the last one.
 TEST(WordPostingsTest, CutRecordOutOfOrderGivesWhatItHolds) {
-  const std::string record = Entry(6, {1, 2}) + Units({2, 9, 3});
+  const std::string record = EncodedPosting(6, {1, 2}) + Units({2, 9, 3});
   EXPECT_EQ(Spelled(PostingsIn(record)), Strings({"2: 3", "6: 1 2"}));
-  EXPECT_EQ(Spelled(PostingsIn(Entry(6, {1, 2}) + Units({2}))), Strings({"2:", "6: 1 2"}));
+  EXPECT_EQ(Spelled(PostingsIn(EncodedPosting(6, {1, 2}) + Units({2}))), Strings({"2:", "6: 1 2"}));
 }
 
 TEST(WordPostingsTest, EveryCutOfARecordIsRead) {
-  const std::string record = Entry(6, {1, 2}) + Entry(2, {4}) + Entry(8, {5, 6, 7});
+  const std::string record =
+      EncodedPosting(6, {1, 2}) + EncodedPosting(2, {4}) + EncodedPosting(8, {5, 6, 7});
   for (std::size_t size = 0; size <= record.size(); ++size) {
     const auto postings = PostingsIn(record.substr(0, size));
     EXPECT_EQ(Spelled(postings).size(), postings.CountDocuments()) << size;

@@ -174,7 +174,7 @@ TEST_F(DamagedFileTest, IsNotWalkedForEverByOneWhoAddsAndDeletesARecordInEachSte
   EXPECT_GT(CountCycles(1, come_and_go), 0);
 }
 
-TEST_F(DamagedFileTest, WithADirectoryThatLeadsNowhereIsFoundDamagedOnceItIsUsed) {
+TEST_F(DamagedFileTest, WithADanglingDirectoryIsFoundDamagedOnceItIsUsed) {
   const auto directory = static_cast<std::size_t>(NumberAt(kPlaceOfDirectory));
   SetNumberAt(directory, std::uint64_t{1} << 40);
   ASSERT_EQ(store_.Open(path_.c_str(), 0), 0);

@@ -308,7 +308,7 @@ TEST_F(ExportServerTest, AnEarlierTableStaysAsItWas) {
   EXPECT_EQ(server_->Rows("SELECT count(*) FROM kestan"), std::vector<std::string>{"1"});
 }
 
-TEST_F(ExportServerTest, AScriptThatWasCutOffLeavesNothingBehind) {
+TEST_F(ExportServerTest, AScriptThatWasCutOffLeavesNothing) {
   for (int i = 0; i < 100; ++i) {
     engine_.AddDocumentWords(("name" + std::to_string(i)).c_str(), "b");
   }

@@ -165,13 +165,13 @@ TEST_F(DocumentsTest, WithoutOptionsPositionsAreRead) {
 // As where a record of theirs was lost.
 TEST_F(DocumentsTest, CapitalsAccountForAFoldedFormAtTheirOwnPlaceOnly) {
   engine_.AddDocumentWords("a", "bee");
-  PlantAndReopen({{"Ape", Entry(1, {2, 3, 4})},
-                  {"Zoo", Entry(1, {5})},
-                  {"ape", Entry(1, {3, 6})},
-                  {"bat", Entry(1, {4})},
-                  {"Bat", Entry(1, {7})},
-                  {"Cow", Entry(1, {8})},
-                  {"dog", Entry(1, {9})}});
+  PlantAndReopen({{"Ape", EncodedPosting(1, {2, 3, 4})},
+                  {"Zoo", EncodedPosting(1, {5})},
+                  {"ape", EncodedPosting(1, {3, 6})},
+                  {"bat", EncodedPosting(1, {4})},
+                  {"Bat", EncodedPosting(1, {7})},
+                  {"Cow", EncodedPosting(1, {8})},
+                  {"dog", EncodedPosting(1, {9})}});
   EXPECT_EQ(Read(), Lines{"a: bee/1 Ape/2 Ape/3 Ape/4 bat/4 Zoo/5 ape/6 Bat/7 Cow/8 dog/9"});
 }
 
@@ -185,7 +185,8 @@ TEST_F(DocumentsTest, OldPostingsOfOneLetterWordsGiveWayToNewerOnes) {
 
 TEST_F(DocumentsTest, DamagedPostingsAreReadAsFarAsTheyGo) {
   engine_.AddDocumentWords("a", "one two");
-  PlantAndReopen({{"one", Entry(1, {7, 0}) + Units({1, 9, 5})}, {"two", "x"}, {"three", ""}});
+  PlantAndReopen(
+      {{"one", EncodedPosting(1, {7, 0}) + Units({1, 9, 5})}, {"two", "x"}, {"three", ""}});
   EXPECT_EQ(Read(), Lines{"a: one/0 one/5 one/7"});
 }
 

@@ -82,7 +82,7 @@ TEST_F(FreeSpaceTest, IsListedAfterTheExtensionInTheExtendedFormat) {
   EXPECT_EQ(CountFound(), 1U);
 }
 
-TEST_F(FreeSpaceTest, EveryEntryOfAListCounts) {
+TEST_F(FreeSpaceTest, EveryElementOfAListCounts) {
   PutRecord();
   PutList(kList, 2, {1, 7000});
   Put(kList + sizeof(gdbm::FreeList) + sizeof(gdbm::FreeSpace), gdbm::FreeSpace{6, record_.data});
@@ -97,13 +97,13 @@ TEST_F(FreeSpaceTest, IsListedInFurtherListsToo) {
   EXPECT_EQ(CountFound(), 0U);
 }
 
-TEST_F(FreeSpaceTest, ListsThatLeadInCirclesEnd) {
+TEST_F(FreeSpaceTest, CyclicListsEnd) {
   PutRecord();
   PutList(kList, 1, {1, 7000}, kList);
   EXPECT_EQ(CountFound(), 1U);
 }
 
-TEST_F(FreeSpaceTest, ListsThatLeadNowhereEnd) {
+TEST_F(FreeSpaceTest, DanglingListsEnd) {
   PutRecord();
   for (const Offset next : {file_.size(), file_.size() - 1, ~std::size_t{0}}) {
     PutList(kList, 1, {1, 7000}, next);

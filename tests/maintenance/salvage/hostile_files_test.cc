@@ -146,7 +146,7 @@ TEST_F(RepairOfHostileFilesTest, BucketsOfExtremes) {
   }
 }
 
-TEST_F(RepairOfHostileFilesTest, ListsOfFreeSpaceThatLeadInCircles) {
+TEST_F(RepairOfHostileFilesTest, CyclicListsOfFreeSpace) {
   std::string bytes = Good();
   const std::size_t list = sizeof(gdbm::Header);
   Put(&bytes, list, gdbm::FreeList{INT_MAX, INT_MAX, list});

@@ -16,15 +16,17 @@ class QueryAndTest : public QueryTest {
 };
 
 TEST_F(QueryAndTest, KeepsTheDocumentsOfBoth) {
-  const int first = Postings(Entry(1, {1}) + Entry(3, {1}) + Entry(5, {1}) + Entry(7, {1}));
-  const int second = Postings(Entry(2, {50}) + Entry(3, {51}) + Entry(7, {52}) + Entry(9, {53}));
+  const int first = Postings(EncodedPosting(1, {1}) + EncodedPosting(3, {1}) +
+                             EncodedPosting(5, {1}) + EncodedPosting(7, {1}));
+  const int second = Postings(EncodedPosting(2, {50}) + EncodedPosting(3, {51}) +
+                              EncodedPosting(7, {52}) + EncodedPosting(9, {53}));
   EXPECT_EQ(HitsOf(And(first, second, 0)), (Hits{{3, 2, {51}}, {7, 2, {52}}}));
   EXPECT_EQ(HitsOf(And(second, first, 0)), (Hits{{3, 2, {1}}, {7, 2, {1}}}));
 }
 
 TEST_F(QueryAndTest, IsEmptyWhereNoDocumentIsInBoth) {
-  const int first = Postings(Entry(1, {1}));
-  EXPECT_EQ(HitsOf(And(first, Postings(Entry(2, {1})), 0)), Hits{});
+  const int first = Postings(EncodedPosting(1, {1}));
+  EXPECT_EQ(HitsOf(And(first, Postings(EncodedPosting(2, {1})), 0)), Hits{});
 }
 
 TEST_F(QueryAndTest, UnknownOperandIsMinus1AndSilent) {
@@ -169,8 +171,10 @@ TEST_F(QueryAndTest, DocumentWithoutPositionsDrops) {
 }
 
 TEST_F(QueryAndTest, EachDocumentIsMatchedByItself) {
-  const int first = Postings(Entry(1, {10}) + Entry(2, {10}) + Entry(3, {500}));
-  const int second = Postings(Entry(1, {11}) + Entry(2, {500}) + Entry(3, {500, 11}));
+  const int first =
+      Postings(EncodedPosting(1, {10}) + EncodedPosting(2, {10}) + EncodedPosting(3, {500}));
+  const int second =
+      Postings(EncodedPosting(1, {11}) + EncodedPosting(2, {500}) + EncodedPosting(3, {500, 11}));
   EXPECT_EQ(HitsOf(And(first, second, 0)),
             (Hits{{1, 402, {11}}, {2, 2, {500}}, {3, 3 + 401, {11, 500}}}));
 }

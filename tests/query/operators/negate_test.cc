@@ -21,7 +21,7 @@ TEST_F(QueryNegateTest, FindsTheOtherDocuments) {
 
 TEST_F(QueryNegateTest, OfEverythingIsAnEmptySet) {
   PlantAndReopen({{"g-code", Units({2})}});
-  EXPECT_EQ(HitsOf(Not(Postings(Entry(1, {1}) + Entry(2, {1})))), Hits{});
+  EXPECT_EQ(HitsOf(Not(Postings(EncodedPosting(1, {1}) + EncodedPosting(2, {1})))), Hits{});
 }
 
 TEST_F(QueryNegateTest, OfAnUnknownSetIsEverything) {
@@ -33,7 +33,8 @@ TEST_F(QueryNegateTest, OfAnUnknownSetIsEverything) {
 TEST_F(QueryNegateTest, LeavesOutReusableCodes) {
   PlantAndReopen({{"g-code", Units({6})}, {"g-avail", Units({5, 2})}});
   EXPECT_EQ(HitsOf(Not(-1)), Zeros({1, 3, 4, 6}));
-  EXPECT_EQ(HitsOf(Not(Postings(Entry(2, {1}) + Entry(3, {1})))), Zeros({1, 4, 6}));
+  EXPECT_EQ(HitsOf(Not(Postings(EncodedPosting(2, {1}) + EncodedPosting(3, {1})))),
+            Zeros({1, 4, 6}));
 }
 
 TEST_F(QueryNegateTest, SeesReusableCodesThatAreNotFlushed) {
@@ -54,24 +55,25 @@ TEST_F(QueryNegateTest, KeepsRemovedDocumentsUntilTheIndexIsShrunk) {
 
 TEST_F(QueryNegateTest, IgnoresCodesAboveTheCounter) {
   PlantAndReopen({{"g-code", Units({2})}, {"g-avail", Units({9})}});
-  EXPECT_EQ(HitsOf(Not(Postings(Entry(0, {1}) + Entry(3, {1}) + Entry(65535, {1})))),
+  EXPECT_EQ(HitsOf(Not(Postings(EncodedPosting(0, {1}) + EncodedPosting(3, {1}) +
+                                EncodedPosting(65535, {1})))),
             Zeros({1, 2}));
 }
 
 TEST_F(QueryNegateTest, CountsUpTo65535) {
   PlantAndReopen({{"g-code", Units({65535})}});
-  EXPECT_EQ(HitsOf(Not(Postings(Entry(1, {1})))), Zeros(From(2, 65535)));
+  EXPECT_EQ(HitsOf(Not(Postings(EncodedPosting(1, {1})))), Zeros(From(2, 65535)));
 }
 
 TEST_F(QueryNegateTest, OfANegationIsWhatWasThereWithoutScores) {
   PlantAndReopen({{"g-code", Units({4})}});
-  EXPECT_EQ(HitsOf(Not(Not(Postings(Entry(2, {1, 2}))))), Zeros({2}));
+  EXPECT_EQ(HitsOf(Not(Not(Postings(EncodedPosting(2, {1, 2}))))), Zeros({2}));
 }
 
 TEST_F(QueryNegateTest, CanBeNarrowedByAWord) {
   PlantAndReopen({{"g-code", Units({4})}});
-  const int word = Postings(Entry(2, {8}) + Entry(3, {1, 9}));
-  const int others = Not(Postings(Entry(2, {1})));
+  const int word = Postings(EncodedPosting(2, {8}) + EncodedPosting(3, {1, 9}));
+  const int others = Not(Postings(EncodedPosting(2, {1})));
   EXPECT_EQ(HitsOf(And(word, others, 5)), (Hits{{3, 2, {1, 9}}}));
 }
 

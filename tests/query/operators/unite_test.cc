@@ -7,8 +7,9 @@ namespace {
 class QueryOrTest : public QueryTest {};
 
 TEST_F(QueryOrTest, UnitesTheDocumentsInOrderOfTheirCodes) {
-  const int first = Postings(Entry(2, {1, 5}) + Entry(9, {2}));
-  const int second = Postings(Entry(1, {3}) + Entry(4, {4, 4}) + Entry(10, {}));
+  const int first = Postings(EncodedPosting(2, {1, 5}) + EncodedPosting(9, {2}));
+  const int second =
+      Postings(EncodedPosting(1, {3}) + EncodedPosting(4, {4, 4}) + EncodedPosting(10, {}));
   const Hits expected = {{1, 1, {3}}, {2, 2, {1, 5}}, {4, 2, {4, 4}}, {9, 1, {2}}, {10, 0, {}}};
   EXPECT_EQ(HitsOf(Or(first, second)), expected);
   EXPECT_EQ(HitsOf(Or(second, first)), expected);
@@ -64,7 +65,7 @@ TEST_F(QueryOrTest, WrappedSetCanBeCombinedAndListed) {
 }
 
 TEST_F(QueryOrTest, UnknownOperandCountsAsEmpty) {
-  const int known = Postings(Entry(1, {3, 2}) + Entry(2, {1}));
+  const int known = Postings(EncodedPosting(1, {3, 2}) + EncodedPosting(2, {1}));
   EXPECT_EQ(HitsOf(Or(known, 99)), HitsOf(known));
   EXPECT_EQ(HitsOf(Or(-1, known)), HitsOf(known));
 }
