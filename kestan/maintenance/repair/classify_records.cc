@@ -80,13 +80,15 @@ DocumentCandidate CandidateOf(const Salvage& salvage, const SalvagedRecord& reco
           record.is_current};
 }
 
-bool HasDocument(const Vector<RepairedDocument>& documents, std::string_view name) {
+// Returns the document `name`, null if there is none.
+const RepairedDocument* FindDocument(const RepairedDocuments& documents, std::string_view name) {
   const auto found =
-      std::lower_bound(documents.begin(), documents.end(), name,
+      std::lower_bound(documents.documents.begin(), documents.documents.end(), name,
                        [](const RepairedDocument& document, std::string_view wanted) {
                          return document.name < wanted;
                        });
-  return found != documents.end() && found->name == name;
+  const bool is_found = found != documents.documents.end() && found->name == name;
+  return is_found ? &*found : nullptr;
 }
 
 bool IsKeyOfDocument(std::string_view key, const RepairedDocuments& documents) {
@@ -94,7 +96,16 @@ bool IsKeyOfDocument(std::string_view key, const RepairedDocuments& documents) {
     return key.size() == kNameKeyBytes && documents.codes[CodeOfNameKey(AsDatum(key))];
   }
   return IsOfFamily(key, kDocumentFamily) &&
-         HasDocument(documents.documents, key.substr(kDocumentFamily.size()));
+         FindDocument(documents, key.substr(kDocumentFamily.size())) != nullptr;
+}
+
+// Returns whether a record with the key of a name record holds the very name that the new index
+// gets for its code. Names with a NUL, which no engine gives, are not known for names otherwise.
+bool HoldsNameOfDocument(std::string_view key, std::string_view value,
+                         const RepairedDocuments& documents) {
+  if (!IsOfFamily(key, kNameFamily)) return false;
+  const RepairedDocument* const document = FindDocument(documents, value);
+  return document != nullptr && document->code == CodeOfNameKey(AsDatum(key));
 }
 
 }  // namespace
@@ -135,8 +146,11 @@ void DropWordsInTheWay(const Salvage& salvage, const RepairedDocuments& document
   for (std::size_t i = 0; i < actions->size(); ++i) {
     RepairAction& action = (*actions)[i];
     if (action == RepairAction::kRewrite) continue;
-    const std::string_view key = salvage.KeyOf(salvage.records()[i]);
-    if (IsKeyOfDocument(key, documents)) action = RepairAction::kDrop;
+    const SalvagedRecord& record = salvage.records()[i];
+    const std::string_view key = salvage.KeyOf(record);
+    if (!IsKeyOfDocument(key, documents)) continue;
+    const bool is_restated = HoldsNameOfDocument(key, salvage.ValueOf(record), documents);
+    action = is_restated ? RepairAction::kRewrite : RepairAction::kDrop;
   }
 }
 

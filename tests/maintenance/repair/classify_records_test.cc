@@ -143,8 +143,9 @@ TEST_F(CollectCandidatesTest, RecordsWithAnotherActionSayNothing) {
 class DropWordsInTheWayTest : public SalvagedIndex {
  protected:
   // Returns the action for the record of `key` where document "day" has code 1.
-  RepairAction ActionOf(const std::string& key, RepairAction before) {
-    Read({{key, kPostings}});
+  RepairAction ActionOf(const std::string& key, RepairAction before,
+                        const std::string& value = kPostings) {
+    Read({{key, value}});
     kestan::RepairedDocuments documents;
     documents.documents = {{"day", 7, 1}};
     documents.codes = SetOf({1});
@@ -158,6 +159,13 @@ TEST_F(DropWordsInTheWayTest, WordsWithTheKeysOfADocumentAreDropped) {
   EXPECT_EQ(ActionOf("d-day", RepairAction::kPostings), RepairAction::kDrop);
   EXPECT_EQ(ActionOf(kNameKey, RepairAction::kPostings), RepairAction::kDrop);
   EXPECT_EQ(ActionOf("d-day", RepairAction::kCopy), RepairAction::kDrop);
+}
+
+// A name with a NUL is not classified as one. A second repair must find nothing to drop.
+TEST_F(DropWordsInTheWayTest, ARecordThatHoldsTheNameOfItsDocumentIsNotDropped) {
+  EXPECT_EQ(ActionOf(kNameKey, RepairAction::kDrop, "day"), RepairAction::kRewrite);
+  EXPECT_EQ(ActionOf(kNameKey, RepairAction::kDrop, "night"), RepairAction::kDrop);
+  EXPECT_EQ(ActionOf("c-" + Units({2}), RepairAction::kDrop, "day"), RepairAction::kDrop);
 }
 
 TEST_F(DropWordsInTheWayTest, AllOtherRecordsStay) {
