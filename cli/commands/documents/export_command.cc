@@ -116,7 +116,7 @@ Command ExportCommand() {
            {"NAME", "the index or the table there; kestan, if not given",
             Positional::Count::kOptional}},
           {},
-          "What a form cannot hold is told on the standard error stream.",
+          "What a form cannot hold is reported on the standard error stream.",
           {"kestan export my.index sql texts | psql"},
           RunExportCommand};
 }
