@@ -43,7 +43,8 @@ void OpenNew(Database* store) {
 
 void CheckSame(Database& store, const std::string& text) {
   std::string dumped;
-  Require(kestan_tests::DumpInto(store, &dumped) == 0, "what was loaded cannot be dumped");
+  Require(kestan_tests::DumpInto(store, &dumped) == kestan::StoreError::kNone,
+          "what was loaded cannot be dumped");
   Require(WithoutBreaks(dumped) == WithoutBreaks(text), "the dump is another than was loaded");
 }
 

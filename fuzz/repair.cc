@@ -198,7 +198,7 @@ void RequireValid(const std::string& path) {
   };
   const kestan::CheckResult check = kestan::CheckIndexWithFindings(store, take);
   if (!fault.empty()) kestan_fuzz::Fail("the new index is at fault: " + fault);
-  Require(check.file_error == 0, "the new index cannot be read");
+  Require(check.file_error == kestan::StoreError::kNone, "the new index cannot be read");
 }
 
 void RequireCounted(const Repaired& repaired, const Records& records) {

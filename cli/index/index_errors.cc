@@ -1,34 +1,28 @@
 #include "cli/index/index_errors.h"
 
-#include <kestan/kestan.h>
-#include <kestan/results.h>
-
 namespace kestan_cli {
 namespace {
 
 using kestan::StoreError;
 
-bool IsError(int error, StoreError which) { return error == static_cast<int>(which); }
-
 // Returns whether the system refused an operation on the file, so that errno gives the reason.
-bool IsFromSystem(int error) {
-  return error >= static_cast<int>(StoreError::kFileOpen) &&
-         error <= static_cast<int>(StoreError::kFileRead);
+bool IsFromSystem(StoreError error) {
+  return error >= StoreError::kFileOpen && error <= StoreError::kFileRead;
 }
 
 // Returns why the store refused to open a file; errno was `system_error` right after.
-std::string ReasonOfStore(int error, int system_error) {
-  if (IsError(error, StoreError::kNeedsRecovery)) return std::string("damaged; ") + kSeeRepair;
+std::string ReasonOfStore(StoreError error, int system_error) {
+  if (error == StoreError::kNeedsRecovery) return std::string("damaged; ") + kSeeRepair;
   if (IsFromSystem(error) && system_error != 0) return ReasonOf(system_error);
-  return std::string("not an index file (") + Database::ErrorString(error) + ")" + kIfItWasOne;
+  return std::string("not an index file (") + ErrorString(error) + ")" + kIfItWasOne;
 }
 
 // Returns why a record was not written. After the first failure, gdbm reports that recovery is
 // needed.
-std::string ReasonOfWrite(int error, bool on_copy) {
-  const std::string reason = Database::ErrorString(error);
+std::string ReasonOfWrite(StoreError error, bool on_copy) {
+  const std::string reason = ErrorString(error);
   const bool is_write_error =
-      IsError(error, StoreError::kFileWrite) || IsError(error, StoreError::kNeedsRecovery);
+      error == StoreError::kFileWrite || error == StoreError::kNeedsRecovery;
   if (!is_write_error) return reason + "; see kestan check";
   return "a write failed, perhaps for want of room (" + reason + ")" +
          (on_copy ? "; it is as it was" : "");
@@ -48,18 +42,18 @@ CommandError Locked(const std::string& path, const std::string& holds_it) {
   return CannotOpen(path, "another process " + holds_it + "; try again later", kBusy);
 }
 
-CommandError StoreNotOpened(const std::string& path, int error, int system_error) {
-  if (IsError(error, StoreError::kCannotBeReader)) return Locked(path, "is changing it");
-  if (IsError(error, StoreError::kCannotBeWriter)) return Locked(path, "has it open");
+CommandError StoreNotOpened(const std::string& path, StoreError error, int system_error) {
+  if (error == StoreError::kCannotBeReader) return Locked(path, "is changing it");
+  if (error == StoreError::kCannotBeWriter) return Locked(path, "has it open");
   return CannotOpen(path, ReasonOfStore(error, system_error));
 }
 
-CommandError CannotRead(const std::string& path, int error) {
-  return CommandError("cannot read index " + Quoted(path) + ": " + Database::ErrorString(error) +
+CommandError CannotRead(const std::string& path, StoreError error) {
+  return CommandError("cannot read index " + Quoted(path) + ": " + ErrorString(error) +
                       "; see kestan check");
 }
 
-CommandError CannotWrite(const std::string& path, int error, bool on_copy) {
+CommandError CannotWrite(const std::string& path, StoreError error, bool on_copy) {
   return CommandError("cannot write to index " + Quoted(path) + ": " +
                       ReasonOfWrite(error, on_copy));
 }

@@ -2,6 +2,8 @@
 #ifndef KESTAN_CLI_INDEX_INDEX_ERRORS_H_
 #define KESTAN_CLI_INDEX_INDEX_ERRORS_H_
 
+#include <kestan/results.h>
+
 #include <string>
 
 #include "cli/console/message.h"
@@ -20,14 +22,14 @@ CommandError CannotChange(const std::string& path, const std::string& reason, in
 CommandError Locked(const std::string& path, const std::string& holds_it);
 
 // The store refused to open the file with `error`; errno was `system_error` right after.
-CommandError StoreNotOpened(const std::string& path, int error, int system_error);
+CommandError StoreNotOpened(const std::string& path, kestan::StoreError error, int system_error);
 
 // The store could not read a record, with `error`.
-CommandError CannotRead(const std::string& path, int error);
+CommandError CannotRead(const std::string& path, kestan::StoreError error);
 
 // The store could not write a record, with `error`. The index itself is unharmed if the store works
 // `on_copy`.
-CommandError CannotWrite(const std::string& path, int error, bool on_copy);
+CommandError CannotWrite(const std::string& path, kestan::StoreError error, bool on_copy);
 
 }  // namespace kestan_cli
 

@@ -80,7 +80,7 @@ void CheckFile(const std::string& path) {
 void OpenStore(Database& store, const std::string& path, Access access, const std::string& shown) {
   errno = 0;
   const int error = store.Open(path.c_str(), access == Access::kRead ? 0 : 1);
-  if (error != 0) throw StoreNotOpened(shown, error, errno);
+  if (error != 0) throw StoreNotOpened(shown, kestan::StoreError{error}, errno);
 }
 
 // Not fs::canonical, which requires a file: a new index may be made through a link.
@@ -107,8 +107,8 @@ CollectionCounts ExamineIndex(const std::string& path, Access access) {
   const bool has_options = file.OptionFlags().has_value();
   const CollectionCounts counts = file.Counts();
   const bool lacks_counter = !counts.had_documents && HasDocuments(file);
-  if (access == Access::kInspect && file.FileError() != 0) return counts;
-  if (file.FileError() != 0) throw CannotRead(path, file.FileError());
+  if (access == Access::kInspect && file.FileError() != kestan::StoreError::kNone) return counts;
+  if (file.FileError() != kestan::StoreError::kNone) throw CannotRead(path, file.FileError());
   if (lacks_counter && access != Access::kInspect) {
     throw CannotOpen(path, std::string("its counter of documents is lost; ") + kSeeRepair);
   }

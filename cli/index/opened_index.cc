@@ -21,11 +21,12 @@ void OpenedIndex::CheckWritten(int error) const {
   if (error == 0) return;
   const int first = engine_.FileError() != 0 ? engine_.FileError() : error;
   const bool is_copy = file_ != RealPath(path_);
-  throw CannotWrite(path_, first, is_copy);
+  throw CannotWrite(path_, kestan::StoreError{first}, is_copy);
 }
 
 void OpenedIndex::CheckRead() const {
-  if (engine_.FileError() != 0) throw CannotRead(path_, engine_.FileError());
+  const kestan::StoreError error{engine_.FileError()};
+  if (error != kestan::StoreError::kNone) throw CannotRead(path_, error);
 }
 
 void OpenedIndex::PrepareCodes() const {

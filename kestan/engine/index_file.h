@@ -5,6 +5,7 @@
 #include <kestan/query/index_reader.h>
 #include <kestan/storage/database.h>
 #include <kestan/storage/export.h>
+#include <kestan/storage/store_error.h>
 
 namespace kestan {
 
@@ -13,7 +14,7 @@ namespace kestan {
 // used by one thread at a time.
 //
 //   kestan::IndexFile file;
-//   if (file.Open("my.index") != 0) return 1;
+//   if (file.Open("my.index") != kestan::StoreError::kNone) return 1;
 //   const kestan::WordPostings postings = file.FindWord("hello");
 //   for (kestan::WordPostings::Cursor cursor(postings); cursor.Next();) Use(cursor.code());
 //
@@ -23,16 +24,16 @@ class KESTAN_EXPORT IndexFile : public IndexReader {
   IndexFile() : IndexReader(store_) {}  // which only keeps the reference
 
   // Opens the index at `path`, which must exist. Nothing is written to it.
-  //   Returns  0; -1 if a file is open already, which stays open; or gdbm's error number: see
-  //            StoreError.
-  int Open(const char* path) { return store_.Open(path, 0); }
+  //   Returns  StoreError::kNone; kNotOpen if a file is open already, which stays open; or why the
+  //            file cannot be opened.
+  StoreError Open(const char* path) { return StoreError{store_.Open(path, 0)}; }
 
   // Closes the file. Postings and side records that somebody holds stay. Closing twice is no error.
   void Close() { store_.Close(); }
 
-  // Returns 0 if every record asked for since Open() could be read, else the number of the first
+  // Returns StoreError::kNone if every record asked for since Open() could be read, else the first
   // error.
-  int FileError() const { return store_.FileError(); }
+  StoreError FileError() const { return StoreError{store_.FileError()}; }
 
   // Lends the store to what works on one: CheckIndex(), ReadStatistics(), ReadDocuments() ...
   Database& store() { return store_; }

@@ -6,6 +6,7 @@
 #include <kestan/maintenance/lines.h>
 #include <kestan/storage/database.h>
 #include <kestan/storage/export.h>
+#include <kestan/storage/store_error.h>
 
 #include <cstdint>
 
@@ -14,7 +15,7 @@ namespace kestan {
 struct CheckResult {
   std::uint64_t faults = 0;  // what the engine never writes by itself, or answers wrongly for
   std::uint64_t notes = 0;   // what harms nothing but may be worth a look
-  int file_error = 0;        // gdbm's number of what is wrong with the file itself, 0 if nothing is
+  StoreError file_error = StoreError::kNone;  // what is wrong with the file itself
 };
 
 // Looks at every record of `store`, which is open for reading or writing and has no changes of an
@@ -27,10 +28,11 @@ struct CheckResult {
 // with the file itself has the key "index file" and comes last. Changes nothing, but makes `store`
 // flush. An empty `report` only counts. Where records cannot be read, what depends on all of them
 // is not judged. A file whose records have more bytes together than it has, as they do only where
-// they share them, is not read to the end, and its error is GDBM_BAD_HASH_TABLE.
+// they share them, is not read to the end, and its error is StoreError::kBadHashTable.
 //
 // Looks at the bytes of the file too, through a mapping, as CheckStructure() does.
-//   Returns  how much it found; -1 as the file's error if no file is open, which the store says.
+//   Returns  how much it found; kNotOpen as the file's error if no file is open, which the store
+//            says.
 //   Cost     two walks over the file, two passes over its buckets, and a read for each word with
 //            capitals. Memory for the names of all documents, for 1,000 records or 16 MiB of them,
 //            for 3 MiB of counts, and for 512 Ki records, buckets and pieces of free space, 24

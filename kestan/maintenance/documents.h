@@ -4,6 +4,7 @@
 
 #include <kestan/storage/database.h>
 #include <kestan/storage/export.h>
+#include <kestan/storage/store_error.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -49,13 +50,13 @@ inline constexpr std::size_t kPlacesAtOnce = std::size_t{1} << 24;
 // title, cannot be told from one and is left out, as are all of the families g d c w u s t. A
 // one-letter word may come from an earlier document that had the same code, where queries find it
 // too, since no shrink takes it away: see Kestan::PurgeShortWords.
-//   Returns  0; -1 if no file is open; or gdbm's number of an error that kept a record from being
-//            read. Then documents are missing.
+//   Returns  StoreError::kNone; kNotOpen if no file is open; or the error that kept a record from
+//            being read. Then documents are missing.
 //   Memory   all words of the index and names of documents, 8 bytes for each place held at once,
 //            24 for each word of the document given, and what gdbm keeps: for 65,535 documents of
 //            200 words some 200 MB.
-KESTAN_EXPORT int ReadDocuments(Database& store, const TakeDocument& take,
-                                std::size_t places_at_once = kPlacesAtOnce);
+KESTAN_EXPORT StoreError ReadDocuments(Database& store, const TakeDocument& take,
+                                       std::size_t places_at_once = kPlacesAtOnce);
 
 }  // namespace kestan
 

@@ -6,6 +6,7 @@
 #include <kestan/maintenance/lines.h>
 #include <kestan/storage/database.h>
 #include <kestan/storage/export.h>
+#include <kestan/storage/store_error.h>
 
 #include <cstddef>
 
@@ -17,12 +18,12 @@ inline constexpr std::size_t kMaxDumpLineBytes = std::size_t{1} << 20;
 // Hands every record of `store` to `take`, in order of the keys' bytes, as the lines of a dump.
 // Changes that wait to be written are in it. Where a damaged file holds a key twice, the dump has
 // the value that look-ups find. Flushes the store now and then. What `take` throws passes through.
-//   Returns  0; -1 if no file is open, with no line given; or gdbm's number of an error that kept
-//            a record from being read, or GDBM_BAD_HASH_TABLE where records share their bytes, so
-//            that they have more than the file. Then the dump lacks its end, and no one will load
-//            it.
+//   Returns  StoreError::kNone; kNotOpen if no file is open, with no line given; the error that
+//            kept a record from being read; or kBadHashTable where records share their bytes, so
+//            that they have more than the file. After an error the dump lacks its end, and
+//            LoadIndex() refuses it.
 //   Memory   all keys, the longest record, which gdbm holds once more, and some 20 MB.
-KESTAN_EXPORT int DumpIndex(Database& store, const TakeLine& take);
+KESTAN_EXPORT StoreError DumpIndex(Database& store, const TakeLine& take);
 
 // Stores the records of a dump in `target`, which must be open for writing and hold no record.
 // Flushes it now and then and at the end. What `give` throws passes through.

@@ -4,6 +4,7 @@
 
 #include <kestan/storage/database.h>
 #include <kestan/storage/export.h>
+#include <kestan/storage/store_error.h>
 
 #include <array>
 #include <cstdint>
@@ -53,11 +54,11 @@ struct IndexStatistics {
   RecordBytes other_records;   // with keys that the engine has no use for
 
   std::uint64_t file_bytes = 0;
-  std::uint64_t record_bytes = 0;           // of all keys and values
-  std::uint64_t removed_posting_bytes = 0;  // of postings that a shrink purges
-  std::uint64_t smallest_file_bytes = 0;    // about what a shrink leaves; see below
-  std::uint64_t reclaimable_bytes = 0;      // about what a shrink gives back
-  int file_error = 0;  // gdbm's number of the first error; the numbers are incomplete then
+  std::uint64_t record_bytes = 0;             // of all keys and values
+  std::uint64_t removed_posting_bytes = 0;    // of postings that a shrink purges
+  std::uint64_t smallest_file_bytes = 0;      // about what a shrink leaves; see below
+  std::uint64_t reclaimable_bytes = 0;        // about what a shrink gives back
+  StoreError file_error = StoreError::kNone;  // the first error; the numbers are incomplete then
 };
 
 // Counts what `store` holds, which is open for reading or writing and has no changes of an engine's
@@ -69,7 +70,8 @@ struct IndexStatistics {
 // time they grow; and what no longer fits a block of 512 bytes, s * s / 1024 for a record of s
 // bytes, at most 256. The first number and the last follow from gdbm's layout, the 107 is measured.
 // Files of more than 1,000 records are within a fifth of the estimate.
-//   Returns  the numbers; all 0 with the file error -1 if no file is open, which the store says.
+//   Returns  the numbers; all 0 with the file error kNotOpen if no file is open, which the store
+//            says.
 //   Cost     one walk over the file; memory for 1,000 records or 16 MiB of them.
 KESTAN_EXPORT IndexStatistics ReadStatistics(Database& store);
 

@@ -38,6 +38,15 @@ std::string_view FamilyOf(SideRecord kind) {
 // What has been read, for as long as the store does not change. Holds no record: one that is held
 // would stay in the store's cache when another file is opened, and answer for that one.
 struct IndexReader::Cache {
+  const CodeSet& RemovedCodes(Database& store) {
+    if (removed_codes_at == store.Changes()) return removed_codes;
+    const DBDatumPtr removed = Fetch(store, kDeletedKey);
+    removed_codes.reset();
+    if (removed.ptr != nullptr) CollectCodes(*removed.ptr, &removed_codes);
+    removed_codes_at = store.Changes();
+    return removed_codes;
+  }
+
   NameTable names;
   String long_name;  // what NameOf() returned last, if it is too long for the table
   CodeSet removed_codes;
@@ -89,37 +98,36 @@ std::uint32_t IndexReader::TimestampOf(std::string_view name) {
   return record.ptr != nullptr ? DocumentTimestamp(*record.ptr) : 0;
 }
 
-bool IndexReader::IsRemoved(Code code) {
-  if (cache_->removed_codes_at != store_.Changes()) {
-    const DBDatumPtr removed = Fetch(store_, kDeletedKey);
-    cache_->removed_codes.reset();
-    if (removed.ptr != nullptr) CollectCodes(*removed.ptr, &cache_->removed_codes);
-    cache_->removed_codes_at = store_.Changes();
+bool IndexReader::IsRemoved(Code code) { return cache_->RemovedCodes(store_)[code]; }
+
+void IndexReader::ForEachRemovedCode(const std::function<bool(Code code)>& visit) {
+  const CodeSet removed = cache_->RemovedCodes(store_);  // a copy: `visit` may change the index
+  for (std::size_t code = 0; code < removed.size(); ++code) {
+    if (removed[code] && !visit(static_cast<Code>(code))) return;
   }
-  return cache_->removed_codes[code];
 }
 
 DBDatumPtr IndexReader::FindSideRecord(SideRecord kind, std::string_view name) {
   return Fetch(store_, ItemKey(FamilyOf(kind), name));
 }
 
-int IndexReader::ForEachDocument(const std::function<bool(std::string_view name)>& visit) {
+StoreError IndexReader::ForEachDocument(const std::function<bool(std::string_view name)>& visit) {
   RecordIterator record(store_, WalkOptions::BoundedMemory());
   int error = 0;
   for (; record.Valid(); record.Next()) {
     const std::string_view key = BytesOf(record.key());
     if (!IsOfFamily(key, kDocumentFamily)) continue;
     if (record.error() != 0) error = record.error();
-    if (!visit(key.substr(kDocumentFamily.size()))) return error;
+    if (!visit(key.substr(kDocumentFamily.size()))) return StoreError{error};
   }
-  return record.walk_error() != 0 ? record.walk_error() : error;
+  return StoreError{record.walk_error() != 0 ? record.walk_error() : error};
 }
 
 WordPostings IndexReader::FindWord(std::string_view word) {
   return {Fetch(store_, word), KeepsPositions()};
 }
 
-int IndexReader::ForEachWord(
+StoreError IndexReader::ForEachWord(
     const std::function<bool(std::string_view word, const WordPostings& postings)>& visit) {
   const bool with_positions = KeepsPositions();
   RecordIterator record(store_, WalkOptions::BoundedMemory());
@@ -128,17 +136,18 @@ int IndexReader::ForEachWord(
     if (IsSystemKey(record.key())) continue;
     if (record.error() != 0) error = record.error();
     const WordPostings postings(record.value(), with_positions);
-    if (!visit(BytesOf(record.key()), postings)) return error;
+    if (!visit(BytesOf(record.key()), postings)) return StoreError{error};
   }
-  return record.walk_error() != 0 ? record.walk_error() : error;
+  return StoreError{record.walk_error() != 0 ? record.walk_error() : error};
 }
 
-int IndexReader::ForEachCommonWord(
+StoreError IndexReader::ForEachCommonWord(
     FrequencyRange range,
     const std::function<bool(std::string_view word, std::size_t documents)>& visit) {
   const DBDatumPtr reusable = Fetch(store_, kAvailableKey);
-  return kestan::ForEachCommonWord(store_, reusable.ptr != nullptr ? *reusable.ptr : DBDatum(),
-                                   KeepsPositions(), range, visit);
+  const int error = kestan::ForEachCommonWord(
+      store_, reusable.ptr != nullptr ? *reusable.ptr : DBDatum(), KeepsPositions(), range, visit);
+  return StoreError{error};
 }
 
 bool IndexReader::ForEachListedWord(std::string_view name,

@@ -8,6 +8,7 @@
 #include <kestan/storage/database.h>
 #include <kestan/storage/dbdatum.h>
 #include <kestan/storage/export.h>
+#include <kestan/storage/store_error.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -75,6 +76,9 @@ class KESTAN_EXPORT IndexReader {
   // Returns whether `code` is that of a document removed since the last shrink.
   bool IsRemoved(Code code);
 
+  // Calls `visit` with each such code, in ascending order. `visit` returns whether to go on.
+  void ForEachRemovedCode(const std::function<bool(Code code)>& visit);
+
   // Finds a text kept for `name`, which need not be that of a document.
   //   Returns  a handle that shares it, null if there is none.
   DBDatumPtr FindSideRecord(SideRecord kind, std::string_view name);
@@ -83,8 +87,8 @@ class KESTAN_EXPORT IndexReader {
   // lists them: a word such as "d-day", whose key is that of a document "day", cannot be told from
   // one. Documents whose records cannot be read are among them. Flushes the store now and then.
   // `visit` returns whether to go on.
-  //   Returns  0, or the number of an error, a StoreError, that hides documents or their records.
-  int ForEachDocument(const std::function<bool(std::string_view name)>& visit);
+  //   Returns  StoreError::kNone, or an error that hides documents or their records.
+  StoreError ForEachDocument(const std::function<bool(std::string_view name)>& visit);
 
   // ---- Words ----
 
@@ -100,14 +104,14 @@ class KESTAN_EXPORT IndexReader {
   // Kestan::CommonWords(). A word whose record cannot be read comes without postings. Flushes the
   // store now and then. `visit` returns whether to go on.
   //   Returns  as ForEachDocument() does.
-  int ForEachWord(
+  StoreError ForEachWord(
       const std::function<bool(std::string_view word, const WordPostings& postings)>& visit);
 
   // Calls `visit` with each word that so many documents hold, removed ones among them, and with
   // their number: the words of Kestan::CommonWords, in the file's order. Flushes the store now and
   // then. Ends at the first record that cannot be read. `visit` returns whether to go on.
-  //   Returns  0, or gdbm's number of the error that ended it.
-  int ForEachCommonWord(
+  //   Returns  StoreError::kNone, or the error that ended the walk.
+  StoreError ForEachCommonWord(
       FrequencyRange range,
       const std::function<bool(std::string_view word, std::size_t documents)>& visit);
 

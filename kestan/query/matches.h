@@ -17,15 +17,17 @@ inline constexpr std::uint32_t kMaxScore = 65535;
 struct Match {
   Code code;
   Score score;          // how often the document holds the word, or what combining made of that
-  Positions positions;  // where it matched; a single 0 where that is not known
+  Positions positions;  // where it matched; empty where that is not known
 };
 
 // The matches of one result set, in ascending order of their codes, removed documents among them.
-// A view: it borrows what the set holds, which stays where it is until the set is freed.
+// A view: it borrows what the set holds, which stays where it is until the set is freed. As in
+// WordPostings, a match without positions is one whose positions are not known.
 class Matches {
  public:
   // How a set keeps a match. Its positions lie in a block of units that all matches share: the
-  // number of positions at `first`, then the positions.
+  // number of positions at `first`, then the positions. A single position 0 says that none is
+  // known: operators take it for a position near every other.
   struct Entry {
     Code code;
     Score score;
@@ -65,8 +67,10 @@ class Matches {
   bool empty() const { return count_ == 0; }
   Match operator[](std::size_t index) const {
     const Entry& entry = entries_[index];
-    const std::uint16_t* const positions = units_ + entry.first;
-    return {entry.code, entry.score, {positions + 1, *positions}};
+    const std::uint16_t* const count = units_ + entry.first;
+    const Position* const first = count + 1;
+    const bool is_unknown = *count == 1 && *first == 0;
+    return {entry.code, entry.score, {first, is_unknown ? std::size_t{0} : *count}};
   }
   Iterator begin() const { return {this, 0}; }
   Iterator end() const { return {this, count_}; }

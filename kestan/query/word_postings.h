@@ -29,7 +29,8 @@ class KESTAN_EXPORT WordPostings {
   // postings.
   bool has_word() const { return record_.ptr != nullptr; }
 
-  // Returns whether the record has positions. If not, those of each document are empty.
+  // Returns whether the record has positions. If not, those of each document are empty, which means
+  // that they are not known.
   bool with_positions() const { return with_positions_; }
 
   // Returns how many documents hold the word. Reads the whole record. One that a damaged record

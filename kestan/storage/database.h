@@ -55,8 +55,8 @@ class KESTAN_EXPORT Database {
 
   // Fetches the value of `key` into `*value`, which first gives up what it held. `key` may be the
   // very datum that `*value` held.
-  //   Returns  0; -1 without a file; or gdbm's error number (GDBM_ITEM_NOT_FOUND if there is no
-  //            such record), with `*value` null.
+  //   Returns  0; -1 without a file; or gdbm's error number, with `*value` null: that of
+  //            kestan::StoreError::kItemNotFound if there is no such record.
   //   Owner    shared with the cache: `*value` sees what others do to the value and keeps it alive.
   int Get(DBDatumPtr* value, const DBDatum& key);
 
@@ -92,7 +92,8 @@ class KESTAN_EXPORT Database {
   int Next(DBDatumPtr* key, DBDatumPtr* value = nullptr);
 
   // Returns 0 if the last walk ended because there are no more keys, else gdbm's error number,
-  // which is GDBM_BAD_HASH_TABLE where the walk would never have ended.
+  // which is that of
+  // kestan::StoreError::kBadHashTable where the walk would never have ended.
   int WalkError() const { return walk_error_; }
 
   // Returns gdbm's number of the first error since Open() that kept a record from being read or

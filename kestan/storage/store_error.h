@@ -2,10 +2,12 @@
 #ifndef KESTAN_STORAGE_STORE_ERROR_H_
 #define KESTAN_STORAGE_STORE_ERROR_H_
 
+#include <kestan/storage/export.h>
+
 namespace kestan {
 
 // The error numbers that Database and what stands on it hand out. But for kNotOpen they are gdbm's,
-// and Database::ErrorString() has a text for each.
+// and one that has no name here may come out too. StoreError{number} is the one of a number.
 enum class StoreError : int {
   kNotOpen = -1,  // no file is open, or one is open already
   kNone = 0,
@@ -44,6 +46,9 @@ enum class StoreError : int {
   kBadHashEntry = 41,
   kRealPath = 43,
 };
+
+// Returns gdbm's text for `error`, a constant string, as Database::ErrorString() does.
+KESTAN_EXPORT const char* ErrorString(StoreError error);
 
 }  // namespace kestan
 

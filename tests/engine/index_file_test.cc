@@ -10,6 +10,7 @@ namespace kestan_tests {
 namespace {
 
 using kestan::IndexFile;
+using kestan::StoreError;
 
 // Makes an index of one document `name` with `text` at `path`.
 void MakeIndex(const std::string& path, const std::string& name, const std::string& text) {
@@ -33,8 +34,8 @@ class IndexFileTest : public testing::Test {
 TEST_F(IndexFileTest, AnswersForItsOwnFile) {
   IndexFile first;
   IndexFile second;
-  ASSERT_EQ(first.Open(first_.c_str()), 0);
-  ASSERT_EQ(second.Open(second_.c_str()), 0);
+  ASSERT_EQ(first.Open(first_.c_str()), StoreError::kNone);
+  ASSERT_EQ(second.Open(second_.c_str()), StoreError::kNone);
   EXPECT_EQ(first.DocumentFrequency("cat"), 1u);
   EXPECT_EQ(second.DocumentFrequency("cat"), 0u);
   EXPECT_EQ(first.NameOf(1), "one");
@@ -44,25 +45,32 @@ TEST_F(IndexFileTest, AnswersForItsOwnFile) {
 
 TEST_F(IndexFileTest, MissingFileIsAnErrorAndIsNotMade) {
   IndexFile file;
-  EXPECT_EQ(file.Open((folder_ / "missing").c_str()),
-            static_cast<int>(kestan::StoreError::kFileOpen));
+  EXPECT_EQ(file.Open((folder_ / "missing").c_str()), StoreError::kFileOpen);
   EXPECT_FALSE(std::filesystem::exists(folder_ / "missing"));
 }
 
 TEST_F(IndexFileTest, FileThatIsNoIndexIsAnError) {
   std::filesystem::resize_file(first_, 100);
   IndexFile file;
-  EXPECT_NE(file.Open(first_.c_str()), 0);
+  EXPECT_NE(file.Open(first_.c_str()), StoreError::kNone);
+}
+
+TEST_F(IndexFileTest, SecondFileIsNotOpenedAndTheFirstStays) {
+  IndexFile file;
+  ASSERT_EQ(file.Open(first_.c_str()), StoreError::kNone);
+  EXPECT_EQ(file.Open(second_.c_str()), StoreError::kNotOpen);
+  EXPECT_EQ(file.NameOf(1), "one");
+  EXPECT_EQ(file.FileError(), StoreError::kNone);
 }
 
 TEST_F(IndexFileTest, ReadingChangesNoByte) {
   const Records before = Dump(first_);
   {
     IndexFile file;
-    ASSERT_EQ(file.Open(first_.c_str()), 0);
+    ASSERT_EQ(file.Open(first_.c_str()), StoreError::kNone);
     file.FindWord("cat");
     EXPECT_EQ(file.ForEachWord([](std::string_view, const kestan::WordPostings&) { return true; }),
-              0);
+              StoreError::kNone);
   }
   EXPECT_EQ(Dump(first_), before);
 }
@@ -71,7 +79,7 @@ TEST_F(IndexFileTest, PostingsOutliveTheFile) {
   kestan::WordPostings postings;
   {
     IndexFile file;
-    ASSERT_EQ(file.Open(first_.c_str()), 0);
+    ASSERT_EQ(file.Open(first_.c_str()), StoreError::kNone);
     postings = file.FindWord("cat");
   }
   kestan::WordPostings::Cursor cursor(postings);
@@ -83,7 +91,7 @@ TEST_F(IndexFileTest, OpenEngineBesideItIsNotDisturbed) {
   Kestan engine;
   ASSERT_EQ(engine.OpenIndex(first_.c_str(), 0), 0);
   IndexFile file;
-  ASSERT_EQ(file.Open(first_.c_str()), 0);
+  ASSERT_EQ(file.Open(first_.c_str()), StoreError::kNone);
   EXPECT_EQ(file.DocumentFrequency("dog"), 1u);
   EXPECT_STREQ(engine.ListDocuments(), "one\n");
 }
@@ -92,7 +100,7 @@ TEST_F(IndexFileTest, OpenEngineBesideItIsNotDisturbed) {
 //   Returns  how often `word` was found.
 int ReadOften(const std::string& path, const char* word) {
   IndexFile file;
-  if (file.Open(path.c_str()) != 0) return -1;
+  if (file.Open(path.c_str()) != StoreError::kNone) return -1;
   int found = 0;
   for (int i = 0; i < 200; ++i) {
     found += static_cast<int>(file.DocumentFrequency(word));

@@ -32,7 +32,7 @@ Texts ReadTexts(const std::string& path) {
                                       text += std::to_string(word.position) + " ";
                                     }
                                   }),
-            0);
+            kestan::StoreError::kNone);
   return texts;
 }
 

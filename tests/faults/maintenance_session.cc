@@ -38,6 +38,9 @@ class Digest {
                   static_cast<unsigned long long>(value_));
     transcript->Add(what, std::string_view(text.data()));
   }
+  void Note(Transcript* transcript, std::string_view what, kestan::StoreError error) const {
+    Note(transcript, what, static_cast<int>(error), error == kestan::StoreError::kNone);
+  }
 
  private:
   void Mix(unsigned value) { value_ = (value_ ^ value) * 0x100000001b3U; }
@@ -88,7 +91,8 @@ MaintenanceFiles::MaintenanceFiles() {
 
   Database store;
   EXPECT_EQ(store.Open(index_.c_str(), 0), 0);
-  EXPECT_EQ(kestan::DumpIndex(store, [&](std::string_view line) { dump_.emplace_back(line); }), 0);
+  EXPECT_EQ(kestan::DumpIndex(store, [&](std::string_view line) { dump_.emplace_back(line); }),
+            kestan::StoreError::kNone);
   store.Close();
 
   const auto transcript = std::make_unique<Transcript>();
@@ -112,21 +116,20 @@ void MaintenanceFiles::ReadIndex(Transcript* transcript) const {
 
   Digest lines;
   const kestan::CheckResult check = kestan::CheckIndex(store, lines.Taker());
-  lines.Note(transcript, "check", check.file_error, check.file_error == 0);
+  lines.Note(transcript, "check", check.file_error);
 
   Digest numbers;
   const kestan::IndexStatistics statistics = kestan::ReadStatistics(store);
   AddNumbers(statistics, &numbers);
-  numbers.Note(transcript, "statistics", statistics.file_error, statistics.file_error == 0);
+  numbers.Note(transcript, "statistics", statistics.file_error);
 
   Digest documents;
-  const int error = kestan::ReadDocuments(
+  const auto error = kestan::ReadDocuments(
       store, [&](const kestan::StoredDocument& document) { AddDocument(document, &documents); });
-  documents.Note(transcript, "documents", error, error == 0);
+  documents.Note(transcript, "documents", error);
 
   Digest dump;
-  const int dumped = kestan::DumpIndex(store, dump.Taker());
-  dump.Note(transcript, "dump", dumped, dumped == 0);
+  dump.Note(transcript, "dump", kestan::DumpIndex(store, dump.Taker()));
   transcript->Add("close", store.Close());
 }
 

@@ -248,8 +248,8 @@ TEST_F(HostileMaintenanceTest, OfKeysThatShareTheirBytes) {
     SurviveEverything(bytes, first);
     Database store;
     ASSERT_EQ(store.Open(path_.c_str(), 0), 0);
-    EXPECT_EQ(kestan::DumpIndex(store, [](std::string_view) {}), GDBM_BAD_HASH_TABLE);
-    EXPECT_EQ(kestan::CheckIndex(store, {}).file_error, GDBM_BAD_HASH_TABLE);
+    EXPECT_EQ(kestan::DumpIndex(store, [](std::string_view) {}), kestan::StoreError::kBadHashTable);
+    EXPECT_EQ(kestan::CheckIndex(store, {}).file_error, kestan::StoreError::kBadHashTable);
   }
 }
 

@@ -53,7 +53,7 @@ void ExpectHandled(const Records& records) {
   ASSERT_EQ(store.Open((folder / "index").c_str(), 0), 0);
   const kestan::IndexStatistics statistics = kestan::ReadStatistics(store);
   EXPECT_EQ(statistics.record_bytes, BytesIn(records));
-  EXPECT_EQ(statistics.file_error, 0);
+  EXPECT_EQ(statistics.file_error, kestan::StoreError::kNone);
 }
 
 // Replaces the value of `key` by each damaged form of it.

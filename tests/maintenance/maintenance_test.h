@@ -52,7 +52,7 @@ inline Lines FaultsOf(const std::string& path) {
     const bool is_note = line.find(": note: ") != std::string_view::npos;
     if (!is_note && !IsAboutMissingWords(line)) faults.emplace(line);
   });
-  EXPECT_EQ(check.file_error, 0);
+  EXPECT_EQ(check.file_error, kestan::StoreError::kNone);
   return faults;
 }
 

@@ -18,9 +18,18 @@ class IndexReaderTest : public QueryTest {
       names.emplace_back(name);
       return true;
     }),
-              0);
+              kestan::StoreError::kNone);
     std::sort(names.begin(), names.end());
     return names;
+  }
+
+  Numbers RemovedCodes() {
+    Numbers codes;
+    reader_.ForEachRemovedCode([&](kestan::Code code) {
+      codes.push_back(code);
+      return true;
+    });
+    return codes;
   }
 
   // Each word and how many documents hold it.
@@ -30,7 +39,7 @@ class IndexReaderTest : public QueryTest {
       words[std::string(word)] = postings.CountDocuments();
       return true;
     }),
-              0);
+              kestan::StoreError::kNone);
     return words;
   }
 
@@ -41,7 +50,7 @@ class IndexReaderTest : public QueryTest {
                                           words.emplace_back(word);
                                           return true;
                                         }),
-              0);
+              kestan::StoreError::kNone);
     std::sort(words.begin(), words.end());
     return words;
   }
@@ -137,6 +146,30 @@ TEST_F(IndexReaderTest, RemovedDocumentIsRemovedUntilTheShrink) {
   EXPECT_FALSE(reader_.IsRemoved(1));
 }
 
+TEST_F(IndexReaderTest, RemovedCodesComeInAscendingOrderUntilTheShrink) {
+  for (const char* name : {"one", "two", "three", "four"}) engine_.AddDocumentWords(name, "cat");
+  EXPECT_EQ(RemovedCodes(), Numbers());
+  for (const char* name : {"four", "one", "three"}) engine_.RemoveDocumentWords(name);
+  EXPECT_EQ(RemovedCodes(), Numbers({1, 3, 4}));
+  engine_.ShrinkIndex();
+  EXPECT_EQ(RemovedCodes(), Numbers());
+}
+
+TEST_F(IndexReaderTest, CodeListedTwiceAsRemovedComesOnceAndTheHighestComesToo) {
+  PlantAndReopen({{"g-deleted", Units({65535, 7, 65535})}});
+  EXPECT_EQ(RemovedCodes(), Numbers({7, 65535}));
+}
+
+TEST_F(IndexReaderTest, WalkOverRemovedCodesEndsWhereTheVisitorSaysSo) {
+  PlantAndReopen({{"g-deleted", Units({1, 2, 3})}});
+  Numbers visited;
+  reader_.ForEachRemovedCode([&](kestan::Code code) {
+    visited.push_back(code);
+    return code < 2;
+  });
+  EXPECT_EQ(visited, Numbers({1, 2}));
+}
+
 TEST_F(IndexReaderTest, SideRecordsAreThoseOfTheEngine) {
   engine_.DBPutTitle("one", "a title");
   engine_.DBPutSummary("one", "a summary");
@@ -176,7 +209,7 @@ TEST_F(IndexReaderTest, CommonWordsAreThoseOfTheListing) {
                                           lines += std::string(word) + "\n";
                                           return true;
                                         }),
-              0);
+              kestan::StoreError::kNone);
     EXPECT_EQ(lines, engine_.CommonWords(range.low, range.high)) << range.low << " " << range.high;
   }
 }
@@ -212,7 +245,7 @@ TEST_F(IndexReaderTest, WalkOverCommonWordsEndsWhereTheVisitorSaysSo) {
                                         ++visits;
                                         return false;
                                       }),
-            0);
+            kestan::StoreError::kNone);
   EXPECT_EQ(visits, 1);
 }
 
@@ -235,7 +268,7 @@ TEST_F(IndexReaderTest, WalksEndWhereTheVisitorSaysSo) {
     ++visits;
     return false;
   }),
-            0);
+            kestan::StoreError::kNone);
   EXPECT_EQ(visits, 1);
 }
 

@@ -60,7 +60,23 @@ TEST(ResultSetTest, AllButLeavesOutWhatIsExcluded) {
   excluded.set(9);
   ResultSet set;
   set.AddAllBut(excluded, 4);
-  EXPECT_EQ(Spelled(set), "1/0 at 0\n3/0 at 0\n4/0 at 0\n");
+  EXPECT_EQ(Spelled(set), "1/0 at\n3/0 at\n4/0 at\n");
+}
+
+TEST(ResultSetTest, ViewLeavesOutTheOnePositionThatStandsForNone) {
+  ResultSet set;
+  set.AddUnplaced(3, 1);
+  EXPECT_EQ(Spelled(set), "3/1 at\n");
+  const kestan::Positions kept = set.PositionsOf(set.documents()[0]);
+  ASSERT_EQ(kept.count, 1u);
+  EXPECT_EQ(*kept.first, 0);
+}
+
+TEST(ResultSetTest, ViewShowsA0AmongOtherPositions) {
+  const std::array<kestan::Position, 2> positions{0, 7};
+  ResultSet set;
+  set.Add(3, 2, {positions.data(), positions.size()});
+  EXPECT_EQ(Spelled(set), "3/2 at 0 7\n");
 }
 
 TEST(ResultSetTest, AllButUpTo65535EndsThere) {

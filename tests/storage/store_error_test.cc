@@ -59,6 +59,7 @@ TEST(StoreErrorTest, EveryNumberHasAText) {
   EXPECT_STREQ(Database::ErrorString(static_cast<int>(StoreError::kNone)), "No error");
   EXPECT_STREQ(Database::ErrorString(static_cast<int>(StoreError::kItemNotFound)),
                gdbm_strerror(GDBM_ITEM_NOT_FOUND));
+  EXPECT_STREQ(ErrorString(StoreError::kFileRead), gdbm_strerror(GDBM_FILE_READ_ERROR));
 }
 
 }  // namespace

@@ -85,9 +85,9 @@ int RunExport(const std::string& index, const ExportOptions& options) {
   Database store;
   OpenStore(store, index, Access::kRead);
   Exporter exporter(*writer);
-  const int error = kestan::ReadDocuments(
+  const auto error = kestan::ReadDocuments(
       store, [&](const kestan::StoredDocument& document) { exporter.Add(document); });
-  if (error != 0) throw CannotRead(index, error);
+  if (error != kestan::StoreError::kNone) throw CannotRead(index, error);
   exporter.Finish();
   return kDone;
 }

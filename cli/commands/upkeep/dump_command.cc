@@ -15,9 +15,9 @@ int RunDump(Kestan&, const Values& values) {
   Database store;
   OpenStore(store, index, Access::kRead);
   LinePrinter printer;
-  const int error = kestan::DumpIndex(store, [&](std::string_view line) { printer.Take(line); });
+  const auto error = kestan::DumpIndex(store, [&](std::string_view line) { printer.Take(line); });
   printer.Finish();
-  if (error != 0) throw CannotRead(index, error);
+  if (error != kestan::StoreError::kNone) throw CannotRead(index, error);
   return kDone;
 }
 

@@ -122,7 +122,7 @@ int RunStats(Kestan&, const Values& values) {
   Database store;
   OpenStore(store, path, Access::kRead);
   const IndexStatistics index = kestan::ReadStatistics(store);
-  if (index.file_error != 0) throw CannotRead(path, index.file_error);
+  if (index.file_error != kestan::StoreError::kNone) throw CannotRead(path, index.file_error);
   PrintReport(
       ReportFormatOf(values), [&] { return JsonOf(index); }, [&] { return TextOf(index); });
   return kDone;

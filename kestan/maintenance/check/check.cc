@@ -48,7 +48,7 @@ std::int64_t CheckStructureWithFindings(const Database& store, const TakeFinding
 }
 
 CheckResult CheckIndexWithFindings(Database& store, const TakeFinding& report) {
-  if (store.Flush() == -1) return {0, 0, -1};
+  if (store.Flush() == -1) return {0, 0, StoreError::kNotOpen};
   Findings findings(report);
   CheckLayout(store, &findings);
   const IndexTables tables = ReadTables(store);
@@ -67,7 +67,7 @@ CheckResult CheckIndexWithFindings(Database& store, const TakeFinding& report) {
   postings.NoteUnusedWords();
   const int walk_error = tables.walk_error != 0 ? tables.walk_error : record.walk_error();
   const int error = CheckFile(store, walk_error, &findings);
-  return {findings.faults(), findings.notes(), error};
+  return {findings.faults(), findings.notes(), StoreError{error}};
 }
 
 CheckResult CheckIndex(Database& store, const TakeLine& report) {

@@ -94,13 +94,13 @@ class DocumentGiver {
 
 }  // namespace
 
-int ReadDocuments(Database& store, const TakeDocument& take, std::size_t places_at_once) {
-  if (store.Flush() == -1) return -1;
+StoreError ReadDocuments(Database& store, const TakeDocument& take, std::size_t places_at_once) {
+  if (store.Flush() == -1) return StoreError::kNotOpen;
   Contents contents;
-  if (const int error = contents.Gather(store); error != 0) return error;
+  if (const int error = contents.Gather(store); error != 0) return StoreError{error};
   PlaceCounts counts;
-  if (const int error = CountPlaces(store, contents, &counts); error != 0) return error;
-  return DocumentGiver(store, contents, take).Give(counts, places_at_once);
+  if (const int error = CountPlaces(store, contents, &counts); error != 0) return StoreError{error};
+  return StoreError{DocumentGiver(store, contents, take).Give(counts, places_at_once)};
 }
 
 }  // namespace kestan

@@ -261,24 +261,24 @@ bool IsEmpty(Database& target, const TakeLine& complain) {
 
 }  // namespace
 
-int DumpIndex(Database& store, const TakeLine& take) {
+StoreError DumpIndex(Database& store, const TakeLine& take) {
   Vector<String> keys;
   DBDatumPtr value;
-  if (store.Flush() == -1) return -1;
-  if (const int error = FindKeys(store, &keys); error != 0) return error;
+  if (store.Flush() == -1) return StoreError::kNotOpen;
+  if (const int error = FindKeys(store, &keys); error != 0) return StoreError{error};
   DumpWriter writer(take);
   PeriodicFlush flush(store);
   SizeGuard guard(store);
   for (const String& key : keys) {
-    if (const int error = store.Get(&value, AsDatum(key)); error != 0) return error;
-    if (const int error = guard.Count(key.size() + value.ptr->size); error != 0) return error;
-    writer.Add(AsDatum(key), *value.ptr);
+    if (const int error = store.Get(&value, AsDatum(key)); error != 0) return StoreError{error};
     const std::size_t bytes = key.size() + value.ptr->size;
+    if (const int error = guard.Count(bytes); error != 0) return StoreError{error};
+    writer.Add(AsDatum(key), *value.ptr);
     value.Free();
     flush.Note(bytes);  // dumping goes on where changes of others cannot be written
   }
   writer.Finish();
-  return 0;
+  return StoreError::kNone;
 }
 
 bool LoadIndex(const GiveLine& give, Database& target, const TakeLine& complain) {

@@ -134,7 +134,7 @@ class Counter {
 IndexStatistics ReadStatistics(Database& store) {
   IndexStatistics statistics;
   if (store.Flush() == -1) {
-    statistics.file_error = -1;
+    statistics.file_error = StoreError::kNotOpen;
     return statistics;
   }
   statistics.file_bytes = static_cast<std::uint64_t>(store.FileBytes());
@@ -144,7 +144,8 @@ IndexStatistics ReadStatistics(Database& store) {
     if (record.error() == 0) counter.Visit(record.key(), *record.value().ptr);
   }
   counter.Finish();
-  statistics.file_error = record.walk_error() != 0 ? record.walk_error() : store.FileError();
+  const int error = record.walk_error() != 0 ? record.walk_error() : store.FileError();
+  statistics.file_error = StoreError{error};
   return statistics;
 }
 

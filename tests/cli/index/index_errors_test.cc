@@ -13,12 +13,10 @@ namespace {
 using kestan::StoreError;
 
 CommandError NotOpened(StoreError error, int system_error) {
-  return StoreNotOpened("a", static_cast<int>(error), system_error);
+  return StoreNotOpened("a", error, system_error);
 }
 
-CommandError NotWritten(StoreError error, bool on_copy) {
-  return CannotWrite("a", static_cast<int>(error), on_copy);
-}
+CommandError NotWritten(StoreError error, bool on_copy) { return CannotWrite("a", error, on_copy); }
 
 TEST(IndexErrorsTest, MessagesNameTheIndexAndTheReason) {
   EXPECT_STREQ(CannotOpen("a\nb", "is a folder").what(), "cannot open index 'a\\nb': is a folder");

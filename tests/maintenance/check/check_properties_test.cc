@@ -176,7 +176,7 @@ void ExpectValid(const std::vector<Step>& steps, bool hyphens = false) {
   RC_ASSERT(statistics.documents == host.Documents());
   RC_ASSERT(statistics.documents + statistics.removed_codes + statistics.reusable_codes ==
             statistics.highest_code);
-  RC_ASSERT(statistics.file_error == 0);
+  RC_ASSERT(statistics.file_error == kestan::StoreError::kNone);
 }
 
 RC_GTEST_PROP(CheckPropertiesTest, LeaveAValidIndex, ()) {

@@ -57,7 +57,7 @@ TEST_F(CheckTest, EveryKindOfRecordTheEngineMakesIsValid) {
   EXPECT_EQ(checked.lines, Lines());
   EXPECT_EQ(checked.result.faults, 0u);
   EXPECT_EQ(checked.result.notes, 0u);
-  EXPECT_EQ(checked.result.file_error, 0);
+  EXPECT_EQ(checked.result.file_error, kestan::StoreError::kNone);
 }
 
 TEST_F(CheckTest, AnIndexWithoutPositionsIsValid) {
@@ -181,7 +181,7 @@ TEST(CheckRecordsTest, WithoutAFileSaysSo) {
   kestan::CheckResult result;
   EXPECT_EQ(StandardErrorOf([&] { result = kestan::CheckIndex(store, {}); }),
             "Kestan: Call to database::flush without an open database\n");
-  EXPECT_EQ(result.file_error, -1);
+  EXPECT_EQ(result.file_error, kestan::StoreError::kNotOpen);
   EXPECT_EQ(result.faults, 0u);
 }
 
@@ -208,7 +208,7 @@ TEST_F(CheckFileTest, UnreadableRecordsAreFaultsAndTheRestIsNotJudgedByThem) {
   GdbmWatch watch;
   watch.FailFrom("fetch", 3, GDBM_FILE_READ_ERROR);  // after the options and the counter
   const kestan::CheckResult result = Run();
-  EXPECT_EQ(result.file_error, GDBM_FILE_READ_ERROR);
+  EXPECT_EQ(result.file_error, kestan::StoreError::kFileRead);
   Lines expected{"index file: reading or writing failed -- " +
                  std::string(gdbm_strerror(GDBM_FILE_READ_ERROR))};
   for (const std::string key : {"c-\\x01\\x00", "c-\\x02\\x00", "cat", "d-a", "d-b", "dog"}) {
@@ -240,7 +240,7 @@ TEST_F(CheckFileTest, AWalkThatEndsEarlyIsAFault) {
   GdbmWatch watch;
   watch.Fail("nextkey", 2, GDBM_FILE_SEEK_ERROR);
   const std::string text = gdbm_strerror(GDBM_FILE_SEEK_ERROR);
-  EXPECT_EQ(Run().file_error, GDBM_FILE_SEEK_ERROR);
+  EXPECT_EQ(Run().file_error, kestan::StoreError::kFileSeek);
   EXPECT_EQ(lines_, Lines({"index file: not all records could be found -- " + text,
                            "index file: reading or writing failed -- " + text}));
 }
@@ -250,7 +250,7 @@ TEST_F(CheckFileTest, ASecondWalkThatEndsEarlySuspectsNoDocument) {
   const int records = static_cast<int>(ValidRecords().size());
   watch.Fail("nextkey", records + 1, GDBM_FILE_SEEK_ERROR);
   const std::string text = gdbm_strerror(GDBM_FILE_SEEK_ERROR);
-  EXPECT_EQ(Run().file_error, GDBM_FILE_SEEK_ERROR);
+  EXPECT_EQ(Run().file_error, kestan::StoreError::kFileSeek);
   EXPECT_EQ(lines_, Lines({"index file: not all records could be found -- " + text,
                            "index file: reading or writing failed -- " + text}));
 }
@@ -263,9 +263,9 @@ TEST_F(CheckFileTest, DamagedFreeSpaceIsAFault) {
   file.close();
   ASSERT_EQ(store_.Open(path_.c_str(), 0), 0);
   const kestan::CheckResult result = Run();
-  EXPECT_GT(result.file_error, 0);
+  EXPECT_GT(result.file_error, kestan::StoreError::kNone);
   EXPECT_EQ(lines_,
-            Lines({"index file: damaged -- " + std::string(gdbm_strerror(result.file_error))}));
+            Lines({"index file: damaged -- " + std::string(ErrorString(result.file_error))}));
 }
 
 // ---- Elements of buckets ----

@@ -62,7 +62,7 @@ RC_GTEST_PROP(DocumentsPropertiesTest, WordsComeBackAsTheyWentIn, ()) {
       words.emplace_back(document.words[i].position, document.words[i].bytes);
     }
   };
-  RC_ASSERT(kestan::ReadDocuments(store, take, at_once) == 0);
+  RC_ASSERT(kestan::ReadDocuments(store, take, at_once) == kestan::StoreError::kNone);
   RC_ASSERT(read == expected);
 }
 

@@ -31,7 +31,7 @@ class DocumentsTest : public IndexTest {
     Database store;
     EXPECT_EQ(store.Open(path_.c_str(), 0), 0);
     const auto take = [&](const auto& document) { lines.push_back(Spell(document)); };
-    EXPECT_EQ(kestan::ReadDocuments(store, take, places_at_once), 0);
+    EXPECT_EQ(kestan::ReadDocuments(store, take, places_at_once), kestan::StoreError::kNone);
     EXPECT_EQ(store.FileError(), 0);
     return lines;
   }
@@ -201,9 +201,9 @@ TEST_F(DocumentsTest, ARecordThatCannotBeReadIsAnError) {
     GdbmWatch watch;
     watch.Fail("fetch", nth, GDBM_FILE_READ_ERROR);
     int given = 0;
-    const int error = kestan::ReadDocuments(store, [&](const auto&) { ++given; });
+    const auto error = kestan::ReadDocuments(store, [&](const auto&) { ++given; });
     const bool has_failed = store.FileError() != 0;
-    EXPECT_EQ(error, has_failed ? GDBM_FILE_READ_ERROR : 0) << nth;
+    EXPECT_EQ(error, has_failed ? kestan::StoreError::kFileRead : kestan::StoreError::kNone) << nth;
     EXPECT_EQ(given, has_failed ? 0 : 1) << nth;
     if (has_failed) continue;
     ++successes;
@@ -238,7 +238,8 @@ TEST_F(DocumentsTest, ARecordThatCannotBeReadAgainIsAnError) {
     GdbmWatch watch;
     watch.Fail("fetch", nth, GDBM_FILE_READ_ERROR);
     int given = 0;
-    EXPECT_EQ(kestan::ReadDocuments(store, [&](const auto&) { ++given; }), GDBM_FILE_READ_ERROR);
+    EXPECT_EQ(kestan::ReadDocuments(store, [&](const auto&) { ++given; }),
+              kestan::StoreError::kFileRead);
     EXPECT_EQ(given, 0) << nth;
   }
 }
@@ -250,13 +251,16 @@ TEST_F(DocumentsTest, AWalkThatBreaksOffIsAnError) {
   ASSERT_EQ(store.Open(path_.c_str(), 0), 0);
   GdbmWatch watch;
   watch.Fail("nextkey", 2, GDBM_FILE_READ_ERROR);
-  EXPECT_EQ(kestan::ReadDocuments(store, [](const auto&) { FAIL(); }), GDBM_FILE_READ_ERROR);
+  EXPECT_EQ(kestan::ReadDocuments(store, [](const auto&) { FAIL(); }),
+            kestan::StoreError::kFileRead);
 }
 
 TEST_F(DocumentsTest, WithoutAFileNothingIsDone) {
   Database store;
-  EXPECT_EQ(StandardErrorOf(
-                [&] { EXPECT_EQ(kestan::ReadDocuments(store, [](const auto&) { FAIL(); }), -1); }),
+  EXPECT_EQ(StandardErrorOf([&] {
+              EXPECT_EQ(kestan::ReadDocuments(store, [](const auto&) { FAIL(); }),
+                        kestan::StoreError::kNotOpen);
+            }),
             "Kestan: Call to database::flush without an open database\n");
 }
 

@@ -19,7 +19,7 @@ std::string DumpOfFile(const std::string& path) {
   Database store;
   RC_ASSERT(store.Open(path.c_str(), 0) == 0);
   std::string text;
-  RC_ASSERT(DumpInto(store, &text) == 0);
+  RC_ASSERT(DumpInto(store, &text) == kestan::StoreError::kNone);
   return text;
 }
 

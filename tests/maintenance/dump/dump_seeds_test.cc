@@ -49,9 +49,9 @@ TEST_F(DumpSeedsTest, IndexFilesThatOpenComeBackOrTellWhyNot) {
       continue;
     }
     std::string text;
-    const int error = DumpInto(store, &text);
+    const auto error = DumpInto(store, &text);
     store.Close();
-    if (error == 0) {
+    if (error == kestan::StoreError::kNone) {
       ++whole;
       ExpectRoundTrip(copy, seed.filename());
     } else {

@@ -101,7 +101,7 @@ TEST_F(DumpTest, ChangesThatWaitAreDumped) {
   value.ptr->data[0] = 'O';
   value.ptr->dirty = true;
   std::string text;
-  EXPECT_EQ(DumpInto(store, &text), 0);
+  EXPECT_EQ(DumpInto(store, &text), kestan::StoreError::kNone);
   EXPECT_EQ(text, WholeDump("key\tOld\n", 1));
 }
 
@@ -118,7 +118,9 @@ TEST_F(DumpTest, WithoutAFileNothingIsDone) {
   Database store;
   std::string text;
   const std::string said = "Kestan: Call to database::flush without an open database\n";
-  EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(DumpInto(store, &text), -1); }), said);
+  EXPECT_EQ(
+      StandardErrorOf([&] { EXPECT_EQ(DumpInto(store, &text), kestan::StoreError::kNotOpen); }),
+      said);
   EXPECT_EQ(text, "");
   EXPECT_EQ(
       StandardErrorOf([&] { EXPECT_EQ(LoadInto(store, WholeDump("", 0)), "no file is open"); }),
@@ -132,7 +134,7 @@ TEST_F(DumpTest, ARecordThatCannotBeReadIsAnErrorAndNoEnd) {
   GdbmWatch watch;
   watch.Fail("fetch", 2, GDBM_FILE_READ_ERROR);
   std::string text;
-  EXPECT_EQ(DumpInto(store, &text), GDBM_FILE_READ_ERROR);
+  EXPECT_EQ(DumpInto(store, &text), kestan::StoreError::kFileRead);
   EXPECT_EQ(text, "kestan-dump 1\na\t1\n");
 }
 
@@ -143,7 +145,7 @@ TEST_F(DumpTest, AWalkThatBreaksOffIsAnErrorBeforeAnyLine) {
   GdbmWatch watch;
   watch.Fail("nextkey", 1, GDBM_FILE_READ_ERROR);
   std::string text;
-  EXPECT_EQ(DumpInto(store, &text), GDBM_FILE_READ_ERROR);
+  EXPECT_EQ(DumpInto(store, &text), kestan::StoreError::kFileRead);
   EXPECT_EQ(text, "");
 }
 

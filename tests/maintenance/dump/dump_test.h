@@ -33,7 +33,7 @@ class DumpTest : public testing::Test {
     Database store;
     EXPECT_EQ(store.Open(index.c_str(), 0), 0);
     std::string text;
-    EXPECT_EQ(DumpInto(store, &text), 0);
+    EXPECT_EQ(DumpInto(store, &text), kestan::StoreError::kNone);
     EXPECT_EQ(store.FileError(), 0);
     return text;
   }

@@ -28,7 +28,7 @@ class LinesOfText {
 };
 
 // Dumps the open store into `*text`.
-inline int DumpInto(Database& store, std::string* text) {
+inline kestan::StoreError DumpInto(Database& store, std::string* text) {
   return kestan::DumpIndex(store, [=](std::string_view line) { text->append(line).append("\n"); });
 }
 

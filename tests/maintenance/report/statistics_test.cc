@@ -48,7 +48,7 @@ TEST(StatisticsTest, CountDocumentsAndCodes) {
   EXPECT_EQ(statistics.reusable_codes, 3u);
   EXPECT_EQ(statistics.highest_code, 6u);
   EXPECT_EQ(statistics.option_flags, 0x10006u);
-  EXPECT_EQ(statistics.file_error, 0);
+  EXPECT_EQ(statistics.file_error, kestan::StoreError::kNone);
 }
 
 TEST(StatisticsTest, CountWordsPostingsAndPositions) {
@@ -137,7 +137,7 @@ TEST(StatisticsTest, WithoutAFileSaySo) {
   IndexStatistics statistics;
   EXPECT_EQ(StandardErrorOf([&] { statistics = kestan::ReadStatistics(store); }),
             "Kestan: Call to database::flush without an open database\n");
-  EXPECT_EQ(statistics.file_error, -1);
+  EXPECT_EQ(statistics.file_error, kestan::StoreError::kNotOpen);
   EXPECT_EQ(statistics.documents, 0u);
 }
 
@@ -150,10 +150,10 @@ TEST(StatisticsTest, LeaveOutWhatCannotBeReadAndSaySo) {
   GdbmWatch watch;
   watch.Fail("fetch", 4, GDBM_FILE_READ_ERROR);  // options, counter and removed codes come first
   const IndexStatistics statistics = Read(folder / "index");
-  EXPECT_EQ(statistics.file_error, GDBM_FILE_READ_ERROR);
+  EXPECT_EQ(statistics.file_error, kestan::StoreError::kFileRead);
   EXPECT_EQ(records_of(statistics), ValidRecords().size() - 1);
   watch.Fail("nextkey", 2, GDBM_FILE_SEEK_ERROR);
-  EXPECT_EQ(Read(folder / "index").file_error, GDBM_FILE_SEEK_ERROR);
+  EXPECT_EQ(Read(folder / "index").file_error, kestan::StoreError::kFileSeek);
 }
 
 TEST_F(IndexTest, StatisticsTellTheFilesSize) {
