@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <stdexcept>
 #include <string>
 
 #include "tests/maintenance/index_files.h"
@@ -48,6 +49,20 @@ void Exercise(Kestan& engine) {
   engine.DBPutUser("z", "what the host likes");
   engine.DBPutWords("stop", "and are a the then");
   engine.DBPutWords("empty", "");
+}
+
+TEST_F(CheckTest, ATakerThatThrowsEndsTheCheck) {
+  engine_.CloseIndex();
+  Plant(path_, {{"g-code", "1"}, {"g-deleted", "1"}});
+  Database store;
+  ASSERT_EQ(store.Open(path_.c_str(), 0), 0);
+  int taken = 0;
+  const auto take = [&](const kestan::Finding&) {
+    ++taken;
+    throw std::runtime_error("enough");
+  };
+  EXPECT_THROW(kestan::CheckIndexWithFindings(store, take), std::runtime_error);
+  EXPECT_EQ(taken, 1);
 }
 
 TEST_F(CheckTest, EveryKindOfRecordTheEngineMakesIsValid) {

@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstddef>
 #include <cstring>
+#include <stdexcept>
 
 namespace kestan_maintenance {
 namespace {
@@ -55,6 +56,14 @@ TEST_F(RepairTest, TheDamagedFileIsNotTouched) {
   std::filesystem::permissions(path_, std::filesystem::perms::owner_read);
   EXPECT_EQ(Repair(), 0);
   EXPECT_EQ(ReadFile(path_), before);
+}
+
+TEST_F(RepairTest, ATakerThatThrowsEndsTheRepairAndLeavesTheNewFile) {
+  kestan_tests::Plant(path_, Good());
+  const auto take = [](const kestan::Finding&) { throw std::runtime_error("enough"); };
+  EXPECT_THROW(kestan::RepairIndexWithFindings(path_.c_str(), new_path_.c_str(), take, &result_),
+               std::runtime_error);
+  EXPECT_TRUE(std::filesystem::exists(new_path_));
 }
 
 TEST_F(RepairTest, AnExistingNewFileIsRefusedAndStays) {

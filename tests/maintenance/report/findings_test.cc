@@ -46,6 +46,20 @@ TEST(ReportAsLineTest, WithoutATakerThereIsNoLine) {
   EXPECT_FALSE(kestan::AsLines({}));
 }
 
+TEST(SeverityOfTest, EachKindHasItsSeverity) {
+  for (const FindingKind kind :
+       {FindingKind::kCheckFault, FindingKind::kWordsMissing, FindingKind::kHalfWritten,
+        FindingKind::kLost, FindingKind::kLostCode, FindingKind::kCannotRead,
+        FindingKind::kCannotWrite}) {
+    EXPECT_EQ(kestan::SeverityOf(kind), Severity::kFault);
+  }
+  for (const FindingKind kind : {FindingKind::kCheckNote, FindingKind::kRepairNote,
+                                 FindingKind::kDropped, FindingKind::kFileNote}) {
+    EXPECT_EQ(kestan::SeverityOf(kind), Severity::kNote);
+  }
+  EXPECT_EQ(kestan::SeverityOf(FindingKind::kSaved), Severity::kInfo);
+}
+
 TEST(FindingsTest, AreHandedOutWithTheKeyAsItIs) {
   std::vector<std::string> taken;
   const kestan::TakeFinding take = [&](const Finding& finding) {
