@@ -1,6 +1,6 @@
 #include "cli/index/copied_index.h"
 
-#include <cstring>
+#include <kestan/maintenance.h>
 
 #include "cli/console/message.h"
 #include "cli/index/atomic_create.h"
@@ -9,28 +9,6 @@
 
 namespace kestan_cli {
 namespace {
-
-constexpr int kRecordsBetweenFlushes = 1000;  // a flush frees the memory of those read
-
-bool AreEqual(const DBDatum& left, const DBDatum& right) {
-  return left.size == right.size &&
-         (left.size == 0 || std::memcmp(left.data, right.data, left.size) == 0);
-}
-
-// Returns whether `copy` has every record of `whole`.
-bool HasAll(Database& copy, Database& whole) {
-  DBDatumPtr key;
-  DBDatumPtr value;
-  DBDatumPtr other;
-  int walked = 0;
-  for (int end = whole.First(&key, &value); end != -1; end = whole.Next(&key, &value)) {
-    if (end != 0 || copy.Get(&other, *key.ptr) != 0 || !AreEqual(*value.ptr, *other.ptr)) {
-      return false;
-    }
-    if (++walked % kRecordsBetweenFlushes == 0) whole.Flush(), copy.Flush();
-  }
-  return whole.FileError() == 0;
-}
 
 // Copies the index of the engine to `part`. The engine's messages about a failure are dropped: they
 // name a file that the user does not know.
@@ -45,7 +23,7 @@ bool AreSame(const std::string& left, const std::string& right) {
   Database a;
   Database b;
   if (a.Open(left.c_str(), 0) != 0 || b.Open(right.c_str(), 0) != 0) return false;
-  return HasAll(a, b) && HasAll(b, a);
+  return kestan::HaveSameRecords(a, b);
 }
 
 }  // namespace

@@ -3,31 +3,8 @@
 #include <kestan/format/keys.h>
 #include <kestan/format/option_flags.h>
 #include <kestan/format/posting.h>
-#include <kestan/format/posting_list.h>
+#include <kestan/indexing/drop_positions.h>
 #include <kestan/storage/memory.h>
-#include <kestan/storage/walk/record_iterator.h>
-
-namespace {
-
-// Fetches the records of all words.
-//   Returns  false if there may be records, of words or not, that cannot be read.
-bool FetchWords(Database& store, kestan::Vector<DBDatumPtr>* words) {
-  kestan::RecordIterator record(store);
-  for (; record.Valid(); record.Next()) {
-    if (!kestan::IsSystemKey(record.key())) words->push_back(record.value());
-  }
-  return record.all_read();
-}
-
-// Takes the positions out of the words' records; they reach the file at the next flush.
-void DropAllPositions(const kestan::Vector<DBDatumPtr>& words) {
-  for (const DBDatumPtr& word : words) {
-    kestan::DropPositions(word.ptr);
-    word.ptr->dirty = true;
-  }
-}
-
-}  // namespace
 
 unsigned long Kestan::Options() const { return OptionFlags; }
 
@@ -58,13 +35,14 @@ int Kestan::SetOptionFlag(unsigned long flags) {
   if (mask == 0) return -1;
   if ((OptionFlags & mask) != 0) return 0;
   const bool drops_positions = (mask & kestan::kFlagNoPositions) != 0;
-  kestan::Vector<DBDatumPtr> words;
+  kestan::Vector<DBDatumPtr> records;
   // All are read before the flag is stored: with it, positions that stay would be read as codes.
-  if (drops_positions && IsOpen() && !FetchWords(store_, &words)) return -3;
+  if (drops_positions && IsOpen() && !kestan::FetchPostingRecords(store_, &records)) return -3;
   OptionFlags |= mask;
   PutOptions();
-  if (drops_positions && !IsOpen()) FetchWords(store_, &words);  // for the message of the store
-  DropAllPositions(words);
+  // With no index open, for the message of the store.
+  if (drops_positions && !IsOpen()) kestan::FetchPostingRecords(store_, &records);
+  kestan::DropAllPositions(records);
   return 0;
 }
 
