@@ -6,7 +6,7 @@
 #ifndef KESTAN_MAINTENANCE_SALVAGE_GDBM_LAYOUT_H_
 #define KESTAN_MAINTENANCE_SALVAGE_GDBM_LAYOUT_H_
 
-#include <kestan/storage/gdbm_header.h>
+#include <kestan/storage/gdbm/gdbm_header.h>
 #include <kestan/storage/memory.h>
 
 #include <cstddef>

@@ -1,8 +1,8 @@
 // The layout of a gdbm file: the one declaration of what is known of it here.
 //
 // Numbers have this machine's size and byte order, and structures its alignment, as in gdbm.
-#ifndef KESTAN_STORAGE_GDBM_HEADER_H_
-#define KESTAN_STORAGE_GDBM_HEADER_H_
+#ifndef KESTAN_STORAGE_GDBM_GDBM_HEADER_H_
+#define KESTAN_STORAGE_GDBM_GDBM_HEADER_H_
 
 #include <array>
 #include <cstddef>
@@ -89,4 +89,4 @@ bool ReadHeader(std::string_view file, Header* header, Shape* shape);
 
 }  // namespace kestan::gdbm
 
-#endif  // KESTAN_STORAGE_GDBM_HEADER_H_
+#endif  // KESTAN_STORAGE_GDBM_GDBM_HEADER_H_

@@ -1,6 +1,6 @@
-#include <kestan/storage/gdbm_file.h>
+#include <kestan/storage/gdbm/gdbm_file.h>
 
-#include <kestan/storage/gdbm_header.h>
+#include <kestan/storage/gdbm/gdbm_header.h>
 #include <kestan/storage/memory.h>
 #include <sys/file.h>
 #include <sys/stat.h>
