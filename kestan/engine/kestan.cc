@@ -16,10 +16,10 @@
 #include <kestan/query/operators/negate.h>
 #include <kestan/query/operators/unite.h>
 #include <kestan/query/statistics.h>
+#include <kestan/storage/diagnostics.h>
 #include <kestan/storage/memory.h>
 #include <kestan/storage/owned_datum.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <optional>
 #include <utility>
@@ -40,7 +40,7 @@ int Register(std::optional<ResultSet> set) {
 }
 
 [[noreturn]] void EndProcess(const char* reason) {
-  std::fprintf(stderr, "%s: %s (oops!)\n", kestan::kEngineName, reason);
+  kestan::PrintDiagnostic("%s (oops!)\n", reason);
   std::exit(1);
 }
 
@@ -57,7 +57,7 @@ Kestan::~Kestan() {
 
 int Kestan::OpenIndex(const char* path, int mode) {
   if (IsOpen()) {
-    std::fprintf(stderr, "%s: Index file is already open\n", kestan::kEngineName);
+    kestan::PrintDiagnostic("Index file is already open\n");
     return -1;
   }
   if (store_.Open(path, mode) != 0) return -1;

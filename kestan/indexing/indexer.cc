@@ -6,10 +6,10 @@
 #include <kestan/format/posting.h>
 #include <kestan/format/posting_list.h>
 #include <kestan/indexing/tokenizer.h>
+#include <kestan/storage/diagnostics.h>
 #include <kestan/storage/memory.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <ctime>
 
 namespace kestan {
@@ -44,8 +44,7 @@ AddOutcome NextCode(Database& store, Code* code) {
   }
   const Code highest = DecodeCounter(*counter.ptr);
   if (highest == kMaxCode) {
-    std::fprintf(stderr, "%s: Too many documents (max=65535) -- try shrinking database\n",
-                 kEngineName);
+    PrintDiagnostic("Too many documents (max=65535) -- try shrinking database\n");
     return AddOutcome::kFull;
   }
   *code = static_cast<Code>(highest + 1);
@@ -108,8 +107,8 @@ class PostingAdder {
     if (AppendPosting(record.ptr, code_, with_positions_ ? &word.positions : nullptr)) {
       MarkDirty(record);
     } else {
-      std::fprintf(stderr, "%s: Posting record of '%s' is full -- entry left out\n", kEngineName,
-                   String(word.bytes).c_str());
+      PrintDiagnostic("Posting record of '%s' is full -- entry left out\n",
+                      String(word.bytes).c_str());
     }
   }
 
@@ -174,7 +173,7 @@ int RenameDocument(Database& store, std::string_view old_name, std::string_view 
   SetDocumentTimestamp(record.ptr, Now());
   store.Put(AsDatum(ItemKey(kDocumentFamily, new_name)), *record.ptr);
   if (name.ptr == nullptr) {
-    std::fprintf(stderr, "%s: Could not fetch document for code %d (oops!)\n", kEngineName, code);
+    PrintDiagnostic("Could not fetch document for code %d (oops!)\n", code);
     return -1;
   }
   SetName(name.ptr, new_name);

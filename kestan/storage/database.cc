@@ -3,12 +3,12 @@
 #include <gdbm.h>
 #include <kestan/storage/cycle_detector.h>
 #include <kestan/storage/dbcache.h>
+#include <kestan/storage/diagnostics.h>
 #include <kestan/storage/gdbm/gdbm_file.h>
 #include <kestan/storage/memory.h>
 #include <kestan/storage/owned_datum.h>
 
 #include <climits>
-#include <cstdio>
 #include <utility>
 
 namespace {
@@ -105,8 +105,7 @@ int Database::Flush() {
     if (error == 0) continue;
     result = error;
     const kestan::String name(key.data, key.size);  // printed up to its first NUL, if it has one
-    std::fprintf(stderr, "%s: Could not write item '%s' -- %s\n", kestan::kEngineName, name.c_str(),
-                 ErrorString(error));
+    kestan::PrintDiagnostic("Could not write item '%s' -- %s\n", name.c_str(), ErrorString(error));
   }
   cache_->DropUnheld();
   Sync();
@@ -235,8 +234,7 @@ int Database::Descriptor() const { return IsOpenFor("descriptor") ? gdbm_fdesc(d
 
 bool Database::IsOpenFor(const char* operation) const {
   if (dbf != nullptr) return true;
-  std::fprintf(stderr, "%s: Call to database::%s without an open database\n", kestan::kEngineName,
-               operation);
+  kestan::PrintDiagnostic("Call to database::%s without an open database\n", operation);
   return false;
 }
 

@@ -1,16 +1,16 @@
 #include <kestan/storage/memory.h>
 
+#include <kestan/storage/diagnostics.h>
+
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 
 namespace kestan {
 
 void EndForLackOfMemory(std::size_t bytes) {
   const int error = errno;
-  std::fprintf(stderr, "%s: could not allocate %zu bytes -- %s\n", kEngineName, bytes,
-               std::strerror(error));
+  PrintDiagnostic("could not allocate %zu bytes -- %s\n", bytes, std::strerror(error));
   std::exit(error);
 }
 

@@ -11,9 +11,6 @@
 
 namespace kestan {
 
-// What every diagnostic line begins with.
-inline constexpr const char* kEngineName = "Kestan";
-
 // Prints "Kestan: could not allocate BYTES bytes -- REASON" on the standard error stream, the
 // reason taken from errno, and ends the process with errno as its exit status.
 [[noreturn]] void EndForLackOfMemory(std::size_t bytes);

@@ -1,0 +1,25 @@
+#include <kestan/storage/diagnostics.h>
+
+#include <array>
+#include <cstdarg>
+#include <cstdio>
+
+namespace kestan {
+namespace {
+
+constexpr const char* kEngineName = "Kestan";
+
+}  // namespace
+
+// One call prints all of it, so that lines of two threads do not mix.
+// NOLINTNEXTLINE(cert-dcl50-cpp): this way the compiler checks the values against the format
+void PrintDiagnostic(const char* format, ...) {
+  std::array<char, 256> whole_format{};
+  std::snprintf(whole_format.data(), whole_format.size(), "%s: %s", kEngineName, format);
+  std::va_list values;
+  va_start(values, format);
+  std::vfprintf(stderr, whole_format.data(), values);
+  va_end(values);
+}
+
+}  // namespace kestan
