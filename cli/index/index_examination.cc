@@ -16,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using kestan::CollectionCounts;
+using kestan::DocumentCounts;
 using kestan::IndexFile;
 
 constexpr int kMaxLinks = 40;  // in a chain; as many as the system follows
@@ -43,8 +43,8 @@ void CheckWritable(const std::string& path) {
 }
 
 // Returns the counts of an index that is still to be made.
-CollectionCounts CountsOfNewIndex() {
-  CollectionCounts counts;
+DocumentCounts CountsOfNewIndex() {
+  DocumentCounts counts;
   counts.free_codes = kestan::kMaxCode;
   return counts;
 }
@@ -94,7 +94,7 @@ std::string RealPath(const std::string& path) {
   return real.string();
 }
 
-CollectionCounts ExamineIndex(const std::string& path, Access access) {
+DocumentCounts ExamineIndex(const std::string& path, Access access) {
   if (access == Access::kCreate && IsMissing(path)) {
     CheckFolderOfNewIndex(path);
     return CountsOfNewIndex();
@@ -105,7 +105,7 @@ CollectionCounts ExamineIndex(const std::string& path, Access access) {
   IndexFile file;
   OpenStore(file.store(), path, Access::kRead);
   const bool has_options = file.OptionFlags().has_value();
-  const CollectionCounts counts = file.Counts();
+  const DocumentCounts counts = file.CountDocuments();
   const bool lacks_counter = !counts.had_documents && HasDocuments(file);
   if (access == Access::kInspect && file.FileError() != kestan::StoreError::kNone) return counts;
   if (file.FileError() != kestan::StoreError::kNone) throw CannotRead(path, file.FileError());

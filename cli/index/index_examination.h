@@ -25,7 +25,7 @@ enum class Access {
 //   Throws   CommandError "cannot open index 'PATH': REASON" if it is missing, cannot be read or
 //            (for a change) written, is not an index, or is damaged where the counts are read; with
 //            the status kBusy if another process is writing it.
-kestan::CollectionCounts ExamineIndex(const std::string& path, Access access);
+kestan::DocumentCounts ExamineIndex(const std::string& path, Access access);
 
 // Makes sure that it is safe to change the index at `path`. Writes nothing to it. Every record must
 // be found by its key, or a change would write the record a second time. No record may lie in space

@@ -38,7 +38,7 @@ class IndexTransaction {
   IndexTransaction(const IndexTransaction&) = delete;
   IndexTransaction& operator=(const IndexTransaction&) = delete;
 
-  const kestan::CollectionCounts& counts() const { return counts_; }
+  const kestan::DocumentCounts& counts() const { return counts_; }
 
   // Makes the copy and opens it in the engine. To be called once; before, the engine may open the
   // index for reading.
@@ -68,7 +68,7 @@ class IndexTransaction {
   const Access access_;
   const UpdateMode mode_;
   std::unique_ptr<IndexLock> lock_;
-  kestan::CollectionCounts counts_;
+  kestan::DocumentCounts counts_;
   std::unique_ptr<WorkDirectory> folder_;
   std::unique_ptr<OpenedIndex> opened_;
 };

@@ -26,7 +26,7 @@ class OpenedIndex {
 
   Kestan& engine() const { return engine_; }
   const std::string& path() const { return path_; }
-  const kestan::CollectionCounts& counts() const { return counts_; }
+  const kestan::DocumentCounts& counts() const { return counts_; }
 
   // Throws CommandError unless `error`, which the engine returned, is 0: the file refused a record.
   void CheckWritten(int error) const;
@@ -54,7 +54,7 @@ class OpenedIndex {
   Kestan& engine_;
   const std::string file_;
   const std::string path_;  // as it is called in messages
-  const kestan::CollectionCounts counts_;
+  const kestan::DocumentCounts counts_;
 };
 
 }  // namespace kestan_cli

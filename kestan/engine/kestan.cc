@@ -9,13 +9,13 @@
 #include <kestan/indexing/short_words.h>
 #include <kestan/indexing/shrink.h>
 #include <kestan/indexing/strip.h>
+#include <kestan/query/collection_lists.h>
 #include <kestan/query/index_reader.h>
 #include <kestan/query/listing.h>
 #include <kestan/query/lookup.h>
 #include <kestan/query/operators/intersect.h>
 #include <kestan/query/operators/negate.h>
 #include <kestan/query/operators/unite.h>
-#include <kestan/query/statistics.h>
 #include <kestan/storage/diagnostics.h>
 #include <kestan/storage/memory.h>
 #include <kestan/storage/owned_datum.h>
@@ -24,9 +24,7 @@
 #include <optional>
 #include <utility>
 
-using kestan::Results;
-using kestan::ResultSet;
-using kestan::scratch;
+using namespace kestan;  // what each method forwards to
 
 namespace {
 
@@ -40,7 +38,7 @@ int Register(std::optional<ResultSet> set) {
 }
 
 [[noreturn]] void EndProcess(const char* reason) {
-  kestan::PrintDiagnostic("%s (oops!)\n", reason);
+  PrintDiagnostic("%s (oops!)\n", reason);
   std::exit(1);
 }
 
@@ -48,7 +46,7 @@ int Register(std::optional<ResultSet> set) {
 
 // ---- The index file ----
 
-Kestan::Kestan() : reader_(kestan::New<kestan::IndexReader>(store_)) {}
+Kestan::Kestan() : reader_(New<IndexReader>(store_)) {}
 
 Kestan::~Kestan() {
   CloseIndex();
@@ -57,7 +55,7 @@ Kestan::~Kestan() {
 
 int Kestan::OpenIndex(const char* path, int mode) {
   if (IsOpen()) {
-    kestan::PrintDiagnostic("Index file is already open\n");
+    PrintDiagnostic("Index file is already open\n");
     return -1;
   }
   if (store_.Open(path, mode) != 0) return -1;
@@ -68,8 +66,8 @@ int Kestan::OpenIndex(const char* path, int mode) {
 
 bool Kestan::LoadReusableCodes() {
   bool is_unreadable = false;
-  AvailCodes = kestan::Fetch(store_, kestan::kAvailableKey, &is_unreadable);
-  if (AvailCodes.ptr == nullptr) AvailCodes = kestan::CopyDatum(DBDatum());
+  AvailCodes = Fetch(store_, kAvailableKey, &is_unreadable);
+  if (AvailCodes.ptr == nullptr) AvailCodes = CopyDatum(DBDatum());
   return !is_unreadable;
 }
 
@@ -93,68 +91,64 @@ int Kestan::FlushIndex() {
 // ---- Titles, summaries, user records and word lists ----
 
 char* Kestan::DBGetUser(const char* name) {
-  return kestan::GetSideRecord(store_, kestan::kUserFamily, name, &scratch);
+  return GetSideRecord(store_, kUserFamily, name, &scratch);
 }
 
 char* Kestan::DBGetSummary(const char* name) {
-  return kestan::GetSideRecord(store_, kestan::kSummaryFamily, name, &scratch);
+  return GetSideRecord(store_, kSummaryFamily, name, &scratch);
 }
 
 char* Kestan::DBGetTitle(const char* name) {
-  return kestan::GetSideRecord(store_, kestan::kTitleFamily, name, &scratch);
+  return GetSideRecord(store_, kTitleFamily, name, &scratch);
 }
 
 int Kestan::DBPutUser(const char* name, const char* text) {
-  return kestan::PutSideRecord(store_, kestan::kUserFamily, name, text);
+  return PutSideRecord(store_, kUserFamily, name, text);
 }
 
 int Kestan::DBPutSummary(const char* name, const char* text) {
-  return kestan::PutSideRecord(store_, kestan::kSummaryFamily, name, text);
+  return PutSideRecord(store_, kSummaryFamily, name, text);
 }
 
 int Kestan::DBPutTitle(const char* name, const char* text) {
-  return kestan::PutSideRecord(store_, kestan::kTitleFamily, name, text);
+  return PutSideRecord(store_, kTitleFamily, name, text);
 }
 
 int Kestan::DBDelUser(const char* name) {
-  return kestan::DeleteSideRecord(store_, IsOpen(), kestan::kUserFamily, name);
+  return DeleteSideRecord(store_, IsOpen(), kUserFamily, name);
 }
 
 int Kestan::DBDelSummary(const char* name) {
-  return kestan::DeleteSideRecord(store_, IsOpen(), kestan::kSummaryFamily, name);
+  return DeleteSideRecord(store_, IsOpen(), kSummaryFamily, name);
 }
 
 int Kestan::DBDelTitle(const char* name) {
-  return kestan::DeleteSideRecord(store_, IsOpen(), kestan::kTitleFamily, name);
+  return DeleteSideRecord(store_, IsOpen(), kTitleFamily, name);
 }
 
 int Kestan::DBPutWords(const char* name, const char* words) {
-  return kestan::PutWordList(store_, name, words, &scratch);
+  return PutWordList(store_, name, words, &scratch);
 }
 
-char* Kestan::DBGetWords(const char* name) { return kestan::GetWordList(store_, name, &scratch); }
+char* Kestan::DBGetWords(const char* name) { return GetWordList(store_, name, &scratch); }
 
 // ---- Memory and text ----
 
 char* const& Kestan::WordBuf = scratch.bytes;
 const std::uint32_t& Kestan::WBSize = scratch.size;
 
-void* Kestan::SafeMalloc(unsigned size) { return kestan::Allocate(size); }
+void* Kestan::SafeMalloc(unsigned size) { return Allocate(size); }
 
-void* Kestan::SafeRealloc(void* block, unsigned size) { return kestan::Reallocate(block, size); }
+void* Kestan::SafeRealloc(void* block, unsigned size) { return Reallocate(block, size); }
 
-int Kestan::StripNonWords(char* text, unsigned length) {
-  return kestan::StripNonWords(text, length);
-}
+int Kestan::StripNonWords(char* text, unsigned length) { return RemoveNonWords(text, length); }
 
 int Kestan::StripWords(char* text, unsigned length, const char* stopText,
                        const char* const* stopList) {
-  return kestan::StripWords(text, length, stopText, stopList);
+  return RemoveStopWords(text, length, stopText, stopList);
 }
 
-int Kestan::StripBadLines(char* text, unsigned length) {
-  return kestan::StripBadLines(text, length);
-}
+int Kestan::StripBadLines(char* text, unsigned length) { return RemoveBadLines(text, length); }
 
 // ---- Documents ----
 
@@ -163,10 +157,9 @@ std::optional<std::size_t> Kestan::AddWords(const char* name, const char* text) 
     RemoveDocumentWords(name);  // for the message of the store
     return std::nullopt;
   }
-  const kestan::Addition added =
-      kestan::AddDocument(store_, AvailCodes, KeepsPositions(), name, text, &scratch);
-  if (added.outcome == kestan::AddOutcome::kCodeZero) EndProcess("Attempted to use code #0");
-  if (added.outcome != kestan::AddOutcome::kAdded) return std::nullopt;
+  const Addition added = AddDocument(store_, AvailCodes, KeepsPositions(), name, text, &scratch);
+  if (added.outcome == AddOutcome::kCodeZero) EndProcess("Attempted to use code #0");
+  if (added.outcome != AddOutcome::kAdded) return std::nullopt;
   return added.new_words;
 }
 
@@ -174,33 +167,31 @@ const char* Kestan::AddDocumentWords(const char* name, const char* text) {
   return AddWords(name, text).has_value() ? scratch.bytes : "";
 }
 
-int Kestan::RemoveDocumentWords(const char* name) { return kestan::RemoveDocument(store_, name); }
+int Kestan::RemoveDocumentWords(const char* name) { return RemoveDocument(store_, name); }
 
 int Kestan::MoveDocumentWords(const char* oldname, const char* newname) {
-  return kestan::RenameDocument(store_, oldname, newname);
+  return RenameDocument(store_, oldname, newname);
 }
 
-std::uint32_t Kestan::DocumentTimestamp(const char* name) {
-  return kestan::TimestampOf(store_, name);
-}
+std::uint32_t Kestan::DocumentTimestamp(const char* name) { return TimestampOf(store_, name); }
 
-int Kestan::ShrinkIndex() { return kestan::ShrinkIndex(store_, AvailCodes, KeepsPositions()); }
+int Kestan::ShrinkIndex() { return PurgeAndCompact(store_, AvailCodes, KeepsPositions()); }
 
 int Kestan::PurgeShortWords(bool removed_too) {
-  return kestan::PurgeShortWords(store_, removed_too);
+  return PurgePostingsOfShortWords(store_, removed_too);
 }
 
 // ---- Queries ----
 
 int Kestan::QueryWord(const char* word) {
-  return Register(kestan::FindWord(store_, word, KeepsPositions()));
+  return Register(FindWord(store_, word, KeepsPositions()));
 }
 
 int Kestan::QueryAnd(int first, int second, int distance) {
   const ResultSet* const a = Results().Find(first);
   const ResultSet* const b = Results().Find(second);
   if (a == nullptr || b == nullptr) return -1;
-  return Results().Add(kestan::Intersect(*a, *b, distance));
+  return Results().Add(Intersect(*a, *b, distance));
 }
 
 int Kestan::QueryOr(int first, int second) {
@@ -208,11 +199,11 @@ int Kestan::QueryOr(int first, int second) {
   const ResultSet* const a = Results().Find(first);
   const ResultSet* const b = Results().Find(second);
   if (a == nullptr && b == nullptr) return -1;
-  return Results().Add(kestan::Unite(a != nullptr ? *a : kEmpty, b != nullptr ? *b : kEmpty));
+  return Results().Add(Unite(a != nullptr ? *a : kEmpty, b != nullptr ? *b : kEmpty));
 }
 
 int Kestan::QueryNegate(int id) {
-  auto others = kestan::Negate(store_, ReusableCodes(), Results().Find(id));
+  auto others = Negate(store_, ReusableCodes(), Results().Find(id));
   if (!others.has_value()) EndProcess("Could not locate global-code");
   return Register(std::move(others));
 }
@@ -220,14 +211,13 @@ int Kestan::QueryNegate(int id) {
 char* Kestan::QueryResults(int id) {
   const ResultSet* const set = Results().Find(id);
   if (set == nullptr) return EmptyText();
-  return kestan::ListMatches(store_, *set, &reader_->names(), &scratch);
+  return ListMatches(store_, *set, &reader_->names(), &scratch);
 }
 
 void Kestan::FreeQueryResult(int id) { Results().Free(id); }
 
 char* Kestan::CommonWords(double low, double high) {
-  return OrEmpty(
-      kestan::ListCommonWords(store_, ReusableCodes(), KeepsPositions(), {low, high}, &scratch));
+  return OrEmpty(ListCommonWords(store_, ReusableCodes(), KeepsPositions(), {low, high}, &scratch));
 }
 
-char* Kestan::ListDocuments() { return OrEmpty(kestan::ListDocuments(store_, &scratch)); }
+char* Kestan::ListDocuments() { return OrEmpty(ListDocumentNames(store_, &scratch)); }

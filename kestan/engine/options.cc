@@ -6,6 +6,8 @@
 #include <kestan/indexing/drop_positions.h>
 #include <kestan/storage/memory.h>
 
+using namespace kestan;
+
 unsigned long Kestan::Options() const { return OptionFlags; }
 
 bool Kestan::KeepsPositions() const { return kestan::KeepsPositions(OptionFlags); }
@@ -15,9 +17,9 @@ void Kestan::GetOptions() { LoadOptions(); }
 // Flags that cannot be read stay as they are in the file: without them its records mean nothing.
 bool Kestan::LoadOptions() {
   bool is_unreadable = false;
-  const DBDatumPtr stored = kestan::Fetch(store_, kestan::kOptionsKey, &is_unreadable);
+  const DBDatumPtr stored = Fetch(store_, kOptionsKey, &is_unreadable);
   if (stored.ptr != nullptr) {
-    OptionFlags = kestan::DecodeOptions(*stored.ptr);
+    OptionFlags = DecodeOptions(*stored.ptr);
   } else if (!is_unreadable) {
     OptionFlags = 0;
     PutOptions();
@@ -26,23 +28,23 @@ bool Kestan::LoadOptions() {
 }
 
 int Kestan::PutOptions() {
-  const auto encoded = kestan::EncodeOptions(OptionFlags);
-  return store_.Put(kestan::AsDatum(kestan::kOptionsKey), kestan::AsDatum(encoded));
+  const auto encoded = EncodeOptions(OptionFlags);
+  return store_.Put(AsDatum(kOptionsKey), AsDatum(encoded));
 }
 
 int Kestan::SetOptionFlag(unsigned long flags) {
   const auto mask = static_cast<std::uint32_t>(flags);
   if (mask == 0) return -1;
   if ((OptionFlags & mask) != 0) return 0;
-  const bool drops_positions = (mask & kestan::kFlagNoPositions) != 0;
-  kestan::Vector<DBDatumPtr> records;
+  const bool drops_positions = (mask & kFlagNoPositions) != 0;
+  Vector<DBDatumPtr> records;
   // All are read before the flag is stored: with it, positions that stay would be read as codes.
-  if (drops_positions && IsOpen() && !kestan::FetchPostingRecords(store_, &records)) return -3;
+  if (drops_positions && IsOpen() && !FetchPostingRecords(store_, &records)) return -3;
   OptionFlags |= mask;
   PutOptions();
   // With no index open, for the message of the store.
-  if (drops_positions && !IsOpen()) kestan::FetchPostingRecords(store_, &records);
-  kestan::DropAllPositions(records);
+  if (drops_positions && !IsOpen()) FetchPostingRecords(store_, &records);
+  DropAllPositions(records);
   return 0;
 }
 
@@ -50,7 +52,7 @@ int Kestan::UnsetOptionFlag(unsigned long flags) {
   const auto mask = static_cast<std::uint32_t>(flags);
   if (mask == 0) return -1;
   if ((OptionFlags & mask) == 0) return 0;
-  if ((mask & kestan::kFlagNoPositions) != 0) return -2;
+  if ((mask & kFlagNoPositions) != 0) return -2;
   OptionFlags &= ~mask;
   PutOptions();
   return 0;

@@ -172,7 +172,7 @@ class ShortWordPurge {
 }  // namespace
 
 // Plans before it writes, so that damage is found while nothing is changed yet.
-int PurgeShortWords(Database& store, bool removed_too) {
+int PurgePostingsOfShortWords(Database& store, bool removed_too) {
   ShortWordPurge purge(store);
   if (const int error = purge.Plan(removed_too); error != 0) return error;
   return purge.CarryOut();

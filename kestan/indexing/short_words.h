@@ -11,7 +11,7 @@ namespace kestan {
 // of removed documents as well. `store` is the one that the engine itself uses.
 //   Returns  0; -1 without a file; -2, with nothing changed, if a damaged record has postings of a
 //            reusable code; or gdbm's number of a read or write failure.
-int PurgeShortWords(Database& store, bool removed_too);
+int PurgePostingsOfShortWords(Database& store, bool removed_too);
 
 }  // namespace kestan
 

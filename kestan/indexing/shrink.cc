@@ -24,7 +24,7 @@ bool PurgeWords(Database& store, const CodeSet& codes, bool with_positions) {
 
 }  // namespace
 
-int ShrinkIndex(Database& store, const DBDatumPtr& reusable_codes, bool with_positions) {
+int PurgeAndCompact(Database& store, const DBDatumPtr& reusable_codes, bool with_positions) {
   const DBDatumPtr removed = Fetch(store, kDeletedKey);
   if (removed.ptr == nullptr) return store.Shrink();
 

@@ -11,7 +11,7 @@ namespace kestan {
 // `reusable_codes`, the value of "g-avail", and compacts the file. If a record cannot be read, no
 // code becomes reusable.
 //   Returns  0; -1 if no file is open; or gdbm's error number from compacting.
-int ShrinkIndex(Database& store, const DBDatumPtr& reusable_codes, bool with_positions);
+int PurgeAndCompact(Database& store, const DBDatumPtr& reusable_codes, bool with_positions);
 
 }  // namespace kestan
 

@@ -34,7 +34,7 @@ void KeepWord(char* text, unsigned length, unsigned* read, unsigned* write) {
 
 }  // namespace
 
-int StripNonWords(char* text, unsigned length) {
+int RemoveNonWords(char* text, unsigned length) {
   unsigned read = 0;
   unsigned write = 0;
   while (read < length) {
@@ -97,7 +97,8 @@ Word ReadWord(const char* text, unsigned length, unsigned* read) {
 
 }  // namespace
 
-int StripWords(char* text, unsigned length, const char* stop_text, const char* const* stop_list) {
+int RemoveStopWords(char* text, unsigned length, const char* stop_text,
+                    const char* const* stop_list) {
   String stop_words(stop_text);
   StopSet stops;
   AddStopWords(&stop_words, &stops);
@@ -165,7 +166,7 @@ class EncodedDataFilter {
 
 }  // namespace
 
-int StripBadLines(char* text, unsigned length) {
+int RemoveBadLines(char* text, unsigned length) {
   EncodedDataFilter filter;
   unsigned write = 0;
   for (unsigned start = 0; start < length;) {

@@ -4,11 +4,12 @@
 
 namespace kestan {
 
-// Each works on `length` bytes at `text` and returns the new number of bytes; the methods of the
-// same names of class Kestan say the rest.
-int StripNonWords(char* text, unsigned length);
-int StripWords(char* text, unsigned length, const char* stop_text, const char* const* stop_list);
-int StripBadLines(char* text, unsigned length);
+// What Kestan::StripNonWords(), StripWords() and StripBadLines() do, which say the rest. Each works
+// on `length` bytes at `text` and returns the new number of bytes.
+int RemoveNonWords(char* text, unsigned length);
+int RemoveStopWords(char* text, unsigned length, const char* stop_text,
+                    const char* const* stop_list);
+int RemoveBadLines(char* text, unsigned length);
 
 }  // namespace kestan
 

@@ -61,8 +61,9 @@ struct IndexStatistics {
   StoreError file_error = StoreError::kNone;  // the first error; the numbers are incomplete then
 };
 
-// Counts what `store` holds, which is open for reading or writing and has no changes of an engine's
-// that wait elsewhere. Changes nothing, but makes `store` flush.
+// Counts the records that `store` holds; IndexReader::CountDocuments() says how many documents
+// there are without reading them all. `store` is open for reading or writing and has no changes of
+// an engine's that wait elsewhere. Changes nothing, but makes `store` flush.
 //
 // What a shrink leaves is estimated, for gdbm alone knows how it will lay records out: keys and
 // values without the postings of removed documents; 2048 bytes for the header and the first bucket;

@@ -6,8 +6,8 @@
 #include <kestan/format/option_flags.h>
 #include <kestan/format/record_kind.h>
 #include <kestan/format/word_list.h>
+#include <kestan/query/collection_lists.h>
 #include <kestan/query/name_table.h>
-#include <kestan/query/statistics.h>
 #include <kestan/storage/memory.h>
 #include <kestan/storage/walk/record_iterator.h>
 
@@ -59,8 +59,8 @@ IndexReader::~IndexReader() = default;
 
 NameTable& IndexReader::names() { return cache_->names; }
 
-CollectionCounts IndexReader::Counts() {
-  CollectionCounts counts;
+DocumentCounts IndexReader::CountDocuments() {
+  DocumentCounts counts;
   const DBDatumPtr counter = Fetch(store_, kCounterKey);
   counts.had_documents = counter.ptr != nullptr;
   if (counts.had_documents) counts.highest_code = DecodeCounter(*counter.ptr);

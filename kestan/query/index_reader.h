@@ -25,7 +25,7 @@ class NameTable;
 
 // How many documents an index has, and what its codes are used for. Where a damaged index
 // contradicts itself, no number goes below 0.
-struct CollectionCounts {
+struct DocumentCounts {
   std::size_t documents = 0;       // without removed ones
   Code highest_code = 0;           // handed out so far; 0 in an index that never had a document
   std::size_t reusable_codes = 0;  // of removed documents, which the next ones get
@@ -52,7 +52,8 @@ class KESTAN_EXPORT IndexReader {
 
   // ---- The collection ----
 
-  CollectionCounts Counts();
+  // Counts by the code counter and the lists of codes, without a walk.
+  DocumentCounts CountDocuments();
 
   // Returns the option flags; no value if the file has no such record, which every index has.
   std::optional<std::uint32_t> OptionFlags();

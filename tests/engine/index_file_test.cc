@@ -40,7 +40,7 @@ TEST_F(IndexFileTest, AnswersForItsOwnFile) {
   EXPECT_EQ(second.DocumentFrequency("cat"), 0u);
   EXPECT_EQ(first.NameOf(1), "one");
   EXPECT_EQ(second.NameOf(1), "two");
-  EXPECT_EQ(second.Counts().documents, 1u);
+  EXPECT_EQ(second.CountDocuments().documents, 1u);
 }
 
 TEST_F(IndexFileTest, MissingFileIsAnErrorAndIsNotMade) {

@@ -1,5 +1,5 @@
 // The bounds of CommonWords where the processor multiplies and adds in one step. This program has
-// kestan/query/statistics.cc compiled for such a processor, with the options of the library.
+// kestan/query/collection_lists.cc compiled for such a processor, with the options of the library.
 #include <cmath>
 
 #include "tests/indexing/planting.h"

@@ -59,7 +59,7 @@ class IndexReaderTest : public QueryTest {
 };
 
 TEST_F(IndexReaderTest, NewIndexHasNoDocumentsAndAllCodesFree) {
-  const auto counts = reader_.Counts();
+  const auto counts = reader_.CountDocuments();
   EXPECT_FALSE(counts.had_documents);
   EXPECT_EQ(counts.documents, 0u);
   EXPECT_EQ(counts.free_codes, 65535u);
@@ -69,14 +69,14 @@ TEST_F(IndexReaderTest, NewIndexHasNoDocumentsAndAllCodesFree) {
 TEST_F(IndexReaderTest, CountsFollowEveryChange) {
   for (const char* name : {"one", "two", "three"}) engine_.AddDocumentWords(name, "cat");
   engine_.RemoveDocumentWords("one");
-  auto counts = reader_.Counts();
+  auto counts = reader_.CountDocuments();
   EXPECT_TRUE(counts.had_documents);
   EXPECT_EQ(counts.documents, 2u);
   EXPECT_EQ(counts.highest_code, 3u);
   EXPECT_EQ(counts.removed_codes, 1u);
   EXPECT_EQ(counts.free_codes, 65532u);
   engine_.ShrinkIndex();
-  counts = reader_.Counts();
+  counts = reader_.CountDocuments();
   EXPECT_EQ(counts.documents, 2u);
   EXPECT_EQ(counts.removed_codes, 0u);
   EXPECT_EQ(counts.reusable_codes, 1u);
@@ -85,7 +85,7 @@ TEST_F(IndexReaderTest, CountsFollowEveryChange) {
 
 TEST_F(IndexReaderTest, CountsOfAContradictoryIndexDoNotGoBelow0) {
   PlantAndReopen({{"g-code", Units({1})}, {"g-avail", Units({1, 2, 3})}});
-  EXPECT_EQ(reader_.Counts().documents, 0u);
+  EXPECT_EQ(reader_.CountDocuments().documents, 0u);
 }
 
 TEST_F(IndexReaderTest, OptionFlag1MeansNoPositions) {

@@ -40,7 +40,7 @@ std::vector<std::string> PathsOf(const IndexOptions& options) {
 }
 
 std::vector<IndexedDocument> DocumentsAt(Kestan& engine, const std::string& index,
-                                         const kestan::CollectionCounts& counts) {
+                                         const kestan::DocumentCounts& counts) {
   if (!counts.had_documents) return {};
   const OpenedIndex opened(engine, index, Access::kRead);
   std::vector<IndexedDocument> documents = IndexedDocuments(engine);
@@ -65,7 +65,7 @@ void ForgetSkipsOf(const VanishedDocuments& vanished, std::vector<Skip>* skips) 
 // Makes sure before the change that there are codes for all new documents: the engine removes the
 // earlier version of a document even if there is none for the new one.
 void CheckFreeCodes(const ChangePlan& plan, const ReadingRules& rules,
-                    const kestan::CollectionCounts& counts, const std::string& index, bool quiet) {
+                    const kestan::DocumentCounts& counts, const std::string& index, bool quiet) {
   if (plan.to_read.size() <= counts.free_codes) return;
   Progress progress(StyleOfStandardError(quiet), plan.to_read.size(), plan.bytes_to_read);
   const unsigned long needed = CountCodesNeeded(plan, rules, progress);

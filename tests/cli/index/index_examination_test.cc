@@ -200,15 +200,14 @@ TEST_F(IndexExaminationTest, CountsSurviveDamagedRecords) {
   using kestan_cli::Access;
   Add("docs/a", "some words\n");
   Plant(Path("my.index"), {{"g-code", "\x05"}, {"g-avail", "abc"}});
-  const kestan::CollectionCounts counts =
-      kestan_cli::ExamineIndex(Path("my.index"), Access::kWrite);
+  const kestan::DocumentCounts counts = kestan_cli::ExamineIndex(Path("my.index"), Access::kWrite);
   EXPECT_TRUE(counts.had_documents);
   EXPECT_EQ(counts.free_codes, 65536u - 5);
 }
 
 TEST_F(IndexExaminationTest, NewIndexNeverHadADocument) {
   using kestan_cli::Access;
-  const kestan::CollectionCounts counts = kestan_cli::ExamineIndex(Path("new"), Access::kCreate);
+  const kestan::DocumentCounts counts = kestan_cli::ExamineIndex(Path("new"), Access::kCreate);
   EXPECT_FALSE(counts.had_documents);
   EXPECT_EQ(counts.free_codes, 65535u);
 }

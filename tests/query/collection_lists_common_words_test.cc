@@ -1,4 +1,4 @@
-// Kestan::CommonWords of kestan/query/statistics.cc.
+// Kestan::CommonWords of kestan/query/collection_lists.cc.
 #include <cmath>
 #include <limits>
 #include <set>

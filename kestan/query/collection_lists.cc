@@ -1,4 +1,4 @@
-#include <kestan/query/statistics.h>
+#include <kestan/query/collection_lists.h>
 
 #include <kestan/format/id_list.h>
 #include <kestan/format/keys.h>
@@ -55,7 +55,7 @@ FrequencyBounds BoundsOf(FrequencyRange range, std::uint32_t documents) {
 
 }  // namespace
 
-char* ListDocuments(Database& store, ScratchBuffer* text) {
+char* ListDocumentNames(Database& store, ScratchBuffer* text) {
   if (Fetch(store, kCounterKey).ptr == nullptr) return nullptr;
   ScratchText lines(text);
   ForEachRecord(store, [&lines](const DBDatum& key, const DBDatum&) {

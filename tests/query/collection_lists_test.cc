@@ -1,5 +1,5 @@
-// The walk behind Kestan::ListDocuments and Kestan::CommonWords of kestan/query/statistics.cc: its
-// order and the buffer it writes.
+// The walk behind Kestan::ListDocuments and Kestan::CommonWords of
+// kestan/query/collection_lists.cc: its order and the buffer it writes.
 #include <algorithm>
 
 #include "tests/query/query_test.h"

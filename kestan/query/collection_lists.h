@@ -1,6 +1,6 @@
-// Listings of the whole collection.
-#ifndef KESTAN_QUERY_STATISTICS_H_
-#define KESTAN_QUERY_STATISTICS_H_
+// Lists of a whole collection: its documents, and its words by how many documents hold them.
+#ifndef KESTAN_QUERY_COLLECTION_LISTS_H_
+#define KESTAN_QUERY_COLLECTION_LISTS_H_
 
 #include <kestan/query/frequency_range.h>
 #include <kestan/storage/database.h>
@@ -15,7 +15,7 @@ namespace kestan {
 
 // Lists the names of the documents, each followed by a line feed, in the file's order.
 //   Returns  the lines, in `*text`; null if the index never had a document or no file is open.
-char* ListDocuments(Database& store, ScratchBuffer* text);
+char* ListDocumentNames(Database& store, ScratchBuffer* text);
 
 // Calls `visit` with each word of that frequency and the number of its documents, in the file's
 // order. `reusable_codes` is the value of "g-avail". Removed documents count. The walk ends at the
@@ -26,11 +26,11 @@ int ForEachCommonWord(
     Database& store, const DBDatum& reusable_codes, bool with_positions, FrequencyRange range,
     const std::function<bool(std::string_view word, std::size_t documents)>& visit);
 
-// Lists these words, as ListDocuments() does documents.
-//   Returns  as ListDocuments().
+// Lists these words, as ListDocumentNames() does documents.
+//   Returns  as ListDocumentNames().
 char* ListCommonWords(Database& store, const DBDatum& reusable_codes, bool with_positions,
                       FrequencyRange range, ScratchBuffer* text);
 
 }  // namespace kestan
 
-#endif  // KESTAN_QUERY_STATISTICS_H_
+#endif  // KESTAN_QUERY_COLLECTION_LISTS_H_

@@ -1,5 +1,5 @@
-// How often the walk of kestan/query/statistics.cc flushes the store, and what it holds meanwhile:
-// a changed record that somebody holds is written by every flush.
+// How often the walk of kestan/query/collection_lists.cc flushes the store, and what it holds
+// meanwhile: a changed record that somebody holds is written by every flush.
 #include "tests/query/query_test.h"
 #include "tests/support/gdbm_calls.h"
 
