@@ -5,7 +5,7 @@
 namespace kestan::search {
 
 struct Bm25Parameters {
-  double k1 = 1.6;  // how slowly further occurrences of a term count less
+  double k1 = 1.8;  // how slowly further occurrences of a term count less
   double b = 0.75;  // how much the length of a document counts
 };
 

@@ -28,15 +28,6 @@ std::vector<Hit> HitsIn(const ResultSet& set) {
   return hits;
 }
 
-std::vector<ScoredDocument> ScoredDocumentsIn(const ResultSet& set) {
-  const PercentageScale percentage(BestScoreIn(set));
-  std::vector<ScoredDocument> documents;
-  set.ForEachDocument([&](const Match& match, std::string_view) {
-    documents.push_back({match.code, percentage.Of(match.score)});
-  });
-  return documents;
-}
-
 void Sort(HitOrder order, std::vector<Hit>* hits) {
   std::sort(hits->begin(), hits->end(), [order](const Hit& left, const Hit& right) {
     if (order == HitOrder::kName) {

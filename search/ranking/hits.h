@@ -25,15 +25,8 @@ enum class HitOrder {
   kCode,   // in order of the engine's codes: the document added first, where none was removed
 };
 
-// A document and the percentage of its score, as a hit without its name.
-struct ScoredDocument {
-  Code code = 0;
-  int percent = 0;
-};
-
 // Returns the documents of `set` in ascending order of their codes.
 std::vector<Hit> HitsIn(const ResultSet& set);
-std::vector<ScoredDocument> ScoredDocumentsIn(const ResultSet& set);
 
 // Sorts `hits` by `order`; kBest is taken for kScore, and percentages are compared as they are.
 void Sort(HitOrder order, std::vector<Hit>* hits);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <utility>
 
 #include "search/ranking/bm25.h"
@@ -23,13 +22,6 @@ struct Candidate {
   double relative_length = 1;  // to the mean
   double relevance = 0;
 };
-
-// Less than half a percent shows as 0.
-int LeastPercentOf(const std::vector<ScoredDocument>& documents) {
-  int least = std::numeric_limits<int>::max();
-  for (const ScoredDocument& document : documents) least = std::min(least, document.percent);
-  return std::max(least, 1);
-}
 
 double RelevanceOf(const Candidate& candidate) {
   double sum = 0;
@@ -71,18 +63,17 @@ std::vector<Candidate> CandidatesOf(std::vector<Hit>* hits) {
 
 // Adds what `clause`, which finds `found`, contributes to each candidate. Both are in ascending
 // order of codes.
-void AddContributions(const RankedClause& clause, const std::vector<ScoredDocument>& found,
+void AddContributions(const RankedClause& clause, const std::vector<TermFrequency>& found,
                       double documents, std::vector<Candidate>* candidates) {
   const double idf = Idf(static_cast<double>(found.size()), documents);
   const auto query_frequency = static_cast<double>(clause.times);
-  const int least = LeastPercentOf(found);
   auto candidate = candidates->begin();
-  for (const auto [code, percent] : found) {
+  for (const auto [code, tf] : found) {
     while (candidate != candidates->end() && candidate->hit.code < code) ++candidate;
     if (candidate == candidates->end()) break;
     if (candidate->hit.code != code) continue;
-    const double tf = std::max(1.0, std::round(static_cast<double>(percent) / least));
-    candidate->contributions.push_back({idf, tf, query_frequency});
+    const auto at_least_once = static_cast<double>(std::max<std::uint32_t>(tf, 1));
+    candidate->contributions.push_back({idf, at_least_once, query_frequency});
   }
 }
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "search/ranking/hits.h"
+#include "search/ranking/term_frequency.h"
 
 namespace kestan::search {
 
@@ -22,7 +23,7 @@ using SizeOf = std::function<std::optional<std::uint64_t>(const std::string& nam
 // One clause of the query, or several that are equal.
 struct RankedClause {
   // Returns what the clause finds by itself, in ascending order of codes. Called once.
-  std::function<std::vector<ScoredDocument>()> documents;
+  std::function<std::vector<TermFrequency>()> documents;
   std::size_t times = 1;  // how often the query has it
 };
 
@@ -31,9 +32,9 @@ struct RankedClause {
 //
 // The relevance of a document is the sum of the BM25 scores of the clauses that find it (bm25.h),
 // where N is `documents` and n how many documents the clause finds. A clause that the query has
-// twice counts twice. tf is the percentage of the document for the clause as a multiple of the
-// least percentage there. A document whose size is not known, and each hit after the first
-// kMeasuredHits, is taken to be of mean size. The documents of one clause at a time are in memory.
+// twice counts twice. tf is how often the document has the clause (term_frequency.h), at least 1. A
+// document whose size is not known, and each hit after the first kMeasuredHits, is taken to be of
+// mean size. The documents of one clause at a time are in memory.
 void SortByRelevance(const std::vector<RankedClause>& clauses, std::uint64_t documents,
                      const SizeOf& size_of, std::vector<Hit>* hits);
 

@@ -37,8 +37,8 @@ using kestan::search::ParseQuery;
 using kestan::search::Query;
 using kestan::search::RankedClause;
 using kestan::search::ResultSet;
-using kestan::search::ScoredDocumentsIn;
 using kestan::search::ScoringClauses;
+using kestan::search::TermFrequenciesIn;
 
 std::string TextOrEmpty(const char* text) { return text == nullptr ? "" : text; }
 
@@ -100,7 +100,7 @@ class Search {
     std::vector<RankedClause> clauses;
     for (const auto& [clause, times] : Distinct(ScoringClauses(query))) {
       const auto documents = [this, clause = clause] {
-        return ScoredDocumentsIn(evaluator_.Evaluate(*clause, nullptr));
+        return TermFrequenciesIn(evaluator_.Evaluate(*clause, nullptr), *clause);
       };
       clauses.push_back({documents, times});
     }

@@ -61,18 +61,6 @@ TEST_F(HitsInTest, PercentagesAreThoseOfTheEngine) {
 TEST_F(HitsInTest, SetWithoutDocumentsHasNoHits) {
   engine_.AddDocumentWords("one", "cat");
   EXPECT_TRUE(HitsIn(Documents("dog")).empty());
-  EXPECT_TRUE(ScoredDocumentsIn(Documents("dog")).empty());
-}
-
-TEST_F(HitsInTest, ScoredDocumentsAreTheHitsWithoutTheirNames) {
-  engine_.AddDocumentWords("b", "cat");
-  engine_.AddDocumentWords("a", "cat cat");
-  const auto documents = ScoredDocumentsIn(Documents("cat"));
-  ASSERT_EQ(documents.size(), 2u);
-  EXPECT_EQ(documents[0].code, 1u);
-  EXPECT_EQ(documents[0].percent, 50);
-  EXPECT_EQ(documents[1].code, 2u);
-  EXPECT_EQ(documents[1].percent, 100);
 }
 
 std::string Sorted(HitOrder order, std::vector<Hit> hits) {

@@ -15,10 +15,10 @@ namespace {
 
 std::optional<std::uint64_t> Unknown(const std::string&) { return std::nullopt; }
 
-using Documents = std::vector<ScoredDocument>;
+using Documents = std::vector<TermFrequency>;
 
 // The document whose name is the letter `name`. Codes come in order of names.
-ScoredDocument Document(char name, int percent = 100) { return {static_cast<Code>(name), percent}; }
+TermFrequency Document(char name, std::uint32_t tf = 1) { return {static_cast<Code>(name), tf}; }
 
 std::vector<Hit> HitsNamed(const std::string& names) {
   std::vector<Hit> hits;
@@ -57,17 +57,16 @@ TEST(RelevanceTest, ClausesAddUp) {
 }
 
 TEST(RelevanceTest, RepetitionCountsLessAndLess) {
-  // 4 times, twice and once, as the least percentage tells.
-  const auto weight = [](double times) { return times * 2.6 / (times + 1.6); };
+  const auto weight = [](double times) { return times * 2.8 / (times + 1.8); };
   EXPECT_EQ(
-      Ranked("abc", {{Document('a', 25), Document('b', 50), Document('c')}}, 10),
+      Ranked("abc", {{Document('a', 1), Document('b', 2), Document('c', 4)}}, 10),
       "c100 b" + Percent(weight(2) / weight(4)) + " a" + Percent(weight(1) / weight(4)) + " ");
 }
 
 TEST(RelevanceTest, ShortDocumentsGoBeforeLongOnes) {
   const std::map<std::string, std::uint64_t> sizes{{"a", 300}, {"b", 100}};
   const auto size_of = [&](const std::string& name) { return std::optional(sizes.at(name)); };
-  const auto weight = [](double size) { return 2.6 / (1 + 1.6 * (0.25 + 0.75 * size)); };
+  const auto weight = [](double size) { return 2.8 / (1 + 1.8 * (0.25 + 0.75 * size)); };
   EXPECT_EQ(Ranked("ab", {{Document('a'), Document('b')}}, 10, size_of),
             "b100 a" + Percent(weight(1.5) / weight(0.5)) + " ");
 }
@@ -92,7 +91,7 @@ TEST(RelevanceTest, OnlyTheFirstAreMeasured) {
   Documents found;
   for (std::size_t i = 1; i <= kMeasuredHits + 5; ++i) {
     hits.push_back({0, std::to_string(i), static_cast<Code>(i)});
-    found.push_back({static_cast<Code>(i), 100});
+    found.push_back({static_cast<Code>(i), 1});
   }
   std::size_t measured = 0;
   const auto size_of = [&](const std::string&) {
@@ -124,8 +123,17 @@ TEST(RelevanceTest, DocumentsThatAreNoHitsAreLeftOut) {
   EXPECT_EQ(Ranked("a", {{Document('a'), Document('z')}}, 10), "a100 ");
 }
 
-TEST(RelevanceTest, PercentageOfZeroIsOneOccurrence) {
-  EXPECT_EQ(Ranked("ab", {{Document('a', 0), Document('b')}}, 10).substr(0, 6), "b100 a");
+TEST(RelevanceTest, NoOccurrenceCountsAsOne) {
+  EXPECT_EQ(Ranked("ab", {{Document('a', 0), Document('b', 1)}}, 10), "a100 b100 ");
+  EXPECT_EQ(Ranked("ab", {{Document('a', 0), Document('b', 2)}}, 10).substr(0, 6), "b100 a");
+}
+
+TEST(RelevanceTest, EachOccurrenceCountsHoweverManyAnotherDocumentHas) {
+  const std::string ranked =
+      Ranked("abc", {{Document('a', 1), Document('b', 3), Document('c', 60000)}}, 10);
+  const auto weight = [](double times) { return times * 2.8 / (times + 1.8); };
+  EXPECT_EQ(ranked, "c100 b" + Percent(weight(3) / weight(60000)) + " a" +
+                        Percent(weight(1) / weight(60000)) + " ");
 }
 
 TEST(RelevanceTest, NoHitsAndNoClausesAreNoError) {

@@ -270,6 +270,20 @@ TEST_F(SearchCommandTest, AnyCountsRareWordsMore) {
             Success("100 three\n50 one\n50 two\n50 four\n"));
 }
 
+TEST_F(SearchCommandTest, AnyCountsOccurrencesThatPercentagesRoundAway) {
+  std::string often;
+  for (int i = 0; i < 300; ++i) often += "cow ";
+  {
+    Kestan engine;
+    ASSERT_EQ(engine.OpenIndex(Path("my.index").c_str(), 1), 0);
+    engine.AddDocumentWords("once", "cow");
+    engine.AddDocumentWords("thrice", "cow cow cow");
+    engine.AddDocumentWords("often", often.c_str());
+  }
+  EXPECT_EQ(Run({"search", "my.index", "cow"}), Success("100 often\n1 thrice\n0 once\n"));
+  EXPECT_EQ(Run({"search", "-l", "--any", "my.index", "cow"}), Success("often\nthrice\nonce\n"));
+}
+
 TEST_F(SearchCommandTest, AnyPrefersShortFilesWhereSizesAreKnown) {
   {
     Kestan engine;
