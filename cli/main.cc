@@ -8,8 +8,8 @@
 #include <string>
 
 #include "cli/app/arguments.h"
-#include "cli/app/command_registry.h"
 #include "cli/app/standard_descriptors.h"
+#include "cli/commands/commands.h"
 #include "cli/console/diagnostics.h"
 #include "cli/console/message.h"
 #include "cli/console/output.h"

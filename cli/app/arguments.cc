@@ -67,11 +67,12 @@ struct Declared {
 
 constexpr const char* kCommands = "Commands";  // the heading above them in the help
 
-CLI::App* GroupOf(CLI::App* app, const std::string& group) {
+// Returns the group `group`, added with `purpose` unless it is there.
+CLI::App* GroupOf(CLI::App* app, const std::string& group, const std::string& purpose) {
   const auto is_group = [&group](const CLI::App* added) { return added->get_name() == group; };
   const std::vector<CLI::App*> found = app->get_subcommands(is_group);
   if (!found.empty()) return found.front();
-  CLI::App* made = app->add_subcommand(group, PurposeOfGroup(group))->group(kCommands);
+  CLI::App* made = app->add_subcommand(group, purpose)->group(kCommands);
   made->require_subcommand(1);
   made->footer("Each has --help with an example.");
   return made;
@@ -79,7 +80,9 @@ CLI::App* GroupOf(CLI::App* app, const std::string& group) {
 
 CLI::App* AddTo(CLI::App* app, const Command& command) {
   const std::size_t blank = command.name.find(' ');
-  if (blank != std::string::npos) app = GroupOf(app, command.name.substr(0, blank));
+  if (blank != std::string::npos) {
+    app = GroupOf(app, command.name.substr(0, blank), command.group_purpose);
+  }
   const std::string name =
       blank == std::string::npos ? command.name : command.name.substr(blank + 1);
   return app->add_subcommand(name, command.purpose)->group(kCommands);

@@ -28,15 +28,6 @@ long long Values::Number(const std::string& name, long long fallback, long long 
                      std::to_string(most) + ", not " + Quoted(text));
 }
 
-std::string PurposeOfGroup(const std::string& group) {
-  if (group == "option") return "Get, set or clear option flags.";
-  if (group == "title") return "Get, set or delete a document's title.";
-  if (group == "summary") return "Get, set or delete a document's summary.";
-  if (group == "user") return "Get, set or delete a document's user record.";
-  if (group == "wordlist") return "Get or put a list of words.";
-  return "";
-}
-
 std::string LongName(const Option& option) { return option.names.substr(option.names.find("--")); }
 
 std::string DescriptionOf(const Option& option) {

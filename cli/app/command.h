@@ -67,13 +67,10 @@ struct Command {
   std::string more;                                              // the end of its help
   Arguments examples;                                            // without the prompt
   std::function<int(Kestan& engine, const Values& values)> run;  // returns the exit status
-  bool takes_dashes = false;  // a word with one dash is an argument unless it is an option
-  bool hidden = false;        // left out of help and manual: only the build uses it
+  bool takes_dashes = false;       // a word with one dash is an argument unless it is an option
+  bool hidden = false;             // left out of help and manual: only the build uses it
+  std::string group_purpose = {};  // of a command with two words: the purpose of its group
 };
-
-// Returns the purpose of the commands whose names begin with the word `group`; empty if there is no
-// such group.
-std::string PurposeOfGroup(const std::string& group);
 
 // Returns the long name of an option: "--null" of "-0,--null".
 std::string LongName(const Option& option);

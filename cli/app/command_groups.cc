@@ -36,7 +36,8 @@ std::string SecondWords(const CommandGroup& group) {
 }
 
 std::string PurposeOf(const CommandGroup& group) {
-  return HasSecondWords(group) ? PurposeOfGroup(group.name) : group.commands.front()->purpose;
+  const Command& first = *group.commands.front();
+  return HasSecondWords(group) ? first.group_purpose : first.purpose;
 }
 
 }  // namespace kestan_cli

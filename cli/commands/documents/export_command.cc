@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "cli/app/command_registry.h"
+#include "cli/commands/commands.h"
 #include "cli/console/diagnostics.h"
 #include "cli/console/message.h"
 #include "cli/console/output.h"

@@ -6,7 +6,7 @@
 #include <set>
 #include <utility>
 
-#include "cli/app/command_registry.h"
+#include "cli/commands/commands.h"
 #include "cli/console/diagnostics.h"
 #include "cli/console/message.h"
 #include "cli/console/progress.h"

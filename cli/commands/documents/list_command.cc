@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "cli/app/command_registry.h"
+#include "cli/commands/commands.h"
 #include "cli/console/json.h"
 #include "cli/index/document_records.h"
 

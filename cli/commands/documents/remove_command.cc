@@ -1,7 +1,7 @@
 #include <set>
 #include <string>
 
-#include "cli/app/command_registry.h"
+#include "cli/commands/commands.h"
 #include "cli/console/json.h"
 #include "cli/console/message.h"
 #include "cli/index/document_records.h"

@@ -1,6 +1,6 @@
 #include <string>
 
-#include "cli/app/command_registry.h"
+#include "cli/commands/commands.h"
 #include "cli/commands/documents/side_record_command.h"
 #include "cli/index/document_records.h"
 #include "cli/index/index_transaction.h"

@@ -1,9 +1,9 @@
 #include <string>
 
 #include "cli/app/bash_completion.h"
-#include "cli/app/command_registry.h"
 #include "cli/app/fish_completion.h"
 #include "cli/app/zsh_completion.h"
+#include "cli/commands/commands.h"
 #include "cli/console/message.h"
 #include "cli/console/output.h"
 

@@ -1,8 +1,8 @@
 #include <fstream>
 #include <string>
 
-#include "cli/app/command_registry.h"
 #include "cli/app/manual.h"
+#include "cli/commands/commands.h"
 #include "cli/console/message.h"
 
 namespace kestan_cli {

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "cli/app/command_registry.h"
+#include "cli/commands/commands.h"
 #include "cli/commands/search/search_report.h"
 #include "cli/console/diagnostics.h"
 #include "cli/console/message.h"

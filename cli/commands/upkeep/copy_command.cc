@@ -1,4 +1,4 @@
-#include "cli/app/command_registry.h"
+#include "cli/commands/commands.h"
 #include "cli/index/copied_index.h"
 
 namespace kestan_cli {

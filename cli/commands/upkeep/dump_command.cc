@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "cli/app/command_registry.h"
+#include "cli/commands/commands.h"
 #include "cli/index/index_examination.h"
 
 namespace kestan_cli {

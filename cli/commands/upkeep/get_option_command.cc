@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "cli/app/command_registry.h"
+#include "cli/commands/commands.h"
 #include "cli/console/json.h"
 #include "cli/index/opened_index.h"
 

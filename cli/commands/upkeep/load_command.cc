@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "cli/app/command_registry.h"
+#include "cli/commands/commands.h"
 #include "cli/console/message.h"
 #include "cli/index/atomic_create.h"
 #include "cli/index/captured_stderr.h"

@@ -1,6 +1,6 @@
 #include <string>
 
-#include "cli/app/command_registry.h"
+#include "cli/commands/commands.h"
 #include "cli/commands/upkeep/option_command.h"
 #include "cli/console/message.h"
 #include "cli/index/index_transaction.h"

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <string>
 
-#include "cli/app/command_registry.h"
+#include "cli/commands/commands.h"
 #include "cli/console/json.h"
 #include "cli/console/message.h"
 #include "cli/index/index_transaction.h"

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "cli/app/command_registry.h"
+#include "cli/commands/commands.h"
 #include "cli/console/json.h"
 #include "cli/console/message.h"
 #include "cli/index/opened_index.h"

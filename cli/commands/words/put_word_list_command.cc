@@ -4,7 +4,7 @@
 #include <sstream>
 #include <string>
 
-#include "cli/app/command_registry.h"
+#include "cli/commands/commands.h"
 #include "cli/console/input.h"
 #include "cli/console/message.h"
 #include "cli/index/index_transaction.h"

@@ -11,6 +11,7 @@ namespace {
 Command Named(const std::string& name, bool hidden = false) {
   Command command{name, "Purpose of " + name + ".", {}, {}, "", {}, nullptr};
   command.hidden = hidden;
+  command.group_purpose = "Purpose of the group of " + name + ".";
   return command;
 }
 
@@ -23,7 +24,7 @@ TEST(CommandGroupsTest, CommandsWithOneFirstWordAreAGroup) {
   EXPECT_EQ(groups[1].name, "title");
   EXPECT_TRUE(HasSecondWords(groups[1]));
   EXPECT_EQ(SecondWords(groups[1]), "get set");
-  EXPECT_EQ(PurposeOf(groups[1]), PurposeOfGroup("title"));
+  EXPECT_EQ(PurposeOf(groups[1]), "Purpose of the group of title get.");
 }
 
 TEST(CommandGroupsTest, HiddenCommandsAreInNoGroup) {

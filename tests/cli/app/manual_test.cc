@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/app/command_registry.h"
+#include "cli/commands/commands.h"
 #include "tests/cli/app/completion_test.h"
 
 namespace kestan_tests {

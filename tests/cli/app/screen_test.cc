@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/app/command_registry.h"
+#include "cli/commands/commands.h"
 #include "cli/console/control_characters.h"
 #include "tests/cli/command_test.h"
 

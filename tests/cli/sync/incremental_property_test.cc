@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "cli/app/command.h"
-#include "cli/app/command_registry.h"
+#include "cli/commands/commands.h"
 #include "cli/console/message.h"
 #include "tests/support/index_test.h"
 

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "cli/app/command_registry.h"
 #include "cli/app/manual.h"
+#include "cli/commands/commands.h"
 #include "tests/cli/command_test.h"
 
 namespace kestan_tests {

@@ -1,4 +1,4 @@
-#include "cli/app/command_registry.h"
+#include "cli/commands/commands.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,7 @@
 namespace kestan_cli {
 namespace {
 
-TEST(CommandRegistryTest, NamesAreUniqueAndCommandsOfAGroupAreNeighbours) {
+TEST(CommandsTest, NamesAreUniqueAndCommandsOfAGroupAreNeighbours) {
   std::set<std::string> names;
   for (const Command& command : AllCommands()) {
     EXPECT_TRUE(names.insert(command.name).second) << command.name;
@@ -24,7 +24,7 @@ TEST(CommandRegistryTest, NamesAreUniqueAndCommandsOfAGroupAreNeighbours) {
   }
 }
 
-TEST(CommandRegistryTest, CommonOptionsHaveTheSameLettersInAllCommands) {
+TEST(CommandsTest, CommonOptionsHaveTheSameLettersInAllCommands) {
   const std::map<std::string, std::string> names{{"--json", "--json"},
                                                  {"--quiet", "-q,--quiet"},
                                                  {"--null", "-0,--null"},
@@ -38,7 +38,7 @@ TEST(CommandRegistryTest, CommonOptionsHaveTheSameLettersInAllCommands) {
   }
 }
 
-TEST(CommandRegistryTest, EveryCommandThatChangesAnIndexCanDoSoInPlace) {
+TEST(CommandsTest, EveryCommandThatChangesAnIndexCanDoSoInPlace) {
   for (const char* name : {"index", "remove", "move", "title set", "user delete", "wordlist put",
                            "option set", "option clear", "shrink"}) {
     bool has_option = false;

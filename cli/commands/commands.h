@@ -1,6 +1,6 @@
-// All commands. Each is declared here and defined in a file of its own in cli/commands/.
-#ifndef KESTAN_CLI_APP_COMMAND_REGISTRY_H_
-#define KESTAN_CLI_APP_COMMAND_REGISTRY_H_
+// All commands. Each is declared here and defined in a file of its own.
+#ifndef KESTAN_CLI_COMMANDS_COMMANDS_H_
+#define KESTAN_CLI_COMMANDS_COMMANDS_H_
 
 #include <vector>
 
@@ -50,4 +50,4 @@ Command ManualCommand();
 
 }  // namespace kestan_cli
 
-#endif  // KESTAN_CLI_APP_COMMAND_REGISTRY_H_
+#endif  // KESTAN_CLI_COMMANDS_COMMANDS_H_
