@@ -16,12 +16,12 @@ inline bool HasCapital(std::string_view text) {
   return std::any_of(text.begin(), text.end(), IsCapital);
 }
 
-// Returns `text` with its capitals in lower case; other bytes stay.
+// Return `byte`, or `text`, with capitals in lower case whatever the locale; other bytes stay.
+inline char LowerCase(char byte) { return IsCapital(byte) ? static_cast<char>(byte | 0x20) : byte; }
+
 inline std::string LowerCase(std::string_view text) {
   std::string lower(text);
-  for (char& byte : lower) {
-    if (IsCapital(byte)) byte = static_cast<char>(byte | 0x20);
-  }
+  for (char& byte : lower) byte = LowerCase(byte);
   return lower;
 }
 

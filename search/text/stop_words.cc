@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
+
+#include "search/text/letters.h"
 
 namespace kestan::search {
 namespace {
@@ -42,8 +43,7 @@ bool IsStopWord(std::string_view word) {
   if (word.empty() || std::any_of(word.begin() + 1, word.end(), [](char c) { return c < 'a'; })) {
     return false;
   }
-  std::string folded(word);
-  folded[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(folded[0])));
+  const std::string folded = LowerCase(word);
   return std::binary_search(kEnglish.begin(), kEnglish.end(), std::string_view(folded));
 }
 
