@@ -11,7 +11,8 @@ namespace kestan {
 namespace {
 
 constexpr std::size_t kFirstPlaces = 64;
-constexpr std::size_t kBatch = 16;  // look-ups that wait for memory at the same time
+constexpr std::size_t kMostPlacesKept = 2048;  // for the 1000 records of a walk between flushes
+constexpr std::size_t kBatch = 16;             // look-ups that wait for memory at the same time
 
 // The table for `count` entries, so that the next one fits as well.
 std::size_t PlacesFor(std::size_t count) {
@@ -131,14 +132,18 @@ Vector<const DBCache::Entry*> DBCache::DirtyInKeyOrder() const {
 }
 
 void DBCache::DropUnheld() {
+  if (count_ == 0) return;
   Vector<Entry> held;
   for (Entry& entry : places_) {
     if (entry.key.ptr != nullptr && entry.value.ptr->refs != 1) held.push_back(std::move(entry));
   }
+  // A walk caches as many records until its next flush: the table need not grow again. It gets its
+  // size at once: held entries come in order of their hashes and would crowd a table that grows.
+  const std::size_t places =
+      std::max(PlacesFor(held.size()), std::min(PlacesFor(count_), kMostPlacesKept));
   places_.clear();
   count_ = 0;
-  // At once: entries that come in order of their hashes would crowd a table that grows with them.
-  if (!held.empty()) Rebuild(PlacesFor(held.size()));
+  Rebuild(places);
   for (Entry& entry : held) Insert(std::move(entry.key), std::move(entry.value));
 }
 

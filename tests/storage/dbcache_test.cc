@@ -128,6 +128,15 @@ TEST_F(DBCacheTest, DroppingKeepsHeldValuesOnly) {
   EXPECT_EQ(Value("held"), "3");
 }
 
+TEST_F(DBCacheTest, DroppingMakesRoomForAsManyEntriesAgain) {
+  for (const int count : {1, 48, 1000, 5000, 3}) {
+    for (int i = 0; i < count; ++i) Add(std::to_string(i), std::to_string(2 * i));
+    for (int i = 0; i < count; ++i) ASSERT_EQ(Value(std::to_string(i)), std::to_string(2 * i));
+    cache_.DropUnheld();
+    for (int i = 0; i < count; ++i) ASSERT_EQ(Value(std::to_string(i)), "none");
+  }
+}
+
 TEST_F(DBCacheTest, AHeldKeyKeepsNoEntry) {
   const DBDatumPtr key = Counted("key");
   cache_.Insert(key, Counted("value"));
