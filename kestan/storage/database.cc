@@ -4,7 +4,7 @@
 #include <kestan/storage/cycle_detector.h>
 #include <kestan/storage/dbcache.h>
 #include <kestan/storage/diagnostics.h>
-#include <kestan/storage/gdbm/gdbm_file.h>
+#include <kestan/storage/gdbm_file.h>
 #include <kestan/storage/memory.h>
 #include <kestan/storage/owned_datum.h>
 

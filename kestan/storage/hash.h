@@ -1,6 +1,8 @@
-// Hashing of words and keys.
+// Hashing of words and keys, for tables of what strangers wrote.
 #ifndef KESTAN_STORAGE_HASH_H_
 #define KESTAN_STORAGE_HASH_H_
+
+#include <kestan/storage/export.h>
 
 #include <array>
 #include <cstddef>
@@ -12,11 +14,12 @@ namespace kestan {
 
 // A hash that depends on a secret. Whoever chooses the words of a document cannot make many of them
 // share a place in a table without knowing it. Only the order of a table may follow from a hash,
-// never a byte of a file or an answer: the secret is another one in each process.
+// never a byte of a file or an answer: the secret is another one in each process. It fits the
+// tables of the standard library: std::unordered_set<std::string, kestan::Hasher>.
 //
 // Sixteen bytes at a time are joined with the secret and multiplied. Every factor holds a secret
 // word, so that nobody can make one of them 0 and lose the other, or find two products that agree.
-class Hasher {
+class KESTAN_EXPORT Hasher {
  public:
   using Secret = std::array<std::uint64_t, 4>;
 

@@ -1,5 +1,5 @@
 // What an open gdbm file and its name show, and which damage is detected beside gdbm.
-#include <kestan/storage/gdbm/gdbm_file.h>
+#include <kestan/storage/gdbm_file.h>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include <kestan/storage/gdbm/gdbm_file.h>
+#include <kestan/storage/gdbm_file.h>
 
 #include <kestan/storage/gdbm/gdbm_header.h>
 #include <kestan/storage/memory.h>

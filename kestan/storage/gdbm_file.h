@@ -1,6 +1,6 @@
 // Guards against damaged files that gdbm does not detect.
-#ifndef KESTAN_STORAGE_GDBM_GDBM_FILE_H_
-#define KESTAN_STORAGE_GDBM_GDBM_FILE_H_
+#ifndef KESTAN_STORAGE_GDBM_FILE_H_
+#define KESTAN_STORAGE_GDBM_FILE_H_
 
 #include <gdbm.h>
 
@@ -31,4 +31,4 @@ void CloseFile(GDBM_FILE file);
 
 }  // namespace kestan
 
-#endif  // KESTAN_STORAGE_GDBM_GDBM_FILE_H_
+#endif  // KESTAN_STORAGE_GDBM_FILE_H_

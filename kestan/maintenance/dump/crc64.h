@@ -1,6 +1,6 @@
 // The checksum of a dump.
-#ifndef KESTAN_STORAGE_CRC64_H_
-#define KESTAN_STORAGE_CRC64_H_
+#ifndef KESTAN_MAINTENANCE_DUMP_CRC64_H_
+#define KESTAN_MAINTENANCE_DUMP_CRC64_H_
 
 #include <array>
 #include <cstddef>
@@ -44,4 +44,4 @@ class Crc64 {
 
 }  // namespace kestan
 
-#endif  // KESTAN_STORAGE_CRC64_H_
+#endif  // KESTAN_MAINTENANCE_DUMP_CRC64_H_

@@ -1,4 +1,4 @@
-#include <kestan/storage/crc64.h>
+#include <kestan/maintenance/dump/crc64.h>
 
 #include <gtest/gtest.h>
 
