@@ -2,12 +2,13 @@
 #ifndef KESTAN_CLI_EXPORT_JSON_WRITER_H_
 #define KESTAN_CLI_EXPORT_JSON_WRITER_H_
 
+#include <kestan/storage/hash.h>
+
 #include <string>
 #include <unordered_set>
 #include <utility>
 
 #include "cli/export/export_writer.h"
-#include "cli/export/text_hash.h"
 
 namespace kestan_cli {
 
@@ -25,7 +26,7 @@ class JsonWriter : public ExportWriter {
   bool IsUsableId(const std::string& name);
 
   const std::string target_;
-  std::unordered_set<std::string, TextHash> ids_;
+  std::unordered_set<std::string, kestan::Hasher> ids_;
 };
 
 }  // namespace kestan_cli

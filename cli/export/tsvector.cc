@@ -1,5 +1,7 @@
 #include "cli/export/tsvector.h"
 
+#include <kestan/storage/hash.h>
+
 #include <algorithm>
 #include <string_view>
 #include <unordered_map>
@@ -7,7 +9,6 @@
 #include <vector>
 
 #include "cli/console/message.h"
-#include "cli/export/text_hash.h"
 #include "cli/extract/charset/ascii.h"
 #include "cli/extract/charset/latin1.h"
 
@@ -51,7 +52,7 @@ class Lexemes {
 
   TsVector& made_;
   std::vector<Lexeme> lexemes_;
-  std::unordered_map<std::string, std::size_t, TextHash> numbers_;
+  std::unordered_map<std::string, std::size_t, kestan::Hasher> numbers_;
 };
 
 // Returns the most bytes that the server needs for the lexeme: its text, and its positions on an

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <set>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "tests/support/colliding_words.h"
@@ -94,6 +95,21 @@ TEST(HasherTest, EveryByteOfEveryLengthCounts) {
     }
   }
   EXPECT_EQ(seen.size(), hashed);
+}
+
+TEST(HasherTest, LongTextsOfEveryLengthDiffer) {
+  std::set<std::uint32_t> seen;
+  for (std::size_t size = 0; size < 1000; ++size) {
+    seen.insert(Hasher(kSecret)(std::string(size, 'a')));
+  }
+  EXPECT_EQ(seen.size(), 1000u);
+}
+
+TEST(HasherTest, ServesTablesOfTheStandardLibrary) {
+  std::unordered_set<std::string, Hasher> names{"one", "two", "one"};
+  EXPECT_EQ(names.size(), 2u);
+  EXPECT_EQ(names.count("one"), 1u);
+  EXPECT_EQ(names.count("three"), 0u);
 }
 
 TEST(HasherTest, WordsOfOnePlainHashSpread) {
