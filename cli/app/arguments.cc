@@ -192,7 +192,7 @@ std::string Describe(const CLI::App& app, bool wants_command, const CLI::ParseEr
   return LooksLikeOption(name) ? name + " needs a value" : "--" + name + " takes no value";
 }
 
-// Returns the error with a hint at the help of the command.
+// Returns the error with a reference to the help of the command.
 CommandError Refusal(const CLI::App& app, const CLI::ParseError& error) {
   std::string called = app.get_name();
   const CLI::App* last = &app;

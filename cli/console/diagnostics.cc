@@ -10,7 +10,7 @@
 namespace kestan_cli {
 namespace {
 
-// Returns how many bytes of `text` come before the first control character that is no line feed.
+// Returns how many bytes of `text` come before the first control character that is not a line feed.
 std::size_t HarmlessBytes(std::string_view text) {
   std::size_t bytes = 0;
   while (bytes < text.size()) {

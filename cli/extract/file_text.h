@@ -42,7 +42,7 @@ struct FileText {
 
 // Decodes the bytes of `file`, which has been converted if it has a converter. The title of an HTML
 // page becomes its first line.
-//   Throws   SkipFile if the bytes are no text, or if a page cannot be read whole.
+//   Throws   SkipFile if the bytes are not text, or if a page cannot be read whole.
 FileText TextOf(LoadedFile file);
 
 // Makes a document of `file`, with its converter if it has one.

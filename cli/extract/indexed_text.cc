@@ -74,7 +74,7 @@ void CutTo(std::size_t max_bytes, std::string* text) {
 }
 
 // Returns whether the index keeps the summary that is made of `text`, or its title if there is no
-// summary. Other text begins in another way.
+// summary. A different text would begin differently.
 bool BeginsAsIndexed(const FileText& text, const DocumentRecords& document) {
   const TitledText titled = SplitAtTitle(text.text, text.title_rule);
   const std::string summary = Excerpt(titled.rest, kMaxSummaryBytes);

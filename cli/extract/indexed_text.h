@@ -36,8 +36,9 @@ struct DocumentRecords {
 //
 // The index names no converter that a user gave, and none is ever run because an index says so: the
 // user gives it again. A file that was read with other options than its name says is read with the
-// converters given here. It counts as read alike if the digits in its record say so, or if the text
-// begins as the summary that the index keeps; so a list of stop words need not be given again.
+// converters given here. It counts as read in the same way if the digits in its record say so, or
+// if the text begins as the summary that the index keeps; so a list of stop words need not be given
+// again.
 class IndexedTextReader {
  public:
   // Knows the converters that come with the command, and `converters` ("EXT=COMMAND").

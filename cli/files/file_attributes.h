@@ -1,5 +1,4 @@
-// Copies what a file has beside its bytes: owner, group, mode, access control list, extended
-// attributes.
+// Copies the attributes of a file: owner, group, mode, access control list, extended attributes.
 #ifndef KESTAN_CLI_FILES_FILE_ATTRIBUTES_H_
 #define KESTAN_CLI_FILES_FILE_ATTRIBUTES_H_
 

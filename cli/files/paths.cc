@@ -21,8 +21,8 @@ bool IsFolder(const std::string& path) {
   return lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-// Adds ".." to `*name`: removes its last part if that is a directory. A link stays, for the way up
-// from its target is not the way back.
+// Adds ".." to `*name`: removes its last part if that is a directory. A link stays: the
+// directory above its target is another one.
 void GoUp(std::string* name) {
   if (*name == "/") return;
   const std::string_view last = LastPart(*name);
@@ -68,7 +68,7 @@ bool IsBelow(const std::string& name, const std::set<std::string>& paths) {
   std::string above = name;
   while (true) {
     if (paths.count(above) != 0) return true;
-    // It leads out of what stands before it, wherever to.
+    // It leaves the directory before it, for one that is not known.
     if (LastPart(above) == "..") return false;
     const std::size_t slash = above.rfind('/');
     if (slash == std::string::npos) break;

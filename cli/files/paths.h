@@ -25,13 +25,13 @@ std::vector<std::string> ReadPathList(std::FILE* stream, std::size_t max_bytes =
 // Returns what follows the last slash of `path`.
 std::string_view LastPart(std::string_view path);
 
-// Returns `path` as documents are named: a way to the same file without ".", "//", a slash at the
+// Returns `path` as documents are named: a path to the same file without ".", "//", a slash at the
 // end, and ".." after an existing directory. After anything else, such as a symbolic link, ".."
 // stays. An empty path stays empty.
 std::string NameOf(const std::string& path);
 
 // Returns whether a document `name` is at one of `paths` (as NameOf returns them) or below it,
-// going by the names alone. What follows a ".." is not below what precedes it.
+// by their names alone. What follows a ".." is not below what precedes it.
 bool IsBelow(const std::string& name, const std::set<std::string>& paths);
 
 // Returns whether nothing is at `path` any more; false where the system does not say.

@@ -29,7 +29,7 @@ struct Query {
 
 bool operator==(const Query& left, const Query& right);
 
-// An order of queries, for tables of them.
+// Orders queries, for sorted containers.
 struct QueryLess {
   bool operator()(const Query* left, const Query* right) const;
 };

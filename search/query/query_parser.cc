@@ -48,7 +48,7 @@ std::vector<Query> WordsIn(std::string_view text) {
   return queries;
 }
 
-// What the end of a word adds to its meaning.
+// The operator that a word ends with.
 struct Suffix {
   Query::Kind kind = Query::Kind::kWord;
   int edits = 0;
@@ -66,7 +66,7 @@ Suffix SuffixOf(std::string_view text) {
   return {};
 }
 
-// Whether a word reaches the end of `text`, so that a suffix belongs to it.
+// Returns whether `text` ends in a word, so that a suffix after it belongs to that word.
 bool EndsInLetter(std::string_view text) {
   return !text.empty() &&
          (IsAsciiLetter(text.back()) || static_cast<unsigned char>(text.back()) >= 0x80);

@@ -51,7 +51,7 @@ Kind KindOf(std::string_view text) {
   return Kind::kWord;
 }
 
-// Cuts text into tokens one by one, without a look at operands.
+// Cuts text into tokens one by one, without looking at operands.
 class Cutter {
  public:
   explicit Cutter(std::string_view text) : rest_(text) {}

@@ -9,8 +9,8 @@
 namespace kestan::search {
 namespace {
 
-// A code without a name is no document, yet its score counts for the scale, as it does in the
-// engine's listings.
+// A code without a name is not a document, but its score sets the scale too, as in the engine's
+// listings.
 Score BestScoreIn(const ResultSet& set) {
   Score best = 0;
   set.ForEachMatch([&](const Match& match) { best = std::max(best, match.score); });

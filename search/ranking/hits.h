@@ -28,7 +28,7 @@ enum class HitOrder {
 // Returns the documents of `set` in ascending order of their codes.
 std::vector<Hit> HitsIn(const ResultSet& set);
 
-// Sorts `hits` by `order`; kBest is taken for kScore, and percentages are compared as they are.
+// Sorts `hits` by `order`. kBest means kScore here; percentages are compared as they are.
 void Sort(HitOrder order, std::vector<Hit>* hits);
 
 }  // namespace kestan::search

@@ -9,7 +9,7 @@
 namespace kestan::search {
 
 // Turns scores into percentages as Kestan::QueryResults() prints them. All are 0 if the best score
-// is.
+// is 0.
 class PercentageScale {
  public:
   explicit PercentageScale(Score best) : factor_(best != 0 ? 100 * kOne / best : kOne) {}

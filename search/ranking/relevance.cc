@@ -39,7 +39,7 @@ void SortCandidates(std::vector<Candidate>* candidates) {
                    });
 }
 
-// Measures the first of `candidates`.
+// Looks up the sizes of the first of `candidates`.
 void Measure(const SizeOf& size_of, std::vector<Candidate>* candidates) {
   const std::size_t count = std::min(kMeasuredHits, candidates->size());
   std::vector<std::pair<Candidate*, double>> sizes;
@@ -77,7 +77,7 @@ void AddContributions(const RankedClause& clause, const std::vector<TermFrequenc
   }
 }
 
-// Hands the sorted candidates back as hits.
+// Moves the sorted candidates back into `hits`.
 void StorePercentages(std::vector<Candidate>* candidates, std::vector<Hit>* hits) {
   const double best = candidates->empty() ? 0 : candidates->front().relevance;
   for (std::size_t i = 0; i < candidates->size(); ++i) {

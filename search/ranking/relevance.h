@@ -14,7 +14,7 @@
 
 namespace kestan::search {
 
-// How many of the hits are asked for their size: those that seem best without it.
+// The sizes of at most so many hits are looked up: of those that rank first without them.
 constexpr std::size_t kMeasuredHits = 1000;
 
 // Returns the size of a document, in a unit that is the same for all; nothing if it is not known.

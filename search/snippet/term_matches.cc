@@ -41,7 +41,7 @@ class TermMatcher {
 };
 
 // Returns where the word that begins at `start` ends. Apostrophes between letters belong to it.
-// Scripts without blanks would make words of whole paragraphs: those are taken piece by piece.
+// In scripts without blanks a paragraph would be one word: such words end at kMaxWordBytes.
 std::size_t EndOfWord(std::string_view text, std::size_t start) {
   std::size_t end = start;
   while (end < text.size()) {

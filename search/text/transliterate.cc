@@ -17,14 +17,14 @@
 namespace kestan::search {
 namespace {
 
-// Texts repeat short runs of bytes above 127, so what they are in ASCII is kept. Longer ones are
-// not kept, which bounds the memory.
+// Texts repeat short runs of bytes above 127, so their ASCII is cached. Longer runs are not, which
+// bounds the memory.
 constexpr std::size_t kMaxKeptBytes = 64;
 constexpr std::size_t kLongRunBytes = 256;
 constexpr std::size_t kMaxRunBytes = 4096;
 
-// What splits no word and is not heard: soft hyphens, joiners, marks of direction and of order. ICU
-// would take a set at the very beginning for the only characters to look at.
+// Removes characters that neither separate words nor are heard: soft hyphens, joiners, marks of
+// direction and of order. ICU would take a set at the very beginning for a filter of all rules.
 constexpr const char16_t* kSilent = u"Any-Null; [\\u00AD\\u200B-\\u200F\\u2060\\uFEFF] Remove; ";
 
 class Transliterator {
@@ -35,21 +35,21 @@ class Transliterator {
     transliterator_.reset(icu::Transliterator::createInstance(icu::UnicodeString(kSilent) + rules,
                                                               UTRANS_FORWARD, error));
     if (error == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
-    // Without it every letter beyond ASCII would become a blank, and be missing in silence.
+    // Without it every letter beyond ASCII would silently become a blank.
     if (U_FAILURE(error))
       throw TransliterationError("ICU lacks the data for other scripts than ASCII");
   }
 
   void Apply(icu::UnicodeString* text) const {
     transliterator_->transliterate(*text);
-    if (text->isBogus()) throw std::bad_alloc();  // all that ICU tells
+    if (text->isBogus()) throw std::bad_alloc();  // the only sign that ICU gives
   }
 
  private:
   std::unique_ptr<icu::Transliterator> transliterator_;
 };
 
-// Whether all of `text` is in Latin letters or in punctuation, accents among them.
+// Returns whether all of `text` is in Latin letters or in punctuation, accents among them.
 bool IsLatin(const icu::UnicodeString& text) {
   for (std::int32_t i = 0; i < text.length(); ++i) {
     const char16_t unit = text[i];
@@ -60,7 +60,7 @@ bool IsLatin(const icu::UnicodeString& text) {
   return true;
 }
 
-// Two, because the one for every script takes half a second to make.
+// Two transliterators: the one for every script takes half a second to make.
 void WriteInLatinLetters(icu::UnicodeString* text) {
   if (IsLatin(*text)) {
     static const Transliterator kLatin(u"Latin-ASCII");
@@ -70,7 +70,7 @@ void WriteInLatinLetters(icu::UnicodeString* text) {
   kAny.Apply(text);
 }
 
-// Letters that only modify others, and accents left over, are no gaps between words.
+// Letters that only modify others, and accents left over, do not separate words.
 bool IsModifier(UChar32 character) {
   constexpr std::uint32_t kModifiers = U_GC_LM_MASK | U_GC_M_MASK | U_GC_SK_MASK | U_GC_CF_MASK;
   return (U_GET_GC_MASK(character) & kModifiers) != 0;
@@ -89,7 +89,7 @@ std::string AsAscii(const icu::UnicodeString& text) {
   return ascii;
 }
 
-bool IsChineseSign(UChar32 code) {
+bool IsChineseCharacter(UChar32 code) {
   UErrorCode error = U_ZERO_ERROR;
   return uscript_getScript(code, &error) == USCRIPT_HAN;
 }
@@ -97,7 +97,7 @@ bool IsChineseSign(UChar32 code) {
 std::string TransliteratedRun(std::string_view run) {
   icu::UnicodeString text = icu::UnicodeString::fromUTF8(
       icu::StringPiece(run.data(), static_cast<std::int32_t>(run.size())));
-  const bool is_word = IsChineseSign(text.char32At(0));
+  const bool is_word = IsChineseCharacter(text.char32At(0));
   WriteInLatinLetters(&text);
   return is_word ? " " + AsAscii(text) + " " : AsAscii(text);
 }
@@ -113,40 +113,40 @@ void AppendRun(std::string_view run, std::string* ascii) {
   *ascii += known != nullptr ? *known : cache.Keep(run, TransliteratedRun(run));
 }
 
-// Returns the code of `character`, U+FFFF if it is none.
+// Returns the code of `character`, U+FFFF if it is not one.
 UChar32 CodeOf(std::string_view character) {
   const auto text = icu::UnicodeString::fromUTF8(
       icu::StringPiece(character.data(), static_cast<std::int32_t>(character.size())));
   return text.char32At(0);
 }
 
-// Whether a run ends before `code`. Long runs take ICU more than their share of time, so they end
-// where words do, if anywhere.
+// Returns whether a run ends before `code`. ICU takes disproportionately long for long runs, so
+// they end where a word ends, if possible.
 bool EndsLongRun(std::size_t run_bytes, UChar32 code) {
   if (run_bytes < kLongRunBytes) return false;
   if (run_bytes >= kMaxRunBytes) return true;
   return u_isalpha(code) == 0 && (U_GET_GC_MASK(code) & U_GC_M_MASK) == 0;
 }
 
-// Moves `*at` past a run of bytes above 127 there. A Chinese sign is a run of its own, for texts in
-// them repeat signs and not runs.
-//   Returns  the same in UTF-8.
+// Moves `*at` past a run of bytes above 127 there. A Chinese character is a run of its own:
+// Chinese texts repeat characters, not runs.
+//   Returns  the run in UTF-8.
 std::string TakeRun(std::string_view utf8, std::size_t* at) {
   std::string run;
   while (*at < utf8.size() && static_cast<unsigned char>(utf8[*at]) >= 0x80) {
     const std::size_t bytes = CharacterBytes(utf8.substr(*at));
-    // Chinese signs take three bytes at least; the codes of others matter in long runs only.
+    // Chinese characters take at least three bytes; the codes of others matter in long runs only.
     const bool matters = bytes >= 3 || run.size() >= kLongRunBytes;
     const UChar32 code = matters ? CodeOf(utf8.substr(*at, bytes)) : 0;
-    const bool is_sign = IsChineseSign(code);
-    if (EndsLongRun(run.size(), code) || (is_sign && !run.empty())) break;
+    const bool is_chinese = IsChineseCharacter(code);
+    if (EndsLongRun(run.size(), code) || (is_chinese && !run.empty())) break;
     if (bytes == 0) {
       AppendCharacter(static_cast<unsigned char>(utf8[*at]), &run);
     } else {
       run += utf8.substr(*at, bytes);
     }
     *at += std::max<std::size_t>(bytes, 1);
-    if (is_sign) break;
+    if (is_chinese) break;
   }
   return run;
 }

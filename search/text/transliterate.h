@@ -14,8 +14,8 @@ class TransliterationError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// Returns `utf8` in ASCII: "Zürich" becomes "Zurich", "Привет" "Privet". Documents and queries go
-// through it alike. Each Chinese sign becomes a word between blanks. What has no counterpart in
+// Returns `utf8` in ASCII: "Zürich" becomes "Zurich", "Привет" "Privet". Used for documents and
+// queries alike. Each Chinese character becomes a word between blanks. What has no counterpart in
 // ASCII becomes a blank; bytes that are not UTF-8 are taken as Latin-1. ASCII comes back as it is,
 // at the speed of copying.
 //   Throws   TransliterationError, std::bad_alloc.

@@ -10,8 +10,8 @@ unsigned ByteAt(std::string_view text, std::size_t at) {
   return at < text.size() ? static_cast<unsigned char>(text[at]) : 0;
 }
 
-// The second byte says whether a character is spelled with too many bytes, is half of a pair of
-// UTF-16, or lies past the last one.
+// The second byte shows whether a character is encoded in too many bytes, is half of a surrogate
+// pair, or is past the last code point.
 bool MayFollow(unsigned lead, unsigned second) {
   if (!ContinuesCharacter(static_cast<char>(second))) return false;
   if (lead == 0xe0) return second >= 0xa0;

@@ -9,11 +9,11 @@
 
 namespace kestan::search {
 
-// Longer words are cut: the engine indexes so many letters.
+// Longer words are cut, as the engine cuts them.
 constexpr std::size_t kMaxWordLetters = 64;
 
 // Keeps the words of `text` (less than 2 GB): runs of ASCII letters, without apostrophes, cut after
-// kMaxWordLetters, with white space between them. Documents and queries go through it alike. Drops
+// kMaxWordLetters, with white space between them. Used for documents and queries alike. Drops
 // `stop_words`, which are separated by anything but letters, and with them all words of one or two
 // letters; "" drops none.
 std::string CleanWords(std::string text, const std::string& stop_words = "");

@@ -9,23 +9,23 @@
 
 namespace kestan::search {
 
-// Returns the document frequency of a word: in how many documents it is.
+// Returns the document frequency of a word: how many documents have it.
 using DocumentFrequency = std::function<std::size_t(const std::string& word)>;
 
 struct FuzzyMatch {
   std::string word;
   int edits = 0;
-  std::size_t documents = 0;  // the document frequency; 0 until it is asked for
+  std::size_t documents = 0;  // the document frequency; 0 until it is looked up
 };
 
-// Asks for the document frequency of each of `matches`.
+// Looks up the document frequency of each of `matches`.
 void CountDocuments(const DocumentFrequency& document_frequency, std::vector<FuzzyMatch>* matches);
 
 // Returns whether `left` comes before `right`: it has fewer edits, then more documents, then the
-// lesser bytes.
+// smaller bytes.
 bool IsCloser(const FuzzyMatch& left, const FuzzyMatch& right);
 
-// Cuts `matches` to the `max` closest, in order. Asks for document frequencies only where there are
+// Cuts `matches` to the `max` closest, in order. Looks up document frequencies only if there are
 // more than that.
 void KeepClosest(std::size_t max, const DocumentFrequency& document_frequency,
                  std::vector<FuzzyMatch>* matches);

@@ -14,7 +14,7 @@ bool EndsWith(std::string_view word, std::string_view end) {
 }
 
 // Returns the ending of an inflected word, empty if `word` seems to have none. The s of glass,
-// focus and analysis is no ending.
+// focus and analysis is not an ending.
 std::string_view EndingOf(std::string_view word) {
   if (EndsWith(word, "ss") || EndsWith(word, "us") || EndsWith(word, "is")) return "";
   for (const std::string_view ending : {"ing", "ed", "es", "s"}) {

@@ -8,8 +8,8 @@
 namespace kestan::search {
 
 // Returns the inflections that `word`, in lower case, may have, each once; `word` itself comes
-// first: flow, flows, flowed, flowing. Guesses by its ending; many of them are no words. A word of
-// three letters gets an s at most, a shorter one nothing.
+// first: flow, flows, flowed, flowing. Guesses by its ending, so many of them are not words. A word
+// of three letters gets at most an s, a shorter one nothing.
 std::vector<std::string> Inflections(const std::string& word);
 
 }  // namespace kestan::search

@@ -8,10 +8,10 @@ namespace kestan::search {
 namespace {
 
 constexpr std::size_t kMaxSuggestions = 3;
-constexpr std::size_t kMaxCounted = 50;  // so many are asked for their document frequency
+constexpr std::size_t kMaxCounted = 50;  // words whose document frequency is looked up
 constexpr std::size_t kMinLetters = 2;
 
-// How many mistakes a word of so many letters may hold.
+// Returns how many mistakes a word of so many letters may have.
 int MaxMistakes(std::size_t letters) {
   if (letters <= 2) return 0;
   return letters <= 4 ? 1 : 2;
@@ -23,7 +23,7 @@ std::vector<std::string> Suggestions(const Vocabulary& vocabulary, const std::st
                                      const DocumentFrequency& document_frequency) {
   std::vector<FuzzyMatch> matches =
       vocabulary.WithinEdits(LowerCase(word), MaxMistakes(word.size()));
-  // Stable: words as close stay in order of their bytes.
+  // Stable: equally close words stay in order of their bytes.
   std::stable_sort(
       matches.begin(), matches.end(),
       [](const FuzzyMatch& left, const FuzzyMatch& right) { return left.edits < right.edits; });

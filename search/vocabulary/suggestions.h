@@ -1,4 +1,4 @@
-// Words that a misspelled one may stand for.
+// Words that may be meant by a misspelled one.
 #ifndef KESTAN_SEARCH_VOCABULARY_SUGGESTIONS_H_
 #define KESTAN_SEARCH_VOCABULARY_SUGGESTIONS_H_
 
@@ -11,9 +11,9 @@
 namespace kestan::search {
 
 // Returns up to three words that may be meant by `word`, which no document has: the closest, among
-// those as close the most frequent. They have at least two letters, no capitals, and are in some
-// document. A word of one or two letters is taken to have no mistake, one of up to four letters one
-// at most, a longer one two; capitals are no mistakes.
+// equally close ones the most frequent. They have at least two letters, no capitals, and are in
+// some document. A word of one or two letters is taken to have no mistake, one of up to four
+// letters at most one, a longer one at most two; capitals are not mistakes.
 std::vector<std::string> Suggestions(const Vocabulary& vocabulary, const std::string& word,
                                      const DocumentFrequency& document_frequency);
 

@@ -18,13 +18,13 @@ namespace {
 
 constexpr std::size_t kBytesPrintedAtOnce = std::size_t{1} << 20;
 
-// Documents that lost something on the way out.
+// Documents that the export cannot print whole.
 struct Loss {
   void Count(const kestan::StoredDocument& document) {
     if (count++ == 0) first = document.name;
   }
 
-  // Reports what was lost, if anything was.
+  // Reports what is missing or changed, if anything is.
   void Report(const std::string& what) const {
     if (count == 0) return;
     ReportProblem("in " + Counted(count, "document") + ", the first of them " + Quoted(first) +

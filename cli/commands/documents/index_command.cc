@@ -56,7 +56,7 @@ Scan ScanFor(const IndexOptions& options, const std::vector<std::string>& paths,
                    options.paths_from_stdin ? MissingPath::kSkip : MissingPath::kThrow);
 }
 
-// A file that is gone is no failure if its document is removed.
+// A file that is gone is not a failure if its document is removed.
 void ForgetSkipsOf(const VanishedDocuments& vanished, std::vector<Skip>* skips) {
   const auto is_removed = [&](const Skip& skip) { return vanished.names().count(skip.name) != 0; };
   skips->erase(std::remove_if(skips->begin(), skips->end(), is_removed), skips->end());
@@ -93,7 +93,7 @@ void PrintIndexReport(const IndexReport& report, const IndexOptions& options) {
   if (options.report == ReportFormat::kNone) Print(reasons);
 }
 
-// To do nothing is a mistake in the PATHs, unless they come from a list, or may all be gone.
+// PATHs without anything to index are a mistake, unless they come from a list or may all be gone.
 void CheckSomethingDone(const IndexReport& report, const IndexOptions& options) {
   const unsigned long done =
       report.added + report.updated + report.moved + report.removed + report.unchanged;
@@ -119,7 +119,7 @@ std::set<std::string> NamesOf(const std::vector<std::string>& paths) {
   return names;
 }
 
-// Carries out `plan`, and adds what became of each file to `report`.
+// Carries out `plan`, and adds the outcome for each file to `report`.
 void Carry(ChangePlan plan, const ReadingRules& rules, const IndexOptions& options,
            IndexTransaction& transaction, IndexReport* report) {
   Progress progress(StyleOfStandardError(options.quiet), plan.to_read.size(), plan.bytes_to_read);

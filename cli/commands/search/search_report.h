@@ -41,7 +41,7 @@ std::string RichLines(const ShownHit& hit, bool coloured);
 // it matches and how many microseconds it took.
 std::vector<std::string> ExplanationLines(const kestan::search::Explanation& explanation);
 
-// Returns the report as one JSON object and a line feed; docs/queries.md gives its fields. Bytes
+// Returns the report as one JSON object and a line feed; docs/json.md names its fields. Bytes
 // that are not UTF-8 become U+FFFD.
 std::string AsJson(const SearchReport& report);
 

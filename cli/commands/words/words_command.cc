@@ -16,8 +16,8 @@
 namespace kestan_cli {
 namespace {
 
-// The upper bound that leaves out no word. A negative one stands for the number of documents, and a
-// word of one letter may have postings of many more that are gone.
+// The upper bound that leaves out no word. A negative one stands for the number of documents, but a
+// word of one letter may have postings of more: those of removed documents stay.
 constexpr double kAnyFrequency = 4294967295.0;
 
 // Reads a bound on document frequencies as the engine takes it: a share below 1, a count from 1 on.

@@ -186,7 +186,7 @@ OwnedConverter OpenConverter(const std::string& name) {
   return converter;
 }
 
-// Reads all of `bytes`, and sets `*faulty` where some are no characters.
+// Reads all of `bytes`, and sets `*faulty` if some are not characters.
 std::string Converted(UConverter* converter, std::string_view bytes, bool* faulty) {
   UErrorCode error = U_ZERO_ERROR;
   ucnv_reset(converter);
@@ -236,8 +236,8 @@ bool HoldsAscii(UConverter* converter) {
 
 enum class Trust { kNone, kIfFaultless, kFull };
 
-// In an encoding that shifts, one wrong byte changes all the text after it. So it is believed only
-// if every byte is valid.
+// In an encoding that shifts, one wrong byte changes all the text after it. So such a label is
+// trusted only if every byte is valid.
 Trust TrustIn(UConverter* converter) {
   const UConverterType type = ucnv_getType(converter);
   if (type == UCNV_UTF7 || type == UCNV_HZ || type == UCNV_ISO_2022) return Trust::kIfFaultless;

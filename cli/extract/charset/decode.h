@@ -16,8 +16,8 @@ bool StartsAsUtf16(std::string_view bytes);
 bool IsBrokenUtf16(std::string_view bytes);
 
 // Decodes `bytes`: as UTF-16 if they begin with its byte order mark, else as Utf8OrLatin1 does.
-//   Returns  the text in UTF-8, without a byte order mark; nothing if it holds a NUL: it is no
-//   text.
+//   Returns  the text in UTF-8, without a byte order mark; nothing if it holds a NUL, which
+//            no text does.
 std::optional<std::string> DecodedText(std::string bytes);
 
 }  // namespace kestan_cli

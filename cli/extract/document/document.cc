@@ -34,7 +34,7 @@ bool IsBase64(char byte) {
          (byte >= '0' && byte <= '9') || byte == '+' || byte == '/' || byte == '=';
 }
 
-// Returns the length of a line of base64; 0 if `line` is none.
+// Returns the length of a line of base64; 0 if `line` is not one.
 std::size_t WidthOfBase64(std::string_view line) {
   line = line.substr(0, line.find_last_not_of('\r') + 1);
   return std::all_of(line.begin(), line.end(), IsBase64) ? line.size() : 0;
@@ -105,7 +105,7 @@ Document MakeDocument(std::string text, TitleRule rule, const WordRules& rules) 
   document.summary = Excerpt(titled.rest, kMaxSummaryBytes);
   text = Transliterated(text);
   if (text.size() > kMaxTextBytes) throw SkipFile(SkipKind::kTooLarge, "too much text");
-  // After the accents have gone: the engine takes a line with a byte above 127 for encoded data.
+  // After transliteration: the engine takes a line with a byte above 127 for encoded data.
   if (rules.strip_encoded) text = StripLines(std::move(text));
   document.words = CleanWords(std::move(text), rules.stop_words);
   return document;

@@ -18,7 +18,7 @@ constexpr std::size_t kMaxSummaryBytes = 300;
 
 struct Document {
   std::string title;    // at most kMaxTitleBytes
-  std::string summary;  // how the text goes on after the title, at most kMaxSummaryBytes
+  std::string summary;  // the text after the title, at most kMaxSummaryBytes
   std::string words;    // what the engine indexes
   std::string note{};   // why some of the text is missing; empty if none is
 };

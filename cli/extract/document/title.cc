@@ -31,7 +31,7 @@ std::string_view HeadingIn(std::string_view line) {
   if (!line.empty() && line.front() != ' ' && line.front() != '\t') return "";
   line = Trimmed(line);
   const std::string_view without_hashes = line.substr(0, line.find_last_not_of('#') + 1);
-  // "C#" ends with a sign of its own.
+  // In "C#" the # belongs to the text.
   const bool closed =
       without_hashes.empty() || kWhiteSpace.find(without_hashes.back()) != std::string_view::npos;
   return closed ? Trimmed(without_hashes) : line;

@@ -28,7 +28,7 @@ bool IsCharacter(std::uint32_t code) {
   return code < 0xd800 || (code >= 0xe000 && code < 0xfffe) || (code >= 0x10000 && code < 0x110000);
 }
 
-// Returns the value of a digit; 16 if `digit` is none.
+// Returns the value of a digit; 16 if `digit` is not one.
 std::uint32_t ValueOf(char digit) {
   if (digit >= '0' && digit <= '9') return static_cast<std::uint32_t>(digit - '0');
   const char small = static_cast<char>(digit | 0x20);

@@ -12,7 +12,8 @@
 namespace kestan::search {
 namespace {
 
-// Suggestions are looked up for so many missing words: each takes a look at all words of the index.
+// Suggestions are looked up for at most so many missing words: each look-up goes through all words
+// of the index.
 constexpr std::size_t kMaxSuggestedFor = 10;
 
 using Clock = std::chrono::steady_clock;

@@ -18,7 +18,7 @@
 
 namespace kestan::search {
 
-// Evaluates one query and its clauses in the engine, and remembers what it came across.
+// Evaluates one query and its clauses in the engine. Keeps the terms that matched, and notes.
 class Evaluator {
  public:
   // Borrows `engine`, whose index is open and has, or had, a document.

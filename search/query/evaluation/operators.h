@@ -24,8 +24,8 @@ ResultSet EvaluateAnd(const Query& query, Explanation* explanation, Evaluator& e
 // Finds the documents that match any operand.
 ResultSet EvaluateOr(const Query& query, Explanation* explanation, Evaluator& evaluator);
 
-// Finds the documents in which each operand is within its distance from those before it. An index
-// without positions takes it for AND, and a note says so.
+// Finds the documents in which each operand is within its distance from those before it. In an
+// index without positions it means AND, and a note says so.
 ResultSet EvaluateNear(const Query& query, Explanation* explanation, Evaluator& evaluator);
 
 // Finds the documents that do not match the operand.

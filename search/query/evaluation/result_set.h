@@ -1,4 +1,4 @@
-// What the engine answers queries with.
+// The result sets of the engine.
 #ifndef KESTAN_SEARCH_QUERY_EVALUATION_RESULT_SET_H_
 #define KESTAN_SEARCH_QUERY_EVALUATION_RESULT_SET_H_
 
@@ -10,7 +10,7 @@
 
 namespace kestan::search {
 
-// A result set of the engine's, freed when it goes.
+// Owns a result set of the engine and frees it.
 class ResultSet {
  public:
   // The id of a set without documents: the engine answers with it for a word that the index lacks,

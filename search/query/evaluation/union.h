@@ -11,8 +11,8 @@
 
 namespace kestan::search {
 
-// Unites sets in their order. Only unions of equally many sets are united, as far as that goes, so
-// that none is copied once for each that follows.
+// Unites sets in their order. As far as possible, unites only unions of equally many sets: the
+// first set would otherwise be copied once for each set after it.
 class Union {
  public:
   // Borrows `engine`.
