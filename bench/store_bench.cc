@@ -125,7 +125,7 @@ void PutOver(benchmark::State& state) {
   CountRecords(state);
 }
 
-// With mapping, which gdbm does unless told otherwise (0), and without (1).
+// With mapping, which is gdbm's default (0), and without (1).
 void BareGdbmStore(benchmark::State& state) {
   const TempDir folder;
   const auto keys = Keys();

@@ -1,8 +1,8 @@
 // Any bytes as an index file, opened for reading and for writing and driven through every method.
 //
 // gdbm has faults of its own on such files; support/gdbm_guard.h turns those that raise a signal
-// or walk in a cycle into errors, and KESTAN_FUZZ_SHOW_GDBM_FAULTS=1 has them printed. What the
-// address sanitizer finds inside gdbm, scripts/fuzz.sh tells from findings in our code.
+// or walk in a cycle into errors, and KESTAN_FUZZ_SHOW_GDBM_FAULTS=1 prints them. scripts/fuzz.sh
+// separates what the address sanitizer finds inside gdbm from findings in our code.
 #include <fcntl.h>
 #include <kestan/kestan.h>
 #include <unistd.h>

@@ -138,7 +138,7 @@ void WritePostingSeeds() {
   Write("postings", "count_past_the_end",
         steps + TwoDocuments() + Planted(kCat, Units({1, 65535, 1, 2})) +
             Planted(kDog, Units({2, 3, 1}) + "x"));
-  Write("postings", "ends_behind_a_code",
+  Write("postings", "ends_after_a_code",
         steps + TwoDocuments() + Planted(kCat, EncodedPosting(1, {1}) + Units({2})) +
             Planted(kDog, "x"));
   Write("postings", "descending_positions",
@@ -162,8 +162,8 @@ void WritePostingSeeds() {
 
 // ---- Sequences of operations: the bytes that choose them, as the target numbers them ----
 
-const std::string kFill(1, 32);  // plants many words
-const std::string kLook(1, 33);  // looks into the files
+const std::string kFill(1, 32);     // plants many words
+const std::string kCompare(1, 33);  // compares the files
 
 void WriteOperationSeeds() {
   const std::string add_a = "\0\0\x03\0\0\x02\0\x01\0"s;  // "a": cat dog Cat
@@ -172,7 +172,7 @@ void WriteOperationSeeds() {
   const std::string lists = "\x10\0\x0d\x11"s;
   Write("operations", "add_and_query", add_a + add_b + queries + lists);
   Write("operations", "remove_and_shrink",
-        add_a + add_b + "\x06\0\x11\x0a\x0a"s + add_b + queries + kLook);
+        add_a + add_b + "\x06\0\x11\x0a\x0a"s + add_b + queries + kCompare);
   Write("operations", "move_and_copy", add_a + "\x07\0\x01\x08\x01\x1a\x1b\x02\x21"s + lists);
   Write("operations", "no_positions", add_a + "\x1c\0"s + add_b + queries + "\x1d\0\x1e\x1f"s);
   Write("operations", "side_records",
@@ -205,12 +205,12 @@ void WriteDumpSeeds() {
 
 // ---- Damaged indexes ----
 
-// One of the records that the target puts into an index, its key chosen by number or spelled.
+// One of the records that the target puts into an index, its key given by number or in full.
 std::string Put(unsigned key, const std::string& value) {
   return static_cast<char>(key) + std::string(1, static_cast<char>(value.size())) + value;
 }
 
-std::string Spelled(const std::string& key, const std::string& value) {
+std::string PutKey(const std::string& key, const std::string& value) {
   return static_cast<char>(64 + key.size()) + key +
          std::string(1, static_cast<char>(value.size())) + value;
 }
@@ -222,7 +222,7 @@ std::string Change(unsigned place, unsigned byte) {
 void WriteRepairSeeds() {
   const std::string none(1, '\0');
   for (const char index : {'\0', '\1', '\2', '\3'}) {
-    Write("repair", "sound_"s + static_cast<char>('0' + index), index + none);
+    Write("repair", "valid_"s + static_cast<char>('0' + index), index + none);
   }
   Write("repair", "no_header", "\2"s + none + Change(0, 0) + Change(8, 255) + Change(16, 255));
   Write("repair", "directory", "\2"s + none + Change(512, 0) + Change(513, 99) + Change(521, 7));
@@ -246,8 +246,8 @@ void WriteRepairSeeds() {
         "\1\4"s + Put(14, Units({1, 1, 9, 2})) + Put(15, Units({1, 2})) +
             Put(16, Units({7, 1, 1})) + Put(17, "shirts"));
   Write("repair", "names",
-        "\0\3"s + Spelled("d-n\n\xff", Units({1, 1, 7, 0})) + Put(12, "n\n\xff") +
-            Spelled("c-\1", "x"));
+        "\0\3"s + PutKey("d-n\n\xff", Units({1, 1, 7, 0})) + Put(12, "n\n\xff") +
+            PutKey("c-\1", "x"));
   Write("repair", "last_position",
         "\0\2"s + Put(0, Units({1, 2, 65535, 3})) + Put(1, Units({1, 3, 9, 2, 1})));
 }

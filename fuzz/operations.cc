@@ -233,7 +233,7 @@ void StoreOptions(World& world, Input*) {
 
 void Plant(World& world, Input* input) { world.PlantAndReopen(kestan_fuzz::Record(input)); }
 
-// So many words that walks flush on their way.
+// So many words that walks flush before their end.
 void Fill(World& world, Input*) {
   Records words;
   for (int i = 0; i < 110; ++i) {
@@ -242,7 +242,7 @@ void Fill(World& world, Input*) {
   world.PlantAndReopen(words);
 }
 
-void Look(World& world, Input*) { world.CompareFiles(); }
+void CompareFiles(World& world, Input*) { world.CompareFiles(); }
 
 struct Method {
   const char* name;
@@ -282,7 +282,7 @@ constexpr std::array<Method, 34> kMethods = {{{"AddDocumentWords", Add},
                                               {"GetOptions", LoadOptions},
                                               {"PutOptions", StoreOptions},
                                               {"plant many words", Fill},
-                                              {"look into the files", Look}}};
+                                              {"compare the files", CompareFiles}}};
 
 void Run(Input input) {
   World world;

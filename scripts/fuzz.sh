@@ -43,8 +43,8 @@ export ASAN_OPTIONS=allocator_may_return_null=1:max_allocation_size_mb=4096:quar
 # Without -entropic=0, libFuzzer's own bookkeeping takes longer than the targets that do most.
 options=(-print_final_stats=1 -entropic=0 -timeout=20 -rss_limit_mb=3000 -malloc_limit_mb=8192)
 
-# A process that failed inside gdbm did so on a file that gdbm itself cannot read safely: the
-# innermost of the frames that are not the runtime's or the C library's tells.
+# Succeeds if the process failed inside gdbm, on a file that gdbm itself cannot read safely: then the
+# innermost frame outside the runtime and the C library is gdbm's.
 failed_inside_gdbm() {
   [ "$(grep -E '^ +#[0-9]+ ' "$1" | grep -oEm1 'libgdbm|/(kestan|fuzz|tests)/')" = libgdbm ]
 }

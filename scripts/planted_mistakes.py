@@ -16,7 +16,7 @@ class Mistake:
         self.sentence, self.file, self.tests, self.edits = sentence, None, None, []
 
     def targets(self):
-        return {f"{room}_tests" for room in re.findall(r"(\w+)/", self.tests)}
+        return {f"{folder}_tests" for folder in re.findall(r"(\w+)/", self.tests)}
 
     def content(self):
         """Returns the file with the mistake in it; None if it has no place for it, or two."""

@@ -78,7 +78,7 @@ inline const char* File(Input* input) {
   return kFiles[input->Below(kFiles.size())];
 }
 
-// A counter that is neither small nor nearly full says nothing new and makes for sets of thousands
+// A counter that is neither small nor nearly full tests nothing new and makes sets of thousands
 // of documents, which take the model seconds.
 inline std::string TamedCounter(std::string record) {
   if (record.size() > 1) record[1] = '\0';

@@ -26,7 +26,7 @@ namespace {
 
 constexpr unsigned kMostSteps = 2000;  // of one walk: no file here holds so many keys
 
-constexpr rlim_t kMostFileBytes = 1u << 20;  // a damaged header may speak of terabytes
+constexpr rlim_t kMostFileBytes = 1u << 20;  // a damaged header may give terabytes
 
 std::set<std::string> faults;
 unsigned fault_count = 0;

@@ -86,7 +86,7 @@ class CommandTest : public testing::Test {
 
   std::string Path(const std::string& name) const { return folder_ / name; }
 
-  // Writes a file, and the folders that its name asks for.
+  // Writes a file, and the folders that its name needs.
   void Write(const std::string& name, const std::string& text) {
     std::filesystem::create_directories(std::filesystem::path(Path(name)).parent_path());
     std::ofstream file(Path(name), std::ios::binary);

@@ -91,12 +91,12 @@ TEST_F(MainTest, SwitchesOfOneLetterMayShareADash) {
 
 TEST_F(MainTest, WhyPrintsReasonsIfNothingCouldBeIndexed) {
   Write("d/a", std::string("a\0b", 3));
-  const std::string told = "kestan: nothing to index: no text files, 1 binary file, 0 links\n";
+  const std::string expected = "kestan: nothing to index: no text files, 1 binary file, 0 links\n";
   EXPECT_EQ(Run({"index", "my.index", "d", "--why"}),
-            (Outcome{2, "skipped 'd/a': binary file\n", told}));
+            (Outcome{2, "skipped 'd/a': binary file\n", expected}));
   const Outcome json = Run({"index", "my.index", "d", "--json"});
   EXPECT_EQ(json.status, 2);
-  EXPECT_EQ(json.err, told);
+  EXPECT_EQ(json.err, expected);
   EXPECT_EQ(json.out.substr(0, 11), "{\"schema\":1");
 }
 
@@ -125,10 +125,10 @@ TEST_F(MainTest, HelpNamesTheValuesOfAnOption) {
 TEST_F(MainTest, FullDiskOfTheOutputIsReported) {
   Add("a", "cat\n");
   const auto full = [] { dup2(open("/dev/full", O_WRONLY | O_CLOEXEC), STDOUT_FILENO); };
-  const Outcome told = Failure("cannot write to the standard output: no space left on device");
-  EXPECT_EQ(Run({"search", "my.index", "cat"}, full), told);
-  EXPECT_EQ(Run({"list", "my.index"}, full), told);
-  EXPECT_EQ(Run({"--help"}, full), told);
+  const Outcome expected = Failure("cannot write to the standard output: no space left on device");
+  EXPECT_EQ(Run({"search", "my.index", "cat"}, full), expected);
+  EXPECT_EQ(Run({"list", "my.index"}, full), expected);
+  EXPECT_EQ(Run({"--help"}, full), expected);
 }
 
 TEST_F(MainTest, ClosedPipeEndsTheCommandQuietly) {
@@ -145,7 +145,7 @@ TEST_F(MainTest, ClosedPipeEndsTheCommandQuietly) {
 
 TEST_F(MainTest, DiagnosticsForAClosedStreamNeverReachTheIndex) {
   Add("a", "cat\n");
-  // A reusable code of 0 makes the engine speak while the index is open.
+  // A reusable code of 0 makes the engine print a message while the index is open.
   Plant(Path("my.index"), {{"g-avail", Units({0})}});
   Write("a", "dog\n");
   EXPECT_EQ(Run({"index", "my.index", "a"}, [] { close(STDERR_FILENO); }).status, 1);
@@ -158,7 +158,7 @@ TEST_F(MainTest, CommandWorksWithAllStreamsClosed) {
   const auto closed = [] {
     for (int descriptor : {0, 1, 2}) close(descriptor);
   };
-  EXPECT_EQ(Run({"index", "my.index", "a"}, closed).status, 2);  // it cannot tell
+  EXPECT_EQ(Run({"index", "my.index", "a"}, closed).status, 2);  // it cannot report anything
   EXPECT_EQ(Run({"search", "my.index", "cat"}), Success("100 a\n"));
 }
 

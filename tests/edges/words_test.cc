@@ -50,7 +50,7 @@ TEST_P(WordOfLengthTest, LosesItsPositionsWithOptionFlag1) {
   EXPECT_EQ(Stored().at(word_), Units({1, 2}));
 }
 
-// The second byte is what tells system records, but only in keys of more than two bytes.
+// The second byte marks system records, but only in keys of more than two bytes.
 TEST_F(LongTextTest, AWordOfTwoBytesThatEndsInADashIsAWordThatShrinkingPassesOver) {
   EXPECT_STREQ(engine_.AddDocumentWords("one", "a- -a --"), "--\n-a\na-\n");
   for (const char* word : {"a-", "-a", "--"}) EXPECT_EQ(Listing(Word(word)), "100 one\n") << word;

@@ -18,8 +18,8 @@ class CopyIndexTest : public IndexTest {
     ASSERT_EQ(engine_.OpenIndex(path_.c_str(), mode), 0);
   }
 
-  // Tells the stores and flushes of a copy, runs of stores as one line.
-  Lines Cadence(const GdbmWatch& gdbm) const {
+  // Returns the stores and flushes of a copy, each run of stores as one line.
+  Lines FlushesOf(const GdbmWatch& gdbm) const {
     Lines lines;
     int stored = 0;
     for (const GdbmCall& call : gdbm.Calls()) {
@@ -115,8 +115,8 @@ TEST_F(CopyIndexTest, TwoThousandFiveHundredRecordsFlushTwice) {
   Fill(2500);
   GdbmWatch gdbm;
   EXPECT_EQ(Copy(), 0);
-  EXPECT_EQ(Cadence(gdbm), (Lines{"1001 stored", "index synced", "copy synced", "1000 stored",
-                                  "index synced", "copy synced", "499 stored", "copy synced"}));
+  EXPECT_EQ(FlushesOf(gdbm), (Lines{"1001 stored", "index synced", "copy synced", "1000 stored",
+                                    "index synced", "copy synced", "499 stored", "copy synced"}));
   EXPECT_EQ(gdbm.Lines().back(), "close");
 }
 
@@ -124,22 +124,22 @@ TEST_F(CopyIndexTest, AThousandRecordsFlushAtTheEndOnly) {
   Fill(1000);
   GdbmWatch gdbm;
   EXPECT_EQ(Copy(), 0);
-  EXPECT_EQ(Cadence(gdbm), (Lines{"1000 stored", "copy synced"}));
+  EXPECT_EQ(FlushesOf(gdbm), (Lines{"1000 stored", "copy synced"}));
 }
 
 TEST_F(CopyIndexTest, AThousandAndOneRecordsFlushOnceBeforeTheEnd) {
   Fill(1001);
   GdbmWatch gdbm;
   EXPECT_EQ(Copy(), 0);
-  EXPECT_EQ(Cadence(gdbm), (Lines{"1001 stored", "index synced", "copy synced", "copy synced"}));
+  EXPECT_EQ(FlushesOf(gdbm), (Lines{"1001 stored", "index synced", "copy synced", "copy synced"}));
 }
 
 TEST_F(CopyIndexTest, TwoThousandRecordsDoNotFlushASecondTime) {
   Fill(2000);
   GdbmWatch gdbm;
   EXPECT_EQ(Copy(), 0);
-  EXPECT_EQ(Cadence(gdbm), (Lines{"1001 stored", "index synced", "copy synced",  //
-                                  "999 stored", "copy synced"}));
+  EXPECT_EQ(FlushesOf(gdbm), (Lines{"1001 stored", "index synced", "copy synced",  //
+                                    "999 stored", "copy synced"}));
 }
 
 TEST_F(CopyIndexTest, ManyRecordsAreAllThere) {

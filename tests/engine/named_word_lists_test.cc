@@ -121,7 +121,7 @@ TEST_F(WordListsTest, AreReplacedByTheNextOne) {
   EXPECT_EQ(ThereAndBack("gamma"), "gamma\n");
 }
 
-TEST_F(WordListsTest, AreToldApartByTheirNames) {
+TEST_F(WordListsTest, AreDistinguishedByTheirNames) {
   engine_.DBPutWords("a", "alpha");
   engine_.DBPutWords("b", "beta");
   EXPECT_STREQ(engine_.DBGetWords("a"), "alpha\n");

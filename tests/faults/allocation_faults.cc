@@ -45,8 +45,8 @@ bool IsInGdbm(const void* address) {
   return number >= gdbm.begin && number < gdbm.end;
 }
 
-// The C library allocates for gdbm too, so the nearest caller does not tell; and gdbm calls nothing
-// of the engine, so any of its functions on the stack does.
+// The C library allocates for gdbm too, so the nearest caller is not enough. gdbm never calls the
+// engine, so any of its functions on the stack means that the allocation is gdbm's.
 bool IsCalledByGdbm() {
   std::array<void*, 64> frames;
   const int count = backtrace(frames.data(), static_cast<int>(frames.size()));

@@ -50,8 +50,8 @@ std::string Describe(const SessionTrial& trial) {
   return Describe(static_cast<const Trial&>(trial)) + "\nafterwards: " + Describe(trial.afterwards);
 }
 
-// How many sessions ended in each of the ways that are foreseen.
-struct Tally {
+// How many sessions ended in each of the expected ways.
+struct EndCounts {
   long no_memory = 0;   // with the line of the engine
   long no_counter = 0;  // gdbm could not read the code counter, and a complement needs it
   long went_on = 0;     // gdbm's error was one to go on with
@@ -60,7 +60,7 @@ struct Tally {
 };
 
 // Checks a session that ended before its end, by its last message.
-void CheckEarlyEnd(const SessionTrial& trial, Tally* tally) {
+void CheckEarlyEnd(const SessionTrial& trial, EndCounts* counts) {
   std::vector<std::string> messages = Messages(trial.outcome.standard_error);
   ASSERT_FALSE(messages.empty()) << Describe(trial);
   const std::string last = messages.back();
@@ -69,28 +69,29 @@ void CheckEarlyEnd(const SessionTrial& trial, Tally* tally) {
   if (IsPromisedEnd(last)) {
     EXPECT_EQ(trial.outcome.exit_status, 1) << Describe(trial);
     EXPECT_GT(trial.log.failed_in_gdbm, 0) << Describe(trial);
-    ++tally->no_counter;
+    ++counts->no_counter;
   } else {
     ExpectEndWithoutMemory(last, trial);
-    ++tally->no_memory;
+    ++counts->no_memory;
   }
 }
 
 // Checks a session that came to its end.
-void CheckWholeSession(const SessionTrial& trial, const std::string& undisturbed, Tally* tally) {
+void CheckWholeSession(const SessionTrial& trial, const std::string& undisturbed,
+                       EndCounts* counts) {
   EXPECT_TRUE(trial.outcome.transcript.find("close again: 0\ndescriptors left: 0\n") !=
               std::string::npos)
       << Describe(trial);
   ExpectPromisedMessages(Messages(trial.outcome.standard_error), trial);
   if (trial.log.failed_elsewhere == 0) {
-    ++tally->went_on;
+    ++counts->went_on;
     return;
   }
-  // Sorting asks for memory to be faster with it, and what grows asks for more than it needs. Both
+  // Sorting is faster with more memory, and what grows asks for more than it needs. Both
   // do without. Nothing else does.
   EXPECT_EQ(trial.log.failed_in_gdbm, 0) << Describe(trial);
   EXPECT_EQ(trial.outcome.transcript, undisturbed) << Describe(trial);
-  ++tally->fell_back;
+  ++counts->fell_back;
 }
 
 // Returns whether every line of a listing of documents is a name that the session uses.
@@ -100,7 +101,7 @@ bool AreNamesOfTheSession(const std::string& listing) {
 }
 
 // The index must be one that gdbm reads, unless gdbm itself was hindered in writing it.
-void CheckIndex(const SessionTrial& trial, Tally* tally) {
+void CheckIndex(const SessionTrial& trial, EndCounts* counts) {
   if (!trial.has_index) return;
   EXPECT_TRUE(trial.afterwards.ended) << Describe(trial);
   EXPECT_EQ(trial.afterwards.exit_status, 0) << Describe(trial);
@@ -111,19 +112,19 @@ void CheckIndex(const SessionTrial& trial, Tally* tally) {
     EXPECT_TRUE(AreNamesOfTheSession(listed.substr(start.size()))) << Describe(trial);
   } else {
     EXPECT_GT(trial.log.failed_in_gdbm, 0) << Describe(trial);
-    ++tally->unreadable;
+    ++counts->unreadable;
   }
 }
 
-void Check(const SessionTrial& trial, const std::string& undisturbed, Tally* tally) {
+void Check(const SessionTrial& trial, const std::string& undisturbed, EndCounts* counts) {
   EXPECT_TRUE(trial.outcome.ended) << Describe(trial);
   EXPECT_EQ(trial.outcome.signal, 0) << Describe(trial);
   if (trial.outcome.exit_status == 0) {
-    CheckWholeSession(trial, undisturbed, tally);
+    CheckWholeSession(trial, undisturbed, counts);
   } else {
-    CheckEarlyEnd(trial, tally);
+    CheckEarlyEnd(trial, counts);
   }
-  CheckIndex(trial, tally);
+  CheckIndex(trial, counts);
 }
 
 // Makes the first allocation of a session fail, then the second of another, and so on until a
@@ -132,17 +133,17 @@ void FailEach(Failing failing) {
   const SessionTrial undisturbed = RunSessionWithFault(0, failing);
   ASSERT_EQ(undisturbed.outcome.exit_status, 0);
   ASSERT_GT(undisturbed.log.calls, 0);
-  Tally tally;
+  EndCounts counts;
   for (long nth = 1;; ++nth) {
     const SessionTrial trial = RunSessionWithFault(nth, failing);
     if (trial.log.calls < nth) break;
-    Check(trial, undisturbed.outcome.transcript, &tally);
+    Check(trial, undisturbed.outcome.transcript, &counts);
     if (testing::Test::HasFailure()) return;
   }
-  std::cout << undisturbed.log.calls << " allocations; " << tally.no_memory
-            << " sessions ended for lack of memory, " << tally.no_counter
-            << " for lack of the code counter; " << tally.went_on << " went on without gdbm's, "
-            << tally.fell_back << " without the engine's; " << tally.unreadable
+  std::cout << undisturbed.log.calls << " allocations; " << counts.no_memory
+            << " sessions ended for lack of memory, " << counts.no_counter
+            << " for lack of the code counter; " << counts.went_on << " went on without gdbm's, "
+            << counts.fell_back << " without the engine's; " << counts.unreadable
             << " left an index that does not open\n";
 }
 

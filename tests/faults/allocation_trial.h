@@ -28,7 +28,7 @@ std::string Describe(const Trial& trial);
 void ExpectPromisedMessages(const std::vector<std::string>& messages, const Trial& trial);
 
 // Expects a session that ended early to have ended as the library ends a process that has no
-// memory: with status ENOMEM, and with `message` as its last, which tells how much was asked for.
+// memory: with status ENOMEM, and with `message` as its last, which says how much was asked for.
 void ExpectEndWithoutMemory(const std::string& message, const Trial& trial);
 
 }  // namespace kestan_faults

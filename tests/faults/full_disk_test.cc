@@ -125,7 +125,8 @@ Counts FillUp(const std::function<CallRule(long)>& disk_of) {
     ++counts.steps;
     const Outcome outcome = RunWatchedSession(files, disk_of(bytes));
     EXPECT_TRUE(EndedAsPromised(outcome)) << bytes << " bytes: " << Describe(outcome);
-    const Aftermath left = LookAt(kestan_faults::IndexIn(files), kestan_faults::SessionReference());
+    const Aftermath left =
+        Examine(kestan_faults::IndexIn(files), kestan_faults::SessionReference());
     EXPECT_TRUE(EndedAsPromised(left.outcome)) << bytes << " bytes: " << Describe(left.outcome);
     is_full = outcome.transcript.find("\nshort write: 1") != std::string::npos;
     const std::string& said = outcome.standard_error;

@@ -115,7 +115,7 @@ TEST_F(GdbmFaultMethodsTest, DelNeedsToSeeTheText) {
   EXPECT_EQ(Stored().at("t-a"), "title");
 }
 
-TEST_F(GdbmFaultMethodsTest, DelDoesNotTellThatGdbmKeptTheText) {
+TEST_F(GdbmFaultMethodsTest, DelDoesNotReportThatGdbmKeptTheText) {
   WithEachError("delete", [&](int) {
     EXPECT_EQ(engine_.DBDelTitle("a"), 0);
     EXPECT_EQ(engine_.DBDelSummary("a"), 0);
@@ -279,7 +279,7 @@ TEST_F(GdbmFaultMethodsTest, CopySaysThatItCannotOpen) {
       });
 }
 
-TEST_F(GdbmFaultMethodsTest, CopyDoesNotTellWhatItCouldNotStore) {
+TEST_F(GdbmFaultMethodsTest, CopyDoesNotReportWhatItCouldNotStore) {
   WithEachError("store",
                 [&](int) { EXPECT_EQ(engine_.CopyIndexTo((folder_ / "copy").c_str()), 0); });
 }

@@ -89,7 +89,7 @@ void Diagnose(const std::string& index, Transcript* transcript) {
 
 // Has gdbm recover the file. It opens none that ends before its header says, so such a file is
 // lengthened with zeros first.
-void Mend(const std::string& index) {
+void Recover(const std::string& index) {
   constexpr std::uintmax_t kMoreBytes = 65536;
   GDBM_FILE file = gdbm_open(index.c_str(), 0, GDBM_WRITER, 0, nullptr);
   if (file == nullptr) {
@@ -121,7 +121,7 @@ Reference SessionReference() {
            {"birds", "mat", '|', {"a.txt", "c.txt"}}}};
 }
 
-Aftermath LookAt(const std::string& index, const Reference& reference) {
+Aftermath Examine(const std::string& index, const Reference& reference) {
   Aftermath aftermath;
   aftermath.outcome = RunInChild([&](Transcript* transcript) {
     Diagnose(index, transcript);
@@ -129,7 +129,7 @@ Aftermath LookAt(const std::string& index, const Reference& reference) {
     AddMore(index, reference);
     Compare(index, reference, " later", transcript);
     if (is_whole) return;
-    Mend(index);
+    Recover(index);
     Compare(index, reference, " repaired", transcript);
   });
   const std::string& transcript = aftermath.outcome.transcript;

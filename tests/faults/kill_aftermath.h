@@ -47,8 +47,8 @@ struct Aftermath {
   Comparison repaired;          // where it was not whole: after gdbm recovered it
 };
 
-// Looks at the index in a process of its own.
-Aftermath LookAt(const std::string& index, const Reference& reference);
+// Examines the index in a process of its own.
+Aftermath Examine(const std::string& index, const Reference& reference);
 
 }  // namespace kestan_faults
 

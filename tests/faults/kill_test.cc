@@ -103,7 +103,8 @@ TEST(KillTest, BeforeAnyChangeOfAFileLeavesAllDocumentsOrNeedsRecovery) {
     ++counts.trials;
     const Outcome outcome = RunWatchedSession(files, KillBefore(i + 1));
     EXPECT_EQ(outcome.signal, SIGKILL) << Describe(outcome);
-    const Aftermath left = LookAt(kestan_faults::IndexIn(files), kestan_faults::SessionReference());
+    const Aftermath left =
+        Examine(kestan_faults::IndexIn(files), kestan_faults::SessionReference());
     EXPECT_TRUE(EndedAsPromised(left.outcome)) << Describe(left.outcome);
     if (outcome.transcript.find("\nflush: 0") == std::string::npos) continue;
     SCOPED_TRACE("killed before change " + std::to_string(i + 1));
@@ -123,8 +124,8 @@ Outcome RunLongSessionIn(const std::string& folder, long kill_after_us) {
       kill_after_us);
 }
 
-Aftermath LookAtLongSession(const std::string& folder, int rounds) {
-  return LookAt(kestan_faults::IndexIn(folder), kestan_faults::LongSessionReference(rounds));
+Aftermath ExamineLongSession(const std::string& folder, int rounds) {
+  return Examine(kestan_faults::IndexIn(folder), kestan_faults::LongSessionReference(rounds));
 }
 
 TEST(KillTest, LongSessionLeavesItsReferenceWhenItEnds) {
@@ -133,7 +134,7 @@ TEST(KillTest, LongSessionLeavesItsReferenceWhenItEnds) {
   const Outcome outcome = RunLongSessionIn(files, 0);
   ASSERT_EQ(kestan_faults::RoundsFlushed(outcome.transcript), kestan_faults::kRounds)
       << Describe(outcome);
-  const Aftermath left = LookAtLongSession(files, kestan_faults::kRounds);
+  const Aftermath left = ExamineLongSession(files, kestan_faults::kRounds);
   EXPECT_TRUE(left.found.IsWhole() && left.later.IsWhole()) << Describe(left.outcome);
 }
 
@@ -161,7 +162,7 @@ TEST(KillTest, AtRandomMomentsLeavesAnIndexThatTheEngineSurvives) {
   for (; counts.trials < trials; ++counts.trials) {
     const Outcome outcome = RunLongSessionIn(files, moments(random));
     const int rounds = kestan_faults::RoundsFlushed(outcome.transcript);
-    const Aftermath left = LookAtLongSession(files, rounds);
+    const Aftermath left = ExamineLongSession(files, rounds);
     EXPECT_TRUE(EndedAsPromised(left.outcome)) << Describe(left.outcome);
     if (rounds > 0 && outcome.signal == SIGKILL) Count(left, &counts);
   }

@@ -28,7 +28,7 @@ TEST(SessionTest, CallsEveryMethodAndEndsWell) {
   EXPECT_NE(outcome.transcript.find("close again: 0\n"), std::string::npos) << outcome.transcript;
 }
 
-TEST(ChildTest, TellsHowItEnded) {
+TEST(ChildTest, ReportsHowItEnded) {
   EXPECT_EQ(RunInChild([](Transcript*) { std::_Exit(7); }).exit_status, 7);
   EXPECT_EQ(RunInChild([](Transcript*) { raise(SIGKILL); }).signal, SIGKILL);
   EXPECT_EQ(RunInChild([](Transcript*) { pause(); }, 1000).signal, SIGKILL);

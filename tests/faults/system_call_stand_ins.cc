@@ -1,5 +1,5 @@
 // The functions of the C library that libgdbm calls for its files. libgdbm finds these first,
-// because they are the program's own; each asks the watch and then calls the one behind it. A
+// because they are the program's own; each asks the watch and then calls the next one. A
 // 32-bit libgdbm calls the names that end in 64, which take 64-bit offsets.
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -22,9 +22,9 @@ using kestan_faults::Function;
 using kestan_faults::RuleOn;
 using kestan_faults::Ruling;
 
-// Finds the function that a stand-in stands before: the next one of its name.
+// Finds the function that a stand-in replaces: the next one of its name.
 template <typename Signature>
-Signature* Behind(const char* name) {
+Signature* Next(const char* name) {
   return reinterpret_cast<Signature*>(dlsym(RTLD_NEXT, name));
 }
 
@@ -67,21 +67,21 @@ mode_t ModeAfter(int flags, va_list arguments) {
 extern "C" {
 
 int open(const char* path, int flags, ...) {
-  static auto* const behind = Behind<int(const char*, int, mode_t)>("open");
+  static auto* const next = Next<int(const char*, int, mode_t)>("open");
   va_list arguments;
   va_start(arguments, flags);
   const mode_t mode = ModeAfter(flags, arguments);
   va_end(arguments);
-  return Open(path, [&] { return behind(path, flags, mode); });
+  return Open(path, [&] { return next(path, flags, mode); });
 }
 
 int open64(const char* path, int flags, ...) {
-  static auto* const behind = Behind<int(const char*, int, mode_t)>("open64");
+  static auto* const next = Next<int(const char*, int, mode_t)>("open64");
   va_list arguments;
   va_start(arguments, flags);
   const mode_t mode = ModeAfter(flags, arguments);
   va_end(arguments);
-  return Open(path, [&] { return behind(path, flags, mode); });
+  return Open(path, [&] { return next(path, flags, mode); });
 }
 
 // What a libgdbm that was compiled with _FORTIFY_SOURCE calls to open files that exist.
@@ -89,111 +89,111 @@ int __open_2(const char* path, int flags) { return open(path, flags); }
 int __open64_2(const char* path, int flags) { return open64(path, flags); }
 
 int mkstemp(char* pattern) {
-  static auto* const behind = Behind<int(char*)>("mkstemp");
-  return Open(pattern, [&] { return behind(pattern); });
+  static auto* const next = Next<int(char*)>("mkstemp");
+  return Open(pattern, [&] { return next(pattern); });
 }
 
 int mkstemp64(char* pattern) {
-  static auto* const behind = Behind<int(char*)>("mkstemp64");
-  return Open(pattern, [&] { return behind(pattern); });
+  static auto* const next = Next<int(char*)>("mkstemp64");
+  return Open(pattern, [&] { return next(pattern); });
 }
 
 // Linux gives the descriptor back even where it reports an error.
 int close(int file) {
-  static auto* const behind = Behind<int(int)>("close");
+  static auto* const next = Next<int(int)>("close");
   const Ruling ruling = RuleOn({Function::kClose, file, 0});
   kestan_faults::NoteClosed(file);
-  const int result = behind(file);
+  const int result = next(file);
   return Perform(ruling, -1, [&] { return result; });
 }
 
 int fstat(int file, struct stat* status) noexcept {
-  static auto* const behind = Behind<int(int, struct stat*)>("fstat");
-  return PerformOn(Function::kStat, file, [&] { return behind(file, status); });
+  static auto* const next = Next<int(int, struct stat*)>("fstat");
+  return PerformOn(Function::kStat, file, [&] { return next(file, status); });
 }
 
 int fstat64(int file, struct stat64* status) noexcept {
-  static auto* const behind = Behind<int(int, struct stat64*)>("fstat64");
-  return PerformOn(Function::kStat, file, [&] { return behind(file, status); });
+  static auto* const next = Next<int(int, struct stat64*)>("fstat64");
+  return PerformOn(Function::kStat, file, [&] { return next(file, status); });
 }
 
 int flock(int file, int operation) noexcept {
-  static auto* const behind = Behind<int(int, int)>("flock");
-  return PerformOn(Function::kLock, file, [&] { return behind(file, operation); });
+  static auto* const next = Next<int(int, int)>("flock");
+  return PerformOn(Function::kLock, file, [&] { return next(file, operation); });
 }
 
 ssize_t read(int file, void* bytes, std::size_t count) {
-  static auto* const behind = Behind<ssize_t(int, void*, std::size_t)>("read");
+  static auto* const next = Next<ssize_t(int, void*, std::size_t)>("read");
   return Transfer(Function::kRead, file, count,
-                  [&](std::size_t most) { return behind(file, bytes, most); });
+                  [&](std::size_t most) { return next(file, bytes, most); });
 }
 
 ssize_t write(int file, const void* bytes, std::size_t count) {
-  static auto* const behind = Behind<ssize_t(int, const void*, std::size_t)>("write");
+  static auto* const next = Next<ssize_t(int, const void*, std::size_t)>("write");
   const ssize_t moved = Transfer(Function::kWrite, file, count,
-                                 [&](std::size_t most) { return behind(file, bytes, most); });
+                                 [&](std::size_t most) { return next(file, bytes, most); });
   if (moved < static_cast<ssize_t>(count)) kestan_faults::NoteShortWrite(file);
   return moved;
 }
 
 off_t lseek(int file, off_t offset, int origin) noexcept {
-  static auto* const behind = Behind<off_t(int, off_t, int)>("lseek");
+  static auto* const next = Next<off_t(int, off_t, int)>("lseek");
   return Perform(RuleOn({Function::kSeek, file, 0}), off_t{-1},
-                 [&] { return behind(file, offset, origin); });
+                 [&] { return next(file, offset, origin); });
 }
 
 off64_t lseek64(int file, off64_t offset, int origin) noexcept {
-  static auto* const behind = Behind<off64_t(int, off64_t, int)>("lseek64");
+  static auto* const next = Next<off64_t(int, off64_t, int)>("lseek64");
   return Perform(RuleOn({Function::kSeek, file, 0}), off64_t{-1},
-                 [&] { return behind(file, offset, origin); });
+                 [&] { return next(file, offset, origin); });
 }
 
 int ftruncate(int file, off_t size) noexcept {
-  static auto* const behind = Behind<int(int, off_t)>("ftruncate");
-  return PerformOn(Function::kTruncate, file, [&] { return behind(file, size); });
+  static auto* const next = Next<int(int, off_t)>("ftruncate");
+  return PerformOn(Function::kTruncate, file, [&] { return next(file, size); });
 }
 
 int ftruncate64(int file, off64_t size) noexcept {
-  static auto* const behind = Behind<int(int, off64_t)>("ftruncate64");
-  return PerformOn(Function::kTruncate, file, [&] { return behind(file, size); });
+  static auto* const next = Next<int(int, off64_t)>("ftruncate64");
+  return PerformOn(Function::kTruncate, file, [&] { return next(file, size); });
 }
 
 int fsync(int file) {
-  static auto* const behind = Behind<int(int)>("fsync");
-  return PerformOn(Function::kSync, file, [&] { return behind(file); });
+  static auto* const next = Next<int(int)>("fsync");
+  return PerformOn(Function::kSync, file, [&] { return next(file); });
 }
 
 void* mmap(void* at, std::size_t size, int protection, int flags, int file, off_t offset) noexcept {
-  static auto* const behind = Behind<void*(void*, std::size_t, int, int, int, off_t)>("mmap");
+  static auto* const next = Next<void*(void*, std::size_t, int, int, int, off_t)>("mmap");
   return Perform(RuleOn({Function::kMap, file, 0}), MAP_FAILED,
-                 [&] { return behind(at, size, protection, flags, file, offset); });
+                 [&] { return next(at, size, protection, flags, file, offset); });
 }
 
 void* mmap64(void* at, std::size_t size, int protection, int flags, int file,
              off64_t offset) noexcept {
-  static auto* const behind = Behind<void*(void*, std::size_t, int, int, int, off64_t)>("mmap64");
+  static auto* const next = Next<void*(void*, std::size_t, int, int, int, off64_t)>("mmap64");
   return Perform(RuleOn({Function::kMap, file, 0}), MAP_FAILED,
-                 [&] { return behind(at, size, protection, flags, file, offset); });
+                 [&] { return next(at, size, protection, flags, file, offset); });
 }
 
 int msync(void* at, std::size_t size, int flags) {
-  static auto* const behind = Behind<int(void*, std::size_t, int)>("msync");
-  return PerformOn(Function::kMapSync, -1, [&] { return behind(at, size, flags); });
+  static auto* const next = Next<int(void*, std::size_t, int)>("msync");
+  return PerformOn(Function::kMapSync, -1, [&] { return next(at, size, flags); });
 }
 
 int rename(const char* from, const char* to) noexcept {
-  static auto* const behind = Behind<int(const char*, const char*)>("rename");
-  return Perform(RuleOn(Function::kRename, from), -1, [&] { return behind(from, to); });
+  static auto* const next = Next<int(const char*, const char*)>("rename");
+  return Perform(RuleOn(Function::kRename, from), -1, [&] { return next(from, to); });
 }
 
 int fchmod(int file, mode_t mode) noexcept {
-  static auto* const behind = Behind<int(int, mode_t)>("fchmod");
-  return PerformOn(Function::kMode, file, [&] { return behind(file, mode); });
+  static auto* const next = Next<int(int, mode_t)>("fchmod");
+  return PerformOn(Function::kMode, file, [&] { return next(file, mode); });
 }
 
 int fchown(int file, uid_t owner, gid_t group) noexcept {
-  static auto* const behind = Behind<int(int, uid_t, gid_t)>("fchown");
-  return PerformOn(Function::kOwner, file, [&] { return behind(file, owner, group); });
+  static auto* const next = Next<int(int, uid_t, gid_t)>("fchown");
+  return PerformOn(Function::kOwner, file, [&] { return next(file, owner, group); });
 }
 
 }  // extern "C"

@@ -190,7 +190,7 @@ TEST(SystemCallFaultTest, LeavesTheEngineAliveAndItsPromisesKept) {
   for (std::size_t i = 0; i < faults.size(); i += stride) {
     const Outcome outcome = RunWatchedSession(files, RuleFor(faults[i]));
     counts.Check(faults[i], outcome,
-                 LookAt(kestan_faults::IndexIn(files), kestan_faults::SessionReference()));
+                 Examine(kestan_faults::IndexIn(files), kestan_faults::SessionReference()));
   }
   PrintCalls(calls);
   counts.Print();

@@ -235,7 +235,7 @@ TEST(PostingListTest, OfOtherCodesStay) {
   EXPECT_FALSE(record.ptr->dirty);
 }
 
-TEST(PostingListTest, PurgingTellsWhetherThereWereAny) {
+TEST(PostingListTest, PurgingReturnsWhetherThereWereAny) {
   const DBDatumPtr record = Counted(kGood);
   EXPECT_TRUE(kestan::PurgePostings(record.ptr, Purged({9}), true));
   EXPECT_FALSE(kestan::PurgePostings(record.ptr, Purged({9}), true));

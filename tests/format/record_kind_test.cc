@@ -23,7 +23,7 @@ bool IsPostings(const std::string& value, const kestan::PostingRules& rules = kR
   return kestan::LooksLikePostings(Datum(value), rules);
 }
 
-TEST(RecordKindTest, KeysOfThreeBytesTellByThemselves) {
+TEST(RecordKindTest, KeysOfThreeBytesDecideAlone) {
   EXPECT_EQ(KindOf("g-code", ""), RecordKind::kCounter);
   EXPECT_EQ(KindOf("g-avail", ""), RecordKind::kReusableCodes);
   EXPECT_EQ(KindOf("g-deleted", ""), RecordKind::kRemovedCodes);
@@ -44,7 +44,7 @@ TEST(RecordKindTest, WhatHasNoHyphenInSecondPlaceIsAWord) {
   }
 }
 
-TEST(RecordKindTest, KeysOfTwoBytesTellByTheirValues) {
+TEST(RecordKindTest, ValuesDecideForKeysOfTwoBytes) {
   EXPECT_EQ(KindOf("d-", Units({9, 9, 1, 0})), RecordKind::kDocument);
   EXPECT_EQ(KindOf("d-", Units({1, 2, 1, 2})), RecordKind::kPosting);
   EXPECT_EQ(KindOf("d-", Units({1, 1, 1})), RecordKind::kPosting);
@@ -57,7 +57,7 @@ TEST(RecordKindTest, KeysOfTwoBytesTellByTheirValues) {
   EXPECT_EQ(kestan::KindOf(Datum("t-"), nullptr, kRules), RecordKind::kPosting);
 }
 
-TEST(RecordKindTest, WhatIsNotReadTellsByItsKeyAlone) {
+TEST(RecordKindTest, TheKeyDecidesForAValueThatIsNotRead) {
   EXPECT_EQ(kestan::KindOf(Datum("d-day"), nullptr, kRules), RecordKind::kDocument);
   EXPECT_EQ(kestan::KindOf(Datum("x-ray"), nullptr, kRules), RecordKind::kOther);
 }
@@ -75,7 +75,7 @@ TEST(RecordKindTest, WhatBeginsWithCodeZeroIsNoDamagedWord) {
   EXPECT_EQ(KindOf("x-ray", Units({0, 1, 4, 9})), RecordKind::kOther);
 }
 
-TEST(RecordKindTest, WordsWithHyphensTellByTheirValues) {
+TEST(RecordKindTest, ValuesDecideForWordsWithHyphens) {
   const std::string postings = Units({1, 1, 1, 9, 2, 2, 3});
   for (const char* word :
        {"d-day", "c-section", "c-ab", "t-shirt", "s-bahn", "u-turn", "w-2", "e-mail", "g-force"}) {

@@ -1,4 +1,4 @@
-// Word lists as they are stored, spelled word by word.
+// Word lists as they are stored, built word by word.
 #ifndef KESTAN_TESTS_FORMAT_WORD_ITEMS_H_
 #define KESTAN_TESTS_FORMAT_WORD_ITEMS_H_
 

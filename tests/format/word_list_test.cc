@@ -20,7 +20,7 @@ namespace {
 const std::string kGood =
     Item(0, "alpha") + Item(5, "bet") + Item(3, "s") + Item(4) + Item(0, "beta");
 
-// Encodes into memory that has just the room that the contract asks for.
+// Encodes into memory of exactly the size that the contract asks for.
 std::string Encode(std::string_view text) {
   char* const out = static_cast<char*>(std::malloc(text.size() + 1));
   const std::size_t size = kestan::EncodeWordList(text, out);

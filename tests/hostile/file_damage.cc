@@ -154,11 +154,11 @@ std::vector<Damaged> Strangers(const std::string& good) {
   Dice dice;
   std::string noise(good.size(), '\0');
   for (char& byte : noise) byte = dice.Byte();
-  const std::string behind_the_magic = good.substr(0, 4) + noise;
+  const std::string after_the_magic = good.substr(0, 4) + noise;
   return {{"nothing", ""},
           {"one byte", "x"},
           {"noise", noise},
-          {"noise behind a good beginning", behind_the_magic},
+          {"noise after a good beginning", after_the_magic},
           {"zeros", std::string(good.size(), '\0')},
           {"text", std::string(1000, 't') + "\n"},
           {"a program", ReadFile("/proc/self/exe").substr(0, 1000000)}};

@@ -23,8 +23,8 @@ kestan_faults::Outcome ReadInChild(const std::string& path);
 kestan_faults::Outcome WriteInChild(const std::string& path);
 
 // Returns how many KiB of memory a child may take for a file of so many bytes. `base_kib` is what
-// one takes that does nothing. A sanitizer takes memory of its own, without a limit that could be
-// told; for what valgrind takes, the environment may allow more.
+// one takes that does nothing. A sanitizer takes memory of its own, without a known limit;
+// for what valgrind takes, the environment may allow more.
 long MostKib(long base_kib, std::size_t file_bytes);
 
 // Says what a host must not live to see of an end; empty if the end is good: of itself, or of the

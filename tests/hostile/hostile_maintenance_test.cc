@@ -148,11 +148,11 @@ TEST_F(HostileMaintenanceTest, OfALongPostingRecord) {
   SurviveEverything(LongRecord(path_, "cat", Repeated(Units({1, 1, 1}), kLongUnits / 3)), "good");
 }
 
-// No entry of them is whole, or each is in doubt.
+// No posting of them is whole, or each is in doubt.
 TEST_F(HostileMaintenanceTest, OfDamagedLongPostingRecords) {
-  for (const auto& entry : {Units({1, 1, 0}), Units({1}), Units({0}), Units({9, 1, 2, 3})}) {
-    const std::string record = Repeated(entry, 2 * kLongUnits / entry.size());
-    const std::string what = std::to_string(entry.size()) + " bytes over and over";
+  for (const auto& posting : {Units({1, 1, 0}), Units({1}), Units({0}), Units({9, 1, 2, 3})}) {
+    const std::string record = Repeated(posting, 2 * kLongUnits / posting.size());
+    const std::string what = std::to_string(posting.size()) + " bytes over and over";
     Survive(RepairIt, LongRecord(path_, "cat", record), what);
     Survive(RepairIt, LongRecord(path_, "cat", record, 1), what + ", without positions");
   }
@@ -167,7 +167,7 @@ TEST_F(HostileMaintenanceTest, OfLongRecordsOfOtherKinds) {
 
 // ---- Made to do harm ----
 
-// Writes a gdbm file that holds together, but for its records, which all lie in the same place.
+// Writes a gdbm file that is valid except for its records, which all lie in the same place.
 class OverlappingFile {
  public:
   // Keys begin with `first` and have from 5 to 16000 bytes.

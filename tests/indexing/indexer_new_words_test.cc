@@ -33,7 +33,7 @@ TEST_F(NewWordsTest, AreInOrderOfTheirBytes) {
   EXPECT_EQ(Of("b ab a \xff abc 1 aa"), "1\na\naa\nab\nabc\nb\n\xff\n");
 }
 
-TEST_F(NewWordsTest, CapitalsSortBeforeSmallLetters) {
+TEST_F(NewWordsTest, UpperCaseSortsBeforeLowerCase) {
   EXPECT_EQ(Of("Hello world"), "Hello\nhello\nworld\n");
 }
 

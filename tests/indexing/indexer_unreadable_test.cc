@@ -88,7 +88,7 @@ TEST_F(UnreadableRecordTest, OfAWordKeepsItsPostingsWhenADocumentIsAdded) {
   EXPECT_EQ(after.count("d-new"), 1u);
 }
 
-TEST_F(UnreadableRecordTest, OfAWordIsUsedWhenASecondLookFindsIt) {
+TEST_F(UnreadableRecordTest, OfAWordIsUsedWhenASecondReadFindsIt) {
   const Records after = After("dog", AddDocument);
   EXPECT_EQ(after.at("dog"), before_.at("dog") + Units({4, 1, 2}));
 }

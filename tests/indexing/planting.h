@@ -1,4 +1,4 @@
-// Records spelled from what they mean, and texts of many words, for the tests of indexing and
+// Records built from what they mean, and texts of many words, for the tests of indexing and
 // query.
 #ifndef KESTAN_TESTS_INDEXING_PLANTING_H_
 #define KESTAN_TESTS_INDEXING_PLANTING_H_
@@ -21,7 +21,7 @@ inline Numbers From(unsigned first, unsigned last) {
   return numbers;
 }
 
-// Spells a packed array of codes.
+// Returns a packed array of codes.
 inline std::string Codes(const Numbers& codes) {
   std::string bytes;
   for (unsigned code : codes) bytes += Units({code});
@@ -33,10 +33,10 @@ inline std::string EncodedPosting(unsigned code, const Numbers& positions) {
   return Units({code, static_cast<unsigned>(positions.size())}) + Codes(positions);
 }
 
-// Spells the key of the name record of `code`.
+// Returns the key of the name record of `code`.
 inline std::string NameKey(unsigned code) { return "c-" + Units({code}); }
 
-// Spells a document record.
+// Returns the bytes of a document record.
 inline std::string DocumentRecord(std::uint32_t timestamp, unsigned code) {
   return Units({timestamp & 0xffff, timestamp >> 16, code, 0});
 }
@@ -50,7 +50,7 @@ inline std::uint32_t TimestampOf(const std::string& record) {
   return timestamp;
 }
 
-// Spells the two records that tie a document's name to its code.
+// Returns the two records that tie a document's name to its code.
 inline Records Document(const std::string& name, unsigned code, std::uint32_t timestamp = 1000) {
   return {{"d-" + name, DocumentRecord(timestamp, code)}, {NameKey(code), name}};
 }

@@ -25,7 +25,7 @@ class ShortWordsTest : public IndexTest {
   }
 
   // Purges an index that has `records` too.
-  //   Returns  what it holds then, but for the system records.
+  //   Returns  what it holds then, except for the system records.
   Records Purged(const Records& records, int result = 0) {
     PlantAndReopen(records);
     EXPECT_EQ(engine_.PurgeShortWords(), result);

@@ -62,7 +62,7 @@ TEST_F(ShrinkDamagedTest, AnyChangedByteIsServed) {
   }
 }
 
-// No document has code 0, so its entries are damage and go with any removal.
+// No document has code 0, so its postings are damage and go with any removal.
 TEST_F(ShrinkDamagedTest, PostingsOfCode0GoToo) {
   EXPECT_EQ(Apple(EncodedPosting(0, {1}) + EncodedPosting(3, {0})), EncodedPosting(3, {0}));
   const Records stored =

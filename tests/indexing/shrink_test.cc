@@ -6,7 +6,7 @@ namespace {
 
 class ShrinkIndexTest : public IndexTest {
  protected:
-  // Plants `records`, shrinks, and returns what is stored then, but for the option flags.
+  // Plants `records`, shrinks, and returns what is stored then, except for the option flags.
   Records Shrunk(const Records& records) {
     PlantAndReopen(records);
     EXPECT_EQ(StandardErrorOf([&] { EXPECT_EQ(engine_.ShrinkIndex(), 0); }), "");

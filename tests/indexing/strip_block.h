@@ -1,4 +1,4 @@
-// A text in a buffer of exactly the promised room, for the tests of the stripping functions.
+// A text in a buffer of exactly the promised size, for the tests of the stripping functions.
 #ifndef KESTAN_TESTS_INDEXING_STRIP_BLOCK_H_
 #define KESTAN_TESTS_INDEXING_STRIP_BLOCK_H_
 
@@ -18,8 +18,8 @@ struct Stripped {
   std::string buffer;  // the whole buffer
 };
 
-// Runs `strip` on a heap copy of `text` with `spare` bytes '#' behind it and not one byte more, so
-// that a sanitizer sees each byte written past the room.
+// Runs `strip` on a heap copy of `text` with `spare` bytes '#' after it and not one byte more, so
+// that a sanitizer sees each byte written past the end.
 template <typename Strip>
 Stripped StripInPlace(std::string_view text, std::size_t spare, Strip strip) {
   std::vector<char> buffer(text.size() + spare, '#');

@@ -6,7 +6,7 @@
 namespace kestan_tests {
 namespace {
 
-// The function is promised room for one byte more than the text has.
+// The function is promised a buffer of one byte more than the text has.
 Stripped NonWords(std::string_view text) { return StripInPlace(text, 1, Kestan::StripNonWords); }
 
 TEST(StripNonWordsTest, EmptyTextWritesNothing) {

@@ -6,7 +6,7 @@
 namespace kestan_tests {
 namespace {
 
-// Strips the words of `stop_text` and `stop_list` from `text`, which gets no spare room.
+// Strips the words of `stop_text` and `stop_list` from `text`, which gets no spare bytes.
 Stripped Words(std::string_view text, const char* stop_text,
                std::vector<const char*> stop_list = {}) {
   stop_list.push_back(nullptr);
@@ -66,12 +66,12 @@ TEST(StripWordsTest, EmptyStopTextDropsNothing) {
   EXPECT_EQ(result.buffer, std::string("a The dont dog\0", 15));
 }
 
-TEST(StripWordsTest, ListEntriesAreTakenAsTheyAre) {
+TEST(StripWordsTest, ListedWordsAreTakenAsTheyAre) {
   EXPECT_EQ(Words("cat dog cow", "the", {"cat", "cow"}).text, " dog ");
   EXPECT_EQ(Words("cat dog", "the", {"cat dog", "cat,"}).text, "cat dog");
 }
 
-TEST(StripWordsTest, ListEntryWithAnApostropheMatchesNoWord) {
+TEST(StripWordsTest, ListedWordWithAnApostropheMatchesNoWord) {
   EXPECT_EQ(Words("don't", "the", {"don't"}).text, "dont");
   EXPECT_EQ(Words("don't", "the", {"dont"}).text, "");
 }

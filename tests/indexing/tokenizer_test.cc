@@ -54,7 +54,7 @@ TEST(TokenizerTest, OfALongTextAreThoseOfAPlainMap) {
   EXPECT_EQ(Words(text), PlainWords(text));
 }
 
-TEST(TokenizerTest, OfOneHashAreToldApart) {
+TEST(TokenizerTest, OfOneHashAreDistinguished) {
   const auto [one, two] = kestan_tests::PairOfOneHash(kestan::Hasher(), "");
   const std::string text = one + " " + two + " " + one;
   EXPECT_EQ(Words(text), PlainWords(text));

@@ -14,7 +14,7 @@ namespace gen = rc::gen;
 const Vocabulary kVocabulary = {{"", "cat", "dog", "Dog", "a", "d-", "g-code", "g-deleted", "d-a"},
                                 {"", "a", "b"}};
 
-// Small numbers, which make for entries and codes in use, and any others.
+// Small numbers, which make for postings and codes in use, and any others.
 rc::Gen<unsigned> Units() {
   return gen::weightedOneOf<unsigned>({{12, gen::inRange(0u, 6u)},
                                        {1, gen::inRange(0u, 65536u)},

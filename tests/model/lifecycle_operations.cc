@@ -44,8 +44,8 @@ Operation Copy(const std::string& file) {
           }};
 }
 
-Operation LookIntoTheFiles() {
-  return {"look into the files", [](World& world) { world.CompareFiles(); }};
+Operation CompareFiles() {
+  return {"compare the files", [](World& world) { world.CompareFiles(); }};
 }
 
 Operation SetFlag(std::uint64_t flags) {
@@ -117,7 +117,7 @@ Operations LifecycleOperations() {
        {1, gen::exec(Close)},
        {6, gen::exec(Flush)},
        {3, gen::map(gen::element<std::string>("index", "copy", "copy", "missing/index"), Copy)},
-       {6, gen::exec(LookIntoTheFiles)},
+       {6, gen::exec(CompareFiles)},
        {2, gen::map(flags, SetFlag)},
        {2, gen::map(flags, UnsetFlag)},
        {1, gen::exec(LoadOptions)},
@@ -127,6 +127,6 @@ Operations LifecycleOperations() {
 
 Operations FillOperation(const rc::Gen<int>& counts) { return rc::gen::map(counts, Fill); }
 
-std::vector<Operation> CopyAndLook() { return {Copy("copy"), LookIntoTheFiles()}; }
+std::vector<Operation> CopyAndCompare() { return {Copy("copy"), CompareFiles()}; }
 
 }  // namespace kestan_model

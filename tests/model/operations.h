@@ -51,11 +51,11 @@ void Run(const Script& script);
 // Replaces records in the index file by those that `records` makes up, and opens it again.
 Operations PlantOperation(const rc::Gen<Records>& records);
 
-// Plants so many words that walks over the index flush on their way.
+// Plants so many words that walks over the index flush before their end.
 Operations FillOperation(const rc::Gen<int>& counts);
 
 // Copies the index and compares what the files hold then.
-std::vector<Operation> CopyAndLook();
+std::vector<Operation> CopyAndCompare();
 
 }  // namespace kestan_model
 

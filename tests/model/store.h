@@ -27,7 +27,7 @@ struct Cell {
 };
 using Value = std::shared_ptr<Cell>;
 
-// Tells in which order the keys of a file are visited. Nothing but the file itself knows it.
+// Returns the order in which the keys of a file are visited. Only the file itself knows it.
 using KeyOrder = std::function<std::vector<std::string>(const std::string& path)>;
 
 // One file at a time with the cache in front of it.

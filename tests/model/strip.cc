@@ -7,7 +7,7 @@ namespace {
 
 bool IsLetter(char byte) { return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z'); }
 
-std::string InSmallLetters(std::string text) {
+std::string LowerCase(std::string text) {
   for (char& byte : text) {
     if (byte >= 'A' && byte <= 'Z') byte = static_cast<char>(byte - 'A' + 'a');
   }
@@ -41,7 +41,7 @@ std::set<std::string> WordsOf(const std::string& stop_text) {
     if (IsLetter(byte)) {
       word += byte;
     } else if (!word.empty()) {
-      words.insert(InSmallLetters(word));
+      words.insert(LowerCase(word));
       word.clear();
     }
   }
@@ -123,11 +123,11 @@ Stripped StripNonWords(const std::string& text) {
 Stripped StripWords(const std::string& text, const std::string& stop_text,
                     const std::vector<std::string>& stop_list) {
   std::set<std::string> stop_words = WordsOf(stop_text);
-  for (const std::string& word : stop_list) stop_words.insert(InSmallLetters(word));
+  for (const std::string& word : stop_list) stop_words.insert(LowerCase(word));
   std::string kept;
   for (std::size_t at = 0; at < text.size();) {
     const Taken taken = TakeWord(text, at);
-    const bool stopped = taken.word.size() <= 2 || stop_words.count(InSmallLetters(taken.word)) > 0;
+    const bool stopped = taken.word.size() <= 2 || stop_words.count(LowerCase(taken.word)) > 0;
     if (stop_text.empty() || !stopped) kept += taken.word;
     at += taken.bytes;
     while (at < text.size() && !IsLetter(text[at])) kept += text[at++];

@@ -1,4 +1,4 @@
-// The three functions that clean text, told a second time: each takes a whole text and returns a
+// The three functions that clean text, written a second time: each takes a whole text and returns a
 // whole text.
 #ifndef KESTAN_TESTS_MODEL_STRIP_H_
 #define KESTAN_TESTS_MODEL_STRIP_H_

@@ -40,7 +40,7 @@ void Check(const std::string& text, std::size_t spare, const Stripped& expected,
   RC_ASSERT(Shown(after) == Shown(Overwritten(before, expected)));
 }
 
-// Pieces that the functions treat in ways of their own, one after the other.
+// Concatenated fragments, each of a kind that the functions treat differently.
 rc::Gen<std::string> TextOf(const rc::Gen<std::string>& piece) {
   return gen::map(gen::container<std::vector<std::string>>(piece),
                   [](const std::vector<std::string>& pieces) {

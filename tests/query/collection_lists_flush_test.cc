@@ -42,7 +42,7 @@ class FlushPolicyTest : public IndexTest {
 
 // Counts how often each record is written while one of the walks goes over records that were all
 // changed, and in two flushes after it.
-class FlushCadenceTest : public FlushPolicyTest {
+class WritesOfAWalkTest : public FlushPolicyTest {
  protected:
   // Has `count` records, and the words among them changed by flag 1.
   void ChangeAll(int count) {
@@ -106,7 +106,7 @@ TEST_F(FlushPolicyTest, IndexWithoutCounterIsNotWalked) {
   EXPECT_EQ(watch.Count("firstkey"), 0U);
 }
 
-TEST_F(FlushCadenceTest, OnlyTheRecordThatAFlushMeetsIsWrittenByTheNextToo) {
+TEST_F(WritesOfAWalkTest, OnlyTheRecordThatAFlushMeetsIsWrittenByTheNextToo) {
   ChangeAll(250);
   const auto by_documents = WritesOf([&] { engine_.ListDocuments(); });
   EXPECT_EQ(by_documents.size(), 248U);
@@ -117,7 +117,7 @@ TEST_F(FlushCadenceTest, OnlyTheRecordThatAFlushMeetsIsWrittenByTheNextToo) {
   EXPECT_EQ(WrittenTwiceOrMore(by_words), Lines{last_keys_.at(100)});
 }
 
-TEST_F(FlushCadenceTest, NothingAfterTheWalk) {
+TEST_F(WritesOfAWalkTest, NothingAfterTheWalk) {
   ChangeAll(50);
   const auto by_documents = WritesOf([&] { engine_.ListDocuments(); });
   EXPECT_EQ(by_documents.size(), 48U);
@@ -128,7 +128,7 @@ TEST_F(FlushCadenceTest, NothingAfterTheWalk) {
   EXPECT_EQ(WrittenTwiceOrMore(by_words), Lines{});
 }
 
-TEST_F(FlushCadenceTest, NoCounterDuringTheWalk) {
+TEST_F(WritesOfAWalkTest, NoCounterDuringTheWalk) {
   PlantRecords(150);
   engine_.AddDocumentWords("two", "");
   EXPECT_EQ(WritesOf([&] { engine_.CommonWords(0, 1); }),

@@ -1,4 +1,4 @@
-// The walk behind Kestan::ListDocuments and Kestan::CommonWords of
+// The walk of Kestan::ListDocuments and Kestan::CommonWords in
 // kestan/query/collection_lists.cc: its order and the buffer it writes.
 #include <algorithm>
 
@@ -90,7 +90,7 @@ TEST_F(CollectionWalkTest, ListsNamesOfAnyBytes) {
   EXPECT_EQ(std::string(Kestan::WordBuf, 5), std::string("a\0\n\n\0", 5));
 }
 
-TEST_F(CollectionWalkTest, DocumentsAreToldByTheirKeysAlone) {
+TEST_F(CollectionWalkTest, DocumentsAreRecognisedByTheirKeysAlone) {
   PlantAndReopen({{"g-code", Units({1})}, {"d", ""}, {"D-x", ""}, {"e-x", ""}, {"dx-", ""}});
   EXPECT_STREQ(engine_.ListDocuments(), "");
   PlantAndReopen({{"d-x", ""}});

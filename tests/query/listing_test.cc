@@ -85,7 +85,8 @@ TEST_F(QueryResultsTest, RemovedDocumentsAreLeftOut) {
   EXPECT_EQ(List(Word("cat")), "100 one\n100 three\n");
 }
 
-// The name of a removed document is planted again, so that only the list of removed codes tells.
+// The name of a removed document is planted again: only the list of removed codes still says that
+// it was removed.
 TEST_F(QueryResultsTest, CodesListedAsRemovedAreLeftOutWhateverTheirName) {
   PlantAndReopen({{"g-deleted", Units({1, 3})}});
   EXPECT_EQ(Of({2, 2, 2, 1}), "100 2\n50 4\n");

@@ -1,4 +1,4 @@
-// What the tests of queries share: result sets from posting records spelled in the test, and a look
+// What the tests of queries share: result sets from posting records written in the test, and a look
 // at what lies in a result set.
 #ifndef KESTAN_TESTS_QUERY_QUERY_TEST_H_
 #define KESTAN_TESTS_QUERY_QUERY_TEST_H_

@@ -19,12 +19,12 @@ constexpr int kReleased = 43;
 // How much memory must be in use when everything else of the process has ended; 0: nobody asks.
 std::size_t bytes_to_keep = 0;
 
-void LookAtTheEnd() {
+void MeasureAtTheEnd() {
   if (bytes_to_keep != 0) _exit(HeapBytes() >= bytes_to_keep ? kKept : kReleased);
 }
 
 // What is registered before any other object is made runs after all of them are destroyed.
-__attribute__((constructor(101))) void RegisterTheLook() { std::atexit(LookAtTheEnd); }
+__attribute__((constructor(101))) void RegisterTheMeasurement() { std::atexit(MeasureAtTheEnd); }
 
 class RegistryTest : public QueryTest {
  protected:
@@ -138,7 +138,7 @@ TEST_F(RegistryTest, SetsOutliveTheEngineThatMadeThem) {
   engine_.FreeQueryResult(1);
 }
 
-// A word with so many positions that its sets tell by their size whether they are there.
+// A word with so many positions that the memory in use shows whether its sets are there.
 class RegistryMemoryTest : public QueryTest {
  protected:
   void SetUp() override {

@@ -11,17 +11,17 @@ namespace {
 
 using kestan::ResultSet;
 
-// Spells a set as "CODE/SCORE at POSITION..." for each document.
-std::string Spelled(const ResultSet& set) {
-  std::string spelled;
+// Returns a set as "CODE/SCORE at POSITION..." for each document.
+std::string ToString(const ResultSet& set) {
+  std::string text;
   for (const kestan::Match match : set.View()) {
-    spelled += std::to_string(match.code) + "/" + std::to_string(match.score) + " at";
+    text += std::to_string(match.code) + "/" + std::to_string(match.score) + " at";
     for (const kestan::Position position : match.positions) {
-      spelled += " " + std::to_string(position);
+      text += " " + std::to_string(position);
     }
-    spelled += "\n";
+    text += "\n";
   }
-  return spelled;
+  return text;
 }
 
 void Add(unsigned code, kestan::Position position, ResultSet* set) {
@@ -34,7 +34,7 @@ TEST(ResultSetTest, SortingPutsCodesInOrder) {
   ResultSet set;
   for (const unsigned code : {7u, 2u, 65535u, 3u}) Add(code, 1, &set);
   set.Sort();
-  EXPECT_EQ(Spelled(set), "2/1 at 1\n3/1 at 1\n7/1 at 1\n65535/1 at 1\n");
+  EXPECT_EQ(ToString(set), "2/1 at 1\n3/1 at 1\n7/1 at 1\n65535/1 at 1\n");
 }
 
 TEST(ResultSetTest, OfOneCodeTwiceTheFirstStays) {
@@ -43,7 +43,7 @@ TEST(ResultSetTest, OfOneCodeTwiceTheFirstStays) {
   Add(4, 20, &set);
   Add(5, 30, &set);
   set.Sort();
-  EXPECT_EQ(Spelled(set), "4/1 at 20\n5/1 at 10\n");
+  EXPECT_EQ(ToString(set), "4/1 at 20\n5/1 at 10\n");
 }
 
 TEST(ResultSetTest, SameCodeTwiceInARowIsOutOfOrder) {
@@ -51,7 +51,7 @@ TEST(ResultSetTest, SameCodeTwiceInARowIsOutOfOrder) {
   Add(5, 10, &set);
   Add(5, 30, &set);
   set.Sort();
-  EXPECT_EQ(Spelled(set), "5/1 at 10\n");
+  EXPECT_EQ(ToString(set), "5/1 at 10\n");
 }
 
 TEST(ResultSetTest, AllButLeavesOutWhatIsExcluded) {
@@ -60,13 +60,13 @@ TEST(ResultSetTest, AllButLeavesOutWhatIsExcluded) {
   excluded.set(9);
   ResultSet set;
   set.AddAllBut(excluded, 4);
-  EXPECT_EQ(Spelled(set), "1/0 at\n3/0 at\n4/0 at\n");
+  EXPECT_EQ(ToString(set), "1/0 at\n3/0 at\n4/0 at\n");
 }
 
 TEST(ResultSetTest, ViewLeavesOutTheOnePositionThatStandsForNone) {
   ResultSet set;
   set.AddUnplaced(3, 1);
-  EXPECT_EQ(Spelled(set), "3/1 at\n");
+  EXPECT_EQ(ToString(set), "3/1 at\n");
   const kestan::Positions kept = set.PositionsOf(set.documents()[0]);
   ASSERT_EQ(kept.count, 1u);
   EXPECT_EQ(*kept.first, 0);
@@ -76,7 +76,7 @@ TEST(ResultSetTest, ViewShowsA0AmongOtherPositions) {
   const std::array<kestan::Position, 2> positions{0, 7};
   ResultSet set;
   set.Add(3, 2, {positions.data(), positions.size()});
-  EXPECT_EQ(Spelled(set), "3/2 at 0 7\n");
+  EXPECT_EQ(ToString(set), "3/2 at 0 7\n");
 }
 
 TEST(ResultSetTest, AllButUpTo65535EndsThere) {
@@ -92,7 +92,7 @@ TEST(ResultSetTest, TrimmingKeepsTheDocuments) {
   Add(5, 10, &set);
   set.Trim();
   EXPECT_LT(set.documents().capacity(), 10000u);
-  EXPECT_EQ(Spelled(set), "5/1 at 10\n");
+  EXPECT_EQ(ToString(set), "5/1 at 10\n");
 }
 
 }  // namespace

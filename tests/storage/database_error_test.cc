@@ -55,9 +55,9 @@ TEST_F(DatabaseErrorTest, OfAWalkIsKept) {
   EXPECT_EQ(store_.FileError(), GDBM_BAD_BUCKET);
 }
 
-// gdbm tells no error where it has no memory for a bucket.
+// gdbm reports no error where it has no memory for a bucket.
 
-TEST_F(DatabaseErrorTest, OfAReadThatGdbmTellsNoErrorOfIsNotSuccess) {
+TEST_F(DatabaseErrorTest, OfAReadForWhichGdbmReportsNoErrorIsNotSuccess) {
   DBDatumPtr value;
   GdbmWatch watch;
   watch.Fail("fetch", 1, GDBM_NO_ERROR);
@@ -66,14 +66,14 @@ TEST_F(DatabaseErrorTest, OfAReadThatGdbmTellsNoErrorOfIsNotSuccess) {
   EXPECT_EQ(store_.FileError(), GDBM_MALLOC_ERROR);
 }
 
-TEST_F(DatabaseErrorTest, OfAWriteThatGdbmTellsNoErrorOfIsNotSuccess) {
+TEST_F(DatabaseErrorTest, OfAWriteForWhichGdbmReportsNoErrorIsNotSuccess) {
   GdbmWatch watch;
   watch.Fail("store", 1, GDBM_NO_ERROR);
   EXPECT_EQ(Put("key", "value"), GDBM_MALLOC_ERROR);
   EXPECT_EQ(store_.FileError(), GDBM_MALLOC_ERROR);
 }
 
-TEST_F(DatabaseErrorTest, OfAWalkThatGdbmTellsNoErrorOfIsNotItsEnd) {
+TEST_F(DatabaseErrorTest, OfAWalkForWhichGdbmReportsNoErrorIsNotItsEnd) {
   for (const char* const function : {"firstkey", "nextkey"}) {
     Put("one", "1");
     Put("two", "2");
@@ -133,7 +133,7 @@ TEST_F(DatabaseErrorTest, IsForgottenWhenAFileIsOpened) {
 TEST_F(DatabaseErrorTest, OfARecordTooLargeForTheFileIsKept) {
   Put("key", "");
   const DBDatumPtr value = Held("key");
-  value.ptr->size = 0x80000000u;  // what lies behind the bytes is never looked at
+  value.ptr->size = 0x80000000u;  // what follows the bytes is never read
   value.ptr->dirty = true;
   StandardErrorOf([&] { store_.Flush(); });
   EXPECT_EQ(store_.FileError(), GDBM_MALFORMED_DATA);

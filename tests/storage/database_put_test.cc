@@ -1,4 +1,4 @@
-// Storing and deleting records: at once in the file, and what becomes of the cached value.
+// Storing and deleting records: at once in the file, and what the cache holds afterwards.
 #include <climits>
 
 #include "tests/storage/database_test.h"

@@ -15,7 +15,7 @@ TEST(DatumBytesTest, DatumBorrowsTheBytesOfAView) {
   EXPECT_LT(datum.refs, 1);
 }
 
-TEST(DatumBytesTest, ViewLooksAtTheBytesOfADatum) {
+TEST(DatumBytesTest, ViewBorrowsTheBytesOfADatum) {
   const std::string_view bytes = "ab\0c"sv;
   const DBDatum datum(bytes.data(), 4);
   EXPECT_EQ(kestan::BytesOf(datum).data(), bytes.data());

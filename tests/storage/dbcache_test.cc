@@ -76,7 +76,7 @@ TEST_F(DBCacheTest, FindingDoesNotHold) {
   EXPECT_EQ(value.refs, 1);
 }
 
-TEST_F(DBCacheTest, TellsKeysOfOneHashApart) {
+TEST_F(DBCacheTest, DistinguishesKeysOfOneHash) {
   for (const char* start : {"", "commonbeginning"}) {
     const auto [one, two] = PairOfOneHash(kestan::Hasher(), start);
     Add(one, "one");

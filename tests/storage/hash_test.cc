@@ -52,15 +52,15 @@ std::size_t FullestPlace(const Words& words, const Hash& hash) {
 
 // How many places are looked at to put `words` into a table with a place for two thirds more, each
 // into the first free one from its own on.
-std::size_t PlacesLookedAt(const Words& words, const Hasher& hasher) {
+std::size_t CountProbes(const Words& words, const Hasher& hasher) {
   std::vector<bool> taken(kPlaces);
-  std::size_t looks = 0;
+  std::size_t probes = 0;
   for (const std::string& word : words) {
     std::size_t place = hasher(word) % kPlaces;
-    for (++looks; taken[place]; ++looks) place = (place + 1) % kPlaces;
+    for (++probes; taken[place]; ++probes) place = (place + 1) % kPlaces;
     taken[place] = true;
   }
-  return looks;
+  return probes;
 }
 
 // Words that share the first place of a table with `hasher`.
@@ -116,13 +116,13 @@ TEST(HasherTest, WordsOfOnePlainHashSpread) {
   const Words words = WordsOfOnePlainHash(10000);
   ASSERT_EQ(FullestPlace(words, PlainHash), words.size());
   EXPECT_LT(FullestPlace(words, Hasher()), 15u);
-  EXPECT_LT(PlacesLookedAt(words, Hasher()), 4 * words.size());
+  EXPECT_LT(CountProbes(words, Hasher()), 4 * words.size());
 }
 
 TEST(HasherTest, NumberedWordsSpread) {
   Words words;
   for (std::uint64_t i = 0; i < 10000; ++i) words.push_back(NumberedWord(i));
-  EXPECT_LT(PlacesLookedAt(words, Hasher()), 4 * words.size());
+  EXPECT_LT(CountProbes(words, Hasher()), 4 * words.size());
 }
 
 // A secret that only moved all places alike would leave such words together.

@@ -69,7 +69,7 @@ inline void Plant(const std::string& path, const Records& records) {
   if (!stored) throw std::runtime_error(path + ": a record was not stored");
 }
 
-// Spells a record of 16-bit little-endian units.
+// Returns a record of 16-bit little-endian units.
 inline std::string Units(std::initializer_list<unsigned> units) {
   std::string bytes;
   for (unsigned unit : units) {

@@ -7,7 +7,7 @@ namespace {
 
 TEST(EscapeTest, PrintableBytesStayAsTheyAre) { EXPECT_EQ(Escaped("a Z~!-:\""), "a Z~!-:\""); }
 
-TEST(EscapeTest, OtherBytesAndTheBackslashAreSpelled) {
+TEST(EscapeTest, OtherBytesAndTheBackslashAreEscaped) {
   EXPECT_EQ(Escaped(std::string_view("\0\n\x1f\x7f\x80\xff\\", 7)),
             "\\x00\\x0a\\x1f\\x7f\\x80\\xff\\x5c");
 }

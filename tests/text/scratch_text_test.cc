@@ -1,4 +1,4 @@
-// The scratch buffer: the size that it states and the memory behind it.
+// The scratch buffer: the size that it states and the memory that it has.
 #include <kestan/text/scratch_text.h>
 
 #include <gtest/gtest.h>

@@ -38,7 +38,7 @@ void MakeIndex(const std::string& path, const std::string& start) {
   }
 }
 
-std::string Spell(const kestan::ResultSet& set) {
+std::string ToString(const kestan::ResultSet& set) {
   std::string text;
   for (const auto& document : set.documents()) {
     text += " " + std::to_string(document.code) + ":" + std::to_string(document.score);
@@ -57,10 +57,10 @@ std::vector<std::string> SearchAll(Database& store, const std::string& start) {
       answers.push_back("no set");
       continue;
     }
-    answers.push_back(Spell(*first));
-    answers.push_back(Spell(kestan::Intersect(*first, *second, 0)));
-    answers.push_back(Spell(kestan::Intersect(*first, *second, 2)));
-    answers.push_back(Spell(kestan::Unite(*first, *second)));
+    answers.push_back(ToString(*first));
+    answers.push_back(ToString(kestan::Intersect(*first, *second, 0)));
+    answers.push_back(ToString(kestan::Intersect(*first, *second, 2)));
+    answers.push_back(ToString(kestan::Unite(*first, *second)));
   }
   return answers;
 }

@@ -196,14 +196,13 @@ class AgreementTest : public CommandTest {
 
   // Words with capitals are also kept in lower case. These give how many words a document has,
   // but not which of them had capitals.
-  static bool IsUntold(const std::string& key) {
+  static bool IsUnconfirmed(const std::string& key) {
     if (key.size() > 1 && key[1] == '-') return std::strchr("tsuw", key[0]) != nullptr;
     return std::any_of(key.begin(), key.end(), [](char byte) { return (byte & 0x20) == 0; });
   }
 
-  // Whether other records than the good ones are among those that nothing tells, and among no
-  // others.
-  bool DiffersOnlyInUntold() {
+  // Whether the two files differ, and only in records that no other record confirms.
+  bool DiffersOnlyInUnconfirmed() {
     Records good = Dump(Path("my.index"));
     Records damaged = Dump(Path("damaged"));
     if (good == damaged) return false;
@@ -211,7 +210,7 @@ class AgreementTest : public CommandTest {
       for (auto record = records->begin(); record != records->end();) {
         if (record->first == "g-opts") record->second[0] &= 1;  // the others are the host's own
         if (record->first == "g-opts") record->second.resize(1);
-        record = IsUntold(record->first) ? records->erase(record) : std::next(record);
+        record = IsUnconfirmed(record->first) ? records->erase(record) : std::next(record);
       }
     }
     return good == damaged;
@@ -227,7 +226,7 @@ class AgreementTest : public CommandTest {
       EXPECT_EQ(Run({"dump", "damaged"}).status, 0) << what;
       return;
     }
-    if (DiffersOnlyInUntold()) return;
+    if (DiffersOnlyInUnconfirmed()) return;
     const std::vector<Outcome> answers = Answers("damaged");
     for (std::size_t i = 0; i < answers.size(); ++i) {
       EXPECT_EQ(answers[i], answers_[i]) << what << ", command " << i;

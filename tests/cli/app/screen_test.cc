@@ -99,7 +99,7 @@ TEST_F(ScreenTest, IndexingShowsABarUnlessQuiet) {
 
 // ---- Every command ----
 
-// Everything that a terminal could take for an order, but white space, which ends a word.
+// All bytes that a terminal could treat as a command, except white space, which ends a word.
 std::string Orders() {
   std::string text = "\x1b[2J\x1b]0;t\a\b";
   for (int byte = 1; byte < 0xa0; ++byte) {

@@ -101,7 +101,7 @@ TEST(ContentHashTest, IsXxh3) {
   EXPECT_EQ(HashOf(""), "99aa06d3014798d86001c324468d497f");
 }
 
-TEST(ContentHashTest, PiecesDoNotMatter) {
+TEST(ContentHashTest, ChunksDoNotMatter) {
   ContentHash hash;
   hash.Add("cat ");
   hash.Add("");

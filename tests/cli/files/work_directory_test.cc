@@ -22,9 +22,9 @@ namespace {
 namespace fs = std::filesystem;
 
 // Everything about a file that a command could change. The time of the last look may change.
-using Looks = std::tuple<ino_t, mode_t, nlink_t, uid_t, off_t, time_t, long, std::string>;
+using FileState = std::tuple<ino_t, mode_t, nlink_t, uid_t, off_t, time_t, long, std::string>;
 
-Looks LooksOf(const std::string& path) {
+FileState StateOf(const std::string& path) {
   struct stat status {};
   EXPECT_EQ(lstat(path.c_str(), &status), 0) << path;
   std::string content;
@@ -120,8 +120,8 @@ class WorkDirectoryTest : public ChangedIndexTest {
 
   void ExpectToStay(Maker make) {
     const std::vector<std::string> planted = Plant(make);
-    std::map<std::string, Looks> before;
-    for (const std::string& name : planted) before[name] = LooksOf(Path(name));
+    std::map<std::string, FileState> before;
+    for (const std::string& name : planted) before[name] = StateOf(Path(name));
     for (const Arguments& command : Commands()) {
       fs::copy_file(Path("base.index"), Path("my.index"), fs::copy_options::overwrite_existing);
       for (const char* made :
@@ -130,8 +130,8 @@ class WorkDirectoryTest : public ChangedIndexTest {
       }
       const Outcome outcome = Run(command);
       ASSERT_NE(outcome.status, -1) << command.front();
-      for (const auto& [name, looks] : before) {
-        ASSERT_EQ(LooksOf(Path(name)), looks) << command.front() << ", " << name << outcome;
+      for (const auto& [name, state] : before) {
+        ASSERT_EQ(StateOf(Path(name)), state) << command.front() << ", " << name << outcome;
       }
     }
     EXPECT_FALSE(fs::exists(Path("nowhere")));

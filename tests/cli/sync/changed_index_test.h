@@ -57,7 +57,7 @@ class ChangedIndexTest : public CommandTest {
     return names;
   }
 
-  // Returns the records of the index, but for the times in them.
+  // Returns the records of the index, except for the times in them.
   Records RecordsOf(const std::string& name) const {
     Records records = Dump(Path(name));
     for (auto& [key, value] : records) {

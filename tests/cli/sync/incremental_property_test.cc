@@ -71,7 +71,7 @@ rc::Gen<std::string> Word() {
                                        "vitamin", "p");
 }
 
-// What stands in files: words, and what a page of HTML takes for something else.
+// What files contain: words, and text that an HTML page treats as markup.
 rc::Gen<std::string> Text() {
   const auto piece = rc::gen::oneOf(
       Word(), Word(), Word(),

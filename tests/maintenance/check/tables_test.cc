@@ -95,7 +95,7 @@ TEST(TablesTest, HoldNothingOfTextsAndStrangers) {
   EXPECT_FALSE(tables.IsIncomplete());
 }
 
-TEST(TablesTest, TellThatTheyAreIncomplete) {
+TEST(TablesTest, ReportThatTheyAreIncomplete) {
   const TempDir folder;
   Plant(folder / "index", ValidRecords());
   Database store;

@@ -24,7 +24,7 @@ class ContentsTest : public testing::Test {
 
   Strings Words() const { return {contents_.words().begin(), contents_.words().end()}; }
 
-  // Spells documents as "code name@time".
+  // Returns the documents as "code name@time".
   Strings Documents() const {
     Strings documents;
     for (const kestan::Document& document : contents_.documents()) {

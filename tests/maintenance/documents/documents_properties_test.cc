@@ -18,7 +18,7 @@ using Word = std::tuple<unsigned, std::string>;
 using Words = std::vector<Word>;
 
 // Words that the engine can keep: any bytes but white space and NUL, and not such as have the key
-// of another record. Few enough to meet each other, in several spellings.
+// of another record. Few enough to meet each other, in upper and lower case.
 bool IsKept(const std::string& word) {
   const std::string not_words = std::string(" \t\n\v\f\r") + '\0';
   const std::string families = "gdcwust";

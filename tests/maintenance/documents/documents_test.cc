@@ -12,8 +12,8 @@ namespace {
 
 using namespace std::string_literals;
 
-// Spells documents as "NAME: WORD/POSITION WORD/POSITION ...".
-std::string Spell(const kestan::StoredDocument& document) {
+// Returns a document as "NAME: WORD/POSITION WORD/POSITION ...".
+std::string ToString(const kestan::StoredDocument& document) {
   std::string line = std::string(document.name) + ":";
   for (std::size_t i = 0; i < document.word_count; ++i) {
     const kestan::PlacedWord& word = document.words[i];
@@ -30,7 +30,7 @@ class DocumentsTest : public IndexTest {
     std::vector<std::string> lines;
     Database store;
     EXPECT_EQ(store.Open(path_.c_str(), 0), 0);
-    const auto take = [&](const auto& document) { lines.push_back(Spell(document)); };
+    const auto take = [&](const auto& document) { lines.push_back(ToString(document)); };
     EXPECT_EQ(kestan::ReadDocuments(store, take, places_at_once), kestan::StoreError::kNone);
     EXPECT_EQ(store.FileError(), 0);
     return lines;
@@ -39,7 +39,7 @@ class DocumentsTest : public IndexTest {
   using Lines = std::vector<std::string>;
 };
 
-TEST_F(DocumentsTest, WordsAreInOrderAsTheyWereSpelled) {
+TEST_F(DocumentsTest, WordsAreInOrderAsTheyWereWritten) {
   engine_.AddDocumentWords("a.txt", "Hello world hello WORLD");
   engine_.AddDocumentWords("b.txt", "x");
   EXPECT_EQ(Read(), (Lines{"a.txt: Hello/1 world/2 hello/3 WORLD/4", "b.txt: x/1"}));

@@ -25,7 +25,7 @@ class WordOrderTest : public testing::Test {
     ASSERT_EQ(contents_.Gather(store), 0);
   }
 
-  // Restores the words at these positions, and spells each as "word@position".
+  // Restores the words at these positions, each as "word@position".
   std::string Restored(
       std::initializer_list<std::pair<kestan::Position, kestan::WordId>> positions) {
     kestan::Vector<kestan::Place> places;

@@ -108,7 +108,7 @@ TEST_F(DumpDamageTest, RecordsHaveOneTab) {
   EXPECT_EQ(Why("a\\\nb\tc\n", 1), "");
 }
 
-TEST_F(DumpDamageTest, EscapesHaveOneSpelling) {
+TEST_F(DumpDamageTest, EscapesHaveOneForm) {
   EXPECT_EQ(Why("a\t\\n\n", 1), "line 2: an escape is not \\xHH");
   EXPECT_EQ(Why("a\t\\x0\n", 1), "line 2: an escape is not \\xHH");
   EXPECT_EQ(Why("a\t\\x0A\n", 1), "line 2: an escape is not \\xHH");

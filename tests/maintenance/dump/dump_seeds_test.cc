@@ -36,7 +36,7 @@ class DumpSeedsTest : public DumpTest {
   }
 };
 
-TEST_F(DumpSeedsTest, IndexFilesThatOpenComeBackOrTellWhyNot) {
+TEST_F(DumpSeedsTest, IndexFilesThatOpenComeBackOrReportWhyNot) {
   int whole = 0;
   int unreadable = 0;
   int unopened = 0;

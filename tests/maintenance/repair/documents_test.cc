@@ -12,7 +12,7 @@ using kestan::CodeSet;
 using kestan::DocumentCandidate;
 using kestan::NameCandidate;
 
-// Spells documents as "name=code@time" and lost ones as "-name".
+// Returns the resolved documents as "name=code@time" and the lost ones as "-name".
 std::string Repaired(kestan::Vector<DocumentCandidate> documents,
                      kestan::Vector<NameCandidate> names, const CodeSet& retired = CodeSet()) {
   std::string text;

@@ -126,7 +126,7 @@ struct Figures {
   std::uint64_t listed = 0;
   std::uint64_t untouched = 0;  // elements and all
   std::uint64_t saved = 0;      // of these, in full
-  std::uint64_t readable = 0;   // untouched but for elements
+  std::uint64_t readable = 0;   // untouched except for elements
   std::uint64_t kept = 0;       // of these, listed
   std::uint64_t foreign = 0;    // documents of new indexes that the good ones do not have
   std::uint64_t wrong = 0;      // postings of new indexes that the good ones do not have
@@ -214,7 +214,7 @@ std::vector<std::size_t> AllBlocks(const std::string& file) {
   return blocks;
 }
 
-std::string Spelled(std::size_t count, const char* where, bool with_noise) {
+std::string RowName(std::size_t count, const char* where, bool with_noise) {
   const std::string blocks = (count < 10 ? " " : "") + std::to_string(count);
   return blocks + " " + where + (with_noise ? ", noise" : ", zeros");
 }
@@ -349,7 +349,7 @@ TEST(RepairShareTest, DocumentsWhoseRecordsAreUntouchedAreSaved) {
     Dice dice(seed);
     const auto measure = [&](const char* where, const std::vector<std::size_t>& candidates) {
       const Damage damage = Inflict(good, candidates, count, with_noise, &dice);
-      Measure(documents, damage, &figures[Spelled(count, where, with_noise)]);
+      Measure(documents, damage, &figures[RowName(count, where, with_noise)]);
     };
     measure("anywhere", AllBlocks(good));
     measure("header", BlocksWith(map, Place::kHeader));

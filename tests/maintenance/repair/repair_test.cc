@@ -150,15 +150,15 @@ TEST_F(RepairTest, WhatOfTheFileIsDamagedIsReported) {
   EXPECT_TRUE(begins_with("note: buckets found beside the directory: "));
   EXPECT_TRUE(result_.was_damaged);
 
-  bool old_records_are_told = false;
+  bool old_records_are_reported = false;
   for (std::size_t at = 0; at < good.size(); at += kBlockBytes) {
     if (map.places[at] != Place::kBucket) continue;
     repair_without(at, std::min(kBlockBytes, good.size() - at));
     if (begins_with("note: records that may be old, for newer ones are damaged: ")) {
-      old_records_are_told = true;
+      old_records_are_reported = true;
     }
   }
-  EXPECT_TRUE(old_records_are_told);
+  EXPECT_TRUE(old_records_are_reported);
 }
 
 TEST_F(RepairTest, ADocumentWithoutWordsIsHalfWritten) {
@@ -208,7 +208,7 @@ TEST_F(RepairTest, ADocumentWhoseCodeWasReusedSinceTheLastFlushIsHalfWrittenToo)
   EXPECT_EQ(Documents(), Lines({"half-written: a: at least 1 of 3 words missing", "saved: b"}));
 }
 
-TEST_F(RepairTest, NamesAreSpelledOnOneLine) {
+TEST_F(RepairTest, NamesAreEscapedOnOneLine) {
   Records records = Good();
   records["d-x\n\xe9\\"] = Units({9, 0, 3, 0});
   records["c-" + Units({3})] = "x\n\xe9\\";

@@ -37,7 +37,7 @@ TEST(ReportAsLineTest, EachKindHasItsLine) {
   EXPECT_EQ(LineOf(FindingKind::kCannotWrite, "/a", "File exists"), "/a: File exists");
 }
 
-TEST(ReportAsLineTest, KeysAreSpelledAndTextsAreNot) {
+TEST(ReportAsLineTest, KeysAreEscapedAndTextsAreNot) {
   EXPECT_EQ(LineOf(FindingKind::kCheckFault, "a\n\\", "b\\"), "a\\x0a\\x5c: b\\");
 }
 

@@ -25,7 +25,7 @@ IndexStatistics ReadRecords(const Records& records) {
   return Read(folder / "index");
 }
 
-// Spells the numbers of a kind.
+// Returns the numbers of a kind as text.
 std::string Shown(const kestan::RecordBytes& bytes) {
   return std::to_string(bytes.records) + " records, " + std::to_string(bytes.key_bytes) + " + " +
          std::to_string(bytes.value_bytes) + " bytes";
@@ -156,7 +156,7 @@ TEST(StatisticsTest, LeaveOutWhatCannotBeReadAndSaySo) {
   EXPECT_EQ(Read(folder / "index").file_error, kestan::StoreError::kFileSeek);
 }
 
-TEST_F(IndexTest, StatisticsTellTheFilesSize) {
+TEST_F(IndexTest, StatisticsHaveTheFilesSize) {
   engine_.CloseIndex();
   EXPECT_EQ(Read(path_).file_bytes, std::filesystem::file_size(path_));
 }

@@ -20,7 +20,7 @@ namespace {
 // What is asked about each read of `bytes` bytes at `at`, before it: the error that it has to
 // report, 0 if it is to take its course.
 std::function<int(std::size_t at, std::size_t bytes)> read_error;
-int look_error = 0;  // the same for looking at what the file is
+int status_error = 0;  // the same for looking at what the file is
 
 class FileReadingTest : public testing::Test {
  protected:
@@ -31,7 +31,7 @@ class FileReadingTest : public testing::Test {
 
   void TearDown() override {
     read_error = {};
-    look_error = 0;
+    status_error = 0;
   }
 
   // Makes reads fail that would need a byte from `begin` to `end`.
@@ -98,8 +98,8 @@ TEST_F(FileReadingTest, AFileThatIsCutMeanwhileEndsThere) {
   EXPECT_EQ(unreadable_, 0U);
 }
 
-TEST_F(FileReadingTest, AFileThatCannotBeLookedAtIsAnError) {
-  look_error = EIO;
+TEST_F(FileReadingTest, AFileWithoutAStatusIsAnError) {
+  status_error = EIO;
   EXPECT_EQ(kestan::ReadWholeFile(path_.c_str(), &read_, &unreadable_), EIO);
 }
 
@@ -139,7 +139,7 @@ int ErrorOfRead(std::size_t at, std::size_t bytes) {
   return read_error ? read_error(at, bytes) : 0;
 }
 
-int ErrorOfLook() { return look_error; }
+int ErrorOfStatus() { return status_error; }
 
 }  // namespace kestan_maintenance
 
@@ -156,7 +156,7 @@ ssize_t __wrap_pread(int file, void* bytes, std::size_t count, off_t at) {
 }
 
 int __wrap_fstat(int file, struct stat* status) {
-  errno = kestan_maintenance::ErrorOfLook();
+  errno = kestan_maintenance::ErrorOfStatus();
   return errno != 0 ? -1 : __real_fstat(file, status);
 }
 

@@ -1,4 +1,4 @@
-// What of the plain bytes of a gdbm file is taken for its structures.
+// Which bytes of a gdbm file are read as its structures.
 #include <kestan/maintenance/salvage/gdbm_layout.h>
 
 #include <climits>

@@ -1,4 +1,4 @@
-// Which bytes of a file without a directory are taken for a bucket.
+// Which bytes of a file without a directory are recognised as a bucket.
 #include <gtest/gtest.h>
 #include <kestan/maintenance/salvage/bucket_map.h>
 
@@ -35,7 +35,7 @@ class LostBucketTest : public testing::Test {
 
   // Calls `visit` with the map of the file.
   template <typename Visit>
-  void Look(Visit visit) {
+  void VisitMap(Visit visit) {
     Write(kBucketAt, head_);
     const Bytes file(bytes_);
     visit(BucketMap(file));
@@ -53,7 +53,7 @@ class LostBucketTest : public testing::Test {
 
 TEST_F(LostBucketTest, ALostBucketIsFound) {
   AddAlike(5);
-  Look([](const BucketMap& map) {
+  VisitMap([](const BucketMap& map) {
     ASSERT_EQ(map.orphans().size(), 1U);
     EXPECT_EQ(map.orphans().front().at, kBucketAt);
     EXPECT_TRUE(map.orphans().front().is_intact);
@@ -67,7 +67,7 @@ TEST_F(LostBucketTest, TheSizesOfARecordAreNoHead) {
   Add("k", "12345");
   bytes_[bytes_.size() - 6] = '?';
   AddAlike(5);
-  Look([](const BucketMap& map) {
+  VisitMap([](const BucketMap& map) {
     ASSERT_EQ(map.orphans().size(), 1U);
     EXPECT_EQ(map.orphans().front().at, kBucketAt);
     EXPECT_EQ(map.orphans().front().bits, 0U);
@@ -77,13 +77,13 @@ TEST_F(LostBucketTest, TheSizesOfARecordAreNoHead) {
 TEST_F(LostBucketTest, ABucketMayKnowOfSpacePastTheEndOfACutFile) {
   AddAlike(5);
   head_.free.back() = {static_cast<std::int32_t>(bytes_.size()), (Offset{1} << 31) - 1};
-  Look([](const BucketMap& map) { EXPECT_EQ(map.orphans().size(), 1U); });
+  VisitMap([](const BucketMap& map) { EXPECT_EQ(map.orphans().size(), 1U); });
 }
 
 TEST_F(LostBucketTest, NoBucketKnowsOfSpaceFarPastTheFile) {
   AddAlike(5);
   head_.free.back().at = Offset{1} << 31;
-  Look([](const BucketMap& map) {
+  VisitMap([](const BucketMap& map) {
     EXPECT_TRUE(map.orphans().empty());
     EXPECT_EQ(map.orphan_elements().size(), 5U);
   });
@@ -93,7 +93,7 @@ TEST_F(LostBucketTest, NoBucketKnowsOfSpaceThatIsLargerThanTheFile) {
   AddAlike(5);
   for (const std::int32_t bytes : {static_cast<std::int32_t>(bytes_.size()) + 1, -1}) {
     head_.free.back().bytes = bytes;
-    Look([](const BucketMap& map) { EXPECT_TRUE(map.orphans().empty()); });
+    VisitMap([](const BucketMap& map) { EXPECT_TRUE(map.orphans().empty()); });
   }
 }
 

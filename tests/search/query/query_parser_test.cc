@@ -72,7 +72,7 @@ TEST(QueryParserTest, WordsSideBySideMeanAnd) {
   EXPECT_EQ(Parsed("a AND b c"), "(and a b c)");
 }
 
-TEST(QueryParserTest, OrIsTheLoosest) {
+TEST(QueryParserTest, OrBindsTheLeast) {
   EXPECT_EQ(Parsed("a b OR c AND d OR e"), "(or (and a b) (and c d) e)");
 }
 
@@ -116,7 +116,7 @@ TEST(QueryParserTest, WordsAreCleanedAsDocumentsAre) {
   EXPECT_EQ(Parsed(std::string(72, 'x')), std::string(64, 'x'));
 }
 
-TEST(QueryParserTest, OtherLettersAreSpelledInAscii) {
+TEST(QueryParserTest, OtherLettersAreWrittenInAscii) {
   EXPECT_EQ(Parsed("a caf\xc3\xa9"), "(and a cafe)");
   EXPECT_EQ(Parsed("Z\xc3\xbcrich"), "Zurich");
   EXPECT_EQ(Parsed("caf\xe9"), "cafe");

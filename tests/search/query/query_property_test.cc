@@ -16,7 +16,7 @@
 namespace kestan::search {
 namespace {
 
-// Pieces that the language gives a meaning to, so that random texts meet its corners.
+// Fragments that the language gives a meaning to, so that random texts meet its corners.
 rc::Gen<std::string> QueryText() {
   const auto piece = rc::gen::oneOf(
       rc::gen::element<std::string>("cat", "Dog", "e-mail", "caf\xc3\xa9", "it's", "42", "a", "of"),

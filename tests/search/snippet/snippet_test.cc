@@ -68,7 +68,7 @@ TEST(SnippetTest, FirstOfEqualsWins) {
   EXPECT_EQ(cut.substr(0, 9), "one [cat]");
 }
 
-TEST(SnippetTest, LongWordsAreTakenPieceByPiece) {
+TEST(SnippetTest, LongWordsAreReadInChunks) {
   const std::string word(64, 'x');
   EXPECT_EQ(Cut("a " + word + std::string(200, 'y') + " b", {word}),
             "a [" + word + std::string(32, 'y') + "]...");

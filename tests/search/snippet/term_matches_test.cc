@@ -23,7 +23,7 @@ TEST(TermMatchesTest, WordsAreComparedAsTheyStandThenInLowerCase) {
   EXPECT_EQ(Found("concatenate", {"cat"}), "");
 }
 
-TEST(TermMatchesTest, WordsAreSpelledAsTheyAreIndexed) {
+TEST(TermMatchesTest, WordsAreWrittenAsTheyAreIndexed) {
   EXPECT_EQ(Found("isn't Z\u00fcrich", {"isnt", "zurich"}), "isn't=isnt Z\u00fcrich=zurich ");
 }
 

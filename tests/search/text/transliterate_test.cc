@@ -92,7 +92,7 @@ TEST(TransliterateTest, LongRunsAreCutBetweenWordsAndLoseNothing) {
   EXPECT_EQ(letters.find("mirmir"), std::string::npos);
 }
 
-TEST(TransliterateTest, RunWithoutAnyEndIsTakenInPieces) {
+TEST(TransliterateTest, RunWithoutAnyEndIsReadInChunks) {
   EXPECT_EQ(Transliterated(Repeated(20000, "\u0434")), std::string(20000, 'd'));
 }
 

@@ -32,7 +32,7 @@ TEST(Utf8Test, EveryTruncationIsNoCharacter) {
   }
 }
 
-TEST(Utf8Test, OtherSpellingsAreNoCharacters) {
+TEST(Utf8Test, OtherEncodingsAreNoCharacters) {
   EXPECT_EQ(CharacterBytes("\x80"), 0u);
   EXPECT_EQ(CharacterBytes("\xc0\x80"), 0u);
   EXPECT_EQ(CharacterBytes("\xc1\xbf"), 0u);

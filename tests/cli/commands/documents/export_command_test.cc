@@ -111,17 +111,17 @@ TEST_F(ExportTest, TextThatIsNotUtf8IsReadAsLatin1AndReported) {
   engine_.AddDocumentWords("caf\xc3\xa9.txt", "fine");
   engine_.AddDocumentWords("c", "fine");
   engine_.DBPutTitle("c", "\xff");
-  const std::string told =
+  const std::string message =
       "kestan: in 2 documents, the first of them 'caf\\xe9', text that is not "
       "UTF-8 was read as Latin-1\n";
   const Exported json = ExportAs(kJson);
   EXPECT_NE(json.out.find("\"_id\":\"caf\xc3\xa9\""), std::string::npos) << json.out;
   EXPECT_NE(json.out.find("\"text\":\"na\xc3\xafve\""), std::string::npos) << json.out;
-  EXPECT_EQ(json.err, told);
+  EXPECT_EQ(json.err, message);
   const Exported sql = ExportAs(kSql);
   EXPECT_NE(sql.out.find("\ncaf\xc3\xa9\t"), std::string::npos) << sql.out;
   EXPECT_NE(sql.out.find("\t'na\xc3\xafve':1\n"), std::string::npos) << sql.out;
-  EXPECT_EQ(sql.err, told);
+  EXPECT_EQ(sql.err, message);
 }
 
 TEST_F(ExportTest, EveryLineOfJsonCanBeReadWhateverTheNamesHold) {

@@ -37,13 +37,13 @@ std::string Marker(unsigned number) {
          static_cast<char>('a' + number % 16);
 }
 
-// Returns the markers from `first` to `last` with the bytes of their numbers behind them, each
-// followed by `behind`. No text has a NUL; a byte that begins a tag is markup.
-std::string BytesBetweenMarkers(unsigned first, unsigned last, const std::string& behind) {
+// Returns the markers from `first` to `last` with the bytes of their numbers after them, each
+// followed by `after`. No text has a NUL; a byte that begins a tag is markup.
+std::string BytesBetweenMarkers(unsigned first, unsigned last, const std::string& after) {
   std::string text;
   for (unsigned byte = first; byte <= last; ++byte) {
-    const bool is_markup = byte == '<' && behind != " ";
-    text += Marker(byte) + " " + static_cast<char>(is_markup ? ' ' : byte) + behind + " ";
+    const bool is_markup = byte == '<' && after != " ";
+    text += Marker(byte) + " " + static_cast<char>(is_markup ? ' ' : byte) + after + " ";
   }
   return text + Marker(0) + "\n";
 }
@@ -53,12 +53,12 @@ class WholeTextTest : public RunIndexTest {
   // Writes the files "NAME.EXTENSION" with all bytes in them, `start` before each text.
   void WriteAllBytes(const std::string& name, const std::string& extension,
                      const std::string& start) {
-    for (const std::string behind : {" ", "e", "\xbf", "@"}) {
-      const std::string path = "d/" + name + std::to_string(behind[0]);
+    for (const std::string after : {" ", "e", "\xbf", "@"}) {
+      const std::string path = "d/" + name + std::to_string(after[0]);
       const unsigned step = IsLongRun() ? 1 : 255;
       for (unsigned byte = 1; byte < 256; byte += step) {
         const std::string file = path + "-" + std::to_string(byte) + extension;
-        Write(file, start + BytesBetweenMarkers(byte, byte + step - 1, behind));
+        Write(file, start + BytesBetweenMarkers(byte, byte + step - 1, after));
         for (unsigned each = byte; each < byte + step; ++each) ++expected_[Marker(each)];
         ++expected_[Marker(0)];
       }

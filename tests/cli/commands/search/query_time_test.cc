@@ -37,7 +37,7 @@ class QueryTimeTest : public kestan_tests::IndexTest {
     }
   }
 
-  // How long it takes to find what `count` operands, with `between` them, ask for: the best of some
+  // How long a query of `count` operands, with `between` them, takes: the best of some
   // trials.
   std::clock_t Time(std::size_t count, const std::string& between, const Operand& operand) {
     std::string text = operand(0);

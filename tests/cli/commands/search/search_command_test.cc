@@ -199,10 +199,10 @@ TEST_F(SearchCommandTest, LoneOperatorsAreWords) {
 }
 
 TEST_F(SearchCommandTest, QueryWithoutLettersFindsNothingWithANote) {
-  const Outcome told{1, "", "the query holds no letters to search for\n"};
-  EXPECT_EQ(Search({"42"}), told);
-  EXPECT_EQ(Search({""}), told);
-  EXPECT_EQ(Search({"? -(7) \"\""}), told);
+  const Outcome note{1, "", "the query holds no letters to search for\n"};
+  EXPECT_EQ(Search({"42"}), note);
+  EXPECT_EQ(Search({""}), note);
+  EXPECT_EQ(Search({"? -(7) \"\""}), note);
 }
 
 TEST_F(SearchCommandTest, QueryWithoutLettersIsANoteInJson) {

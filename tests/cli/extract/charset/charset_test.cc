@@ -73,7 +73,7 @@ TEST(CharsetTest, AsciiAfterALeadByteStays) {
   EXPECT_EQ(FromCharset("gb18030", "\x81\x30x"), "\ufffd0x");
 }
 
-TEST(CharsetTest, PairsOfUtf16AreOneCharacterWhereverPiecesEnd) {
+TEST(CharsetTest, PairsOfUtf16AreOneCharacterWhereverChunksEnd) {
   for (std::size_t ahead = 4090; ahead < 4100; ++ahead) {
     const std::string start(ahead, 'x');
     EXPECT_EQ(FromCharset("gb18030", start + "\x94\x39\xfc\x36y"), start + "\U0001f600y");

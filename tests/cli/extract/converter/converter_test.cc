@@ -66,7 +66,7 @@ TEST(ConvertersTest, MistakesAreReported) {
 
 class ConvertTest : public kestan_tests::CommandTest {
  protected:
-  // Converts the file `name` with `command`, and spells out what came of it.
+  // Converts the file `name` with `command`. Returns its text, or why it was skipped.
   std::string Converted(const std::string& command, const std::string& name) {
     const Converters converters({"x=" + command});
     try {

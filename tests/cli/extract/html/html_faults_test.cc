@@ -46,7 +46,7 @@ Outcome ReadWithFault(const std::string& page, const std::string& letter, long n
     try {
       read = ReadHtml(page);
     } catch (const std::exception&) {
-      lacks_memory = true;  // SkipFile or bad_alloc, of which the command tells
+      lacks_memory = true;  // SkipFile or bad_alloc, which the command reports
     }
     kestan_faults::StopFailing();
     transcript->Add(lacks_memory ? "no memory" : "missing", Missing(read, letter));
@@ -56,22 +56,22 @@ Outcome ReadWithFault(const std::string& page, const std::string& letter, long n
 
 class HtmlFaultsTest : public testing::TestWithParam<Failing> {
  protected:
-  // The page is whole, or somebody is told that it is not: by one line, or by an exception.
-  //   Returns  how often that was so.
-  static int ExpectTextOrWord(const std::string& page, const std::string& letter) {
-    int told = 0;
+  // The page is whole, or one line or an exception reports that it is not.
+  //   Returns  how often it was not.
+  static int ExpectTextOrReport(const std::string& page, const std::string& letter) {
+    int reported = 0;
     for (long nth = 1;; ++nth) {
       const Outcome outcome = ReadWithFault(page, letter, nth, GetParam());
       const bool is_over = outcome.transcript.find("over") != std::string::npos;
       const bool is_whole = outcome.transcript.rfind("missing: \n", 0) == 0;
-      EXPECT_TRUE(is_whole || IsToldOnce(outcome)) << nth << " " << Describe(outcome);
-      if (is_over || HasFailure()) return told;
-      if (!is_whole) ++told;
+      EXPECT_TRUE(is_whole || IsReportedOnce(outcome)) << nth << " " << Describe(outcome);
+      if (is_over || HasFailure()) return reported;
+      if (!is_whole) ++reported;
     }
   }
 
  private:
-  static bool IsToldOnce(const Outcome& outcome) {
+  static bool IsReportedOnce(const Outcome& outcome) {
     const std::string& said = outcome.standard_error;
     if (outcome.exit_status == 0) {
       return said.empty() && outcome.transcript.rfind("no memory", 0) == 0;
@@ -81,12 +81,12 @@ class HtmlFaultsTest : public testing::TestWithParam<Failing> {
   }
 };
 
-TEST_P(HtmlFaultsTest, PageIsWholeOrSomebodyIsReported) {
-  EXPECT_GT(ExpectTextOrWord(kPage, "\u00e9"), 20);
+TEST_P(HtmlFaultsTest, PageIsWholeOrReported) {
+  EXPECT_GT(ExpectTextOrReport(kPage, "\u00e9"), 20);
 }
 
-TEST_P(HtmlFaultsTest, PageInANamedEncodingIsWholeOrSomebodyIsReported) {
-  EXPECT_GT(ExpectTextOrWord("<meta charset=windows-1251>" + kPage, "\u0439"), 20);
+TEST_P(HtmlFaultsTest, PageInANamedEncodingIsWholeOrReported) {
+  EXPECT_GT(ExpectTextOrReport("<meta charset=windows-1251>" + kPage, "\u0439"), 20);
 }
 
 INSTANTIATE_TEST_SUITE_P(, HtmlFaultsTest, testing::Values(Failing::kOnce, Failing::kFromThenOn),
