@@ -63,7 +63,7 @@ mode_t ModeAfter(int flags, va_list arguments) {
 
 }  // namespace
 
-// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl50-cpp,cert-dcl51-cpp)
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl50-cpp)
 extern "C" {
 
 int open(const char* path, int flags, ...) {
@@ -197,4 +197,4 @@ int fchown(int file, uid_t owner, gid_t group) noexcept {
 }
 
 }  // extern "C"
-// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl50-cpp,cert-dcl51-cpp)
+// NOLINTEND(bugprone-reserved-identifier,cert-dcl50-cpp)

@@ -32,7 +32,7 @@ datum GdbmInterposer::Fetched(datum, datum found) { return found; }
 
 // The linker redirects every call of gdbm_NAME to __wrap_gdbm_NAME, and __real_gdbm_NAME to
 // gdbm_NAME.
-// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming,cert-dcl37-c,cert-dcl51-cpp)
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming)
 extern "C" {
 
 using FatalCallback = void (*)(const char*);
@@ -105,4 +105,4 @@ int __wrap_gdbm_setopt(GDBM_FILE file, int option, void* value, int size) {
 }
 
 }  // extern "C"
-// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming,cert-dcl37-c,cert-dcl51-cpp)
+// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
