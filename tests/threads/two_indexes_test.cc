@@ -68,7 +68,7 @@ std::vector<std::string> SearchAll(Database& store, const std::string& start) {
 // Reads the postings of every word as a host does. Returns them as text.
 std::string ReadPostings(const std::string& path, const std::string& start) {
   kestan::IndexFile file;
-  EXPECT_EQ(file.Open(path.c_str()), 0);
+  EXPECT_EQ(file.Open(path.c_str()), kestan::StoreError::kNone);
   std::string text;
   for (int divisor = 1; divisor <= 20; ++divisor) {
     const kestan::WordPostings postings = file.FindWord(NumberedWord(start, divisor));
@@ -76,7 +76,7 @@ std::string ReadPostings(const std::string& path, const std::string& start) {
       text += " " + std::to_string(cursor.code()) + ":" + std::to_string(cursor.positions().size());
     }
   }
-  EXPECT_EQ(file.FileError(), 0);
+  EXPECT_EQ(file.FileError(), kestan::StoreError::kNone);
   return text;
 }
 
