@@ -1,15 +1,17 @@
 #include "search/ranking/term_frequency.h"
 
+#include <algorithm>
 #include <string_view>
 
 namespace kestan::search {
 namespace {
 
 // The score of a word counts its positions, and OR adds them up; a set keeps only the number of
-// positions modulo 65536. NEAR adds bonuses to the score, but its positions are those that match.
+// positions modulo 65536. NEAR adds bonuses to the score, but its positions are those that match;
+// there are none where they are not known.
 std::uint32_t FrequencyIn(const Match& match, const Query& clause) {
   if (clause.kind != Query::Kind::kNear) return match.score;
-  return static_cast<std::uint32_t>(match.positions.count);
+  return std::max<std::uint32_t>(static_cast<std::uint32_t>(match.positions.count), 1);
 }
 
 }  // namespace
