@@ -194,6 +194,13 @@ TEST_F(IndexReaderTest, WordsHaveTheirFrequencies) {
   EXPECT_EQ(reader_.DocumentFrequency("bird"), 0u);
 }
 
+TEST_F(IndexReaderTest, WordsThatAreNotInTheFileYetAreVisited) {
+  std::string text;
+  for (int i = 0; i < 50'000; ++i) text += "often ";
+  engine_.AddDocumentWords("large.txt", text.c_str());  // more bytes than the file has
+  EXPECT_EQ(Words(), (std::map<std::string, std::size_t>{{"often", 1}}));
+}
+
 TEST_F(IndexReaderTest, CommonWordsAreThoseOfTheListing) {
   engine_.AddDocumentWords("one", "cat dog");
   engine_.AddDocumentWords("two", "cat bird");

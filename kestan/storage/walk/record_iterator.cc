@@ -47,6 +47,10 @@ void RecordIterator::Visit(int error) {
   if (error != 0 && !options_.visits_unreadable) return key_.Free();
   if (!options_.guards_size) return;
   walk_error_ = guard_.Count(RecordBytes());
+  if (walk_error_ != 0) {
+    store_.Flush();  // values that have grown may not be in the file yet
+    walk_error_ = guard_.Count(0);
+  }
   if (walk_error_ != 0) key_.Free();
 }
 
