@@ -1,0 +1,19 @@
+// Where a record lies in an index file.
+#ifndef KESTAN_BUILDING_RECORD_PLACE_H_
+#define KESTAN_BUILDING_RECORD_PLACE_H_
+
+#include <cstdint>
+
+namespace kestan {
+
+// The key lies at `offset`, the value right after it. True as long as nobody changes the file:
+// whoever reads a value through it must compare the key first.
+struct RecordPlace {
+  std::uint64_t offset = 0;  // in bytes; 0, where the header is, stands for no record
+  std::uint32_t key_bytes = 0;
+  std::uint32_t value_bytes = 0;
+};
+
+}  // namespace kestan
+
+#endif  // KESTAN_BUILDING_RECORD_PLACE_H_

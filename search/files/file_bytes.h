@@ -1,0 +1,63 @@
+// The bytes of a file that nobody changes any more.
+#ifndef KESTAN_SEARCH_FILES_FILE_BYTES_H_
+#define KESTAN_SEARCH_FILES_FILE_BYTES_H_
+
+#include <kestan/search/status.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace kestan::search {
+
+// Bytes of a file: a view of its mapping, or a copy where there is none.
+class Bytes {
+ public:
+  Bytes() = default;
+
+  // Borrows `view`.
+  explicit Bytes(std::string_view view) : view_(view) {}
+
+  // Owns `copy`.
+  explicit Bytes(std::shared_ptr<const std::string> copy) : copy_(std::move(copy)), view_(*copy_) {}
+
+  std::string_view view() const { return view_; }
+
+ private:
+  std::shared_ptr<const std::string> copy_;
+  std::string_view view_;
+};
+
+// A file that is open for reading, mapped as a whole where addresses are 64 bits wide. Any number of
+// threads may read it at once.
+class FileBytes {
+ public:
+  // Opens the file at `path`.
+  //   Returns  kNotFound or kSystem; kDamaged if it does not have `size` bytes.
+  static Result<std::shared_ptr<const FileBytes>> Open(const std::string& path, std::uint64_t size);
+
+  ~FileBytes();
+  FileBytes(const FileBytes&) = delete;
+  FileBytes& operator=(const FileBytes&) = delete;
+
+  std::uint64_t size() const { return size_; }
+  const std::string& path() const { return path_; }
+
+  // Returns the bytes from `offset` on. What reaches past the end of the file is not there: the
+  // view is then shorter, or empty. So it is where the system cannot read them.
+  //   Lifetime  a view ends with this object, unless it is a copy.
+  Bytes Read(std::uint64_t offset, std::uint64_t size) const;
+
+ private:
+  FileBytes(std::string path, int descriptor, std::uint64_t size, const char* mapping);
+
+  std::string path_;
+  int descriptor_;
+  std::uint64_t size_;
+  const char* mapping_;  // null where the file is read piece by piece
+};
+
+}  // namespace kestan::search
+
+#endif  // KESTAN_SEARCH_FILES_FILE_BYTES_H_

@@ -1,0 +1,72 @@
+// A file that is written from its start to its end.
+#ifndef KESTAN_SEARCH_FILES_OUTPUT_FILE_H_
+#define KESTAN_SEARCH_FILES_OUTPUT_FILE_H_
+
+#include <kestan/search/status.h>
+#include <kestan/storage/crc64.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace kestan::search {
+
+// How large a file is, and the checksum of its bytes (CRC-64).
+struct FileSummary {
+  std::uint64_t bytes = 0;
+  std::uint64_t checksum = 0;
+};
+
+bool operator==(const FileSummary& left, const FileSummary& right);
+
+// Writes a new file through a buffer, and adds up its checksum. The first error is kept: what is
+// written after it goes nowhere.
+class OutputFile {
+ public:
+  OutputFile() = default;
+  ~OutputFile();  // without Finish(), the file is removed
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+
+  // Creates the file at `path`, where there must be none.
+  Status Create(const std::string& path);
+
+  void Write(std::string_view bytes);
+
+  // Returns how many bytes were written so far.
+  std::uint64_t size() const { return size_; }
+
+  // Writes what is left, has the system put all on the disk, and closes the file.
+  //   Returns  the first error; the file is then removed.
+  Result<FileSummary> Finish();
+
+ private:
+  void Flush();
+
+  std::string path_;
+  int descriptor_ = -1;
+  std::string buffer_;
+  std::uint64_t size_ = 0;
+  Crc64 checksum_;
+  Status status_;
+};
+
+// Reads the whole file at `path`.
+//   Returns  its size and checksum; kNotFound or kSystem.
+Result<FileSummary> SummaryOf(const std::string& path);
+
+// Has the system put the file at `path`, or the entries of a directory, on the disk.
+Status SyncFile(const std::string& path);
+Status SyncDirectory(const std::string& path);
+
+// Replaces the file at `path` by one with `bytes`, all or nothing: writes a new file beside it
+// ("PATH.new"), syncs it, renames it, syncs the directory.
+Status ReplaceFile(const std::string& path, std::string_view bytes);
+
+// Reads the whole file at `path`, which must not have more than `max_bytes`.
+//   Returns  kNotFound, kSystem, or kDamaged for a larger one.
+Result<std::string> ReadWholeFile(const std::string& path, std::uint64_t max_bytes);
+
+}  // namespace kestan::search
+
+#endif  // KESTAN_SEARCH_FILES_OUTPUT_FILE_H_

@@ -1,0 +1,15 @@
+// Kestan's search library: an index of any size, searched with ranked answers.
+//
+//   kestan::search::IndexWriter  adds, replaces, removes and renames documents
+//   kestan::search::IndexReader  answers queries
+//
+// Errors are values (kestan::search::Status); no function throws.
+#ifndef KESTAN_SEARCH_H_
+#define KESTAN_SEARCH_H_
+
+#include <kestan/search/document.h>
+#include <kestan/search/index_reader.h>
+#include <kestan/search/index_writer.h>
+#include <kestan/search/status.h>
+
+#endif  // KESTAN_SEARCH_H_

@@ -1,0 +1,127 @@
+// Searching indexes: kestan::search::IndexReader.
+#ifndef KESTAN_SEARCH_INDEX_READER_H_
+#define KESTAN_SEARCH_INDEX_READER_H_
+
+#include <kestan/search/index_writer.h>
+#include <kestan/search/status.h>
+#include <kestan/storage/export.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kestan::search {
+
+// What words side by side in a query mean.
+enum class WordsMean {
+  kBest,  // all of them; where no document has all, any of them, and a note says so
+  kAll,
+  kAny,
+};
+
+struct SearchOptions {
+  std::size_t limit = 10;  // how many hits to return; total counts all. 0: every match
+  WordsMean words = WordsMean::kBest;
+  double k1 = 1.2;               // BM25: how slowly further occurrences of a word count less
+  double b = 0.75;               // BM25: how much the length of a document counts
+  double proximity_bonus = 0.5;  // how much words of the query that stand near each other count
+};
+
+// One answer. It keeps nothing of the reader.
+struct Hit {
+  std::string name;
+  std::string title;
+  double score = 0;  // the higher, the more relevant; to be compared within one search
+  int percent = 0;   // of the best hit's score, rounded; at least 1
+  std::size_t index = 0;  // which of the opened indexes has it
+};
+
+struct SearchResults {
+  std::uint64_t total = 0;  // how many documents match
+  std::vector<Hit> hits;    // the best first; of equal score, in order of their names
+  std::vector<std::string> notes;          // how the query was read, and what of it was ignored
+  std::vector<std::string> suggestions;    // for words that no document has
+  std::vector<std::string> matched_terms;  // words of the index that the query matched; sorted
+};
+
+struct TermInfo {
+  std::string term;
+  std::uint64_t documents = 0;  // that hold it
+};
+
+struct DocumentInfo {
+  std::string name;
+  std::uint32_t words = 0;      // how many words it has
+  std::uint32_t added = 0;      // when it was added or last renamed, in seconds since 1970
+  std::string title;
+  std::string summary;
+  std::string host_data;
+};
+
+struct IndexStatistics {
+  std::uint64_t documents = 0;          // without removed ones
+  std::uint64_t removed_documents = 0;  // whose words still take space
+  std::uint64_t words = 0;              // of all documents, each as often as it occurs
+  std::uint64_t segments = 0;
+  std::uint64_t bytes = 0;  // of all files
+  bool with_positions = true;
+};
+
+// A snapshot of one index or of several: no later commit changes it. Any number of threads may use
+// one reader at once; Refresh() is for one thread, while no other uses the reader.
+class KESTAN_EXPORT IndexReader {
+ public:
+  // Opens the index folder, or the index file of class Kestan, at each of `paths`.
+  //   Returns  kNotFound, kDamaged, kVersion, kSystem.
+  static Result<IndexReader> Open(const std::string& path);
+  static Result<IndexReader> Open(const std::vector<std::string>& paths);
+
+  IndexReader(IndexReader&& other) noexcept;
+  IndexReader& operator=(IndexReader&& other) noexcept;
+  ~IndexReader();
+
+  // Takes a new snapshot if there was a commit. Files that did not change stay open.
+  //   Returns  whether anything changed. After an error the old snapshot stays.
+  Result<bool> Refresh();
+
+  // Finds the documents that match `query`. docs/queries.md describes the language.
+  //   Returns  kDamaged where a file contradicts itself: never an answer that may be wrong.
+  Result<SearchResults> Search(std::string_view query, const SearchOptions& options = {}) const;
+
+  // Returns how many documents match, which takes less time than to rank them.
+  Result<std::uint64_t> Count(std::string_view query, const SearchOptions& options = {}) const;
+
+  // Returns the terms that begin with `prefix`, in order of their bytes, with the number of living
+  // documents that hold each; terms without any are left out. At most `limit`; 0: all.
+  Result<std::vector<TermInfo>> Terms(std::string_view prefix, std::size_t limit = 0) const;
+
+  // Finds a document by its name. With several indexes, the first that has it answers.
+  //   Returns  kNotFound if there is none.
+  Result<DocumentInfo> FindDocument(std::string_view name) const;
+
+  // Calls `visit` with each living document, index by index in the order of addition as far as
+  // merging has kept it. `visit` returns whether to go on.
+  Status ForEachDocument(const std::function<bool(const DocumentInfo&)>& visit) const;
+
+  // Makes a snippet of `text`, the text of a hit: up to three fragments around the matched terms,
+  // with line breaks as blanks.
+  std::string Snippet(const SearchResults& results, std::string_view text) const;
+
+  // Returns what IndexWriter::SetProperty() has kept in the first index; "" for nothing.
+  std::string Property(std::string_view key) const;
+
+  IndexStatistics Statistics() const;
+
+ private:
+  class Impl;
+  explicit IndexReader(std::unique_ptr<Impl> impl);
+  std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace kestan::search
+
+#endif  // KESTAN_SEARCH_INDEX_READER_H_

@@ -1,0 +1,38 @@
+// The terms of all segments of a snapshot as one vocabulary.
+#ifndef KESTAN_SEARCH_MATCHING_VOCABULARY_H_
+#define KESTAN_SEARCH_MATCHING_VOCABULARY_H_
+
+#include <kestan/search/status.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "search/query/query.h"
+#include "search/segment/snapshot.h"
+
+namespace kestan::search {
+
+// Returns how many living documents hold `term`, byte for byte.
+Result<std::uint64_t> LivingDocumentsWith(const Snapshot& snapshot, std::string_view term);
+
+// Calls `visit` with each term that begins with `prefix`, once, in order of its bytes, until it
+// returns false. Terms that only removed documents hold are among them.
+Status ForEachTerm(const Snapshot& snapshot, std::string_view prefix,
+                   const std::function<bool(std::string_view term)>& visit);
+
+// Returns the terms that a node of a query without operands stands for, in order of their bytes: of
+// a word, itself; of a prefix, all that begin with it; of a fuzzy word, those within its edits; of
+// inflections, the word's. As in documents, a word without capitals stands for terms without any.
+Result<std::vector<std::string>> TermsFor(const Snapshot& snapshot, const Query& node);
+
+// Returns up to three terms that may be meant by `word`, which no living document has: the closest,
+// among those as close the one that most living documents hold.
+Result<std::vector<std::string>> SuggestionsFor(const Snapshot& snapshot, std::string_view word);
+
+}  // namespace kestan::search
+
+#endif  // KESTAN_SEARCH_MATCHING_VOCABULARY_H_

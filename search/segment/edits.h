@@ -1,0 +1,64 @@
+// What has changed in a segment since it was written: removed and renamed documents, new titles.
+// docs/index-folder.md has every byte.
+#ifndef KESTAN_SEARCH_SEGMENT_EDITS_H_
+#define KESTAN_SEARCH_SEGMENT_EDITS_H_
+
+#include <kestan/format/posting.h>
+#include <kestan/search/index_writer.h>
+#include <kestan/search/status.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "search/segment/document_table.h"
+
+namespace kestan::search {
+
+// What has changed of one document that was not removed.
+struct DocumentEdit {
+  std::optional<std::string> name;
+  std::uint32_t renamed = 0;  // when, in seconds since 1970
+  std::array<std::optional<std::string>, kDocumentFields> fields;  // "": taken away
+};
+
+// A segment is never written again; a small file of its edits is, under a new name.
+class Edits {
+ public:
+  // Returns the edits that Encode() has made `bytes` of, for a segment of `documents` documents.
+  //   Returns  kDamaged or kVersion.
+  static Result<Edits> Decode(std::string_view bytes, std::size_t documents);
+  std::string Encode() const;
+
+  // No edits, for a segment of `documents` documents.
+  explicit Edits(std::size_t documents) : removed_(documents + 1) {}
+
+  void Remove(Code code);
+  void Rename(Code code, std::string_view name, std::uint32_t now);
+  void SetField(Code code, DocumentField field, std::string_view value);
+
+  bool empty() const { return removed_count_ == 0 && edited_.empty(); }
+  bool IsRemoved(Code code) const { return removed_[code]; }
+  std::size_t removed_count() const { return removed_count_; }
+
+  // Returns what has changed of the document; null for nothing. Lent until the next change.
+  const DocumentEdit* EditOf(Code code) const;
+
+  // Finds the document that was renamed to `name` and not removed.
+  std::optional<Code> FindRenamed(std::string_view name) const;
+
+ private:
+  std::vector<bool> removed_;
+  std::size_t removed_count_ = 0;
+  std::map<Code, DocumentEdit> edited_;
+  std::map<std::string, Code, std::less<>> renamed_;
+};
+
+}  // namespace kestan::search
+
+#endif  // KESTAN_SEARCH_SEGMENT_EDITS_H_

@@ -1,0 +1,87 @@
+// A segment that is open for reading.
+#ifndef KESTAN_SEARCH_SEGMENT_SEGMENT_H_
+#define KESTAN_SEARCH_SEGMENT_SEGMENT_H_
+
+#include <kestan/index_file.h>
+#include <kestan/search/status.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "search/files/file_bytes.h"
+#include "search/segment/document_table.h"
+#include "search/segment/edits.h"
+#include "search/segment/segment_info.h"
+#include "search/segment/term_dictionary.h"
+
+namespace kestan::search {
+
+// The posting record of a term. An empty record where the segment lacks the term.
+struct TermPostings {
+  Bytes record;
+  std::uint32_t documents = 0;  // that hold it, removed ones among them
+};
+
+// The files of one segment and their edits. Any number of threads may use it at once; what it says
+// never changes.
+class Segment {
+ public:
+  // Opens the segment of `info` in the folder `folder`. `previous`, which may be null, is the same
+  // segment with other edits: its files are shared.
+  //   Returns  kNotFound, kDamaged, kVersion, kSystem.
+  static Result<std::shared_ptr<const Segment>> Open(const std::string& folder,
+                                                     const SegmentInfo& info, bool with_positions,
+                                                     const Segment* previous = nullptr);
+
+  const SegmentInfo& info() const { return info_; }
+  bool with_positions() const { return with_positions_; }
+  const DocumentTable& table() const;
+  const TermDictionary& terms() const;
+  const Edits& edits() const { return edits_; }
+
+  // ---- Documents, edits included ----
+
+  std::size_t size() const { return table().size(); }  // removed documents among them
+  bool IsRemoved(Code code) const { return edits_.IsRemoved(code); }
+  std::string_view NameOf(Code code) const;
+  std::uint32_t AddedOf(Code code) const;
+
+  // Finds the living document `name`.
+  std::optional<Code> Find(std::string_view name) const;
+
+  // Reads a text of a document; "" for none.
+  Result<std::string> FieldOf(Code code, DocumentField field) const;
+
+  // How many documents live, and how many words they have together.
+  std::uint64_t living_documents() const { return living_documents_; }
+  std::uint64_t living_words() const { return living_words_; }
+
+  // ---- Words ----
+
+  // Returns the posting record of `term`, from the mapping where its key is at the place that the
+  // dictionary names, else through gdbm.
+  Result<TermPostings> Find(std::string_view term) const;
+  Result<TermPostings> PostingsOf(const TermEntry& entry) const;
+
+ private:
+  struct Files;  // shared by segments that differ in their edits
+
+  Segment() = default;
+  Result<Bytes> ReadRecord(std::string_view key, const RecordPlace& place) const;
+
+  std::shared_ptr<const Files> files_;
+  SegmentInfo info_;
+  bool with_positions_ = true;
+  Edits edits_{0};
+  std::uint64_t living_documents_ = 0;
+  std::uint64_t living_words_ = 0;
+};
+
+}  // namespace kestan::search
+
+#endif  // KESTAN_SEARCH_SEGMENT_SEGMENT_H_

@@ -1,0 +1,31 @@
+// The segments of one state of an index.
+#ifndef KESTAN_SEARCH_SEGMENT_SNAPSHOT_H_
+#define KESTAN_SEARCH_SEGMENT_SNAPSHOT_H_
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "search/segment/segment.h"
+
+namespace kestan::search {
+
+// What is searched together: the segments of one index, or of several. Never changes.
+struct Snapshot {
+  std::vector<std::shared_ptr<const Segment>> segments;
+  std::vector<std::size_t> index_of_segment;  // which of the opened indexes each belongs to
+
+  std::uint64_t living_documents() const;
+  std::uint64_t living_words() const;
+  bool with_positions() const;  // all segments have them
+};
+
+// A document of a snapshot. Ordered by segment, then by code.
+struct DocumentId {
+  std::uint32_t segment = 0;
+  Code code = 0;
+};
+
+}  // namespace kestan::search
+
+#endif  // KESTAN_SEARCH_SEGMENT_SNAPSHOT_H_
