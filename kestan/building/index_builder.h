@@ -2,10 +2,10 @@
 #ifndef KESTAN_BUILDING_INDEX_BUILDER_H_
 #define KESTAN_BUILDING_INDEX_BUILDER_H_
 
-#include <kestan/building/record_place.h>
 #include <kestan/format/posting.h>
 #include <kestan/query/index_reader.h>
 #include <kestan/storage/export.h>
+#include <kestan/storage/record_place.h>
 #include <kestan/storage/store_error.h>
 
 #include <cstddef>

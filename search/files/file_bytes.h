@@ -29,8 +29,8 @@ class Bytes {
   std::string_view view_;
 };
 
-// A file that is open for reading, mapped as a whole where addresses are 64 bits wide. Any number of
-// threads may read it at once.
+// A file that is open for reading, mapped as a whole where addresses are 64 bits wide. Any number
+// of threads may read it at once.
 class FileBytes {
  public:
   // Opens the file at `path`.

@@ -16,7 +16,7 @@ namespace kestan::search {
 
 // One state of an index. It is a small text file, and replaced as a whole by each commit.
 struct Manifest {
-  std::uint64_t generation = 0;  // one more with each commit
+  std::uint64_t generation = 0;    // one more with each commit
   std::uint64_t next_segment = 1;  // the number of the next segment
   bool with_positions = true;
   std::vector<SegmentInfo> segments;  // in the order in which their documents were added

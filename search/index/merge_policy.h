@@ -17,16 +17,16 @@ constexpr std::uint64_t kMaxMergedBytes = std::uint64_t{1} << 30;
 struct MergePolicy {
   unsigned factor = 8;                      // how many segments of a tier are merged
   std::uint64_t smallest_tier = 256 << 10;  // bytes; all smaller segments are of the first tier
-  double removed_share = 0.25;              // a segment with more removed documents is written again
+  double removed_share = 0.25;  // a segment with more removed documents is written again
 };
 
 // Returns the tier of a segment by its bytes, those of removed documents left out in proportion: 0
 // below `smallest_tier`, and one more for each `factor`.
 unsigned TierOf(const SegmentInfo& segment, const MergePolicy& policy);
 
-// Returns the positions in `segments`, ascending, of those to merge next into one; empty if none are
-// to be merged. Segments that are merged lie side by side, so that documents stay in the order in
-// which they were added. Merging what this returns again and again comes to an end.
+// Returns the positions in `segments`, ascending, of those to merge next into one; empty if none
+// are to be merged. Segments that are merged lie side by side, so that documents stay in the order
+// in which they were added. Merging what this returns again and again comes to an end.
 std::vector<std::size_t> ChooseMerge(const std::vector<SegmentInfo>& segments,
                                      const MergePolicy& policy);
 

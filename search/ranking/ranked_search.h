@@ -20,9 +20,9 @@ struct RankedDocument {
 };
 
 struct RankedDocuments {
-  std::uint64_t total = 0;              // how many match
-  std::vector<RankedDocument> best;     // the best first; of equal score, in order of their names
-  std::vector<std::string> terms;       // matched, sorted; none that stands under NOT
+  std::uint64_t total = 0;           // how many match
+  std::vector<RankedDocument> best;  // the best first; of equal score, in order of their names
+  std::vector<std::string> terms;    // matched, sorted; none that stands under NOT
 };
 
 // Finds the documents that match `query` and ranks them: the sum over the scoring clauses of the

@@ -1,5 +1,5 @@
-// The documents of a segment: all that ranking and listing need of them, without opening the segment
-// itself. docs/index-folder.md has every byte.
+// The documents of a segment: all that ranking and listing need of them, without opening the
+// segment itself. docs/index-folder.md has every byte.
 #ifndef KESTAN_SEARCH_SEGMENT_DOCUMENT_TABLE_H_
 #define KESTAN_SEARCH_SEGMENT_DOCUMENT_TABLE_H_
 

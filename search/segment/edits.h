@@ -23,7 +23,7 @@ namespace kestan::search {
 // What has changed of one document that was not removed.
 struct DocumentEdit {
   std::optional<std::string> name;
-  std::uint32_t renamed = 0;  // when, in seconds since 1970
+  std::uint32_t renamed = 0;                                       // when, in seconds since 1970
   std::array<std::optional<std::string>, kDocumentFields> fields;  // "": taken away
 };
 

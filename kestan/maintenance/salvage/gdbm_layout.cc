@@ -22,19 +22,6 @@ void DropForeignElements(Bucket* bucket) {
 
 }  // namespace
 
-Hash HashOf(std::string_view key) {
-  constexpr Hash kMask = 0x7fffffff;
-  constexpr unsigned kShifts = 24;
-  Hash hash = 0x238f13afU * static_cast<Hash>(key.size());
-  unsigned shift = 0;
-  for (const char byte : key) {
-    hash += static_cast<Hash>(static_cast<int>(byte)) << shift;  // sign and all, as gdbm has it
-    shift += 5;
-    if (shift >= kShifts) shift -= kShifts;
-  }
-  return (1103515243U * (hash & kMask) + 12345U) & kMask;
-}
-
 bool Bytes::HasKey(const Element& element) const {
   if (element.hash < 0 || element.key_bytes < 0 || element.value_bytes < 0) return false;
   const auto key_bytes = static_cast<Offset>(element.key_bytes);

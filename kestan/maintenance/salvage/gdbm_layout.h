@@ -6,6 +6,7 @@
 #ifndef KESTAN_MAINTENANCE_SALVAGE_GDBM_LAYOUT_H_
 #define KESTAN_MAINTENANCE_SALVAGE_GDBM_LAYOUT_H_
 
+#include <kestan/storage/gdbm/gdbm_hash.h>
 #include <kestan/storage/gdbm/gdbm_header.h>
 #include <kestan/storage/memory.h>
 
@@ -16,24 +17,12 @@
 
 namespace kestan::gdbm {
 
-using Hash = std::uint32_t;
-
-inline constexpr unsigned kHashBits = 31;
-
 // Neighbouring entries of the directory that lead to the same place.
 struct DirectoryRun {
   std::uint32_t first;
   std::uint32_t end;  // after the last entry
   Offset bucket;
 };
-
-// Returns gdbm's hash of a key. Its first bits choose the bucket.
-Hash HashOf(std::string_view key);
-
-// Returns the first `bits` bits of `hash`.
-inline Hash PrefixOf(Hash hash, unsigned bits) {
-  return bits == 0 ? 0 : hash >> (kHashBits - bits);
-}
 
 // The bytes of a file. No read goes past the end.
 class Bytes {

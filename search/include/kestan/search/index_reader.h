@@ -35,16 +35,16 @@ struct SearchOptions {
 struct Hit {
   std::string name;
   std::string title;
-  double score = 0;  // the higher, the more relevant; to be compared within one search
-  int percent = 0;   // of the best hit's score, rounded; at least 1
+  double score = 0;       // the higher, the more relevant; to be compared within one search
+  int percent = 0;        // of the best hit's score, rounded; at least 1
   std::size_t index = 0;  // which of the opened indexes has it
 };
 
 struct SearchResults {
-  std::uint64_t total = 0;  // how many documents match
-  std::vector<Hit> hits;    // the best first; of equal score, in order of their names
-  std::vector<std::string> notes;          // how the query was read, and what of it was ignored
-  std::vector<std::string> suggestions;    // for words that no document has
+  std::uint64_t total = 0;               // how many documents match
+  std::vector<Hit> hits;                 // the best first; of equal score, in order of their names
+  std::vector<std::string> notes;        // how the query was read, and what of it was ignored
+  std::vector<std::string> suggestions;  // for words that no document has
   std::vector<std::string> matched_terms;  // words of the index that the query matched; sorted
 };
 
@@ -55,8 +55,8 @@ struct TermInfo {
 
 struct DocumentInfo {
   std::string name;
-  std::uint32_t words = 0;      // how many words it has
-  std::uint32_t added = 0;      // when it was added or last renamed, in seconds since 1970
+  std::uint32_t words = 0;  // how many words it has
+  std::uint32_t added = 0;  // when it was added or last renamed, in seconds since 1970
   std::string title;
   std::string summary;
   std::string host_data;

@@ -61,8 +61,8 @@ class [[nodiscard]] Status {
 template <typename T>
 class [[nodiscard]] Result {
  public:
-  Result(T value) : value_(std::move(value)) {}            // NOLINT(google-explicit-constructor)
-  Result(Status status) : status_(std::move(status)) {}    // NOLINT(google-explicit-constructor)
+  Result(T value) : value_(std::move(value)) {}          // NOLINT(google-explicit-constructor)
+  Result(Status status) : status_(std::move(status)) {}  // NOLINT(google-explicit-constructor)
 
   bool ok() const { return value_.has_value(); }
   const Status& status() const { return status_; }

@@ -1,6 +1,6 @@
-// Where a record lies in an index file.
-#ifndef KESTAN_BUILDING_RECORD_PLACE_H_
-#define KESTAN_BUILDING_RECORD_PLACE_H_
+// Where a record lies in an gdbm file.
+#ifndef KESTAN_STORAGE_RECORD_PLACE_H_
+#define KESTAN_STORAGE_RECORD_PLACE_H_
 
 #include <cstdint>
 
@@ -16,4 +16,4 @@ struct RecordPlace {
 
 }  // namespace kestan
 
-#endif  // KESTAN_BUILDING_RECORD_PLACE_H_
+#endif  // KESTAN_STORAGE_RECORD_PLACE_H_

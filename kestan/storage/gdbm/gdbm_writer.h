@@ -1,0 +1,89 @@
+// Writes a whole gdbm file without gdbm.
+#ifndef KESTAN_STORAGE_GDBM_GDBM_WRITER_H_
+#define KESTAN_STORAGE_GDBM_GDBM_WRITER_H_
+
+#include <kestan/storage/gdbm/gdbm_hash.h>
+#include <kestan/storage/gdbm/gdbm_header.h>
+#include <kestan/storage/memory.h>
+#include <kestan/storage/record_place.h>
+#include <kestan/storage/store_error.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace kestan::gdbm {
+
+// gdbm stores a record by searching a bucket, writing it, and splitting it where it is full, which
+// takes several system calls and leaves a hole each time. A file whose records are all at hand
+// needs none of that: they are written one after the other, then the directory, then the
+// buckets, each as full as its hashes allow, and the header last. gdbm reads such a file and
+// changes it like one of its own.
+class Writer {
+ public:
+  Writer() = default;
+  ~Writer();  // leaves a file without a header behind, which is not a valid one
+  Writer(const Writer&) = delete;
+  Writer& operator=(const Writer&) = delete;
+
+  // Creates the file at `path`, where there must be none. `expected_records` decides how large a
+  // bucket is; it need not be right.
+  //   Returns  kNone; kNotOpen where a file is open already; kFileOpen, errno says why.
+  StoreError Create(const char* path, std::size_t expected_records);
+
+  // Adds a record. Its key must differ from all others, which Finish() checks.
+  //   Returns  where it lies; {} after an error, or where a key or a value is too long for gdbm.
+  RecordPlace Add(std::string_view key, std::string_view value);
+
+  // Returns whether there is a record of this key among the first `records`. Reads the file.
+  bool Contains(std::string_view key, std::size_t records);
+
+  std::size_t records() const { return elements_.size(); }
+
+  // Writes buckets, directory and header, and closes the file.
+  //   Returns  kNone, or the first error: kFileWrite, kFileRead, kFileClose (errno says why),
+  //            kMalformedData (a key or value too long), kDirectoryOverflow (too many keys of one
+  //            hash), kUnknown (a key came twice).
+  StoreError Finish();
+
+ private:
+  struct Bucket {
+    Hash prefix = 0;
+    unsigned bits = 0;
+    std::size_t first = 0;  // of the elements, which are in order of their hashes
+    std::size_t end = 0;
+  };
+
+  bool is_open() const { return descriptor_ >= 0; }
+  void Fail(StoreError error);
+  void Append(std::string_view bytes);
+  void AppendZeros(std::uint64_t count);
+  void Flush();
+  void WriteAt(std::uint64_t offset, std::string_view bytes);
+  bool HasKeyAt(const Element& element, std::string_view key);
+  String KeyOf(const Element& element);
+  void SortElements();
+  void CheckKeysDiffer();
+  void MakeBuckets();
+  void SplitInto(Vector<Bucket>* buckets, const Bucket& bucket) const;
+  bool EnlargeBuckets();
+  void MoveRecordsOutOf(std::uint64_t first_bytes);
+  void WriteDirectory();
+  void WriteBuckets();
+  String BytesOf(const Bucket& bucket) const;
+  void WriteHeader(Offset directory);
+
+  int descriptor_ = -1;
+  StoreError error_ = StoreError::kNone;
+  std::uint32_t block_bytes_ = 0;  // of the header and of each bucket
+  unsigned directory_bits_ = 0;
+  Offset end_ = 0;  // of the file, what waits in the buffer included
+  String buffer_;
+  Vector<Element> elements_;
+  Vector<Bucket> buckets_;
+  Vector<std::uint32_t> by_hash_;  // for Contains(): the first elements, in order of their hashes
+};
+
+}  // namespace kestan::gdbm
+
+#endif  // KESTAN_STORAGE_GDBM_GDBM_WRITER_H_
