@@ -4,7 +4,7 @@
 
 #include <kestan/search/status.h>
 
-#include <memory>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -33,8 +33,8 @@ using TermsOfNode = std::function<const std::vector<std::string>&(const Query& n
 //
 // In a segment without positions, NEAR and quotes mean AND.
 //   Returns  kDamaged.
-Result<Occurrences> Match(const Query& query, const Segment& segment, const TermsOfNode& terms_of,
-                          Need need = Need::kCounts);
+Result<Occurrences> FindMatches(const Query& query, const Segment& segment,
+                                const TermsOfNode& terms_of, Need need = Need::kCounts);
 
 }  // namespace kestan::search
 

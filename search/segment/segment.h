@@ -52,7 +52,7 @@ class Segment {
   std::uint32_t AddedOf(Code code) const;
 
   // Finds the living document `name`.
-  std::optional<Code> Find(std::string_view name) const;
+  std::optional<Code> FindDocument(std::string_view name) const;
 
   // Reads a text of a document; "" for none.
   Result<std::string> FieldOf(Code code, DocumentField field) const;
@@ -65,7 +65,7 @@ class Segment {
 
   // Returns the posting record of `term`, from the mapping where its key is at the place that the
   // dictionary names, else through gdbm.
-  Result<TermPostings> Find(std::string_view term) const;
+  Result<TermPostings> FindTerm(std::string_view term) const;
   Result<TermPostings> PostingsOf(const TermEntry& entry) const;
 
  private:

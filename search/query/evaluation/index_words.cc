@@ -7,7 +7,7 @@
 namespace kestan::search {
 namespace {
 
-std::vector<std::string> WordsWithPostings(IndexReader& reader) {
+std::vector<std::string> WordsWithPostings(kestan::IndexReader& reader) {
   std::vector<std::string> words;
   reader.ForEachWord([&](std::string_view word, const WordPostings& postings) {
     if (WordPostings::Cursor(postings).Next()) words.emplace_back(word);
@@ -16,13 +16,13 @@ std::vector<std::string> WordsWithPostings(IndexReader& reader) {
   return words;
 }
 
-bool HasDocument(IndexReader& reader, Code code) {
+bool HasDocument(kestan::IndexReader& reader, Code code) {
   return !reader.IsRemoved(code) && reader.NameOf(code).data() != nullptr;
 }
 
 }  // namespace
 
-std::size_t CountDocuments(IndexReader& reader, std::string_view word) {
+std::size_t CountDocuments(kestan::IndexReader& reader, std::string_view word) {
   const WordPostings postings = reader.FindWord(word);
   std::size_t count = 0;
   for (WordPostings::Cursor cursor(postings); cursor.Next();) {

@@ -15,14 +15,14 @@
 namespace kestan::search {
 
 // Returns how many documents have `word`, without removed ones.
-std::size_t CountDocuments(IndexReader& reader, std::string_view word);
+std::size_t CountDocuments(kestan::IndexReader& reader, std::string_view word);
 
 // The words of an index and their document frequencies. Reads them when they are first asked for,
 // and keeps them: the index must not change meanwhile.
 class IndexWords {
  public:
   // Borrows `reader`, whose index is open. Reads nothing yet.
-  explicit IndexWords(IndexReader& reader) : reader_(reader) {}
+  explicit IndexWords(kestan::IndexReader& reader) : reader_(reader) {}
 
   // Returns the words that are in some document, removed ones among them.
   const Vocabulary& All();
@@ -31,7 +31,7 @@ class IndexWords {
   std::size_t DocumentsWith(const std::string& word);
 
  private:
-  IndexReader& reader_;
+  kestan::IndexReader& reader_;
   std::optional<Vocabulary> all_;
   std::map<std::string, std::size_t> documents_with_;  // of the words that were asked for
 };

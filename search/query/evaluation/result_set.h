@@ -34,7 +34,7 @@ class ResultSet {
   // codes.
   template <typename Visit>
   void ForEachMatch(Visit visit) const {
-    IndexReader& reader = ReaderOf(*engine_);
+    kestan::IndexReader& reader = ReaderOf(*engine_);
     for (const Match match : MatchesOf(id_)) {
       if (!reader.IsRemoved(match.code)) visit(match);
     }
@@ -43,7 +43,7 @@ class ResultSet {
   // Calls `visit(match, name)` for each of these whose code has a document. Lends the name.
   template <typename Visit>
   void ForEachDocument(Visit visit) const {
-    IndexReader& reader = ReaderOf(*engine_);
+    kestan::IndexReader& reader = ReaderOf(*engine_);
     ForEachMatch([&](const Match& match) {
       const std::string_view name = reader.NameOf(match.code);
       if (name.data() != nullptr) visit(match, name);
