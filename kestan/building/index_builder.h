@@ -20,6 +20,9 @@ namespace kestan {
 // follow, the positions. Of more than 65535 positions, the first 65535 are kept.
 KESTAN_EXPORT void AppendPosting(Code code, const Positions& positions, std::string* record);
 
+// The same with positions from another posting record.
+KESTAN_EXPORT void AppendPosting(Code code, const EncodedPositions& positions, std::string* record);
+
 // The same for an index without positions: the code alone.
 KESTAN_EXPORT void AppendPosting(Code code, std::string* record);
 
@@ -56,11 +59,14 @@ class KESTAN_EXPORT IndexBuilder {
   // order. `added` is in seconds since 1970.
   void AddDocument(Code code, std::string_view name, std::uint32_t added);
 
-  // Adds the posting record of `word`, which AppendPosting() made. Words whose key belongs to
-  // another record of the file ("t-shirt" beside the title of a document "shirt") are refused: {}.
-  // So documents and side records are added first.
+  // Adds the posting record of `word`, which AppendPosting() made. Refused, without an error, are
+  // what is no word, for it is empty or holds white space or a NUL, and words whose key belongs to
+  // another record of the file, as "t-shirt" beside the title of a document "shirt" or "g-code"
+  // everywhere. So documents and side records are added first.
+  //   Returns  where the record lies; {} if the word is refused.
   RecordPlace AddWord(std::string_view word, std::string_view record);
 
+  // Adds a text for `name`, which need not be that of a document. May be empty.
   RecordPlace AddSideRecord(SideRecord kind, std::string_view name, std::string_view text);
 
   // Writes buckets, directory and header, and closes the file. Does not sync it.

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <iterator>
 #include <limits>
+#include <string_view>
 
 namespace kestan {
 
@@ -61,6 +62,7 @@ class EncodedPositions {
   EncodedPositions(const char* bytes, std::size_t count) : bytes_(bytes), count_(count) {}
 
   std::size_t size() const { return count_; }
+  std::string_view bytes() const { return {bytes_, count_ * sizeof(Position)}; }
   Position operator[](std::size_t index) const {
     return *Iterator(bytes_ + index * sizeof(Position));
   }

@@ -20,6 +20,14 @@ void ResizeWithSlack(DBDatum* record, std::size_t bytes) {
   record->size = static_cast<std::uint32_t>(bytes);
 }
 
+// Writes what stands before the positions of a posting.
+//   Returns  where they go.
+char* StoreHead(char* bytes, Code code, std::size_t positions) {
+  StoreUnit(bytes, code);
+  StoreUnit(bytes + kUnitBytes, static_cast<std::uint16_t>(positions));
+  return bytes + kUnitsBeforePositions * kUnitBytes;
+}
+
 }  // namespace
 
 UnfilledVector<std::uint16_t> CopyUnits(const DBDatum& record) {
@@ -39,32 +47,40 @@ std::size_t CountPostings(const DBDatum& record, bool with_positions) {
   return count;
 }
 
+void StorePosting(char* bytes, Code code, const Positions& positions) {
+  const std::size_t count = std::min(positions.count, kMostPositions);
+  char* next = StoreHead(bytes, code, count);
+  for (std::size_t i = 0; i < count; ++i, next += kUnitBytes) StoreUnit(next, positions.first[i]);
+}
+
+void StorePosting(char* bytes, Code code, const EncodedPositions& positions) {
+  const std::size_t count = std::min(positions.size(), kMostPositions);
+  char* const first = StoreHead(bytes, code, count);
+  if (count != 0) std::memcpy(first, positions.bytes().data(), count * kUnitBytes);
+}
+
 bool AppendPosting(DBDatum* record, Code code, const Positions* positions) {
-  const std::size_t count =
-      positions == nullptr ? 0 : std::min<std::size_t>(positions->count, USHRT_MAX);
-  const std::size_t units = positions == nullptr ? 1 : kUnitsBeforePositions + count;
+  const std::size_t bytes = positions == nullptr ? kUnitBytes : PostingBytes(positions->count);
   const std::size_t had = record->size;
-  if (had > kMaxRecordBytes - units * kUnitBytes) return false;
-  ResizeWithSlack(record, had + units * kUnitBytes);
-  char* bytes = record->data + had;
-  StoreUnit(bytes, code);
-  if (positions == nullptr) return true;
-  StoreUnit(bytes + kUnitBytes, static_cast<std::uint16_t>(count));
-  bytes += kUnitsBeforePositions * kUnitBytes;
-  for (std::size_t i = 0; i < count; ++i) StoreUnit(bytes + i * kUnitBytes, positions->first[i]);
+  if (had > kMaxRecordBytes - bytes) return false;
+  ResizeWithSlack(record, had + bytes);
+  char* const posting = record->data + had;
+  if (positions == nullptr) {
+    StoreUnit(posting, code);
+  } else {
+    StorePosting(posting, code, *positions);
+  }
   return true;
 }
 
 void EncodePosting(Code code, const EncodedPositions* positions, String* bytes) {
-  const auto append = [bytes](std::uint16_t unit) {
-    std::array<char, kUnitBytes> encoded;
-    StoreUnit(encoded.data(), unit);
-    bytes->append(encoded.data(), encoded.size());
-  };
-  append(code);
-  if (positions == nullptr) return;
-  append(static_cast<std::uint16_t>(positions->size()));
-  for (const Position position : *positions) append(position);
+  const std::size_t had = bytes->size();
+  bytes->resize(had + (positions == nullptr ? kUnitBytes : PostingBytes(positions->size())));
+  if (positions == nullptr) {
+    StoreUnit(bytes->data() + had, code);
+  } else {
+    StorePosting(bytes->data() + had, code, *positions);
+  }
 }
 
 void DropPositions(DBDatum* record) {

@@ -5,7 +5,9 @@
 
 #include <kestan/format/id_list.h>
 #include <kestan/format/posting.h>
+#include <kestan/format/posting_cursor.h>
 #include <kestan/format/units.h>
+#include <kestan/storage/datum_bytes.h>
 #include <kestan/storage/dbdatum.h>
 #include <kestan/storage/memory.h>
 
@@ -30,41 +32,30 @@ struct Posting {
   std::uint16_t positions;  // how many of its positions the record holds; they end the posting
 };
 
-// Walks the postings of a record in the order they were added.
+// Walks the postings of a record in the order they were added, and says where each lies.
 class PostingReader {
  public:
   // Borrows `record`, which must not change during the walk. Begins at unit `first_unit`, where a
   // posting begins.
   PostingReader(const DBDatum& record, bool with_positions, std::size_t first_unit = 0)
-      : record_(record),
-        units_(record.size / kUnitBytes),
-        with_positions_(with_positions),
-        next_unit_(first_unit) {}
+      : next_unit_(std::min<std::size_t>(first_unit, record.size / kUnitBytes)),
+        cursor_(BytesOf(record).substr(next_unit_ * kUnitBytes), with_positions) {}
 
   // Moves to the next posting.
   //   Returns  false, with `*posting` as it was, if there is none.
   bool Next(Posting* posting) {
-    if (next_unit_ >= units_) return false;
-    const std::size_t left = units_ - next_unit_;
+    if (!cursor_.Next()) return false;
     posting->first_unit = next_unit_;
-    posting->code = UnitAt(record_, next_unit_);
-    posting->positions = 0;
-    posting->units = 1;
-    if (with_positions_ && left >= kUnitsBeforePositions) {
-      const std::size_t count = UnitAt(record_, next_unit_ + 1);
-      posting->positions =
-          static_cast<std::uint16_t>(std::min(count, left - kUnitsBeforePositions));
-      posting->units = kUnitsBeforePositions + posting->positions;
-    }
+    posting->units = cursor_.bytes().size() / kUnitBytes;
+    posting->code = cursor_.code();
+    posting->positions = static_cast<std::uint16_t>(cursor_.positions().size());
     next_unit_ += posting->units;
     return true;
   }
 
  private:
-  const DBDatum& record_;
-  const std::size_t units_;
-  const bool with_positions_;
   std::size_t next_unit_;
+  PostingCursor cursor_;
 };
 
 // Returns those positions of a posting that its record holds.
@@ -78,6 +69,18 @@ inline std::uint16_t StatedPositions(const DBDatum& record, const Posting& posti
   return posting.units >= kUnitsBeforePositions ? UnitAt(record, posting.count_unit())
                                                 : Position{0};
 }
+
+// Of more positions, a posting keeps the first, for that is what the count can say.
+inline constexpr std::size_t kMostPositions = UINT16_MAX;
+
+// Returns how many bytes a posting takes that has `positions` positions.
+inline std::size_t PostingBytes(std::size_t positions) {
+  return (kUnitsBeforePositions + std::min(positions, kMostPositions)) * kUnitBytes;
+}
+
+// Writes a posting with its positions as so many bytes.
+void StorePosting(char* bytes, Code code, const Positions& positions);
+void StorePosting(char* bytes, Code code, const EncodedPositions& positions);
 
 // Appends a posting to the bytes of a record; with `positions` null, one without positions.
 void EncodePosting(Code code, const EncodedPositions* positions, String* bytes);

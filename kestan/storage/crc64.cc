@@ -1,0 +1,45 @@
+#include <kestan/storage/crc64.h>
+
+#include <kestan/storage/crc64_tables.h>
+
+#include <endian.h>
+
+#include <cstring>
+
+namespace kestan {
+namespace {
+
+constexpr Crc64Tables kTables = MakeCrc64Tables();
+
+std::uint64_t LoadEight(const char* bytes) {
+  std::uint64_t number;
+  std::memcpy(&number, bytes, sizeof number);
+  return le64toh(number);
+}
+
+// Returns the remainder of eight bytes that are followed by `kAfter` other bytes.
+template <std::size_t kAfter>
+std::uint64_t RemainderOf(std::uint64_t eight) {
+  return kTables[kAfter + 7][eight & 0xff] ^ kTables[kAfter + 6][eight >> 8 & 0xff] ^
+         kTables[kAfter + 5][eight >> 16 & 0xff] ^ kTables[kAfter + 4][eight >> 24 & 0xff] ^
+         kTables[kAfter + 3][eight >> 32 & 0xff] ^ kTables[kAfter + 2][eight >> 40 & 0xff] ^
+         kTables[kAfter + 1][eight >> 48 & 0xff] ^ kTables[kAfter][eight >> 56];
+}
+
+}  // namespace
+
+// The tables of a step do not wait for each other, as byte after byte would.
+void Crc64::Add(std::string_view bytes) {
+  std::uint64_t state = register_;
+  const char* next = bytes.data();
+  std::size_t left = bytes.size();
+  for (; left >= kCrc64Step; left -= kCrc64Step, next += kCrc64Step) {
+    state = RemainderOf<8>(state ^ LoadEight(next)) ^ RemainderOf<0>(LoadEight(next + 8));
+  }
+  for (; left != 0; --left, ++next) {
+    state = kTables[0][(state ^ static_cast<unsigned char>(*next)) & 0xff] ^ state >> 8;
+  }
+  register_ = state;
+}
+
+}  // namespace kestan
