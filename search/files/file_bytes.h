@@ -4,10 +4,14 @@
 
 #include <kestan/search/status.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
+
+#include "search/files/descriptor.h"
 
 namespace kestan::search {
 
@@ -24,17 +28,21 @@ class Bytes {
 
   std::string_view view() const { return view_; }
 
+  // Leaves out the first `count` bytes, which must be there.
+  void RemovePrefix(std::size_t count) { view_.remove_prefix(count); }
+
  private:
   std::shared_ptr<const std::string> copy_;
   std::string_view view_;
 };
 
-// A file that is open for reading, mapped as a whole where addresses are 64 bits wide. Any number
-// of threads may read it at once.
+// A file that is open for reading, mapped as a whole where addresses are 64 bits wide, read piece
+// by piece elsewhere. Any number of threads may read it at once.
 class FileBytes {
  public:
   // Opens the file at `path`.
-  //   Returns  kNotFound or kSystem; kDamaged if it does not have `size` bytes.
+  //   Returns  kNotFound or kSystem; kDamaged if it does not have `size` bytes, or is
+  //            no regular file.
   static Result<std::shared_ptr<const FileBytes>> Open(const std::string& path, std::uint64_t size);
 
   ~FileBytes();
@@ -50,12 +58,15 @@ class FileBytes {
   Bytes Read(std::uint64_t offset, std::uint64_t size) const;
 
  private:
-  FileBytes(std::string path, int descriptor, std::uint64_t size, const char* mapping);
+  FileBytes(std::string path, Descriptor file, std::uint64_t size)
+      : path_(std::move(path)), file_(std::move(file)), size_(size) {}
+
+  void Map();
 
   std::string path_;
-  int descriptor_;
+  Descriptor file_;  // closed where the file is mapped
   std::uint64_t size_;
-  const char* mapping_;  // null where the file is read piece by piece
+  char* mapping_ = nullptr;  // null where the file is read piece by piece, or empty
 };
 
 }  // namespace kestan::search

@@ -9,6 +9,8 @@
 #include <string>
 #include <string_view>
 
+#include "search/files/descriptor.h"
+
 namespace kestan::search {
 
 // How large a file is, and the checksum of its bytes (CRC-64).
@@ -29,6 +31,7 @@ class OutputFile {
   OutputFile& operator=(const OutputFile&) = delete;
 
   // Creates the file at `path`, where there must be none.
+  //   Returns  kSystem for one that exists.
   Status Create(const std::string& path);
 
   void Write(std::string_view bytes);
@@ -42,9 +45,10 @@ class OutputFile {
 
  private:
   void Flush();
+  void Put(std::string_view bytes);
 
   std::string path_;
-  int descriptor_ = -1;
+  Descriptor file_;
   std::string buffer_;
   std::uint64_t size_ = 0;
   Crc64 checksum_;

@@ -5,25 +5,29 @@
 #include <kestan/search/status.h>
 
 #include <string>
+#include <utility>
+
+#include "search/files/descriptor.h"
 
 namespace kestan::search {
 
 // Holds a lock of the system's on a file of its own, so that it ends with the process however that
-// ends. The file has the number of the process that holds it, and stays.
+// ends. The file stays; while somebody holds the lock, it has the number of the process.
 class WriterLock {
  public:
   // Locks the file at `path`, and makes it where there is none.
-  //   Returns  kBusy "process 1234 is writing it", kSystem.
+  //   Returns  kBusy "process 1234 is writing it", kNotFound without its directory, kSystem.
   static Result<WriterLock> Take(const std::string& path);
 
-  WriterLock(WriterLock&& other) noexcept;
+  WriterLock(WriterLock&& other) noexcept = default;
   WriterLock& operator=(WriterLock&& other) noexcept;
-  ~WriterLock();
+  ~WriterLock() { Release(); }
 
  private:
-  explicit WriterLock(int descriptor) : descriptor_(descriptor) {}
+  explicit WriterLock(Descriptor file) : file_(std::move(file)) {}
+  void Release();
 
-  int descriptor_;
+  Descriptor file_;
 };
 
 }  // namespace kestan::search

@@ -1,0 +1,53 @@
+#include "search/files/file_bytes.h"
+
+#include <sys/mman.h>
+
+#include <algorithm>
+
+namespace kestan::search {
+namespace {
+
+// A process of 32 bits has too few addresses for an index of many files.
+constexpr bool kMapsFiles = sizeof(void*) >= sizeof(std::uint64_t);
+
+}  // namespace
+
+Result<std::shared_ptr<const FileBytes>> FileBytes::Open(const std::string& path,
+                                                         std::uint64_t size) {
+  std::uint64_t found = 0;
+  Result<Descriptor> file = OpenForReading(path, &found);
+  if (!file.ok()) return file.status();
+  if (found != size) {
+    return Status(StatusCode::kDamaged,
+                  "it has " + std::to_string(found) + " bytes instead of " + std::to_string(size),
+                  path);
+  }
+  std::shared_ptr<FileBytes> bytes(new FileBytes(path, std::move(*file), size));
+  if (kMapsFiles && size > 0) bytes->Map();
+  return std::shared_ptr<const FileBytes>(std::move(bytes));
+}
+
+void FileBytes::Map() {
+  void* const mapping =
+      mmap(nullptr, static_cast<std::size_t>(size_), PROT_READ, MAP_SHARED, file_.number(), 0);
+  if (mapping == MAP_FAILED) return;  // where addresses are limited, for one
+  mapping_ = static_cast<char*>(mapping);
+  file_.Close();
+}
+
+FileBytes::~FileBytes() {
+  if (mapping_ != nullptr) munmap(mapping_, static_cast<std::size_t>(size_));
+}
+
+Bytes FileBytes::Read(std::uint64_t offset, std::uint64_t size) const {
+  if (offset >= size_) return {};
+  const auto count = static_cast<std::size_t>(std::min(size, size_ - offset));
+  if (mapping_ != nullptr) return Bytes(std::string_view(mapping_ + offset, count));
+  auto copy = std::make_shared<std::string>(count, '\0');
+  const std::int64_t done = ReadAt(file_, copy->data(), count, offset);
+  if (done <= 0) return {};
+  copy->resize(static_cast<std::size_t>(done));
+  return Bytes(std::shared_ptr<const std::string>(std::move(copy)));
+}
+
+}  // namespace kestan::search
