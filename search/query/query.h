@@ -19,12 +19,19 @@ struct Query {
     kNear,         // two operands or more: each within its distance from the one before
     kAnd,          // two operands or more
     kOr,           // two operands or more
+    kPhrase,       // two operands or more, without operands of their own, one right after the other
   };
   Kind kind = Kind::kWord;
   std::string word;  // ASCII letters. With a capital it stands for itself, else for any case
   std::vector<Query> operands;
   int distance_words = 0;  // of an operand of kNear: how far from the operand before it
   int edits = 0;           // of kFuzzy: 1 or 2
+};
+
+// What words in quotes mean, and words that punctuation joins (e-mail).
+enum class QuotesMean {
+  kNear,    // kNear: each is at most one word away from the one before, in either order
+  kPhrase,  // kPhrase: in that order, each right after the one before
 };
 
 bool operator==(const Query& left, const Query& right);

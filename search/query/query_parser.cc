@@ -18,13 +18,6 @@ namespace {
 using Kind = Token::Kind;
 using MaybeQuery = std::optional<Query>;
 
-Query WordQuery(const std::string& word, int distance_words) {
-  Query query;
-  query.word = word;
-  query.distance_words = distance_words;
-  return query;
-}
-
 // Returns a node for `operands`, the only one of them, or nothing.
 MaybeQuery Combined(Query::Kind kind, std::vector<Query> operands) {
   if (operands.empty()) return std::nullopt;
@@ -39,13 +32,20 @@ void AppendIfAny(MaybeQuery query, std::vector<Query>* operands) {
   if (query) operands->push_back(std::move(*query));
 }
 
-// The words of `text` as documents have them, each next to the one before.
+// The words of `text` as documents have them.
 std::vector<Query> WordsIn(std::string_view text) {
   std::vector<Query> queries;
-  for (const std::string& word : IndexedWords(text)) {
-    queries.push_back(WordQuery(word, queries.empty() ? 0 : 1));
+  for (std::string& word : IndexedWords(text)) {
+    queries.emplace_back();
+    queries.back().word = std::move(word);
   }
   return queries;
+}
+
+MaybeQuery WordsInARow(std::vector<Query> words, QuotesMean quotes) {
+  if (quotes == QuotesMean::kPhrase) return Combined(Query::Kind::kPhrase, std::move(words));
+  for (std::size_t i = 1; i < words.size(); ++i) words[i].distance_words = 1;
+  return Combined(Query::Kind::kNear, std::move(words));
 }
 
 // The operator that a word ends with.
@@ -72,7 +72,7 @@ bool EndsInLetter(std::string_view text) {
          (IsAsciiLetter(text.back()) || static_cast<unsigned char>(text.back()) >= 0x80);
 }
 
-MaybeQuery WordsOf(const Token& token) {
+MaybeQuery WordsOf(const Token& token, QuotesMean quotes) {
   const Suffix suffix = token.kind == Kind::kWord ? SuffixOf(token.text) : Suffix{};
   const std::string_view text =
       std::string_view(token.text).substr(0, token.text.size() - suffix.bytes);
@@ -81,7 +81,7 @@ MaybeQuery WordsOf(const Token& token) {
     words.back().kind = suffix.kind;
     words.back().edits = suffix.edits;
   }
-  return Combined(Query::Kind::kNear, std::move(words));
+  return WordsInARow(std::move(words), quotes);
 }
 
 bool IsStop(const Query& query) {
@@ -104,9 +104,10 @@ std::vector<Query> AsQuestion(std::vector<Query> words) {
 // are no letters.
 class Parser {
  public:
-  Parser(std::vector<Token> tokens, DefaultOperator default_operator)
+  Parser(std::vector<Token> tokens, DefaultOperator default_operator, QuotesMean quotes)
       : tokens_(std::move(tokens)),
         default_operator_(default_operator),
+        quotes_(quotes),
         left_out_(tokens_.size()) {}
 
   MaybeQuery ParseOr() {
@@ -170,7 +171,7 @@ class Parser {
     if (depth_ == kMaxQueryDepth) LeaveOutNesting();
     if (!StartsPart()) return std::nullopt;
     const Token& token = tokens_[next_++];
-    if (token.kind == Kind::kWord || token.kind == Kind::kPhrase) return WordsOf(token);
+    if (token.kind == Kind::kWord || token.kind == Kind::kPhrase) return WordsOf(token, quotes_);
     ++depth_;
     MaybeQuery part = token.kind == Kind::kNot ? ParseNot() : ParseGroup();
     --depth_;
@@ -223,6 +224,7 @@ class Parser {
 
   std::vector<Token> tokens_;
   const DefaultOperator default_operator_;
+  const QuotesMean quotes_;
   std::vector<bool> left_out_;  // the closing partners of parentheses that were left out
   std::size_t next_ = 0;
   unsigned depth_ = 0;
@@ -230,8 +232,9 @@ class Parser {
 
 }  // namespace
 
-std::optional<Query> ParseQuery(std::string_view text, DefaultOperator default_operator) {
-  return Parser(TokensOf(text), default_operator).ParseOr();
+std::optional<Query> ParseQuery(std::string_view text, DefaultOperator default_operator,
+                                QuotesMean quotes) {
+  return Parser(TokensOf(text), default_operator, quotes).ParseOr();
 }
 
 }  // namespace kestan::search

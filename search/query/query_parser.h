@@ -27,7 +27,8 @@ enum class DefaultOperator {
 //
 // Operators are in capitals; the "-" of NOT follows a blank or "(" and stands right before a word,
 // a "(" or a quote. Words go through IndexedWords as documents do; where that makes several of one
-// (e-mail), and for the words in quotes, each must stand next to the one before.
+// (e-mail), and for the words in quotes, each must stand next to the one before: `quotes` says
+// whether also in that order.
 //
 // There are no errors. An operator that lacks an operand is a word; a parenthesis or a quote
 // without its partner is left out, and so is a part without letters, together with its operator.
@@ -38,7 +39,8 @@ enum class DefaultOperator {
 //
 //   Returns  nothing if no letters are left.
 std::optional<Query> ParseQuery(std::string_view text,
-                                DefaultOperator default_operator = DefaultOperator::kAnd);
+                                DefaultOperator default_operator = DefaultOperator::kAnd,
+                                QuotesMean quotes = QuotesMean::kNear);
 
 }  // namespace kestan::search
 

@@ -8,9 +8,9 @@
 
 namespace kestan::search {
 
-// Prints `query` as a text that ParseQuery (with kAnd) parses to the same query. Of kInflections it
-// prints the word only.
-std::string ToString(const Query& query);
+// Prints `query` as a text that ParseQuery (with kAnd and `quotes`) parses to the same query. Of
+// kInflections it prints the word only.
+std::string ToString(const Query& query, QuotesMean quotes = QuotesMean::kNear);
 
 // Prints the node itself, without its operands: a word as it is spelled, or the operator.
 std::string LabelOf(const Query& query);

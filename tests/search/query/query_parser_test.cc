@@ -23,6 +23,8 @@ std::string NameOf(Query::Kind kind) {
       return "inflections";
     case Query::Kind::kFuzzy:
       return "fuzzy";
+    case Query::Kind::kPhrase:
+      return "phrase";
     case Query::Kind::kWord:
       break;
   }
@@ -48,6 +50,13 @@ std::string Drawn(const Query& query) {
 std::string Parsed(const std::string& text,
                    DefaultOperator default_operator = DefaultOperator::kAnd) {
   const auto query = ParseQuery(text, default_operator);
+  return query ? Drawn(*query) : "nothing";
+}
+
+// The same where quotes ask for words in their order.
+std::string InOrder(const std::string& text,
+                    DefaultOperator default_operator = DefaultOperator::kAnd) {
+  const auto query = ParseQuery(text, default_operator, QuotesMean::kPhrase);
   return query ? Drawn(*query) : "nothing";
 }
 
@@ -323,6 +332,35 @@ TEST(QuestionTest, StopWordsAloneStay) {
 
 TEST(QuestionTest, CapitalsHaveNoInflections) {
   EXPECT_EQ(Question("Dewey flow* wing~1"), "(or Dewey (prefix flow) (fuzzy1 wing))");
+}
+
+TEST(PhraseTest, QuotesAskForTheirOrder) {
+  EXPECT_EQ(InOrder("x \"a b  c\" y"), "(and x (phrase a b c) y)");
+  EXPECT_EQ(InOrder("x NEAR/4 \"a b\" NEAR/2 y"), "(near x 4:(phrase a b) 2:y)");
+  EXPECT_EQ(InOrder("-\"a b\""), "(not (phrase a b))");
+}
+
+TEST(PhraseTest, WhatPunctuationJoinsIsInOrder) {
+  EXPECT_EQ(InOrder("e-mail"), "(phrase e mail)");
+  EXPECT_EQ(InOrder("e-mail* e-mail~2"), "(and (phrase e (prefix mail)) (phrase e (fuzzy2 mail)))");
+}
+
+TEST(PhraseTest, OneWordInQuotesIsAWord) {
+  EXPECT_EQ(InOrder("\"cat\""), "cat");
+  EXPECT_EQ(InOrder("\"4 cat 2\""), "cat");
+  EXPECT_EQ(InOrder("\" \""), "nothing");
+}
+
+TEST(PhraseTest, NearStaysInEitherOrder) { EXPECT_EQ(InOrder("a NEAR/1 b"), "(near a 1:b)"); }
+
+TEST(PhraseTest, OperandsOfAPhraseHaveNoDistances) {
+  const Query phrase = *ParseQuery("\"a b\"", DefaultOperator::kAnd, QuotesMean::kPhrase);
+  for (const Query& word : phrase.operands) EXPECT_EQ(word.distance_words, 0);
+}
+
+TEST(PhraseTest, QuestionsKeepPhrasesWithTheirStopWords) {
+  EXPECT_EQ(InOrder("the \"to be\" flow", DefaultOperator::kOr),
+            "(or (phrase to be) (inflections flow))");
 }
 
 }  // namespace

@@ -48,6 +48,24 @@ TEST(QueryPrinterTest, InflectionsArePrintedAsTheirWord) {
   EXPECT_EQ(Printed("wing flow", DefaultOperator::kOr), "wing OR flow");
 }
 
+std::string InOrder(const std::string& text) {
+  return ToString(*ParseQuery(text, DefaultOperator::kAnd, QuotesMean::kPhrase),
+                  QuotesMean::kPhrase);
+}
+
+TEST(QueryPrinterTest, PhrasesStandInQuotes) {
+  EXPECT_EQ(InOrder("e-mail NEAR/4 x"), "\"e mail\" NEAR/4 x");
+  EXPECT_EQ(InOrder("-\"a AND\""), "NOT \"a AND\"");
+}
+
+TEST(QueryPrinterTest, PhrasesThatStandForOthersAreJoined) {
+  EXPECT_EQ(InOrder("e-mail* e-mail~"), "e-mail* AND e-mail~1");
+}
+
+TEST(QueryPrinterTest, NearIsNoPhraseWhereQuotesKeepTheOrder) {
+  EXPECT_EQ(InOrder("a NEAR/1 b"), "a NEAR/1 b");
+}
+
 TEST(QueryPrinterTest, LabelsNameOneNode) {
   EXPECT_EQ(Label("a b"), "AND");
   EXPECT_EQ(Label("a OR b"), "OR");
@@ -55,6 +73,7 @@ TEST(QueryPrinterTest, LabelsNameOneNode) {
   EXPECT_EQ(Label("a NEAR/3 b NEAR/3 c"), "NEAR/3");
   EXPECT_EQ(Label("a NEAR/3 b NEAR/2 c"), "NEAR");
   EXPECT_EQ(Label("a*"), "a*");
+  EXPECT_EQ(LabelOf(*ParseQuery("a-b", DefaultOperator::kAnd, QuotesMean::kPhrase)), "\"a b\"");
   EXPECT_EQ(LabelOf(*ParseQuery("wing", DefaultOperator::kOr)), "wing and its forms");
 }
 

@@ -44,6 +44,11 @@ bool IsValid(const Query& query) {
   const bool is_leaf = query.kind == Query::Kind::kWord || query.kind == Query::Kind::kPrefix ||
                        query.kind == Query::Kind::kFuzzy || query.kind == Query::Kind::kInflections;
   if (is_leaf) return query.operands.empty() && IsWord(query.word);
+  const auto has_operands = [](const Query& operand) { return !operand.operands.empty(); };
+  const bool is_phrase = query.kind == Query::Kind::kPhrase;
+  if (is_phrase && std::any_of(query.operands.begin(), query.operands.end(), has_operands)) {
+    return false;
+  }
   const std::size_t count = query.operands.size();
   const bool count_is_right = query.kind == Query::Kind::kNot ? count == 1 : count >= 2;
   return count_is_right && std::all_of(query.operands.begin(), query.operands.end(), IsValid);
@@ -52,18 +57,23 @@ bool IsValid(const Query& query) {
 RC_GTEST_PROP(QueryPropertyTest, AnyTextIsAValidQueryOrNone, ()) {
   const std::string text = *QueryText();
   for (const auto default_operator : {DefaultOperator::kAnd, DefaultOperator::kOr}) {
-    const auto query = ParseQuery(text, default_operator);
-    if (query) RC_ASSERT(IsValid(*query));
+    for (const auto quotes : {QuotesMean::kNear, QuotesMean::kPhrase}) {
+      const auto query = ParseQuery(text, default_operator, quotes);
+      if (query) RC_ASSERT(IsValid(*query));
+    }
   }
 }
 
 RC_GTEST_PROP(QueryPropertyTest, WhatIsPrintedParsesTheSame, ()) {
-  const auto query = ParseQuery(*QueryText());
-  RC_PRE(query.has_value());
-  const auto again = ParseQuery(ToString(*query));
-  RC_ASSERT(again.has_value());
-  RC_ASSERT(ToString(*again) == ToString(*query));
-  RC_ASSERT(*again == *query);
+  const std::string text = *QueryText();
+  for (const auto quotes : {QuotesMean::kNear, QuotesMean::kPhrase}) {
+    const auto query = ParseQuery(text, DefaultOperator::kAnd, quotes);
+    RC_PRE(query.has_value());
+    const auto again = ParseQuery(ToString(*query, quotes), DefaultOperator::kAnd, quotes);
+    RC_ASSERT(again.has_value());
+    RC_ASSERT(ToString(*again, quotes) == ToString(*query, quotes));
+    RC_ASSERT(*again == *query);
+  }
 }
 
 RC_GTEST_PROP(QueryPropertyTest, TextInQuotesIsWordsInARow, ()) {
