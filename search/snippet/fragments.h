@@ -1,18 +1,14 @@
-// The fragments that a snippet consists of.
+// Building the fragments of a snippet.
 #ifndef KESTAN_SEARCH_SNIPPET_FRAGMENTS_H_
 #define KESTAN_SEARCH_SNIPPET_FRAGMENTS_H_
+
+#include <kestan/search/fragment.h>
 
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace kestan::search {
-
-// A part of a snippet. One that matches is a single word.
-struct Fragment {
-  std::string text;
-  bool matches = false;
-};
 
 // Builds a line of fragments, with one blank for each run of white space and control characters.
 class FragmentLine {

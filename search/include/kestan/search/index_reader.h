@@ -2,6 +2,7 @@
 #ifndef KESTAN_SEARCH_INDEX_READER_H_
 #define KESTAN_SEARCH_INDEX_READER_H_
 
+#include <kestan/search/fragment.h>
 #include <kestan/search/index_writer.h>
 #include <kestan/search/status.h>
 #include <kestan/storage/export.h>
@@ -107,9 +108,10 @@ class KESTAN_EXPORT IndexReader {
   // merging has kept it. `visit` returns whether to go on.
   Status ForEachDocument(const std::function<bool(const DocumentInfo&)>& visit) const;
 
-  // Makes a snippet of `text`, the text of a hit: up to three fragments around the matched terms,
-  // with line breaks as blanks.
-  std::string Snippet(const SearchResults& results, std::string_view text) const;
+  // Cuts the part out of `text`, the text of a hit in UTF-8, that shows best why it matches: about
+  // 160 bytes on one line, one blank for each run of white space, "..." where text was left out.
+  //   Returns  nothing if no matched term of `results` occurs in it.
+  static std::vector<Fragment> Snippet(const SearchResults& results, std::string_view text);
 
   // Returns what IndexWriter::SetProperty() has kept in the first index; "" for nothing.
   std::string Property(std::string_view key) const;

@@ -1,0 +1,303 @@
+#include <kestan/search/index_reader.h>
+
+#include <algorithm>
+#include <cmath>
+#include <new>
+#include <set>
+#include <utility>
+
+#include "search/index/opened_index.h"
+#include "search/matching/vocabulary.h"
+#include "search/query/clauses.h"
+#include "search/query/query_parser.h"
+#include "search/ranking/ranked_search.h"
+#include "search/segment/snapshot.h"
+#include "search/snippet/snippet.h"
+
+namespace kestan::search {
+namespace {
+
+constexpr std::size_t kMaxSuggestedFor = 10;  // words of a query
+
+Status OutOfMemory() { return {StatusCode::kOutOfMemory, "out of memory"}; }
+
+// Calls `work`, and makes a lack of memory an error like any other.
+template <typename Work>
+auto WithinMemory(const Work& work) -> decltype(work()) {
+  try {
+    return work();
+  } catch (const std::bad_alloc&) {
+    return OutOfMemory();
+  }
+}
+
+// A query as it was read, and what it found.
+struct Answer {
+  Query query;
+  RankedDocuments found;
+  std::vector<std::string> notes;
+};
+
+// Returns the percentages that scores are of the best one.
+int PercentOf(double score, double best) {
+  if (best <= 0) return 100;
+  return std::max(1, static_cast<int>(std::lround(100 * score / best)));
+}
+
+}  // namespace
+
+class IndexReader::Impl {
+ public:
+  Status Open(const std::vector<std::string>& paths) {
+    if (paths.empty()) return {StatusCode::kInvalidArgument, "no index to open"};
+    for (const std::string& path : paths) {
+      auto opened = OpenIndex(path);
+      if (!opened.ok()) return opened.status();
+      indexes_.push_back(std::move(*opened));
+    }
+    MakeSnapshot();
+    return {};
+  }
+
+  Result<bool> Refresh() {
+    std::vector<OpenedIndex> indexes;
+    bool changed = false;
+    for (const OpenedIndex& index : indexes_) {
+      auto opened = OpenIndex(index.folder, &index);
+      if (!opened.ok()) return opened.status();
+      changed = changed || opened->manifest.generation != index.manifest.generation;
+      indexes.push_back(std::move(*opened));
+    }
+    indexes_ = std::move(indexes);
+    MakeSnapshot();
+    return changed;
+  }
+
+  Result<SearchResults> Search(std::string_view query, const SearchOptions& options) const {
+    SearchResults results;
+    auto answer = Ask(query, options);
+    if (!answer.ok()) return answer.status();
+    results.notes = std::move(answer->notes);
+    results.total = answer->found.total;
+    results.matched_terms = std::move(answer->found.terms);
+    const Status status = ListHits(answer->found.best, &results.hits);
+    if (!status.ok()) return status;
+    auto suggestions = Suggest(answer->query);
+    if (!suggestions.ok()) return suggestions.status();
+    results.suggestions = std::move(*suggestions);
+    return results;
+  }
+
+  Result<std::uint64_t> Count(std::string_view query, const SearchOptions& options) const {
+    const bool all = options.words != WordsMean::kAny;
+    auto parsed = ParseQuery(query, all ? DefaultOperator::kAnd : DefaultOperator::kOr);
+    if (!parsed) return std::uint64_t{0};
+    auto count = CountMatches(*parsed, snapshot_);
+    if (!count.ok() || *count > 0 || options.words != WordsMean::kBest) return count;
+    parsed = ParseQuery(query, DefaultOperator::kOr);
+    return CountMatches(*parsed, snapshot_);
+  }
+
+  Result<std::vector<TermInfo>> Terms(std::string_view prefix, std::size_t limit) const {
+    std::vector<TermInfo> terms;
+    Status error;
+    const Status status = ForEachTerm(snapshot_, prefix, [&](std::string_view term) {
+      const auto documents = LivingDocumentsWith(snapshot_, term);
+      if (!documents.ok()) {
+        error = documents.status();
+        return false;
+      }
+      if (*documents > 0) terms.push_back({std::string(term), *documents});
+      return limit == 0 || terms.size() < limit;
+    });
+    if (!status.ok()) return status;
+    if (!error.ok()) return error;
+    return terms;
+  }
+
+  Result<DocumentInfo> FindDocument(std::string_view name) const {
+    for (const auto& segment : snapshot_.segments) {
+      const auto code = segment->FindDocument(name);
+      if (code) return InfoOf(*segment, *code);
+    }
+    return Status(StatusCode::kNotFound, "no document of this name");
+  }
+
+  Status ForEachDocument(const std::function<bool(const DocumentInfo&)>& visit) const {
+    for (const auto& segment : snapshot_.segments) {
+      for (std::size_t code = 1; code <= segment->size(); ++code) {
+        if (segment->IsRemoved(static_cast<Code>(code))) continue;
+        const auto info = InfoOf(*segment, static_cast<Code>(code));
+        if (!info.ok()) return info.status();
+        if (!visit(*info)) return {};
+      }
+    }
+    return {};
+  }
+
+  std::string Property(std::string_view key) const {
+    const auto& properties = indexes_.front().manifest.properties;
+    const auto found = properties.find(key);
+    return found != properties.end() ? found->second : "";
+  }
+
+  IndexStatistics Statistics() const {
+    IndexStatistics statistics;
+    statistics.documents = snapshot_.living_documents();
+    statistics.words = snapshot_.living_words();
+    statistics.segments = snapshot_.segments.size();
+    statistics.with_positions = snapshot_.with_positions();
+    for (const auto& segment : snapshot_.segments) {
+      statistics.removed_documents += segment->size() - segment->living_documents();
+    }
+    for (const OpenedIndex& index : indexes_) statistics.bytes += index.bytes;
+    return statistics;
+  }
+
+ private:
+  void MakeSnapshot() {
+    snapshot_ = {};
+    for (std::size_t i = 0; i < indexes_.size(); ++i) {
+      for (const auto& segment : indexes_[i].segments) {
+        snapshot_.segments.push_back(segment);
+        snapshot_.index_of_segment.push_back(i);
+      }
+    }
+  }
+
+  // Answers `text`; where all words are wanted and no document has them, with those that have some.
+  Result<Answer> Ask(std::string_view text, const SearchOptions& options) const {
+    const bool all = options.words != WordsMean::kAny;
+    auto answer = Ask(text, all ? DefaultOperator::kAnd : DefaultOperator::kOr, options);
+    if (!answer.ok() || answer->found.total > 0 || options.words != WordsMean::kBest) return answer;
+    auto some = Ask(text, DefaultOperator::kOr, options);
+    if (some.ok() && some->found.total > 0) {
+      some->notes.emplace_back("no document has all of these words; these have some of them");
+    }
+    return some;
+  }
+
+  Result<Answer> Ask(std::string_view text, DefaultOperator words,
+                     const SearchOptions& options) const {
+    Answer answer;
+    auto query = ParseQuery(text, words);
+    if (!query) {
+      answer.notes.emplace_back("the query holds no letters to search for");
+      return answer;
+    }
+    auto found = RankedSearch(*query, snapshot_, options);
+    if (!found.ok()) return found.status();
+    answer.query = std::move(*query);
+    answer.found = std::move(*found);
+    return answer;
+  }
+
+  Status ListHits(const std::vector<RankedDocument>& best, std::vector<Hit>* hits) const {
+    for (const RankedDocument& document : best) {
+      const Segment& segment = *snapshot_.segments[document.id.segment];
+      Hit hit;
+      hit.name = segment.NameOf(document.id.code);
+      auto title = segment.FieldOf(document.id.code, DocumentField::kTitle);
+      if (!title.ok()) return title.status();
+      hit.title = std::move(*title);
+      hit.score = document.score;
+      hit.percent = PercentOf(document.score, best.front().score);
+      hit.index = snapshot_.index_of_segment[document.id.segment];
+      hits->push_back(std::move(hit));
+    }
+    return {};
+  }
+
+  Result<std::vector<std::string>> Suggest(const Query& query) const {
+    std::vector<std::string> suggestions;
+    std::size_t missing = 0;
+    for (const std::string& word : WordsOf(query)) {
+      if (missing == kMaxSuggestedFor) break;
+      const auto documents = LivingDocumentsWith(snapshot_, word);
+      if (!documents.ok()) return documents.status();
+      if (*documents > 0) continue;
+      ++missing;
+      auto found = SuggestionsFor(snapshot_, word);
+      if (!found.ok()) return found.status();
+      for (std::string& suggestion : *found) {
+        const auto end = suggestions.end();
+        if (std::find(suggestions.begin(), end, suggestion) != end) continue;
+        suggestions.push_back(std::move(suggestion));
+      }
+    }
+    return suggestions;
+  }
+
+  static Result<DocumentInfo> InfoOf(const Segment& segment, Code code) {
+    DocumentInfo info;
+    info.name = segment.NameOf(code);
+    info.words = segment.table().WordsOf(code);
+    info.added = segment.AddedOf(code);
+    const std::array<std::string*, kDocumentFields> fields = {&info.title, &info.summary,
+                                                              &info.host_data};
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+      auto text = segment.FieldOf(code, static_cast<DocumentField>(i));
+      if (!text.ok()) return text.status();
+      *fields[i] = std::move(*text);
+    }
+    return info;
+  }
+
+  std::vector<OpenedIndex> indexes_;
+  Snapshot snapshot_;
+};
+
+IndexReader::IndexReader(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
+IndexReader::IndexReader(IndexReader&& other) noexcept = default;
+IndexReader& IndexReader::operator=(IndexReader&& other) noexcept = default;
+IndexReader::~IndexReader() = default;
+
+Result<IndexReader> IndexReader::Open(const std::string& path) {
+  return Open(std::vector<std::string>{path});
+}
+
+Result<IndexReader> IndexReader::Open(const std::vector<std::string>& paths) {
+  return WithinMemory([&]() -> Result<IndexReader> {
+    auto impl = std::make_unique<Impl>();
+    const Status status = impl->Open(paths);
+    if (!status.ok()) return status;
+    return IndexReader(std::move(impl));
+  });
+}
+
+Result<bool> IndexReader::Refresh() {
+  return WithinMemory([&] { return impl_->Refresh(); });
+}
+
+Result<SearchResults> IndexReader::Search(std::string_view query,
+                                          const SearchOptions& options) const {
+  return WithinMemory([&] { return impl_->Search(query, options); });
+}
+
+Result<std::uint64_t> IndexReader::Count(std::string_view query,
+                                         const SearchOptions& options) const {
+  return WithinMemory([&] { return impl_->Count(query, options); });
+}
+
+Result<std::vector<TermInfo>> IndexReader::Terms(std::string_view prefix, std::size_t limit) const {
+  return WithinMemory([&] { return impl_->Terms(prefix, limit); });
+}
+
+Result<DocumentInfo> IndexReader::FindDocument(std::string_view name) const {
+  return WithinMemory([&] { return impl_->FindDocument(name); });
+}
+
+Status IndexReader::ForEachDocument(const std::function<bool(const DocumentInfo&)>& visit) const {
+  return WithinMemory([&] { return impl_->ForEachDocument(visit); });
+}
+
+std::vector<Fragment> IndexReader::Snippet(const SearchResults& results, std::string_view text) {
+  const std::set<std::string> terms(results.matched_terms.begin(), results.matched_terms.end());
+  return MakeSnippet(text, terms);
+}
+
+std::string IndexReader::Property(std::string_view key) const { return impl_->Property(key); }
+
+IndexStatistics IndexReader::Statistics() const { return impl_->Statistics(); }
+
+}  // namespace kestan::search

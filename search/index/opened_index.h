@@ -1,0 +1,33 @@
+// An index folder that is open for reading.
+#ifndef KESTAN_SEARCH_INDEX_OPENED_INDEX_H_
+#define KESTAN_SEARCH_INDEX_OPENED_INDEX_H_
+
+#include <kestan/search/status.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "search/index/manifest.h"
+#include "search/segment/segment.h"
+
+namespace kestan::search {
+
+// One state of an index, with its segments open. Never changes.
+struct OpenedIndex {
+  std::string folder;
+  Manifest manifest;
+  std::vector<std::shared_ptr<const Segment>> segments;  // as in the manifest
+  std::uint64_t bytes = 0;                               // of all files that the manifest names
+};
+
+// Opens the newest state of the index in `folder`. A writer may replace the manifest and remove
+// files meanwhile; then it begins again. Segments that `previous` has too are shared; it may be
+// null.
+//   Returns  kNotFound where there is no index; kDamaged, kVersion, kSystem.
+Result<OpenedIndex> OpenIndex(const std::string& folder, const OpenedIndex* previous = nullptr);
+
+}  // namespace kestan::search
+
+#endif  // KESTAN_SEARCH_INDEX_OPENED_INDEX_H_
