@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs a build into a folder of its own and builds the example host against it: with CMake's
+# Installs a build into a folder of its own and builds the example hosts against it: with CMake's
 # find_package and with pkg-config, each with the shared and with the static library. Every host must
 # print the same lines.
 #   usage: check_install.sh BUILD SOURCE COMPILER FLAGS GDBM_FOLDER LIBRARY_FOLDER
@@ -12,34 +12,56 @@ trap 'rm -rf "$work"' EXIT
 prefix=$work/prefix
 cmake --install "$build" --prefix "$prefix" >/dev/null
 libraries=$prefix/$library_folder
-host=$source/examples/first_host.cc
 
-# gdbm may lie outside the system's folders, as in the 32-bit build.
+# gdbm and ICU may lie outside the system's folders, as in the 32-bit build.
 link_flags="-L$gdbm_folder -Wl,-rpath-link,$gdbm_folder"
 export LD_LIBRARY_PATH=$libraries:$gdbm_folder
 export PKG_CONFIG_PATH=$libraries/pkgconfig
 
-cmake -S "$source/tests/install/host" -B "$work/cmake" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
-  -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="${flags[*]}" \
-  -DCMAKE_EXE_LINKER_FLAGS="$link_flags" -DHOST_SOURCE="$host" >/dev/null
-cmake --build "$work/cmake" >/dev/null
-
-compile() { "$compiler" -std=c++17 "${flags[@]}" "$host" "$@"; }
-read -ra shared < <(pkg-config --cflags --libs kestan)
-read -ra static < <(pkg-config --cflags --libs --static kestan)
-# shellcheck disable=SC2086  # the link flags are several words
-{
-  compile -o "$work/pkgconfig_shared" "${shared[@]}" $link_flags
-  compile -o "$work/pkgconfig_static" "${static[@]/-lkestan/-l:libkestan.a}" $link_flags
+build_with_cmake() {
+  local host=$1 target=$2 folder=$3
+  cmake -S "$source/tests/install/host" -B "$folder" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
+    -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="${flags[*]}" \
+    -DCMAKE_EXE_LINKER_FLAGS="$link_flags" -DHOST_SOURCE="$host" -DHOST_LIBRARY="$target" >/dev/null
+  cmake --build "$folder" >/dev/null
 }
 
-expected=$'roses:\n100 roses.txt\n100 violets.txt\nroses next to are:\n100 roses.txt'
-for program in cmake/shared_host cmake/static_host pkgconfig_shared pkgconfig_static; do
-  mkdir "$work/run"
-  printed=$(cd "$work/run" && "$work/$program")
-  rm -r "$work/run"
-  [ "$printed" = "$expected" ] || { printf '%s printed:\n%s\n' "$program" "$printed"; exit 1; }
-  needs=$(readelf -d "$work/$program" | grep -c 'NEEDED.*libkestan\.so\.0' || true)
-  [[ $program = *shared* ]] && wanted=1 || wanted=0
-  [ "$needs" = "$wanted" ] || { echo "$program is linked the wrong way"; exit 1; }
-done
+compile() { "$compiler" -std=c++17 "${flags[@]}" "$@"; }
+
+build_with_pkg_config() {
+  local host=$1 package=$2 folder=$3 shared static
+  read -ra shared < <(pkg-config --cflags --libs "$package")
+  read -ra static < <(pkg-config --cflags --libs --static "$package")
+  static=("${static[@]/-lkestan-search/-l:libkestan-search.a}")
+  static=("${static[@]/#-lkestan/-l:libkestan.a}")
+  # shellcheck disable=SC2086  # the link flags are several words
+  {
+    compile -o "$folder/pkgconfig_shared" "$host" "${shared[@]}" $link_flags
+    compile -o "$folder/pkgconfig_static" "$host" "${static[@]}" $link_flags
+  }
+}
+
+# Builds the host SOURCE in all ways, and compares what it prints.
+check_hosts() {
+  local host=$1 target=$2 package=$3 expected=$4 program printed needs wanted
+  local folder=$work/$package
+  mkdir "$folder"
+  build_with_cmake "$host" "$target" "$folder/cmake"
+  build_with_pkg_config "$host" "$package" "$folder"
+  for program in cmake/shared_host cmake/static_host pkgconfig_shared pkgconfig_static; do
+    mkdir "$work/run"
+    printed=$(cd "$work/run" && "$folder/$program")
+    rm -r "$work/run"
+    [ "$printed" = "$expected" ] || { printf '%s %s printed:\n%s\n' "$package" "$program" "$printed"; exit 1; }
+    needs=$(readelf -d "$folder/$program" | grep -c "NEEDED.*lib$package\.so\.0" || true)
+    [[ $program = *shared* ]] && wanted=1 || wanted=0
+    [ "$needs" = "$wanted" ] || { echo "$package $program is linked the wrong way"; exit 1; }
+  done
+}
+
+check_hosts "$source/examples/first_host.cc" kestan::kestan kestan \
+  $'roses:\n100 roses.txt\n100 violets.txt\nroses next to are:\n100 roses.txt'
+if [ -f "$libraries/pkgconfig/kestan-search.pc" ]; then
+  check_hosts "$source/examples/search_host.cc" kestan::search kestan-search \
+    $'2 documents\n100 roses.txt (Roses)\n62 violets.txt (Violets)'
+fi
