@@ -17,7 +17,7 @@ import sys
 import tables
 
 REFERENCE = "naive"
-ENGINES = ["kestan", "kestan32", "fts5", "fts5_contentless", "xapian", "lucene", "groonga"]
+ENGINES = ["kestan", "kestan32", "kestan_search", "fts5", "fts5_contentless", "xapian", "lucene", "groonga"]
 PACKAGES = ["libgdbm6", "libsqlite3-0", "libxapian30", "liblucene++0v5", "libgroonga0"]
 BYTES_OF_A_PAGE = 1 << 20
 FORMS = ["words", "as-is"]
