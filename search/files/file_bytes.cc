@@ -3,12 +3,16 @@
 #include <sys/mman.h>
 
 #include <algorithm>
+#include <limits>
 
 namespace kestan::search {
 namespace {
 
 // A process of 32 bits has too few addresses for an index of many files.
 constexpr bool kMapsFiles = sizeof(void*) >= sizeof(std::uint64_t);
+
+// That a string can hold, and so the most that can be read at once.
+constexpr std::uint64_t kMostBytes = std::numeric_limits<std::ptrdiff_t>::max() / 2;
 
 }  // namespace
 
@@ -41,7 +45,9 @@ FileBytes::~FileBytes() {
 
 Bytes FileBytes::Read(std::uint64_t offset, std::uint64_t size) const {
   if (offset >= size_) return {};
-  const auto count = static_cast<std::size_t>(std::min(size, size_ - offset));
+  size = std::min(size, size_ - offset);
+  if (size > kMostBytes) return {};
+  const auto count = static_cast<std::size_t>(size);
   if (mapping_ != nullptr) return Bytes(std::string_view(mapping_ + offset, count));
   auto copy = std::make_shared<std::string>(count, '\0');
   const std::int64_t done = ReadAt(file_, copy->data(), count, offset);

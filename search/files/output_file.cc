@@ -32,8 +32,10 @@ bool operator==(const FileSummary& left, const FileSummary& right) {
   return left.bytes == right.bytes && left.checksum == right.checksum;
 }
 
-OutputFile::~OutputFile() {
-  if (file_.is_open()) unlink(path_.c_str());
+void OutputFile::Discard() {
+  if (!path_.empty()) unlink(path_.c_str());
+  path_.clear();
+  file_.Close();
 }
 
 Status OutputFile::Create(const std::string& path) {
@@ -74,9 +76,11 @@ Result<FileSummary> OutputFile::Finish() {
     if (error != 0) status_ = SystemError(error, path_);
   }
   buffer_ = {};
-  if (status_.ok()) return FileSummary{size_, checksum_.Value()};
-  if (!path_.empty()) unlink(path_.c_str());
-  file_.Close();
+  if (status_.ok()) {
+    path_.clear();
+    return FileSummary{size_, checksum_.Value()};
+  }
+  Discard();
   return status_;
 }
 
@@ -126,7 +130,9 @@ Result<std::string> ReadWholeFile(const std::string& path, std::uint64_t max_byt
     return Status(StatusCode::kDamaged, "it has more than " + std::to_string(max_bytes) + " bytes",
                   path);
   }
-  std::string bytes(static_cast<std::size_t>(size), '\0');
+  std::string bytes;
+  if (size > bytes.max_size()) return SystemError(ENOMEM, path);
+  bytes.resize(static_cast<std::size_t>(size));
   const std::int64_t count = ReadAt(*file, bytes.data(), bytes.size(), 0);
   if (count < 0) return SystemError(errno, path);
   bytes.resize(static_cast<std::size_t>(count));

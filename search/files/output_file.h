@@ -26,7 +26,7 @@ bool operator==(const FileSummary& left, const FileSummary& right);
 class OutputFile {
  public:
   OutputFile() = default;
-  ~OutputFile();  // without Finish(), the file is removed
+  ~OutputFile() { Discard(); }
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
 
@@ -42,6 +42,9 @@ class OutputFile {
   // Writes what is left, has the system put all on the disk, and closes the file.
   //   Returns  the first error; the file is then removed.
   Result<FileSummary> Finish();
+
+  // Removes a file that was created and not finished.
+  void Discard();
 
  private:
   void Flush();

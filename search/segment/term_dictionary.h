@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "search/files/file_bytes.h"
+#include "search/files/numbers.h"
 #include "search/files/output_file.h"
 
 namespace kestan::search {
@@ -23,7 +24,7 @@ namespace kestan::search {
 struct TermEntry {
   std::string_view term;
   std::uint32_t documents = 0;  // that hold the term, removed ones among them
-  RecordPlace place;
+  RecordPlace place;            // whose key is the term; {} for none
 };
 
 // Writes a dictionary. Terms are front-coded in blocks; an index of the blocks follows them. Each
@@ -35,24 +36,54 @@ class TermDictionaryWriter {
   // Adds a term, which must come after all before it in order of bytes.
   void Add(const TermEntry& entry);
 
+  //   Returns  the first error, and removes the file then; kInvalidArgument for terms out of order.
   Result<FileSummary> Finish();
 
  private:
+  void StartBlock(std::string_view term);
   void FinishBlock();
-
-  struct Block {
-    std::string first_term;
-    std::uint64_t offset = 0;
-    std::uint32_t bytes = 0;
-    std::uint32_t checksum = 0;
-  };
+  void AppendPlace(const TermEntry& entry);
+  std::string IndexBytes() const;
 
   OutputFile file_;
-  std::vector<Block> blocks_;
-  std::string block_;
+  Status status_;
+  std::string blocks_;      // what the index has of each block
+  std::string separators_;  // the least terms of all blocks, side by side
+  std::string block_;       // the one that is being filled
   std::string last_term_;
-  std::size_t terms_in_block_ = 0;
+  std::uint64_t expected_offset_ = 0;  // where the next record lies if none is left out
+  std::uint32_t terms_in_block_ = 0;
+  std::uint32_t block_count_ = 0;
   std::uint64_t terms_ = 0;
+};
+
+// An entry of a block, before its term is put together.
+struct EncodedTerm {
+  std::size_t shared = 0;   // how many bytes the term has in common with the one before
+  std::string_view suffix;  // the rest of it
+  std::uint32_t documents = 0;
+  RecordPlace place;
+};
+
+// Goes through the entries of a block.
+class TermBlockReader {
+ public:
+  TermBlockReader() = default;
+
+  // Borrows the bytes of the block, without its checksum.
+  explicit TermBlockReader(std::string_view block) : reader_(block) {}
+
+  bool AtEnd() const { return reader_.rest() == 0; }
+
+  //   Returns  false for what is no entry.
+  bool Next(EncodedTerm* entry);
+
+ private:
+  bool NextPlace(bool is_next, std::uint32_t value_bytes, RecordPlace* place);
+
+  ByteReader reader_;
+  std::size_t term_bytes_ = 0;  // of the last term
+  std::uint64_t expected_offset_ = 0;
 };
 
 // Reads a dictionary. Any number of threads may use it at once.
@@ -75,7 +106,13 @@ class TermDictionary {
   // Goes through all entries, for merging.
   class Cursor {
    public:
-    explicit Cursor(const TermDictionary& dictionary);
+    // Borrows `dictionary`.
+    explicit Cursor(const TermDictionary& dictionary) : dictionary_(&dictionary) {}
+    Cursor(const Cursor&) = delete;
+    Cursor& operator=(const Cursor&) = delete;
+    Cursor(Cursor&&) = default;
+    Cursor& operator=(Cursor&&) = default;
+    ~Cursor() = default;
 
     // Goes to the next entry; at first to the first one.
     //   Returns  whether there is one; kDamaged.
@@ -85,23 +122,35 @@ class TermDictionary {
     const TermEntry& entry() const { return entry_; }
 
    private:
+    friend class TermDictionary;
+
+    // Goes to the start of the next block.
+    Status OpenBlock();
+
     const TermDictionary* dictionary_;
     std::size_t next_block_ = 0;
     Bytes block_;
-    std::string_view rest_;
-    std::string term_;
+    TermBlockReader reader_;
+    std::vector<char> term_;  // no string, whose bytes would move with it
     TermEntry entry_;
   };
 
  private:
   TermDictionary() = default;
 
-  Result<Bytes> Block(std::size_t index) const;
+  Status Damaged() const;
+  Status ReadIndex();
+  bool IndexIsSound() const;
+  std::uint64_t OffsetOf(std::size_t block) const;
+  std::string_view SeparatorOf(std::size_t block) const;
+  Result<Bytes> Block(std::size_t block) const;
   std::size_t BlockOf(std::string_view term) const;
 
   std::shared_ptr<const FileBytes> file_;
   Bytes index_;
+  std::string_view separators_;  // of index_
   std::uint64_t terms_ = 0;
+  std::uint64_t index_offset_ = 0;
   std::size_t blocks_ = 0;
 };
 
