@@ -43,7 +43,7 @@ class KESTAN_EXPORT IndexBuilder {
  public:
   struct Options {
     std::uint32_t option_flags = 0;    // see kFlagNoPositions
-    std::size_t expected_records = 0;  // about how many: it decides how large a bucket is
+    std::size_t expected_records = 0;  // about how many; memory is reserved for them
   };
 
   IndexBuilder();

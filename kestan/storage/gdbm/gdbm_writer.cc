@@ -6,43 +6,15 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
-#include <cmath>
 #include <cstring>
+#include <numeric>
 #include <utility>
 
 namespace kestan::gdbm {
 namespace {
 
 constexpr std::size_t kBufferBytes = 1 << 20;
-// About so many records go into a bucket, and into a sixteenth of a small file.
-constexpr std::size_t kLeastInBucket = 64;
-constexpr std::size_t kMostInBucket = 512;
-constexpr std::uint32_t kSmallestBlock = 1024;
-constexpr std::uint32_t kLargestBlock = 1 << 20;
-constexpr unsigned kLeastDirectoryBits = 3;
-constexpr unsigned kMostDirectoryBits = 24;
-
-std::uint32_t ElementsIn(std::uint32_t block_bytes) {
-  return static_cast<std::uint32_t>((block_bytes - sizeof(BucketHead)) / sizeof(Element));
-}
-
-// Returns how large a block must be for a bucket of so many records.
-std::uint32_t BlockFor(std::size_t records) {
-  constexpr std::uint32_t kStep = 512;
-  const std::size_t bytes = sizeof(BucketHead) + records * sizeof(Element);
-  const std::size_t blocks =
-      std::max((bytes + kStep - 1) / kStep * kStep, static_cast<std::size_t>(kSmallestBlock));
-  return static_cast<std::uint32_t>(std::min<std::size_t>(blocks, kLargestBlock));
-}
-
-// Returns a size with which few buckets of so many records must be split further: records fall into
-// 2^n buckets by chance, and three standard deviations above the mean are rare.
-std::uint32_t ChooseBlock(std::size_t records) {
-  const std::size_t most = std::clamp(records / 16, kLeastInBucket, kMostInBucket);
-  auto mean = static_cast<double>(records);
-  while (mean > static_cast<double>(most)) mean /= 2;
-  return BlockFor(static_cast<std::size_t>(mean + 3 * std::sqrt(mean)) + 1);
-}
+constexpr std::size_t kMostReserved = std::size_t{1} << 22;
 
 template <typename T>
 std::string_view AsBytes(const T& structure) {
@@ -62,12 +34,9 @@ StoreError Writer::Create(const char* path, std::size_t expected_records) {
   descriptor_ = open(path, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_LARGEFILE, 0644);
   if (!is_open()) return StoreError::kFileOpen;
   error_ = StoreError::kNone;
-  block_bytes_ = ChooseBlock(expected_records);
-  elements_.clear();
-  elements_.reserve(expected_records);
-  by_hash_.clear();
+  elements_.reserve(std::min(expected_records, kMostReserved));
   end_ = 0;
-  AppendZeros(block_bytes_);  // where the header will be
+  AppendZeros(kBlockBytes);  // where the header will be
   return StoreError::kNone;
 }
 
@@ -92,13 +61,7 @@ RecordPlace Writer::Add(std::string_view key, std::string_view value) {
 
 bool Writer::Contains(std::string_view key, std::size_t records) {
   records = std::min(records, elements_.size());
-  if (by_hash_.size() != records) {
-    by_hash_.resize(records);
-    for (std::uint32_t i = 0; i < records; ++i) by_hash_[i] = i;
-    std::sort(by_hash_.begin(), by_hash_.end(), [this](std::uint32_t left, std::uint32_t right) {
-      return elements_[left].hash < elements_[right].hash;
-    });
-  }
+  if (by_hash_.size() != records) IndexByHash(records);
   const auto hash = static_cast<std::int32_t>(HashOf(key));
   auto next = std::lower_bound(
       by_hash_.begin(), by_hash_.end(), hash,
@@ -109,45 +72,58 @@ bool Writer::Contains(std::string_view key, std::size_t records) {
   return false;
 }
 
+void Writer::IndexByHash(std::size_t records) {
+  by_hash_.resize(records);
+  std::iota(by_hash_.begin(), by_hash_.end(), 0);
+  std::sort(by_hash_.begin(), by_hash_.end(), [this](std::uint32_t left, std::uint32_t right) {
+    return elements_[left].hash < elements_[right].hash;
+  });
+}
+
 StoreError Writer::Finish() {
   if (!is_open()) return StoreError::kNotOpen;
-  SortElements();
+  SortByHash(&elements_);
   CheckKeysDiffer();
-  MakeBuckets();
-  AppendZeros((block_bytes_ - end_ % block_bytes_) % block_bytes_);
-  const Offset directory = end_;
-  WriteDirectory();
-  WriteBuckets();
-  Flush();
-  WriteHeader(directory);
+  BucketPlan plan;
+  if (error_ == StoreError::kNone && !PlanBuckets(elements_, &plan)) {
+    Fail(StoreError::kDirectoryOverflow);
+  }
+  if (error_ == StoreError::kNone) WriteTables(plan);
   if (close(std::exchange(descriptor_, -1)) != 0) Fail(StoreError::kFileClose);
   elements_ = {};
-  buckets_ = {};
+  by_hash_ = {};
+  buffer_ = {};
+  if (error_ != StoreError::kNone) errno = errno_;
   return error_;
 }
 
+// Keeps the first error, and what the system says of it.
 void Writer::Fail(StoreError error) {
-  if (error_ == StoreError::kNone) error_ = error;
+  if (error_ != StoreError::kNone) return;
+  error_ = error;
+  errno_ = errno;
 }
 
 void Writer::Append(std::string_view bytes) {
+  if (buffer_.size() + bytes.size() > kBufferBytes) Flush();
+  if (bytes.size() > kBufferBytes) {
+    WriteAt(end_, bytes);
+  } else {
+    buffer_.append(bytes);
+  }
   end_ += bytes.size();
-  buffer_.append(bytes);
-  if (buffer_.size() >= kBufferBytes) Flush();
 }
 
-void Writer::AppendZeros(std::uint64_t count) {
-  buffer_.append(static_cast<std::size_t>(count), '\0');
-  end_ += count;
-}
+void Writer::AppendZeros(std::size_t count) { Append(String(count, '\0')); }
 
 void Writer::Flush() {
-  if (error_ == StoreError::kNone) WriteAt(end_ - buffer_.size(), buffer_);
+  WriteAt(end_ - buffer_.size(), buffer_);
   buffer_.clear();
 }
 
+// Does nothing after an error.
 void Writer::WriteAt(std::uint64_t offset, std::string_view bytes) {
-  while (!bytes.empty()) {
+  while (!bytes.empty() && error_ == StoreError::kNone) {
     const ssize_t written =
         pwrite64(descriptor_, bytes.data(), bytes.size(), static_cast<off64_t>(offset));
     if (written < 0 && errno == EINTR) continue;
@@ -183,15 +159,9 @@ bool Writer::HasKeyAt(const Element& element, std::string_view key) {
   return KeyOf(element) == key;
 }
 
-void Writer::SortElements() {
-  std::sort(elements_.begin(), elements_.end(), [](const Element& left, const Element& right) {
-    return left.hash != right.hash ? left.hash < right.hash : left.data < right.data;
-  });
-}
-
 // Keys of one hash stand side by side now. There are few: a hash has 31 bits.
 void Writer::CheckKeysDiffer() {
-  for (std::size_t first = 0; first < elements_.size();) {
+  for (std::size_t first = 0; first < elements_.size() && error_ == StoreError::kNone;) {
     std::size_t end = first + 1;
     while (end < elements_.size() && elements_[end].hash == elements_[first].hash) ++end;
     if (end - first > 1) {
@@ -204,115 +174,57 @@ void Writer::CheckKeysDiffer() {
   }
 }
 
-void Writer::MakeBuckets() {
-  do {
-    buckets_.clear();
-    SplitInto(&buckets_, {0, 0, 0, elements_.size()});
-    directory_bits_ = kLeastDirectoryBits;
-    while ((sizeof(Offset) << directory_bits_) < block_bytes_) ++directory_bits_;
-    for (const Bucket& bucket : buckets_) directory_bits_ = std::max(directory_bits_, bucket.bits);
-  } while (directory_bits_ > kMostDirectoryBits && EnlargeBuckets());
-}
-
-// Splits `bucket` until each part fits a block, and appends the parts in order of their hashes.
-void Writer::SplitInto(Vector<Bucket>* buckets, const Bucket& bucket) const {
-  if (bucket.end - bucket.first <= ElementsIn(block_bytes_) || bucket.bits > kMostDirectoryBits) {
-    buckets->push_back(bucket);
-    return;
-  }
-  const unsigned bits = bucket.bits + 1;
-  const Hash high = bucket.prefix << 1 | 1;
-  const auto begin = elements_.begin();
-  const auto middle = std::partition_point(
-      begin + static_cast<std::ptrdiff_t>(bucket.first),
-      begin + static_cast<std::ptrdiff_t>(bucket.end), [bits, high](const Element& element) {
-        return PrefixOf(static_cast<Hash>(element.hash), bits) < high;
-      });
-  const auto split = static_cast<std::size_t>(middle - begin);
-  SplitInto(buckets, {bucket.prefix << 1, bits, bucket.first, split});
-  SplitInto(buckets, {high, bits, split, bucket.end});
-}
-
-// Makes blocks large enough for the keys that no splitting can part.
-//   Returns  whether it could.
-bool Writer::EnlargeBuckets() {
-  std::size_t most = 0;
-  for (const Bucket& bucket : buckets_) {
-    if (bucket.bits > kMostDirectoryBits) most = std::max(most, bucket.end - bucket.first);
-  }
-  const std::uint32_t block_bytes = BlockFor(most);
-  if (ElementsIn(block_bytes) < most) {
-    Fail(StoreError::kDirectoryOverflow);
-    return false;
-  }
-  MoveRecordsOutOf(block_bytes);
-  block_bytes_ = block_bytes;
-  return true;
-}
-
-// Appends again the records that lie where a larger header will be.
-void Writer::MoveRecordsOutOf(std::uint64_t first_bytes) {
-  for (Element& element : elements_) {
-    if (element.data >= first_bytes) continue;
-    Element whole = element;
-    whole.key_bytes += element.value_bytes;
-    const String record = KeyOf(whole);
-    element.data = end_;
-    Append(record);
-  }
+// Writes directory and buckets after the records, up to the end of a block, and then the header.
+void Writer::WriteTables(const BucketPlan& plan) {
+  const Offset directory = end_;
+  WriteDirectory(plan);
+  WriteBuckets(plan);
+  AppendZeros(static_cast<std::size_t>((kBlockBytes - end_ % kBlockBytes) % kBlockBytes));
+  Flush();
+  WriteHeader(plan, directory);
 }
 
 // The buckets come right after it.
-void Writer::WriteDirectory() {
-  Offset offset = end_ + (sizeof(Offset) << directory_bits_);
-  for (const Bucket& bucket : buckets_) {
-    if (error_ != StoreError::kNone) return;
-    const std::uint32_t entries = std::uint32_t{1} << (directory_bits_ - bucket.bits);
+void Writer::WriteDirectory(const BucketPlan& plan) {
+  Offset offset = end_ + plan.directory_bytes();
+  for (const PlannedBucket& bucket : plan.buckets) {
+    const std::uint32_t entries = std::uint32_t{1} << (plan.directory_bits - bucket.bits);
     for (std::uint32_t entry = 0; entry < entries; ++entry) Append(AsBytes(offset));
-    offset += block_bytes_;
+    offset += plan.bucket_bytes();
   }
 }
 
-void Writer::WriteBuckets() {
-  for (const Bucket& bucket : buckets_) {
-    if (error_ != StoreError::kNone) return;
-    Append(BytesOf(bucket));
-  }
-}
-
-String Writer::BytesOf(const Bucket& bucket) const {
-  const std::uint32_t places = ElementsIn(block_bytes_);
-  BucketHead head{};
-  head.bits = static_cast<std::int32_t>(bucket.bits);
-  head.count = static_cast<std::int32_t>(bucket.end - bucket.first);
+void Writer::WriteBuckets(const BucketPlan& plan) {
   Element unused{};
   unused.hash = kNoElement;
-  Vector<Element> table(places, unused);
-  for (std::size_t i = bucket.first; i < bucket.end; ++i) {
-    std::uint32_t place = static_cast<std::uint32_t>(elements_[i].hash) % places;
-    while (table[place].hash != kNoElement) place = (place + 1) % places;
-    table[place] = elements_[i];
+  Vector<Element> table;
+  for (const PlannedBucket& bucket : plan.buckets) {
+    BucketHead head{};
+    head.bits = static_cast<std::int32_t>(bucket.bits);
+    head.count = static_cast<std::int32_t>(bucket.end - bucket.first);
+    Append(AsBytes(head));
+    table.assign(plan.capacity, unused);
+    for (std::size_t i = bucket.first; i < bucket.end; ++i) {
+      std::uint32_t place = static_cast<std::uint32_t>(elements_[i].hash) % plan.capacity;
+      while (table[place].hash != kNoElement) place = (place + 1) % plan.capacity;
+      table[place] = elements_[i];
+    }
+    Append({reinterpret_cast<const char*>(table.data()), table.size() * sizeof(Element)});
   }
-  String bytes(AsBytes(head));
-  bytes.append(reinterpret_cast<const char*>(table.data()), table.size() * sizeof(Element));
-  bytes.resize(block_bytes_, '\0');
-  return bytes;
 }
 
-void Writer::WriteHeader(Offset directory) {
-  if (error_ != StoreError::kNone) return;
+void Writer::WriteHeader(const BucketPlan& plan, Offset directory) {
   Header header{};
   header.magic = kMagic;
-  header.block_bytes = static_cast<std::int32_t>(block_bytes_);
+  header.block_bytes = kBlockBytes;
   header.directory = directory;
-  header.directory_bytes = static_cast<std::int32_t>(sizeof(Offset) << directory_bits_);
-  header.directory_bits = static_cast<std::int32_t>(directory_bits_);
-  header.bucket_bytes = static_cast<std::int32_t>(block_bytes_);
-  header.bucket_elements = static_cast<std::int32_t>(ElementsIn(block_bytes_));
-  header.next_block = (end_ + block_bytes_ - 1) / block_bytes_ * block_bytes_;
+  header.directory_bytes = static_cast<std::int32_t>(plan.directory_bytes());
+  header.directory_bits = static_cast<std::int32_t>(plan.directory_bits);
+  header.bucket_bytes = static_cast<std::int32_t>(plan.bucket_bytes());
+  header.bucket_elements = static_cast<std::int32_t>(plan.capacity);
+  header.next_block = end_;
   FreeList free{};
-  free.size =
-      static_cast<std::int32_t>((block_bytes_ - sizeof header - sizeof free) / sizeof(FreeSpace));
+  free.size = (kBlockBytes - sizeof header - sizeof free) / sizeof(FreeSpace);
   String bytes(AsBytes(header));
   bytes.append(AsBytes(free));
   WriteAt(0, bytes);

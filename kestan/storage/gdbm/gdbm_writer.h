@@ -2,7 +2,7 @@
 #ifndef KESTAN_STORAGE_GDBM_GDBM_WRITER_H_
 #define KESTAN_STORAGE_GDBM_GDBM_WRITER_H_
 
-#include <kestan/storage/gdbm/gdbm_hash.h>
+#include <kestan/storage/gdbm/bucket_plan.h>
 #include <kestan/storage/gdbm/gdbm_header.h>
 #include <kestan/storage/memory.h>
 #include <kestan/storage/record_place.h>
@@ -16,9 +16,9 @@ namespace kestan::gdbm {
 
 // gdbm stores a record by searching a bucket, writing it, and splitting it where it is full, which
 // takes several system calls and leaves a hole each time. A file whose records are all at hand
-// needs none of that: they are written one after the other, then the directory, then the
-// buckets, each as full as its hashes allow, and the header last. gdbm reads such a file and
-// changes it like one of its own.
+// needs none of that: they are written one after the other, then the directory, then the buckets,
+// each as full as its hashes allow, and the header last. Between them lies nothing unused. gdbm
+// reads such a file and changes it like one of its own.
 class Writer {
  public:
   Writer() = default;
@@ -26,8 +26,8 @@ class Writer {
   Writer(const Writer&) = delete;
   Writer& operator=(const Writer&) = delete;
 
-  // Creates the file at `path`, where there must be none. `expected_records` decides how large a
-  // bucket is; it need not be right.
+  // Creates the file at `path`, where there must be none. Memory is reserved for about
+  // `expected_records`, which need not be right: a record takes 24 bytes until Finish().
   //   Returns  kNone; kNotOpen where a file is open already; kFileOpen, errno says why.
   StoreError Create(const char* path, std::size_t expected_records);
 
@@ -47,40 +47,27 @@ class Writer {
   StoreError Finish();
 
  private:
-  struct Bucket {
-    Hash prefix = 0;
-    unsigned bits = 0;
-    std::size_t first = 0;  // of the elements, which are in order of their hashes
-    std::size_t end = 0;
-  };
-
   bool is_open() const { return descriptor_ >= 0; }
   void Fail(StoreError error);
   void Append(std::string_view bytes);
-  void AppendZeros(std::uint64_t count);
+  void AppendZeros(std::size_t count);
   void Flush();
   void WriteAt(std::uint64_t offset, std::string_view bytes);
+  void IndexByHash(std::size_t records);
   bool HasKeyAt(const Element& element, std::string_view key);
   String KeyOf(const Element& element);
-  void SortElements();
   void CheckKeysDiffer();
-  void MakeBuckets();
-  void SplitInto(Vector<Bucket>* buckets, const Bucket& bucket) const;
-  bool EnlargeBuckets();
-  void MoveRecordsOutOf(std::uint64_t first_bytes);
-  void WriteDirectory();
-  void WriteBuckets();
-  String BytesOf(const Bucket& bucket) const;
-  void WriteHeader(Offset directory);
+  void WriteTables(const BucketPlan& plan);
+  void WriteDirectory(const BucketPlan& plan);
+  void WriteBuckets(const BucketPlan& plan);
+  void WriteHeader(const BucketPlan& plan, Offset directory);
 
   int descriptor_ = -1;
   StoreError error_ = StoreError::kNone;
-  std::uint32_t block_bytes_ = 0;  // of the header and of each bucket
-  unsigned directory_bits_ = 0;
+  int errno_ = 0;   // as it was at the first error
   Offset end_ = 0;  // of the file, what waits in the buffer included
   String buffer_;
   Vector<Element> elements_;
-  Vector<Bucket> buckets_;
   Vector<std::uint32_t> by_hash_;  // for Contains(): the first elements, in order of their hashes
 };
 

@@ -1,0 +1,47 @@
+// How the records of a new gdbm file are spread over buckets.
+#ifndef KESTAN_STORAGE_GDBM_BUCKET_PLAN_H_
+#define KESTAN_STORAGE_GDBM_BUCKET_PLAN_H_
+
+#include <kestan/storage/gdbm/gdbm_hash.h>
+#include <kestan/storage/gdbm/gdbm_header.h>
+#include <kestan/storage/memory.h>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace kestan::gdbm {
+
+// The block size of new files. The header takes one block; buckets may be larger than it.
+inline constexpr std::uint32_t kBlockBytes = 512;
+
+// Elements of a bucket, by their indexes. All of them agree in their first `bits` bits.
+struct PlannedBucket {
+  unsigned bits = 0;
+  std::size_t first = 0;
+  std::size_t end = 0;
+};
+
+struct BucketPlan {
+  std::uint64_t bucket_bytes() const {
+    return sizeof(BucketHead) + std::uint64_t{capacity} * sizeof(Element);
+  }
+  std::uint64_t directory_bytes() const { return std::uint64_t{sizeof(Offset)} << directory_bits; }
+
+  std::uint32_t capacity = 0;  // how many elements a bucket has room for
+  unsigned directory_bits = 0;
+  Vector<PlannedBucket> buckets;  // in order of their hashes
+};
+
+// Sorts elements by their hashes, and those of one hash by their places.
+void SortByHash(Vector<Element>* elements);
+
+// Plans the buckets of `elements`, which are in order of their hashes. The capacity is one with
+// which directory and buckets take the fewest bytes. Beyond 512 elements it goes only where many
+// hashes begin with the same bits, which more and more splits would not part.
+//   Returns  whether there is such a capacity: not if a bucket of a megabyte cannot hold all keys
+//            of one hash.
+bool PlanBuckets(const Vector<Element>& elements, BucketPlan* plan);
+
+}  // namespace kestan::gdbm
+
+#endif  // KESTAN_STORAGE_GDBM_BUCKET_PLAN_H_
