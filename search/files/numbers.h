@@ -39,6 +39,12 @@ inline void AppendVarint(std::uint64_t number, std::string* bytes) {
   bytes->push_back(static_cast<char>(number));
 }
 
+// Make small numbers of small differences of either sign, and the other way.
+inline std::uint64_t ZigZag(std::uint64_t difference) {
+  return difference << 1 ^ (0 - (difference >> 63));
+}
+inline std::uint64_t UnZigZag(std::uint64_t number) { return number >> 1 ^ (0 - (number & 1)); }
+
 // Takes numbers and strings off the front of bytes. After a failure its state means nothing.
 class ByteReader {
  public:

@@ -9,14 +9,17 @@
 #include <kestan/search/status.h>
 
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "search/files/file_bytes.h"
+#include "search/files/numbers.h"
 #include "search/files/output_file.h"
 
 namespace kestan::search {
@@ -28,7 +31,8 @@ struct DocumentEntry {
   std::string_view name;
   std::uint32_t words = 0;  // how many words it has, as positions count them
   std::uint32_t added = 0;  // in seconds since 1970
-  std::array<RecordPlace, kDocumentFields> fields;  // by DocumentField
+  // By DocumentField; {} for none. The key of each is two bytes longer than the name.
+  std::array<RecordPlace, kDocumentFields> fields;
 };
 
 class DocumentTableWriter {
@@ -38,36 +42,89 @@ class DocumentTableWriter {
   // Adds the document of the next code; the first has code 1. Copies the name.
   void Add(const DocumentEntry& entry);
 
+  //   Returns  the first error, and removes the file then; kInvalidArgument for more than kMaxCode
+  //            documents.
   Result<FileSummary> Finish();
 
  private:
-  struct Row;
-  // (the implementation decides what it keeps)
+  std::string_view NameOf(std::uint16_t index) const;
+  std::string CheckedByParts() const;
+  std::string ByName() const;
+
+  OutputFile file_;
+  Status status_;
+  std::uint64_t all_words_ = 0;
+  std::string words_;                  // of each document
+  std::string records_;                // of each document, side by side
+  std::vector<std::uint32_t> starts_;  // of the records
 };
 
 // Reads a document table. Any number of threads may use it at once.
+//
+// How many words documents have is checked when the table is opened. Names and places, of which a
+// search shows only a few, are checked in parts of 4 KB when they are read first. What stands in a
+// part that is damaged is as if it were not there, and status() says so from then on.
 class DocumentTable {
  public:
-  // Opens the table in `file`, and checks its checksums: it is small beside the segment.
+  // Opens the document table in `file`.
   //   Returns  kDamaged or kVersion.
   static Result<DocumentTable> Open(std::shared_ptr<const FileBytes> file);
 
+  // Returns kDamaged if anything that was read so far is damaged. Whoever has asked for names and
+  // believes them must ask here too.
+  Status status() const;
+
+  // Checks all that was not read so far.
+  //   Returns  as status() does.
+  Status Verify() const;
+
   // How many documents the segment was written with; their codes are 1 to size().
-  std::size_t size() const;
+  std::size_t size() const { return size_; }
 
   // Returns the sum of the words of all documents.
-  std::uint64_t words() const;
+  std::uint64_t words() const { return all_words_; }
 
-  // Returns how many words the document has. `code` must be 1 to size().
-  std::uint32_t WordsOf(Code code) const;
+  // Returns how many words the document has. `code` must be 1 to size(), here and below.
+  std::uint32_t WordsOf(Code code) const {
+    return NumberAt<std::uint32_t>(words_ + (std::size_t{code} - 1) * sizeof(std::uint32_t));
+  }
+
+  // Returns "" if it is damaged. A view that ends with the table.
   std::string_view NameOf(Code code) const;
+  std::uint32_t AddedOf(Code code) const { return EntryOf(code).added; }
   DocumentEntry EntryOf(Code code) const;
 
   // Finds a document by its name, by halving.
   std::optional<Code> Find(std::string_view name) const;
 
  private:
+  enum class State : std::uint8_t { kUnread, kSound, kDamaged };
+
+  // What was checked so far, of a table that may be moved.
+  struct Checks {
+    explicit Checks(std::size_t parts) : states(parts) {}
+    std::vector<std::atomic<State>> states;  // by part
+    std::atomic<bool> damaged = false;
+  };
+
   DocumentTable() = default;
+  Status Read();
+  bool SizesAgree(std::uint64_t record_bytes);
+  bool IsSound(std::size_t offset, std::size_t bytes) const;
+  bool PartIsSound(std::size_t part) const;
+  bool Damaged() const;
+  ByteReader RecordOf(Code code) const;
+  Code CodeAt(std::size_t index) const;
+
+  std::shared_ptr<const FileBytes> file_;
+  Bytes bytes_;  // the whole file
+  std::shared_ptr<Checks> checks_;
+  std::size_t size_ = 0;
+  std::uint64_t all_words_ = 0;
+  const char* words_ = nullptr;
+  const char* part_checksums_ = nullptr;
+  std::string_view
+      parts_;  // all that is checked by parts: starts of records, codes by name, records
 };
 
 }  // namespace kestan::search

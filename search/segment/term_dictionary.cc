@@ -29,12 +29,6 @@ std::size_t SharedBytes(std::string_view left, std::string_view right) {
   return count;
 }
 
-// Small numbers of either sign become small numbers.
-std::uint64_t ZigZag(std::uint64_t difference) {
-  return difference << 1 ^ (0 - (difference >> 63));
-}
-std::uint64_t UnZigZag(std::uint64_t number) { return number >> 1 ^ (0 - (number & 1)); }
-
 }  // namespace
 
 // ---- Writing ----

@@ -3,12 +3,12 @@
 #define KESTAN_TESTS_SEARCH_SEGMENT_DICTIONARY_FILES_H_
 
 #include <cstdint>
+#include <filesystem>
 #include <map>
 #include <string>
 #include <tuple>
 
 #include "search/segment/term_dictionary.h"
-#include "tests/support/files.h"
 
 namespace kestan::search {
 
@@ -49,7 +49,7 @@ inline Result<FileSummary> WriteDictionary(const TermMap& terms, const std::stri
 
 inline Result<TermDictionary> OpenDictionary(const std::string& path) {
   Result<std::shared_ptr<const FileBytes>> file =
-      FileBytes::Open(path, kestan_tests::ReadFile(path).size());
+      FileBytes::Open(path, std::filesystem::file_size(path));
   if (!file.ok()) return file.status();
   return TermDictionary::Open(*file);
 }

@@ -5,6 +5,7 @@
 #include "search/files/numbers.h"
 #include "search/segment/term_dictionary.h"
 #include "tests/search/segment/dictionary_files.h"
+#include "tests/support/files.h"
 #include "tests/support/temp_dir.h"
 
 namespace kestan::search {
