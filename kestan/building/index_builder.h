@@ -42,8 +42,11 @@ KESTAN_EXPORT void AppendPosting(Code code, std::string* record);
 class KESTAN_EXPORT IndexBuilder {
  public:
   struct Options {
-    std::uint32_t option_flags = 0;    // see kFlagNoPositions
-    std::size_t expected_records = 0;  // about how many; memory is reserved for them
+    std::uint32_t option_flags = 0;  // see kFlagNoPositions
+
+    // About how many there will be; 0 if nobody knows. Need not be right, but with about so many
+    // the file is the smallest.
+    std::size_t expected_records = 0;
   };
 
   IndexBuilder();

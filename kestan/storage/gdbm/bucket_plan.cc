@@ -2,17 +2,16 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <numeric>
 #include <utility>
 
 namespace kestan::gdbm {
 namespace {
 
-constexpr std::uint32_t kSmallestCapacity = (kBlockBytes - sizeof(BucketHead)) / sizeof(Element);
-constexpr std::uint32_t kLeastCapacity = 256;  // but for a file of fewer records
-constexpr std::uint32_t kMostCapacity = 512;
-constexpr std::uint32_t kCapacityStep = 4;
-constexpr std::uint32_t kLargestCapacity = ((1 << 20) - sizeof(BucketHead)) / sizeof(Element);
+// As gdbm's own buckets: with smaller ones, a file that grows would be split without end.
+constexpr std::uint32_t kBlockCapacity = (kBlockBytes - sizeof(BucketHead)) / sizeof(Element);
+constexpr std::uint32_t kMostCapacity = ((1 << 20) - sizeof(BucketHead)) / sizeof(Element);
 constexpr unsigned kLeastDirectoryBits = 6;  // a directory is not smaller than a block
 constexpr unsigned kMostDirectoryBits = 24;
 static_assert(sizeof(Offset) << kLeastDirectoryBits == kBlockBytes);
@@ -101,19 +100,19 @@ Outcome Try(const HashStarts& starts, std::uint32_t capacity) {
           buckets * plan.bucket_bytes()};
 }
 
-Outcome FindBest(const HashStarts& starts) {
-  if (starts.size() <= kMostCapacity) {
-    return Try(starts, std::max(static_cast<std::uint32_t>(starts.size()), kSmallestCapacity));
+Outcome FindBest(const HashStarts& starts, std::uint32_t largest) {
+  if (starts.size() <= largest) {
+    return Try(starts, std::max(static_cast<std::uint32_t>(starts.size()), kBlockCapacity));
   }
-  Outcome best = Try(starts, kLeastCapacity);
+  Outcome best = Try(starts, largest);
   const auto look_at = [&](std::uint32_t capacity) {
     const Outcome outcome = Try(starts, capacity);
     if (IsBetter(outcome, best)) best = outcome;
   };
-  for (std::uint32_t i = kLeastCapacity; i <= kMostCapacity; i += kCapacityStep) look_at(i);
-  for (std::uint32_t i = kMostCapacity; i < kLargestCapacity;) {
-    if (best.fits && !best.is_sparse()) break;
-    i = std::min(i + i / 4, kLargestCapacity);
+  const std::uint32_t step = std::max<std::uint32_t>(largest / 128, 1);
+  for (std::uint32_t i = std::max(largest / 2, kBlockCapacity); i < largest; i += step) look_at(i);
+  for (std::uint32_t i = largest; i < kMostCapacity && (!best.fits || best.is_sparse());) {
+    i = std::min(i + i / 4, kMostCapacity);
     look_at(i);
   }
   return best;
@@ -155,13 +154,23 @@ void SortRange(Element* first, Element* end, unsigned bits) {
 
 }  // namespace
 
+// Of so many records, this makes about the smallest file; beyond, buckets get no fuller.
+std::uint32_t LargestCapacity(std::size_t expected_records) {
+  constexpr double kLeast = 64;
+  constexpr double kMost = 512;
+  constexpr double kUnknown = 170;  // 4 KiB
+  if (expected_records == 0) return kUnknown;
+  const double balanced = 6 * std::sqrt(static_cast<double>(expected_records));
+  return static_cast<std::uint32_t>(std::clamp(balanced, kLeast, kMost));
+}
+
 void SortByHash(Vector<Element>* elements) {
   SortRange(elements->data(), elements->data() + elements->size(), kHashBits);
 }
 
-bool PlanBuckets(const Vector<Element>& elements, BucketPlan* plan) {
+bool PlanBuckets(const Vector<Element>& elements, std::uint32_t largest, BucketPlan* plan) {
   const HashStarts starts(elements);
-  const Outcome best = FindBest(starts);
+  const Outcome best = FindBest(starts, largest);
   plan->capacity = best.capacity;
   plan->directory_bits = kLeastDirectoryBits;
   plan->buckets.clear();

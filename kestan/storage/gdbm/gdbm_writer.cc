@@ -21,6 +21,18 @@ std::string_view AsBytes(const T& structure) {
   return {reinterpret_cast<const char*>(&structure), sizeof structure};
 }
 
+// Puts elements, which are in order of their hashes, where gdbm looks for them: at the first free
+// place from that of the hash on.
+void FillTable(const Element* first, const Element* end, Vector<Element>* table) {
+  std::size_t place = 0;
+  for (const Element* element = first; element != end; ++element) {
+    const bool goes_on = element != first && element[-1].hash == element->hash;
+    if (!goes_on) place = static_cast<std::size_t>(element->hash) % table->size();
+    while ((*table)[place].hash != kNoElement) place = (place + 1) % table->size();
+    (*table)[place] = *element;
+  }
+}
+
 bool IsTooLong(std::string_view bytes) { return bytes.size() > INT_MAX; }
 
 }  // namespace
@@ -35,8 +47,9 @@ StoreError Writer::Create(const char* path, std::size_t expected_records) {
   if (!is_open()) return StoreError::kFileOpen;
   error_ = StoreError::kNone;
   elements_.reserve(std::min(expected_records, kMostReserved));
+  largest_capacity_ = LargestCapacity(expected_records);
   end_ = 0;
-  AppendZeros(kBlockBytes);  // where the header will be
+  AppendZeros(BucketBytes(largest_capacity_));  // the header will be here
   return StoreError::kNone;
 }
 
@@ -85,7 +98,7 @@ StoreError Writer::Finish() {
   SortByHash(&elements_);
   CheckKeysDiffer();
   BucketPlan plan;
-  if (error_ == StoreError::kNone && !PlanBuckets(elements_, &plan)) {
+  if (error_ == StoreError::kNone && !PlanBuckets(elements_, largest_capacity_, &plan)) {
     Fail(StoreError::kDirectoryOverflow);
   }
   if (error_ == StoreError::kNone) WriteTables(plan);
@@ -114,7 +127,9 @@ void Writer::Append(std::string_view bytes) {
   end_ += bytes.size();
 }
 
-void Writer::AppendZeros(std::size_t count) { Append(String(count, '\0')); }
+void Writer::AppendZeros(std::uint64_t count) {
+  Append(String(static_cast<std::size_t>(count), '\0'));
+}
 
 void Writer::Flush() {
   WriteAt(end_ - buffer_.size(), buffer_);
@@ -133,21 +148,25 @@ void Writer::WriteAt(std::uint64_t offset, std::string_view bytes) {
   }
 }
 
-String Writer::KeyOf(const Element& element) {
+String Writer::Read(std::uint64_t offset, std::size_t size) {
   Flush();
-  String key(static_cast<std::size_t>(element.key_bytes), '\0');
+  String bytes(size, '\0');
   std::size_t had = 0;
-  while (had < key.size()) {
-    const ssize_t read = pread64(descriptor_, key.data() + had, key.size() - had,
-                                 static_cast<off64_t>(element.data + had));
+  while (had < size && error_ == StoreError::kNone) {
+    const ssize_t read =
+        pread64(descriptor_, bytes.data() + had, size - had, static_cast<off64_t>(offset + had));
     if (read < 0 && errno == EINTR) continue;
     if (read <= 0) {
       Fail(StoreError::kFileRead);
-      break;
+    } else {
+      had += static_cast<std::size_t>(read);
     }
-    had += static_cast<std::size_t>(read);
   }
-  return key;
+  return bytes;
+}
+
+String Writer::KeyOf(const Element& element) {
+  return Read(element.data, static_cast<std::size_t>(element.key_bytes));
 }
 
 bool Writer::HasKeyAt(const Element& element, std::string_view key) {
@@ -174,12 +193,31 @@ void Writer::CheckKeysDiffer() {
   }
 }
 
+// Appends again the records that begin in the first `bytes` bytes, and leaves zeros there: nobody
+// who has the place of such a record will find its key.
+void Writer::MoveRecordsOutOf(std::uint64_t bytes) {
+  for (Element& element : elements_) {
+    if (element.data >= bytes) continue;
+    std::uint64_t next = element.data;
+    const std::uint64_t end = next + static_cast<std::uint64_t>(element.key_bytes) +
+                              static_cast<std::uint64_t>(element.value_bytes);
+    element.data = end_;
+    while (next < end && error_ == StoreError::kNone) {
+      const auto piece = std::min<std::uint64_t>(end - next, kBufferBytes);
+      Append(Read(next, static_cast<std::size_t>(piece)));
+      next += piece;
+    }
+  }
+  WriteAt(0, String(static_cast<std::size_t>(bytes), '\0'));
+}
+
 // Writes directory and buckets after the records, up to the end of a block, and then the header.
 void Writer::WriteTables(const BucketPlan& plan) {
+  if (plan.capacity > largest_capacity_) MoveRecordsOutOf(plan.bucket_bytes());
   const Offset directory = end_;
   WriteDirectory(plan);
   WriteBuckets(plan);
-  AppendZeros(static_cast<std::size_t>((kBlockBytes - end_ % kBlockBytes) % kBlockBytes));
+  AppendZeros((kBlockBytes - end_ % kBlockBytes) % kBlockBytes);
   Flush();
   WriteHeader(plan, directory);
 }
@@ -204,11 +242,7 @@ void Writer::WriteBuckets(const BucketPlan& plan) {
     head.count = static_cast<std::int32_t>(bucket.end - bucket.first);
     Append(AsBytes(head));
     table.assign(plan.capacity, unused);
-    for (std::size_t i = bucket.first; i < bucket.end; ++i) {
-      std::uint32_t place = static_cast<std::uint32_t>(elements_[i].hash) % plan.capacity;
-      while (table[place].hash != kNoElement) place = (place + 1) % plan.capacity;
-      table[place] = elements_[i];
-    }
+    FillTable(elements_.data() + bucket.first, elements_.data() + bucket.end, &table);
     Append({reinterpret_cast<const char*>(table.data()), table.size() * sizeof(Element)});
   }
 }

@@ -17,8 +17,9 @@ namespace kestan::gdbm {
 // gdbm stores a record by searching a bucket, writing it, and splitting it where it is full, which
 // takes several system calls and leaves a hole each time. A file whose records are all at hand
 // needs none of that: they are written one after the other, then the directory, then the buckets,
-// each as full as its hashes allow, and the header last. Between them lies nothing unused. gdbm
-// reads such a file and changes it like one of its own.
+// each as full as its hashes allow, and the header last. Nothing is unused but the rest of what the
+// header has to itself, which is as large as a bucket. gdbm reads such a file and changes it like
+// one of its own.
 class Writer {
  public:
   Writer() = default;
@@ -26,13 +27,15 @@ class Writer {
   Writer(const Writer&) = delete;
   Writer& operator=(const Writer&) = delete;
 
-  // Creates the file at `path`, where there must be none. Memory is reserved for about
-  // `expected_records`, which need not be right: a record takes 24 bytes until Finish().
+  // Creates the file at `path`, where there must be none. `expected_records`, 0 if nobody knows,
+  // need not be right: memory is reserved for so many, 24 bytes each, and with about so many the
+  // file is the smallest.
   //   Returns  kNone; kNotOpen where a file is open already; kFileOpen, errno says why.
   StoreError Create(const char* path, std::size_t expected_records);
 
   // Adds a record. Its key must differ from all others, which Finish() checks.
-  //   Returns  where it lies; {} after an error, or where a key or a value is too long for gdbm.
+  //   Returns  where it lies; {} after an error, or where a key or a value is too long for gdbm. It
+  //            may move where hundreds of keys have one hash: then no key is there any more.
   RecordPlace Add(std::string_view key, std::string_view value);
 
   // Returns whether there is a record of this key among the first `records`. Reads the file.
@@ -50,13 +53,15 @@ class Writer {
   bool is_open() const { return descriptor_ >= 0; }
   void Fail(StoreError error);
   void Append(std::string_view bytes);
-  void AppendZeros(std::size_t count);
+  void AppendZeros(std::uint64_t count);
   void Flush();
   void WriteAt(std::uint64_t offset, std::string_view bytes);
   void IndexByHash(std::size_t records);
   bool HasKeyAt(const Element& element, std::string_view key);
+  String Read(std::uint64_t offset, std::size_t size);
   String KeyOf(const Element& element);
   void CheckKeysDiffer();
+  void MoveRecordsOutOf(std::uint64_t bytes);
   void WriteTables(const BucketPlan& plan);
   void WriteDirectory(const BucketPlan& plan);
   void WriteBuckets(const BucketPlan& plan);
@@ -64,7 +69,8 @@ class Writer {
 
   int descriptor_ = -1;
   StoreError error_ = StoreError::kNone;
-  int errno_ = 0;   // as it was at the first error
+  int errno_ = 0;  // as it was at the first error
+  std::uint32_t largest_capacity_ = 0;
   Offset end_ = 0;  // of the file, what waits in the buffer included
   String buffer_;
   Vector<Element> elements_;
