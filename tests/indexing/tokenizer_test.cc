@@ -65,4 +65,32 @@ TEST(TokenizerTest, OfAnEmptyTextAreNone) {
   EXPECT_TRUE(Words(" \n\t").empty());
 }
 
+TEST(TokenizerTest, ComeInTheOrderInWhichTheyStandFirst) {
+  const kestan::Tokenizer table("Cat dog cat Dog");
+  std::vector<std::string> words;
+  for (const auto& word : table.words()) words.emplace_back(word.bytes);
+  EXPECT_EQ(words, (std::vector<std::string>{"Cat", "cat", "dog", "Dog"}));
+  EXPECT_EQ(table.words().size(), 4u);
+}
+
+TEST(TokenizerTest, WordsOfTheTextAreCountedWithoutFoldedForms) {
+  EXPECT_EQ(kestan::Tokenizer("Cat dog cat Dog").CountWords(), 4u);
+  EXPECT_EQ(kestan::Tokenizer("").CountWords(), 0u);
+  std::string text;
+  for (int i = 0; i < 70'000; ++i) text += "word ";
+  EXPECT_EQ(kestan::Tokenizer(text).CountWords(), 70'000u);
+}
+
+TEST(TokenizerTest, HaveTheHashOfTheProcess) {
+  const kestan::Tokenizer table("Cat");
+  const kestan::Hasher hasher;
+  for (const auto& word : table.words()) EXPECT_EQ(word.hash, hasher(word.bytes));
+}
+
+// Texts of class Kestan end there.
+TEST(TokenizerTest, TakeANulForAByteOfAWord) {
+  using namespace std::string_literals;
+  EXPECT_EQ(Words("a\0b c"s), PlainWords("a\0b c"s));
+}
+
 }  // namespace
