@@ -158,7 +158,7 @@ void SortRange(Element* first, Element* end, unsigned bits) {
 std::uint32_t LargestCapacity(std::size_t expected_records) {
   constexpr double kLeast = 64;
   constexpr double kMost = 512;
-  constexpr double kUnknown = 170;  // 4 KiB
+  constexpr std::uint32_t kUnknown = 170;  // 4 KiB
   if (expected_records == 0) return kUnknown;
   const double balanced = 6 * std::sqrt(static_cast<double>(expected_records));
   return static_cast<std::uint32_t>(std::clamp(balanced, kLeast, kMost));
