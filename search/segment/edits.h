@@ -16,6 +16,7 @@
 #include <string_view>
 #include <vector>
 
+#include "search/files/numbers.h"
 #include "search/segment/document_table.h"
 
 namespace kestan::search {
@@ -31,14 +32,17 @@ struct DocumentEdit {
 class Edits {
  public:
   // Returns the edits that Encode() has made `bytes` of, for a segment of `documents` documents.
-  //   Returns  kDamaged or kVersion.
+  //   Returns  kDamaged or kVersion, without a file.
   static Result<Edits> Decode(std::string_view bytes, std::size_t documents);
   std::string Encode() const;
 
   // No edits, for a segment of `documents` documents.
   explicit Edits(std::size_t documents) : removed_(documents + 1) {}
 
+  // `code` must be that of a document, here and below. Forgets other edits of it.
   void Remove(Code code);
+
+  // The document must not be removed, here and below; no other may be renamed to `name`.
   void Rename(Code code, std::string_view name, std::uint32_t now);
   void SetField(Code code, DocumentField field, std::string_view value);
 
@@ -53,7 +57,10 @@ class Edits {
   std::optional<Code> FindRenamed(std::string_view name) const;
 
  private:
-  std::vector<bool> removed_;
+  bool ReadRemoved(ByteReader* reader);
+  bool ReadEdited(ByteReader* reader);
+
+  std::vector<bool> removed_;  // by code
   std::size_t removed_count_ = 0;
   std::map<Code, DocumentEdit> edited_;
   std::map<std::string, Code, std::less<>> renamed_;
