@@ -8,20 +8,41 @@
 #include <cstdint>
 #include <vector>
 
+#include "search/files/file_bytes.h"
+
 namespace kestan::search {
 
+// What is asked of an operator. Each is more than the one before.
+enum class Need { kCodes, kCounts, kPositions };
+
 // Documents with how often something occurs in each, in ascending order of codes, each once, no
-// removed ones. Where it occurs is kept only where an operator above asks for it.
+// removed ones. How often, and where, is kept only where it was asked for.
 struct Occurrences {
   std::vector<Code> codes;
-  std::vector<std::uint32_t> counts;  // as many as codes: how often; at least 1
+  std::vector<std::uint32_t> counts;  // empty, or as many as codes: how often; at least 1
 
-  // Of the document codes[i]: positions[starts[i]] up to positions[starts[i + 1]]. Both are empty
-  // where positions were not asked for.
+  // Where, if positions were asked for. Of a term they stay where they are: those of codes[i] begin
+  // at the byte starts[i] of `record`, and are counts[i]. Else `record` is empty, and they are
+  // positions[starts[i]] up to positions[starts[i + 1]], in ascending order; 0 stands for anywhere.
   std::vector<std::uint32_t> starts;
-  std::vector<Position> positions;  // in text order; after 65535 comes 1
+  Bytes record;
+  std::vector<Position> positions;
 
   std::size_t size() const { return codes.size(); }
+
+  // Adds a document with positions, which are copied.
+  void Append(Code code, Positions where);
+};
+
+// Reads positions in ascending order. A document of more than 65535 words may hold one twice.
+class PositionReader {
+ public:
+  // Returns the positions of found.codes[index], which must have been asked for. Lent until the
+  // next call and as long as `found` lives.
+  Positions Of(const Occurrences& found, std::size_t index);
+
+ private:
+  std::vector<Position> copy_;
 };
 
 }  // namespace kestan::search

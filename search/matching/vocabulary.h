@@ -11,7 +11,6 @@
 #include <string_view>
 #include <vector>
 
-#include "search/query/query.h"
 #include "search/segment/snapshot.h"
 
 namespace kestan::search {
@@ -24,13 +23,10 @@ Result<std::uint64_t> LivingDocumentsWith(const Snapshot& snapshot, std::string_
 Status ForEachTerm(const Snapshot& snapshot, std::string_view prefix,
                    const std::function<bool(std::string_view term)>& visit);
 
-// Returns the terms that a node of a query without operands stands for, in order of their bytes: of
-// a word, itself; of a prefix, all that begin with it; of a fuzzy word, those within its edits; of
-// inflections, the word's. As in documents, a word without capitals stands for terms without any.
-Result<std::vector<std::string>> TermsFor(const Snapshot& snapshot, const Query& node);
-
 // Returns up to three terms that may be meant by `word`, which no living document has: the closest,
-// among those as close the one that most living documents hold.
+// among those as close the one that most living documents hold. They have at least two letters and
+// no capitals. A word of one or two letters is taken to have no mistake, one of up to four letters
+// one at most, a longer one two; capitals are no mistakes. Takes a look at each term.
 Result<std::vector<std::string>> SuggestionsFor(const Snapshot& snapshot, std::string_view word);
 
 }  // namespace kestan::search

@@ -1,0 +1,76 @@
+#include "search/matching/leaf_terms.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "search/text/letters.h"
+#include "search/vocabulary/inflections.h"
+#include "search/vocabulary/sorted_edit_distance.h"
+
+namespace kestan::search {
+namespace {
+
+using Kind = Query::Kind;
+using Visit = std::function<Status(const TermEntry&)>;
+
+// Capitals come before all other letters in order of bytes.
+constexpr std::string_view kFirstWithoutCapital = "[";
+
+Status VisitWord(const TermDictionary& terms, std::string_view word, const Visit& visit) {
+  const Result<std::optional<TermEntry>> entry = terms.Find(word);
+  if (!entry.ok()) return entry.status();
+  return *entry ? visit(**entry) : Status();
+}
+
+Status VisitWords(const TermDictionary& terms, std::vector<std::string> words, const Visit& visit) {
+  std::sort(words.begin(), words.end());
+  for (const std::string& word : words) {
+    Status status = VisitWord(terms, word, visit);
+    if (!status.ok()) return status;
+  }
+  return {};
+}
+
+Status VisitPrefix(const TermDictionary& terms, const std::string& prefix, const Visit& visit) {
+  const bool exact = HasCapital(prefix);
+  Status visited;
+  Status status = terms.ForEach(prefix, [&](const TermEntry& entry) {
+    if (entry.term.substr(0, prefix.size()) != prefix) return false;
+    if (exact || !HasCapital(entry.term)) visited = visit(entry);
+    return visited.ok();
+  });
+  return status.ok() ? visited : status;
+}
+
+}  // namespace
+
+Status ForEachFuzzyTerm(const TermDictionary& terms, std::string_view word, int edits,
+                        const std::function<Status(const TermEntry&, int edits)>& visit) {
+  const bool exact = HasCapital(word);
+  SortedEditDistance distance(word, edits);
+  Status visited;
+  Status status = terms.ForEach(exact ? "" : kFirstWithoutCapital, [&](const TermEntry& entry) {
+    const int needed = distance.To(entry.term);
+    if (needed <= edits && (exact || !HasCapital(entry.term))) visited = visit(entry, needed);
+    return visited.ok();
+  });
+  return status.ok() ? visited : status;
+}
+
+Status ForEachTermOf(const TermDictionary& terms, const Query& leaf, const Visit& visit) {
+  switch (leaf.kind) {
+    case Kind::kPrefix:
+      return VisitPrefix(terms, leaf.word, visit);
+    case Kind::kFuzzy:
+      return ForEachFuzzyTerm(terms, leaf.word, leaf.edits,
+                              [&](const TermEntry& entry, int) { return visit(entry); });
+    case Kind::kInflections:
+      return VisitWords(terms, Inflections(leaf.word), visit);
+    default:
+      return VisitWord(terms, leaf.word, visit);
+  }
+}
+
+}  // namespace kestan::search

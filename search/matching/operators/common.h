@@ -1,0 +1,70 @@
+// Documents that several lists have.
+#ifndef KESTAN_SEARCH_MATCHING_OPERATORS_COMMON_H_
+#define KESTAN_SEARCH_MATCHING_OPERATORS_COMMON_H_
+
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+#include "search/matching/matches.h"
+
+namespace kestan::search {
+
+// A list so many times as long as another is searched by doubling steps instead of read.
+constexpr std::size_t kMuchLonger = 16;
+
+// Returns the place of the first code in `codes` from `place` on that is not before `code`.
+inline std::size_t SeekCode(const std::vector<Code>& codes, std::size_t place, Code code) {
+  std::size_t step = 1;
+  std::size_t end = place;
+  while (end < codes.size() && codes[end] < code) {
+    place = end + 1;
+    end += step;
+    step *= 2;
+  }
+  const auto first = codes.begin() + static_cast<std::ptrdiff_t>(place);
+  const auto last = codes.begin() + static_cast<std::ptrdiff_t>(std::min(end, codes.size()));
+  return static_cast<std::size_t>(std::lower_bound(first, last, code) - codes.begin());
+}
+
+// Calls `visit` with the places of each code that both lists have, in ascending order. `visit` may
+// write over what it has been called with.
+template <typename Visit>
+void ForEachCommon(const std::vector<Code>& left, const std::vector<Code>& right, Visit visit) {
+  const bool seek_left = left.size() / kMuchLonger > right.size();
+  const bool seek_right = right.size() / kMuchLonger > left.size();
+  std::size_t i = 0;
+  std::size_t j = 0;
+  while (i < left.size() && j < right.size()) {
+    const Code a = left[i];
+    const Code b = right[j];
+    if (a == b) {
+      visit(i++, j++);
+    } else if (seek_left && a < b) {
+      i = SeekCode(left, i, b);
+    } else if (seek_right && b < a) {
+      j = SeekCode(right, j, a);
+    } else {
+      i += a < b ? 1 : 0;
+      j += b < a ? 1 : 0;
+    }
+  }
+}
+
+// Where documents are in several lists. They are asked for in ascending order.
+class Places {
+ public:
+  // Returns the place of `code` in `found`, the list number `list`, or of the first code after it.
+  std::size_t Find(std::size_t list, const Occurrences& found, Code code) {
+    if (list >= next_.size()) next_.resize(list + 1);
+    next_[list] = SeekCode(found.codes, next_[list], code);
+    return next_[list];
+  }
+
+ private:
+  std::vector<std::size_t> next_;
+};
+
+}  // namespace kestan::search
+
+#endif  // KESTAN_SEARCH_MATCHING_OPERATORS_COMMON_H_
