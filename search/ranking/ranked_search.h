@@ -25,15 +25,30 @@ struct RankedDocuments {
   std::vector<std::string> terms;    // matched, sorted; none that stands under NOT
 };
 
-// Finds the documents that match `query` and ranks them: the sum over the scoring clauses of the
-// query of their BM25 scores, from term frequencies, document frequencies and lengths of living
-// documents alone, so that no merge and no number of threads changes a score; and a bonus where
-// words of different clauses stand near each other. Keeps the `options.limit` best in a heap.
-// Searches segments in parallel where there is enough to do.
+// Finds the documents that match `query` and ranks them. The score of a document is the sum, over
+// the scoring clauses of the query, of their BM25 scores
+//
+//   idf * tf * (k1 + 1) / (tf + k1 * (1 - b + b * words / mean words)),
+//
+// where idf = ln(1 + (N - n + 0.5) / (n + 0.5)) and a clause that the query has twice counts twice;
+// and a bonus for each two clauses that follow each other in the query, both in the document,
+//
+//   proximity_bonus * min(idf, next idf) / d²,
+//
+// where d is the smallest distance in words between positions of the two: term pairs as Rasolofo
+// and Savoy weigh them (ECIR 2003), of the nearest pair alone. All figures are those of living
+// documents, and all sums are made in the order of the query: no merge and no number of threads
+// changes a score. Options out of range are brought into it: k1 and the bonus to 0 to 1000, b to 0
+// to 1.
+//
+// Keeps the `options.limit` best in a heap. Searches segments in parallel where there is enough to
+// do.
+//   Returns  kDamaged.
 Result<RankedDocuments> RankedSearch(const Query& query, const Snapshot& snapshot,
                                      const SearchOptions& options);
 
 // Counts the documents that match.
+//   Returns  kDamaged.
 Result<std::uint64_t> CountMatches(const Query& query, const Snapshot& snapshot);
 
 }  // namespace kestan::search

@@ -1,0 +1,198 @@
+#include "search/ranking/ranked_search.h"
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <numeric>
+#include <set>
+#include <utility>
+
+#include "search/matching/matcher.h"
+#include "search/matching/vocabulary.h"
+#include "search/query/clauses.h"
+#include "search/query/distinct.h"
+#include "search/ranking/bm25.h"
+#include "search/ranking/parallel.h"
+#include "search/ranking/scorer.h"
+#include "search/ranking/top_documents.h"
+
+namespace kestan::search {
+namespace {
+
+using Kind = Query::Kind;
+
+constexpr std::uint64_t kManyDocuments = 100'000;  // worth threads
+constexpr double kMaxParameter = 1000;
+
+// Whatever a host hands in, scores are numbers that can be compared.
+double InRange(double value, double last) { return value > 0 ? std::min(value, last) : 0.0; }
+
+// The parts of a query without operands, but for what is under NOT.
+void CollectLeaves(const Query& query, std::vector<const Query*>* leaves) {
+  if (query.kind == Kind::kNot) return;
+  if (query.operands.empty()) leaves->push_back(&query);
+  for (const Query& operand : query.operands) CollectLeaves(operand, leaves);
+}
+
+// Returns about how many postings a search reads in `segment`.
+std::uint64_t PostingsToRead(const Query& query, const Segment& segment) {
+  if (query.kind == Kind::kPrefix || query.kind == Kind::kFuzzy) return segment.size();
+  if (query.operands.empty()) {
+    const auto entry = segment.terms().Find(query.word);
+    return entry.ok() && *entry ? (*entry)->documents : 0;
+  }
+  std::uint64_t postings = query.kind == Kind::kNot ? segment.size() : 0;
+  for (const Query& operand : query.operands) postings += PostingsToRead(operand, segment);
+  return postings;
+}
+
+// Returns how many threads are worth starting.
+std::size_t ThreadsFor(const Query& query, const Snapshot& snapshot) {
+  if (snapshot.segments.size() < 2 || snapshot.living_documents() < kManyDocuments) return 1;
+  std::uint64_t postings = 0;
+  for (const auto& segment : snapshot.segments) postings += PostingsToRead(query, *segment);
+  return postings < kManyDocuments ? 1 : snapshot.segments.size();
+}
+
+// What one search does in one segment.
+struct SegmentSearch {
+  std::unique_ptr<Matcher> matcher;
+  ClauseMatches clauses;
+  Found matches;
+  std::vector<RankedDocument> best;
+};
+
+// One search, from the segments to the best documents.
+class Search {
+ public:
+  Search(const Query& query, const Snapshot& snapshot, const SearchOptions& options)
+      : query_(query),
+        snapshot_(snapshot),
+        limit_(options.limit),
+        clauses_(Distinct(ScoringClauses(query))),
+        threads_(ThreadsFor(query, snapshot)),
+        searches_(snapshot.segments.size()) {
+    parameters_.k1 = InRange(options.k1, kMaxParameter);
+    parameters_.b = InRange(options.b, 1);
+    parameters_.proximity_bonus = InRange(options.proximity_bonus, kMaxParameter);
+  }
+
+  Result<RankedDocuments> Run() {
+    ParallelFor(searches_.size(), threads_, [this](std::size_t i) { Match(i); });
+    for (const SegmentSearch& search : searches_) {
+      if (!search.matcher->status().ok()) return search.matcher->status();
+    }
+    WeighClauses();
+    ParallelFor(searches_.size(), threads_, [this](std::size_t i) { Rank(i); });
+    return Merged();
+  }
+
+ private:
+  void Match(std::size_t i) {
+    SegmentSearch& search = searches_[i];
+    const Segment& segment = *snapshot_.segments[i];
+    const bool ranks_pairs = clauses_.size() > 1 && parameters_.proximity_bonus > 0;
+    search.matcher = std::make_unique<Matcher>(segment);
+    search.clauses.with_positions = ranks_pairs && segment.with_positions();
+    for (const Repeated& clause : clauses_) {
+      const Need need = ranks_pairs ? Need::kPositions : Need::kCounts;
+      search.clauses.clauses.push_back(search.matcher->Find(*clause.query, need));
+    }
+    search.matches = search.matcher->Find(query_, Need::kCodes);
+  }
+
+  void WeighClauses() {
+    const auto documents = static_cast<double>(snapshot_.living_documents());
+    const auto words = static_cast<double>(snapshot_.living_words());
+    parameters_.mean_words = words > 0 ? words / documents : 1;
+    for (std::size_t clause = 0; clause < clauses_.size(); ++clause) {
+      std::uint64_t found = 0;
+      for (const SegmentSearch& search : searches_) found += search.clauses.clauses[clause]->size();
+      const double idf = Idf(static_cast<double>(found), documents);
+      parameters_.idfs.push_back(static_cast<double>(clauses_[clause].times) * idf);
+    }
+  }
+
+  void Rank(std::size_t i) {
+    SegmentSearch& search = searches_[i];
+    const std::vector<Code>& codes = search.matches->codes;
+    Scorer scorer(*snapshot_.segments[i], parameters_, search.clauses);
+    const std::vector<double> scores = scorer.Bm25Scores(codes);
+    const double greatest_bonus = scorer.GreatestBonus();
+    const double least = greatest_bonus > 0 ? LeastOfBest(scores) : 0;
+    TopDocuments best(snapshot_, limit_);
+    for (std::size_t k = 0; k < codes.size(); ++k) {
+      if (scores[k] + greatest_bonus < least) continue;
+      const double bonus = greatest_bonus > 0 ? scorer.BonusOf(codes[k]) : 0;
+      best.Add({{static_cast<std::uint32_t>(i), codes[k]}, scores[k] + bonus});
+    }
+    search.best = best.Take();
+  }
+
+  // Returns the score that documents need to be among the best of a segment, if nearness adds
+  // nothing to any of them. As it takes nothing away, no document of a lower score in the end is.
+  double LeastOfBest(const std::vector<double>& scores) const {
+    if (limit_ == 0 || scores.size() <= limit_) return 0;
+    std::vector<double> best(limit_);
+    std::partial_sort_copy(scores.begin(), scores.end(), best.begin(), best.end(),
+                           std::greater<>());
+    return best.back();
+  }
+
+  RankedDocuments Merged() {
+    RankedDocuments ranked;
+    TopDocuments best(snapshot_, limit_);
+    for (const SegmentSearch& search : searches_) {
+      ranked.total += search.matches->size();
+      for (const RankedDocument& document : search.best) best.Add(document);
+    }
+    ranked.best = searches_.size() == 1 ? std::move(searches_.front().best) : best.Take();
+    ranked.terms = MatchedTerms();
+    return ranked;
+  }
+
+  std::vector<std::string> MatchedTerms() const {
+    std::vector<const Query*> leaves;
+    CollectLeaves(query_, &leaves);
+    std::set<std::string> terms;
+    for (const SegmentSearch& search : searches_) {
+      for (const Query* leaf : leaves) {
+        const std::vector<std::string>& found = search.matcher->TermsOf(*leaf);
+        terms.insert(found.begin(), found.end());
+      }
+    }
+    return {terms.begin(), terms.end()};
+  }
+
+  const Query& query_;
+  const Snapshot& snapshot_;
+  const std::size_t limit_;
+  const std::vector<Repeated> clauses_;
+  const std::size_t threads_;
+  ScoringParameters parameters_;
+  std::vector<SegmentSearch> searches_;
+};
+
+}  // namespace
+
+Result<RankedDocuments> RankedSearch(const Query& query, const Snapshot& snapshot,
+                                     const SearchOptions& options) {
+  return Search(query, snapshot, options).Run();
+}
+
+Result<std::uint64_t> CountMatches(const Query& query, const Snapshot& snapshot) {
+  if (query.kind == Kind::kWord) return LivingDocumentsWith(snapshot, query.word);
+  std::vector<std::uint64_t> counts(snapshot.segments.size());
+  std::vector<Status> statuses(counts.size());
+  ParallelFor(counts.size(), ThreadsFor(query, snapshot), [&](std::size_t i) {
+    Matcher matcher(*snapshot.segments[i]);
+    counts[i] = matcher.Find(query, Need::kCodes)->size();
+    statuses[i] = matcher.status();
+  });
+  for (const Status& status : statuses) {
+    if (!status.ok()) return status;
+  }
+  return std::accumulate(counts.begin(), counts.end(), std::uint64_t{0});
+}
+
+}  // namespace kestan::search

@@ -1,0 +1,74 @@
+#include "search/ranking/scorer.h"
+
+#include <algorithm>
+
+#include "search/ranking/proximity.h"
+
+namespace kestan::search {
+namespace {
+
+bool HasCode(const Occurrences& found, std::size_t place, Code code) {
+  return place < found.size() && found.codes[place] == code;
+}
+
+}  // namespace
+
+std::vector<double> Scorer::Bm25Scores(const std::vector<Code>& codes) const {
+  const double fixed = parameters_.k1 * (1 - parameters_.b);
+  const double by_word = parameters_.k1 * parameters_.b / parameters_.mean_words;
+  const DocumentTable& table = segment_.table();
+  std::vector<double> length_norms(codes.size());
+  for (std::size_t i = 0; i < codes.size(); ++i) {
+    length_norms[i] = fixed + by_word * static_cast<double>(table.WordsOf(codes[i]));
+  }
+  std::vector<double> scores(codes.size());
+  for (std::size_t clause = 0; clause < matches_.clauses.size(); ++clause) {
+    AddClause(clause, codes, length_norms, &scores);
+  }
+  return scores;
+}
+
+void Scorer::AddClause(std::size_t clause, const std::vector<Code>& codes,
+                       const std::vector<double>& length_norms, std::vector<double>* scores) const {
+  const Occurrences& found = *matches_.clauses[clause];
+  const double weight = parameters_.idfs[clause] * (parameters_.k1 + 1);
+  const auto add = [&](std::size_t i, std::size_t place) {
+    const auto tf = static_cast<double>(found.counts[place]);
+    (*scores)[i] += weight * tf / (tf + length_norms[i]);
+  };
+  if (&codes == &found.codes) {
+    for (std::size_t i = 0; i < codes.size(); ++i) add(i, i);
+  } else {
+    ForEachCommon(codes, found.codes, add);
+  }
+}
+
+// Of a clause and the next one.
+double Scorer::PairWeight(std::size_t clause) const {
+  return parameters_.proximity_bonus *
+         std::min(parameters_.idfs[clause], parameters_.idfs[clause + 1]);
+}
+
+double Scorer::GreatestBonus() const {
+  double bonus = 0;
+  if (!matches_.with_positions) return bonus;
+  for (std::size_t i = 0; i + 1 < matches_.clauses.size(); ++i) bonus += PairWeight(i);
+  return bonus;
+}
+
+double Scorer::BonusOf(Code code) {
+  double bonus = 0;
+  if (!matches_.with_positions) return bonus;
+  const auto& clauses = matches_.clauses;
+  for (std::size_t i = 0; i + 1 < clauses.size(); ++i) {
+    const std::size_t left = places_.Find(i, *clauses[i], code);
+    const std::size_t right = places_.Find(i + 1, *clauses[i + 1], code);
+    if (!HasCode(*clauses[i], left, code) || !HasCode(*clauses[i + 1], right, code)) continue;
+    const double distance =
+        SmallestDistance(left_.Of(*clauses[i], left), right_.Of(*clauses[i + 1], right));
+    if (distance > 0) bonus += PairWeight(i) / (distance * distance);
+  }
+  return bonus;
+}
+
+}  // namespace kestan::search

@@ -1,0 +1,62 @@
+// Scores of the documents of one segment.
+#ifndef KESTAN_SEARCH_RANKING_SCORER_H_
+#define KESTAN_SEARCH_RANKING_SCORER_H_
+
+#include <cstddef>
+#include <vector>
+
+#include "search/matching/matcher.h"
+#include "search/matching/operators/common.h"
+#include "search/segment/segment.h"
+
+namespace kestan::search {
+
+// What is the same for all segments.
+struct ScoringParameters {
+  double k1 = 0;
+  double b = 0;
+  double mean_words = 1;     // of living documents
+  std::vector<double> idfs;  // of each clause, times how often the query has it
+  double proximity_bonus = 0;
+};
+
+// The occurrences of each clause in one segment, in the order of the idfs. The nearness of a
+// clause to the next one counts only where positions are known.
+struct ClauseMatches {
+  std::vector<Found> clauses;
+  bool with_positions = false;
+};
+
+// Computes the scores of documents that match. All arithmetic is done in one order, so that a score
+// depends on the document and the parameters alone.
+class Scorer {
+ public:
+  // Borrows all.
+  Scorer(const Segment& segment, const ScoringParameters& parameters, const ClauseMatches& matches)
+      : segment_(segment), parameters_(parameters), matches_(matches) {}
+
+  // Returns the sums of the BM25 scores of all clauses for `codes`, which ascend.
+  std::vector<double> Bm25Scores(const std::vector<Code>& codes) const;
+
+  // Returns the most that nearness can add to a score.
+  double GreatestBonus() const;
+
+  // Returns what nearness adds to the score of the document `code`. Called in ascending order.
+  double BonusOf(Code code);
+
+ private:
+  void AddClause(std::size_t clause, const std::vector<Code>& codes,
+                 const std::vector<double>& length_norms, std::vector<double>* scores) const;
+  double PairWeight(std::size_t clause) const;
+
+  const Segment& segment_;
+  const ScoringParameters& parameters_;
+  const ClauseMatches& matches_;
+  Places places_;
+  PositionReader left_;
+  PositionReader right_;
+};
+
+}  // namespace kestan::search
+
+#endif  // KESTAN_SEARCH_RANKING_SCORER_H_
