@@ -38,6 +38,17 @@ struct Answer {
   std::vector<std::string> notes;
 };
 
+DefaultOperator OperatorOf(WordsMean words) {
+  switch (words) {
+    case WordsMean::kAll:
+      return DefaultOperator::kAnd;
+    case WordsMean::kAny:
+      return DefaultOperator::kOr;
+    default:
+      return DefaultOperator::kAndOfQuestion;
+  }
+}
+
 // Returns the percentages that scores are of the best one.
 int PercentOf(double score, double best) {
   if (best <= 0) return 100;
@@ -89,13 +100,13 @@ class IndexReader::Impl {
   }
 
   Result<std::uint64_t> Count(std::string_view query, const SearchOptions& options) const {
-    const bool all = options.words != WordsMean::kAny;
-    auto parsed = ParseQuery(query, all ? DefaultOperator::kAnd : DefaultOperator::kOr);
-    if (!parsed) return std::uint64_t{0};
-    auto count = CountMatches(*parsed, snapshot_);
+    const auto count_with = [&](DefaultOperator words) -> Result<std::uint64_t> {
+      const auto parsed = ParseQuery(query, words, QuotesMean::kPhrase);
+      return parsed ? CountMatches(*parsed, snapshot_) : std::uint64_t{0};
+    };
+    auto count = count_with(OperatorOf(options.words));
     if (!count.ok() || *count > 0 || options.words != WordsMean::kBest) return count;
-    parsed = ParseQuery(query, DefaultOperator::kOr);
-    return CountMatches(*parsed, snapshot_);
+    return count_with(DefaultOperator::kOr);
   }
 
   Result<std::vector<TermInfo>> Terms(std::string_view prefix, std::size_t limit) const {
@@ -167,8 +178,7 @@ class IndexReader::Impl {
 
   // Answers `text`; where all words are wanted and no document has them, with those that have some.
   Result<Answer> Ask(std::string_view text, const SearchOptions& options) const {
-    const bool all = options.words != WordsMean::kAny;
-    auto answer = Ask(text, all ? DefaultOperator::kAnd : DefaultOperator::kOr, options);
+    auto answer = Ask(text, OperatorOf(options.words), options);
     if (!answer.ok() || answer->found.total > 0 || options.words != WordsMean::kBest) return answer;
     auto some = Ask(text, DefaultOperator::kOr, options);
     if (some.ok() && some->found.total > 0) {
@@ -180,7 +190,7 @@ class IndexReader::Impl {
   Result<Answer> Ask(std::string_view text, DefaultOperator words,
                      const SearchOptions& options) const {
     Answer answer;
-    auto query = ParseQuery(text, words);
+    auto query = ParseQuery(text, words, QuotesMean::kPhrase);
     if (!query) {
       answer.notes.emplace_back("the query holds no letters to search for");
       return answer;

@@ -88,11 +88,17 @@ bool IsStop(const Query& query) {
   return query.kind == Query::Kind::kWord && IsStopWord(query.word);
 }
 
-// Drops the stop words of a question, and expands the other words with their inflections.
-std::vector<Query> AsQuestion(std::vector<Query> words) {
+// Drops stop words, unless there are no others.
+std::vector<Query> WithoutStopWords(std::vector<Query> words) {
   if (!std::all_of(words.begin(), words.end(), IsStop)) {
     words.erase(std::remove_if(words.begin(), words.end(), IsStop), words.end());
   }
+  return words;
+}
+
+// Drops the stop words of a question, and expands the other words with their inflections.
+std::vector<Query> AsQuestion(std::vector<Query> words) {
+  words = WithoutStopWords(std::move(words));
   for (Query& query : words) {
     const bool is_inflected = query.kind == Query::Kind::kWord && !HasCapital(query.word);
     if (is_inflected) query.kind = Query::Kind::kInflections;
@@ -138,9 +144,12 @@ class Parser {
 
   MaybeQuery ParseAnd() {
     std::vector<Query> operands;
+    bool is_question = default_operator_ == DefaultOperator::kAndOfQuestion;
     do {
       AppendIfAny(ParseNear(), &operands);
-    } while (Take(Kind::kAnd) || (default_operator_ == DefaultOperator::kAnd && StartsPart()));
+      if (Next().kind == Kind::kAnd) is_question = false;
+    } while (Take(Kind::kAnd) || (default_operator_ != DefaultOperator::kOr && StartsPart()));
+    if (is_question) operands = WithoutStopWords(std::move(operands));
     return Combined(Query::Kind::kAnd, std::move(operands));
   }
 

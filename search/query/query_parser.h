@@ -14,8 +14,9 @@ constexpr unsigned kMaxQueryDepth = 200;
 
 // The operator of words side by side.
 enum class DefaultOperator {
-  kAnd,  // documents must hold all of them
-  kOr,   // documents must hold any of them, as for a question in plain words
+  kAnd,            // documents must hold all of them
+  kAndOfQuestion,  // the same, for a question in plain words: stop words are left out
+  kOr,             // documents must hold any of them, as for a question in plain words
 };
 
 // Parses `text`, whatever it holds:
@@ -36,6 +37,8 @@ enum class DefaultOperator {
 //
 // With kOr, words side by side mean OR, and NOT beside them excludes documents. Among the words so
 // joined, stop words are left out unless all are, and words in lower case become kInflections.
+//
+// With kAndOfQuestion, stop words side by side with others are left out, unless all are stop words.
 //
 //   Returns  nothing if no letters are left.
 std::optional<Query> ParseQuery(std::string_view text,

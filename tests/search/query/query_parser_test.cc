@@ -363,5 +363,23 @@ TEST(PhraseTest, QuestionsKeepPhrasesWithTheirStopWords) {
             "(or (phrase to be) (inflections flow))");
 }
 
+std::string AllOf(const std::string& text) { return Parsed(text, DefaultOperator::kAndOfQuestion); }
+
+TEST(QueryParserTest, AQuestionForAllWordsLeavesStopWordsOut) {
+  EXPECT_EQ(AllOf("the flow of air"), "(and flow air)");
+  EXPECT_EQ(AllOf("the flow -of"), "(and flow (not of))");
+  EXPECT_EQ(AllOf("the flow OR air"), "(or flow air)");
+}
+
+TEST(QueryParserTest, AQuestionOfStopWordsAloneKeepsThem) {
+  EXPECT_EQ(AllOf("to be or not to be"), "(and to be or not to be)");
+  EXPECT_EQ(AllOf("the"), "the");
+}
+
+TEST(QueryParserTest, AnOperatorKeepsStopWords) {
+  EXPECT_EQ(AllOf("the AND flow"), "(and the flow)");
+  EXPECT_EQ(AllOf("the NEAR/2 flow"), "(near the 2:flow)");
+}
+
 }  // namespace
 }  // namespace kestan::search
