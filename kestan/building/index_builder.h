@@ -37,15 +37,16 @@ KESTAN_EXPORT void AppendPosting(Code code, std::string* record);
 //   builder.AddWord("hello", record);
 //   if (builder.Finish() != kestan::StoreError::kNone) return 1;
 //
-// Every Add... returns where its record lies; {} after an error, which Finish() reports. No key may
-// come twice: Finish() then fails with kUnknown. Use it from one thread at a time.
+// Every Add... returns where its record lies; {} after an error, which Finish() reports. A record
+// moves only where hundreds of keys have one hash, and then its key is no longer at the old place.
+// No key may come twice: Finish() then fails with kUnknown. Use it from one thread at a time.
 class KESTAN_EXPORT IndexBuilder {
  public:
   struct Options {
     std::uint32_t option_flags = 0;  // see kFlagNoPositions
 
-    // About how many there will be; 0 if nobody knows. Need not be right, but with about so many
-    // the file is the smallest.
+    // About how many there will be, two for each document; 0 if nobody knows. Need not be right,
+    // but with about so many the file is the smallest.
     std::size_t expected_records = 0;
   };
 
@@ -73,8 +74,9 @@ class KESTAN_EXPORT IndexBuilder {
   RecordPlace AddSideRecord(SideRecord kind, std::string_view name, std::string_view text);
 
   // Writes buckets, directory and header, and closes the file. Does not sync it.
-  //   Returns  kNone, or the first error: kFileWrite, kFileSeek, kFileClose (errno says why),
-  //            kDirectoryOverflow (too many keys of one hash), kUnknown (a key came twice).
+  //   Returns  kNone, or the first error: kFileWrite, kFileRead, kFileClose (errno says why),
+  //            kMalformedData (a key or text past 2,147,483,647 bytes), kDirectoryOverflow (too
+  //            many keys of one hash), kUnknown (a key came twice); kNotOpen without a file.
   StoreError Finish();
 
  private:

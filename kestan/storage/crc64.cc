@@ -4,6 +4,7 @@
 
 #include <endian.h>
 
+#include <climits>
 #include <cstring>
 
 namespace kestan {
@@ -20,10 +21,13 @@ std::uint64_t LoadEight(const char* bytes) {
 // Returns the remainder of eight bytes that are followed by `kAfter` other bytes.
 template <std::size_t kAfter>
 std::uint64_t RemainderOf(std::uint64_t eight) {
-  return kTables[kAfter + 7][eight & 0xff] ^ kTables[kAfter + 6][eight >> 8 & 0xff] ^
-         kTables[kAfter + 5][eight >> 16 & 0xff] ^ kTables[kAfter + 4][eight >> 24 & 0xff] ^
-         kTables[kAfter + 3][eight >> 32 & 0xff] ^ kTables[kAfter + 2][eight >> 40 & 0xff] ^
-         kTables[kAfter + 1][eight >> 48 & 0xff] ^ kTables[kAfter][eight >> 56];
+  const auto byte = [eight](unsigned index) {
+    return static_cast<std::uint8_t>(eight >> CHAR_BIT * index);
+  };
+  return kTables[kAfter + 7][byte(0)] ^ kTables[kAfter + 6][byte(1)] ^
+         kTables[kAfter + 5][byte(2)] ^ kTables[kAfter + 4][byte(3)] ^
+         kTables[kAfter + 3][byte(4)] ^ kTables[kAfter + 2][byte(5)] ^
+         kTables[kAfter + 1][byte(6)] ^ kTables[kAfter][byte(7)];
 }
 
 }  // namespace

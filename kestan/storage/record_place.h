@@ -1,4 +1,4 @@
-// Where a record lies in an gdbm file.
+// Where a record lies in a gdbm file.
 #ifndef KESTAN_STORAGE_RECORD_PLACE_H_
 #define KESTAN_STORAGE_RECORD_PLACE_H_
 
@@ -6,8 +6,8 @@
 
 namespace kestan {
 
-// The key lies at `offset`, the value right after it. True as long as nobody changes the file:
-// whoever reads a value through it must compare the key first.
+// The key lies at `offset`, the value right after it. True as long as nobody changes the file.
+// Whoever reads a value through it compares the key first.
 struct RecordPlace {
   std::uint64_t offset = 0;  // in bytes; 0, where the header is, stands for no record
   std::uint32_t key_bytes = 0;

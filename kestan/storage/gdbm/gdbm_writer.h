@@ -28,8 +28,8 @@ class Writer {
   Writer& operator=(const Writer&) = delete;
 
   // Creates the file at `path`, where there must be none. `expected_records`, 0 if nobody knows,
-  // need not be right: memory is reserved for so many, 24 bytes each, and with about so many the
-  // file is the smallest.
+  // need not be right: memory is reserved for up to 4 million, 24 bytes each, and with about so
+  // many the file is the smallest.
   //   Returns  kNone; kNotOpen where a file is open already; kFileOpen, errno says why.
   StoreError Create(const char* path, std::size_t expected_records);
 
