@@ -31,7 +31,7 @@ class IndexBuilderTest : public testing::Test {
 
   // What the file holds at `place`: the key and the value.
   std::pair<std::string, std::string> At(const RecordPlace& place) const {
-    const std::string bytes = ReadFile(path_).substr(place.offset);
+    const std::string bytes = ReadFile(path_).substr(static_cast<std::size_t>(place.offset));
     return {bytes.substr(0, place.key_bytes), bytes.substr(place.key_bytes, place.value_bytes)};
   }
 
