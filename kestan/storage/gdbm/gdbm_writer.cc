@@ -68,6 +68,7 @@ RecordPlace Writer::Add(std::string_view key, std::string_view value) {
   elements_.push_back(element);
   Append(key);
   Append(value);
+  if (error_ != StoreError::kNone) return {};
   return {element.data, static_cast<std::uint32_t>(key.size()),
           static_cast<std::uint32_t>(value.size())};
 }

@@ -204,7 +204,7 @@ TEST_F(GdbmWriterFaultsTest, WriterGoesOnWithAnotherFileAfterAnError) {
     errno = ENOSPC;
     return -1;
   };
-  writer.Add("large", std::string(2 << 20, 'x'));
+  EXPECT_EQ(writer.Add("large", std::string(2 << 20, 'x')).offset, 0u);
   EXPECT_EQ(writer.Add("key", "value").offset, 0u);
   EXPECT_FALSE(writer.Contains("large", 1));
   EXPECT_EQ(writer.Finish(), StoreError::kFileWrite);
