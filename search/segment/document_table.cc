@@ -233,15 +233,13 @@ bool DocumentTable::IsSound(std::size_t offset, std::size_t bytes) const {
 
 // Returns the bytes of the record of the document, none if it is damaged.
 ByteReader DocumentTable::RecordOf(Code code) const {
+  if (code == 0 || code > size_) return {};
   const std::size_t at = (std::size_t{code} - 1) * kStartBytes;
   if (!IsSound(at, 2 * kStartBytes)) return {};
   const std::size_t records = (size_ + 1) * kStartBytes + size_ * kCodeBytes;
   const std::size_t start = NumberAt<std::uint32_t>(parts_.data() + at);
   const std::size_t end = NumberAt<std::uint32_t>(parts_.data() + at + kStartBytes);
-  if (start >= end || end > parts_.size() - records) {
-    Damaged();
-    return {};
-  }
+  if (start >= end || end > parts_.size() - records) return {};
   if (!IsSound(records + start, end - start)) return {};
   return ByteReader(parts_.substr(records + start, end - start));
 }

@@ -84,12 +84,14 @@ class DocumentTable {
   // Returns the sum of the words of all documents.
   std::uint64_t words() const { return all_words_; }
 
-  // Returns how many words the document has. `code` must be 1 to size(), here and below.
+  // Returns how many words the document has; 0 where there is no document `code`.
   std::uint32_t WordsOf(Code code) const {
-    return NumberAt<std::uint32_t>(words_ + (std::size_t{code} - 1) * sizeof(std::uint32_t));
+    const std::size_t index = std::size_t{code} - 1;
+    return index < size_ ? NumberAt<std::uint32_t>(words_ + index * sizeof(std::uint32_t)) : 0;
   }
 
-  // Returns "" if it is damaged. A view that ends with the table.
+  // Returns "" if it is damaged, and where there is no document `code`. A view that ends with the
+  // table.
   std::string_view NameOf(Code code) const;
   std::uint32_t AddedOf(Code code) const { return EntryOf(code).added; }
   DocumentEntry EntryOf(Code code) const;

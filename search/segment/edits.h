@@ -37,7 +37,7 @@ class Edits {
   std::string Encode() const;
 
   // No edits, for a segment of `documents` documents.
-  explicit Edits(std::size_t documents) : removed_(documents + 1) {}
+  explicit Edits(std::size_t documents) : removed_(documents + 1) { removed_[0] = true; }
 
   // `code` must be that of a document, here and below. Forgets other edits of it.
   void Remove(Code code);
@@ -47,7 +47,9 @@ class Edits {
   void SetField(Code code, DocumentField field, std::string_view value);
 
   bool empty() const { return removed_count_ == 0 && edited_.empty(); }
-  bool IsRemoved(Code code) const { return removed_[code]; }
+
+  // Returns whether there is no living document `code`, which may be any number.
+  bool IsRemoved(Code code) const { return code >= removed_.size() || removed_[code]; }
   std::size_t removed_count() const { return removed_count_; }
 
   // Returns what has changed of the document; null for nothing. Lent until the next change.
@@ -60,7 +62,7 @@ class Edits {
   bool ReadRemoved(ByteReader* reader);
   bool ReadEdited(ByteReader* reader);
 
-  std::vector<bool> removed_;  // by code
+  std::vector<bool> removed_;  // by code; also 0, which no document has
   std::size_t removed_count_ = 0;
   std::map<Code, DocumentEdit> edited_;
   std::map<std::string, Code, std::less<>> renamed_;

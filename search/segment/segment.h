@@ -44,9 +44,15 @@ class Segment {
   const TermDictionary& terms() const;
   const Edits& edits() const { return edits_; }
 
+  // Returns kDamaged if a part of the document table that was read so far is damaged: names from
+  // there were empty, and not found. Whoever believes names must ask here afterwards.
+  Status status() const { return table().status(); }
+
   // ---- Documents, edits included ----
 
   std::size_t size() const { return table().size(); }  // removed documents among them
+
+  // Returns whether there is no living document `code`, which may be any number.
   bool IsRemoved(Code code) const { return edits_.IsRemoved(code); }
   std::string_view NameOf(Code code) const;
   std::uint32_t AddedOf(Code code) const;
@@ -72,6 +78,14 @@ class Segment {
   struct Files;  // shared by segments that differ in their edits
 
   Segment() = default;
+  static Result<std::shared_ptr<const Files>> OpenFiles(const std::string& folder,
+                                                        const SegmentInfo& info);
+  static Result<Edits> ReadEdits(const std::string& folder, const SegmentInfo& info);
+  bool HasFilesOf(const SegmentInfo& info) const;
+  void CountLiving();
+
+  // Reads the value of `key` at `place`; nothing where another key stands there.
+  std::optional<Bytes> RecordAt(std::string_view key, const RecordPlace& place) const;
   Result<Bytes> ReadRecord(std::string_view key, const RecordPlace& place) const;
 
   std::shared_ptr<const Files> files_;

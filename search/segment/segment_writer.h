@@ -29,8 +29,12 @@ struct SegmentDocument {
 // order of their bytes.
 class SegmentWriter {
  public:
+  SegmentWriter() = default;
+  SegmentWriter(const SegmentWriter&) = delete;
+  SegmentWriter& operator=(const SegmentWriter&) = delete;
+
   // Creates the files of segment `number` in the folder `folder`. `expected_terms` and
-  // `expected_documents` decide how the index file is laid out.
+  // `expected_documents` decide how the index file is laid out. Once for each writer.
   Status Create(const std::string& folder, std::uint64_t number, bool with_positions,
                 std::size_t expected_documents, std::size_t expected_terms);
   ~SegmentWriter();  // without Finish(), the files are removed
@@ -42,13 +46,17 @@ class SegmentWriter {
   // ascending order of codes. A term whose key belongs to another record is left out.
   void AddTerm(std::string_view term, std::uint32_t documents, std::string_view record);
 
-  // Finishes, syncs and sums up the files.
+  // Finishes, syncs and sums up the files. The folder is the caller's to sync.
+  //   Returns  the first error; the destructor then removes the files.
   Result<SegmentInfo> Finish();
 
  private:
+  std::string Path(const std::string& file) const { return folder_ + "/" + file; }
+  Status FinishIndexFile();
+
   std::string folder_;
   SegmentInfo info_;
-  bool is_open_ = false;
+  bool is_open_ = false;  // there are files to remove
   IndexBuilder builder_;
   TermDictionaryWriter terms_;
   DocumentTableWriter table_;

@@ -1,0 +1,95 @@
+// Small segments for tests.
+#ifndef KESTAN_TESTS_SEARCH_SEGMENT_SEGMENT_FILES_H_
+#define KESTAN_TESTS_SEARCH_SEGMENT_SEGMENT_FILES_H_
+
+#include <kestan/index_builder.h>
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "search/segment/segment.h"
+#include "search/segment/segment_writer.h"
+
+namespace kestan::search {
+
+struct PlainDocument {
+  std::string name;
+  std::string words;  // separated by blanks
+  std::array<std::string, kDocumentFields> fields;
+};
+
+// What a posting record of each word holds: codes with positions.
+using PlainPostings = std::map<std::string, std::map<Code, std::vector<Position>>>;
+
+inline PlainPostings InvertPlainly(const std::vector<PlainDocument>& documents) {
+  PlainPostings postings;
+  Code code = 0;
+  for (const PlainDocument& document : documents) {
+    ++code;
+    std::istringstream words(document.words);
+    Position position = 0;
+    for (std::string word; words >> word;) postings[word][code].push_back(++position);
+  }
+  return postings;
+}
+
+inline std::string RecordOf(const std::map<Code, std::vector<Position>>& postings,
+                            bool with_positions) {
+  std::string record;
+  for (const auto& [code, positions] : postings) {
+    if (with_positions) {
+      AppendPosting(code, Positions{positions.data(), positions.size()}, &record);
+    } else {
+      AppendPosting(code, &record);
+    }
+  }
+  return record;
+}
+
+// Hands all documents and words to the writer. Document i (from 1) was added in second 1000 + i.
+inline void FillSegment(const std::vector<PlainDocument>& documents, bool with_positions,
+                        SegmentWriter* writer) {
+  std::uint32_t added = 1000;
+  for (const PlainDocument& plain : documents) {
+    SegmentDocument document;
+    document.name = plain.name;
+    document.added = ++added;
+    std::istringstream words(plain.words);
+    for (std::string word; words >> word;) ++document.words;
+    for (std::size_t i = 0; i < kDocumentFields; ++i) document.fields[i] = plain.fields[i];
+    writer->AddDocument(document);
+  }
+  for (const auto& [word, postings] : InvertPlainly(documents)) {
+    const auto count = static_cast<std::uint32_t>(postings.size());
+    writer->AddTerm(word, count, RecordOf(postings, with_positions));
+  }
+}
+
+inline Result<SegmentInfo> WriteSegment(const std::string& folder, std::uint64_t number,
+                                        const std::vector<PlainDocument>& documents,
+                                        bool with_positions = true) {
+  SegmentWriter writer;
+  Status status = writer.Create(folder, number, with_positions, documents.size(), 100);
+  if (!status.ok()) return status;
+  FillSegment(documents, with_positions, &writer);
+  return writer.Finish();
+}
+
+// Writes the edits as those number `edit_number` of the segment, and says so in `info`.
+inline void WriteEdits(const std::string& folder, const Edits& edits, std::uint64_t edit_number,
+                       SegmentInfo* info) {
+  info->edit_number = edit_number;
+  info->removed = static_cast<std::uint32_t>(edits.removed_count());
+  OutputFile file;
+  if (!file.Create(folder + "/" + EditsFile(*info)).ok()) return;
+  file.Write(edits.Encode());
+  info->edits = *file.Finish();
+}
+
+}  // namespace kestan::search
+
+#endif  // KESTAN_TESTS_SEARCH_SEGMENT_SEGMENT_FILES_H_
