@@ -75,14 +75,14 @@ Found Matcher::FindNear(const Query& query, Need need) {
     operands.push_back(Find(operand, Need::kPositions));
     distances.push_back(operand.distance_words);
   }
-  return Shared(Near(operands, distances));
+  return Shared(Near(operands, distances, need));
 }
 
 Found Matcher::FindPhrase(const Query& query, Need need) {
   if (!segment_.with_positions()) return FindAnd(query, need);
   std::vector<Found> operands;
   for (const Query& operand : query.operands) operands.push_back(Find(operand, Need::kPositions));
-  return Shared(Phrase(operands));
+  return Shared(Phrase(operands, need));
 }
 
 Occurrences Matcher::FindLeaf(const Query& leaf, Need need, std::vector<std::string>* terms) {

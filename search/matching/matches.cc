@@ -12,6 +12,12 @@ void Occurrences::Append(Code code, Positions where) {
   starts.push_back(static_cast<std::uint32_t>(positions.size()));
 }
 
+Positions Known(Positions positions) {
+  if (positions.count == 0 || *positions.first != 0) return positions;
+  const Position* const first = std::upper_bound(positions.begin(), positions.end(), Position{0});
+  return {first, static_cast<std::size_t>(positions.end() - first)};
+}
+
 Positions PositionReader::Of(const Occurrences& found, std::size_t index) {
   if (found.record.view().empty()) {
     const std::uint32_t start = found.starts[index];
@@ -19,17 +25,18 @@ Positions PositionReader::Of(const Occurrences& found, std::size_t index) {
   }
   const EncodedPositions encoded(found.record.view().data() + found.starts[index],
                                  found.counts[index]);
-  copy_.resize(encoded.size());
-  bool is_ascending = true;
+  const std::size_t count = encoded.size();
+  if (copy_.size() < count) copy_.resize(count);
+  Position* const copy = copy_.data();
+  unsigned falls = 0;
   Position previous = 0;
-  for (std::size_t i = 0; i < copy_.size(); ++i) {
+  for (std::size_t i = 0; i < count; ++i) {
     const Position position = encoded[i];
-    is_ascending &= previous <= position;
-    previous = copy_[i] = position;
+    falls |= static_cast<unsigned>(position < previous);
+    previous = copy[i] = position;
   }
-  // After 65535 comes 1 again.
-  if (!is_ascending) std::sort(copy_.begin(), copy_.end());
-  return {copy_.data(), copy_.size()};
+  if (falls != 0) std::sort(copy, copy + count);  // after 65535 comes 1 again
+  return {copy, count};
 }
 
 }  // namespace kestan::search

@@ -34,6 +34,9 @@ struct Occurrences {
   void Append(Code code, Positions where);
 };
 
+// Returns the positions, which ascend, without those that may be anywhere: 0, before all others.
+Positions Known(Positions positions);
+
 // Reads positions in ascending order. A document of more than 65535 words may hold one twice.
 class PositionReader {
  public:

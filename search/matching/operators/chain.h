@@ -2,7 +2,9 @@
 #ifndef KESTAN_SEARCH_MATCHING_OPERATORS_CHAIN_H_
 #define KESTAN_SEARCH_MATCHING_OPERATORS_CHAIN_H_
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "search/matching/operators/common.h"
@@ -11,27 +13,33 @@
 namespace kestan::search {
 
 // Finds the documents of all `operands` in which positions are left after going from one operand to
-// the next. `keep(i, before, after, &kept)` appends to `kept`, in ascending order, those positions
-// that the operand i and those before it leave, where `before` was left so far.
+// the next. `keep(i, before, after, kept)` writes to `kept`, which has room for all, in ascending
+// order, those positions that the operand i and those before it leave, where `before` was left so
+// far; it returns how many they are.
 template <typename Keep>
-Occurrences MatchChain(const std::vector<Found>& operands, Keep keep) {
+Occurrences MatchChain(const std::vector<Found>& operands, Need need, Keep keep) {
   Occurrences found;
   Places places;
-  PositionReader reader;
+  PositionReader first;
+  PositionReader next;
   std::vector<Position> before;
   std::vector<Position> kept;
   for (const Code code : CommonCodes(operands)) {
-    const auto where = [&](std::size_t i) {
-      return reader.Of(*operands[i], places.Find(i, *operands[i], code));
-    };
-    const Positions first = where(0);
-    kept.assign(first.begin(), first.end());
-    for (std::size_t i = 1; i < operands.size() && !kept.empty(); ++i) {
+    Positions left = first.Of(*operands[0], places.Find(0, *operands[0], code));
+    for (std::size_t i = 1; i < operands.size() && left.count > 0; ++i) {
+      const Positions after = next.Of(*operands[i], places.Find(i, *operands[i], code));
+      kept.resize(std::max(kept.size(), left.count + after.count));
+      left.count = keep(i, left, after, kept.data());
       before.swap(kept);
-      kept.clear();
-      keep(i, Positions{before.data(), before.size()}, where(i), &kept);
+      left.first = before.data();
     }
-    if (!kept.empty()) found.Append(code, {kept.data(), kept.size()});
+    if (left.count == 0) continue;
+    if (need == Need::kPositions) {
+      found.Append(code, left);
+    } else {
+      found.codes.push_back(code);
+      found.counts.push_back(static_cast<std::uint32_t>(left.count));
+    }
   }
   return found;
 }

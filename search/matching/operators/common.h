@@ -57,8 +57,10 @@ class Places {
   // Returns the place of `code` in `found`, the list number `list`, or of the first code after it.
   std::size_t Find(std::size_t list, const Occurrences& found, Code code) {
     if (list >= next_.size()) next_.resize(list + 1);
-    next_[list] = SeekCode(found.codes, next_[list], code);
-    return next_[list];
+    std::size_t& next = next_[list];
+    const bool is_here = next < found.size() && found.codes[next] == code;
+    if (!is_here) next = SeekCode(found.codes, next, code);
+    return next;
   }
 
  private:

@@ -7,58 +7,61 @@
 namespace kestan::search {
 namespace {
 
-// What may be anywhere has position 0, before all others.
 bool HasAnywhere(Positions positions) { return positions.count > 0 && *positions.first == 0; }
 
-// Goes through two lists at once. A position that stands in the list several times is looked at
-// once.
-class NearbyPositions {
- public:
-  NearbyPositions(Positions others, int distance)
-      : next_(others.begin()), end_(others.end()), distance_(distance) {}
+// Returns whether `position`, at `other` in a list, is near one that comes after it there.
+bool HasNextNear(const Position* other, const Position* end, int last) {
+  const Position* const next = std::upper_bound(other, end, *other);
+  return next != end && *next <= last;
+}
 
-  // Returns whether one of the others is near `position`, which is not before the last one asked.
-  bool Has(int position) {
-    if (position == last_) return last_answer_;
-    while (next_ != end_ && *next_ < position - distance_) ++next_;
-    const Position* other = next_;
-    // What stands in the same place is not near.
-    if (other != end_ && *other == position) other = std::upper_bound(other, end_, *other);
-    if (other != end_ && *other < position) {
-      last_answer_ = true;
-    } else {
-      last_answer_ = other != end_ && *other <= position + distance_;
+// Keeps of `after` what is near one of `before`. Steps are taken without branches: which list
+// comes next cannot be predicted.
+std::size_t KeepNearKnown(Positions before, Positions after, int distance, Position* kept) {
+  std::size_t size = 0;
+  std::size_t i = 0;
+  std::size_t j = 0;
+  std::size_t was_near = 0;
+  while (i < before.count && j < after.count) {
+    const int other = before.first[i];
+    const int position = after.first[j];
+    const auto is_behind = static_cast<std::size_t>(other < position - distance);
+    auto is_near = static_cast<std::size_t>(other <= position + distance) & (is_behind ^ 1);
+    if (other == position) {  // what stands in the same place is not near
+      const bool is_repeated = j > 0 && after.first[j - 1] == position;
+      is_near =
+          is_repeated ? was_near : HasNextNear(before.first + i, before.end(), position + distance);
     }
-    last_ = position;
-    return last_answer_;
+    kept[size] = after.first[j];
+    size += is_near;
+    i += is_behind;
+    j += is_behind ^ 1;
+    was_near = is_near;
   }
+  return size;
+}
 
- private:
-  const Position* next_;
-  const Position* const end_;
-  const int distance_;
-  int last_ = -1;
-  bool last_answer_ = false;
-};
-
-void KeepNear(Positions before, Positions after, int distance, std::vector<Position>* kept) {
-  NearbyPositions nearby(before, std::min<int>(distance, kMaxPosition));
-  const bool all = HasAnywhere(before);
-  for (const Position position : after) {
-    if (position != 0 && (all || nearby.Has(position))) kept->push_back(position);
+std::size_t KeepNear(Positions before, Positions after, int distance, Position* kept) {
+  const Positions known = Known(after);
+  std::size_t size = known.count;
+  if (HasAnywhere(before)) {
+    std::copy(known.begin(), known.end(), kept);
+  } else {
+    size = KeepNearKnown(before, known, std::min<int>(distance, kMaxPosition), kept);
   }
-  if (!HasAnywhere(after)) return;
-  kept->insert(kept->end(), before.begin(), before.end());
-  std::sort(kept->begin(), kept->end());
+  if (known.count == after.count) return size;
+  Position* const end = std::copy(before.begin(), before.end(), kept + size);
+  std::sort(kept, end);
+  return static_cast<std::size_t>(end - kept);
 }
 
 }  // namespace
 
-Occurrences Near(const std::vector<Found>& operands, const std::vector<int>& distances) {
-  return MatchChain(
-      operands, [&](std::size_t i, Positions before, Positions after, std::vector<Position>* kept) {
-        KeepNear(before, after, distances[i], kept);
-      });
+Occurrences Near(const std::vector<Found>& operands, const std::vector<int>& distances, Need need) {
+  return MatchChain(operands, need,
+                    [&](std::size_t i, Positions before, Positions after, Position* kept) {
+                      return KeepNear(before, after, distances[i], kept);
+                    });
 }
 
 }  // namespace kestan::search

@@ -55,10 +55,10 @@ Occurrences Subtract(const Segment& segment, const Occurrences& operand, Need ne
 
 // Finds the documents in which each operand is at most distances[i] positions from the one before.
 // All operands have positions. distances[0] means nothing.
-Occurrences Near(const std::vector<Found>& operands, const std::vector<int>& distances);
+Occurrences Near(const std::vector<Found>& operands, const std::vector<int>& distances, Need need);
 
 // Finds the documents in which each operand is one position after the one before.
-Occurrences Phrase(const std::vector<Found>& operands);
+Occurrences Phrase(const std::vector<Found>& operands, Need need);
 
 }  // namespace kestan::search
 

@@ -18,7 +18,7 @@ using kestan_tests::PlacesIn;
 using List = std::vector<Position>;
 
 Places NearPlaces(const Places& first, int distance, const Places& second) {
-  return PlacesIn(Near({At(first), At(second)}, {0, distance}));
+  return PlacesIn(Near({At(first), At(second)}, {0, distance}, Need::kPositions));
 }
 
 // In one document, of two words.
@@ -44,13 +44,14 @@ TEST(NearTest, PositionsOfTheLastOperandAreKept) {
 }
 
 TEST(NearTest, CountIsTheNumberOfPositionsKept) {
-  const Occurrences found = Near({At({{4, {5}}}), At({{4, {3, 6, 50}}})}, {0, 2});
+  const Occurrences found = Near({At({{4, {5}}}), At({{4, {3, 6, 50}}})}, {0, 2}, Need::kCounts);
   EXPECT_EQ(found.counts, std::vector<std::uint32_t>{2});
 }
 
 TEST(NearTest, EachOperandHasItsOwnDistance) {
   const auto chain = [](int first, int second) {
-    return PlacesIn(Near({At({{1, {10}}}), At({{1, {12}}}), At({{1, {17}}})}, {0, first, second}));
+    return PlacesIn(Near({At({{1, {10}}}), At({{1, {12}}}), At({{1, {17}}})}, {0, first, second},
+                         Need::kPositions));
   };
   EXPECT_EQ(chain(2, 5), (Places{{1, {17}}}));
   EXPECT_EQ(chain(1, 5), Places{});
@@ -71,6 +72,8 @@ TEST(NearTest, NothingIsNearBeyondTheLastPosition) { EXPECT_EQ(NearIn({65535}, 2
 TEST(NearTest, WhatMayBeAnywhereIsNearEverything) {
   EXPECT_EQ(NearIn({0}, 1, {9}), List{9});
   EXPECT_EQ(NearIn({9}, 1, {0}), List{9});
+  EXPECT_EQ(NearIn({2}, 8, {0}), List{2});
+  EXPECT_EQ(NearIn({2}, 8, {0, 3}), (List{2, 3}));
   EXPECT_EQ(NearIn({0}, 1, {0}), List{0});
   EXPECT_EQ(NearIn({0, 3}, 1, {9}), List{9});
 }

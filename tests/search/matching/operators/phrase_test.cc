@@ -15,7 +15,7 @@ using List = std::vector<Position>;
 List PhraseIn(const std::vector<List>& words) {
   std::vector<Found> operands;
   for (const List& word : words) operands.push_back(At({{1, word}}));
-  const Places found = PlacesIn(Phrase(operands));
+  const Places found = PlacesIn(Phrase(operands, Need::kPositions));
   return found.empty() ? List{} : found.at(1);
 }
 
@@ -48,8 +48,8 @@ TEST(PhraseOperatorTest, NothingComesAfterTheLastPosition) {
 }
 
 TEST(PhraseOperatorTest, DocumentsNeedAllWords) {
-  const Occurrences found =
-      Phrase({At({{1, {1}}, {2, {1}}, {3, {1}}}), At({{2, {2}}, {3, {3}}, {4, {2}}})});
+  const Occurrences found = Phrase(
+      {At({{1, {1}}, {2, {1}}, {3, {1}}}), At({{2, {2}}, {3, {3}}, {4, {2}}})}, Need::kPositions);
   EXPECT_EQ(PlacesIn(found), (Places{{2, {2}}}));
 }
 
