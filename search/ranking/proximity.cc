@@ -1,6 +1,10 @@
 #include "search/ranking/proximity.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdlib>
+
+#include "search/matching/matches.h"
 
 namespace kestan::search {
 namespace {
@@ -12,17 +16,11 @@ const Position* LastOfRun(const Position* place, const Position* end) {
   return std::upper_bound(place, end, *place) - 1;
 }
 
-const Position* FirstKnown(Positions positions) {
-  return std::upper_bound(positions.begin(), positions.end(), Position{0});
-}
-
-}  // namespace
-
-// Of positions that ascend, the nearest are neighbours in the merged list. What stands in one place
-// is compared with what comes before and after it.
-int SmallestDistance(Positions left, Positions right) {
-  const Position* a = FirstKnown(left);
-  const Position* b = FirstKnown(right);
+// The nearest are neighbours in the merged list. What stands in the same place is compared with
+// what comes before and after it.
+int DistanceBesideSame(Positions left, Positions right) {
+  const Position* a = left.begin();
+  const Position* b = right.begin();
   int last_a = -kNone;  // the last position gone past in each list
   int last_b = -kNone;
   int smallest = kNone;
@@ -44,6 +42,23 @@ int SmallestDistance(Positions left, Positions right) {
       b = LastOfRun(b, right.end()) + 1;
     }
   }
+  return smallest;
+}
+
+}  // namespace
+
+// Each step goes on in the list that is behind, without a branch: which one cannot be predicted.
+int SmallestDistance(Positions left, Positions right) {
+  left = Known(left);
+  right = Known(right);
+  int smallest = kNone;
+  for (std::size_t i = 0, j = 0; i < left.count && j < right.count;) {
+    const int difference = right.first[j] - left.first[i];
+    smallest = std::min(smallest, std::abs(difference));
+    i += static_cast<std::size_t>(difference >= 0);
+    j += static_cast<std::size_t>(difference < 0);
+  }
+  if (smallest == 0) smallest = DistanceBesideSame(left, right);  // rare: Cat beside cat
   return smallest < kNone ? smallest : 0;
 }
 

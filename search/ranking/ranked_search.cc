@@ -139,14 +139,18 @@ class Search {
     return best.back();
   }
 
-  RankedDocuments Merged() {
+  Result<RankedDocuments> Merged() {
     RankedDocuments ranked;
     TopDocuments best(snapshot_, limit_);
     for (const SegmentSearch& search : searches_) {
       ranked.total += search.matches->size();
       for (const RankedDocument& document : search.best) best.Add(document);
     }
-    ranked.best = searches_.size() == 1 ? std::move(searches_.front().best) : best.Take();
+    ranked.best = best.TakeSorted();
+    for (const auto& segment : snapshot_.segments) {  // names may have been read
+      Status status = segment->table().status();
+      if (!status.ok()) return status;
+    }
     ranked.terms = MatchedTerms();
     return ranked;
   }

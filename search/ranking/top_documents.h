@@ -10,27 +10,32 @@
 
 namespace kestan::search {
 
-// Keeps the documents of the highest scores; of equal score, those whose names come first in order
-// of bytes; of equal name, those of the first segment. Reads names only where scores are equal.
+// Keeps the documents of the highest scores, which are 0 or more; of equal score, those whose names
+// come first in order of bytes; of equal name, those of the first segment. Reads names only where
+// scores are equal.
 class TopDocuments {
  public:
   // Borrows `snapshot`. Keeps `limit` documents; 0: all.
   TopDocuments(const Snapshot& snapshot, std::size_t limit);
 
   void Add(const RankedDocument& document) {
-    if (limit_ != 0 && heap_.size() == limit_ && document.score < heap_.front().score) return;
-    AddToHeap(document);
+    if (is_full_ && document.score < best_.front().score) return;
+    Keep(document);
   }
 
-  // Returns them, the best first. Nothing may be added after it.
+  // Returns them, in any order. Nothing may be added after it.
   std::vector<RankedDocument> Take();
 
+  // Returns them, the best first. Nothing may be added after it.
+  std::vector<RankedDocument> TakeSorted();
+
  private:
-  void AddToHeap(const RankedDocument& document);
+  void Keep(const RankedDocument& document);
 
   const Snapshot& snapshot_;
   const std::size_t limit_;
-  std::vector<RankedDocument> heap_;  // the worst on top, if there is a limit
+  bool is_full_ = false;
+  std::vector<RankedDocument> best_;  // a heap with the worst on top, once it is full
 };
 
 }  // namespace kestan::search
