@@ -1,0 +1,196 @@
+#include "search/ranking/ranked_search.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "search/query/query_parser.h"
+#include "tests/search/matching/plain_segments.h"
+
+namespace kestan::search {
+namespace {
+
+using kestan_tests::Plain;
+using kestan_tests::PlainDocument;
+using kestan_tests::PlainSegments;
+
+Query Parsed(const std::string& text) {
+  return *ParseQuery(text, DefaultOperator::kAnd, QuotesMean::kPhrase);
+}
+
+RankedDocuments Ranked(const std::string& text, const Snapshot& snapshot,
+                       const SearchOptions& options = {}) {
+  auto ranked = RankedSearch(Parsed(text), snapshot, options);
+  EXPECT_TRUE(ranked.ok());
+  return *ranked;
+}
+
+// The names of the hits, the best first.
+std::string Names(const std::string& text, const PlainSegments& segments,
+                  const SearchOptions& options = {}) {
+  std::string names;
+  for (const RankedDocument& document : Ranked(text, segments.snapshot(), options).best) {
+    names += segments.snapshot().segments[document.id.segment]->NameOf(document.id.code);
+  }
+  return names;
+}
+
+TEST(RankedSearchTest, MoreOccurrencesAndShorterDocumentsComeFirst) {
+  PlainSegments segments;
+  segments.Add({Plain("a", "x y y y"), Plain("b", "x x y y"), Plain("c", "x")});
+  EXPECT_EQ(Names("x", segments), "cba");
+}
+
+TEST(RankedSearchTest, RareWordsCountMore) {
+  PlainSegments segments;
+  segments.Add({Plain("a", "common other"), Plain("b", "common rare"), Plain("c", "common other")});
+  EXPECT_EQ(Names("other OR rare", segments), "bac");
+}
+
+TEST(RankedSearchTest, EqualScoresAreInOrderOfNamesWhateverTheirSegments) {
+  PlainSegments segments;
+  segments.Add({Plain("d", "x"), Plain("b", "x")});
+  auto renamed = Plain("z", "x");
+  renamed.new_name = "a";
+  segments.Add({Plain("c", "x"), renamed});
+  EXPECT_EQ(Names("x", segments), "abcd");
+  SearchOptions options;
+  options.limit = 2;
+  EXPECT_EQ(Names("x", segments, options), "ab");
+}
+
+TEST(RankedSearchTest, LimitCutsHitsAndNotTheTotal) {
+  PlainSegments segments;
+  segments.Add({Plain("a", "x"), Plain("b", "x x"), Plain("c", "y")});
+  SearchOptions options;
+  options.limit = 1;
+  const RankedDocuments ranked = Ranked("x", segments.snapshot(), options);
+  EXPECT_EQ(ranked.total, 2u);
+  EXPECT_EQ(ranked.best.size(), 1u);
+}
+
+TEST(RankedSearchTest, NearWordsComeFirst) {
+  PlainSegments segments;
+  segments.Add({Plain("a", "x z z y"), Plain("b", "z y x z"), Plain("c", "y z x z")});
+  EXPECT_EQ(Names("x y", segments), "bca");
+  SearchOptions options;
+  options.proximity_bonus = 0;
+  EXPECT_EQ(Names("x y", segments, options), "abc");
+}
+
+TEST(RankedSearchTest, BonusIsThatOfTheNearestPair) {
+  PlainSegments segments;
+  segments.Add({Plain("a", "x z y"), Plain("b", "z z z")});
+  SearchOptions without;
+  without.proximity_bonus = 0;
+  SearchOptions with;
+  with.proximity_bonus = 2;
+  const double bonus = Ranked("x y", segments.snapshot(), with).best[0].score -
+                       Ranked("x y", segments.snapshot(), without).best[0].score;
+  EXPECT_NEAR(bonus, 2 * std::log(1 + 1.5 / 1.5) / 4, 1e-12);
+}
+
+TEST(RankedSearchTest, BonusMayLiftADocumentIntoTheBest) {
+  PlainSegments segments;
+  segments.Add({Plain("a", "x x x z z y"), Plain("b", "z z z z x y"), Plain("c", "z")});
+  SearchOptions options;
+  options.limit = 1;
+  options.proximity_bonus = 0;
+  EXPECT_EQ(Names("x y", segments, options), "a");
+  options.proximity_bonus = 10;
+  EXPECT_EQ(Names("x y", segments, options), "b");
+}
+
+TEST(RankedSearchTest, MatchedTermsAreSortedAndThoseOutsideNot) {
+  PlainSegments segments;
+  auto removed = Plain("c", "cab x");
+  removed.is_removed = true;
+  segments.Add({Plain("a", "cat car x"), removed});
+  segments.Add({Plain("b", "cart x y")});
+  const RankedDocuments ranked = Ranked("x ca* -y zebra~1", segments.snapshot());
+  EXPECT_EQ(ranked.terms, (std::vector<std::string>{"car", "cart", "cat", "x"}));
+}
+
+TEST(RankedSearchTest, NotAloneFindsTheRestWithoutScores) {
+  PlainSegments segments;
+  segments.Add({Plain("b", "x"), Plain("a", "x"), Plain("c", "y")});
+  EXPECT_EQ(Names("-y", segments), "ab");
+  EXPECT_EQ(Ranked("-y", segments.snapshot()).best[0].score, 0);
+}
+
+TEST(RankedSearchTest, OptionsOutOfRangeStillGiveScores) {
+  PlainSegments segments;
+  segments.Add({Plain("a", "x y"), Plain("b", "x x y y y"), Plain("c", "z")});
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const double infinite = std::numeric_limits<double>::infinity();
+  for (const double value : {nan, infinite, -infinite, -1.0, 1e300}) {
+    const SearchOptions options{10, WordsMean::kBest, value, value, value};
+    for (const RankedDocument& document : Ranked("x y", segments.snapshot(), options).best) {
+      EXPECT_TRUE(std::isfinite(document.score)) << value;
+      EXPECT_GE(document.score, 0) << value;
+    }
+  }
+}
+
+TEST(RankedSearchTest, EmptySnapshotHasNoHits) {
+  EXPECT_EQ(Ranked("x -y", Snapshot()).total, 0u);
+  EXPECT_EQ(*CountMatches(Parsed("x"), Snapshot()), 0u);
+}
+
+TEST(RankedSearchTest, DamageIsAnError) {
+  PlainSegments segments;
+  segments.Add({Plain("a", "cat")});
+  segments.AddRecords(2, {{"cat", 2, std::string("\x01\x00\x01\x00", 4)}});
+  const auto ranked = RankedSearch(Parsed("cat"), segments.snapshot(), {});
+  EXPECT_EQ(ranked.status().code(), StatusCode::kDamaged);
+  const auto count = CountMatches(Parsed("cat OR dog"), segments.snapshot());
+  EXPECT_EQ(count.status().code(), StatusCode::kDamaged);
+}
+
+// Documents enough for threads, which many pairs of words stand in.
+std::vector<PlainDocument> ManyDocuments() {
+  std::vector<PlainDocument> documents;
+  for (std::size_t i = 0; i < 120'000; ++i) {
+    std::string text = i % 2 == 0 ? "x y" : "y z x";
+    for (std::size_t k = 0; k < i % 7; ++k) text += " x";
+    documents.push_back(Plain(std::to_string(i * 7919 % 120'000), text));
+  }
+  return documents;
+}
+
+void AddInPartsOf(std::size_t size, const std::vector<PlainDocument>& documents,
+                  PlainSegments* segments) {
+  for (std::size_t i = 0; i < documents.size(); i += size) {
+    const auto begin = documents.begin() + static_cast<std::ptrdiff_t>(i);
+    const auto end = begin + static_cast<std::ptrdiff_t>(std::min(size, documents.size() - i));
+    segments->Add({begin, end});
+  }
+}
+
+TEST(RankedSearchTest, ThreadsChangeNoAnswer) {
+  const std::vector<PlainDocument> documents = ManyDocuments();
+  PlainSegments two;
+  PlainSegments six;
+  AddInPartsOf(60'000, documents, &two);
+  AddInPartsOf(20'000, documents, &six);
+  for (const std::string text : {"x", "x y", "\"y x\" OR z", "-z"}) {
+    SearchOptions options;
+    options.limit = 300;
+    const RankedDocuments expected = Ranked(text, two.snapshot(), options);
+    const RankedDocuments found = Ranked(text, six.snapshot(), options);
+    EXPECT_EQ(found.total, expected.total);
+    EXPECT_EQ(Names(text, six, options), Names(text, two, options));
+    for (std::size_t i = 0; i < 300; ++i) {
+      ASSERT_EQ(found.best[i].score, expected.best[i].score) << text << i;
+    }
+    EXPECT_EQ(*CountMatches(Parsed(text), six.snapshot()), expected.total);
+  }
+}
+
+}  // namespace
+}  // namespace kestan::search
