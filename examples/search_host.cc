@@ -7,7 +7,8 @@ int main() {
   auto writer = IndexWriter::Open("poems.index");
   if (!writer.ok()) return std::fprintf(stderr, "%s\n", writer.status().ToString().c_str());
   Status status = writer->Add({"roses.txt", "Roses are red", "", "Roses"});
-  if (status.ok()) status = writer->Add({"violets.txt", "Violets are blue, roses red", "", "Violets"});
+  if (status.ok())
+    status = writer->Add({"violets.txt", "Violets are blue, roses red", "", "Violets"});
   if (status.ok()) status = writer->Commit();
   if (!status.ok()) return std::fprintf(stderr, "%s\n", status.ToString().c_str());
 

@@ -4,7 +4,7 @@
 // Input: a byte, then the text. No fuzzer guesses a checksum, so where the byte is odd the right
 // last line is added, with the byte's half as the number of records.
 #include <kestan/maintenance/dump.h>
-#include <kestan/storage/crc64.h>
+#include <kestan/storage/checksum/crc64.h>
 
 #include <array>
 #include <cstdio>

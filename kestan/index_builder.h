@@ -3,6 +3,6 @@
 #define KESTAN_INDEX_BUILDER_H_
 
 #include <kestan/building/index_builder.h>
-#include <kestan/storage/record_place.h>
+#include <kestan/storage/gdbm/record_place.h>
 
 #endif  // KESTAN_INDEX_BUILDER_H_

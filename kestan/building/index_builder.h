@@ -5,7 +5,7 @@
 #include <kestan/format/posting.h>
 #include <kestan/query/index_reader.h>
 #include <kestan/storage/export.h>
-#include <kestan/storage/record_place.h>
+#include <kestan/storage/gdbm/record_place.h>
 #include <kestan/storage/store_error.h>
 
 #include <cstddef>

@@ -3,7 +3,7 @@
 #define KESTAN_SEARCH_FILES_OUTPUT_FILE_H_
 
 #include <kestan/search/status.h>
-#include <kestan/storage/crc64.h>
+#include <kestan/storage/checksum/crc64.h>
 
 #include <cstdint>
 #include <string>

@@ -4,8 +4,8 @@
 
 #include <kestan/storage/gdbm/bucket_plan.h>
 #include <kestan/storage/gdbm/gdbm_header.h>
+#include <kestan/storage/gdbm/record_place.h>
 #include <kestan/storage/memory.h>
-#include <kestan/storage/record_place.h>
 #include <kestan/storage/store_error.h>
 
 #include <cstddef>

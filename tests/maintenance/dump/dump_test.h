@@ -3,7 +3,7 @@
 #define KESTAN_TESTS_MAINTENANCE_DUMP_DUMP_TEST_H_
 
 #include <gtest/gtest.h>
-#include <kestan/storage/crc64.h>
+#include <kestan/storage/checksum/crc64.h>
 
 #include <cstdio>
 #include <filesystem>

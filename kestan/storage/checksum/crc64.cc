@@ -1,6 +1,6 @@
-#include <kestan/storage/crc64.h>
+#include <kestan/storage/checksum/crc64.h>
 
-#include <kestan/storage/crc64_tables.h>
+#include <kestan/storage/checksum/crc64_tables.h>
 
 #include <endian.h>
 

@@ -1,6 +1,6 @@
 // Where a record lies in a gdbm file.
-#ifndef KESTAN_STORAGE_RECORD_PLACE_H_
-#define KESTAN_STORAGE_RECORD_PLACE_H_
+#ifndef KESTAN_STORAGE_GDBM_RECORD_PLACE_H_
+#define KESTAN_STORAGE_GDBM_RECORD_PLACE_H_
 
 #include <cstdint>
 
@@ -16,4 +16,4 @@ struct RecordPlace {
 
 }  // namespace kestan
 
-#endif  // KESTAN_STORAGE_RECORD_PLACE_H_
+#endif  // KESTAN_STORAGE_GDBM_RECORD_PLACE_H_

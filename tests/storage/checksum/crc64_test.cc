@@ -1,5 +1,5 @@
-#include <kestan/storage/crc64.h>
-#include <kestan/storage/crc64_tables.h>
+#include <kestan/storage/checksum/crc64.h>
+#include <kestan/storage/checksum/crc64_tables.h>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // The tables of the checksum.
-#ifndef KESTAN_STORAGE_CRC64_TABLES_H_
-#define KESTAN_STORAGE_CRC64_TABLES_H_
+#ifndef KESTAN_STORAGE_CHECKSUM_CRC64_TABLES_H_
+#define KESTAN_STORAGE_CHECKSUM_CRC64_TABLES_H_
 
 #include <array>
 #include <cstddef>
@@ -37,4 +37,4 @@ constexpr Crc64Tables MakeCrc64Tables() {
 
 }  // namespace kestan
 
-#endif  // KESTAN_STORAGE_CRC64_TABLES_H_
+#endif  // KESTAN_STORAGE_CHECKSUM_CRC64_TABLES_H_

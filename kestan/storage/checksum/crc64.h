@@ -1,6 +1,6 @@
 // The checksum of dumps and of the files of an index.
-#ifndef KESTAN_STORAGE_CRC64_H_
-#define KESTAN_STORAGE_CRC64_H_
+#ifndef KESTAN_STORAGE_CHECKSUM_CRC64_H_
+#define KESTAN_STORAGE_CHECKSUM_CRC64_H_
 
 #include <kestan/storage/export.h>
 
