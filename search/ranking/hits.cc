@@ -19,17 +19,17 @@ Score BestScoreIn(const ResultSet& set) {
 
 }  // namespace
 
-std::vector<Hit> HitsIn(const ResultSet& set) {
+std::vector<EngineHit> HitsIn(const ResultSet& set) {
   const PercentageScale percentage(BestScoreIn(set));
-  std::vector<Hit> hits;
+  std::vector<EngineHit> hits;
   set.ForEachDocument([&](const Match& match, std::string_view name) {
     hits.push_back({percentage.Of(match.score), std::string(name), match.code});
   });
   return hits;
 }
 
-void Sort(HitOrder order, std::vector<Hit>* hits) {
-  std::sort(hits->begin(), hits->end(), [order](const Hit& left, const Hit& right) {
+void Sort(HitOrder order, std::vector<EngineHit>* hits) {
+  std::sort(hits->begin(), hits->end(), [order](const EngineHit& left, const EngineHit& right) {
     if (order == HitOrder::kName) {
       return std::tie(left.name, left.code) < std::tie(right.name, right.code);
     }

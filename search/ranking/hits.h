@@ -11,7 +11,7 @@
 
 namespace kestan::search {
 
-struct Hit {
+struct EngineHit {
   int percent = 0;  // of the best hit's score or relevance
   std::string name;
   Code code = 0;
@@ -26,10 +26,10 @@ enum class HitOrder {
 };
 
 // Returns the documents of `set` in ascending order of their codes.
-std::vector<Hit> HitsIn(const ResultSet& set);
+std::vector<EngineHit> HitsIn(const ResultSet& set);
 
 // Sorts `hits` by `order`. kBest means kScore here; percentages are compared as they are.
-void Sort(HitOrder order, std::vector<Hit>* hits);
+void Sort(HitOrder order, std::vector<EngineHit>* hits);
 
 }  // namespace kestan::search
 

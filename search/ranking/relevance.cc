@@ -17,7 +17,7 @@ struct Contribution {
 };
 
 struct Candidate {
-  Hit hit;
+  EngineHit hit;
   std::vector<Contribution> contributions;
   double relative_length = 1;  // to the mean
   double relevance = 0;
@@ -55,7 +55,7 @@ void Measure(const SizeOf& size_of, std::vector<Candidate>* candidates) {
   for (const auto& [candidate, size] : sizes) candidate->relative_length = size / mean;
 }
 
-std::vector<Candidate> CandidatesOf(std::vector<Hit>* hits) {
+std::vector<Candidate> CandidatesOf(std::vector<EngineHit>* hits) {
   std::vector<Candidate> candidates(hits->size());
   for (std::size_t i = 0; i < hits->size(); ++i) candidates[i].hit = std::move((*hits)[i]);
   return candidates;
@@ -78,7 +78,7 @@ void AddContributions(const RankedClause& clause, const std::vector<TermFrequenc
 }
 
 // Moves the sorted candidates back into `hits`.
-void StorePercentages(std::vector<Candidate>* candidates, std::vector<Hit>* hits) {
+void StorePercentages(std::vector<Candidate>* candidates, std::vector<EngineHit>* hits) {
   const double best = candidates->empty() ? 0 : candidates->front().relevance;
   for (std::size_t i = 0; i < candidates->size(); ++i) {
     Candidate& candidate = (*candidates)[i];
@@ -91,7 +91,7 @@ void StorePercentages(std::vector<Candidate>* candidates, std::vector<Hit>* hits
 }  // namespace
 
 void SortByRelevance(const std::vector<RankedClause>& clauses, std::uint64_t documents,
-                     const SizeOf& size_of, std::vector<Hit>* hits) {
+                     const SizeOf& size_of, std::vector<EngineHit>* hits) {
   std::vector<Candidate> candidates = CandidatesOf(hits);
   for (const RankedClause& clause : clauses) {
     AddContributions(clause, clause.documents(), static_cast<double>(documents), &candidates);

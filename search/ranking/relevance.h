@@ -36,7 +36,7 @@ struct RankedClause {
 // document whose size is not known, and each hit after the first kMeasuredHits, is taken to be of
 // mean size. The documents of one clause at a time are in memory.
 void SortByRelevance(const std::vector<RankedClause>& clauses, std::uint64_t documents,
-                     const SizeOf& size_of, std::vector<Hit>* hits);
+                     const SizeOf& size_of, std::vector<EngineHit>* hits);
 
 }  // namespace kestan::search
 

@@ -29,7 +29,7 @@ using kestan::search::Distinct;
 using kestan::search::Evaluator;
 using kestan::search::Explanation;
 using kestan::search::Fragment;
-using kestan::search::Hit;
+using kestan::search::EngineHit;
 using kestan::search::HitOrder;
 using kestan::search::HitsIn;
 using kestan::search::MakeSnippet;
@@ -75,9 +75,9 @@ class Search {
   }
 
   // The hits to show, in order.
-  const std::vector<Hit>& hits() const { return hits_; }
+  const std::vector<EngineHit>& hits() const { return hits_; }
 
-  ShownHit Show(const Hit& hit, bool with_snippet) {
+  ShownHit Show(const EngineHit& hit, bool with_snippet) {
     ShownHit shown;
     shown.hit = hit;
     shown.title = TextOrEmpty(engine_.DBGetTitle(hit.name.c_str()));
@@ -124,7 +124,7 @@ class Search {
   const SearchOptions& options_;
   Evaluator evaluator_;
   IndexedTextReader texts_;
-  std::vector<Hit> hits_;
+  std::vector<EngineHit> hits_;
 };
 
 // Prints the explanation, notes and suggestions.
@@ -141,7 +141,7 @@ void PrintHits(Search& search, const SearchOptions& options) {
   const bool rich = options.snippets || OutputIsTerminal();
   const bool coloured = IsColoured(options.colour);
   std::string lines;
-  for (const Hit& hit : search.hits()) {
+  for (const EngineHit& hit : search.hits()) {
     if (options.nul) {
       lines.append(hit.name).push_back('\0');
     } else if (options.names_only) {
@@ -158,7 +158,7 @@ void PrintHits(Search& search, const SearchOptions& options) {
 
 void PrintJson(Search& search, const SearchOptions& options, SearchReport* report) {
   if (!options.count) {
-    for (const Hit& hit : search.hits()) {
+    for (const EngineHit& hit : search.hits()) {
       report->hits.push_back(search.Show(hit, options.snippets));
     }
   }

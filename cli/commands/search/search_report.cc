@@ -10,7 +10,7 @@ namespace {
 
 using kestan::search::Explanation;
 using kestan::search::Fragment;
-using kestan::search::Hit;
+using kestan::search::EngineHit;
 
 constexpr std::string_view kIndent = "    ";
 
@@ -49,7 +49,7 @@ void AppendExplanation(const Explanation& explanation, std::size_t depth,
 
 }  // namespace
 
-std::string PlainLine(const Hit& hit) {
+std::string PlainLine(const EngineHit& hit) {
   return std::to_string(hit.percent) + " " + hit.name + "\n";
 }
 

@@ -15,7 +15,7 @@ namespace kestan_cli {
 
 // A hit and what is shown with it.
 struct ShownHit {
-  kestan::search::Hit hit;
+  kestan::search::EngineHit hit;
   std::string title;                              // empty if the document has none
   std::vector<kestan::search::Fragment> snippet;  // empty if there is none
 };
@@ -30,7 +30,7 @@ struct SearchReport {
 };
 
 // Returns "PERCENT NAME" and a line feed.
-std::string PlainLine(const kestan::search::Hit& hit);
+std::string PlainLine(const kestan::search::EngineHit& hit);
 
 // Returns a hit on up to three lines: "PERCENT NAME", the title and the snippet, both indented.
 // With `coloured`, each has its terminal colour and matches are bold; without, [matches] are in

@@ -10,9 +10,9 @@
 namespace kestan::search {
 namespace {
 
-std::string Joined(const std::vector<Hit>& hits) {
+std::string Joined(const std::vector<EngineHit>& hits) {
   std::string text;
-  for (const Hit& hit : hits) text += std::to_string(hit.percent) + hit.name + " ";
+  for (const EngineHit& hit : hits) text += std::to_string(hit.percent) + hit.name + " ";
   return text;
 }
 
@@ -34,7 +34,7 @@ TEST_F(HitsInTest, HitsAreTheDocumentsInOrderOfCodes) {
   engine_.AddDocumentWords("b", "cat");
   engine_.AddDocumentWords("a", "cat cat cat");
   engine_.AddDocumentWords("c", "dog");
-  const std::vector<Hit> hits = HitsIn(Documents("cat"));
+  const std::vector<EngineHit> hits = HitsIn(Documents("cat"));
   EXPECT_EQ(Joined(hits), "33b 100a ");
   EXPECT_EQ(hits[0].code, 1u);
   EXPECT_EQ(hits[1].code, 2u);
@@ -63,12 +63,12 @@ TEST_F(HitsInTest, SetWithoutDocumentsHasNoHits) {
   EXPECT_TRUE(HitsIn(Documents("dog")).empty());
 }
 
-std::string Sorted(HitOrder order, std::vector<Hit> hits) {
+std::string Sorted(HitOrder order, std::vector<EngineHit> hits) {
   Sort(order, &hits);
   return Joined(hits);
 }
 
-const std::vector<Hit> kHits{{50, "c", 1}, {100, "b", 2}, {50, "a", 3}, {0, "d", 4}};
+const std::vector<EngineHit> kHits{{50, "c", 1}, {100, "b", 2}, {50, "a", 3}, {0, "d", 4}};
 
 TEST(HitOrderTest, ByScoreEqualsKeepTheOrderOfCodes) {
   EXPECT_EQ(Sorted(HitOrder::kScore, kHits), "100b 50c 50a 0d ");
@@ -80,7 +80,7 @@ TEST(HitOrderTest, ByNameGoesByBytes) {
 }
 
 TEST(HitOrderTest, ByCodeDoesNotDependOnWhatCameBefore) {
-  std::vector<Hit> hits = kHits;
+  std::vector<EngineHit> hits = kHits;
   Sort(HitOrder::kName, &hits);
   EXPECT_EQ(Sorted(HitOrder::kCode, hits), Joined(kHits));
 }

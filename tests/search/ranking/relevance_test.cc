@@ -20,8 +20,8 @@ using Documents = std::vector<TermFrequency>;
 // The document whose name is the letter `name`. Codes come in order of names.
 TermFrequency Document(char name, std::uint32_t tf = 1) { return {static_cast<Code>(name), tf}; }
 
-std::vector<Hit> HitsNamed(const std::string& names) {
-  std::vector<Hit> hits;
+std::vector<EngineHit> HitsNamed(const std::string& names) {
+  std::vector<EngineHit> hits;
   for (const char name : names) hits.push_back({0, std::string(1, name), static_cast<Code>(name)});
   return hits;
 }
@@ -33,12 +33,12 @@ RankedClause Clause(const Documents& documents, std::size_t times = 1) {
 // Ranks `names`, one letter each, and writes them with their percentages.
 std::string Ranked(const std::string& names, const std::vector<Documents>& found,
                    std::uint64_t documents, const SizeOf& size_of = Unknown) {
-  std::vector<Hit> hits = HitsNamed(names);
+  std::vector<EngineHit> hits = HitsNamed(names);
   std::vector<RankedClause> clauses;
   for (const Documents& each : found) clauses.push_back(Clause(each));
   SortByRelevance(clauses, documents, size_of, &hits);
   std::string text;
-  for (const Hit& hit : hits) text += hit.name + std::to_string(hit.percent) + " ";
+  for (const EngineHit& hit : hits) text += hit.name + std::to_string(hit.percent) + " ";
   return text;
 }
 
@@ -87,7 +87,7 @@ TEST(RelevanceTest, SizesOfZeroChangeNothing) {
 }
 
 TEST(RelevanceTest, OnlyTheFirstAreMeasured) {
-  std::vector<Hit> hits;
+  std::vector<EngineHit> hits;
   Documents found;
   for (std::size_t i = 1; i <= kMeasuredHits + 5; ++i) {
     hits.push_back({0, std::to_string(i), static_cast<Code>(i)});
@@ -105,7 +105,7 @@ TEST(RelevanceTest, OnlyTheFirstAreMeasured) {
 
 TEST(RelevanceTest, AClauseOfSeveralEqualOnesCountsEachTime) {
   const auto ranked = [](const std::vector<RankedClause>& clauses) {
-    std::vector<Hit> hits = HitsNamed("ab");
+    std::vector<EngineHit> hits = HitsNamed("ab");
     SortByRelevance(clauses, 10, Unknown, &hits);
     return hits.front().name + std::to_string(hits.back().percent);
   };
