@@ -91,7 +91,7 @@ struct Twins {
 
 std::string Matches(Kestan* engine, const std::string& word) {
   const int id = engine->QueryWord(word.c_str());
-  const std::string listing = engine->QueryResults(id);
+  std::string listing = engine->QueryResults(id);
   engine->FreeQueryResult(id);
   return listing;
 }

@@ -214,7 +214,7 @@ TEST(AppendPostingTest, WithoutPositionsAddsTheCode) {
 
 TEST(AppendPostingTest, KeepsTheFirst65535Positions) {
   const std::vector<Position> positions(65536, 4);
-  const std::string encoded(2 * 65536, '\4');
+  const std::string encoded(std::size_t{2} * 65536, '\4');
   std::string full;
   AppendPosting(1, kestan::Positions{positions.data(), 65535}, &full);
   EXPECT_EQ(full.size(), 2u + 2u + 2u * 65535u);

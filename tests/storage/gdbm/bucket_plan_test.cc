@@ -144,7 +144,10 @@ TEST(BucketPlanTest, OfManyElementsKeepsToMostlyFullBucketsOfAtMost512) {
   }
 }
 
-std::vector<Hash> Same(std::size_t count, Hash hash) { return std::vector<Hash>(count, hash); }
+std::vector<Hash> Same(std::size_t count, Hash hash) {
+  std::vector<Hash> hashes(count, hash);
+  return hashes;
+}
 
 TEST(BucketPlanTest, LargestCapacityGrowsWithTheNumberOfRecordsThatAreExpected) {
   EXPECT_EQ(LargestCapacity(1), 64u);

@@ -28,6 +28,7 @@ const void* hole = nullptr;  // bytes there are passed over by writes, as if the
 
 }  // namespace
 
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" {
 
 ssize_t __real_pwrite64(int file, const void* bytes, std::size_t count, off64_t offset);
@@ -58,6 +59,7 @@ int __wrap_close(int file) {
 }
 
 }  // extern "C"
+// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming,cert-dcl37-c,cert-dcl51-cpp)
 
 namespace kestan_tests {
 namespace {
