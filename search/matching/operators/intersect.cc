@@ -32,6 +32,7 @@ class PositionsOfAll {
 
 std::vector<Code> CommonCodes(const std::vector<Found>& operands) {
   std::vector<const Occurrences*> rarest_first;
+  rarest_first.reserve(operands.size());
   for (const Found& operand : operands) rarest_first.push_back(operand.get());
   std::sort(rarest_first.begin(), rarest_first.end(),
             [](const Occurrences* a, const Occurrences* b) { return a->size() < b->size(); });
