@@ -96,7 +96,7 @@ TEST(EditsTest, BytesSayWhatWasEdited) {
 }
 
 TEST(EditsTest, EditsOfAnotherSegmentAreDamage) {
-  for (const std::size_t documents : {0, 19, 21, 65535}) {
+  for (const std::size_t documents : {0U, 19U, 21U, 65535U}) {
     EXPECT_EQ(Edits::Decode(SomeEdits().Encode(), documents).status().code(), StatusCode::kDamaged);
   }
 }
