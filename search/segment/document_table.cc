@@ -158,7 +158,7 @@ Result<DocumentTable> DocumentTable::Open(std::shared_ptr<const FileBytes> file)
 }
 
 Status DocumentTable::Read() {
-  const Status damaged(StatusCode::kDamaged, "the document table is damaged", file_->path());
+  Status damaged(StatusCode::kDamaged, "the document table is damaged", file_->path());
   bytes_ = file_->Read(0, file_->size());
   const std::string_view bytes = bytes_.view();
   Status status = CheckFileHeader(bytes, kKind, file_->path());
