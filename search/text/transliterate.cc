@@ -104,7 +104,7 @@ std::string TransliteratedRun(std::string_view run) {
 
 // Adds `run`, which is UTF-8, to `ascii`.
 void AppendRun(std::string_view run, std::string* ascii) {
-  static RunCache cache;
+  thread_local RunCache cache;
   if (run.size() > kMaxKeptBytes) {
     *ascii += TransliteratedRun(run);
     return;

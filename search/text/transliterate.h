@@ -17,7 +17,7 @@ class TransliterationError : public std::runtime_error {
 // Returns `utf8` in ASCII: "Zürich" becomes "Zurich", "Привет" "Privet". Used for documents and
 // queries alike. Each Chinese character becomes a word between blanks. What has no counterpart in
 // ASCII becomes a blank; bytes that are not UTF-8 are taken as Latin-1. ASCII comes back as it is,
-// at the speed of copying.
+// at the speed of copying. Any number of threads may call it at once.
 //   Throws   TransliterationError, std::bad_alloc.
 std::string Transliterated(std::string_view utf8);
 
