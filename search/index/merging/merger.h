@@ -1,0 +1,31 @@
+// Making one segment of several.
+#ifndef KESTAN_SEARCH_INDEX_MERGING_MERGER_H_
+#define KESTAN_SEARCH_INDEX_MERGING_MERGER_H_
+
+#include <kestan/search/status.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "search/segment/segment.h"
+#include "search/segment/segment_info.h"
+
+namespace kestan::search {
+
+// Merges `segments` of the folder `folder` into its segment `number`: their living documents in
+// order, with new codes and with their edits, and the postings of these, a term at a time. One
+// posting record is in memory at a time. The checksums of all files are compared first. Calls
+// `advance`, which may be null, now and then with the number of bytes of posting records read since
+// the last call; it returns whether to go on.
+//   Returns  kInterrupted, kDamaged, kSystem; nothing is left of the new segment then. Where no
+//            document lives: no documents, and no files.
+Result<SegmentInfo> MergeSegments(const std::vector<std::shared_ptr<const Segment>>& segments,
+                                  const std::string& folder, std::uint64_t number,
+                                  const std::function<bool(std::uint64_t bytes)>& advance);
+
+}  // namespace kestan::search
+
+#endif  // KESTAN_SEARCH_INDEX_MERGING_MERGER_H_
