@@ -63,7 +63,7 @@ Result<SegmentInfo> Inverter::Write(const std::string& folder, std::uint64_t num
   const std::size_t living = CountLiving();
   if (living == 0) return SegmentInfo{};
   SegmentWriter writer;
-  const Status status = writer.Create(folder, number, with_positions_, living, postings_.terms());
+  Status status = writer.Create(folder, number, with_positions_, living, postings_.terms());
   if (!status.ok()) return status;
   WriteDocuments(&writer);
   WriteTerms(&writer);

@@ -56,7 +56,7 @@ class Merger {
   Result<SegmentInfo> Merge(std::uint64_t number) {
     std::size_t terms = 0;
     for (const auto& source : sources_) {
-      const Status status = Verify(folder_, source->segment->info());
+      Status status = Verify(folder_, source->segment->info());
       if (!status.ok()) return status;
       documents_ += source->segment->living_documents();
       terms += static_cast<std::size_t>(source->segment->terms().size());
@@ -82,7 +82,7 @@ class Merger {
       for (std::size_t i = 1; i <= source->segment->size(); ++i) {
         const auto code = static_cast<Code>(i);
         if (source->segment->IsRemoved(code)) continue;
-        const Status status = AddDocument(*source->segment, code);
+        Status status = AddDocument(*source->segment, code);
         if (!status.ok()) return status;
         source->new_codes[i] = ++last;
       }
@@ -110,7 +110,7 @@ class Merger {
   // the first segment.
   Status AddTerms() {
     for (std::size_t i = 0; i < sources_.size(); ++i) {
-      const Status status = Advance(i);
+      Status status = Advance(i);
       if (!status.ok()) return status;
     }
     while (!heap_.empty()) {
@@ -130,9 +130,9 @@ class Merger {
     std::uint32_t documents = 0;
     while (!heap_.empty() && sources_[heap_.front()]->term() == term_) {
       const std::size_t index = PopLowest();
-      const Status status = AppendPostings(*sources_[index], &documents);
+      Status status = AppendPostings(*sources_[index], &documents);
       if (!status.ok()) return status;
-      const Status advanced = Advance(index);
+      Status advanced = Advance(index);
       if (!advanced.ok()) return advanced;
     }
     if (documents > 0) writer_.AddTerm(term_, documents, record_);

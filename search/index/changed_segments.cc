@@ -1,0 +1,110 @@
+#include "search/index/changed_segments.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "search/files/output_file.h"
+
+namespace kestan::search {
+namespace {
+
+std::optional<Code> FindIn(const Segment& segment, const Edits& edits, std::string_view name) {
+  if (const std::optional<Code> renamed = edits.FindRenamed(name)) return renamed;
+  const std::optional<Code> code = segment.table().Find(name);
+  if (!code || edits.IsRemoved(*code)) return std::nullopt;
+  const DocumentEdit* const edit = edits.EditOf(*code);
+  if (edit != nullptr && edit->name) return std::nullopt;
+  return code;
+}
+
+}  // namespace
+
+Status ChangedSegments::Open(const std::string& folder, const Manifest& manifest) {
+  std::vector<std::shared_ptr<const Segment>> segments;
+  for (const SegmentInfo& info : manifest.segments) {
+    const auto known = std::find_if(
+        segments_.begin(), segments_.end(),
+        [&info](const auto& segment) { return segment->info().number == info.number; });
+    auto segment = Segment::Open(folder, info, manifest.with_positions,
+                                 known != segments_.end() ? known->get() : nullptr);
+    if (!segment.ok()) return segment.status();
+    segments.push_back(std::move(*segment));
+  }
+  folder_ = folder;
+  with_positions_ = manifest.with_positions;
+  segments_ = std::move(segments);
+  changes_.assign(segments_.size(), {});
+  return {};
+}
+
+std::optional<ChangedSegments::Place> ChangedSegments::Find(std::string_view name) const {
+  for (std::size_t i = segments_.size(); i-- > 0;) {
+    if (const auto code = FindIn(*segments_[i], EditsOf(i), name)) return Place{i, *code};
+  }
+  return std::nullopt;
+}
+
+void ChangedSegments::Remove(Place place) { ChangeEditsOf(place.segment).Remove(place.code); }
+
+void ChangedSegments::Rename(Place place, std::string_view name, std::uint32_t now) {
+  ChangeEditsOf(place.segment).Rename(place.code, name, now);
+}
+
+void ChangedSegments::SetField(Place place, DocumentField field, std::string_view value) {
+  ChangeEditsOf(place.segment).SetField(place.code, field, value);
+}
+
+Status ChangedSegments::Add(WrittenSegment written) {
+  auto segment = Segment::Open(folder_, written.info, with_positions_);
+  if (!segment.ok()) return segment.status();
+  segments_.push_back(std::move(*segment));
+  Changes changes;
+  changes.is_new = true;
+  if (!written.edits.empty()) changes.edits = std::move(written.edits);
+  changes_.push_back(std::move(changes));
+  return {};
+}
+
+bool ChangedSegments::HasChanges() const {
+  return std::any_of(changes_.begin(), changes_.end(),
+                     [](const Changes& changes) { return changes.is_new || changes.edits; });
+}
+
+const Edits& ChangedSegments::EditsOf(std::size_t segment) const {
+  const std::optional<Edits>& edits = changes_[segment].edits;
+  return edits ? *edits : segments_[segment]->edits();
+}
+
+Edits& ChangedSegments::ChangeEditsOf(std::size_t segment) {
+  std::optional<Edits>& edits = changes_[segment].edits;
+  if (!edits) edits = segments_[segment]->edits();
+  return *edits;
+}
+
+Result<std::vector<SegmentInfo>> ChangedSegments::WriteEdits() {
+  std::vector<SegmentInfo> infos;
+  for (std::size_t i = 0; i < segments_.size(); ++i) {
+    if (EditsOf(i).removed_count() == segments_[i]->size()) continue;
+    Result<SegmentInfo> info = changes_[i].edits ? WriteEditsOf(i) : segments_[i]->info();
+    if (!info.ok()) return info.status();
+    infos.push_back(*info);
+  }
+  return infos;
+}
+
+Result<SegmentInfo> ChangedSegments::WriteEditsOf(std::size_t segment) const {
+  const Edits& edits = *changes_[segment].edits;
+  SegmentInfo info = segments_[segment]->info();
+  ++info.edit_number;
+  OutputFile file;
+  Status status = file.Create(folder_ + "/" + EditsFile(info));
+  if (!status.ok()) return status;
+  file.Write(edits.Encode());
+  const Result<FileSummary> summary = file.Finish();
+  if (!summary.ok()) return summary.status();
+  info.edits = *summary;
+  info.removed = static_cast<std::uint32_t>(edits.removed_count());
+  return info;
+}
+
+}  // namespace kestan::search

@@ -1,0 +1,149 @@
+#include "search/index/committed_index.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+
+#include "search/files/descriptor.h"
+#include "search/files/output_file.h"
+#include "search/index/merging/merger.h"
+
+namespace kestan::search {
+namespace {
+
+constexpr const char* kLockFile = "writer.lock";
+constexpr mode_t kFolderMode = 0777;  // less what the process masks out
+
+std::string WithoutSlashes(std::string path) {
+  while (path.size() > 1 && path.back() == '/') path.pop_back();
+  return path;
+}
+
+std::string ParentOf(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  if (slash == std::string::npos) return ".";
+  return path.substr(0, std::max<std::size_t>(slash, 1));
+}
+
+// Makes the folder where there is nothing.
+Status MakeFolder(const std::string& folder) {
+  if (mkdir(folder.c_str(), kFolderMode) == 0) return SyncDirectory(ParentOf(folder));
+  if (errno != EEXIST) return SystemError(errno, folder);
+  struct stat64 information = {};
+  if (stat64(folder.c_str(), &information) == 0 && S_ISDIR(information.st_mode)) return {};
+  return {StatusCode::kInvalidArgument, "it is no folder of an index", folder};
+}
+
+// An index whose manifest was lost looks like a folder to make one in, and so does a folder that
+// was meant for something else.
+Status CheckHoldsNothing(const std::string& folder) {
+  const std::string begun =
+      std::filesystem::path(ManifestPath(folder)).filename().string() + ".new";
+  std::error_code error;
+  for (std::filesystem::directory_iterator file(folder, error), end; !error && file != end;
+       file.increment(error)) {
+    const std::string name = file->path().filename().string();
+    if (IsSegmentFileName(name)) {
+      return {StatusCode::kDamaged, "it is missing, but there are segments of an index",
+              ManifestPath(folder)};
+    }
+    if (name != kLockFile && name != begun) {
+      return {StatusCode::kInvalidArgument, "the folder holds other files and no index", folder};
+    }
+  }
+  if (error) return {StatusCode::kSystem, error.message(), folder};
+  return {};
+}
+
+}  // namespace
+
+Result<std::unique_ptr<CommittedIndex>> CommittedIndex::Open(const std::string& path,
+                                                             const WriterOptions& options) {
+  const std::string folder = WithoutSlashes(path);
+  if (!IsIndexFolder(folder)) {
+    if (!options.create) return Status(StatusCode::kNotFound, "there is no index", folder);
+    Status status = MakeFolder(folder);
+    if (!status.ok()) return status;
+  }
+  Result<WriterLock> lock = WriterLock::Take(folder + "/" + kLockFile);
+  if (!lock.ok()) return lock.status();
+  std::unique_ptr<CommittedIndex> index(new CommittedIndex(folder, std::move(*lock)));
+  Status status = IsIndexFolder(folder) ? Status() : index->Create(options.with_positions);
+  if (status.ok()) status = index->Reload();
+  if (!status.ok()) return status;
+  return index;
+}
+
+Status CommittedIndex::Create(bool with_positions) {
+  Status status = CheckHoldsNothing(folder_);
+  if (!status.ok()) return status;
+  Manifest manifest;
+  manifest.with_positions = with_positions;
+  return WriteManifest(folder_, manifest);
+}
+
+Status CommittedIndex::Reload() {
+  Result<Manifest> manifest = ReadManifest(folder_);
+  if (!manifest.ok()) return manifest.status();
+  Status status = segments_.Open(folder_, *manifest);
+  if (!status.ok()) return status;
+  manifest_ = std::move(*manifest);
+  return RemoveUnnamedFiles(folder_, manifest_);
+}
+
+void CommittedIndex::RemoveFilesOfChanges() const {
+  // What is committed is what the disk says, which matters after an error of Publish().
+  const Result<Manifest> manifest = ReadManifest(folder_);
+  // A file that stays is removed when the index is opened the next time.
+  if (manifest.ok()) static_cast<void>(RemoveUnnamedFiles(folder_, *manifest));
+}
+
+Status CommittedIndex::Commit(const Properties& properties) {
+  if (!segments_.HasChanges() && properties == manifest_.properties) return {};
+  Result<std::vector<SegmentInfo>> infos = segments_.WriteEdits();
+  if (!infos.ok()) return infos.status();
+  Manifest next = manifest_;
+  next.properties = properties;
+  next.segments = std::move(*infos);
+  return Publish(std::move(next));
+}
+
+Status CommittedIndex::Merge(const std::vector<std::size_t>& positions,
+                             const std::function<bool(std::uint64_t bytes)>& advance) {
+  std::vector<std::shared_ptr<const Segment>> sources;
+  Manifest next = manifest_;
+  for (const std::size_t position : positions) sources.push_back(segments_.segments()[position]);
+  const Result<SegmentInfo> merged =
+      MergeSegments(sources, folder_, manifest_.next_segment, advance);
+  if (!merged.ok()) return merged.status();
+  for (std::size_t i = positions.size(); i-- > 0;) {
+    next.segments.erase(next.segments.begin() + static_cast<std::ptrdiff_t>(positions[i]));
+  }
+  if (merged->documents > 0) {
+    next.segments.insert(next.segments.begin() + static_cast<std::ptrdiff_t>(positions[0]),
+                         *merged);
+  }
+  return Publish(std::move(next));
+}
+
+// Makes `next` what is committed. The files that it names are on the disk, and their names must be
+// before it names them.
+Status CommittedIndex::Publish(Manifest next) {
+  ++next.generation;
+  for (const SegmentInfo& info : next.segments) {
+    next.next_segment = std::max(next.next_segment, info.number + 1);
+  }
+  Status status = SyncDirectory(folder_);
+  if (status.ok()) status = WriteManifest(folder_, next);
+  if (status.ok()) status = segments_.Open(folder_, next);
+  if (!status.ok()) return status;
+  manifest_ = std::move(next);
+  // A file that stays is removed when the index is opened the next time.
+  static_cast<void>(RemoveUnnamedFiles(folder_, manifest_));
+  return {};
+}
+
+}  // namespace kestan::search

@@ -1,0 +1,329 @@
+#include <kestan/search/index_writer.h>
+
+#include <algorithm>
+#include <ctime>
+#include <exception>
+#include <new>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "search/index/committed_index.h"
+#include "search/index/inverting/pending_documents.h"
+#include "search/index/merging/merge_policy.h"
+
+namespace kestan::search {
+namespace {
+
+constexpr std::size_t kMaxNameBytes = 4096;
+constexpr std::size_t kMaxDocumentBytes = std::size_t{1} << 30;
+constexpr unsigned kMostThreads = 64;
+
+std::uint32_t Now() { return static_cast<std::uint32_t>(std::time(nullptr)); }
+
+unsigned ThreadsOf(const WriterOptions& options) {
+  if (options.threads != 0) return std::min(options.threads, kMostThreads);
+  return std::clamp(std::thread::hardware_concurrency(), 1U, 4U);
+}
+
+Status CheckName(std::string_view name) {
+  const char* const message = name.empty()                  ? "the name of a document is empty"
+                              : name.size() > kMaxNameBytes ? "the name of a document is too long"
+                              : name.find('\0') != std::string_view::npos
+                                  ? "the name of a document has a NUL"
+                                  : nullptr;
+  return message == nullptr ? Status() : Status(StatusCode::kInvalidArgument, message);
+}
+
+Status CheckDocument(const Document& document) {
+  Status status = CheckName(document.name);
+  if (!status.ok() || BytesOf(document) <= kMaxDocumentBytes) return status;
+  return {StatusCode::kInvalidArgument, "the document has more than 1 GB: " + document.name};
+}
+
+Status NoSuchDocument(std::string_view name) {
+  return {StatusCode::kNotFound, "there is no document '" + std::string(name) + "'"};
+}
+
+PendingDocuments::Settings PendingSettings(const CommittedIndex& index,
+                                           const WriterOptions& options) {
+  PendingDocuments::Settings settings;
+  settings.folder = index.folder();
+  settings.with_positions = index.manifest().with_positions;
+  settings.threads = ThreadsOf(options);
+  settings.memory_budget = options.memory_budget;
+  return settings;
+}
+
+}  // namespace
+
+class IndexWriter::Impl {
+ public:
+  Impl(std::unique_ptr<CommittedIndex> index, WriterOptions options)
+      : options_(std::move(options)),
+        index_(std::move(index)),
+        properties_(index_->manifest().properties),
+        pending_(PendingSettings(*index_, options_)) {
+    policy_.factor = options_.merge_factor;
+  }
+
+  ~Impl() {
+    pending_.Clear();
+    index_->RemoveFilesOfChanges();
+  }
+
+  // Calls `action`, unless an earlier error stands in the way. An exception is such an error.
+  template <typename Action>
+  Status Guarded(const Action& action) {
+    return failed_.ok() ? Caught(action) : failed_;
+  }
+
+  // Calls `action`, whatever happened before.
+  template <typename Action>
+  Status Caught(const Action& action) {
+    try {
+      return action();
+    } catch (const std::bad_alloc&) {
+      return Fail({StatusCode::kOutOfMemory, "out of memory", index_->folder()});
+    } catch (const std::exception& error) {
+      return Fail({StatusCode::kSystem, error.what(), index_->folder()});
+    }
+  }
+
+  Status Add(Document document) {
+    Status status = CheckDocument(document);
+    if (!status.ok()) return status;
+    status = RemoveIfThere(document.name);
+    if (status.code() == StatusCode::kNotFound) status = {};
+    if (status.ok() && pending_.HasManyNames()) status = WritePending();
+    if (status.ok() && pending_.empty()) pending_.StartAt(NextNumber());
+    if (status.ok()) status = pending_.Add(std::move(document), Now());
+    return status.ok() ? status : Fail(status);
+  }
+
+  Status Remove(std::string_view name) {
+    Status status = RemoveIfThere(name);
+    return status.ok() || status.code() == StatusCode::kNotFound ? status : Fail(status);
+  }
+
+  Status Rename(std::string_view from, std::string_view to) {
+    Status status = CheckName(to);
+    if (!status.ok()) return status;
+    const auto place = index_->segments().Find(from);
+    const bool is_pending = pending_.Has(from);
+    if (!place && !is_pending) return NoSuchDocument(from);
+    if (pending_.Has(to) || index_->segments().Find(to)) {
+      return {StatusCode::kAlreadyExists, "there is a document '" + std::string(to) + "' already"};
+    }
+    if (is_pending) {
+      status = pending_.Rename(from, to, Now());
+    } else {
+      index_->segments().Rename(*place, to, Now());
+    }
+    return status.ok() ? status : Fail(status);
+  }
+
+  Status SetField(std::string_view name, DocumentField field, std::string_view value) {
+    if (value.size() > kMaxDocumentBytes) {
+      return {StatusCode::kInvalidArgument, "the text has more than 1 GB"};
+    }
+    if (pending_.Has(name)) {
+      Status status = pending_.SetField(name, field, value);
+      return status.ok() ? status : Fail(status);
+    }
+    const auto place = index_->segments().Find(name);
+    if (!place) return NoSuchDocument(name);
+    index_->segments().SetField(*place, field, value);
+    return {};
+  }
+
+  void SetProperty(std::string_view key, std::string_view value) {
+    if (value.empty()) {
+      const auto found = properties_.find(key);
+      if (found != properties_.end()) properties_.erase(found);
+    } else {
+      properties_.insert_or_assign(std::string(key), std::string(value));
+    }
+  }
+
+  Status Commit() {
+    Status status = CommitChanges();
+    return status.ok() ? MergeWhatIsDue() : status;
+  }
+
+  Status Compact() {
+    Status status = CommitChanges();
+    const auto groups = ChooseCompaction(index_->manifest().segments);
+    MergeProgress progress;
+    for (const auto& group : groups) progress.all_bytes += BytesOfSegments(group);
+    // From the last to the first, so that the positions of the others stay as they are.
+    for (auto group = groups.rbegin(); status.ok() && group != groups.rend(); ++group) {
+      status = Merge(*group, &progress);
+    }
+    return status;
+  }
+
+  Status Rollback() {
+    pending_.Clear();
+    failed_ = index_->Reload();
+    properties_ = index_->manifest().properties;
+    return failed_;
+  }
+
+ private:
+  // How far all merges of a call have come.
+  struct MergeProgress {
+    std::uint64_t done_bytes = 0;
+    std::uint64_t all_bytes = 0;
+  };
+
+  // Keeps the error: what is pending is lost, and nothing else can be done before Rollback().
+  Status Fail(Status status) {
+    failed_ = std::move(status);
+    pending_.Clear();
+    index_->RemoveFilesOfChanges();
+    return failed_;
+  }
+
+  Status RemoveIfThere(std::string_view name) {
+    if (pending_.Has(name)) return pending_.Remove(name);
+    const auto place = index_->segments().Find(name);
+    if (!place) return NoSuchDocument(name);
+    index_->segments().Remove(*place);
+    return {};
+  }
+
+  std::uint64_t NextNumber() const {
+    std::uint64_t number = index_->manifest().next_segment;
+    for (const auto& segment : index_->segments().segments()) {
+      number = std::max(number, segment->info().number + 1);
+    }
+    return number;
+  }
+
+  bool Report(WriterProgress::Phase phase, std::uint64_t done_bytes, std::uint64_t all_bytes) {
+    if (!options_.progress) return true;
+    WriterProgress progress;
+    progress.phase = phase;
+    progress.done_bytes = std::min(done_bytes, all_bytes);
+    progress.all_bytes = all_bytes;
+    return options_.progress(progress);
+  }
+
+  // Writes all documents into segments, which are not committed.
+  Status WritePending() {
+    const std::uint64_t all_bytes = pending_.text_bytes();
+    Result<std::vector<WrittenSegment>> written =
+        pending_.Finish([this, all_bytes](std::uint64_t written_bytes) {
+          return Report(WriterProgress::Phase::kWriting, written_bytes, all_bytes);
+        });
+    if (!written.ok()) return written.status();
+    for (WrittenSegment& segment : *written) {
+      Status status = index_->segments().Add(std::move(segment));
+      if (!status.ok()) return status;
+    }
+    return {};
+  }
+
+  Status CommitChanges() {
+    Status status = WritePending();
+    if (status.ok()) status = index_->Commit(properties_);
+    return status.ok() ? status : Fail(status);
+  }
+
+  Status MergeWhatIsDue() {
+    MergeProgress progress;
+    for (;;) {
+      const auto positions = ChooseMerge(index_->manifest().segments, policy_);
+      if (positions.empty()) return {};
+      progress.all_bytes += BytesOfSegments(positions);
+      Status status = Merge(positions, &progress);
+      if (!status.ok()) return status;
+    }
+  }
+
+  std::uint64_t BytesOfSegments(const std::vector<std::size_t>& positions) const {
+    std::uint64_t bytes = 0;
+    for (const std::size_t position : positions) {
+      bytes += index_->manifest().segments[position].segment.bytes;
+    }
+    return bytes;
+  }
+
+  // Merges these segments. An error of merging takes nothing away from what is committed.
+  Status Merge(const std::vector<std::size_t>& positions, MergeProgress* progress) {
+    const std::uint64_t end = progress->done_bytes + BytesOfSegments(positions);
+    Status status = index_->Merge(positions, [this, progress, end](std::uint64_t bytes) {
+      progress->done_bytes = std::min(progress->done_bytes + bytes, end);
+      return Report(WriterProgress::Phase::kMerging, progress->done_bytes, progress->all_bytes);
+    });
+    progress->done_bytes = end;
+    if (!status.ok()) failed_ = index_->Reload();
+    return status;
+  }
+
+  const WriterOptions options_;
+  MergePolicy policy_;
+  const std::unique_ptr<CommittedIndex> index_;
+  CommittedIndex::Properties properties_;
+  PendingDocuments pending_;
+  Status failed_;  // what stands in the way until Rollback()
+};
+
+Result<IndexWriter> IndexWriter::Open(const std::string& path, WriterOptions options) {
+  if (options.merge_factor < 2) {
+    return Status(StatusCode::kInvalidArgument, "fewer than two segments cannot be merged");
+  }
+  try {
+    auto index = CommittedIndex::Open(path, options);
+    if (!index.ok()) return index.status();
+    return IndexWriter(std::make_unique<Impl>(std::move(*index), std::move(options)));
+  } catch (const std::bad_alloc&) {
+    return Status(StatusCode::kOutOfMemory, "out of memory", path);
+  } catch (const std::exception& error) {
+    return Status(StatusCode::kSystem, error.what(), path);
+  }
+}
+
+IndexWriter::IndexWriter(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
+IndexWriter::IndexWriter(IndexWriter&& other) noexcept = default;
+IndexWriter& IndexWriter::operator=(IndexWriter&& other) noexcept = default;
+IndexWriter::~IndexWriter() = default;
+
+Status IndexWriter::Add(Document document) {
+  return impl_->Guarded([&] { return impl_->Add(std::move(document)); });
+}
+
+Status IndexWriter::Remove(std::string_view name) {
+  return impl_->Guarded([&] { return impl_->Remove(name); });
+}
+
+Status IndexWriter::Rename(std::string_view from, std::string_view to) {
+  return impl_->Guarded([&] { return impl_->Rename(from, to); });
+}
+
+Status IndexWriter::SetField(std::string_view name, DocumentField field, std::string_view value) {
+  return impl_->Guarded([&] { return impl_->SetField(name, field, value); });
+}
+
+void IndexWriter::SetProperty(std::string_view key, std::string_view value) {
+  // An error comes back from Commit().
+  static_cast<void>(impl_->Guarded([&] {
+    impl_->SetProperty(key, value);
+    return Status();
+  }));
+}
+
+Status IndexWriter::Commit() {
+  return impl_->Guarded([&] { return impl_->Commit(); });
+}
+
+Status IndexWriter::Rollback() {
+  return impl_->Caught([&] { return impl_->Rollback(); });
+}
+
+Status IndexWriter::Compact() {
+  return impl_->Guarded([&] { return impl_->Compact(); });
+}
+
+}  // namespace kestan::search
