@@ -1,7 +1,7 @@
 #include "search/index/manifest.h"
 
 #include <kestan/format/posting.h>
-#include <kestan/storage/crc64.h>
+#include <kestan/storage/checksum/crc64.h>
 
 #include <array>
 #include <optional>

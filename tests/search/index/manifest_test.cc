@@ -1,7 +1,7 @@
 #include "search/index/manifest.h"
 
 #include <gtest/gtest.h>
-#include <kestan/storage/crc64.h>
+#include <kestan/storage/checksum/crc64.h>
 
 #include <filesystem>
 #include <set>
