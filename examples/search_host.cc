@@ -2,22 +2,29 @@
 
 #include <cstdio>
 
+using namespace kestan::search;
+
+int Fail(const Status& status) {
+  std::fprintf(stderr, "%s\n", status.ToString().c_str());
+  return 1;
+}
+
 int main() {
-  using namespace kestan::search;
   auto writer = IndexWriter::Open("poems.index");
-  if (!writer.ok()) return std::fprintf(stderr, "%s\n", writer.status().ToString().c_str());
-  Status status = writer->Add({"roses.txt", "Roses are red", "", "Roses"});
-  if (status.ok())
-    status = writer->Add({"violets.txt", "Violets are blue, roses red", "", "Violets"});
-  if (status.ok()) status = writer->Commit();
-  if (!status.ok()) return std::fprintf(stderr, "%s\n", status.ToString().c_str());
+  if (!writer.ok()) return Fail(writer.status());
+  const char* const poems[][2] = {{"roses.txt", "Roses are red"},
+                                  {"violets.txt", "Violets are blue, roses red"}};
+  for (const auto& [name, text] : poems) {
+    Document document;
+    document.name = name;
+    document.text = text;
+    if (const Status added = writer->Add(document); !added.ok()) return Fail(added);
+  }
+  if (const Status committed = writer->Commit(); !committed.ok()) return Fail(committed);
 
   auto reader = IndexReader::Open("poems.index");
-  if (!reader.ok()) return std::fprintf(stderr, "%s\n", reader.status().ToString().c_str());
+  if (!reader.ok()) return Fail(reader.status());
   const auto results = reader->Search("red roses");
-  if (!results.ok()) return std::fprintf(stderr, "%s\n", results.status().ToString().c_str());
-  std::printf("%llu documents\n", static_cast<unsigned long long>(results->total));
-  for (const Hit& hit : results->hits) {
-    std::printf("%d %s (%s)\n", hit.percent, hit.name.c_str(), hit.title.c_str());
-  }
+  if (!results.ok()) return Fail(results.status());
+  for (const Hit& hit : results->hits) std::printf("%d %s\n", hit.percent, hit.name.c_str());
 }

@@ -68,7 +68,7 @@ TEST_F(IndexBuilderTest, AsManyDocumentsAsThereAreCodes) {
   ASSERT_EQ(builder_.Finish(), StoreError::kNone);
   kestan::IndexFile file;
   ASSERT_EQ(file.Open(path_.c_str()), StoreError::kNone);
-  EXPECT_EQ(file.Counts().documents, 65535u);
+  EXPECT_EQ(file.CountDocuments().documents, 65535u);
   EXPECT_EQ(file.NameOf(65535), "65535");
   EXPECT_EQ(file.CodeOf("40000"), 40000);
   EXPECT_EQ(file.TimestampOf("77"), 77u);

@@ -29,7 +29,7 @@ bool Stands(const Query& leaf, const std::string& term) {
   return term == leaf.word;
 }
 
-Maybe ReadLeaf(const PlainDocument& document, const Query& leaf) {
+Maybe ReadLeaf(const DocumentOfWords& document, const Query& leaf) {
   NaiveMatch match;
   for (std::size_t i = 0; i < document.words.size(); ++i) {
     for (const std::string& term : TermsOfWord(document.words[i])) {
@@ -48,7 +48,7 @@ std::vector<Query> EachOnce(const std::vector<Query>& operands) {
   return once;
 }
 
-Maybe ReadJoined(const PlainDocument& document, const Query& query) {
+Maybe ReadJoined(const DocumentOfWords& document, const Query& query) {
   NaiveMatch match;
   bool is_first = true;
   for (const Query& operand : EachOnce(query.operands)) {
@@ -70,7 +70,7 @@ bool Fits(const Query& query, const Query& operand, int before, int after) {
   return before == 0 || (before != after && std::abs(before - after) <= operand.distance_words);
 }
 
-Maybe ReadChain(const PlainDocument& document, const Query& query) {
+Maybe ReadChain(const DocumentOfWords& document, const Query& query) {
   Maybe match = ReadNaively(document, query.operands.front());
   for (std::size_t i = 1; match && i < query.operands.size(); ++i) {
     const Query& operand = query.operands[i];
@@ -113,7 +113,8 @@ struct NaiveClause {
   std::vector<Maybe> found;
 };
 
-std::vector<NaiveClause> ReadClauses(const std::vector<PlainDocument>& living, const Query& query) {
+std::vector<NaiveClause> ReadClauses(const std::vector<DocumentOfWords>& living,
+                                     const Query& query) {
   std::vector<NaiveClause> clauses;
   std::vector<Query> known;
   for (const Query* clause : ScoringClauses(query)) {
@@ -125,7 +126,7 @@ std::vector<NaiveClause> ReadClauses(const std::vector<PlainDocument>& living, c
     known.push_back(*clause);
     NaiveClause read;
     double n = 0;
-    for (const PlainDocument& document : living) {
+    for (const DocumentOfWords& document : living) {
       read.found.push_back(ReadNaively(document, *clause));
       n += read.found.back() ? 1 : 0;
     }
@@ -157,7 +158,7 @@ double NaiveScore(const std::vector<NaiveClause>& clauses, std::size_t document,
 
 }  // namespace
 
-std::optional<NaiveMatch> ReadNaively(const PlainDocument& document, const Query& query) {
+std::optional<NaiveMatch> ReadNaively(const DocumentOfWords& document, const Query& query) {
   switch (query.kind) {
     case Kind::kAnd:
     case Kind::kOr:
@@ -173,11 +174,11 @@ std::optional<NaiveMatch> ReadNaively(const PlainDocument& document, const Query
   }
 }
 
-std::map<std::string, double> ScoreNaively(const std::vector<PlainDocument>& documents,
+std::map<std::string, double> ScoreNaively(const std::vector<DocumentOfWords>& documents,
                                            const Query& query, const SearchOptions& options) {
-  std::vector<PlainDocument> living;
+  std::vector<DocumentOfWords> living;
   double words = 0;
-  for (const PlainDocument& document : documents) {
+  for (const DocumentOfWords& document : documents) {
     if (document.is_removed) continue;
     living.push_back(document);
     words += static_cast<double>(document.words.size());

@@ -22,11 +22,11 @@ struct NaiveMatch {
 };
 
 // Returns what `query` finds in `document`; nothing if it does not match.
-std::optional<NaiveMatch> ReadNaively(const PlainDocument& document,
+std::optional<NaiveMatch> ReadNaively(const DocumentOfWords& document,
                                       const kestan::search::Query& query);
 
 // Returns the living documents that match, with their scores, by their current names.
-std::map<std::string, double> ScoreNaively(const std::vector<PlainDocument>& documents,
+std::map<std::string, double> ScoreNaively(const std::vector<DocumentOfWords>& documents,
                                            const kestan::search::Query& query,
                                            const kestan::search::SearchOptions& options);
 

@@ -24,10 +24,10 @@ constexpr std::uint32_t kAdded = 1700000000;
 // By term and code: the positions.
 using Postings = std::map<std::string, std::map<Code, std::vector<Position>>>;
 
-Postings PostingsOf(const std::vector<PlainDocument>& documents) {
+Postings PostingsOf(const std::vector<DocumentOfWords>& documents) {
   Postings postings;
   Code code = 0;
-  for (const PlainDocument& document : documents) {
+  for (const DocumentOfWords& document : documents) {
     ++code;
     for (std::size_t i = 0; i < document.words.size(); ++i) {
       for (const std::string& term : TermsOfWord(document.words[i])) {
@@ -68,7 +68,7 @@ std::string RecordOf(const std::map<Code, std::vector<Position>>& postings, bool
   return record;
 }
 
-Edits EditsOf(const std::vector<PlainDocument>& documents) {
+Edits EditsOf(const std::vector<DocumentOfWords>& documents) {
   Edits edits(documents.size());
   for (std::size_t i = 0; i < documents.size(); ++i) {
     const auto code = static_cast<Code>(i + 1);
@@ -80,9 +80,9 @@ Edits EditsOf(const std::vector<PlainDocument>& documents) {
 
 }  // namespace
 
-PlainDocument Plain(const std::string& name, const std::string& text) {
+DocumentOfWords Plain(const std::string& name, const std::string& text) {
   std::istringstream stream(text);
-  PlainDocument document;
+  DocumentOfWords document;
   document.name = name;
   for (std::string word; stream >> word;) document.words.push_back(word);
   return document;
@@ -97,13 +97,13 @@ Position PositionOfWord(std::size_t index) {
   return static_cast<Position>(index % kestan::kMaxPosition + 1);
 }
 
-std::shared_ptr<const Segment> PlainSegments::Add(const std::vector<PlainDocument>& documents,
+std::shared_ptr<const Segment> PlainSegments::Add(const std::vector<DocumentOfWords>& documents,
                                                   bool with_positions) {
   const Postings postings = PostingsOf(documents);
   SegmentWriter writer;
   Require(writer.Create(directory_ / "", next_number_++, with_positions, documents.size(),
                         postings.size()));
-  for (const PlainDocument& document : documents) {
+  for (const DocumentOfWords& document : documents) {
     writer.AddDocument(DocumentOf(document.name, document.words.size()));
   }
   for (const auto& [term, of_term] : postings) {
@@ -128,7 +128,7 @@ std::shared_ptr<const Segment> PlainSegments::AddRecords(std::size_t documents,
 }
 
 std::shared_ptr<const Segment> PlainSegments::Opened(const SegmentInfo& written,
-                                                     const std::vector<PlainDocument>& documents,
+                                                     const std::vector<DocumentOfWords>& documents,
                                                      bool with_positions) {
   SegmentInfo info = written;
   const Edits edits = EditsOf(documents);

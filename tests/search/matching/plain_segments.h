@@ -14,7 +14,7 @@
 
 namespace kestan_tests {
 
-struct PlainDocument {
+struct DocumentOfWords {
   std::string name;
   std::vector<std::string> words;
   bool is_removed = false;
@@ -22,7 +22,7 @@ struct PlainDocument {
 };
 
 // Returns a document of the words in `text`, which blanks separate.
-PlainDocument Plain(const std::string& name, const std::string& text);
+DocumentOfWords Plain(const std::string& name, const std::string& text);
 
 // The terms of one word of a document: itself and, if it has capitals, in lower case.
 std::vector<std::string> TermsOfWord(const std::string& word);
@@ -34,7 +34,7 @@ kestan::Position PositionOfWord(std::size_t index);
 class PlainSegments {
  public:
   // Writes `documents` as one more segment, with removals and renames as edits.
-  std::shared_ptr<const kestan::search::Segment> Add(const std::vector<PlainDocument>& documents,
+  std::shared_ptr<const kestan::search::Segment> Add(const std::vector<DocumentOfWords>& documents,
                                                      bool with_positions = true);
 
   // The same with terms and posting records as they are handed in, for documents "1", "2", ... of
@@ -51,9 +51,9 @@ class PlainSegments {
   const kestan::search::Snapshot& snapshot() const { return snapshot_; }
 
  private:
-  std::shared_ptr<const kestan::search::Segment> Opened(const kestan::search::SegmentInfo& info,
-                                                        const std::vector<PlainDocument>& documents,
-                                                        bool with_positions);
+  std::shared_ptr<const kestan::search::Segment> Opened(
+      const kestan::search::SegmentInfo& info, const std::vector<DocumentOfWords>& documents,
+      bool with_positions);
 
   TempDir directory_;
   std::uint64_t next_number_ = 1;

@@ -100,7 +100,7 @@ class QueryOfAnIndexTest : public kestan_tests::IndexTest {
   std::string Found(const Query& query) {
     Evaluator evaluator(engine_);
     std::string names;
-    for (const Hit& hit : HitsIn(evaluator.Evaluate(query, nullptr))) names += hit.name;
+    for (const EngineHit& hit : HitsIn(evaluator.Evaluate(query, nullptr))) names += hit.name;
     return names;
   }
 };

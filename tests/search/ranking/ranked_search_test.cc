@@ -15,8 +15,8 @@
 namespace kestan::search {
 namespace {
 
+using kestan_tests::DocumentOfWords;
 using kestan_tests::Plain;
-using kestan_tests::PlainDocument;
 using kestan_tests::PlainSegments;
 
 Query Parsed(const std::string& text) {
@@ -153,8 +153,8 @@ TEST(RankedSearchTest, DamageIsAnError) {
 }
 
 // Documents enough for threads, which many pairs of words stand in.
-std::vector<PlainDocument> ManyDocuments() {
-  std::vector<PlainDocument> documents;
+std::vector<DocumentOfWords> ManyDocuments() {
+  std::vector<DocumentOfWords> documents;
   for (std::size_t i = 0; i < 120'000; ++i) {
     std::string text = i % 2 == 0 ? "x y" : "y z x";
     for (std::size_t k = 0; k < i % 7; ++k) text += " x";
@@ -163,7 +163,7 @@ std::vector<PlainDocument> ManyDocuments() {
   return documents;
 }
 
-void AddInPartsOf(std::size_t size, const std::vector<PlainDocument>& documents,
+void AddInPartsOf(std::size_t size, const std::vector<DocumentOfWords>& documents,
                   PlainSegments* segments) {
   for (std::size_t i = 0; i < documents.size(); i += size) {
     const auto begin = documents.begin() + static_cast<std::ptrdiff_t>(i);
@@ -173,7 +173,7 @@ void AddInPartsOf(std::size_t size, const std::vector<PlainDocument>& documents,
 }
 
 TEST(RankedSearchTest, ThreadsChangeNoAnswer) {
-  const std::vector<PlainDocument> documents = ManyDocuments();
+  const std::vector<DocumentOfWords> documents = ManyDocuments();
   PlainSegments two;
   PlainSegments six;
   AddInPartsOf(60'000, documents, &two);

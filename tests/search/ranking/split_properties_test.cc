@@ -18,7 +18,7 @@
 namespace kestan::search {
 namespace {
 
-using kestan_tests::PlainDocument;
+using kestan_tests::DocumentOfWords;
 using kestan_tests::PlainSegments;
 using Hits = std::vector<std::pair<std::string, double>>;
 
@@ -27,11 +27,11 @@ std::string AnyWord() {
                                         "dog", "Dog", "flow", "flows", "rare");
 }
 
-std::vector<PlainDocument> AnyDocuments() {
-  std::vector<PlainDocument> documents;
+std::vector<DocumentOfWords> AnyDocuments() {
+  std::vector<DocumentOfWords> documents;
   const auto count = *rc::gen::inRange<std::size_t>(1, 24);
   for (std::size_t i = 0; i < count; ++i) {
-    PlainDocument document;
+    DocumentOfWords document;
     document.name = "n" + std::to_string(i * 7 % 100);
     const auto words = *rc::gen::inRange<std::size_t>(1, 16);
     while (document.words.size() < words) document.words.push_back(AnyWord());
@@ -72,7 +72,7 @@ Query AnyQuery(int depth) {
 }
 
 // Writes `documents` as `count` segments, some of them perhaps empty of documents and left out.
-void AddSplit(const std::vector<PlainDocument>& documents, std::size_t count,
+void AddSplit(const std::vector<DocumentOfWords>& documents, std::size_t count,
               PlainSegments* segments) {
   std::vector<std::size_t> cuts = {0, documents.size()};
   while (cuts.size() < count + 1) {
@@ -87,9 +87,9 @@ void AddSplit(const std::vector<PlainDocument>& documents, std::size_t count,
 }
 
 // What a merge of all segments leaves.
-std::vector<PlainDocument> Living(const std::vector<PlainDocument>& documents) {
-  std::vector<PlainDocument> living;
-  for (const PlainDocument& document : documents) {
+std::vector<DocumentOfWords> Living(const std::vector<DocumentOfWords>& documents) {
+  std::vector<DocumentOfWords> living;
+  for (const DocumentOfWords& document : documents) {
     if (document.is_removed) continue;
     living.push_back(document);
     if (!document.new_name.empty()) living.back().name = std::exchange(living.back().new_name, "");
@@ -120,7 +120,7 @@ Hits Sorted(const std::map<std::string, double>& scores) {
   return hits;
 }
 
-void CheckAgainstNaiveReading(const std::vector<PlainDocument>& documents, const Query& query,
+void CheckAgainstNaiveReading(const std::vector<DocumentOfWords>& documents, const Query& query,
                               const SearchOptions& options, const Hits& hits) {
   const auto expected = kestan_tests::ScoreNaively(documents, query, options);
   RC_ASSERT(hits.size() == expected.size());
@@ -147,7 +147,7 @@ void CheckEqual(const Query& query, const SearchOptions& options, const Hits& ex
 }
 
 RC_GTEST_PROP(SplitPropertiesTest, AnswersAreThoseOfANaiveReadingHoweverDocumentsAreSplit, ()) {
-  const std::vector<PlainDocument> documents = AnyDocuments();
+  const std::vector<DocumentOfWords> documents = AnyDocuments();
   RC_PRE(!Living(documents).empty());
   std::vector<PlainSegments> splits(4);
   AddSplit(documents, 1, &splits[0]);

@@ -16,7 +16,7 @@
 
 namespace kestan::search {
 
-struct PlainDocument {
+struct WrittenDocument {
   std::string name;
   std::string words;  // separated by blanks
   std::array<std::string, kDocumentFields> fields;
@@ -25,10 +25,10 @@ struct PlainDocument {
 // What a posting record of each word holds: codes with positions.
 using PlainPostings = std::map<std::string, std::map<Code, std::vector<Position>>>;
 
-inline PlainPostings InvertPlainly(const std::vector<PlainDocument>& documents) {
+inline PlainPostings InvertPlainly(const std::vector<WrittenDocument>& documents) {
   PlainPostings postings;
   Code code = 0;
-  for (const PlainDocument& document : documents) {
+  for (const WrittenDocument& document : documents) {
     ++code;
     std::istringstream words(document.words);
     Position position = 0;
@@ -51,10 +51,10 @@ inline std::string RecordOf(const std::map<Code, std::vector<Position>>& posting
 }
 
 // Hands all documents and words to the writer. Document i (from 1) was added in second 1000 + i.
-inline void FillSegment(const std::vector<PlainDocument>& documents, bool with_positions,
+inline void FillSegment(const std::vector<WrittenDocument>& documents, bool with_positions,
                         SegmentWriter* writer) {
   std::uint32_t added = 1000;
-  for (const PlainDocument& plain : documents) {
+  for (const WrittenDocument& plain : documents) {
     SegmentDocument document;
     document.name = plain.name;
     document.added = ++added;
@@ -70,7 +70,7 @@ inline void FillSegment(const std::vector<PlainDocument>& documents, bool with_p
 }
 
 inline Result<SegmentInfo> WriteSegment(const std::string& folder, std::uint64_t number,
-                                        const std::vector<PlainDocument>& documents,
+                                        const std::vector<WrittenDocument>& documents,
                                         bool with_positions = true) {
   SegmentWriter writer;
   Status status = writer.Create(folder, number, with_positions, documents.size(), 100);

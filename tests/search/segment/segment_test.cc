@@ -49,7 +49,7 @@ class SegmentTest : public testing::Test {
 
   kestan_tests::TempDir dir_;
   std::string folder_ = dir_ / "";
-  std::vector<PlainDocument> documents_ = {
+  std::vector<WrittenDocument> documents_ = {
       {"a.txt", "hello world hello", {"Title A", "", "host A"}},
       {"b.txt", "hello there", {}},
       {"c.txt", "world", {"", "Summary C", ""}}};
@@ -63,14 +63,14 @@ std::string Found(const SegmentPtr& segment, const std::string& term) {
   return postings.ok() ? std::string(postings->record.view()) : "";
 }
 
-void ExpectHas(const SegmentPtr& segment, const std::vector<PlainDocument>& documents) {
+void ExpectHas(const SegmentPtr& segment, const std::vector<WrittenDocument>& documents) {
   ASSERT_EQ(segment->size(), documents.size());
   for (const auto& [word, postings] : InvertPlainly(documents)) {
     EXPECT_EQ(Found(segment, word), RecordOf(postings, segment->with_positions())) << word;
     EXPECT_EQ(segment->FindTerm(word)->documents, postings.size());
   }
   Code code = 0;
-  for (const PlainDocument& document : documents) {
+  for (const WrittenDocument& document : documents) {
     ++code;
     EXPECT_EQ(segment->NameOf(code), document.name);
     EXPECT_EQ(segment->AddedOf(code), 1000u + code);
@@ -280,7 +280,7 @@ TEST_F(SegmentTest, RandomDocumentsComeBack) {
     documents_.clear();
     const auto count = *rc::gen::inRange(0, 30);
     for (int i = 0; i < count; ++i) {
-      PlainDocument document{"n" + std::to_string(i * 17 % 31), "", {}};
+      WrittenDocument document{"n" + std::to_string(i * 17 % 31), "", {}};
       for (const auto& word : *rc::gen::container<std::vector<std::string>>(
                rc::gen::container<std::string>(rc::gen::inRange('a', 'd')))) {
         document.words += word + " ";

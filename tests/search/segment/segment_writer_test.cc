@@ -28,8 +28,8 @@ class SegmentWriterTest : public testing::Test {
 
   kestan_tests::TempDir dir_;
   std::string folder_ = dir_ / "";
-  std::vector<PlainDocument> documents_ = {{"a.txt", "hello world hello", {"Title", "", "host"}},
-                                           {"b.txt", "hello there", {}}};
+  std::vector<WrittenDocument> documents_ = {{"a.txt", "hello world hello", {"Title", "", "host"}},
+                                             {"b.txt", "hello there", {}}};
 };
 
 TEST_F(SegmentWriterTest, WritesThreeFilesAndSumsThemUp) {
@@ -48,7 +48,7 @@ TEST_F(SegmentWriterTest, TheIndexFileIsOneOfTheEngine) {
   ASSERT_TRUE(WriteSegment(folder_, 1, documents_).ok());
   IndexFile file;
   ASSERT_EQ(file.Open((folder_ + "1.segment").c_str()), StoreError::kNone);
-  EXPECT_EQ(file.Counts().documents, 2u);
+  EXPECT_EQ(file.CountDocuments().documents, 2u);
   EXPECT_EQ(file.DocumentFrequency("hello"), 2u);
   EXPECT_EQ(file.NameOf(2), "b.txt");
   EXPECT_EQ(file.TimestampOf("b.txt"), 1002u);
