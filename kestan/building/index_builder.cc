@@ -1,12 +1,12 @@
 #include <kestan/building/index_builder.h>
 
+#include <kestan/building/gdbm_writer.h>
 #include <kestan/format/document_record.h>
 #include <kestan/format/id_list.h>
 #include <kestan/format/keys.h>
 #include <kestan/format/option_flags.h>
 #include <kestan/format/posting_list.h>
 #include <kestan/format/record_kind.h>
-#include <kestan/storage/gdbm/gdbm_writer.h>
 #include <kestan/storage/memory.h>
 
 #include <algorithm>

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "search/matching/matches.h"
+#include "search/matching/operators/matches.h"
 #include "search/query/query.h"
 #include "search/segment/segment.h"
 

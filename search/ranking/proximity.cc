@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdlib>
 
-#include "search/matching/matches.h"
+#include "search/matching/operators/matches.h"
 
 namespace kestan::search {
 namespace {

@@ -33,6 +33,12 @@ bool IsOurs(std::string_view path) {
                      [&](std::string_view component) { return IsIn(path, component); });
 }
 
+// Returns where a file that hosts include as `path` lies.
+std::string SourceOf(const std::string& path) {
+  const bool is_of_search = path == "kestan/search.h" || IsIn(path, "kestan/search");
+  return is_of_search ? "search/include/" + path : path;
+}
+
 // Removes what includes nothing that is left, over and over. What stays is in a cycle or includes
 // one.
 Sources WithoutAcyclic(Sources graph) {
@@ -107,7 +113,7 @@ Paths IncludesOf(std::string_view text) {
     if (line.compare(0, kStart.size(), kStart) != 0) continue;
     const std::size_t first = kStart.size() + 1;
     const std::string path = line.substr(first, line.find_first_of(">\"", first) - first);
-    if (IsOurs(path)) includes.insert(path);
+    if (IsOurs(path)) includes.insert(SourceOf(path));
   }
   return includes;
 }

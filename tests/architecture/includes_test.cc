@@ -14,12 +14,15 @@ const std::vector<Floor> kFloors{
     {"kestan/text"},
     {"kestan/format"},
     {"kestan/indexing", "kestan/query", "kestan/maintenance"},
-    {"kestan/engine"},
-    {"kestan"},  // the headers that hosts include
-    {"search/text"},
-    {"search/vocabulary"},
+    {"kestan/building", "kestan/engine"},
+    {"kestan"},          // the headers that hosts include
+    {"search/include"},  // what hosts of the search library include
+    {"search/files", "search/text"},
+    {"search/segment", "search/vocabulary"},
     {"search/query"},
+    {"search/matching"},
     {"search/ranking", "search/snippet"},
+    {"search/index"},
     {"cli/console"},
     {"cli/files"},
     {"cli/extract", "cli/index"},
@@ -72,8 +75,10 @@ TEST(IncludesOfTest, OwnHeadersOfBothStylesAreFound) {
   EXPECT_EQ(IncludesOf("#ifndef A\n#include <string>\n#include <kestan/kestan.h>  // why\n"
                        "#include \"cli/app/command.h\"\n#include \"search/query/query.h\"\n"
                        "// #include <kestan/results.h>\n#include <kestanic/a.h>\n"
-                       "#include <kestan/index_file.h>"),
+                       "#include <kestan/index_file.h>\n#include <kestan/search.h>\n"
+                       "#include <kestan/search/status.h>"),
             (Paths{"cli/app/command.h", "kestan/index_file.h", "kestan/kestan.h",
+                   "search/include/kestan/search.h", "search/include/kestan/search/status.h",
                    "search/query/query.h"}));
 }
 

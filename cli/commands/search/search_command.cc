@@ -19,17 +19,17 @@
 #include "search/query/distinct.h"
 #include "search/query/evaluation/evaluator.h"
 #include "search/query/query_parser.h"
-#include "search/ranking/relevance.h"
+#include "search/ranking/listing/relevance.h"
 
 namespace kestan_cli {
 namespace {
 
 using kestan::search::DefaultOperator;
 using kestan::search::Distinct;
+using kestan::search::EngineHit;
 using kestan::search::Evaluator;
 using kestan::search::Explanation;
 using kestan::search::Fragment;
-using kestan::search::EngineHit;
 using kestan::search::HitOrder;
 using kestan::search::HitsIn;
 using kestan::search::MakeSnippet;

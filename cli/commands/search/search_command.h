@@ -11,7 +11,7 @@
 
 #include "cli/console/report.h"
 #include "search/query/query_parser.h"
-#include "search/ranking/hits.h"
+#include "search/ranking/listing/hits.h"
 
 namespace kestan_cli {
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "search/query/evaluation/explanation.h"
-#include "search/ranking/hits.h"
+#include "search/ranking/listing/hits.h"
 #include "search/snippet/snippet.h"
 
 namespace kestan_cli {

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "search/matching/matches.h"
+#include "search/matching/operators/matches.h"
 
 namespace kestan::search {
 

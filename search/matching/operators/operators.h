@@ -10,7 +10,7 @@
 #include <memory>
 #include <vector>
 
-#include "search/matching/matches.h"
+#include "search/matching/operators/matches.h"
 #include "search/segment/segment.h"
 
 namespace kestan::search {

@@ -10,7 +10,7 @@
 #include "search/query/evaluation/evaluator.h"
 #include "search/query/query_parser.h"
 #include "search/query/query_printer.h"
-#include "search/ranking/hits.h"
+#include "search/ranking/listing/hits.h"
 #include "tests/support/index_test.h"
 
 namespace kestan::search {

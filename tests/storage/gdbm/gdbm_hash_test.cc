@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/storage/gdbm/one_hash.h"
+#include "tests/building/one_hash.h"
 
 namespace kestan_tests {
 namespace {

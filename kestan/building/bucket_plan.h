@@ -1,6 +1,6 @@
 // How the records of a new gdbm file are spread over buckets.
-#ifndef KESTAN_STORAGE_GDBM_BUCKET_PLAN_H_
-#define KESTAN_STORAGE_GDBM_BUCKET_PLAN_H_
+#ifndef KESTAN_BUILDING_BUCKET_PLAN_H_
+#define KESTAN_BUILDING_BUCKET_PLAN_H_
 
 #include <kestan/storage/gdbm/gdbm_hash.h>
 #include <kestan/storage/gdbm/gdbm_header.h>
@@ -54,4 +54,4 @@ bool PlanBuckets(const Vector<Element>& elements, std::uint32_t largest, BucketP
 
 }  // namespace kestan::gdbm
 
-#endif  // KESTAN_STORAGE_GDBM_BUCKET_PLAN_H_
+#endif  // KESTAN_BUILDING_BUCKET_PLAN_H_

@@ -1,6 +1,6 @@
 // How often documents have what a clause of a query asks for.
-#ifndef KESTAN_SEARCH_RANKING_TERM_FREQUENCY_H_
-#define KESTAN_SEARCH_RANKING_TERM_FREQUENCY_H_
+#ifndef KESTAN_SEARCH_RANKING_LISTING_TERM_FREQUENCY_H_
+#define KESTAN_SEARCH_RANKING_LISTING_TERM_FREQUENCY_H_
 
 #include <kestan/results.h>
 
@@ -28,4 +28,4 @@ std::vector<TermFrequency> TermFrequenciesIn(const ResultSet& set, const Query& 
 
 }  // namespace kestan::search
 
-#endif  // KESTAN_SEARCH_RANKING_TERM_FREQUENCY_H_
+#endif  // KESTAN_SEARCH_RANKING_LISTING_TERM_FREQUENCY_H_

@@ -1,4 +1,4 @@
-#include "search/ranking/hits.h"
+#include "search/ranking/listing/hits.h"
 
 #include <gtest/gtest.h>
 

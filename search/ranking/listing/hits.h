@@ -1,6 +1,6 @@
 // The documents that a query finds.
-#ifndef KESTAN_SEARCH_RANKING_HITS_H_
-#define KESTAN_SEARCH_RANKING_HITS_H_
+#ifndef KESTAN_SEARCH_RANKING_LISTING_HITS_H_
+#define KESTAN_SEARCH_RANKING_LISTING_HITS_H_
 
 #include <kestan/results.h>
 
@@ -33,4 +33,4 @@ void Sort(HitOrder order, std::vector<EngineHit>* hits);
 
 }  // namespace kestan::search
 
-#endif  // KESTAN_SEARCH_RANKING_HITS_H_
+#endif  // KESTAN_SEARCH_RANKING_LISTING_HITS_H_

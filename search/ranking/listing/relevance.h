@@ -1,6 +1,6 @@
 // Ranking documents by how likely they are to answer a question.
-#ifndef KESTAN_SEARCH_RANKING_RELEVANCE_H_
-#define KESTAN_SEARCH_RANKING_RELEVANCE_H_
+#ifndef KESTAN_SEARCH_RANKING_LISTING_RELEVANCE_H_
+#define KESTAN_SEARCH_RANKING_LISTING_RELEVANCE_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "search/ranking/hits.h"
-#include "search/ranking/term_frequency.h"
+#include "search/ranking/listing/hits.h"
+#include "search/ranking/listing/term_frequency.h"
 
 namespace kestan::search {
 
@@ -40,4 +40,4 @@ void SortByRelevance(const std::vector<RankedClause>& clauses, std::uint64_t doc
 
 }  // namespace kestan::search
 
-#endif  // KESTAN_SEARCH_RANKING_RELEVANCE_H_
+#endif  // KESTAN_SEARCH_RANKING_LISTING_RELEVANCE_H_

@@ -1,10 +1,10 @@
-#include "search/ranking/hits.h"
+#include "search/ranking/listing/hits.h"
 
 #include <algorithm>
 #include <string_view>
 #include <tuple>
 
-#include "search/ranking/percentage.h"
+#include "search/ranking/listing/percentage.h"
 
 namespace kestan::search {
 namespace {

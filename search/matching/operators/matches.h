@@ -1,6 +1,6 @@
 // What a query finds in one segment.
-#ifndef KESTAN_SEARCH_MATCHING_MATCHES_H_
-#define KESTAN_SEARCH_MATCHING_MATCHES_H_
+#ifndef KESTAN_SEARCH_MATCHING_OPERATORS_MATCHES_H_
+#define KESTAN_SEARCH_MATCHING_OPERATORS_MATCHES_H_
 
 #include <kestan/format/posting.h>
 
@@ -50,4 +50,4 @@ class PositionReader {
 
 }  // namespace kestan::search
 
-#endif  // KESTAN_SEARCH_MATCHING_MATCHES_H_
+#endif  // KESTAN_SEARCH_MATCHING_OPERATORS_MATCHES_H_

@@ -1,4 +1,4 @@
-#include "search/ranking/term_frequency.h"
+#include "search/ranking/listing/term_frequency.h"
 
 #include <algorithm>
 #include <string_view>

@@ -1,4 +1,4 @@
-#include "search/matching/matches.h"
+#include "search/matching/operators/matches.h"
 
 #include <kestan/index_builder.h>
 

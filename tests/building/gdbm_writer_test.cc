@@ -1,5 +1,5 @@
 // Files that gdbm has not written, read and changed by gdbm.
-#include <kestan/storage/gdbm/gdbm_writer.h>
+#include <kestan/building/gdbm_writer.h>
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/storage/gdbm/one_hash.h"
+#include "tests/building/one_hash.h"
 #include "tests/support/files.h"
 #include "tests/support/stored_records.h"
 #include "tests/support/temp_dir.h"

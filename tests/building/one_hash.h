@@ -1,6 +1,6 @@
 // Keys that gdbm gives one hash.
-#ifndef KESTAN_TESTS_STORAGE_GDBM_ONE_HASH_H_
-#define KESTAN_TESTS_STORAGE_GDBM_ONE_HASH_H_
+#ifndef KESTAN_TESTS_BUILDING_ONE_HASH_H_
+#define KESTAN_TESTS_BUILDING_ONE_HASH_H_
 
 #include <cstddef>
 #include <string>
@@ -26,4 +26,4 @@ inline std::vector<std::string> KeysOfOneHash(std::size_t count) {
 
 }  // namespace kestan_tests
 
-#endif  // KESTAN_TESTS_STORAGE_GDBM_ONE_HASH_H_
+#endif  // KESTAN_TESTS_BUILDING_ONE_HASH_H_

@@ -1,6 +1,6 @@
 // What becomes of a file when the system refuses a call, and of one that is very large. The
 // library's calls of pwrite64, pread64 and close come here.
-#include <kestan/storage/gdbm/gdbm_writer.h>
+#include <kestan/building/gdbm_writer.h>
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -14,7 +14,7 @@
 #include <string>
 #include <string_view>
 
-#include "tests/storage/gdbm/one_hash.h"
+#include "tests/building/one_hash.h"
 #include "tests/support/stored_records.h"
 #include "tests/support/temp_dir.h"
 

@@ -1,4 +1,4 @@
-#include <kestan/storage/gdbm/gdbm_writer.h>
+#include <kestan/building/gdbm_writer.h>
 
 #include <fcntl.h>
 #include <unistd.h>

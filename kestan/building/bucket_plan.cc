@@ -1,4 +1,4 @@
-#include <kestan/storage/gdbm/bucket_plan.h>
+#include <kestan/building/bucket_plan.h>
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "search/ranking/relevance.h"
+#include "search/ranking/listing/relevance.h"
 
 #include <gtest/gtest.h>
 

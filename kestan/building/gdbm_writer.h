@@ -1,8 +1,8 @@
 // Writes a whole gdbm file without gdbm.
-#ifndef KESTAN_STORAGE_GDBM_GDBM_WRITER_H_
-#define KESTAN_STORAGE_GDBM_GDBM_WRITER_H_
+#ifndef KESTAN_BUILDING_GDBM_WRITER_H_
+#define KESTAN_BUILDING_GDBM_WRITER_H_
 
-#include <kestan/storage/gdbm/bucket_plan.h>
+#include <kestan/building/bucket_plan.h>
 #include <kestan/storage/gdbm/gdbm_header.h>
 #include <kestan/storage/gdbm/record_place.h>
 #include <kestan/storage/memory.h>
@@ -79,4 +79,4 @@ class Writer {
 
 }  // namespace kestan::gdbm
 
-#endif  // KESTAN_STORAGE_GDBM_GDBM_WRITER_H_
+#endif  // KESTAN_BUILDING_GDBM_WRITER_H_

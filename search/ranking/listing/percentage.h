@@ -1,6 +1,6 @@
 // Scores as percentages of the best one.
-#ifndef KESTAN_SEARCH_RANKING_PERCENTAGE_H_
-#define KESTAN_SEARCH_RANKING_PERCENTAGE_H_
+#ifndef KESTAN_SEARCH_RANKING_LISTING_PERCENTAGE_H_
+#define KESTAN_SEARCH_RANKING_LISTING_PERCENTAGE_H_
 
 #include <kestan/results.h>
 
@@ -25,4 +25,4 @@ class PercentageScale {
 
 }  // namespace kestan::search
 
-#endif  // KESTAN_SEARCH_RANKING_PERCENTAGE_H_
+#endif  // KESTAN_SEARCH_RANKING_LISTING_PERCENTAGE_H_
