@@ -26,5 +26,5 @@ int main() {
   if (!reader.ok()) return Fail(reader.status());
   const auto results = reader->Search("red roses");
   if (!results.ok()) return Fail(results.status());
-  for (const Hit& hit : results->hits) std::printf("%d %s\n", hit.percent, hit.name.c_str());
+  for (const Hit& hit : results->hits) std::puts(hit.name.c_str());
 }

@@ -63,5 +63,5 @@ check_hosts "$source/examples/first_host.cc" kestan::kestan kestan \
   $'roses:\n100 roses.txt\n100 violets.txt\nroses next to are:\n100 roses.txt'
 if [ -f "$libraries/pkgconfig/kestan-search.pc" ]; then
   check_hosts "$source/examples/search_host.cc" kestan::search kestan-search \
-    $'2 documents\n100 roses.txt (Roses)\n62 violets.txt (Violets)'
+    $'roses.txt\nviolets.txt'
 fi
