@@ -27,6 +27,9 @@ Status ChangedSegments::Open(const std::string& folder, const Manifest& manifest
         [&info](const auto& segment) { return segment->info().number == info.number; });
     auto segment = Segment::Open(folder, info, manifest.with_positions,
                                  known != segments_.end() ? known->get() : nullptr);
+    if (segment.status().code() == StatusCode::kNotFound) {
+      return {StatusCode::kDamaged, "a file of the index is missing", segment.status().file()};
+    }
     if (!segment.ok()) return segment.status();
     segments.push_back(std::move(*segment));
   }
@@ -37,11 +40,14 @@ Status ChangedSegments::Open(const std::string& folder, const Manifest& manifest
   return {};
 }
 
-std::optional<ChangedSegments::Place> ChangedSegments::Find(std::string_view name) const {
-  for (std::size_t i = segments_.size(); i-- > 0;) {
-    if (const auto code = FindIn(*segments_[i], EditsOf(i), name)) return Place{i, *code};
+Result<std::optional<ChangedSegments::Place>> ChangedSegments::Find(std::string_view name) const {
+  std::optional<Place> place;
+  for (std::size_t i = segments_.size(); i-- > 0 && !place;) {
+    if (const auto code = FindIn(*segments_[i], EditsOf(i), name)) place = Place{i, *code};
+    Status status = segments_[i]->status();  // a name that is not read is not found
+    if (!status.ok()) return status;
   }
-  return std::nullopt;
+  return place;
 }
 
 void ChangedSegments::Remove(Place place) { ChangeEditsOf(place.segment).Remove(place.code); }

@@ -32,7 +32,8 @@ class ChangedSegments {
   Status Open(const std::string& folder, const Manifest& manifest);
 
   // Finds a living document, with one look-up a segment.
-  std::optional<Place> Find(std::string_view name) const;
+  //   Returns  nothing if there is none; kDamaged where that cannot be known.
+  Result<std::optional<Place>> Find(std::string_view name) const;
 
   // Each changes a document that Find() found.
   void Remove(Place place);

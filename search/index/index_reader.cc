@@ -129,6 +129,8 @@ class IndexReader::Impl {
   Result<DocumentInfo> FindDocument(std::string_view name) const {
     for (const auto& segment : snapshot_.segments) {
       const auto code = segment->FindDocument(name);
+      const Status status = segment->status();  // a name that is not read is not found
+      if (!status.ok()) return status;
       if (code) return InfoOf(*segment, *code);
     }
     return Status(StatusCode::kNotFound, "no document of this name");
@@ -214,6 +216,7 @@ class IndexReader::Impl {
       hit.percent = PercentOf(document.score, best.front().score);
       hit.index = snapshot_.index_of_segment[document.id.segment];
       hits->push_back(std::move(hit));
+      if (Status status = segment.status(); !status.ok()) return status;
     }
     return {};
   }
@@ -250,6 +253,8 @@ class IndexReader::Impl {
       if (!text.ok()) return text.status();
       *fields[i] = std::move(*text);
     }
+    const Status status = segment.status();
+    if (!status.ok()) return status;
     return info;
   }
 

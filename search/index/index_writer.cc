@@ -109,16 +109,19 @@ class IndexWriter::Impl {
   Status Rename(std::string_view from, std::string_view to) {
     Status status = CheckName(to);
     if (!status.ok()) return status;
-    const auto place = index_->segments().Find(from);
     const bool is_pending = pending_.Has(from);
-    if (!place && !is_pending) return NoSuchDocument(from);
-    if (pending_.Has(to) || index_->segments().Find(to)) {
+    const auto place = index_->segments().Find(from);
+    if (!place.ok()) return Fail(place.status());
+    if (!*place && !is_pending) return NoSuchDocument(from);
+    const auto taken = index_->segments().Find(to);
+    if (!taken.ok()) return Fail(taken.status());
+    if (pending_.Has(to) || *taken) {
       return {StatusCode::kAlreadyExists, "there is a document '" + std::string(to) + "' already"};
     }
     if (is_pending) {
       status = pending_.Rename(from, to, Now());
     } else {
-      index_->segments().Rename(*place, to, Now());
+      index_->segments().Rename(**place, to, Now());
     }
     return status.ok() ? status : Fail(status);
   }
@@ -132,8 +135,9 @@ class IndexWriter::Impl {
       return status.ok() ? status : Fail(status);
     }
     const auto place = index_->segments().Find(name);
-    if (!place) return NoSuchDocument(name);
-    index_->segments().SetField(*place, field, value);
+    if (!place.ok()) return Fail(place.status());
+    if (!*place) return NoSuchDocument(name);
+    index_->segments().SetField(**place, field, value);
     return {};
   }
 
@@ -188,8 +192,9 @@ class IndexWriter::Impl {
   Status RemoveIfThere(std::string_view name) {
     if (pending_.Has(name)) return pending_.Remove(name);
     const auto place = index_->segments().Find(name);
-    if (!place) return NoSuchDocument(name);
-    index_->segments().Remove(*place);
+    if (!place.ok()) return place.status();
+    if (!*place) return NoSuchDocument(name);
+    index_->segments().Remove(**place);
     return {};
   }
 

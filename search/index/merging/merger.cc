@@ -86,6 +86,8 @@ class Merger {
         if (!status.ok()) return status;
         source->new_codes[i] = ++last;
       }
+      Status status = source->segment->status();
+      if (!status.ok()) return status;
     }
     return {};
   }

@@ -1,0 +1,205 @@
+// Files of an index that were changed, cut, lost or exchanged, read and written through the public
+// interface: the answers are right, or there is an error, and what is not damaged is not lost.
+//
+// In the environment, KESTAN_HOSTILE_BYTES=all flips each bit of each byte instead of one.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "tests/faults/search/asked_index.h"
+#include "tests/support/files.h"
+#include "tests/support/temp_dir.h"
+
+namespace kestan_faults {
+namespace {
+
+using kestan::search::IndexReader;
+using kestan::search::Status;
+using kestan::search::StatusCode;
+using kestan_tests::ReadFile;
+using kestan_tests::WriteFile;
+
+using Answers = std::vector<std::string>;
+
+std::vector<unsigned> MasksAt(std::size_t offset) {
+  const char* const bits = std::getenv("KESTAN_HOSTILE_BYTES");
+  if (bits == nullptr || std::string(bits) != "all") return {1U << (offset % 8)};
+  return {1, 2, 4, 8, 16, 32, 64, 128, 255};
+}
+
+class DamagedIndexTest : public testing::Test {
+ protected:
+  DamagedIndexTest() {
+    MakeIndex(original_);
+    before_ = Ask(original_);
+    std::filesystem::copy(original_, work_);
+    auto writer = OpenWriter(work_);
+    EXPECT_TRUE(writer.ok() && ChangeIndex(&*writer).ok());
+    after_ = Ask(work_);
+  }
+
+  // The files that say what stands in the index: not the segments, whose postings have no checksum
+  // of their own.
+  std::vector<std::string> Files() const {
+    std::vector<std::string> files;
+    for (const auto& file : std::filesystem::directory_iterator(original_)) {
+      const std::string name = file.path().filename().string();
+      const bool is_read_whole = name != "writer.lock" && file.path().extension() != ".segment";
+      if (is_read_whole) files.push_back(name);
+    }
+    return files;
+  }
+
+  // Checks each answer on its own.
+  //   Returns  how many were refused.
+  static int ExpectRightOrRefused(const Answers& answers, const Answers& right) {
+    int refused = 0;
+    for (std::size_t i = 0; i < answers.size(); ++i) {
+      if (IsRefused(answers[i])) {
+        ++refused;
+      } else {
+        EXPECT_EQ(answers[i], right[i]) << "question " << i;
+      }
+    }
+    return refused;
+  }
+
+  // Reads the index with `bytes` in place of a file, and gives the file its bytes back.
+  int Read(const std::string& file, const std::string& bytes) const {
+    const std::string path = original_ + "/" + file;
+    const std::string good = ReadFile(path);
+    WriteFile(path, bytes);
+    const int refused = ExpectRightOrRefused(Ask(original_), before_);
+    WriteFile(path, good);
+    return refused;
+  }
+
+  // Changes a copy of the index with `bytes` in place of a file, and reads what came of it, both as
+  // it is and with the file whole again, where it still is of the index.
+  void Write(const std::string& file, const std::string& bytes) const {
+    std::filesystem::remove_all(work_);
+    std::filesystem::copy(original_, work_);
+    WriteFile(work_ + "/" + file, bytes);
+    Status status;
+    {
+      auto writer = OpenWriter(work_);
+      status = writer.ok() ? ChangeIndex(&*writer) : writer.status();
+    }
+    if (!status.ok()) {
+      EXPECT_TRUE(IsRefused(RefusalOf(status))) << RefusalOf(status);
+    }
+    const Answers damaged = Ask(work_);
+    if (file != "MANIFEST" || !status.ok()) {
+      WriteFile(work_ + "/" + file, ReadFile(original_ + "/" + file));
+    }
+    // An error of the merge that follows a commit comes after it.
+    const Answers whole = Ask(work_);
+    EXPECT_EQ(whole, !status.ok() && whole == before_ ? before_ : after_);
+    ExpectRightOrRefused(damaged, whole);
+  }
+
+  const kestan_tests::TempDir folder_;
+  const std::string original_ = folder_ / "original";
+  const std::string work_ = folder_ / "work";
+  Answers before_;
+  Answers after_;
+};
+
+TEST_F(DamagedIndexTest, ChangedByteIsNeverBelievedByReaders) {
+  int refused = 0;
+  for (const std::string& file : Files()) {
+    const std::string good = ReadFile(original_ + "/" + file);
+    for (std::size_t i = 0; i < good.size(); ++i) {
+      for (const unsigned mask : MasksAt(i)) {
+        SCOPED_TRACE(file + " byte " + std::to_string(i) + " mask " + std::to_string(mask));
+        std::string bytes = good;
+        bytes[i] = static_cast<char>(static_cast<unsigned char>(bytes[i]) ^ mask);
+        refused += Read(file, bytes);
+        if (HasFailure()) return;
+      }
+    }
+  }
+  EXPECT_GT(refused, 0);
+}
+
+TEST_F(DamagedIndexTest, CutFileIsRefusedByReaders) {
+  for (const std::string& file : Files()) {
+    const std::string good = ReadFile(original_ + "/" + file);
+    for (std::size_t size = 0; size < good.size(); ++size) {
+      SCOPED_TRACE(file + " cut to " + std::to_string(size));
+      ASSERT_EQ(static_cast<std::size_t>(Read(file, good.substr(0, size))), before_.size());
+    }
+    ASSERT_EQ(static_cast<std::size_t>(Read(file, good + "x")), before_.size());
+  }
+}
+
+TEST_F(DamagedIndexTest, WriterNeverMakesIndexWorse) {
+  for (const std::string& file : Files()) {
+    const std::string good = ReadFile(original_ + "/" + file);
+    for (std::size_t i = 0; i < good.size(); ++i) {
+      for (const unsigned mask : MasksAt(i)) {
+        SCOPED_TRACE(file + " byte " + std::to_string(i) + " mask " + std::to_string(mask));
+        std::string bytes = good;
+        bytes[i] = static_cast<char>(static_cast<unsigned char>(bytes[i]) ^ mask);
+        Write(file, bytes);
+        if (HasFailure()) return;
+      }
+    }
+    for (std::size_t size = 0; size < good.size(); size += 5) {
+      SCOPED_TRACE(file + " cut to " + std::to_string(size));
+      Write(file, good.substr(0, size));
+      if (HasFailure()) return;
+    }
+  }
+}
+
+TEST_F(DamagedIndexTest, MissingFileIsNamed) {
+  for (const auto& entry : std::filesystem::directory_iterator(original_)) {
+    const std::string file = entry.path().filename().string();
+    if (file == "writer.lock" || file == "MANIFEST") continue;
+    std::filesystem::remove_all(work_);
+    std::filesystem::copy(original_, work_);
+    std::filesystem::remove(work_ + "/" + file);
+    const auto reader = IndexReader::Open(work_);
+    ASSERT_FALSE(reader.ok());
+    EXPECT_EQ(RefusalOf(reader.status()), "kDamaged");
+    EXPECT_EQ(reader.status().file(), work_ + "/" + file);
+    const auto writer = OpenWriter(work_);
+    ASSERT_FALSE(writer.ok());
+    EXPECT_EQ(RefusalOf(writer.status()), "kDamaged");
+    EXPECT_EQ(writer.status().file(), work_ + "/" + file);
+  }
+}
+
+TEST_F(DamagedIndexTest, MissingManifestIsNoReasonToBeginAnew) {
+  std::filesystem::remove(original_ + "/MANIFEST");
+  EXPECT_EQ(IndexReader::Open(original_).status().code(), StatusCode::kNotFound);
+  EXPECT_EQ(RefusalOf(OpenWriter(original_).status()), "kDamaged");
+}
+
+TEST_F(DamagedIndexTest, ManifestOfAnotherVersionIsRefused) {
+  std::string manifest = ReadFile(original_ + "/MANIFEST");
+  manifest.replace(manifest.find(" 1\n"), 2, " 2");
+  WriteFile(original_ + "/MANIFEST", manifest);
+  EXPECT_EQ(RefusalOf(IndexReader::Open(original_).status()), "kVersion");
+  EXPECT_EQ(RefusalOf(OpenWriter(original_).status()), "kVersion");
+}
+
+// Files of two segments differ in their sizes, or in what they contradict.
+TEST_F(DamagedIndexTest, ExchangedFilesAreRefused) {
+  for (const char* const kind : {".segment", ".terms", ".documents"}) {
+    SCOPED_TRACE(kind);
+    std::filesystem::remove_all(work_);
+    std::filesystem::copy(original_, work_);
+    const std::string first = ReadFile(work_ + "/1" + kind);
+    WriteFile(work_ + "/1" + kind, ReadFile(work_ + "/2" + kind));
+    WriteFile(work_ + "/2" + kind, first);
+    EXPECT_GT(ExpectRightOrRefused(Ask(work_), before_), 0);
+  }
+}
+
+}  // namespace
+}  // namespace kestan_faults
