@@ -128,6 +128,12 @@ ssize_t read(int file, void* bytes, std::size_t count) {
                   [&](std::size_t most) { return next(file, bytes, most); });
 }
 
+ssize_t pread64(int file, void* bytes, std::size_t count, off64_t offset) {
+  static auto* const next = Next<ssize_t(int, void*, std::size_t, off64_t)>("pread64");
+  return Transfer(Function::kRead, file, count,
+                  [&](std::size_t most) { return next(file, bytes, most, offset); });
+}
+
 ssize_t write(int file, const void* bytes, std::size_t count) {
   static auto* const next = Next<ssize_t(int, const void*, std::size_t)>("write");
   const ssize_t moved = Transfer(Function::kWrite, file, count,
@@ -184,6 +190,11 @@ int msync(void* at, std::size_t size, int flags) {
 int rename(const char* from, const char* to) noexcept {
   static auto* const next = Next<int(const char*, const char*)>("rename");
   return Perform(RuleOn(Function::kRename, from), -1, [&] { return next(from, to); });
+}
+
+int unlink(const char* path) noexcept {
+  static auto* const next = Next<int(const char*)>("unlink");
+  return Perform(RuleOn(Function::kRemove, path), -1, [&] { return next(path); });
 }
 
 int fchmod(int file, mode_t mode) noexcept {

@@ -36,9 +36,9 @@ Ruling Ask(const SystemCall& call) {
 }  // namespace
 
 const char* NameOf(Function function) {
-  constexpr std::array<const char*, 14> kNames = {"open",  "close",  "fstat",     "flock", "read",
-                                                  "write", "lseek",  "ftruncate", "fsync", "mmap",
-                                                  "msync", "rename", "fchmod",    "fchown"};
+  constexpr std::array<const char*, 15> kNames = {
+      "open",  "close", "fstat", "flock",  "read",   "write",  "lseek", "ftruncate",
+      "fsync", "mmap",  "msync", "rename", "fchmod", "fchown", "unlink"};
   return kNames.at(static_cast<std::size_t>(function));
 }
 

@@ -17,7 +17,7 @@ enum class Function : std::uint8_t {
   kClose,
   kStat,
   kLock,
-  kRead,
+  kRead,  // pread too
   kWrite,
   kSeek,
   kTruncate,
@@ -27,6 +27,7 @@ enum class Function : std::uint8_t {
   kRename,
   kMode,
   kOwner,
+  kRemove,
 };
 
 // Returns the function's name in the C library.
