@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "search/index/merging/merge_policy.h"
 #include "search/text/transliterate.h"
 #include "search/text/words.h"
 
@@ -60,7 +59,7 @@ Status SegmentMaker::Add(std::vector<PendingDocument> documents) {
     }
     inverter_->Add(std::move(pending.document), pending.added);
     serials_.push_back(pending.serial);
-    if (inverter_->memory() < settings_.memory && serials_.size() < kMaxMergedDocuments) continue;
+    if (inverter_->memory() < settings_.memory && serials_.size() < kMaxCode) continue;
     Status status = Flush();
     if (!status.ok()) return status;
   }
