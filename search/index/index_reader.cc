@@ -99,6 +99,19 @@ class IndexReader::Impl {
     return results;
   }
 
+  Status ForEachMatch(std::string_view query, const SearchOptions& options,
+                      const std::function<bool(const Match&)>& visit) const {
+    const auto find_with = [&](DefaultOperator words) {
+      const auto parsed = ParseQuery(query, words, QuotesMean::kPhrase);
+      return parsed ? ScoredSearch(*parsed, snapshot_, options) : std::vector<RankedDocument>();
+    };
+    auto found = find_with(OperatorOf(options.words));
+    if (found.ok() && found->empty() && options.words == WordsMean::kBest) {
+      found = find_with(DefaultOperator::kOr);
+    }
+    return found.ok() ? VisitMatches(*found, visit) : found.status();
+  }
+
   Result<std::uint64_t> Count(std::string_view query, const SearchOptions& options) const {
     const auto count_with = [&](DefaultOperator words) -> Result<std::uint64_t> {
       const auto parsed = ParseQuery(query, words, QuotesMean::kPhrase);
@@ -204,6 +217,19 @@ class IndexReader::Impl {
     return answer;
   }
 
+  // No document has an empty name, but what is damaged has.
+  Status VisitMatches(const std::vector<RankedDocument>& found,
+                      const std::function<bool(const Match&)>& visit) const {
+    for (const RankedDocument& document : found) {
+      const Segment& segment = *snapshot_.segments[document.id.segment];
+      const Match match{segment.NameOf(document.id.code), document.score,
+                        snapshot_.index_of_segment[document.id.segment]};
+      if (match.name.empty()) return segment.table().status();
+      if (!visit(match)) break;
+    }
+    return {};
+  }
+
   Status ListHits(const std::vector<RankedDocument>& best, std::vector<Hit>* hits) const {
     for (const RankedDocument& document : best) {
       const Segment& segment = *snapshot_.segments[document.id.segment];
@@ -287,6 +313,11 @@ Result<bool> IndexReader::Refresh() {
 Result<SearchResults> IndexReader::Search(std::string_view query,
                                           const SearchOptions& options) const {
   return WithinMemory([&] { return impl_->Search(query, options); });
+}
+
+Status IndexReader::ForEachMatch(std::string_view query, const SearchOptions& options,
+                                 const std::function<bool(const Match&)>& visit) const {
+  return WithinMemory([&] { return impl_->ForEachMatch(query, options, visit); });
 }
 
 Result<std::uint64_t> IndexReader::Count(std::string_view query,

@@ -77,17 +77,38 @@ class Search {
     parameters_.proximity_bonus = InRange(options.proximity_bonus, kMaxParameter);
   }
 
-  Result<RankedDocuments> Run() {
+  Result<RankedDocuments> Ranked() {
+    Status status = Run();
+    if (!status.ok()) return status;
+    return Merged();
+  }
+
+  // Without a limit, the documents of each segment are as they were found.
+  Result<std::vector<RankedDocument>> Scored() {
+    Status status = Run();
+    if (!status.ok()) return status;
+    std::vector<RankedDocument> documents;
+    for (SegmentSearch& search : searches_) {
+      if (documents.empty()) {
+        documents = std::move(search.best);
+      } else {
+        documents.insert(documents.end(), search.best.begin(), search.best.end());
+      }
+    }
+    return documents;
+  }
+
+ private:
+  Status Run() {
     ParallelFor(searches_.size(), threads_, [this](std::size_t i) { Match(i); });
     for (const SegmentSearch& search : searches_) {
       if (!search.matcher->status().ok()) return search.matcher->status();
     }
     WeighClauses();
     ParallelFor(searches_.size(), threads_, [this](std::size_t i) { Rank(i); });
-    return Merged();
+    return {};
   }
 
- private:
   void Match(std::size_t i) {
     SegmentSearch& search = searches_[i];
     const Segment& segment = *snapshot_.segments[i];
@@ -121,6 +142,7 @@ class Search {
     const double greatest_bonus = scorer.GreatestBonus();
     const double least = greatest_bonus > 0 ? LeastOfBest(scores) : 0;
     TopDocuments best(snapshot_, limit_);
+    best.Expect(codes.size());
     for (std::size_t k = 0; k < codes.size(); ++k) {
       if (scores[k] + greatest_bonus < least) continue;
       const double bonus = greatest_bonus > 0 ? scorer.BonusOf(codes[k]) : 0;
@@ -181,7 +203,13 @@ class Search {
 
 Result<RankedDocuments> RankedSearch(const Query& query, const Snapshot& snapshot,
                                      const SearchOptions& options) {
-  return Search(query, snapshot, options).Run();
+  return Search(query, snapshot, options).Ranked();
+}
+
+Result<std::vector<RankedDocument>> ScoredSearch(const Query& query, const Snapshot& snapshot,
+                                                 SearchOptions options) {
+  options.limit = 0;
+  return Search(query, snapshot, options).Scored();
 }
 
 Result<std::uint64_t> CountMatches(const Query& query, const Snapshot& snapshot) {

@@ -47,6 +47,12 @@ struct RankedDocuments {
 Result<RankedDocuments> RankedSearch(const Query& query, const Snapshot& snapshot,
                                      const SearchOptions& options);
 
+// Finds all documents that match `query`, in order of segments and codes, with the scores that
+// RankedSearch() gives them. `options.limit` counts for nothing.
+//   Returns  kDamaged.
+Result<std::vector<RankedDocument>> ScoredSearch(const Query& query, const Snapshot& snapshot,
+                                                 SearchOptions options);
+
 // Counts the documents that match.
 //   Returns  kDamaged.
 Result<std::uint64_t> CountMatches(const Query& query, const Snapshot& snapshot);

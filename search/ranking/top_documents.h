@@ -18,6 +18,11 @@ class TopDocuments {
   // Borrows `snapshot`. Keeps `limit` documents; 0: all.
   TopDocuments(const Snapshot& snapshot, std::size_t limit);
 
+  // Makes room for documents, where all are kept.
+  void Expect(std::size_t documents) {
+    if (limit_ == 0) best_.reserve(documents);
+  }
+
   void Add(const RankedDocument& document) {
     if (is_full_ && document.score < best_.front().score) return;
     Keep(document);

@@ -41,6 +41,13 @@ struct Hit {
   std::size_t index = 0;  // which of the opened indexes has it
 };
 
+// A match as ForEachMatch() gives it.
+struct Match {
+  std::string_view name;  // lent until the next one
+  double score = 0;       // as in Hit
+  std::size_t index = 0;  // as in Hit
+};
+
 struct SearchResults {
   std::uint64_t total = 0;               // how many documents match
   std::vector<Hit> hits;                 // the best first; of equal score, in order of their names
@@ -92,6 +99,13 @@ class KESTAN_EXPORT IndexReader {
   // Finds the documents that match `query`. docs/queries.md describes the language.
   //   Returns  kDamaged where a file contradicts itself: never an answer that may be wrong.
   Result<SearchResults> Search(std::string_view query, const SearchOptions& options = {}) const;
+
+  // Calls `visit` with every document that Search() would list without a limit, in no order of
+  // relevance. It sorts and copies nothing, which is several times as fast. `visit` returns whether
+  // to go on. `options.limit` counts for nothing.
+  //   Returns  as Search() does; what was visited before an error is right.
+  Status ForEachMatch(std::string_view query, const SearchOptions& options,
+                      const std::function<bool(const Match&)>& visit) const;
 
   // Returns how many documents match, which takes less time than to rank them.
   Result<std::uint64_t> Count(std::string_view query, const SearchOptions& options = {}) const;
