@@ -17,7 +17,8 @@ import sys
 import tables
 
 REFERENCE = "naive"
-ENGINES = ["kestan", "kestan32", "kestan_search", "fts5", "fts5_contentless", "xapian", "lucene", "groonga"]
+ENGINES = ["kestan", "kestan32", "kestan_search", "fts5", "fts5_contentless", "xapian", "lucene",
+           "groonga"]
 PACKAGES = ["libgdbm6", "libsqlite3-0", "libxapian30", "liblucene++0v5", "libgroonga0"]
 BYTES_OF_A_PAGE = 1 << 20
 FORMS = ["words", "as-is"]
@@ -198,7 +199,7 @@ def main():
     print(tables.markdown(report, arguments.clock))
     wrong = [engine for results in report["forms"].values()
              for engine in report["engines"] if results[engine]["wrong"][0]]
-    sys.exit(1 if "kestan" in wrong else 0)
+    sys.exit(1 if set(wrong) & set(tables.OURS) else 0)
 
 
 if __name__ == "__main__":

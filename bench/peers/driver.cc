@@ -4,7 +4,9 @@
 //   index FOLDER CORPUS (words|as-is) EVERY      index; commit after EVERY documents, 0: at the end
 //   optimise FOLDER                              what makes a finished index smaller or faster
 //   query FOLDER QUERIES CORPUS ANSWERS PASSES   all queries, PASSES times, and once to keep
-//   answers cold FOLDER KIND FIRST [SECOND]              open, one query, its listing version
+//   cold FOLDER KIND FIRST [SECOND]              open, one query, its listing of all that match
+//   cold10 FOLDER KIND FIRST [SECOND]            the same, listing the ten best
+//   version                                      what engine it is
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -143,11 +145,16 @@ void RunQueries(Engine* engine, const std::string& folder, const std::vector<Que
   Print("peak", PeakMemoryBytes());
 }
 
-void RunCold(Engine* engine, const std::string& folder, const Query& query) {
+// `limit` is how many of the best documents are listed; 0: all.
+void RunCold(Engine* engine, const std::string& folder, const Query& query, std::size_t limit) {
   Listing listing(false);
   const Stopwatch stopwatch;
   engine->Open(folder, OpenMode::kRead);
-  engine->RunQuery(query, &listing);
+  if (limit == 0) {
+    engine->RunQuery(query, &listing);
+  } else if (!engine->RunBest(query, limit, &listing)) {
+    Fail("driver", "this engine does not list the best documents");
+  }
   Print("cold", stopwatch.Read());
   engine->Close();
 }
@@ -166,9 +173,10 @@ int Run(const std::vector<std::string>& arguments) {
   } else if (task == "query" && count == 6) {
     RunQueries(engine.get(), arguments[1], ReadQueries(arguments[2]), arguments[3], arguments[4],
                std::stoi(arguments[5]));
-  } else if (task == "cold" && count >= 4) {
+  } else if ((task == "cold" || task == "cold10") && count >= 4) {
     RunCold(engine.get(), arguments[1],
-            {KindNamed(arguments[2]), arguments[3], count > 4 ? arguments[4] : ""});
+            {KindNamed(arguments[2]), arguments[3], count > 4 ? arguments[4] : ""},
+            task == "cold" ? 0 : 10);
   } else {
     Fail("driver", "see the top of driver.cc for the arguments");
   }

@@ -91,8 +91,14 @@ class Engine {
   // Does once what the engine offers to make a finished index smaller or faster.
   virtual void Optimise() = 0;
 
-  // Lists all documents that match, each with its name and score.
+  // Lists all documents that match, each with its name and score, in any order.
   virtual void RunQuery(const Query& query, Listing* listing) = 0;
+
+  // Lists the `limit` best documents that match, the best first.
+  //   Returns  false if the engine is not compared in this.
+  virtual bool RunBest(const Query& /*query*/, std::size_t /*limit*/, Listing* /*listing*/) {
+    return false;
+  }
 
   virtual void Close() = 0;
 

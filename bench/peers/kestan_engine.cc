@@ -4,6 +4,7 @@
 #include <string>
 
 #include "bench/peers/engine.h"
+#include "bench/support/kestan_records.h"
 
 namespace kestan_bench {
 namespace {
@@ -49,15 +50,7 @@ class KestanEngine : public Engine {
 
   std::uint64_t PayloadBytes() override {
     engine_.CloseIndex();
-    Database store;
-    if (store.Open(path_.c_str(), 0) != 0) Fail(path_, "cannot be opened");
-    std::uint64_t bytes = 0;
-    DBDatumPtr key;
-    DBDatumPtr value;
-    for (int error = store.First(&key, &value); error == 0; error = store.Next(&key, &value)) {
-      bytes += key.ptr->size + value.ptr->size;
-    }
-    return bytes;
+    return RecordBytes(path_);
   }
 
  private:

@@ -2,12 +2,16 @@
 // how many, Compact() at the end.
 #include <kestan/search.h>
 
+#include <cstdint>
 #include <cstdlib>
+#include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 
 #include "bench/peers/engine.h"
+#include "bench/support/kestan_records.h"
 
 namespace kestan_bench {
 namespace {
@@ -16,6 +20,7 @@ using kestan::search::Document;
 using kestan::search::Hit;
 using kestan::search::IndexReader;
 using kestan::search::IndexWriter;
+using kestan::search::Match;
 using kestan::search::SearchOptions;
 using kestan::search::Status;
 using kestan::search::WordsMean;
@@ -62,11 +67,21 @@ class KestanSearchEngine : public Engine {
 
   void RunQuery(const Query& query, Listing* listing) override {
     SearchOptions options;
-    options.limit = 0;
+    options.words = WordsMean::kAll;
+    Check(reader_->ForEachMatch(Text(query), options, [listing](const Match& match) {
+      listing->Add(match.name, match.score);
+      return true;
+    }));
+  }
+
+  bool RunBest(const Query& query, std::size_t limit, Listing* listing) override {
+    SearchOptions options;
+    options.limit = limit;
     options.words = WordsMean::kAll;
     const auto results = reader_->Search(Text(query), options);
     Check(results.status());
     for (const Hit& hit : results->hits) listing->Add(hit.name, hit.score);
+    return true;
   }
 
   void Close() override {
@@ -75,6 +90,14 @@ class KestanSearchEngine : public Engine {
   }
 
   std::string Version() const override { return "Kestan, search library"; }
+
+  std::uint64_t PayloadBytes() override {
+    std::uint64_t bytes = 0;
+    for (const auto& file : std::filesystem::directory_iterator(folder_)) {
+      if (file.path().extension() == ".segment") bytes += RecordBytes(file.path());
+    }
+    return bytes;
+  }
 
  private:
   static std::string Text(const Query& query) {

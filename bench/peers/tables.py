@@ -2,8 +2,11 @@
 
 import statistics
 
-OURS = ("kestan", "kestan32")
-TITLES = {"kestan": "Kestan", "kestan32": "Kestan, 32 bit", "fts5": "SQLite FTS5",
+OURS = ("kestan", "kestan32", "kestan_search")
+# Ours that are compared with the best peer, each in a column of its own.
+COMPARED = {"kestan": "file", "kestan_search": "folder"}
+TITLES = {"kestan": "Kestan, one file", "kestan32": "Kestan, one file, 32 bit",
+          "kestan_search": "Kestan, folder", "fts5": "SQLite FTS5",
           "fts5_contentless": "FTS5 contentless", "xapian": "Xapian", "lucene": "Lucene++",
           "groonga": "Groonga"}
 KINDS = {"word": "66 common words", "and": "200 AND", "near1": "200 NEAR/1",
@@ -14,15 +17,16 @@ MEGABYTE = 1e6
 
 
 class Table:
-    """Rows of one number for each engine, the last column our ratio to the best peer."""
+    """Rows of one number for each engine, the last columns our ratios to the best peer."""
 
     def __init__(self, engines, results, clock):
         self.engines = engines
         self.results = results
         self.clock = CLOCKS[clock]
+        self.compared = [engine for engine in COMPARED if engine in engines]
         titles = [TITLES[engine] for engine in engines]
-        self.lines = ["| | " + " | ".join(titles) + " | ours / best peer |",
-                      "|---|" + "---:|" * (len(engines) + 1)]
+        titles += [f"{COMPARED[engine]} / best peer" for engine in self.compared]
+        self.lines = ["| | " + " | ".join(titles) + " |", "|---|" + "---:|" * len(titles)]
 
     def median(self, engine, what, clock=None):
         """Returns the median of all rounds, or None if the engine has no such number."""
@@ -35,8 +39,8 @@ class Table:
     def row(self, name, value_of, compared=True):
         values = {engine: value_of(engine) for engine in self.engines}
         cells = ["" if value is None else number(value) for value in values.values()]
-        comparison = ratio(values) if compared else ""
-        self.lines.append(f"| {name} | " + " | ".join(cells) + f" | {comparison} |")
+        cells += [ratio(engine, values) if compared else "" for engine in self.compared]
+        self.lines.append(f"| {name} | " + " | ".join(cells) + " |")
 
     def medians(self, name, what, unit, clock=None, compared=True):
         def value_of(engine):
@@ -51,9 +55,9 @@ def number(value):
     return f"{value:.1f}" if value >= 10 else f"{value:.3g}"
 
 
-def ratio(values):
-    """Says how we stand to the best peer, and who that is where it is ahead of us."""
-    ours = values.get("kestan")
+def ratio(engine, values):
+    """Says how one of ours stands to the best peer, and who that is where it is ahead."""
+    ours = values.get(engine)
     peers = {e: v for e, v in values.items() if e not in OURS and v is not None}
     if ours is None or not peers:
         return ""
@@ -103,16 +107,16 @@ def agreement(engines, results):
                      "documents does."]
 
 
-def own_size(results):
-    own = results["kestan"]
+def own_size(engine, results):
+    own = results[engine]
     payload = own["optimised.payload"][-1]
     shares = [statistics.median(own[what]) / payload
               for what in ("once.size", "steps.size", "optimised.size")]
     memory = statistics.median(own["once.peak"]) / statistics.median(own["once.size"])
-    return (f"Kestan's file is {shares[0]:.2f} times its own keys and values "
+    return (f"{TITLES[engine]}: {shares[0]:.2f} times the keys and values of its records "
             f"({payload / MEGABYTE:.1f} MB) after one commit, {shares[1]:.2f} times after a commit "
-            f"every 1,000 documents, {shares[2]:.2f} times after ShrinkIndex. Its peak memory with "
-            f"one commit is {memory:.2f} times the finished file.")
+            f"every 1,000 documents, {shares[2]:.2f} times when optimised. Peak memory with one "
+            f"commit: {memory:.2f} times the finished index.")
 
 
 def section(report, form, clock):
@@ -124,10 +128,11 @@ def section(report, form, clock):
         table = Table(engines, results, clock)
         rows(table)
         lines += [f"### {title}", "", *table.lines, ""]
-    matches = {kind: int(results["kestan"][f"warm.matches.{kind}"][-1]) for kind in KINDS}
+    matches = {kind: int(results[engines[0]][f"warm.matches.{kind}"][-1]) for kind in KINDS}
     lines.append("Documents listed: " + ", ".join(
         f"{name} {matches[kind]}" for kind, name in KINDS.items()) + ".")
-    return lines + agreement(engines, results) + [own_size(results), ""]
+    sizes = [own_size(engine, results) for engine in engines if engine in COMPARED]
+    return lines + agreement(engines, results) + ["", *sizes, ""]
 
 
 def markdown(report, clock):

@@ -81,6 +81,17 @@ class XapianEngine : public Engine {
     }
   }
 
+  bool RunBest(const Query& query, std::size_t limit, Listing* listing) override {
+    Xapian::Enquire enquire(reader_);
+    enquire.set_query(ToXapian(query));
+    const auto count = static_cast<Xapian::doccount>(limit);
+    const Xapian::MSet matches = enquire.get_mset(0, count);
+    for (auto match = matches.begin(); match != matches.end(); ++match) {
+      listing->Add(match.get_document().get_value(kNameSlot), match.get_weight());
+    }
+    return true;
+  }
+
   void Close() override {
     writer_.close();
     reader_.close();
