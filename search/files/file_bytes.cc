@@ -43,6 +43,13 @@ Result<std::shared_ptr<const FileBytes>> FileBytes::Open(const std::string& path
   return std::shared_ptr<const FileBytes>(std::move(bytes));
 }
 
+std::shared_ptr<const FileBytes> FileBytes::InMemory(std::string bytes, std::string path) {
+  const std::uint64_t size = bytes.size();
+  std::shared_ptr<FileBytes> file(new FileBytes(std::move(path), Descriptor(), size));
+  file->memory_ = std::move(bytes);
+  return file;
+}
+
 void FileBytes::Map() {
   void* const mapping =
       mmap(nullptr, static_cast<std::size_t>(size_), PROT_READ, MAP_SHARED, file_.number(), 0);
@@ -60,6 +67,7 @@ Bytes FileBytes::Read(std::uint64_t offset, std::uint64_t size) const {
   size = std::min(size, size_ - offset);
   if (size > kMostBytes) return {};
   const auto count = static_cast<std::size_t>(size);
+  if (!memory_.empty()) return Bytes({memory_.data() + static_cast<std::size_t>(offset), count});
   if (mapping_ != nullptr) {
     if (count >= kManyBytes) FetchAhead(mapping_, static_cast<std::size_t>(offset), count);
     return Bytes(std::string_view(mapping_ + offset, count));

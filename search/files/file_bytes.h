@@ -45,6 +45,9 @@ class FileBytes {
   //            no regular file.
   static Result<std::shared_ptr<const FileBytes>> Open(const std::string& path, std::uint64_t size);
 
+  // Takes `bytes`, which stand for a file called `path`.
+  static std::shared_ptr<const FileBytes> InMemory(std::string bytes, std::string path);
+
   ~FileBytes();
   FileBytes(const FileBytes&) = delete;
   FileBytes& operator=(const FileBytes&) = delete;
@@ -66,6 +69,7 @@ class FileBytes {
   std::string path_;
   Descriptor file_;  // closed where the file is mapped
   std::uint64_t size_;
+  std::string memory_;       // the bytes of InMemory()
   char* mapping_ = nullptr;  // null where the file is read piece by piece, or empty
 };
 

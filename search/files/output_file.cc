@@ -64,13 +64,17 @@ void OutputFile::Flush() {
 void OutputFile::Put(std::string_view bytes) {
   if (!status_.ok()) return;
   checksum_.Add(bytes);
+  if (memory_ != nullptr) {
+    memory_->append(bytes);
+    return;
+  }
   const int error = file_.is_open() ? WriteAll(file_, bytes) : EBADF;
   if (error != 0) status_ = SystemError(error, path_);
 }
 
 Result<FileSummary> OutputFile::Finish() {
   Flush();
-  if (status_.ok()) {
+  if (status_.ok() && memory_ == nullptr) {
     int error = Sync(file_);
     if (error == 0) error = file_.Close();
     if (error != 0) status_ = SystemError(error, path_);

@@ -34,6 +34,9 @@ class OutputFile {
   //   Returns  kSystem for one that exists.
   Status Create(const std::string& path);
 
+  // Has the bytes appended to `*bytes`, which must outlive the object, and not written to a file.
+  void CreateInMemory(std::string* bytes) { memory_ = bytes; }
+
   void Write(std::string_view bytes);
 
   // Returns how many bytes were written so far.
@@ -52,6 +55,7 @@ class OutputFile {
 
   std::string path_;
   Descriptor file_;
+  std::string* memory_ = nullptr;  // where the bytes go if not to a file
   std::string buffer_;
   std::uint64_t size_ = 0;
   Crc64 checksum_;

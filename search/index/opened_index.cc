@@ -1,5 +1,7 @@
 #include "search/index/opened_index.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -34,9 +36,42 @@ Result<OpenedIndex> OpenManifest(const std::string& folder, Manifest manifest,
   return opened;
 }
 
+// Returns what tells a file from others, and from itself as it was before a change; "" for what is
+// no regular file.
+std::string IdentityOf(const std::string& path) {
+  struct stat status = {};
+  if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return "";
+  std::string identity;
+  for (const auto number :
+       {static_cast<std::int64_t>(status.st_dev), static_cast<std::int64_t>(status.st_ino),
+        static_cast<std::int64_t>(status.st_size), static_cast<std::int64_t>(status.st_mtim.tv_sec),
+        static_cast<std::int64_t>(status.st_mtim.tv_nsec)}) {
+    identity += std::to_string(number) + " ";
+  }
+  return identity;
+}
+
+Result<OpenedIndex> OpenFileAsIndex(const std::string& path, std::string identity,
+                                    const OpenedIndex* previous) {
+  if (previous != nullptr && previous->identity == identity) return *previous;
+  auto segment = Segment::OpenIndexFile(path);
+  if (!segment.ok()) return segment.status();
+  OpenedIndex opened;
+  opened.folder = path;
+  opened.identity = std::move(identity);
+  opened.manifest.generation = previous != nullptr ? previous->manifest.generation + 1 : 1;
+  opened.manifest.with_positions = (*segment)->with_positions();
+  opened.manifest.segments = {(*segment)->info()};
+  opened.bytes = (*segment)->info().segment.bytes;
+  opened.segments = {std::move(*segment)};
+  return opened;
+}
+
 }  // namespace
 
 Result<OpenedIndex> OpenIndex(const std::string& folder, const OpenedIndex* previous) {
+  std::string identity = IdentityOf(folder);
+  if (!identity.empty()) return OpenFileAsIndex(folder, std::move(identity), previous);
   for (int attempt = 1;; ++attempt) {
     auto manifest = ReadManifest(folder);
     if (!manifest.ok()) return manifest.status();

@@ -85,6 +85,8 @@ bool ReadRecord(ByteReader reader, DocumentEntry* entry) {
 
 Status DocumentTableWriter::Create(const std::string& path) { return file_.Create(path); }
 
+void DocumentTableWriter::CreateInMemory(std::string* bytes) { file_.CreateInMemory(bytes); }
+
 void DocumentTableWriter::Add(const DocumentEntry& entry) {
   const bool fits =
       starts_.size() < kMaxCode && records_.size() <= std::numeric_limits<std::uint32_t>::max();

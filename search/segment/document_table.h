@@ -39,6 +39,9 @@ class DocumentTableWriter {
  public:
   Status Create(const std::string& path);
 
+  // The same, with the bytes appended to `*bytes`, which must outlive the writer.
+  void CreateInMemory(std::string* bytes);
+
   // Adds the document of the next code; the first has code 1. Copies the name.
   void Add(const DocumentEntry& entry);
 

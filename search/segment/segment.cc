@@ -11,6 +11,7 @@
 #include "search/files/descriptor.h"
 #include "search/files/numbers.h"
 #include "search/files/output_file.h"
+#include "search/segment/plain_index.h"
 
 namespace kestan::search {
 namespace {
@@ -25,14 +26,18 @@ bool CanBeRecord(std::uint64_t bytes, std::uint32_t documents, bool with_positio
   return bytes % 2 == 0 && bytes >= std::uint64_t{documents} * 4;
 }
 
-Status StatusOf(StoreError error, int error_number, const std::string& file) {
-  if (error == StoreError::kFileOpen) return SystemError(error_number, file);
-  const bool is_other = error == StoreError::kByteSwapped || error == StoreError::kBadFileOffset;
-  return {is_other ? StatusCode::kVersion : StatusCode::kDamaged, ErrorString(error), file};
-}
+constexpr std::array<SideRecord, kDocumentFields> kSideRecords = {
+    SideRecord::kTitle, SideRecord::kSummary, SideRecord::kUser};
 
 Status Contradiction(const std::string& what, const std::string& file) {
   return {StatusCode::kDamaged, "it has other " + what + " than MANIFEST says", file};
+}
+
+Status VerifyFile(const std::string& path, const FileSummary& expected) {
+  const Result<FileSummary> found = SummaryOf(path);
+  if (!found.ok()) return found.status();
+  if (*found == expected) return {};
+  return {StatusCode::kDamaged, "its bytes have changed since it was written", path};
 }
 
 }  // namespace
@@ -47,32 +52,60 @@ struct Segment::Files {
   //   Returns  kDamaged if there is none.
   Result<Bytes> Fetch(std::string_view key) const;
 
+  // The same for an index file of class Kestan: posting records in order of codes, and, for no
+  // record, nothing.
+  Result<std::string> FetchOrdered(std::string_view term) const;
+  Result<std::string> FetchField(DocumentField field, std::string_view name) const;
+
   std::shared_ptr<const FileBytes> segment;
   TermDictionary terms;
   DocumentTable table;
+  bool is_plain = false;     // an index file of class Kestan, without other files
   mutable std::mutex mutex;  // of what follows, which one thread at a time may use
   mutable std::unique_ptr<IndexFile> index_file;
 };
 
 Result<Bytes> Segment::Files::Fetch(std::string_view key) const {
   if (key.size() > std::numeric_limits<std::int32_t>::max()) {
-    return StatusOf(StoreError::kItemNotFound, 0, segment->path());
+    return StatusOfIndexFile(StoreError::kItemNotFound, 0, segment->path());
   }
   const std::lock_guard<std::mutex> lock(mutex);
   if (index_file == nullptr) {
     auto opened = std::make_unique<IndexFile>();
     const StoreError error = opened->Open(segment->path().c_str());
-    if (error != StoreError::kNone) return StatusOf(error, errno, segment->path());
+    if (error != StoreError::kNone) return StatusOfIndexFile(error, errno, segment->path());
     index_file = std::move(opened);
   }
   Database& store = index_file->store();
   DBDatumPtr value;
   const int error = store.Get(&value, DBDatum(key.data(), static_cast<std::uint32_t>(key.size())));
-  if (error != 0) return StatusOf(StoreError{error}, errno, segment->path());
+  if (error != 0) return StatusOfIndexFile(StoreError{error}, errno, segment->path());
   auto copy = std::make_shared<std::string>(value.ptr->data, value.ptr->size);
   value.Free();
   store.Flush();  // so that nothing piles up in its cache
   return Bytes(std::shared_ptr<const std::string>(std::move(copy)));
+}
+
+Result<std::string> Segment::Files::FetchOrdered(std::string_view term) const {
+  const std::lock_guard<std::mutex> lock(mutex);
+  std::string record = OrderedRecord(index_file->FindWord(term));
+  index_file->store().Flush();
+  const StoreError error = index_file->FileError();
+  if (error != StoreError::kNone) return StatusOfIndexFile(error, errno, segment->path());
+  return record;
+}
+
+Result<std::string> Segment::Files::FetchField(DocumentField field, std::string_view name) const {
+  const std::lock_guard<std::mutex> lock(mutex);
+  DBDatumPtr value =
+      index_file->FindSideRecord(kSideRecords[static_cast<std::size_t>(field)], name);
+  std::string text;
+  if (value.ptr != nullptr) text.assign(value.ptr->data, value.ptr->size);
+  value.Free();
+  index_file->store().Flush();
+  const StoreError error = index_file->FileError();
+  if (error != StoreError::kNone) return StatusOfIndexFile(error, errno, segment->path());
+  return text;
 }
 
 // ---- Opening ----
@@ -131,10 +164,46 @@ Result<std::shared_ptr<const Segment>> Segment::Open(const std::string& folder,
   if (!edits.ok()) return edits.status();
   segment->edits_ = std::move(*edits);
   segment->info_ = info;
+  segment->folder_ = folder;
   segment->with_positions_ = with_positions;
   segment->CountLiving();
   return std::shared_ptr<const Segment>(std::move(segment));
 }
+
+Result<std::shared_ptr<const Segment>> Segment::OpenIndexFile(const std::string& path) {
+  Result<PlainIndex> plain = ReadPlainIndex(path);
+  if (!plain.ok()) return plain.status();
+  Result<TermDictionary> terms =
+      TermDictionary::Open(FileBytes::InMemory(std::move(plain->terms), path));
+  if (!terms.ok()) return terms.status();
+  Result<DocumentTable> table =
+      DocumentTable::Open(FileBytes::InMemory(std::move(plain->table), path));
+  if (!table.ok()) return table.status();
+  auto files =
+      std::make_shared<Files>(FileBytes::InMemory("", path), std::move(*terms), std::move(*table));
+  files->is_plain = true;
+  files->index_file = std::move(plain->file);
+  std::shared_ptr<Segment> segment(new Segment());
+  segment->info_.number = 1;
+  segment->info_.documents = static_cast<std::uint32_t>(files->table.size());
+  segment->info_.removed = static_cast<std::uint32_t>(plain->edits.removed_count());
+  segment->info_.segment.bytes = static_cast<std::uint64_t>(files->index_file->store().FileBytes());
+  segment->files_ = std::move(files);
+  segment->edits_ = std::move(plain->edits);
+  segment->with_positions_ = plain->with_positions;
+  segment->CountLiving();
+  return std::shared_ptr<const Segment>(std::move(segment));
+}
+
+Status Segment::Verify() const {
+  if (files_->is_plain) return {};
+  Status status = VerifyFile(path(), info_.segment);
+  if (status.ok()) status = VerifyFile(folder_ + "/" + TermsFile(info_), info_.terms);
+  if (status.ok()) status = VerifyFile(folder_ + "/" + TableFile(info_), info_.table);
+  return status;
+}
+
+const std::string& Segment::path() const { return files_->segment->path(); }
 
 void Segment::CountLiving() {
   living_documents_ = size() - edits_.removed_count();
@@ -179,6 +248,7 @@ Result<std::string> Segment::FieldOf(Code code, DocumentField field) const {
   if (edit != nullptr && edit->fields[index]) return *edit->fields[index];
   const DocumentEntry entry = table().EntryOf(code);
   if (entry.name.empty() && !table().status().ok()) return table().status();
+  if (files_->is_plain) return files_->FetchField(field, entry.name);
   if (entry.fields[index].offset == 0) return std::string();
   const std::string key = std::string(kFamilies[index]).append(entry.name);
   const Result<Bytes> record = ReadRecord(key, entry.fields[index]);
@@ -208,6 +278,12 @@ Result<Bytes> Segment::ReadRecord(std::string_view key, const RecordPlace& place
 Result<TermPostings> Segment::PostingsOf(const TermEntry& entry) const {
   TermPostings postings;
   postings.documents = entry.documents;
+  if (files_->is_plain) {
+    Result<std::string> record = files_->FetchOrdered(entry.term);
+    if (!record.ok()) return record.status();
+    postings.record = Bytes(std::make_shared<const std::string>(std::move(*record)));
+    return postings;
+  }
   if (CanBeRecord(entry.place.value_bytes, entry.documents, with_positions_)) {
     std::optional<Bytes> record = RecordAt(entry.term, entry.place);
     if (record) {

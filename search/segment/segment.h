@@ -38,6 +38,19 @@ class Segment {
                                                      const SegmentInfo& info, bool with_positions,
                                                      const Segment* previous = nullptr);
 
+  // Opens the index file of class Kestan at `path` as a segment. See PlainIndex. Nobody can change
+  // the file while the segment is there.
+  //   Returns  kBusy while another process changes it; kDamaged, kVersion, kSystem.
+  static Result<std::shared_ptr<const Segment>> OpenIndexFile(const std::string& path);
+
+  // Compares the bytes of all files but the edits, which were read, with their checksums. Of an
+  // index file without other files, nobody knows any.
+  //   Returns  kDamaged, kSystem.
+  Status Verify() const;
+
+  // Returns the path of the index file.
+  const std::string& path() const;
+
   const SegmentInfo& info() const { return info_; }
   bool with_positions() const { return with_positions_; }
   const DocumentTable& table() const;
@@ -89,6 +102,7 @@ class Segment {
   Result<Bytes> ReadRecord(std::string_view key, const RecordPlace& place) const;
 
   std::shared_ptr<const Files> files_;
+  std::string folder_;  // of the index; of an index file by itself, nothing
   SegmentInfo info_;
   bool with_positions_ = true;
   Edits edits_{0};

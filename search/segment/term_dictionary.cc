@@ -39,6 +39,11 @@ Status TermDictionaryWriter::Create(const std::string& path) {
   return status;
 }
 
+void TermDictionaryWriter::CreateInMemory(std::string* bytes) {
+  file_.CreateInMemory(bytes);
+  file_.Write(FileHeader(kKind));
+}
+
 void TermDictionaryWriter::Add(const TermEntry& entry) {
   if (terms_ > 0 && entry.term <= last_term_ && status_.ok()) {
     status_ = {StatusCode::kInvalidArgument, "the terms are not in order"};

@@ -33,6 +33,9 @@ class TermDictionaryWriter {
  public:
   Status Create(const std::string& path);
 
+  // The same, with the bytes appended to `*bytes`, which must outlive the writer.
+  void CreateInMemory(std::string* bytes);
+
   // Adds a term, which must come after all before it in order of bytes.
   void Add(const TermEntry& entry);
 

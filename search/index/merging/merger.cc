@@ -5,7 +5,6 @@
 #include <string_view>
 #include <utility>
 
-#include "search/files/output_file.h"
 #include "search/index/merging/kept_postings.h"
 #include "search/segment/segment_writer.h"
 
@@ -13,21 +12,6 @@ namespace kestan::search {
 namespace {
 
 using SegmentPointer = std::shared_ptr<const Segment>;
-
-Status VerifyFile(const std::string& path, const FileSummary& expected) {
-  const Result<FileSummary> found = SummaryOf(path);
-  if (!found.ok()) return found.status();
-  if (*found == expected) return {};
-  return {StatusCode::kDamaged, "its bytes have changed since it was written", path};
-}
-
-// Changed bytes would get a checksum that is right: they are found before that.
-Status Verify(const std::string& folder, const SegmentInfo& info) {
-  Status status = VerifyFile(folder + "/" + SegmentFile(info), info.segment);
-  if (status.ok()) status = VerifyFile(folder + "/" + TermsFile(info), info.terms);
-  if (status.ok()) status = VerifyFile(folder + "/" + TableFile(info), info.table);
-  return status;
-}
 
 // One of the segments, on its way through its terms.
 struct Source {
@@ -56,7 +40,8 @@ class Merger {
   Result<SegmentInfo> Merge(std::uint64_t number) {
     std::size_t terms = 0;
     for (const auto& source : sources_) {
-      Status status = Verify(folder_, source->segment->info());
+      // Changed bytes would get a checksum that is right: they are found before that.
+      Status status = source->segment->Verify();
       if (!status.ok()) return status;
       documents_ += source->segment->living_documents();
       terms += static_cast<std::size_t>(source->segment->terms().size());
@@ -152,8 +137,7 @@ class Merger {
       *documents += *kept;
       return {};
     }
-    return {StatusCode::kDamaged, "a posting record is damaged",
-            folder_ + "/" + SegmentFile(source.segment->info())};
+    return {StatusCode::kDamaged, "a posting record is damaged", source.segment->path()};
   }
 
   // Puts the source on the heap with its next term, if it has one.

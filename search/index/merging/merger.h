@@ -15,11 +15,11 @@
 
 namespace kestan::search {
 
-// Merges `segments` of the folder `folder` into its segment `number`: their living documents in
-// order, with new codes and with their edits, and the postings of these, a term at a time. One
-// posting record is in memory at a time. The checksums of all files are compared first. Calls
-// `advance`, which may be null, now and then with the number of bytes of posting records read since
-// the last call; it returns whether to go on.
+// Merges `segments`, of whatever folder, into segment `number` of the folder `folder`: their living
+// documents in order, with new codes and with their edits, and the postings of these, a term at a
+// time. One posting record is in memory at a time. The checksums of all files are compared first.
+// Calls `advance`, which may be null, now and then with the number of bytes of posting records read
+// since the last call; it returns whether to go on.
 //   Returns  kInterrupted, kDamaged, kSystem; nothing is left of the new segment then. Where no
 //            document lives: no documents, and no files.
 Result<SegmentInfo> MergeSegments(const std::vector<std::shared_ptr<const Segment>>& segments,
