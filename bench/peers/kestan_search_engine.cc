@@ -42,6 +42,7 @@ class KestanSearchEngine : public Engine {
     }
     const char* const threads = std::getenv("KESTAN_BENCH_THREADS");
     WriterOptions options;
+    options.sync = false;  // no engine of the comparison waits for the disk
     options.threads = threads == nullptr ? 1 : static_cast<unsigned>(std::atoi(threads));
     auto writer = IndexWriter::Open(folder, options);
     Check(writer.status());

@@ -20,10 +20,23 @@ Status SyncPath(const std::string& path, int flags) {
   return error == 0 ? Status() : SystemError(error, path);
 }
 
+// Has the system begin to put the file on the disk. Where it does not, SyncFile() does all of it.
+void StartWriting(const Descriptor& file) {
+  static_cast<void>(sync_file_range(file.number(), 0, 0, SYNC_FILE_RANGE_WRITE));
+}
+
 std::string DirectoryOf(const std::string& path) {
   const std::size_t slash = path.rfind('/');
   if (slash == std::string::npos) return ".";
   return path.substr(0, slash == 0 ? 1 : slash);
+}
+
+// Has the file at `path` and those of its directory that it speaks of put on the disk.
+Status SyncWithDirectory(const std::string& path, std::vector<std::string> needed) {
+  const bool are_new = !needed.empty();
+  needed.push_back(path);
+  Status status = SyncFiles(needed);
+  return status.ok() && are_new ? SyncDirectory(DirectoryOf(path)) : status;
 }
 
 }  // namespace
@@ -72,10 +85,10 @@ void OutputFile::Put(std::string_view bytes) {
   if (error != 0) status_ = SystemError(error, path_);
 }
 
-Result<FileSummary> OutputFile::Finish() {
+Result<FileSummary> OutputFile::Finish(Syncing syncing) {
   Flush();
   if (status_.ok() && memory_ == nullptr) {
-    int error = Sync(file_);
+    int error = syncing == Syncing::kNow ? Sync(file_) : 0;
     if (error == 0) error = file_.Close();
     if (error != 0) status_ = SystemError(error, path_);
   }
@@ -109,21 +122,38 @@ Result<FileSummary> SummaryOf(const std::string& path) {
 Status SyncFile(const std::string& path) { return SyncPath(path, 0); }
 Status SyncDirectory(const std::string& path) { return SyncPath(path, O_DIRECTORY); }
 
-Status ReplaceFile(const std::string& path, std::string_view bytes) {
+Status SyncFiles(const std::vector<std::string>& paths) {
+  for (const std::string& path : paths) {
+    const Descriptor file = OpenFile(path, O_RDONLY);
+    if (!file.is_open()) return SystemError(errno, path);
+    StartWriting(file);
+  }
+  for (const std::string& path : paths) {
+    Status status = SyncFile(path);
+    if (!status.ok()) return status;
+  }
+  return {};
+}
+
+Status ReplaceFile(const std::string& path, std::string_view bytes,
+                   const std::vector<std::string>& needed, Syncing syncing) {
   const std::string beside = path + ".new";
   unlink(beside.c_str());  // what a process left that ended within this function
   OutputFile file;
   Status status = file.Create(beside);
   if (!status.ok()) return status;
   file.Write(bytes);
-  const Result<FileSummary> summary = file.Finish();
+  const Result<FileSummary> summary = file.Finish(Syncing::kLater);
   if (!summary.ok()) return summary.status();
-  if (std::rename(beside.c_str(), path.c_str()) != 0) {
+  if (syncing == Syncing::kNow) status = SyncWithDirectory(beside, needed);
+  if (status.ok() && std::rename(beside.c_str(), path.c_str()) != 0) {
     status = SystemError(errno, path);
+  }
+  if (!status.ok()) {
     unlink(beside.c_str());
     return status;
   }
-  return SyncDirectory(DirectoryOf(path));
+  return syncing == Syncing::kNow ? SyncDirectory(DirectoryOf(path)) : Status();
 }
 
 Result<std::string> ReadWholeFile(const std::string& path, std::uint64_t max_bytes) {

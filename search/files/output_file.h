@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "search/files/descriptor.h"
 
@@ -20,6 +21,9 @@ struct FileSummary {
 };
 
 bool operator==(const FileSummary& left, const FileSummary& right);
+
+// When what is written is put on the disk, so that it outlives a power cut.
+enum class Syncing { kNow, kLater };
 
 // Writes a new file through a buffer, and adds up its checksum. The first error is kept: what is
 // written after it goes nowhere.
@@ -42,9 +46,10 @@ class OutputFile {
   // Returns how many bytes were written so far.
   std::uint64_t size() const { return size_; }
 
-  // Writes what is left, has the system put all on the disk, and closes the file.
+  // Writes what is left, has the system put all on the disk unless that is left to SyncFiles(), and
+  // closes the file.
   //   Returns  the first error; the file is then removed.
-  Result<FileSummary> Finish();
+  Result<FileSummary> Finish(Syncing syncing = Syncing::kNow);
 
   // Removes a file that was created and not finished.
   void Discard();
@@ -70,9 +75,17 @@ Result<FileSummary> SummaryOf(const std::string& path);
 Status SyncFile(const std::string& path);
 Status SyncDirectory(const std::string& path);
 
+// The same for several files. All are begun before the first is waited for, so that the system
+// writes its journal once and not for each of them.
+Status SyncFiles(const std::vector<std::string>& paths);
+
 // Replaces the file at `path` by one with `bytes`, all or nothing: writes a new file beside it
-// ("PATH.new"), syncs it, renames it, syncs the directory.
-Status ReplaceFile(const std::string& path, std::string_view bytes);
+// ("PATH.new"), syncs it, renames it, syncs the directory. With kLater it syncs nothing.
+//
+// `needed` are files in the same directory that the new one speaks of: they and their entries are
+// on the disk before it is there.
+Status ReplaceFile(const std::string& path, std::string_view bytes,
+                   const std::vector<std::string>& needed = {}, Syncing syncing = Syncing::kNow);
 
 // Reads the whole file at `path`, which must not have more than `max_bytes`.
 //   Returns  kNotFound, kSystem, or kDamaged for a larger one.

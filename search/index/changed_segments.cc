@@ -106,7 +106,7 @@ Result<SegmentInfo> ChangedSegments::WriteEditsOf(std::size_t segment) const {
   Status status = file.Create(folder_ + "/" + EditsFile(info));
   if (!status.ok()) return status;
   file.Write(edits.Encode());
-  const Result<FileSummary> summary = file.Finish();
+  const Result<FileSummary> summary = file.Finish(Syncing::kLater);
   if (!summary.ok()) return summary.status();
   info.edits = *summary;
   info.removed = static_cast<std::uint32_t>(edits.removed_count());

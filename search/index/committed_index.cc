@@ -29,8 +29,10 @@ std::string ParentOf(const std::string& path) {
 }
 
 // Makes the folder where there is nothing.
-Status MakeFolder(const std::string& folder) {
-  if (mkdir(folder.c_str(), kFolderMode) == 0) return SyncDirectory(ParentOf(folder));
+Status MakeFolder(const std::string& folder, bool sync) {
+  if (mkdir(folder.c_str(), kFolderMode) == 0) {
+    return sync ? SyncDirectory(ParentOf(folder)) : Status();
+  }
   if (errno != EEXIST) return SystemError(errno, folder);
   struct stat64 information = {};
   if (stat64(folder.c_str(), &information) == 0 && S_ISDIR(information.st_mode)) return {};
@@ -65,12 +67,13 @@ Result<std::unique_ptr<CommittedIndex>> CommittedIndex::Open(const std::string& 
   const std::string folder = WithoutSlashes(path);
   if (!IsIndexFolder(folder)) {
     if (!options.create) return Status(StatusCode::kNotFound, "there is no index", folder);
-    Status status = MakeFolder(folder);
+    Status status = MakeFolder(folder, options.sync);
     if (!status.ok()) return status;
   }
   Result<WriterLock> lock = WriterLock::Take(folder + "/" + kLockFile);
   if (!lock.ok()) return lock.status();
-  std::unique_ptr<CommittedIndex> index(new CommittedIndex(folder, std::move(*lock)));
+  const Syncing syncing = options.sync ? Syncing::kNow : Syncing::kLater;
+  std::unique_ptr<CommittedIndex> index(new CommittedIndex(folder, std::move(*lock), syncing));
   Status status = IsIndexFolder(folder) ? Status() : index->Create(options.with_positions);
   if (status.ok()) status = index->Reload();
   if (!status.ok()) return status;
@@ -82,7 +85,7 @@ Status CommittedIndex::Create(bool with_positions) {
   if (!status.ok()) return status;
   Manifest manifest;
   manifest.with_positions = with_positions;
-  return WriteManifest(folder_, manifest);
+  return WriteManifest(folder_, manifest, {}, syncing_);
 }
 
 Status CommittedIndex::Reload() {
@@ -129,15 +132,13 @@ Status CommittedIndex::Merge(const std::vector<std::size_t>& positions,
   return Publish(std::move(next));
 }
 
-// Makes `next` what is committed. The files that it names are on the disk, and their names must be
-// before it names them.
+// Makes `next` what is committed. This alone waits for the disk.
 Status CommittedIndex::Publish(Manifest next) {
   ++next.generation;
   for (const SegmentInfo& info : next.segments) {
     next.next_segment = std::max(next.next_segment, info.number + 1);
   }
-  Status status = SyncDirectory(folder_);
-  if (status.ok()) status = WriteManifest(folder_, next);
+  Status status = WriteManifest(folder_, next, NewFiles(folder_, manifest_, next), syncing_);
   if (status.ok()) status = segments_.Open(folder_, next);
   if (!status.ok()) return status;
   manifest_ = std::move(next);

@@ -55,14 +55,15 @@ class CommittedIndex {
   void RemoveFilesOfChanges() const;
 
  private:
-  CommittedIndex(std::string folder, WriterLock lock)
-      : folder_(std::move(folder)), lock_(std::move(lock)) {}
+  CommittedIndex(std::string folder, WriterLock lock, Syncing syncing)
+      : folder_(std::move(folder)), lock_(std::move(lock)), syncing_(syncing) {}
 
   Status Create(bool with_positions);
   Status Publish(Manifest next);
 
   const std::string folder_;
   const WriterLock lock_;
+  const Syncing syncing_;  // kLater: never
   Manifest manifest_;
   ChangedSegments segments_;
 };

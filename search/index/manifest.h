@@ -46,8 +46,14 @@ bool IsIndexFolder(const std::string& folder);
 Result<Manifest> ReadManifest(const std::string& folder);
 
 // Replaces the manifest: the moment of a commit. After an error either manifest may be there.
+// `needed` and `syncing` are those of ReplaceFile().
 //   Returns  kInvalidArgument for one that is too large, kSystem.
-Status WriteManifest(const std::string& folder, const Manifest& manifest);
+Status WriteManifest(const std::string& folder, const Manifest& manifest,
+                     const std::vector<std::string>& needed = {}, Syncing syncing = Syncing::kNow);
+
+// Returns the paths of the files that `next` names and `committed` does not.
+std::vector<std::string> NewFiles(const std::string& folder, const Manifest& committed,
+                                  const Manifest& next);
 
 // Removes the files in `folder` that are named like those of segments, but that `manifest` does not
 // name: what a writer left that did not end well. Other files stay.

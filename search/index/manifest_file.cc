@@ -25,6 +25,14 @@ std::vector<std::string> FilesOf(const SegmentInfo& info) {
   return files;
 }
 
+std::set<std::string> NamedFiles(const Manifest& manifest) {
+  std::set<std::string> named;
+  for (const SegmentInfo& info : manifest.segments) {
+    for (std::string& file : FilesOf(info)) named.insert(std::move(file));
+  }
+  return named;
+}
+
 // Returns the names of the files in `folder` that are named like those of segments.
 Result<std::vector<std::string>> SegmentFilesIn(const std::string& folder) {
   std::error_code error;
@@ -56,13 +64,24 @@ Result<Manifest> ReadManifest(const std::string& folder) {
   return Status(manifest.status().code(), manifest.status().message(), path);
 }
 
-Status WriteManifest(const std::string& folder, const Manifest& manifest) {
+std::vector<std::string> NewFiles(const std::string& folder, const Manifest& committed,
+                                  const Manifest& next) {
+  const std::set<std::string> known = NamedFiles(committed);
+  std::vector<std::string> files;
+  for (const std::string& file : NamedFiles(next)) {
+    if (known.count(file) == 0) files.push_back(folder + "/" + file);
+  }
+  return files;
+}
+
+Status WriteManifest(const std::string& folder, const Manifest& manifest,
+                     const std::vector<std::string>& needed, Syncing syncing) {
   const std::string path = ManifestPath(folder);
   const std::string bytes = manifest.Encode();
   if (bytes.size() > kMaxManifestBytes || manifest.segments.size() > kMaxSegments) {
     return {StatusCode::kInvalidArgument, "the properties of the index are too large", path};
   }
-  return ReplaceFile(path, bytes);
+  return ReplaceFile(path, bytes, needed, syncing);
 }
 
 bool IsSegmentFileName(std::string_view name) {
@@ -81,10 +100,7 @@ bool IsSegmentFileName(std::string_view name) {
 Status RemoveUnnamedFiles(const std::string& folder, const Manifest& manifest) {
   const Result<std::vector<std::string>> found = SegmentFilesIn(folder);
   if (!found.ok()) return found.status();
-  std::set<std::string> named;
-  for (const SegmentInfo& info : manifest.segments) {
-    for (std::string& file : FilesOf(info)) named.insert(std::move(file));
-  }
+  const std::set<std::string> named = NamedFiles(manifest);
   unlink((ManifestPath(folder) + ".new").c_str());
   Status status;
   for (const std::string& name : *found) {

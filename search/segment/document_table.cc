@@ -128,7 +128,7 @@ std::string DocumentTableWriter::CheckedByParts() const {
   return bytes + ByName() + records_;
 }
 
-Result<FileSummary> DocumentTableWriter::Finish() {
+Result<FileSummary> DocumentTableWriter::Finish(Syncing syncing) {
   if (records_.size() > std::numeric_limits<std::uint32_t>::max()) {
     status_ = {StatusCode::kInvalidArgument, "the names are too long for one segment"};
   }
@@ -146,7 +146,7 @@ Result<FileSummary> DocumentTableWriter::Finish() {
   AppendNumber(ChecksumOf(bytes), &bytes);
   file_.Write(bytes);
   file_.Write(parts);
-  return file_.Finish();
+  return file_.Finish(syncing);
 }
 
 // ---- Opening ----

@@ -47,7 +47,7 @@ class DocumentTableWriter {
 
   //   Returns  the first error, and removes the file then; kInvalidArgument for more than kMaxCode
   //            documents.
-  Result<FileSummary> Finish();
+  Result<FileSummary> Finish(Syncing syncing = Syncing::kNow);
 
  private:
   std::string_view NameOf(std::uint16_t index) const;

@@ -83,24 +83,24 @@ void SegmentWriter::AddTerm(std::string_view term, std::uint32_t documents,
 }
 
 // The system may begin to write the index file while its checksum is computed.
-Status SegmentWriter::FinishIndexFile() {
+Status SegmentWriter::FinishIndexFile(Syncing syncing) {
   const std::string path = Path(SegmentFile(info_));
   const StoreError error = builder_.Finish();
   if (error != StoreError::kNone) return StatusOf(error, errno, path);
   const Result<FileSummary> summary = SummaryOf(path);
   if (!summary.ok()) return summary.status();
   info_.segment = *summary;
-  return SyncFile(path);
+  return syncing == Syncing::kNow ? SyncFile(path) : Status();
 }
 
-Result<SegmentInfo> SegmentWriter::Finish() {
+Result<SegmentInfo> SegmentWriter::Finish(Syncing syncing) {
   if (!is_open_ && status_.ok()) status_ = {StatusCode::kInvalidArgument, "no segment is open"};
-  if (status_.ok()) status_ = FinishIndexFile();
+  if (status_.ok()) status_ = FinishIndexFile(syncing);
   if (!status_.ok()) return status_;
-  const Result<FileSummary> terms = terms_.Finish();
+  const Result<FileSummary> terms = terms_.Finish(syncing);
   if (!terms.ok()) return status_ = terms.status();
   info_.terms = *terms;
-  const Result<FileSummary> table = table_.Finish();
+  const Result<FileSummary> table = table_.Finish(syncing);
   if (!table.ok()) return status_ = table.status();
   info_.table = *table;
   is_open_ = false;

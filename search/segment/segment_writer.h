@@ -46,13 +46,14 @@ class SegmentWriter {
   // ascending order of codes. A term whose key belongs to another record is left out.
   void AddTerm(std::string_view term, std::uint32_t documents, std::string_view record);
 
-  // Finishes, syncs and sums up the files. The folder is the caller's to sync.
+  // Finishes and sums up the files, and syncs them unless that is left to the caller. The folder is
+  // the caller's to sync.
   //   Returns  the first error; the destructor then removes the files.
-  Result<SegmentInfo> Finish();
+  Result<SegmentInfo> Finish(Syncing syncing = Syncing::kNow);
 
  private:
   std::string Path(const std::string& file) const { return folder_ + "/" + file; }
-  Status FinishIndexFile();
+  Status FinishIndexFile(Syncing syncing);
 
   std::string folder_;
   SegmentInfo info_;

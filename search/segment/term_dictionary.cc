@@ -105,14 +105,14 @@ std::string TermDictionaryWriter::IndexBytes() const {
   return bytes;
 }
 
-Result<FileSummary> TermDictionaryWriter::Finish() {
+Result<FileSummary> TermDictionaryWriter::Finish(Syncing syncing) {
   FinishBlock();
   if (!status_.ok()) {
     file_.Discard();
     return status_;
   }
   file_.Write(IndexBytes());
-  return file_.Finish();
+  return file_.Finish(syncing);
 }
 
 // ---- One block ----

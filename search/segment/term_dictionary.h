@@ -40,7 +40,7 @@ class TermDictionaryWriter {
   void Add(const TermEntry& entry);
 
   //   Returns  the first error, and removes the file then; kInvalidArgument for terms out of order.
-  Result<FileSummary> Finish();
+  Result<FileSummary> Finish(Syncing syncing = Syncing::kNow);
 
  private:
   void StartBlock(std::string_view term);

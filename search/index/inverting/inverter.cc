@@ -67,7 +67,7 @@ Result<SegmentInfo> Inverter::Write(const std::string& folder, std::uint64_t num
   if (!status.ok()) return status;
   WriteDocuments(&writer);
   WriteTerms(&writer);
-  return writer.Finish();
+  return writer.Finish(Syncing::kLater);
 }
 
 std::size_t Inverter::CountLiving() const {

@@ -54,7 +54,7 @@ class SegmentMaker {
     std::size_t memory = 0;                               // of documents, before they are written
     std::uint64_t first_number = 1;                       // of the first segment
     std::uint64_t number_step = 1;                        // from one segment to the next
-    std::atomic<std::uint64_t>* written_bytes = nullptr;  // counts up texts that are on the disk
+    std::atomic<std::uint64_t>* written_bytes = nullptr;  // counts up texts that are written
   };
 
   explicit SegmentMaker(Settings settings);

@@ -55,7 +55,7 @@ class Merger {
     if (status.ok()) status = AddDocuments();
     if (status.ok()) status = AddTerms();
     if (!status.ok()) return status;
-    return writer_.Finish();
+    return writer_.Finish(Syncing::kLater);
   }
 
  private:

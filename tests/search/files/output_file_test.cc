@@ -154,6 +154,31 @@ TEST_F(OutputFileTest, ReplacingAFileLeavesNothingBeside) {
   EXPECT_EQ(ReadFile(dir_ / "other"), "");
 }
 
+TEST_F(OutputFileTest, FilesAreSyncedTogether) {
+  WriteFile(path_, "a");
+  WriteFile(dir_ / "other", "b");
+  EXPECT_TRUE(SyncFiles({}).ok());
+  EXPECT_TRUE(SyncFiles({path_, dir_ / "other"}).ok());
+  const Status status = SyncFiles({path_, dir_ / "missing"});
+  EXPECT_EQ(status.code(), StatusCode::kNotFound);
+  EXPECT_EQ(status.file(), dir_ / "missing");
+}
+
+TEST_F(OutputFileTest, AFileStaysWhereTheNewOneNeedsAFileThatIsMissing) {
+  WriteFile(path_, "old");
+  EXPECT_EQ(ReplaceFile(path_, "new", {dir_ / "missing"}).code(), StatusCode::kNotFound);
+  EXPECT_EQ(ReadFile(path_), "old");
+  EXPECT_FALSE(std::filesystem::exists(path_ + ".new"));
+  WriteFile(dir_ / "needed", "b");
+  EXPECT_TRUE(ReplaceFile(path_, "new", {dir_ / "needed"}).ok());
+  EXPECT_EQ(ReadFile(path_), "new");
+}
+
+TEST_F(OutputFileTest, WhatIsSyncedLaterIsNotLookedForNow) {
+  EXPECT_TRUE(ReplaceFile(path_, "new", {dir_ / "missing"}, Syncing::kLater).ok());
+  EXPECT_EQ(ReadFile(path_), "new");
+}
+
 TEST_F(OutputFileTest, AFileThatCannotBeReplacedStays) {
   std::filesystem::create_directories(path_ + "/child");
   EXPECT_EQ(ReplaceFile(path_, "new").code(), StatusCode::kSystem);

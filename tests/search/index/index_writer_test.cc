@@ -75,6 +75,20 @@ TEST_F(IndexWriterTest, ADocumentIsThereAfterACommit) {
   EXPECT_EQ(read.words, WordsOf("Zurichs e mail kept As Is"));
 }
 
+TEST_F(IndexWriterTest, ACommitThatDoesNotWaitForTheDiskIsThereForOtherProcesses) {
+  WriterOptions options;
+  options.sync = false;
+  IndexWriter writer = Open(options);
+  for (const std::string name : {"a", "b"}) {
+    ASSERT_TRUE(writer.Add(Named(name)).ok());
+    ASSERT_TRUE(writer.Commit().ok());
+  }
+  ASSERT_TRUE(writer.Remove("a").ok());
+  ASSERT_TRUE(writer.Compact().ok());
+  EXPECT_EQ(Names(), std::set<std::string>{"b"});
+  EXPECT_EQ(FilesIn(path_), NamedFiles(path_));
+}
+
 TEST_F(IndexWriterTest, ChangesWithoutACommitAreLost) {
   {
     IndexWriter writer = Open();

@@ -174,6 +174,17 @@ TEST(ManifestFileTest, IsReplacedAndRead) {
   EXPECT_EQ(ReadManifest(path)->Encode(), Example().Encode());
 }
 
+TEST(ManifestFileTest, NewFilesAreThoseThatWereNotNamedBefore) {
+  using Files = std::vector<std::string>;
+  Manifest next = Example();
+  EXPECT_EQ(NewFiles("f", Example(), next), Files());
+  next.segments[0].edit_number = 1;
+  next.segments[1] = SegmentOf(18);
+  EXPECT_EQ(NewFiles("f", Example(), next),
+            (Files{"f/18.documents", "f/18.segment", "f/18.terms", "f/3-1.edits"}));
+  EXPECT_EQ(NewFiles("f", next, Manifest()), Files());
+}
+
 TEST(ManifestFileTest, DamageNamesTheFile) {
   const kestan_tests::TempDir folder;
   const std::string path = folder / "";

@@ -36,6 +36,10 @@ struct WriterOptions {
   // Merging: segments of about the same size are merged when there are so many of them.
   unsigned merge_factor = 8;
 
+  // Wait at each commit until all of it is on the disk, so that it outlives a power cut. Without it
+  // a commit outlives the process alone: after a power cut the index may be damaged.
+  bool sync = true;
+
   // Called now and then during Commit() and Compact(), by the thread that called them. Returns
   // whether to go on; if not, the call fails with kInterrupted and the index is as it was.
   std::function<bool(const WriterProgress&)> progress;
