@@ -166,8 +166,11 @@ String Writer::Read(std::uint64_t offset, std::size_t size) {
   return bytes;
 }
 
+// A short key stands in the element as a whole.
 String Writer::KeyOf(const Element& element) {
-  return Read(element.data, static_cast<std::size_t>(element.key_bytes));
+  const auto size = static_cast<std::size_t>(element.key_bytes);
+  if (size <= element.key_start.size()) return String(element.key_start.data(), size);
+  return Read(element.data, size);
 }
 
 bool Writer::HasKeyAt(const Element& element, std::string_view key) {
