@@ -17,15 +17,6 @@ namespace {
 
 constexpr std::size_t kDocumentsBetweenFlushes = 1000;
 
-// A folded word has this bit in each byte, which makes capitals lower case.
-constexpr unsigned char kFoldedBit = 0x20;
-
-bool IsFolded(std::string_view word) {
-  return std::all_of(word.begin(), word.end(), [](char byte) {
-    return (static_cast<unsigned char>(byte) & kFoldedBit) != 0;
-  });
-}
-
 class PlainIndexReader {
  public:
   explicit PlainIndexReader(std::string path) : path_(std::move(path)) {}
@@ -187,6 +178,14 @@ Status StatusOfIndexFile(StoreError error, int error_number, const std::string& 
     default:
       return {StatusCode::kDamaged, ErrorString(error), file};
   }
+}
+
+// Folding sets this bit in each byte, which makes capitals lower case.
+bool IsFolded(std::string_view word) {
+  constexpr unsigned char kFoldedBit = 0x20;
+  return std::all_of(word.begin(), word.end(), [](char byte) {
+    return (static_cast<unsigned char>(byte) & kFoldedBit) != 0;
+  });
 }
 
 Result<PlainIndex> ReadPlainIndex(const std::string& path) { return PlainIndexReader(path).Read(); }

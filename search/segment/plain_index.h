@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "search/segment/edits.h"
 
@@ -37,6 +38,9 @@ struct PlainIndex {
 // Opens the index file at `path` and reads all of it.
 //   Returns  kBusy while another process changes it; kDamaged, kVersion, kSystem.
 Result<PlainIndex> ReadPlainIndex(const std::string& path);
+
+// Returns whether `word` is as it is folded: of two forms of a word in a text, this is one.
+bool IsFolded(std::string_view word);
 
 // Returns the posting record of `postings`, in order of codes, each once.
 std::string OrderedRecord(const WordPostings& postings);

@@ -1,0 +1,260 @@
+#include <kestan/search/check.h>
+
+#include <kestan/index_file.h>
+#include <kestan/maintenance.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <new>
+#include <set>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "search/files/file_bytes.h"
+#include "search/files/output_file.h"
+#include "search/index/manifest.h"
+#include "search/segment/derived_files.h"
+#include "search/segment/plain_index.h"
+#include "search/segment/segment.h"
+
+namespace kestan::search {
+namespace {
+
+// Returns whether the finding says that a document lacks words. A writer never leaves it so, but it
+// refuses words whose keys belong to other records.
+bool IsOfRefusedWord(const Finding& finding) {
+  constexpr std::string_view kDocumentKey = "d-";
+  constexpr std::string_view kWordsMissing = "words missing";
+  return finding.key.substr(0, kDocumentKey.size()) == kDocumentKey &&
+         finding.text.substr(0, kWordsMissing.size()) == kWordsMissing;
+}
+
+class Checker {
+ public:
+  Checker(std::string path, const CheckOptions& options)
+      : folder_(std::move(path)), options_(options) {}
+
+  Result<CheckReport> CheckFolder() {
+    Result<Manifest> manifest = ReadManifest(folder_);
+    if (!manifest.ok() && manifest.status().code() != StatusCode::kDamaged) {
+      return manifest.status();
+    }
+    if (manifest.ok()) {
+      report_.segments = manifest->segments.size();
+      for (const SegmentInfo& info : manifest->segments) {
+        CheckSegment(info, manifest->with_positions);
+      }
+      CheckOtherFiles(*manifest);
+    } else {
+      Take(manifest.status());
+    }
+    return std::move(report_);
+  }
+
+  Result<CheckReport> CheckFile() {
+    report_.segments = 1;
+    CheckRecords(folder_, false);
+    const auto segment = Segment::OpenIndexFile(folder_);
+    if (segment.ok()) report_.documents = (*segment)->living_documents();
+    if (!segment.ok() && report_.faults == 0) Take(segment.status());
+    return std::move(report_);
+  }
+
+ private:
+  void Take(bool is_fault, const std::string& file, std::string_view key, std::string_view text) {
+    ++(is_fault ? report_.faults : report_.notes);
+    if (++findings_of_[file] > options_.most_findings) return;
+    report_.findings.push_back({is_fault, file, std::string(key), std::string(text)});
+  }
+
+  void Take(const Status& status) { Take(true, status.file(), "", status.message()); }
+
+  std::string Path(const std::string& name) const { return folder_ + "/" + name; }
+
+  void CheckSegment(const SegmentInfo& info, bool with_positions) {
+    const bool segment_is_sound = CheckBytes(SegmentFile(info), info.segment);
+    const bool terms_are_sound = CheckBytes(TermsFile(info), info.terms);
+    const bool table_is_sound = CheckBytes(TableFile(info), info.table);
+    bool edits_are_sound = true;
+    if (info.edit_number != 0) edits_are_sound = CheckBytes(EditsFile(info), info.edits);
+    CheckRecords(Path(SegmentFile(info)), segment_is_sound);
+    if (segment_is_sound && terms_are_sound && table_is_sound) CheckDerived(info, with_positions);
+    if (terms_are_sound && table_is_sound && edits_are_sound) CheckDocuments(info, with_positions);
+  }
+
+  bool CheckBytes(const std::string& name, const FileSummary& expected) {
+    const Result<FileSummary> found = SummaryOf(Path(name));
+    if (!found.ok()) {
+      Take(found.status());
+    } else if (found->bytes != expected.bytes) {
+      Take(true, Path(name), "",
+           "it has " + std::to_string(found->bytes) + " bytes instead of " +
+               std::to_string(expected.bytes));
+    } else if (found->checksum != expected.checksum) {
+      Take(true, Path(name), "", "its bytes have changed since it was written");
+    } else {
+      return true;
+    }
+    return false;
+  }
+
+  // Of a file that is as it was written, notes say nothing: words such as "t-shirt" are meant.
+  void CheckRecords(const std::string& path, bool is_as_written) {
+    IndexFile file;
+    errno = 0;
+    const StoreError error = file.Open(path.c_str());
+    if (error == StoreError::kFileOpen && errno == ENOENT) return;  // which was found before
+    if (error != StoreError::kNone) return Take(StatusOfIndexFile(error, errno, path));
+    kestan::CheckIndexWithFindings(file.store(), [&](const Finding& finding) {
+      const bool is_whole = finding.key == kWholeFile;
+      const bool is_fault = finding.severity == Severity::kFault;
+      if (is_as_written && IsOfRefusedWord(finding)) {
+        return Take(false, path, finding.key, "words of it have the keys of other records");
+      }
+      if (!is_fault && is_as_written) return;
+      Take(is_fault, path, is_whole ? "" : finding.key, finding.text);
+    });
+  }
+
+  void CheckDerived(const SegmentInfo& info, bool with_positions) {
+    Result<DerivedFiles> derived = DeriveFiles(Path(SegmentFile(info)));
+    if (!derived.ok()) return Take(derived.status());
+    if (derived->with_positions != with_positions) {
+      Take(true, Path(SegmentFile(info)), "", "MANIFEST contradicts it: are there positions");
+    }
+    CompareTerms(info, std::move(derived->terms));
+    CompareTables(info, std::move(derived->table));
+  }
+
+  void CompareTerms(const SegmentInfo& info, std::string bytes) {
+    const std::string path = Path(TermsFile(info));
+    auto file = FileBytes::Open(path, info.terms.bytes);
+    if (!file.ok()) return Take(file.status());
+    const auto found = TermDictionary::Open(std::move(*file));
+    if (!found.ok()) return Take(found.status());
+    const auto expected = TermDictionary::Open(FileBytes::InMemory(std::move(bytes), path));
+    if (!expected.ok()) return Take(expected.status());
+    if (found->size() != expected->size()) {
+      Take(true, path, "", "it has other terms than its segment");
+    }
+    TermDictionary::Cursor left(*found);
+    TermDictionary::Cursor right(*expected);
+    for (;;) {
+      const Result<bool> has_left = left.Next();
+      if (!has_left.ok()) return Take(has_left.status());
+      const Result<bool> has_right = right.Next();
+      if (!has_right.ok() || !*has_left || !*has_right) return;
+      if (left.entry().term != right.entry().term) {
+        return Take(true, path, left.entry().term, "its segment has another term here");
+      }
+      CompareEntries(path, left.entry(), right.entry());
+    }
+  }
+
+  void CompareEntries(const std::string& path, const TermEntry& found, const TermEntry& expected) {
+    if (found.documents != expected.documents) {
+      Take(true, path, found.term, "its segment has another number of documents");
+    }
+    if (!IsSamePlace(found.place, expected.place)) {
+      Take(true, path, found.term, "its record lies elsewhere");
+    }
+  }
+
+  static bool IsSamePlace(const RecordPlace& left, const RecordPlace& right) {
+    return left.offset == right.offset && left.value_bytes == right.value_bytes;
+  }
+
+  void CompareTables(const SegmentInfo& info, std::string bytes) {
+    const std::string path = Path(TableFile(info));
+    auto file = FileBytes::Open(path, info.table.bytes);
+    if (!file.ok()) return Take(file.status());
+    const auto found = DocumentTable::Open(std::move(*file));
+    if (!found.ok()) return Take(found.status());
+    const auto expected = DocumentTable::Open(FileBytes::InMemory(std::move(bytes), path));
+    if (!expected.ok()) return Take(expected.status());
+    if (found->size() != expected->size() || found->size() != info.documents) {
+      return Take(true, path, "", "it has another number of documents than its segment");
+    }
+    for (std::size_t i = 1; i <= found->size(); ++i) {
+      const auto code = static_cast<Code>(i);
+      const DocumentEntry entry = expected->EntryOf(code);
+      CompareDocuments(path, found->EntryOf(code), entry);
+      if (found->WordsOf(code) < expected->WordsOf(code)) {
+        Take(true, path, entry.name, "its segment has more words of the document");
+      }
+      if (found->Find(entry.name) != code) {
+        Take(true, path, entry.name, "the document is not found by its name");
+      }
+    }
+    if (!found->status().ok()) Take(found->status());
+  }
+
+  void CompareDocuments(const std::string& path, const DocumentEntry& found,
+                        const DocumentEntry& expected) {
+    if (found.name != expected.name || found.added != expected.added) {
+      Take(true, path, expected.name, "its segment has another document here");
+    }
+    for (std::size_t i = 0; i < kDocumentFields; ++i) {
+      if (IsSamePlace(found.fields[i], expected.fields[i])) continue;
+      Take(true, path, expected.name, "a text of the document lies elsewhere");
+    }
+  }
+
+  void CheckDocuments(const SegmentInfo& info, bool with_positions) {
+    const auto segment = Segment::Open(folder_, info, with_positions);
+    if (!segment.ok()) {
+      // The index file may be shorter, which was found before.
+      if (segment.status().file() != Path(SegmentFile(info))) Take(segment.status());
+      return;
+    }
+    report_.documents += (*segment)->living_documents();
+    for (std::size_t i = 1; i <= (*segment)->size(); ++i) {
+      const auto code = static_cast<Code>(i);
+      if ((*segment)->IsRemoved(code)) continue;
+      const std::string_view name = (*segment)->NameOf(code);
+      if (names_.emplace(name).second) continue;
+      Take(true, Path(TableFile(info)), name, "two documents have this name");
+    }
+  }
+
+  void CheckOtherFiles(const Manifest& manifest) {
+    std::set<std::string> named;
+    for (const SegmentInfo& info : manifest.segments) {
+      named.insert({SegmentFile(info), TermsFile(info), TableFile(info)});
+      if (info.edit_number != 0) named.insert(EditsFile(info));
+    }
+    std::error_code error;
+    for (std::filesystem::directory_iterator file(folder_, error), end; !error && file != end;
+         file.increment(error)) {
+      const std::string name = file->path().filename().string();
+      if (!IsSegmentFileName(name) || named.count(name) != 0) continue;
+      Take(false, Path(name), "", "MANIFEST does not name it; the next writer removes it");
+    }
+  }
+
+  const std::string folder_;
+  const CheckOptions options_;
+  CheckReport report_;
+  std::map<std::string, std::size_t> findings_of_;  // of each file
+  std::set<std::string, std::less<>> names_;        // of all living documents
+};
+
+}  // namespace
+
+Result<CheckReport> CheckIndex(const std::string& path, const CheckOptions& options) {
+  try {
+    std::error_code error;
+    const bool is_file = std::filesystem::is_regular_file(path, error);
+    Checker checker(path, options);
+    return is_file ? checker.CheckFile() : checker.CheckFolder();
+  } catch (const std::bad_alloc&) {
+    return Status(StatusCode::kOutOfMemory, "out of memory", path);
+  }
+}
+
+}  // namespace kestan::search

@@ -1,0 +1,281 @@
+#include "search/segment/derived_files.h"
+
+#include <kestan/format/posting_cursor.h>
+#include <kestan/index_file.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <optional>
+#include <set>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "search/files/descriptor.h"
+#include "search/files/file_bytes.h"
+#include "search/segment/document_table.h"
+#include "search/segment/plain_index.h"
+#include "search/segment/term_dictionary.h"
+
+namespace kestan::search {
+namespace {
+
+constexpr std::size_t kRecordsBetweenFlushes = 1000;
+constexpr std::size_t kFamilyBytes = 2;          // what keys have before a name
+constexpr std::uint64_t kNearBytes = 64 << 10;   // how far from its predecessor a record may lie
+constexpr std::uint64_t kWindowBytes = 1 << 20;  // read at a time
+constexpr std::size_t kDocumentRecordBytes = 4 + 4;
+constexpr std::array<std::string_view, 4> kSingleKeys = {"g-code", "g-avail", "g-deleted",
+                                                         "g-opts"};
+constexpr std::array<std::string_view, kDocumentFields> kFamilies = {"t-", "s-", "u-"};
+
+// Finds where records lie, most of which follow each other.
+class PlaceFinder {
+ public:
+  explicit PlaceFinder(std::shared_ptr<const FileBytes> file) : file_(std::move(file)) {}
+
+  // Passes over a record that lies here.
+  void Skip(std::size_t bytes) { expected_ += bytes; }
+
+  RecordPlace Find(std::string_view key, std::string_view value) {
+    std::string record(key);
+    record.append(value);
+    std::uint64_t offset = FindFrom(expected_, kNearBytes, record);
+    if (offset == 0) offset = FindFrom(1, file_->size(), record);
+    if (offset == 0) return {};
+    expected_ = offset + record.size();
+    return {offset, static_cast<std::uint32_t>(key.size()),
+            static_cast<std::uint32_t>(value.size())};
+  }
+
+ private:
+  // Returns the first offset that is less than `bytes` from `begin` on; 0 for none.
+  std::uint64_t FindFrom(std::uint64_t begin, std::uint64_t bytes, const std::string& record) {
+    const std::uint64_t end = begin + bytes;
+    const Bytes here = file_->Read(begin, record.size());
+    if (here.view() == record) return begin;
+    for (; begin < end && begin < file_->size(); begin += kWindowBytes) {
+      const std::uint64_t count = std::min(kWindowBytes, end - begin);
+      const Bytes window = file_->Read(begin, count + record.size() - 1);
+      const std::size_t at = window.view().find(record);
+      if (at != std::string_view::npos) return begin + at;
+    }
+    return 0;
+  }
+
+  std::shared_ptr<const FileBytes> file_;
+  std::uint64_t expected_ = 1;
+};
+
+class Deriver {
+ public:
+  explicit Deriver(std::string path) : path_(std::move(path)) {}
+
+  Result<DerivedFiles> Derive() {
+    errno = 0;
+    StoreError error = file_.Open(path_.c_str());
+    if (error != StoreError::kNone) return StatusOfIndexFile(error, errno, path_);
+    const auto flags = file_.OptionFlags();
+    if (!flags) return Damaged("it is no index file");
+    files_.with_positions = KeepsPositions(*flags);
+    const auto size = static_cast<std::uint64_t>(file_.store().FileBytes());
+    auto bytes = FileBytes::Open(path_, size);
+    if (!bytes.ok()) return bytes.status();
+    PlaceFinder finder(std::move(*bytes));
+    Status status = ReadDocuments();
+    if (status.ok()) status = ReadTerms();
+    if (status.ok()) status = WriteTable(&finder);
+    if (status.ok()) status = WriteTerms(&finder);
+    if (!status.ok()) return status;
+    error = file_.FileError();
+    if (error != StoreError::kNone) return StatusOfIndexFile(error, errno, path_);
+    return std::move(files_);
+  }
+
+ private:
+  struct StoredDocument {
+    std::string name;
+    std::uint32_t added = 0;
+    std::uint64_t folded = 0;   // positions of words without capitals, or such words
+    std::uint32_t highest = 0;  // position
+  };
+
+  Status Damaged(const std::string& what) const { return {StatusCode::kDamaged, what, path_}; }
+
+  Status ReadDocuments() {
+    const DocumentCounts counts = file_.CountDocuments();
+    if (counts.documents != counts.highest_code) return Damaged("it is no segment of an index");
+    files_.documents = counts.highest_code;
+    documents_.resize(std::size_t{counts.highest_code} + 1);
+    for (std::size_t i = 1; i < documents_.size(); ++i) {
+      const auto code = static_cast<Code>(i);
+      StoredDocument& document = documents_[i];
+      document.name = file_.NameOf(code);
+      if (file_.CodeOf(document.name) != code) return Damaged("a document is missing in it");
+      document.added = file_.TimestampOf(document.name);
+      if (!names_.insert(document.name).second) return Damaged("two documents have one name");
+      if (i % kRecordsBetweenFlushes == 0) file_.store().Flush();
+    }
+    return {};
+  }
+
+  Status ReadTerms() {
+    std::size_t records = 0;
+    DBDatumPtr key;
+    DBDatumPtr value;
+    for (int error = file_.store().First(&key, &value); key.ptr != nullptr;
+         error = file_.store().Next(&key, &value)) {
+      if (error != 0) return StatusOfIndexFile(StoreError{error}, errno, path_);
+      const std::string_view bytes(value.ptr->data, value.ptr->size);
+      const std::string_view term(key.ptr->data, key.ptr->size);
+      if (IsTerm(term, bytes)) {
+        const auto documents = CountPostings(bytes, IsFolded(term));
+        if (!documents) return Damaged("a posting record is damaged");
+        terms_.emplace_back(term, *documents);
+      }
+      if (++records % kRecordsBetweenFlushes == 0) {
+        value.Free();
+        file_.store().Flush();
+      }
+    }
+    value.Free();
+    file_.store().Flush();
+    std::sort(terms_.begin(), terms_.end(), ByTerm);
+    if (file_.store().WalkError() == 0) return {};
+    return StatusOfIndexFile(StoreError{file_.store().WalkError()}, errno, path_);
+  }
+
+  // A word has no record of its own where its key is that of another one.
+  bool IsTerm(std::string_view key, std::string_view value) const {
+    if (key.size() <= kFamilyBytes || key[1] != '-') return true;
+    if (std::find(kSingleKeys.begin(), kSingleKeys.end(), key) != kSingleKeys.end()) return false;
+    const std::string_view name = key.substr(kFamilyBytes);
+    switch (key[0]) {
+      case 'c':
+        return name.size() != sizeof(Code) || !IsCode(NumberAt<std::uint16_t>(name.data()));
+      case 'd':
+        return names_.count(name) == 0;
+      case 't':
+      case 's':
+      case 'u':
+        return names_.count(name) == 0 || ReadPostings(value, [](const PostingCursor&) {});
+      default:
+        return true;
+    }
+  }
+
+  bool IsCode(Code code) const { return code != 0 && code < documents_.size(); }
+
+  // Calls `visit` with each posting.
+  //   Returns  false for what no posting record is.
+  template <typename Visit>
+  bool ReadPostings(std::string_view record, const Visit& visit) const {
+    Code last = 0;
+    std::size_t read_bytes = 0;
+    for (PostingCursor cursor(record, files_.with_positions); cursor.Next();) {
+      if (cursor.code() <= last || !IsCode(cursor.code()) || !IsWhole(cursor)) return false;
+      last = cursor.code();
+      read_bytes += cursor.bytes().size();
+      visit(cursor);
+    }
+    return last != 0 && read_bytes == record.size();
+  }
+
+  bool IsWhole(const PostingCursor& cursor) const {
+    if (!files_.with_positions) return true;
+    const EncodedPositions positions = cursor.positions();
+    if (positions.size() == 0) return false;
+    if (NumberAt<std::uint16_t>(cursor.bytes().data() + sizeof(Code)) != positions.size()) {
+      return false;
+    }
+    return std::find(positions.begin(), positions.end(), 0) == positions.end();
+  }
+
+  // Counts documents, and the words of each.
+  std::optional<std::uint32_t> CountPostings(std::string_view record, bool is_folded) {
+    std::uint32_t count = 0;
+    const bool is_sound = ReadPostings(record, [&](const PostingCursor& cursor) {
+      ++count;
+      StoredDocument& document = documents_[cursor.code()];
+      const EncodedPositions positions = cursor.positions();
+      if (is_folded) document.folded += std::max<std::size_t>(positions.size(), 1);
+      for (const Position position : positions) {
+        document.highest = std::max<std::uint32_t>(document.highest, position);
+      }
+    });
+    return is_sound ? std::optional<std::uint32_t>(count) : std::nullopt;
+  }
+
+  // Documents lie in order of their codes: name, document record, texts.
+  Status WriteTable(PlaceFinder* finder) {
+    DocumentTableWriter writer;
+    writer.CreateInMemory(&files_.table);
+    for (std::size_t i = 1; i < documents_.size(); ++i) {
+      const StoredDocument& document = documents_[i];
+      DocumentEntry entry;
+      entry.name = document.name;
+      entry.added = document.added;
+      entry.words =
+          static_cast<std::uint32_t>(std::max<std::uint64_t>(document.folded, document.highest));
+      const std::string code = {static_cast<char>(i & 0xff), static_cast<char>(i >> 8)};
+      finder->Find("c-" + code, document.name);
+      finder->Skip(kFamilyBytes + document.name.size() + kDocumentRecordBytes);
+      for (std::size_t field = 0; field < kDocumentFields; ++field) {
+        entry.fields[field] = PlaceOfField(field, document.name, finder);
+      }
+      writer.Add(entry);
+      if (i % kRecordsBetweenFlushes == 0) file_.store().Flush();
+    }
+    const Result<FileSummary> summary = writer.Finish();
+    return summary.ok() ? Status() : summary.status();
+  }
+
+  RecordPlace PlaceOfField(std::size_t field, const std::string& name, PlaceFinder* finder) {
+    const std::string key = std::string(kFamilies[field]).append(name);
+    const DBDatumPtr value = ValueOf(key);
+    if (value.ptr == nullptr) return {};
+    const std::string_view bytes(value.ptr->data, value.ptr->size);
+    const bool is_term = std::binary_search(terms_.begin(), terms_.end(),
+                                            std::make_pair(key, std::uint32_t{0}), ByTerm);
+    return is_term ? RecordPlace() : finder->Find(key, bytes);
+  }
+
+  static bool ByTerm(const std::pair<std::string, std::uint32_t>& left,
+                     const std::pair<std::string, std::uint32_t>& right) {
+    return left.first < right.first;
+  }
+
+  DBDatumPtr ValueOf(std::string_view key) {
+    DBDatumPtr value;
+    file_.store().Get(&value, DBDatum(key.data(), static_cast<std::uint32_t>(key.size())));
+    return value;
+  }
+
+  Status WriteTerms(PlaceFinder* finder) {
+    TermDictionaryWriter writer;
+    writer.CreateInMemory(&files_.terms);
+    std::size_t records = 0;
+    for (const auto& [term, documents] : terms_) {
+      const DBDatumPtr value = ValueOf(term);
+      if (value.ptr == nullptr) return Damaged("a word is not found in it");
+      writer.Add({term, documents, finder->Find(term, {value.ptr->data, value.ptr->size})});
+      if (++records % kRecordsBetweenFlushes == 0) file_.store().Flush();
+    }
+    const Result<FileSummary> summary = writer.Finish();
+    return summary.ok() ? Status() : Damaged("a word is in it twice");
+  }
+
+  const std::string path_;
+  IndexFile file_;
+  DerivedFiles files_;
+  std::vector<StoredDocument> documents_;  // by code
+  std::set<std::string, std::less<>> names_;
+  std::vector<std::pair<std::string, std::uint32_t>> terms_;  // with the number of documents
+};
+
+}  // namespace
+
+Result<DerivedFiles> DeriveFiles(const std::string& path) { return Deriver(path).Derive(); }
+
+}  // namespace kestan::search
