@@ -1,13 +1,12 @@
 #include "search/matching/leaf_terms.h"
 
-#include <algorithm>
+#include <cstddef>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "search/text/letters.h"
-#include "search/vocabulary/inflections.h"
 #include "search/vocabulary/sorted_edit_distance.h"
+#include "search/vocabulary/stem.h"
 
 namespace kestan::search {
 namespace {
@@ -18,19 +17,12 @@ using Visit = std::function<Status(const TermEntry&)>;
 // Capitals come before all other letters in order of bytes.
 constexpr std::string_view kFirstWithoutCapital = "[";
 
+constexpr std::size_t kMinFormLetters = 3;  // a shorter word has no other forms
+
 Status VisitWord(const TermDictionary& terms, std::string_view word, const Visit& visit) {
   const Result<std::optional<TermEntry>> entry = terms.Find(word);
   if (!entry.ok()) return entry.status();
   return *entry ? visit(**entry) : Status();
-}
-
-Status VisitWords(const TermDictionary& terms, std::vector<std::string> words, const Visit& visit) {
-  std::sort(words.begin(), words.end());
-  for (const std::string& word : words) {
-    Status status = VisitWord(terms, word, visit);
-    if (!status.ok()) return status;
-  }
-  return {};
 }
 
 Status VisitPrefix(const TermDictionary& terms, const std::string& prefix, const Visit& visit) {
@@ -42,6 +34,14 @@ Status VisitPrefix(const TermDictionary& terms, const std::string& prefix, const
     return visited.ok();
   });
   return status.ok() ? visited : status;
+}
+
+Status VisitForms(const TermDictionary& terms, const std::string& word, const Visit& visit) {
+  const std::string stem = Stem(word);
+  if (stem.size() < kMinFormLetters || HasCapital(word)) return VisitWord(terms, word, visit);
+  return VisitPrefix(terms, std::string(StemPrefix(stem)), [&](const TermEntry& entry) {
+    return Stem(entry.term) == stem ? visit(entry) : Status();
+  });
 }
 
 }  // namespace
@@ -67,7 +67,7 @@ Status ForEachTermOf(const TermDictionary& terms, const Query& leaf, const Visit
       return ForEachFuzzyTerm(terms, leaf.word, leaf.edits,
                               [&](const TermEntry& entry, int) { return visit(entry); });
     case Kind::kInflections:
-      return VisitWords(terms, Inflections(leaf.word), visit);
+      return VisitForms(terms, leaf.word, visit);
     default:
       return VisitWord(terms, leaf.word, visit);
   }

@@ -13,8 +13,9 @@ namespace kestan::search {
 
 // Calls `visit` with each term of `terms` that `leaf` stands for, in order of their bytes: of a
 // word, itself; of a prefix, all that begin with it; of a fuzzy word, those within its edits; of
-// inflections, the word's. As in documents, a word without capitals stands for terms without any.
-// A prefix costs what it finds; a fuzzy word, a look at each term without capitals. The entry is
+// inflections, those of the word's stem. As in documents, a word without capitals stands for terms
+// without any. A prefix costs what it finds, inflections what begins with the stem; a fuzzy word, a
+// look at each term without capitals. The entry is
 // lent for the call. Stops when `visit` returns an error, and returns it.
 Status ForEachTermOf(const TermDictionary& terms, const Query& leaf,
                      const std::function<Status(const TermEntry&)>& visit);

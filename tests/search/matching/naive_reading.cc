@@ -7,7 +7,7 @@
 #include "search/query/clauses.h"
 #include "search/text/letters.h"
 #include "search/vocabulary/edit_distance.h"
-#include "search/vocabulary/inflections.h"
+#include "search/vocabulary/stem.h"
 
 namespace kestan_tests {
 namespace {
@@ -23,8 +23,7 @@ bool Stands(const Query& leaf, const std::string& term) {
     return case_fits && BoundedEditDistance(leaf.word, term, leaf.edits) <= leaf.edits;
   }
   if (leaf.kind == Kind::kInflections) {
-    const std::vector<std::string> words = Inflections(leaf.word);
-    return std::find(words.begin(), words.end(), term) != words.end();
+    return case_fits && Stem(leaf.word) == Stem(term);
   }
   return term == leaf.word;
 }
