@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <limits>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -17,6 +18,8 @@ namespace {
 
 using Kind = Token::Kind;
 using MaybeQuery = std::optional<Query>;
+
+constexpr std::size_t kMinQuestionWords = 4;
 
 // Returns a node for `operands`, the only one of them, or nothing.
 MaybeQuery Combined(Query::Kind kind, std::vector<Query> operands) {
@@ -88,22 +91,58 @@ bool IsStop(const Query& query) {
   return query.kind == Query::Kind::kWord && IsStopWord(query.word);
 }
 
+// e.g., i.e.
+bool IsAbbreviation(const Query& query) {
+  if (query.kind != Query::Kind::kPhrase && query.kind != Query::Kind::kNear) return false;
+  std::string letters;
+  for (const Query& operand : query.operands) letters += operand.word;
+  return query.operands.size() == 2 && (letters == "eg" || letters == "ie");
+}
+
+bool IsStopOfQuestion(const Query& query) {
+  return IsStop(query) || IsAbbreviation(query) ||
+         (query.kind == Query::Kind::kWord && IsAskedWith(query.word));
+}
+
 // Drops stop words, unless there are no others.
-std::vector<Query> WithoutStopWords(std::vector<Query> words) {
-  if (!std::all_of(words.begin(), words.end(), IsStop)) {
-    words.erase(std::remove_if(words.begin(), words.end(), IsStop), words.end());
+std::vector<Query> WithoutStopWords(std::vector<Query> words,
+                                    bool (*is_stop)(const Query&) = IsStop) {
+  if (!std::all_of(words.begin(), words.end(), is_stop)) {
+    words.erase(std::remove_if(words.begin(), words.end(), is_stop), words.end());
   }
   return words;
 }
 
+// Returns `query`, or, of words that punctuation joins, each of them.
+std::vector<Query> Apart(Query query) {
+  const bool is_joined = query.kind == Query::Kind::kPhrase || query.kind == Query::Kind::kNear;
+  if (!is_joined || IsAbbreviation(query)) return {std::move(query)};
+  for (Query& operand : query.operands) operand.distance_words = 0;
+  return std::move(query.operands);
+}
+
+// A capital that begins a word may stand for the beginning of a sentence or of a heading. A word
+// of more capitals is a name.
+void FoldFirstLetter(std::string* word) {
+  if (!HasCapital(std::string_view(*word).substr(1))) word->front() = LowerCase(word->front());
+}
+
 // Drops the stop words of a question, and expands the other words with their inflections.
-std::vector<Query> AsQuestion(std::vector<Query> words) {
-  words = WithoutStopWords(std::move(words));
+std::vector<Query> AsQuestion(std::vector<Query> words, bool freely) {
+  words = WithoutStopWords(std::move(words), freely ? IsStopOfQuestion : IsStop);
   for (Query& query : words) {
+    if (freely && query.kind == Query::Kind::kWord) FoldFirstLetter(&query.word);
     const bool is_inflected = query.kind == Query::Kind::kWord && !HasCapital(query.word);
     if (is_inflected) query.kind = Query::Kind::kInflections;
   }
   return words;
+}
+
+// Returns whether `token` is more than a word, words in quotes or a parenthesis.
+bool IsOperator(const Token& token) {
+  if (token.kind == Kind::kWord) return SuffixOf(token.text).bytes > 0;
+  return token.kind == Kind::kAnd || token.kind == Kind::kOr || token.kind == Kind::kNear ||
+         token.kind == Kind::kNot;
 }
 
 // Parses tokens, with one function for each line of the grammar. Each returns nothing where there
@@ -113,11 +152,13 @@ class Parser {
   Parser(std::vector<Token> tokens, DefaultOperator default_operator, QuotesMean quotes)
       : tokens_(std::move(tokens)),
         default_operator_(default_operator),
+        means_or_(default_operator == DefaultOperator::kOr ||
+                  default_operator == DefaultOperator::kOrOfQuestion),
         quotes_(quotes),
         left_out_(tokens_.size()) {}
 
   MaybeQuery ParseOr() {
-    if (default_operator_ == DefaultOperator::kOr) return ParseQuestion();
+    if (means_or_) return ParseQuestion();
     std::vector<Query> operands;
     do {
       AppendIfAny(ParseAnd(), &operands);
@@ -128,16 +169,22 @@ class Parser {
  private:
   // Stands for both ParseOr and ParseAnd where words side by side mean OR.
   MaybeQuery ParseQuestion() {
+    const bool freely = default_operator_ == DefaultOperator::kOrOfQuestion;
     std::vector<Query> wanted;
     std::vector<Query> excluded;
     do {
       const bool after_or = Take(Kind::kOr);
+      const bool is_lone_word = freely && IsLoneWord();
       MaybeQuery part = ParseAnd();
+      if (is_lone_word && part) {
+        for (Query& word : Apart(std::move(*part))) wanted.push_back(std::move(word));
+        continue;
+      }
       const bool excludes = part && part->kind == Query::Kind::kNot && !after_or;
       AppendIfAny(std::move(part), excludes ? &excluded : &wanted);
     } while (StartsPart() || Next().kind == Kind::kOr);
     std::vector<Query> operands;
-    AppendIfAny(Combined(Query::Kind::kOr, AsQuestion(std::move(wanted))), &operands);
+    AppendIfAny(Combined(Query::Kind::kOr, AsQuestion(std::move(wanted), freely)), &operands);
     for (Query& query : excluded) operands.push_back(std::move(query));
     return Combined(Query::Kind::kAnd, std::move(operands));
   }
@@ -148,7 +195,7 @@ class Parser {
     do {
       AppendIfAny(ParseNear(), &operands);
       if (Next().kind == Kind::kAnd) is_question = false;
-    } while (Take(Kind::kAnd) || (default_operator_ != DefaultOperator::kOr && StartsPart()));
+    } while (Take(Kind::kAnd) || (!means_or_ && StartsPart()));
     if (is_question) operands = WithoutStopWords(std::move(operands));
     return Combined(Query::Kind::kAnd, std::move(operands));
   }
@@ -214,6 +261,14 @@ class Parser {
     return query;
   }
 
+  // Returns whether a word comes next, and no operator of ParseAnd() or ParseNear() after it.
+  bool IsLoneWord() {
+    if (Next().kind != Kind::kWord) return false;
+    std::size_t after = next_ + 1;
+    while (left_out_[after]) ++after;
+    return tokens_[after].kind != Kind::kAnd && tokens_[after].kind != Kind::kNear;
+  }
+
   const Token& Next() {
     while (left_out_[next_]) ++next_;
     return tokens_[next_];
@@ -233,6 +288,7 @@ class Parser {
 
   std::vector<Token> tokens_;
   const DefaultOperator default_operator_;
+  const bool means_or_;  // words side by side mean OR
   const QuotesMean quotes_;
   std::vector<bool> left_out_;  // the closing partners of parentheses that were left out
   std::size_t next_ = 0;
@@ -244,6 +300,22 @@ class Parser {
 std::optional<Query> ParseQuery(std::string_view text, DefaultOperator default_operator,
                                 QuotesMean quotes) {
   return Parser(TokensOf(text), default_operator, quotes).ParseOr();
+}
+
+bool IsQuestion(std::string_view text) {
+  std::set<std::string> others;
+  bool has_stop_words = false;
+  for (const Token& token : TokensOf(text)) {
+    if (IsOperator(token)) return false;
+    for (Query& word : WordsIn(token.text)) {
+      if (IsStop(word)) {
+        has_stop_words = true;
+      } else {
+        others.insert(std::move(word.word));
+      }
+    }
+  }
+  return has_stop_words && others.size() >= kMinQuestionWords;
 }
 
 }  // namespace kestan::search

@@ -17,6 +17,7 @@ enum class DefaultOperator {
   kAnd,            // documents must hold all of them
   kAndOfQuestion,  // the same, for a question in plain words: stop words are left out
   kOr,             // documents must hold any of them, as for a question in plain words
+  kOrOfQuestion,   // the same, and more freely read
 };
 
 // Parses `text`, whatever it holds:
@@ -38,12 +39,20 @@ enum class DefaultOperator {
 // With kOr, words side by side mean OR, and NOT beside them excludes documents. Among the words so
 // joined, stop words are left out unless all are, and words in lower case become kInflections.
 //
+// With kOrOfQuestion also, words that punctuation joins (two-dimensional) are words side by side,
+// words that people ask with (using, anyone, e.g.) are stop words, and a capital that begins a word
+// is read as a small letter.
+//
 // With kAndOfQuestion, stop words side by side with others are left out, unless all are stop words.
 //
 //   Returns  nothing if no letters are left.
 std::optional<Query> ParseQuery(std::string_view text,
                                 DefaultOperator default_operator = DefaultOperator::kAnd,
                                 QuotesMean quotes = QuotesMean::kNear);
+
+// Returns whether `text` is a question in plain words: no operators, stop words among its words,
+// and at least four different others.
+bool IsQuestion(std::string_view text);
 
 }  // namespace kestan::search
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 
 #include "search/text/letters.h"
 
@@ -31,6 +32,19 @@ constexpr std::array<std::string_view, 166> kEnglish = {  // in order of their b
     "whose",   "why",     "will",    "with",       "within", "without", "wont",    "would",
     "wouldnt", "yet",     "you",     "your",       "yours",  "yourself"};
 
+constexpr std::array<std::string_view, 10> kAskedWith = {  // in order of their bytes
+    "anyone", "concerning", "etc", "made", "make", "per", "regarding", "use", "used", "using"};
+
+// Returns whether `word` is in `list`. With a capital after its first letter it is a name.
+template <std::size_t kCount>
+bool Holds(const std::array<std::string_view, kCount>& list, std::string_view word) {
+  if (word.empty() || std::any_of(word.begin() + 1, word.end(), [](char c) { return c < 'a'; })) {
+    return false;
+  }
+  const std::string folded = LowerCase(word);
+  return std::binary_search(list.begin(), list.end(), std::string_view(folded));
+}
+
 }  // namespace
 
 std::string EnglishStopWords() {
@@ -39,12 +53,8 @@ std::string EnglishStopWords() {
   return words;
 }
 
-bool IsStopWord(std::string_view word) {
-  if (word.empty() || std::any_of(word.begin() + 1, word.end(), [](char c) { return c < 'a'; })) {
-    return false;
-  }
-  const std::string folded = LowerCase(word);
-  return std::binary_search(kEnglish.begin(), kEnglish.end(), std::string_view(folded));
-}
+bool IsStopWord(std::string_view word) { return Holds(kEnglish, word); }
+
+bool IsAskedWith(std::string_view word) { return Holds(kAskedWith, word); }
 
 }  // namespace kestan::search

@@ -15,6 +15,10 @@ std::string EnglishStopWords();
 // more capitals (IT, US) it is a name.
 bool IsStopWord(std::string_view word);
 
+// Returns whether `word` is another one that questions are put in and that says nothing of what is
+// asked for: anyone, using, regarding. The first letter may be a capital.
+bool IsAskedWith(std::string_view word);
+
 }  // namespace kestan::search
 
 #endif  // KESTAN_SEARCH_TEXT_STOP_WORDS_H_

@@ -381,5 +381,43 @@ TEST(QueryParserTest, AnOperatorKeepsStopWords) {
   EXPECT_EQ(AllOf("the NEAR/2 flow"), "(near the 2:flow)");
 }
 
+std::string Freely(const std::string& text) { return Parsed(text, DefaultOperator::kOrOfQuestion); }
+
+TEST(QueryParserTest, AFreelyReadQuestionTakesJoinedWordsApart) {
+  EXPECT_EQ(Freely("wind-tunnel flow"), Freely("wind tunnel flow"));
+  EXPECT_EQ(Freely("flow -wind-tunnel"), "(and (inflections flow) (not (near wind 1:tunnel)))");
+  EXPECT_EQ(Freely("a-b AND flow"), "(and (near a 1:b) flow)");
+  EXPECT_EQ(Freely("(wind-tunnel) flow"), Freely("(wind tunnel) flow"));
+  EXPECT_EQ(Freely("\"wind tunnel\" flow"), "(or (near wind 1:tunnel) (inflections flow))");
+}
+
+TEST(QueryParserTest, AFreelyReadQuestionFoldsACapitalThatBeginsAWord) {
+  EXPECT_EQ(Freely("Flow of MEDLARS"), "(or (inflections flow) MEDLARS)");
+}
+
+TEST(QueryParserTest, AFreelyReadQuestionLeavesOutWhatIsAskedWith) {
+  EXPECT_EQ(Freely("has anyone made flow using air, e.g. etc."),
+            "(or (inflections flow) (inflections air))");
+  EXPECT_EQ(Freely("using i.e."), "(or (inflections using) (near i 1:e))");
+}
+
+TEST(IsQuestionTest, QuestionsHaveStopWordsAndFourOthers) {
+  EXPECT_TRUE(IsQuestion("what is the flow in a boundary layer over a wing?"));
+  EXPECT_TRUE(IsQuestion("flow (boundary layer) of a \"wing\""));
+  EXPECT_FALSE(IsQuestion("flow boundary layer wing"));
+  EXPECT_FALSE(IsQuestion("the flow over a wing in the flow"));
+  EXPECT_FALSE(IsQuestion("what is the flow over a wing and a wing and a layer"));
+  EXPECT_FALSE(IsQuestion(""));
+}
+
+TEST(IsQuestionTest, OperatorsMakeNoQuestion) {
+  EXPECT_TRUE(IsQuestion("the a b c flow layer wing"));
+  for (const char* text : {"the flow AND sand layer wing", "the flow OR sand layer wing",
+                           "the flow NEAR/2 sand layer wing", "the flow sand layer -wing",
+                           "the flow sand layer wing*", "the flow sand layer wing~"}) {
+    EXPECT_FALSE(IsQuestion(text)) << text;
+  }
+}
+
 }  // namespace
 }  // namespace kestan::search

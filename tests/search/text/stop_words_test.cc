@@ -32,5 +32,15 @@ TEST(StopWordsTest, AllOfTheListAreKnown) {
   for (const std::string& word : words) EXPECT_TRUE(IsStopWord(word)) << word;
 }
 
+TEST(StopWordsTest, WordsThatQuestionsArePutInAreNoStopWordsOtherwise) {
+  for (const char* word : {"anyone", "Using", "used", "per", "etc"}) {
+    EXPECT_TRUE(IsAskedWith(word)) << word;
+    EXPECT_FALSE(IsStopWord(word)) << word;
+  }
+  EXPECT_FALSE(IsAskedWith("the"));
+  EXPECT_FALSE(IsAskedWith("PER"));
+  EXPECT_FALSE(IsAskedWith(""));
+}
+
 }  // namespace
 }  // namespace kestan::search
