@@ -7,17 +7,14 @@
 #include <utility>
 
 #include "search/index/opened_index.h"
+#include "search/index/question.h"
 #include "search/matching/vocabulary.h"
-#include "search/query/clauses.h"
-#include "search/query/query_parser.h"
 #include "search/ranking/ranked_search.h"
 #include "search/segment/snapshot.h"
 #include "search/snippet/snippet.h"
 
 namespace kestan::search {
 namespace {
-
-constexpr std::size_t kMaxSuggestedFor = 10;  // words of a query
 
 Status OutOfMemory() { return {StatusCode::kOutOfMemory, "out of memory"}; }
 
@@ -28,24 +25,6 @@ auto WithinMemory(const Work& work) -> decltype(work()) {
     return work();
   } catch (const std::bad_alloc&) {
     return OutOfMemory();
-  }
-}
-
-// A query as it was read, and what it found.
-struct Answer {
-  Query query;
-  RankedDocuments found;
-  std::vector<std::string> notes;
-};
-
-DefaultOperator OperatorOf(WordsMean words) {
-  switch (words) {
-    case WordsMean::kAll:
-      return DefaultOperator::kAnd;
-    case WordsMean::kAny:
-      return DefaultOperator::kOr;
-    default:
-      return DefaultOperator::kAndOfQuestion;
   }
 }
 
@@ -86,40 +65,25 @@ class IndexReader::Impl {
 
   Result<SearchResults> Search(std::string_view query, const SearchOptions& options) const {
     SearchResults results;
-    auto answer = Ask(query, options);
+    auto answer = Ask(query, snapshot_, options);
     if (!answer.ok()) return answer.status();
     results.notes = std::move(answer->notes);
+    results.suggestions = std::move(answer->suggestions);
     results.total = answer->found.total;
     results.matched_terms = std::move(answer->found.terms);
     const Status status = ListHits(answer->found.best, &results.hits);
     if (!status.ok()) return status;
-    auto suggestions = Suggest(answer->query);
-    if (!suggestions.ok()) return suggestions.status();
-    results.suggestions = std::move(*suggestions);
     return results;
   }
 
   Status ForEachMatch(std::string_view query, const SearchOptions& options,
                       const std::function<bool(const Match&)>& visit) const {
-    const auto find_with = [&](DefaultOperator words) {
-      const auto parsed = ParseQuery(query, words, QuotesMean::kPhrase);
-      return parsed ? ScoredSearch(*parsed, snapshot_, options) : std::vector<RankedDocument>();
-    };
-    auto found = find_with(OperatorOf(options.words));
-    if (found.ok() && found->empty() && options.words == WordsMean::kBest) {
-      found = find_with(DefaultOperator::kOr);
-    }
+    const auto found = AllAnswers(query, snapshot_, options);
     return found.ok() ? VisitMatches(*found, visit) : found.status();
   }
 
   Result<std::uint64_t> Count(std::string_view query, const SearchOptions& options) const {
-    const auto count_with = [&](DefaultOperator words) -> Result<std::uint64_t> {
-      const auto parsed = ParseQuery(query, words, QuotesMean::kPhrase);
-      return parsed ? CountMatches(*parsed, snapshot_) : std::uint64_t{0};
-    };
-    auto count = count_with(OperatorOf(options.words));
-    if (!count.ok() || *count > 0 || options.words != WordsMean::kBest) return count;
-    return count_with(DefaultOperator::kOr);
+    return CountAnswers(query, snapshot_, options.words);
   }
 
   Result<std::vector<TermInfo>> Terms(std::string_view prefix, std::size_t limit) const {
@@ -191,32 +155,6 @@ class IndexReader::Impl {
     }
   }
 
-  // Answers `text`; where all words are wanted and no document has them, with those that have some.
-  Result<Answer> Ask(std::string_view text, const SearchOptions& options) const {
-    auto answer = Ask(text, OperatorOf(options.words), options);
-    if (!answer.ok() || answer->found.total > 0 || options.words != WordsMean::kBest) return answer;
-    auto some = Ask(text, DefaultOperator::kOr, options);
-    if (some.ok() && some->found.total > 0) {
-      some->notes.emplace_back("no document has all of these words; these have some of them");
-    }
-    return some;
-  }
-
-  Result<Answer> Ask(std::string_view text, DefaultOperator words,
-                     const SearchOptions& options) const {
-    Answer answer;
-    auto query = ParseQuery(text, words, QuotesMean::kPhrase);
-    if (!query) {
-      answer.notes.emplace_back("the query holds no letters to search for");
-      return answer;
-    }
-    auto found = RankedSearch(*query, snapshot_, options);
-    if (!found.ok()) return found.status();
-    answer.query = std::move(*query);
-    answer.found = std::move(*found);
-    return answer;
-  }
-
   // No document has an empty name, but what is damaged has.
   Status VisitMatches(const std::vector<RankedDocument>& found,
                       const std::function<bool(const Match&)>& visit) const {
@@ -245,26 +183,6 @@ class IndexReader::Impl {
       if (Status status = segment.status(); !status.ok()) return status;
     }
     return {};
-  }
-
-  Result<std::vector<std::string>> Suggest(const Query& query) const {
-    std::vector<std::string> suggestions;
-    std::size_t missing = 0;
-    for (const std::string& word : WordsOf(query)) {
-      if (missing == kMaxSuggestedFor) break;
-      const auto documents = LivingDocumentsWith(snapshot_, word);
-      if (!documents.ok()) return documents.status();
-      if (*documents > 0) continue;
-      ++missing;
-      auto found = SuggestionsFor(snapshot_, word);
-      if (!found.ok()) return found.status();
-      for (std::string& suggestion : *found) {
-        const auto end = suggestions.end();
-        if (std::find(suggestions.begin(), end, suggestion) != end) continue;
-        suggestions.push_back(std::move(suggestion));
-      }
-    }
-    return suggestions;
   }
 
   static Result<DocumentInfo> InfoOf(const Segment& segment, Code code) {

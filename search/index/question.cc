@@ -1,0 +1,173 @@
+#include "search/index/question.h"
+
+#include <algorithm>
+#include <optional>
+#include <set>
+#include <utility>
+
+#include "search/index/missing_words.h"
+#include "search/query/query_parser.h"
+
+namespace kestan::search {
+namespace {
+
+using MaybeQuery = std::optional<Query>;
+
+DefaultOperator OperatorOf(WordsMean words) {
+  switch (words) {
+    case WordsMean::kAll:
+      return DefaultOperator::kAnd;
+    case WordsMean::kAny:
+      return DefaultOperator::kOr;
+    default:
+      return DefaultOperator::kAndOfQuestion;
+  }
+}
+
+MaybeQuery Parsed(std::string_view text, DefaultOperator words) {
+  return ParseQuery(text, words, QuotesMean::kPhrase);
+}
+
+// The query for documents that hold some of the words of `text`.
+MaybeQuery ParsedForSome(std::string_view text) {
+  return Parsed(text, IsQuestion(text) ? DefaultOperator::kOrOfQuestion : DefaultOperator::kOr);
+}
+
+// The query for what `some` finds and `all` does not.
+Query Without(Query some, Query all) {
+  Query excluded;
+  excluded.kind = Query::Kind::kNot;
+  excluded.operands.push_back(std::move(all));
+  Query rest;
+  rest.kind = Query::Kind::kAnd;
+  rest.operands.push_back(std::move(some));
+  rest.operands.push_back(std::move(excluded));
+  return rest;
+}
+
+// Puts `last`, whose best score is `best`, after `first`, whose scores are raised above it.
+void AppendRaised(const std::vector<RankedDocument>& last, double best,
+                  std::vector<RankedDocument>* first) {
+  for (RankedDocument& document : *first) document.score += best;
+  first->insert(first->end(), last.begin(), last.end());
+}
+
+// Puts `last` after `first`, whose scores are raised above those of `last`.
+void Append(RankedDocuments last, std::size_t limit, RankedDocuments* first) {
+  AppendRaised(last.best, last.best.empty() ? 0 : last.best.front().score, &first->best);
+  if (limit > 0 && first->best.size() > limit) first->best.resize(limit);
+  first->total += last.total;
+  std::set<std::string> terms(first->terms.begin(), first->terms.end());
+  terms.insert(last.terms.begin(), last.terms.end());
+  first->terms.assign(terms.begin(), terms.end());
+}
+
+std::string HowManyHaveAll(std::uint64_t documents) {
+  if (documents == 1) return "1 document has all of these words; those after it have some of them";
+  return std::to_string(documents) +
+         " documents have all of these words; those after them have some of them";
+}
+
+// Says of each word that no document has that it is so, where others were found.
+Status NameMissingWords(const Query& query, const Snapshot& snapshot, Answer* answer) {
+  auto missing = MissingWords(query, snapshot);
+  if (!missing.ok()) return missing.status();
+  for (const MissingWord& word : *missing) {
+    if (answer->found.total > 0) answer->notes.push_back(NoteOn(word));
+    for (const std::string& suggestion : word.suggestions) {
+      auto& known = answer->suggestions;
+      if (std::find(known.begin(), known.end(), suggestion) == known.end()) {
+        known.push_back(suggestion);
+      }
+    }
+  }
+  return {};
+}
+
+// One query, put to a snapshot in one way after the other.
+class Question {
+ public:
+  Question(std::string_view text, const Snapshot& snapshot, const SearchOptions& options)
+      : text_(text), snapshot_(snapshot), options_(options) {}
+
+  Result<Answer> Ask() {
+    query_ = Parsed(text_, OperatorOf(options_.words));
+    if (!query_) {
+      answer_.notes.emplace_back("the query holds no letters to search for");
+      return std::move(answer_);
+    }
+    Status status = Find(*query_);
+    if (status.ok() && options_.words == WordsMean::kBest) status = FindSome();
+    if (status.ok()) status = NameMissingWords(*query_, snapshot_, &answer_);
+    if (!status.ok()) return status;
+    return std::move(answer_);
+  }
+
+ private:
+  Status Find(const Query& query) {
+    auto found = RankedSearch(query, snapshot_, options_);
+    if (!found.ok()) return found.status();
+    Append(std::move(*found), options_.limit, &answer_.found);
+    return {};
+  }
+
+  // Goes on with the documents that hold some of the words, where they answer too.
+  Status FindSome() {
+    const std::uint64_t have_all = answer_.found.total;
+    if (have_all > 0 && !IsQuestion(text_)) return {};
+    Query all = std::move(*query_);
+    query_ = ParsedForSome(text_);
+    if (*query_ == all) return {};
+    Status status = Find(have_all > 0 ? Without(*query_, std::move(all)) : *query_);
+    if (!status.ok() || answer_.found.total == have_all) return status;
+    answer_.notes.push_back(have_all > 0
+                                ? HowManyHaveAll(have_all)
+                                : "no document has all of these words; these have some of them");
+    return {};
+  }
+
+  const std::string_view text_;
+  const Snapshot& snapshot_;
+  const SearchOptions& options_;
+  MaybeQuery query_;
+  Answer answer_;
+};
+
+}  // namespace
+
+Result<Answer> Ask(std::string_view text, const Snapshot& snapshot, const SearchOptions& options) {
+  return Question(text, snapshot, options).Ask();
+}
+
+Result<std::vector<RankedDocument>> AllAnswers(std::string_view text, const Snapshot& snapshot,
+                                               const SearchOptions& options) {
+  const MaybeQuery all = Parsed(text, OperatorOf(options.words));
+  if (!all) return std::vector<RankedDocument>();
+  auto found = ScoredSearch(*all, snapshot, options);
+  const bool are_enough = found.ok() && !found->empty() && !IsQuestion(text);
+  if (!found.ok() || are_enough || options.words != WordsMean::kBest) return found;
+  const MaybeQuery some = ParsedForSome(text);
+  if (*some == *all) return found;
+  const auto rest = ScoredSearch(found->empty() ? *some : Without(*some, *all), snapshot, options);
+  if (!rest.ok()) return rest.status();
+  double best = 0;
+  for (const RankedDocument& document : *rest) best = std::max(best, document.score);
+  AppendRaised(*rest, best, &*found);
+  return found;
+}
+
+Result<std::uint64_t> CountAnswers(std::string_view text, const Snapshot& snapshot,
+                                   WordsMean words) {
+  const MaybeQuery query = Parsed(text, OperatorOf(words));
+  if (!query) return std::uint64_t{0};
+  auto have_all = CountMatches(*query, snapshot);
+  const bool are_enough = have_all.ok() && *have_all > 0 && !IsQuestion(text);
+  if (!have_all.ok() || are_enough || words != WordsMean::kBest) return have_all;
+  const MaybeQuery some = ParsedForSome(text);
+  if (*have_all == 0) return CountMatches(*some, snapshot);
+  auto rest = CountMatches(Without(*some, *query), snapshot);
+  if (rest.ok()) *rest += *have_all;
+  return rest;
+}
+
+}  // namespace kestan::search

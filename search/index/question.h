@@ -1,0 +1,46 @@
+// Putting a query to a snapshot: what words side by side mean, and what is said about it.
+#ifndef KESTAN_SEARCH_INDEX_QUESTION_H_
+#define KESTAN_SEARCH_INDEX_QUESTION_H_
+
+#include <kestan/search/index_reader.h>
+#include <kestan/search/status.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "search/ranking/ranked_search.h"
+#include "search/segment/snapshot.h"
+
+namespace kestan::search {
+
+// What a query found.
+struct Answer {
+  RankedDocuments found;
+  std::vector<std::string> notes;        // as in SearchResults
+  std::vector<std::string> suggestions;  // as in SearchResults
+};
+
+// Answers `text` as `options.words` says. With kBest, documents that hold all words answer; if
+// there are none, those that hold some. The more words a question has, the fewer documents hold
+// them all, and by chance rather than because they answer it. So a question in plain words
+// (IsQuestion()) is answered by both: first the documents that hold all words, then those that hold
+// some, and a note says how many hold all. Stop words of a query count only where it has no others.
+//   Returns  kDamaged.
+Result<Answer> Ask(std::string_view text, const Snapshot& snapshot, const SearchOptions& options);
+
+// Returns all documents that answer `text`, in no order, with the scores that Ask() gives them
+// without a limit. `options.limit` counts for nothing.
+//   Returns  kDamaged.
+Result<std::vector<RankedDocument>> AllAnswers(std::string_view text, const Snapshot& snapshot,
+                                               const SearchOptions& options);
+
+// Returns how many documents answer `text`.
+//   Returns  kDamaged.
+Result<std::uint64_t> CountAnswers(std::string_view text, const Snapshot& snapshot,
+                                   WordsMean words);
+
+}  // namespace kestan::search
+
+#endif  // KESTAN_SEARCH_INDEX_QUESTION_H_
