@@ -4,10 +4,9 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <filesystem>
-#include <system_error>
 
 #include "search/files/descriptor.h"
+#include "search/files/folder_names.h"
 #include "search/files/output_file.h"
 #include "search/index/merging/merger.h"
 
@@ -42,12 +41,10 @@ Status MakeFolder(const std::string& folder, bool sync) {
 // An index whose manifest was lost looks like a folder to make one in, and so does a folder that
 // was meant for something else.
 Status CheckHoldsNothing(const std::string& folder) {
-  const std::string begun =
-      std::filesystem::path(ManifestPath(folder)).filename().string() + ".new";
-  std::error_code error;
-  for (std::filesystem::directory_iterator file(folder, error), end; !error && file != end;
-       file.increment(error)) {
-    const std::string name = file->path().filename().string();
+  const std::string begun = ManifestPath(folder).substr(folder.size() + 1) + ".new";
+  const Result<std::vector<std::string>> names = NamesIn(folder);
+  if (!names.ok()) return names.status();
+  for (const std::string& name : *names) {
     if (IsSegmentFileName(name)) {
       return {StatusCode::kDamaged, "it is missing, but there are segments of an index",
               ManifestPath(folder)};
@@ -56,7 +53,6 @@ Status CheckHoldsNothing(const std::string& folder) {
       return {StatusCode::kInvalidArgument, "the folder holds other files and no index", folder};
     }
   }
-  if (error) return {StatusCode::kSystem, error.message(), folder};
   return {};
 }
 

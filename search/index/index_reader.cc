@@ -212,7 +212,7 @@ IndexReader& IndexReader::operator=(IndexReader&& other) noexcept = default;
 IndexReader::~IndexReader() = default;
 
 Result<IndexReader> IndexReader::Open(const std::string& path) {
-  return Open(std::vector<std::string>{path});
+  return WithinMemory([&] { return Open(std::vector<std::string>{path}); });
 }
 
 Result<IndexReader> IndexReader::Open(const std::vector<std::string>& paths) {

@@ -67,10 +67,7 @@ class IndexWriter::Impl {
     policy_.factor = options_.merge_factor;
   }
 
-  ~Impl() {
-    pending_.Clear();
-    index_->RemoveFilesOfChanges();
-  }
+  ~Impl() { RemoveChanges(); }
 
   // Calls `action`, unless an earlier error stands in the way. An exception is such an error.
   template <typename Action>
@@ -84,9 +81,9 @@ class IndexWriter::Impl {
     try {
       return action();
     } catch (const std::bad_alloc&) {
-      return Fail({StatusCode::kOutOfMemory, "out of memory", index_->folder()});
+      return FailOutOfMemory();
     } catch (const std::exception& error) {
-      return Fail({StatusCode::kSystem, error.what(), index_->folder()});
+      return FailOf(error);
     }
   }
 
@@ -184,9 +181,34 @@ class IndexWriter::Impl {
   // Keeps the error: what is pending is lost, and nothing else can be done before Rollback().
   Status Fail(Status status) {
     failed_ = std::move(status);
-    pending_.Clear();
-    index_->RemoveFilesOfChanges();
+    RemoveChanges();
     return failed_;
+  }
+
+  // The same where there may be no memory at all, not even for the name of the folder.
+  Status FailOutOfMemory() {
+    failed_ = Status(StatusCode::kOutOfMemory, "out of memory");
+    RemoveChanges();
+    return failed_;
+  }
+
+  Status FailOf(const std::exception& error) {
+    try {
+      return Fail({StatusCode::kSystem, error.what(), index_->folder()});
+    } catch (const std::bad_alloc&) {
+      return FailOutOfMemory();
+    }
+  }
+
+  // Removes what is not committed. What stays for lack of memory is removed when the index is
+  // opened the next time.
+  void RemoveChanges() noexcept {
+    pending_.Clear();
+    try {
+      index_->RemoveFilesOfChanges();
+    } catch (const std::exception&) {
+      return;
+    }
   }
 
   Status RemoveIfThere(std::string_view name) {
@@ -284,9 +306,9 @@ Result<IndexWriter> IndexWriter::Open(const std::string& path, WriterOptions opt
     if (!index.ok()) return index.status();
     return IndexWriter(std::make_unique<Impl>(std::move(*index), std::move(options)));
   } catch (const std::bad_alloc&) {
-    return Status(StatusCode::kOutOfMemory, "out of memory", path);
+    return Status(StatusCode::kOutOfMemory, "out of memory");  // not even for the path
   } catch (const std::exception& error) {
-    return Status(StatusCode::kSystem, error.what(), path);
+    return Status(StatusCode::kSystem, error.what());
   }
 }
 

@@ -4,12 +4,12 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <filesystem>
 #include <set>
 #include <system_error>
 #include <utility>
 #include <vector>
 
+#include "search/files/folder_names.h"
 #include "search/files/output_file.h"
 
 namespace kestan::search {
@@ -35,15 +35,11 @@ std::set<std::string> NamedFiles(const Manifest& manifest) {
 
 // Returns the names of the files in `folder` that are named like those of segments.
 Result<std::vector<std::string>> SegmentFilesIn(const std::string& folder) {
-  std::error_code error;
-  std::vector<std::string> names;
-  for (std::filesystem::directory_iterator file(folder, error), end; !error && file != end;
-       file.increment(error)) {
-    std::string name = file->path().filename().string();
-    if (IsSegmentFileName(name)) names.push_back(std::move(name));
-  }
-  if (error) return Status(StatusCode::kSystem, error.message(), folder);
-  std::sort(names.begin(), names.end());
+  Result<std::vector<std::string>> names = NamesIn(folder);
+  if (!names.ok()) return names.status();
+  names->erase(std::remove_if(names->begin(), names->end(),
+                              [](const std::string& name) { return !IsSegmentFileName(name); }),
+               names->end());
   return names;
 }
 

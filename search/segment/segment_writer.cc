@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <new>
 
 namespace kestan::search {
 namespace {
@@ -52,9 +53,13 @@ Status SegmentWriter::Create(const std::string& folder, std::uint64_t number, bo
 // The dictionary and the table remove their own files until they are finished.
 SegmentWriter::~SegmentWriter() {
   if (!is_open_) return;
-  unlink(Path(SegmentFile(info_)).c_str());
-  if (info_.terms.bytes != 0) unlink(Path(TermsFile(info_)).c_str());
-  if (info_.table.bytes != 0) unlink(Path(TableFile(info_)).c_str());
+  try {
+    unlink(Path(SegmentFile(info_)).c_str());
+    if (info_.terms.bytes != 0) unlink(Path(TermsFile(info_)).c_str());
+    if (info_.table.bytes != 0) unlink(Path(TableFile(info_)).c_str());
+  } catch (const std::bad_alloc&) {
+    return;  // the next writer removes what stays
+  }
 }
 
 void SegmentWriter::AddDocument(const SegmentDocument& document) {

@@ -88,13 +88,32 @@ std::vector<Function> InterruptedWriter::Calls() const {
   return {log->functions.begin(), log->functions.begin() + static_cast<std::ptrdiff_t>(log->count)};
 }
 
+void InterruptedWriter::Work(Transcript* transcript) const {
+  auto writer = OpenMergingWriter(work_);
+  const Status status = writer.ok() ? CommitAndCompact(&*writer, transcript) : writer.status();
+  if (!status.ok()) transcript->Add("refused", status.ToString());
+}
+
+void InterruptedWriter::WorkAndRecover(bool* is_over, Transcript* transcript) const {
+  auto writer = OpenMergingWriter(work_);
+  Status status = writer.ok() ? CommitAndCompact(&*writer, transcript) : writer.status();
+  if (!status.ok()) transcript->Add("refused", status.ToString());
+  *is_over = true;
+  if (!writer.ok()) {
+    writer = OpenMergingWriter(work_);
+    status = writer.ok() ? AddLater(&*writer) : writer.status();
+  } else {
+    if (status.ok()) status = AddLater(&*writer);
+    if (!status.ok()) status = Recover(&*writer);  // the fault may have come as late as that
+  }
+  transcript->Add(status.ok() ? "later" : "not later", status.ToString());
+}
+
 Outcome InterruptedWriter::Run(const CallRule& rule) const {
   CopyIndex();
   return RunInChild([&](Transcript* transcript) {
     WatchCalls(work_, rule);
-    auto writer = OpenMergingWriter(work_);
-    const Status status = writer.ok() ? CommitAndCompact(&*writer, transcript) : writer.status();
-    if (!status.ok()) transcript->Add("refused", status.ToString());
+    Work(transcript);
   });
 }
 
@@ -103,18 +122,7 @@ Outcome InterruptedWriter::RunAndRecover(const CallRule& rule,
   CopyIndex();
   return RunInChild([&](Transcript* transcript) {
     WatchCalls(work_, rule);
-    auto writer = OpenMergingWriter(work_);
-    Status status = writer.ok() ? CommitAndCompact(&*writer, transcript) : writer.status();
-    if (!status.ok()) transcript->Add("refused", status.ToString());
-    *is_over = true;
-    if (!writer.ok()) {
-      writer = OpenMergingWriter(work_);
-      status = writer.ok() ? AddLater(&*writer) : writer.status();
-    } else {
-      if (status.ok()) status = AddLater(&*writer);
-      if (!status.ok()) status = Recover(&*writer);  // the fault may have come as late as that
-    }
-    transcript->Add(status.ok() ? "later" : "not later", status.ToString());
+    WorkAndRecover(is_over.get(), transcript);
   });
 }
 

@@ -22,6 +22,15 @@ class InterruptedWriter {
   const kestan_tests::ReadDocuments& before() const { return before_; }
   const kestan_tests::ReadDocuments& after() const { return after_; }
 
+  // Makes a copy of the index for the next trial, as Run() does.
+  void CopyIndex() const;
+
+  // Does the work on the copy, in this process. See Run().
+  void Work(Transcript* transcript) const;
+
+  // The same; after an error, sets `*is_over`, rolls back and adds the document "later".
+  void WorkAndRecover(bool* is_over, Transcript* transcript) const;
+
   // Returns the functions that the writer calls, one for each call, in their order.
   std::vector<Function> Calls() const;
 
@@ -39,8 +48,6 @@ class InterruptedWriter {
   bool Check(bool is_committed, bool with_later) const;
 
  private:
-  void CopyIndex() const;
-
   const std::string original_;
   const std::string work_;
   kestan_tests::ReadDocuments before_;
