@@ -14,6 +14,8 @@ constexpr std::size_t kDocumentBytes = 256;     // of memory, beside its texts
 constexpr std::size_t kNameBytes = 96;          // of memory, beside the name itself
 constexpr std::size_t kBatchesOfThread = 4;     // waiting, being cleaned, and copies of it
 constexpr std::size_t kLeastMemory = 1U << 20;  // of a thread
+constexpr std::size_t kThreadBytes = 3U
+                                     << 18;  // of buffers and tables, however little it has to do
 
 std::size_t BatchBytes(const PendingDocuments::Settings& settings) {
   return std::clamp(settings.memory_budget / (std::size_t{16} * settings.threads), kLeastBatchBytes,
@@ -24,8 +26,8 @@ std::size_t BatchBytes(const PendingDocuments::Settings& settings) {
 std::size_t ThreadMemory(const PendingDocuments::Settings& settings, std::size_t batch_bytes) {
   constexpr std::size_t kMost = std::size_t{1} << 30;  // no segment is to have more postings
   const std::size_t share = settings.memory_budget / 8 * 7 / settings.threads;
-  const std::size_t batches = kBatchesOfThread * batch_bytes;
-  return std::clamp(share > batches ? share - batches : 0, kLeastMemory, kMost);
+  const std::size_t others = kBatchesOfThread * batch_bytes + kThreadBytes;
+  return std::clamp(share > others ? share - others : 0, kLeastMemory, kMost);
 }
 
 }  // namespace
