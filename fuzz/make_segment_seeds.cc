@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <string>
 
+#include "search/index/manifest.h"
 #include "search/segment/document_table.h"
 #include "search/segment/edits.h"
 #include "search/segment/term_dictionary.h"
@@ -15,6 +16,8 @@ using kestan::RecordPlace;
 using kestan::search::DocumentField;
 using kestan::search::DocumentTableWriter;
 using kestan::search::Edits;
+using kestan::search::Manifest;
+using kestan::search::SegmentInfo;
 using kestan::search::TermDictionaryWriter;
 
 // The first byte says whether checksums are put right.
@@ -61,6 +64,29 @@ Edits SomeEdits() {
   return edits;
 }
 
+std::string ManifestText(std::uint64_t segments) {
+  Manifest manifest;
+  manifest.generation = segments + 1;
+  manifest.next_segment = segments + 1;
+  manifest.with_positions = segments % 2 == 0;
+  if (segments > 0) manifest.properties = {{"key", "some value"}, {"other", "a \n\\ b"}};
+  for (std::uint64_t number = 1; number <= segments; ++number) {
+    SegmentInfo info;
+    info.number = number;
+    info.documents = 10;
+    info.segment = {1000 * number, 11};
+    info.terms = {200, 12};
+    info.table = {300, 13};
+    if (number % 2 == 0) {
+      info.edit_number = number;
+      info.removed = 3;
+      info.edits = {40, 14};
+    }
+    manifest.segments.push_back(info);
+  }
+  return manifest.Encode();
+}
+
 void WriteSeeds(const std::filesystem::path& folder) {
   const auto write = [&folder](const char* target, const std::string& name,
                                const std::string& bytes) {
@@ -75,6 +101,12 @@ void WriteSeeds(const std::filesystem::path& folder) {
     write("document_table", name + "_mended", kMended + Table(count));
   }
   write("document_table", "two_parts", kMended + Table(400));
+  for (const unsigned count : {0U, 1U, 4U}) {
+    const std::string name = std::to_string(count);
+    const std::string text = ManifestText(count);
+    write("manifest", name, kAsItIs + text);
+    write("manifest", name + "_mended", kMended + text.substr(0, text.rfind("checksum ")));
+  }
   const std::string edits = SomeEdits().Encode();
   write("segment_edits", "twenty", static_cast<char>(20 * 2) + edits);
   write("segment_edits", "twenty_mended",
