@@ -32,6 +32,10 @@ Document MakeDocument(const std::string& name, const std::string& text) {
   return document;
 }
 
+Document TryMakeDocument(const char* name, const char* text) {
+  return TryTwice([&] { return MakeDocument(name, text); });
+}
+
 std::string TextOf(const DocumentInfo& info) {
   return info.name + "|" + std::to_string(info.words) + "|" + info.title + "|" + info.summary +
          "|" + info.host_data + "\n";
@@ -136,9 +140,9 @@ Status ChangeIndex(IndexWriter* writer) {
   const auto keep = [&first](const Status& status) {
     if (first.ok()) first = status;
   };
-  keep(writer->Add(MakeDocument("a0", "common words in place of others")));
-  keep(writer->Add(MakeDocument("c0", "one more river")));
-  keep(writer->Add(MakeDocument("moved", "moved again")));
+  keep(writer->Add(TryMakeDocument("a0", "common words in place of others")));
+  keep(writer->Add(TryMakeDocument("c0", "one more river")));
+  keep(writer->Add(TryMakeDocument("moved", "moved again")));
   keep(writer->Remove("b1"));
   keep(writer->Rename("b2", "renamed"));
   keep(writer->Commit());

@@ -4,10 +4,22 @@
 
 #include <kestan/search.h>
 
+#include <new>
 #include <string>
 #include <vector>
 
 namespace kestan_faults {
+
+// Calls `work`, and again if it runs out of memory: for what a test does itself while one
+// allocation fails.
+template <typename Work>
+auto TryTwice(const Work& work) -> decltype(work()) {
+  try {
+    return work();
+  } catch (const std::bad_alloc&) {
+    return work();
+  }
+}
 
 // Makes an index in `folder`: two segments, the first with edits. Throws std::runtime_error if that
 // fails.

@@ -37,6 +37,10 @@ struct CallLog {
   std::array<Function, kMostCalls> functions;
 };
 
+void AddTo(Transcript* transcript, const char* what, const Status& status) {
+  transcript->Add(what, TryTwice([&status] { return status.ToString(); }));
+}
+
 Status CommitAndCompact(IndexWriter* writer, Transcript* transcript) {
   Status status = ChangeIndex(writer);
   if (!status.ok()) return status;
@@ -91,13 +95,13 @@ std::vector<Function> InterruptedWriter::Calls() const {
 void InterruptedWriter::Work(Transcript* transcript) const {
   auto writer = OpenMergingWriter(work_);
   const Status status = writer.ok() ? CommitAndCompact(&*writer, transcript) : writer.status();
-  if (!status.ok()) transcript->Add("refused", status.ToString());
+  if (!status.ok()) AddTo(transcript, "refused", status);
 }
 
 void InterruptedWriter::WorkAndRecover(bool* is_over, Transcript* transcript) const {
   auto writer = OpenMergingWriter(work_);
   Status status = writer.ok() ? CommitAndCompact(&*writer, transcript) : writer.status();
-  if (!status.ok()) transcript->Add("refused", status.ToString());
+  if (!status.ok()) AddTo(transcript, "refused", status);
   *is_over = true;
   if (!writer.ok()) {
     writer = OpenMergingWriter(work_);
@@ -106,7 +110,7 @@ void InterruptedWriter::WorkAndRecover(bool* is_over, Transcript* transcript) co
     if (status.ok()) status = AddLater(&*writer);
     if (!status.ok()) status = Recover(&*writer);  // the fault may have come as late as that
   }
-  transcript->Add(status.ok() ? "later" : "not later", status.ToString());
+  AddTo(transcript, status.ok() ? "later" : "not later", status);
 }
 
 Outcome InterruptedWriter::Run(const CallRule& rule) const {
