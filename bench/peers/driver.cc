@@ -2,6 +2,8 @@
 // calls it; each measurement is a process of its own.
 //
 //   index FOLDER CORPUS (words|as-is) EVERY      index; commit after EVERY documents, 0: at the end
+//   grow FOLDER CORPUS (words|as-is) EVERY       the same, printing the time of each step
+//   update FOLDER CORPUS (words|as-is) EVERY     add to an index that is there
 //   optimise FOLDER                              what makes a finished index smaller or faster
 //   query FOLDER QUERIES CORPUS ANSWERS PASSES   all queries, PASSES times, and once to keep
 //   cold FOLDER KIND FIRST [SECOND]              open, one query, its listing of all that match
@@ -45,29 +47,47 @@ class Indexer {
       const Stopwatch stopwatch;
       if (raw_) engine_.Clean(&text);
       engine_.Add(name, text);
-      if (every != 0 && added % every == 0) engine_.Commit();
-      elapsed = elapsed + stopwatch.Read();
+      const bool is_step = every != 0 && added % every == 0;
+      if (is_step) engine_.Commit();
+      const Elapsed needed = stopwatch.Read();
+      elapsed = elapsed + needed;
+      step = step + needed;
+      if (!is_step) continue;
+      if (prints_steps) Print("step", step);
+      step = {};
     }
   }
 
+  bool prints_steps = false;
   Elapsed elapsed;
+  Elapsed step;  // since the last commit
 
  private:
   Engine& engine_;
   const bool raw_;
 };
 
-void Index(Engine* engine, const std::string& folder, const std::string& corpus, bool raw,
-           unsigned every) {
+struct Indexing {
+  std::string folder;
+  std::string corpus;
+  bool raw = false;
+  unsigned every = 0;
+};
+
+void Index(Engine* engine, const std::string& task, const Indexing& indexing) {
+  const auto& [folder, corpus, raw, every] = indexing;
   const Stopwatch opening;
-  engine->Open(folder, every == 0 ? OpenMode::kCreateAtOnce : OpenMode::kCreateInSteps);
+  engine->Open(folder, task == "update" ? OpenMode::kUpdate
+                       : every == 0     ? OpenMode::kCreateAtOnce
+                                        : OpenMode::kCreateInSteps);
   const Elapsed opened = opening.Read();
   Indexer indexer(engine, raw);
+  indexer.prints_steps = task == "grow";
   indexer.AddAll(corpus, every);
   const Stopwatch closing;
   engine->Commit();
   engine->Close();
-  Print("index", opened + indexer.elapsed + closing.Read());
+  Print(task == "update" ? "update" : "index", opened + indexer.elapsed + closing.Read());
   Print("peak", PeakMemoryBytes());
   Print("size", FolderBytes(folder));
 }
@@ -165,9 +185,10 @@ int Run(const std::vector<std::string>& arguments) {
   const std::size_t count = arguments.size();
   if (task == "version") {
     std::printf("%s\n", engine->Version().c_str());
-  } else if (task == "index" && count == 5) {
-    Index(engine.get(), arguments[1], arguments[2], arguments[3] == "as-is",
-          static_cast<unsigned>(std::stoul(arguments[4])));
+  } else if ((task == "index" || task == "grow" || task == "update") && count == 5) {
+    Index(engine.get(), task,
+          {arguments[1], arguments[2], arguments[3] == "as-is",
+           static_cast<unsigned>(std::stoul(arguments[4]))});
   } else if (task == "optimise" && count == 2) {
     Optimise(engine.get(), arguments[1]);
   } else if (task == "query" && count == 6) {
