@@ -8,8 +8,10 @@
 namespace kestan::search {
 namespace {
 
-std::optional<Code> FindIn(const Segment& segment, const Edits& edits, std::string_view name) {
+std::optional<Code> FindIn(const Segment& segment, const Edits& edits, std::string_view name,
+                           NameFilter* filter) {
   if (const std::optional<Code> renamed = edits.FindRenamed(name)) return renamed;
+  if (!filter->MayHave(segment.table(), name)) return std::nullopt;
   const std::optional<Code> code = segment.table().Find(name);
   if (!code || edits.IsRemoved(*code)) return std::nullopt;
   const DocumentEdit* const edit = edits.EditOf(*code);
@@ -21,6 +23,7 @@ std::optional<Code> FindIn(const Segment& segment, const Edits& edits, std::stri
 
 Status ChangedSegments::Open(const std::string& folder, const Manifest& manifest) {
   std::vector<std::shared_ptr<const Segment>> segments;
+  std::vector<NameFilter> filters(manifest.segments.size());
   for (const SegmentInfo& info : manifest.segments) {
     const auto known = std::find_if(
         segments_.begin(), segments_.end(),
@@ -31,19 +34,25 @@ Status ChangedSegments::Open(const std::string& folder, const Manifest& manifest
       return {StatusCode::kDamaged, "a file of the index is missing", segment.status().file()};
     }
     if (!segment.ok()) return segment.status();
+    if (known != segments_.end()) {
+      filters[segments.size()] = filters_[static_cast<std::size_t>(known - segments_.begin())];
+    }
     segments.push_back(std::move(*segment));
   }
   folder_ = folder;
   with_positions_ = manifest.with_positions;
   segments_ = std::move(segments);
+  filters_ = std::move(filters);
   changes_.assign(segments_.size(), {});
   return {};
 }
 
-Result<std::optional<ChangedSegments::Place>> ChangedSegments::Find(std::string_view name) const {
+Result<std::optional<ChangedSegments::Place>> ChangedSegments::Find(std::string_view name) {
   std::optional<Place> place;
   for (std::size_t i = segments_.size(); i-- > 0 && !place;) {
-    if (const auto code = FindIn(*segments_[i], EditsOf(i), name)) place = Place{i, *code};
+    if (const auto code = FindIn(*segments_[i], EditsOf(i), name, &filters_[i])) {
+      place = Place{i, *code};
+    }
     Status status = segments_[i]->status();  // a name that is not read is not found
     if (!status.ok()) return status;
   }
@@ -68,6 +77,7 @@ Status ChangedSegments::Add(WrittenSegment written) {
   changes.is_new = true;
   if (!written.edits.empty()) changes.edits = std::move(written.edits);
   changes_.push_back(std::move(changes));
+  filters_.emplace_back();
   return {};
 }
 

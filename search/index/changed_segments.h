@@ -16,6 +16,7 @@
 
 #include "search/index/inverting/segment_maker.h"
 #include "search/index/manifest.h"
+#include "search/index/name_filter.h"
 #include "search/segment/segment.h"
 
 namespace kestan::search {
@@ -31,9 +32,9 @@ class ChangedSegments {
   // Opens the segments of `manifest` in `folder`, in place of those that were open.
   Status Open(const std::string& folder, const Manifest& manifest);
 
-  // Finds a living document, with one look-up a segment.
+  // Finds a living document, with one look-up a segment, most of them in a filter of its names.
   //   Returns  nothing if there is none; kDamaged where that cannot be known.
-  Result<std::optional<Place>> Find(std::string_view name) const;
+  Result<std::optional<Place>> Find(std::string_view name);
 
   // Each changes a document that Find() found.
   void Remove(Place place);
@@ -66,7 +67,8 @@ class ChangedSegments {
   std::string folder_;
   bool with_positions_ = true;
   std::vector<std::shared_ptr<const Segment>> segments_;
-  std::vector<Changes> changes_;  // of each segment
+  std::vector<Changes> changes_;     // of each segment
+  std::vector<NameFilter> filters_;  // of each segment
 };
 
 }  // namespace kestan::search
