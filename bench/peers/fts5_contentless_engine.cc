@@ -28,6 +28,8 @@ class Fts5ContentlessEngine : public SqliteEngine {
   void PrepareAdding() override {
     insert_name_ = Prepare("INSERT INTO names VALUES (?1, ?2)");
     insert_words_ = Prepare("INSERT INTO words (rowid, body) VALUES (?1, ?2)");
+    const Statement last = Prepare("SELECT coalesce(max(id), 0) FROM names");
+    if (sqlite3_step(last.get()) == SQLITE_ROW) last_row_ = sqlite3_column_int64(last.get(), 0);
   }
 
   void EndAdding() override {

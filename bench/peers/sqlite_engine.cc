@@ -42,10 +42,8 @@ void SqliteEngine::Open(const std::string& folder, OpenMode mode) {
   Execute("PRAGMA journal_mode = WAL");
   Execute("PRAGMA synchronous = OFF");
   Execute("PRAGMA locking_mode = EXCLUSIVE");
-  if (mode != OpenMode::kUpdate) {
-    CreateTables();
-    PrepareAdding();
-  }
+  if (mode != OpenMode::kUpdate) CreateTables();
+  PrepareAdding();
 }
 
 void SqliteEngine::BeginIfNeeded() {
