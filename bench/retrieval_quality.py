@@ -9,12 +9,16 @@ answers with what people judged to be relevant. Prints, for each collection and 
   P@10   how many of the first ten answers are relevant, on average
   ms     the time of one command, from its start to its end
 
-and ends with an error if any search fails. Questions without relevant documents are left out.
+and ends with an error if any search fails. Questions without relevant documents are left out. With
+--host, also asks the search library through quality_host, which is built with the other workloads:
+with its default settings, and the questions as they stand. Its ms are those of one search, without
+the start of a program.
 
 A collection is a folder with three files of lines, parted by tabs: docs.tsv (name, text),
 queries.tsv (number, question) and qrels.tsv (number, name, grade; below 1 is not relevant).
 
-Example: bench/retrieval_quality.py build/release/cli/kestan COLLECTION...
+Example: bench/retrieval_quality.py build/release/cli/kestan \\
+             --host build/release/bench/quality_host COLLECTION...
 """
 
 import argparse
@@ -101,8 +105,16 @@ def mean(numbers):
     return sum(numbers) / len(numbers)
 
 
+def line_for(collection, way, judged, seconds):
+    """Returns a line of the table. `judged` holds a pair for each question: answers, relevant."""
+    average = mean([average_precision(*pair) for pair in judged])
+    first_ten = mean([precision_at_10(*pair) for pair in judged])
+    return (f"{collection.name:10}  {way:42}  {average:.4f}  {first_ten:.4f}  "
+            f"{1000 * mean(seconds):5.1f}")
+
+
 def measure(kestan, collection, folder):
-    """Yields a line for each way to ask."""
+    """Yields a line for each way to ask the command."""
     questions = read_lines(collection / "queries.tsv")
     relevant = read_judgements(collection / "qrels.tsv")
     make_index(kestan, read_lines(collection / "docs.tsv"), folder)
@@ -110,17 +122,25 @@ def measure(kestan, collection, folder):
     for way, arguments_of in WAYS.items():
         answers = [ask(kestan, folder, arguments_of(text)) for _, text in asked]
         judged = [(names, relevant[number]) for (names, _), (number, _) in zip(answers, asked)]
-        average = mean([average_precision(*pair) for pair in judged])
-        first_ten = mean([precision_at_10(*pair) for pair in judged])
-        milliseconds = 1000 * mean([seconds for _, seconds in answers])
-        yield (f"{collection.name:10}  {way:42}  {average:.4f}  {first_ten:.4f}  "
-               f"{milliseconds:5.1f}")
+        yield line_for(collection, way, judged, [seconds for _, seconds in answers])
+
+
+def measure_host(host, collection, folder):
+    """Returns the line for the search library."""
+    relevant = read_judgements(collection / "qrels.tsv")
+    done = subprocess.run([host, collection, folder / "host.index"], check=True,
+                          stdout=subprocess.PIPE)
+    lines = [line.split("\t") for line in done.stdout.decode().splitlines()]
+    judged = [(names, relevant[number]) for number, _, *names in lines if relevant[number]]
+    seconds = [int(microseconds) / 1e6 for number, microseconds, *_ in lines if relevant[number]]
+    return line_for(collection, "search library, default settings", judged, seconds)
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__,
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("kestan", help="the command")
+    parser.add_argument("--host", help="the program that asks the search library")
     parser.add_argument("collections", nargs="+", type=pathlib.Path)
     options = parser.parse_args()
     kestan = os.path.abspath(options.kestan)
@@ -131,6 +151,9 @@ def main():
             folder.mkdir()
             for line in measure(kestan, collection, folder):
                 print(line, flush=True)
+            if options.host:
+                host = os.path.abspath(options.host)
+                print(measure_host(host, collection, pathlib.Path(scratch)), flush=True)
 
 
 if __name__ == "__main__":
