@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-#include "search/index/manifest.h"
+#include "search/index/manifest/manifest.h"
 #include "search/segment/document_table.h"
 #include "search/segment/edits.h"
 #include "search/segment/term_dictionary.h"

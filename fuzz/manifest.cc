@@ -6,8 +6,8 @@
 
 #include "fuzz/support/file_copy.h"
 #include "fuzz/support/input.h"
-#include "search/index/manifest.h"
-#include "search/index/manifest_text.h"
+#include "search/index/manifest/manifest.h"
+#include "search/index/manifest/manifest_text.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   kestan_fuzz::Input input(data, size);

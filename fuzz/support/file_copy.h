@@ -27,8 +27,7 @@ inline void MendChecksum(std::size_t from, std::size_t end, std::size_t at, std:
   if (from > end || end > bytes->size() || at > bytes->size() || bytes->size() - at < 8) return;
   std::string checksum;
   const std::string_view checked(*bytes);
-  kestan::search::AppendNumber(kestan::search::ChecksumOf(checked.substr(from, end - from)),
-                               &checksum);
+  kestan::search::AppendChecksumOf(checked.substr(from, end - from), &checksum);
   bytes->replace(at, checksum.size(), checksum);
 }
 

@@ -102,6 +102,24 @@ inline std::uint64_t ChecksumOf(std::string_view bytes) {
   return checksum.Value();
 }
 
+// Appends the checksum of `checked`, the highest byte first: with the lowest first, all files of
+// one size that end in a checksum of themselves would have the same checksum as a whole.
+inline void AppendChecksumOf(std::string_view checked, std::string* bytes) {
+  const std::uint64_t checksum = ChecksumOf(checked);
+  for (int shift = 56; shift >= 0; shift -= CHAR_BIT) {
+    bytes->push_back(static_cast<char>(checksum >> shift & 0xff));
+  }
+}
+
+// Returns whether AppendChecksumOf() made the bytes at `stored` of `checked`.
+inline bool IsChecksumOf(std::string_view checked, const char* stored) {
+  std::uint64_t checksum = 0;
+  for (std::size_t i = 0; i < sizeof checksum; ++i) {
+    checksum = checksum << CHAR_BIT | static_cast<unsigned char>(stored[i]);
+  }
+  return ChecksumOf(checked) == checksum;
+}
+
 }  // namespace kestan::search
 
 #endif  // KESTAN_SEARCH_FILES_NUMBERS_H_

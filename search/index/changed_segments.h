@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "search/index/inverting/segment_maker.h"
-#include "search/index/manifest.h"
+#include "search/index/manifest/manifest.h"
 #include "search/index/name_filter.h"
 #include "search/segment/segment.h"
 

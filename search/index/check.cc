@@ -17,7 +17,7 @@
 
 #include "search/files/file_bytes.h"
 #include "search/files/output_file.h"
-#include "search/index/manifest.h"
+#include "search/index/manifest/manifest.h"
 #include "search/segment/derived_files.h"
 #include "search/segment/plain_index.h"
 #include "search/segment/segment.h"

@@ -16,7 +16,7 @@
 
 #include "search/files/writer_lock.h"
 #include "search/index/changed_segments.h"
-#include "search/index/manifest.h"
+#include "search/index/manifest/manifest.h"
 
 namespace kestan::search {
 

@@ -15,7 +15,7 @@
 
 #include "search/files/descriptor.h"
 #include "search/files/output_file.h"
-#include "search/index/manifest.h"
+#include "search/index/manifest/manifest.h"
 #include "search/index/merging/merger.h"
 #include "search/index/opened_index.h"
 #include "search/segment/plain_index.h"

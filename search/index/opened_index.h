@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "search/index/manifest.h"
+#include "search/index/manifest/manifest.h"
 #include "search/segment/segment.h"
 
 namespace kestan::search {

@@ -18,8 +18,8 @@
 #include "search/files/numbers.h"
 #include "search/files/output_file.h"
 #include "search/files/writer_lock.h"
-#include "search/index/manifest.h"
-#include "search/index/manifest_text.h"
+#include "search/index/manifest/manifest.h"
+#include "search/index/manifest/manifest_text.h"
 #include "search/segment/derived_files.h"
 #include "search/segment/segment.h"
 

@@ -28,7 +28,7 @@ std::size_t PartsOf(std::size_t bytes) { return (bytes + kPartBytes - 1) / kPart
 std::string ChecksumsOfParts(std::string_view bytes) {
   std::string checksums;
   for (std::size_t offset = 0; offset < bytes.size(); offset += kPartBytes) {
-    AppendNumber(ChecksumOf(bytes.substr(offset, kPartBytes)), &checksums);
+    AppendChecksumOf(bytes.substr(offset, kPartBytes), &checksums);
   }
   return checksums;
 }
@@ -143,7 +143,7 @@ Result<FileSummary> DocumentTableWriter::Finish(Syncing syncing) {
   AppendNumber(static_cast<std::uint32_t>(records_.size()), &bytes);
   bytes += words_;
   bytes += ChecksumsOfParts(parts);
-  AppendNumber(ChecksumOf(bytes), &bytes);
+  AppendChecksumOf(bytes, &bytes);
   file_.Write(bytes);
   file_.Write(parts);
   return file_.Finish(syncing);
@@ -170,8 +170,7 @@ Status DocumentTable::Read() {
   size_ = NumberAt<std::uint32_t>(bytes.data() + kDocumentsOffset);
   if (!SizesAgree(NumberAt<std::uint32_t>(bytes.data() + kRecordBytesOffset))) return damaged;
   const auto checked = static_cast<std::size_t>(parts_.data() - bytes.data()) - kChecksumBytes;
-  const auto checksum = NumberAt<std::uint64_t>(bytes.data() + checked);
-  return ChecksumOf(bytes.substr(0, checked)) == checksum ? Status() : damaged;
+  return IsChecksumOf(bytes.substr(0, checked), bytes.data() + checked) ? Status() : damaged;
 }
 
 // Finds out where the sections are.
@@ -214,12 +213,12 @@ bool DocumentTable::PartIsSound(std::size_t part) const {
   std::atomic<State>& state = checks_->states[part];
   State found = state.load(std::memory_order_relaxed);
   if (found == State::kUnread) {
-    const std::uint64_t checksum = ChecksumOf(parts_.substr(part * kPartBytes, kPartBytes));
     const char* const expected = part_checksums_ + part * kChecksumBytes;
-    found = checksum == NumberAt<std::uint64_t>(expected) ? State::kSound : State::kDamaged;
+    found = IsChecksumOf(parts_.substr(part * kPartBytes, kPartBytes), expected) ? State::kValid
+                                                                                 : State::kDamaged;
     state.store(found, std::memory_order_relaxed);
   }
-  return found == State::kSound || Damaged();
+  return found == State::kValid || Damaged();
 }
 
 // Returns whether the parts that hold these bytes of parts_ are sound; there must be such bytes.

@@ -103,7 +103,7 @@ class DocumentTable {
   std::optional<Code> Find(std::string_view name) const;
 
  private:
-  enum class State : std::uint8_t { kUnread, kSound, kDamaged };
+  enum class State : std::uint8_t { kUnread, kValid, kDamaged };
 
   // What was checked so far, of a table that may be moved.
   struct Checks {

@@ -123,7 +123,7 @@ std::string Edits::Encode() const {
     AppendEdit(edit, &bytes);
     last = code;
   }
-  AppendNumber(ChecksumOf(bytes), &bytes);
+  AppendChecksumOf(bytes, &bytes);
   return bytes;
 }
 
@@ -169,8 +169,7 @@ Result<Edits> Edits::Decode(std::string_view bytes, std::size_t documents) {
   if (!status.ok()) return status;
   if (bytes.size() < kFileHeaderBytes + kChecksumBytes) return damaged;
   const std::string_view checked = bytes.substr(0, bytes.size() - kChecksumBytes);
-  const auto checksum = NumberAt<std::uint64_t>(checked.data() + checked.size());
-  if (ChecksumOf(checked) != checksum) return damaged;
+  if (!IsChecksumOf(checked, checked.data() + checked.size())) return damaged;
   ByteReader reader(checked.substr(kFileHeaderBytes));
   std::size_t count = 0;
   if (!reader.Varint(&count) || count != documents || count > kMaxCode) return damaged;

@@ -88,7 +88,7 @@ void TermDictionaryWriter::StartBlock(std::string_view term) {
 void TermDictionaryWriter::FinishBlock() {
   if (terms_in_block_ == 0) return;
   std::string checksum;
-  AppendNumber(ChecksumOf(block_), &checksum);
+  AppendChecksumOf(block_, &checksum);
   blocks_.replace(blocks_.size() - kIndexEntryBytes + kOffsetBytes, kChecksumBytes, checksum);
   file_.Write(block_);
   block_.clear();
@@ -101,7 +101,7 @@ std::string TermDictionaryWriter::IndexBytes() const {
   AppendNumber(terms_, &bytes);
   AppendNumber(block_count_, &bytes);
   AppendNumber(static_cast<std::uint32_t>(separators_.size()), &bytes);
-  AppendNumber(ChecksumOf(bytes), &bytes);
+  AppendChecksumOf(bytes, &bytes);
   return bytes;
 }
 
@@ -185,7 +185,7 @@ Status TermDictionary::ReadIndex() {
 // Returns whether the checksum at the end is that of all before it.
 bool TermDictionary::IndexIsSound() const {
   const std::string_view checked = index_.view().substr(0, index_.view().size() - kChecksumBytes);
-  return ChecksumOf(checked) == NumberAt<std::uint64_t>(checked.data() + checked.size());
+  return IsChecksumOf(checked, checked.data() + checked.size());
 }
 
 std::uint64_t TermDictionary::OffsetOf(std::size_t block) const {
@@ -223,8 +223,7 @@ Result<Bytes> TermDictionary::Block(std::size_t block) const {
   if (offset > end || end > index_offset_) return Damaged();
   Bytes bytes = file_->Read(offset, end - offset);
   const char* const entry = index_.view().data() + block * kIndexEntryBytes;
-  if (bytes.view().size() != end - offset ||
-      ChecksumOf(bytes.view()) != NumberAt<std::uint64_t>(entry + kOffsetBytes)) {
+  if (bytes.view().size() != end - offset || !IsChecksumOf(bytes.view(), entry + kOffsetBytes)) {
     return Damaged();
   }
   return bytes;

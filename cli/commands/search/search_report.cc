@@ -8,9 +8,9 @@
 namespace kestan_cli {
 namespace {
 
+using kestan::search::EngineHit;
 using kestan::search::Explanation;
 using kestan::search::Fragment;
-using kestan::search::EngineHit;
 
 constexpr std::string_view kIndent = "    ";
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "search/index/manifest.h"
+#include "search/index/manifest/manifest.h"
 #include "tests/search/index/read_index.h"
 #include "tests/support/environment.h"
 #include "tests/support/files.h"

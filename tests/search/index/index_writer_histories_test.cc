@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "search/index/manifest.h"
+#include "search/index/manifest/manifest.h"
 #include "tests/search/index/read_index.h"
 #include "tests/support/environment.h"
 #include "tests/support/temp_dir.h"

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "search/index/manifest.h"
+#include "search/index/manifest/manifest.h"
 #include "tests/search/index/read_index.h"
 #include "tests/support/files.h"
 #include "tests/support/temp_dir.h"

@@ -8,7 +8,7 @@
 
 #include "kestan/format/posting_cursor.h"
 #include "search/files/output_file.h"
-#include "search/index/manifest.h"
+#include "search/index/manifest/manifest.h"
 #include "search/segment/segment.h"
 
 namespace kestan_tests {

@@ -208,11 +208,11 @@ std::string Forged(std::string bytes, std::size_t documents, std::size_t at, cha
   const std::size_t checksum = 32 + documents * 4;
   if (at < checksum || at >= checksum + 16) {
     std::string mended;
-    AppendNumber(ChecksumOf(std::string_view(bytes).substr(checksum + 16)), &mended);
+    AppendChecksumOf(std::string_view(bytes).substr(checksum + 16), &mended);
     bytes.replace(checksum, 8, mended);
   }
   std::string mended;
-  AppendNumber(ChecksumOf(std::string_view(bytes).substr(0, checksum + 8)), &mended);
+  AppendChecksumOf(std::string_view(bytes).substr(0, checksum + 8), &mended);
   return bytes.replace(checksum + 8, 8, mended);
 }
 

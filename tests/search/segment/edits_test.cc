@@ -125,7 +125,7 @@ TEST(EditsTest, EveryTruncationIsDamage) {
 std::string Forged(const std::string& content) {
   std::string bytes("KestEdit\1\0\0\0\0\0\0\0", 16);
   bytes += content;
-  AppendNumber(ChecksumOf(bytes), &bytes);
+  AppendChecksumOf(bytes, &bytes);
   return bytes;
 }
 

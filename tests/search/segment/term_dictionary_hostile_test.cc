@@ -80,13 +80,13 @@ std::string Forged(const std::string& block) {
   bytes += block;
   std::string index;
   AppendNumber(std::uint64_t{16}, &index);
-  AppendNumber(ChecksumOf(block), &index);
+  AppendChecksumOf(block, &index);
   AppendNumber(std::uint32_t{0}, &index);
   AppendNumber(std::uint64_t{16 + block.size()}, &index);
   AppendNumber(std::uint64_t{1}, &index);
   AppendNumber(std::uint32_t{1}, &index);
   AppendNumber(std::uint32_t{0}, &index);
-  AppendNumber(ChecksumOf(index), &index);
+  AppendChecksumOf(index, &index);
   return bytes + index;
 }
 
@@ -144,7 +144,7 @@ TEST_F(TermDictionaryForgeryTest, AnIndexThatPointsAnywhereIsDamage) {
       if (bytes[at] == byte) continue;
       bytes[at] = byte;
       std::string checksum;
-      AppendNumber(ChecksumOf(std::string_view(bytes).substr(index, 20 + 24)), &checksum);
+      AppendChecksumOf(std::string_view(bytes).substr(index, 20 + 24), &checksum);
       bytes.replace(bytes.size() - 8, 8, checksum);
       const Result<TermDictionary> dictionary = OpenBytes(bytes);
       if (!dictionary.ok()) continue;

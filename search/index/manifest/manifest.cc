@@ -1,4 +1,4 @@
-#include "search/index/manifest.h"
+#include "search/index/manifest/manifest.h"
 
 #include <kestan/format/posting.h>
 #include <kestan/storage/checksum/crc64.h>
@@ -7,7 +7,7 @@
 #include <optional>
 #include <utility>
 
-#include "search/index/manifest_text.h"
+#include "search/index/manifest/manifest_text.h"
 
 namespace kestan::search {
 namespace {

@@ -1,4 +1,4 @@
-#include "search/index/manifest.h"
+#include "search/index/manifest/manifest.h"
 
 #include <gtest/gtest.h>
 #include <kestan/storage/checksum/crc64.h>
@@ -7,7 +7,7 @@
 #include <set>
 #include <string>
 
-#include "search/index/manifest_text.h"
+#include "search/index/manifest/manifest_text.h"
 #include "tests/support/files.h"
 #include "tests/support/temp_dir.h"
 

@@ -1,4 +1,4 @@
-#include "search/index/manifest_text.h"
+#include "search/index/manifest/manifest_text.h"
 
 #include <cstddef>
 #include <limits>

@@ -1,4 +1,4 @@
-#include "search/index/manifest.h"
+#include "search/index/manifest/manifest.h"
 
 #include <unistd.h>
 

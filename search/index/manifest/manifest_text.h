@@ -1,6 +1,6 @@
 // The words of a line of MANIFEST: numbers, checksums, escaped bytes.
-#ifndef KESTAN_SEARCH_INDEX_MANIFEST_TEXT_H_
-#define KESTAN_SEARCH_INDEX_MANIFEST_TEXT_H_
+#ifndef KESTAN_SEARCH_INDEX_MANIFEST_MANIFEST_TEXT_H_
+#define KESTAN_SEARCH_INDEX_MANIFEST_MANIFEST_TEXT_H_
 
 #include <cstdint>
 #include <string>
@@ -41,4 +41,4 @@ class LineReader {
 
 }  // namespace kestan::search
 
-#endif  // KESTAN_SEARCH_INDEX_MANIFEST_TEXT_H_
+#endif  // KESTAN_SEARCH_INDEX_MANIFEST_MANIFEST_TEXT_H_

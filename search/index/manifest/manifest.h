@@ -1,6 +1,6 @@
 // MANIFEST: which files make an index. docs/index-folder.md shows one.
-#ifndef KESTAN_SEARCH_INDEX_MANIFEST_H_
-#define KESTAN_SEARCH_INDEX_MANIFEST_H_
+#ifndef KESTAN_SEARCH_INDEX_MANIFEST_MANIFEST_H_
+#define KESTAN_SEARCH_INDEX_MANIFEST_MANIFEST_H_
 
 #include <kestan/search/status.h>
 
@@ -68,4 +68,4 @@ bool IsSegmentFileName(std::string_view name);
 
 }  // namespace kestan::search
 
-#endif  // KESTAN_SEARCH_INDEX_MANIFEST_H_
+#endif  // KESTAN_SEARCH_INDEX_MANIFEST_MANIFEST_H_
