@@ -169,7 +169,7 @@ String Writer::Read(std::uint64_t offset, std::size_t size) {
 // A short key stands in the element as a whole.
 String Writer::KeyOf(const Element& element) {
   const auto size = static_cast<std::size_t>(element.key_bytes);
-  if (size <= element.key_start.size()) return String(element.key_start.data(), size);
+  if (size <= element.key_start.size()) return {element.key_start.data(), size};
   return Read(element.data, size);
 }
 

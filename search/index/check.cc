@@ -16,6 +16,7 @@
 #include <utility>
 
 #include "search/files/file_bytes.h"
+#include "search/files/folder_names.h"
 #include "search/files/output_file.h"
 #include "search/index/manifest/manifest.h"
 #include "search/segment/derived_files.h"
@@ -228,10 +229,9 @@ class Checker {
       named.insert({SegmentFile(info), TermsFile(info), TableFile(info)});
       if (info.edit_number != 0) named.insert(EditsFile(info));
     }
-    std::error_code error;
-    for (std::filesystem::directory_iterator file(folder_, error), end; !error && file != end;
-         file.increment(error)) {
-      const std::string name = file->path().filename().string();
+    const Result<std::vector<std::string>> names = NamesIn(folder_);
+    if (!names.ok()) return Take(true, folder_, "", names.status().message());
+    for (const std::string& name : *names) {
       if (!IsSegmentFileName(name) || named.count(name) != 0) continue;
       Take(false, Path(name), "", "MANIFEST does not name it; the next writer removes it");
     }

@@ -113,6 +113,7 @@ Status CommittedIndex::Commit(const Properties& properties) {
 Status CommittedIndex::Merge(const std::vector<std::size_t>& positions,
                              const std::function<bool(std::uint64_t bytes)>& advance) {
   std::vector<std::shared_ptr<const Segment>> sources;
+  sources.reserve(positions.size());
   Manifest next = manifest_;
   for (const std::size_t position : positions) sources.push_back(segments_.segments()[position]);
   const Result<SegmentInfo> merged =

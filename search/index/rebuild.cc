@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <ctime>
-#include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
@@ -10,11 +9,11 @@
 #include <optional>
 #include <set>
 #include <string_view>
-#include <system_error>
 #include <utility>
 #include <vector>
 
 #include "search/files/file_bytes.h"
+#include "search/files/folder_names.h"
 #include "search/files/numbers.h"
 #include "search/files/output_file.h"
 #include "search/files/writer_lock.h"
@@ -140,11 +139,10 @@ class Rebuilder {
 
   // Finds index files by their numbers, with the numbers of their edits.
   Status FindFiles() {
-    std::error_code error;
+    const Result<std::vector<std::string>> names = NamesIn(folder_);
+    if (!names.ok()) return names.status();
     std::map<std::uint64_t, EditNumbers> edits;
-    for (std::filesystem::directory_iterator file(folder_, error), end; !error && file != end;
-         file.increment(error)) {
-      const std::string name = file->path().filename().string();
+    for (const std::string& name : *names) {
       LineReader reader(name);
       std::uint64_t number = 0;
       std::uint64_t edit_number = 0;
@@ -154,7 +152,6 @@ class Rebuilder {
           reader.Skip("-") && reader.ReadNumber(&edit_number) && reader.Skip(".edits");
       if (is_edits && reader.empty() && edit_number != 0) edits[number].insert(edit_number);
     }
-    if (error) return {StatusCode::kSystem, error.message(), folder_};
     for (auto& [number, numbers] : segments_) numbers = edits[number];
     return {};
   }

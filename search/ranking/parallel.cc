@@ -4,7 +4,6 @@
 #include <atomic>
 #include <exception>
 #include <mutex>
-#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -49,7 +48,7 @@ void ParallelFor(std::size_t count, std::size_t threads,
   started.reserve(helpers);
   try {
     while (started.size() + 1 < helpers) started.emplace_back([&tasks] { tasks.Run(); });
-  } catch (const std::system_error&) {  // there are enough threads in the system
+  } catch (const std::exception&) {  // no more threads or memory: those that run do it all
   }
   tasks.Run();
   for (std::thread& thread : started) thread.join();

@@ -7,6 +7,8 @@
 #ifndef KESTAN_SEARCH_H_
 #define KESTAN_SEARCH_H_
 
+#include <kestan/search/check.h>
+#include <kestan/search/convert.h>
 #include <kestan/search/document.h>
 #include <kestan/search/index_reader.h>
 #include <kestan/search/index_writer.h>

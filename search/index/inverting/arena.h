@@ -50,8 +50,8 @@ class Arena {
     used_units_ = skipped;
   }
 
-  std::vector<std::unique_ptr<char[]>> blocks_;
-  std::size_t used_units_ = kBlockUnits;  // of the last block
+  std::vector<std::unique_ptr<char[]>> blocks_;  // NOLINT(modernize-avoid-c-arrays): size varies
+  std::size_t used_units_ = kBlockUnits;         // of the last block
   std::size_t memory_ = 0;
 };
 

@@ -46,7 +46,7 @@ Status PendingDocuments::Add(Document document, std::uint32_t now) {
   const std::size_t bytes = BytesOf(document);
   names_.emplace(document.name, next_serial_);
   names_bytes_ += document.name.size() + kNameBytes;
-  batch_.push_back(PendingDocument{next_serial_++, std::move(document), now});
+  batch_.emplace_back(PendingDocument{next_serial_++, std::move(document), now});
   batch_size_ += bytes + kDocumentBytes;
   text_bytes_ += bytes;
   return batch_size_ >= batch_bytes_ ? HandOn() : Status();

@@ -19,6 +19,10 @@ bool IsNumber(std::string_view text) {
   return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
+std::string PathIn(const std::string& folder, const std::string& file) {
+  return folder + "/" + file;
+}
+
 std::vector<std::string> FilesOf(const SegmentInfo& info) {
   std::vector<std::string> files = {SegmentFile(info), TermsFile(info), TableFile(info)};
   if (info.edit_number != 0) files.push_back(EditsFile(info));
@@ -65,7 +69,7 @@ std::vector<std::string> NewFiles(const std::string& folder, const Manifest& com
   const std::set<std::string> known = NamedFiles(committed);
   std::vector<std::string> files;
   for (const std::string& file : NamedFiles(next)) {
-    if (known.count(file) == 0) files.push_back(folder + "/" + file);
+    if (known.count(file) == 0) files.push_back(PathIn(folder, file));
   }
   return files;
 }
@@ -101,7 +105,7 @@ Status RemoveUnnamedFiles(const std::string& folder, const Manifest& manifest) {
   Status status;
   for (const std::string& name : *found) {
     if (named.count(name) != 0) continue;
-    const std::string path = folder + "/" + name;
+    const std::string path = PathIn(folder, name);
     if (unlink(path.c_str()) != 0 && errno != ENOENT && status.ok()) {
       status = Status(StatusCode::kSystem, std::generic_category().message(errno), path);
     }
@@ -110,7 +114,7 @@ Status RemoveUnnamedFiles(const std::string& folder, const Manifest& manifest) {
 }
 
 void RemoveSegmentFiles(const std::string& folder, const SegmentInfo& info) {
-  for (const std::string& file : FilesOf(info)) unlink((folder + "/" + file).c_str());
+  for (const std::string& file : FilesOf(info)) unlink(PathIn(folder, file).c_str());
 }
 
 }  // namespace kestan::search

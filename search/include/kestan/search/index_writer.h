@@ -49,7 +49,9 @@ struct WriterOptions {
 enum class DocumentField : std::uint8_t { kTitle, kSummary, kHostData };
 
 // The one writer of an index. What it changes is seen by readers after Commit() and lost without.
-// Use it from one thread at a time; it has threads of its own.
+// After an error of writing, every call returns that error until Rollback(). After an error of
+// merging the commit stands, and the writer can go on. Use it from one thread at a time; it has
+// threads of its own.
 class KESTAN_EXPORT IndexWriter {
  public:
   // Opens the index folder at `path`, or makes it there.
