@@ -17,14 +17,14 @@ using kestan::Code;
 using kestan::search::DocumentEntry;
 using kestan::search::DocumentTable;
 using kestan::search::NumberAt;
-using kestan_fuzz::MendChecksum;
+using kestan_fuzz::CorrectChecksum;
 using kestan_fuzz::Require;
 using kestan_fuzz::RequireRefusal;
 
 constexpr std::size_t kFixedBytes = 32;
 constexpr std::size_t kPartBytes = 4096;
 
-void MendChecksums(std::string* bytes) {
+void CorrectChecksums(std::string* bytes) {
   if (bytes->size() < kFixedBytes) return;
   const std::uint64_t documents = NumberAt<std::uint32_t>(bytes->data() + 24);
   const std::uint64_t record_bytes = NumberAt<std::uint32_t>(bytes->data() + 28);
@@ -35,18 +35,18 @@ void MendChecksums(std::string* bytes) {
   if (end + 8 > bytes->size()) return;
   for (std::uint64_t part = 0; part < parts; ++part) {
     const auto start = static_cast<std::size_t>(end + 8 + part * kPartBytes);
-    MendChecksum(start, std::min(start + kPartBytes, bytes->size()),
-                 static_cast<std::size_t>(checksums + part * 8), bytes);
+    CorrectChecksum(start, std::min(start + kPartBytes, bytes->size()),
+                    static_cast<std::size_t>(checksums + part * 8), bytes);
   }
-  MendChecksum(0, static_cast<std::size_t>(end), static_cast<std::size_t>(end), bytes);
+  CorrectChecksum(0, static_cast<std::size_t>(end), static_cast<std::size_t>(end), bytes);
 }
 
 void AskEverything(const DocumentTable& table) {
   for (std::size_t i = 1; i <= table.size(); ++i) {
     const auto code = static_cast<Code>(i);
     const DocumentEntry entry = table.EntryOf(code);
-    const bool is_sound = table.status().ok();
-    Require(!is_sound || entry.name == table.NameOf(code), "two names of one document");
+    const bool is_valid = table.status().ok();
+    Require(!is_valid || entry.name == table.NameOf(code), "two names of one document");
     Require(entry.words == table.WordsOf(code), "two numbers of words");
     const auto found = table.Find(entry.name);
     Require(!found || (*found >= 1 && *found <= table.size()), "a code that no document has");
@@ -59,9 +59,9 @@ void AskEverything(const DocumentTable& table) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   kestan_fuzz::Input input(data, size);
-  const bool mend = input.Byte() % 2 != 0;
+  const bool corrected = input.Byte() % 2 != 0;
   std::string bytes = input.Rest();
-  if (mend) MendChecksums(&bytes);
+  if (corrected) CorrectChecksums(&bytes);
   const auto table = DocumentTable::Open(kestan_fuzz::OpenedCopy(bytes));
   if (!table.ok()) {
     RequireRefusal(table.status());

@@ -22,7 +22,7 @@ using kestan::search::TermDictionaryWriter;
 
 // The first byte says whether checksums are put right.
 constexpr char kAsItIs = '\0';
-constexpr char kMended = '\1';
+constexpr char kCorrected = '\1';
 
 std::string Dictionary(unsigned terms) {
   const kestan_tests::TempDir dir;
@@ -96,20 +96,20 @@ void WriteSeeds(const std::filesystem::path& folder) {
   for (const unsigned count : {0U, 3U, 90U}) {
     const std::string name = std::to_string(count);
     write("term_dictionary", name, kAsItIs + Dictionary(count));
-    write("term_dictionary", name + "_mended", kMended + Dictionary(count));
+    write("term_dictionary", name + "_corrected", kCorrected + Dictionary(count));
     write("document_table", name, kAsItIs + Table(count));
-    write("document_table", name + "_mended", kMended + Table(count));
+    write("document_table", name + "_corrected", kCorrected + Table(count));
   }
-  write("document_table", "two_parts", kMended + Table(400));
+  write("document_table", "two_parts", kCorrected + Table(400));
   for (const unsigned count : {0U, 1U, 4U}) {
     const std::string name = std::to_string(count);
     const std::string text = ManifestText(count);
     write("manifest", name, kAsItIs + text);
-    write("manifest", name + "_mended", kMended + text.substr(0, text.rfind("checksum ")));
+    write("manifest", name + "_corrected", kCorrected + text.substr(0, text.rfind("checksum ")));
   }
   const std::string edits = SomeEdits().Encode();
   write("segment_edits", "twenty", static_cast<char>(20 * 2) + edits);
-  write("segment_edits", "twenty_mended",
+  write("segment_edits", "twenty_corrected",
         static_cast<char>(20 * 2 + 1) + edits.substr(0, edits.size() - 8));
   write("segment_edits", "none", kAsItIs + Edits(0).Encode());
 }

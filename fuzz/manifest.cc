@@ -11,9 +11,9 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   kestan_fuzz::Input input(data, size);
-  const bool is_mended = input.Byte() % 2 != 0;
+  const bool is_corrected = input.Byte() % 2 != 0;
   std::string bytes = input.Rest();
-  if (is_mended) {
+  if (is_corrected) {
     const std::uint64_t checksum = kestan::search::ChecksumOf(bytes);
     bytes += "checksum ";
     kestan::search::AppendHex(checksum, &bytes);

@@ -39,7 +39,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (choice % 2 != 0) {
     const std::size_t end = bytes.size();
     bytes.append(8, '\0');
-    kestan_fuzz::MendChecksum(0, end, end, &bytes);
+    kestan_fuzz::CorrectChecksum(0, end, end, &bytes);
   }
   const auto documents = static_cast<Code>(choice / 2);
   const auto edits = Edits::Decode(bytes, documents);

@@ -16,14 +16,14 @@ namespace {
 using kestan::search::NumberAt;
 using kestan::search::TermDictionary;
 using kestan::search::TermEntry;
-using kestan_fuzz::MendChecksum;
+using kestan_fuzz::CorrectChecksum;
 using kestan_fuzz::Require;
 using kestan_fuzz::RequireRefusal;
 
 constexpr std::size_t kTrailerBytes = 32;
 constexpr std::size_t kIndexEntryBytes = 20;
 
-void MendChecksums(std::string* bytes) {
+void CorrectChecksums(std::string* bytes) {
   if (bytes->size() < kTrailerBytes) return;
   const std::size_t trailer = bytes->size() - kTrailerBytes;
   const auto index = NumberAt<std::uint64_t>(bytes->data() + trailer);
@@ -36,11 +36,11 @@ void MendChecksums(std::string* bytes) {
     const auto start = NumberAt<std::uint64_t>(bytes->data() + entry);
     const auto end =
         i + 1 == blocks ? index : NumberAt<std::uint64_t>(bytes->data() + entry + kIndexEntryBytes);
-    if (end > index) continue;  // of which MendChecksum() would make another number
-    MendChecksum(static_cast<std::size_t>(std::min(start, index)), static_cast<std::size_t>(end),
-                 entry + 8, bytes);
+    if (end > index) continue;  // of which CorrectChecksum() would make another number
+    CorrectChecksum(static_cast<std::size_t>(std::min(start, index)), static_cast<std::size_t>(end),
+                    entry + 8, bytes);
   }
-  MendChecksum(first, bytes->size() - 8, bytes->size() - 8, bytes);
+  CorrectChecksum(first, bytes->size() - 8, bytes->size() - 8, bytes);
 }
 
 // Reads all terms.
@@ -60,9 +60,9 @@ bool ReadAll(const TermDictionary& dictionary, std::vector<std::string>* terms) 
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   kestan_fuzz::Input input(data, size);
-  const bool mend = input.Byte() % 2 != 0;
+  const bool corrected = input.Byte() % 2 != 0;
   std::string bytes = input.Rest();
-  if (mend) MendChecksums(&bytes);
+  if (corrected) CorrectChecksums(&bytes);
   const auto dictionary = TermDictionary::Open(kestan_fuzz::OpenedCopy(bytes));
   if (!dictionary.ok()) {
     RequireRefusal(dictionary.status());
@@ -70,11 +70,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   std::vector<std::string> terms;
   const bool is_whole = ReadAll(*dictionary, &terms);
-  Require(mend || !is_whole || terms.size() == dictionary->size(), "terms are missing");
+  Require(corrected || !is_whole || terms.size() == dictionary->size(), "terms are missing");
   for (const std::string& term : terms) {
     const auto found = dictionary->Find(term);
     if (!found.ok()) RequireRefusal(found.status());
-    Require(mend || !is_whole || (found.ok() && found->has_value()), "a term is not found");
+    Require(corrected || !is_whole || (found.ok() && found->has_value()), "a term is not found");
     const auto status = dictionary->ForEach(term, [](const TermEntry&) { return false; });
     if (!status.ok()) RequireRefusal(status);
   }

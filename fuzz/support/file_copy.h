@@ -23,7 +23,7 @@ inline std::shared_ptr<const kestan::search::FileBytes> OpenedCopy(const std::st
 }
 
 // Puts the checksum of the bytes from `from` to `end` at `at`, as far as there are such bytes.
-inline void MendChecksum(std::size_t from, std::size_t end, std::size_t at, std::string* bytes) {
+inline void CorrectChecksum(std::size_t from, std::size_t end, std::size_t at, std::string* bytes) {
   if (from > end || end > bytes->size() || at > bytes->size() || bytes->size() - at < 8) return;
   std::string checksum;
   const std::string_view checked(*bytes);

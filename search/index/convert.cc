@@ -224,9 +224,9 @@ Status ConvertIndexFile(const std::string& file, const std::string& folder,
                         ConversionReport* report) {
   try {
     ConversionReport ignored;
-    ConversionReport* const told = report != nullptr ? report : &ignored;
-    *told = {};
-    return Convert(file, WithoutSlashes(folder), told);
+    ConversionReport* const wanted = report != nullptr ? report : &ignored;
+    *wanted = {};
+    return Convert(file, WithoutSlashes(folder), wanted);
   } catch (const std::bad_alloc&) {
     return {StatusCode::kOutOfMemory, "out of memory", file};
   }

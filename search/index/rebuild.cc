@@ -266,9 +266,9 @@ class Rebuilder {
 Status RebuildDerivedFiles(const std::string& folder, RebuildReport* report) {
   try {
     RebuildReport ignored;
-    RebuildReport* const told = report != nullptr ? report : &ignored;
-    *told = {};
-    return Rebuilder(folder, told).Rebuild();
+    RebuildReport* const wanted = report != nullptr ? report : &ignored;
+    *wanted = {};
+    return Rebuilder(folder, wanted).Rebuild();
   } catch (const std::bad_alloc&) {
     return {StatusCode::kOutOfMemory, "out of memory", folder};
   }

@@ -207,13 +207,13 @@ std::string Forged(std::string bytes, std::size_t documents, std::size_t at, cha
   bytes[at] = byte;
   const std::size_t checksum = 32 + documents * 4;
   if (at < checksum || at >= checksum + 16) {
-    std::string mended;
-    AppendChecksumOf(std::string_view(bytes).substr(checksum + 16), &mended);
-    bytes.replace(checksum, 8, mended);
+    std::string checksum_bytes;
+    AppendChecksumOf(std::string_view(bytes).substr(checksum + 16), &checksum_bytes);
+    bytes.replace(checksum, 8, checksum_bytes);
   }
-  std::string mended;
-  AppendChecksumOf(std::string_view(bytes).substr(0, checksum + 8), &mended);
-  return bytes.replace(checksum + 8, 8, mended);
+  std::string checksum_bytes;
+  AppendChecksumOf(std::string_view(bytes).substr(0, checksum + 8), &checksum_bytes);
+  return bytes.replace(checksum + 8, 8, checksum_bytes);
 }
 
 TEST_F(DocumentTableTest, NumbersThatLeadAnywhereLeadOutOfNoTable) {
