@@ -3,7 +3,7 @@
 #ifndef KESTAN_SEARCH_FILES_NUMBERS_H_
 #define KESTAN_SEARCH_FILES_NUMBERS_H_
 
-#include <kestan/storage/checksum/crc64.h>
+#include <kestan/checksum.h>
 
 #include <climits>
 #include <cstddef>

@@ -2,8 +2,8 @@
 #ifndef KESTAN_SEARCH_FILES_OUTPUT_FILE_H_
 #define KESTAN_SEARCH_FILES_OUTPUT_FILE_H_
 
+#include <kestan/checksum.h>
 #include <kestan/search/status.h>
-#include <kestan/storage/checksum/crc64.h>
 
 #include <cstdint>
 #include <string>

@@ -2,7 +2,7 @@
 #ifndef KESTAN_SEARCH_INDEX_CHANGED_SEGMENTS_H_
 #define KESTAN_SEARCH_INDEX_CHANGED_SEGMENTS_H_
 
-#include <kestan/format/posting.h>
+#include <kestan/postings.h>
 #include <kestan/search/index_writer.h>
 #include <kestan/search/status.h>
 

@@ -2,7 +2,7 @@
 #ifndef KESTAN_SEARCH_RANKING_PROXIMITY_H_
 #define KESTAN_SEARCH_RANKING_PROXIMITY_H_
 
-#include <kestan/format/posting.h>
+#include <kestan/postings.h>
 
 namespace kestan::search {
 

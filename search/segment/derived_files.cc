@@ -1,7 +1,7 @@
 #include "search/segment/derived_files.h"
 
-#include <kestan/format/posting_cursor.h>
 #include <kestan/index_file.h>
+#include <kestan/postings.h>
 
 #include <algorithm>
 #include <array>

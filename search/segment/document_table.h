@@ -3,8 +3,8 @@
 #ifndef KESTAN_SEARCH_SEGMENT_DOCUMENT_TABLE_H_
 #define KESTAN_SEARCH_SEGMENT_DOCUMENT_TABLE_H_
 
-#include <kestan/format/posting.h>
 #include <kestan/index_builder.h>
+#include <kestan/postings.h>
 #include <kestan/search/index_writer.h>
 #include <kestan/search/status.h>
 

@@ -3,7 +3,7 @@
 #ifndef KESTAN_SEARCH_SEGMENT_EDITS_H_
 #define KESTAN_SEARCH_SEGMENT_EDITS_H_
 
-#include <kestan/format/posting.h>
+#include <kestan/postings.h>
 #include <kestan/search/index_writer.h>
 #include <kestan/search/status.h>
 

@@ -1,7 +1,7 @@
 #include "search/segment/segment_writer.h"
 
-#include <kestan/format/posting.h>
-#include <kestan/query/index_reader.h>
+#include <kestan/index_file.h>
+#include <kestan/postings.h>
 
 #include <unistd.h>
 

@@ -2,7 +2,7 @@
 #ifndef KESTAN_SEARCH_INDEX_INVERTING_POSTING_TABLE_H_
 #define KESTAN_SEARCH_INDEX_INVERTING_POSTING_TABLE_H_
 
-#include <kestan/format/posting.h>
+#include <kestan/postings.h>
 #include <kestan/tokenizer.h>
 
 #include <cstddef>

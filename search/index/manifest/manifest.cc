@@ -1,7 +1,7 @@
 #include "search/index/manifest/manifest.h"
 
-#include <kestan/format/posting.h>
-#include <kestan/storage/checksum/crc64.h>
+#include <kestan/checksum.h>
+#include <kestan/postings.h>
 
 #include <array>
 #include <optional>

@@ -2,7 +2,7 @@
 #ifndef KESTAN_SEARCH_INDEX_MERGING_KEPT_POSTINGS_H_
 #define KESTAN_SEARCH_INDEX_MERGING_KEPT_POSTINGS_H_
 
-#include <kestan/format/posting.h>
+#include <kestan/postings.h>
 
 #include <cstdint>
 #include <optional>

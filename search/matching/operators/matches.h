@@ -2,7 +2,7 @@
 #ifndef KESTAN_SEARCH_MATCHING_OPERATORS_MATCHES_H_
 #define KESTAN_SEARCH_MATCHING_OPERATORS_MATCHES_H_
 
-#include <kestan/format/posting.h>
+#include <kestan/postings.h>
 
 #include <cstddef>
 #include <cstdint>

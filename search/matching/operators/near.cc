@@ -1,4 +1,4 @@
-#include <kestan/format/posting.h>
+#include <kestan/postings.h>
 
 #include <algorithm>
 

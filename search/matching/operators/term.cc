@@ -1,4 +1,4 @@
-#include <kestan/format/posting_cursor.h>
+#include <kestan/postings.h>
 
 #include <limits>
 #include <string_view>

@@ -2,8 +2,8 @@
 #ifndef KESTAN_SEARCH_CHECK_H_
 #define KESTAN_SEARCH_CHECK_H_
 
+#include <kestan/search/export.h>
 #include <kestan/search/status.h>
-#include <kestan/storage/export.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -45,8 +45,8 @@ struct CheckOptions {
 // only the records are looked at. Changes nothing.
 //   Returns  the report, whatever it says; kNotFound where there is no index, kVersion, kSystem,
 //            kOutOfMemory.
-KESTAN_EXPORT Result<CheckReport> CheckIndex(const std::string& path,
-                                             const CheckOptions& options = {});
+KESTAN_SEARCH_EXPORT Result<CheckReport> CheckIndex(const std::string& path,
+                                                    const CheckOptions& options = {});
 
 // What RebuildDerivedFiles() did, a line each.
 struct RebuildReport {
@@ -68,8 +68,8 @@ struct RebuildReport {
 //   kDamaged
 //            with the first index file or edits that cannot be read, kVersion, kSystem,
 //            kOutOfMemory.
-KESTAN_EXPORT Status RebuildDerivedFiles(const std::string& folder,
-                                         RebuildReport* report = nullptr);
+KESTAN_SEARCH_EXPORT Status RebuildDerivedFiles(const std::string& folder,
+                                                RebuildReport* report = nullptr);
 
 }  // namespace kestan::search
 

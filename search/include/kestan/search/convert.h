@@ -2,8 +2,8 @@
 #ifndef KESTAN_SEARCH_CONVERT_H_
 #define KESTAN_SEARCH_CONVERT_H_
 
+#include <kestan/search/export.h>
 #include <kestan/search/status.h>
-#include <kestan/storage/export.h>
 
 #include <cstdint>
 #include <string>
@@ -30,8 +30,8 @@ struct ConversionReport {
 // `folder`. What an earlier conversion left at FOLDER.new is replaced.
 //   Returns  kAlreadyExists; kNotFound, kBusy while another process changes the file, kDamaged,
 //            kVersion, kSystem, kOutOfMemory.
-KESTAN_EXPORT Status ConvertIndexFile(const std::string& file, const std::string& folder,
-                                      ConversionReport* report = nullptr);
+KESTAN_SEARCH_EXPORT Status ConvertIndexFile(const std::string& file, const std::string& folder,
+                                             ConversionReport* report = nullptr);
 
 // Makes an index file at `file` of the index folder `folder`: what class Kestan makes of the living
 // documents, added in their order, with the times at which they were. Properties are left out.
@@ -39,7 +39,7 @@ KESTAN_EXPORT Status ConvertIndexFile(const std::string& file, const std::string
 // All or nothing as above, by way of the folder FILE.new.
 //   Returns  kInvalidArgument for more than 65,535 living documents; kAlreadyExists, kNotFound,
 //            kDamaged, kVersion, kSystem, kOutOfMemory.
-KESTAN_EXPORT Status WriteIndexFile(const std::string& folder, const std::string& file);
+KESTAN_SEARCH_EXPORT Status WriteIndexFile(const std::string& folder, const std::string& file);
 
 }  // namespace kestan::search
 

@@ -2,10 +2,10 @@
 #ifndef KESTAN_SEARCH_INDEX_READER_H_
 #define KESTAN_SEARCH_INDEX_READER_H_
 
+#include <kestan/search/export.h>
 #include <kestan/search/fragment.h>
 #include <kestan/search/index_writer.h>
 #include <kestan/search/status.h>
-#include <kestan/storage/export.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -89,7 +89,7 @@ struct IndexStatistics {
 
 // A snapshot of one index or of several: no later commit changes it. Any number of threads may use
 // one reader at once; Refresh() is for one thread, while no other uses the reader.
-class KESTAN_EXPORT IndexReader {
+class KESTAN_SEARCH_EXPORT IndexReader {
  public:
   // Opens the index folder, or the index file of class Kestan, at each of `paths`.
   //   Returns  kNotFound, kDamaged, kVersion, kSystem.

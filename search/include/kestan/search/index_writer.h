@@ -3,8 +3,8 @@
 #define KESTAN_SEARCH_INDEX_WRITER_H_
 
 #include <kestan/search/document.h>
+#include <kestan/search/export.h>
 #include <kestan/search/status.h>
-#include <kestan/storage/export.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -52,7 +52,7 @@ enum class DocumentField : std::uint8_t { kTitle, kSummary, kHostData };
 // After an error of writing, every call returns that error until Rollback(). After an error of
 // merging the commit stands, and the writer can go on. Use it from one thread at a time; it has
 // threads of its own.
-class KESTAN_EXPORT IndexWriter {
+class KESTAN_SEARCH_EXPORT IndexWriter {
  public:
   // Opens the index folder at `path`, or makes it there.
   //   Returns  kBusy if another writer has it (the message has the process's number), kNotFound
