@@ -13,7 +13,7 @@
 namespace kestan::gdbm {
 namespace {
 
-constexpr std::size_t kBufferBytes = 1 << 20;
+constexpr std::size_t kBufferBytes = std::size_t{1} << 18;
 constexpr std::size_t kMostReserved = std::size_t{1} << 22;
 
 template <typename T>
@@ -47,6 +47,7 @@ StoreError Writer::Create(const char* path, std::size_t expected_records) {
   if (!is_open()) return StoreError::kFileOpen;
   error_ = StoreError::kNone;
   elements_.reserve(std::min(expected_records, kMostReserved));
+  buffer_.reserve(kBufferBytes);
   largest_capacity_ = LargestCapacity(expected_records);
   end_ = 0;
   AppendZeros(BucketBytes(largest_capacity_));  // the header will be here

@@ -11,7 +11,8 @@
 namespace kestan::search {
 namespace {
 
-constexpr std::size_t kBufferBytes = std::size_t{1} << 20;
+// Every thread that writes a segment has several, all within its share of the memory budget.
+constexpr std::size_t kBufferBytes = std::size_t{1} << 18;
 constexpr unsigned kMode = 0644;
 
 Status SyncPath(const std::string& path, int flags) {
