@@ -11,6 +11,7 @@
 #include "cli/app/standard_descriptors.h"
 #include "cli/commands/commands.h"
 #include "cli/console/diagnostics.h"
+#include "cli/console/interruption.h"
 #include "cli/console/message.h"
 #include "cli/console/output.h"
 
@@ -35,6 +36,10 @@ int Run(const Arguments& arguments) {
 int RunAndReport(const Arguments& arguments) {
   try {
     return Run(arguments);
+  } catch (const Interrupted& interrupted) {
+    std::signal(interrupted.signal(), SIG_DFL);
+    std::raise(interrupted.signal());
+    return kFailed;
   } catch (const BrokenPipe&) {
     return kFailed;
   } catch (const CommandError& error) {

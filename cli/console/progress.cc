@@ -17,6 +17,7 @@ constexpr std::chrono::seconds kBetweenLines{10};
 constexpr std::size_t kUsualColumns = 80;
 constexpr std::size_t kMaxBar = 40;
 constexpr std::size_t kMinBar = 5;
+constexpr std::uint64_t kMegabyte = 1000000;
 constexpr double kSecondsToTrust = 1;  // earlier, the rate means little
 
 // Bytes show progress better than files, which differ in size. Files count for the empty ones.
@@ -45,11 +46,24 @@ std::string TimeLeft(const ProgressState& state) {
 }
 
 std::string Rate(const ProgressState& state) {
-  if (state.seconds < kSecondsToTrust) return "";
+  if (!state.step.empty() || state.seconds < kSecondsToTrust) return "";
   return ", " +
          std::to_string(
              static_cast<unsigned long>(static_cast<double>(state.files) / state.seconds)) +
          "/s";
+}
+
+// Returns "1200/2400 files" or "merging 12/24 MB", with `between` instead of the slash.
+std::string Done(const ProgressState& state, const std::string& between) {
+  if (state.step.empty()) {
+    return std::to_string(state.files) + between + std::to_string(state.total_files) + " files";
+  }
+  return state.step + " " + std::to_string(state.bytes / kMegabyte) + between +
+         std::to_string(state.total_bytes / kMegabyte) + " MB";
+}
+
+bool IsComplete(const ProgressState& state) {
+  return state.files >= state.total_files && state.bytes >= state.total_bytes;
 }
 
 std::size_t ColumnsOfTerminal() {
@@ -63,9 +77,8 @@ std::size_t ColumnsOfTerminal() {
 std::string ProgressBar(const ProgressState& state, std::size_t columns) {
   const double share = std::min(ShareOf(state), 1.0);
   const auto percent = static_cast<unsigned>(share * 100);
-  const std::string text = Padded(std::to_string(percent), 3, ' ') + "%  " +
-                           std::to_string(state.files) + "/" + std::to_string(state.total_files) +
-                           " files" + Rate(state) + TimeLeft(state);
+  const std::string text = Padded(std::to_string(percent), 3, ' ') + "%  " + Done(state, "/") +
+                           Rate(state) + TimeLeft(state);
   const std::size_t free_columns = columns - std::min(columns, text.size() + 3);
   if (free_columns < kMinBar) return text.substr(0, columns);
   const std::size_t width = std::min(free_columns, kMaxBar);
@@ -74,8 +87,7 @@ std::string ProgressBar(const ProgressState& state, std::size_t columns) {
 }
 
 std::string ProgressWords(const ProgressState& state) {
-  return std::to_string(state.files) + " of " + std::to_string(state.total_files) + " files" +
-         TimeLeft(state);
+  return Done(state, " of ") + TimeLeft(state);
 }
 
 ProgressStyle StyleOfStandardError(bool quiet) {
@@ -93,25 +105,41 @@ Progress::Progress(ProgressStyle style, unsigned long total_files, std::uint64_t
       now_(std::move(now)),
       write_(std::move(write)),
       start_(now_()),
-      next_(start_ + (style == ProgressStyle::kBar ? Clock::duration(kBetweenBars)
-                                                   : Clock::duration(kBetweenLines))),
+      next_(start_ + Pause()),
       state_{0, total_files, 0, total_bytes, 0} {}
 
 void Progress::Advance(std::uint64_t bytes) {
   ++state_.files;
   state_.bytes += bytes;
+  ShowWhenDue();
+}
+
+void Progress::Reach(const std::string& step, std::uint64_t bytes, std::uint64_t total_bytes) {
+  if (state_.step != step) {
+    start_ = now_();
+    next_ = start_ + Pause();
+  }
+  state_ = {0, 0, bytes, total_bytes, 0, step};
+  ShowWhenDue();
+}
+
+Progress::Clock::duration Progress::Pause() const {
+  if (style_ == ProgressStyle::kBar) return kBetweenBars;
+  return kBetweenLines;
+}
+
+void Progress::ShowWhenDue() {
   if (style_ == ProgressStyle::kNone) return;
   const Clock::time_point now = now_();
   if (now < next_) return;
   state_.seconds = std::chrono::duration<double>(now - start_).count();
+  next_ = now + Pause();
   if (style_ == ProgressStyle::kBar) {
     // The last column stays free: some terminals start a new line after it.
     write_("\r" + ProgressBar(state_, ColumnsOfTerminal() - 1) + "\x1b[K");
-    next_ = now + kBetweenBars;
     drawn_ = true;
-  } else if (state_.files < state_.total_files) {  // the report follows at the end
+  } else if (!IsComplete(state_)) {  // the report follows at the end
     write_("kestan: " + ProgressWords(state_) + "\n");
-    next_ = now + kBetweenLines;
   }
 }
 

@@ -4,6 +4,8 @@ namespace kestan_cli {
 namespace {
 
 using kestan::StoreError;
+using kestan::search::Status;
+using kestan::search::StatusCode;
 
 // Returns whether the system refused an operation on the file, so that errno gives the reason.
 bool IsFromSystem(StoreError error) {
@@ -26,6 +28,14 @@ std::string ReasonOfWrite(StoreError error, bool on_copy) {
   if (!is_write_error) return reason + "; see kestan check";
   return "a write failed, perhaps for want of room (" + reason + ")" +
          (on_copy ? "; it is as it was" : "");
+}
+
+// Returns what `status` says of a file, which is named unless it is the index itself.
+std::string ReasonOf(const Status& status, const std::string& path) {
+  const std::string& file = status.file();
+  if (file.empty() || file == path) return status.message();
+  const bool is_inside = file.compare(0, path.size() + 1, path + "/") == 0;
+  return status.message() + " (" + (is_inside ? file.substr(path.size() + 1) : file) + ")";
 }
 
 }  // namespace
@@ -56,6 +66,25 @@ CommandError CannotRead(const std::string& path, StoreError error) {
 CommandError CannotWrite(const std::string& path, StoreError error, bool on_copy) {
   return CommandError("cannot write to index " + Quoted(path) + ": " +
                       ReasonOfWrite(error, on_copy));
+}
+
+CommandError ErrorOf(const Status& status, const std::string& path) {
+  const std::string reason = ReasonOf(status, path);
+  const std::string start = "index " + Quoted(path) + ": ";
+  switch (status.code()) {
+    case StatusCode::kNotFound:
+      return CommandError(start + reason + "; kestan index makes one");
+    case StatusCode::kBusy:
+      return CommandError(start + reason + "; try again later", kBusy);
+    case StatusCode::kDamaged:
+      return CommandError(start + reason + "; see kestan check and kestan repair");
+    default:
+      return CommandError(start + reason);
+  }
+}
+
+void CheckStatus(const Status& status, const std::string& path) {
+  if (!status.ok()) throw ErrorOf(status, path);
 }
 
 }  // namespace kestan_cli

@@ -3,8 +3,10 @@
 #define KESTAN_CLI_INDEX_INDEX_ERRORS_H_
 
 #include <kestan/results.h>
+#include <kestan/search.h>
 
 #include <string>
+#include <utility>
 
 #include "cli/console/message.h"
 
@@ -12,6 +14,12 @@ namespace kestan_cli {
 
 inline constexpr const char* kSeeRepair = "kestan repair saves what it still holds";
 inline constexpr const char* kIfItWasOne = "; if it was one, see kestan repair";
+
+inline constexpr const char* kNoSuchIndex = "no such file or folder; kestan index makes one";
+inline constexpr const char* kOneFileIsReadOnly =
+    "it is an index of one file, which is only read; kestan convert makes a folder of it, which "
+    "can "
+    "be changed";
 
 // Each returns the error to throw for the index that is called `path` in messages.
 
@@ -30,6 +38,20 @@ CommandError CannotRead(const std::string& path, kestan::StoreError error);
 // The store could not write a record, with `error`. The index itself is unharmed if the store works
 // `on_copy`.
 CommandError CannotWrite(const std::string& path, kestan::StoreError error, bool on_copy);
+
+// A function of the search library returned `status`. The error has the status kBusy while another
+// process is changing the index.
+CommandError ErrorOf(const kestan::search::Status& status, const std::string& path);
+
+// Throws ErrorOf(`status`, `path`) unless all went well.
+void CheckStatus(const kestan::search::Status& status, const std::string& path);
+
+// Returns the value of `result`, or throws as CheckStatus() does.
+template <typename T>
+T ValueOf(kestan::search::Result<T> result, const std::string& path) {
+  CheckStatus(result.status(), path);
+  return std::move(*result);
+}
 
 }  // namespace kestan_cli
 

@@ -83,6 +83,23 @@ TEST_F(ProgressTest, NoLineFollowsTheLastFile) {
   EXPECT_TRUE(written_.empty());
 }
 
+TEST_F(ProgressTest, StepIsShownInMegabytesAndTimedFromItsOwnBeginning) {
+  Progress progress(
+      ProgressStyle::kLines, 0, 0, [this] { return now_; },
+      [this](const std::string& text) { written_.push_back(text); });
+  now_ += std::chrono::seconds(60);
+  progress.Reach("writing", 0, 100'000'000);
+  now_ += std::chrono::seconds(10);
+  progress.Reach("writing", 20'000'000, 100'000'000);
+  progress.Reach("merging", 0, 50'000'000);
+  now_ += std::chrono::seconds(10);
+  progress.Reach("merging", 25'000'000, 50'000'000);
+  now_ += std::chrono::seconds(10);
+  progress.Reach("merging", 50'000'000, 50'000'000);
+  EXPECT_EQ(written_, (std::vector<std::string>{"kestan: writing 20 of 100 MB, 0:40 left\n",
+                                                "kestan: merging 25 of 50 MB, 0:10 left\n"}));
+}
+
 TEST_F(ProgressTest, QuietRunWritesNothing) {
   Run(ProgressStyle::kNone, milliseconds(60000));
   EXPECT_TRUE(written_.empty());

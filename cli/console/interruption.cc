@@ -1,0 +1,41 @@
+#include "cli/console/interruption.h"
+
+#include <array>
+#include <cstddef>
+
+namespace kestan_cli {
+namespace {
+
+constexpr std::array kSignals{SIGHUP, SIGINT, SIGTERM};
+
+volatile std::sig_atomic_t g_signal = 0;  // the one that came; 0: none
+
+std::array<struct sigaction, kSignals.size()> g_earlier{};
+
+void Remember(int signal) { g_signal = signal; }
+
+}  // namespace
+
+Interruption::Interruption() {
+  g_signal = 0;
+  struct sigaction action {};
+  action.sa_handler = Remember;
+  action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND);
+  sigemptyset(&action.sa_mask);
+  for (std::size_t i = 0; i < kSignals.size(); ++i) {
+    sigaction(kSignals[i], nullptr, &g_earlier[i]);
+    if (g_earlier[i].sa_handler != SIG_IGN) sigaction(kSignals[i], &action, nullptr);
+  }
+}
+
+Interruption::~Interruption() {
+  for (std::size_t i = 0; i < kSignals.size(); ++i) sigaction(kSignals[i], &g_earlier[i], nullptr);
+}
+
+bool Interruption::HasCome() { return g_signal != 0; }
+
+void Interruption::Check() {
+  if (HasCome()) throw Interrupted(g_signal);
+}
+
+}  // namespace kestan_cli

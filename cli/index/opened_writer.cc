@@ -1,0 +1,50 @@
+#include "cli/index/opened_writer.h"
+
+#include "cli/index/index_errors.h"
+#include "cli/index/index_kind.h"
+
+namespace kestan_cli {
+
+using kestan::search::IndexWriter;
+using kestan::search::Status;
+using kestan::search::StatusCode;
+using kestan::search::WriterOptions;
+using kestan::search::WriterProgress;
+
+OpenedWriter::OpenedWriter(const std::string& path, IfMissing if_missing, ProgressStyle style)
+    : path_(path), progress_(style), writer_(Open(if_missing)) {}
+
+IndexWriter OpenedWriter::Open(IfMissing if_missing) {
+  if (if_missing == IfMissing::kFail || KindOfIndex(path_) == IndexKind::kFile) {
+    CheckIsFolder(path_);
+  }
+  WriterOptions options;
+  options.create = if_missing == IfMissing::kCreate;
+  options.progress = [this](const WriterProgress& progress) { return Show(progress); };
+  return ValueOf(IndexWriter::Open(path_, options), path_);
+}
+
+bool OpenedWriter::Show(const WriterProgress& progress) {
+  const bool is_merging = progress.phase == WriterProgress::Phase::kMerging;
+  progress_.Reach(is_merging ? "merging" : "writing", progress.done_bytes, progress.all_bytes);
+  return !Interruption::HasCome();
+}
+
+void OpenedWriter::Check(const Status& status) const {
+  if (status.code() != StatusCode::kInterrupted) CheckStatus(status, path_);
+  Interruption::Check();
+}
+
+void OpenedWriter::Commit() {
+  const Status status = writer_.Commit();
+  progress_.Clear();
+  Check(status);
+}
+
+void OpenedWriter::Compact() {
+  const Status status = writer_.Compact();
+  progress_.Clear();
+  Check(status);
+}
+
+}  // namespace kestan_cli
