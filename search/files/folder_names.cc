@@ -18,6 +18,12 @@ struct CloseFolder {
 
 }  // namespace
 
+std::string FolderOf(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  if (slash == std::string::npos) return ".";
+  return path.substr(0, slash == 0 ? 1 : slash);
+}
+
 Result<std::vector<std::string>> NamesIn(const std::string& folder) {
   const std::unique_ptr<DIR, CloseFolder> opened(opendir(folder.c_str()));
   if (opened == nullptr) return SystemError(errno, folder);

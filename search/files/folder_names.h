@@ -1,4 +1,4 @@
-// What a folder holds.
+// Folders, and what they hold.
 #ifndef KESTAN_SEARCH_FILES_FOLDER_NAMES_H_
 #define KESTAN_SEARCH_FILES_FOLDER_NAMES_H_
 
@@ -8,6 +8,9 @@
 #include <vector>
 
 namespace kestan::search {
+
+// Returns the folder that the file at `path` lies in.
+std::string FolderOf(const std::string& path);
 
 // Returns the names of all files and folders in `folder`, sorted. Unlike the iterator of the
 // standard library, which ends the process then, it survives a lack of memory.

@@ -8,12 +8,14 @@
 #include <utility>
 #include <vector>
 
+#include "search/files/folder_names.h"
+#include "search/files/new_file.h"
+
 namespace kestan::search {
 namespace {
 
 // Every thread that writes a segment has several, all within its share of the memory budget.
 constexpr std::size_t kBufferBytes = std::size_t{1} << 18;
-constexpr unsigned kMode = 0644;
 
 Status SyncPath(const std::string& path, int flags) {
   const Descriptor file = OpenFile(path, O_RDONLY | flags);
@@ -26,18 +28,12 @@ void StartWriting(const Descriptor& file) {
   static_cast<void>(sync_file_range(file.number(), 0, 0, SYNC_FILE_RANGE_WRITE));
 }
 
-std::string DirectoryOf(const std::string& path) {
-  const std::size_t slash = path.rfind('/');
-  if (slash == std::string::npos) return ".";
-  return path.substr(0, slash == 0 ? 1 : slash);
-}
-
 // Has the file at `path` and those of its directory that it speaks of put on the disk.
 Status SyncWithDirectory(const std::string& path, std::vector<std::string> needed) {
   const bool are_new = !needed.empty();
   needed.push_back(path);
   Status status = SyncFiles(needed);
-  return status.ok() && are_new ? SyncDirectory(DirectoryOf(path)) : status;
+  return status.ok() && are_new ? SyncDirectory(FolderOf(path)) : status;
 }
 
 }  // namespace
@@ -53,7 +49,7 @@ void OutputFile::Discard() {
 }
 
 Status OutputFile::Create(const std::string& path) {
-  file_ = OpenFile(path, O_WRONLY | O_CREAT | O_EXCL, kMode);
+  file_ = CreateFile(path);
   if (!file_.is_open()) return SystemError(errno, path);
   path_ = path;
   buffer_.reserve(kBufferBytes);
@@ -154,7 +150,7 @@ Status ReplaceFile(const std::string& path, std::string_view bytes,
     unlink(beside.c_str());
     return status;
   }
-  return syncing == Syncing::kNow ? SyncDirectory(DirectoryOf(path)) : Status();
+  return syncing == Syncing::kNow ? SyncDirectory(FolderOf(path)) : Status();
 }
 
 Result<std::string> ReadWholeFile(const std::string& path, std::uint64_t max_bytes) {

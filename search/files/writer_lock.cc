@@ -2,17 +2,30 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <string_view>
+#include <utility>
+
+#include "search/files/new_file.h"
 
 namespace kestan::search {
 namespace {
 
-constexpr unsigned kMode = 0644;
+// Opens the file, or makes it. A link, or a file that has other names too, may lead to what is not
+// part of the index: nothing is to be written there.
+Result<Descriptor> OpenOrCreate(const std::string& path) {
+  Descriptor file = CreateFile(path);
+  if (!file.is_open() && errno == EEXIST) file = OpenFile(path, O_RDWR | O_NOFOLLOW);
+  struct stat64 information = {};
+  if (!file.is_open() || fstat64(file.number(), &information) != 0) return SystemError(errno, path);
+  if (S_ISREG(information.st_mode) && information.st_nlink <= 1) return file;
+  return Status(StatusCode::kDamaged, "it is not the lock of an index", path);
+}
 
 int Lock(const Descriptor& file) {
   while (flock(file.number(), LOCK_EX | LOCK_NB) != 0) {
@@ -38,8 +51,9 @@ void WriteHolder(const Descriptor& file) {
 }  // namespace
 
 Result<WriterLock> WriterLock::Take(const std::string& path) {
-  Descriptor file = OpenFile(path, O_RDWR | O_CREAT, kMode);
-  if (!file.is_open()) return SystemError(errno, path);
+  Result<Descriptor> opened = OpenOrCreate(path);
+  if (!opened.ok()) return opened.status();
+  Descriptor& file = *opened;
   const int error = Lock(file);
   if (error == EWOULDBLOCK) {
     return Status(StatusCode::kBusy, HolderOf(file) + " is writing it", path);

@@ -1,12 +1,14 @@
 #include "search/segment/segment_writer.h"
 
+#include <fcntl.h>
 #include <kestan/index_file.h>
 #include <kestan/postings.h>
-
 #include <unistd.h>
 
 #include <cerrno>
 #include <new>
+
+#include "search/files/new_file.h"
 
 namespace kestan::search {
 namespace {
@@ -45,9 +47,17 @@ Status SegmentWriter::Create(const std::string& folder, std::uint64_t number, bo
   const StoreError error = builder_.Open(Path(SegmentFile(info_)).c_str(), options);
   status_ = StatusOf(error, errno, Path(SegmentFile(info_)));
   is_open_ = status_.ok();
+  if (is_open_) ShareIndexFile();
   if (status_.ok()) status_ = terms_.Create(Path(TermsFile(info_)));
   if (status_.ok()) status_ = table_.Create(Path(TableFile(info_)));
   return status_;
+}
+
+// The engine knows nothing of folders.
+void SegmentWriter::ShareIndexFile() const {
+  const std::string path = Path(SegmentFile(info_));
+  const Descriptor file = OpenFile(path, O_RDONLY | O_NOFOLLOW);
+  if (file.is_open()) ShareLikeFolder(file, path);
 }
 
 // The dictionary and the table remove their own files until they are finished.

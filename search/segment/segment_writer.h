@@ -53,6 +53,7 @@ class SegmentWriter {
 
  private:
   std::string Path(const std::string& file) const { return folder_ + "/" + file; }
+  void ShareIndexFile() const;
   Status FinishIndexFile(Syncing syncing);
 
   std::string folder_;

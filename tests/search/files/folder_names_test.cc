@@ -12,6 +12,12 @@
 namespace kestan::search {
 namespace {
 
+TEST(FolderNamesTest, AFileLiesInTheFolderThatItsPathNames) {
+  EXPECT_EQ(FolderOf("a/b/c"), "a/b");
+  EXPECT_EQ(FolderOf("/c"), "/");
+  EXPECT_EQ(FolderOf("c"), ".");
+}
+
 TEST(FolderNamesTest, NamesAreSorted) {
   const kestan_tests::TempDir folder;
   for (const char* const name : {"b", ".hidden", "a"}) kestan_tests::WriteFile(folder / name, "");

@@ -37,6 +37,20 @@ TEST_F(WriterLockTest, ASecondWriterIsToldWhoHoldsIt) {
   EXPECT_EQ(status.ToString(), path_ + ": process " + own_ + " is writing it");
 }
 
+TEST_F(WriterLockTest, NothingIsWrittenToWhereALinkLeads) {
+  WriteFile(dir_ / "other", "text");
+  ASSERT_EQ(symlink((dir_ / "other").c_str(), path_.c_str()), 0);
+  EXPECT_EQ(WriterLock::Take(path_).status().code(), StatusCode::kSystem);
+  EXPECT_EQ(ReadFile(dir_ / "other"), "text");
+}
+
+TEST_F(WriterLockTest, NothingIsWrittenToAFileThatHasAnotherNameToo) {
+  WriteFile(dir_ / "other", "text");
+  ASSERT_EQ(link((dir_ / "other").c_str(), path_.c_str()), 0);
+  EXPECT_EQ(WriterLock::Take(path_).status().code(), StatusCode::kDamaged);
+  EXPECT_EQ(ReadFile(dir_ / "other"), "text");
+}
+
 TEST_F(WriterLockTest, AFileWithoutANumberIsHeldByAnotherProcess) {
   const Result<WriterLock> lock = WriterLock::Take(path_);
   for (const char* text : {"", "x12", "-1"}) {
