@@ -41,9 +41,14 @@ std::string Guarded(const std::string& argument, const Command* command) {
   return NeedsGuard(argument, command) ? kGuard + argument : argument;
 }
 
+bool IsNameOf(const Command& command, const std::string& name) {
+  return command.name == name ||
+         std::count(command.aliases.begin(), command.aliases.end(), name) != 0;
+}
+
 const Command* CommandNamed(const std::vector<Command>& commands, const std::string& name) {
   const auto found = std::find_if(commands.begin(), commands.end(),
-                                  [&](const Command& command) { return command.name == name; });
+                                  [&](const Command& command) { return IsNameOf(command, name); });
   return found != commands.end() ? &*found : nullptr;
 }
 
@@ -85,7 +90,9 @@ CLI::App* AddTo(CLI::App* app, const Command& command) {
   }
   const std::string name =
       blank == std::string::npos ? command.name : command.name.substr(blank + 1);
-  return app->add_subcommand(name, command.purpose)->group(kCommands);
+  app = app->add_subcommand(name, command.purpose)->group(kCommands);
+  for (const std::string& alias : command.aliases) app->alias(alias);
+  return app;
 }
 
 std::string FooterOf(const Command& command) {

@@ -70,6 +70,7 @@ struct Command {
   bool takes_dashes = false;       // a word with one dash is an argument unless it is an option
   bool hidden = false;             // left out of help and manual: only the build uses it
   std::string group_purpose = {};  // of a command with two words: the purpose of its group
+  Arguments aliases = {};          // other names of a command with one word
 };
 
 // Returns the long name of an option: "--null" of "-0,--null".

@@ -29,6 +29,12 @@ bool HasSecondWords(const CommandGroup& group) {
   return !SecondWord(group.commands.front()->name).empty();
 }
 
+Arguments FirstWords(const CommandGroup& group) {
+  Arguments words{group.name};
+  for (const std::string& alias : group.commands.front()->aliases) words.push_back(alias);
+  return words;
+}
+
 std::string SecondWords(const CommandGroup& group) {
   std::vector<std::string> words;
   for (const Command* command : group.commands) words.push_back(SecondWord(command->name));

@@ -22,6 +22,10 @@ std::vector<CommandGroup> GroupsOf(const std::vector<Command>& commands);
 // Returns whether the commands of `group` have names of two words.
 bool HasSecondWords(const CommandGroup& group);
 
+// Returns the words that may stand first for the group: its name, and the aliases of its one
+// command.
+Arguments FirstWords(const CommandGroup& group);
+
 // Returns the second words of the names, separated by blanks.
 std::string SecondWords(const CommandGroup& group);
 

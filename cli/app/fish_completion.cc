@@ -25,7 +25,7 @@ std::string FishCompletion(const std::vector<Command>& commands) {
   for (const CommandGroup& group : GroupsOf(commands)) {
     lines += "complete -c kestan -n __fish_use_subcommand -f -a " + group.name + " -d " +
              ShellQuoted(PurposeOf(group)) + "\n";
-    const std::string seen = "'__fish_seen_subcommand_from " + group.name + "'";
+    const std::string seen = "'__fish_seen_subcommand_from " + Joined(FirstWords(group), " ") + "'";
     if (HasSecondWords(group)) {
       lines += "complete -c kestan -f -n " + seen + "'; and not __fish_seen_subcommand_from " +
                SecondWords(group) + "' -a '" + SecondWords(group) + "'\n";

@@ -1,6 +1,7 @@
 #include "cli/app/manual.h"
 
 #include "cli/app/command_groups.h"
+#include "cli/console/message.h"
 
 namespace kestan_cli {
 namespace {
@@ -29,8 +30,10 @@ std::string Roff(const std::string& text) {
   return escaped;
 }
 
-std::string Head(const std::string& name, const std::string& purpose) {
-  return ".TH " + Roff(name) + " 1\n.SH NAME\n" + Roff(name) + " \\- " + Roff(purpose) + "\n";
+// The first of `names` is the title of the page.
+std::string Head(const Arguments& names, const std::string& purpose) {
+  return ".TH " + Roff(names.front()) + " 1\n.SH NAME\n" + Roff(Joined(names, ", ")) + " \\- " +
+         Roff(purpose) + "\n";
 }
 
 std::string Item(const std::string& term, const std::string& text) {
@@ -79,10 +82,14 @@ std::string SectionOf(const Command& command) {
          ".PP\n" + Examples(command);
 }
 
-std::string PageName(const CommandGroup& group) { return "kestan-" + group.name; }
+Arguments PageNames(const CommandGroup& group) {
+  Arguments names = FirstWords(group);
+  for (std::string& name : names) name.insert(0, "kestan-");
+  return names;
+}
 
 std::string Overview(const std::vector<Command>& commands) {
-  std::string page = Head("kestan", "index text files and find words in them") +
+  std::string page = Head({"kestan"}, "index text files and find words in them") +
                      ".SH SYNOPSIS\nkestan COMMAND [OPTIONS] INDEX ...\n.SH COMMANDS\n";
   for (const Command& command : commands) {
     if (!command.hidden) page += Item("kestan " + command.name, command.purpose);
@@ -97,7 +104,7 @@ std::string Overview(const std::vector<Command>& commands) {
 std::map<std::string, std::string> ManualPages(const std::vector<Command>& commands) {
   std::map<std::string, std::string> pages{{"kestan.1", Overview(commands)}};
   for (const CommandGroup& group : GroupsOf(commands)) {
-    std::string page = Head(PageName(group), PurposeOf(group));
+    std::string page = Head(PageNames(group), PurposeOf(group));
     page += ".SH SYNOPSIS\n";
     for (const Command* command : group.commands) {
       page += (command != group.commands.front() ? ".br\n" : "") + Roff(UsageOf(*command)) + "\n";
@@ -105,7 +112,7 @@ std::map<std::string, std::string> ManualPages(const std::vector<Command>& comma
     for (const Command* command : group.commands) {
       page += HasSecondWords(group) ? SectionOf(*command) : Body(*command);
     }
-    pages[PageName(group) + ".1"] = page + kStatuses;
+    for (const std::string& name : PageNames(group)) pages[name + ".1"] = page + kStatuses;
   }
   return pages;
 }

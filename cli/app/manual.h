@@ -10,8 +10,8 @@
 
 namespace kestan_cli {
 
-// Returns the pages by the names of their files: kestan.1, and kestan-NAME.1 for each command and
-// each group of commands. The text is in roff, with the macros of man(7).
+// Returns the pages by the names of their files: kestan.1, and kestan-NAME.1 for each name of a
+// command and each group of commands. The text is in roff, with the macros of man(7).
 std::map<std::string, std::string> ManualPages(const std::vector<Command>& commands);
 
 }  // namespace kestan_cli

@@ -17,13 +17,20 @@ std::string OptionWords(const Command& command) {
   return words;
 }
 
+// Returns the pattern of the group followed by `next`: "compact\ *|shrink\ *".
+std::string PatternOf(const CommandGroup& group, const std::string& next) {
+  Arguments patterns = FirstWords(group);
+  for (std::string& pattern : patterns) pattern += "\\ " + next;
+  return Joined(patterns, "|");
+}
+
 // Returns a case that prints the words that may follow $1 and $2.
 std::string CasesOf(const std::vector<CommandGroup>& groups) {
   std::string cases = "  case \"$1 $2\" in\n";
   for (const CommandGroup& group : groups) {
     for (const Command* command : group.commands) {
       const std::string pattern =
-          HasSecondWords(group) ? "\"" + command->name + "\"" : command->name + "\\ *";
+          HasSecondWords(group) ? "\"" + command->name + "\"" : PatternOf(group, "*");
       cases += "    " + pattern + ") echo \"" + OptionWords(*command) + "\" ;;\n";
     }
     if (HasSecondWords(group)) {
@@ -40,7 +47,7 @@ std::string CasesOfValues(const std::vector<CommandGroup>& groups) {
     for (const Command* command : group.commands) {
       for (const Option& option : command->options) {
         if (option.choices.empty()) continue;
-        cases += "    " + group.name + "\\ " + LongName(option) + ") echo \"" +
+        cases += "    " + PatternOf(group, LongName(option)) + ") echo \"" +
                  Joined(option.choices, " ") + "\" ;;\n";
       }
     }

@@ -20,6 +20,7 @@ std::vector<Command> Commands() {
                {},
                nullptr};
   find.takes_dashes = true;
+  find.aliases = {"seek", "hunt"};
   return {find, {"title get", "Get.", {{"INDEX", ""}}, {}, "", {}, nullptr}};
 }
 
@@ -58,6 +59,24 @@ TEST(ArgumentsTest, WordsInBracketsStayWhole) {
   const Request request = ReadArguments(commands, {"find", "[a,b]", "[c]"});
   EXPECT_EQ(request.values.Text("INDEX"), "[a,b]");
   EXPECT_EQ(request.values.Text("QUERY"), "[c]");
+}
+
+TEST(ArgumentsTest, AliasMeansTheSameAsTheName) {
+  const std::vector<Command> commands = Commands();
+  for (const char* name : {"find", "seek", "hunt"}) {
+    const Request request = ReadArguments(commands, {name, "i", "cat", "-dog", "-l"});
+    ASSERT_EQ(request.command, &commands[0]) << name;
+    EXPECT_EQ(request.values.All("QUERY"), (Arguments{"cat", "-dog"})) << name;
+    EXPECT_TRUE(request.values.Has("--long")) << name;
+  }
+}
+
+TEST(ArgumentsTest, HelpListsAliasesAndRefusalsNameTheCommand) {
+  const std::vector<Command> commands = Commands();
+  const std::string help = ReadArguments(commands, {"--help"}).text;
+  EXPECT_NE(help.find("find, seek, hunt"), std::string::npos) << help;
+  EXPECT_EQ(Refusal({"hunt", "i", "a", "--long=1"}),
+            "--long takes no value (see kestan find --help)");
 }
 
 TEST(ArgumentsTest, HelpIsTextWithoutACommand) {

@@ -27,6 +27,14 @@ TEST(CommandGroupsTest, CommandsWithOneFirstWordAreAGroup) {
   EXPECT_EQ(PurposeOf(groups[1]), "Purpose of the group of title get.");
 }
 
+TEST(CommandGroupsTest, AliasesAreFirstWordsToo) {
+  std::vector<Command> commands{Named("list"), Named("title get"), Named("title set")};
+  commands[0].aliases = {"ls", "names"};
+  const std::vector<CommandGroup> groups = GroupsOf(commands);
+  EXPECT_EQ(FirstWords(groups[0]), (Arguments{"list", "ls", "names"}));
+  EXPECT_EQ(FirstWords(groups[1]), Arguments{"title"});
+}
+
 TEST(CommandGroupsTest, HiddenCommandsAreInNoGroup) {
   const std::vector<Command> commands{Named("list"), Named("manual", true)};
   EXPECT_EQ(GroupsOf(commands).size(), 1u);

@@ -43,6 +43,17 @@ TEST(ManualTest, CharactersOfRoffAreEscaped) {
   EXPECT_TRUE(Holds(page, "\n\\&.dot at \\e the start")) << page;
 }
 
+TEST(ManualTest, PageIsFoundUnderEachNameOfTheCommand) {
+  std::vector<Command> commands{{"try", "Try.", {}, {}, "", {"kestan try"}, nullptr}};
+  commands[0].aliases = {"attempt"};
+  const auto pages = kestan_cli::ManualPages(commands);
+  EXPECT_EQ(pages.size(), 3u);
+  EXPECT_TRUE(Holds(pages.at("kestan-try.1"),
+                    ".TH kestan\\-try 1\n.SH NAME\nkestan\\-try, kestan\\-attempt \\- Try.\n"))
+      << pages.at("kestan-try.1");
+  EXPECT_EQ(pages.at("kestan-attempt.1"), pages.at("kestan-try.1"));
+}
+
 TEST(ManualTest, PageOfAGroupHasEachSectionOnce) {
   const std::string page = kestan_cli::ManualPages(AllCommands()).at("kestan-title.1");
   const std::string synopsis = "\n.SH SYNOPSIS\nkestan title get";

@@ -31,5 +31,22 @@ TEST(ShellWordsTest, FunctionsHaveACaseForEachCommandAndEachChoice) {
             "}\n");
 }
 
+TEST(ShellWordsTest, AliasesShareTheCasesOfTheCommand) {
+  std::vector<Command> commands{
+      {"find", "", {}, {{"-o,--order", "ORDER", "", {"best"}}}, "", {}, nullptr}};
+  commands[0].aliases = {"seek"};
+  EXPECT_EQ(WordFunctions(GroupsOf(commands)),
+            "_kestan_words() {\n"
+            "  case \"$1 $2\" in\n"
+            "    find\\ *|seek\\ *) echo \"--help -o --order\" ;;\n"
+            "  esac\n"
+            "}\n"
+            "_kestan_values() {\n"
+            "  case \"$1 $2\" in\n"
+            "    find\\ --order|seek\\ --order) echo \"best\" ;;\n"
+            "  esac\n"
+            "}\n");
+}
+
 }  // namespace
 }  // namespace kestan_cli
