@@ -9,7 +9,6 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <new>
 #include <set>
 #include <string_view>
 #include <system_error>
@@ -18,6 +17,7 @@
 #include "search/files/file_bytes.h"
 #include "search/files/folder_names.h"
 #include "search/files/output_file.h"
+#include "search/index/caught.h"
 #include "search/index/manifest/manifest.h"
 #include "search/segment/derived_files.h"
 #include "search/segment/plain_index.h"
@@ -247,14 +247,12 @@ class Checker {
 }  // namespace
 
 Result<CheckReport> CheckIndex(const std::string& path, const CheckOptions& options) {
-  try {
+  return Caught(path, [&] {
     std::error_code error;
     const bool is_file = std::filesystem::is_regular_file(path, error);
     Checker checker(path, options);
     return is_file ? checker.CheckFile() : checker.CheckFolder();
-  } catch (const std::bad_alloc&) {
-    return Status(StatusCode::kOutOfMemory, "out of memory", path);
-  }
+  });
 }
 
 }  // namespace kestan::search

@@ -8,13 +8,14 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <new>
+#include <exception>
 #include <optional>
 #include <string_view>
 #include <utility>
 
 #include "search/files/descriptor.h"
 #include "search/files/output_file.h"
+#include "search/index/caught.h"
 #include "search/index/manifest/manifest.h"
 #include "search/index/merging/merger.h"
 #include "search/index/opened_index.h"
@@ -53,7 +54,12 @@ class StagingFolder {
   StagingFolder(const StagingFolder&) = delete;
   StagingFolder& operator=(const StagingFolder&) = delete;
   ~StagingFolder() {
-    if (!path_.empty()) Remove();
+    if (path_.empty()) return;
+    try {
+      Remove();
+    } catch (const std::exception&) {
+      return;  // without memory; the next conversion removes it
+    }
   }
 
   // Makes the folder for what is to be at `target`.
@@ -222,22 +228,14 @@ Status WriteOneFile(const std::string& folder, const std::string& file) {
 
 Status ConvertIndexFile(const std::string& file, const std::string& folder,
                         ConversionReport* report) {
-  try {
-    ConversionReport ignored;
-    ConversionReport* const wanted = report != nullptr ? report : &ignored;
-    *wanted = {};
-    return Convert(file, WithoutSlashes(folder), wanted);
-  } catch (const std::bad_alloc&) {
-    return {StatusCode::kOutOfMemory, "out of memory", file};
-  }
+  ConversionReport ignored;
+  ConversionReport* const wanted = report != nullptr ? report : &ignored;
+  *wanted = {};
+  return Caught(file, [&] { return Convert(file, WithoutSlashes(folder), wanted); });
 }
 
 Status WriteIndexFile(const std::string& folder, const std::string& file) {
-  try {
-    return WriteOneFile(WithoutSlashes(folder), file);
-  } catch (const std::bad_alloc&) {
-    return {StatusCode::kOutOfMemory, "out of memory", folder};
-  }
+  return Caught(folder, [&] { return WriteOneFile(WithoutSlashes(folder), file); });
 }
 
 }  // namespace kestan::search

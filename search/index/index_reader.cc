@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <new>
 #include <set>
 #include <utility>
 
+#include "search/index/caught.h"
 #include "search/index/opened_index.h"
 #include "search/index/question.h"
 #include "search/matching/vocabulary.h"
@@ -16,16 +16,10 @@
 namespace kestan::search {
 namespace {
 
-Status OutOfMemory() { return {StatusCode::kOutOfMemory, "out of memory"}; }
-
-// Calls `work`, and makes a lack of memory an error like any other.
+// Makes exceptions errors, which are about no file of their own.
 template <typename Work>
-auto WithinMemory(const Work& work) -> decltype(work()) {
-  try {
-    return work();
-  } catch (const std::bad_alloc&) {
-    return OutOfMemory();
-  }
+auto Caught(const Work& work) -> decltype(work()) {
+  return Caught("", work);
 }
 
 // Returns the percentages that scores are of the best one.
@@ -45,7 +39,7 @@ class IndexReader::Impl {
       if (!opened.ok()) return opened.status();
       indexes_.push_back(std::move(*opened));
     }
-    MakeSnapshot();
+    snapshot_ = SnapshotOf(indexes_);
     return {};
   }
 
@@ -58,8 +52,9 @@ class IndexReader::Impl {
       changed = changed || opened->manifest.generation != index.manifest.generation;
       indexes.push_back(std::move(*opened));
     }
+    Snapshot snapshot = SnapshotOf(indexes);
     indexes_ = std::move(indexes);
-    MakeSnapshot();
+    snapshot_ = std::move(snapshot);
     return changed;
   }
 
@@ -131,7 +126,7 @@ class IndexReader::Impl {
     return found != properties.end() ? found->second : "";
   }
 
-  IndexStatistics Statistics() const {
+  IndexStatistics Statistics() const noexcept {
     IndexStatistics statistics;
     statistics.documents = snapshot_.living_documents();
     statistics.words = snapshot_.living_words();
@@ -145,14 +140,15 @@ class IndexReader::Impl {
   }
 
  private:
-  void MakeSnapshot() {
-    snapshot_ = {};
-    for (std::size_t i = 0; i < indexes_.size(); ++i) {
-      for (const auto& segment : indexes_[i].segments) {
-        snapshot_.segments.push_back(segment);
-        snapshot_.index_of_segment.push_back(i);
+  static Snapshot SnapshotOf(const std::vector<OpenedIndex>& indexes) {
+    Snapshot snapshot;
+    for (std::size_t i = 0; i < indexes.size(); ++i) {
+      for (const auto& segment : indexes[i].segments) {
+        snapshot.segments.push_back(segment);
+        snapshot.index_of_segment.push_back(i);
       }
     }
+    return snapshot;
   }
 
   // No document has an empty name, but what is damaged has.
@@ -212,11 +208,11 @@ IndexReader& IndexReader::operator=(IndexReader&& other) noexcept = default;
 IndexReader::~IndexReader() = default;
 
 Result<IndexReader> IndexReader::Open(const std::string& path) {
-  return WithinMemory([&] { return Open(std::vector<std::string>{path}); });
+  return Caught([&] { return Open(std::vector<std::string>{path}); });
 }
 
 Result<IndexReader> IndexReader::Open(const std::vector<std::string>& paths) {
-  return WithinMemory([&]() -> Result<IndexReader> {
+  return Caught([&]() -> Result<IndexReader> {
     auto impl = std::make_unique<Impl>();
     const Status status = impl->Open(paths);
     if (!status.ok()) return status;
@@ -225,43 +221,48 @@ Result<IndexReader> IndexReader::Open(const std::vector<std::string>& paths) {
 }
 
 Result<bool> IndexReader::Refresh() {
-  return WithinMemory([&] { return impl_->Refresh(); });
+  return Caught([&] { return impl_->Refresh(); });
 }
 
 Result<SearchResults> IndexReader::Search(std::string_view query,
                                           const SearchOptions& options) const {
-  return WithinMemory([&] { return impl_->Search(query, options); });
+  return Caught([&] { return impl_->Search(query, options); });
 }
 
 Status IndexReader::ForEachMatch(std::string_view query, const SearchOptions& options,
                                  const std::function<bool(const Match&)>& visit) const {
-  return WithinMemory([&] { return impl_->ForEachMatch(query, options, visit); });
+  return Caught([&] { return impl_->ForEachMatch(query, options, visit); });
 }
 
 Result<std::uint64_t> IndexReader::Count(std::string_view query,
                                          const SearchOptions& options) const {
-  return WithinMemory([&] { return impl_->Count(query, options); });
+  return Caught([&] { return impl_->Count(query, options); });
 }
 
 Result<std::vector<TermInfo>> IndexReader::Terms(std::string_view prefix, std::size_t limit) const {
-  return WithinMemory([&] { return impl_->Terms(prefix, limit); });
+  return Caught([&] { return impl_->Terms(prefix, limit); });
 }
 
 Result<DocumentInfo> IndexReader::FindDocument(std::string_view name) const {
-  return WithinMemory([&] { return impl_->FindDocument(name); });
+  return Caught([&] { return impl_->FindDocument(name); });
 }
 
 Status IndexReader::ForEachDocument(const std::function<bool(const DocumentInfo&)>& visit) const {
-  return WithinMemory([&] { return impl_->ForEachDocument(visit); });
+  return Caught([&] { return impl_->ForEachDocument(visit); });
 }
 
-std::vector<Fragment> IndexReader::Snippet(const SearchResults& results, std::string_view text) {
-  const std::set<std::string> terms(results.matched_terms.begin(), results.matched_terms.end());
-  return MakeSnippet(text, terms);
+Result<std::vector<Fragment>> IndexReader::Snippet(const SearchResults& results,
+                                                   std::string_view text) {
+  return Caught([&]() -> Result<std::vector<Fragment>> {
+    const std::set<std::string> terms(results.matched_terms.begin(), results.matched_terms.end());
+    return MakeSnippet(text, terms);
+  });
 }
 
-std::string IndexReader::Property(std::string_view key) const { return impl_->Property(key); }
+Result<std::string> IndexReader::Property(std::string_view key) const {
+  return Caught([&]() -> Result<std::string> { return impl_->Property(key); });
+}
 
-IndexStatistics IndexReader::Statistics() const { return impl_->Statistics(); }
+IndexStatistics IndexReader::Statistics() const noexcept { return impl_->Statistics(); }
 
 }  // namespace kestan::search

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <ctime>
 #include <exception>
-#include <new>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "search/index/caught.h"
 #include "search/index/committed_index.h"
 #include "search/index/inverting/pending_documents.h"
 #include "search/index/merging/merge_policy.h"
@@ -72,7 +72,7 @@ class IndexWriter::Impl {
   // Calls `action`, unless an earlier error stands in the way. An exception is such an error.
   template <typename Action>
   Status Guarded(const Action& action) {
-    return failed_.ok() ? Caught(action) : failed_;
+    return Caught([this, &action] { return failed_.ok() ? action() : failed_; });
   }
 
   // Calls `action`, whatever happened before.
@@ -80,11 +80,12 @@ class IndexWriter::Impl {
   Status Caught(const Action& action) {
     try {
       return action();
-    } catch (const std::bad_alloc&) {
-      return FailOutOfMemory();
     } catch (const std::exception& error) {
-      return FailOf(error);
+      failed_ = StatusOfException(error, index_->folder());
     }
+    RemoveChanges();
+    // There may be no memory for a copy.
+    return kestan::search::Caught("", [this] { return failed_; });
   }
 
   Status Add(Document document) {
@@ -183,21 +184,6 @@ class IndexWriter::Impl {
     failed_ = std::move(status);
     RemoveChanges();
     return failed_;
-  }
-
-  // The same where there may be no memory at all, not even for the name of the folder.
-  Status FailOutOfMemory() {
-    failed_ = Status(StatusCode::kOutOfMemory, "out of memory");
-    RemoveChanges();
-    return failed_;
-  }
-
-  Status FailOf(const std::exception& error) {
-    try {
-      return Fail({StatusCode::kSystem, error.what(), index_->folder()});
-    } catch (const std::bad_alloc&) {
-      return FailOutOfMemory();
-    }
   }
 
   // Removes what is not committed. What stays for lack of memory is removed when the index is
@@ -301,15 +287,11 @@ Result<IndexWriter> IndexWriter::Open(const std::string& path, WriterOptions opt
   if (options.merge_factor < 2) {
     return Status(StatusCode::kInvalidArgument, "fewer than two segments cannot be merged");
   }
-  try {
+  return kestan::search::Caught(path, [&]() -> Result<IndexWriter> {
     auto index = CommittedIndex::Open(path, options);
     if (!index.ok()) return index.status();
     return IndexWriter(std::make_unique<Impl>(std::move(*index), std::move(options)));
-  } catch (const std::bad_alloc&) {
-    return Status(StatusCode::kOutOfMemory, "out of memory");  // not even for the path
-  } catch (const std::exception& error) {
-    return Status(StatusCode::kSystem, error.what());
-  }
+  });
 }
 
 IndexWriter::IndexWriter(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}

@@ -5,7 +5,6 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <new>
 #include <optional>
 #include <set>
 #include <string_view>
@@ -17,6 +16,7 @@
 #include "search/files/numbers.h"
 #include "search/files/output_file.h"
 #include "search/files/writer_lock.h"
+#include "search/index/caught.h"
 #include "search/index/manifest/manifest.h"
 #include "search/index/manifest/manifest_text.h"
 #include "search/segment/derived_files.h"
@@ -264,14 +264,10 @@ class Rebuilder {
 }  // namespace
 
 Status RebuildDerivedFiles(const std::string& folder, RebuildReport* report) {
-  try {
-    RebuildReport ignored;
-    RebuildReport* const wanted = report != nullptr ? report : &ignored;
-    *wanted = {};
-    return Rebuilder(folder, wanted).Rebuild();
-  } catch (const std::bad_alloc&) {
-    return {StatusCode::kOutOfMemory, "out of memory", folder};
-  }
+  RebuildReport ignored;
+  RebuildReport* const wanted = report != nullptr ? report : &ignored;
+  *wanted = {};
+  return Caught(folder, [&] { return Rebuilder(folder, wanted).Rebuild(); });
 }
 
 }  // namespace kestan::search

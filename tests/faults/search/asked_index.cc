@@ -91,8 +91,10 @@ Result<std::string> ListDocuments(const IndexReader& reader) {
 
 Result<std::string> ListStatistics(const IndexReader& reader) {
   const auto statistics = reader.Statistics();
+  const auto property = reader.Property("key");
+  if (!property.ok()) return property.status();
   return std::to_string(statistics.documents) + " " + std::to_string(statistics.words) + " " +
-         reader.Property("key");
+         *property;
 }
 
 std::vector<Question> Questions() {
@@ -123,7 +125,7 @@ void MakeIndex(const std::string& folder) {
     const std::string number = std::to_string(i);
     Require(writer->Add(MakeDocument("a" + number, "common cold river number" + number)));
   }
-  writer->SetProperty("key", "value of it");
+  writer->SetProperty("key", "a value that takes memory of its own");
   Require(writer->Commit());
   for (int i = 0; i < 4; ++i) {
     const std::string number = std::to_string(i);

@@ -123,8 +123,8 @@ TEST_F(ConvertTest, AFileBecomesAFolderWithAllThatItHas) {
   EXPECT_EQ(read.at("b").summary, "Summary");
   EXPECT_EQ(read.at("b").host_data, "host data");
   const auto reader = IndexReader::Open(Path("folder"));
-  EXPECT_EQ(reader->Property("wordlist:colours"), "red\ngreen\n");
-  EXPECT_EQ(reader->Property("option-flags"), "8");
+  EXPECT_EQ(*reader->Property("wordlist:colours"), "red\ngreen\n");
+  EXPECT_EQ(*reader->Property("option-flags"), "8");
   EXPECT_TRUE(IndexWriter::Open(Path("folder")).ok());
   EXPECT_FALSE(std::filesystem::exists(Path("folder.new")));
 }

@@ -132,13 +132,16 @@ class KESTAN_SEARCH_EXPORT IndexReader {
 
   // Cuts the part out of `text`, the text of a hit in UTF-8, that shows best why it matches: about
   // 160 bytes on one line, one blank for each run of white space, "..." where text was left out.
-  //   Returns  nothing if no matched term of `results` occurs in it.
-  static std::vector<Fragment> Snippet(const SearchResults& results, std::string_view text);
+  //   Returns  an empty list if no matched term of `results` occurs in it; kSystem where the text
+  //            cannot be transliterated.
+  static Result<std::vector<Fragment>> Snippet(const SearchResults& results, std::string_view text);
 
-  // Returns what IndexWriter::SetProperty() has kept in the first index; "" for nothing.
-  std::string Property(std::string_view key) const;
+  // Returns what IndexWriter::SetProperty() has kept in the first index; "" for nothing. Allocates
+  // the copy, which is all that can fail.
+  Result<std::string> Property(std::string_view key) const;
 
-  IndexStatistics Statistics() const;
+  // Cannot fail: all of it was counted when the snapshot was taken.
+  IndexStatistics Statistics() const noexcept;
 
  private:
   class Impl;
