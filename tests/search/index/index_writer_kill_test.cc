@@ -1,18 +1,20 @@
 // A writer is killed while it commits and merges. What it leaves is one of the states that it
 // committed, the last that it reported or the next, and the next writer removes the rest.
 //
-// In the environment, KESTAN_KILL_TRIALS=N kills it at N random moments instead of 60.
+// In the environment, KESTAN_KILL_TRIALS=N kills it at N random moments instead of 60, and
+// KESTAN_KILL_SEED=N makes these other ones.
 #include <gtest/gtest.h>
+#include <kestan/search/check.h>
 #include <kestan/search/index_writer.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <filesystem>
 #include <new>
 #include <random>
@@ -124,6 +126,59 @@ int RunAndKill(const std::string& path, long kill_after_us, int* status) {
   return *done;
 }
 
+// Returns how many findings of the kind CheckIndex() has.
+std::uint64_t FindingsIn(const std::string& path, bool faults) {
+  const auto report = CheckIndex(path);
+  EXPECT_TRUE(report.ok()) << report.status().ToString();
+  if (!report.ok()) return 1;
+  for (const IndexFinding& finding : report->findings) {
+    EXPECT_FALSE(finding.is_fault) << finding.file << ": " << finding.text;
+  }
+  return faults ? report->faults : report->notes;
+}
+
+// What was found after kills.
+struct KillCounts {
+  int killed = 0;
+  int without_index = 0;
+  int with_leftovers = 0;
+  int after_reported = 0;  // the state of the last round that was reported
+  int after_next = 0;      // that of the round that was going on
+
+  void Print(int trials) const {
+    std::printf(
+        "%d trials: %d killed, %d before there was an index; %d left files that no manifest "
+        "names; %d old, %d new\n",
+        trials, killed, without_index, with_leftovers, after_reported, after_next);
+    std::fflush(stdout);
+  }
+};
+
+// Checks what a writer left at `path` after `done` rounds, before and after the next writer opens
+// it, and that this one can go on.
+void CheckLeft(const std::string& path, int done, KillCounts* counts) {
+  if (std::filesystem::exists(path + "/MANIFEST")) {
+    EXPECT_EQ(FindingsIn(path, true), 0u);
+    counts->with_leftovers += kestan_tests::FilesIn(path) != kestan_tests::NamedFiles(path) ? 1 : 0;
+  } else {
+    ++counts->without_index;
+  }
+  auto writer = IndexWriter::Open(path);
+  ASSERT_TRUE(writer.ok()) << writer.status().ToString();
+  EXPECT_EQ(kestan_tests::FilesIn(path), kestan_tests::NamedFiles(path));
+  EXPECT_EQ(FindingsIn(path, true), 0u);
+  EXPECT_EQ(FindingsIn(path, false), 0u);
+  const ReadDocuments found = kestan_tests::ReadIndex(path);
+  const bool is_next = done < kRounds && found == After(done + 1);
+  EXPECT_TRUE(is_next || found == After(done)) << done;
+  ++(is_next ? counts->after_next : counts->after_reported);
+  const int rounds = is_next ? done + 1 : done;
+  if (rounds == kRounds) return;
+  DoRound(rounds, &*writer);
+  EXPECT_TRUE(kestan_tests::ReadIndex(path) == After(rounds + 1)) << rounds;
+  EXPECT_EQ(kestan_tests::FilesIn(path), kestan_tests::NamedFiles(path));
+}
+
 TEST(IndexWriterKillTest, LeavesTheOldStateOrTheNewOne) {
   using Clock = std::chrono::steady_clock;
   const kestan_tests::TempDir folder;
@@ -134,27 +189,24 @@ TEST(IndexWriterKillTest, LeavesTheOldStateOrTheNewOne) {
       std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - start).count();
   ASSERT_TRUE(kestan_tests::ReadIndex(folder / "whole") == After(kRounds));
 
-  std::mt19937 random(14);  // NOLINT(cert-msc32-c,cert-msc51-cpp)
+  std::mt19937 random(  // NOLINT(cert-msc32-c,cert-msc51-cpp)
+      static_cast<unsigned>(kestan_tests::NumberFromEnvironment("KESTAN_KILL_SEED", 14)));
   std::uniform_int_distribution<long> moments(1, static_cast<long>(whole_us));
-  const int trials =
-      static_cast<int>(kestan_tests::NumberFromEnvironment("KESTAN_KILL_TRIALS", 60));
-  int killed = 0;
-  int with_leftovers = 0;
-  for (int trial = 0; trial < trials; ++trial) {
-    const std::string path = folder / std::to_string(trial);
-    const int done = RunAndKill(path, moments(random), &status);
-    killed += WIFSIGNALED(status) ? 1 : 0;
-    if (std::filesystem::exists(path + "/MANIFEST")) {
-      with_leftovers += kestan_tests::FilesIn(path) != kestan_tests::NamedFiles(path) ? 1 : 0;
-    }
-    auto writer = IndexWriter::Open(path);
-    ASSERT_TRUE(writer.ok()) << writer.status().ToString();
-    EXPECT_EQ(kestan_tests::FilesIn(path), kestan_tests::NamedFiles(path));
-    const ReadDocuments found = kestan_tests::ReadIndex(path);
-    EXPECT_TRUE(found == After(done) || found == After(std::min(done + 1, kRounds))) << done;
+  const int trials = kestan_tests::NumberFromEnvironment("KESTAN_KILL_TRIALS", 60);
+  KillCounts counts;
+  for (int trial = 0; trial < trials && !HasFailure(); ++trial) {
+    const std::string path = folder / "index";
+    const long moment = moments(random);
+    SCOPED_TRACE("trial " + std::to_string(trial) + " after us " + std::to_string(moment));
+    const int done = RunAndKill(path, moment, &status);
+    counts.killed += WIFSIGNALED(status) ? 1 : 0;
+    CheckLeft(path, done, &counts);
+    if (!HasFailure()) std::filesystem::remove_all(path);
+    if (trial % 500 == 499) counts.Print(trial + 1);
   }
-  EXPECT_GT(killed, 0);
-  EXPECT_GT(with_leftovers, 0);
+  counts.Print(trials);
+  EXPECT_GT(counts.killed, 0);
+  EXPECT_GT(counts.with_leftovers, 0);
 }
 
 }  // namespace
