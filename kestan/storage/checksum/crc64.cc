@@ -1,5 +1,6 @@
 #include <kestan/storage/checksum/crc64.h>
 
+#include <kestan/storage/checksum/crc64_folding.h>
 #include <kestan/storage/checksum/crc64_tables.h>
 
 #include <endian.h>
@@ -30,11 +31,22 @@ std::uint64_t RemainderOf(std::uint64_t eight) {
          kTables[kAfter + 1][byte(6)] ^ kTables[kAfter][byte(7)];
 }
 
+// Takes as many bytes off the front of `*bytes` as can be folded.
+//   Returns  the register after them.
+std::uint64_t TakeFolded(std::uint64_t state, std::string_view* bytes) {
+  const std::size_t size = bytes->size() / kCrc64FoldStep * kCrc64FoldStep;
+  const auto [first, last] = FoldCrc64(state, bytes->data(), size);
+  bytes->remove_prefix(size);
+  return RemainderOf<8>(first) ^ RemainderOf<0>(last);
+}
+
 }  // namespace
 
 // The tables of a step do not wait for each other, as byte after byte would.
 void Crc64::Add(std::string_view bytes) {
+  static const bool can_fold = CanFoldCrc64();
   std::uint64_t state = register_;
+  if (can_fold && bytes.size() >= kCrc64FoldsFrom) state = TakeFolded(state, &bytes);
   const char* next = bytes.data();
   std::size_t left = bytes.size();
   for (; left >= kCrc64Step; left -= kCrc64Step, next += kCrc64Step) {

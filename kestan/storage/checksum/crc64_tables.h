@@ -8,6 +8,9 @@
 
 namespace kestan {
 
+// That of ECMA-182, with bits reflected.
+inline constexpr std::uint64_t kCrc64Polynomial = 0xc96c5795d7870f42;
+
 // Bytes that are taken in one step, each through a table of its own.
 inline constexpr std::size_t kCrc64Step = 16;
 
@@ -17,12 +20,11 @@ using Crc64Tables = std::array<Crc64Table, kCrc64Step>;
 // Returns the remainder of each byte that is followed by one byte of zero in the first table, by
 // two in the second, and so on.
 constexpr Crc64Tables MakeCrc64Tables() {
-  constexpr std::uint64_t kPolynomial = 0xc96c5795d7870f42;
   Crc64Tables tables{};
   for (std::size_t byte = 0; byte < tables[0].size(); ++byte) {
     std::uint64_t remainder = byte;
     for (int bit = 0; bit < 8; ++bit) {
-      remainder = remainder >> 1 ^ ((remainder & 1) != 0 ? kPolynomial : 0);
+      remainder = remainder >> 1 ^ ((remainder & 1) != 0 ? kCrc64Polynomial : 0);
     }
     tables[0][byte] = remainder;
   }
