@@ -28,15 +28,15 @@ void CorrectChecksums(std::string* bytes) {
   if (bytes->size() < kFixedBytes) return;
   const std::uint64_t documents = NumberAt<std::uint32_t>(bytes->data() + 24);
   const std::uint64_t record_bytes = NumberAt<std::uint32_t>(bytes->data() + 28);
-  const std::uint64_t parts_bytes = (documents + 1) * 4 + documents * 2 + record_bytes;
+  const std::uint64_t parts_bytes =
+      documents * 4 + (documents + 1) * 4 + documents * 2 + record_bytes;
   const std::uint64_t parts = (parts_bytes + kPartBytes - 1) / kPartBytes;
-  const std::uint64_t checksums = kFixedBytes + documents * 4;
-  const std::uint64_t end = checksums + parts * 8;
+  const std::uint64_t end = kFixedBytes + parts * 8;
   if (end + 8 > bytes->size()) return;
   for (std::uint64_t part = 0; part < parts; ++part) {
     const auto start = static_cast<std::size_t>(end + 8 + part * kPartBytes);
     CorrectChecksum(start, std::min(start + kPartBytes, bytes->size()),
-                    static_cast<std::size_t>(checksums + part * 8), bytes);
+                    static_cast<std::size_t>(kFixedBytes + part * 8), bytes);
   }
   CorrectChecksum(0, static_cast<std::size_t>(end), static_cast<std::size_t>(end), bytes);
 }

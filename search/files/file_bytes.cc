@@ -79,4 +79,9 @@ Bytes FileBytes::Read(std::uint64_t offset, std::uint64_t size) const {
   return Bytes(std::shared_ptr<const std::string>(std::move(copy)));
 }
 
+Bytes FileBytes::ReadSparsely() const {
+  if (mapping_ == nullptr) return Read(0, size_);
+  return Bytes(std::string_view(mapping_, static_cast<std::size_t>(size_)));
+}
+
 }  // namespace kestan::search

@@ -60,6 +60,10 @@ class FileBytes {
   //   Lifetime  a view ends with this object, unless it is a copy.
   Bytes Read(std::uint64_t offset, std::uint64_t size) const;
 
+  // The same for all bytes of the file, for a caller who looks at few of them: a mapping is not
+  // fetched ahead.
+  Bytes ReadSparsely() const;
+
  private:
   FileBytes(std::string path, Descriptor file, std::uint64_t size)
       : path_(std::move(path)), file_(std::move(file)), size_(size) {}

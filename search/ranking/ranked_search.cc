@@ -106,6 +106,15 @@ class Search {
     }
     WeighClauses();
     ParallelFor(searches_.size(), threads_, [this](std::size_t i) { Rank(i); });
+    return StatusOfTables();
+  }
+
+  // Numbers of words and names were read from them.
+  Status StatusOfTables() const {
+    for (const auto& segment : snapshot_.segments) {
+      Status status = segment->table().status();
+      if (!status.ok()) return status;
+    }
     return {};
   }
 
@@ -169,10 +178,8 @@ class Search {
       for (const RankedDocument& document : search.best) best.Add(document);
     }
     ranked.best = best.TakeSorted();
-    for (const auto& segment : snapshot_.segments) {  // names may have been read
-      Status status = segment->table().status();
-      if (!status.ok()) return status;
-    }
+    Status status = StatusOfTables();
+    if (!status.ok()) return status;
     ranked.terms = MatchedTerms();
     return ranked;
   }

@@ -1,6 +1,7 @@
 #include "search/ranking/scorer.h"
 
 #include <algorithm>
+#include <cstdint>
 
 #include "search/ranking/proximity.h"
 
@@ -16,11 +17,10 @@ bool HasCode(const Occurrences& found, std::size_t place, Code code) {
 std::vector<double> Scorer::Bm25Scores(const std::vector<Code>& codes) const {
   const double fixed = parameters_.k1 * (1 - parameters_.b);
   const double by_word = parameters_.k1 * parameters_.b / parameters_.mean_words;
-  const DocumentTable& table = segment_.table();
   std::vector<double> length_norms(codes.size());
-  for (std::size_t i = 0; i < codes.size(); ++i) {
-    length_norms[i] = fixed + by_word * static_cast<double>(table.WordsOf(codes[i]));
-  }
+  segment_.table().VisitWords(codes, [&](std::size_t i, std::uint32_t words) {
+    length_norms[i] = fixed + by_word * static_cast<double>(words);
+  });
   std::vector<double> scores(codes.size());
   for (std::size_t clause = 0; clause < matches_.clauses.size(); ++clause) {
     AddClause(clause, codes, length_norms, &scores);

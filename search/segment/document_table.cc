@@ -9,7 +9,7 @@
 namespace kestan::search {
 namespace {
 
-constexpr FileKind kKind = {"KestDocs", 1, "a document table"};
+constexpr FileKind kKind = {"KestDocs", 2, "a document table"};
 
 // How many words, documents and bytes of records there are.
 constexpr std::size_t kWordsOffset = kFileHeaderBytes;
@@ -19,9 +19,19 @@ constexpr std::size_t kFixedBytes = kRecordBytesOffset + 4;
 
 constexpr std::size_t kChecksumBytes = 8;
 constexpr std::size_t kPartBytes = 4096;
+constexpr std::size_t kWordsBytes = 4;
 constexpr std::size_t kStartBytes = 4;
 constexpr std::size_t kCodeBytes = 2;
 constexpr std::size_t kFamilyBytes = 2;  // what the keys of fields have before the name
+
+constexpr std::size_t kWordsInPart = kPartBytes / kWordsBytes;
+
+// Where the starts, the codes and the records begin in the parts of a table of `documents`.
+std::size_t StartsAt(std::size_t documents) { return documents * kWordsBytes; }
+std::size_t CodesAt(std::size_t documents) {
+  return StartsAt(documents) + (documents + 1) * kStartBytes;
+}
+std::size_t RecordsAt(std::size_t documents) { return CodesAt(documents) + documents * kCodeBytes; }
 
 std::size_t PartsOf(std::size_t bytes) { return (bytes + kPartBytes - 1) / kPartBytes; }
 
@@ -122,7 +132,7 @@ std::string DocumentTableWriter::ByName() const {
 }
 
 std::string DocumentTableWriter::CheckedByParts() const {
-  std::string bytes;
+  std::string bytes = words_;
   for (const std::uint32_t start : starts_) AppendNumber(start, &bytes);
   AppendNumber(static_cast<std::uint32_t>(records_.size()), &bytes);
   return bytes + ByName() + records_;
@@ -141,7 +151,6 @@ Result<FileSummary> DocumentTableWriter::Finish(Syncing syncing) {
   AppendNumber(all_words_, &bytes);
   AppendNumber(static_cast<std::uint32_t>(starts_.size()), &bytes);
   AppendNumber(static_cast<std::uint32_t>(records_.size()), &bytes);
-  bytes += words_;
   bytes += ChecksumsOfParts(parts);
   AppendChecksumOf(bytes, &bytes);
   file_.Write(bytes);
@@ -161,7 +170,7 @@ Result<DocumentTable> DocumentTable::Open(std::shared_ptr<const FileBytes> file)
 
 Status DocumentTable::Read() {
   Status damaged(StatusCode::kDamaged, "the document table is damaged", file_->path());
-  bytes_ = file_->Read(0, file_->size());
+  bytes_ = file_->ReadSparsely();
   const std::string_view bytes = bytes_.view();
   Status status = CheckFileHeader(bytes, kKind, file_->path());
   if (!status.ok()) return status;
@@ -178,14 +187,11 @@ Status DocumentTable::Read() {
 bool DocumentTable::SizesAgree(std::uint64_t record_bytes) {
   const std::string_view bytes = bytes_.view();
   if (size_ > kMaxCode || record_bytes > bytes.size()) return false;
-  const std::size_t parts_bytes =
-      (size_ + 1) * kStartBytes + size_ * kCodeBytes + static_cast<std::size_t>(record_bytes);
+  const std::size_t parts_bytes = RecordsAt(size_) + static_cast<std::size_t>(record_bytes);
   const std::size_t parts = PartsOf(parts_bytes);
-  const std::size_t parts_offset =
-      kFixedBytes + size_ * sizeof(std::uint32_t) + (parts + 1) * kChecksumBytes;
+  const std::size_t parts_offset = kFixedBytes + (parts + 1) * kChecksumBytes;
   if (parts_offset > bytes.size() || bytes.size() - parts_offset != parts_bytes) return false;
-  words_ = bytes.data() + kFixedBytes;
-  part_checksums_ = words_ + size_ * sizeof(std::uint32_t);
+  part_checksums_ = bytes.data() + kFixedBytes;
   parts_ = bytes.substr(parts_offset);
   checks_ = std::make_shared<Checks>(parts);
   return true;
@@ -232,12 +238,25 @@ bool DocumentTable::IsSound(std::size_t offset, std::size_t bytes) const {
 
 // ---- Documents ----
 
+// Returns the first code after `code` whose words are in another part; 0 if those of `code` are not
+// sound, or not there.
+std::size_t DocumentTable::EndOfSoundWords(Code code) const {
+  if (code == 0 || code > size_) return 0;
+  const std::size_t part = (std::size_t{code} - 1) / kWordsInPart;
+  return PartIsSound(part) ? std::min((part + 1) * kWordsInPart, size_) + 1 : 0;
+}
+
+std::uint32_t DocumentTable::WordsOf(Code code) const {
+  if (EndOfSoundWords(code) == 0) return 0;
+  return NumberAt<std::uint32_t>(parts_.data() + (std::size_t{code} - 1) * kWordsBytes);
+}
+
 // Returns the bytes of the record of the document, none if it is damaged.
 ByteReader DocumentTable::RecordOf(Code code) const {
   if (code == 0 || code > size_) return {};
-  const std::size_t at = (std::size_t{code} - 1) * kStartBytes;
+  const std::size_t at = StartsAt(size_) + (std::size_t{code} - 1) * kStartBytes;
   if (!IsSound(at, 2 * kStartBytes)) return {};
-  const std::size_t records = (size_ + 1) * kStartBytes + size_ * kCodeBytes;
+  const std::size_t records = RecordsAt(size_);
   const std::size_t start = NumberAt<std::uint32_t>(parts_.data() + at);
   const std::size_t end = NumberAt<std::uint32_t>(parts_.data() + at + kStartBytes);
   if (start >= end || end > parts_.size() - records) return {};
@@ -264,7 +283,7 @@ DocumentEntry DocumentTable::EntryOf(Code code) const {
 
 // Returns the code of the document whose name is at `index` in order of bytes, 0 if it is damaged.
 Code DocumentTable::CodeAt(std::size_t index) const {
-  const std::size_t at = (size_ + 1) * kStartBytes + index * kCodeBytes;
+  const std::size_t at = CodesAt(size_) + index * kCodeBytes;
   if (!IsSound(at, kCodeBytes)) return 0;
   const auto code = NumberAt<std::uint16_t>(parts_.data() + at);
   if (code == 0 || code > size_) Damaged();

@@ -64,17 +64,17 @@ class DocumentTableWriter {
 
 // Reads a document table. Any number of threads may use it at once.
 //
-// How many words documents have is checked when the table is opened. Names and places, of which a
-// search shows only a few, are checked in parts of 4 KB when they are read first. What stands in a
-// part that is damaged is as if it were not there, and status() says so from then on.
+// A search needs little of it, so that it is checked in parts of 4 KB when something in them is
+// read first. What stands in a part that is damaged is as if it were not there, and status() says
+// so from then on.
 class DocumentTable {
  public:
   // Opens the document table in `file`.
   //   Returns  kDamaged or kVersion.
   static Result<DocumentTable> Open(std::shared_ptr<const FileBytes> file);
 
-  // Returns kDamaged if anything that was read so far is damaged. Whoever has asked for names and
-  // believes them must ask here too.
+  // Returns kDamaged if anything that was read so far is damaged. Whoever has asked for names or
+  // numbers of words and believes them must ask here too.
   Status status() const;
 
   // Checks all that was not read so far.
@@ -87,11 +87,13 @@ class DocumentTable {
   // Returns the sum of the words of all documents.
   std::uint64_t words() const { return all_words_; }
 
-  // Returns how many words the document has; 0 where there is no document `code`.
-  std::uint32_t WordsOf(Code code) const {
-    const std::size_t index = std::size_t{code} - 1;
-    return index < size_ ? NumberAt<std::uint32_t>(words_ + index * sizeof(std::uint32_t)) : 0;
-  }
+  // Returns how many words the document has; 0 if that is damaged, and where there is no document
+  // `code`.
+  std::uint32_t WordsOf(Code code) const;
+
+  // Calls `visit` with the index of each of `codes`, which ascend, and with the words of it.
+  template <typename Visit>
+  void VisitWords(const std::vector<Code>& codes, Visit visit) const;
 
   // Returns "" if it is damaged, and where there is no document `code`. A view that ends with the
   // table.
@@ -117,6 +119,7 @@ class DocumentTable {
   bool SizesAgree(std::uint64_t record_bytes);
   bool IsSound(std::size_t offset, std::size_t bytes) const;
   bool PartIsSound(std::size_t part) const;
+  std::size_t EndOfSoundWords(Code code) const;
   bool Damaged() const;
   ByteReader RecordOf(Code code) const;
   Code CodeAt(std::size_t index) const;
@@ -126,11 +129,21 @@ class DocumentTable {
   std::shared_ptr<Checks> checks_;
   std::size_t size_ = 0;
   std::uint64_t all_words_ = 0;
-  const char* words_ = nullptr;
   const char* part_checksums_ = nullptr;
-  std::string_view
-      parts_;  // all that is checked by parts: starts of records, codes by name, records
+  // All that is checked by parts: numbers of words, starts of records, codes by name, records.
+  std::string_view parts_;
 };
+
+template <typename Visit>
+void DocumentTable::VisitWords(const std::vector<Code>& codes, Visit visit) const {
+  std::size_t sound_end = 0;  // codes below it, from the last one on, are sound
+  for (std::size_t i = 0; i < codes.size(); ++i) {
+    const std::size_t code = codes[i];
+    if (code >= sound_end) sound_end = EndOfSoundWords(codes[i]);
+    const bool is_sound = code < sound_end;
+    visit(i, is_sound ? NumberAt<std::uint32_t>(parts_.data() + (code - 1) * 4) : 0);
+  }
+}
 
 }  // namespace kestan::search
 

@@ -167,6 +167,8 @@ Result<std::shared_ptr<const Segment>> Segment::Open(const std::string& folder,
   segment->folder_ = folder;
   segment->with_positions_ = with_positions;
   segment->CountLiving();
+  Status status = segment->status();  // numbers of words may have been read
+  if (!status.ok()) return status;
   return std::shared_ptr<const Segment>(std::move(segment));
 }
 

@@ -58,7 +58,8 @@ class Segment {
   const Edits& edits() const { return edits_; }
 
   // Returns kDamaged if a part of the document table that was read so far is damaged: names from
-  // there were empty, and not found. Whoever believes names must ask here afterwards.
+  // there were empty, and not found, documents without words. Whoever believes these must ask here
+  // afterwards.
   Status status() const { return table().status(); }
 
   // ---- Documents, edits included ----

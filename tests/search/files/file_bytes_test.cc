@@ -51,6 +51,13 @@ TEST_F(FileBytesTest, WhatReachesPastTheEndIsNotThere) {
 
 TEST_F(FileBytesTest, AnEmptyFileCanBeRead) { EXPECT_EQ(Read(*Open(""), 0, 5), ""); }
 
+TEST_F(FileBytesTest, AllBytesCanBeReadSparsely) {
+  const std::string text(100'000, 'x');
+  EXPECT_EQ(Open(text)->ReadSparsely().view(), text);
+  EXPECT_EQ(Open("")->ReadSparsely().view(), "");
+  EXPECT_EQ(FileBytes::InMemory("abc", "path")->ReadSparsely().view(), "abc");
+}
+
 TEST_F(FileBytesTest, AFileOfAnotherSizeIsDamaged) {
   WriteFile(dir_ / "file", "0123456789");
   for (const std::uint64_t size : {0u, 9u, 11u}) {

@@ -10,6 +10,7 @@
 #include <tuple>
 #include <vector>
 
+#include "tests/support/files.h"
 #include "tests/support/temp_dir.h"
 
 namespace kestan::search {
@@ -90,14 +91,16 @@ TEST_F(IndexReaderMatchesTest, EndsWhenTheVisitorHasEnough) {
   EXPECT_EQ(visits, 2);
 }
 
+void PutByte(const std::string& path, std::uintmax_t at, char byte) {
+  std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
+  file.seekp(static_cast<std::streamoff>(at));
+  file.put(byte);
+}
+
 TEST_F(IndexReaderMatchesTest, DamagedNamesAreAnErrorAndNoMatches) {
   Index("1", {{"a", "x"}, {"b", "x"}});
   const std::string table = dir_ / "1/1.documents";
-  const auto last = static_cast<std::streamoff>(std::filesystem::file_size(table)) - 1;
-  std::fstream file(table, std::ios::in | std::ios::out | std::ios::binary);
-  file.seekp(last);
-  file.put('?');
-  file.close();
+  PutByte(table, std::filesystem::file_size(table) - 1, '?');
   const auto reader = IndexReader::Open(dir_ / "1");
   ASSERT_TRUE(reader.ok());
   int visits = 0;
@@ -105,6 +108,22 @@ TEST_F(IndexReaderMatchesTest, DamagedNamesAreAnErrorAndNoMatches) {
       reader->ForEachMatch("x", {}, [&visits](const Match&) { return ++visits > 0; });
   EXPECT_EQ(status.code(), StatusCode::kDamaged);
   EXPECT_EQ(visits, 0);
+}
+
+// They are read when scores are computed, and not when the index is opened.
+TEST_F(IndexReaderMatchesTest, DamagedNumbersOfWordsAreAnErrorAndNoScores) {
+  std::map<std::string, std::string> documents;
+  for (int i = 0; i < 2000; ++i) documents[std::to_string(i)] = "x";
+  Index("1", documents);
+  const std::string table = dir_ / "1/1.documents";
+  const std::string two_documents_of_one_word("\1\0\0\0\1\0\0\0", 8);
+  PutByte(table, kestan_tests::ReadFile(table).find(two_documents_of_one_word), '\2');
+  const auto reader = IndexReader::Open(dir_ / "1");
+  ASSERT_TRUE(reader.ok());
+  EXPECT_EQ(*reader->Count("x"), 2000u);
+  EXPECT_EQ(reader->Search("x").status().code(), StatusCode::kDamaged);
+  const auto any = [](const Match&) { return true; };
+  EXPECT_EQ(reader->ForEachMatch("x", {}, any).code(), StatusCode::kDamaged);
 }
 
 }  // namespace

@@ -192,6 +192,58 @@ TEST_F(DocumentTableTest, WhatIsDamagedIsAsIfItWereNotThere) {
   EXPECT_EQ(table->NameOf(1), rows[0].name);
 }
 
+// Returns where the parts of a whole table begin, the first of which hold the numbers of words.
+std::size_t PartsAt(const std::string& table) {
+  std::size_t parts = 1;
+  while (40 + parts * (8 + 4096) < table.size()) ++parts;
+  return 40 + parts * 8;
+}
+
+std::string Changed(std::string bytes, std::size_t at) {
+  bytes[at] = static_cast<char>(bytes[at] ^ 0x10);
+  return bytes;
+}
+
+TEST_F(DocumentTableTest, DamagedNumbersOfWordsAreNoticedWhenTheyAreRead) {
+  ASSERT_TRUE(Write(SomeRows(2000)).ok());
+  const std::string good = ReadFile(path_);
+  const Result<DocumentTable> table = OpenBytes(Changed(good, PartsAt(good) + 4096));
+  ASSERT_TRUE(table.ok());
+  EXPECT_EQ(table->WordsOf(1024), 1023u * 31);
+  EXPECT_TRUE(table->status().ok());
+  EXPECT_EQ(table->WordsOf(1025), 0u);
+  EXPECT_EQ(table->status().code(), StatusCode::kDamaged);
+}
+
+TEST_F(DocumentTableTest, VisitsTheWordsOfAnyDocuments) {
+  const std::vector<Row> rows = SomeRows(5000);
+  ASSERT_TRUE(Write(rows).ok());
+  for (const std::size_t step : {std::size_t{1}, std::size_t{7}, std::size_t{1024}}) {
+    const Result<DocumentTable> table = Open();
+    std::vector<Code> codes;
+    for (std::size_t code = step; code <= rows.size(); code += step) {
+      codes.push_back(static_cast<Code>(code));
+    }
+    std::vector<std::uint32_t> words(codes.size());
+    table->VisitWords(codes, [&](std::size_t i, std::uint32_t count) { words[i] = count; });
+    for (std::size_t i = 0; i < codes.size(); ++i) {
+      ASSERT_EQ(words[i], rows[codes[i] - 1U].entry.words) << step << " " << i;
+    }
+    EXPECT_TRUE(table->status().ok());
+  }
+}
+
+TEST_F(DocumentTableTest, VisitsNoWordsWhereTheyAreDamaged) {
+  ASSERT_TRUE(Write(SomeRows(3000)).ok());
+  const std::string good = ReadFile(path_);
+  const Result<DocumentTable> table = OpenBytes(Changed(good, PartsAt(good) + 2 * 4096 - 1));
+  std::vector<std::uint32_t> words;
+  table->VisitWords({1, 1024, 1025, 2048, 2049, 3000},
+                    [&](std::size_t, std::uint32_t count) { words.push_back(count); });
+  EXPECT_EQ(words, (std::vector<std::uint32_t>{0, 1023 * 31, 0, 0, 2048 * 31, 2999 * 31}));
+  EXPECT_EQ(table->status().code(), StatusCode::kDamaged);
+}
+
 TEST_F(DocumentTableTest, EveryTruncationIsDamage) {
   ASSERT_TRUE(Write(SomeRows(150)).ok());
   const std::string good = ReadFile(path_);
@@ -203,9 +255,9 @@ TEST_F(DocumentTableTest, EveryTruncationIsDamage) {
 
 // Changes bytes and mends the checksums, as only somebody who means it does. The table has one
 // part.
-std::string Forged(std::string bytes, std::size_t documents, std::size_t at, char byte) {
+std::string Forged(std::string bytes, std::size_t at, char byte) {
   bytes[at] = byte;
-  const std::size_t checksum = 32 + documents * 4;
+  const std::size_t checksum = 32;
   if (at < checksum || at >= checksum + 16) {
     std::string checksum_bytes;
     AppendChecksumOf(std::string_view(bytes).substr(checksum + 16), &checksum_bytes);
@@ -223,7 +275,7 @@ TEST_F(DocumentTableTest, NumbersThatLeadAnywhereLeadOutOfNoTable) {
   std::size_t refused = 0;
   for (std::size_t at = 16; at < good.size(); ++at) {
     for (const char byte : {'\0', '\1', '\x7f', '\x80', '\xff'}) {
-      const Result<DocumentTable> table = OpenBytes(Forged(good, rows.size(), at, byte));
+      const Result<DocumentTable> table = OpenBytes(Forged(good, at, byte));
       if (!table.ok()) {
         ++refused;
         continue;
