@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <optional>
 
 #include "search/files/descriptor.h"
 #include "search/files/folder_names.h"
@@ -111,13 +112,17 @@ Status CommittedIndex::Commit(const Properties& properties) {
 }
 
 Status CommittedIndex::Merge(const std::vector<std::size_t>& positions,
-                             const std::function<bool(std::uint64_t bytes)>& advance) {
+                             const std::function<bool(std::uint64_t bytes)>& advance,
+                             std::uint64_t* unreadable) {
+  *unreadable = 0;
   std::vector<std::shared_ptr<const Segment>> sources;
   sources.reserve(positions.size());
   Manifest next = manifest_;
   for (const std::size_t position : positions) sources.push_back(segments_.segments()[position]);
+  std::optional<std::size_t> source;
   const Result<SegmentInfo> merged =
-      MergeSegments(sources, folder_, manifest_.next_segment, advance);
+      MergeSegments(sources, folder_, manifest_.next_segment, advance, &source);
+  if (source) *unreadable = manifest_.segments[positions[*source]].number;
   if (!merged.ok()) return merged.status();
   for (std::size_t i = positions.size(); i-- > 0;) {
     next.segments.erase(next.segments.begin() + static_cast<std::ptrdiff_t>(positions[i]));

@@ -45,8 +45,10 @@ class CommittedIndex {
 
   // Replaces the segments at these positions of the manifest, ascending, by one. Only while there
   // are no changes. See MergeSegments().
+  //   Returns  the error; where it is one of reading a segment, `*unreadable` is its number, else
+  //   0.
   Status Merge(const std::vector<std::size_t>& positions,
-               const std::function<bool(std::uint64_t bytes)>& advance);
+               const std::function<bool(std::uint64_t bytes)>& advance, std::uint64_t* unreadable);
 
   // Forgets all changes, and removes their files.
   Status Reload();

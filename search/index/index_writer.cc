@@ -155,14 +155,24 @@ class IndexWriter::Impl {
 
   Status Compact() {
     Status status = CommitChanges();
-    const auto groups = ChooseCompaction(index_->manifest().segments);
+    Status unreadable;
+    policy_.left_out.clear();  // what cannot be read is to be reported
     MergeProgress progress;
-    for (const auto& group : groups) progress.all_bytes += BytesOfSegments(group);
-    // From the last to the first, so that the positions of the others stay as they are.
-    for (auto group = groups.rbegin(); status.ok() && group != groups.rend(); ++group) {
-      status = Merge(*group, &progress);
+    // The groups are others after a segment was left out.
+    for (bool is_done = false; status.ok() && !is_done;) {
+      const auto groups = ChooseCompaction(index_->manifest().segments, policy_.left_out);
+      for (const auto& group : groups) progress.all_bytes += BytesOfSegments(group);
+      is_done = true;
+      // From the last to the first, so that the positions of the others stay as they are.
+      for (auto group = groups.rbegin(); status.ok() && is_done && group != groups.rend();
+           ++group) {
+        Status left_out;
+        status = Merge(*group, &progress, &left_out);
+        is_done = left_out.ok();
+        if (unreadable.ok()) unreadable = std::move(left_out);
+      }
     }
-    return status;
+    return status.ok() ? unreadable : status;
   }
 
   Status Rollback() {
@@ -171,6 +181,8 @@ class IndexWriter::Impl {
     properties_ = index_->manifest().properties;
     return failed_;
   }
+
+  std::vector<Status> TakeWarnings() noexcept { return std::exchange(warnings_, {}); }
 
  private:
   // How far all merges of a call have come.
@@ -250,8 +262,10 @@ class IndexWriter::Impl {
       const auto positions = ChooseMerge(index_->manifest().segments, policy_);
       if (positions.empty()) return {};
       progress.all_bytes += BytesOfSegments(positions);
-      Status status = Merge(positions, &progress);
+      Status left_out;
+      Status status = Merge(positions, &progress, &left_out);
       if (!status.ok()) return status;
+      if (!left_out.ok()) warnings_.push_back(std::move(left_out));
     }
   }
 
@@ -263,16 +277,26 @@ class IndexWriter::Impl {
     return bytes;
   }
 
-  // Merges these segments. An error of merging takes nothing away from what is committed.
-  Status Merge(const std::vector<std::size_t>& positions, MergeProgress* progress) {
+  // Merges these segments. An error of merging takes nothing away from what is committed. One of
+  // reading a segment is put into `*left_out`: that segment stays out of merging from now on.
+  Status Merge(const std::vector<std::size_t>& positions, MergeProgress* progress,
+               Status* left_out) {
     const std::uint64_t end = progress->done_bytes + BytesOfSegments(positions);
-    Status status = index_->Merge(positions, [this, progress, end](std::uint64_t bytes) {
-      progress->done_bytes = std::min(progress->done_bytes + bytes, end);
-      return Report(WriterProgress::Phase::kMerging, progress->done_bytes, progress->all_bytes);
-    });
+    std::uint64_t unreadable = 0;
+    Status status = index_->Merge(
+        positions,
+        [this, progress, end](std::uint64_t bytes) {
+          progress->done_bytes = std::min(progress->done_bytes + bytes, end);
+          return Report(WriterProgress::Phase::kMerging, progress->done_bytes, progress->all_bytes);
+        },
+        &unreadable);
     progress->done_bytes = end;
-    if (!status.ok()) failed_ = index_->Reload();
-    return status;
+    if (status.ok()) return {};
+    failed_ = index_->Reload();
+    if (unreadable == 0 || !failed_.ok()) return status;
+    policy_.left_out.insert(unreadable);
+    *left_out = std::move(status);
+    return {};
   }
 
   const WriterOptions options_;
@@ -280,7 +304,8 @@ class IndexWriter::Impl {
   const std::unique_ptr<CommittedIndex> index_;
   CommittedIndex::Properties properties_;
   PendingDocuments pending_;
-  Status failed_;  // what stands in the way until Rollback()
+  Status failed_;                 // what stands in the way until Rollback()
+  std::vector<Status> warnings_;  // that nobody has taken
 };
 
 Result<IndexWriter> IndexWriter::Open(const std::string& path, WriterOptions options) {
@@ -334,5 +359,7 @@ Status IndexWriter::Rollback() {
 Status IndexWriter::Compact() {
   return impl_->Guarded([&] { return impl_->Compact(); });
 }
+
+std::vector<Status> IndexWriter::TakeWarnings() noexcept { return impl_->TakeWarnings(); }
 
 }  // namespace kestan::search

@@ -32,7 +32,7 @@ class Load {
   std::uint64_t bytes_ = 0;
 };
 
-// A segment that is not full.
+// A segment that may be merged.
 struct Candidate {
   std::size_t position;
   unsigned tier;
@@ -43,7 +43,8 @@ class MergeChooser {
   MergeChooser(const std::vector<SegmentInfo>& segments, const MergePolicy& policy)
       : segments_(segments), factor_(std::max(policy.factor, 2U)) {
     for (std::size_t i = 0; i < segments.size(); ++i) {
-      if (!IsFull(segments[i])) candidates_.push_back({i, TierOf(segments[i], policy)});
+      if (IsFull(segments[i]) || policy.left_out.count(segments[i].number) != 0) continue;
+      candidates_.push_back({i, TierOf(segments[i], policy)});
     }
   }
 
@@ -154,15 +155,18 @@ bool IsFull(const SegmentInfo& segment) {
 std::vector<std::size_t> ChooseMerge(const std::vector<SegmentInfo>& segments,
                                      const MergePolicy& policy) {
   for (std::size_t i = 0; i < segments.size(); ++i) {
-    if (MustBePurged(segments[i], policy.removed_share)) return {i};
+    const bool is_left_out = policy.left_out.count(segments[i].number) != 0;
+    if (!is_left_out && MustBePurged(segments[i], policy.removed_share)) return {i};
   }
   return MergeChooser(segments, policy).Choose();
 }
 
-std::vector<std::vector<std::size_t>> ChooseCompaction(const std::vector<SegmentInfo>& segments) {
+std::vector<std::vector<std::size_t>> ChooseCompaction(const std::vector<SegmentInfo>& segments,
+                                                       const std::set<std::uint64_t>& left_out) {
   std::vector<Positions> groups;
   Load load;
   for (std::size_t i = 0; i < segments.size(); ++i) {
+    if (left_out.count(segments[i].number) != 0) continue;
     if (groups.empty() || !load.Take(segments[i])) {
       groups.emplace_back();
       load = {};

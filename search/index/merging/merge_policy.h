@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <set>
 #include <vector>
 
 #include "search/segment/segment_info.h"
@@ -22,6 +23,7 @@ struct MergePolicy {
   unsigned factor = 8;                     // at least 2
   std::uint64_t smallest_tier = 32 << 10;  // bytes; all smaller segments are of the first tier
   double removed_share = 0.25;             // a segment with more removed documents is written again
+  std::set<std::uint64_t> left_out;  // numbers of segments that stay as they are: damaged ones
 };
 
 // Returns how many bytes the living documents of a segment take, about.
@@ -35,14 +37,17 @@ bool IsFull(const SegmentInfo& segment);
 
 // Returns the positions in `segments`, ascending, of those to merge next into one, which takes the
 // place of the first; empty if none are to be merged. Segments that are merged lie side by side,
-// full ones between them left out: documents stay in the order in which they were added, but for
-// those of full segments. Merging what this returns again and again comes to an end.
+// those between them aside that are full or left out: documents stay in the order in which they
+// were added, but for those of such segments. Merging what this returns again and again comes to an
+// end.
 std::vector<std::size_t> ChooseMerge(const std::vector<SegmentInfo>& segments,
                                      const MergePolicy& policy);
 
 // Returns groups of neighbours that a compaction merges, each within the limits of a segment.
-// Those that need not be written again (alone, nothing removed, no edits) are left out.
-std::vector<std::vector<std::size_t>> ChooseCompaction(const std::vector<SegmentInfo>& segments);
+// Those that need not be written again (alone, nothing removed, no edits) stay as they are, and so
+// do the segments whose numbers are in `left_out`.
+std::vector<std::vector<std::size_t>> ChooseCompaction(
+    const std::vector<SegmentInfo>& segments, const std::set<std::uint64_t>& left_out = {});
 
 }  // namespace kestan::search
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -37,11 +38,15 @@ class Merger {
     }
   }
 
+  // Which of the segments could not be read, if that was the error.
+  std::optional<std::size_t> unreadable() const { return unreadable_; }
+
   Result<SegmentInfo> Merge(std::uint64_t number) {
     std::size_t terms = 0;
-    for (const auto& source : sources_) {
+    for (std::size_t i = 0; i < sources_.size(); ++i) {
+      const auto& source = sources_[i];
       // Changed bytes would get a checksum that is right: they are found before that.
-      Status status = source->segment->Verify();
+      Status status = OfSource(i, source->segment->Verify());
       if (!status.ok()) return status;
       documents_ += source->segment->living_documents();
       terms += static_cast<std::size_t>(source->segment->terms().size());
@@ -59,22 +64,32 @@ class Merger {
   }
 
  private:
+  // Notes whether reading this source was an error.
+  Status OfSource(std::size_t index, Status status) {
+    if (!status.ok()) unreadable_ = index;
+    return status;
+  }
+
   static constexpr std::uint64_t kStepBytes = 1 << 20;  // between two reports of progress
 
   Status AddDocuments() {
     Code last = 0;
-    for (const auto& source : sources_) {
-      for (std::size_t i = 1; i <= source->segment->size(); ++i) {
-        const auto code = static_cast<Code>(i);
-        if (source->segment->IsRemoved(code)) continue;
-        Status status = AddDocument(*source->segment, code);
-        if (!status.ok()) return status;
-        source->new_codes[i] = ++last;
-      }
-      Status status = source->segment->status();
+    for (std::size_t i = 0; i < sources_.size(); ++i) {
+      Status status = OfSource(i, AddDocumentsOf(sources_[i].get(), &last));
       if (!status.ok()) return status;
     }
     return {};
+  }
+
+  Status AddDocumentsOf(Source* source, Code* last) {
+    for (std::size_t i = 1; i <= source->segment->size(); ++i) {
+      const auto code = static_cast<Code>(i);
+      if (source->segment->IsRemoved(code)) continue;
+      Status status = AddDocument(*source->segment, code);
+      if (!status.ok()) return status;
+      source->new_codes[i] = ++*last;
+    }
+    return source->segment->status();
   }
 
   Status AddDocument(const Segment& segment, Code code) {
@@ -97,7 +112,7 @@ class Merger {
   // the first segment.
   Status AddTerms() {
     for (std::size_t i = 0; i < sources_.size(); ++i) {
-      Status status = Advance(i);
+      Status status = OfSource(i, Advance(i));
       if (!status.ok()) return status;
     }
     while (!heap_.empty()) {
@@ -118,9 +133,8 @@ class Merger {
     while (!heap_.empty() && sources_[heap_.front()]->term() == term_) {
       const std::size_t index = PopLowest();
       Status status = AppendPostings(*sources_[index], &documents);
-      if (!status.ok()) return status;
-      Status advanced = Advance(index);
-      if (!advanced.ok()) return advanced;
+      if (status.ok()) status = Advance(index);
+      if (!status.ok()) return OfSource(index, std::move(status));
     }
     if (documents > 0) writer_.AddTerm(term_, documents, record_);
     return {};
@@ -177,6 +191,7 @@ class Merger {
   const std::function<bool(std::uint64_t bytes)>& advance_;
   std::vector<std::unique_ptr<Source>> sources_;
   std::vector<std::size_t> heap_;
+  std::optional<std::size_t> unreadable_;
   std::uint64_t documents_ = 0;
   std::uint64_t read_bytes_ = 0;  // since the last report
   std::string term_;
@@ -188,8 +203,12 @@ class Merger {
 
 Result<SegmentInfo> MergeSegments(const std::vector<SegmentPointer>& segments,
                                   const std::string& folder, std::uint64_t number,
-                                  const std::function<bool(std::uint64_t bytes)>& advance) {
-  return Merger(segments, folder, advance).Merge(number);
+                                  const std::function<bool(std::uint64_t bytes)>& advance,
+                                  std::optional<std::size_t>* unreadable) {
+  Merger merger(segments, folder, advance);
+  Result<SegmentInfo> merged = merger.Merge(number);
+  if (unreadable != nullptr) *unreadable = merger.unreadable();
+  return merged;
 }
 
 }  // namespace kestan::search

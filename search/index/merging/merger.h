@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,11 +21,13 @@ namespace kestan::search {
 // time. One posting record is in memory at a time. The checksums of all files are compared first.
 // Calls `advance`, which may be null, now and then with the number of bytes of posting records read
 // since the last call; it returns whether to go on.
-//   Returns  kInterrupted, kDamaged, kSystem; nothing is left of the new segment then. Where no
-//            document lives: no documents, and no files.
+//   Returns  kInterrupted, kDamaged, kSystem; nothing is left of the new segment then. Where the
+//            error is one of reading a segment, `*unreadable`, which may be null, says which one
+//            of `segments`. Where no document lives: no documents, and no files.
 Result<SegmentInfo> MergeSegments(const std::vector<std::shared_ptr<const Segment>>& segments,
                                   const std::string& folder, std::uint64_t number,
-                                  const std::function<bool(std::uint64_t bytes)>& advance);
+                                  const std::function<bool(std::uint64_t bytes)>& advance,
+                                  std::optional<std::size_t>* unreadable = nullptr);
 
 }  // namespace kestan::search
 

@@ -1,6 +1,8 @@
 #include <kestan/search/index_writer.h>
 
 #include <gtest/gtest.h>
+#include <kestan/search/check.h>
+#include <kestan/search/index_reader.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -224,20 +226,73 @@ TEST_F(IndexWriterTest, SmallSegmentsAreMerged) {
   EXPECT_EQ(FilesIn(path_), NamedFiles(path_));
 }
 
+// Changes the last byte of a file, in a file of its own: the old one may be mapped.
+void ChangeLastByte(const std::string& path) {
+  std::string bytes = kestan_tests::ReadFile(path);
+  bytes.back() = static_cast<char>(bytes.back() ^ 1);
+  std::filesystem::remove(path);
+  kestan_tests::WriteFile(path, bytes);
+}
+
 TEST_F(IndexWriterTest, ChangedBytesAreNotMerged) {
   IndexWriter writer = Open();
   for (const char* name : {"a", "b"}) {
     ASSERT_TRUE(writer.Add(Named(name)).ok());
     ASSERT_TRUE(writer.Commit().ok());
   }
-  std::string bytes = kestan_tests::ReadFile(path_ + "/1.segment");
-  bytes.back() = static_cast<char>(bytes.back() ^ 1);
-  std::filesystem::remove(path_ + "/1.segment");
-  kestan_tests::WriteFile(path_ + "/1.segment", bytes);
+  ChangeLastByte(path_ + "/1.segment");
   const Status status = writer.Compact();
   EXPECT_EQ(status.code(), StatusCode::kDamaged);
   EXPECT_EQ(status.file(), path_ + "/1.segment");
   EXPECT_EQ(Segments(), 2u);
+}
+
+TEST_F(IndexWriterTest, ADamagedSegmentIsLeftOutOfMergingAndNamedOnce) {
+  WriterOptions options;
+  options.merge_factor = 3;
+  IndexWriter writer = Open(options);
+  for (const char* name : {"a", "b"}) {
+    ASSERT_TRUE(writer.Add(Named(name)).ok());
+    ASSERT_TRUE(writer.Commit().ok());
+  }
+  ChangeLastByte(path_ + "/1.segment");
+  EXPECT_TRUE(writer.TakeWarnings().empty());
+  ASSERT_TRUE(writer.Add(Named("c")).ok());
+  ASSERT_TRUE(writer.Commit().ok());
+  const std::vector<Status> warnings = writer.TakeWarnings();
+  ASSERT_EQ(warnings.size(), 1u);
+  EXPECT_EQ(warnings[0].code(), StatusCode::kDamaged);
+  EXPECT_EQ(warnings[0].file(), path_ + "/1.segment");
+  for (int i = 0; i < 20; ++i) {
+    ASSERT_TRUE(writer.Add(Named("n" + std::to_string(i))).ok());
+    ASSERT_TRUE(writer.Commit().ok());
+    EXPECT_LE(Segments(), 6u);
+  }
+  EXPECT_TRUE(writer.TakeWarnings().empty());
+  EXPECT_EQ(ReadManifest(path_)->segments[0].number, 1u);
+  const auto report = CheckIndex(path_);
+  ASSERT_TRUE(report.ok());
+  EXPECT_EQ(report->faults, 1u);
+  EXPECT_EQ(report->documents, 23u);
+  EXPECT_EQ(writer.Compact().file(), path_ + "/1.segment");
+  EXPECT_EQ(Segments(), 2u);
+}
+
+TEST_F(IndexWriterTest, ACompactionMergesAroundADamagedSegmentAndReturnsTheError) {
+  IndexWriter writer = Open();
+  for (const char* name : {"a", "b", "c", "d", "e"}) {
+    ASSERT_TRUE(writer.Add(Named(name)).ok());
+    ASSERT_TRUE(writer.Commit().ok());
+  }
+  ChangeLastByte(path_ + "/3.segment");
+  const Status status = writer.Compact();
+  EXPECT_EQ(status.code(), StatusCode::kDamaged);
+  EXPECT_EQ(status.file(), path_ + "/3.segment");
+  EXPECT_EQ(Segments(), 2u);
+  EXPECT_EQ(IndexReader::Open(path_)->Statistics().documents, 5u);
+  EXPECT_TRUE(writer.TakeWarnings().empty());
+  ASSERT_TRUE(writer.Add(Named("f")).ok());
+  EXPECT_TRUE(writer.Commit().ok());
 }
 
 TEST_F(IndexWriterTest, TheSameDocumentsMakeTheSameSegments) {

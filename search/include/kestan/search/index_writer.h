@@ -13,6 +13,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kestan::search {
 
@@ -83,14 +84,22 @@ class KESTAN_SEARCH_EXPORT IndexWriter {
   void SetProperty(std::string_view key, std::string_view value);
 
   // Writes all changes to disk and lets readers see them: all of them, or, on an error, none. Then
-  // merges segments if there are many. After an error of merging the changes are in the index.
+  // merges segments if there are many. After an error of merging the changes are in the index. A
+  // segment that cannot be read is no such error: it is left out of merging, with a warning.
   Status Commit();
 
   // Forgets all changes since the last Commit().
   Status Rollback();
 
-  // Commits, and then merges all segments into as few as possible, without removed documents.
+  // Commits, and then merges all segments into as few as possible, without removed documents. A
+  // segment that cannot be read stays as it is.
+  //   Returns  the error of reading the first such segment, after the others are merged.
   Status Compact();
+
+  // Gives away what no call has returned as an error, and what a person should know: the error of
+  // reading each segment that Commit() has left out of merging since the writer was opened.
+  // CheckIndex() says more about it. Each comes once.
+  std::vector<Status> TakeWarnings() noexcept;
 
  private:
   class Impl;

@@ -75,6 +75,20 @@ TEST(MergePolicyTest, FullSegmentsAreLeftOut) {
   EXPECT_EQ(ChooseMerge(segments, {}), (Positions{0, 1, 2, 3, 5, 6, 7, 8}));
 }
 
+TEST(MergePolicyTest, SegmentsThatCannotBeReadAreLeftOut) {
+  Segments segments(9, OfSize(kSmall));
+  for (std::size_t i = 0; i < segments.size(); ++i) segments[i].number = i + 1;
+  MergePolicy policy;
+  policy.left_out = {4};
+  EXPECT_EQ(ChooseMerge(segments, policy), (Positions{0, 1, 2, 4, 5, 6, 7, 8}));
+  policy.left_out = {4, 9};
+  EXPECT_EQ(ChooseMerge(segments, policy), Positions());
+  segments[3].removed = 10;
+  EXPECT_EQ(ChooseMerge(segments, policy), Positions());
+  EXPECT_EQ(ChooseCompaction(segments, policy.left_out),
+            std::vector<Positions>({{0, 1, 2, 4, 5, 6, 7}}));
+}
+
 TEST(MergePolicyTest, AFullSegmentHasMoreThanHalfOfWhatIsAllowed) {
   EXPECT_FALSE(IsFull(OfSize(0, 30'000)));
   EXPECT_TRUE(IsFull(OfSize(0, 30'001)));
