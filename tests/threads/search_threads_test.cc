@@ -1,11 +1,15 @@
 // One writer and many readers of one index, in one process. The preset `tsan` runs this under the
 // thread sanitizer.
 //
-// In the environment, KESTAN_THREADS_ROUNDS=N has the writer commit N times instead of 30.
+// In the environment, KESTAN_THREADS_ROUNDS=N has the writer commit N times instead of 30, and
+// KESTAN_THREADS_SECONDS=N has it begin again with a new index until so many seconds have passed.
 #include <gtest/gtest.h>
 #include <kestan/search.h>
 
 #include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
 #include <string>
 #include <thread>
 #include <vector>
@@ -17,9 +21,11 @@ namespace kestan_tests {
 namespace {
 
 using kestan::search::Document;
+using kestan::search::DocumentField;
 using kestan::search::DocumentInfo;
 using kestan::search::IndexReader;
 using kestan::search::IndexWriter;
+using kestan::search::Match;
 using kestan::search::Status;
 using kestan::search::WriterOptions;
 
@@ -63,14 +69,34 @@ Status DoRound(int round, IndexWriter* writer) {
     const std::string earlier = "n" + std::to_string(round - 1) + ".";
     if (status.ok()) status = writer->Remove(earlier + "0");
     if (status.ok()) status = writer->Rename(earlier + "1", earlier + "moved");
+    if (status.ok()) status = writer->SetField(earlier + "3", DocumentField::kTitle, "another");
   }
   if (!status.ok()) return status;
+  writer->SetProperty("rounds", std::to_string(round + 1));
   return round % 10 == 9 ? writer->Compact() : writer->Commit();
 }
 
 // How many documents live after so many rounds.
 std::uint64_t LivingAfter(std::uint64_t rounds) {
   return rounds == 0 ? 0 : rounds * kDocumentsOfRound - (rounds - 1);
+}
+
+// Asks with functions that lend what they have.
+void ExpectOneStateByVisits(const IndexReader& reader, std::uint64_t living) {
+  std::uint64_t listed = 0;
+  Status status = reader.ForEachDocument([&listed](const DocumentInfo& info) {
+    listed += info.name.empty() ? 0 : 1;
+    return true;
+  });
+  EXPECT_TRUE(status.ok()) << status.ToString();
+  EXPECT_EQ(listed, living);
+  std::uint64_t matches = 0;
+  status = reader.ForEachMatch("steady NOT nothing", {}, [&matches](const Match& match) {
+    matches += match.name.empty() ? 0 : 1;
+    return true;
+  });
+  EXPECT_TRUE(status.ok()) << status.ToString();
+  EXPECT_EQ(matches, living);
 }
 
 // Checks that all answers of a reader are those of one state.
@@ -95,16 +121,22 @@ void ExpectOneState(const IndexReader& reader) {
     ASSERT_TRUE(found.ok()) << found.status().ToString();
     EXPECT_EQ(found->title, "title of n0.2");
   }
-  std::uint64_t listed = 0;
-  const Status status = reader.ForEachDocument([&listed](const DocumentInfo& info) {
-    listed += info.name.empty() ? 0 : 1;
-    return true;
-  });
-  EXPECT_TRUE(status.ok()) << status.ToString();
-  EXPECT_EQ(listed, living);
+  const auto rounds = reader.Property("rounds");
+  ASSERT_TRUE(rounds.ok()) << rounds.status().ToString();
+  EXPECT_EQ(LivingAfter(std::stoul(*rounds)), living);
+  ASSERT_TRUE(IndexReader::Snippet(*results, "an Ath\xc3\xa8na in a caf\xc3\xa9").ok());
+  ExpectOneStateByVisits(reader, living);
 }
 
-TEST(SearchThreadsTest, ReadersSeeOneStateWhileWriterCommitsMergesAndCompacts) {
+// What readers met.
+struct Met {
+  std::atomic<std::uint64_t> refreshed = 0;
+  std::atomic<std::uint64_t> asked = 0;
+};
+
+// A writer commits, merges and compacts, while threads share a reader of its first state and others
+// refresh readers of their own.
+void CommitWhileReadersAsk(int rounds, Met* met) {
   const TempDir folder;
   const std::string path = folder / "index";
   auto writer = IndexWriter::Open(path, OptionsOf(4));
@@ -113,11 +145,10 @@ TEST(SearchThreadsTest, ReadersSeeOneStateWhileWriterCommitsMergesAndCompacts) {
   const auto shared = IndexReader::Open(path);
   ASSERT_TRUE(shared.ok()) << shared.status().ToString();
   std::atomic<bool> is_done = false;
-  std::atomic<int> refreshed = 0;
   std::vector<std::thread> readers;
   for (unsigned i = 0; i < kReaders; ++i) {
     readers.emplace_back([&] {
-      while (!is_done && !testing::Test::HasFailure()) {
+      for (; !is_done && !testing::Test::HasFailure(); ++met->asked) {
         EXPECT_EQ(shared->Statistics().documents, LivingAfter(1));
         ExpectOneState(*shared);
       }
@@ -125,25 +156,42 @@ TEST(SearchThreadsTest, ReadersSeeOneStateWhileWriterCommitsMergesAndCompacts) {
     readers.emplace_back([&] {
       auto own = IndexReader::Open(path);
       ASSERT_TRUE(own.ok()) << own.status().ToString();
-      while (!is_done && !testing::Test::HasFailure()) {
+      for (; !is_done && !testing::Test::HasFailure(); ++met->asked) {
         const auto changed = own->Refresh();
         ASSERT_TRUE(changed.ok()) << changed.status().ToString();
-        refreshed += *changed ? 1 : 0;
+        met->refreshed += *changed ? 1 : 0;
         ExpectOneState(*own);
       }
     });
   }
   Status status;
-  const int rounds = Rounds();
   for (int round = 1; round < rounds && status.ok(); ++round) status = DoRound(round, &*writer);
   is_done = true;
   for (std::thread& reader : readers) reader.join();
   EXPECT_TRUE(status.ok()) << status.ToString();
-  EXPECT_GT(refreshed, 0);
   const auto last = IndexReader::Open(path);
   ASSERT_TRUE(last.ok());
   EXPECT_EQ(last->Statistics().documents, LivingAfter(static_cast<std::uint64_t>(rounds)));
   ExpectOneState(*last);
+}
+
+TEST(SearchThreadsTest, ReadersSeeOneStateWhileWriterCommitsMergesAndCompacts) {
+  using Clock = std::chrono::steady_clock;
+  const Clock::time_point end =
+      Clock::now() + std::chrono::seconds(NumberFromEnvironment("KESTAN_THREADS_SECONDS", 0));
+  const int rounds = Rounds();
+  Met met;
+  int sessions = 0;
+  do {
+    CommitWhileReadersAsk(rounds, &met);
+    if (++sessions % 10 == 0) {
+      std::printf("%d times %d commits, %llu refreshed, asked %llu times\n", sessions, rounds,
+                  static_cast<unsigned long long>(met.refreshed),
+                  static_cast<unsigned long long>(met.asked));
+      std::fflush(stdout);
+    }
+  } while (Clock::now() < end && !testing::Test::HasFailure());
+  EXPECT_GT(met.refreshed, 0u);
 }
 
 TEST(SearchThreadsTest, ThreadsOfWriterTransliterateAtOnce) {
