@@ -38,6 +38,9 @@ enum class FindingKind : std::uint8_t {
   // Of a repair: why there is no new index. The key is a path, the text is the reason.
   kCannotRead,   // kFault: the damaged file
   kCannotWrite,  // kFault: the new file
+
+  // Of a check: positions of the text of a document have no word. The key is that of its record.
+  kCheckWordsMissing,  // kFault
 };
 
 // Stands for a key in findings about the index as a whole. No record has this key.

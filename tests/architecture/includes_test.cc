@@ -23,6 +23,7 @@ const std::vector<Floor> kFloors{
     {"search/matching"},
     {"search/ranking", "search/snippet"},
     {"search/index"},
+    {"search/upkeep"},
     {"cli/console"},
     {"cli/files"},
     {"cli/extract", "cli/index"},

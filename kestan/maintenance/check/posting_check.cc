@@ -239,8 +239,8 @@ void PostingCheck::CheckPlaces(const String& key, const DocumentStatistics& stat
     findings_.Fault(key, "several words at one position: ", std::uint64_t{statistics.positions},
                     " up to position ", highest);
   } else if (recorded < highest) {
-    findings_.Fault(key, "words missing: at least ", highest - recorded, " of ", highest,
-                    "; left half-written?");
+    findings_.Report(FindingKind::kCheckWordsMissing, key, "words missing: at least ",
+                     highest - recorded, " of ", highest, "; left half-written?");
   } else if (statistics.is_unsure || statistics.weight == weights_.OfText(recorded)) {
     return;
   } else if (statistics.doubtful != 0) {

@@ -15,6 +15,7 @@ struct LineForm {
 LineForm FormOf(FindingKind kind) {
   switch (kind) {
     case FindingKind::kCheckFault:
+    case FindingKind::kCheckWordsMissing:
     case FindingKind::kCannotRead:
     case FindingKind::kCannotWrite:
       return {"", ": "};

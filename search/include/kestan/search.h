@@ -9,9 +9,11 @@
 
 #include <kestan/search/check.h>
 #include <kestan/search/convert.h>
+#include <kestan/search/copy.h>
 #include <kestan/search/document.h>
 #include <kestan/search/index_reader.h>
 #include <kestan/search/index_writer.h>
 #include <kestan/search/status.h>
+#include <kestan/search/upkeep_progress.h>
 
 #endif  // KESTAN_SEARCH_H_

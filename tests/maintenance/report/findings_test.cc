@@ -23,6 +23,7 @@ std::string LineOf(FindingKind kind, std::string_view key, std::string_view text
 TEST(ReportAsLineTest, EachKindHasItsLine) {
   EXPECT_EQ(LineOf(FindingKind::kCheckFault, "d-a", "the code is 0"), "d-a: the code is 0");
   EXPECT_EQ(LineOf(FindingKind::kCheckNote, "d-a", "no words"), "d-a: note: no words");
+  EXPECT_EQ(LineOf(FindingKind::kCheckWordsMissing, "d-a", "words missing"), "d-a: words missing");
   EXPECT_EQ(LineOf(FindingKind::kSaved, "a", ""), "saved: a");
   EXPECT_EQ(LineOf(FindingKind::kWordsMissing, "a", "at least 1 of 2"),
             "words missing: a: at least 1 of 2");
@@ -50,7 +51,7 @@ TEST(SeverityOfTest, EachKindHasItsSeverity) {
   for (const FindingKind kind :
        {FindingKind::kCheckFault, FindingKind::kWordsMissing, FindingKind::kHalfWritten,
         FindingKind::kLost, FindingKind::kLostCode, FindingKind::kCannotRead,
-        FindingKind::kCannotWrite}) {
+        FindingKind::kCannotWrite, FindingKind::kCheckWordsMissing}) {
     EXPECT_EQ(kestan::SeverityOf(kind), Severity::kFault);
   }
   for (const FindingKind kind : {FindingKind::kCheckNote, FindingKind::kRepairNote,

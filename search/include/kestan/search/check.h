@@ -7,13 +7,27 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
 namespace kestan::search {
 
+enum class IndexFindingKind {
+  kMissingFile,  // a file of the index is not there, or cannot be opened or read
+  kNoIndexFile,  // what stands for an index file is none, by its first bytes or for lack of records
+  kChangedFile,  // a file has another size or other bytes than MANIFEST says
+  kManifest,     // MANIFEST is damaged, or contradicts a segment
+  kRecord,       // records of an index file contradict each other
+  kWordsMissing,  // a document lacks words. A segment as it was written: refused ones, a note
+  kDerivedFile,   // a term dictionary or document table is not that of its segment
+  kNameTwice,     // two living documents have one name
+  kUnnamedFile,   // a note: MANIFEST does not name a file, which the next writer removes
+};
+
 // Something that a check has found.
 struct IndexFinding {
+  IndexFindingKind kind = IndexFindingKind::kRecord;
   bool is_fault = true;  // false: it harms nothing, but may be worth a look
   std::string file;      // its path
   std::string key;       // of the record, any bytes; "": the file as a whole
@@ -30,6 +44,9 @@ struct CheckReport {
 
 struct CheckOptions {
   std::size_t most_findings = 1000;  // that are kept of each file; all are counted
+
+  // Called with every finding, kept or not, as it is found; may be null.
+  std::function<void(const IndexFinding&)> take;
 };
 
 // Reads all files of the index folder at `path`, and of each segment:

@@ -4,6 +4,7 @@
 
 #include <kestan/search/export.h>
 #include <kestan/search/status.h>
+#include <kestan/search/upkeep_progress.h>
 
 #include <cstdint>
 #include <string>
@@ -26,20 +27,23 @@ struct ConversionReport {
 // each word followed by a line feed; option flags of the host's own become "option-flags", a
 // decimal number. Says in `*report`, which may be null, what was left out.
 //
-// All or nothing: FOLDER.new is made, put on the disk and renamed. There must be nothing at
-// `folder`. What an earlier conversion left at FOLDER.new is replaced.
+// All or nothing: FOLDER.new, into which only this user can look, is made, put on the disk and
+// renamed. There must be nothing at `folder`. What an earlier conversion left at FOLDER.new is
+// replaced. Others may do no more with the folder than with the file.
 //   Returns  kAlreadyExists; kNotFound, kBusy while another process changes the file, kDamaged,
-//            kVersion, kSystem, kOutOfMemory.
+//            kVersion, kSystem, kOutOfMemory, kInterrupted.
 KESTAN_SEARCH_EXPORT Status ConvertIndexFile(const std::string& file, const std::string& folder,
-                                             ConversionReport* report = nullptr);
+                                             ConversionReport* report = nullptr,
+                                             const UpkeepProgress& progress = nullptr);
 
 // Makes an index file at `file` of the index folder `folder`: what class Kestan makes of the living
 // documents, added in their order, with the times at which they were. Properties are left out.
 //
 // All or nothing as above, by way of the folder FILE.new.
 //   Returns  kInvalidArgument for more than 65,535 living documents; kAlreadyExists, kNotFound,
-//            kDamaged, kVersion, kSystem, kOutOfMemory.
-KESTAN_SEARCH_EXPORT Status WriteIndexFile(const std::string& folder, const std::string& file);
+//            kDamaged, kVersion, kSystem, kOutOfMemory, kInterrupted.
+KESTAN_SEARCH_EXPORT Status WriteIndexFile(const std::string& folder, const std::string& file,
+                                           const UpkeepProgress& progress = nullptr);
 
 }  // namespace kestan::search
 

@@ -22,18 +22,10 @@
 #include "search/segment/derived_files.h"
 #include "search/segment/plain_index.h"
 #include "search/segment/segment.h"
+#include "search/upkeep/staging_folder.h"
 
 namespace kestan::search {
 namespace {
-
-// Returns whether the finding says that a document lacks words. A writer never leaves it so, but it
-// refuses words whose keys belong to other records.
-bool IsOfRefusedWord(const Finding& finding) {
-  constexpr std::string_view kDocumentKey = "d-";
-  constexpr std::string_view kWordsMissing = "words missing";
-  return finding.key.substr(0, kDocumentKey.size()) == kDocumentKey &&
-         finding.text.substr(0, kWordsMissing.size()) == kWordsMissing;
-}
 
 class Checker {
  public:
@@ -52,7 +44,7 @@ class Checker {
       }
       CheckOtherFiles(*manifest);
     } else {
-      Take(manifest.status());
+      Take(Kind::kManifest, manifest.status());
     }
     return std::move(report_);
   }
@@ -62,18 +54,29 @@ class Checker {
     CheckRecords(folder_, false);
     const auto segment = Segment::OpenIndexFile(folder_);
     if (segment.ok()) report_.documents = (*segment)->living_documents();
-    if (!segment.ok() && report_.faults == 0) Take(segment.status());
+    if (!segment.ok() && report_.faults == 0) Take(KindOf(segment.status()), segment.status());
     return std::move(report_);
   }
 
  private:
-  void Take(bool is_fault, const std::string& file, std::string_view key, std::string_view text) {
-    ++(is_fault ? report_.faults : report_.notes);
-    if (++findings_of_[file] > options_.most_findings) return;
-    report_.findings.push_back({is_fault, file, std::string(key), std::string(text)});
+  using Kind = IndexFindingKind;
+
+  void Take(Kind kind, const std::string& file, std::string_view key, std::string_view text) {
+    Take({kind, true, file, std::string(key), std::string(text)});
   }
 
-  void Take(const Status& status) { Take(true, status.file(), "", status.message()); }
+  void TakeNote(Kind kind, const std::string& file, std::string_view key, std::string_view text) {
+    Take({kind, false, file, std::string(key), std::string(text)});
+  }
+
+  void Take(Kind kind, const Status& status) { Take(kind, status.file(), "", status.message()); }
+
+  void Take(IndexFinding finding) {
+    ++(finding.is_fault ? report_.faults : report_.notes);
+    if (options_.take) options_.take(finding);
+    if (++findings_of_[finding.file] > options_.most_findings) return;
+    report_.findings.push_back(std::move(finding));
+  }
 
   std::string Path(const std::string& name) const { return folder_ + "/" + name; }
 
@@ -91,42 +94,64 @@ class Checker {
   bool CheckBytes(const std::string& name, const FileSummary& expected) {
     const Result<FileSummary> found = SummaryOf(Path(name));
     if (!found.ok()) {
-      Take(found.status());
+      Take(Kind::kMissingFile, found.status());
     } else if (found->bytes != expected.bytes) {
-      Take(true, Path(name), "",
+      Take(Kind::kChangedFile, Path(name), "",
            "it has " + std::to_string(found->bytes) + " bytes instead of " +
                std::to_string(expected.bytes));
     } else if (found->checksum != expected.checksum) {
-      Take(true, Path(name), "", "its bytes have changed since it was written");
+      Take(Kind::kChangedFile, Path(name), "", "its bytes have changed since it was written");
     } else {
       return true;
     }
     return false;
   }
 
-  // Of a file that is as it was written, notes say nothing: words such as "t-shirt" are meant.
   void CheckRecords(const std::string& path, bool is_as_written) {
     IndexFile file;
     errno = 0;
     const StoreError error = file.Open(path.c_str());
     if (error == StoreError::kFileOpen && errno == ENOENT) return;  // which was found before
-    if (error != StoreError::kNone) return Take(StatusOfIndexFile(error, errno, path));
+    if (error != StoreError::kNone) {
+      const Status status = StatusOfIndexFile(error, errno, path);
+      return Take(KindOf(status), status);
+    }
     kestan::CheckIndexWithFindings(file.store(), [&](const Finding& finding) {
-      const bool is_whole = finding.key == kWholeFile;
-      const bool is_fault = finding.severity == Severity::kFault;
-      if (is_as_written && IsOfRefusedWord(finding)) {
-        return Take(false, path, finding.key, "words of it have the keys of other records");
-      }
-      if (!is_fault && is_as_written) return;
-      Take(is_fault, path, is_whole ? "" : finding.key, finding.text);
+      is_as_written ? TakeOfWritten(path, finding) : TakeOf(path, finding);
     });
+  }
+
+  // What is no index file says so itself; another program may just have it.
+  static Kind KindOf(const Status& status) {
+    const bool is_damaged =
+        status.code() == StatusCode::kDamaged || status.code() == StatusCode::kVersion;
+    return is_damaged ? Kind::kNoIndexFile : Kind::kMissingFile;
+  }
+
+  // Of a file that is as it was written, notes say nothing: words such as "t-shirt" are meant. A
+  // writer never leaves words out, but it refuses those whose keys belong to other records.
+  void TakeOfWritten(const std::string& path, const Finding& finding) {
+    if (finding.kind == FindingKind::kCheckWordsMissing) {
+      TakeNote(Kind::kWordsMissing, path, finding.key,
+               "words of it have the keys of other records");
+    } else if (finding.severity == Severity::kFault) {
+      TakeOf(path, finding);
+    }
+  }
+
+  void TakeOf(const std::string& path, const Finding& finding) {
+    const bool is_of_words = finding.kind == FindingKind::kCheckWordsMissing;
+    Take({is_of_words ? Kind::kWordsMissing : Kind::kRecord, finding.severity == Severity::kFault,
+          path, finding.key == kWholeFile ? "" : std::string(finding.key),
+          std::string(finding.text)});
   }
 
   void CheckDerived(const SegmentInfo& info, bool with_positions) {
     Result<DerivedFiles> derived = DeriveFiles(Path(SegmentFile(info)));
-    if (!derived.ok()) return Take(derived.status());
+    if (!derived.ok()) return Take(Kind::kRecord, derived.status());
     if (derived->with_positions != with_positions) {
-      Take(true, Path(SegmentFile(info)), "", "MANIFEST contradicts it: are there positions");
+      Take(Kind::kManifest, Path(SegmentFile(info)), "",
+           "MANIFEST contradicts it: are there positions");
     }
     CompareTerms(info, std::move(derived->terms));
     CompareTables(info, std::move(derived->table));
@@ -135,23 +160,24 @@ class Checker {
   void CompareTerms(const SegmentInfo& info, std::string bytes) {
     const std::string path = Path(TermsFile(info));
     auto file = FileBytes::Open(path, info.terms.bytes);
-    if (!file.ok()) return Take(file.status());
+    if (!file.ok()) return Take(Kind::kDerivedFile, file.status());
     const auto found = TermDictionary::Open(std::move(*file));
-    if (!found.ok()) return Take(found.status());
+    if (!found.ok()) return Take(Kind::kDerivedFile, found.status());
     const auto expected = TermDictionary::Open(FileBytes::InMemory(std::move(bytes), path));
-    if (!expected.ok()) return Take(expected.status());
+    if (!expected.ok()) return Take(Kind::kDerivedFile, expected.status());
     if (found->size() != expected->size()) {
-      Take(true, path, "", "it has other terms than its segment");
+      Take(Kind::kDerivedFile, path, "", "it has other terms than its segment");
     }
     TermDictionary::Cursor left(*found);
     TermDictionary::Cursor right(*expected);
     for (;;) {
       const Result<bool> has_left = left.Next();
-      if (!has_left.ok()) return Take(has_left.status());
+      if (!has_left.ok()) return Take(Kind::kDerivedFile, has_left.status());
       const Result<bool> has_right = right.Next();
       if (!has_right.ok() || !*has_left || !*has_right) return;
       if (left.entry().term != right.entry().term) {
-        return Take(true, path, left.entry().term, "its segment has another term here");
+        return Take(Kind::kDerivedFile, path, left.entry().term,
+                    "its segment has another term here");
       }
       CompareEntries(path, left.entry(), right.entry());
     }
@@ -159,10 +185,10 @@ class Checker {
 
   void CompareEntries(const std::string& path, const TermEntry& found, const TermEntry& expected) {
     if (found.documents != expected.documents) {
-      Take(true, path, found.term, "its segment has another number of documents");
+      Take(Kind::kDerivedFile, path, found.term, "its segment has another number of documents");
     }
     if (!IsSamePlace(found.place, expected.place)) {
-      Take(true, path, found.term, "its record lies elsewhere");
+      Take(Kind::kDerivedFile, path, found.term, "its record lies elsewhere");
     }
   }
 
@@ -173,36 +199,37 @@ class Checker {
   void CompareTables(const SegmentInfo& info, std::string bytes) {
     const std::string path = Path(TableFile(info));
     auto file = FileBytes::Open(path, info.table.bytes);
-    if (!file.ok()) return Take(file.status());
+    if (!file.ok()) return Take(Kind::kDerivedFile, file.status());
     const auto found = DocumentTable::Open(std::move(*file));
-    if (!found.ok()) return Take(found.status());
+    if (!found.ok()) return Take(Kind::kDerivedFile, found.status());
     const auto expected = DocumentTable::Open(FileBytes::InMemory(std::move(bytes), path));
-    if (!expected.ok()) return Take(expected.status());
+    if (!expected.ok()) return Take(Kind::kDerivedFile, expected.status());
     if (found->size() != expected->size() || found->size() != info.documents) {
-      return Take(true, path, "", "it has another number of documents than its segment");
+      return Take(Kind::kDerivedFile, path, "",
+                  "it has another number of documents than its segment");
     }
     for (std::size_t i = 1; i <= found->size(); ++i) {
       const auto code = static_cast<Code>(i);
       const DocumentEntry entry = expected->EntryOf(code);
       CompareDocuments(path, found->EntryOf(code), entry);
       if (found->WordsOf(code) < expected->WordsOf(code)) {
-        Take(true, path, entry.name, "its segment has more words of the document");
+        Take(Kind::kDerivedFile, path, entry.name, "its segment has more words of the document");
       }
       if (found->Find(entry.name) != code) {
-        Take(true, path, entry.name, "the document is not found by its name");
+        Take(Kind::kDerivedFile, path, entry.name, "the document is not found by its name");
       }
     }
-    if (!found->status().ok()) Take(found->status());
+    if (!found->status().ok()) Take(Kind::kDerivedFile, found->status());
   }
 
   void CompareDocuments(const std::string& path, const DocumentEntry& found,
                         const DocumentEntry& expected) {
     if (found.name != expected.name || found.added != expected.added) {
-      Take(true, path, expected.name, "its segment has another document here");
+      Take(Kind::kDerivedFile, path, expected.name, "its segment has another document here");
     }
     for (std::size_t i = 0; i < kDocumentFields; ++i) {
       if (IsSamePlace(found.fields[i], expected.fields[i])) continue;
-      Take(true, path, expected.name, "a text of the document lies elsewhere");
+      Take(Kind::kDerivedFile, path, expected.name, "a text of the document lies elsewhere");
     }
   }
 
@@ -210,7 +237,8 @@ class Checker {
     const auto segment = Segment::Open(folder_, info, with_positions);
     if (!segment.ok()) {
       // The index file may be shorter, which was found before.
-      if (segment.status().file() != Path(SegmentFile(info))) Take(segment.status());
+      if (segment.status().file() != Path(SegmentFile(info)))
+        Take(Kind::kDerivedFile, segment.status());
       return;
     }
     report_.documents += (*segment)->living_documents();
@@ -219,7 +247,7 @@ class Checker {
       if ((*segment)->IsRemoved(code)) continue;
       const std::string_view name = (*segment)->NameOf(code);
       if (names_.emplace(name).second) continue;
-      Take(true, Path(TableFile(info)), name, "two documents have this name");
+      Take(Kind::kNameTwice, Path(TableFile(info)), name, "two documents have this name");
     }
   }
 
@@ -230,10 +258,11 @@ class Checker {
       if (info.edit_number != 0) named.insert(EditsFile(info));
     }
     const Result<std::vector<std::string>> names = NamesIn(folder_);
-    if (!names.ok()) return Take(true, folder_, "", names.status().message());
+    if (!names.ok()) return Take(Kind::kMissingFile, folder_, "", names.status().message());
     for (const std::string& name : *names) {
       if (!IsSegmentFileName(name) || named.count(name) != 0) continue;
-      Take(false, Path(name), "", "MANIFEST does not name it; the next writer removes it");
+      TakeNote(Kind::kUnnamedFile, Path(name), "",
+               "MANIFEST does not name it; the next writer removes it");
     }
   }
 
@@ -250,7 +279,7 @@ Result<CheckReport> CheckIndex(const std::string& path, const CheckOptions& opti
   return Caught(path, [&] {
     std::error_code error;
     const bool is_file = std::filesystem::is_regular_file(path, error);
-    Checker checker(path, options);
+    Checker checker(WithoutSlashes(path), options);
     return is_file ? checker.CheckFile() : checker.CheckFolder();
   });
 }
