@@ -1,6 +1,7 @@
 #include "cli/console/control_characters.h"
 
-#include "search/text/utf8.h"
+#include <kestan/search.h>
+
 
 namespace kestan_cli {
 namespace {

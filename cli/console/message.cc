@@ -3,8 +3,8 @@
 #include <cerrno>
 #include <system_error>
 
+#include "cli/console/ascii.h"
 #include "cli/console/control_characters.h"
-#include "search/text/letters.h"
 
 namespace kestan_cli {
 namespace {
@@ -38,7 +38,7 @@ std::string ReasonOf(int error) {
   if (error == EISDIR) return "is a folder";
   if (error == ENOTDIR) return "not in a folder";
   std::string reason = std::generic_category().message(error);
-  if (!reason.empty()) reason[0] = kestan::search::LowerCase(reason[0]);
+  if (!reason.empty()) reason[0] = LowerCase(reason[0]);
   return reason;
 }
 

@@ -1,5 +1,7 @@
 #include "cli/extract/indexed_text.h"
 
+#include <kestan/search.h>
+
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -15,7 +17,6 @@
 #include "cli/files/open_file.h"
 #include "cli/files/skip.h"
 #include "cli/files/stable_file.h"
-#include "search/text/utf8.h"
 
 namespace kestan_cli {
 namespace {

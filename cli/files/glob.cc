@@ -1,10 +1,11 @@
 #include "cli/files/glob.h"
 
+#include <kestan/search.h>
+
 #include <algorithm>
 
 #include "cli/console/message.h"
 #include "cli/files/paths.h"
-#include "search/text/utf8.h"
 
 namespace kestan_cli {
 namespace {

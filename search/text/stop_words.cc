@@ -1,5 +1,7 @@
 #include "search/text/stop_words.h"
 
+#include <kestan/search/text.h>
+
 #include <algorithm>
 #include <array>
 #include <cstddef>

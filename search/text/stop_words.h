@@ -1,18 +1,14 @@
-// English words that are too common to tell documents apart.
+// Words of questions that say nothing of what is asked for. <kestan/search/text.h> has the list of
+// the common ones.
 #ifndef KESTAN_SEARCH_TEXT_STOP_WORDS_H_
 #define KESTAN_SEARCH_TEXT_STOP_WORDS_H_
 
-#include <string>
 #include <string_view>
 
 namespace kestan::search {
 
-// Returns all of them, each followed by a blank, in lower case and without apostrophes: as they are
-// indexed.
-std::string EnglishStopWords();
-
-// Returns whether `word`, as it is indexed, is one of them. The first letter may be a capital. With
-// more capitals (IT, US) it is a name.
+// Returns whether `word`, as it is indexed, is too common to tell documents apart. The first letter
+// may be a capital. With more capitals (IT, US) it is a name.
 bool IsStopWord(std::string_view word);
 
 // Returns whether `word` is another one that questions are put in and that says nothing of what is

@@ -1,6 +1,7 @@
 #include "cli/commands/documents/export_command.h"
 
 #include <kestan/maintenance.h>
+#include <kestan/search.h>
 
 #include <memory>
 
@@ -11,7 +12,6 @@
 #include "cli/export/json_writer.h"
 #include "cli/export/sql_writer.h"
 #include "cli/index/opened_index.h"
-#include "search/text/utf8.h"
 
 namespace kestan_cli {
 namespace {

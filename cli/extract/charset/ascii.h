@@ -1,18 +1,13 @@
-// The ASCII characters of names, labels and markup, beside those that search/text/ has.
+// The ASCII characters of names, labels and markup, beside those of cli/console/ascii.h.
 #ifndef KESTAN_CLI_EXTRACT_CHARSET_ASCII_H_
 #define KESTAN_CLI_EXTRACT_CHARSET_ASCII_H_
 
 #include <algorithm>
 #include <string_view>
 
-#include "search/text/letters.h"
-#include "search/text/white_space.h"
+#include "cli/console/ascii.h"
 
 namespace kestan_cli {
-
-using kestan::search::IsAsciiLetter;
-using kestan::search::kWhiteSpace;
-using kestan::search::LowerCase;
 
 inline constexpr std::string_view kHtmlWhiteSpace = " \t\n\f\r";
 

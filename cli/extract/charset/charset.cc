@@ -1,5 +1,7 @@
 #include "cli/extract/charset/charset.h"
 
+#include <kestan/search.h>
+
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_cb.h>
 #include <unicode/utf16.h>
@@ -14,7 +16,6 @@
 #include "cli/extract/charset/ascii.h"
 #include "cli/extract/charset/latin1.h"
 #include "cli/files/skip.h"
-#include "search/text/utf8.h"
 
 namespace kestan_cli {
 namespace {

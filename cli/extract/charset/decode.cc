@@ -1,10 +1,11 @@
 #include "cli/extract/charset/decode.h"
 
+#include <kestan/search.h>
+
 #include <cstddef>
 #include <utility>
 
 #include "cli/extract/charset/latin1.h"
-#include "search/text/utf8.h"
 
 namespace kestan_cli {
 namespace {

@@ -1,9 +1,9 @@
 #include "cli/extract/charset/latin1.h"
 
+#include <kestan/search.h>
+
 #include <array>
 #include <cstddef>
-
-#include "search/text/utf8.h"
 
 namespace kestan_cli {
 namespace {

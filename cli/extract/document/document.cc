@@ -1,6 +1,7 @@
 #include "cli/extract/document/document.h"
 
 #include <kestan/kestan.h>
+#include <kestan/search.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -8,16 +9,11 @@
 #include <vector>
 
 #include "cli/extract/charset/ascii.h"
+#include "cli/extract/document/words.h"
 #include "cli/files/skip.h"
-#include "search/text/transliterate.h"
-#include "search/text/utf8.h"
-#include "search/text/words.h"
 
 namespace kestan_cli {
 namespace {
-
-using kestan::search::CleanWords;
-using kestan::search::Transliterated;
 
 // Returns where to cut `line`: at `max_bytes`, or up to three bytes before, where a character of
 // UTF-8 starts. Text that is not UTF-8 is cut at `max_bytes`.
@@ -84,7 +80,7 @@ std::string Excerpt(std::string_view text, std::size_t max_bytes) {
   std::string line;
   bool gap = false;
   for (char byte : text) {
-    if (kestan::search::IsWhiteSpace(byte)) {
+    if (IsWhiteSpace(byte)) {
       gap = !line.empty();
       continue;
     }
@@ -103,11 +99,11 @@ Document MakeDocument(std::string text, TitleRule rule, const WordRules& rules) 
   Document document;
   document.title = Excerpt(titled.title, kMaxTitleBytes);
   document.summary = Excerpt(titled.rest, kMaxSummaryBytes);
-  text = Transliterated(text);
+  text = InAscii(text);
   if (text.size() > kMaxTextBytes) throw SkipFile(SkipKind::kTooLarge, "too much text");
   // After transliteration: the engine takes a line with a byte above 127 for encoded data.
   if (rules.strip_encoded) text = StripLines(std::move(text));
-  document.words = CleanWords(std::move(text), rules.stop_words);
+  document.words = WordsIn(std::move(text), rules.stop_words);
   return document;
 }
 

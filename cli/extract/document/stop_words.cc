@@ -5,18 +5,12 @@
 #include "cli/console/message.h"
 #include "cli/extract/charset/decode.h"
 #include "cli/extract/document/document.h"
+#include "cli/extract/document/words.h"
 #include "cli/files/skip.h"
 #include "cli/files/stable_file.h"
-#include "search/text/stop_words.h"
-#include "search/text/transliterate.h"
-#include "search/text/words.h"
 
 namespace kestan_cli {
 namespace {
-
-using kestan::search::CleanWords;
-using kestan::search::EnglishStopWords;
-using kestan::search::Transliterated;
 
 CommandError TooLarge(const std::string& path) {
   return CommandError(Quoted(path) + " is too large");
@@ -35,16 +29,16 @@ std::string ReadWords(const std::string& path) {
   }
   const std::optional<std::string> text = DecodedText(std::move(bytes));
   if (!text.has_value()) throw CommandError("cannot read " + Quoted(path) + ": not a text");
-  return Transliterated(*text);
+  return InAscii(*text);
 }
 
 }  // namespace
 
 std::string StopWords(const std::string& choice) {
   if (choice.empty()) return "";
-  std::string words = choice == "english" ? EnglishStopWords() : ReadWords(choice);
+  std::string words = choice == "english" ? kestan::search::EnglishStopWords() : ReadWords(choice);
   if (words.size() > kMaxTextBytes) throw TooLarge(choice);
-  words = CleanWords(std::move(words));
+  words = WordsIn(std::move(words));
   // Even a blank would make the engine drop short words.
   return words.find_first_not_of(" \n") == std::string::npos ? "" : words;
 }

@@ -1,6 +1,7 @@
 #include "cli/extract/html/html.h"
 
 #include <kestan/kestan.h>
+#include <kestan/search.h>
 #include <libxml/HTMLparser.h>
 #include <libxml/parser.h>
 #include <libxml/xmlerror.h>
@@ -23,7 +24,6 @@
 #include "cli/extract/document/document.h"
 #include "cli/extract/html/html_repair.h"
 #include "cli/files/skip.h"
-#include "search/text/utf8.h"
 
 namespace kestan_cli {
 namespace {

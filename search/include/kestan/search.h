@@ -15,5 +15,6 @@
 #include <kestan/search/index_writer.h>
 #include <kestan/search/status.h>
 #include <kestan/search/upkeep_progress.h>
+#include <kestan/search/text.h>
 
 #endif  // KESTAN_SEARCH_H_

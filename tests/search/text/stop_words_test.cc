@@ -1,6 +1,7 @@
 #include "search/text/stop_words.h"
 
 #include <gtest/gtest.h>
+#include <kestan/search/text.h>
 
 #include <algorithm>
 #include <sstream>
