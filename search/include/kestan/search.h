@@ -14,7 +14,7 @@
 #include <kestan/search/index_reader.h>
 #include <kestan/search/index_writer.h>
 #include <kestan/search/status.h>
-#include <kestan/search/upkeep_progress.h>
 #include <kestan/search/text.h>
+#include <kestan/search/upkeep_progress.h>
 
 #endif  // KESTAN_SEARCH_H_
