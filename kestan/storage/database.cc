@@ -4,6 +4,7 @@
 #include <kestan/storage/cycle_detector.h>
 #include <kestan/storage/dbcache.h>
 #include <kestan/storage/diagnostics.h>
+#include <kestan/storage/gdbm/free_list_guard.h>
 #include <kestan/storage/gdbm_file.h>
 #include <kestan/storage/memory.h>
 #include <kestan/storage/owned_datum.h>
@@ -67,6 +68,7 @@ bool LeadsToCycle(GDBM_FILE file, DBDatumPtr key) {
 
 Database::Database()
     : cycle_detector_(kestan::New<kestan::CycleDetector>()),
+      free_list_guard_(kestan::New<kestan::gdbm::FreeListGuard>()),
       cache_(kestan::New<kestan::DBCache>()) {}
 
 Database::~Database() { Close(); }
@@ -91,6 +93,7 @@ int Database::Open(const char* name, int writer) {
 int Database::Close() {
   if (dbf == nullptr) return 0;
   const int result = Flush();
+  free_list_guard_->Release();
   kestan::CloseFile(std::exchange(dbf, nullptr));
   return result;
 }
@@ -262,12 +265,14 @@ void Database::PrepareToWrite() {
   gdbm_setopt(dbf, GDBM_SETCACHESIZE, &buckets, sizeof buckets);
   mapped_ = mappable_ = true;  // as gdbm opens files
   MapFile(false);
+  free_list_guard_->Watch(gdbm_fdesc(dbf));
 }
 
 // Writes one record to the file.
 //   Returns  0 or gdbm's error number.
 int Database::Store(const DBDatum& key, const DBDatum& value) {
   if (!FitsGdbm(key) || !FitsGdbm(value)) return Remember(GDBM_MALFORMED_DATA);
+  if (const int error = free_list_guard_->BeforeStore(); error != 0) return Remember(error);
   const int failed = gdbm_store(dbf, ForGdbm(key), ForGdbm(value), GDBM_REPLACE);
   const int error = failed != 0 ? Remember(kestan::LastError()) : 0;
   if (mapped_ && kestan::BytesOfFile(dbf) != mapped_bytes_) MapFile(false);

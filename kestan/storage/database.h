@@ -14,6 +14,9 @@ struct gdbm_file_info;
 namespace kestan {
 class DBCache;
 class CycleDetector;
+namespace gdbm {
+class FreeListGuard;
+}
 }  // namespace kestan
 
 // A key/value file whose records, once read or written, stay in a cache.
@@ -137,6 +140,7 @@ class KESTAN_EXPORT Database {
   gdbm_file_info* dbf = nullptr;
   DBDatumPtr cursor;  // the key that First() or Next() found last
   std::unique_ptr<kestan::CycleDetector> cycle_detector_;
+  std::unique_ptr<kestan::gdbm::FreeListGuard> free_list_guard_;
   int walk_error_ = 0;
   int file_error_ = 0;
   std::unique_ptr<kestan::DBCache> cache_;
