@@ -11,9 +11,7 @@ namespace {
 
 // As gdbm's own buckets: with smaller ones, a file that grows would be split without end.
 constexpr std::uint32_t kBlockCapacity = (kBlockBytes - sizeof(BucketHead)) / sizeof(Element);
-constexpr std::uint32_t kMostCapacity = ((1 << 20) - sizeof(BucketHead)) / sizeof(Element);
 constexpr unsigned kLeastDirectoryBits = 6;  // a directory is not smaller than a block
-constexpr unsigned kMostDirectoryBits = 24;
 static_assert(sizeof(Offset) << kLeastDirectoryBits == kBlockBytes);
 
 Hash HashOf(const Element& element) { return static_cast<Hash>(element.hash); }

@@ -21,6 +21,15 @@ constexpr std::uint64_t BucketBytes(std::uint32_t capacity) {
   return sizeof(BucketHead) + std::uint64_t{capacity} * sizeof(Element);
 }
 
+// No directory of a new file has more bits, and no bucket more room.
+inline constexpr unsigned kMostDirectoryBits = 24;
+inline constexpr std::uint32_t kMostCapacity = ((1 << 20) - sizeof(BucketHead)) / sizeof(Element);
+
+// Keys whose hashes begin with the same kMostDirectoryBits bits are in one bucket, and gdbm looks at
+// one after the other. Words that nobody has chosen for that come nowhere near so many.
+inline constexpr std::uint32_t kMostKeysOfOnePrefix = 4096;
+static_assert(kMostKeysOfOnePrefix < kMostCapacity / 8);
+
 // Returns the largest capacity that pays in a file of about so many records; 0 if that is not
 // known. Large buckets are filled more evenly, but the start of the file that they leave unused is
 // as large as one of them.

@@ -55,13 +55,23 @@ StoreError Writer::Create(const char* path, std::size_t expected_records) {
 }
 
 RecordPlace Writer::Add(std::string_view key, std::string_view value) {
+  return AddOfHash(HashOf(key), key, value);
+}
+
+RecordPlace Writer::AddIfFits(std::string_view key, std::string_view value) {
+  const Hash hash = HashOf(key);
+  if (prefix_counts_.IsFull(hash, elements_)) return {};
+  return AddOfHash(hash, key, value);
+}
+
+RecordPlace Writer::AddOfHash(Hash hash, std::string_view key, std::string_view value) {
   if (!is_open() || error_ != StoreError::kNone) return {};
   if (IsTooLong(key) || IsTooLong(value)) {
     Fail(StoreError::kMalformedData);
     return {};
   }
   Element element{};
-  element.hash = static_cast<std::int32_t>(HashOf(key));
+  element.hash = static_cast<std::int32_t>(hash);
   std::memcpy(element.key_start.data(), key.data(), std::min(key.size(), element.key_start.size()));
   element.data = end_;
   element.key_bytes = static_cast<std::int32_t>(key.size());
@@ -106,6 +116,7 @@ StoreError Writer::Finish() {
   if (error_ == StoreError::kNone) WriteTables(plan);
   if (close(std::exchange(descriptor_, -1)) != 0) Fail(StoreError::kFileClose);
   elements_ = {};
+  prefix_counts_ = {};
   by_hash_ = {};
   buffer_ = {};
   if (error_ != StoreError::kNone) errno = errno_;

@@ -3,6 +3,7 @@
 #define KESTAN_BUILDING_GDBM_WRITER_H_
 
 #include <kestan/building/bucket_plan.h>
+#include <kestan/building/prefix_counts.h>
 #include <kestan/storage/gdbm/gdbm_header.h>
 #include <kestan/storage/gdbm/record_place.h>
 #include <kestan/storage/memory.h>
@@ -38,6 +39,11 @@ class Writer {
   //            may move where hundreds of keys have one hash: then no key is there any more.
   RecordPlace Add(std::string_view key, std::string_view value);
 
+  // The same, unless there are kMostKeysOfOnePrefix keys whose hashes begin like that of `key`:
+  // with too many of these, Finish() fails.
+  //   Returns  {} for such a key too.
+  RecordPlace AddIfFits(std::string_view key, std::string_view value);
+
   // Returns whether there is a record of this key among the first `records`. Reads the file.
   bool Contains(std::string_view key, std::size_t records);
 
@@ -56,6 +62,7 @@ class Writer {
   void AppendZeros(std::uint64_t count);
   void Flush();
   void WriteAt(std::uint64_t offset, std::string_view bytes);
+  RecordPlace AddOfHash(Hash hash, std::string_view key, std::string_view value);
   void IndexByHash(std::size_t records);
   bool HasKeyAt(const Element& element, std::string_view key);
   String Read(std::uint64_t offset, std::size_t size);
@@ -74,6 +81,7 @@ class Writer {
   Offset end_ = 0;  // of the file, what waits in the buffer included
   String buffer_;
   Vector<Element> elements_;
+  PrefixCounts prefix_counts_;     // of the elements
   Vector<std::uint32_t> by_hash_;  // for Contains(): the first elements, in order of their hashes
 };
 

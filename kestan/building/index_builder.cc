@@ -73,7 +73,7 @@ class IndexBuilder::Impl {
 
   RecordPlace AddWord(std::string_view word, std::string_view record) {
     if (!CanBeWord(word) || IsTaken(word)) return {};
-    return writer_.Add(word, record);
+    return writer_.AddIfFits(word, record);
   }
 
   RecordPlace AddSystemRecord(std::string_view family, std::string_view name,

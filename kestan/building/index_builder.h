@@ -66,7 +66,8 @@ class KESTAN_EXPORT IndexBuilder {
   // Adds the posting record of `word`, which AppendPosting() made. Refused, without an error, are
   // what is no word, for it is empty or holds white space or a NUL, and words whose key belongs to
   // another record of the file, as "t-shirt" beside the title of a document "shirt" or "g-code"
-  // everywhere. So documents and side records are added first.
+  // everywhere; so documents and side records are added first. Refused too are words that gdbm
+  // gives one hash, or nearly one, after the first 4,096 of them, which somebody must have chosen.
   //   Returns  where the record lies; {} if the word is refused.
   RecordPlace AddWord(std::string_view word, std::string_view record);
 
@@ -76,7 +77,7 @@ class KESTAN_EXPORT IndexBuilder {
   // Writes buckets, directory and header, and closes the file. Does not sync it.
   //   Returns  kNone, or the first error: kFileWrite, kFileRead, kFileClose (errno says why),
   //            kMalformedData (a key or text past 2,147,483,647 bytes), kDirectoryOverflow (too
-  //            many keys of one hash), kUnknown (a key came twice); kNotOpen without a file.
+  //            many names of one hash), kUnknown (a key came twice); kNotOpen without a file.
   StoreError Finish();
 
  private:

@@ -168,6 +168,7 @@ class Checker {
     if (found->size() != expected->size()) {
       Take(Kind::kDerivedFile, path, "", "it has other terms than its segment");
     }
+    FindFirstRecord(*expected);
     TermDictionary::Cursor left(*found);
     TermDictionary::Cursor right(*expected);
     for (;;) {
@@ -187,9 +188,24 @@ class Checker {
     if (found.documents != expected.documents) {
       Take(Kind::kDerivedFile, path, found.term, "its segment has another number of documents");
     }
-    if (!IsSamePlace(found.place, expected.place)) {
+    if (!IsSamePlace(found.place, expected.place) && !HasMoved(found.place)) {
       Take(Kind::kDerivedFile, path, found.term, "its record lies elsewhere");
     }
+  }
+
+  // Finds where the first posting record of a segment lies.
+  void FindFirstRecord(const TermDictionary& terms) {
+    first_record_ = UINT64_MAX;
+    static_cast<void>(terms.ForEach("", [this](const TermEntry& entry) {
+      first_record_ = std::min(first_record_, entry.place.offset);
+      return true;
+    }));
+  }
+
+  // Where many words have one hash, records are moved out of the start of the index file after
+  // their places were written down. No record lies there then, and readers ask gdbm.
+  bool HasMoved(const RecordPlace& found) const {
+    return found.offset != 0 && found.offset < first_record_;
   }
 
   static bool IsSamePlace(const RecordPlace& left, const RecordPlace& right) {
@@ -229,6 +245,7 @@ class Checker {
     }
     for (std::size_t i = 0; i < kDocumentFields; ++i) {
       if (IsSamePlace(found.fields[i], expected.fields[i])) continue;
+      if (HasMoved(found.fields[i])) continue;
       Take(Kind::kDerivedFile, path, expected.name, "a text of the document lies elsewhere");
     }
   }
@@ -269,6 +286,7 @@ class Checker {
   const std::string folder_;
   const CheckOptions options_;
   CheckReport report_;
+  std::uint64_t first_record_ = 0;                  // of the segment that is being compared
   std::map<std::string, std::size_t> findings_of_;  // of each file
   std::set<std::string, std::less<>> names_;        // of all living documents
 };

@@ -251,6 +251,46 @@ TEST_F(GdbmWriterTest, MoreKeysOfOneHashThanABucketCanHoldAreAnError) {
   EXPECT_EQ(Write(records), StoreError::kDirectoryOverflow);
 }
 
+TEST_F(GdbmWriterTest, KeysOfOneHashAreRefusedWhereThatIsWanted) {
+  for (const std::size_t others : {0u, 5000u, 100'000u}) {
+    std::filesystem::remove(path_);
+    Writer writer;
+    ASSERT_EQ(writer.Create(path_.c_str(), 0), StoreError::kNone);
+    for (const auto& [key, value] : NumberedRecords(others)) writer.Add(key, value);
+    std::size_t taken = 0;
+    for (const std::string& key : WordsOfOneHash(kestan::gdbm::kMostKeysOfOnePrefix + 10)) {
+      const bool is_taken = writer.AddIfFits(key, "value").offset != 0;
+      EXPECT_EQ(is_taken, taken < kestan::gdbm::kMostKeysOfOnePrefix);
+      taken += is_taken ? 1 : 0;
+      if (HasFailure()) break;
+    }
+    EXPECT_NE(writer.AddIfFits("another", "value").offset, 0u);
+    EXPECT_EQ(writer.records(), others + taken + 1);
+    ASSERT_EQ(writer.Finish(), StoreError::kNone);
+    EXPECT_EQ(Dump(path_).size(), others + taken + 1);
+  }
+}
+
+// Their hashes differ in the last bits alone, which no directory looks at.
+TEST_F(GdbmWriterTest, KeysOfHashesThatAgreeInMostBitsAreRefusedTogether) {
+  Writer writer;
+  ASSERT_EQ(writer.Create(path_.c_str(), 0), StoreError::kNone);
+  const auto words = WordsOfOneHash(kestan::gdbm::kMostKeysOfOnePrefix);
+  const auto prefix =
+      kestan::gdbm::PrefixOf(kestan::gdbm::HashOf(words[0]), kestan::gdbm::kMostDirectoryBits);
+  for (const std::string& word : words) EXPECT_NE(writer.AddIfFits(word, "").offset, 0u);
+  int refused = 0;
+  for (int i = 0; refused == 0 && i < 100'000'000; ++i) {
+    const std::string key = "other " + std::to_string(i);
+    const auto hash = kestan::gdbm::HashOf(key);
+    if (kestan::gdbm::PrefixOf(hash, kestan::gdbm::kMostDirectoryBits) != prefix) continue;
+    EXPECT_EQ(writer.AddIfFits(key, "").offset, 0u);
+    ++refused;
+  }
+  EXPECT_EQ(refused, 1);
+  EXPECT_EQ(writer.Finish(), StoreError::kNone);
+}
+
 TEST_F(GdbmWriterTest, KeyThatComesTwiceIsAnError) {
   for (const std::string& key :
        std::vector<std::string>{"", "key", "a key that is longer than four bytes"}) {
