@@ -173,7 +173,8 @@ class Rebuilder {
     info.segment = *summary;
     Status status = KeepOrReplace(*derived, &info);
     if (!status.ok()) return status;
-    TakeEdits(edit_numbers, &info);
+    status = TakeEdits(edit_numbers, &info);
+    if (!status.ok()) return status;
     status = LeaveOutTwins(edit_numbers, &info);
     if (!status.ok()) return status;
     if (info.removed < info.documents) manifest_.segments.push_back(info);
@@ -214,11 +215,14 @@ class Rebuilder {
     return true;
   }
 
-  void TakeEdits(const EditNumbers& numbers, SegmentInfo* info) {
+  // Damaged edits are left out. Those that the system does not read now may be sound: without them,
+  // removed documents would live again.
+  Status TakeEdits(const EditNumbers& numbers, SegmentInfo* info) {
     for (const std::uint64_t number : numbers) {
       SegmentInfo edited = *info;
       edited.edit_number = number;
       const Result<std::string> bytes = ReadWholeFile(Path(EditsFile(edited)), kMaxManifestBytes);
+      if (bytes.status().code() == StatusCode::kSystem) return bytes.status();
       if (!bytes.ok()) continue;
       const Result<Edits> edits = Edits::Decode(*bytes, info->documents);
       if (!edits.ok()) {
@@ -229,8 +233,9 @@ class Rebuilder {
       edited.removed = static_cast<std::uint32_t>(edits->removed_count());
       *info = edited;
       Note(EditsFile(edited), "these edits are taken for the last ones");
-      return;
+      return {};
     }
+    return {};
   }
 
   // Removes documents whose names live in a newer segment.

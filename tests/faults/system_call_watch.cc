@@ -36,9 +36,10 @@ Ruling Ask(const SystemCall& call) {
 }  // namespace
 
 const char* NameOf(Function function) {
-  constexpr std::array<const char*, 15> kNames = {
-      "open",  "close", "fstat", "flock",  "read",   "write",  "lseek", "ftruncate",
-      "fsync", "mmap",  "msync", "rename", "fchmod", "fchown", "unlink"};
+  constexpr std::array<const char*, kFunctions> kNames = {
+      "open",      "close", "fstat",   "flock", "read",           "write",  "lseek",
+      "ftruncate", "fsync", "mmap",    "msync", "rename",         "fchmod", "fchown",
+      "unlink",    "mkdir", "readdir", "stat",  "sync_file_range"};
   return kNames.at(static_cast<std::size_t>(function));
 }
 

@@ -27,8 +27,14 @@ enum class Function : std::uint8_t {
   kRename,
   kMode,
   kOwner,
-  kRemove,
+  kRemove,  // rmdir too
+  kMakeFolder,
+  kListFolder,  // opendir, readdir
+  kLookUp,      // access, stat, lstat
+  kStartWriting,
 };
+
+constexpr std::size_t kFunctions = 19;
 
 // Returns the function's name in the C library.
 const char* NameOf(Function function);

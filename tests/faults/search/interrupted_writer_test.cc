@@ -17,48 +17,22 @@
 #include <vector>
 
 #include "tests/faults/search/interrupted_writer.h"
+#include "tests/faults/search/system_errors.h"
 #include "tests/support/environment.h"
 #include "tests/support/temp_dir.h"
 
 namespace kestan_faults {
 namespace {
 
-constexpr int kShort = -1;  // in place of an error: half of the bytes are moved
-
 bool TriesAll() { return kestan_tests::NumberFromEnvironment("KESTAN_FAULTS_ALL", 0) != 0; }
 
 bool ChangesFiles(Function function) {
-  return IsWriteLike(function) || function == Function::kRemove || function == Function::kOpen;
+  return IsWriteLike(function) || function == Function::kRemove || function == Function::kOpen ||
+         function == Function::kMakeFolder;
 }
 
 bool Has(const Outcome& outcome, const char* line) {
   return ("\n" + outcome.transcript).find("\n" + std::string(line) + ": ") != std::string::npos;
-}
-
-std::vector<int> ErrorsOf(Function function) {
-  switch (function) {
-    case Function::kOpen:
-      return {EIO, ENOSPC, EINTR, EMFILE};
-    case Function::kClose:
-      return {EIO, EINTR, ENOSPC};
-    case Function::kWrite:
-      return {ENOSPC, EIO, EINTR, kShort};
-    case Function::kRead:
-      return {EIO, EINTR, kShort};
-    case Function::kTruncate:
-    case Function::kRename:
-      return {ENOSPC, EIO};
-    case Function::kSync:
-      return {EIO, ENOSPC, EINTR};
-    case Function::kMap:
-      return {ENOMEM};
-    default:
-      return {EIO};
-  }
-}
-
-Ruling RulingOf(int error, const SystemCall& call) {
-  return error == kShort ? Ruling{0, (call.bytes + 1) / 2} : Ruling{error};
 }
 
 TEST(InterruptedWriterTest, KilledBeforeSystemCallLeavesOldOrNewState) {
@@ -104,7 +78,7 @@ TEST(InterruptedWriterTest, FailingSystemCallIsAnErrorAndNoLoss) {
   const kestan_tests::TempDir folder;
   const InterruptedWriter writer(folder / ".");
   const std::vector<Function> calls = writer.Calls();
-  std::array<std::size_t, 16> turns{};
+  std::array<std::size_t, kFunctions> turns{};
   int trials = 0;
   int refused = 0;
   for (std::size_t i = 0; i < calls.size(); ++i) {
