@@ -4,9 +4,12 @@
 // In the environment, KESTAN_HOSTILE_BYTES=all flips each bit of each byte instead of one.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/faults/search/asked_index.h"
@@ -28,6 +31,13 @@ std::vector<unsigned> MasksAt(std::size_t offset) {
   const char* const bits = std::getenv("KESTAN_HOSTILE_BYTES");
   if (bits == nullptr || std::string(bits) != "all") return {1U << (offset % 8)};
   return {1, 2, 4, 8, 16, 32, 64, 128, 255};
+}
+
+// Returns how many bytes to go on by from one damage of so many bytes to the next.
+std::size_t Step(std::size_t bytes) {
+  const char* const bits = std::getenv("KESTAN_HOSTILE_BYTES");
+  if (bits != nullptr && std::string(bits) == "all") return 1;
+  return std::max<std::size_t>(bytes, 7);
 }
 
 class DamagedIndexTest : public testing::Test {
@@ -186,6 +196,72 @@ TEST_F(DamagedIndexTest, ManifestOfAnotherVersionIsRefused) {
   WriteFile(original_ + "/MANIFEST", manifest);
   EXPECT_EQ(RefusalOf(IndexReader::Open(original_).status()), "kVersion");
   EXPECT_EQ(RefusalOf(OpenWriter(original_).status()), "kVersion");
+}
+
+// Returns `good` with blocks of it cut out, doubled, blanked, or exchanged with the next one.
+std::vector<std::string> Spliced(const std::string& good, std::size_t at, std::size_t bytes) {
+  const std::string before = good.substr(0, at);
+  const std::string block = good.substr(at, bytes);
+  const std::string after = good.substr(std::min(at + bytes, good.size()));
+  const std::string next = after.substr(0, bytes);
+  return {before + after, before + block + block + after,
+          before + std::string(block.size(), '\0') + after,
+          before + next + block + after.substr(next.size())};
+}
+
+TEST_F(DamagedIndexTest, SplicedFileIsNeverBelieved) {
+  int refused = 0;
+  int trials = 0;
+  for (const std::string& file : Files()) {
+    const std::string good = ReadFile(original_ + "/" + file);
+    for (const std::size_t bytes : {std::size_t{1}, std::size_t{8}, std::size_t{61}}) {
+      for (std::size_t at = 0; at < good.size(); at += Step(bytes)) {
+        SCOPED_TRACE(file + " at " + std::to_string(at) + ", " + std::to_string(bytes));
+        for (const std::string& spliced : Spliced(good, at, bytes)) {
+          if (spliced == good) continue;
+          ++trials;
+          refused += Read(file, spliced) > 0 ? 1 : 0;
+        }
+        if (HasFailure()) return;
+      }
+    }
+  }
+  std::printf("%d spliced files: %d refused\n", trials, refused);
+  EXPECT_GT(refused, 0);
+}
+
+// The beginning of a file goes on as another one of its kind: that of the other segment, or that of
+// the next commit.
+TEST_F(DamagedIndexTest, FileThatGoesOnAsAnotherIsNeverBelieved) {
+  const std::string later = folder_ / "later";
+  std::filesystem::copy(original_, later);
+  auto writer = OpenWriter(later);
+  ASSERT_TRUE(writer.ok());
+  ASSERT_TRUE(writer->SetField("a4", kestan::search::DocumentField::kTitle, "later title").ok());
+  ASSERT_TRUE(writer->Commit().ok());
+  const std::vector<std::pair<std::string, std::string>> pairs = {
+      {"MANIFEST", later + "/MANIFEST"},           {"1.terms", original_ + "/2.terms"},
+      {"2.terms", original_ + "/1.terms"},         {"1.documents", original_ + "/2.documents"},
+      {"2.documents", original_ + "/1.documents"}, {"1-1.edits", later + "/1-2.edits"}};
+  int trials = 0;
+  for (const auto& [file, other_path] : pairs) {
+    const std::string good = ReadFile(original_ + "/" + file);
+    const std::string other = ReadFile(other_path);
+    ASSERT_FALSE(other.empty()) << other_path;
+    for (std::size_t at = 0; at < std::min(good.size(), other.size()); at += Step(1)) {
+      const std::string spliced = good.substr(0, at) + other.substr(at);
+      const std::string same_size =
+          (spliced + good.substr(std::min(spliced.size(), good.size()))).substr(0, good.size());
+      for (const std::string& bytes : {spliced, same_size}) {
+        if (bytes == good) continue;
+        SCOPED_TRACE(file + " goes on as another at " + std::to_string(at));
+        ++trials;
+        EXPECT_GT(Read(file, bytes), 0);
+        if (HasFailure()) return;
+      }
+    }
+  }
+  std::printf("%d files that go on as others\n", trials);
 }
 
 // Files of two segments differ in their sizes, or in what they contradict.
