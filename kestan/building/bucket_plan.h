@@ -25,8 +25,8 @@ constexpr std::uint64_t BucketBytes(std::uint32_t capacity) {
 inline constexpr unsigned kMostDirectoryBits = 24;
 inline constexpr std::uint32_t kMostCapacity = ((1 << 20) - sizeof(BucketHead)) / sizeof(Element);
 
-// Keys whose hashes begin with the same kMostDirectoryBits bits are in one bucket, and gdbm looks at
-// one after the other. Words that nobody has chosen for that come nowhere near so many.
+// Keys whose hashes begin with the same kMostDirectoryBits bits are in one bucket, and gdbm looks
+// at one after the other. Words that nobody has chosen for that come nowhere near so many.
 inline constexpr std::uint32_t kMostKeysOfOnePrefix = 4096;
 static_assert(kMostKeysOfOnePrefix < kMostCapacity / 8);
 

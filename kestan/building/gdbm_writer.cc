@@ -50,6 +50,7 @@ StoreError Writer::Create(const char* path, std::size_t expected_records) {
   buffer_.reserve(kBufferBytes);
   largest_capacity_ = LargestCapacity(expected_records);
   end_ = 0;
+  refused_ = 0;
   AppendZeros(BucketBytes(largest_capacity_));  // the header will be here
   return StoreError::kNone;
 }
@@ -60,7 +61,10 @@ RecordPlace Writer::Add(std::string_view key, std::string_view value) {
 
 RecordPlace Writer::AddIfFits(std::string_view key, std::string_view value) {
   const Hash hash = HashOf(key);
-  if (prefix_counts_.IsFull(hash, elements_)) return {};
+  if (prefix_counts_.IsFull(hash, elements_)) {
+    ++refused_;
+    return {};
+  }
   return AddOfHash(hash, key, value);
 }
 

@@ -49,6 +49,9 @@ class Writer {
 
   std::size_t records() const { return elements_.size(); }
 
+  // Returns how many keys AddIfFits() has refused in this file.
+  std::size_t refused() const { return refused_; }
+
   // Writes buckets, directory and header, and closes the file.
   //   Returns  kNone, or the first error: kFileWrite, kFileRead, kFileClose (errno says why),
   //            kMalformedData (a key or value too long), kDirectoryOverflow (too many keys of one
@@ -81,6 +84,7 @@ class Writer {
   Offset end_ = 0;  // of the file, what waits in the buffer included
   String buffer_;
   Vector<Element> elements_;
+  std::size_t refused_ = 0;
   PrefixCounts prefix_counts_;     // of the elements
   Vector<std::uint32_t> by_hash_;  // for Contains(): the first elements, in order of their hashes
 };

@@ -76,6 +76,8 @@ class IndexBuilder::Impl {
     return writer_.AddIfFits(word, record);
   }
 
+  std::size_t words_left_out() const { return writer_.refused(); }
+
   RecordPlace AddSystemRecord(std::string_view family, std::string_view name,
                               std::string_view value) {
     const RecordPlace place = writer_.Add(ItemKey(family, name), value);
@@ -115,6 +117,8 @@ void IndexBuilder::AddDocument(Code code, std::string_view name, std::uint32_t a
 RecordPlace IndexBuilder::AddWord(std::string_view word, std::string_view record) {
   return impl_->AddWord(word, record);
 }
+
+std::size_t IndexBuilder::words_left_out() const { return impl_->words_left_out(); }
 
 RecordPlace IndexBuilder::AddSideRecord(SideRecord kind, std::string_view name,
                                         std::string_view text) {

@@ -71,6 +71,9 @@ class KESTAN_EXPORT IndexBuilder {
   //   Returns  where the record lies; {} if the word is refused.
   RecordPlace AddWord(std::string_view word, std::string_view record);
 
+  // Returns how many words of this file were refused because too many have their hash.
+  std::size_t words_left_out() const;
+
   // Adds a text for `name`, which need not be that of a document. May be empty.
   RecordPlace AddSideRecord(SideRecord kind, std::string_view name, std::string_view text);
 

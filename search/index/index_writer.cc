@@ -235,6 +235,14 @@ class IndexWriter::Impl {
     return options_.progress(progress);
   }
 
+  void WarnOfWordsLeftOut(const SegmentInfo& info) {
+    if (info.words_left_out == 0) return;
+    warnings_.emplace_back(
+        StatusCode::kInvalidArgument,
+        std::to_string(info.words_left_out) + " words are left out: too many words have their hash",
+        index_->folder() + "/" + SegmentFile(info));
+  }
+
   // Writes all documents into segments, which are not committed.
   Status WritePending() {
     const std::uint64_t all_bytes = pending_.text_bytes();
@@ -244,6 +252,7 @@ class IndexWriter::Impl {
         });
     if (!written.ok()) return written.status();
     for (WrittenSegment& segment : *written) {
+      WarnOfWordsLeftOut(segment.info);
       Status status = index_->segments().Add(std::move(segment));
       if (!status.ok()) return status;
     }
@@ -282,6 +291,7 @@ class IndexWriter::Impl {
   Status Merge(const std::vector<std::size_t>& positions, MergeProgress* progress,
                Status* left_out) {
     const std::uint64_t end = progress->done_bytes + BytesOfSegments(positions);
+    const std::uint64_t number = index_->manifest().next_segment;
     std::uint64_t unreadable = 0;
     Status status = index_->Merge(
         positions,
@@ -291,6 +301,9 @@ class IndexWriter::Impl {
         },
         &unreadable);
     progress->done_bytes = end;
+    for (const SegmentInfo& info : index_->manifest().segments) {
+      if (status.ok() && info.number == number) WarnOfWordsLeftOut(info);
+    }
     if (status.ok()) return {};
     failed_ = index_->Reload();
     if (unreadable == 0 || !failed_.ok()) return status;

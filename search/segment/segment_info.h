@@ -22,6 +22,10 @@ struct SegmentInfo {
   FileSummary table;
   std::uint64_t edit_number = 0;  // 0: there are no edits
   FileSummary edits;
+
+  // Words that its index file has no room for, because too many have their hash. Known when the
+  // segment was just written; MANIFEST does not say it.
+  std::uint64_t words_left_out = 0;
 };
 
 std::string SegmentFile(const SegmentInfo& info);

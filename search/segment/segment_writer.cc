@@ -105,6 +105,7 @@ Status SegmentWriter::FinishIndexFile(Syncing syncing) {
   const Result<FileSummary> summary = SummaryOf(path);
   if (!summary.ok()) return summary.status();
   info_.segment = *summary;
+  info_.words_left_out = builder_.words_left_out();
   return syncing == Syncing::kNow ? SyncFile(path) : Status();
 }
 

@@ -103,6 +103,7 @@ Status Convert(const std::string& file, const std::string& folder, ConversionRep
   const Result<SegmentInfo> info =
       MergeSegments({*opened}, staging.path(), manifest.next_segment, merging.Advance());
   if (!info.ok()) return info.status();
+  report->words_left_out += info->words_left_out;
   if (info->documents > 0) {
     manifest.segments.push_back(*info);
     ++manifest.next_segment;

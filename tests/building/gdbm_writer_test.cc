@@ -266,6 +266,7 @@ TEST_F(GdbmWriterTest, KeysOfOneHashAreRefusedWhereThatIsWanted) {
     }
     EXPECT_NE(writer.AddIfFits("another", "value").offset, 0u);
     EXPECT_EQ(writer.records(), others + taken + 1);
+    EXPECT_EQ(writer.refused(), 10u);
     ASSERT_EQ(writer.Finish(), StoreError::kNone);
     EXPECT_EQ(Dump(path_).size(), others + taken + 1);
   }

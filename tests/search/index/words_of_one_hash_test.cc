@@ -68,6 +68,10 @@ class WordsOfOneHashTest : public testing::Test {
 TEST_F(WordsOfOneHashTest, AsManyAsFitAreKeptOfADocument) {
   Commit("before", 0, 0);
   Commit("hostile", 0, kTooMany);
+  const std::vector<Status> warnings = (*writer_)->TakeWarnings();
+  ASSERT_EQ(warnings.size(), 1u);
+  EXPECT_EQ(warnings[0].message(), std::to_string(kTooMany - kMostOfOneHash) +
+                                       " words are left out: too many words have their hash");
   Commit("after", 0, 0);
   EXPECT_EQ(Count("common"), 3u);
   EXPECT_EQ(TermsOfOneHash(), kMostOfOneHash);
@@ -76,7 +80,9 @@ TEST_F(WordsOfOneHashTest, AsManyAsFitAreKeptOfADocument) {
 
 TEST_F(WordsOfOneHashTest, SegmentsThatHaveTooManyTogetherAreMerged) {
   Commit("one", 0, kTooMany / 2);
+  EXPECT_TRUE((*writer_)->TakeWarnings().empty());
   Commit("two", kTooMany / 2, kTooMany);
+  EXPECT_EQ((*writer_)->TakeWarnings().size(), 1u);
   EXPECT_EQ(IndexReader::Open(path_)->Statistics().segments, 1u);
   EXPECT_EQ(Count("common"), 2u);
   EXPECT_EQ(TermsOfOneHash(), kMostOfOneHash);

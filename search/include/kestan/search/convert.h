@@ -15,7 +15,7 @@ namespace kestan::search {
 struct ConversionReport {
   // Records whose keys look like those of documents and texts but are none: words such as "t-shirt"
   // and "e-mail". A word such as "t-shirt" where there is a document "shirt" is taken for its
-  // title, as class Kestan takes it.
+  // title, as class Kestan takes it. And words that gdbm gives one hash, past the first 4,096.
   std::uint64_t words_left_out = 0;
 
   // Titles, summaries and user records of names that no document has.

@@ -96,9 +96,10 @@ class KESTAN_SEARCH_EXPORT IndexWriter {
   //   Returns  the error of reading the first such segment, after the others are merged.
   Status Compact();
 
-  // Gives away what no call has returned as an error, and what a person should know: the error of
-  // reading each segment that Commit() has left out of merging since the writer was opened.
-  // CheckIndex() says more about it. Each comes once.
+  // Gives away what no call has returned as an error, and what a person should know, each once: the
+  // error of reading a segment that Commit() has left out of merging, of which CheckIndex() says
+  // more; and how many words of a segment were left out because too many have their hash, which no
+  // words have but those that somebody has chosen for it.
   std::vector<Status> TakeWarnings() noexcept;
 
  private:
