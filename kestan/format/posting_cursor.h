@@ -63,6 +63,48 @@ class PostingCursor {
   EncodedPositions positions_;
 };
 
+// Goes through the postings of a record with positions, and stops at one that is damaged: one
+// without positions, or with more than there are.
+//
+//   WholePostingCursor cursor(record);
+//   while (cursor.Next()) Use(cursor.code());
+//   if (!cursor.AtEnd()) return Damaged();
+class WholePostingCursor {
+ public:
+  // Borrows the bytes of `record`, and never reads outside them. Stands before the first posting.
+  explicit WholePostingCursor(std::string_view record)
+      : next_(record.data()), rest_(record.size()) {}
+
+  // Goes to the next posting.
+  //   Returns  false, with the cursor where it was, if there is none or it is damaged.
+  bool Next() {
+    if (rest_ < kBytesBefore) return false;
+    const std::size_t count = *EncodedPositions::Iterator(next_ + sizeof(Code));
+    const std::size_t bytes = kBytesBefore + count * sizeof(Position);
+    if (count == 0 || bytes > rest_) return false;
+    positions_ = {next_ + kBytesBefore, count};
+    next_ += bytes;
+    rest_ -= bytes;
+    return true;
+  }
+
+  // Returns whether the last posting was the end of the record.
+  bool AtEnd() const { return rest_ == 0; }
+
+  // Of the posting that Next() went to.
+  Code code() const {
+    return *EncodedPositions::Iterator(positions_.bytes().data() - kBytesBefore);
+  }
+  EncodedPositions positions() const { return positions_; }
+
+ private:
+  static constexpr std::size_t kBytesBefore = sizeof(Code) + sizeof(Position);
+
+  const char* next_;
+  std::size_t rest_;  // bytes from next_ on
+  EncodedPositions positions_;
+};
+
 }  // namespace kestan
 
 #endif  // KESTAN_FORMAT_POSTING_CURSOR_H_

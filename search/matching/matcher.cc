@@ -50,13 +50,24 @@ const std::vector<std::string>& Matcher::TermsOf(const Query& leaf) const {
   return known == known_.end() ? kNoTerms : known->second.terms;
 }
 
+// Where codes are all that is needed, the documents of an operand NOT are not found but left out.
 Found Matcher::FindAnd(const Query& query, Need need) {
+  const auto is_found = [](const Query& operand) { return operand.kind != Kind::kNot; };
+  const bool excludes =
+      need == Need::kCodes && std::any_of(query.operands.begin(), query.operands.end(), is_found);
   std::vector<Found> operands;
+  std::vector<Found> excluded;
   for (const Repeated& operand : Distinct(query.operands)) {
-    operands.push_back(Find(*operand.query, need));
+    if (excludes && !is_found(*operand.query)) {
+      excluded.push_back(Find(operand.query->operands.front(), Need::kCodes));
+    } else {
+      operands.push_back(Find(*operand.query, need));
+    }
   }
-  if (operands.size() == 1) return operands.front();
-  return Shared(Intersect(operands, need));
+  if (operands.size() == 1 && excluded.empty()) return operands.front();
+  Occurrences found = Intersect(operands, need);
+  for (const Found& operand : excluded) Exclude(*operand, &found.codes);
+  return Shared(std::move(found));
 }
 
 Found Matcher::FindOr(const Query& query, Need need) {

@@ -41,6 +41,10 @@ class Tasks {
 
 void ParallelFor(std::size_t count, std::size_t threads,
                  const std::function<void(std::size_t)>& task) {
+  if (std::min(count, threads) <= 1) {  // without asking the system for its cores
+    for (std::size_t i = 0; i < count; ++i) task(i);
+    return;
+  }
   const std::size_t cores = std::max(1u, std::thread::hardware_concurrency());
   const std::size_t helpers = std::min({count, threads, cores});
   Tasks tasks(count, task);

@@ -150,12 +150,18 @@ class Search {
     const std::vector<double> scores = scorer.Bm25Scores(codes);
     const double greatest_bonus = scorer.GreatestBonus();
     const double least = greatest_bonus > 0 ? LeastOfBest(scores) : 0;
-    TopDocuments best(snapshot_, limit_);
-    best.Expect(codes.size());
-    for (std::size_t k = 0; k < codes.size(); ++k) {
-      if (scores[k] + greatest_bonus < least) continue;
+    const auto scored = [&](std::size_t k) {
       const double bonus = greatest_bonus > 0 ? scorer.BonusOf(codes[k]) : 0;
-      best.Add({{static_cast<std::uint32_t>(i), codes[k]}, scores[k] + bonus});
+      return RankedDocument{{static_cast<std::uint32_t>(i), codes[k]}, scores[k] + bonus};
+    };
+    if (limit_ == 0) {
+      search.best.reserve(codes.size());
+      for (std::size_t k = 0; k < codes.size(); ++k) search.best.push_back(scored(k));
+      return;
+    }
+    TopDocuments best(snapshot_, limit_);
+    for (std::size_t k = 0; k < codes.size(); ++k) {
+      if (scores[k] + greatest_bonus >= least) best.Add(scored(k));
     }
     search.best = best.Take();
   }
@@ -172,9 +178,10 @@ class Search {
 
   Result<RankedDocuments> Merged() {
     RankedDocuments ranked;
+    for (const SegmentSearch& search : searches_) ranked.total += search.matches->size();
     TopDocuments best(snapshot_, limit_);
+    best.Expect(static_cast<std::size_t>(ranked.total));
     for (const SegmentSearch& search : searches_) {
-      ranked.total += search.matches->size();
       for (const RankedDocument& document : search.best) best.Add(document);
     }
     ranked.best = best.TakeSorted();

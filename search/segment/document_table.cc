@@ -215,7 +215,7 @@ Status DocumentTable::Verify() const {
   return status();
 }
 
-bool DocumentTable::PartIsSound(std::size_t part) const {
+bool DocumentTable::CheckPart(std::size_t part) const {
   std::atomic<State>& state = checks_->states[part];
   State found = state.load(std::memory_order_relaxed);
   if (found == State::kUnread) {

@@ -118,7 +118,11 @@ class DocumentTable {
   Status Read();
   bool SizesAgree(std::uint64_t record_bytes);
   bool IsSound(std::size_t offset, std::size_t bytes) const;
-  bool PartIsSound(std::size_t part) const;
+  bool PartIsSound(std::size_t part) const {
+    return checks_->states[part].load(std::memory_order_relaxed) == State::kValid ||
+           CheckPart(part);
+  }
+  bool CheckPart(std::size_t part) const;
   std::size_t EndOfSoundWords(Code code) const;
   bool Damaged() const;
   ByteReader RecordOf(Code code) const;

@@ -13,6 +13,7 @@ namespace kestan_tests {
 namespace {
 
 using kestan::PostingCursor;
+using kestan::WholePostingCursor;
 
 const std::string kGood = Units({7, 2, 10, 20, 9, 0, 300, 3, 1, 65535, 1, 65535, 1, 5});
 
@@ -91,6 +92,54 @@ TEST(PostingCursorTest, ReadsDamagedRecordsAsAPlainReaderDoes) {
       std::string changed = kGood;
       changed[at] = static_cast<char>(byte);
       check(changed);
+    }
+  }
+}
+
+TEST(WholePostingCursorTest, FindsEachPostingAndTheEnd) {
+  const std::string record = Units({7, 2, 10, 20, 300, 1, 65535});
+  WholePostingCursor cursor(record);
+  ASSERT_TRUE(cursor.Next());
+  EXPECT_EQ(cursor.code(), 7);
+  ASSERT_EQ(cursor.positions().size(), 2u);
+  EXPECT_EQ(cursor.positions()[1], 20);
+  EXPECT_FALSE(cursor.AtEnd());
+  ASSERT_TRUE(cursor.Next());
+  EXPECT_EQ(cursor.code(), 300);
+  EXPECT_EQ(cursor.positions()[0], 65535);
+  EXPECT_FALSE(cursor.Next());
+  EXPECT_TRUE(cursor.AtEnd());
+  EXPECT_TRUE(WholePostingCursor("").AtEnd());
+}
+
+// Reads as far as the postings of the plain reader are whole.
+void ExpectWholePostings(const std::string& record) {
+  const DBDatumPtr copy = Counted(record);
+  WholePostingCursor cursor({copy.ptr->data, copy.ptr->size});
+  std::size_t bytes = 0;
+  for (const PlainPosting& posting : PlainPostings(record, true)) {
+    const std::size_t stated = posting.units.size() > 1 ? posting.units[1] : 0;
+    if (stated == 0 || posting.positions.size() != stated) break;
+    ASSERT_TRUE(cursor.Next());
+    const kestan::EncodedPositions positions = cursor.positions();
+    ASSERT_EQ(cursor.code(), posting.code);
+    ASSERT_EQ(std::vector<unsigned>(positions.begin(), positions.end()), posting.positions);
+    bytes += posting.units.size() * 2;
+  }
+  ASSERT_FALSE(cursor.Next());
+  ASSERT_EQ(cursor.AtEnd(), bytes == record.size());
+}
+
+TEST(WholePostingCursorTest, StopsAtTheFirstPostingThatIsDamaged) {
+  const std::string good = Units({7, 2, 10, 20, 9, 1, 4, 300, 3, 1, 65535, 1});
+  for (std::size_t size = 0; size <= good.size(); ++size) {
+    ExpectWholePostings(good.substr(0, size));
+  }
+  for (std::size_t at = 0; at < good.size(); ++at) {
+    for (int byte = 0; byte < 256; ++byte) {
+      std::string changed = good;
+      changed[at] = static_cast<char>(byte);
+      ExpectWholePostings(changed);
     }
   }
 }

@@ -12,6 +12,28 @@
 
 namespace kestan::search {
 
+// Calls `match` with each code that all `operands` have, once its places in them are `*places`.
+template <typename Match>
+void ForEachCommonPlace(const std::vector<Found>& operands, std::vector<std::size_t>* places,
+                        Match match) {
+  if (operands.size() == 2) {
+    const std::vector<Code>& left = operands[0]->codes;
+    ForEachCommon(left, operands[1]->codes, [&](std::size_t i, std::size_t j) {
+      (*places)[0] = i;
+      (*places)[1] = j;
+      match(left[i]);
+    });
+    return;
+  }
+  Places next;
+  for (const Code code : CommonCodes(operands)) {
+    for (std::size_t i = 0; i < operands.size(); ++i) {
+      (*places)[i] = next.Find(i, *operands[i], code);
+    }
+    match(code);
+  }
+}
+
 // Finds the documents of all `operands` in which positions are left after going from one operand to
 // the next. `keep(i, before, after, kept)` writes to `kept`, which has room for all, in ascending
 // order, those positions that the operand i and those before it leave, where `before` was left so
@@ -19,28 +41,29 @@ namespace kestan::search {
 template <typename Keep>
 Occurrences MatchChain(const std::vector<Found>& operands, Need need, Keep keep) {
   Occurrences found;
-  Places places;
+  std::vector<std::size_t> places(operands.size());  // of one document, in each operand
   PositionReader first;
   PositionReader next;
   std::vector<Position> before;
   std::vector<Position> kept;
-  for (const Code code : CommonCodes(operands)) {
-    Positions left = first.Of(*operands[0], places.Find(0, *operands[0], code));
+  const auto match = [&](Code code) {
+    Positions left = first.Of(*operands[0], places[0]);
     for (std::size_t i = 1; i < operands.size() && left.count > 0; ++i) {
-      const Positions after = next.Of(*operands[i], places.Find(i, *operands[i], code));
+      const Positions after = next.Of(*operands[i], places[i]);
       kept.resize(std::max(kept.size(), left.count + after.count));
       left.count = keep(i, left, after, kept.data());
       before.swap(kept);
       left.first = before.data();
     }
-    if (left.count == 0) continue;
+    if (left.count == 0) return;
     if (need == Need::kPositions) {
       found.Append(code, left);
     } else {
       found.codes.push_back(code);
       found.counts.push_back(static_cast<std::uint32_t>(left.count));
     }
-  }
+  };
+  ForEachCommonPlace(operands, &places, match);
   return found;
 }
 

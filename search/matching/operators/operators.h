@@ -34,11 +34,15 @@ class OccurrenceUnion {
   Occurrences Take();
 
  private:
+  void AddCodes(const Occurrences& found);
+  std::vector<Code> TakeCodes() const;
   void Gather(Occurrences* found);
 
   const Need need_;
-  std::vector<std::uint32_t> counts_;  // by code; 0: not found
-  std::vector<Code> gathered_codes_;   // of each posting added, in their order
+  std::vector<std::uint64_t> is_found_;  // where codes are all that is needed: a bit a code
+  std::size_t added_ = 0;                // codes
+  std::vector<std::uint32_t> counts_;    // else: by code; 0: not found
+  std::vector<Code> gathered_codes_;     // of each posting added, in their order
   std::vector<std::uint32_t> gathered_counts_;
   std::vector<Position> gathered_;
 };
@@ -52,6 +56,9 @@ std::vector<Code> CommonCodes(const std::vector<Found>& operands);
 
 // Finds the living documents that are not in `operand`: once, anywhere.
 Occurrences Subtract(const Segment& segment, const Occurrences& operand, Need need);
+
+// Leaves those of `excluded` out of `*codes`, which ascend.
+void Exclude(const Occurrences& excluded, std::vector<Code>* codes);
 
 // Finds the documents in which each operand is at most distances[i] positions from the one before.
 // All operands have positions. distances[0] means nothing.

@@ -8,39 +8,49 @@
 namespace kestan::search {
 namespace {
 
-constexpr std::size_t kBytesBeforePositions = sizeof(Code) + sizeof(Position);
-
-// Returns whether the posting has all the positions that it says, and any.
-bool IsWhole(const PostingCursor& cursor) {
-  const std::string_view bytes = cursor.bytes();
-  if (bytes.size() <= kBytesBeforePositions) return false;
-  const std::size_t stated = EncodedPositions(bytes.data() + sizeof(Code), 1)[0];
-  return cursor.positions().size() == stated;
-}
-
 // Reads postings into `*found`, which has room for all that there can be.
 //   Returns  how many living documents there are; more than that room if the record is damaged.
-template <bool kWithPositions, bool kWithStarts>
+template <bool kWithStarts>
 std::size_t ReadPostings(std::string_view record, const Segment& segment, std::size_t room,
                          Occurrences* found) {
   const bool has_removed = segment.edits().removed_count() > 0;
   const std::size_t last_code = segment.size();
+  Code* const codes = found->codes.data();
+  std::uint32_t* const counts = found->counts.data();
+  std::uint32_t* const starts = found->starts.data();
   std::size_t size = 0;
   std::size_t read = 0;
   Code previous = 0;
-  for (PostingCursor cursor(record, kWithPositions); cursor.Next(); ++read) {
+  WholePostingCursor cursor(record);
+  for (; read < room && cursor.Next(); ++read) {
     const Code code = cursor.code();
-    if (code <= previous || code > last_code || read == room) return room + 1;
-    if (kWithPositions && !IsWhole(cursor)) return room + 1;
+    if (code <= previous || code > last_code) return room + 1;
     previous = code;
     if (has_removed && segment.IsRemoved(code)) continue;
-    found->codes[size] = code;
-    found->counts[size] =
-        kWithPositions ? static_cast<std::uint32_t>(cursor.positions().size()) : 1;
+    const EncodedPositions positions = cursor.positions();
+    codes[size] = code;
+    counts[size] = static_cast<std::uint32_t>(positions.size());
     if (kWithStarts) {
-      const auto start = cursor.bytes().data() + kBytesBeforePositions - record.data();
-      found->starts[size] = static_cast<std::uint32_t>(start);
+      starts[size] = static_cast<std::uint32_t>(positions.bytes().data() - record.data());
     }
+    ++size;
+  }
+  return read == room && cursor.AtEnd() ? size : room + 1;
+}
+
+// The same for a record of codes alone; each counts once.
+std::size_t ReadCodes(std::string_view record, const Segment& segment, std::size_t room,
+                      Occurrences* found) {
+  std::size_t size = 0;
+  std::size_t read = 0;
+  Code previous = 0;
+  for (PostingCursor cursor(record, false); cursor.Next(); ++read) {
+    const Code code = cursor.code();
+    if (code <= previous || code > segment.size() || read == room) return room + 1;
+    previous = code;
+    if (segment.IsRemoved(code)) continue;
+    found->codes[size] = code;
+    found->counts[size] = 1;
     ++size;
   }
   return read == room ? size : room + 1;
@@ -57,9 +67,9 @@ Result<Occurrences> ReadTerm(const TermPostings& postings, const Segment& segmen
     found.codes.resize(room);
     found.counts.resize(room);
     if (with_starts) found.starts.resize(room);
-    const auto read = with_starts                ? ReadPostings<true, true>
-                      : segment.with_positions() ? ReadPostings<true, false>
-                                                 : ReadPostings<false, false>;
+    const auto read = with_starts                ? ReadPostings<true>
+                      : segment.with_positions() ? ReadPostings<false>
+                                                 : ReadCodes;
     const std::size_t size = read(record, segment, room, &found);
     if (size <= room) {
       found.codes.resize(size);

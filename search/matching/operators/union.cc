@@ -5,10 +5,28 @@
 
 namespace kestan::search {
 
-OccurrenceUnion::OccurrenceUnion(std::size_t documents, Need need)
-    : need_(need), counts_(documents + 1) {}
+namespace {
+
+constexpr std::size_t kBits = 64;
+
+}  // namespace
+
+// Where bits are enough, there are 32 times fewer bytes to clear and to go through.
+OccurrenceUnion::OccurrenceUnion(std::size_t documents, Need need) : need_(need) {
+  if (need == Need::kCodes) {
+    is_found_.resize(documents / kBits + 1);
+  } else {
+    counts_.resize(documents + 1);
+  }
+}
+
+void OccurrenceUnion::AddCodes(const Occurrences& found) {
+  for (const Code code : found.codes) is_found_[code / kBits] |= std::uint64_t{1} << code % kBits;
+  added_ += found.size();
+}
 
 void OccurrenceUnion::Add(const Occurrences& found) {
+  if (need_ == Need::kCodes) return AddCodes(found);
   PositionReader reader;
   for (std::size_t i = 0; i < found.size(); ++i) {
     counts_[found.codes[i]] += found.counts.empty() ? 1 : found.counts[i];
@@ -20,8 +38,23 @@ void OccurrenceUnion::Add(const Occurrences& found) {
   }
 }
 
+std::vector<Code> OccurrenceUnion::TakeCodes() const {
+  std::vector<Code> codes;
+  codes.reserve(std::min(added_, is_found_.size() * kBits));
+  for (std::size_t i = 0; i < is_found_.size(); ++i) {
+    for (std::uint64_t bits = is_found_[i]; bits != 0; bits &= bits - 1) {
+      codes.push_back(static_cast<Code>(i * kBits + static_cast<unsigned>(__builtin_ctzll(bits))));
+    }
+  }
+  return codes;
+}
+
 Occurrences OccurrenceUnion::Take() {
   Occurrences found;
+  if (need_ == Need::kCodes) {
+    found.codes = TakeCodes();
+    return found;
+  }
   const auto is_found = [](std::uint32_t count) { return count > 0; };
   const auto size =
       static_cast<std::size_t>(std::count_if(counts_.begin(), counts_.end(), is_found));
@@ -32,7 +65,6 @@ Occurrences OccurrenceUnion::Take() {
     next += counts_[code] > 0 ? 1 : 0;
   }
   found.codes.resize(size);
-  if (need_ == Need::kCodes) return found;
   found.counts.reserve(size);
   for (const Code code : found.codes) found.counts.push_back(counts_[code]);
   if (need_ == Need::kPositions) Gather(&found);

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
+#include <random>
 #include <vector>
 
 #include "tests/search/matching/operators/occurrences.h"
@@ -24,6 +27,40 @@ TEST(SubtractTest, LivingDocumentsWithoutTheOperandAreFoundAnywhere) {
   EXPECT_EQ(kestan_tests::PlacesIn(Subtract(*segment, *operand, Need::kPositions)),
             (kestan_tests::Places{{2, {0}}, {4, {0}}}));
   EXPECT_EQ(Subtract(*segment, *At({}), Need::kCodes).codes, (Codes{1, 2, 4}));
+}
+
+Codes Excluding(Codes codes, const Codes& excluded) {
+  Occurrences operand;
+  operand.codes = excluded;
+  Exclude(operand, &codes);
+  return codes;
+}
+
+TEST(ExcludeTest, LeavesOutWhatIsExcluded) {
+  EXPECT_EQ(Excluding({1, 2, 5, 9}, {2, 3, 9}), (Codes{1, 5}));
+  EXPECT_EQ(Excluding({1, 2}, {}), (Codes{1, 2}));
+  EXPECT_EQ(Excluding({1, 2}, {1, 2}), Codes());
+  EXPECT_EQ(Excluding({}, {7}), Codes());
+  EXPECT_EQ(Excluding({65535}, {1, 65535}), Codes());
+}
+
+// Lists that are about as long as each other, and such that one is searched and not read.
+TEST(ExcludeTest, LeavesTheDifferenceOfListsOfAnyLength) {
+  std::mt19937 random(14);
+  for (const unsigned keep : {1U, 3U, 100U, 3000U}) {
+    for (const unsigned leave_out : {1U, 3U, 100U, 3000U}) {
+      Codes codes;
+      Codes excluded;
+      for (unsigned code = 1; code <= 20'000; ++code) {
+        if (random() % keep == 0) codes.push_back(static_cast<Code>(code));
+        if (random() % leave_out == 0) excluded.push_back(static_cast<Code>(code));
+      }
+      Codes expected;
+      std::set_difference(codes.begin(), codes.end(), excluded.begin(), excluded.end(),
+                          std::back_inserter(expected));
+      EXPECT_EQ(Excluding(codes, excluded), expected) << keep << " " << leave_out;
+    }
+  }
 }
 
 }  // namespace

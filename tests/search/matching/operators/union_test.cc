@@ -24,6 +24,17 @@ TEST(UnionTest, DocumentsOfAnyOperandAreFoundInOrder) {
   EXPECT_EQ(found.codes, (std::vector<Code>{1, 9, 70}));
 }
 
+TEST(UnionTest, EachDocumentOfASegmentCanBeFound) {
+  Places all;
+  Places even;
+  for (Code code = 1; code <= kDocuments; ++code) {
+    all[code] = {1};
+    if (code % 2 == 0) even[code] = {1};
+  }
+  EXPECT_EQ(United({At(even), At(all), At(all)}, Need::kCodes).codes, At(all)->codes);
+  EXPECT_EQ(United({At(even)}, Need::kCodes).codes, At(even)->codes);
+}
+
 TEST(UnionTest, CountsAreAddedUp) {
   const Occurrences found =
       United({At({{3, {1, 2}}, {4, {1}}}), At({{3, {5}}}), At({{3, {9}}})}, Need::kCounts);
