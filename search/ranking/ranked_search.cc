@@ -148,28 +148,38 @@ class Search {
     const std::vector<Code>& codes = search.matches->codes;
     Scorer scorer(*snapshot_.segments[i], parameters_, search.clauses);
     const std::vector<double> scores = scorer.Bm25Scores(codes);
-    const double greatest_bonus = scorer.GreatestBonus();
+    search.best = limit_ == 0 ? AllOf(i, codes, scores, scorer.Bonuses(codes))
+                              : BestOf(i, codes, scores, &scorer);
+  }
+
+  static std::vector<RankedDocument> AllOf(std::size_t segment, const std::vector<Code>& codes,
+                                           const std::vector<double>& scores,
+                                           const std::vector<double>& bonuses) {
+    std::vector<RankedDocument> all;
+    all.reserve(codes.size());
+    for (std::size_t i = 0; i < codes.size(); ++i) {
+      all.push_back({{static_cast<std::uint32_t>(segment), codes[i]}, scores[i] + bonuses[i]});
+    }
+    return all;
+  }
+
+  std::vector<RankedDocument> BestOf(std::size_t segment, const std::vector<Code>& codes,
+                                     const std::vector<double>& scores, Scorer* scorer) const {
+    const double greatest_bonus = scorer->GreatestBonus();
     const double least = greatest_bonus > 0 ? LeastOfBest(scores) : 0;
-    const auto scored = [&](std::size_t k) {
-      const double bonus = greatest_bonus > 0 ? scorer.BonusOf(codes[k]) : 0;
-      return RankedDocument{{static_cast<std::uint32_t>(i), codes[k]}, scores[k] + bonus};
-    };
-    if (limit_ == 0) {
-      search.best.reserve(codes.size());
-      for (std::size_t k = 0; k < codes.size(); ++k) search.best.push_back(scored(k));
-      return;
-    }
     TopDocuments best(snapshot_, limit_);
-    for (std::size_t k = 0; k < codes.size(); ++k) {
-      if (scores[k] + greatest_bonus >= least) best.Add(scored(k));
+    for (std::size_t i = 0; i < codes.size(); ++i) {
+      if (scores[i] + greatest_bonus < least) continue;
+      const double bonus = greatest_bonus > 0 ? scorer->BonusOf(codes[i]) : 0;
+      best.Add({{static_cast<std::uint32_t>(segment), codes[i]}, scores[i] + bonus});
     }
-    search.best = best.Take();
+    return best.Take();
   }
 
   // Returns the score that documents need to be among the best of a segment, if nearness adds
   // nothing to any of them. As it takes nothing away, no document of a lower score in the end is.
   double LeastOfBest(const std::vector<double>& scores) const {
-    if (limit_ == 0 || scores.size() <= limit_) return 0;
+    if (scores.size() <= limit_) return 0;
     std::vector<double> best(limit_);
     std::partial_sort_copy(scores.begin(), scores.end(), best.begin(), best.end(),
                            std::greater<>());

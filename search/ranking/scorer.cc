@@ -56,6 +56,14 @@ double Scorer::GreatestBonus() const {
   return bonus;
 }
 
+// Of a clause and the next one, in the document whose places in them are `left` and `right`.
+double Scorer::BonusOfPair(std::size_t clause, std::size_t left, std::size_t right) {
+  const Occurrences& first = *matches_.clauses[clause];
+  const Occurrences& next = *matches_.clauses[clause + 1];
+  const double distance = SmallestDistance(left_.Of(first, left), right_.Of(next, right));
+  return distance > 0 ? PairWeight(clause) / (distance * distance) : 0;
+}
+
 double Scorer::BonusOf(Code code) {
   double bonus = 0;
   if (!matches_.with_positions) return bonus;
@@ -64,11 +72,26 @@ double Scorer::BonusOf(Code code) {
     const std::size_t left = places_.Find(i, *clauses[i], code);
     const std::size_t right = places_.Find(i + 1, *clauses[i + 1], code);
     if (!HasCode(*clauses[i], left, code) || !HasCode(*clauses[i + 1], right, code)) continue;
-    const double distance =
-        SmallestDistance(left_.Of(*clauses[i], left), right_.Of(*clauses[i + 1], right));
-    if (distance > 0) bonus += PairWeight(i) / (distance * distance);
+    bonus += BonusOfPair(i, left, right);
   }
   return bonus;
+}
+
+std::vector<double> Scorer::Bonuses(const std::vector<Code>& codes) {
+  std::vector<double> bonuses(codes.size());
+  if (!matches_.with_positions) return bonuses;
+  const auto& clauses = matches_.clauses;
+  for (std::size_t i = 0; i + 1 < clauses.size(); ++i) {
+    std::size_t place = 0;
+    const auto add = [&](std::size_t left, std::size_t right) {
+      const Code code = clauses[i]->codes[left];
+      while (place < codes.size() && codes[place] < code) ++place;
+      if (place == codes.size() || codes[place] != code) return;
+      bonuses[place] += BonusOfPair(i, left, right);
+    };
+    ForEachCommon(clauses[i]->codes, clauses[i + 1]->codes, add);
+  }
+  return bonuses;
 }
 
 }  // namespace kestan::search

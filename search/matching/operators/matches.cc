@@ -18,7 +18,7 @@ Positions Known(Positions positions) {
   return {first, static_cast<std::size_t>(positions.end() - first)};
 }
 
-Positions PositionReader::Of(const Occurrences& found, std::size_t index) {
+Positions PositionReader::OfMany(const Occurrences& found, std::size_t index) {
   if (found.record.view().empty()) {
     const std::uint32_t start = found.starts[index];
     return {found.positions.data() + start, found.starts[index + 1] - start};

@@ -42,9 +42,16 @@ class PositionReader {
  public:
   // Returns the positions of found.codes[index], which must have been asked for. Lent until the
   // next call and as long as `found` lives.
-  Positions Of(const Occurrences& found, std::size_t index);
+  Positions Of(const Occurrences& found, std::size_t index) {
+    if (found.record.view().empty() || found.counts[index] != 1) return OfMany(found, index);
+    only_ = EncodedPositions(found.record.view().data() + found.starts[index], 1)[0];
+    return {&only_, 1};
+  }
 
  private:
+  Positions OfMany(const Occurrences& found, std::size_t index);
+
+  Position only_ = 0;
   std::vector<Position> copy_;
 };
 
