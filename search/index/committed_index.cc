@@ -9,6 +9,7 @@
 #include "search/files/descriptor.h"
 #include "search/files/folder_names.h"
 #include "search/files/output_file.h"
+#include "search/index/merging/merge_policy.h"
 #include "search/index/merging/merger.h"
 
 namespace kestan::search {
@@ -111,17 +112,22 @@ Status CommittedIndex::Commit(const Properties& properties) {
   return Publish(std::move(next));
 }
 
+std::vector<std::shared_ptr<const Segment>> CommittedIndex::SegmentsAt(
+    const std::vector<std::size_t>& positions) const {
+  std::vector<std::shared_ptr<const Segment>> segments;
+  segments.reserve(positions.size());
+  for (const std::size_t position : positions) segments.push_back(segments_.segments()[position]);
+  return segments;
+}
+
 Status CommittedIndex::Merge(const std::vector<std::size_t>& positions,
                              const std::function<bool(std::uint64_t bytes)>& advance,
                              std::uint64_t* unreadable) {
   *unreadable = 0;
-  std::vector<std::shared_ptr<const Segment>> sources;
-  sources.reserve(positions.size());
   Manifest next = manifest_;
-  for (const std::size_t position : positions) sources.push_back(segments_.segments()[position]);
   std::optional<std::size_t> source;
   const Result<SegmentInfo> merged =
-      MergeSegments(sources, folder_, manifest_.next_segment, advance, &source);
+      MergeSegments(SegmentsAt(positions), folder_, manifest_.next_segment, advance, &source);
   if (source) *unreadable = manifest_.segments[positions[*source]].number;
   if (!merged.ok()) return merged.status();
   for (std::size_t i = positions.size(); i-- > 0;) {
@@ -130,6 +136,23 @@ Status CommittedIndex::Merge(const std::vector<std::size_t>& positions,
   if (merged->documents > 0) {
     next.segments.insert(next.segments.begin() + static_cast<std::ptrdiff_t>(positions[0]),
                          *merged);
+  }
+  return Publish(std::move(next));
+}
+
+Status CommittedIndex::DropPositions(const Properties& properties,
+                                     const std::function<bool(std::uint64_t bytes)>& advance) {
+  Manifest next = manifest_;
+  next.properties = properties;
+  next.with_positions = false;
+  next.segments.clear();
+  for (const auto& group : GroupNeighbours(manifest_.segments)) {
+    const Result<SegmentInfo> written = MergeSegments(SegmentsAt(group), folder_, next.next_segment,
+                                                      advance, nullptr, WordPositions::kDropped);
+    if (!written.ok()) return written.status();
+    if (written->documents == 0) continue;
+    next.segments.push_back(*written);
+    ++next.next_segment;
   }
   return Publish(std::move(next));
 }

@@ -50,6 +50,11 @@ class CommittedIndex {
   Status Merge(const std::vector<std::size_t>& positions,
                const std::function<bool(std::uint64_t bytes)>& advance, std::uint64_t* unreadable);
 
+  // Writes all segments anew, without the positions of words, and commits them and `properties`.
+  // Only while the segments have no changes. See MergeSegments().
+  Status DropPositions(const Properties& properties,
+                       const std::function<bool(std::uint64_t bytes)>& advance);
+
   // Forgets all changes, and removes their files.
   Status Reload();
 
@@ -61,6 +66,8 @@ class CommittedIndex {
       : folder_(std::move(folder)), lock_(std::move(lock)), syncing_(syncing) {}
 
   Status Create(bool with_positions);
+  std::vector<std::shared_ptr<const Segment>> SegmentsAt(
+      const std::vector<std::size_t>& positions) const;
   Status Publish(Manifest next);
 
   const std::string folder_;

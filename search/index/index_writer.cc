@@ -175,6 +175,23 @@ class IndexWriter::Impl {
     return status.ok() ? unreadable : status;
   }
 
+  Status DropPositions() {
+    const bool has_changes = !pending_.empty() || index_->segments().HasChanges();
+    Status status = has_changes || !index_->manifest().with_positions ? CommitChanges() : Status();
+    if (!status.ok() || !index_->manifest().with_positions) return status;
+    MergeProgress progress;
+    for (const auto& group : GroupNeighbours(index_->manifest().segments)) {
+      progress.all_bytes += BytesOfSegments(group);
+    }
+    status = index_->DropPositions(properties_, [&](std::uint64_t bytes) {
+      progress.done_bytes += bytes;
+      return Report(WriterProgress::Phase::kMerging, progress.done_bytes, progress.all_bytes);
+    });
+    if (!status.ok()) return Fail(status);
+    pending_.DropPositions();
+    return status;
+  }
+
   Status Rollback() {
     pending_.Clear();
     failed_ = index_->Reload();
@@ -374,5 +391,9 @@ Status IndexWriter::Compact() {
 }
 
 std::vector<Status> IndexWriter::TakeWarnings() noexcept { return impl_->TakeWarnings(); }
+
+Status IndexWriter::DropPositions() {
+  return impl_->Guarded([&] { return impl_->DropPositions(); });
+}
 
 }  // namespace kestan::search

@@ -37,6 +37,9 @@ class PendingDocuments {
   // Sets the number of the next segment. Only while nothing is pending.
   void StartAt(std::uint64_t first_number) { first_number_ = first_number; }
 
+  // Keeps no positions of words from now on. Only while nothing is pending.
+  void DropPositions() { settings_.with_positions = false; }
+
   bool empty() const { return next_serial_ == 0; }
 
   // Returns whether the names alone take so much memory that Finish() should be called.
@@ -72,7 +75,7 @@ class PendingDocuments {
   Status Change(PendingChange change);
   void Forget(std::string_view name);
 
-  const Settings settings_;
+  Settings settings_;
   const std::size_t batch_bytes_;
   std::uint64_t first_number_ = 1;
   std::uint64_t next_serial_ = 0;

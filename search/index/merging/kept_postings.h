@@ -20,6 +20,10 @@ std::optional<std::uint32_t> AppendKeptPostings(std::string_view record, bool wi
                                                 const std::vector<Code>& new_codes,
                                                 std::string* kept);
 
+// The same for a record with positions, which are left out.
+std::optional<std::uint32_t> AppendKeptCodes(std::string_view record,
+                                             const std::vector<Code>& new_codes, std::string* kept);
+
 }  // namespace kestan::search
 
 #endif  // KESTAN_SEARCH_INDEX_MERGING_KEPT_POSTINGS_H_

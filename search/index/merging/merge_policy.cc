@@ -161,8 +161,8 @@ std::vector<std::size_t> ChooseMerge(const std::vector<SegmentInfo>& segments,
   return MergeChooser(segments, policy).Choose();
 }
 
-std::vector<std::vector<std::size_t>> ChooseCompaction(const std::vector<SegmentInfo>& segments,
-                                                       const std::set<std::uint64_t>& left_out) {
+std::vector<std::vector<std::size_t>> GroupNeighbours(const std::vector<SegmentInfo>& segments,
+                                                      const std::set<std::uint64_t>& left_out) {
   std::vector<Positions> groups;
   Load load;
   for (std::size_t i = 0; i < segments.size(); ++i) {
@@ -174,6 +174,12 @@ std::vector<std::vector<std::size_t>> ChooseCompaction(const std::vector<Segment
     }
     groups.back().push_back(i);
   }
+  return groups;
+}
+
+std::vector<std::vector<std::size_t>> ChooseCompaction(const std::vector<SegmentInfo>& segments,
+                                                       const std::set<std::uint64_t>& left_out) {
+  std::vector<Positions> groups = GroupNeighbours(segments, left_out);
   const auto is_compact = [&segments](const Positions& group) {
     const SegmentInfo& first = segments[group.front()];
     return group.size() == 1 && first.removed == 0 && first.edit_number == 0;

@@ -43,7 +43,12 @@ bool IsFull(const SegmentInfo& segment);
 std::vector<std::size_t> ChooseMerge(const std::vector<SegmentInfo>& segments,
                                      const MergePolicy& policy);
 
-// Returns groups of neighbours that a compaction merges, each within the limits of a segment.
+// Returns the segments in groups of neighbours, each within the limits of a segment, but for those
+// whose numbers are in `left_out`.
+std::vector<std::vector<std::size_t>> GroupNeighbours(const std::vector<SegmentInfo>& segments,
+                                                      const std::set<std::uint64_t>& left_out = {});
+
+// Returns the groups of neighbours that a compaction merges, each within the limits of a segment.
 // Those that need not be written again (alone, nothing removed, no edits) stay as they are, and so
 // do the segments whose numbers are in `left_out`.
 std::vector<std::vector<std::size_t>> ChooseCompaction(

@@ -22,6 +22,7 @@ struct Source {
         new_codes(segment->size() + 1) {}
 
   std::string_view term() const { return cursor.entry().term; }
+  bool HasPositions() const { return segment->with_positions(); }
 
   SegmentPointer segment;
   TermDictionary::Cursor cursor;
@@ -31,8 +32,8 @@ struct Source {
 class Merger {
  public:
   Merger(const std::vector<SegmentPointer>& segments, std::string folder,
-         const std::function<bool(std::uint64_t bytes)>& advance)
-      : folder_(std::move(folder)), advance_(advance) {
+         const std::function<bool(std::uint64_t bytes)>& advance, WordPositions positions)
+      : folder_(std::move(folder)), advance_(advance), positions_(positions) {
     for (const SegmentPointer& segment : segments) {
       sources_.push_back(std::make_unique<Source>(segment));
     }
@@ -55,7 +56,8 @@ class Merger {
     if (documents_ > kMaxCode) {
       return Status(StatusCode::kInvalidArgument, "too many documents for one segment", folder_);
     }
-    Status status = writer_.Create(folder_, number, sources_.front()->segment->with_positions(),
+    with_positions_ = positions_ == WordPositions::kKept && sources_.front()->HasPositions();
+    Status status = writer_.Create(folder_, number, with_positions_,
                                    static_cast<std::size_t>(documents_), terms);
     if (status.ok()) status = AddDocuments();
     if (status.ok()) status = AddTerms();
@@ -146,7 +148,9 @@ class Merger {
     const std::string_view record = postings->record.view();
     read_bytes_ += record.size();
     const auto kept =
-        AppendKeptPostings(record, source.segment->with_positions(), source.new_codes, &record_);
+        source.HasPositions() && !with_positions_
+            ? AppendKeptCodes(record, source.new_codes, &record_)
+            : AppendKeptPostings(record, source.HasPositions(), source.new_codes, &record_);
     if (kept) {
       *documents += *kept;
       return {};
@@ -189,9 +193,11 @@ class Merger {
 
   const std::string folder_;
   const std::function<bool(std::uint64_t bytes)>& advance_;
+  const WordPositions positions_;
   std::vector<std::unique_ptr<Source>> sources_;
   std::vector<std::size_t> heap_;
   std::optional<std::size_t> unreadable_;
+  bool with_positions_ = true;  // the new segment
   std::uint64_t documents_ = 0;
   std::uint64_t read_bytes_ = 0;  // since the last report
   std::string term_;
@@ -204,8 +210,8 @@ class Merger {
 Result<SegmentInfo> MergeSegments(const std::vector<SegmentPointer>& segments,
                                   const std::string& folder, std::uint64_t number,
                                   const std::function<bool(std::uint64_t bytes)>& advance,
-                                  std::optional<std::size_t>* unreadable) {
-  Merger merger(segments, folder, advance);
+                                  std::optional<std::size_t>* unreadable, WordPositions positions) {
+  Merger merger(segments, folder, advance, positions);
   Result<SegmentInfo> merged = merger.Merge(number);
   if (unreadable != nullptr) *unreadable = merger.unreadable();
   return merged;

@@ -16,6 +16,9 @@
 
 namespace kestan::search {
 
+// What becomes of the positions of words.
+enum class WordPositions : std::uint8_t { kKept, kDropped };
+
 // Merges `segments`, of whatever folder, into segment `number` of the folder `folder`: their living
 // documents in order, with new codes and with their edits, and the postings of these, a term at a
 // time. One posting record is in memory at a time. The checksums of all files are compared first.
@@ -27,7 +30,8 @@ namespace kestan::search {
 Result<SegmentInfo> MergeSegments(const std::vector<std::shared_ptr<const Segment>>& segments,
                                   const std::string& folder, std::uint64_t number,
                                   const std::function<bool(std::uint64_t bytes)>& advance,
-                                  std::optional<std::size_t>* unreadable = nullptr);
+                                  std::optional<std::size_t>* unreadable = nullptr,
+                                  WordPositions positions = WordPositions::kKept);
 
 }  // namespace kestan::search
 

@@ -102,6 +102,12 @@ class KESTAN_SEARCH_EXPORT IndexWriter {
   // words have but those that somebody has chosen for it.
   std::vector<Status> TakeWarnings() noexcept;
 
+  // Commits, and writes all segments again without the positions of words: the index gets smaller,
+  // NEAR and quotes then match wherever all words are, and the positions never come back. Changes
+  // of properties are committed together with that, or not at all. After an error the index keeps
+  // its positions.
+  Status DropPositions();
+
  private:
   class Impl;
   explicit IndexWriter(std::unique_ptr<Impl> impl);

@@ -42,6 +42,15 @@ TEST(KeptPostingsTest, WithoutPositionsAreCodes) {
   EXPECT_EQ(kept, Units({5, 6}));
 }
 
+TEST(KeptPostingsTest, PositionsCanBeLeftOut) {
+  std::string kept = "before";
+  const std::string record = Units({1, 2, 10, 20, 2, 1, 5, 3, 0, 4, 1, 9});
+  EXPECT_EQ(AppendKeptCodes(record, kNewCodes, &kept), 3u);
+  EXPECT_EQ(kept, "before" + Units({5, 6, 7}));
+  EXPECT_EQ(AppendKeptCodes(Units({3, 2, 1}), kNewCodes, &kept), std::nullopt);  // cut short
+  EXPECT_EQ(AppendKeptCodes(Units({3, 1, 1, 1, 1, 1}), kNewCodes, &kept), std::nullopt);
+}
+
 TEST(KeptPostingsTest, DamageIsSeen) {
   const auto kept_of = [](const std::string& record, bool with_positions) {
     std::string kept;
