@@ -12,7 +12,14 @@ volatile std::sig_atomic_t g_signal = 0;  // the one that came; 0: none
 
 std::array<struct sigaction, kSignals.size()> g_earlier{};
 
-void Remember(int signal) { g_signal = signal; }
+// The second signal, of whatever kind, ends the process when the handler returns.
+void Remember(int signal) {
+  if (g_signal != 0) {
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+  }
+  g_signal = signal;
+}
 
 }  // namespace
 
@@ -20,7 +27,7 @@ Interruption::Interruption() {
   g_signal = 0;
   struct sigaction action {};
   action.sa_handler = Remember;
-  action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND);
+  action.sa_flags = SA_RESTART;
   sigemptyset(&action.sa_mask);
   for (std::size_t i = 0; i < kSignals.size(); ++i) {
     sigaction(kSignals[i], nullptr, &g_earlier[i]);

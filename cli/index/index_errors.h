@@ -17,9 +17,7 @@ inline constexpr const char* kIfItWasOne = "; if it was one, see kestan repair";
 
 inline constexpr const char* kNoSuchIndex = "no such file or folder; kestan index makes one";
 inline constexpr const char* kOneFileIsReadOnly =
-    "it is an index of one file, which is only read; kestan convert makes a folder of it, which "
-    "can "
-    "be changed";
+    "an index of one file is only read; kestan convert FILE FOLDER makes a folder of it";
 
 // Each returns the error to throw for the index that is called `path` in messages.
 

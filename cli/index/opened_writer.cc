@@ -1,10 +1,12 @@
 #include "cli/index/opened_writer.h"
 
+#include "cli/console/diagnostics.h"
 #include "cli/index/index_errors.h"
 #include "cli/index/index_kind.h"
 
 namespace kestan_cli {
 
+using kestan::search::IndexReader;
 using kestan::search::IndexWriter;
 using kestan::search::Status;
 using kestan::search::StatusCode;
@@ -30,21 +32,27 @@ bool OpenedWriter::Show(const WriterProgress& progress) {
   return !Interruption::HasCome();
 }
 
+IndexReader OpenedWriter::Read() const { return ValueOf(IndexReader::Open(path_), path_); }
+
 void OpenedWriter::Check(const Status& status) const {
   if (status.code() != StatusCode::kInterrupted) CheckStatus(status, path_);
   Interruption::Check();
 }
 
-void OpenedWriter::Commit() {
-  const Status status = writer_.Commit();
+void OpenedWriter::Run(Status (IndexWriter::*step)()) {
+  Interruption::Check();  // a small commit reports no progress
+  const Status status = (writer_.*step)();
   progress_.Clear();
+  for (const Status& warning : writer_.TakeWarnings()) {
+    ReportProblem(ErrorOf(warning, path_).what());
+  }
   Check(status);
 }
 
-void OpenedWriter::Compact() {
-  const Status status = writer_.Compact();
-  progress_.Clear();
-  Check(status);
-}
+void OpenedWriter::Commit() { Run(&IndexWriter::Commit); }
+
+void OpenedWriter::Compact() { Run(&IndexWriter::Compact); }
+
+void OpenedWriter::DropPositions() { Run(&IndexWriter::DropPositions); }
 
 }  // namespace kestan_cli

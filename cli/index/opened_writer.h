@@ -12,7 +12,8 @@
 namespace kestan_cli {
 
 // The one writer of an index. Shows how far a commit has come, and ends it when a signal asks the
-// process to end: the index is then as it was, and nothing is left over.
+// process to end: the index is then as it was, and nothing is left over. A signal that comes when
+// all is committed ends the process too, and the change stands.
 class OpenedWriter {
  public:
   enum class IfMissing { kFail, kCreate };
@@ -28,10 +29,14 @@ class OpenedWriter {
   // Changes are made here, and checked by Check().
   kestan::search::IndexWriter& writer() { return writer_; }
 
+  // Opens what is committed.
+  //   Throws   CommandError if it cannot be read.
+  kestan::search::IndexReader Read() const;
+
   // Throws   CommandError if `status` is an error, Interrupted if a signal has come.
   void Check(const kestan::search::Status& status) const;
 
-  // Commits all changes, and merges what is due.
+  // Commits all changes, and merges what is due. Reports what a person should know of the index.
   //   Throws   as Check() does.
   void Commit();
 
@@ -39,9 +44,14 @@ class OpenedWriter {
   //   Throws   as Check() does.
   void Compact();
 
+  // Commits, and drops the positions of all words.
+  //   Throws   as Check() does.
+  void DropPositions();
+
  private:
   kestan::search::IndexWriter Open(IfMissing if_missing);
   bool Show(const kestan::search::WriterProgress& progress);
+  void Run(kestan::search::Status (kestan::search::IndexWriter::*step)());
 
   const std::string path_;
   Progress progress_;

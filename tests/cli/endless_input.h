@@ -13,13 +13,13 @@
 #include <string>
 #include <vector>
 
-#include "tests/cli/command_test.h"
+#include "tests/cli/index_folder_test.h"
 
 namespace kestan_tests {
 
 constexpr std::size_t kMiB = std::size_t{1} << 20;
 
-class EndlessInputTest : public CommandTest {
+class EndlessInputTest : public IndexFolderTest {
  protected:
   // Runs a command whose standard input is `start` and then the letter x without end.
   //   Returns  how many bytes were written before the command ended; about `most` if it did not.

@@ -2,23 +2,25 @@
 
 #include "cli/commands/commands.h"
 #include "cli/commands/documents/side_record_command.h"
-#include "cli/index/document_records.h"
-#include "cli/index/index_transaction.h"
+#include "cli/index/document_names.h"
+#include "cli/index/index_errors.h"
+#include "cli/index/opened_writer.h"
 
 namespace kestan_cli {
 namespace {
 
-int RunDelete(Kestan& engine, const SideRecord& record, const Values& values) {
+using kestan::search::DocumentInfo;
+using kestan::search::IndexReader;
+
+int RunDelete(const SideRecord& record, const Values& values) {
   const std::string index = values.Text("INDEX");
-  const std::string name = values.Text("NAME");
-  IndexTransaction transaction(engine, index, Access::kWrite,
-                               UpdateModeOf(values.Has("--in-place")));
-  const OpenedIndex& opened = transaction.Begin();
-  if ((engine.*record.remove)(name.c_str()) != 0) {
-    CheckIndexed(opened, name);
-    throw NoSideRecord(record, name, index);
-  }
-  transaction.Commit();
+  OpenedWriter opened(index, OpenedWriter::IfMissing::kFail, StyleOfStandardError(false));
+  const IndexReader reader = opened.Read();
+  const std::string name = StoredName(reader, values.Text("NAME"), index);
+  const DocumentInfo document = ValueOf(reader.FindDocument(name), index);
+  if ((document.*record.text).empty()) throw NoSideRecord(record, values.Text("NAME"), index);
+  opened.Check(opened.writer().SetField(name, record.field, ""));
+  opened.Commit();
   return kDone;
 }
 
@@ -28,12 +30,10 @@ Command DeleteSideRecordCommand(const SideRecord& record) {
   return {std::string(record.name) + " delete",
           std::string("Delete a document's ") + record.noun + ".",
           {IndexArgument(), DocumentArgument()},
-          {InPlaceOption()},
+          {},
           "",
           {std::string("kestan ") + record.name + " delete my.index notes.txt"},
-          [&record](Kestan& engine, const Values& values) {
-            return RunDelete(engine, record, values);
-          }};
+          [&record](Kestan&, const Values& values) { return RunDelete(record, values); }};
 }
 
 }  // namespace kestan_cli

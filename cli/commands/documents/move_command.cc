@@ -2,11 +2,14 @@
 
 #include "cli/commands/commands.h"
 #include "cli/console/message.h"
-#include "cli/index/document_records.h"
-#include "cli/index/index_transaction.h"
+#include "cli/index/document_names.h"
+#include "cli/index/opened_writer.h"
 
 namespace kestan_cli {
 namespace {
+
+using kestan::search::Status;
+using kestan::search::StatusCode;
 
 void CheckNewName(const std::string& name) {
   if (name.empty()) throw CommandError("the new name is empty");
@@ -15,29 +18,32 @@ void CheckNewName(const std::string& name) {
                      " holds a line feed, and documents are listed one a line");
 }
 
-// Reads the index before a copy is made.
-void CheckMove(Kestan& engine, const std::string& index, const std::string& from,
-               const std::string& to, bool replace) {
-  const OpenedIndex opened(engine, index, Access::kRead);
-  CheckIndexed(opened, from);
-  if (replace || engine.DocumentTimestamp(to.c_str()) == 0) return;
-  throw CommandError("index " + Quoted(index) + " has a document " + Quoted(to) +
+// Returns the name that a document called `from` in the index gets. A document of a file is named
+// after another file.
+std::string NewName(const std::string& from, const std::string& given) {
+  return from.front() == '/' ? CanonicalPath(given) : given;
+}
+
+void Rename(OpenedWriter& opened, const std::string& from, const std::string& to, bool replace) {
+  if (replace) {
+    const Status removed = opened.writer().Remove(to);
+    if (removed.code() != StatusCode::kNotFound) opened.Check(removed);
+  }
+  const Status renamed = opened.writer().Rename(from, to);
+  if (renamed.code() != StatusCode::kAlreadyExists) return opened.Check(renamed);
+  throw CommandError("index " + Quoted(opened.path()) + " has a document " + Quoted(to) +
                      " already; --replace removes it first");
 }
 
-int RunMove(Kestan& engine, const Values& values) {
+int RunMove(Kestan&, const Values& values) {
   const std::string index = values.Text("INDEX");
-  const std::string from = values.Text("OLD");
-  const std::string to = values.Text("NEW");
-  CheckNewName(to);
-  IndexTransaction transaction(engine, index, Access::kWrite,
-                               UpdateModeOf(values.Has("--in-place")));
-  CheckMove(engine, index, from, to, values.Has("--replace") || from == to);
+  CheckNewName(values.Text("NEW"));
+  OpenedWriter opened(index, OpenedWriter::IfMissing::kFail, StyleOfStandardError(false));
+  const std::string from = StoredName(opened.Read(), values.Text("OLD"), index);
+  const std::string to = NewName(from, values.Text("NEW"));
   if (from == to) return kDone;
-  OpenedIndex& opened = transaction.Begin();
-  RemoveDocument(opened, to);
-  MoveDocument(opened, from, to);
-  transaction.Commit();
+  Rename(opened, from, to, values.Has("--replace"));
+  opened.Commit();
   return kDone;
 }
 
@@ -46,8 +52,10 @@ int RunMove(Kestan& engine, const Values& values) {
 Command MoveCommand() {
   return {"move",
           "Rename a document, with its title, summary and user record.",
-          {IndexArgument(), {"OLD", "its name"}, {"NEW", "the name that it gets"}},
-          {{"--replace", "", "remove a document that has the new name first"}, InPlaceOption()},
+          {IndexArgument(),
+           {"OLD", "its name, as `kestan list` prints it"},
+           {"NEW", "the name that it gets; of a file, its new path"}},
+          {{"--replace", "", "remove a document that has the new name first"}},
           "",
           {"kestan move my.index notes.txt archive/notes.txt"},
           RunMove};

@@ -4,30 +4,27 @@
 #include "cli/commands/commands.h"
 #include "cli/console/json.h"
 #include "cli/console/message.h"
-#include "cli/index/document_records.h"
-#include "cli/index/index_transaction.h"
+#include "cli/index/document_names.h"
+#include "cli/index/opened_writer.h"
 
 namespace kestan_cli {
 namespace {
 
-using Names = std::set<std::string>;
-
-// Reads the index before a copy is made.
-void CheckAllIndexed(Kestan& engine, const std::string& index, const Names& names) {
-  const OpenedIndex opened(engine, index, Access::kRead);
-  for (const std::string& name : names) CheckIndexed(opened, name);
+// Returns the names that `given` stand for, each once.
+std::set<std::string> StoredNames(const OpenedWriter& opened, const Arguments& given) {
+  const kestan::search::IndexReader reader = opened.Read();
+  std::set<std::string> names;
+  for (const std::string& name : given) names.insert(StoredName(reader, name, opened.path()));
+  return names;
 }
 
-int RunRemove(Kestan& engine, const Values& values) {
+int RunRemove(Kestan&, const Values& values) {
   const std::string index = values.Text("INDEX");
-  const Arguments given = values.All("NAME");
-  const Names names(given.begin(), given.end());
-  IndexTransaction transaction(engine, index, Access::kWrite,
-                               UpdateModeOf(values.Has("--in-place")));
-  CheckAllIndexed(engine, index, names);
-  const OpenedIndex& opened = transaction.Begin();
-  for (const std::string& name : names) RemoveDocument(opened, name);
-  transaction.Commit();
+  OpenedWriter opened(index, OpenedWriter::IfMissing::kFail,
+                      StyleOfStandardError(ReportFormatOf(values) == ReportFormat::kNone));
+  const std::set<std::string> names = StoredNames(opened, values.All("NAME"));
+  for (const std::string& name : names) opened.Check(opened.writer().Remove(name));
+  opened.Commit();
   PrintReport(
       ReportFormatOf(values),
       [&] {
@@ -43,9 +40,10 @@ Command RemoveCommand() {
   return {"remove",
           "Remove documents with their titles, summaries and user records.",
           {IndexArgument(),
-           {"NAME", "names as `kestan list` prints them", Positional::Count::kOneOrMore}},
-          {JsonOption(), InPlaceOption(), QuietOption()},
-          "What they took in the file comes back with `kestan shrink`.",
+           {"NAME", "names as `kestan list` prints them, or other paths of the same files",
+            Positional::Count::kOneOrMore}},
+          {JsonOption(), QuietOption()},
+          "What they took in the index comes back with time, or at once with `kestan compact`.",
           {"kestan remove my.index /usr/share/doc/bash/NEWS"},
           RunRemove};
 }

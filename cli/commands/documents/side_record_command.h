@@ -11,7 +11,7 @@
 namespace kestan_cli {
 
 inline Positional DocumentArgument() {
-  return {"NAME", "the document's name, as `kestan list` prints it"};
+  return {"NAME", "the document's name, as `kestan list` prints it, or another path of its file"};
 }
 
 // Returns the error that the document `name` has no such record.

@@ -7,7 +7,7 @@
 #include "cli/commands/commands.h"
 #include "cli/console/input.h"
 #include "cli/console/message.h"
-#include "cli/index/index_transaction.h"
+#include "cli/index/opened_writer.h"
 
 namespace kestan_cli {
 namespace {
@@ -25,10 +25,12 @@ std::string WordsOf(const Values& values) {
   return words;
 }
 
-// The engine would cut a long word, and would change bytes above 127.
-void CheckWords(const std::string& words) {
+// Returns each word followed by a line feed. A list keeps what one in an index file can: that would
+// cut a long word, and change bytes above 127.
+std::string CheckedWords(const std::string& words) {
+  std::string list;
   std::istringstream rest(words);
-  for (std::string word; rest >> word;) {
+  for (std::string word; rest >> word; list += word + "\n") {
     if (word.size() > kMaxListedBytes) {
       throw CommandError("the word " + Quoted(word) + " has " + std::to_string(word.size()) +
                          " bytes; a list keeps words of at most " +
@@ -38,17 +40,15 @@ void CheckWords(const std::string& words) {
       throw CommandError("the word " + Quoted(word) + " is not in ASCII; a list keeps no others");
     }
   }
+  return list;
 }
 
-int RunPutWordList(Kestan& engine, const Values& values) {
-  const std::string index = values.Text("INDEX");
-  const std::string words = WordsOf(values);
-  CheckWords(words);
-  IndexTransaction transaction(engine, index, Access::kWrite,
-                               UpdateModeOf(values.Has("--in-place")));
-  OpenedIndex& opened = transaction.Begin();
-  opened.CheckWritten(engine.DBPutWords(values.Text("LIST").c_str(), words.c_str()));
-  transaction.Commit();
+int RunPutWordList(Kestan&, const Values& values) {
+  const std::string words = CheckedWords(WordsOf(values));
+  OpenedWriter opened(values.Text("INDEX"), OpenedWriter::IfMissing::kFail,
+                      StyleOfStandardError(false));
+  opened.writer().SetProperty("wordlist:" + values.Text("LIST"), words);
+  opened.Commit();
   return kDone;
 }
 
@@ -61,8 +61,9 @@ Command PutWordListCommand() {
            {"LIST", "the name of the list"},
            {"WORD", "the words; without any, they are read from the standard input",
             Positional::Count::kAny}},
-          {InPlaceOption()},
-          "A word is at most 127 bytes long, and of ASCII. White space separates words.",
+          {},
+          "A word is at most 127 bytes long, and of ASCII. White space separates words. A list "
+          "without words is taken away.",
           {"kestan wordlist put my.index colours red green blue"},
           RunPutWordList};
 }

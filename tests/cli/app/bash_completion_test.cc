@@ -29,7 +29,7 @@ TEST_F(BashCompletionTest, OffersCommandsOfAGroup) {
 
 TEST_F(BashCompletionTest, OffersOptionsOnlyAfterADash) {
   EXPECT_EQ(Offers("kestan shrink --dr", 3), "--dry-run\n");
-  EXPECT_EQ(Offers("kestan option set my.index --in", 5), "--in-place\n");
+  EXPECT_EQ(Offers("kestan option get my.index --js", 5), "--json\n");
   EXPECT_EQ(Offers("kestan shrink ''", 3), "\n");
 }
 

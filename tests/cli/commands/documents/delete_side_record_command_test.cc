@@ -2,27 +2,30 @@
 
 #include <string>
 
-#include "tests/cli/command_test.h"
+#include "tests/cli/index_folder_test.h"
 
 namespace kestan_tests {
 namespace {
 
-class DeleteSideRecordCommandTest : public CommandTest {
+class DeleteSideRecordCommandTest : public IndexFolderTest {
  protected:
-  void SetUp() override { Add("a", "The title\nthe summary\n"); }
+  void SetUp() override { AddDocument("a"); }
 };
 
 TEST_F(DeleteSideRecordCommandTest, DeletedTextCannotBeDeletedAgain) {
   EXPECT_EQ(Run({"title", "delete", "my.index", "a"}), Success(""));
   EXPECT_EQ(Run({"title", "delete", "my.index", "a"}),
             Failure("document 'a' of index 'my.index' has no title"));
-  EXPECT_EQ(Dump(Path("my.index")).count("t-a"), 0u);
+  EXPECT_EQ(Find("a").title, "");
+  EXPECT_EQ(Find("a").summary, "the summary");
 }
 
 TEST_F(DeleteSideRecordCommandTest, FailedDeletionLeavesTheIndexAlone) {
-  const std::string before = IndexBytes();
+  ASSERT_EQ(Run({"summary", "delete", "my.index", "a"}).status, 0);
+  const auto before = FolderBytes();
   EXPECT_EQ(Run({"user", "delete", "my.index", "b"}).status, 2);
-  EXPECT_EQ(IndexBytes(), before);
+  EXPECT_EQ(Run({"summary", "delete", "my.index", "a"}).status, 2);
+  EXPECT_EQ(FolderBytes(), before);
 }
 
 }  // namespace

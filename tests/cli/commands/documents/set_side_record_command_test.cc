@@ -1,34 +1,59 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 
-#include "tests/cli/command_test.h"
+#include "tests/cli/index_folder_test.h"
 
 namespace kestan_tests {
 namespace {
 
-class SetSideRecordCommandTest : public CommandTest {
+class SetSideRecordCommandTest : public IndexFolderTest {
  protected:
-  void SetUp() override { Add("a", "The title\nthe summary\n"); }
+  void SetUp() override { AddDocument("a"); }
 };
 
 TEST_F(SetSideRecordCommandTest, EachTextIsSetAndDeletedByItself) {
   for (const std::string kind : {"title", "summary", "user"}) {
     EXPECT_EQ(Run({kind, "set", "my.index", "a", "new " + kind}), Success(""));
-    EXPECT_EQ(Run({kind, "get", "my.index", "a"}), Success("new " + kind + "\n"));
   }
+  EXPECT_EQ(Find("a").summary, "new summary");
   EXPECT_EQ(Run({"summary", "delete", "my.index", "a"}), Success(""));
-  EXPECT_EQ(Run({"summary", "get", "my.index", "a"}),
-            Failure("document 'a' of index 'my.index' has no summary"));
-  EXPECT_EQ(Run({"title", "get", "my.index", "a"}), Success("new title\n"));
-  EXPECT_EQ(Run({"user", "get", "my.index", "a"}), Success("new user\n"));
+  EXPECT_EQ(Find("a").summary, "");
+  EXPECT_EQ(Find("a").title, "new title");
+  EXPECT_EQ(Find("a").host_data, "new user");
+  EXPECT_EQ(*Read().Count("cat"), 1u);
+}
+
+TEST_F(SetSideRecordCommandTest, EmptyTextDeletesIt) {
+  EXPECT_EQ(Run({"title", "set", "my.index", "a", ""}), Success(""));
+  EXPECT_EQ(Find("a").title, "");
+}
+
+TEST_F(SetSideRecordCommandTest, TextMayHaveLines) {
+  EXPECT_EQ(Run({"user", "set", "my.index", "a", "one\n\n\xff two\n"}), Success(""));
+  EXPECT_EQ(Find("a").host_data, "one\n\n\xff two\n");
+}
+
+TEST_F(SetSideRecordCommandTest, DocumentMayBeCalledByAPath) {
+  const std::string name = std::filesystem::canonical(Path("")).string() + "/notes.txt";
+  AddDocument(name);
+  EXPECT_EQ(Run({"title", "set", "my.index", "./notes.txt", "Things"}), Success(""));
+  EXPECT_EQ(Find(name).title, "Things");
+  EXPECT_EQ(Run({"title", "delete", "my.index", "notes.txt"}), Success(""));
+  EXPECT_EQ(Find(name).title, "");
 }
 
 TEST_F(SetSideRecordCommandTest, UnknownDocumentHasItsOwnMessage) {
   const Outcome unknown = Failure("no document 'b' in index 'my.index'; see kestan list");
-  EXPECT_EQ(Run({"title", "get", "my.index", "b"}), unknown);
   EXPECT_EQ(Run({"title", "set", "my.index", "b", "x"}), unknown);
   EXPECT_EQ(Run({"title", "delete", "my.index", "b"}), unknown);
+}
+
+TEST_F(SetSideRecordCommandTest, IndexOfOneFileIsLeftAlone) {
+  MakeOneFileIndex();
+  EXPECT_EQ(Run({"title", "set", "one.index", "a", "x"}), OneFileIsReadOnly());
+  EXPECT_EQ(Run({"user", "delete", "one.index", "a"}), OneFileIsReadOnly());
 }
 
 }  // namespace

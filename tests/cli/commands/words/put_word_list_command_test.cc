@@ -9,27 +9,46 @@ namespace {
 
 class PutWordListCommandTest : public EndlessInputTest {
  protected:
-  void SetUp() override { Add("a", "The title\nthe summary\n"); }
+  void SetUp() override { AddDocument("a"); }
+
+  // The words of a list, each followed by a line feed.
+  std::string List(const std::string& name) const { return *Read().Property("wordlist:" + name); }
 };
 
 TEST_F(PutWordListCommandTest, WordsKeepTheirOrder) {
   EXPECT_EQ(Run({"wordlist", "put", "my.index", "colours", "red", "reddish", "blue"}), Success(""));
-  EXPECT_EQ(Run({"wordlist", "get", "my.index", "colours"}), Success("red\nreddish\nblue\n"));
-  EXPECT_EQ(Run({"wordlist", "get", "my.index", "shapes"}),
-            Failure("no word list 'shapes' in index 'my.index'"));
+  EXPECT_EQ(List("colours"), "red\nreddish\nblue\n");
+  EXPECT_EQ(List("shapes"), "");
+}
+
+TEST_F(PutWordListCommandTest, ListTakesThePlaceOfAnEarlierOne) {
+  EXPECT_EQ(Run({"wordlist", "put", "my.index", "colours", "red", "blue"}), Success(""));
+  EXPECT_EQ(Run({"wordlist", "put", "my.index", "colours", "green"}), Success(""));
+  EXPECT_EQ(List("colours"), "green\n");
+}
+
+TEST_F(PutWordListCommandTest, ListWithoutWordsIsTakenAway) {
+  EXPECT_EQ(Run({"wordlist", "put", "my.index", "colours", "red"}), Success(""));
+  EXPECT_EQ(Run({"wordlist", "put", "my.index", "colours", " "}), Success(""));
+  EXPECT_EQ(List("colours"), "");
+}
+
+TEST_F(PutWordListCommandTest, IndexOfOneFileIsLeftAlone) {
+  MakeOneFileIndex();
+  EXPECT_EQ(Run({"wordlist", "put", "one.index", "colours", "red"}), OneFileIsReadOnly());
 }
 
 TEST_F(PutWordListCommandTest, WordsThatAListCannotKeepAreErrors) {
   const std::string longest(127, 'x');
   EXPECT_EQ(Run({"wordlist", "put", "my.index", "names", longest}), Success(""));
-  const std::string before = IndexBytes();
+  const auto before = FolderBytes();
   EXPECT_EQ(
       Run({"wordlist", "put", "my.index", "names", "a", longest + "y"}),
       Failure("the word '" + longest + "y' has 128 bytes; a list keeps words of at most 127"));
   EXPECT_EQ(Run({"wordlist", "put", "my.index", "names", "a", "caf\xc3\xa9"}),
             Failure("the word 'caf\xc3\xa9' is not in ASCII; a list keeps no others"));
-  EXPECT_EQ(IndexBytes(), before);
-  EXPECT_EQ(Run({"wordlist", "get", "my.index", "names"}), Success(longest + "\n"));
+  EXPECT_EQ(FolderBytes(), before);
+  EXPECT_EQ(List("names"), longest + "\n");
 }
 
 TEST_F(PutWordListCommandTest, WordsAreReadFromTheStandardInput) {
@@ -38,14 +57,14 @@ TEST_F(PutWordListCommandTest, WordsAreReadFromTheStandardInput) {
     dup2(open(Path("words").c_str(), O_RDONLY | O_CLOEXEC), STDIN_FILENO);
   };
   EXPECT_EQ(Run({"wordlist", "put", "my.index", "shapes"}, from_file), Success(""));
-  EXPECT_EQ(Run({"wordlist", "get", "my.index", "shapes"}), Success("round\nsquare\nflat\n"));
+  EXPECT_EQ(List("shapes"), "round\nsquare\nflat\n");
 }
 
 TEST_F(PutWordListCommandTest, ListThatCannotBeReadIsNotKept) {
   const auto from_folder = [] { dup2(open(".", O_RDONLY | O_CLOEXEC), STDIN_FILENO); };
   EXPECT_EQ(Run({"wordlist", "put", "my.index", "shapes"}, from_folder),
             Failure("cannot read the standard input: is a folder"));
-  EXPECT_EQ(Run({"wordlist", "get", "my.index", "shapes"}).status, 2);
+  EXPECT_EQ(List("shapes"), "");
 }
 
 TEST_F(PutWordListCommandTest, EndlessInputIsNotReadToItsEnd) {
