@@ -2,7 +2,6 @@
 
 #include <kestan/search.h>
 
-
 namespace kestan_cli {
 namespace {
 

@@ -9,6 +9,7 @@ namespace {
 constexpr std::array kSignals{SIGHUP, SIGINT, SIGTERM};
 
 volatile std::sig_atomic_t g_signal = 0;  // the one that came; 0: none
+bool g_thrown = false;                    // whether somebody knows of it
 
 std::array<struct sigaction, kSignals.size()> g_earlier{};
 
@@ -25,6 +26,7 @@ void Remember(int signal) {
 
 Interruption::Interruption() {
   g_signal = 0;
+  g_thrown = false;
   struct sigaction action {};
   action.sa_handler = Remember;
   action.sa_flags = SA_RESTART;
@@ -37,12 +39,15 @@ Interruption::Interruption() {
 
 Interruption::~Interruption() {
   for (std::size_t i = 0; i < kSignals.size(); ++i) sigaction(kSignals[i], &g_earlier[i], nullptr);
+  if (HasCome() && !g_thrown) std::raise(g_signal);
 }
 
 bool Interruption::HasCome() { return g_signal != 0; }
 
 void Interruption::Check() {
-  if (HasCome()) throw Interrupted(g_signal);
+  if (!HasCome()) return;
+  g_thrown = true;
+  throw Interrupted(g_signal);
 }
 
 }  // namespace kestan_cli

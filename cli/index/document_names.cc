@@ -18,16 +18,25 @@ bool HasDocument(const kestan::search::IndexReader& reader, const std::string& n
   return true;
 }
 
-}  // namespace
-
-std::string CanonicalPath(const std::string& path) {
-  std::error_code error;
-  fs::path canonical = fs::weakly_canonical(fs::absolute(path, error), error);
-  if (error) throw CommandError("cannot examine " + Quoted(path) + ": " + ReasonOf(error.value()));
+// Does what CanonicalPath() does; where that fails, the result is "" and `*error` says why.
+std::string CanonicalPathOf(const std::string& path, std::error_code* error) {
+  const fs::path absolute = fs::absolute(path, *error);
+  if (*error) return "";
+  fs::path canonical = fs::weakly_canonical(absolute, *error);
+  if (*error) return "";
   if (!canonical.has_filename() && canonical.has_relative_path()) {
     canonical = canonical.parent_path();  // of what does not exist, the slash at the end stays
   }
   return canonical.string();
+}
+
+}  // namespace
+
+std::string CanonicalPath(const std::string& path) {
+  std::error_code error;
+  std::string canonical = CanonicalPathOf(path, &error);
+  if (error) throw CommandError("cannot examine " + Quoted(path) + ": " + ReasonOf(error.value()));
+  return canonical;
 }
 
 ShownNames::ShownNames() {
@@ -47,7 +56,8 @@ std::string ShownNames::operator()(const std::string& name) const {
 std::string StoredName(const kestan::search::IndexReader& reader, const std::string& argument,
                        const std::string& index) {
   if (HasDocument(reader, argument, index)) return argument;
-  const std::string path = argument.empty() ? "" : CanonicalPath(argument);
+  std::error_code ignored;  // what is no path can be no name of a file either
+  const std::string path = argument.empty() ? "" : CanonicalPathOf(argument, &ignored);
   if (!path.empty() && HasDocument(reader, path, index)) return path;
   throw CommandError("no document " + Quoted(argument) + " in index " + Quoted(index) +
                      "; see kestan list");

@@ -14,7 +14,8 @@ namespace kestan_cli {
 
 // Returns the canonical path of the file at `path`. What does not exist any more is taken as it
 // stands below what does.
-//   Throws   CommandError if the working directory is needed and unknown.
+//   Throws   CommandError if `path` is empty or cannot be followed, or if the working directory is
+//            needed and unknown.
 std::string CanonicalPath(const std::string& path);
 
 // Shows names to somebody who stands in the working directory.

@@ -33,9 +33,13 @@ std::string ReasonOfWrite(StoreError error, bool on_copy) {
 // Returns what `status` says of a file, which is named unless it is the index itself.
 std::string ReasonOf(const Status& status, const std::string& path) {
   const std::string& file = status.file();
-  if (file.empty() || file == path) return status.message();
-  const bool is_inside = file.compare(0, path.size() + 1, path + "/") == 0;
-  return status.message() + " (" + (is_inside ? file.substr(path.size() + 1) : file) + ")";
+  std::string folder = path;
+  while (!folder.empty() && folder.back() == '/') folder.pop_back();
+  if (file.empty() || file == path || file == folder) return status.message();
+  folder += '/';
+  const bool is_inside = file.compare(0, folder.size(), folder) == 0;
+  const std::string name = is_inside ? file.substr(folder.size()) : file;
+  return OneLine(status.message()) + " (" + OneLine(name) + ")";
 }
 
 }  // namespace

@@ -53,5 +53,46 @@ TEST(IndexErrorsTest, FailedWriteLeavesTheIndexAloneIfItWasOnACopy) {
   EXPECT_NE(other.find("; see kestan check"), std::string::npos) << other;
 }
 
+// ---- Of the search library ----
+
+using kestan::search::Status;
+using kestan::search::StatusCode;
+
+TEST(IndexErrorsTest, StatusNamesTheIndexAndWhatHelps) {
+  EXPECT_STREQ(ErrorOf({StatusCode::kSystem, "no space left on device"}, "a\nb").what(),
+               "index 'a\\nb': no space left on device");
+  EXPECT_STREQ(ErrorOf({StatusCode::kNotFound, "there is no index", "a"}, "a").what(),
+               "index 'a': there is no index; kestan index makes one");
+  EXPECT_STREQ(ErrorOf({StatusCode::kDamaged, "cut short", "a"}, "a").what(),
+               "index 'a': cut short; see kestan check and kestan repair");
+}
+
+TEST(IndexErrorsTest, OnlyABusyIndexHasTheStatusOfOne) {
+  const CommandError error = ErrorOf({StatusCode::kBusy, "process 7 is writing it", "a"}, "a");
+  EXPECT_STREQ(error.what(), "index 'a': process 7 is writing it; try again later");
+  EXPECT_EQ(error.status(), kBusy);
+  for (const StatusCode code : {StatusCode::kNotFound, StatusCode::kDamaged, StatusCode::kSystem,
+                                StatusCode::kVersion, StatusCode::kOutOfMemory}) {
+    EXPECT_EQ(ErrorOf({code, "x"}, "a").status(), kFailed);
+  }
+}
+
+TEST(IndexErrorsTest, FilesInTheIndexAreNamedByTheirNamesThere) {
+  EXPECT_STREQ(ErrorOf({StatusCode::kSystem, "is a folder", "a/b/1.segment"}, "a/b").what(),
+               "index 'a/b': is a folder (1.segment)");
+  EXPECT_STREQ(ErrorOf({StatusCode::kSystem, "is a folder", "a/bc"}, "a/b").what(),
+               "index 'a/b': is a folder (a/bc)");
+  EXPECT_STREQ(ErrorOf({StatusCode::kSystem, "is a folder", "a/b/1.segment"}, "a/b/").what(),
+               "index 'a/b/': is a folder (1.segment)");
+}
+
+TEST(IndexErrorsTest, ValuesPassAndErrorsAreThrown) {
+  EXPECT_EQ(ValueOf(kestan::search::Result<int>(7), "a"), 7);
+  EXPECT_NO_THROW(CheckStatus(Status(), "a"));
+  EXPECT_THROW(CheckStatus({StatusCode::kSystem, "x"}, "a"), CommandError);
+  EXPECT_THROW(ValueOf(kestan::search::Result<int>(Status(StatusCode::kSystem, "x")), "a"),
+               CommandError);
+}
+
 }  // namespace
 }  // namespace kestan_cli
