@@ -21,7 +21,7 @@ search() {
   "$kestan" search "$index" "$1" | sed -n 1,6p
 }
 
-rm -f "$index"
+rm -rf "$index"
 run index "$index" "$documents"
 search 'free software NOT warranty'
 search 'public NEAR/1 domain'
