@@ -22,6 +22,9 @@ class Descriptor {
   bool is_open() const { return number_ >= 0; }
   int number() const { return number_; }
 
+  // Returns the descriptor, which the caller is to close.
+  int Release() { return std::exchange(number_, -1); }
+
   // Closes it now.
   //   Returns  0, also if nothing was open; -1 with errno set if that fails.
   int Close() { return is_open() ? close(std::exchange(number_, -1)) : 0; }

@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdio>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,14 +24,20 @@ std::vector<std::string> ReadPathList(std::FILE* stream, std::size_t max_bytes =
 // Returns what follows the last slash of `path`.
 std::string_view LastPart(std::string_view path);
 
-// Returns `path` as documents are named: a path to the same file without ".", "//", a slash at the
-// end, and ".." after an existing directory. After anything else, such as a symbolic link, ".."
-// stays. An empty path stays empty.
-std::string NameOf(const std::string& path);
+// Returns the folder that the canonical `path` is in; "" for "/".
+std::string FolderOf(const std::string& path);
 
-// Returns whether a document `name` is at one of `paths` (as NameOf returns them) or below it,
-// by their names alone. What follows a ".." is not below what precedes it.
-bool IsBelow(const std::string& name, const std::set<std::string>& paths);
+// Returns the longest of `paths`, canonical paths in a set or a map, at or below which `name` is;
+// "" if there is none.
+template <typename Paths>
+std::string InnermostOf(const Paths& paths, const std::string& name) {
+  std::string above = name;
+  while (!above.empty() && paths.count(above) == 0) above = FolderOf(above);
+  return above;
+}
+
+// Returns whether `name` is at `path` or below it. Both are canonical.
+bool IsBelow(const std::string& name, const std::string& path);
 
 // Returns whether nothing is at `path` any more; false where the system does not say.
 bool HasVanished(const std::string& path);

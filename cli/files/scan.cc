@@ -1,25 +1,24 @@
 #include "cli/files/scan.h"
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <filesystem>
-#include <map>
 #include <memory>
+#include <optional>
 #include <string_view>
-#include <system_error>
+#include <utility>
 
+#include "cli/console/interruption.h"
 #include "cli/console/message.h"
-#include "cli/files/paths.h"
+#include "cli/files/descriptor.h"
 #include "cli/files/stable_file.h"
 #include "cli/files/work_directory.h"
 
 namespace kestan_cli {
 namespace {
-
-namespace fs = std::filesystem;
 
 using FileId = std::pair<std::uint64_t, std::uint64_t>;  // device and number
 
@@ -32,118 +31,151 @@ auto CannotRead(const std::string& path, const std::string& reason) {
 struct CloseFolder {
   void operator()(DIR* folder) const { closedir(folder); }
 };
+using OpenFolder = std::unique_ptr<DIR, CloseFolder>;
 
-// Identifies the index, whose file may have several names.
-std::set<FileId> FilesOfIndex(const std::string& index_path) {
-  std::error_code error;
-  const fs::path real = fs::canonical(index_path, error);
-  std::set<FileId> ids;
-  for (const std::string& path : {index_path, error ? index_path : real.string()}) {
-    struct stat status {};
-    if (stat(path.c_str(), &status) == 0) ids.insert(IdOf(status));
+// Opens the folder at `path`, which is no link; null with errno set if it cannot be read.
+OpenFolder Open(const std::string& path) {
+  Descriptor file(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  if (!file.is_open()) return nullptr;
+  OpenFolder folder(fdopendir(file.number()));
+  if (folder != nullptr) file.Release();
+  return folder;
+}
+
+// Identifies the folder of the index, which may have several paths.
+std::optional<FileId> FolderOfIndex(const std::string& index_path) {
+  struct stat status {};
+  if (stat(index_path.c_str(), &status) != 0) return std::nullopt;
+  return IdOf(status);
+}
+
+template <typename Named>
+void SortByName(std::vector<Named>* all) {
+  const auto is_less = [](const Named& left, const Named& right) { return left.name < right.name; };
+  const auto is_same = [](const Named& left, const Named& right) {
+    return left.name == right.name;
+  };
+  if (!std::is_sorted(all->begin(), all->end(), is_less)) {
+    std::stable_sort(all->begin(), all->end(), is_less);
   }
-  return ids;
+  all->erase(std::unique(all->begin(), all->end(), is_same), all->end());
 }
 
 class Scanner {
  public:
-  Scanner(std::set<FileId> own_files, const NameFilter& filter)
-      : own_files_(std::move(own_files)), filter_(filter) {}
+  Scanner(const std::set<std::string>& borders, std::optional<FileId> index)
+      : borders_(borders), index_(std::move(index)) {}
 
-  // Adds what the user named, whatever the patterns are.
-  void LookAt(const std::string& path, MissingPath missing) {
+  // Adds what is at the path of `root`, whatever the patterns are, and all that is below it.
+  void LookAt(const ScanRoot& root) {
     struct stat status {};
-    if (stat(path.c_str(), &status) != 0) return Refuse(path, errno, missing);
-    if (S_ISDIR(status.st_mode)) return Walk(path);
-    if (!S_ISREG(status.st_mode)) throw CannotRead(path, "neither a file nor a folder");
-    AddFile(NameOf(path), status);
+    if (stat(root.path.c_str(), &status) != 0) return Refuse(root, errno);
+    if (S_ISDIR(status.st_mode)) return Walk(root);
+    if (!S_ISREG(status.st_mode)) throw CannotRead(root.shown, "neither a file nor a folder");
+    if (index_ != IdOf(status)) AddFile(root.path, status);
   }
 
-  // A file that one path skipped may have been found through another.
+  // A file that one root skipped may have been found through another.
   Scan Finish() {
-    Scan scan;
-    for (auto& [name, state] : files_) scan.files.push_back({name, state});
-    for (auto& [name, skip] : skips_) {
-      if (files_.count(name) == 0) scan.skips.push_back(std::move(skip));
-    }
-    return scan;
+    SortByName(&scan_.files);
+    SortByName(&scan_.skips);
+    const auto was_found = [this](const Skip& skip) {
+      const auto found = std::lower_bound(
+          scan_.files.begin(), scan_.files.end(), skip.name,
+          [](const FoundFile& file, const std::string& name) { return file.name < name; });
+      return found != scan_.files.end() && found->name == skip.name;
+    };
+    auto& skips = scan_.skips;
+    skips.erase(std::remove_if(skips.begin(), skips.end(), was_found), skips.end());
+    return std::move(scan_);
   }
 
  private:
-  void Refuse(const std::string& path, int error, MissingPath missing) {
+  void Refuse(const ScanRoot& root, int error) {
     const bool is_missing = error == ENOENT || error == ENOTDIR;
     const std::string reason = is_missing ? "no such file or folder" : ReasonOf(error);
-    if (missing == MissingPath::kThrow) throw CannotRead(path, reason);
-    AddSkip(NameOf(path), SkipKind::kUnreadable, reason);
+    if (root.missing == MissingPath::kThrow) throw CannotRead(root.shown, reason);
+    scan_.missing.insert(root.path);
+    AddSkip(root.path, SkipKind::kUnreadable, reason);
   }
 
   void AddSkip(const std::string& name, SkipKind kind, const std::string& reason) {
-    skips_.try_emplace(name, Skip{name, kind, reason});
+    scan_.skips.push_back({name, kind, reason});
   }
 
   void AddFile(const std::string& name, const struct stat& status) {
-    if (own_files_.count(IdOf(status)) != 0) return;
     if (name.find('\n') != std::string::npos) {
       return AddSkip(name, SkipKind::kName, "its name holds a line feed");
     }
-    files_.try_emplace(name, StateOf(status));
+    scan_.files.push_back({name, StateOf(status)});
   }
 
-  void Walk(const std::string& root) {
-    std::vector<std::string> waiting{root};
+  void Walk(const ScanRoot& root) {
+    std::vector<std::string> waiting{root.path};
     while (!waiting.empty()) {
+      Interruption::Check();
       const std::string next = std::move(waiting.back());
       waiting.pop_back();
       WalkFolder(root, next, &waiting);
     }
   }
 
-  // Adds the files in `folder`, and its directories to `waiting`.
-  void WalkFolder(const std::string& root, const std::string& folder,
+  // Adds the files in the folder at `path`, and its folders to `waiting`.
+  void WalkFolder(const ScanRoot& root, const std::string& path,
                   std::vector<std::string>* waiting) {
-    const std::unique_ptr<DIR, CloseFolder> open(opendir(folder.c_str()));
-    if (open == nullptr) return AddSkip(NameOf(folder), SkipKind::kUnreadable, ReasonOf(errno));
-    const std::string start = folder.back() == '/' ? folder : folder + "/";
+    const OpenFolder folder = Open(path);
+    if (folder == nullptr) {
+      if (errno == ENOENT) return;  // removed since its own folder was read
+      return AddSkip(path, SkipKind::kUnreadable, ReasonOf(errno));
+    }
+    struct stat status {};
+    if (fstat(dirfd(folder.get()), &status) == 0 && index_ == IdOf(status)) return;
+    const std::string start = path.back() == '/' ? path : path + "/";
     errno = 0;
-    while (const dirent* entry = readdir(open.get())) {  // NOLINT(concurrency-mt-unsafe)
+    while (const dirent* entry = readdir(folder.get())) {  // NOLINT(concurrency-mt-unsafe)
       const std::string_view name = static_cast<const char*>(entry->d_name);
-      if (name == "." || name == ".." || IsWorkDirectoryName(name)) continue;
-      FileAway(root, start + std::string(name), waiting);
+      if (name != "." && name != ".." && !IsWorkDirectoryName(name)) {
+        FileAway(root, folder.get(), *entry, start + std::string(name), waiting);
+      }
       errno = 0;
     }
-    if (errno != 0) AddSkip(NameOf(folder), SkipKind::kUnreadable, ReasonOf(errno));
+    if (errno != 0) AddSkip(path, SkipKind::kUnreadable, ReasonOf(errno));
   }
 
-  void FileAway(const std::string& root, const std::string& path,
+  // Looks at what `entry` names, if the folder does not say what it is. Files are always looked at.
+  void FileAway(const ScanRoot& root, DIR* folder, const dirent& entry, const std::string& path,
                 std::vector<std::string>* waiting) {
+    if (!borders_.empty() && borders_.count(path) != 0) return;
     struct stat status {};
-    const int error = lstat(path.c_str(), &status) == 0 ? 0 : errno;
-    if (error == ENOENT) return;  // removed since the directory was read
-    const std::string name = NameOf(path);
-    if (error != 0) return AddSkip(name, SkipKind::kUnreadable, ReasonOf(error));
-    const std::size_t start = root.size() + (root.back() == '/' ? 0 : 1);
+    if (entry.d_type == DT_DIR || entry.d_type == DT_LNK) {
+      status.st_mode = entry.d_type == DT_DIR ? S_IFDIR : S_IFLNK;
+    } else if (fstatat(dirfd(folder), static_cast<const char*>(entry.d_name), &status,
+                       AT_SYMLINK_NOFOLLOW) != 0) {
+      if (errno == ENOENT) return;  // removed since the folder was read
+      return AddSkip(path, SkipKind::kUnreadable, ReasonOf(errno));
+    }
+    const std::size_t start = root.path.size() + (root.path.back() == '/' ? 0 : 1);
     const std::string against =
-        filter_.ReasonAgainst(std::string_view(path).substr(start), S_ISDIR(status.st_mode));
-    if (!against.empty()) return AddSkip(name, SkipKind::kExcluded, against);
+        root.filter.ReasonAgainst(std::string_view(path).substr(start), S_ISDIR(status.st_mode));
+    if (!against.empty()) return AddSkip(path, SkipKind::kExcluded, against);
     if (S_ISDIR(status.st_mode)) return waiting->push_back(path);
-    if (S_ISREG(status.st_mode)) return AddFile(name, status);
+    if (S_ISREG(status.st_mode)) return AddFile(path, status);
     const bool is_link = S_ISLNK(status.st_mode);
-    AddSkip(name, is_link ? SkipKind::kLink : SkipKind::kSpecial,
+    AddSkip(path, is_link ? SkipKind::kLink : SkipKind::kSpecial,
             is_link ? "symbolic link" : "pipe, socket or device");
   }
 
-  const std::set<FileId> own_files_;
-  const NameFilter& filter_;
-  std::map<std::string, FileState> files_;
-  std::map<std::string, Skip> skips_;
+  const std::set<std::string>& borders_;
+  const std::optional<FileId> index_;
+  Scan scan_;
 };
 
 }  // namespace
 
-Scan ScanPaths(const std::vector<std::string>& paths, const std::string& index_path,
-               const NameFilter& filter, MissingPath missing) {
-  Scanner scanner(FilesOfIndex(index_path), filter);
-  for (const std::string& path : paths) scanner.LookAt(path, missing);
+Scan ScanRoots(const std::vector<ScanRoot>& roots, const std::set<std::string>& borders,
+               const std::string& index_path) {
+  Scanner scanner(borders, FolderOfIndex(index_path));
+  for (const ScanRoot& root : roots) scanner.LookAt(root);
   return scanner.Finish();
 }
 

@@ -2,10 +2,8 @@
 #ifndef KESTAN_CLI_FILES_SCAN_H_
 #define KESTAN_CLI_FILES_SCAN_H_
 
-#include <cstdint>
 #include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "cli/files/fingerprint.h"
@@ -15,26 +13,36 @@
 namespace kestan_cli {
 
 struct FoundFile {
-  std::string name;  // as NameOf returns it
+  std::string name;  // its canonical path
   FileState state;
-};
-
-struct Scan {
-  std::vector<FoundFile> files;  // in order of the bytes of their names, each once
-  std::vector<Skip> skips;       // likewise
 };
 
 // What to do about a path that does not exist.
 enum class MissingPath { kThrow, kSkip };
 
-// Finds the files among `paths` and in all directories below them. Leaves out the index at
-// `index_path` and the work directories beside it. `filter` applies to what is below a path, not to
-// the path itself, and a path may be a symbolic link. Links inside directories are skipped, as are
-// pipes, sockets and devices, directories that cannot be read, and names with a line feed.
-//   Throws   CommandError that names the first path that cannot be examined or is neither a file
-//            nor a directory; a missing one only with MissingPath::kThrow.
-Scan ScanPaths(const std::vector<std::string>& paths, const std::string& index_path,
-               const NameFilter& filter, MissingPath missing);
+// Where to look for files.
+struct ScanRoot {
+  std::string path;   // canonical
+  std::string shown;  // the same in messages
+  NameFilter filter;  // applies to what is below `path`, not to `path` itself
+  MissingPath missing = MissingPath::kThrow;
+};
+
+struct Scan {
+  std::vector<FoundFile> files;   // in order of the bytes of their names, each once
+  std::vector<Skip> skips;        // likewise
+  std::set<std::string> missing;  // the paths of roots that do not exist
+};
+
+// Finds the files at and below `roots`, looking at the status of each once. Leaves out the folder
+// of the index at `index_path`, the work directories beside it, and what is at or below `borders`,
+// unless a root is there too: those belong to others. Links inside folders are skipped, as are
+// pipes, sockets and devices, folders that cannot be read, and names with a line feed.
+//   Throws   CommandError that names the first root that cannot be examined or is neither a file
+//            nor a folder; a missing one only with MissingPath::kThrow.
+//            Interrupted if a signal has come.
+Scan ScanRoots(const std::vector<ScanRoot>& roots, const std::set<std::string>& borders,
+               const std::string& index_path);
 
 }  // namespace kestan_cli
 

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "cli/files/paths.h"
-
 namespace kestan_cli {
 namespace {
 
@@ -12,41 +10,30 @@ std::string ContentKey(const Fingerprint& fingerprint) {
   return std::to_string(fingerprint.state.bytes) + " " + fingerprint.hash;
 }
 
-template <typename Named>
-auto FindName(const std::vector<Named>& all, const std::string& name) {
-  return std::lower_bound(
-      all.begin(), all.end(), name,
-      [](const Named& left, const std::string& right) { return left.name < right; });
-}
-
-bool HasName(const std::vector<FoundFile>& files, const std::string& name) {
-  const auto found = FindName(files, name);
-  return found != files.end() && found->name == name;
-}
-
-void AddFile(const FoundFile& file, const IndexedDocument* document, ChangePlan* plan) {
-  Candidate candidate{file, document != nullptr, std::nullopt};
-  if (document != nullptr) candidate.fingerprint = document->fingerprint;
-  const bool is_known = candidate.fingerprint.has_value();
-  if (!plan->all && is_known && candidate.fingerprint->state == file.state) {
+void AddFile(const FoundFile& file, const KnownDocument* document, ChangePlan* plan) {
+  const Fingerprint* const known =
+      document != nullptr && document->fingerprint ? &*document->fingerprint : nullptr;
+  if (!plan->all && known != nullptr && known->state == file.state) {
     ++plan->unchanged;
     return;
   }
+  Candidate candidate{file, document != nullptr, std::nullopt};
+  if (known != nullptr) candidate.fingerprint = *known;
   plan->bytes_to_read += file.state.bytes;
   plan->to_read.push_back(std::move(candidate));
 }
 
 }  // namespace
 
-void VanishedDocuments::Add(const IndexedDocument& document) {
+void VanishedDocuments::Add(const KnownDocument& document) {
   names_.insert(document.name);
   if (!document.fingerprint.has_value()) return;
   by_content_.emplace(ContentKey(*document.fingerprint), document);
 }
 
-const IndexedDocument* VanishedDocuments::Find(
+const KnownDocument* VanishedDocuments::Find(
     const Fingerprint& fingerprint,
-    const std::function<bool(const IndexedDocument&)>& is_preferred) const {
+    const std::function<bool(const KnownDocument&)>& is_preferred) const {
   const auto [first, last] = by_content_.equal_range(ContentKey(fingerprint));
   if (first == last) return nullptr;
   const auto found =
@@ -54,7 +41,7 @@ const IndexedDocument* VanishedDocuments::Find(
   return found != last ? &found->second : &first->second;
 }
 
-void VanishedDocuments::Take(const IndexedDocument& document) {
+void VanishedDocuments::Take(const KnownDocument& document) {
   names_.erase(document.name);
   const auto [first, last] = by_content_.equal_range(ContentKey(*document.fingerprint));
   by_content_.erase(
@@ -62,21 +49,24 @@ void VanishedDocuments::Take(const IndexedDocument& document) {
 }
 
 ChangePlan PlanChanges(const std::vector<FoundFile>& files,
-                       const std::vector<IndexedDocument>& documents,
-                       const std::set<std::string>& roots,
+                       const std::vector<KnownDocument>& documents,
                        const std::function<bool(const std::string&)>& has_vanished, bool all) {
   ChangePlan plan;
   plan.all = all;
+  auto document = documents.begin();
+  const auto pass_documents_before = [&](const FoundFile* file) {
+    for (; document != documents.end() && (file == nullptr || document->name < file->name);
+         ++document) {
+      if (has_vanished(document->name)) plan.vanished.Add(*document);
+    }
+  };
   for (const FoundFile& file : files) {
-    const auto document = FindName(documents, file.name);
+    pass_documents_before(&file);
     const bool is_indexed = document != documents.end() && document->name == file.name;
     AddFile(file, is_indexed ? &*document : nullptr, &plan);
+    if (is_indexed) ++document;
   }
-  for (const IndexedDocument& document : documents) {
-    const bool gone = !HasName(files, document.name) && IsBelow(document.name, roots) &&
-                      has_vanished(document.name);
-    if (gone) plan.vanished.Add(document);
-  }
+  pass_documents_before(nullptr);
   return plan;
 }
 

@@ -12,9 +12,14 @@
 
 #include "cli/files/fingerprint.h"
 #include "cli/files/scan.h"
-#include "cli/index/document_records.h"
 
 namespace kestan_cli {
+
+// A document of the index.
+struct KnownDocument {
+  std::string name;
+  std::optional<Fingerprint> fingerprint;  // of the file that was indexed
+};
 
 // A file to read.
 struct Candidate {
@@ -26,23 +31,22 @@ struct Candidate {
 // Documents whose files have vanished. A new file with the same content takes over such a document.
 class VanishedDocuments {
  public:
-  void Add(const IndexedDocument& document);
+  void Add(const KnownDocument& document);
 
   // Finds a document that was made of the same bytes as the file of `fingerprint`; if there are
   // several, one that `is_preferred`.
   //   Returns  nullptr if there is none. The table owns it until Take().
-  const IndexedDocument* Find(
-      const Fingerprint& fingerprint,
-      const std::function<bool(const IndexedDocument&)>& is_preferred) const;
+  const KnownDocument* Find(const Fingerprint& fingerprint,
+                            const std::function<bool(const KnownDocument&)>& is_preferred) const;
 
   // Removes what Find() has returned.
-  void Take(const IndexedDocument& document);
+  void Take(const KnownDocument& document);
 
   // Returns the names of those that are left, in order of their bytes.
   const std::set<std::string>& names() const { return names_; }
 
  private:
-  std::multimap<std::string, IndexedDocument> by_content_;
+  std::multimap<std::string, KnownDocument> by_content_;
   std::set<std::string> names_;
 };
 
@@ -54,12 +58,10 @@ struct ChangePlan {
   VanishedDocuments vanished;
 };
 
-// Compares `files` with `documents`, both in order of the bytes of their names. A document has
-// vanished if it is at or below `roots` (as NameOf returns them), is not among the files, and
-// `has_vanished` confirms it. With `all`, every file is to be read.
+// Compares `files` with `documents`, both in order of the bytes of their names. A document that is
+// not among the files has vanished if `has_vanished` says so. With `all`, every file is to be read.
 ChangePlan PlanChanges(const std::vector<FoundFile>& files,
-                       const std::vector<IndexedDocument>& documents,
-                       const std::set<std::string>& roots,
+                       const std::vector<KnownDocument>& documents,
                        const std::function<bool(const std::string&)>& has_vanished, bool all);
 
 }  // namespace kestan_cli

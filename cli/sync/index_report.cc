@@ -2,6 +2,7 @@
 
 #include "cli/console/json.h"
 #include "cli/console/message.h"
+#include "cli/index/document_names.h"
 
 namespace kestan_cli {
 namespace {
@@ -20,11 +21,20 @@ std::string ReportLine(const IndexReport& report) {
   return "added " + std::to_string(report.added) + ", updated " + std::to_string(report.updated) +
          ", moved " + std::to_string(report.moved) + ", removed " + std::to_string(report.removed) +
          ", unchanged " + std::to_string(report.unchanged) + ", skipped " +
-         std::to_string(report.skips.size()) + InParentheses(report.skips) + "\n";
+         std::to_string(report.skips.size()) + InParentheses(report.skips) + ", " +
+         WithCommas(report.documents) +
+         (report.documents == 1 ? " document in " : " documents in ") +
+         WithCommas(report.segments) + (report.segments == 1 ? " segment\n" : " segments\n");
+}
+
+std::string WithCommas(unsigned long number) {
+  std::string text = std::to_string(number);
+  for (std::size_t end = text.size(); end > 3; end -= 3) text.insert(end - 3, ",");
+  return text;
 }
 
 std::string SkipLine(const Skip& skip) {
-  return "skipped " + Quoted(skip.name) + ": " + OneLine(skip.reason);
+  return "skipped " + Quoted(ShownNames()(skip.name)) + ": " + OneLine(skip.reason);
 }
 
 std::string SkipLines(const std::vector<Skip>& skips) {
@@ -34,7 +44,7 @@ std::string SkipLines(const std::vector<Skip>& skips) {
 }
 
 std::string NoteLine(const Note& note) {
-  return "indexed " + Quoted(note.name) + " in part: " + OneLine(note.reason);
+  return "indexed " + Quoted(ShownNames()(note.name)) + " in part: " + OneLine(note.reason);
 }
 
 std::string NoteLines(const std::vector<Note>& notes) {
@@ -49,7 +59,8 @@ std::string ReportJson(const IndexReport& report, bool with_files) {
   Json json = {{"schema", kJsonSchema},         {"added", report.added},
                {"updated", report.updated},     {"moved", report.moved},
                {"removed", report.removed},     {"unchanged", report.unchanged},
-               {"new_words", report.new_words}, {"skipped", skipped}};
+               {"new_words", report.new_words}, {"documents", report.documents},
+               {"segments", report.segments},   {"skipped", skipped}};
   for (const Note& note : report.notes) {
     json["partial_files"].push_back({{"name", note.name}, {"reason", note.reason}});
   }

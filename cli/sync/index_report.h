@@ -22,15 +22,20 @@ struct IndexReport {
   unsigned long removed = 0;
   unsigned long unchanged = 0;
   unsigned long new_words = 0;  // new to the index
+  unsigned long documents = 0;  // of the index, after the run
+  unsigned long segments = 0;   // likewise
   std::vector<Skip> skips;
   std::vector<Note> notes;
 };
 
-// Returns "added 1, updated 0, moved 0, removed 0, unchanged 7, skipped 2 (1 binary file, 1 link)"
-// as a line.
+// Returns "added 1, updated 0, moved 0, removed 0, unchanged 7, skipped 2 (1 binary file, 1 link),
+// 1,234 documents in 4 segments" as a line.
 std::string ReportLine(const IndexReport& report);
 
-// Returns "skipped 'NAME': REASON", without a line feed.
+// Returns `number` with a comma before every three digits from the end.
+std::string WithCommas(unsigned long number);
+
+// Returns "skipped 'NAME': REASON", without a line feed. Names are shown as ShownNames shows them.
 std::string SkipLine(const Skip& skip);
 
 // Returns such a line for each of `skips`.
@@ -42,7 +47,8 @@ std::string NoteLine(const Note& note);
 // Returns such a line for each of `notes`.
 std::string NoteLines(const std::vector<Note>& notes);
 
-// Returns the report as one line of JSON: the numbers of ReportLine under its words, "skipped" as
+// Returns the report as one line of JSON: the numbers of ReportLine under its words, names as they
+// are stored, "skipped" as
 // an object with a "total" and a number for each kind. "skipped_files" lists the files if
 // `with_files` is set, and "partial_files" those that were indexed in part, if any. Bytes of names
 // that are not UTF-8 become U+FFFD.

@@ -3,6 +3,9 @@
 #include <optional>
 #include <utility>
 
+#include "cli/console/interruption.h"
+#include "cli/files/skip.h"
+
 namespace kestan_cli {
 namespace {
 
@@ -32,10 +35,10 @@ Decision Decide(const Candidate& candidate, const ReadingRules& rules, bool all,
     decision.kind = Decision::Kind::kUpdateFingerprint;
     return decision;
   }
-  const auto is_preferred = [&](const IndexedDocument& document) {
+  const auto is_preferred = [&](const KnownDocument& document) {
     return is_read_alike(document.name, *document.fingerprint);
   };
-  const IndexedDocument* const moved =
+  const KnownDocument* const moved =
       candidate.is_indexed || all ? nullptr : vanished->Find(loaded.fingerprint, is_preferred);
   if (moved != nullptr && is_preferred(*moved)) {
     decision.kind = Decision::Kind::kMove;
@@ -49,55 +52,47 @@ Decision Decide(const Candidate& candidate, const ReadingRules& rules, bool all,
   return decision;
 }
 
-void Apply(const Candidate& candidate, const Decision& decision, IndexWriter& writer,
+void Apply(const Candidate& candidate, Decision decision, IndexChange& change,
            IndexReport* report) {
   const std::string& name = candidate.file.name;
   const bool is_moved = !decision.moved_from.empty();
-  if (is_moved) MoveDocument(writer.index(), decision.moved_from, name);
-  if (decision.kind == Decision::Kind::kAdd) {
-    writer.batch().Add(name, decision.document, decision.fingerprint);
-    ++(candidate.is_indexed || is_moved ? report->updated : report->added);
-    if (!decision.document.note.empty()) report->notes.push_back({name, decision.document.note});
-    return;
+  switch (decision.kind) {
+    case Decision::Kind::kUpdateFingerprint:
+      change.UpdateFingerprint(name, decision.fingerprint);
+      ++report->unchanged;
+      return;
+    case Decision::Kind::kMove:
+      change.Move(decision.moved_from, name, decision.fingerprint);
+      ++report->moved;
+      return;
+    case Decision::Kind::kAdd:
+      break;
   }
-  writer.batch().UpdateFingerprint(name, decision.fingerprint);
-  ++(is_moved ? report->moved : report->unchanged);
+  if (!decision.document.note.empty()) report->notes.push_back({name, decision.document.note});
+  const std::string earlier = candidate.is_indexed ? name : decision.moved_from;
+  change.Add(name, std::move(decision.document), decision.fingerprint, earlier);
+  ++(candidate.is_indexed || is_moved ? report->updated : report->added);
 }
 
 }  // namespace
 
-unsigned long CountCodesNeeded(const ChangePlan& plan, const ReadingRules& rules,
-                               Progress& progress) {
-  VanishedDocuments vanished = plan.vanished;
-  unsigned long count = 0;
-  for (const Candidate& candidate : plan.to_read) {
-    try {
-      const Decision decision = Decide(candidate, rules, plan.all, &vanished);
-      if (decision.kind == Decision::Kind::kAdd) ++count;
-    } catch (const SkipFile&) {
-      // It takes no code.
-    }
-    progress.Advance(candidate.file.state.bytes);
-  }
-  return count;
-}
-
-void CarryOut(ChangePlan plan, const ReadingRules& rules, bool prune, IndexWriter& writer,
-              Progress& progress, IndexReport* report) {
+void CarryOut(ChangePlan plan, const RunRules& rules, IndexChange& change, Progress& progress,
+              IndexReport* report) {
   report->unchanged += plan.unchanged;
   for (const Candidate& candidate : plan.to_read) {
+    Interruption::Check();
     std::optional<Decision> decision;
     try {
-      decision = Decide(candidate, rules, plan.all, &plan.vanished);
+      decision = Decide(candidate, rules.reading(candidate.file.name), plan.all, &plan.vanished);
     } catch (const SkipFile& skip) {
       report->skips.push_back({candidate.file.name, skip.kind(), skip.what()});
     }
-    if (decision.has_value()) Apply(candidate, *decision, writer, report);
+    if (decision.has_value()) Apply(candidate, std::move(*decision), change, report);
     progress.Advance(candidate.file.state.bytes);
   }
-  if (!prune) return;
   for (const std::string& name : plan.vanished.names()) {
-    RemoveDocument(writer.index(), name);
+    if (!rules.prunes(name)) continue;
+    change.Remove(name);
     ++report->removed;
   }
 }

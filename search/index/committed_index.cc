@@ -66,7 +66,8 @@ Result<std::unique_ptr<CommittedIndex>> CommittedIndex::Open(const std::string& 
   if (!IsIndexFolder(folder)) {
     if (!options.create) return Status(StatusCode::kNotFound, "there is no index", folder);
     Status status = MakeFolder(folder, options.sync);
-    if (!status.ok()) return status;
+    if (status.ok()) status = CheckHoldsNothing(folder);  // before the lock adds a file to it
+    if (!status.ok() && !IsIndexFolder(folder)) return status;
   }
   Result<WriterLock> lock = WriterLock::Take(folder + "/" + kLockFile);
   if (!lock.ok()) return lock.status();

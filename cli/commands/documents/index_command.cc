@@ -1,7 +1,6 @@
 #include "cli/commands/documents/index_command.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <cstdio>
 #include <set>
 #include <utility>
@@ -10,69 +9,99 @@
 #include "cli/console/diagnostics.h"
 #include "cli/console/message.h"
 #include "cli/console/progress.h"
-#include "cli/extract/document/stop_words.h"
-#include "cli/extract/file_text.h"
 #include "cli/files/paths.h"
-#include "cli/files/scan.h"
-#include "cli/index/opened_index.h"
-#include "cli/sync/change_plan.h"
+#include "cli/index/document_names.h"
+#include "cli/index/index_errors.h"
+#include "cli/sync/index_change.h"
 #include "cli/sync/index_report.h"
 #include "cli/sync/index_run.h"
-#include "cli/sync/index_writer.h"
+#include "cli/sync/index_scope.h"
+#include "cli/sync/root_choice.h"
+#include "cli/sync/root_rules.h"
+#include "cli/sync/root_trust.h"
 
 namespace kestan_cli {
 namespace {
 
-std::vector<Glob> GlobsOf(const std::vector<std::string>& patterns) {
-  std::vector<Glob> globs;
-  globs.reserve(patterns.size());
-  for (const std::string& pattern : patterns) globs.emplace_back(pattern);
-  return globs;
+using kestan::search::IndexReader;
+
+// ---- What to do ----
+
+std::vector<std::string> CanonicalPaths(const std::vector<std::string>& paths) {
+  std::vector<std::string> canonical;
+  canonical.reserve(paths.size());
+  for (const std::string& path : paths) {
+    if (path.empty()) throw CommandError("cannot read '': no such file or folder");
+    canonical.push_back(CanonicalPath(path));
+  }
+  return canonical;
 }
 
 std::vector<std::string> PathsOf(const IndexOptions& options) {
-  if (!options.paths_from_stdin) {
-    if (options.paths.empty()) throw CommandError("nothing to index: no PATH");
-    return options.paths;
-  }
+  if (!options.paths_from_stdin) return CanonicalPaths(options.paths);
   if (!options.paths.empty()) throw CommandError("paths are read from the standard input: no PATH");
-  return ReadPathList(stdin);
+  if (options.forget) throw CommandError("lists of paths are not remembered: --forget takes PATHs");
+  return CanonicalPaths(ReadPathList(stdin));
 }
 
-std::vector<IndexedDocument> DocumentsAt(Kestan& engine, const std::string& index,
-                                         const kestan::DocumentCounts& counts) {
-  if (!counts.had_documents) return {};
-  const OpenedIndex opened(engine, index, Access::kRead);
-  std::vector<IndexedDocument> documents = IndexedDocuments(engine);
-  opened.CheckRead();
-  return documents;
+RootRequest RequestOf(const IndexOptions& options, std::vector<std::string> paths) {
+  RootRequest request;
+  request.paths = std::move(paths);
+  if (!(options.reading == ReadingOptions())) request.reading = WithAbsolutePaths(options.reading);
+  request.prune = options.prune;
+  request.reset = options.reset;
+  request.forget = options.forget;
+  return request;
 }
 
-// A path of a list may have been removed since the list was made.
-Scan ScanFor(const IndexOptions& options, const std::vector<std::string>& paths,
-             const std::string& index) {
-  const NameFilter filter{GlobsOf(options.include), GlobsOf(options.exclude)};
-  return ScanPaths(paths, index, filter,
-                   options.paths_from_stdin ? MissingPath::kSkip : MissingPath::kThrow);
+// Returns the roots that the index remembers. Damage is no obstacle to writing them anew.
+Roots RootsOf(const IndexReader* reader, const std::string& index, const RootRequest& request) {
+  if (reader == nullptr) return {};
+  try {
+    return RememberedRoots(*reader, index);
+  } catch (const CommandError&) {
+    if (!request.reset || request.paths.empty()) throw;
+  }
+  return {};
 }
+
+// With no PATH, the index alone says which files are read.
+void CheckMayChoose(const RootRequest& request, const Roots& remembered, const std::string& index) {
+  if (!request.paths.empty() || remembered.empty()) return;
+  const std::string reason = ReasonToDistrust(index);
+  if (reason.empty()) return;
+  throw CommandError("the PATHs that index " + Quoted(index) +
+                     " remembers are not used: " + reason + "; name them");
+}
+
+struct Scope {
+  IndexScope files;
+  Roots roots;  // that the index is to remember
+};
+
+Scope ScopeOf(const IndexOptions& options, const RootRequest& request, const Roots& remembered,
+              const std::string& index) {
+  if (options.paths_from_stdin) {
+    RootOptions given;
+    given.is_given_now = request.reading.has_value();
+    if (given.is_given_now) given.reading = *request.reading;
+    given.prune = request.prune.value_or(false);
+    return {IndexScope::OfList(request.paths, given, remembered), remembered};
+  }
+  CheckMayChoose(request, remembered, index);
+  const RootChoice choice = ChooseRoots(request, remembered, index);
+  return {IndexScope::OfRoots(choice, request.prune.value_or(false)), choice.roots};
+}
+
+// ---- Reports ----
 
 // A file that is gone is not a failure if its document is removed.
-void ForgetSkipsOf(const VanishedDocuments& vanished, std::vector<Skip>* skips) {
-  const auto is_removed = [&](const Skip& skip) { return vanished.names().count(skip.name) != 0; };
+void ForgetSkipsOf(const VanishedDocuments& vanished, const IndexScope& scope,
+                   std::vector<Skip>* skips) {
+  const auto is_removed = [&](const Skip& skip) {
+    return vanished.names().count(skip.name) != 0 && scope.Prunes(skip.name);
+  };
   skips->erase(std::remove_if(skips->begin(), skips->end(), is_removed), skips->end());
-}
-
-// Makes sure before the change that there are codes for all new documents: the engine removes the
-// earlier version of a document even if there is none for the new one.
-void CheckFreeCodes(const ChangePlan& plan, const ReadingRules& rules,
-                    const kestan::DocumentCounts& counts, const std::string& index, bool quiet) {
-  if (plan.to_read.size() <= counts.free_codes) return;
-  Progress progress(StyleOfStandardError(quiet), plan.to_read.size(), plan.bytes_to_read);
-  const unsigned long needed = CountCodesNeeded(plan, rules, progress);
-  if (needed <= counts.free_codes) return;
-  throw CommandError("index " + Quoted(index) + " has room for " +
-                     Counted(counts.free_codes, "more document") + ", not for " +
-                     std::to_string(needed) + "; shrinking it may make room");
 }
 
 bool IsFailed(const Skip& skip) { return IsFailure(skip.kind); }
@@ -97,7 +126,8 @@ void PrintIndexReport(const IndexReport& report, const IndexOptions& options) {
 void CheckSomethingDone(const IndexReport& report, const IndexOptions& options) {
   const unsigned long done =
       report.added + report.updated + report.moved + report.removed + report.unchanged;
-  if (done != 0 || options.prune || options.paths_from_stdin) return;
+  const bool may_be_gone = options.prune.value_or(false) || options.forget || options.paths.empty();
+  if (done != 0 || may_be_gone) return;
   if (options.report == ReportFormat::kJson) {
     Print(ReportJson(report, options.why));
   } else if (options.why) {
@@ -106,26 +136,63 @@ void CheckSomethingDone(const IndexReport& report, const IndexOptions& options) 
   throw CommandError(NothingToIndex(report.skips));
 }
 
-ReadingRules RulesOf(const IndexOptions& options, const Converters& converters) {
-  return {converters,
-          options.converter_limits,
-          std::min<std::uint64_t>(options.max_file_bytes, kMaxTextBytes),
-          {StopWords(options.stop_words), options.strip_encoded}};
+// Counts the words that a document has now and none had before.
+unsigned long CountNewWords(const IndexReader* before, const IndexReader& after,
+                            const std::string& index) {
+  using kestan::search::TermInfo;
+  const auto terms = ValueOf(after.Terms(""), index);
+  const auto old_terms =
+      before == nullptr ? std::vector<TermInfo>() : ValueOf(before->Terms(""), index);
+  auto old_term = old_terms.begin();
+  const auto is_new = [&](const TermInfo& info) {
+    while (old_term != old_terms.end() && old_term->term < info.term) ++old_term;
+    return old_term == old_terms.end() || old_term->term != info.term;
+  };
+  return static_cast<unsigned long>(std::count_if(terms.begin(), terms.end(), is_new));
 }
 
-std::set<std::string> NamesOf(const std::vector<std::string>& paths) {
-  std::set<std::string> names;
-  for (const std::string& path : paths) names.insert(NameOf(path));
-  return names;
+void CountTotals(const IndexChange& change, bool has_changed, const IndexOptions& options,
+                 IndexReport* report) {
+  std::optional<IndexReader> opened;
+  if (has_changed) opened.emplace(ValueOf(IndexReader::Open(change.path()), change.path()));
+  const IndexReader* const reader = has_changed ? &*opened : change.before();
+  if (reader == nullptr) return;
+  const auto statistics = reader->Statistics();
+  report->documents = static_cast<unsigned long>(statistics.documents);
+  report->segments = static_cast<unsigned long>(statistics.segments);
+  const bool may_have_new_words = report->added + report->updated != 0;
+  if (options.report == ReportFormat::kJson && may_have_new_words) {
+    report->new_words = CountNewWords(change.before(), *reader, change.path());
+  }
 }
 
-// Carries out `plan`, and adds the outcome for each file to `report`.
-void Carry(ChangePlan plan, const ReadingRules& rules, const IndexOptions& options,
-           IndexTransaction& transaction, IndexReport* report) {
+// ---- The run ----
+
+// Has the index remember `roots`, if there is an index by now.
+void Remember(Roots roots, IndexChange& change) {
+  if (change.before() == nullptr && !change.HasChanges()) return;
+  SignConverters(change.path(), &roots);
+  const std::string property = EncodeRoots(roots);
+  const std::string old = change.before() == nullptr
+                              ? ""
+                              : ValueOf(change.before()->Property(kRootsProperty), change.path());
+  if (property != old) change.SetProperty(kRootsProperty, property);
+}
+
+// Carries out what is to be done in `scope`, and adds the outcome for each file to `report`.
+void Carry(Scope& scope, RootRules& rules, const IndexOptions& options, IndexChange& change,
+           IndexReport* report) {
+  Scan scan = scope.files.FindFiles(change.path());
+  ChangePlan plan = PlanChanges(
+      scan.files, change.Documents(),
+      [&](const std::string& name) { return scope.files.HasVanished(name); }, options.all);
+  ForgetSkipsOf(plan.vanished, scope.files, &scan.skips);
+  report->skips = std::move(scan.skips);
   Progress progress(StyleOfStandardError(options.quiet), plan.to_read.size(), plan.bytes_to_read);
-  IndexWriter writer(transaction);
-  CarryOut(std::move(plan), rules, options.prune, writer, progress, report);
-  report->new_words = writer.Finish();
+  const RunRules run_rules{
+      [&](const std::string& name) -> const ReadingRules& { return rules.Of(name); },
+      [&](const std::string& name) { return scope.files.Prunes(name); }};
+  CarryOut(std::move(plan), run_rules, change, progress, report);
   progress.Clear();
   std::sort(report->skips.begin(), report->skips.end(),
             [](const Skip& left, const Skip& right) { return left.name < right.name; });
@@ -133,19 +200,18 @@ void Carry(ChangePlan plan, const ReadingRules& rules, const IndexOptions& optio
 
 }  // namespace
 
-int RunIndex(Kestan& engine, const std::string& index, const IndexOptions& options) {
-  IndexTransaction transaction(engine, index, Access::kCreate, options.mode);
-  const Converters converters(options.converters);
-  const ReadingRules rules = RulesOf(options, converters);
-  const std::vector<std::string> paths = PathsOf(options);
-  Scan scan = ScanFor(options, paths, index);
-  ChangePlan plan = PlanChanges(scan.files, DocumentsAt(engine, index, transaction.counts()),
-                                NamesOf(paths), HasVanished, options.all);
-  if (options.prune) ForgetSkipsOf(plan.vanished, &scan.skips);
-  CheckFreeCodes(plan, rules, transaction.counts(), index, options.quiet);
+int RunIndex(const std::string& index, const IndexOptions& options) {
+  const RootRequest request = RequestOf(options, PathsOf(options));
+  IndexChange change(index, StyleOfStandardError(options.quiet));
+  Scope scope = ScopeOf(options, request, RootsOf(change.before(), index, request), index);
+  RootRules rules(scope.files.reading(), index, options.converter_limits, options.max_file_bytes);
+  for (const std::string& path : request.paths) rules.Of(path);  // mistakes show now
   IndexReport report;
-  report.skips = std::move(scan.skips);
-  Carry(std::move(plan), rules, options, transaction, &report);
+  Carry(scope, rules, options, change, &report);
+  Remember(std::move(scope.roots), change);
+  const bool has_changed = change.HasChanges();
+  change.Commit();
+  CountTotals(change, has_changed, options, &report);
   if (!options.why) ReportFailures(report);
   CheckSomethingDone(report, options);
   PrintIndexReport(report, options);
@@ -156,37 +222,44 @@ int RunIndex(Kestan& engine, const std::string& index, const IndexOptions& optio
 
 namespace {
 
-int RunIndexCommand(Kestan& engine, const Values& values) {
+int RunIndexCommand(Kestan& /*engine*/, const Values& values) {
   IndexOptions options;
   options.paths = values.All("PATH");
   options.paths_from_stdin = values.Has("--stdin0");
-  options.include = values.All("--include");
-  options.exclude = values.All("--exclude");
-  options.converters = values.All("--converter");
-  options.stop_words = values.Text("--stop-words");
-  options.strip_encoded = values.Has("--strip-encoded");
-  options.prune = values.Has("--prune");
+  options.reading.include = values.All("--include");
+  options.reading.exclude = values.All("--exclude");
+  options.reading.converters = values.All("--converter");
+  options.reading.stop_words = values.Text("--stop-words");
+  options.reading.strip_encoded = values.Has("--strip-encoded");
+  if (values.Has("--prune") && values.Has("--no-prune")) {
+    throw CommandError("--prune and --no-prune exclude each other");
+  }
+  if (values.Has("--prune")) options.prune = true;
+  if (values.Has("--no-prune")) options.prune = false;
+  options.reset = values.Has("--reset");
+  options.forget = values.Has("--forget");
   options.all = values.Has("--all");
   options.quiet = values.Has("--quiet");
   options.why = values.Has("--why");
   options.report = ReportFormatOf(values);
-  options.mode = UpdateModeOf(values.Has("--in-place"));
-  return RunIndex(engine, values.Text("INDEX"), options);
+  return RunIndex(values.Text("INDEX"), options);
 }
 
 std::vector<Option> IndexCommandOptions() {
   return {{"--prune", "", "remove the documents below the PATHs whose files are gone"},
+          {"--no-prune", "", "keep them, from now on"},
           {"--include", "GLOB", "only files that match; may be given more than once"},
           {"--exclude", "GLOB", "no files that match, nor folders; may be given more than once"},
-          {"--stdin0", "", "read the paths from the standard input, each ended by a NUL"},
           {"--converter", "EXT=COMMAND",
            "have COMMAND, with {} for the file, print the text of files that end in .EXT"},
           {"--stop-words", "LIST", "leave out the words of a file, or of the list \"english\""},
           {"--strip-encoded", "", "leave out blocks of uuencode and base64"},
+          {"--reset", "", "use none of the options that the index remembers"},
+          {"--forget", "", "no longer bring the PATHs up to date; with --prune, remove them"},
+          {"--stdin0", "", "read the paths from the standard input, each ended by a NUL"},
           {"--all", "", "index unchanged files anew too"},
           {"--why", "", "name each file that was left out, and the reason"},
           JsonOption(),
-          InPlaceOption(),
           QuietOption()};
 }
 
@@ -198,9 +271,11 @@ Command IndexCommand() {
           {IndexArgument(),
            {"PATH", "files, and folders with all that is below them", Positional::Count::kAny}},
           IndexCommandOptions(),
-          "Only what has changed is read. Exit status: 0 when all is indexed, 1 if some files "
+          "Only what has changed is read. The index remembers the PATHs and their options; without "
+          "a PATH, all of them are brought up to date. Exit status: 0 when all is indexed, 1 if "
+          "some files "
           "could not be, 2 if nothing was done.",
-          {"kestan index my.index /usr/share/doc/bash"},
+          {"kestan index my.index /usr/share/doc/bash", "kestan index my.index"},
           RunIndexCommand};
 }
 

@@ -2,42 +2,39 @@
 #ifndef KESTAN_CLI_COMMANDS_DOCUMENTS_INDEX_COMMAND_H_
 #define KESTAN_CLI_COMMANDS_DOCUMENTS_INDEX_COMMAND_H_
 
-#include <kestan/kestan.h>
-
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "cli/console/report.h"
 #include "cli/extract/converter/limited_command.h"
-#include "cli/index/index_transaction.h"
+#include "cli/sync/roots.h"
 
 namespace kestan_cli {
 
 struct IndexOptions {
-  std::vector<std::string> paths;  // files, and directories with everything below them
+  std::vector<std::string> paths;  // files, and folders with everything below them; none: all roots
   bool paths_from_stdin = false;   // paths are read from the standard input, each ended by a NUL
-  std::vector<std::string> include;
-  std::vector<std::string> exclude;
-  std::vector<std::string> converters;  // "EXT=COMMAND", with {} for the file
+  ReadingOptions reading;          // empty: as the index remembers
+  std::optional<bool> prune;  // remove documents whose files are gone; nothing: as it remembers
+  bool reset = false;         // of the options, what is not given is not remembered either
+  bool forget = false;        // the paths are roots no more
   CommandLimits converter_limits;
-  std::uint64_t max_file_bytes = std::uint64_t{1} << 28;  // of a text; the engine takes 2^31 - 2
-  std::string stop_words;                                 // "english", a file, or "" for none
-  bool strip_encoded = false;  // blocks of uuencode and base64 are left out
-  bool prune = false;          // documents below the paths are removed if their files are gone
-  bool all = false;            // unchanged files are indexed again
-  bool quiet = false;          // no progress
-  bool why = false;            // one line for each file that was left out, even without a report
+  std::uint64_t max_file_bytes = std::uint64_t{1} << 28;  // of a text
+  bool all = false;                                       // unchanged files are indexed again
+  bool quiet = false;                                     // no progress
+  bool why = false;  // one line for each file that was left out, even without a report
   ReportFormat report = ReportFormat::kText;
-  UpdateMode mode = UpdateMode::kOnCopy;
 };
 
-// Indexes the files of `options` that are new or have changed since they were indexed, each under
-// its path. Prints a report, and reports the files that could not be indexed.
+// Brings the index at `index` up to date with the files of `options`, each under its canonical
+// path, all at once or not at all. Prints a report, and reports the files that could not be
+// indexed.
 //   Returns  kDone; kIncomplete if any file was left out or cut that should have been indexed.
 //   Throws   CommandError: if a path is missing, an option is invalid, there is nothing to index,
-//            the index has too few free document codes, or its file refuses a record.
-int RunIndex(Kestan& engine, const std::string& index, const IndexOptions& options);
+//            or the index cannot be changed. Interrupted if a signal has come.
+int RunIndex(const std::string& index, const IndexOptions& options);
 
 }  // namespace kestan_cli
 

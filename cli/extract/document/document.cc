@@ -74,6 +74,12 @@ std::string StripLines(std::string text) {
   return text;
 }
 
+// Returns `text`, which must be short enough.
+std::string Checked(std::string text) {
+  if (text.size() > kMaxTextBytes) throw SkipFile(SkipKind::kTooLarge, "too much text");
+  return text;
+}
+
 }  // namespace
 
 std::string Excerpt(std::string_view text, std::size_t max_bytes) {
@@ -99,11 +105,13 @@ Document MakeDocument(std::string text, TitleRule rule, const WordRules& rules) 
   Document document;
   document.title = Excerpt(titled.title, kMaxTitleBytes);
   document.summary = Excerpt(titled.rest, kMaxSummaryBytes);
-  text = InAscii(text);
-  if (text.size() > kMaxTextBytes) throw SkipFile(SkipKind::kTooLarge, "too much text");
   // After transliteration: the engine takes a line with a byte above 127 for encoded data.
-  if (rules.strip_encoded) text = StripLines(std::move(text));
-  document.words = WordsIn(std::move(text), rules.stop_words);
+  if (rules.strip_encoded) text = StripLines(Checked(InAscii(text)));
+  if (rules.stop_words.empty()) {
+    document.text = Checked(std::move(text));
+  } else {
+    document.words = WordsIn(Checked(InAscii(text)), rules.stop_words);
+  }
   return document;
 }
 

@@ -10,8 +10,8 @@
 
 namespace kestan_cli {
 
-// The longest text that the engine can clean.
-constexpr std::size_t kMaxTextBytes = 0x7fffffff - 1;
+// The longest text that an index takes, with room for what else a document has.
+constexpr std::size_t kMaxTextBytes = (std::size_t{1} << 30) - (std::size_t{1} << 16);
 
 constexpr std::size_t kMaxTitleBytes = 200;
 constexpr std::size_t kMaxSummaryBytes = 300;
@@ -19,7 +19,8 @@ constexpr std::size_t kMaxSummaryBytes = 300;
 struct Document {
   std::string title;    // at most kMaxTitleBytes
   std::string summary;  // the text after the title, at most kMaxSummaryBytes
-  std::string words;    // what the engine indexes
+  std::string text;     // what is indexed, in UTF-8: the index finds the words in it
+  std::string words;    // what is indexed where stop words are left out; then `text` is empty
   std::string note{};   // why some of the text is missing; empty if none is
 };
 
@@ -29,9 +30,9 @@ struct WordRules {
   bool strip_encoded = false;  // blocks of uuencode and base64
 };
 
-// Makes a document of `text` (UTF-8, no NUL). Its words are transliterated to ASCII letters. With
-// stop words, words of one or two letters are left out too.
-//   Throws   SkipFile if the words take more than kMaxTextBytes.
+// Makes a document of `text` (UTF-8, no NUL). With stop words, its words are transliterated to
+// ASCII letters, and words of one or two letters are left out too.
+//   Throws   SkipFile if the text or the words take more than kMaxTextBytes.
 Document MakeDocument(std::string text, TitleRule rule = TitleRule::kFirstLine,
                       const WordRules& rules = {});
 

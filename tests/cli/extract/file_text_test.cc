@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "cli/extract/document/words.h"
 #include "cli/files/skip.h"
 #include "tests/cli/command_test.h"
 
@@ -14,12 +15,15 @@ using std::string_literals::operator""s;
 
 class FileTextTest : public kestan_tests::CommandTest {
  protected:
-  // Makes a document of the file `name`, or of the reason why not.
+  // Makes a document of the file `name`, with the words that an index finds in it, or of the reason
+  // why not.
   Document Read(const std::string& name) {
     try {
-      return DocumentOf(LoadFile(Path(name), rules_), rules_);
+      Document document = DocumentOf(LoadFile(Path(name), rules_), rules_);
+      document.words = WordsIn(InAscii(document.text));
+      return document;
     } catch (const SkipFile& skip) {
-      return {"", "", KeyOf(skip.kind()) + ": " + skip.what()};
+      return {"", "", "", KeyOf(skip.kind()) + ": " + skip.what()};
     }
   }
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "cli/console/message.h"
+#include "cli/index/document_names.h"
 #include "tests/cli/command_test.h"
 
 namespace kestan_cli {
@@ -22,14 +23,22 @@ class ScanTest : public kestan_tests::CommandTest {
   void SetUp() override { std::filesystem::current_path(Path("")); }
   void TearDown() override { std::filesystem::current_path("/"); }
 
+  // Scans these paths, which may be given in any way.
   static Scan ScanOf(const Names& paths, const NameFilter& filter = {},
-                     const std::string& index = "index") {
-    return ScanPaths(paths, index, filter, MissingPath::kThrow);
+                     const std::string& index = "index",
+                     const std::set<std::string>& borders = {}) {
+    std::vector<ScanRoot> roots;
+    for (const std::string& path : paths) {
+      const std::string canonical = path.empty() ? "" : CanonicalPath(path);
+      roots.push_back({canonical, path, filter, MissingPath::kThrow});
+    }
+    return ScanRoots(roots, borders, index);
   }
 
+  // Returns the names as they are below the test's folder.
   static Names FilesOf(const Scan& scan) {
     Names names;
-    for (const FoundFile& file : scan.files) names.push_back(file.name);
+    for (const FoundFile& file : scan.files) names.push_back(ShownNames()(file.name));
     return names;
   }
 
@@ -37,7 +46,8 @@ class ScanTest : public kestan_tests::CommandTest {
 
   static Names SkipsOf(const Scan& scan) {
     Names skips;
-    for (const Skip& skip : scan.skips) skips.push_back(skip.name + ": " + skip.reason);
+    for (const Skip& skip : scan.skips)
+      skips.push_back(ShownNames()(skip.name) + ": " + skip.reason);
     return skips;
   }
 
@@ -104,28 +114,31 @@ TEST_F(ScanTest, LinksGivenByHandAreFollowed) {
   std::filesystem::create_symlink("d", "folder");
   std::filesystem::create_symlink("d/a", "file");
   const Scan scan = ScanOf({"folder", "file"});
-  EXPECT_EQ(FilesOf(scan), (Names{"file", "folder/a"}));
+  EXPECT_EQ(FilesOf(scan), Names{"d/a"});  // under its own name
   EXPECT_EQ(SkipsOf(scan), Names{});
 }
 
-TEST_F(ScanTest, WhatAnyPathLeadsToIsNotSkipped) {
+TEST_F(ScanTest, LinkIsSkippedThoughAPathLeadsThroughIt) {
   Write("d/a", "text");
   std::filesystem::create_symlink("a", "d/link");
   const Scan scan = ScanOf({"d", "d/link"});
-  EXPECT_EQ(FilesOf(scan), (Names{"d/a", "d/link"}));
-  EXPECT_EQ(SkipsOf(scan), Names{});
+  EXPECT_EQ(FilesOf(scan), Names{"d/a"});
+  EXPECT_EQ(SkipsOf(scan), Names{"d/link: symbolic link"});
 }
 
 TEST_F(ScanTest, TheIndexIsLeftOutUnderAnyName) {
   Write("d/a", "text");
-  Write("d/index", "text");
-  std::filesystem::create_hard_link("d/index", "d/other");
-  EXPECT_EQ(FilesOf(ScanOf({"d"}, {}, "./d/../d/index")), Names{"d/a"});
+  Write("d/index/MANIFEST", "text");
+  std::filesystem::create_directory_symlink("d/index", "link");
+  for (const char* index : {"./d/../d/index", "link"}) {
+    EXPECT_EQ(FilesOf(ScanOf({"d"}, {}, index)), Names{"d/a"});
+    EXPECT_EQ(FilesOf(ScanOf({"d/index"}, {}, index)), Names{});
+  }
 }
 
 TEST_F(ScanTest, WorkDirectoriesAreLeftOutAndForeignFilesAreNot) {
   const std::string left = "d/index.kestan-new.0123456789abcdef6b9c2d26";
-  for (const std::string name : {"d/a", "d/index", "d/index.lock", "d/index.kestan-new"}) {
+  for (const std::string name : {"d/a", "d/index/MANIFEST", "d/index.lock", "d/index.kestan-new"}) {
     Write(name, "text");
   }
   Write(left + "/file", "text");
@@ -149,9 +162,12 @@ TEST_F(ScanTest, MissingPathIsNamed) {
 
 TEST_F(ScanTest, MissingPathOfAListIsSkipped) {
   Write("a", "text");
-  const Scan scan = ScanPaths({"a", "b"}, "index", {}, MissingPath::kSkip);
+  const Scan scan = ScanRoots(
+      {{Path("a"), "a", {}, MissingPath::kSkip}, {Path("b"), "b", {}, MissingPath::kSkip}}, {},
+      "index");
   EXPECT_EQ(FilesOf(scan), Names{"a"});
   EXPECT_EQ(SkipsOf(scan), Names{"b: no such file or folder"});
+  EXPECT_EQ(scan.missing, std::set<std::string>{Path("b")});
 }
 
 TEST_F(ScanTest, BrokenLinkGivenByHandIsMissing) {
@@ -188,15 +204,21 @@ TEST_F(ScanTest, FilesGivenByHandAreTakenWhateverThePatterns) {
   EXPECT_EQ(FilesOf(ScanOf({"a.o"}, {{}, {Glob("*.o")}})), Names{"a.o"});
 }
 
-TEST_F(ScanTest, WayUpFromALinkLeadsToTheFileThatTheSystemFinds) {
-  Write("a/f", "one");
-  Write("b/f", "other text");
-  std::filesystem::create_directory("b/inner");
-  std::filesystem::create_symlink("../b/inner", "a/link");
-  const Scan scan = ScanOf({"a/link/../f"});
-  EXPECT_EQ(FilesOf(scan), Names{"a/link/../f"});
-  EXPECT_EQ(scan.files.at(0).state.bytes, 10u);
-  EXPECT_EQ(Files({"a/link/.."}), Names{"a/link/../f"});
+TEST_F(ScanTest, BordersAreNotCrossed) {
+  for (const char* name : {"d/a", "d/e/b", "d/e/f/c", "d/ee"}) Write(name, "text");
+  const std::set<std::string> borders{Path("d/e"), Path("d/ee")};
+  EXPECT_EQ(FilesOf(ScanOf({"d"}, {}, "index", borders)), Names{"d/a"});
+  EXPECT_EQ(FilesOf(ScanOf({"d/e"}, {}, "index", borders)), (Names{"d/e/b", "d/e/f/c"}));
+  EXPECT_EQ(FilesOf(ScanOf({"d", "d/ee"}, {}, "index", borders)), (Names{"d/a", "d/ee"}));
+}
+
+TEST_F(ScanTest, RootOfTheFileSystemMayBeGiven) {
+  const Scan scan = ScanOf({"/"}, {{}, {Glob("?*")}});
+  EXPECT_EQ(FilesOf(scan), Names{});
+  ASSERT_FALSE(scan.skips.empty());
+  for (const Skip& skip : scan.skips) {
+    EXPECT_EQ(skip.name.rfind('/'), 0u) << skip.name;
+  }
 }
 
 }  // namespace

@@ -14,10 +14,10 @@ Fingerprint Of(std::uint64_t bytes, std::int64_t mtime, const std::string& hash)
   return {{bytes, mtime, 0}, hash};
 }
 
-ChangePlan Plan(const std::vector<FoundFile>& files, const std::vector<IndexedDocument>& documents,
+ChangePlan Plan(const std::vector<FoundFile>& files, const std::vector<KnownDocument>& documents,
                 bool all = false) {
   return PlanChanges(
-      files, documents, {"d"}, [](const std::string& name) { return name != "d/still"; }, all);
+      files, documents, [](const std::string& name) { return name != "d/still"; }, all);
 }
 
 Names ToRead(const ChangePlan& plan) {
@@ -34,7 +34,7 @@ TEST(ChangePlanTest, NewFilesAreRead) {
 }
 
 TEST(ChangePlanTest, FilesOfTheSameSizeAndTimeAreNot) {
-  const std::vector<IndexedDocument> documents{{"d/a", Of(7, 1, "h")}};
+  const std::vector<KnownDocument> documents{{"d/a", Of(7, 1, "h")}};
   EXPECT_EQ(Plan({{"d/a", {7, 1, 0}}}, documents).unchanged, 1u);
   EXPECT_EQ(ToRead(Plan({{"d/a", {8, 1, 0}}}, documents)), Names{"d/a"});
   EXPECT_EQ(ToRead(Plan({{"d/a", {7, 2, 0}}}, documents)), Names{"d/a"});
@@ -51,21 +51,23 @@ TEST(ChangePlanTest, AllFilesAreReadWhereAskedFor) {
   EXPECT_EQ(ToRead(Plan({{"d/a", {7, 1, 0}}}, {{"d/a", Of(7, 1, "h")}}, true)), Names{"d/a"});
 }
 
-TEST(ChangePlanTest, OnlyDocumentsBelowThePathsVanish) {
-  const ChangePlan plan = Plan({{"d/a", {7, 1, 0}}}, {{"d/a", Of(7, 1, "h")},
-                                                      {"d/gone", Of(7, 1, "h")},
-                                                      {"d/old", std::nullopt},
-                                                      {"d/still", Of(7, 1, "h")},
-                                                      {"dd/gone", Of(7, 1, "h")},
-                                                      {"e/gone", Of(7, 1, "h")}});
-  EXPECT_EQ(plan.vanished.names(), (std::set<std::string>{"d/gone", "d/old"}));
+TEST(ChangePlanTest, DocumentsWithoutAFileVanishIfItIsGone) {
+  const ChangePlan plan =
+      Plan({{"d/b", {7, 1, 0}}, {"d/new", {7, 1, 0}}}, {{"d/a", Of(7, 1, "h")},
+                                                        {"d/b", Of(7, 1, "h")},
+                                                        {"d/old", std::nullopt},
+                                                        {"d/still", Of(7, 1, "h")},
+                                                        {"z", Of(7, 1, "h")}});
+  EXPECT_EQ(plan.vanished.names(), (std::set<std::string>{"d/a", "d/old", "z"}));
+  EXPECT_EQ(plan.unchanged, 1u);
+  EXPECT_EQ(ToRead(plan), Names{"d/new"});
 }
 
 // Returns the name of a document with the content of `fingerprint`, taken out of `vanished`.
 std::string TakeFrom(VanishedDocuments* vanished, const Fingerprint& fingerprint,
                      const std::string& preferred = "") {
-  const IndexedDocument* const found = vanished->Find(
-      fingerprint, [&](const IndexedDocument& each) { return each.name == preferred; });
+  const KnownDocument* const found = vanished->Find(
+      fingerprint, [&](const KnownDocument& each) { return each.name == preferred; });
   if (found == nullptr) return "";
   std::string name = found->name;
   vanished->Take(*found);

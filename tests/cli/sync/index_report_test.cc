@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
+
+#include "tests/support/temp_dir.h"
 
 namespace kestan_cli {
 namespace {
@@ -15,6 +18,8 @@ IndexReport Example() {
   report.removed = 4;
   report.unchanged = 5;
   report.new_words = 6;
+  report.documents = 1234;
+  report.segments = 4;
   report.skips = {{"d/a", SkipKind::kBinary, "binary file"},
                   {"d/b\n", SkipKind::kName, "its name holds a line feed"},
                   {"d/\xff", SkipKind::kBinary, "binary file"}};
@@ -24,11 +29,37 @@ IndexReport Example() {
 TEST(IndexReportTest, LineHasAllCounts) {
   EXPECT_EQ(ReportLine(Example()),
             "added 1, updated 2, moved 3, removed 4, unchanged 5, "
-            "skipped 3 (2 binary files, 1 unusable name)\n");
+            "skipped 3 (2 binary files, 1 unusable name), 1,234 documents in 4 segments\n");
 }
 
 TEST(IndexReportTest, NothingSkippedNeedsNoReasons) {
-  EXPECT_EQ(ReportLine({}), "added 0, updated 0, moved 0, removed 0, unchanged 0, skipped 0\n");
+  EXPECT_EQ(ReportLine({}),
+            "added 0, updated 0, moved 0, removed 0, unchanged 0, skipped 0, 0 documents in 0 "
+            "segments\n");
+}
+
+TEST(IndexReportTest, OneOfEachIsNoPlural) {
+  IndexReport report;
+  report.documents = 1;
+  report.segments = 1;
+  EXPECT_NE(ReportLine(report).find(", 1 document in 1 segment\n"), std::string::npos);
+}
+
+TEST(IndexReportTest, LargeNumbersHaveCommas) {
+  EXPECT_EQ(WithCommas(0), "0");
+  EXPECT_EQ(WithCommas(999), "999");
+  EXPECT_EQ(WithCommas(1000), "1,000");
+  EXPECT_EQ(WithCommas(999999), "999,999");
+  EXPECT_EQ(WithCommas(1234567), "1,234,567");
+}
+
+TEST(IndexReportTest, PathsAreShownAsTheyOpenFromHere) {
+  const kestan_tests::TempDir folder;
+  std::filesystem::current_path(folder / "");
+  EXPECT_EQ(SkipLine({folder / "d/a", SkipKind::kBinary, "binary file"}),
+            "skipped 'd/a': binary file");
+  EXPECT_EQ(NoteLine({folder / "d/a", "cut"}), "indexed 'd/a' in part: cut");
+  std::filesystem::current_path("/");
 }
 
 TEST(IndexReportTest, EachSkippedFileIsOneLine) {
@@ -39,10 +70,11 @@ TEST(IndexReportTest, EachSkippedFileIsOneLine) {
 }
 
 TEST(IndexReportTest, JsonHasTheSame) {
-  EXPECT_EQ(ReportJson(Example(), false),
-            R"({"schema":1,"added":1,"updated":2,"moved":3,"removed":4,"unchanged":5,)"
-            R"("new_words":6,"skipped":{"total":3,"binary":2,"name":1}})"
-            "\n");
+  EXPECT_EQ(
+      ReportJson(Example(), false),
+      R"({"schema":1,"added":1,"updated":2,"moved":3,"removed":4,"unchanged":5,)"
+      R"("new_words":6,"documents":1234,"segments":4,"skipped":{"total":3,"binary":2,"name":1}})"
+      "\n");
 }
 
 TEST(IndexReportTest, JsonHasTheFilesWhereAskedFor) {

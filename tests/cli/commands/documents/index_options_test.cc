@@ -24,10 +24,10 @@ TEST_F(IndexOptionsTest, EveryScriptIsFound) {
 
 TEST_F(IndexOptionsTest, EncodedBlocksAreLeftOutOnRequest) {
   Write("d/a", "cat\nM" + std::string(60, 'A') + "\n");
-  options_.strip_encoded = true;
+  options_.reading.strip_encoded = true;
   Index();
   EXPECT_EQ(Search("m" + std::string(60, 'a')), "");
-  options_.strip_encoded = false;
+  options_.reading.strip_encoded = false;
   options_.all = true;
   Index();
   EXPECT_EQ(Search("m" + std::string(60, 'a')), "100 d/a\n");
@@ -37,8 +37,8 @@ TEST_F(IndexOptionsTest, EncodedBlocksAreLeftOutOnRequest) {
 
 TEST_F(IndexOptionsTest, PatternsChooseTheFiles) {
   for (const char* name : {"d/a.txt", "d/b.md", "d/e/c.txt", "d/.git/d.txt"}) Write(name, "cat\n");
-  options_.include = {"*.txt"};
-  options_.exclude = {".git"};
+  options_.reading.include = {"*.txt"};
+  options_.reading.exclude = {".git"};
   EXPECT_EQ(Index(), Report(2, 0, 0, 0, 0, "2 (2 excluded)"));
   EXPECT_EQ(List(), "d/a.txt\nd/e/c.txt\n");
 }
@@ -56,7 +56,7 @@ TEST_F(IndexOptionsTest, WhyGivesReasonsInOrderOfNames) {
 TEST_F(IndexOptionsTest, MissingConverterIsNoFailure) {
   Write("d/a.x", "cat\n");
   Write("d/b", "dog\n");
-  options_.converters = {"x=no-such-tool {}"};
+  options_.reading.converters = {"x=no-such-tool {}"};
   options_.why = true;
   EXPECT_EQ(Index(), "skipped 'd/a.x': no converter for .x (no-such-tool is missing)\n" +
                          Report(1, 0, 0, 0, 0, "1 (1 without converter)"));
@@ -65,10 +65,10 @@ TEST_F(IndexOptionsTest, MissingConverterIsNoFailure) {
 
 TEST_F(IndexOptionsTest, FailedConversionKeepsTheEarlierVersionAndIsReportedEachTime) {
   Write("d/a.x", "cat\n");
-  options_.converters = {"x=cat {}"};
+  options_.reading.converters = {"x=cat {}"};
   Index();
   Write("d/a.x", "dog\n");
-  options_.converters = {"x=false {}"};
+  options_.reading.converters = {"x=false {}"};
   for (int run = 0; run < 2; ++run) {
     EXPECT_EQ(Index(),
               "kestan: skipped 'd/a.x': false ended with status 1\n"
@@ -91,12 +91,9 @@ TEST_F(IndexOptionsTest, LargeFilesAreReportedAndLeftOut) {
 TEST_F(IndexOptionsTest, PathsComeFromTheStandardInput) {
   Write("d/a", "cat\n");
   Write("d/b", "dog\n");
-  Write("list", std::string("d/a\0gone\0", 9));
-  ASSERT_NE(std::freopen("list", "r", stdin), nullptr);
-  options_.paths.clear();
-  options_.paths_from_stdin = true;
-  EXPECT_EQ(Index(), Report(1, 0, 0, 0, 0, "1 (1 unreadable)") +
-                         "kestan: skipped 'gone': no such file or folder\n");
+  EXPECT_EQ(IndexList(std::string("d/a\0gone\0", 9)),
+            Report(1, 0, 0, 0, 0, "1 (1 unreadable)") +
+                "kestan: skipped 'gone': no such file or folder\n");
   EXPECT_EQ(status_, kIncomplete);
 }
 
@@ -105,22 +102,14 @@ TEST_F(IndexOptionsTest, RemovedPathOfAListIsPruned) {
   Write("d/b", "dog\n");
   Index();
   fs::remove("d/a");
-  Write("list", "d/a");
-  ASSERT_NE(std::freopen("list", "r", stdin), nullptr);
-  options_.paths.clear();
-  options_.paths_from_stdin = true;
   options_.prune = true;
-  EXPECT_EQ(Index(), Report(0, 0, 0, 1, 0));
+  EXPECT_EQ(IndexList("d/a"), Report(0, 0, 0, 1, 0));
   EXPECT_EQ(status_, kDone);
   EXPECT_EQ(List(), "d/b\n");
 }
 
 TEST_F(IndexOptionsTest, EmptyListIsNoErrorAndMakesNoIndex) {
-  Write("list", "");
-  ASSERT_NE(std::freopen("list", "r", stdin), nullptr);
-  options_.paths.clear();
-  options_.paths_from_stdin = true;
-  EXPECT_EQ(Index(), Report(0, 0, 0, 0, 0));
+  EXPECT_EQ(IndexList(""), Report(0, 0, 0, 0, 0));
   EXPECT_FALSE(fs::exists("my.index"));
 }
 
@@ -129,7 +118,7 @@ TEST_F(IndexOptionsTest, PathsComeFromOnePlaceOnly) {
   EXPECT_EQ(Index(), "paths are read from the standard input: no PATH\n");
   options_.paths.clear();
   options_.paths_from_stdin = false;
-  EXPECT_EQ(Index(), "nothing to index: no PATH\n");
+  EXPECT_EQ(Index(), "nothing to index: no PATH, and index 'my.index' remembers none\n");
 }
 
 // ---- Output ----
@@ -145,17 +134,17 @@ TEST_F(IndexOptionsTest, JsonReplacesTheReport) {
   Write("d/a", "cat\n");
   options_.report = ReportFormat::kJson;
   EXPECT_EQ(Index(), R"({"schema":1,"added":1,"updated":0,"moved":0,"removed":0,"unchanged":0,)"
-                     R"("new_words":1,"skipped":{"total":0}})"
+                     R"("new_words":1,"documents":1,"segments":1,"skipped":{"total":0}})"
                      "\n");
 }
 
 TEST_F(IndexOptionsTest, InvalidOptionsChangeNothing) {
   Write("d/a", "cat\n");
-  options_.converters = {"pdf"};
+  options_.reading.converters = {"pdf"};
   EXPECT_EQ(Index(), "converter 'pdf' is not of the form EXT=COMMAND with {} for the file\n");
-  options_.converters.clear();
-  options_.stop_words = "none";
-  EXPECT_EQ(Index(), "cannot read 'none': no such file or folder\n");
+  options_.reading.converters.clear();
+  options_.reading.stop_words = "none";
+  EXPECT_EQ(Index(), "cannot read '" + Path("none") + "': no such file or folder\n");
   EXPECT_FALSE(fs::exists("my.index"));
 }
 

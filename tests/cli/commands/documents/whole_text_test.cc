@@ -5,7 +5,6 @@
 
 #include <cstdlib>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <set>
 #include <string>
 #include <vector>
@@ -68,8 +67,11 @@ class WholeTextTest : public RunIndexTest {
   // Every marker is in all documents into which it was written.
   void ExpectAllMarkers() {
     std::map<std::string, int> found;
-    const auto words = nlohmann::json::parse(Run({"words", "my.index", "--json"}).out);
-    for (const auto& word : words["words"]) found[word["word"]] = word["documents"];
+    const auto reader = kestan::search::IndexReader::Open("my.index");
+    ASSERT_TRUE(reader.ok());
+    const auto terms = reader->Terms("marker");
+    ASSERT_TRUE(terms.ok());
+    for (const auto& term : *terms) found[term.term] = static_cast<int>(term.documents);
     for (const auto& [marker, count] : expected_) {
       EXPECT_EQ(found[marker], count) << marker << "\n" << Search("NOT " + marker);
     }
@@ -100,7 +102,7 @@ TEST_F(WholeTextTest, TextsAreIndexedWhateverByteIsInThem) {
 TEST_F(WholeTextTest, OutputOfConvertersIsIndexedWhateverByteIsInIt) {
   WriteAllBytes("output", ".x", "");
   WriteAllBytes("mark", ".x", "\xef\xbb\xbf");
-  options_.converters = {"x=cat {}"};
+  options_.reading.converters = {"x=cat {}"};
   EXPECT_NE(Index().find("skipped 0\n"), std::string::npos);
   ExpectAllMarkers();
 }
@@ -152,7 +154,7 @@ TEST_F(WholeUtf16Test, DamageLosesNoWordInSilence) {
     WriteDamaged("<p>", big_endian, ".html");
     WriteDamaged("", big_endian, ".x");
   }
-  options_.converters = {"x=cat {}"};
+  options_.reading.converters = {"x=cat {}"};
   options_.why = true;
   const std::string report = Index();
   EXPECT_EQ(status_, kIncomplete);
@@ -189,7 +191,7 @@ class BadConverterTest : public WholeTextTest {
     EXPECT_EQ(chmod("tool", 0755), 0);
     Write("d/a.x", "text\n");
     Write("d/b", "text\n");
-    options_.converters = {"x=./tool {}"};
+    options_.reading.converters = {"x=./tool {}"};
     options_.why = true;
     return Index();
   }

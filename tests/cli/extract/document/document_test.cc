@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "cli/extract/document/words.h"
+
 namespace kestan_cli {
 namespace {
 
@@ -61,8 +63,12 @@ TEST(ExcerptTest, EndsWithoutABlank) {
 
 const std::string kEncoded = "M" + std::string(60, 'A') + "\n";
 
+// Returns the words of `text`, of which the index finds those that no stop words are taken from.
 std::string WordsOf(const std::string& text, const WordRules& rules = {}) {
-  return MakeDocument(text, TitleRule::kFirstLine, rules).words;
+  const Document document = MakeDocument(text, TitleRule::kFirstLine, rules);
+  EXPECT_TRUE(document.text.empty() || document.words.empty());
+  if (!rules.stop_words.empty()) return document.words;
+  return WordsIn(InAscii(document.text));
 }
 
 TEST(DocumentTest, WordsLeaveOutLinesOfEncodedDataOnRequest) {
@@ -111,7 +117,13 @@ TEST(DocumentTest, StopWordsAreLeftOutWithShortWords) {
   EXPECT_EQ(WordsOf("The cat is here\n", {"the here", false}), " cat   ");
 }
 
-TEST(DocumentTest, EmptyTextIsAnEmptyDocument) { EXPECT_EQ(MakeDocument("").words, ""); }
+TEST(DocumentTest, EmptyTextIsAnEmptyDocument) { EXPECT_EQ(WordsOf(""), ""); }
+
+TEST(DocumentTest, TextIsLeftToTheIndexWhereNoStopWordsAreTakenFromIt) {
+  const Document document = MakeDocument("Caf\xc3\xa9\nZ\xc3\xbcrich");
+  EXPECT_EQ(document.text, "Caf\xc3\xa9\nZ\xc3\xbcrich");
+  EXPECT_EQ(document.words, "");
+}
 
 }  // namespace
 }  // namespace kestan_cli

@@ -15,7 +15,8 @@ class StopWordsTest : public kestan_tests::CommandTest {
  protected:
   std::string Left(const std::string& text, const std::string& choice) {
     const WordRules rules{StopWords(choice), false};
-    const std::string words = MakeDocument(text, TitleRule::kFirstLine, rules).words;
+    const Document document = MakeDocument(text, TitleRule::kFirstLine, rules);
+    const std::string words = document.text + document.words;
     return Excerpt(words, words.size());
   }
 };

@@ -1,0 +1,156 @@
+#include "cli/sync/index_change.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <exception>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "cli/files/atomic_replace.h"
+#include "cli/index/index_errors.h"
+#include "cli/index/index_kind.h"
+
+namespace kestan_cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+using kestan::search::DocumentField;
+using kestan::search::DocumentInfo;
+using kestan::search::IndexReader;
+using kestan::search::StatusCode;
+
+// What an index remembers is believed only where others cannot write, whatever the umask says.
+constexpr mode_t kFolderMode = 0755;
+
+bool IsEmpty(const std::string& folder) {
+  std::error_code error;
+  return fs::is_empty(folder, error) && !error;
+}
+
+bool MayWrite(const std::string& folder) {
+  return faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
+}
+
+}  // namespace
+
+// A run that changes nothing needs no permission to.
+IndexChange::IndexChange(const std::string& path, ProgressStyle style)
+    : path_(path), style_(style) {
+  if (KindOfIndex(path_) == IndexKind::kNone) return;
+  CheckIsFolder(path_);
+  if (IsEmpty(path_)) return;
+  if (MayWrite(path_)) Writer();
+  before_.emplace(ValueOf(IndexReader::Open(path_), path_));
+}
+
+IndexChange::~IndexChange() {
+  if (is_made_) RemoveWhatWasMade();
+}
+
+std::vector<KnownDocument> IndexChange::Documents() const {
+  std::vector<KnownDocument> documents;
+  if (!before_.has_value()) return documents;
+  documents.reserve(before_->Statistics().documents);
+  CheckStatus(before_->ForEachDocument([&](const DocumentInfo& info) {
+    documents.push_back({info.name, FingerprintIn(info.host_data)});
+    return true;
+  }),
+              path_);
+  std::sort(
+      documents.begin(), documents.end(),
+      [](const KnownDocument& left, const KnownDocument& right) { return left.name < right.name; });
+  return documents;
+}
+
+void IndexChange::Add(const std::string& name, Document document, const Fingerprint& fingerprint,
+                      const std::string& earlier) {
+  kestan::search::Document added;
+  added.name = name;
+  added.text = std::move(document.text);
+  added.words = std::move(document.words);
+  added.title = std::move(document.title);
+  added.summary = std::move(document.summary);
+  added.host_data = WithFingerprint(earlier.empty() ? "" : UserRecordOf(earlier), fingerprint);
+  OpenedWriter& opened = Writer();
+  if (!earlier.empty() && earlier != name) opened.Check(opened.writer().Remove(earlier));
+  opened.Check(opened.writer().Add(std::move(added)));
+  has_changes_ = true;
+}
+
+void IndexChange::Move(const std::string& from, const std::string& to,
+                       const Fingerprint& fingerprint) {
+  const std::string record = WithFingerprint(UserRecordOf(from), fingerprint);
+  OpenedWriter& opened = Writer();
+  opened.Check(opened.writer().Rename(from, to));
+  opened.Check(opened.writer().SetField(to, DocumentField::kHostData, record));
+  has_changes_ = true;
+}
+
+void IndexChange::UpdateFingerprint(const std::string& name, const Fingerprint& fingerprint) {
+  const std::string record = WithFingerprint(UserRecordOf(name), fingerprint);
+  OpenedWriter& opened = Writer();
+  opened.Check(opened.writer().SetField(name, DocumentField::kHostData, record));
+  has_changes_ = true;
+}
+
+void IndexChange::Remove(const std::string& name) {
+  OpenedWriter& opened = Writer();
+  opened.Check(opened.writer().Remove(name));
+  has_changes_ = true;
+}
+
+void IndexChange::SetProperty(const std::string& key, const std::string& value) {
+  Writer().writer().SetProperty(key, value);
+  has_changes_ = true;
+}
+
+void IndexChange::Begin() { Writer(); }
+
+void IndexChange::Commit() {
+  if (!has_changes_) return;
+  Writer().Commit();
+  is_made_ = false;
+  has_changes_ = false;
+}
+
+OpenedWriter& IndexChange::Writer() {
+  if (writer_.has_value()) return *writer_;
+  if (KindOfIndex(path_) == IndexKind::kNone) {
+    is_made_ = mkdir(path_.c_str(), kFolderMode) == 0;
+    if (!is_made_ && errno != EEXIST) {
+      throw CommandError("cannot make index " + Quoted(path_) + ": " + ReasonOf(errno));
+    }
+    if (is_made_) SyncPath(DirectoryOf(path_));
+  }
+  return writer_.emplace(path_, OpenedWriter::IfMissing::kCreate, style_);
+}
+
+std::string IndexChange::UserRecordOf(const std::string& name) const {
+  if (!before_.has_value()) return "";
+  const auto found = before_->FindDocument(name);
+  if (found.status().code() == StatusCode::kNotFound) return "";
+  CheckStatus(found.status(), path_);
+  return found->host_data;
+}
+
+// While the lock is held, so that no other writer finds half of it. Where the commit stands and
+// only what came after it failed, the index stays.
+void IndexChange::RemoveWhatWasMade() noexcept {
+  try {
+    if (writer_.has_value()) static_cast<void>(writer_->writer().Rollback());
+    const auto reader = IndexReader::Open(path_);
+    if (reader.ok() && reader->Statistics().documents > 0) return;
+    std::error_code ignored;
+    fs::remove_all(path_, ignored);
+  } catch (const std::exception&) {
+    return;  // what stays is an index without documents
+  }
+}
+
+}  // namespace kestan_cli

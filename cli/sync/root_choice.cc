@@ -1,0 +1,95 @@
+#include "cli/sync/root_choice.h"
+
+#include "cli/console/message.h"
+#include "cli/files/paths.h"
+#include "cli/index/document_names.h"
+
+namespace kestan_cli {
+namespace {
+
+RootOptions OptionsFor(const RootRequest& request, const RootOptions& remembered) {
+  RootOptions options = request.reset ? RootOptions() : remembered;
+  if (request.reading.has_value()) {
+    options.reading = *request.reading;
+    options.is_given_now = true;
+  }
+  options.prune = request.prune.value_or(options.prune);
+  return options;
+}
+
+// Returns whether the root `path` with `options` says nothing that another root does not say.
+bool SaysNothing(const Roots& roots, const std::string& path, const RootOptions& options) {
+  const std::string outer = InnermostOf(roots, FolderOf(path));
+  if (outer.empty()) return false;
+  const RootOptions& said = roots.at(outer);
+  return said.reading == options.reading && said.prune == options.prune &&
+         said.reading.include.empty() && said.reading.exclude.empty();
+}
+
+// Adds `path`, which the user named, to the roots and the targets.
+void Name(const std::string& path, const RootRequest& request, RootChoice* choice) {
+  RootOptions& options = choice->roots[path];
+  options = OptionsFor(request, options);
+  choice->targets[path] = options;
+  choice->named.insert(path);
+}
+
+// Adds the roots that are at or below `path`, "/" for all, and were not named.
+void AddRootsBelow(const std::string& path, const RootRequest& request, RootChoice* choice) {
+  // What begins with the path lies side by side.
+  for (auto root = choice->roots.lower_bound(path);
+       root != choice->roots.end() && root->first.compare(0, path.size(), path) == 0; ++root) {
+    if (!IsBelow(root->first, path)) continue;
+    const auto [target, is_new] = choice->targets.insert(*root);
+    if (is_new) target->second.prune = request.prune.value_or(target->second.prune);
+  }
+}
+
+void NameAll(const RootRequest& request, RootChoice* choice) {
+  for (const std::string& path : request.paths) Name(path, request, choice);
+  for (const std::string& path : choice->named) {
+    if (SaysNothing(choice->roots, path, choice->roots.at(path))) choice->roots.erase(path);
+  }
+  for (const std::string& path : choice->named) AddRootsBelow(path, request, choice);
+}
+
+void ChooseAll(const RootRequest& request, const std::string& index, RootChoice* choice) {
+  if (choice->roots.empty()) {
+    throw CommandError("nothing to index: no PATH, and index " + Quoted(index) + " remembers none");
+  }
+  if (request.reading.has_value() && !request.reset) {
+    throw CommandError(
+        "options of reading files are those of a PATH: name it, or set them for all with --reset");
+  }
+  for (auto& [path, options] : choice->roots) options = OptionsFor(request, options);
+  AddRootsBelow("/", request, choice);
+}
+
+void Forget(const std::vector<std::string>& paths, const std::string& index, RootChoice* choice) {
+  if (paths.empty()) throw CommandError("--forget needs the PATHs to forget");
+  for (const std::string& path : paths) {
+    if (choice->roots.erase(path) == 0 && choice->forgotten.count(path) == 0) {
+      throw CommandError("index " + Quoted(index) + " is not kept up to date with " +
+                         Quoted(ShownNames()(path)) + "; kestan stats shows its roots");
+    }
+    choice->forgotten.insert(path);
+  }
+}
+
+}  // namespace
+
+RootChoice ChooseRoots(const RootRequest& request, const Roots& remembered,
+                       const std::string& index) {
+  RootChoice choice;
+  choice.roots = remembered;
+  if (request.forget) {
+    Forget(request.paths, index, &choice);
+  } else if (request.paths.empty()) {
+    ChooseAll(request, index, &choice);
+  } else {
+    NameAll(request, &choice);
+  }
+  return choice;
+}
+
+}  // namespace kestan_cli
