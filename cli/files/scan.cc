@@ -154,7 +154,8 @@ class Scanner {
       if (errno == ENOENT) return;  // removed since the folder was read
       return AddSkip(path, SkipKind::kUnreadable, ReasonOf(errno));
     }
-    const std::size_t start = root.path.size() + (root.path.back() == '/' ? 0 : 1);
+    const std::string& base = root.filter_base.empty() ? root.path : root.filter_base;
+    const std::size_t start = base.size() + (base.back() == '/' ? 0 : 1);
     const std::string against =
         root.filter.ReasonAgainst(std::string_view(path).substr(start), S_ISDIR(status.st_mode));
     if (!against.empty()) return AddSkip(path, SkipKind::kExcluded, against);

@@ -26,6 +26,7 @@ struct ScanRoot {
   std::string shown;  // the same in messages
   NameFilter filter;  // applies to what is below `path`, not to `path` itself
   MissingPath missing = MissingPath::kThrow;
+  std::string filter_base = {};  // at or above `path`: patterns match paths below it; "": `path`
 };
 
 struct Scan {

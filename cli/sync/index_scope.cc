@@ -28,7 +28,8 @@ IndexScope IndexScope::OfRoots(const RootChoice& choice, bool prunes) {
   for (const auto& [path, options] : choice.targets) {
     const bool is_named = choice.named.count(path) != 0;
     scope.to_scan_.push_back({path, shown(path), FilterOf(options.reading),
-                              is_named ? MissingPath::kThrow : MissingPath::kSkip});
+                              is_named ? MissingPath::kThrow : MissingPath::kSkip,
+                              InnermostOf(choice.roots, path)});
   }
   if (!prunes) return scope;
   for (const std::string& path : choice.forgotten) scope.owners_.try_emplace(path);

@@ -17,21 +17,20 @@ RootOptions OptionsFor(const RootRequest& request, const RootOptions& remembered
   return options;
 }
 
-// Returns whether the root `path` with `options` says nothing that another root does not say.
-bool SaysNothing(const Roots& roots, const std::string& path, const RootOptions& options) {
-  const std::string outer = InnermostOf(roots, FolderOf(path));
-  if (outer.empty()) return false;
-  const RootOptions& said = roots.at(outer);
-  return said.reading == options.reading && said.prune == options.prune &&
-         said.reading.include.empty() && said.reading.exclude.empty();
-}
-
-// Adds `path`, which the user named, to the roots and the targets.
+// Adds `path`, which the user named, to the targets, and to the roots unless it is a part of one.
 void Name(const std::string& path, const RootRequest& request, RootChoice* choice) {
-  RootOptions& options = choice->roots[path];
-  options = OptionsFor(request, options);
-  choice->targets[path] = options;
   choice->named.insert(path);
+  const std::string outer = InnermostOf(choice->roots, path);
+  const bool is_part = outer != path && !outer.empty() && !request.reading && !request.reset;
+  if (is_part) {
+    RootOptions& options = choice->targets[path];
+    options = choice->roots.at(outer);
+    options.prune = request.prune.value_or(options.prune);
+  } else {
+    RootOptions& options = choice->roots[path];
+    options = OptionsFor(request, options);
+    choice->targets[path] = options;
+  }
 }
 
 // Adds the roots that are at or below `path`, "/" for all, and were not named.
@@ -45,12 +44,11 @@ void AddRootsBelow(const std::string& path, const RootRequest& request, RootChoi
   }
 }
 
+// Outer paths come first: others may be parts of them.
 void NameAll(const RootRequest& request, RootChoice* choice) {
-  for (const std::string& path : request.paths) Name(path, request, choice);
-  for (const std::string& path : choice->named) {
-    if (SaysNothing(choice->roots, path, choice->roots.at(path))) choice->roots.erase(path);
-  }
-  for (const std::string& path : choice->named) AddRootsBelow(path, request, choice);
+  const std::set<std::string> paths(request.paths.begin(), request.paths.end());
+  for (const std::string& path : paths) Name(path, request, choice);
+  for (const std::string& path : paths) AddRootsBelow(path, request, choice);
 }
 
 void ChooseAll(const RootRequest& request, const std::string& index, RootChoice* choice) {

@@ -29,10 +29,10 @@ struct RootChoice {
 };
 
 // Puts `request` together with the roots that the index called `index` remembers. A path that the
-// user names becomes a root and a target, and all roots below it become targets too; with no path,
-// all roots do. Options that are given take the place of the remembered ones, of the roots that are
-// named or, with no path, of all. A path below a root that has the same options and no patterns
-// does not become a root: it belongs to the other.
+// user names is a target, and so are all roots below it; with no path, all roots are. It becomes a
+// root, unless it lies below one and comes without options of reading: then it is a part of that
+// root. Options that are given take the place of the remembered ones, of the roots that are named
+// or, with no path, of all.
 //   Throws   CommandError for a request that makes no sense.
 RootChoice ChooseRoots(const RootRequest& request, const Roots& remembered,
                        const std::string& index);

@@ -5,26 +5,30 @@
 #include <gtest/gtest.h>
 #include <kestan/search.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <map>
 #include <string>
-#include <vector>
 
 namespace kestan_tests {
 
-// Returns the bytes of all files of the index at `folder`, by their names, except for the lock.
-inline std::map<std::string, std::string> FilesOfIndex(const std::string& folder) {
+// Returns what tells the contents of the index at `folder` from any other: of each file but the
+// lock, its name, its size and a hash of its bytes.
+inline std::string FilesOfIndex(const std::string& folder) {
   std::map<std::string, std::string> files;
   for (const auto& entry : std::filesystem::directory_iterator(folder)) {
     const std::string name = entry.path().filename();
     if (name == "writer.lock") continue;
     std::ifstream file(entry.path(), std::ios::binary);
-    files[name] = {std::istreambuf_iterator<char>(file), {}};
+    const std::string bytes(std::istreambuf_iterator<char>(file), {});
+    files[name] =
+        std::to_string(bytes.size()) + " " + std::to_string(std::hash<std::string>()(bytes));
   }
-  return files;
+  std::string lines;
+  for (const auto& [name, contents] : files) lines += name + " " + contents + "\n";
+  return lines;
 }
 
 // Returns the documents of the index at `folder`, by their names.

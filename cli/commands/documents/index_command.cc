@@ -122,20 +122,6 @@ void PrintIndexReport(const IndexReport& report, const IndexOptions& options) {
   if (options.report == ReportFormat::kNone) Print(reasons);
 }
 
-// PATHs without anything to index are a mistake, unless they come from a list or may all be gone.
-void CheckSomethingDone(const IndexReport& report, const IndexOptions& options) {
-  const unsigned long done =
-      report.added + report.updated + report.moved + report.removed + report.unchanged;
-  const bool may_be_gone = options.prune.value_or(false) || options.forget || options.paths.empty();
-  if (done != 0 || may_be_gone) return;
-  if (options.report == ReportFormat::kJson) {
-    Print(ReportJson(report, options.why));
-  } else if (options.why) {
-    Print(SkipLines(report.skips));
-  }
-  throw CommandError(NothingToIndex(report.skips));
-}
-
 // Counts the words that a document has now and none had before.
 unsigned long CountNewWords(const IndexReader* before, const IndexReader& after,
                             const std::string& index) {
@@ -164,6 +150,24 @@ void CountTotals(const IndexChange& change, bool has_changed, const IndexOptions
   if (options.report == ReportFormat::kJson && may_have_new_words) {
     report->new_words = CountNewWords(change.before(), *reader, change.path());
   }
+}
+
+// PATHs without anything to index are a mistake, unless they come from a list or may all be gone.
+// They are not remembered.
+void CheckSomethingDone(const IndexChange& change, const IndexOptions& options,
+                        IndexReport* report) {
+  const unsigned long done =
+      report->added + report->updated + report->moved + report->removed + report->unchanged;
+  const bool may_be_gone = options.prune.value_or(false) || options.forget || options.paths.empty();
+  if (done != 0 || may_be_gone) return;
+  CountTotals(change, false, options, report);
+  if (!options.why) ReportFailures(*report);
+  if (options.report == ReportFormat::kJson) {
+    Print(ReportJson(*report, options.why));
+  } else if (options.why) {
+    Print(SkipLines(report->skips));
+  }
+  throw CommandError(NothingToIndex(report->skips));
 }
 
 // ---- The run ----
@@ -205,15 +209,17 @@ int RunIndex(const std::string& index, const IndexOptions& options) {
   IndexChange change(index, StyleOfStandardError(options.quiet));
   Scope scope = ScopeOf(options, request, RootsOf(change.before(), index, request), index);
   RootRules rules(scope.files.reading(), index, options.converter_limits, options.max_file_bytes);
-  for (const std::string& path : request.paths) rules.Of(path);  // mistakes show now
+  for (const std::string& path : request.paths) {
+    if (!request.forget) rules.Of(path);  // mistakes show now
+  }
   IndexReport report;
   Carry(scope, rules, options, change, &report);
+  CheckSomethingDone(change, options, &report);
   Remember(std::move(scope.roots), change);
   const bool has_changed = change.HasChanges();
   change.Commit();
   CountTotals(change, has_changed, options, &report);
   if (!options.why) ReportFailures(report);
-  CheckSomethingDone(report, options);
   PrintIndexReport(report, options);
   const bool is_complete =
       report.notes.empty() && std::none_of(report.skips.begin(), report.skips.end(), IsFailed);

@@ -1,30 +1,28 @@
 // Whatever has happened to the files and to the index: brought up to date, the index answers like a
 // new one of the same files.
 #include <gtest/gtest.h>
-#include <kestan/kestan.h>
 #include <rapidcheck/gtest.h>
 
-#include <algorithm>
 #include <chrono>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <regex>
-#include <sstream>
+#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "cli/app/command.h"
-#include "cli/commands/commands.h"
+#include "cli/commands/documents/index_command.h"
 #include "cli/console/message.h"
-#include "tests/support/index_test.h"
+#include "tests/cli/index_folder.h"
+#include "tests/support/temp_dir.h"
 
 namespace kestan_tests {
 namespace {
 
 namespace fs = std::filesystem;
 
-using kestan_cli::Command;
-using kestan_cli::Values;
+using kestan_cli::IndexOptions;
 using Lines = std::vector<std::string>;
 
 // ---- What can happen ----
@@ -36,12 +34,12 @@ struct Step {
     kDelete,
     kIndex,
     kPrune,
-    kIndexInPlace,
-    kRemove,
-    kShrink,
-    kRemoveElsewhere,  // by another program, through the library
-    kShrinkElsewhere,
-    kVisitElsewhere  // a document comes and goes
+    kIndexAll,  // files that have not changed, too
+    kIndexFile,
+    kIndexList,
+    kRemove,  // by another program, through the library
+    kCompact,
+    kVisit  // a document comes and goes
   };
 
   Kind kind = Kind::kWrite;
@@ -51,17 +49,9 @@ struct Step {
 };
 
 std::ostream& operator<<(std::ostream& stream, const Step& step) {
-  const char* const names[] = {"write",
-                               "rename",
-                               "delete",
-                               "index",
-                               "prune",
-                               "index in place",
-                               "remove",
-                               "shrink",
-                               "remove elsewhere",
-                               "shrink elsewhere",
-                               "visit elsewhere"};
+  const char* const names[] = {"write",  "rename",    "delete",     "index",
+                               "prune",  "index all", "index file", "index list",
+                               "remove", "compact",   "visit"};
   return stream << names[static_cast<int>(step.kind)] << " " << step.file << " " << step.other
                 << " '" << step.text << "'";
 }
@@ -89,8 +79,6 @@ rc::Gen<std::string> File() {
                                        "d/e/a.txt");
 }
 
-// A code is used again after a change, a run, a shrink, another change and another run, so these
-// are frequent.
 rc::Gen<Step> AnyStep() {
   using Kind = Step::Kind;
   const auto kind = rc::gen::weightedElement<Kind>({{8, Kind::kWrite},
@@ -98,12 +86,12 @@ rc::Gen<Step> AnyStep() {
                                                     {2, Kind::kDelete},
                                                     {4, Kind::kIndex},
                                                     {3, Kind::kPrune},
-                                                    {1, Kind::kIndexInPlace},
+                                                    {1, Kind::kIndexAll},
+                                                    {2, Kind::kIndexFile},
+                                                    {1, Kind::kIndexList},
                                                     {2, Kind::kRemove},
-                                                    {4, Kind::kShrink},
-                                                    {1, Kind::kRemoveElsewhere},
-                                                    {1, Kind::kShrinkElsewhere},
-                                                    {1, Kind::kVisitElsewhere}});
+                                                    {2, Kind::kCompact},
+                                                    {1, Kind::kVisit}});
   return rc::gen::build<Step>(rc::gen::set(&Step::kind, kind), rc::gen::set(&Step::file, File()),
                               rc::gen::set(&Step::other, File()),
                               rc::gen::set(&Step::text, Text()));
@@ -120,13 +108,14 @@ rc::Gen<std::string> Question() {
 
 // ---- Where it happens ----
 
+// Works in a folder of its own, which the process is in.
 class World {
  public:
   World() {
     fs::current_path(folder_ / "");
     fs::create_directories("d/e");
     Write("d/keep.txt", "keep a cat");  // so that there is always something to index
-    Do("index", {{"INDEX", "my.index"}, {"PATH", "d"}});
+    Index("my.index", Paths({"d"}));
   }
   ~World() { fs::current_path("/"); }
   World(const World&) = delete;
@@ -134,11 +123,7 @@ class World {
 
   void Take(const Step& step) {
     using Kind = Step::Kind;
-    const Values index = Given({{"INDEX", "my.index"}, {"PATH", "d"}});
-    Values in_place = index;
-    in_place.Add("--in-place", "");
-    Values prune = index;
-    prune.Add("--prune", "");
+    IndexOptions options = Paths({"d"});
     switch (step.kind) {
       case Kind::kWrite:
         return Write(step.file, step.text);
@@ -149,15 +134,17 @@ class World {
         fs::remove(step.file);
         return;
       case Kind::kIndex:
-        return Do("index", index);
+        return Index("my.index", Paths({}));
       case Kind::kPrune:
-        return Do("index", prune);
-      case Kind::kIndexInPlace:
-        return Do("index", in_place);
-      case Kind::kRemove:
-        return Do("remove", Given({{"INDEX", "my.index"}, {"NAME", step.file}}));
-      case Kind::kShrink:
-        return Do("shrink", Given({{"INDEX", "my.index"}}));
+        options.prune = true;
+        return Index("my.index", options);
+      case Kind::kIndexAll:
+        options.all = true;
+        return Index("my.index", options);
+      case Kind::kIndexFile:
+        return Index("my.index", Paths({step.file}));
+      case Kind::kIndexList:
+        return IndexList({step.file, step.other});
       default:
         return TakeElsewhere(step);
     }
@@ -165,39 +152,65 @@ class World {
 
   // Brings the index up to date, and makes a new one beside it.
   void Finish() {
-    Do("index", {{"INDEX", "my.index"}, {"PATH", "d"}, {"--prune", ""}});
-    Do("index", {{"INDEX", "fresh.index"}, {"PATH", "d"}});
+    IndexOptions options = Paths({"d"});
+    options.prune = true;
+    Index("my.index", options);
+    Index("fresh.index", Paths({"d"}));
   }
 
-  // What both indexes print must be the same. Lines come in order of codes where they are equally
-  // good, and codes differ.
-  void ExpectSame(const std::string& command, const std::vector<std::string>& arguments) {
-    const auto& [mine, fresh] = BothPrint(command, arguments);
-    RC_LOG() << command << " " << testing::PrintToString(arguments) << "\n";
-    RC_ASSERT(mine == fresh);
+  // Both indexes give the same.
+  void ExpectSameDocuments() {
+    const auto mine = DocumentsOfIndex("my.index");
+    const auto fresh = DocumentsOfIndex("fresh.index");
+    RC_ASSERT(Descriptions(mine) == Descriptions(fresh));
   }
 
-  // Looks at the index as it is and as a shrink leaves it. A shrink that another program makes
-  // leaves postings of one-letter words that `check` names, until the command purges them.
-  void ExpectNoFaults() {
-    if (!shrunk_elsewhere_) ExpectCheckIsContent();
-    Do("shrink", Given({{"INDEX", "my.index"}}));
-    ExpectCheckIsContent();
+  void ExpectSameWords() { RC_ASSERT(Words("my.index") == Words("fresh.index")); }
+
+  void ExpectSameAnswers(const std::string& question) {
+    for (const auto words : {kestan::search::WordsMean::kBest, kestan::search::WordsMean::kAny}) {
+      kestan::search::SearchOptions options;
+      options.limit = 0;
+      options.words = words;
+      RC_LOG() << question << "\n";
+      RC_ASSERT(AnswersOfIndex("my.index", question, "", options) ==
+                AnswersOfIndex("fresh.index", question, "", options));
+    }
+  }
+
+  static void ExpectNoFaults() {
+    RC_ASSERT(IsWhole("my.index"));
+    RC_ASSERT(IsWhole("fresh.index"));
   }
 
  private:
-  void ExpectCheckIsContent() {
-    const std::string report = Printed("check", Given({{"INDEX", "my.index"}}));
-    RC_LOG() << report;
-    RC_ASSERT(status_ == 0);
+  static IndexOptions Paths(Lines paths) {
+    IndexOptions options;
+    options.paths = std::move(paths);
+    return options;
   }
 
-  using Pairs = std::vector<std::pair<std::string, std::string>>;
+  // A run may refuse, as where a file is gone that it names.
+  static void Index(const std::string& index, const IndexOptions& options) {
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    try {
+      kestan_cli::RunIndex(index, options);
+    } catch (const kestan_cli::CommandError&) {
+      // It says why, and has changed nothing.
+    }
+    testing::internal::GetCapturedStderr();
+    testing::internal::GetCapturedStdout();
+  }
 
-  static Values Given(const Pairs& pairs) {
-    Values values;
-    for (const auto& [name, value] : pairs) values.Add(name, value);
-    return values;
+  static void IndexList(const Lines& paths) {
+    std::ofstream list("list", std::ios::binary);
+    for (const std::string& path : paths) list << path << '\0';
+    list.close();
+    RC_ASSERT(std::freopen("list", "r", stdin) != nullptr);
+    IndexOptions options;
+    options.paths_from_stdin = true;
+    Index("my.index", options);
   }
 
   // Each with a time of its own, as files have whose times are finer than their changes.
@@ -207,64 +220,44 @@ class World {
     fs::last_write_time(name, start + std::chrono::seconds(++writes_));
   }
 
-  void TakeElsewhere(const Step& step) {
-    RC_ASSERT(engine_.OpenIndex("my.index", 1) == 0);
-    if (step.kind == Step::Kind::kRemoveElsewhere) engine_.RemoveDocumentWords(step.file.c_str());
-    if (step.kind == Step::Kind::kShrinkElsewhere) {
-      engine_.ShrinkIndex();
-      shrunk_elsewhere_ = true;
+  void TakeElsewhere(const Step& step) const {
+    auto writer = kestan::search::IndexWriter::Open("my.index");
+    RC_ASSERT(writer.ok());
+    if (step.kind == Step::Kind::kRemove) {
+      static_cast<void>(writer->Remove(folder_ / step.file));  // which may not be there
     }
-    if (step.kind == Step::Kind::kVisitElsewhere) {
-      engine_.AddDocumentWords("guest", step.text.c_str());
-      engine_.RemoveDocumentWords("guest");
+    if (step.kind == Step::Kind::kVisit) {
+      RC_ASSERT(writer->Add({"guest", step.text, "", "", "", ""}).ok());
+      RC_ASSERT(writer->Commit().ok());
+      RC_ASSERT(writer->Remove("guest").ok());
     }
-    engine_.CloseIndex();
+    const bool compacts = step.kind == Step::Kind::kCompact;
+    RC_ASSERT((compacts ? writer->Compact() : writer->Commit()).ok());
   }
 
-  void Do(const std::string& name, const Pairs& pairs) { Do(name, Given(pairs)); }
-  void Do(const std::string& name, const Values& values) { Printed(name, values); }
-
-  // Runs a command. One that refuses, as the removal of a document that is not there, says so by
-  // its status.
-  std::string Printed(const std::string& name, const Values& values) {
-    const auto& all = kestan_cli::AllCommands();
-    const auto command = std::find_if(all.begin(), all.end(),
-                                      [&](const Command& each) { return each.name == name; });
-    testing::internal::CaptureStdout();
-    testing::internal::CaptureStderr();
-    try {
-      status_ = command->run(engine_, values);
-    } catch (const kestan_cli::CommandError& error) {
-      status_ = error.status();
+  static Lines Descriptions(const std::map<std::string, kestan::search::DocumentInfo>& documents) {
+    Lines lines;
+    for (const auto& [name, info] : documents) {
+      lines.push_back(name + "\n" + std::to_string(info.words) + "\n" + info.title + "\n" +
+                      info.summary + "\n" + info.host_data);
     }
-    testing::internal::GetCapturedStderr();
-    return testing::internal::GetCapturedStdout();
+    return lines;
   }
 
-  // The lines that either index prints, without what says when they were made, in order of bytes.
-  std::pair<Lines, Lines> BothPrint(const std::string& command, const Lines& arguments) {
-    std::pair<Lines, Lines> printed;
-    for (const bool fresh : {false, true}) {
-      Values values = Given({{"INDEX", fresh ? "fresh.index" : "my.index"}});
-      for (std::size_t i = 0; i + 1 < arguments.size(); i += 2) {
-        values.Add(arguments[i], arguments[i + 1]);
-      }
-      std::istringstream text(Printed(command, values));
-      Lines& lines = fresh ? printed.second : printed.first;
-      for (std::string line; std::getline(text, line);) {
-        if (line.substr(0, 2) == "0 ") continue;  // a word of documents that are gone
-        lines.push_back(std::regex_replace(line, std::regex("\"time\":\"[^\"]*\""), ""));
-      }
-      std::sort(lines.begin(), lines.end());
+  static Lines Words(const std::string& index) {
+    Lines lines;
+    const auto reader = kestan::search::IndexReader::Open(index);
+    RC_ASSERT(reader.ok());
+    const auto terms = reader->Terms("");
+    RC_ASSERT(terms.ok());
+    for (const auto& term : *terms) {
+      lines.push_back(term.term + " " + std::to_string(term.documents));
     }
-    return printed;
+    return lines;
   }
 
   const TempDir folder_;
-  Kestan engine_;
-  int status_ = -1;
   int writes_ = 0;
-  bool shrunk_elsewhere_ = false;
 };
 
 TEST(IncrementalPropertyTest, AnIndexThatIsKeptUpAnswersLikeANewOne) {
@@ -274,16 +267,10 @@ TEST(IncrementalPropertyTest, AnIndexThatIsKeptUpAnswersLikeANewOne) {
     World world;
     for (const Step& step : steps) world.Take(step);
     world.Finish();
-    world.ExpectSame("list", {});
-    world.ExpectSame("export", {"FORM", "json"});
-    world.ExpectSame("words", {"--counts", ""});
-    for (const std::string& question : questions) {
-      world.ExpectSame("search", {"QUERY", question});
-      world.ExpectSame("search", {"QUERY", question, "--any", ""});
-    }
-    for (const char* word : {"a", "b", "c", "i", "p", "x"}) {
-      world.ExpectSame("search", {"QUERY", word});
-    }
+    world.ExpectSameDocuments();
+    world.ExpectSameWords();
+    for (const std::string& question : questions) world.ExpectSameAnswers(question);
+    for (const char* word : {"a", "b", "c", "i", "p", "x"}) world.ExpectSameAnswers(word);
     world.ExpectNoFaults();
   });
   EXPECT_TRUE(holds);
