@@ -33,14 +33,29 @@ void Name(const std::string& path, const RootRequest& request, RootChoice* choic
   }
 }
 
-// Adds the roots that are at or below `path`, "/" for all, and were not named.
+// Returns whether a root with the options `inner` may be a part of a root above it.
+bool IsReadAlike(const RootOptions& inner, const RootOptions& outer) {
+  return inner.reading == outer.reading && inner.prune == outer.prune &&
+         outer.reading.include.empty() && outer.reading.exclude.empty();
+}
+
+// Adds the roots below the root or target `path` to the targets, but for those that the user named.
+// Roots that say nothing else than `path`, which is a root, become parts of it.
 void AddRootsBelow(const std::string& path, const RootRequest& request, RootChoice* choice) {
+  const bool is_root = choice->roots.count(path) != 0;
+  const RootOptions outer = choice->targets.at(path);
+  auto root = choice->roots.upper_bound(path);
   // What begins with the path lies side by side.
-  for (auto root = choice->roots.lower_bound(path);
-       root != choice->roots.end() && root->first.compare(0, path.size(), path) == 0; ++root) {
-    if (!IsBelow(root->first, path)) continue;
-    const auto [target, is_new] = choice->targets.insert(*root);
-    if (is_new) target->second.prune = request.prune.value_or(target->second.prune);
+  while (root != choice->roots.end() && root->first.compare(0, path.size(), path) == 0) {
+    RootOptions inner = root->second;
+    inner.prune = request.prune.value_or(inner.prune);
+    const bool is_new = IsBelow(root->first, path) && choice->named.count(root->first) == 0;
+    if (is_new && is_root && IsReadAlike(inner, outer)) {
+      root = choice->roots.erase(root);
+      continue;
+    }
+    if (is_new) choice->targets.emplace(root->first, inner);
+    ++root;
   }
 }
 
@@ -60,7 +75,7 @@ void ChooseAll(const RootRequest& request, const std::string& index, RootChoice*
         "options of reading files are those of a PATH: name it, or set them for all with --reset");
   }
   for (auto& [path, options] : choice->roots) options = OptionsFor(request, options);
-  AddRootsBelow("/", request, choice);
+  choice->targets = choice->roots;
 }
 
 void Forget(const std::vector<std::string>& paths, const std::string& index, RootChoice* choice) {

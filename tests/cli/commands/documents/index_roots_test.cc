@@ -232,6 +232,20 @@ TEST_F(IndexRootsTest, PathBelowARootIsAPartOfItUnlessItHasOptionsOfItsOwn) {
   EXPECT_EQ(Remembered().size(), 2u);
 }
 
+TEST_F(IndexRootsTest, RootTakesInThoseBelowItThatAreReadAlike) {
+  IndexPaths({"d/a.txt"});
+  IndexPaths({"d/e"});
+  options_.reading.stop_words = "english";
+  IndexPaths({"d/b.log"});
+  fs::remove("d/a.txt");
+  options_.prune = true;
+  EXPECT_EQ(IndexPaths({"d"}), Report(0, 0, 0, 1, 2));
+  EXPECT_EQ(status_, kDone);
+  const Roots roots = Remembered();
+  EXPECT_EQ(roots.size(), 2u);
+  EXPECT_EQ(roots.at(Path("d/b.log")).reading.stop_words, "english");
+}
+
 TEST_F(IndexRootsTest, PathsOfOneRunAreOneRootIfOneHoldsTheOthers) {
   EXPECT_EQ(IndexPaths({"d/e", "d/a.txt", "d"}), Report(3, 0, 0, 0, 0));
   EXPECT_EQ(Remembered().size(), 1u);

@@ -1,109 +1,61 @@
-// No command changes an index in which look-ups do not find what a walk shows, or whose records
-// would be overwritten.
+// No run changes an index of which a part is missing or damaged.
 #include <gtest/gtest.h>
-#include <kestan/maintenance/salvage/gdbm_layout.h>
 
-#include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <string>
 
-#include "tests/cli/sync/changed_index_test.h"
+#include "tests/cli/sync/changed_folder_test.h"
 
 namespace kestan_tests {
 namespace {
 
-using LostRecordsTest = ChangedIndexTest;
+namespace fs = std::filesystem;
 
-namespace gdbm = kestan::gdbm;
-
-// Calls `visit(at, element)` for each bucket element for `key` in the file `bytes`, also of buckets
-// that are no longer in use.
-template <typename Visit>
-void ForEachElement(const std::string& bytes, const std::string& key, Visit visit) {
-  const gdbm::Bytes file(bytes);
-  bool is_found = false;
-  for (std::size_t at = 512; at + sizeof(gdbm::Element) <= bytes.size(); ++at) {
-    gdbm::Element element{};
-    file.Read(at, &element);
-    if (!file.IsValid(element)) continue;
-    if (file.View(element.data, static_cast<gdbm::Offset>(element.key_bytes)) != key) continue;
-    visit(at, element);
-    is_found = true;
-  }
-  EXPECT_TRUE(is_found) << key;
-}
-
-// Has the bucket element of the index at `path` for `key` give other first bytes of the key. A walk
-// shows the record, a look-up does not find it.
-void HideRecord(const std::string& path, const std::string& key) {
-  const std::string original = BytesOfFile(path);
-  std::string bytes = original;
-  ForEachElement(original, key, [&](std::size_t at, const gdbm::Element& element) {
-    bytes[at + sizeof element.hash] ^= 4;
-  });
-  std::ofstream(path, std::ios::binary) << bytes;
-}
-
-// Has the header of the index at `path` name the bytes of the record of `key`, which never moves,
-// as its only free space.
-void FreeRecord(const std::string& path, const std::string& key) {
-  std::string bytes = BytesOfFile(path);
-  gdbm::FreeSpace space{};
-  ForEachElement(bytes, key, [&](std::size_t, const gdbm::Element& element) {
-    space = {element.key_bytes + element.value_bytes, element.data};
-  });
-  const gdbm::Bytes file(bytes);
-  gdbm::Header header{};
-  file.Read(0, &header);
-  const bool is_extended = header.magic == gdbm::kExtendedMagic;
-  const std::size_t list = sizeof header + (is_extended ? gdbm::kExtensionBytes : 0);
-  gdbm::FreeList head{};
-  file.Read(list, &head);
-  head.count = 1;
-  std::memcpy(&bytes[list], &head, sizeof head);
-  std::memcpy(&bytes[list + sizeof head], &space, sizeof space);
-  std::ofstream(path, std::ios::binary) << bytes;
-}
-
-TEST_F(LostRecordsTest, IndexWithARecordThatNoKeyFindsIsNotChanged) {
-  for (const std::string key : {"some", "d-old/a"}) {
+class LostRecordsTest : public ChangedFolderTest {
+ protected:
+  // Expects that every run refuses to change my.index after `damage`, and says why.
+  template <typename Damage>
+  void ExpectRefusals(Damage damage) {
     for (const Arguments& change : Changes()) {
       Reset();
-      HideRecord(Path("my.index"), key);
-      const std::string before = IndexBytes();
-      EXPECT_EQ(Run(change), Failure("cannot change index 'my.index': damaged (" + key +
-                                     ": no look-up finds the record); kestan repair saves what it "
-                                     "still holds"))
-          << change.front();
-      EXPECT_TRUE(IndexBytes() == before) << change.front();
+      damage();
+      const std::string before = FilesOfIndex(Path("my.index"));
+      const Outcome outcome = Run(change);
+      EXPECT_EQ(outcome.status, 2) << outcome;
+      EXPECT_EQ(outcome.out, "");
+      EXPECT_EQ(outcome.err.substr(0, 26), "kestan: index 'my.index': ");
+      EXPECT_EQ(FilesOfIndex(Path("my.index")), before) << outcome;
     }
   }
-}
 
-TEST_F(LostRecordsTest, IndexWithARecordInFreeSpaceIsNotChanged) {
-  for (const Arguments& change : Changes()) {
-    Reset();
-    FreeRecord(Path("my.index"), "g-opts");
-    const std::string before = IndexBytes();
-    EXPECT_EQ(Run(change), Failure("cannot change index 'my.index': damaged (index file: free "
-                                   "space that is in use: 1); kestan repair saves what it still "
-                                   "holds"))
-        << change.front();
-    EXPECT_TRUE(IndexBytes() == before) << change.front();
+  // Changes a bit of the byte at `at` of a file of my.index.
+  void ChangeByte(const std::string& name, std::size_t at) {
+    std::string bytes = BytesOfFile(Path("my.index/" + name));
+    ASSERT_LT(at, bytes.size());
+    bytes[at] = static_cast<char>(bytes[at] ^ 4);
+    std::ofstream(Path("my.index/" + name), std::ios::binary) << bytes;
+  }
+};
+
+TEST_F(LostRecordsTest, IndexWithAChangedByteInItsManifestIsNotChanged) {
+  const std::size_t bytes = BytesOfFile(Path("my.index/MANIFEST")).size();
+  for (std::size_t at = 0; at < bytes; at += 29) {
+    ExpectRefusals([&] { ChangeByte("MANIFEST", at); });
   }
 }
 
-TEST_F(LostRecordsTest, IndexWithoutItsCounterIsNotTakenForANewOne) {
-  for (const Arguments& change : Changes()) {
-    Reset();
-    HideRecord(Path("my.index"), "g-code");
-    const std::string before = IndexBytes();
-    EXPECT_EQ(Run(change), Failure("cannot open index 'my.index': its counter of documents is "
-                                   "lost; kestan repair saves what it still holds"))
-        << change.front();
-    EXPECT_TRUE(IndexBytes() == before) << change.front();
+TEST_F(LostRecordsTest, IndexWithoutItsManifestIsNotTakenForANewOne) {
+  ExpectRefusals([&] { fs::remove(Path("my.index/MANIFEST")); });
+}
+
+TEST_F(LostRecordsTest, IndexWithoutASegmentIsNotChanged) {
+  for (const auto& file : fs::directory_iterator(Path("base.index"))) {
+    const std::string name = file.path().filename();
+    if (name == "MANIFEST" || name == "writer.lock") continue;
+    ExpectRefusals([&] { fs::remove(Path("my.index/" + name)); });
+    ExpectRefusals([&] { fs::resize_file(Path("my.index/" + name), file.file_size() - 1); });
   }
-  EXPECT_EQ(Run({"list", "my.index"}).status, 2);
 }
 
 }  // namespace
