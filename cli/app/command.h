@@ -85,11 +85,6 @@ std::string UsageOf(const Command& command);
 // Options and arguments that many commands have.
 inline Option JsonOption() { return {"--json", "", "report as one line of JSON"}; }
 inline Option QuietOption() { return {"-q,--quiet", "", "say nothing but errors"}; }
-inline Option InPlaceOption() {
-  return {"--in-place", "",
-          "change the index itself, not a copy that takes its place: faster, but whoever ends the "
-          "command or fills the disk meanwhile can damage the index"};
-}
 inline Positional IndexArgument() { return {"INDEX", "the index file"}; }
 
 // Returns the format of the report that `values` ask for.

@@ -37,7 +37,7 @@ Commands Gather() {
   AppendGroup("Get or put a list of words.", {GetWordListCommand(), PutWordListCommand()}, &all);
   AppendGroup("Get, set or clear option flags.",
               {GetOptionCommand(), SetOptionCommand(), ClearOptionCommand()}, &all);
-  Append({ShrinkCommand(), CopyCommand()}, &all);
+  Append({CompactCommand(), ConvertCommand(), CopyCommand()}, &all);
   Append({CheckCommand(), RepairCommand(), DumpCommand(), LoadCommand()}, &all);
   Append({ExportCommand(), CompletionCommand(), ManualCommand()}, &all);
   return all;

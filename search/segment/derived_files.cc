@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <functional>
+#include <map>
 #include <optional>
 #include <set>
 #include <string_view>
@@ -33,12 +35,14 @@ constexpr std::array<std::string_view, kDocumentFields> kFamilies = {"t-", "s-",
 // Finds where records lie, most of which follow each other.
 class PlaceFinder {
  public:
-  explicit PlaceFinder(std::shared_ptr<const FileBytes> file) : file_(std::move(file)) {}
+  PlaceFinder(std::shared_ptr<const FileBytes> file, bool is_loose)
+      : file_(std::move(file)), is_loose_(is_loose) {}
 
   // Passes over a record that lies here.
   void Skip(std::size_t bytes) { expected_ += bytes; }
 
   RecordPlace Find(std::string_view key, std::string_view value) {
+    if (is_loose_) return {};
     std::string record(key);
     record.append(value);
     std::uint64_t offset = FindFrom(expected_, kNearBytes, record);
@@ -65,12 +69,15 @@ class PlaceFinder {
   }
 
   std::shared_ptr<const FileBytes> file_;
+  const bool is_loose_;
   std::uint64_t expected_ = 1;
 };
 
 class Deriver {
  public:
-  explicit Deriver(std::string path) : path_(std::move(path)) {}
+  // Borrows `known`, which is null unless the file is loose.
+  Deriver(std::string path, const std::vector<KnownDocument>* known)
+      : path_(std::move(path)), known_(known) {}
 
   Result<DerivedFiles> Derive() {
     errno = 0;
@@ -82,7 +89,7 @@ class Deriver {
     const auto size = static_cast<std::uint64_t>(file_.store().FileBytes());
     auto bytes = FileBytes::Open(path_, size);
     if (!bytes.ok()) return bytes.status();
-    PlaceFinder finder(std::move(*bytes));
+    PlaceFinder finder(std::move(*bytes), is_loose());
     Status status = ReadDocuments();
     if (status.ok()) status = ReadTerms();
     if (status.ok()) status = WriteTable(&finder);
@@ -105,19 +112,40 @@ class Deriver {
 
   Status ReadDocuments() {
     const DocumentCounts counts = file_.CountDocuments();
-    if (counts.documents != counts.highest_code) return Damaged("it is no segment of an index");
+    if (counts.documents != counts.highest_code && !is_loose()) {
+      return Damaged("it is no segment of an index");
+    }
     files_.documents = counts.highest_code;
+    files_.edits = Edits(counts.highest_code);
     documents_.resize(std::size_t{counts.highest_code} + 1);
     for (std::size_t i = 1; i < documents_.size(); ++i) {
       const auto code = static_cast<Code>(i);
       StoredDocument& document = documents_[i];
       document.name = file_.NameOf(code);
-      if (file_.CodeOf(document.name) != code) return Damaged("a document is missing in it");
+      const bool is_removed = is_loose() && file_.IsRemoved(code);
+      if (is_removed || document.name.empty() || file_.CodeOf(document.name) != code) {
+        if (!is_loose()) return Damaged("a document is missing in it");
+        LeaveOut(code);
+        continue;
+      }
       document.added = file_.TimestampOf(document.name);
       if (!names_.insert(document.name).second) return Damaged("two documents have one name");
+      if (is_loose()) codes_.emplace(document.name, code);
       if (i % kRecordsBetweenFlushes == 0) file_.store().Flush();
     }
     return {};
+  }
+
+  // A code without a document gets a name that no document can have, for names have no NUL.
+  void LeaveOut(Code code) {
+    documents_[code].name = std::string(1, '\0') + std::to_string(code);
+    files_.edits.Remove(code);
+  }
+
+  bool is_loose() const { return known_ != nullptr; }
+
+  KnownDocument KnownOf(Code code) const {
+    return is_loose() && code < known_->size() ? (*known_)[code] : KnownDocument();
   }
 
   Status ReadTerms() {
@@ -159,10 +187,21 @@ class Deriver {
       case 't':
       case 's':
       case 'u':
-        return names_.count(name) == 0 || ReadPostings(value, [](const PostingCursor&) {});
+        return names_.count(name) == 0 || !IsField(key[0], name, value);
       default:
         return true;
     }
+  }
+
+  // Returns whether the record is a text of the document `name`, and not of a word like "t-shirt".
+  bool IsField(char family, std::string_view name, std::string_view value) const {
+    const auto code = codes_.find(name);
+    const KnownDocument known = code != codes_.end() ? KnownOf(code->second) : KnownDocument();
+    if (!known.is_known) return !ReadPostings(value, [](const PostingCursor&) {});
+    for (std::size_t i = 0; i < kDocumentFields; ++i) {
+      if (kFamilies[i].front() == family) return known.fields[i];
+    }
+    return false;
   }
 
   bool IsCode(Code code) const { return code != 0 && code < documents_.size(); }
@@ -218,10 +257,12 @@ class Deriver {
       entry.added = document.added;
       entry.words =
           static_cast<std::uint32_t>(std::max<std::uint64_t>(document.folded, document.highest));
+      entry.words = std::max(entry.words, KnownOf(static_cast<Code>(i)).words);
       const std::string code = {static_cast<char>(i & 0xff), static_cast<char>(i >> 8)};
       finder->Find("c-" + code, document.name);
       finder->Skip(kFamilyBytes + document.name.size() + kDocumentRecordBytes);
-      for (std::size_t field = 0; field < kDocumentFields; ++field) {
+      const bool has_fields = !files_.edits.IsRemoved(static_cast<Code>(i));
+      for (std::size_t field = 0; has_fields && field < kDocumentFields; ++field) {
         entry.fields[field] = PlaceOfField(field, document.name, finder);
       }
       writer.Add(entry);
@@ -238,7 +279,13 @@ class Deriver {
     const std::string_view bytes(value.ptr->data, value.ptr->size);
     const bool is_term = std::binary_search(terms_.begin(), terms_.end(),
                                             std::make_pair(key, std::uint32_t{0}), ByTerm);
-    return is_term ? RecordPlace() : finder->Find(key, bytes);
+    if (is_term) return {};
+    return is_loose() ? PlaceOfNone(key, bytes) : finder->Find(key, bytes);
+  }
+
+  // Returns a place where no record is, so that whoever looks there asks gdbm for it.
+  static RecordPlace PlaceOfNone(std::string_view key, std::string_view value) {
+    return {1, static_cast<std::uint32_t>(key.size()), static_cast<std::uint32_t>(value.size())};
   }
 
   static bool ByTerm(const std::pair<std::string, std::uint32_t>& left,
@@ -267,15 +314,24 @@ class Deriver {
   }
 
   const std::string path_;
+  const std::vector<KnownDocument>* const known_;
   IndexFile file_;
   DerivedFiles files_;
   std::vector<StoredDocument> documents_;  // by code
   std::set<std::string, std::less<>> names_;
+  std::map<std::string, Code, std::less<>> codes_;            // of a loose file
   std::vector<std::pair<std::string, std::uint32_t>> terms_;  // with the number of documents
 };
 
 }  // namespace
 
-Result<DerivedFiles> DeriveFiles(const std::string& path) { return Deriver(path).Derive(); }
+Result<DerivedFiles> DeriveFiles(const std::string& path) {
+  return Deriver(path, nullptr).Derive();
+}
+
+Result<DerivedFiles> DeriveLooseFiles(const std::string& path,
+                                      const std::vector<KnownDocument>& known) {
+  return Deriver(path, &known).Derive();
+}
 
 }  // namespace kestan::search

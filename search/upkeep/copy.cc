@@ -12,13 +12,13 @@
 #include "search/index/caught.h"
 #include "search/index/manifest/manifest.h"
 #include "search/segment/plain_index.h"
+#include "search/upkeep/file_copy.h"
 #include "search/upkeep/merge_progress.h"
 #include "search/upkeep/staging_folder.h"
 
 namespace kestan::search {
 namespace {
 
-constexpr std::size_t kPieceBytes = std::size_t{1} << 18;
 constexpr std::size_t kRecordsBetweenFlushes = 1000;
 
 // A writer may replace the manifest and remove files meanwhile, so often at most.
@@ -86,29 +86,15 @@ class FolderCopier {
         if (!progress.Add(file.summary.bytes)) status = Interrupted(folder_);
         continue;
       }
-      status = CopyFile(file, &progress);
+      status = CopyNamed(file, &progress);
       if (status.ok()) copied_.insert(file.name);
     }
     return status;
   }
 
-  Status CopyFile(const NamedFile& file, MergeProgress* progress) const {
+  Status CopyNamed(const NamedFile& file, MergeProgress* progress) const {
     const std::string path = folder_ + "/" + file.name;
-    std::uint64_t size = 0;
-    const Result<Descriptor> source = OpenForReading(path, &size);
-    if (!source.ok()) return source.status();
-    OutputFile target;
-    Status status = target.Create(target_ + "/" + file.name);
-    if (!status.ok()) return status;
-    std::vector<char> piece(kPieceBytes);
-    for (;;) {
-      const std::int64_t count = ReadAt(*source, piece.data(), piece.size(), target.size());
-      if (count < 0) return SystemError(errno, path);
-      if (count == 0) break;
-      target.Write({piece.data(), static_cast<std::size_t>(count)});
-      if (!progress->Add(static_cast<std::uint64_t>(count))) return Interrupted(folder_);
-    }
-    const Result<FileSummary> copy = target.Finish(Syncing::kLater);
+    const auto copy = CopyFile(path, target_ + "/" + file.name, progress->Advance());
     if (!copy.ok()) return copy.status();
     if (*copy == file.summary) return {};
     return {StatusCode::kDamaged, "its bytes have changed since it was written", path};

@@ -1,23 +1,34 @@
-#include <kestan/maintenance.h>
+#include <kestan/search.h>
 
+#include <exception>
 #include <string>
 #include <string_view>
 
 #include "cli/commands/commands.h"
-#include "cli/index/index_examination.h"
+#include "cli/console/output.h"
+#include "cli/index/index_errors.h"
+#include "cli/index/index_kind.h"
 
 namespace kestan_cli {
 namespace {
 
 int RunDump(Kestan&, const Values& values) {
   const std::string index = values.Text("INDEX");
-  ExamineIndex(index, Access::kRead);
-  Database store;
-  OpenStore(store, index, Access::kRead);
+  if (KindOfIndex(index) == IndexKind::kNone) throw CannotOpen(index, kNoSuchIndex);
   LinePrinter printer;
-  const auto error = kestan::DumpIndex(store, [&](std::string_view line) { printer.Take(line); });
+  std::exception_ptr thrown;  // for exceptions end at the library
+  const auto take = [&](std::string_view line) {
+    try {
+      printer.Take(line);
+    } catch (const std::exception&) {
+      thrown = std::current_exception();
+    }
+    return thrown == nullptr;
+  };
+  const auto status = kestan::search::DumpIndex(index, take);
+  if (thrown != nullptr) std::rethrow_exception(thrown);
   printer.Finish();
-  if (error != kestan::StoreError::kNone) throw CannotRead(index, error);
+  CheckStatus(status, index);
   return kDone;
 }
 
@@ -28,7 +39,8 @@ Command DumpCommand() {
           "Print an index as text, which any machine can load.",
           {IndexArgument()},
           {},
-          "",
+          "A folder is dumped with everything that it keeps. Parts of it that have to be merged "
+          "take room in $TMPDIR, or /tmp.",
           {"kestan dump my.index > my.dump"},
           RunDump};
 }

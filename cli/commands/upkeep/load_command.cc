@@ -1,4 +1,5 @@
 #include <kestan/maintenance.h>
+#include <kestan/search.h>
 
 #include <cerrno>
 #include <filesystem>
@@ -9,9 +10,9 @@
 #include <vector>
 
 #include "cli/commands/commands.h"
+#include "cli/console/interruption.h"
 #include "cli/console/message.h"
-#include "cli/index/atomic_create.h"
-#include "cli/index/captured_stderr.h"
+#include "cli/index/new_index.h"
 
 namespace kestan_cli {
 namespace {
@@ -21,7 +22,9 @@ class DumpLines {
  public:
   explicit DumpLines(std::istream& input) : input_(input) {}
 
+  // A signal is as good as the end: the dump is not whole then.
   bool Give(std::string_view* line) {
+    if (Interruption::HasCome()) return false;
     input_.getline(text_.data(), static_cast<std::streamsize>(text_.size()));
     const auto bytes = static_cast<std::size_t>(input_.gcount());
     if (bytes == 0) return false;
@@ -36,25 +39,20 @@ class DumpLines {
   std::vector<char> text_ = std::vector<char>(kestan::kMaxDumpLineBytes + 2);
 };
 
-// Fills the new file at `part`, which will become `path`, from the dump in `input`.
-void Load(std::istream& input, const std::string& part, const std::string& path,
-          const std::string& shown) {
-  const CapturedStderr lines_of_store;
-  Database target;
-  if (const int error = target.Open(part.c_str(), 1); error != 0) {
-    throw CannotMake(path, Database::ErrorString(error));
-  }
+void Load(std::istream& input, const std::string& target, const std::string& shown) {
+  NewIndex made(shown, target, "loading", ProgressStyle::kNone);
   DumpLines lines(input);
   const auto give = [&](std::string_view* line) { return lines.Give(line); };
-  std::string reason;
-  const bool loaded =
-      kestan::LoadIndex(give, target, [&](std::string_view line) { reason = line; });
-  if (!loaded) throw CommandError("cannot load " + Quoted(shown) + ": " + reason);
+  const auto status = kestan::search::LoadIndex(give, target);
+  Interruption::Check();
+  if (status.code() == kestan::search::StatusCode::kInvalidArgument) {
+    throw CommandError("cannot load " + Quoted(shown) + ": " + status.message());
+  }
+  made.Check(status);
 }
 
 int RunLoad(Kestan&, const Values& values) {
   const std::string source = values.Text("FILE", "-");
-  const std::string target = values.Text("NEW");
   std::ifstream file;
   if (source != "-") {
     std::error_code error;
@@ -65,9 +63,8 @@ int RunLoad(Kestan&, const Values& values) {
                          ReasonOf(is_folder ? EISDIR : errno));
     }
   }
-  CreateAtomically(target, "", [&](const std::string& part) {
-    Load(source == "-" ? std::cin : file, part, target, source == "-" ? "standard input" : source);
-  });
+  Load(source == "-" ? std::cin : file, values.Text("NEW"),
+       source == "-" ? "standard input" : source);
   return kDone;
 }
 
@@ -76,11 +73,11 @@ int RunLoad(Kestan&, const Values& values) {
 Command LoadCommand() {
   return {"load",
           "Make an index of what `kestan dump` printed.",
-          {{"NEW", "the file to make, which must not be there"},
+          {{"NEW", "the index to make, which must not be there"},
            {"FILE", "the dump; without it, or with -, the standard input",
             Positional::Count::kOptional}},
           {},
-          "",
+          "The dump of a folder becomes a folder, that of an index of one file such a file.",
           {"kestan load my.index my.dump"},
           RunLoad};
 }

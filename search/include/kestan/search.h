@@ -11,8 +11,10 @@
 #include <kestan/search/convert.h>
 #include <kestan/search/copy.h>
 #include <kestan/search/document.h>
+#include <kestan/search/dump.h>
 #include <kestan/search/index_reader.h>
 #include <kestan/search/index_writer.h>
+#include <kestan/search/repair.h>
 #include <kestan/search/status.h>
 #include <kestan/search/text.h>
 #include <kestan/search/upkeep_progress.h>

@@ -27,27 +27,13 @@ TEST(CommandsTest, NamesAreUniqueAndCommandsOfAGroupAreNeighbours) {
 TEST(CommandsTest, CommonOptionsHaveTheSameLettersInAllCommands) {
   const std::map<std::string, std::string> names{{"--json", "--json"},
                                                  {"--quiet", "-q,--quiet"},
-                                                 {"--null", "-0,--null"},
-                                                 {"--in-place", "--in-place"}};
+                                                 {"--null", "-0,--null"}};
   for (const Command& command : AllCommands()) {
     for (const Option& option : command.options) {
       const auto known = names.find(LongName(option));
       if (known == names.end()) continue;
       EXPECT_EQ(option.names, known->second) << command.name;
     }
-  }
-}
-
-TEST(CommandsTest, CommandsThatRewriteAnIndexCanDoSoInPlace) {
-  for (const char* name : {"index", "shrink"}) {
-    bool has_option = false;
-    for (const Command& command : AllCommands()) {
-      if (command.name != name) continue;
-      for (const Option& option : command.options) {
-        has_option = has_option || option.names == InPlaceOption().names;
-      }
-    }
-    EXPECT_TRUE(has_option) << name;
   }
 }
 

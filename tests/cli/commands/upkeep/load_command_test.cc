@@ -7,6 +7,7 @@
 #include <string>
 
 #include "tests/cli/endless_input.h"
+#include "tests/support/index_test.h"
 
 namespace kestan_tests {
 namespace {
@@ -14,8 +15,11 @@ namespace {
 class LoadCommandTest : public EndlessInputTest {
  protected:
   void SetUp() override {
-    Add("a", "cat dog\n");
-    Add("b", "cat\n");
+    Kestan engine;
+    ASSERT_EQ(engine.OpenIndex(Path("my.index").c_str(), 1), 0);
+    engine.AddDocumentWords("a", "cat dog");
+    engine.AddDocumentWords("b", "cat");
+    engine.CloseIndex();
   }
 };
 
@@ -27,6 +31,23 @@ TEST_F(LoadCommandTest, ReadsTheStandardInput) {
   EXPECT_EQ(Run({"load", "new.index"}, from_file), Success(""));
   EXPECT_EQ(Run({"load", "other.index", "-"}, from_file), Success(""));
   EXPECT_EQ(Dump(Path("other.index")), Dump(Path("my.index")));
+}
+
+TEST_F(LoadCommandTest, DumpOfAFolderBecomesAFolder) {
+  ASSERT_EQ(Run({"convert", "-q", "my.index", "folder"}).status, 0);
+  Write("my.dump", Run({"dump", "folder"}).out);
+  EXPECT_EQ(Run({"load", "new.index", "my.dump"}), Success(""));
+  EXPECT_TRUE(std::filesystem::is_directory(Path("new.index")));
+  EXPECT_EQ(Run({"dump", "new.index"}).out, BytesOfFile(Path("my.dump")));
+  const std::string dump = BytesOfFile(Path("my.dump"));
+  Write("cut.dump", dump.substr(0, dump.size() / 2));
+  const Outcome outcome = Run({"load", "other.index", "cut.dump"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.err.rfind("kestan: cannot load 'cut.dump': line ", 0), 0u) << outcome;
+  const Outcome full = Run({"load", "other.index", "my.dump"}, FileSizeLimit(1000));
+  EXPECT_EQ(full.status, 2);
+  EXPECT_EQ(full.err.substr(0, 35), "kestan: cannot make 'other.index': ") << full;
+  EXPECT_EQ(CountFiles("other.index"), 0);
 }
 
 TEST_F(LoadCommandTest, DoesNotOverwrite) {

@@ -1,0 +1,24 @@
+// Copying a file with its checksum.
+#ifndef KESTAN_SEARCH_UPKEEP_FILE_COPY_H_
+#define KESTAN_SEARCH_UPKEEP_FILE_COPY_H_
+
+#include <kestan/search/status.h>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "search/files/output_file.h"
+
+namespace kestan::search {
+
+// Copies the bytes of the file at `path` to `target`, where there must be none. Calls `advance`,
+// which may be null, with the bytes copied since the last call; it returns whether to go on. Does
+// not sync.
+//   Returns  size and checksum; kNotFound, kSystem, kInterrupted, without a copy.
+Result<FileSummary> CopyFile(const std::string& path, const std::string& target,
+                             const std::function<bool(std::uint64_t bytes)>& advance);
+
+}  // namespace kestan::search
+
+#endif  // KESTAN_SEARCH_UPKEEP_FILE_COPY_H_

@@ -1,0 +1,91 @@
+// Segments of a damaged index on their way into a new one.
+#ifndef KESTAN_SEARCH_UPKEEP_REPAIRED_SEGMENTS_H_
+#define KESTAN_SEARCH_UPKEEP_REPAIRED_SEGMENTS_H_
+
+#include <kestan/search/status.h>
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "search/segment/derived_files.h"
+#include "search/segment/segment.h"
+#include "search/segment/segment_info.h"
+#include "search/upkeep/repair_items.h"
+
+namespace kestan::search {
+
+// A segment as the damaged index has it.
+struct DamagedSegment {
+  SegmentInfo info;  // as MANIFEST has it; without one, the number alone
+  bool is_in_manifest = true;
+  std::vector<std::uint64_t> edit_numbers;  // without MANIFEST: of the files, the highest first
+};
+
+class RepairedSegments {
+ public:
+  // Reads segments in `folder` and writes them to `target`.
+  RepairedSegments(std::string folder, std::string target, RepairItems* items)
+      : folder_(std::move(folder)), target_(std::move(target)), items_(*items) {}
+
+  // Takes over a segment, or what can be read of it. `with_positions` is that of the index, if it
+  // is known yet; a segment that differs is lost.
+  //   Returns  nothing where no document of it lives.
+  Result<std::optional<SegmentInfo>> Take(const DamagedSegment& damaged,
+                                          std::optional<bool>* with_positions);
+
+  // Removes documents whose names were seen in segments before this one, and reports the others of
+  // a segment that was not salvaged as saved.
+  //   Returns  false if no document of it lives then.
+  Result<bool> LeaveOutTwins(SegmentInfo* info, bool with_positions);
+
+ private:
+  using SegmentPointer = std::shared_ptr<const Segment>;
+  using Taken = Result<std::optional<SegmentInfo>>;
+
+  struct FoundEdits {
+    std::optional<Edits> edits;  // none: there are none, or they are lost
+    std::uint64_t number = 0;
+  };
+
+  // What was found in the document table: what the index file may have lost.
+  struct FoundTable {
+    std::vector<std::string> names;    // by code
+    std::vector<KnownDocument> known;  // by code
+  };
+
+  Taken TakeSound(const DamagedSegment& damaged, std::optional<bool>* with_positions);
+  Taken Salvage(const DamagedSegment& damaged, std::optional<bool>* with_positions);
+  Status WriteDerived(const DamagedSegment& damaged, const DerivedFiles& derived,
+                      SegmentInfo* info);
+  FoundEdits FindEdits(const DamagedSegment& damaged, std::size_t documents);
+  std::optional<FoundTable> FindTable(const DamagedSegment& damaged) const;
+  bool IsTableOf(const std::string& path, const FileSummary& expected, bool has_summary,
+                 const DerivedFiles& derived) const;
+  Result<SegmentPointer> OpenSalvaged(const DamagedSegment& damaged,
+                                      const std::optional<FoundTable>& table);
+  void ReportDocuments(const std::string& file, const std::vector<RepairItem>& findings,
+                       const std::optional<FoundTable>& table, const Segment& segment);
+  Status Lose(const DamagedSegment& damaged, const std::string& why);
+
+  std::string Path(const std::string& name) const { return folder_ + "/" + name; }
+  std::string TargetPath(const std::string& name) const { return target_ + "/" + name; }
+
+  const std::string folder_;
+  const std::string target_;
+  RepairItems& items_;
+  std::set<std::string, std::less<>> names_;    // that live in the segments seen so far
+  std::set<std::uint64_t> salvaged_;            // numbers of segments
+  std::map<std::string, std::string> renamed_;  // of the segment at hand: stored to living names
+  std::set<std::string> removed_;               // of the segment at hand
+};
+
+}  // namespace kestan::search
+
+#endif  // KESTAN_SEARCH_UPKEEP_REPAIRED_SEGMENTS_H_
