@@ -39,7 +39,7 @@ void ReadPieces(const char* list, std::int32_t count, Vector<FreeSpace>* pieces)
 // Finds the piece that ends at `place`. Returns its index, or the number of pieces.
 std::size_t FindEnd(const Vector<FreeSpace>& pieces, Offset place) {
   const auto ends_there = [&](const FreeSpace& piece) {
-    return piece.bytes > 0 && piece.at < place && EndOf(piece) == place;
+    return EndOf(piece) == place && piece.bytes > 0 && piece.at < place;
   };
   const auto found = std::find_if(pieces.begin(), pieces.end(), ends_there);
   return static_cast<std::size_t>(found - pieces.begin());
@@ -82,6 +82,7 @@ int FreeListGuard::Check() {
   if (list.count < 0 || list.count > list.size) return 0;
   // Where this store surely takes the list back, a store may have put another in its place.
   if (list.next != first_.at || list.count <= list.size / 2) ReadFirst(list);
+  if (!first_.ends_at_a_list && !EndsAtAList(header_ + list_at_, list.count)) return 0;
   ReadPieces(header_ + list_at_, list.count, &in_header_);
   if (const int error = ForgetPiecesBefore(first_.at); error != 0) return error;
   // The lists in the file form no cycle: that was checked when it was opened.
@@ -105,6 +106,22 @@ void FreeListGuard::ReadFirst(const FreeList& list) {
   first_.end = list.next + bytes;
   first_.next = stored.next;
   ReadPieces(copy_of_first_.data(), stored.count, &first_.pieces);
+  first_.ends_at_a_list =
+      first_.next == first_.end || EndsAtAList(copy_of_first_.data(), stored.count);
+}
+
+// Returns whether one of the `count` pieces of `list` ends where the first list in the file lies,
+// or the next. Nearly every store comes here, and few get further.
+bool FreeListGuard::EndsAtAList(const char* list, std::int32_t count) const {
+  bool ends = false;
+  for (std::int32_t i = 0; i < count; ++i) {
+    FreeSpace piece{};
+    std::memcpy(&piece, list + sizeof(FreeList) + static_cast<std::size_t>(i) * sizeof piece,
+                sizeof piece);
+    const Offset end = EndOf(piece);
+    ends |= end == first_.at || end == first_.next;
+  }
+  return ends;
 }
 
 // Leaves out what the first list could merge with other pieces up to `place`. gdbm takes no notice

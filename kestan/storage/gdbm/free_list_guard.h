@@ -6,6 +6,7 @@
 #include <kestan/storage/memory.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 
 namespace kestan::gdbm {
@@ -53,6 +54,7 @@ class FreeListGuard {
     Offset end = 0;
     Offset next = 0;  // where the one after it lies
     Vector<FreeSpace> pieces;
+    bool ends_at_a_list = false;  // itself or one of its pieces, at this list or the next
   };
 
   FreeList List() const {
@@ -63,6 +65,7 @@ class FreeListGuard {
   bool ReadHeaderAgain();
   int Check();
   void ReadFirst(const FreeList& list);
+  bool EndsAtAList(const char* list, std::int32_t count) const;
   int ForgetPiecesBefore(Offset place);
   bool IsFreeUpTo(Offset place) const;
   int SkipNext();
