@@ -33,6 +33,7 @@ std::size_t StoredBytes(std::int32_t size) {
 
 void ReadPieces(const char* list, std::int32_t count, Vector<FreeSpace>* pieces) {
   pieces->resize(static_cast<std::size_t>(count));
+  if (pieces->empty()) return;  // no bytes to copy, and nowhere to copy them
   std::memcpy(pieces->data(), list + sizeof(FreeList), pieces->size() * sizeof(FreeSpace));
 }
 
