@@ -182,6 +182,21 @@ TEST_F(MaintenanceSystemFaultsTest, WritingAnIndexFile) {
                   }});
 }
 
+TEST_F(MaintenanceSystemFaultsTest, Copying) {
+  const std::string target = work_ + "/target";
+  const auto check = [&] {
+    EXPECT_TRUE(kestan_tests::ReadIndex(target) == documents_);
+    EXPECT_FALSE(std::filesystem::exists(target + ".new"));
+  };
+  FailEachCallOf({[this] { PrepareCopy(); },
+                  [&] { return kestan::search::CopyIndex(made_, target); }, check,
+                  [&] {
+                    if (!std::filesystem::exists(target)) return;
+                    check();
+                    std::filesystem::remove_all(target);
+                  }});
+}
+
 TEST_F(MaintenanceSystemFaultsTest, Checking) {
   PrepareCopy();
   for (const std::string& path : {made_, work_ + "/file"}) {

@@ -213,6 +213,29 @@ TEST_F(NoExceptionsOfMaintenanceTest, WritingAnIndexFileReportsFailingAllocation
                                     });
 }
 
+TEST_F(NoExceptionsOfMaintenanceTest, CopyingReportsFailingAllocations) {
+  for (const std::string& path : {index_, file_}) {
+    ExpectFailingAllocationsAreErrors(
+        [this] { Clean(); },
+        [&](Transcript* transcript) { IsOk(kestan::search::CopyIndex(path, made_), transcript); },
+        [this](const Trial& trial) {
+          ExpectMadeUnlessRefused(trial);
+          if (!std::filesystem::exists(made_)) return;
+          const auto report = kestan::search::CheckIndex(made_);
+          EXPECT_TRUE(report.ok() && report->faults == 0);
+        });
+  }
+}
+
+TEST_F(NoExceptionsOfMaintenanceTest, MeasuringReportsFailingAllocations) {
+  ExpectFailingAllocationsAreErrors(
+      kNothing,
+      [this](Transcript* transcript) {
+        IsOk(kestan::search::MeasureCompaction(index_).status(), transcript);
+      },
+      kNoCheck);
+}
+
 TEST_F(NoExceptionsOfMaintenanceTest, CheckingReportsFailingAllocations) {
   ExpectFailingAllocationsAreErrors(
       kNothing,
