@@ -70,6 +70,7 @@ struct Declared {
   std::vector<Slot> slots;
 };
 
+constexpr const char* kVersionFlag = "--version";
 constexpr const char* kCommands = "Commands";  // the heading above them in the help
 
 // Returns the group `group`, added with `purpose` unless it is there.
@@ -162,7 +163,7 @@ Values ValuesOf(const Declared& declared) {
 
 void Prepare(CLI::App* app) {
   app->set_help_flag("-h,--help", "print this help");
-  app->set_version_flag("--version", "kestan " KESTAN_VERSION, "print the version");
+  app->set_version_flag(kVersionFlag, "kestan " KESTAN_VERSION, "print the version");
   app->require_subcommand(1);
   app->footer("Each has --help with an example, and a manual page: man kestan-search.");
   app->get_formatter()->label("TEXT", "");
@@ -211,14 +212,36 @@ CommandError Refusal(const CLI::App& app, const CLI::ParseError& error) {
   return CommandError(Describe(app, is_group, error) + " (see " + called + " --help)");
 }
 
+// Returns whether `word` is the name of the command or of its group, or an alias.
+bool IsNamed(const Command& command, const std::string& word) {
+  return command.name.substr(0, command.name.find(' ')) == word ||
+         std::count(command.aliases.begin(), command.aliases.end(), word) != 0;
+}
+
+// Returns the commands that have to be declared, which takes time: the one that the arguments name,
+// or the group; none for the version; else all, for the help to list.
+std::vector<const Command*> CommandsFor(const std::vector<Command>& commands,
+                                        const Arguments& arguments) {
+  std::vector<const Command*> needed;
+  if (arguments == Arguments{kVersionFlag}) return needed;
+  const std::string first = arguments.empty() ? "" : arguments.front();
+  for (const Command& command : commands) {
+    if (IsNamed(command, first)) needed.push_back(&command);
+  }
+  if (!needed.empty()) return needed;
+  for (const Command& command : commands) needed.push_back(&command);
+  return needed;
+}
+
 }  // namespace
 
 Request ReadArguments(const std::vector<Command>& commands, const Arguments& arguments) {
   CLI::App app("Indexes text files and finds words in them.", "kestan");
   Prepare(&app);
   std::vector<Declared> all;
-  all.reserve(commands.size());
-  for (const Command& command : commands) all.push_back(Declare(&app, command));
+  for (const Command* command : CommandsFor(commands, arguments)) {
+    all.push_back(Declare(&app, *command));
+  }
   const Command* const meant =
       arguments.empty() ? nullptr : CommandNamed(commands, arguments.front());
   Arguments reversed;  // the order that CLI11 reads

@@ -86,6 +86,29 @@ TEST(ArgumentsTest, HelpIsTextWithoutACommand) {
   EXPECT_NE(request.text.find("QUERY"), std::string::npos) << request.text;
 }
 
+TEST(ArgumentsTest, VersionIsTextWithoutACommand) {
+  const std::vector<Command> commands = Commands();
+  const Request request = ReadArguments(commands, {"--version"});
+  EXPECT_EQ(request.command, nullptr);
+  EXPECT_EQ(request.text.substr(0, 7), "kestan ");
+  EXPECT_EQ(ReadArguments(commands, {"--version", "--help"}).command, nullptr);
+}
+
+// Only commands that are asked for are declared.
+TEST(ArgumentsTest, HelpListsAllCommandsOfTheProgramOrOfTheGroup) {
+  std::vector<Command> commands = Commands();
+  commands.push_back({"title set", "Set.", {}, {}, "", {}, nullptr});
+  const auto lists = [&commands](const Arguments& arguments, const char* purpose) {
+    return ReadArguments(commands, arguments).text.find(purpose) != std::string::npos;
+  };
+  EXPECT_TRUE(lists({"--help"}, "Find."));
+  EXPECT_TRUE(lists({"title", "--help"}, "Get."));
+  EXPECT_TRUE(lists({"title", "--help"}, "Set."));
+  EXPECT_EQ(ReadArguments(commands, {"title", "set"}).command, &commands[2]);
+  EXPECT_EQ(Refusal({"title", "lose"}), "no command 'lose' (see kestan title --help)");
+  EXPECT_EQ(Refusal({"find", "title"}), "QUERY is required (see kestan find --help)");
+}
+
 TEST(ArgumentsTest, RefusalsNameTheArgumentAndTheHelp) {
   EXPECT_EQ(Refusal({}), "no command (see kestan --help)");
   EXPECT_EQ(Refusal({"lose"}), "no command 'lose' (see kestan --help)");
