@@ -4,7 +4,9 @@
 
 #if defined(__x86_64__) || defined(__i386__)
 #include <wmmintrin.h>
-#if __has_include(<sys/platform/x86.h>)
+// Clang does not take this header of the C library for C++: it knows no _Bool there.
+#if __has_include(<sys/platform/x86.h>) && !defined(__clang__)
+#define KESTAN_ASKS_C_LIBRARY
 #include <sys/platform/x86.h>
 #endif
 #endif
@@ -50,7 +52,7 @@ __attribute__((target("pclmul"))) __m128i Fold(__m128i block, __m128i factors, _
 
 // The C library has asked the processor already. In a virtual machine, asking takes microseconds.
 bool CanFoldCrc64() {
-#if __has_include(<sys/platform/x86.h>)
+#ifdef KESTAN_ASKS_C_LIBRARY
   return CPU_FEATURE_ACTIVE(PCLMULQDQ);
 #else
   return __builtin_cpu_supports("pclmul") != 0;
