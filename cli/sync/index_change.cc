@@ -110,8 +110,6 @@ void IndexChange::SetProperty(const std::string& key, const std::string& value) 
   has_changes_ = true;
 }
 
-void IndexChange::Begin() { Writer(); }
-
 void IndexChange::Commit() {
   if (!has_changes_) return;
   Writer().Commit();

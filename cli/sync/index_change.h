@@ -56,9 +56,6 @@ class IndexChange {
   // Returns whether there is anything to commit.
   bool HasChanges() const { return has_changes_; }
 
-  // Makes the index where there is none yet.
-  void Begin();
-
   // Commits the changes, if there are any.
   void Commit();
 
