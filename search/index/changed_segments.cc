@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "search/files/output_file.h"
+#include "search/index/alike_files.h"
 
 namespace kestan::search {
 namespace {
@@ -39,6 +40,13 @@ Status ChangedSegments::Open(const std::string& folder, const Manifest& manifest
     }
     segments.push_back(std::move(*segment));
   }
+  const auto is_known = [this](const SegmentInfo& info) {
+    return std::any_of(segments_.begin(), segments_.end(), [&info](const auto& segment) {
+      return segment->info().number == info.number;
+    });
+  };
+  Status status = CheckAlikeFiles(folder, manifest, is_known);
+  if (!status.ok()) return status;
   folder_ = folder;
   with_positions_ = manifest.with_positions;
   segments_ = std::move(segments);

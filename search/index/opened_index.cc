@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "search/index/alike_files.h"
+
 namespace kestan::search {
 namespace {
 
@@ -33,6 +35,10 @@ Result<OpenedIndex> OpenManifest(const std::string& folder, Manifest manifest,
     opened.segments.push_back(std::move(*segment));
     opened.bytes += info.segment.bytes + info.terms.bytes + info.table.bytes + info.edits.bytes;
   }
+  Status status = CheckAlikeFiles(folder, opened.manifest, [previous](const SegmentInfo& info) {
+    return SegmentIn(previous, info.number) != nullptr;
+  });
+  if (!status.ok()) return status;
   return opened;
 }
 

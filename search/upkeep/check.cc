@@ -46,7 +46,7 @@ class Checker {
     } else {
       Take(Kind::kManifest, manifest.status());
     }
-    return std::move(report_);
+    return Finished();
   }
 
   Result<CheckReport> CheckFile() {
@@ -55,10 +55,15 @@ class Checker {
     const auto segment = Segment::OpenIndexFile(folder_);
     if (segment.ok()) report_.documents = (*segment)->living_documents();
     if (!segment.ok() && report_.faults == 0) Take(KindOf(segment.status()), segment.status());
-    return std::move(report_);
+    return Finished();
   }
 
  private:
+  Result<CheckReport> Finished() {
+    if (!out_of_memory_.ok()) return out_of_memory_;
+    return std::move(report_);
+  }
+
   using Kind = IndexFindingKind;
 
   void Take(Kind kind, const std::string& file, std::string_view key, std::string_view text) {
@@ -69,7 +74,11 @@ class Checker {
     Take({kind, false, file, std::string(key), std::string(text)});
   }
 
-  void Take(Kind kind, const Status& status) { Take(kind, status.file(), "", status.message()); }
+  // A lack of memory is no finding: it ends the check.
+  void Take(Kind kind, const Status& status) {
+    if (status.code() == StatusCode::kOutOfMemory) out_of_memory_ = status;
+    Take(kind, status.file(), "", status.message());
+  }
 
   void Take(IndexFinding finding) {
     ++(finding.is_fault ? report_.faults : report_.notes);
@@ -116,9 +125,13 @@ class Checker {
       const Status status = StatusOfIndexFile(error, errno, path);
       return Take(KindOf(status), status);
     }
-    kestan::CheckIndexWithFindings(file.store(), [&](const Finding& finding) {
-      is_as_written ? TakeOfWritten(path, finding) : TakeOf(path, finding);
-    });
+    const CheckResult result =
+        kestan::CheckIndexWithFindings(file.store(), [&](const Finding& finding) {
+          is_as_written ? TakeOfWritten(path, finding) : TakeOf(path, finding);
+        });
+    if (result.file_error == StoreError::kOutOfMemory) {
+      out_of_memory_ = StatusOfIndexFile(result.file_error, ENOMEM, path);
+    }
   }
 
   // What is no index file says so itself; another program may just have it.
@@ -286,6 +299,7 @@ class Checker {
   const std::string folder_;
   const CheckOptions options_;
   CheckReport report_;
+  Status out_of_memory_;
   std::uint64_t first_record_ = 0;                  // of the segment that is being compared
   std::map<std::string, std::size_t> findings_of_;  // of each file
   std::set<std::string, std::less<>> names_;        // of all living documents

@@ -1,4 +1,5 @@
 #include <kestan/index_file.h>
+#include <kestan/maintenance.h>
 #include <kestan/search/copy.h>
 
 #include <cerrno>
@@ -125,10 +126,22 @@ class RecordCopier {
     Status status = CopyRecords(MergeProgress(progress, bytes));
     if (!status.ok()) return status;
     target_.Close();
-    return target_.FileError() == 0 ? Status() : StatusOfWrite(target_.FileError());
+    return target_.FileError() == 0 ? Verify() : StatusOfWrite(target_.FileError());
   }
 
  private:
+  // Not every error of gdbm's last writes comes out of it.
+  Status Verify() {
+    Database copy;
+    const bool is_whole =
+        copy.Open(target_path_.c_str(), 0) == 0 && kestan::HaveSameRecords(source_.store(), copy);
+    if (is_whole) return {};
+    if (source_.FileError() != StoreError::kNone) {
+      return StatusOfRead(static_cast<int>(source_.FileError()));
+    }
+    return {StatusCode::kSystem, "not all was written", target_path_};
+  }
+
   Status StatusOfWrite(int error) const {
     const std::string reason = ErrorString(StoreError{error});
     if (errno != 0) return SystemError(errno, target_path_);

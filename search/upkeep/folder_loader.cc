@@ -1,5 +1,6 @@
 #include "search/upkeep/folder_loader.h"
 
+#include <kestan/index_file.h>
 #include <kestan/maintenance.h>
 #include <kestan/postings.h>
 
@@ -16,6 +17,7 @@
 namespace kestan::search {
 namespace {
 
+constexpr std::string_view kEndOfFile = "end ";  // begins the last line of the dump of a file
 constexpr std::size_t kMaxNameBytes = 4096;
 
 // All properties fit into a manifest, of which each byte takes four at most.
@@ -52,6 +54,18 @@ std::string WithLineOfWhole(const std::string& what, std::uint64_t first_line) {
   return ("line " + std::to_string(line + first_line - 1)).append(rest);
 }
 
+// Returns whether the index file at `path` has the dump that ends with the line `last`. Not every
+// error of gdbm's last writes comes out of it.
+bool IsLoaded(const std::string& path, const std::string& last) {
+  IndexFile file;
+  if (file.Open(path.c_str()) != StoreError::kNone) return false;
+  std::string line_of_file;
+  const StoreError error = kestan::DumpIndex(file.store(), [&](std::string_view line) {
+    if (StartsWith(line, kEndOfFile)) line_of_file = line;
+  });
+  return error == StoreError::kNone && line_of_file == last;
+}
+
 }  // namespace
 
 Status DumpLines::Refuse(std::string_view what) const {
@@ -67,13 +81,20 @@ Status LoadFile(const GiveDumpLine& give, const std::string& path, std::uint64_t
     return {StatusCode::kSystem, ErrorString(StoreError{error}), path};
   }
   std::string reason;
+  std::string last;
+  const auto give_and_keep = [&](std::string_view* line) {
+    const bool is_given = give(line);
+    if (is_given && StartsWith(*line, kEndOfFile)) last = line->substr(0, kMaxDumpLineBytes);
+    return is_given;
+  };
   const bool is_loaded =
-      kestan::LoadIndex(give, target, [&reason](std::string_view line) { reason = line; });
+      kestan::LoadIndex(give_and_keep, target, [&reason](std::string_view line) { reason = line; });
   target.Close();
   if (target.FileError() != 0) {
     return {StatusCode::kSystem, ErrorString(StoreError{target.FileError()}), path};
   }
-  if (is_loaded) return {};
+  if (is_loaded && IsLoaded(path, last)) return {};
+  if (is_loaded) return {StatusCode::kSystem, "not all was written", path};
   return {StatusCode::kInvalidArgument, WithLineOfWhole(reason, first_line)};
 }
 

@@ -20,6 +20,7 @@
 #include "search/index/manifest/manifest_text.h"
 #include "search/upkeep/loose_segment.h"
 #include "search/upkeep/repair_items.h"
+#include "search/upkeep/repaired_file.h"
 #include "search/upkeep/repaired_segments.h"
 #include "search/upkeep/staging_folder.h"
 
@@ -159,19 +160,9 @@ Status RepairFile(const std::string& path, const std::string& new_path, RepairIt
   if (!status.ok()) return status;
   const std::string made = LooseFile(staging.path());
   RepairResult result;
-  const int error = kestan::RepairIndexWithFindings(
-      path.c_str(), made.c_str(),
-      [&](const Finding& finding) {
-        if (finding.kind == FindingKind::kCannotRead) {
-          status = Status(StatusCode::kDamaged, std::string(finding.text), path);
-        } else if (finding.kind == FindingKind::kCannotWrite) {
-          status = Status(StatusCode::kSystem, std::string(finding.text), made);
-        } else {
-          items->Add(path, finding);
-        }
-      },
-      &result);
-  if (error != 0) return status;
+  status = RepairIndexFile(
+      path, made, [&](const Finding& finding) { items->Add(path, finding); }, &result);
+  if (!status.ok()) return status;
   items->AddResult(result);
   return staging.PublishFile(made);
 }
@@ -185,9 +176,13 @@ Result<RepairReport> Repair(const std::string& path, const std::string& new_path
   }
   RepairItems items(take);
   const bool is_folder = std::filesystem::is_directory(found);
-  Status status =
-      is_folder ? RepairFolder(path, new_path, &items) : RepairFile(path, new_path, &items);
-  if (!status.ok()) return status;
+  try {
+    Status status =
+        is_folder ? RepairFolder(path, new_path, &items) : RepairFile(path, new_path, &items);
+    if (!status.ok()) return status;
+  } catch (const RepairStopped&) {
+    return Status(StatusCode::kInterrupted, "the repair was interrupted", path);
+  }
   return items.report();
 }
 

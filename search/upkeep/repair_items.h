@@ -5,21 +5,26 @@
 #include <kestan/maintenance.h>
 #include <kestan/search/repair.h>
 
+#include <exception>
 #include <string>
 #include <utility>
 
 namespace kestan::search {
+
+// Ends a repair within the engine, which goes on for as long as there is something to find.
+class RepairStopped : public std::exception {};
 
 class RepairItems {
  public:
   // Borrows `take`, which may be null.
   explicit RepairItems(const TakeRepairItem& take) : take_(take) {}
 
+  // Throws RepairStopped where the host does not go on.
   void Add(RepairKind kind, const std::string& file, std::string name = "", std::string text = "") {
     RepairItem item{kind, IsLoss(kind), file, std::move(name), std::move(text)};
     Count(kind);
     if (item.is_loss) ++report_.losses;
-    if (take_) take_(item);
+    if (take_ && !take_(item)) throw RepairStopped();
   }
 
   // Adds what the engine has found in an index file.

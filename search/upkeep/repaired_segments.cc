@@ -13,8 +13,10 @@
 #include "search/files/numbers.h"
 #include "search/index/manifest/manifest.h"
 #include "search/index/merging/merger.h"
+#include "search/segment/plain_index.h"
 #include "search/upkeep/file_copy.h"
 #include "search/upkeep/loose_segment.h"
+#include "search/upkeep/repaired_file.h"
 
 namespace kestan::search {
 namespace {
@@ -235,24 +237,17 @@ Result<std::optional<SegmentInfo>> RepairedSegments::Salvage(const DamagedSegmen
                                                              std::optional<bool>* with_positions) {
   const std::string path = Path(SegmentFile(damaged.info));
   std::vector<RepairItem> findings;
-  const TakeRepairItem keep = [&findings](const RepairItem& item) { findings.push_back(item); };
+  const TakeRepairItem keep = [&findings](const RepairItem& item) {
+    findings.push_back(item);
+    return true;
+  };
   RepairItems found(keep);
-  std::string why;
-  bool is_of_target = false;
   RepairResult result;
-  const int error = kestan::RepairIndexWithFindings(
-      path.c_str(), LooseFile(target_).c_str(),
-      [&](const Finding& finding) {
-        const bool is_end =
-            finding.kind == FindingKind::kCannotRead || finding.kind == FindingKind::kCannotWrite;
-        is_of_target = is_of_target || finding.kind == FindingKind::kCannotWrite;
-        if (is_end) why = finding.text;
-        if (!is_end) found.Add(path, finding);
-      },
-      &result);
-  if (error != 0 && is_of_target) return Status(StatusCode::kSystem, why, LooseFile(target_));
-  if (error != 0) {
-    Status status = Lose(damaged, why);
+  Status repaired = RepairIndexFile(
+      path, LooseFile(target_), [&](const Finding& finding) { found.Add(path, finding); }, &result);
+  if (repaired.code() == StatusCode::kSystem) return repaired;
+  if (!repaired.ok()) {
+    Status status = Lose(damaged, repaired.message());
     if (!status.ok()) return status;
     return std::optional<SegmentInfo>();
   }
@@ -309,6 +304,9 @@ Result<RepairedSegments::SegmentPointer> RepairedSegments::OpenSalvaged(
     if (now == 0) continue;
     new_codes[code] = now;
     if (table && now < known.size()) known[now] = table->known[i];
+  }
+  if (file.FileError() != StoreError::kNone) {
+    return StatusOfIndexFile(file.FileError(), errno, LooseFile(target_));
   }
   file.Close();
   return OpenLooseSegment(target_, known, [&](Edits* edits) {

@@ -114,7 +114,11 @@ TEST_F(JsonPageTest, NamesTheFieldsOfEveryReport) {
   ExpectFields("`kestan check`", {"check my.index"});
   ExpectFields("`kestan repair`", {"repair my.index new.index"});
   ExpectFields("`kestan remove`", {"remove my.index d/b"});
-  ExpectFields("`kestan shrink`", {"shrink my.index"});
+  const std::string kestan = KESTAN_COMMAND;
+  Shell("{ " + kestan + " compact -q --one-file one.index my.index || cp my.index one.index; }");
+  ExpectFields("`kestan convert`", {"convert one.index folder.index"});
+  ExpectFields("`kestan compact`",
+               {"compact folder.index", "compact folder.index --one-file small.index"});
   EXPECT_EQ(checked_.size(), FieldsOfPage().size());
 }
 

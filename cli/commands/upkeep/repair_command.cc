@@ -125,10 +125,11 @@ int RunRepair(Kestan&, const Values& values) {
   std::exception_ptr thrown;  // for exceptions end at the library
   const auto report = kestan::search::RepairIndex(damaged, target, [&](const RepairItem& item) {
     try {
-      if (thrown == nullptr) lines.Take(item);
+      lines.Take(item);
     } catch (const std::exception&) {
       thrown = std::current_exception();
     }
+    return thrown == nullptr && !Interruption::HasCome();
   });
   if (thrown != nullptr) std::rethrow_exception(thrown);
   if (report.status().code() == kestan::search::StatusCode::kDamaged) {

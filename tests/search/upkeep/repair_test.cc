@@ -47,8 +47,10 @@ class RepairTest : public testing::Test {
     items_.clear();
     const Files before = FilesOf(folder_);
     fs::remove_all(new_);
-    const auto report =
-        RepairIndex(folder_, new_, [&](const RepairItem& item) { items_.push_back(item); });
+    const auto report = RepairIndex(folder_, new_, [&](const RepairItem& item) {
+      items_.push_back(item);
+      return true;
+    });
     EXPECT_TRUE(report.ok()) << report.status().ToString();
     EXPECT_TRUE(FilesOf(folder_) == before);
     EXPECT_FALSE(fs::exists(new_ + ".new"));
@@ -280,6 +282,19 @@ TEST_F(RepairTest, WhereNothingIsThereIsAnError) {
   EXPECT_EQ(RepairIndex(folder_, new_).status().code(), StatusCode::kDamaged);
   EXPECT_FALSE(fs::exists(new_));
   EXPECT_FALSE(fs::exists(new_ + ".new"));
+}
+
+TEST_F(RepairTest, ItEndsWhereTheHostSays) {
+  Change("2.segment", 0);
+  for (const std::size_t most : {0, 1, 5}) {
+    std::size_t items = 0;
+    const auto report =
+        RepairIndex(folder_, new_, [&](const RepairItem&) { return ++items <= most; });
+    EXPECT_EQ(report.status().code(), StatusCode::kInterrupted);
+    EXPECT_EQ(items, most + 1);
+    EXPECT_FALSE(fs::exists(new_));
+    EXPECT_FALSE(fs::exists(new_ + ".new"));
+  }
 }
 
 TEST_F(RepairTest, AWriterAtWorkIsNotDisturbed) {

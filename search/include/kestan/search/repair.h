@@ -59,8 +59,8 @@ struct RepairReport {
 };
 
 // Called with each item, which is lent for the call; may be null. What is known of documents of a
-// segment follows what is known of its files.
-using TakeRepairItem = std::function<void(const RepairItem& item)>;
+// segment follows what is known of its files. Returns whether to go on.
+using TakeRepairItem = std::function<bool(const RepairItem& item)>;
 
 // Makes a new index at `new_path`, where there must be nothing, of what can be read of the one at
 // `path`, which stays as it is. Of an index file, this is what kestan::RepairIndex() makes. Of a
@@ -70,7 +70,8 @@ using TakeRepairItem = std::function<void(const RepairItem& item)>;
 //
 // All or nothing, as CopyIndex() makes an index.
 //   Returns  kAlreadyExists; kNotFound where there is nothing of an index; kBusy while a writer is
-//            at work; kDamaged where nothing could be read; kVersion, kSystem, kOutOfMemory.
+//            at work; kDamaged where nothing could be read; kVersion, kSystem, kOutOfMemory;
+//            kInterrupted where `take` does not go on.
 KESTAN_SEARCH_EXPORT Result<RepairReport> RepairIndex(const std::string& path,
                                                       const std::string& new_path,
                                                       const TakeRepairItem& take = nullptr);

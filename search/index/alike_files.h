@@ -1,0 +1,23 @@
+// Files that could have been exchanged.
+#ifndef KESTAN_SEARCH_INDEX_ALIKE_FILES_H_
+#define KESTAN_SEARCH_INDEX_ALIKE_FILES_H_
+
+#include <kestan/search/status.h>
+
+#include <functional>
+#include <string>
+
+#include "search/index/manifest/manifest.h"
+
+namespace kestan::search {
+
+// Nothing in a file says which segment it is of. Its size does where it differs from those of all
+// files of its kind; where it does not, the checksums of these files are compared with MANIFEST's.
+// Segments that `is_known` is true of are left out, and document tables of more than 1 MiB.
+//   Returns  kDamaged for a file that is not the one that MANIFEST means; kNotFound, kSystem.
+Status CheckAlikeFiles(const std::string& folder, const Manifest& manifest,
+                       const std::function<bool(const SegmentInfo& info)>& is_known);
+
+}  // namespace kestan::search
+
+#endif  // KESTAN_SEARCH_INDEX_ALIKE_FILES_H_
