@@ -1,6 +1,7 @@
 #include "search/index/committed_index.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -93,6 +94,7 @@ Status CommittedIndex::Reload() {
   Status status = segments_.Open(folder_, *manifest);
   if (!status.ok()) return status;
   manifest_ = std::move(*manifest);
+  unlink((folder_ + "/" + kStagingMarker).c_str());  // the index was named, and nothing more
   return RemoveUnnamedFiles(folder_, manifest_);
 }
 

@@ -34,17 +34,33 @@ Status CheckIsFree(const std::string& path) {
   return errno == ENOENT ? Status() : SystemError(errno, path);
 }
 
-// Removes what makes an index from a folder, and the folder if nothing else is in it. A link, or a
-// folder of somebody else, stays.
+std::string MarkerIn(const std::string& folder) { return folder + "/" + kStagingMarker; }
+
+// Removes what makes an index from a folder, and the folder if nothing else is in it.
 void RemoveIndexIn(const std::string& folder) {
-  struct stat64 status = {};
-  const bool is_own = lstat64(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
-                      status.st_uid == geteuid();
-  if (!is_own) return;
   static_cast<void>(RemoveUnnamedFiles(folder, Manifest()));
   unlink(ManifestPath(folder).c_str());
+  unlink(MarkerIn(folder).c_str());
   rmdir(folder.c_str());
 }
+
+// Removes the folder that an earlier process of this user left at `path`, and nothing else: an
+// index that somebody has called so stays, and so does a link.
+//   Returns  kAlreadyExists; kBusy if that process still works there.
+Status RemoveLeftOver(const std::string& path) {
+  struct stat64 status = {};
+  const bool is_own =
+      lstat64(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == geteuid();
+  if (!is_own) return IsThere(path);
+  if (access(MarkerIn(path).c_str(), F_OK) != 0) {
+    return rmdir(path.c_str()) == 0 ? Status() : IsThere(path);
+  }
+  const Result<WriterLock> lock = WriterLock::Take(MarkerIn(path));
+  if (lock.ok()) RemoveIndexIn(path);
+  return lock.status();
+}
+
+int MakeFolder(const std::string& path) { return mkdir(path.c_str(), kNewFolder) == 0 ? 0 : errno; }
 
 // Files have the rights of their folder, which had others when they were made.
 Status ShareLikeStagingFolder(const std::string& path) {
@@ -78,15 +94,22 @@ Status StagingFolder::Create(const std::string& target, const std::string& like)
   }
   target_ = target;
   std::string path = target + ".new";
-  RemoveIndexIn(path);
+  int error = MakeFolder(path);
+  if (error == EEXIST) {
+    status = RemoveLeftOver(path);
+    if (!status.ok()) return status;
+    error = MakeFolder(path);
+  }
+  if (error != 0) return SystemError(error, path);
+  path_ = path;
   struct stat64 made = {};
-  if (mkdir(path.c_str(), kNewFolder) != 0 || stat64(path.c_str(), &made) != 0 ||
-      chmod(path.c_str(), kOwnerOnly) != 0) {
+  if (stat64(path.c_str(), &made) != 0 || chmod(path.c_str(), kOwnerOnly) != 0) {
     return SystemError(errno, path);
   }
   folder_mode_ = made.st_mode & kNewFolder;
-  path_ = std::move(path);
-  return {};
+  Result<WriterLock> marker = WriterLock::Take(MarkerIn(path));
+  if (marker.ok()) marker_ = std::move(*marker);
+  return marker.status();
 }
 
 Status StagingFolder::CreateTemporary() {
@@ -123,6 +146,7 @@ Status StagingFolder::PublishFolder() {
   if (status.ok()) status = MoveToTarget(path_);
   if (!status.ok()) return status;
   path_.clear();
+  unlink(MarkerIn(target_).c_str());
   return SyncDirectory(FolderOf(target_));
 }
 

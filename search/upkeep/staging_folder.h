@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 
+#include "search/files/writer_lock.h"
 #include "search/upkeep/rights.h"
 
 namespace kestan::search {
@@ -27,8 +28,9 @@ class StagingFolder {
 
   // Makes the folder for what is to be at `target`. The index gets the rights of the one at `like`;
   // if that is empty, those that new files of this process have. What an earlier process of this
-  // user left there is removed.
-  //   Returns  kAlreadyExists if there is something at `target`; kSystem.
+  // user left at TARGET.new is removed; anything else there stays.
+  //   Returns  kAlreadyExists if there is something at `target` or TARGET.new, kBusy if another
+  //            process is making an index there; kSystem.
   Status Create(const std::string& target, const std::string& like = "");
 
   // The same for files of this process alone, in the folder for temporary files.
@@ -50,7 +52,8 @@ class StagingFolder {
   void Remove() noexcept;
 
   std::string target_;
-  std::string path_;  // "": there is none, or not any more
+  std::string path_;                  // "": there is none, or not any more
+  std::optional<WriterLock> marker_;  // shows that the folder is one of these, and is in use
   std::optional<Rights> rights_;
   mode_t folder_mode_ = 0;  // that the folder had when it was made
 };

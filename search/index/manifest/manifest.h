@@ -55,6 +55,9 @@ Status WriteManifest(const std::string& folder, const Manifest& manifest,
 std::vector<std::string> NewFiles(const std::string& folder, const Manifest& committed,
                                   const Manifest& next);
 
+// Is in a folder while an index comes to be there that has not got its name yet.
+inline constexpr const char* kStagingMarker = "staging.lock";
+
 // Removes the files in `folder` that are named like those of segments, but that `manifest` does not
 // name: what a writer left that did not end well. Other files stay.
 //   Returns  kSystem with the first file that cannot be removed.

@@ -154,8 +154,9 @@ TEST_F(ConvertTest, WhatIsThereStays) {
 TEST_F(ConvertTest, WhatAnEarlierTryLeftIsReplaced) {
   WriteWithEngine(Path("file"), {{"a", "words", {}}});
   std::filesystem::create_directory(Path("folder.new"));
-  kestan_tests::WriteFile(Path("folder.new/1.segment"), "half of it");
-  kestan_tests::WriteFile(Path("folder.new/MANIFEST"), "no manifest");
+  for (const char* const name : {"1.segment", "MANIFEST", "staging.lock"}) {
+    kestan_tests::WriteFile(Path("folder.new/") + name, "half of it");
+  }
   ASSERT_TRUE(ConvertIndexFile(Path("file"), Path("folder")).ok());
   EXPECT_EQ(kestan_tests::ReadIndex(Path("folder")).size(), 1u);
 }
@@ -164,7 +165,7 @@ TEST_F(ConvertTest, FilesOfOthersInTheWayStay) {
   WriteWithEngine(Path("file"), {{"a", "words", {}}});
   std::filesystem::create_directory(Path("folder.new"));
   kestan_tests::WriteFile(Path("folder.new/letter.txt"), "mine");
-  EXPECT_EQ(ConvertIndexFile(Path("file"), Path("folder")).code(), StatusCode::kSystem);
+  EXPECT_EQ(ConvertIndexFile(Path("file"), Path("folder")).code(), StatusCode::kAlreadyExists);
   EXPECT_EQ(kestan_tests::ReadFile(Path("folder.new/letter.txt")), "mine");
 }
 

@@ -81,11 +81,51 @@ TEST_F(StagingFolderTest, LinksInTheWayAreNotFollowed) {
   WriteFile(Path("other/MANIFEST"), "text");
   fs::create_symlink(Path("other"), Path("new.new"));
   StagingFolder staging;
-  EXPECT_EQ(staging.Create(Path("new")).code(), StatusCode::kSystem);
+  EXPECT_EQ(staging.Create(Path("new")).code(), StatusCode::kAlreadyExists);
   EXPECT_EQ(ReadFile(Path("other/1.segment")), "bytes");
   EXPECT_EQ(ReadFile(Path("other/MANIFEST")), "text");
   fs::create_symlink("nowhere", Path("link"));
   EXPECT_EQ(staging.Create(Path("link")).code(), StatusCode::kAlreadyExists);
+}
+
+TEST_F(StagingFolderTest, AnIndexThatIsCalledLikeItStays) {
+  fs::create_directory(Path("new.new"));
+  WriteFile(Path("new.new/1.segment"), "bytes");
+  WriteFile(Path("new.new/MANIFEST"), "text");
+  StagingFolder staging;
+  const Status status = staging.Create(Path("new"));
+  EXPECT_EQ(status.code(), StatusCode::kAlreadyExists);
+  EXPECT_EQ(status.file(), Path("new.new"));
+  EXPECT_EQ(ReadFile(Path("new.new/1.segment")), "bytes");
+  EXPECT_EQ(ReadFile(Path("new.new/MANIFEST")), "text");
+}
+
+TEST_F(StagingFolderTest, WhatAnEarlierProcessLeftIsRemoved) {
+  fs::create_directory(Path("empty.new"));
+  fs::create_directory(Path("new.new"));
+  for (const char* const name : {"1.segment", "MANIFEST", kStagingMarker}) {
+    WriteFile(Path("new.new/") + name, "");
+  }
+  StagingFolder empty;
+  EXPECT_TRUE(empty.Create(Path("empty")).ok());
+  StagingFolder staging;
+  EXPECT_TRUE(staging.Create(Path("new")).ok());
+  EXPECT_FALSE(fs::exists(Path("new.new/1.segment")));
+}
+
+TEST_F(StagingFolderTest, OneProcessAtATimeMakesAnIndex) {
+  StagingFolder first;
+  ASSERT_TRUE(first.Create(Path("new")).ok());
+  StagingFolder second;
+  EXPECT_EQ(second.Create(Path("new")).code(), StatusCode::kBusy);
+  EXPECT_TRUE(fs::exists(first.path()));
+}
+
+TEST_F(StagingFolderTest, ThePublishedIndexHasNoMarker) {
+  StagingFolder staging;
+  ASSERT_TRUE(staging.Create(Path("new")).ok());
+  ASSERT_TRUE(staging.PublishFolder().ok());
+  EXPECT_TRUE(fs::is_empty(Path("new")));
 }
 
 TEST_F(StagingFolderTest, TemporaryOnesAreOfThisUserAlone) {
