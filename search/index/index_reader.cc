@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "search/index/caught.h"
+#include "search/index/document_words.h"
 #include "search/index/opened_index.h"
 #include "search/index/question.h"
 #include "search/matching/vocabulary.h"
@@ -66,7 +67,7 @@ class IndexReader::Impl {
     results.suggestions = std::move(answer->suggestions);
     results.total = answer->found.total;
     results.matched_terms = std::move(answer->found.terms);
-    const Status status = ListHits(answer->found.best, &results.hits);
+    const Status status = ListHits(answer->found.best, options.with_titles, &results.hits);
     if (!status.ok()) return status;
     return results;
   }
@@ -75,6 +76,10 @@ class IndexReader::Impl {
                       const std::function<bool(const Match&)>& visit) const {
     const auto found = AllAnswers(query, snapshot_, options);
     return found.ok() ? VisitMatches(*found, visit) : found.status();
+  }
+
+  Result<Explanation> Explain(std::string_view query, const SearchOptions& options) const {
+    return ExplainAnswer(query, snapshot_, options.words);
   }
 
   Result<std::uint64_t> Count(std::string_view query, const SearchOptions& options) const {
@@ -108,6 +113,36 @@ class IndexReader::Impl {
     return Status(StatusCode::kNotFound, "no document of this name");
   }
 
+  Result<DocumentInfo> FindDocument(const Hit& hit) const {
+    for (std::size_t i = 0; i < snapshot_.segments.size(); ++i) {
+      if (snapshot_.index_of_segment[i] != hit.index) continue;
+      const Segment& segment = *snapshot_.segments[i];
+      const auto code = segment.FindDocument(hit.name);
+      const Status status = segment.status();
+      if (!status.ok()) return status;
+      if (code) return InfoOf(segment, *code);
+    }
+    return Status(StatusCode::kNotFound, "no document of this name");
+  }
+
+  Status ForEachDocumentWithWords(
+      const std::function<bool(const DocumentInfo&, const std::vector<PlacedWord>&)>& visit) const {
+    bool goes_on = true;
+    for (const auto& segment : snapshot_.segments) {
+      Status error;
+      const Status status =
+          ForEachWithWords(*segment, [&](Code code, const std::vector<PlacedWord>& words) {
+            const auto info = InfoOf(*segment, code);
+            error = info.status();
+            goes_on = error.ok() && visit(*info, words);
+            return goes_on;
+          });
+      if (!error.ok()) return error;
+      if (!status.ok() || !goes_on) return status;
+    }
+    return {};
+  }
+
   Status ForEachDocument(const std::function<bool(const DocumentInfo&)>& visit) const {
     for (const auto& segment : snapshot_.segments) {
       for (std::size_t code = 1; code <= segment->size(); ++code) {
@@ -120,10 +155,11 @@ class IndexReader::Impl {
     return {};
   }
 
-  std::string Property(std::string_view key) const {
-    const auto& properties = indexes_.front().manifest.properties;
-    const auto found = properties.find(key);
-    return found != properties.end() ? found->second : "";
+  Result<std::string> Property(std::string_view key) const {
+    const OpenedIndex& index = indexes_.front();
+    if (!index.identity.empty()) return index.segments.front()->PropertyOf(key);
+    const auto found = index.manifest.properties.find(key);
+    return found != index.manifest.properties.end() ? found->second : std::string();
   }
 
   IndexStatistics Statistics() const noexcept {
@@ -131,15 +167,25 @@ class IndexReader::Impl {
     statistics.documents = snapshot_.living_documents();
     statistics.words = snapshot_.living_words();
     statistics.segments = snapshot_.segments.size();
-    statistics.with_positions = snapshot_.with_positions();
     for (const auto& segment : snapshot_.segments) {
       statistics.removed_documents += segment->size() - segment->living_documents();
     }
-    for (const OpenedIndex& index : indexes_) statistics.bytes += index.bytes;
+    for (const OpenedIndex& index : indexes_) AddSizes(index, &statistics);
     return statistics;
   }
 
  private:
+  static void AddSizes(const OpenedIndex& index, IndexStatistics* statistics) {
+    if (!index.manifest.with_positions) statistics->with_positions = false;
+    statistics->bytes += index.bytes;
+    for (const SegmentInfo& info : index.manifest.segments) {
+      statistics->segment_bytes += info.segment.bytes;
+      statistics->term_dictionary_bytes += info.terms.bytes;
+      statistics->document_table_bytes += info.table.bytes;
+      statistics->edit_bytes += info.edits.bytes;
+    }
+  }
+
   static Snapshot SnapshotOf(const std::vector<OpenedIndex>& indexes) {
     Snapshot snapshot;
     for (std::size_t i = 0; i < indexes.size(); ++i) {
@@ -151,27 +197,30 @@ class IndexReader::Impl {
     return snapshot;
   }
 
-  // No document has an empty name, but what is damaged has.
+  // What is damaged has an empty name; so may a document of class Kestan.
   Status VisitMatches(const std::vector<RankedDocument>& found,
                       const std::function<bool(const Match&)>& visit) const {
     for (const RankedDocument& document : found) {
       const Segment& segment = *snapshot_.segments[document.id.segment];
       const Match match{segment.NameOf(document.id.code), document.score,
                         snapshot_.index_of_segment[document.id.segment]};
-      if (match.name.empty()) return segment.table().status();
+      if (match.name.empty() && !segment.status().ok()) return segment.status();
       if (!visit(match)) break;
     }
     return {};
   }
 
-  Status ListHits(const std::vector<RankedDocument>& best, std::vector<Hit>* hits) const {
+  Status ListHits(const std::vector<RankedDocument>& best, bool with_titles,
+                  std::vector<Hit>* hits) const {
     for (const RankedDocument& document : best) {
       const Segment& segment = *snapshot_.segments[document.id.segment];
       Hit hit;
       hit.name = segment.NameOf(document.id.code);
-      auto title = segment.FieldOf(document.id.code, DocumentField::kTitle);
-      if (!title.ok()) return title.status();
-      hit.title = std::move(*title);
+      if (with_titles) {
+        auto title = segment.FieldOf(document.id.code, DocumentField::kTitle);
+        if (!title.ok()) return title.status();
+        hit.title = std::move(*title);
+      }
       hit.score = document.score;
       hit.percent = PercentOf(document.score, best.front().score);
       hit.index = snapshot_.index_of_segment[document.id.segment];
@@ -247,6 +296,20 @@ Result<DocumentInfo> IndexReader::FindDocument(std::string_view name) const {
   return Caught([&] { return impl_->FindDocument(name); });
 }
 
+Result<DocumentInfo> IndexReader::FindDocument(const Hit& hit) const {
+  return Caught([&] { return impl_->FindDocument(hit); });
+}
+
+Result<Explanation> IndexReader::Explain(std::string_view query,
+                                         const SearchOptions& options) const {
+  return Caught([&] { return impl_->Explain(query, options); });
+}
+
+Status IndexReader::ForEachDocumentWithWords(
+    const std::function<bool(const DocumentInfo&, const std::vector<PlacedWord>&)>& visit) const {
+  return Caught([&] { return impl_->ForEachDocumentWithWords(visit); });
+}
+
 Status IndexReader::ForEachDocument(const std::function<bool(const DocumentInfo&)>& visit) const {
   return Caught([&] { return impl_->ForEachDocument(visit); });
 }
@@ -260,7 +323,7 @@ Result<std::vector<Fragment>> IndexReader::Snippet(const SearchResults& results,
 }
 
 Result<std::string> IndexReader::Property(std::string_view key) const {
-  return Caught([&]() -> Result<std::string> { return impl_->Property(key); });
+  return Caught([&] { return impl_->Property(key); });
 }
 
 IndexStatistics IndexReader::Statistics() const noexcept { return impl_->Statistics(); }

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "search/index/missing_words.h"
+#include "search/matching/explain.h"
 #include "search/query/query_parser.h"
 
 namespace kestan::search {
@@ -68,6 +69,11 @@ std::string HowManyHaveAll(std::uint64_t documents) {
          " documents have all of these words; those after them have some of them";
 }
 
+bool NeedsPositions(const Query& query) {
+  return query.kind == Query::Kind::kNear || query.kind == Query::Kind::kPhrase ||
+         std::any_of(query.operands.begin(), query.operands.end(), NeedsPositions);
+}
+
 // Says of each word that no document has that it is so, where others were found.
 Status NameMissingWords(const Query& query, const Snapshot& snapshot, Answer* answer) {
   auto missing = MissingWords(query, snapshot);
@@ -95,6 +101,10 @@ class Question {
     if (!query_) {
       answer_.notes.emplace_back("the query holds no letters to search for");
       return std::move(answer_);
+    }
+    if (!snapshot_.with_positions() && NeedsPositions(*query_)) {
+      answer_.notes.emplace_back(
+          "the index keeps no positions, so NEAR and quotes are taken for AND");
     }
     Status status = Find(*query_);
     if (status.ok() && options_.words == WordsMean::kBest) status = FindSome();
@@ -168,6 +178,16 @@ Result<std::uint64_t> CountAnswers(std::string_view text, const Snapshot& snapsh
   auto rest = CountMatches(Without(*some, *query), snapshot);
   if (rest.ok()) *rest += *have_all;
   return rest;
+}
+
+Result<Explanation> ExplainAnswer(std::string_view text, const Snapshot& snapshot,
+                                  WordsMean words) {
+  const MaybeQuery all = Parsed(text, OperatorOf(words));
+  if (!all) return Explanation();
+  auto explained = ExplainQuery(*all, snapshot);
+  const bool is_answered = explained.ok() && explained->documents > 0 && !IsQuestion(text);
+  if (!explained.ok() || is_answered || words != WordsMean::kBest) return explained;
+  return ExplainQuery(*ParsedForSome(text), snapshot);
 }
 
 }  // namespace kestan::search

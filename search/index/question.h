@@ -41,6 +41,10 @@ Result<std::vector<RankedDocument>> AllAnswers(std::string_view text, const Snap
 Result<std::uint64_t> CountAnswers(std::string_view text, const Snapshot& snapshot,
                                    WordsMean words);
 
+// Explains the query that found the last of the documents which answer `text`.
+//   Returns  kDamaged.
+Result<Explanation> ExplainAnswer(std::string_view text, const Snapshot& snapshot, WordsMean words);
+
 }  // namespace kestan::search
 
 #endif  // KESTAN_SEARCH_INDEX_QUESTION_H_

@@ -16,6 +16,20 @@ namespace kestan::search {
 namespace {
 
 constexpr std::size_t kDocumentsBetweenFlushes = 1000;
+constexpr std::string_view kOptionFlagsProperty = "option-flags";
+constexpr std::string_view kWordListProperty = "wordlist:";
+
+// Returns whether a list may have `word`. The bytes of postings make none.
+bool IsListed(std::string_view word) {
+  const auto is_control = [](char byte) { return static_cast<unsigned char>(byte) <= ' '; };
+  return !word.empty() && std::none_of(word.begin(), word.end(), is_control);
+}
+
+// Returns whether a record of the document with the empty name has this key too: "d-".
+bool HasKeyOfEmptyName(std::string_view word) {
+  constexpr std::string_view kFamilies = "cdgstuw";
+  return word.size() == 2 && word[1] == '-' && kFamilies.find(word[0]) != std::string_view::npos;
+}
 
 class PlainIndexReader {
  public:
@@ -106,16 +120,27 @@ class PlainIndexReader {
     return FileStatus();
   }
 
+  // Returns whether a posting is of a document that there can be.
+  bool IsSound(Code code, const EncodedPositions& positions) const {
+    const bool has_positions = positions.size() > 0;
+    return code != 0 && code < documents_.size() && has_positions == index_.with_positions;
+  }
+
+  bool AreSound(const WordPostings& postings) const {
+    for (WordPostings::Cursor cursor(postings); cursor.Next();) {
+      if (!IsSound(cursor.code(), cursor.positions())) return false;
+    }
+    return true;
+  }
+
   Status ReadTerm(std::string_view word, const WordPostings& postings) {
+    if (HasKeyOfEmptyName(word) && !AreSound(postings)) return {};
     const bool is_folded = IsFolded(word);
     std::uint32_t documents = 0;
     for (WordPostings::Cursor cursor(postings); cursor.Next(); ++documents) {
       const Code code = cursor.code();
       const EncodedPositions positions = cursor.positions();
-      const bool has_positions = positions.size() > 0;
-      if (code == 0 || code >= documents_.size() || has_positions != index_.with_positions) {
-        return Damaged("a posting record is damaged");
-      }
+      if (!IsSound(code, positions)) return Damaged("a posting record is damaged");
       StoredDocument& document = documents_[code];
       if (is_folded) document.folded += std::max<std::size_t>(positions.size(), 1);
       for (const Position position : positions) {
@@ -186,6 +211,21 @@ bool IsFolded(std::string_view word) {
   return std::all_of(word.begin(), word.end(), [](char byte) {
     return (static_cast<unsigned char>(byte) & kFoldedBit) != 0;
   });
+}
+
+std::string PropertyOf(IndexFile& file, std::string_view key) {
+  if (key == kOptionFlagsProperty) {
+    const std::uint32_t flags = file.OptionFlags().value_or(0) & ~kFlagNoPositions;
+    return flags == 0 ? "" : std::to_string(flags);
+  }
+  if (key.substr(0, kWordListProperty.size()) != kWordListProperty) return "";
+  std::string words;
+  bool is_list = true;  // the posting record of a word such as "w-boson" is none
+  file.ForEachListedWord(key.substr(kWordListProperty.size()), [&](std::string_view word) {
+    is_list = is_list && IsListed(word);
+    words.append(word) += '\n';
+  });
+  return is_list ? words : "";
 }
 
 Result<PlainIndex> ReadPlainIndex(const std::string& path) { return PlainIndexReader(path).Read(); }

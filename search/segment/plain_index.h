@@ -39,6 +39,11 @@ struct PlainIndex {
 //   Returns  kBusy while another process changes it; kDamaged, kVersion, kSystem.
 Result<PlainIndex> ReadPlainIndex(const std::string& path);
 
+// Reads what ConvertIndexFile() makes a property of: the word list of "wordlist:NAME", each word
+// followed by a line feed, or the host's own flags as "option-flags"; "" if `file` has none.
+// file.FileError() says whether it could be read.
+std::string PropertyOf(IndexFile& file, std::string_view key);
+
 // Returns whether `word` is as it is folded: of two forms of a word in a text, this is one.
 bool IsFolded(std::string_view word);
 

@@ -56,6 +56,7 @@ struct Segment::Files {
   // record, nothing.
   Result<std::string> FetchOrdered(std::string_view term) const;
   Result<std::string> FetchField(DocumentField field, std::string_view name) const;
+  Result<std::string> FetchProperty(std::string_view key) const;
 
   std::shared_ptr<const FileBytes> segment;
   TermDictionary terms;
@@ -106,6 +107,15 @@ Result<std::string> Segment::Files::FetchField(DocumentField field, std::string_
   const StoreError error = index_file->FileError();
   if (error != StoreError::kNone) return StatusOfIndexFile(error, errno, segment->path());
   return text;
+}
+
+Result<std::string> Segment::Files::FetchProperty(std::string_view key) const {
+  const std::lock_guard<std::mutex> lock(mutex);
+  std::string value = kestan::search::PropertyOf(*index_file, key);
+  index_file->store().Flush();
+  const StoreError error = index_file->FileError();
+  if (error != StoreError::kNone) return StatusOfIndexFile(error, errno, segment->path());
+  return value;
 }
 
 // ---- Opening ----
@@ -256,6 +266,10 @@ Result<std::string> Segment::FieldOf(Code code, DocumentField field) const {
   const Result<Bytes> record = ReadRecord(key, entry.fields[index]);
   if (!record.ok()) return record.status();
   return std::string(record->view());
+}
+
+Result<std::string> Segment::PropertyOf(std::string_view key) const {
+  return files_->is_plain ? files_->FetchProperty(key) : std::string();
 }
 
 // ---- Words ----

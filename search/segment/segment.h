@@ -81,6 +81,10 @@ class Segment {
   std::uint64_t living_documents() const { return living_documents_; }
   std::uint64_t living_words() const { return living_words_; }
 
+  // Reads a property of an index file of class Kestan; see PlainIndex. Others keep none themselves.
+  //   Returns  kDamaged, kSystem.
+  Result<std::string> PropertyOf(std::string_view key) const;
+
   // ---- Words ----
 
   // Returns the posting record of `term`, from the mapping where its key is at the place that the

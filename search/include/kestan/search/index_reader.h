@@ -2,6 +2,7 @@
 #ifndef KESTAN_SEARCH_INDEX_READER_H_
 #define KESTAN_SEARCH_INDEX_READER_H_
 
+#include <kestan/search/explanation.h>
 #include <kestan/search/export.h>
 #include <kestan/search/fragment.h>
 #include <kestan/search/index_writer.h>
@@ -38,6 +39,7 @@ struct SearchOptions {
   double k1 = 2.0;               // BM25: how slowly further occurrences of a word count less
   double b = 0.75;               // BM25: how much the length of a document counts
   double proximity_bonus = 0.4;  // how much words of the query that stand near each other count
+  bool with_titles = true;       // of hits; without them, less is read of each
 };
 
 // One answer. It keeps nothing of the reader.
@@ -78,12 +80,22 @@ struct DocumentInfo {
   std::string host_data;
 };
 
+// A word where it stands in a document. Lent for the call that gives it.
+struct PlacedWord {
+  std::string_view word;
+  std::uint32_t position = 0;  // from 1, and after 65535 from 1 again; 0 where none is known
+};
+
 struct IndexStatistics {
   std::uint64_t documents = 0;          // without removed ones
   std::uint64_t removed_documents = 0;  // whose words still take space
   std::uint64_t words = 0;              // of all documents, each as often as it occurs
   std::uint64_t segments = 0;
-  std::uint64_t bytes = 0;  // of all files
+  std::uint64_t bytes = 0;  // of all files; MANIFEST has what is not named here
+  std::uint64_t segment_bytes = 0;
+  std::uint64_t term_dictionary_bytes = 0;
+  std::uint64_t document_table_bytes = 0;
+  std::uint64_t edit_bytes = 0;
   bool with_positions = true;
 };
 
@@ -118,6 +130,11 @@ class KESTAN_SEARCH_EXPORT IndexReader {
   // Returns how many documents match, which takes less time than to rank them.
   Result<std::uint64_t> Count(std::string_view query, const SearchOptions& options = {}) const;
 
+  // Tells how `query` is read, and what each of its parts finds: of the reading whose documents
+  // Search() returns, or returns last where documents with some of the words follow those with all.
+  //   Returns  kDamaged.
+  Result<Explanation> Explain(std::string_view query, const SearchOptions& options = {}) const;
+
   // Returns the terms that begin with `prefix`, in order of their bytes, with the number of living
   // documents that hold each; terms without any are left out. At most `limit`; 0: all.
   Result<std::vector<TermInfo>> Terms(std::string_view prefix, std::size_t limit = 0) const;
@@ -126,9 +143,21 @@ class KESTAN_SEARCH_EXPORT IndexReader {
   //   Returns  kNotFound if there is none.
   Result<DocumentInfo> FindDocument(std::string_view name) const;
 
+  // Finds the document of a hit in the index that has it.
+  //   Returns  kNotFound if this snapshot has it no longer.
+  Result<DocumentInfo> FindDocument(const Hit& hit) const;
+
   // Calls `visit` with each living document, index by index in the order of addition as far as
   // merging has kept it. `visit` returns whether to go on.
   Status ForEachDocument(const std::function<bool(const DocumentInfo&)>& visit) const;
+
+  // The same with the words of each, as they were written, by ascending position and, where several
+  // share one, in order of their bytes. A text of more than 65535 words has several at a position.
+  // An index without positions has each word once. Takes a while: all postings are read, and as
+  // many are held in memory as 128 MB hold, or one segment's words and names, or one document.
+  Status ForEachDocumentWithWords(
+      const std::function<bool(const DocumentInfo& document, const std::vector<PlacedWord>& words)>&
+          visit) const;
 
   // Cuts the part out of `text`, the text of a hit in UTF-8, that shows best why it matches: about
   // 160 bytes on one line, one blank for each run of white space, "..." where text was left out.
@@ -136,7 +165,8 @@ class KESTAN_SEARCH_EXPORT IndexReader {
   //            cannot be transliterated.
   static Result<std::vector<Fragment>> Snippet(const SearchResults& results, std::string_view text);
 
-  // Returns what IndexWriter::SetProperty() has kept in the first index; "" for nothing. Allocates
+  // Returns what IndexWriter::SetProperty() has kept in the first index, or what ConvertIndexFile()
+  // would make a property of, if that is an index file of class Kestan; "" for nothing. Allocates
   // the copy, which is all that can fail.
   Result<std::string> Property(std::string_view key) const;
 
