@@ -28,13 +28,20 @@ bool AreSwitches(const Command& command, const std::string& argument) {
                      [&](char letter) { return IsSwitch(command, letter); });
 }
 
+// Returns whether `argument` is a dash and the letter of an option with a value, which comes next.
+bool TakesValue(const Command& command, const std::string& argument) {
+  return std::any_of(command.options.begin(), command.options.end(), [&](const Option& option) {
+    return !option.value.empty() && option.names.rfind(argument + ",", 0) == 0;
+  });
+}
+
 // The argument is one of `command`, which is null if it is not known.
 bool NeedsGuard(const std::string& argument, const Command* command) {
   if (argument.empty()) return false;
   if (argument.front() == '[' || argument.front() == kGuard) return true;
   const bool has_one_dash = argument.size() > 1 && argument[0] == '-' && argument[1] != '-';
   return has_one_dash && command != nullptr && command->takes_dashes &&
-         !AreSwitches(*command, argument);
+         !AreSwitches(*command, argument) && !TakesValue(*command, argument);
 }
 
 std::string Guarded(const std::string& argument, const Command* command) {

@@ -2,14 +2,22 @@
 #ifndef KESTAN_CLI_EXPORT_EXPORT_WRITER_H_
 #define KESTAN_CLI_EXPORT_EXPORT_WRITER_H_
 
-#include <kestan/maintenance.h>
+#include <kestan/search.h>
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "cli/extract/charset/latin1.h"
 
 namespace kestan_cli {
+
+// A document as it leaves. Borrows what it is made of.
+struct ExportedDocument {
+  const kestan::search::DocumentInfo& info;
+  const std::vector<kestan::search::PlacedWord>& words;  // by ascending position
+  bool has_positions = true;                             // false: each word is there once
+};
 
 // What the writer found in a document. The export reports it once, at the end.
 struct ExportNotes {
@@ -29,7 +37,7 @@ class ExportWriter {
   ExportWriter& operator=(const ExportWriter&) = delete;
 
   virtual std::string Begin() = 0;
-  virtual std::string Add(const kestan::StoredDocument& document, ExportNotes* notes) = 0;
+  virtual std::string Add(const ExportedDocument& document, ExportNotes* notes) = 0;
   virtual std::string End() = 0;
 };
 

@@ -12,33 +12,32 @@ namespace {
 
 constexpr std::size_t kMaxIdBytes = 512;
 
-void AddText(const char* field, const std::optional<std::string_view>& text, Json* source,
-             ExportNotes* notes) {
-  if (text.has_value()) (*source)[field] = notes->Utf8(*text);
+void AddText(const char* field, const std::string& text, Json* source, ExportNotes* notes) {
+  if (!text.empty()) (*source)[field] = notes->Utf8(text);
 }
 
-std::string TextOf(const kestan::StoredDocument& document, ExportNotes* notes) {
+std::string TextOf(const ExportedDocument& document, ExportNotes* notes) {
   std::string text;
-  for (std::size_t i = 0; i < document.word_count; ++i) {
-    if (i != 0) text += ' ';
-    text += notes->Utf8(document.words[i].bytes);
+  for (const kestan::search::PlacedWord& word : document.words) {
+    if (!text.empty()) text += ' ';
+    text += notes->Utf8(word.word);
   }
   return text;
 }
 
 }  // namespace
 
-std::string JsonWriter::Add(const kestan::StoredDocument& document, ExportNotes* notes) {
-  const std::string name = notes->Utf8(document.name);
+std::string JsonWriter::Add(const ExportedDocument& document, ExportNotes* notes) {
+  const std::string name = notes->Utf8(document.info.name);
   Json action;
   action["index"]["_index"] = target_;
   if (IsUsableId(name)) action["index"]["_id"] = name;
   Json source;
   source["name"] = name;
-  AddText("title", document.title, &source, notes);
-  AddText("summary", document.summary, &source, notes);
-  AddText("user", document.user, &source, notes);
-  source["time"] = IsoTime(document.timestamp);
+  AddText("title", document.info.title, &source, notes);
+  AddText("summary", document.info.summary, &source, notes);
+  AddText("user", document.info.host_data, &source, notes);
+  source["time"] = IsoTime(document.info.added);
   source["text"] = TextOf(document, notes);
   source["in_order"] = document.has_positions;
   return JsonLine(action) + JsonLine(source);

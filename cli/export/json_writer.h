@@ -19,7 +19,7 @@ class JsonWriter : public ExportWriter {
   explicit JsonWriter(std::string target) : target_(std::move(target)) {}
 
   std::string Begin() override { return {}; }
-  std::string Add(const kestan::StoredDocument& document, ExportNotes* notes) override;
+  std::string Add(const ExportedDocument& document, ExportNotes* notes) override;
   std::string End() override { return {}; }
 
  private:

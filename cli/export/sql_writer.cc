@@ -43,10 +43,13 @@ void AppendColumn(const std::optional<std::string>& text, char separator, std::s
   *line += separator;
 }
 
-std::optional<std::string> SqlText(const std::optional<std::string_view>& text,
-                                   ExportNotes* notes) {
-  if (!text.has_value()) return std::nullopt;
-  return WithoutNuls(notes->Utf8(*text), &notes->document_had_nul);
+std::string SqlText(const std::string& text, ExportNotes* notes) {
+  return WithoutNuls(notes->Utf8(text), &notes->document_had_nul);
+}
+
+std::optional<std::string> SqlTextOrNothing(const std::string& text, ExportNotes* notes) {
+  if (text.empty()) return std::nullopt;
+  return SqlText(text, notes);
 }
 
 }  // namespace
@@ -70,17 +73,17 @@ std::string SqlWriter::Begin() {
          table_ + " (name, title, summary, time, words) FROM stdin;\n";
 }
 
-std::string SqlWriter::Add(const kestan::StoredDocument& document, ExportNotes* notes) {
+std::string SqlWriter::Add(const ExportedDocument& document, ExportNotes* notes) {
   const TsVector vector = MakeTsVector(document);
   const std::string losses = vector.losses.Text();
-  if (!losses.empty()) ReportProblem(Quoted(document.name) + ": " + losses);
+  if (!losses.empty()) ReportProblem(Quoted(document.info.name) + ": " + losses);
   notes->document_was_latin1 |= vector.was_latin1;
   notes->document_had_nul |= vector.had_nul;
   std::string line;
-  AppendColumn(SqlText(document.name, notes), '\t', &line);
-  AppendColumn(SqlText(document.title, notes), '\t', &line);
-  AppendColumn(SqlText(document.summary, notes), '\t', &line);
-  AppendColumn(IsoTime(document.timestamp), '\t', &line);
+  AppendColumn(SqlText(document.info.name, notes), '\t', &line);
+  AppendColumn(SqlTextOrNothing(document.info.title, notes), '\t', &line);
+  AppendColumn(SqlTextOrNothing(document.info.summary, notes), '\t', &line);
+  AppendColumn(IsoTime(document.info.added), '\t', &line);
   AppendColumn(vector.text, '\n', &line);
   return line;
 }

@@ -15,7 +15,7 @@ class SqlWriter : public ExportWriter {
   explicit SqlWriter(const std::string& target);
 
   std::string Begin() override;
-  std::string Add(const kestan::StoredDocument& document, ExportNotes* notes) override;
+  std::string Add(const ExportedDocument& document, ExportNotes* notes) override;
   std::string End() override;
 
  private:

@@ -23,16 +23,16 @@ struct Lexeme {
 // The different words of a document, with their positions, in the order of their first occurrence.
 class Lexemes {
  public:
-  Lexemes(const kestan::StoredDocument& document, TsVector* made) : made_(*made) {
-    for (std::size_t i = 0; i < document.word_count; ++i) Add(document.words[i]);
+  Lexemes(const ExportedDocument& document, TsVector* made) : made_(*made) {
+    for (const kestan::search::PlacedWord& word : document.words) Add(word);
   }
 
   const std::vector<Lexeme>& all() const { return lexemes_; }
 
  private:
-  void Add(const kestan::PlacedWord& word) {
+  void Add(const kestan::search::PlacedWord& word) {
     std::string bytes =
-        LowerCase(WithoutNuls(Utf8OrAllLatin1(word.bytes, &made_.was_latin1), &made_.had_nul));
+        LowerCase(WithoutNuls(Utf8OrAllLatin1(word.word, &made_.was_latin1), &made_.had_nul));
     const auto [found, is_new] = numbers_.emplace(std::move(bytes), lexemes_.size());
     if (is_new) lexemes_.push_back({found->first, {}});
     AddPosition(word.position, &lexemes_[found->second].positions);
@@ -94,7 +94,7 @@ std::string TsVectorLosses::Text() const {
   return text;
 }
 
-TsVector MakeTsVector(const kestan::StoredDocument& document) {
+TsVector MakeTsVector(const ExportedDocument& document) {
   TsVector made;
   const Lexemes lexemes(document, &made);
   std::size_t bytes = 0;

@@ -2,10 +2,10 @@
 #ifndef KESTAN_CLI_EXPORT_TSVECTOR_H_
 #define KESTAN_CLI_EXPORT_TSVECTOR_H_
 
-#include <kestan/maintenance.h>
-
 #include <cstddef>
 #include <string>
+
+#include "cli/export/export_writer.h"
 
 namespace kestan_cli {
 
@@ -36,7 +36,7 @@ struct TsVector {
 
 // Makes a tsvector of the words of `document`: each once, in lower case (A-Z), in the order of
 // their first occurrences, and with its positions if they are known.
-TsVector MakeTsVector(const kestan::StoredDocument& document);
+TsVector MakeTsVector(const ExportedDocument& document);
 
 // Returns `text` with U+FFFD for each NUL, which PostgreSQL does not accept, and sets `*had_nul` if
 // there was one; it is never cleared.

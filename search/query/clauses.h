@@ -2,7 +2,6 @@
 #ifndef KESTAN_SEARCH_QUERY_CLAUSES_H_
 #define KESTAN_SEARCH_QUERY_CLAUSES_H_
 
-#include <string>
 #include <vector>
 
 #include "search/query/query.h"
@@ -12,10 +11,6 @@ namespace kestan::search {
 // Returns the clauses of `query` that add to the score of a document: what AND and OR join, without
 // what is under NOT. Each can be evaluated by itself. Borrows `query`.
 std::vector<const Query*> ScoringClauses(const Query& query);
-
-// Returns the words of `query` outside NOT, each once, in the order in which they came first;
-// those that stand for others (prefix*, fuzzy~) are not among them.
-std::vector<std::string> WordsOf(const Query& query);
 
 }  // namespace kestan::search
 

@@ -145,6 +145,11 @@ TEST(FindPrivateHeadersTest, HeaderThatNoHostHasIsFound) {
                                {"kestan/kestan.h"}),
             Lines({"cli/main.cc includes kestan/format/keys.h",
                    "search/query/query.cc includes kestan/text/fold.h"}));
+  EXPECT_EQ(FindPrivateHeaders({{"cli/main.cc", {"search/include/kestan/search.h"}},
+                                {"cli/app/a.cc", {"search/text/words.h"}},
+                                {"search/query/query.cc", {"search/text/words.h"}}},
+                               {}),
+            Lines({"cli/app/a.cc includes search/text/words.h"}));
 }
 
 TEST(FindCrowdedDirectoriesTest, TwentyFilesAreFewAndTwentyOneMany) {

@@ -1,8 +1,8 @@
 #include "cli/commands/documents/export_command.h"
 
-#include <kestan/maintenance.h>
 #include <kestan/search.h>
 
+#include <exception>
 #include <memory>
 
 #include "cli/commands/commands.h"
@@ -11,7 +11,8 @@
 #include "cli/console/output.h"
 #include "cli/export/json_writer.h"
 #include "cli/export/sql_writer.h"
-#include "cli/index/opened_index.h"
+#include "cli/index/index_errors.h"
+#include "cli/index/opened_reader.h"
 
 namespace kestan_cli {
 namespace {
@@ -20,8 +21,8 @@ constexpr std::size_t kBytesPrintedAtOnce = std::size_t{1} << 20;
 
 // Documents that the export cannot print whole.
 struct Loss {
-  void Count(const kestan::StoredDocument& document) {
-    if (count++ == 0) first = document.name;
+  void Count(const ExportedDocument& document) {
+    if (count++ == 0) first = document.info.name;
   }
 
   // Reports what is missing or changed, if anything is.
@@ -39,7 +40,7 @@ class Exporter {
  public:
   explicit Exporter(ExportWriter& writer) : writer_(writer), waiting_(writer.Begin()) {}
 
-  void Add(const kestan::StoredDocument& document) {
+  void Add(const ExportedDocument& document) {
     ExportNotes notes;
     waiting_ += writer_.Add(document, &notes);
     if (notes.document_was_latin1) not_utf8_.Count(document);
@@ -81,13 +82,20 @@ std::unique_ptr<ExportWriter> MakeWriter(const ExportOptions& options) {
 
 int RunExport(const std::string& index, const ExportOptions& options) {
   const std::unique_ptr<ExportWriter> writer = MakeWriter(options);
-  ExamineIndex(index, Access::kRead);
-  Database store;
-  OpenStore(store, index, Access::kRead);
+  const kestan::search::IndexReader reader = OpenReader(index);
+  const bool has_positions = reader.Statistics().with_positions;
   Exporter exporter(*writer);
-  const auto error = kestan::ReadDocuments(
-      store, [&](const kestan::StoredDocument& document) { exporter.Add(document); });
-  if (error != kestan::StoreError::kNone) throw CannotRead(index, error);
+  std::exception_ptr failure;  // the library passes none on
+  const auto status = reader.ForEachDocumentWithWords([&](const auto& document, const auto& words) {
+    try {
+      exporter.Add({document, words, has_positions});
+    } catch (...) {
+      failure = std::current_exception();
+    }
+    return failure == nullptr;
+  });
+  if (failure != nullptr) std::rethrow_exception(failure);
+  CheckStatus(status, index);
   exporter.Finish();
   return kDone;
 }

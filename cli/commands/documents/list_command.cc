@@ -1,69 +1,70 @@
-#include <kestan/results.h>
-
 #include <algorithm>
-#include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "cli/commands/commands.h"
 #include "cli/console/json.h"
-#include "cli/index/document_records.h"
+#include "cli/index/document_names.h"
+#include "cli/index/index_errors.h"
+#include "cli/index/opened_reader.h"
 
 namespace kestan_cli {
 namespace {
 
-using Names = std::vector<std::string>;
+using kestan::search::DocumentInfo;
+using kestan::search::IndexReader;
 
-std::string TextOf(const Names& names, char end) {
+// Returns what `part` takes of each document.
+//   Throws   CommandError if the index cannot be read.
+template <typename Part>
+auto TakenOf(const IndexReader& reader, const std::string& index, const Part& part) {
+  std::vector<decltype(part(DocumentInfo()))> parts;
+  const auto status = reader.ForEachDocument([&](const DocumentInfo& document) {
+    parts.push_back(part(document));
+    return true;
+  });
+  CheckStatus(status, index);
+  return parts;
+}
+
+std::string TextOf(const IndexReader& reader, const std::string& index, char end) {
+  auto names = TakenOf(reader, index, [](const DocumentInfo& document) { return document.name; });
+  std::sort(names.begin(), names.end());
+  const ShownNames shown;
   std::string text;
-  for (const std::string& name : names) text.append(name) += end;
+  for (const std::string& name : names) text.append(shown(name)) += end;
   return text;
 }
 
-struct TimedDocument {
-  std::string name;
-  std::uint32_t time = 0;
-};
-
-// Returns the documents in order of the bytes of their names. Reads the times in the same walk: a
-// damaged file may not give a record twice.
-std::vector<TimedDocument> TimedDocuments(Kestan& engine) {
-  std::vector<TimedDocument> documents;
-  kestan::IndexReader& reader = kestan::ReaderOf(engine);
-  reader.ForEachDocument([&](std::string_view name) {
-    documents.push_back({std::string(name), reader.TimestampOf(name)});
-    return true;
-  });
-  std::sort(documents.begin(), documents.end(),
-            [](const auto& left, const auto& right) { return left.name < right.name; });
-  return documents;
-}
-
-Json JsonOf(Kestan& engine, const TimedDocument& document) {
-  const char* const name = document.name.c_str();
-  Json json{{"name", document.name}, {"time", document.time}};
-  if (const char* const title = engine.DBGetTitle(name)) json["title"] = title;
-  if (const char* const summary = engine.DBGetSummary(name)) json["summary"] = summary;
+Json JsonOf(const DocumentInfo& document) {
+  Json json{{"name", document.name}, {"time", document.added}};
+  if (!document.title.empty()) json["title"] = document.title;
+  if (!document.summary.empty()) json["summary"] = document.summary;
   return json;
 }
 
-Json JsonOf(Kestan& engine) {
+Json JsonOf(const IndexReader& reader, const std::string& index) {
+  auto named = TakenOf(reader, index, [](const DocumentInfo& document) {
+    return std::make_pair(document.name, JsonOf(document));
+  });
+  std::stable_sort(named.begin(), named.end(),
+                   [](const auto& left, const auto& right) { return left.first < right.first; });
   Json documents = Json::array();
-  for (const TimedDocument& each : TimedDocuments(engine))
-    documents.push_back(JsonOf(engine, each));
+  for (auto& [name, document] : named) documents.push_back(std::move(document));
   return documents;
 }
 
-int RunList(Kestan& engine, const Values& values) {
-  const OpenedIndex opened(engine, values.Text("INDEX"), Access::kRead);
+int RunList(Kestan&, const Values& values) {
+  const std::string index = values.Text("INDEX");
+  const IndexReader reader = OpenReader(index);
   PrintReport(
       ReportFormatOf(values),
       [&] {
-        return JsonReport({{"documents", JsonOf(engine)}});
+        return JsonReport({{"documents", JsonOf(reader, index)}});
       },
-      [&] { return TextOf(DocumentNames(engine), values.Has("--null") ? '\0' : '\n'); });
-  opened.CheckRead();
+      [&] { return TextOf(reader, index, values.Has("--null") ? '\0' : '\n'); });
   return kDone;
 }
 
@@ -74,7 +75,7 @@ Command ListCommand() {
           "List all documents by name.",
           {IndexArgument()},
           {{"-0,--null", "", "end each name with a NUL instead of a line feed"}, JsonOption()},
-          "",
+          "Names of files are shown as paths that open from here.",
           {"kestan list my.index"},
           RunList};
 }

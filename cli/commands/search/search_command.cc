@@ -1,130 +1,133 @@
 #include "cli/commands/search/search_command.h"
 
-#include <kestan/results.h>
-
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
-#include <string_view>
+#include <limits>
 #include <utility>
-#include <vector>
 
 #include "cli/commands/commands.h"
 #include "cli/commands/search/search_report.h"
 #include "cli/console/diagnostics.h"
 #include "cli/console/message.h"
 #include "cli/extract/indexed_text.h"
-#include "cli/files/fingerprint.h"
-#include "cli/index/opened_index.h"
-#include "search/query/clauses.h"
-#include "search/query/distinct.h"
-#include "search/query/evaluation/evaluator.h"
-#include "search/query/query_parser.h"
-#include "search/ranking/listing/relevance.h"
+#include "cli/index/document_names.h"
+#include "cli/index/index_errors.h"
+#include "cli/index/opened_reader.h"
 
 namespace kestan_cli {
 namespace {
 
-using kestan::search::DefaultOperator;
-using kestan::search::Distinct;
-using kestan::search::EngineHit;
-using kestan::search::Evaluator;
-using kestan::search::Explanation;
 using kestan::search::Fragment;
-using kestan::search::HitOrder;
-using kestan::search::HitsIn;
-using kestan::search::MakeSnippet;
-using kestan::search::ParseQuery;
-using kestan::search::Query;
-using kestan::search::RankedClause;
-using kestan::search::ResultSet;
-using kestan::search::ScoringClauses;
-using kestan::search::TermFrequenciesIn;
+using kestan::search::Hit;
+using kestan::search::IndexReader;
+using kestan::search::SearchResults;
+using kestan::search::WordsMean;
 
-std::string TextOrEmpty(const char* text) { return text == nullptr ? "" : text; }
+bool IsSet(const char* variable) {
+  const char* const value = std::getenv(variable);
+  return value != nullptr && *value != '\0';
+}
+
+bool IsDumbTerminal() {
+  const char* const terminal = std::getenv("TERM");
+  return terminal != nullptr && std::string(terminal) == "dumb";
+}
 
 bool IsColoured(Colour colour) {
   if (colour != Colour::kAuto) return colour == Colour::kAlways;
-  const std::string no_color = TextOrEmpty(std::getenv("NO_COLOR"));
-  const std::string terminal = TextOrEmpty(std::getenv("TERM"));
-  return OutputIsTerminal() && no_color.empty() && terminal != "dumb";
+  return OutputIsTerminal() && !IsSet("NO_COLOR") && !IsDumbTerminal();
 }
 
-// One search in an index that has, or once had, a document.
+// Returns whether hits are shown with their titles and snippets.
+bool IsRich(const SearchOptions& options) { return options.snippets || OutputIsTerminal(); }
+
+// One search. Keeps what it found.
 class Search {
  public:
-  Search(OpenedIndex& index, const SearchOptions& options)
-      : index_(index),
-        engine_(index.engine()),
-        options_(options),
-        evaluator_(engine_),
-        texts_(options.converters) {}
+  explicit Search(const SearchOptions& options)
+      : options_(options), reader_(OpenReader(options.indexes)), texts_(options.converters) {}
 
-  SearchReport Run(const Query& query) {
+  // Returns the answer, without the hits.
+  SearchReport Run() {
     SearchReport report;
-    if (options_.explain) report.explanation.emplace();
-    Explanation* const explanation = options_.explain ? &*report.explanation : nullptr;
-    {
-      const ResultSet found = evaluator_.Evaluate(query, explanation);
-      hits_ = HitsIn(found);
+    report.query = options_.query;
+    if (options_.explain) {
+      auto explanation = ValueOf(reader_.Explain(options_.query, SearchIn()), Index());
+      if (!explanation.part.empty()) report.explanation = std::move(explanation);
     }
-    report.notes = evaluator_.notes();
-    report.total = hits_.size();
-    if (hits_.empty()) report.suggestions = evaluator_.SuggestionsFor(query);
-    if (!options_.count) Rank(query);
+    if (!CountAlone(&report)) Find(&report);
     return report;
   }
 
   // The hits to show, in order.
-  const std::vector<EngineHit>& hits() const { return hits_; }
+  const std::vector<Hit>& hits() const { return results_.hits; }
 
-  ShownHit Show(const EngineHit& hit, bool with_snippet) {
+  ShownHit Show(const Hit& hit, bool with_snippet) {
     ShownHit shown;
     shown.hit = hit;
-    shown.title = TextOrEmpty(engine_.DBGetTitle(hit.name.c_str()));
-    if (with_snippet) shown.snippet = SnippetOf(hit.name, shown.title);
+    shown.path = names_(hit.name);
+    if (options_.indexes.size() > 1) shown.index = options_.indexes[hit.index];
+    if (with_snippet) shown.snippet = SnippetOf(hit);
     return shown;
   }
 
+  std::string PathOf(const Hit& hit) const { return names_(hit.name); }
+
  private:
-  void Rank(const Query& query) {
-    if (options_.default_operator == DefaultOperator::kOr && options_.order != HitOrder::kScore) {
-      RankByRelevance(query);
-      if (options_.order != HitOrder::kBest) Sort(options_.order, &hits_);
-    } else {
-      Sort(options_.order, &hits_);
-    }
-    if (options_.limit && *options_.limit < hits_.size()) hits_.resize(*options_.limit);
+  const std::string& Index() const { return options_.indexes.front(); }
+
+  bool NeedsTitles() const {
+    if (options_.format == ReportFormat::kJson) return true;
+    return IsRich(options_) && !options_.nul && !options_.names_only;
   }
 
-  void RankByRelevance(const Query& query) {
-    std::vector<RankedClause> clauses;
-    for (const auto& [clause, times] : Distinct(ScoringClauses(query))) {
-      const auto documents = [this, clause = clause] {
-        return TermFrequenciesIn(evaluator_.Evaluate(*clause, nullptr), *clause);
-      };
-      clauses.push_back({documents, times});
-    }
-    const auto size_of = [this](const std::string& name) -> std::optional<std::uint64_t> {
-      const auto state = FileStateIn(TextOrEmpty(engine_.DBGetUser(name.c_str())));
-      if (!state) return std::nullopt;
-      return state->bytes;
-    };
-    SortByRelevance(clauses, index_.counts().documents, size_of, &hits_);
+  kestan::search::SearchOptions SearchIn() const {
+    kestan::search::SearchOptions options;
+    options.words = options_.words;
+    options.limit = options_.order == HitOrder::kBest ? options_.limit.value_or(0) : 0;
+    const bool shows_none = options_.count || options_.limit == std::size_t{0};
+    if (shows_none) options.limit = 1;
+    options.with_titles = NeedsTitles();
+    return options;
   }
 
-  std::vector<Fragment> SnippetOf(const std::string& name, const std::string& title) {
-    const auto text = texts_.Read({name, TextOrEmpty(engine_.DBGetUser(name.c_str())), title,
-                                   TextOrEmpty(engine_.DBGetSummary(name.c_str()))});
+  // Counts the documents where nothing else is asked for and there are any: ranking takes longer.
+  bool CountAlone(SearchReport* report) const {
+    if (!options_.count || options_.format == ReportFormat::kJson) return false;
+    report->total = ValueOf(reader_.Count(options_.query, SearchIn()), Index());
+    return report->total > 0;
+  }
+
+  void Find(SearchReport* report) {
+    results_ = ValueOf(reader_.Search(options_.query, SearchIn()), Index());
+    report->total = results_.total;
+    report->notes = results_.notes;
+    report->suggestions = results_.suggestions;
+    if (options_.order == HitOrder::kName) SortByName();
+    if (options_.count) results_.hits.clear();
+    const std::size_t limit = options_.limit.value_or(std::numeric_limits<std::size_t>::max());
+    if (results_.hits.size() > limit) results_.hits.resize(limit);
+  }
+
+  void SortByName() {
+    std::stable_sort(results_.hits.begin(), results_.hits.end(),
+                     [](const Hit& left, const Hit& right) { return left.name < right.name; });
+  }
+
+  std::vector<Fragment> SnippetOf(const Hit& hit) {
+    const auto document = ValueOf(reader_.FindDocument(hit), Index());
+    const auto text =
+        texts_.Read({document.name, document.host_data, document.title, document.summary});
     if (!text) return {};
-    return MakeSnippet(*text, evaluator_.matched_terms());
+    return ValueOf(IndexReader::Snippet(results_, *text), Index());
   }
 
-  OpenedIndex& index_;
-  Kestan& engine_;
   const SearchOptions& options_;
-  Evaluator evaluator_;
+  const IndexReader reader_;
+  const ShownNames names_;
   IndexedTextReader texts_;
-  std::vector<EngineHit> hits_;
+  SearchResults results_;
 };
 
 // Prints the explanation, notes and suggestions.
@@ -134,34 +137,34 @@ void PrintDiagnosticsOf(const SearchReport& report) {
   }
   for (const std::string& note : report.notes) PrintDiagnostic("note: " + note);
   const std::string words = Joined(report.suggestions, ", ");
-  if (!words.empty()) PrintDiagnostic("did you mean: " + words);
+  if (report.total == 0 && !words.empty()) PrintDiagnostic("did you mean: " + words);
 }
 
 void PrintHits(Search& search, const SearchOptions& options) {
-  const bool rich = options.snippets || OutputIsTerminal();
+  constexpr std::size_t kBytesAtATime = std::size_t{1} << 16;
+  const bool rich = IsRich(options);
   const bool coloured = IsColoured(options.colour);
   std::string lines;
-  for (const EngineHit& hit : search.hits()) {
+  for (const Hit& hit : search.hits()) {
     if (options.nul) {
-      lines.append(hit.name).push_back('\0');
+      lines.append(search.PathOf(hit)).push_back('\0');
     } else if (options.names_only) {
-      lines.append(hit.name).append("\n");
+      lines.append(search.PathOf(hit)).append("\n");
     } else if (!rich) {
-      lines += PlainLine(hit);
+      lines += PlainLine(hit.percent, search.PathOf(hit));
     } else {
       // One by one: for each snippet a file is read, and there may be many.
       PrintPainted(RichLines(search.Show(hit, true), coloured));
     }
+    if (lines.size() < kBytesAtATime) continue;
+    Print(lines);
+    lines.clear();
   }
   if (!lines.empty()) Print(lines);
 }
 
 void PrintJson(Search& search, const SearchOptions& options, SearchReport* report) {
-  if (!options.count) {
-    for (const EngineHit& hit : search.hits()) {
-      report->hits.push_back(search.Show(hit, options.snippets));
-    }
-  }
+  for (const Hit& hit : search.hits()) report->hits.push_back(search.Show(hit, options.snippets));
   Print(AsJson(*report));
 }
 
@@ -174,51 +177,20 @@ void PrintText(Search& search, const SearchOptions& options, const SearchReport&
   }
 }
 
-int FindAndPrint(OpenedIndex& index, const Query& query, const SearchOptions& options) {
-  Search search(index, options);
-  SearchReport report = search.Run(query);
-  report.query = options.query;
+}  // namespace
+
+int RunSearch(const SearchOptions& options) {
+  Search search(options);
+  SearchReport report = search.Run();
   if (options.format == ReportFormat::kJson) {
     PrintJson(search, options, &report);
   } else {
     PrintText(search, options, report);
   }
-  index.CheckRead();
   return report.total == 0 ? kNoHits : kDone;
 }
 
-// Prints the answer to a query that no document can match.
-int PrintNothing(const SearchOptions& options, const std::vector<std::string>& notes) {
-  SearchReport report;
-  report.query = options.query;
-  report.notes = notes;
-  if (options.format != ReportFormat::kJson) {
-    for (const std::string& note : notes) PrintDiagnostic(note);
-  }
-  PrintReport(
-      options.format, [&] { return AsJson(report); }, [&] { return options.count ? "0\n" : ""; });
-  return kNoHits;
-}
-
-}  // namespace
-
-int RunSearch(Kestan& engine, const std::string& index, const SearchOptions& options) {
-  OpenedIndex opened(engine, index, Access::kRead);
-  const std::optional<Query> query = ParseQuery(options.query, options.default_operator);
-  if (!query) return PrintNothing(options, {"the query holds no letters to search for"});
-  // An index that never had a document matches nothing, and the engine ends the process at a NOT.
-  if (!opened.counts().had_documents) return PrintNothing(options, {});
-  return FindAndPrint(opened, *query, options);
-}
-
 namespace {
-
-HitOrder OrderOf(const std::string& name) {
-  if (name == "score") return HitOrder::kScore;
-  if (name == "name") return HitOrder::kName;
-  if (name == "code") return HitOrder::kCode;
-  return HitOrder::kBest;
-}
 
 Colour ColourOf(const std::string& name) {
   if (name == "always") return Colour::kAlways;
@@ -226,13 +198,38 @@ Colour ColourOf(const std::string& name) {
   return Colour::kAuto;
 }
 
-int RunSearchCommand(Kestan& engine, const Values& values) {
+WordsMean WordsMeanOf(const Values& values) {
+  if (values.Has("--all") && values.Has("--any")) {
+    throw CommandError("--all and --any contradict each other");
+  }
+  if (values.Has("--all")) return WordsMean::kAll;
+  return values.Has("--any") ? WordsMean::kAny : WordsMean::kBest;
+}
+
+// Takes the indexes and the query from the arguments. Where options name the indexes, all others
+// are the query.
+void ReadQuery(const Values& values, SearchOptions* options) {
+  Arguments words = values.All("QUERY");
+  options->indexes = values.All("--index");
+  if (options->indexes.empty()) {
+    options->indexes = values.All("INDEX");
+  } else {
+    const Arguments first = values.All("INDEX");
+    words.insert(words.begin(), first.begin(), first.end());
+  }
+  if (options->indexes.empty()) throw CommandError("INDEX is required");
+  if (words.empty()) throw CommandError("QUERY is required");
+  options->query = Joined(words, " ");
+}
+
+int RunSearchCommand(Kestan&, const Values& values) {
   SearchOptions options;
-  options.query = Joined(values.All("QUERY"), " ");
-  if (values.Has("--any")) options.default_operator = DefaultOperator::kOr;
-  options.order = OrderOf(values.Text("--order"));
+  ReadQuery(values, &options);
+  options.words = WordsMeanOf(values);
+  if (values.Text("--order") == "name") options.order = HitOrder::kName;
   if (values.Has("--limit")) {
-    options.limit = static_cast<std::size_t>(values.Number("--limit", 0, 0, kestan::kMaxCode));
+    constexpr long long kMostHits = std::numeric_limits<std::int32_t>::max();
+    options.limit = static_cast<std::size_t>(values.Number("--limit", 0, 0, kMostHits));
   }
   options.names_only = values.Has("--names-only");
   options.nul = values.Has("--null");
@@ -242,22 +239,25 @@ int RunSearchCommand(Kestan& engine, const Values& values) {
   options.converters = values.All("--converter");
   options.explain = values.Has("--explain");
   options.colour = ColourOf(values.Text("--color"));
-  return RunSearch(engine, values.Text("INDEX"), options);
+  return RunSearch(options);
 }
 
 std::vector<Option> SearchCommandOptions() {
-  return {{"--any", "", "words side by side mean OR, and the most relevant documents come first"},
-          {"--limit", "N", "show at most N documents"},
-          {"--order", "ORDER", "how documents are sorted", {"best", "score", "name", "code"}},
-          {"-l,--names-only", "", "print names only"},
-          {"-0,--null", "", "print names only, each ended by a NUL"},
-          {"--count", "", "print only how many documents there are"},
-          {"--snippets", "", "print titles and snippets too, as on a terminal"},
-          {"--converter", "EXT=COMMAND",
-           "for snippets, have COMMAND print the text of files that end in .EXT, as for `index`"},
-          {"--color", "WHEN", "whether to use colours", {"auto", "always", "never"}},
-          {"--explain", "", "tell how the query was read and what each part of it found"},
-          JsonOption()};
+  return {
+      {"-i,--index", "INDEX", "search this index; may be given again, to search several as one"},
+      {"--all", "", "words side by side mean AND, without exceptions"},
+      {"--any", "", "words side by side mean OR"},
+      {"--limit", "N", "show at most N documents"},
+      {"--order", "ORDER", "how documents are sorted", {"best", "name"}},
+      {"-l,--names-only", "", "print names only"},
+      {"-0,--null", "", "print names only, each ended by a NUL"},
+      {"--count", "", "print only how many documents there are"},
+      {"--snippets", "", "print titles and snippets too, as on a terminal"},
+      {"--converter", "EXT=COMMAND",
+       "for snippets, have COMMAND print the text of files that end in .EXT, as for `index`"},
+      {"--color", "WHEN", "whether to use colours", {"auto", "always", "never"}},
+      {"--explain", "", "tell how the query was read and what each part of it found"},
+      JsonOption()};
 }
 
 }  // namespace
@@ -266,15 +266,17 @@ Command SearchCommand() {
   Command command{
       "search",
       "Find documents, the best first.",
-      {IndexArgument(),
+      {{"INDEX", "the index, unless options name some", Positional::Count::kOptional},
        {"QUERY",
-        "words; side by side they mean AND. Operators, the tightest first: NOT or -, NEAR/k (at "
-        "most k words apart), AND, OR; \"words in a row\", prefix*, fuzzy~1 and parentheses",
-        Positional::Count::kOneOrMore}},
+        "words; side by side they mean all of them or, where no document has all, some. Operators, "
+        "the tightest first: NOT or -, NEAR/k (at most k words apart), AND, OR; \"words in a "
+        "row\", prefix*, fuzzy~1 and parentheses",
+        Positional::Count::kAny}},
       SearchCommandOptions(),
       "Put -- before words that are spelled like an option. Exit status: 0 with hits, 1 without, 2 "
       "if something is wrong.",
-      {"kestan search my.index 'shell NEAR/3 script NOT (zsh OR fish)'"},
+      {"kestan search my.index 'shell NEAR/3 script NOT (zsh OR fish)'",
+       "kestan search -i notes.index -i mail.index annual report"},
       RunSearchCommand};
   command.takes_dashes = true;
   return command;

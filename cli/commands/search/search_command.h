@@ -2,7 +2,7 @@
 #ifndef KESTAN_CLI_COMMANDS_SEARCH_SEARCH_COMMAND_H_
 #define KESTAN_CLI_COMMANDS_SEARCH_SEARCH_COMMAND_H_
 
-#include <kestan/kestan.h>
+#include <kestan/search.h>
 
 #include <cstddef>
 #include <optional>
@@ -10,22 +10,22 @@
 #include <vector>
 
 #include "cli/console/report.h"
-#include "search/query/query_parser.h"
-#include "search/ranking/listing/hits.h"
 
 namespace kestan_cli {
 
 enum class Colour { kAuto, kAlways, kNever };
 
+enum class HitOrder { kBest, kName };
+
 // What to find, and what to show of it. JSON prevails over `count`, `count` over `nul`, and `nul`
 // over `names_only`.
 struct SearchOptions {
-  std::string query;  // arguments joined by blanks
-  kestan::search::DefaultOperator default_operator =
-      kestan::search::DefaultOperator::kAnd;                         // --any: kOr
-  kestan::search::HitOrder order = kestan::search::HitOrder::kBest;  // --order
-  std::optional<std::size_t> limit;           // --limit: how many hits are shown
-  bool names_only = false;                    // -l
+  std::vector<std::string> indexes;  // one at least: searched as one
+  std::string query;                 // arguments joined by blanks
+  kestan::search::WordsMean words = kestan::search::WordsMean::kBest;  // --all, --any
+  HitOrder order = HitOrder::kBest;                                    // --order
+  std::optional<std::size_t> limit;                                    // --limit: of hits
+  bool names_only = false;                                             // -l
   bool nul = false;                           // -0: names only, each followed by a NUL
   bool count = false;                         // --count: only how many hits there are
   ReportFormat format = ReportFormat::kText;  // --json
@@ -41,8 +41,8 @@ struct SearchOptions {
 // stream gets the explanation, notes on the query and, if nothing matches, suggestions; JSON holds
 // these in itself.
 //   Returns  kDone, or kNoHits if nothing matches.
-//   Throws   CommandError if the index cannot be read or the output not written, BrokenPipe.
-int RunSearch(Kestan& engine, const std::string& index, const SearchOptions& options);
+//   Throws   CommandError if an index cannot be read or the output not written, BrokenPipe.
+int RunSearch(const SearchOptions& options);
 
 }  // namespace kestan_cli
 

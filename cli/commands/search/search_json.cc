@@ -17,13 +17,14 @@ Json JsonOf(const std::vector<Fragment>& snippet) {
 }
 
 Json JsonOf(const ShownHit& hit) {
-  Json json{{"percent", hit.hit.percent}, {"name", hit.hit.name}, {"title", hit.title}};
+  Json json{{"percent", hit.hit.percent}, {"name", hit.hit.name}, {"title", hit.hit.title}};
+  if (!hit.index.empty()) json["index"] = hit.index;
   if (!hit.snippet.empty()) json["snippet"] = JsonOf(hit.snippet);
   return json;
 }
 
 Json JsonOf(const Explanation& explanation) {
-  Json json{{"part", explanation.label},
+  Json json{{"part", explanation.part},
             {"documents", explanation.documents},
             {"microseconds", explanation.microseconds}};
   if (!explanation.note.empty()) json["note"] = explanation.note;

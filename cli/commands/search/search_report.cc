@@ -8,7 +8,6 @@
 namespace kestan_cli {
 namespace {
 
-using kestan::search::EngineHit;
 using kestan::search::Explanation;
 using kestan::search::Fragment;
 
@@ -40,7 +39,7 @@ std::string SnippetLine(const std::vector<Fragment>& snippet, bool coloured) {
 
 void AppendExplanation(const Explanation& explanation, std::size_t depth,
                        std::vector<std::string>* lines) {
-  std::string what = std::string(2 * depth, ' ') + explanation.label;
+  std::string what = std::string(2 * depth, ' ') + explanation.part;
   if (!explanation.note.empty()) what += " (" + explanation.note + ")";
   lines->push_back(what + ": " + Counted(explanation.documents, "document") + ", " +
                    std::to_string(explanation.microseconds) + " us");
@@ -49,15 +48,16 @@ void AppendExplanation(const Explanation& explanation, std::size_t depth,
 
 }  // namespace
 
-std::string PlainLine(const EngineHit& hit) {
-  return std::to_string(hit.percent) + " " + hit.name + "\n";
+std::string PlainLine(int percent, const std::string& name) {
+  return std::to_string(percent) + " " + name + "\n";
 }
 
 std::string RichLines(const ShownHit& hit, bool coloured) {
   const std::string percent = std::to_string(hit.hit.percent);
-  std::string lines = Painted(kFaint, percent, coloured) + " " +
-                      Painted(kName, OneLine(hit.hit.name), coloured) + "\n";
-  if (!hit.title.empty()) lines.append(kIndent).append(OneLine(hit.title)).append("\n");
+  std::string lines =
+      Painted(kFaint, percent, coloured) + " " + Painted(kName, OneLine(hit.path), coloured) + "\n";
+  const std::string& title = hit.hit.title;
+  if (!title.empty()) lines.append(kIndent).append(OneLine(title)).append("\n");
   if (!hit.snippet.empty()) {
     lines.append(kIndent).append(SnippetLine(hit.snippet, coloured)).append("\n");
   }

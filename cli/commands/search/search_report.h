@@ -2,27 +2,26 @@
 #ifndef KESTAN_CLI_COMMANDS_SEARCH_SEARCH_REPORT_H_
 #define KESTAN_CLI_COMMANDS_SEARCH_SEARCH_REPORT_H_
 
-#include <cstddef>
+#include <kestan/search.h>
+
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "search/query/evaluation/explanation.h"
-#include "search/ranking/listing/hits.h"
-#include "search/snippet/snippet.h"
 
 namespace kestan_cli {
 
 // A hit and what is shown with it.
 struct ShownHit {
-  kestan::search::EngineHit hit;
-  std::string title;                              // empty if the document has none
+  kestan::search::Hit hit;
+  std::string path;                               // its name as it is shown
+  std::string index;                              // which has it; empty if there is only one
   std::vector<kestan::search::Fragment> snippet;  // empty if there is none
 };
 
 struct SearchReport {
   std::string query;           // as the user typed it
-  std::size_t total = 0;       // of the hits
+  std::uint64_t total = 0;     // of the hits
   std::vector<ShownHit> hits;  // those that are shown
   std::vector<std::string> suggestions;
   std::vector<std::string> notes;
@@ -30,7 +29,7 @@ struct SearchReport {
 };
 
 // Returns "PERCENT NAME" and a line feed.
-std::string PlainLine(const kestan::search::EngineHit& hit);
+std::string PlainLine(int percent, const std::string& name);
 
 // Returns a hit on up to three lines: "PERCENT NAME", the title and the snippet, both indented.
 // With `coloured`, each has its terminal colour and matches are bold; without, [matches] are in

@@ -1,21 +1,21 @@
-#include <kestan/results.h>
-
+#include <cstdint>
 #include <string>
 
 #include "cli/commands/commands.h"
+#include "cli/commands/upkeep/option_command.h"
 #include "cli/console/json.h"
-#include "cli/index/opened_index.h"
+#include "cli/index/opened_reader.h"
 
 namespace kestan_cli {
 namespace {
 
-std::string JsonOf(unsigned long flags) {
-  return JsonReport({{"flags", flags}, {"positions_kept", kestan::KeepsPositions(flags)}});
+std::string JsonOf(std::uint32_t flags) {
+  return JsonReport({{"flags", flags}, {"positions_kept", (flags & kNoPositions) == 0}});
 }
 
-int RunGetOption(Kestan& engine, const Values& values) {
-  const OpenedIndex opened(engine, values.Text("INDEX"), Access::kRead);
-  const unsigned long flags = engine.Options();
+int RunGetOption(Kestan&, const Values& values) {
+  const std::string index = values.Text("INDEX");
+  const std::uint32_t flags = FlagsOf(OpenReader(index), index);
   PrintReport(
       ReportFormatOf(values), [&] { return JsonOf(flags); },
       [&] { return std::to_string(flags) + "\n"; });

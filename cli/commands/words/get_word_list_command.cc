@@ -1,36 +1,38 @@
-#include <kestan/results.h>
-
+#include <algorithm>
 #include <string>
 #include <string_view>
 
 #include "cli/commands/commands.h"
 #include "cli/console/json.h"
 #include "cli/console/message.h"
-#include "cli/index/opened_index.h"
+#include "cli/index/index_errors.h"
+#include "cli/index/opened_reader.h"
 
 namespace kestan_cli {
 namespace {
 
-Json JsonOf(Kestan& engine, const std::string& list) {
+// Returns the words, each of which a line feed ends.
+Json JsonOf(std::string_view lines) {
   Json words = Json::array();
-  kestan::ReaderOf(engine).ForEachListedWord(
-      list, [&](std::string_view word) { words.push_back(std::string(word)); });
+  while (!lines.empty()) {
+    const std::string_view word = lines.substr(0, lines.find('\n'));
+    words.push_back(std::string(word));
+    lines.remove_prefix(std::min(word.size() + 1, lines.size()));
+  }
   return words;
 }
 
-int RunGetWordList(Kestan& engine, const Values& values) {
+int RunGetWordList(Kestan&, const Values& values) {
   const std::string index = values.Text("INDEX");
   const std::string list = values.Text("LIST");
-  const OpenedIndex opened(engine, index, Access::kRead);
-  const char* const words = engine.DBGetWords(list.c_str());
-  if (words == nullptr) {
-    opened.CheckRead();
+  const std::string words = ValueOf(OpenReader(index).Property("wordlist:" + list), index);
+  if (words.empty()) {
     throw CommandError("no word list " + Quoted(list) + " in index " + Quoted(index));
   }
   PrintReport(
       ReportFormatOf(values),
       [&] {
-        return JsonReport({{"list", list}, {"words", JsonOf(engine, list)}});
+        return JsonReport({{"list", list}, {"words", JsonOf(words)}});
       },
       [&] { return words; });
   return kDone;

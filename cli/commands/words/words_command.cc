@@ -1,104 +1,107 @@
-#include <kestan/results.h>
+#include <kestan/search.h>
 
 #include <algorithm>
 #include <charconv>
-#include <cstddef>
+#include <cstdint>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "cli/commands/commands.h"
 #include "cli/console/json.h"
 #include "cli/console/message.h"
-#include "cli/index/opened_index.h"
-#include "search/query/evaluation/index_words.h"
+#include "cli/index/index_errors.h"
+#include "cli/index/opened_reader.h"
 
 namespace kestan_cli {
 namespace {
 
-// The upper bound that leaves out no word. A negative one stands for the number of documents, but a
-// word of one letter may have postings of more: those of removed documents stay.
-constexpr double kAnyFrequency = 4294967295.0;
+using kestan::search::TermInfo;
 
-// Reads a bound on document frequencies as the engine takes it: a share below 1, a count from 1 on.
-double BoundOf(const Values& values, const std::string& option, double fallback) {
-  if (!values.Has(option)) return fallback;
-  const std::string text = values.Text(option);
+// How many documents a word may be in.
+struct Range {
+  std::uint64_t low = 0;
+  std::uint64_t high = 0;
+};
+
+constexpr double kMostDocuments = 1e15;
+
+// Reads a bound on the number of documents: a share of `documents` below 1, rounded, or a count.
+//   Throws   CommandError for what is neither.
+std::uint64_t BoundOf(const std::string& option, const std::string& text, std::uint64_t documents) {
   double bound = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), bound);
   const bool is_number = error == std::errc() && end == text.data() + text.size();
-  if (is_number && bound >= 0 && bound <= kestan::kMaxCode) return bound;
-  throw CommandError(option + " takes a count from 1 to " + std::to_string(kestan::kMaxCode) +
-                     " or a share below 1, not " + Quoted(text));
+  if (!is_number || !(bound >= 0 && bound <= kMostDocuments)) {
+    throw CommandError(option + " takes a count from 1 on or a share below 1, not " + Quoted(text));
+  }
+  return static_cast<std::uint64_t>(bound < 1 ? bound * static_cast<double>(documents) + 0.5
+                                              : bound);
 }
 
-struct CountedWord {
-  std::string word;
-  std::size_t documents = 0;  // without removed ones
-};
+Range RangeOf(const Values& values, std::uint64_t documents) {
+  Range range{0, documents};
+  if (values.Has("--at-least")) {
+    range.low = BoundOf("--at-least", values.Text("--at-least"), documents);
+  }
+  if (values.Has("--at-most")) {
+    range.high = BoundOf("--at-most", values.Text("--at-most"), documents);
+  }
+  return range;
+}
 
-using CountedWords = std::vector<CountedWord>;
+void KeepInRange(Range range, std::vector<TermInfo>* words) {
+  const auto is_out = [range](const TermInfo& word) {
+    return word.documents < range.low || word.documents > range.high;
+  };
+  words->erase(std::remove_if(words->begin(), words->end(), is_out), words->end());
+}
 
-// Returns the words that `range` of documents hold, removed ones among them, in order of their
-// bytes.
-std::vector<std::string> WordsIn(Kestan& engine, kestan::FrequencyRange range) {
-  std::vector<std::string> words;
-  kestan::ReaderOf(engine).ForEachCommonWord(range, [&](std::string_view word, std::size_t) {
-    words.emplace_back(word);
-    return true;
+// Puts the most frequent words first; of equal ones, the order of their bytes stays.
+std::vector<TermInfo> MostFrequentFirst(std::vector<TermInfo> words) {
+  std::stable_sort(words.begin(), words.end(), [](const TermInfo& left, const TermInfo& right) {
+    return left.documents > right.documents;
   });
-  std::sort(words.begin(), words.end());
   return words;
 }
 
-// Counts the documents of each word, and puts the most frequent words first.
-CountedWords CountDocuments(Kestan& engine, const std::vector<std::string>& words) {
-  kestan::IndexReader& reader = kestan::ReaderOf(engine);
-  CountedWords counted;
-  for (const std::string& word : words) {
-    counted.push_back({word, kestan::search::CountDocuments(reader, word)});
-  }
-  std::stable_sort(counted.begin(), counted.end(), [](const auto& left, const auto& right) {
-    return left.documents > right.documents;
-  });
-  return counted;
-}
-
-Json JsonOf(const CountedWords& words) {
+Json JsonOf(const std::vector<TermInfo>& words) {
   Json list = Json::array();
-  for (const auto& [word, documents] : words) {
-    list.push_back({{"word", word}, {"documents", documents}});
+  for (const TermInfo& word : words) {
+    list.push_back({{"word", word.term}, {"documents", word.documents}});
   }
   return list;
 }
 
-std::string TextOf(const CountedWords& words) {
+std::string CountsOf(const std::vector<TermInfo>& words) {
   std::string text;
-  for (const auto& [word, documents] : words) {
-    text += std::to_string(documents) + " " + word + "\n";
+  for (const TermInfo& word : words) {
+    text += std::to_string(word.documents) + " " + word.term + "\n";
   }
   return text;
 }
 
-std::string TextOf(const std::vector<std::string>& words) {
+std::string TextOf(const std::vector<TermInfo>& words) {
   std::string text;
-  for (const std::string& word : words) text += word + "\n";
+  for (const TermInfo& word : words) text += word.term + "\n";
   return text;
 }
 
-int RunWords(Kestan& engine, const Values& values) {
-  const double low = BoundOf(values, "--at-least", 1);
-  const double high = BoundOf(values, "--at-most", kAnyFrequency);
-  const OpenedIndex opened(engine, values.Text("INDEX"), Access::kRead);
-  const std::vector<std::string> words = WordsIn(engine, {low, high});
-  const auto counted = [&] { return CountDocuments(engine, words); };
+int RunWords(Kestan&, const Values& values) {
+  const std::string index = values.Text("INDEX");
+  const kestan::search::IndexReader reader = OpenReader(index);
+  const Range range = RangeOf(values, reader.Statistics().documents);
+  std::vector<TermInfo> words = ValueOf(reader.Terms(""), index);
+  KeepInRange(range, &words);
   PrintReport(
       ReportFormatOf(values),
       [&] {
-        return JsonReport({{"words", JsonOf(counted())}});
+        return JsonReport({{"words", JsonOf(MostFrequentFirst(std::move(words)))}});
       },
-      [&] { return values.Has("--counts") ? TextOf(counted()) : TextOf(words); });
-  opened.CheckRead();
+      [&] {
+        return values.Has("--counts") ? CountsOf(MostFrequentFirst(std::move(words)))
+                                      : TextOf(words);
+      });
   return kDone;
 }
 
@@ -113,7 +116,7 @@ Command WordsCommand() {
        {"--at-most", "BOUND", "only words in at most BOUND documents; below 1, a share of all"},
        {"--counts", "", "print \"DOCUMENTS WORD\", the most frequent first"},
        JsonOption()},
-      "The bounds count removed documents too, until the index is shrunk.",
+      "",
       {"kestan words my.index --at-least 0.5 --counts"},
       RunWords};
 }

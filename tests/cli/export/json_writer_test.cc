@@ -8,16 +8,19 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/cli/export/held_document.h"
+
 namespace kestan_cli {
 namespace {
 
+using kestan_tests::HeldDocument;
 using Json = nlohmann::json;
 
 // What a writer makes of documents, and what it says of them.
 class JsonWriterTest : public testing::Test {
  protected:
   // Returns the two lines of a document.
-  std::vector<Json> Add(const kestan::StoredDocument& document) {
+  std::vector<Json> Add(const ExportedDocument& document) {
     testing::internal::CaptureStderr();
     std::istringstream lines(writer_.Add(document, &notes_));
     said_ = testing::internal::GetCapturedStderr();
@@ -27,9 +30,9 @@ class JsonWriterTest : public testing::Test {
   }
 
   // Lends `name` to the document.
-  static kestan::StoredDocument Named(std::string_view name) {
-    kestan::StoredDocument document;
-    document.name = name;
+  static HeldDocument Named(std::string_view name) {
+    HeldDocument document;
+    document.info.name = name;
     return document;
   }
 
@@ -44,17 +47,16 @@ TEST_F(JsonWriterTest, BeginsAndEndsWithNothing) {
 }
 
 TEST_F(JsonWriterTest, DocumentFollowsWhatToDoWithIt) {
-  const kestan::PlacedWord words[] = {{"Cat", 1}, {"dog", 2}};
-  kestan::StoredDocument document = Named("a");
-  document.timestamp = 86400;
-  document.title = "Title";
-  document.user = "";
+  const std::vector<kestan::search::PlacedWord> words = {{"Cat", 1}, {"dog", 2}};
+  HeldDocument document = Named("a");
+  document.info.added = 86400;
+  document.info.title = "Title";
+  document.info.host_data = "mine";
   document.words = words;
-  document.word_count = 2;
   const std::vector<Json> lines = Add(document);
   ASSERT_EQ(lines.size(), 2u);
   EXPECT_EQ(lines[0], Json::parse(R"({"index": {"_index": "texts", "_id": "a"}})"));
-  EXPECT_EQ(lines[1], Json::parse(R"({"name": "a", "title": "Title", "user": "",
+  EXPECT_EQ(lines[1], Json::parse(R"({"name": "a", "title": "Title", "user": "mine",
       "time": "1970-01-02T00:00:00Z", "text": "Cat dog", "in_order": true})"));
   EXPECT_EQ(said_, "");
 }
@@ -70,8 +72,8 @@ TEST_F(JsonWriterTest, NameIsAnIdOnceAndIfItIsNeitherEmptyNorLong) {
 }
 
 TEST_F(JsonWriterTest, OtherBytesThanUtf8AreLatin1) {
-  kestan::StoredDocument document = Named("a");
-  document.title = "caf\xe9";
+  HeldDocument document = Named("a");
+  document.info.title = "caf\xe9";
   EXPECT_EQ(Add(document)[1]["title"], "caf\u00e9");
   EXPECT_TRUE(notes_.document_was_latin1);
 }

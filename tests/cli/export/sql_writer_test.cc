@@ -4,16 +4,19 @@
 
 #include <string>
 
+#include "tests/cli/export/held_document.h"
+
 namespace kestan_cli {
 namespace {
 
-using std::string_view_literals::operator""sv;
+using std::string_literals::operator""s;
+using kestan_tests::HeldDocument;
 
-std::string Line(const kestan::StoredDocument& document, ExportNotes* notes) {
+std::string Line(const ExportedDocument& document, ExportNotes* notes) {
   return SqlWriter("texts").Add(document, notes);
 }
 
-std::string Line(const kestan::StoredDocument& document) {
+std::string Line(const ExportedDocument& document) {
   ExportNotes notes;
   return Line(document, &notes);
 }
@@ -33,26 +36,25 @@ TEST(SqlWriterTest, NameOfTheTableCannotLeaveItsQuotes) {
 }
 
 TEST(SqlWriterTest, DocumentIsOneLine) {
-  const kestan::PlacedWord words[] = {{"Cat", 1}, {"cat", 3}};
-  kestan::StoredDocument document;
-  document.name = "a";
-  document.timestamp = 86400;
-  document.title = "Title";
+  const std::vector<kestan::search::PlacedWord> words = {{"Cat", 1}, {"cat", 3}};
+  HeldDocument document;
+  document.info.name = "a";
+  document.info.added = 86400;
+  document.info.title = "Title";
   document.words = words;
-  document.word_count = 2;
   EXPECT_EQ(Line(document), "a\tTitle\t\\N\t1970-01-02T00:00:00Z\t'cat':1,3\n");
 }
 
 TEST(SqlWriterTest, ColumnsAreEscaped) {
-  kestan::StoredDocument document;
-  document.name = "a\tb\\c\nd\re";
+  HeldDocument document;
+  document.info.name = "a\tb\\c\nd\re";
   EXPECT_EQ(Line(document), "a\\tb\\\\c\\nd\\re\t\\N\t\\N\t1970-01-01T00:00:00Z\t\n");
 }
 
 TEST(SqlWriterTest, TextsBecomeUtf8WithoutNul) {
-  kestan::StoredDocument document;
-  document.name = "a";
-  document.title = "caf\xe9\0x"sv;
+  HeldDocument document;
+  document.info.name = "a";
+  document.info.title = "caf\xe9\0x"s;
   ExportNotes notes;
   EXPECT_EQ(Line(document, &notes), "a\tcaf\u00e9\ufffdx\t\\N\t1970-01-01T00:00:00Z\t\n");
   EXPECT_TRUE(notes.document_was_latin1);
@@ -61,11 +63,10 @@ TEST(SqlWriterTest, TextsBecomeUtf8WithoutNul) {
 
 TEST(SqlWriterTest, LossesAreSaid) {
   const std::string word(2047, 'x');
-  const kestan::PlacedWord words[] = {{word, 1}};
-  kestan::StoredDocument document;
-  document.name = "a";
+  const std::vector<kestan::search::PlacedWord> words = {{word, 1}};
+  HeldDocument document;
+  document.info.name = "a";
   document.words = words;
-  document.word_count = 1;
   testing::internal::CaptureStderr();
   Line(document);
   EXPECT_EQ(testing::internal::GetCapturedStderr(),

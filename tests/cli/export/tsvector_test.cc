@@ -5,17 +5,18 @@
 #include <string>
 #include <vector>
 
+#include "tests/cli/export/held_document.h"
+
 namespace kestan_tests {
 namespace {
 
 using kestan_cli::MakeTsVector;
 using kestan_cli::TsVector;
-using Words = std::vector<kestan::PlacedWord>;
+using Words = std::vector<kestan::search::PlacedWord>;
 
 TsVector VectorOf(const Words& words) {
-  kestan::StoredDocument document;
-  document.words = words.data();
-  document.word_count = words.size();
+  HeldDocument document;
+  document.words = words;
   return MakeTsVector(document);
 }
 

@@ -6,7 +6,7 @@
 
 #include "search/query/clauses.h"
 #include "search/text/letters.h"
-#include "search/vocabulary/edit_distance.h"
+#include "tests/search/vocabulary/edit_distance.h"
 #include "search/vocabulary/stem.h"
 
 namespace kestan_tests {

@@ -33,21 +33,11 @@ TEST(ClausesTest, WhatIsUnderNotIsNoScoringClause) {
   EXPECT_EQ(Clauses("NOT NOT a"), Words{});
 }
 
-TEST(ClausesTest, WordsAreThoseOutsideNotEachOnce) {
-  EXPECT_EQ(WordsOf(*ParseQuery("b a NEAR/2 (c OR b) -d \"a e\"")), (Words{"b", "a", "c", "e"}));
-}
-
 TEST(ClausesTest, PhraseIsOneClauseOfSeveralWords) {
   const Query query = *ParseQuery("x \"b a\"", DefaultOperator::kAnd, QuotesMean::kPhrase);
   const auto clauses = ScoringClauses(query);
   ASSERT_EQ(clauses.size(), 2u);
   EXPECT_EQ(clauses[1]->kind, Query::Kind::kPhrase);
-  EXPECT_EQ(WordsOf(query), (Words{"x", "b", "a"}));
-}
-
-TEST(ClausesTest, WordsThatStandForOthersAreNotAmongThem) {
-  EXPECT_EQ(WordsOf(*ParseQuery("a* b~ c")), Words{"c"});
-  EXPECT_EQ(WordsOf(*ParseQuery("wing flow*", DefaultOperator::kOr)), Words{"wing"});
 }
 
 }  // namespace

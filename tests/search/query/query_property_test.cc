@@ -7,11 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "search/query/evaluation/evaluator.h"
+#include "search/matching/matcher.h"
 #include "search/query/query_parser.h"
 #include "search/query/query_printer.h"
-#include "search/ranking/listing/hits.h"
-#include "tests/support/index_test.h"
+#include "tests/search/matching/plain_segments.h"
 
 namespace kestan::search {
 namespace {
@@ -94,109 +93,24 @@ RC_GTEST_PROP(QueryPropertyTest, TextWithALowerCaseLetterIsAQuery, ()) {
   if (std::any_of(text.begin(), text.end(), is_lower)) RC_ASSERT(ParseQuery(text).has_value());
 }
 
-class QueryOfAnIndexTest : public kestan_tests::IndexTest {
- protected:
-  // The names of the documents that `query` finds, in order of codes.
-  std::string Found(const Query& query) {
-    Evaluator evaluator(engine_);
-    std::string names;
-    for (const EngineHit& hit : HitsIn(evaluator.Evaluate(query, nullptr))) names += hit.name;
-    return names;
-  }
-};
-
-TEST_F(QueryOfAnIndexTest, AnyQueryAndItsOppositeFindAllDocuments) {
-  engine_.AddDocumentWords("1", "cat Dog dog e mail");
-  engine_.AddDocumentWords("2", "cafe its a of cat");
-  engine_.AddDocumentWords("3", "AND NEAR x");
-  const bool holds = rc::check([this] {
-    const auto query = ParseQuery(*QueryText());
+TEST(QueryOfASegmentTest, AnyQueryAndItsOppositeFindAllDocuments) {
+  kestan_tests::PlainSegments segments;
+  const auto segment = segments.Add({kestan_tests::Plain("1", "cat Dog dog e mail"),
+                                     kestan_tests::Plain("2", "cafe its a of cat"),
+                                     kestan_tests::Plain("3", "AND NEAR x")});
+  const bool holds = rc::check([&] {
+    const auto query = ParseQuery(*QueryText(), DefaultOperator::kAnd, QuotesMean::kPhrase);
     RC_PRE(query.has_value());
     Query opposite;
     opposite.kind = Query::Kind::kNot;
     opposite.operands.push_back(*query);
-    std::string all = Found(*query) + Found(opposite);
+    Matcher matcher(*segment);
+    std::vector<Code> all = matcher.Find(*query, Need::kCodes)->codes;
+    const Found others = matcher.Find(opposite, Need::kCodes);
+    all.insert(all.end(), others->codes.begin(), others->codes.end());
     std::sort(all.begin(), all.end());
-    RC_ASSERT(all == "123");
-  });
-  EXPECT_TRUE(holds);
-}
-
-TEST_F(QueryOfAnIndexTest, QuestionsFindWhatAnyOfTheirWordsFinds) {
-  engine_.AddDocumentWords("1", "cat dog");
-  engine_.AddDocumentWords("2", "dogs mail");
-  engine_.AddDocumentWords("3", "bird");
-  const bool holds = rc::check([this] {
-    const auto word = rc::gen::element<std::string>("cat", "dog", "mails", "birds", "fish", "the");
-    const auto words = *rc::gen::nonEmpty(rc::gen::container<std::vector<std::string>>(word));
-    std::string text;
-    std::string expected;
-    for (const std::string& each : words) text += each + " ";
-    const auto has = [&](const char* part) { return text.find(part) != std::string::npos; };
-    if (has("cat") || has("dog")) expected += "1";
-    if (has("dog") || has("mails")) expected += "2";
-    if (has("birds")) expected += "3";
-    RC_ASSERT(Found(*ParseQuery(text, DefaultOperator::kOr)) == expected);
-  });
-  EXPECT_TRUE(holds);
-}
-
-// Combines all operands from left to right, each with what those before it have made.
-ResultSet LeftToRight(Kestan& engine, const Query& query) {
-  if (query.operands.empty()) return {engine, engine.QueryWord(query.word.c_str())};
-  ResultSet so_far = LeftToRight(engine, query.operands.front());
-  if (query.kind == Query::Kind::kNot) return {engine, engine.QueryNegate(so_far.id())};
-  for (std::size_t i = 1; i < query.operands.size(); ++i) {
-    const Query& operand = query.operands[i];
-    const ResultSet next = LeftToRight(engine, operand);
-    so_far = {engine, query.kind == Query::Kind::kOr
-                          ? engine.QueryOr(so_far.id(), next.id())
-                          : engine.QueryAnd(so_far.id(), next.id(), operand.distance_words)};
-  }
-  return so_far;
-}
-
-constexpr std::size_t kLetters = 12;
-
-// A query for words of one letter, whose operators never have two operands alike.
-Query QueryOfDifferentOperands(int depth) {
-  Query query;
-  const int kind = depth == 0 ? 0 : *rc::gen::inRange(0, 8);
-  query.word = std::string(1, static_cast<char>('a' + *rc::gen::inRange<std::size_t>(0, kLetters)));
-  if (kind < 2) return query;
-  const Query::Kind kinds[] = {Query::Kind::kNot, Query::Kind::kNear, Query::Kind::kAnd};
-  query.kind = kind < 5 ? kinds[kind - 2] : Query::Kind::kOr;
-  query.word.clear();
-  const std::size_t count =
-      query.kind == Query::Kind::kNot ? 1 : *rc::gen::inRange<std::size_t>(2, 9);
-  while (query.operands.size() < count) {
-    Query operand = QueryOfDifferentOperands(depth - 1);
-    const bool is_known =
-        std::find(query.operands.begin(), query.operands.end(), operand) != query.operands.end();
-    if (is_known) continue;
-    if (query.kind == Query::Kind::kNear && !query.operands.empty()) {
-      operand.distance_words = *rc::gen::inRange(1, 6);
-    }
-    query.operands.push_back(std::move(operand));
-  }
-  return query;
-}
-
-TEST_F(QueryOfAnIndexTest, DifferentOperandsCountAsFromLeftToRight) {
-  for (unsigned document = 0; document < 12; ++document) {
-    std::string text;
-    for (unsigned i = 0; i < 40; ++i) {
-      text += std::string(1, static_cast<char>('a' + (i * i + 7 * i * document + document) % 23 %
-                                                         kLetters)) +
-              " ";
-    }
-    engine_.AddDocumentWords(std::to_string(document).c_str(), text.c_str());
-  }
-  const bool holds = rc::check([this] {
-    const Query query = QueryOfDifferentOperands(3);
-    Evaluator evaluator(engine_);
-    const std::string found = engine_.QueryResults(evaluator.Evaluate(query, nullptr).id());
-    RC_ASSERT(found == engine_.QueryResults(LeftToRight(engine_, query).id()));
+    RC_ASSERT(all == (std::vector<Code>{1, 2, 3}));
+    RC_ASSERT(matcher.status().ok());
   });
   EXPECT_TRUE(holds);
 }

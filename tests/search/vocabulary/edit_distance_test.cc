@@ -1,4 +1,4 @@
-#include "search/vocabulary/edit_distance.h"
+#include "tests/search/vocabulary/edit_distance.h"
 
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "search/vocabulary/edit_distance.h"
+#include "tests/search/vocabulary/edit_distance.h"
 
 namespace kestan::search {
 namespace {

@@ -51,7 +51,7 @@ TEST_F(ExportTest, JsonIsAPairOfLinesForEachDocument) {
   engine_.AddDocumentWords("a.txt", "Hello world");
   engine_.DBPutTitle("a.txt", "A \"title\"");
   engine_.DBPutSummary("a.txt", "line\nline");
-  engine_.DBPutUser("a.txt", "");
+  engine_.DBPutUser("a.txt", "mine");
   engine_.AddDocumentWords("b", "");
   SetTime("a.txt");
   SetTime("b");
@@ -59,7 +59,7 @@ TEST_F(ExportTest, JsonIsAPairOfLinesForEachDocument) {
   EXPECT_EQ(exported.out,
             "{\"index\":{\"_index\":\"texts\",\"_id\":\"a.txt\"}}\n"
             "{\"name\":\"a.txt\",\"title\":\"A \\\"title\\\"\",\"summary\":\"line\\nline\","
-            "\"user\":\"\",\"time\":\"2001-01-01T00:00:00Z\",\"text\":\"Hello world\","
+            "\"user\":\"mine\",\"time\":\"2001-01-01T00:00:00Z\",\"text\":\"Hello world\","
             "\"in_order\":true}\n"
             "{\"index\":{\"_index\":\"texts\",\"_id\":\"b\"}}\n"
             "{\"name\":\"b\",\"time\":\"2001-01-01T00:00:00Z\",\"text\":\"\",\"in_order\":true}\n");
@@ -196,7 +196,7 @@ TEST_F(ExportTest, LongExportsAreWhole) {
 TEST_F(ExportTest, MissingIndexIsAnError) {
   const std::string path = folder_ / "none";
   EXPECT_EQ(Why(path, kJson),
-            "cannot open index '" + path + "': no such file; kestan index makes one");
+            "cannot open index '" + path + "': no such file or folder; kestan index makes one");
   EXPECT_EQ(printed_.out, "");
 }
 

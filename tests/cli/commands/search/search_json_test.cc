@@ -9,6 +9,15 @@ namespace {
 
 using Json = nlohmann::json;
 
+ShownHit Hit(int percent, const std::string& name, const std::string& title) {
+  ShownHit shown;
+  shown.hit.percent = percent;
+  shown.hit.name = name;
+  shown.hit.title = title;
+  shown.path = "shown";
+  return shown;
+}
+
 Json Read(const SearchReport& report) { return Json::parse(AsJson(report)); }
 
 TEST(SearchJsonTest, EmptyReportHasAllFieldsButTheExplanation) {
@@ -20,26 +29,28 @@ TEST(SearchJsonTest, HitsHaveTheirFields) {
   SearchReport report;
   report.query = "cat";
   report.total = 5;
-  report.hits = {{{42, "a", 0}, "T", {{"x ", false}, {"cat", true}}}, {{0, "b", 1}, "", {}}};
+  report.hits = {Hit(42, "a", "T"), Hit(1, "b", "")};
+  report.hits[0].snippet = {{"x ", false}, {"cat", true}};
+  report.hits[1].index = "my.index";
   const Json json = Read(report);
   EXPECT_EQ(json["total"], 5);
   EXPECT_EQ(json["query"], "cat");
   EXPECT_EQ(json["hits"], Json::parse(R"([
       {"percent": 42, "name": "a", "title": "T",
        "snippet": [{"text": "x ", "match": false}, {"text": "cat", "match": true}]},
-      {"percent": 0, "name": "b", "title": ""}])"));
+      {"percent": 1, "name": "b", "title": "", "index": "my.index"}])"));
 }
 
 TEST(SearchJsonTest, BytesThatAreNotUtf8AreReplaced) {
   SearchReport report;
-  report.hits = {{{1, "a\xff", 0}, "", {}}};
+  report.hits = {Hit(1, "a\xff", "")};
   EXPECT_EQ(Read(report)["hits"][0]["name"], "a\xef\xbf\xbd");
 }
 
 TEST(SearchJsonTest, ExplanationIsATree) {
   SearchReport report;
   report.explanation =
-      kestan::search::Explanation{"NOT", 1, 5, "", {{"cat*", 2, 3, "2 words", {}}}};
+      kestan::search::Explanation{"NOT", "", 1, 5, {{"cat*", "2 words", 2, 3, {}}}};
   EXPECT_EQ(Read(report)["explanation"], Json::parse(R"({
       "part": "NOT", "documents": 1, "microseconds": 5,
       "parts": [{"part": "cat*", "documents": 2, "microseconds": 3, "note": "2 words"}]})"));

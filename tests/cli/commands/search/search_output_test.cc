@@ -37,7 +37,7 @@ class SearchOutputTest : public CommandTest {
   }
 };
 
-const std::string kPlain = "100 a\n50 b\n";
+const std::string kPlain = "100 a\n74 b\n";
 
 TEST_F(SearchOutputTest, LimitShowsTheFirst) {
   EXPECT_EQ(Search({"--limit", "1", "cat"}), Success("100 a\n"));
@@ -55,11 +55,11 @@ TEST_F(SearchOutputTest, CountInJsonShowsNoDocuments) {
   EXPECT_EQ(report["hits"], Json::array());
 }
 
-TEST_F(SearchOutputTest, OrdersAreByNameCodeOrScore) {
-  EXPECT_EQ(Search({"--order", "name", "cat OR fish"}), Success("100 a\n50 b\n50 c\n"));
-  EXPECT_EQ(Search({"--order", "code", "cat OR fish"}), Success("50 b\n100 a\n50 c\n"));
-  EXPECT_EQ(Search({"--order", "score", "cat OR fish"}), Success("100 a\n50 b\n50 c\n"));
-  EXPECT_EQ(Search({"--any", "-l", "--order", "code", "cat fish"}), Success("b\na\nc\n"));
+TEST_F(SearchOutputTest, OrderIsBestOrByName) {
+  EXPECT_EQ(Search({"--order", "best", "-l", "cat OR fish"}), Success("c\na\nb\n"));
+  EXPECT_EQ(Search({"--order", "name", "-l", "cat OR fish"}), Success("a\nb\nc\n"));
+  EXPECT_EQ(Search({"--order", "name", "--limit", "2", "-l", "cat OR fish"}), Success("a\nb\n"));
+  EXPECT_EQ(Search({"--order", "score", "cat"}).status, 2);
 }
 
 TEST_F(SearchOutputTest, NamesAloneEndWithALineFeedOrANul) {
@@ -84,7 +84,7 @@ TEST_F(SearchOutputTest, ChangedFilesAndFilesWithoutARecordHaveNoSnippet) {
   Write("a", "another cat\n");
   ASSERT_EQ(Run({"user", "delete", "my.index", "b"}).status, 0);
   EXPECT_EQ(Search({"--snippets", "cat"}),
-            Success("100 a\n    A cat and a cat\n50 b\n    Cats and more\n"));
+            Success("100 a\n    A cat and a cat\n74 b\n    Cats and more\n"));
 }
 
 TEST_F(SearchOutputTest, OnlyTerminalsGetColoursUnlessAskedFor) {
@@ -148,21 +148,21 @@ TEST_F(SearchOutputTest, ExplanationGoesToTheErrorStream) {
   EXPECT_NE(outcome.err.find("\n    fish: 1 document, "), std::string::npos);
 }
 
-TEST_F(SearchOutputTest, CutExpansionsAreNoted) {
+TEST_F(SearchOutputTest, PrefixesStandForEveryWord) {
   std::string text;
   for (char first = 'a'; first <= 'z'; ++first) {
     for (const char* rest : {"a", "b", "c", "d"}) text += std::string("q") + first + rest + " ";
   }
   Add("many", text);
-  EXPECT_EQ(
-      Search({"q*"}),
-      (Outcome{0, "100 many\n", "note: q* stands for only the 100 most frequent of 104 words\n"}));
+  EXPECT_EQ(Search({"q*"}), Success("100 many\n"));
+  EXPECT_EQ(Search({"--explain", "q*"}).err.find("q* (104 words): 1 document, "), 0u);
 }
 
 TEST_F(SearchOutputTest, SuggestionsAreForMissingWords) {
   EXPECT_EQ(Search({"fsih"}), (Outcome{1, "", "did you mean: fish\n"}));
-  EXPECT_EQ(Search({"fsih OR cat"}), Success(kPlain));
-  EXPECT_EQ(Search({"cat fish"}), (Outcome{1, "", ""}));
+  EXPECT_EQ(Search({"-l", "fsih OR cat"}),
+            (Outcome{0, "a\nb\n", "note: no document has 'fsih'; did you mean 'fish'?\n"}));
+  EXPECT_EQ(Search({"cat AND fish"}), (Outcome{1, "", ""}));
 }
 
 TEST_F(SearchOutputTest, JsonHasHitsAndTotal) {
@@ -185,6 +185,25 @@ TEST_F(SearchOutputTest, JsonHasTheExplanationWhenAsked) {
   const Outcome outcome = Search({"--json", "--explain", "cat"});
   EXPECT_EQ(outcome.err, "");
   EXPECT_EQ(Json::parse(outcome.out)["explanation"]["part"], "cat");
+}
+
+TEST_F(SearchOutputTest, JsonNamesTheIndexOfEachHitWhereThereAreSeveral) {
+  ASSERT_EQ(Run({"index", "other.index", "a"}).status, 0);
+  const Outcome outcome =
+      Run({"search", "--json", "--order", "name", "-i", "my.index", "-i", "other.index", "dog"});
+  const Json hits = Json::parse(outcome.out)["hits"];
+  ASSERT_EQ(hits.size(), 2u);
+  EXPECT_EQ(hits[0]["index"], "my.index");
+  EXPECT_EQ(hits[1]["index"], "other.index");
+  EXPECT_FALSE(SearchJson({"dog"})["hits"][0].contains("index"));
+}
+
+TEST_F(SearchOutputTest, SnippetIsOfTheFileInWhoseIndexTheHitIs) {
+  Write("sub/a", "dog barn\n");
+  ASSERT_EQ(Run({"index", "other.index", "sub/a"}).status, 0);
+  const Outcome outcome =
+      Run({"search", "--snippets", "-i", "my.index", "-i", "other.index", "dog barn"});
+  EXPECT_EQ(outcome.out.rfind("100 sub/a\n    dog barn\n    [dog] [barn]\n", 0), 0u) << outcome;
 }
 
 TEST_F(SearchOutputTest, JsonWithoutHitsHasSuggestions) {

@@ -1,6 +1,6 @@
 // How far apart two words are.
-#ifndef KESTAN_SEARCH_VOCABULARY_EDIT_DISTANCE_H_
-#define KESTAN_SEARCH_VOCABULARY_EDIT_DISTANCE_H_
+#ifndef KESTAN_TESTS_SEARCH_VOCABULARY_EDIT_DISTANCE_H_
+#define KESTAN_TESTS_SEARCH_VOCABULARY_EDIT_DISTANCE_H_
 
 #include <string_view>
 
@@ -12,4 +12,4 @@ int BoundedEditDistance(std::string_view left, std::string_view right, int limit
 
 }  // namespace kestan::search
 
-#endif  // KESTAN_SEARCH_VOCABULARY_EDIT_DISTANCE_H_
+#endif  // KESTAN_TESTS_SEARCH_VOCABULARY_EDIT_DISTANCE_H_

@@ -1,4 +1,4 @@
-#include "search/vocabulary/edit_distance.h"
+#include "tests/search/vocabulary/edit_distance.h"
 
 #include <algorithm>
 #include <cstddef>

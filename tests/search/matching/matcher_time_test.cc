@@ -6,17 +6,16 @@
 #include <ctime>
 #include <functional>
 #include <limits>
+#include <memory>
 #include <string>
+#include <vector>
 
-#include "search/query/evaluation/evaluator.h"
+#include "search/matching/matcher.h"
 #include "search/query/query_parser.h"
-#include "tests/support/index_test.h"
+#include "tests/search/matching/plain_segments.h"
 
-namespace kestan_cli {
+namespace kestan::search {
 namespace {
-
-using kestan::search::Evaluator;
-using kestan::search::ParseQuery;
 
 // The words "aaa" to "bmm", each of three letters.
 std::string WordOf(std::size_t number) {
@@ -24,17 +23,19 @@ std::string WordOf(std::size_t number) {
           static_cast<char>('a' + number % 26)};
 }
 
-class QueryTimeTest : public kestan_tests::IndexTest {
+class MatcherTimeTest : public testing::Test {
  protected:
   using Operand = std::function<std::string(std::size_t number)>;
 
   void SetUp() override {
-    kestan_tests::IndexTest::SetUp();
-    std::string text;
-    for (std::size_t i = 0; i < 1000; ++i) text += WordOf(i) + " ";
+    kestan_tests::DocumentOfWords document;
+    for (std::size_t i = 0; i < 1000; ++i) document.words.push_back(WordOf(i));
+    std::vector<kestan_tests::DocumentOfWords> documents;
     for (std::size_t i = 0; i < 400; ++i) {
-      engine_.AddDocumentWords(std::to_string(i).c_str(), text.c_str());
+      document.name = std::to_string(i);
+      documents.push_back(document);
     }
+    segment_ = segments_.Add(documents);
   }
 
   // How long a query of `count` operands, with `between` them, takes: the best of some
@@ -46,8 +47,7 @@ class QueryTimeTest : public kestan_tests::IndexTest {
     std::clock_t best = std::numeric_limits<std::clock_t>::max();
     for (int trial = 0; trial < 3; ++trial) {
       const std::clock_t start = std::clock();
-      Evaluator evaluator(engine_);
-      engine_.QueryResults(evaluator.Evaluate(*query, nullptr).id());
+      Matcher(*segment_).Find(*query, Need::kCodes);
       best = std::min(best, std::clock() - start);
     }
     return best;
@@ -58,29 +58,31 @@ class QueryTimeTest : public kestan_tests::IndexTest {
     const auto few = static_cast<double>(std::max<std::clock_t>(Time(20, between, operand), 100));
     return static_cast<double>(Time(1000, between, operand)) / few;
   }
+
+  kestan_tests::PlainSegments segments_;
+  std::shared_ptr<const Segment> segment_;
 };
 
-// Fifty times as many operands, united in twice as many rounds. From left to right it was 200 times
-// the time.
+// Fifty times as many operands, with room for what else a run has to do.
 constexpr double kMaxGrowth = 110;
 
-TEST_F(QueryTimeTest, EqualOperandsTakeTheTimeOfOne) {
+TEST_F(MatcherTimeTest, EqualOperandsTakeTheTimeOfOne) {
   EXPECT_LT(Growth(" OR ", [](std::size_t) { return "aaa"; }), 10);
   EXPECT_LT(Growth(" ", [](std::size_t) { return "aaa"; }), 10);
   EXPECT_LT(Growth(" OR ", [](std::size_t) { return "a*"; }), 10);
 }
 
-TEST_F(QueryTimeTest, DifferentOperandsGrowWithTheirNumber) {
+TEST_F(MatcherTimeTest, DifferentOperandsGrowWithTheirNumber) {
   for (const char* between : {" OR ", " ", " NEAR/5 ", " -", " OR NOT "}) {
     EXPECT_LT(Growth(between, WordOf), kMaxGrowth) << between;
   }
 }
 
-TEST_F(QueryTimeTest, ExpansionsGrowWithTheirNumber) {
+TEST_F(MatcherTimeTest, ExpansionsGrowWithTheirNumber) {
   const auto prefix = [](std::size_t i) { return WordOf(i) + "*"; };
   EXPECT_LT(Growth(" OR ", prefix), kMaxGrowth);
   EXPECT_LT(Growth(" NEAR/9 ", [](std::size_t) { return "bm*"; }), kMaxGrowth);
 }
 
 }  // namespace
-}  // namespace kestan_cli
+}  // namespace kestan::search
