@@ -102,10 +102,15 @@ TEST_F(JsonPageTest, NamesTheFieldsOfEveryReport) {
                {"index my.index d --why", "index my.index d", "index half.index half"});
   ExpectFields("`kestan search`",
                {"search my.index cat --snippets", "search my.index --explain 'ca*'",
-                "search my.index --explain 'cat OR dog'"});
+                "search my.index --explain 'cat OR dog'", "search -i my.index -i my.index cat"});
   ExpectFields("`kestan list`", {"list my.index"});
   ExpectFields("`kestan words`", {"words my.index"});
-  ExpectFields("`kestan stats`", {"stats my.index"});
+  {
+    Kestan engine;
+    ASSERT_EQ(engine.OpenIndex((folder_ / "one.file").c_str(), 1), 0);
+    engine.AddDocumentWords("a", "cat");
+  }
+  ExpectFields("`kestan stats`", {"stats my.index", "stats one.file"});
   ExpectFields("`kestan title get`, `kestan summary get`, `kestan user get`",
                {"title get my.index d/a", "summary get my.index d/a", "user get my.index d/a"});
   Shell(KESTAN_COMMAND " wordlist put my.index colours red");
