@@ -33,4 +33,12 @@ Result<FileSummary> CopyFile(const std::string& path, const std::string& target,
   return copy.Finish(Syncing::kLater);
 }
 
+Result<FileSummary> WriteNewFile(const std::string& path, std::string_view bytes) {
+  OutputFile file;
+  Status status = file.Create(path);
+  if (!status.ok()) return status;
+  file.Write(bytes);
+  return file.Finish(Syncing::kLater);
+}
+
 }  // namespace kestan::search

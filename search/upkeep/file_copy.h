@@ -1,4 +1,4 @@
-// Copying a file with its checksum.
+// Making files of known bytes, with their checksums.
 #ifndef KESTAN_SEARCH_UPKEEP_FILE_COPY_H_
 #define KESTAN_SEARCH_UPKEEP_FILE_COPY_H_
 
@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 
 #include "search/files/output_file.h"
 
@@ -18,6 +19,10 @@ namespace kestan::search {
 //   Returns  size and checksum; kNotFound, kSystem, kInterrupted, without a copy.
 Result<FileSummary> CopyFile(const std::string& path, const std::string& target,
                              const std::function<bool(std::uint64_t bytes)>& advance);
+
+// Writes `bytes` to the new file at `path`. Does not sync.
+//   Returns  size and checksum; kSystem, without a file.
+Result<FileSummary> WriteNewFile(const std::string& path, std::string_view bytes);
 
 }  // namespace kestan::search
 

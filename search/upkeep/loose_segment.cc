@@ -3,6 +3,7 @@
 #include "search/files/numbers.h"
 #include "search/files/output_file.h"
 #include "search/index/manifest/manifest.h"
+#include "search/upkeep/file_copy.h"
 
 namespace kestan::search {
 namespace {
@@ -12,14 +13,6 @@ SegmentInfo LooseInfo() {
   info.number = kLooseSegment;
   info.edit_number = 1;
   return info;
-}
-
-Result<FileSummary> WriteFile(const std::string& path, std::string_view bytes) {
-  OutputFile file;
-  Status status = file.Create(path);
-  if (!status.ok()) return status;
-  file.Write(bytes);
-  return file.Finish(Syncing::kLater);
 }
 
 }  // namespace
@@ -37,11 +30,11 @@ Result<std::shared_ptr<const Segment>> OpenLooseSegment(
   info.removed = static_cast<std::uint32_t>(derived->edits.removed_count());
   const Result<FileSummary> segment = SummaryOf(LooseFile(folder));
   if (!segment.ok()) return segment.status();
-  const auto terms = WriteFile(folder + "/" + TermsFile(info), derived->terms);
+  const auto terms = WriteNewFile(folder + "/" + TermsFile(info), derived->terms);
   if (!terms.ok()) return terms.status();
-  const auto table = WriteFile(folder + "/" + TableFile(info), derived->table);
+  const auto table = WriteNewFile(folder + "/" + TableFile(info), derived->table);
   if (!table.ok()) return table.status();
-  const auto edits = WriteFile(folder + "/" + EditsFile(info), derived->edits.Encode());
+  const auto edits = WriteNewFile(folder + "/" + EditsFile(info), derived->edits.Encode());
   if (!edits.ok()) return edits.status();
   info.segment = *segment;
   info.terms = *terms;

@@ -40,20 +40,31 @@ bool HasSoundRecords(const std::string& path) {
   return is_sound;
 }
 
-Result<FileSummary> Write(const std::string& path, std::string_view bytes) {
-  OutputFile file;
-  Status status = file.Create(path);
-  if (!status.ok()) return status;
-  file.Write(bytes);
-  return file.Finish(Syncing::kLater);
-}
-
 // What cannot be read is lost; what cannot be written, or for lack of memory, ends the repair.
 bool IsOfReading(const Status& status, const std::string& target) {
   const bool is_of_target = status.file().compare(0, target.size(), target) == 0;
   return status.code() == StatusCode::kDamaged ||
          (!is_of_target &&
           (status.code() == StatusCode::kNotFound || status.code() == StatusCode::kSystem));
+}
+
+// Applies the edits of a segment to those of one that was made of it, in which documents have the
+// codes `new_codes`.
+void ApplyEdits(const Edits& old_edits, const std::map<Code, Code>& new_codes, Edits* edits) {
+  for (const auto& [code, now] : new_codes) {
+    if (edits->IsRemoved(now)) continue;
+    if (old_edits.IsRemoved(code)) {
+      edits->Remove(now);
+      continue;
+    }
+    const DocumentEdit* const edit = old_edits.EditOf(code);
+    if (edit == nullptr) continue;
+    if (edit->name) edits->Rename(now, *edit->name, edit->renamed);
+    for (std::size_t field = 0; field < kDocumentFields; ++field) {
+      if (!edit->fields[field]) continue;
+      edits->SetField(now, static_cast<DocumentField>(field), *edit->fields[field]);
+    }
+  }
 }
 
 }  // namespace
@@ -117,7 +128,7 @@ Result<std::optional<SegmentInfo>> RepairedSegments::TakeSound(
   if (found.edits) {
     info.edit_number = found.number;
     info.removed = static_cast<std::uint32_t>(found.edits->removed_count());
-    const auto edits = Write(TargetPath(EditsFile(info)), found.edits->Encode());
+    const auto edits = WriteNewFile(TargetPath(EditsFile(info)), found.edits->Encode());
     if (!edits.ok()) return edits.status();
     info.edits = *edits;
   }
@@ -133,7 +144,7 @@ Status RepairedSegments::WriteDerived(const DamagedSegment& damaged, const Deriv
     items_.Add(RepairKind::kDerivedFile, terms_path, "", "made again");
     items_.SetDamaged();
   }
-  const auto terms = Write(TargetPath(TermsFile(*info)), derived.terms);
+  const auto terms = WriteNewFile(TargetPath(TermsFile(*info)), derived.terms);
   if (!terms.ok()) return terms.status();
   info->terms = *terms;
   const std::string table_path = Path(TableFile(*info));
@@ -145,7 +156,7 @@ Status RepairedSegments::WriteDerived(const DamagedSegment& damaged, const Deriv
   }
   items_.SetDamaged();
   items_.Add(RepairKind::kDerivedFile, table_path, "", "made again");
-  const auto table = Write(TargetPath(TableFile(*info)), derived.table);
+  const auto table = WriteNewFile(TargetPath(TableFile(*info)), derived.table);
   if (!table.ok()) return table.status();
   info->table = *table;
   const bool is_same =
@@ -310,20 +321,7 @@ Result<RepairedSegments::SegmentPointer> RepairedSegments::OpenSalvaged(
   }
   file.Close();
   return OpenLooseSegment(target_, known, [&](Edits* edits) {
-    for (const auto& [code, now] : new_codes) {
-      if (!found.edits || edits->IsRemoved(now)) continue;
-      if (found.edits->IsRemoved(code)) {
-        edits->Remove(now);
-        continue;
-      }
-      const DocumentEdit* const edit = found.edits->EditOf(code);
-      if (edit == nullptr) continue;
-      if (edit->name) edits->Rename(now, *edit->name, edit->renamed);
-      for (std::size_t field = 0; field < kDocumentFields; ++field) {
-        if (!edit->fields[field]) continue;
-        edits->SetField(now, static_cast<DocumentField>(field), *edit->fields[field]);
-      }
-    }
+    if (found.edits) ApplyEdits(*found.edits, new_codes, edits);
   });
 }
 
@@ -390,7 +388,7 @@ Result<bool> RepairedSegments::LeaveOutTwins(SegmentInfo* info, bool with_positi
   if (info->edit_number != 0) unlink(TargetPath(EditsFile(*info)).c_str());
   ++info->edit_number;
   info->removed = static_cast<std::uint32_t>(edits.removed_count());
-  const auto written = Write(TargetPath(EditsFile(*info)), edits.Encode());
+  const auto written = WriteNewFile(TargetPath(EditsFile(*info)), edits.Encode());
   if (!written.ok()) return written.status();
   info->edits = *written;
   return info->removed < info->documents;

@@ -73,7 +73,7 @@ Status ShareLikeStagingFolder(const std::string& path) {
 Result<std::vector<std::string>> PathsIn(const std::string& folder) {
   Result<std::vector<std::string>> names = NamesIn(folder);
   if (!names.ok()) return names;
-  for (std::string& name : *names) name = folder + "/" + name;
+  for (std::string& name : *names) name.insert(0, folder + "/");
   return names;
 }
 
