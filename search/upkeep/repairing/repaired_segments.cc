@@ -1,4 +1,4 @@
-#include "search/upkeep/repaired_segments.h"
+#include "search/upkeep/repairing/repaired_segments.h"
 
 #include <kestan/index_file.h>
 
@@ -16,7 +16,7 @@
 #include "search/segment/plain_index.h"
 #include "search/upkeep/file_copy.h"
 #include "search/upkeep/loose_segment.h"
-#include "search/upkeep/repaired_file.h"
+#include "search/upkeep/repairing/repaired_file.h"
 
 namespace kestan::search {
 namespace {

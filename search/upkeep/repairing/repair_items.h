@@ -1,6 +1,6 @@
 // Hands out what a repair finds, and counts it.
-#ifndef KESTAN_SEARCH_UPKEEP_REPAIR_ITEMS_H_
-#define KESTAN_SEARCH_UPKEEP_REPAIR_ITEMS_H_
+#ifndef KESTAN_SEARCH_UPKEEP_REPAIRING_REPAIR_ITEMS_H_
+#define KESTAN_SEARCH_UPKEEP_REPAIRING_REPAIR_ITEMS_H_
 
 #include <kestan/maintenance.h>
 #include <kestan/search/repair.h>
@@ -96,4 +96,4 @@ class RepairItems {
 
 }  // namespace kestan::search
 
-#endif  // KESTAN_SEARCH_UPKEEP_REPAIR_ITEMS_H_
+#endif  // KESTAN_SEARCH_UPKEEP_REPAIRING_REPAIR_ITEMS_H_

@@ -1,6 +1,6 @@
 // Index files that the engine repairs.
-#ifndef KESTAN_SEARCH_UPKEEP_REPAIRED_FILE_H_
-#define KESTAN_SEARCH_UPKEEP_REPAIRED_FILE_H_
+#ifndef KESTAN_SEARCH_UPKEEP_REPAIRING_REPAIRED_FILE_H_
+#define KESTAN_SEARCH_UPKEEP_REPAIRING_REPAIRED_FILE_H_
 
 #include <kestan/maintenance.h>
 #include <kestan/search/status.h>
@@ -17,4 +17,4 @@ Status RepairIndexFile(const std::string& damaged, const std::string& made, cons
 
 }  // namespace kestan::search
 
-#endif  // KESTAN_SEARCH_UPKEEP_REPAIRED_FILE_H_
+#endif  // KESTAN_SEARCH_UPKEEP_REPAIRING_REPAIRED_FILE_H_

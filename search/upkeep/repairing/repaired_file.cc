@@ -1,4 +1,4 @@
-#include "search/upkeep/repaired_file.h"
+#include "search/upkeep/repairing/repaired_file.h"
 
 #include <kestan/index_file.h>
 

@@ -1,6 +1,6 @@
 // Segments of a damaged index on their way into a new one.
-#ifndef KESTAN_SEARCH_UPKEEP_REPAIRED_SEGMENTS_H_
-#define KESTAN_SEARCH_UPKEEP_REPAIRED_SEGMENTS_H_
+#ifndef KESTAN_SEARCH_UPKEEP_REPAIRING_REPAIRED_SEGMENTS_H_
+#define KESTAN_SEARCH_UPKEEP_REPAIRING_REPAIRED_SEGMENTS_H_
 
 #include <kestan/search/status.h>
 
@@ -17,7 +17,7 @@
 #include "search/segment/derived_files.h"
 #include "search/segment/segment.h"
 #include "search/segment/segment_info.h"
-#include "search/upkeep/repair_items.h"
+#include "search/upkeep/repairing/repair_items.h"
 
 namespace kestan::search {
 
@@ -88,4 +88,4 @@ class RepairedSegments {
 
 }  // namespace kestan::search
 
-#endif  // KESTAN_SEARCH_UPKEEP_REPAIRED_SEGMENTS_H_
+#endif  // KESTAN_SEARCH_UPKEEP_REPAIRING_REPAIRED_SEGMENTS_H_

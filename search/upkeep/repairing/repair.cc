@@ -19,9 +19,9 @@
 #include "search/index/manifest/manifest.h"
 #include "search/index/manifest/manifest_text.h"
 #include "search/upkeep/loose_segment.h"
-#include "search/upkeep/repair_items.h"
-#include "search/upkeep/repaired_file.h"
-#include "search/upkeep/repaired_segments.h"
+#include "search/upkeep/repairing/repair_items.h"
+#include "search/upkeep/repairing/repaired_file.h"
+#include "search/upkeep/repairing/repaired_segments.h"
 #include "search/upkeep/staging_folder.h"
 
 namespace kestan::search {
