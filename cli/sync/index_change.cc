@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <exception>
 #include <filesystem>
 #include <system_error>
@@ -40,8 +41,8 @@ bool MayWrite(const std::string& folder) {
 }  // namespace
 
 // A run that changes nothing needs no permission to.
-IndexChange::IndexChange(const std::string& path, ProgressStyle style)
-    : path_(path), style_(style) {
+IndexChange::IndexChange(std::string path, ProgressStyle style)
+    : path_(std::move(path)), style_(style) {
   if (KindOfIndex(path_) == IndexKind::kNone) return;
   CheckIsFolder(path_);
   if (IsEmpty(path_)) return;
@@ -56,7 +57,7 @@ IndexChange::~IndexChange() {
 std::vector<KnownDocument> IndexChange::Documents() const {
   std::vector<KnownDocument> documents;
   if (!before_.has_value()) return documents;
-  documents.reserve(before_->Statistics().documents);
+  documents.reserve(static_cast<std::size_t>(before_->Statistics().documents));
   CheckStatus(before_->ForEachDocument([&](const DocumentInfo& info) {
     documents.push_back({info.name, FingerprintIn(info.host_data)});
     return true;

@@ -24,7 +24,7 @@ class IndexChange {
   // snapshot of it.
   //   Throws   CommandError if there is something else, it is damaged, or another process is
   //            changing it.
-  IndexChange(const std::string& path, ProgressStyle style);
+  IndexChange(std::string path, ProgressStyle style);
   ~IndexChange();
   IndexChange(const IndexChange&) = delete;
   IndexChange& operator=(const IndexChange&) = delete;

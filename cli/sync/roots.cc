@@ -22,7 +22,7 @@ Json BytesOf(const std::string& text) {
 }
 
 Json Encoded(const std::string& text) {
-  const Json json = text;
+  Json json = text;
   try {
     static_cast<void>(json.dump());
   } catch (const Json::type_error&) {
