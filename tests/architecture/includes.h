@@ -39,8 +39,8 @@ std::vector<std::string> FindCycles(const Sources& sources);
 // ground. A floor is named by its first one or two directories; what lies deeper belongs to it.
 std::vector<std::string> FindClimbs(const Sources& sources, const std::vector<Floor>& floors);
 
-// Headers of the engine that search/ or cli/ includes, and of the search library that cli/ does, but
-// no host could.
+// Headers of the engine that search/ or cli/ includes, and of the search library that cli/ does,
+// but no host could.
 std::vector<std::string> FindPrivateHeaders(const Sources& sources, const Paths& installed);
 
 // Directories with more than 20 of these files.

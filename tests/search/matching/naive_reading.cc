@@ -6,8 +6,8 @@
 
 #include "search/query/clauses.h"
 #include "search/text/letters.h"
-#include "tests/search/vocabulary/edit_distance.h"
 #include "search/vocabulary/stem.h"
+#include "tests/search/vocabulary/edit_distance.h"
 
 namespace kestan_tests {
 namespace {

@@ -171,7 +171,7 @@ TEST_F(SearchOutputTest, JsonHasHitsAndTotal) {
   EXPECT_EQ(json["query"], "cat");
   EXPECT_EQ(json["total"], 2);
   EXPECT_EQ(json["hits"],
-            Json::parse(R"([{"percent": 100, "name": "a", "title": "A cat and a cat"}])"));
+            (Json::array({{{"percent", 100}, {"name", Path("a")}, {"title", "A cat and a cat"}}})));
   EXPECT_FALSE(json.contains("explanation"));
 }
 
