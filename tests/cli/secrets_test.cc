@@ -4,6 +4,7 @@
 #include <string>
 
 #include "tests/cli/command_test.h"
+#include "tests/cli/index_folder.h"
 
 namespace kestan_tests {
 namespace {
@@ -21,10 +22,10 @@ TEST_F(SecretsTest, NoByteOfAnIndexFollowsFromTheSecret) {
   // Some more trials, for documents hold the second in which they were added.
   for (int trial = 0; trial < 5 && !is_same; ++trial) {
     for (const char* name : {"a", "b"}) {
-      std::filesystem::remove(Path(name));
+      std::filesystem::remove_all(Path(name));
       ASSERT_EQ(Run({"index", name, "d"}).status, 0);
     }
-    is_same = BytesOfFile(Path("a")) == BytesOfFile(Path("b"));
+    is_same = FilesOfIndex(Path("a")) == FilesOfIndex(Path("b"));
   }
   EXPECT_TRUE(is_same);
 }

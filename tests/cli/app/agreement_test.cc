@@ -94,20 +94,20 @@ struct Places {
 class AgreementTest : public CommandTest {
  protected:
   void SetUp() override {
-    Write("empty", "");
-    for (int i = 0; i < 60; ++i) Write(NameOf(i), TextOf(i));
-    ASSERT_EQ(Run({"index", "my.index", "docs"}).status, 0);
-    older_ = IndexBytes();
-    for (int i = 0; i < 60; i += 5) std::filesystem::remove(Path(NameOf(i)));
-    for (int i = 1; i < 60; i += 7) Write(NameOf(i), TextOf(i + 100) + " Later later");
-    ASSERT_EQ(Run({"index", "--prune", "my.index", "docs"}).status, 0);
-    ASSERT_EQ(Run({"shrink", "my.index"}).status, 0);
-    old_ = IndexBytes();
-    for (int i = 60; i < 75; ++i) Write(NameOf(i), TextOf(i) + " Newest of all");
-    ASSERT_EQ(Run({"remove", "my.index", NameOf(3)}).status, 0);
-    std::filesystem::remove(Path(NameOf(3)));
-    ASSERT_EQ(Run({"index", "my.index", "docs"}).status, 0);
-    good_ = IndexBytes();
+    Kestan engine;
+    ASSERT_EQ(engine.OpenIndex(Path("my.index").c_str(), 1), 0);
+    for (int i = 0; i < 60; ++i) AddTo(engine, i, TextOf(i));
+    older_ = Closed(engine);
+    for (int i = 0; i < 60; i += 5) RemoveFrom(engine, i);
+    for (int i = 1; i < 60; i += 7) AddTo(engine, i, TextOf(i + 100) + " Later later");
+    engine.ShrinkIndex();
+    old_ = Closed(engine);
+    for (int i = 60; i < 75; ++i) AddTo(engine, i, TextOf(i) + " Newest of all");
+    RemoveFrom(engine, 3);
+    good_ = Closed(engine);
+    engine.CloseIndex();
+    const Outcome check = Run({"check", "my.index"});
+    ASSERT_EQ(check.status, 0) << check;
     answers_ = Answers("my.index");
     for (const Outcome& answer : answers_) ASSERT_EQ(answer.status, 0) << answer.err;
   }
@@ -165,10 +165,34 @@ class AgreementTest : public CommandTest {
  private:
   static int Times() { return NumberFromEnvironment("KESTAN_AGREEMENT", 1); }
 
+  static void AddTo(Kestan& engine, int number, const std::string& text) {
+    const std::string name = NameOf(number);
+    engine.AddDocumentWords(name.c_str(), text.c_str());
+    ASSERT_EQ(engine.DBPutTitle(name.c_str(), ("About " + std::to_string(number)).c_str()), 0);
+    ASSERT_EQ(engine.DBPutSummary(name.c_str(), text.c_str()), 0);
+    ASSERT_EQ(engine.DBPutUser(name.c_str(), "mine"), 0);
+  }
+
+  static void RemoveFrom(Kestan& engine, int number) {
+    const std::string name = NameOf(number);
+    ASSERT_EQ(engine.RemoveDocumentWords(name.c_str()), 0);
+    for (const auto remove : {&Kestan::DBDelTitle, &Kestan::DBDelSummary, &Kestan::DBDelUser}) {
+      ASSERT_EQ((engine.*remove)(name.c_str()), 0);
+    }
+  }
+
+  // Returns the bytes of the index file after it was closed, and opens it again.
+  std::string Closed(Kestan& engine) const {
+    engine.CloseIndex();
+    std::string bytes = IndexBytes();
+    EXPECT_EQ(engine.OpenIndex(Path("my.index").c_str(), 1), 0);
+    return bytes;
+  }
+
   static std::string NameOf(int number) { return "docs/text " + std::to_string(number); }
 
   static std::string TextOf(int number) {
-    std::string text = "About " + std::to_string(number) + "\n\nThe cat Sat on";
+    std::string text = "About text" + std::to_string(number) + "\n\nThe cat Sat on";
     for (int i = 0; i < 30; ++i) {
       const int word = (number * 37 + i * i * 11) % 300;
       const char ending[] = {static_cast<char>('a' + word % 17), static_cast<char>('b' + word % 9)};

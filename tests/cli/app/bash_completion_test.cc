@@ -28,13 +28,14 @@ TEST_F(BashCompletionTest, OffersCommandsOfAGroup) {
 }
 
 TEST_F(BashCompletionTest, OffersOptionsOnlyAfterADash) {
-  EXPECT_EQ(Offers("kestan shrink --dr", 3), "--dry-run\n");
+  EXPECT_EQ(Offers("kestan compact --dr", 3), "--dry-run\n");
+  EXPECT_EQ(Offers("kestan shrink --dr", 3), "--dry-run\n");  // its other name
   EXPECT_EQ(Offers("kestan option get my.index --js", 5), "--json\n");
-  EXPECT_EQ(Offers("kestan shrink ''", 3), "\n");
+  EXPECT_EQ(Offers("kestan compact ''", 3), "\n");
 }
 
 TEST_F(BashCompletionTest, OffersTheValuesOfAnOption) {
-  EXPECT_EQ(Offers("kestan search --order ''", 4), "best score name code\n");
+  EXPECT_EQ(Offers("kestan search --order ''", 4), "best name\n");
   EXPECT_EQ(Offers("kestan search --color a", 4), "auto always\n");
 }
 

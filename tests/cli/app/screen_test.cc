@@ -15,7 +15,7 @@
 
 #include "cli/commands/commands.h"
 #include "cli/console/control_characters.h"
-#include "tests/cli/command_test.h"
+#include "tests/cli/index_folder_test.h"
 
 namespace kestan_tests {
 namespace {
@@ -134,7 +134,10 @@ void ExpectHarmless(const std::string& text, const Arguments& arguments) {
   }
 }
 
-class TerminalControlsTest : public ScreenTest {
+// Each test runs with a `base.index` of either kind.
+enum class Kind { kFolder, kFile };
+
+class TerminalControlsTest : public ScreenTest, public testing::WithParamInterface<Kind> {
  protected:
   void SetUp() override {
     Write(name_, "cat " + MoreOrders() + "\ncat\n" + MoreOrders() + "cat\n");
@@ -143,22 +146,18 @@ class TerminalControlsTest : public ScreenTest {
     Write("files/" + Orders() + "\n", "cat\n");
     Write("list", name_ + '\0' + Orders() + '\0');
     Write("words", "red " + std::string("\x1b[2J\a") + "\n");
-    ASSERT_EQ(Run({"index", "base.index", name_}).status, 0);
-    Kestan engine;
-    ASSERT_EQ(engine.OpenIndex(Path("base.index").c_str(), 1), 0);
-    engine.AddDocumentWords(("other" + name_).c_str(), ("cat " + Orders()).c_str());
-    const std::string user = engine.DBGetUser(name_.c_str());  // with it goes the snippet
-    engine.DBPutUser(name_.c_str(), (user + "\n" + MoreOrders()).c_str());
-    for (const std::string& name : {name_, "other" + name_, "no" + name_}) {
-      engine.DBPutTitle(name.c_str(), MoreOrders().c_str());
-      engine.DBPutSummary(name.c_str(), MoreOrders().c_str());
+    ASSERT_EQ(Run({"index", "folder.index", name_}).status, 0);
+    FillFolder();
+    if (IsFolder()) {
+      std::filesystem::rename(Path("folder.index"), Path("base.index"));
+    } else {
+      MakeFile();
     }
-    engine.DBPutWords(Orders().c_str(), ("red " + Orders()).c_str());
-    engine.CloseIndex();
-    Plant(Path("base.index"), {{"x" + Orders(), Units({9, 1, 1})}, {"z-" + Orders(), "?"}});
     Write("dump", Run({"dump", "base.index"}).out + MoreOrders() + "\n");
     ASSERT_EQ(setenv("NO_COLOR", "1", 1), 0);
   }
+
+  static bool IsFolder() { return GetParam() == Kind::kFolder; }
 
   // What stands for an argument where it is to be a good one.
   std::string Good(const Command& command, const std::string& argument) const {
@@ -178,6 +177,8 @@ class TerminalControlsTest : public ScreenTest {
         {"FORM", "json"},
         {"SHELL", "bash"},
         {"FOLDER", "."},
+        {"--index", "my.index"},
+        {"--one-file", "one.index"},
         {"--include", "*"},
         {"--exclude", "*" + Orders() + ".txt"},
         {"--converter", "pdf=false {} " + Orders()},
@@ -237,11 +238,18 @@ class TerminalControlsTest : public ScreenTest {
 
   // Returns what a terminal gets of both streams, with a fresh index.
   std::string Screen(const Arguments& arguments) {
-    for (const char* made : {"my.index", "new.index"}) std::filesystem::remove(Path(made));
-    std::filesystem::copy_file(Path("base.index"), Path("my.index"));
+    for (const char* made : {"my.index", "new.index", "one.index"}) {
+      std::filesystem::remove_all(Path(made));
+    }
+    CopyBase();
     const bool is_list = arguments.back() == "--stdin0";
     return Shown({STDOUT_FILENO, STDERR_FILENO}, arguments,
                  [&] { dup2(open(is_list ? "list" : "words", O_RDONLY), STDIN_FILENO); });
+  }
+
+  void CopyBase() const {
+    std::filesystem::copy(Path("base.index"), Path("my.index"),
+                          std::filesystem::copy_options::recursive);
   }
 
   const std::string name_ = "name" + Orders();
@@ -255,10 +263,60 @@ class TerminalControlsTest : public ScreenTest {
     }
     return needed;
   }
+
+  // Adds another document to the index, of words that `kestan index` would not make, and texts.
+  void FillFolder() const {
+    kestan::search::IndexWriter writer = WriterOf(Path("folder.index"));
+    const std::string stored = std::filesystem::canonical(Path(name_)).string();
+    const auto reader = ReaderOfFolder(Path("folder.index"));
+    const std::string user = reader.FindDocument(stored)->host_data;  // with it goes the snippet
+    kestan::search::Document other;
+    other.name = "other" + name_;
+    other.words = "cat x" + Orders();
+    ASSERT_TRUE(writer.Add(other).ok());
+    using Field = kestan::search::DocumentField;
+    for (const std::string& name : {stored, other.name}) {
+      ASSERT_TRUE(writer.SetField(name, Field::kTitle, MoreOrders()).ok());
+      ASSERT_TRUE(writer.SetField(name, Field::kSummary, MoreOrders()).ok());
+    }
+    ASSERT_TRUE(writer.SetField(stored, Field::kHostData, user + "\n" + MoreOrders()).ok());
+    writer.SetProperty("wordlist:" + Orders(), "red\n" + Orders() + "\n");
+    ASSERT_TRUE(writer.Commit().ok());
+  }
+
+  // Makes the same as one file, with a record that is damaged.
+  void MakeFile() {
+    Kestan engine;
+    ASSERT_EQ(engine.OpenIndex(Path("base.index").c_str(), 1), 0);
+    const auto reader = ReaderOfFolder(Path("folder.index"));
+    const auto status = reader.ForEachDocument([&](const auto& document) {
+      const bool is_other = document.name == "other" + name_;
+      const std::string name = is_other ? document.name : name_;
+      engine.AddDocumentWords(name.c_str(), is_other ? ("cat " + Orders()).c_str() : "cat");
+      engine.DBPutTitle(name.c_str(), document.title.c_str());
+      engine.DBPutSummary(name.c_str(), document.summary.c_str());
+      if (!is_other) engine.DBPutUser(name.c_str(), document.host_data.c_str());
+      return true;
+    });
+    ASSERT_TRUE(status.ok());
+    for (const auto put : {&Kestan::DBPutTitle, &Kestan::DBPutSummary}) {
+      (engine.*put)(("no" + name_).c_str(), MoreOrders().c_str());
+    }
+    engine.DBPutWords(Orders().c_str(), "red");  // with others it would be no list of words
+    engine.CloseIndex();
+    Plant(Path("base.index"), {{"z-" + Orders(), "?"}});
+  }
 };
 
+std::string NameOfKind(const testing::TestParamInfo<Kind>& kind) {
+  return kind.param == Kind::kFolder ? "Folder" : "File";
+}
+
+INSTANTIATE_TEST_SUITE_P(BothKinds, TerminalControlsTest,
+                         testing::Values(Kind::kFolder, Kind::kFile), NameOfKind);
+
 // Covers a command that comes later, as long as Good() knows its arguments.
-TEST_F(TerminalControlsTest, OfFilesAndIndexesDoNotReachTheTerminal) {
+TEST_P(TerminalControlsTest, OfFilesAndIndexesDoNotReachTheTerminal) {
   for (const Command& command : kestan_cli::AllCommands()) {
     for (const Arguments& line : Lines(command)) {
       const bool coloured = line.back() == "--color=always";
@@ -267,28 +325,31 @@ TEST_F(TerminalControlsTest, OfFilesAndIndexesDoNotReachTheTerminal) {
   }
 }
 
-TEST_F(TerminalControlsTest, AreShownEscaped) {
-  const std::set<std::string> shown_by = {"list",        "search",   "words",        "title get",
-                                          "summary get", "user get", "wordlist get", "check",
-                                          "dump",        "export",   "move",         "remove"};
+TEST_P(TerminalControlsTest, AreShownEscaped) {
+  std::set<std::string> shown_by = {"list",     "search",       "words", "title get", "summary get",
+                                    "user get", "wordlist get", "dump",  "export"};
+  if (IsFolder()) shown_by.insert({"move", "remove"});
+  if (!IsFolder()) shown_by.erase("wordlist get");  // its words are in ASCII
+  if (!IsFolder()) shown_by.insert("check");        // it names the records that are damaged
   for (const Command& command : kestan_cli::AllCommands()) {
     if (shown_by.count(command.name) == 0) continue;
     Arguments line = Line(command, true);
     if (command.name == "move" || command.name == "remove") line.back() = "no" + Orders();
     if (command.name == "move") line[2] = "no" + Orders();
-    EXPECT_NE(Screen(line).find("1b[2J"), std::string::npos) << command.name;
+    const std::string screen = Screen(line);
+    EXPECT_NE(screen.find("1b[2J"), std::string::npos) << command.name << ": " << screen;
   }
 }
 
-TEST_F(TerminalControlsTest, OfColoursAreOnlyTheCommandsOwn) {
+TEST_P(TerminalControlsTest, OfColoursAreOnlyTheCommandsOwn) {
   const Arguments line = {"search", "--color=always", "my.index", "cat"};
   const std::string shown = Screen(line);
   EXPECT_NE(shown.find("\x1b[1;31mcat\x1b[0m"), std::string::npos) << shown;
   ExpectHarmless(WithoutOwnOrders(shown, true), line);
 }
 
-TEST_F(TerminalControlsTest, ReachProgramsUnchanged) {
-  std::filesystem::copy_file(Path("base.index"), Path("my.index"));
+TEST_P(TerminalControlsTest, ReachProgramsUnchanged) {
+  CopyBase();
   for (const char* record : {"title", "summary"}) {
     EXPECT_EQ(Run({record, "get", "my.index", name_}), Success(MoreOrders() + "\n")) << record;
   }
@@ -296,14 +357,15 @@ TEST_F(TerminalControlsTest, ReachProgramsUnchanged) {
   EXPECT_NE(Run({"words", "my.index"}).out.find(Orders() + "\n"), std::string::npos);
 }
 
-TEST_F(TerminalControlsTest, LeaveJsonValid) {
-  std::filesystem::copy_file(Path("base.index"), Path("my.index"));
-  for (const Arguments& line : {Arguments{"list", "my.index"},
-                                {"search", "--snippets", "my.index", "cat"},
-                                {"words", "my.index"},
-                                {"title", "get", "my.index", name_},
-                                {"wordlist", "get", "my.index", Orders()},
-                                {"check", "my.index"}}) {
+TEST_P(TerminalControlsTest, LeaveJsonValid) {
+  CopyBase();
+  std::vector<Arguments> lines{{"list", "my.index"},
+                               {"search", "--snippets", "my.index", "cat"},
+                               {"words", "my.index"},
+                               {"title", "get", "my.index", name_},
+                               {"wordlist", "get", "my.index", Orders()}};
+  if (!IsFolder()) lines.push_back({"check", "my.index"});
+  for (const Arguments& line : lines) {
     Arguments with_json = line;
     with_json.emplace_back("--json");
     const std::string shown = Shown(STDOUT_FILENO, with_json);

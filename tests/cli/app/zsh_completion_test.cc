@@ -15,7 +15,7 @@ TEST_F(ZshCompletionTest, ZshRunsItsFunctions) {
   Write("try",
         "compdef() { echo $*; }; . ./completion\n_kestan_words title ''\n"
         "_kestan_values search --order");
-  EXPECT_EQ(Shell("zsh -f try 2>&1"), "_kestan kestan\nget set delete\nbest score name code\n");
+  EXPECT_EQ(Shell("zsh -f try 2>&1"), "_kestan kestan\nget set delete\nbest name\n");
 }
 
 }  // namespace
