@@ -1,6 +1,5 @@
 // The command `kestan`: reads the arguments, runs one command, and turns any error into a message
 // of one line and an exit status.
-#include <kestan/kestan.h>
 
 #include <csignal>
 #include <exception>
@@ -29,8 +28,7 @@ int Run(const Arguments& arguments) {
     Print(request.text);
     return kDone;
   }
-  Kestan engine;
-  return request.command->run(engine, request.values);
+  return request.command->run(request.values);
 }
 
 int RunAndReport(const Arguments& arguments) {

@@ -3,8 +3,6 @@
 #ifndef KESTAN_CLI_APP_COMMAND_H_
 #define KESTAN_CLI_APP_COMMAND_H_
 
-#include <kestan/kestan.h>
-
 #include <functional>
 #include <map>
 #include <string>
@@ -64,9 +62,9 @@ struct Command {
   std::string purpose;
   std::vector<Positional> positionals;
   std::vector<Option> options;
-  std::string more;                                              // the end of its help
-  Arguments examples;                                            // without the prompt
-  std::function<int(Kestan& engine, const Values& values)> run;  // returns the exit status
+  std::string more;                              // the end of its help
+  Arguments examples;                            // without the prompt
+  std::function<int(const Values& values)> run;  // returns the exit status
   bool takes_dashes = false;       // a word with one dash is an argument unless it is an option
   bool hidden = false;             // left out of help and manual: only the build uses it
   std::string group_purpose = {};  // of a command with two words: the purpose of its group

@@ -33,7 +33,7 @@ Command DeleteSideRecordCommand(const SideRecord& record) {
           {},
           "",
           {std::string("kestan ") + record.name + " delete my.index notes.txt"},
-          [&record](Kestan&, const Values& values) { return RunDelete(record, values); }};
+          [&record](const Values& values) { return RunDelete(record, values); }};
 }
 
 }  // namespace kestan_cli

@@ -102,7 +102,7 @@ int RunExport(const std::string& index, const ExportOptions& options) {
 
 namespace {
 
-int RunExportCommand(Kestan&, const Values& values) {
+int RunExportCommand(const Values& values) {
   ExportOptions options;
   options.form = values.Text("FORM") == "sql" ? ExportForm::kSql : ExportForm::kJson;
   options.target = values.Text("NAME", options.target);

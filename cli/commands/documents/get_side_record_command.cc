@@ -35,7 +35,7 @@ Command GetSideRecordCommand(const SideRecord& record) {
           {JsonOption()},
           "",
           {std::string("kestan ") + record.name + " get my.index notes.txt"},
-          [&record](Kestan&, const Values& values) { return RunGet(record, values); }};
+          [&record](const Values& values) { return RunGet(record, values); }};
 }
 
 }  // namespace kestan_cli

@@ -228,7 +228,7 @@ int RunIndex(const std::string& index, const IndexOptions& options) {
 
 namespace {
 
-int RunIndexCommand(Kestan& /*engine*/, const Values& values) {
+int RunIndexCommand(const Values& values) {
   IndexOptions options;
   options.paths = values.All("PATH");
   options.paths_from_stdin = values.Has("--stdin0");

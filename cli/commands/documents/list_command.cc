@@ -56,7 +56,7 @@ Json JsonOf(const IndexReader& reader, const std::string& index) {
   return documents;
 }
 
-int RunList(Kestan&, const Values& values) {
+int RunList(const Values& values) {
   const std::string index = values.Text("INDEX");
   const IndexReader reader = OpenReader(index);
   PrintReport(

@@ -35,7 +35,7 @@ void Rename(OpenedWriter& opened, const std::string& from, const std::string& to
                      " already; --replace removes it first");
 }
 
-int RunMove(Kestan&, const Values& values) {
+int RunMove(const Values& values) {
   const std::string index = values.Text("INDEX");
   CheckNewName(values.Text("NEW"));
   OpenedWriter opened(index, OpenedWriter::IfMissing::kFail, StyleOfStandardError(false));

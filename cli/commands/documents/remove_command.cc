@@ -18,7 +18,7 @@ std::set<std::string> StoredNames(const OpenedWriter& opened, const Arguments& g
   return names;
 }
 
-int RunRemove(Kestan&, const Values& values) {
+int RunRemove(const Values& values) {
   const std::string index = values.Text("INDEX");
   OpenedWriter opened(index, OpenedWriter::IfMissing::kFail,
                       StyleOfStandardError(ReportFormatOf(values) == ReportFormat::kNone));

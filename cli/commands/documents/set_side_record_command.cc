@@ -27,7 +27,7 @@ Command SetSideRecordCommand(const SideRecord& record) {
       {},
       "",
       {std::string("kestan ") + record.name + " set my.index notes.txt '" + record.example + "'"},
-      [&record](Kestan&, const Values& values) { return RunSet(record, values); }};
+      [&record](const Values& values) { return RunSet(record, values); }};
 }
 
 }  // namespace kestan_cli

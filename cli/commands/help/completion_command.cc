@@ -18,7 +18,7 @@ std::string CompletionFor(const std::string& shell) {
                      "; there are bash, zsh and fish");
 }
 
-int RunCompletion(Kestan&, const Values& values) {
+int RunCompletion(const Values& values) {
   Print(CompletionFor(values.Text("SHELL")));
   return kDone;
 }

@@ -8,7 +8,7 @@
 namespace kestan_cli {
 namespace {
 
-int RunManual(Kestan&, const Values& values) {
+int RunManual(const Values& values) {
   for (const auto& [name, text] : ManualPages(AllCommands())) {
     const std::string path = values.Text("FOLDER") + "/" + name;
     std::ofstream page(path, std::ios::binary);

@@ -222,7 +222,7 @@ void ReadQuery(const Values& values, SearchOptions* options) {
   options->query = Joined(words, " ");
 }
 
-int RunSearchCommand(Kestan&, const Values& values) {
+int RunSearchCommand(const Values& values) {
   SearchOptions options;
   ReadQuery(values, &options);
   options.words = WordsMeanOf(values);

@@ -68,7 +68,7 @@ class CheckLines {
   Json lines_ = Json::array();
 };
 
-int RunCheck(Kestan&, const Values& values) {
+int RunCheck(const Values& values) {
   const std::string index = values.Text("INDEX");
   const IndexKind kind = KindOfIndex(index);
   if (kind == IndexKind::kNone) throw CannotOpen(index, kNoSuchIndex);

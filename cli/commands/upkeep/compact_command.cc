@@ -74,7 +74,7 @@ int WriteOneFile(const std::string& index, const std::string& file, const Values
   return kDone;
 }
 
-int RunCompact(Kestan&, const Values& values) {
+int RunCompact(const Values& values) {
   const std::string index = values.Text("INDEX");
   CheckIsFolder(index);
   if (values.Has("--one-file")) return WriteOneFile(index, values.Text("--one-file"), values);

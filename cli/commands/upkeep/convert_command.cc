@@ -32,7 +32,7 @@ std::string TextOf(std::uint64_t documents, const ConversionReport& report) {
   return text;
 }
 
-int RunConvert(Kestan&, const Values& values) {
+int RunConvert(const Values& values) {
   const std::string file = values.Text("FILE");
   const std::string folder = values.Text("FOLDER");
   const IndexKind kind = KindOfIndex(file);

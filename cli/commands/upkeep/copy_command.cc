@@ -8,7 +8,7 @@
 namespace kestan_cli {
 namespace {
 
-int RunCopy(Kestan&, const Values& values) {
+int RunCopy(const Values& values) {
   const std::string index = values.Text("INDEX");
   const std::string target = values.Text("NEW");
   if (KindOfIndex(index) == IndexKind::kNone) throw CannotOpen(index, kNoSuchIndex);

@@ -12,7 +12,7 @@
 namespace kestan_cli {
 namespace {
 
-int RunDump(Kestan&, const Values& values) {
+int RunDump(const Values& values) {
   const std::string index = values.Text("INDEX");
   if (KindOfIndex(index) == IndexKind::kNone) throw CannotOpen(index, kNoSuchIndex);
   LinePrinter printer;

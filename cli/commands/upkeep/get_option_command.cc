@@ -13,7 +13,7 @@ std::string JsonOf(std::uint32_t flags) {
   return JsonReport({{"flags", flags}, {"positions_kept", (flags & kNoPositions) == 0}});
 }
 
-int RunGetOption(Kestan&, const Values& values) {
+int RunGetOption(const Values& values) {
   const std::string index = values.Text("INDEX");
   const std::uint32_t flags = FlagsOf(OpenReader(index), index);
   PrintReport(

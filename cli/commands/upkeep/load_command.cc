@@ -51,7 +51,7 @@ void Load(std::istream& input, const std::string& target, const std::string& sho
   made.Check(status);
 }
 
-int RunLoad(Kestan&, const Values& values) {
+int RunLoad(const Values& values) {
   const std::string source = values.Text("FILE", "-");
   std::ifstream file;
   if (source != "-") {

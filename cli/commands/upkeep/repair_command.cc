@@ -116,7 +116,7 @@ CommandError CannotRepair(const std::string& damaged, const std::string& reason)
   return CommandError("cannot repair " + Quoted(damaged) + ": " + reason);
 }
 
-int RunRepair(Kestan&, const Values& values) {
+int RunRepair(const Values& values) {
   const std::string damaged = values.Text("DAMAGED");
   const std::string target = values.Text("NEW");
   if (KindOfIndex(damaged) == IndexKind::kNone) throw CannotOpen(damaged, kNoSuchIndex);

@@ -8,7 +8,7 @@
 namespace kestan_cli {
 namespace {
 
-int RunSetOption(Kestan&, const Values& values) {
+int RunSetOption(const Values& values) {
   const std::string index = values.Text("INDEX");
   const std::uint32_t flags = FlagsIn(values);
   OpenedWriter opened(index, OpenedWriter::IfMissing::kFail, StyleOfStandardError(false));

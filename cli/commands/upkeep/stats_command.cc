@@ -78,7 +78,7 @@ IndexFacts FactsOf(const std::string& path) {
   }
 }
 
-int RunStats(Kestan&, const Values& values) {
+int RunStats(const Values& values) {
   const IndexFacts facts = FactsOf(values.Text("INDEX"));
   PrintReport(
       ReportFormatOf(values), [&] { return JsonOf(facts); }, [&] { return TextOf(facts); });

@@ -22,7 +22,7 @@ Json JsonOf(std::string_view lines) {
   return words;
 }
 
-int RunGetWordList(Kestan&, const Values& values) {
+int RunGetWordList(const Values& values) {
   const std::string index = values.Text("INDEX");
   const std::string list = values.Text("LIST");
   const std::string words = ValueOf(OpenReader(index).Property("wordlist:" + list), index);

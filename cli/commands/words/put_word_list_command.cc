@@ -43,7 +43,7 @@ std::string CheckedWords(const std::string& words) {
   return list;
 }
 
-int RunPutWordList(Kestan&, const Values& values) {
+int RunPutWordList(const Values& values) {
   const std::string words = CheckedWords(WordsOf(values));
   OpenedWriter opened(values.Text("INDEX"), OpenedWriter::IfMissing::kFail,
                       StyleOfStandardError(false));

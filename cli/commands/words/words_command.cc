@@ -87,7 +87,7 @@ std::string TextOf(const std::vector<TermInfo>& words) {
   return text;
 }
 
-int RunWords(Kestan&, const Values& values) {
+int RunWords(const Values& values) {
   const std::string index = values.Text("INDEX");
   const kestan::search::IndexReader reader = OpenReader(index);
   const Range range = RangeOf(values, reader.Statistics().documents);
