@@ -19,17 +19,6 @@ std::string ReasonOfStore(StoreError error, int system_error) {
   return std::string("not an index file (") + ErrorString(error) + ")" + kIfItWasOne;
 }
 
-// Returns why a record was not written. After the first failure, gdbm reports that recovery is
-// needed.
-std::string ReasonOfWrite(StoreError error, bool on_copy) {
-  const std::string reason = ErrorString(error);
-  const bool is_write_error =
-      error == StoreError::kFileWrite || error == StoreError::kNeedsRecovery;
-  if (!is_write_error) return reason + "; see kestan check";
-  return "a write failed, perhaps for want of room (" + reason + ")" +
-         (on_copy ? "; it is as it was" : "");
-}
-
 // Returns what `status` says of a file, which is named unless it is the index itself.
 std::string ReasonOf(const Status& status, const std::string& path) {
   const std::string& file = status.file();
@@ -52,24 +41,16 @@ CommandError CannotChange(const std::string& path, const std::string& reason, in
   return CommandError("cannot change index " + Quoted(path) + ": " + reason, status);
 }
 
-CommandError Locked(const std::string& path, const std::string& holds_it) {
-  return CannotOpen(path, "another process " + holds_it + "; try again later", kBusy);
-}
-
 CommandError StoreNotOpened(const std::string& path, StoreError error, int system_error) {
-  if (error == StoreError::kCannotBeReader) return Locked(path, "is changing it");
-  if (error == StoreError::kCannotBeWriter) return Locked(path, "has it open");
+  if (error == StoreError::kCannotBeReader) {
+    return CannotOpen(path, "another process is changing it; try again later", kBusy);
+  }
   return CannotOpen(path, ReasonOfStore(error, system_error));
 }
 
 CommandError CannotRead(const std::string& path, StoreError error) {
   return CommandError("cannot read index " + Quoted(path) + ": " + ErrorString(error) +
                       "; see kestan check");
-}
-
-CommandError CannotWrite(const std::string& path, StoreError error, bool on_copy) {
-  return CommandError("cannot write to index " + Quoted(path) + ": " +
-                      ReasonOfWrite(error, on_copy));
 }
 
 CommandError ErrorOf(const Status& status, const std::string& path) {

@@ -24,18 +24,11 @@ inline constexpr const char* kOneFileIsReadOnly =
 CommandError CannotOpen(const std::string& path, const std::string& reason, int status = kFailed);
 CommandError CannotChange(const std::string& path, const std::string& reason, int status = kFailed);
 
-// Another process `holds_it`: "is changing it" or "has it open".
-CommandError Locked(const std::string& path, const std::string& holds_it);
-
 // The store refused to open the file with `error`; errno was `system_error` right after.
 CommandError StoreNotOpened(const std::string& path, kestan::StoreError error, int system_error);
 
 // The store could not read a record, with `error`.
 CommandError CannotRead(const std::string& path, kestan::StoreError error);
-
-// The store could not write a record, with `error`. The index itself is unharmed if the store works
-// `on_copy`.
-CommandError CannotWrite(const std::string& path, kestan::StoreError error, bool on_copy);
 
 // A function of the search library returned `status`. The error has the status kBusy while another
 // process is changing the index.
