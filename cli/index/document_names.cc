@@ -49,7 +49,7 @@ std::string ShownNames::operator()(const std::string& name) const {
   const bool is_below = !directory_.empty() && name.size() > directory_.size() &&
                         name.compare(0, directory_.size(), directory_) == 0;
   if (!is_below) return name;
-  const std::string path = name.substr(directory_.size());
+  std::string path = name.substr(directory_.size());
   return path.front() == '-' ? "./" + path : path;  // no command is to take it for an option
 }
 
@@ -57,7 +57,7 @@ std::string StoredName(const kestan::search::IndexReader& reader, const std::str
                        const std::string& index) {
   if (HasDocument(reader, argument, index)) return argument;
   std::error_code ignored;  // what is no path can be no name of a file either
-  const std::string path = argument.empty() ? "" : CanonicalPathOf(argument, &ignored);
+  std::string path = argument.empty() ? "" : CanonicalPathOf(argument, &ignored);
   if (!path.empty() && HasDocument(reader, path, index)) return path;
   throw CommandError("no document " + Quoted(argument) + " in index " + Quoted(index) +
                      "; see kestan list");

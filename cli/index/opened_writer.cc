@@ -1,5 +1,7 @@
 #include "cli/index/opened_writer.h"
 
+#include <utility>
+
 #include "cli/console/diagnostics.h"
 #include "cli/index/index_errors.h"
 #include "cli/index/index_kind.h"
@@ -13,8 +15,8 @@ using kestan::search::StatusCode;
 using kestan::search::WriterOptions;
 using kestan::search::WriterProgress;
 
-OpenedWriter::OpenedWriter(const std::string& path, IfMissing if_missing, ProgressStyle style)
-    : path_(path), progress_(style), writer_(Open(if_missing)) {}
+OpenedWriter::OpenedWriter(std::string path, IfMissing if_missing, ProgressStyle style)
+    : path_(std::move(path)), progress_(style), writer_(Open(if_missing)) {}
 
 IndexWriter OpenedWriter::Open(IfMissing if_missing) {
   if (if_missing == IfMissing::kFail || KindOfIndex(path_) == IndexKind::kFile) {

@@ -20,7 +20,7 @@ class OpenedWriter {
 
   // Opens the index folder at `path`.
   //   Throws   CommandError if it is no folder, is damaged, or another process is changing it.
-  OpenedWriter(const std::string& path, IfMissing if_missing, ProgressStyle style);
+  OpenedWriter(std::string path, IfMissing if_missing, ProgressStyle style);
   OpenedWriter(const OpenedWriter&) = delete;
   OpenedWriter& operator=(const OpenedWriter&) = delete;
 
