@@ -6,7 +6,7 @@
 #include <kestan/building/prefix_counts.h>
 #include <kestan/storage/gdbm/gdbm_header.h>
 #include <kestan/storage/gdbm/record_place.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 #include <kestan/storage/store_error.h>
 
 #include <cstddef>

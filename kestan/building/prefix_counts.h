@@ -5,7 +5,7 @@
 #include <kestan/building/bucket_plan.h>
 #include <kestan/storage/gdbm/gdbm_hash.h>
 #include <kestan/storage/gdbm/gdbm_header.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <array>
 #include <cstddef>

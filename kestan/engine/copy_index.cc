@@ -1,5 +1,5 @@
 #include <kestan/engine/kestan.h>
-#include <kestan/storage/diagnostics.h>
+#include <kestan/storage/memory/diagnostics.h>
 #include <kestan/storage/walk/copy_records.h>
 
 int Kestan::CopyIndexTo(const char* path) {

@@ -16,8 +16,8 @@
 #include <kestan/query/operators/intersect.h>
 #include <kestan/query/operators/negate.h>
 #include <kestan/query/operators/unite.h>
-#include <kestan/storage/diagnostics.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/diagnostics.h>
+#include <kestan/storage/memory/memory.h>
 #include <kestan/storage/owned_datum.h>
 
 #include <cstdlib>

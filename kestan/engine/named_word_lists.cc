@@ -2,7 +2,7 @@
 
 #include <kestan/format/keys.h>
 #include <kestan/format/word_list.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <cstdint>
 

@@ -4,7 +4,7 @@
 #include <kestan/format/option_flags.h>
 #include <kestan/format/posting.h>
 #include <kestan/indexing/drop_positions.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 using namespace kestan;
 

@@ -1,7 +1,7 @@
 #include <kestan/engine/side_records.h>
 
 #include <kestan/format/keys.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <cstring>
 

@@ -5,7 +5,7 @@
 #include <kestan/storage/database.h>
 #include <kestan/storage/datum_bytes.h>
 #include <kestan/storage/dbdatum.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <cstddef>
 #include <cstdint>

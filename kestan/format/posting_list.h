@@ -9,7 +9,7 @@
 #include <kestan/format/units.h>
 #include <kestan/storage/datum_bytes.h>
 #include <kestan/storage/dbdatum.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <algorithm>
 #include <cstddef>

@@ -4,7 +4,7 @@
 #define KESTAN_FORMAT_UNITS_H_
 
 #include <kestan/storage/dbdatum.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <array>
 #include <climits>

@@ -4,7 +4,7 @@
 
 #include <kestan/storage/database.h>
 #include <kestan/storage/dbdatum.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 namespace kestan {
 

@@ -6,8 +6,8 @@
 #include <kestan/format/posting.h>
 #include <kestan/format/posting_list.h>
 #include <kestan/indexing/tokenizer.h>
-#include <kestan/storage/diagnostics.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/diagnostics.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <algorithm>
 #include <ctime>

@@ -7,7 +7,7 @@
 #include <kestan/format/posting_list.h>
 #include <kestan/format/record_kind.h>
 #include <kestan/format/units.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 #include <kestan/storage/walk/flush_policy.h>
 
 #include <array>

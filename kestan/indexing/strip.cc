@@ -1,6 +1,6 @@
 #include <kestan/indexing/strip.h>
 
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 #include <strings.h>
 
 #include <array>

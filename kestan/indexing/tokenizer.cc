@@ -1,7 +1,7 @@
 #include <kestan/indexing/tokenizer.h>
 
 #include <kestan/storage/hash.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 #include <kestan/text/fold.h>
 #include <kestan/text/white_space.h>
 

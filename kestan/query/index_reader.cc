@@ -8,7 +8,7 @@
 #include <kestan/format/word_list.h>
 #include <kestan/query/collection_lists.h>
 #include <kestan/query/name_table.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 #include <kestan/storage/walk/record_iterator.h>
 
 #include <algorithm>

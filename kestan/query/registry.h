@@ -3,7 +3,7 @@
 #define KESTAN_QUERY_REGISTRY_H_
 
 #include <kestan/query/result_set.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <functional>
 #include <map>

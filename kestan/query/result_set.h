@@ -5,7 +5,7 @@
 #include <kestan/format/id_list.h>
 #include <kestan/format/posting.h>
 #include <kestan/query/matches.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <algorithm>
 #include <cstddef>

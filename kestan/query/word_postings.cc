@@ -2,7 +2,7 @@
 
 #include <kestan/format/id_list.h>
 #include <kestan/format/posting_list.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 #include <kestan/storage/owned_datum.h>
 
 #include <algorithm>

@@ -3,10 +3,10 @@
 #include <gdbm.h>
 #include <kestan/storage/cycle_detector.h>
 #include <kestan/storage/dbcache.h>
-#include <kestan/storage/diagnostics.h>
 #include <kestan/storage/gdbm/free_list_guard.h>
 #include <kestan/storage/gdbm_file.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/diagnostics.h>
+#include <kestan/storage/memory/memory.h>
 #include <kestan/storage/owned_datum.h>
 
 #include <climits>

@@ -4,7 +4,7 @@
 
 #include <kestan/storage/dbdatum.h>
 #include <kestan/storage/hash.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <array>
 #include <cstddef>

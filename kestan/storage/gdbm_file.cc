@@ -1,7 +1,7 @@
 #include <kestan/storage/gdbm_file.h>
 
 #include <kestan/storage/gdbm/gdbm_header.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>

@@ -3,7 +3,7 @@
 #define KESTAN_STORAGE_OWNED_DATUM_H_
 
 #include <kestan/storage/dbdatum.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <cstdint>
 #include <cstring>

@@ -2,7 +2,7 @@
 #ifndef KESTAN_TEXT_ESCAPE_H_
 #define KESTAN_TEXT_ESCAPE_H_
 
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <cstddef>
 #include <string_view>

@@ -3,7 +3,7 @@
 #ifndef KESTAN_TEXT_FOLD_H_
 #define KESTAN_TEXT_FOLD_H_
 
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <algorithm>
 #include <string_view>

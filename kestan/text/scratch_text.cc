@@ -1,6 +1,6 @@
 #include <kestan/text/scratch_text.h>
 
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <algorithm>
 

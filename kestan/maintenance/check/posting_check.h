@@ -6,7 +6,7 @@
 #include <kestan/format/posting_list.h>
 #include <kestan/maintenance/check/tables.h>
 #include <kestan/maintenance/report/findings.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <cstdint>
 

@@ -4,7 +4,7 @@
 
 #include <kestan/maintenance/report/findings.h>
 #include <kestan/maintenance/salvage/gdbm_layout.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <cstddef>
 #include <cstdint>

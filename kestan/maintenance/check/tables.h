@@ -5,7 +5,7 @@
 #include <kestan/format/posting.h>
 #include <kestan/format/record_kind.h>
 #include <kestan/storage/database.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <cstdint>
 #include <string_view>

@@ -4,7 +4,7 @@
 
 #include <kestan/format/posting.h>
 #include <kestan/storage/database.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <cstdint>
 #include <limits>

@@ -4,7 +4,7 @@
 #include <kestan/maintenance/documents/contents.h>
 #include <kestan/maintenance/documents/places.h>
 #include <kestan/maintenance/documents/word_order.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 #include <kestan/storage/walk/flush_policy.h>
 
 #include <algorithm>

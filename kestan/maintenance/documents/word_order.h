@@ -5,7 +5,7 @@
 #include <kestan/maintenance/documents.h>
 #include <kestan/maintenance/documents/contents.h>
 #include <kestan/maintenance/documents/places.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <cstddef>
 

@@ -1,7 +1,7 @@
 #include <kestan/format/keys.h>
 #include <kestan/maintenance/dump.h>
 #include <kestan/storage/checksum/crc64.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 #include <kestan/storage/walk/flush_policy.h>
 #include <kestan/storage/walk/record_iterator.h>
 #include <kestan/storage/walk/size_guard.h>

@@ -5,7 +5,7 @@
 #include <kestan/format/record_kind.h>
 #include <kestan/maintenance/repair/documents.h>
 #include <kestan/maintenance/salvage/salvage.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <cstdint>
 

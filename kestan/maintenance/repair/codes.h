@@ -6,7 +6,7 @@
 #include <kestan/format/posting.h>
 #include <kestan/maintenance/repair/documents.h>
 #include <kestan/maintenance/repair/system_records.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <cstdint>
 #include <optional>

@@ -9,7 +9,7 @@
 #include <kestan/maintenance/repair/classify_records.h>
 #include <kestan/maintenance/repair/kept_postings.h>
 #include <kestan/maintenance/salvage/salvage.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <cstddef>
 #include <cstdint>

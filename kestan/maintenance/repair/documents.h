@@ -4,7 +4,7 @@
 
 #include <kestan/format/id_list.h>
 #include <kestan/format/posting.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <cstdint>
 #include <string_view>

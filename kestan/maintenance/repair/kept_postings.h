@@ -7,7 +7,7 @@
 #include <kestan/maintenance/repair/codes.h>
 #include <kestan/maintenance/salvage/posting_salvage.h>
 #include <kestan/storage/dbdatum.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 namespace kestan {
 

@@ -8,7 +8,7 @@
 #include <kestan/maintenance/repair/count_postings.h>
 #include <kestan/maintenance/repair/kept_postings.h>
 #include <kestan/maintenance/salvage/salvage.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <cstddef>
 #include <cstdint>

@@ -3,7 +3,7 @@
 #define KESTAN_MAINTENANCE_REPORT_FINDINGS_H_
 
 #include <kestan/maintenance/findings.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <array>
 #include <charconv>

@@ -4,7 +4,7 @@
 
 #include <kestan/maintenance/salvage/found_bucket.h>
 #include <kestan/maintenance/salvage/gdbm_layout.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 namespace kestan::gdbm {
 

@@ -8,7 +8,7 @@
 
 #include <kestan/storage/gdbm/gdbm_hash.h>
 #include <kestan/storage/gdbm/gdbm_header.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <cstddef>
 #include <cstdint>

@@ -7,7 +7,7 @@
 #include <kestan/format/posting_list.h>
 #include <kestan/format/record_kind.h>
 #include <kestan/storage/dbdatum.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <cstddef>
 #include <cstdint>

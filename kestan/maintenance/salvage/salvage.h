@@ -2,7 +2,7 @@
 #ifndef KESTAN_MAINTENANCE_SALVAGE_SALVAGE_H_
 #define KESTAN_MAINTENANCE_SALVAGE_SALVAGE_H_
 
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <cstddef>
 #include <cstdint>

@@ -3,7 +3,7 @@
 #define KESTAN_MAINTENANCE_SALVAGE_USED_SPACE_H_
 
 #include <kestan/maintenance/salvage/gdbm_layout.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 namespace kestan::gdbm {
 

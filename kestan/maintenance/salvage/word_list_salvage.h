@@ -2,7 +2,7 @@
 #ifndef KESTAN_MAINTENANCE_SALVAGE_WORD_LIST_SALVAGE_H_
 #define KESTAN_MAINTENANCE_SALVAGE_WORD_LIST_SALVAGE_H_
 
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <cstdint>
 #include <string_view>

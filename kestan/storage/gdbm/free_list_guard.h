@@ -3,7 +3,7 @@
 #define KESTAN_STORAGE_GDBM_FREE_LIST_GUARD_H_
 
 #include <kestan/storage/gdbm/gdbm_header.h>
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <cstddef>
 #include <cstdint>

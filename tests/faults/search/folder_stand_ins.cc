@@ -45,13 +45,6 @@ char* mkdtemp(char* pattern) noexcept {
                  [&] { return next(pattern); });
 }
 
-int renameat2(int from_folder, const char* from, int to_folder, const char* to,
-              unsigned flags) noexcept {
-  static auto* const next = Next<int(int, const char*, int, const char*, unsigned)>("renameat2");
-  return Perform(RuleOn(Function::kRename, from), -1,
-                 [&] { return next(from_folder, from, to_folder, to, flags); });
-}
-
 int rmdir(const char* path) noexcept {
   static auto* const next = Next<int(const char*)>("rmdir");
   return Perform(RuleOn(Function::kRemove, path), -1, [&] { return next(path); });

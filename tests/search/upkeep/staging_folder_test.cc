@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <string>
 
+#include "search/index/manifest/manifest.h"
 #include "tests/support/files.h"
 #include "tests/support/temp_dir.h"
 

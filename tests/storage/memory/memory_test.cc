@@ -1,5 +1,5 @@
 // Memory that is there or ends the process.
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include <kestan/storage/memory.h>
+#include <kestan/storage/memory/memory.h>
 
-#include <kestan/storage/diagnostics.h>
+#include <kestan/storage/memory/diagnostics.h>
 
 #include <algorithm>
 #include <cerrno>

@@ -1,6 +1,6 @@
 // The diagnostics of the engine.
-#ifndef KESTAN_STORAGE_DIAGNOSTICS_H_
-#define KESTAN_STORAGE_DIAGNOSTICS_H_
+#ifndef KESTAN_STORAGE_MEMORY_DIAGNOSTICS_H_
+#define KESTAN_STORAGE_MEMORY_DIAGNOSTICS_H_
 
 namespace kestan {
 
@@ -10,4 +10,4 @@ namespace kestan {
 
 }  // namespace kestan
 
-#endif  // KESTAN_STORAGE_DIAGNOSTICS_H_
+#endif  // KESTAN_STORAGE_MEMORY_DIAGNOSTICS_H_

@@ -1,4 +1,4 @@
-#include <kestan/storage/diagnostics.h>
+#include <kestan/storage/memory/diagnostics.h>
 
 #include "tests/support/index_test.h"
 

@@ -1,6 +1,6 @@
 // Memory that is there or ends the process: nothing in the library has a path for "no memory".
-#ifndef KESTAN_STORAGE_MEMORY_H_
-#define KESTAN_STORAGE_MEMORY_H_
+#ifndef KESTAN_STORAGE_MEMORY_MEMORY_H_
+#define KESTAN_STORAGE_MEMORY_MEMORY_H_
 
 #include <cstddef>
 #include <cstdlib>
@@ -86,4 +86,4 @@ using UnfilledVector = std::vector<T, UnfilledAllocator<T>>;
 
 }  // namespace kestan
 
-#endif  // KESTAN_STORAGE_MEMORY_H_
+#endif  // KESTAN_STORAGE_MEMORY_MEMORY_H_
