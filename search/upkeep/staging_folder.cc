@@ -36,10 +36,16 @@ Status CheckIsFree(const std::string& path) {
 
 std::string MarkerIn(const std::string& folder) { return folder + "/" + kStagingMarker; }
 
-// Removes what makes an index from a folder, and the folder if nothing else is in it.
+// Removes what makes an index from a folder, and the folder if nothing else is in it. Its marker is
+// the last to go: a folder that stays is still known for what it is.
 void RemoveIndexIn(const std::string& folder) {
   static_cast<void>(RemoveUnnamedFiles(folder, Manifest()));
   unlink(ManifestPath(folder).c_str());
+  const Result<std::vector<std::string>> names = NamesIn(folder);
+  const bool has_others =
+      !names.ok() || std::any_of(names->begin(), names->end(),
+                                 [](const std::string& name) { return name != kStagingMarker; });
+  if (has_others) return;
   unlink(MarkerIn(folder).c_str());
   rmdir(folder.c_str());
 }
