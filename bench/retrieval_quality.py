@@ -47,23 +47,15 @@ def read_judgements(path):
     return relevant
 
 
-def words_of(question):
-    return re.findall("[a-z]+", question.lower())
-
-
 def joined_with_or(question):
     """Lower case, or OR would not be between operands and capitals would be exact."""
-    return [" OR ".join(words_of(question))]
-
-
-def as_question(question):
-    return ["--any", " ".join(words_of(question))]
+    return [" OR ".join(re.findall("[a-z]+", question.lower()))]
 
 
 WAYS = {
-    "words joined with OR, the engine's order": joined_with_or,
-    "--any --order score": lambda question: ["--order", "score"] + as_question(question),
-    "--any": as_question,
+    "as it stands": lambda question: [question],
+    "as it stands, --any": lambda question: ["--any", question],
+    "words joined with OR": joined_with_or,
 }
 
 

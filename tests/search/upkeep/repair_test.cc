@@ -286,7 +286,7 @@ TEST_F(RepairTest, WhereNothingIsThereIsAnError) {
 
 TEST_F(RepairTest, ItEndsWhereTheHostSays) {
   Change("2.segment", 0);
-  for (const std::size_t most : {0, 1, 5}) {
+  for (const std::size_t most : {0U, 1U, 5U}) {
     std::size_t items = 0;
     const auto report =
         RepairIndex(folder_, new_, [&](const RepairItem&) { return ++items <= most; });
