@@ -26,6 +26,6 @@ run index "$index" "$documents"
 search 'free software NOT warranty'
 search 'public NEAR/1 domain'
 search '(bug OR error) NEAR/3 fixed'
-run index "$index" "$documents"
+run index "$index"  # brings it up to date
 printf '\n$ kestan stats %s | head -n 6\n' "$index"
 "$kestan" stats "$index" | sed -n 1,6p
