@@ -37,7 +37,12 @@ class ChangedFolderTest : public CommandTest {
             {"index", "my.index", "old", "--all"},
             {"index", "my.index", "old", "--exclude", "z"},
             {"index", "my.index", "old", "--forget", "--prune"},
-            {"index", "my.index", "new", "old", "--all", "--stop-words", "english", "--prune"}};
+            {"index", "my.index", "new", "old", "--all", "--stop-words", "english", "--prune"},
+            {"remove", "my.index", "old/a"},
+            {"move", "my.index", "old/a", "old/z"},
+            {"title", "set", "my.index", "old/b", "Another title"},
+            {"option", "set", "my.index", "2"},
+            {"compact", "my.index"}};
   }
 
   // Puts my.index back as it was.
@@ -63,7 +68,7 @@ class ChangedFolderTest : public CommandTest {
     for (const auto& term : *terms) {
       text += term.term + " " + std::to_string(term.documents) + "\n";
     }
-    return text + *reader->Property("roots");
+    return text + *reader->Property("roots") + *reader->Property("option-flags");
   }
 
   // Returns what is wrong with an index, or left over in it; "" if nothing is.
