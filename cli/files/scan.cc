@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <memory>
 #include <optional>
@@ -14,8 +15,8 @@
 #include "cli/console/interruption.h"
 #include "cli/console/message.h"
 #include "cli/files/descriptor.h"
+#include "cli/files/paths.h"
 #include "cli/files/stable_file.h"
-#include "cli/files/work_directory.h"
 
 namespace kestan_cli {
 namespace {
@@ -49,6 +50,28 @@ std::optional<FileId> FolderOfIndex(const std::string& index_path) {
   return IdOf(status);
 }
 
+// Returns whether `folder` holds the manifest of an index, whose first line says so. A copy of an
+// index has no lock yet.
+bool HoldsManifest(DIR* folder) {
+  constexpr std::string_view kStart = "kestan-index ";
+  struct stat status {};
+  if (fstatat(dirfd(folder), "MANIFEST", &status, AT_SYMLINK_NOFOLLOW) != 0) return false;
+  if (!S_ISREG(status.st_mode)) return false;  // the other end of a pipe would notice
+  constexpr int kFlags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+  const Descriptor manifest(openat(dirfd(folder), "MANIFEST", kFlags));
+  std::array<char, kStart.size()> bytes{};
+  return manifest.is_open() &&
+         pread(manifest.number(), bytes.data(), bytes.size(), 0) == ssize_t{bytes.size()} &&
+         std::string_view(bytes.data(), bytes.size()) == kStart;
+}
+
+// Returns whether an index comes to be in `folder`, which is called `name` until it is whole.
+bool IsStagingFolder(DIR* folder, std::string_view name) {
+  constexpr std::string_view kEnd = ".new";
+  return name.size() > kEnd.size() && name.substr(name.size() - kEnd.size()) == kEnd &&
+         faccessat(dirfd(folder), "staging.lock", F_OK, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
 template <typename Named>
 void SortByName(std::vector<Named>* all) {
   const auto is_less = [](const Named& left, const Named& right) { return left.name < right.name; };
@@ -59,6 +82,11 @@ void SortByName(std::vector<Named>* all) {
     std::stable_sort(all->begin(), all->end(), is_less);
   }
   all->erase(std::unique(all->begin(), all->end(), is_same), all->end());
+}
+
+// Returns the path that the user named, at or above that of `root`.
+const std::string& BaseOf(const ScanRoot& root) {
+  return root.filter_base.empty() ? root.path : root.filter_base;
 }
 
 class Scanner {
@@ -130,11 +158,17 @@ class Scanner {
     }
     struct stat status {};
     if (fstat(dirfd(folder.get()), &status) == 0 && index_ == IdOf(status)) return;
+    if (path != BaseOf(root)) {  // what the user named is walked, whatever it is
+      if (HoldsManifest(folder.get())) return AddSkip(path, SkipKind::kIndex, "another index");
+      if (IsStagingFolder(folder.get(), LastPart(path))) {
+        return AddSkip(path, SkipKind::kIndex, "an index that is being made");
+      }
+    }
     const std::string start = path.back() == '/' ? path : path + "/";
     errno = 0;
     while (const dirent* entry = readdir(folder.get())) {  // NOLINT(concurrency-mt-unsafe)
       const std::string_view name = static_cast<const char*>(entry->d_name);
-      if (name != "." && name != ".." && !IsWorkDirectoryName(name)) {
+      if (name != "." && name != "..") {
         FileAway(root, folder.get(), *entry, start + std::string(name), waiting);
       }
       errno = 0;
@@ -154,7 +188,7 @@ class Scanner {
       if (errno == ENOENT) return;  // removed since the folder was read
       return AddSkip(path, SkipKind::kUnreadable, ReasonOf(errno));
     }
-    const std::string& base = root.filter_base.empty() ? root.path : root.filter_base;
+    const std::string& base = BaseOf(root);
     const std::size_t start = base.size() + (base.back() == '/' ? 0 : 1);
     const std::string against =
         root.filter.ReasonAgainst(std::string_view(path).substr(start), S_ISDIR(status.st_mode));

@@ -36,9 +36,9 @@ struct Scan {
 };
 
 // Finds the files at and below `roots`, looking at the status of each once. Leaves out the folder
-// of the index at `index_path`, the work directories beside it, and what is at or below `borders`,
-// unless a root is there too: those belong to others. Links inside folders are skipped, as are
-// pipes, sockets and devices, folders that cannot be read, and names with a line feed.
+// of the index at `index_path`, and what is at or below `borders`, unless a root is there too: that
+// belongs to others. Links inside folders are skipped, as are pipes, sockets and devices, the
+// folders of other indexes, folders that cannot be read, and names with a line feed.
 //   Throws   CommandError that names the first root that cannot be examined or is neither a file
 //            nor a folder; a missing one only with MissingPath::kThrow.
 //            Interrupted if a signal has come.

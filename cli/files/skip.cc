@@ -17,6 +17,7 @@ constexpr std::array kNames{
     KindNames{"binary", "binary file", "binary files"},
     KindNames{"link", "link", "links"},
     KindNames{"special", "special file", "special files"},
+    KindNames{"index", "index", "indexes"},
     KindNames{"excluded", "excluded", "excluded"},
     KindNames{"no_converter", "without converter", "without converter"},
     KindNames{"unreadable", "unreadable", "unreadable"},

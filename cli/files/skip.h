@@ -13,6 +13,7 @@ enum class SkipKind {
   kBinary,
   kLink,      // a symbolic link inside a directory
   kSpecial,   // a pipe, a socket or a device
+  kIndex,     // a folder that is an index, or becomes one
   kExcluded,  // by the user's patterns
   kNoConverter,
   // Those from here on are failures: the user asked for the file, and it is not in the index.

@@ -12,7 +12,7 @@
 #include <system_error>
 #include <utility>
 
-#include "cli/files/atomic_replace.h"
+#include "cli/files/descriptor.h"
 #include "cli/index/index_errors.h"
 #include "cli/index/index_kind.h"
 
@@ -36,6 +36,19 @@ bool IsEmpty(const std::string& folder) {
 
 bool MayWrite(const std::string& folder) {
   return faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
+}
+
+// Returns the folder that the one at `path`, which has just been made, lies in.
+std::string ParentOf(std::string path) {
+  while (path.size() > 1 && path.back() == '/') path.pop_back();
+  const fs::path parent = fs::path(path).parent_path();
+  return parent.empty() ? "." : parent.string();
+}
+
+// Waits until the names in `folder` are on the disk, as far as the system can tell.
+void SyncFolder(const std::string& folder) {
+  const Descriptor opened(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (opened.is_open()) fsync(opened.number());
 }
 
 }  // namespace
@@ -125,7 +138,7 @@ OpenedWriter& IndexChange::Writer() {
     if (!is_made_ && errno != EEXIST) {
       throw CommandError("cannot make index " + Quoted(path_) + ": " + ReasonOf(errno));
     }
-    if (is_made_) SyncPath(DirectoryOf(path_));
+    if (is_made_) SyncFolder(ParentOf(path_));
   }
   return writer_.emplace(path_, OpenedWriter::IfMissing::kCreate, style_);
 }

@@ -136,16 +136,57 @@ TEST_F(ScanTest, TheIndexIsLeftOutUnderAnyName) {
   }
 }
 
-TEST_F(ScanTest, WorkDirectoriesAreLeftOutAndForeignFilesAreNot) {
-  const std::string left = "d/index.kestan-new.0123456789abcdef6b9c2d26";
-  for (const std::string name : {"d/a", "d/index/MANIFEST", "d/index.lock", "d/index.kestan-new"}) {
+TEST_F(ScanTest, FolderOfAnotherIndexIsOneSkip) {
+  Write("d/a", "text");
+  Write("d/e/other/MANIFEST", "kestan-index 1\n");
+  Write("d/e/other/1.segment", "text");
+  Write("d/e/other/below/b", "text");
+  const Scan scan = ScanOf({"d"});
+  EXPECT_EQ(FilesOf(scan), Names{"d/a"});
+  EXPECT_EQ(SkipsOf(scan), Names{"d/e/other: another index"});
+  EXPECT_EQ(scan.skips.at(0).kind, SkipKind::kIndex);
+}
+
+TEST_F(ScanTest, FolderOfAnotherIndexIsWalkedWhereItIsNamed) {
+  Write("d/other/MANIFEST", "kestan-index 1\n");
+  EXPECT_EQ(Files({"d/other"}), Names{"d/other/MANIFEST"});
+  const ScanRoot below{Path("d/other"), "d/other", {}, MissingPath::kThrow, Path("d")};
+  EXPECT_EQ(SkipsOf(ScanRoots({below}, {}, "index")), Names{"d/other: another index"});
+}
+
+TEST_F(ScanTest, OtherManifestsAreFiles) {
+  const Names names{"d/a/MANIFEST", "d/b/MANIFEST", "d/c/MANIFEST/file", "d/e/manifest"};
+  Write(names[0], "kestan-index");
+  Write(names[1], "");
+  Write(names[2], "text");
+  Write(names[3], "kestan-index 1\n");
+  Write("elsewhere", "kestan-index 1\n");
+  std::filesystem::create_directory("d/f");
+  std::filesystem::create_symlink(Path("elsewhere"), "d/f/MANIFEST");
+  std::filesystem::create_directory("d/g");
+  ASSERT_EQ(mkfifo("d/g/MANIFEST", 0644), 0);
+  const Scan scan = ScanOf({"d"});
+  EXPECT_EQ(FilesOf(scan), names);
+  EXPECT_EQ(SkipsOf(scan),
+            (Names{"d/f/MANIFEST: symbolic link", "d/g/MANIFEST: pipe, socket or device"}));
+}
+
+TEST_F(ScanTest, IndexThatIsBeingMadeIsOneSkip) {
+  for (const char* name : {"d/my.new/staging.lock", "d/my.new/1.segment", "d/my.news/staging.lock",
+                           "d/other.new/a", "d/.new/staging.lock"}) {
     Write(name, "text");
   }
-  Write(left + "/file", "text");
-  std::filesystem::create_symlink("d/index", "link");
-  const Names names{"d/a", "d/index.kestan-new", "d/index.lock"};
-  EXPECT_EQ(FilesOf(ScanOf({"d"}, {}, "d/index")), names);
-  EXPECT_EQ(FilesOf(ScanOf({"d"}, {}, "link")), names);
+  const Scan scan = ScanOf({"d"});
+  EXPECT_EQ(FilesOf(scan),
+            (Names{"d/.new/staging.lock", "d/my.news/staging.lock", "d/other.new/a"}));
+  EXPECT_EQ(SkipsOf(scan), Names{"d/my.new: an index that is being made"});
+}
+
+TEST_F(ScanTest, IndexesThatTheCommandMadeAreKnown) {
+  Write("d/a", "text");
+  ASSERT_EQ(Run({"index", "d/made", "d/a"}).status, 0);
+  ASSERT_EQ(Run({"copy", "d/made", "d/copied"}).status, 0);
+  EXPECT_EQ(SkipsOf(ScanOf({"d"})), (Names{"d/copied: another index", "d/made: another index"}));
 }
 
 TEST_F(ScanTest, EmptyFolderHasNoFiles) {

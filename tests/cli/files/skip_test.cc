@@ -10,8 +10,8 @@ namespace kestan_cli {
 namespace {
 
 TEST(SkipTest, FailuresAreFilesThatShouldHaveBeenIndexed) {
-  for (SkipKind kind : {SkipKind::kBinary, SkipKind::kLink, SkipKind::kSpecial, SkipKind::kExcluded,
-                        SkipKind::kNoConverter}) {
+  for (SkipKind kind : {SkipKind::kBinary, SkipKind::kLink, SkipKind::kSpecial, SkipKind::kIndex,
+                        SkipKind::kExcluded, SkipKind::kNoConverter}) {
     EXPECT_FALSE(IsFailure(kind));
   }
   for (SkipKind kind : {SkipKind::kUnreadable, SkipKind::kConversion, SkipKind::kChanging,
@@ -24,6 +24,8 @@ TEST(SkipTest, CountsAreWords) {
   EXPECT_EQ(CountedSkips(1, SkipKind::kBinary), "1 binary file");
   EXPECT_EQ(CountedSkips(2, SkipKind::kBinary), "2 binary files");
   EXPECT_EQ(CountedSkips(0, SkipKind::kLink), "0 links");
+  EXPECT_EQ(CountedSkips(1, SkipKind::kIndex), "1 index");
+  EXPECT_EQ(CountedSkips(2, SkipKind::kIndex), "2 indexes");
   EXPECT_EQ(CountedSkips(1, SkipKind::kName), "1 unusable name");
 }
 
@@ -34,6 +36,7 @@ TEST(SkipTest, EveryKindHasAKeyOfItsOwn) {
   }
   EXPECT_EQ(keys.size(), static_cast<std::size_t>(SkipKind::kName) + 1);
   EXPECT_EQ(KeyOf(SkipKind::kBinary), "binary");
+  EXPECT_EQ(KeyOf(SkipKind::kIndex), "index");
   EXPECT_EQ(KeyOf(SkipKind::kTooLarge), "too_large");
   EXPECT_EQ(KeyOf(SkipKind::kName), "name");
 }

@@ -3,12 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <set>
 #include <string>
 
 #include "cli/console/message.h"
 #include "cli/index/index_errors.h"
 #include "tests/cli/command_test.h"
 #include "tests/cli/index_folder.h"
+#include "tests/cli/traced_command.h"
 
 namespace kestan_cli {
 namespace {
@@ -54,6 +56,25 @@ TEST_F(IndexChangeTest, MakesTheIndexWithTheFirstChange) {
   EXPECT_EQ(Info("/a").title, "Title");
   EXPECT_EQ(Info("/a").summary, "summary");
   EXPECT_EQ(Info("/a").host_data, kLine);
+}
+
+TEST_F(IndexChangeTest, NameOfANewIndexIsPutOnTheDisk) {
+  Write("text", "words");
+  fs::create_directory("below");
+  for (const char* index : {"my.index", "below/my.index", "below/other///"}) {
+    const kestan_tests::TempDir streams;
+    const pid_t child = Start({"index", index, "text"}, streams, kestan_tests::BeTraced);
+    std::set<std::string> synced;
+    kestan_tests::StopBefore(child, [&](const kestan_tests::Call& call) {
+      if (call.number != SYS_fsync) return false;
+      const std::string files = "/proc/" + std::to_string(child) + "/fd/";
+      synced.insert(fs::read_symlink(files + std::to_string(call.Argument(0))));
+      return false;
+    });
+    EXPECT_TRUE(fs::exists(index));
+    const bool is_below = std::string(index).find('/') != std::string::npos;
+    EXPECT_EQ(synced.count(fs::canonical(is_below ? "below" : ".")), 1u) << index;
+  }
 }
 
 TEST_F(IndexChangeTest, WithoutCommitNoIndexIsMade) {
