@@ -77,6 +77,11 @@ TEST(ReadmeTest, TheHostProgramIsTheExample) {
             ReadPage("examples/first_host.cc"));
 }
 
+TEST(ReadmeTest, TheHostOfTheSearchLibraryIsTheExample) {
+  EXPECT_EQ(Block(ReadPage("README.md"), "## A host of the search library", "cpp"),
+            ReadPage("examples/search_host.cc"));
+}
+
 TEST(ReadmeTest, TheHostProgramPrintsWhatThePageShows) {
   const kestan_tests::TempDir folder;
   const std::string command = "cd " + folder / "" + " && " KESTAN_FIRST_HOST " > output";
