@@ -2,6 +2,7 @@
 #include <kestan/results.h>
 
 #include "cli/commands/upkeep/index_facts.h"
+#include "cli/index/index_errors.h"
 #include "cli/index/index_examination.h"
 
 namespace kestan_cli {
@@ -52,10 +53,9 @@ std::vector<FrequencyRow> CurveOf(const IndexStatistics& index) {
 }  // namespace
 
 IndexFacts FactsOfFile(const std::string& path) {
-  ExamineIndex(path, Access::kRead);
-  Database store;
-  OpenStore(store, path, Access::kRead);
-  const IndexStatistics index = kestan::ReadStatistics(store);
+  kestan::IndexFile file;
+  OpenIndexFile(file, path);
+  const IndexStatistics index = kestan::ReadStatistics(file.store());
   if (index.file_error != kestan::StoreError::kNone) throw CannotRead(path, index.file_error);
   IndexFacts facts;
   facts.counts = CountsIn(index);
