@@ -12,6 +12,12 @@
 namespace kestan_tests {
 namespace {
 
+// Runs in the child before the command.
+void SmallDisk() {
+  setenv("ASAN_OPTIONS", "detect_leaks=0", 1);  // gdbm loses 512 bytes when it cannot make a file
+  FileSizeLimit(1000)();
+}
+
 class LoadCommandTest : public EndlessInputTest {
  protected:
   void SetUp() override {
@@ -44,7 +50,7 @@ TEST_F(LoadCommandTest, DumpOfAFolderBecomesAFolder) {
   const Outcome outcome = Run({"load", "other.index", "cut.dump"});
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.err.rfind("kestan: cannot load 'cut.dump': line ", 0), 0u) << outcome;
-  const Outcome full = Run({"load", "other.index", "my.dump"}, FileSizeLimit(1000));
+  const Outcome full = Run({"load", "other.index", "my.dump"}, SmallDisk);
   EXPECT_EQ(full.status, 2);
   EXPECT_EQ(full.err.substr(0, 35), "kestan: cannot make 'other.index': ") << full;
   EXPECT_EQ(CountFiles("other.index"), 0);
@@ -67,11 +73,7 @@ TEST_F(LoadCommandTest, FolderIsAnError) {
 
 TEST_F(LoadCommandTest, FullDiskIsAnErrorAboutTheNewFile) {
   Write("my.dump", Run({"dump", "my.index"}).out);
-  const auto full_disk = [limit = FileSizeLimit(1000)] {
-    setenv("ASAN_OPTIONS", "detect_leaks=0", 1);  // gdbm loses 512 bytes when it cannot make a file
-    limit();
-  };
-  const Outcome full = Run({"load", "new.index", "my.dump"}, full_disk);
+  const Outcome full = Run({"load", "new.index", "my.dump"}, SmallDisk);
   EXPECT_EQ(full.status, 2);
   EXPECT_EQ(full.err.substr(0, 33), "kestan: cannot make 'new.index': ") << full;
   EXPECT_EQ(full.err.find('\n'), full.err.size() - 1) << full;
