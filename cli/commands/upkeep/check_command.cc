@@ -16,7 +16,6 @@ namespace kestan_cli {
 namespace {
 
 using kestan::search::CheckOptions;
-using kestan::search::CheckReport;
 using kestan::search::IndexFinding;
 using kestan::search::IndexFindingKind;
 

@@ -25,9 +25,8 @@ TEST(CommandsTest, NamesAreUniqueAndCommandsOfAGroupAreNeighbours) {
 }
 
 TEST(CommandsTest, CommonOptionsHaveTheSameLettersInAllCommands) {
-  const std::map<std::string, std::string> names{{"--json", "--json"},
-                                                 {"--quiet", "-q,--quiet"},
-                                                 {"--null", "-0,--null"}};
+  const std::map<std::string, std::string> names{
+      {"--json", "--json"}, {"--quiet", "-q,--quiet"}, {"--null", "-0,--null"}};
   for (const Command& command : AllCommands()) {
     for (const Option& option : command.options) {
       const auto known = names.find(LongName(option));
