@@ -13,10 +13,15 @@ constexpr mode_t kOwnMode = 0600;
 constexpr mode_t kReadAndWrite = 0666;
 constexpr unsigned kGroupShift = 3;
 
-// Returns `mode` with as much for the group as for all others.
-mode_t WithoutGroup(mode_t mode) {
-  const mode_t others = mode & S_IRWXO;
-  return (mode & ~static_cast<mode_t>(S_IRWXG)) | (mode & S_IRWXG & others << kGroupShift);
+// Returns the mode of a file without the group of its folder. Its own group gets no more than all
+// others. Members of the folder's group count among all others now, who get no more than those if
+// the folder lets both in.
+mode_t WithoutGroup(mode_t folder) {
+  const mode_t others = folder & S_IRWXO;
+  const mode_t both = others & folder >> kGroupShift;
+  const mode_t owner = folder & S_IRWXU;
+  const bool lets_group_in = (folder & S_IXGRP) != 0;
+  return owner | both << kGroupShift | (lets_group_in ? both : others);
 }
 
 // Gives the file the owner of `folder` if this process may, at least the group.
@@ -43,8 +48,8 @@ void ShareLikeFolder(const Descriptor& file, const std::string& path) {
   struct stat64 folder = {};
   if (fstat64(file.number(), &own) != 0) return;
   if (stat64(FolderOf(path).c_str(), &folder) != 0) return;
-  mode_t mode = folder.st_mode & kReadAndWrite;
-  if (!TakeOwner(file, own, folder)) mode = WithoutGroup(mode);
+  const bool has_group = TakeOwner(file, own, folder);
+  const mode_t mode = kReadAndWrite & (has_group ? folder.st_mode : WithoutGroup(folder.st_mode));
   // Where modes cannot be set, as on some mounts of foreign disks, the mount decides.
   if ((own.st_mode & ALLPERMS) != mode) static_cast<void>(fchmod(file.number(), mode));
 }

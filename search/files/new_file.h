@@ -16,7 +16,8 @@ Descriptor CreateFile(const std::string& path);
 // Gives a file the access rights of the folder that it lies in, so that whoever may change the
 // index still can, whoever has changed it last. It gets the folder's owner and group as far as this
 // process may set them, and may be read and written by whom the folder lets in and write. Where the
-// group cannot be set, the file's own group gets no more than all others.
+// group cannot be set, the file's own group gets no more than all others, and all others no more
+// than the folder's group, whose members they now include, if the folder lets it in.
 void ShareLikeFolder(const Descriptor& file, const std::string& path);
 
 }  // namespace kestan::search

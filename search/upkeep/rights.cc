@@ -14,11 +14,21 @@ namespace kestan::search {
 namespace {
 
 constexpr const char* kAccessList = "system.posix_acl_access";
+constexpr const char* kListForNewFiles = "system.posix_acl_default";
 constexpr mode_t kPermissions = 0777;  // without setuid, setgid and the sticky bit
 constexpr mode_t kOfOwner = 0700;
 
 bool HasAccessList(const std::string& path) {
   return getxattr(path.c_str(), kAccessList, nullptr, 0) > 0;
+}
+
+// Returns what the files in a folder of this mode can have: whom it does not let in reads none.
+mode_t WithinReach(mode_t folder) {
+  mode_t mode = folder;
+  for (const mode_t others : {S_IRWXG, S_IRWXO}) {
+    if ((folder & others & 0111) == 0) mode &= ~others;
+  }
+  return mode;
 }
 
 // Returns `mode` with only those rights for the group and for others that both had.
@@ -27,19 +37,30 @@ mode_t WithoutGroup(mode_t mode) {
   return (mode & kOfOwner) | both << 3 | both;
 }
 
+bool RemoveAttribute(const std::string& path, const char* name) {
+  return removexattr(path.c_str(), name) == 0 || errno == ENODATA || errno == EOPNOTSUPP;
+}
+
 }  // namespace
+
+Status RemoveAccessLists(const std::string& folder) {
+  const bool done =
+      RemoveAttribute(folder, kAccessList) && RemoveAttribute(folder, kListForNewFiles);
+  return done ? Status() : SystemError(errno, folder);
+}
 
 Result<Rights> Rights::Of(const std::string& path) {
   struct stat64 folder = {};
   if (stat64(path.c_str(), &folder) != 0) return SystemError(errno, path);
   const mode_t mode = folder.st_mode & kPermissions;
   if (!S_ISDIR(folder.st_mode)) return Rights(mode, folder.st_gid, HasAccessList(path));
+  const mode_t reach = WithinReach(mode);
   const std::string manifest = ManifestPath(path);
   struct stat64 file = {};
   if (stat64(manifest.c_str(), &file) != 0) {
-    return Rights(mode, folder.st_gid, HasAccessList(path));
+    return Rights(reach, folder.st_gid, HasAccessList(path));
   }
-  const mode_t both = file.st_mode & mode;
+  const mode_t both = file.st_mode & reach;
   const mode_t kept = file.st_gid == folder.st_gid ? both : WithoutGroup(both);
   return Rights(kept, folder.st_gid, HasAccessList(path) || HasAccessList(manifest));
 }

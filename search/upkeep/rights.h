@@ -34,6 +34,11 @@ class Rights {
   bool has_list_;
 };
 
+// Removes the access control lists that a new folder got from the one around it, and would pass on
+// to its files: the index that it is made of did not have them.
+//   Returns  kSystem.
+Status RemoveAccessLists(const std::string& folder);
+
 }  // namespace kestan::search
 
 #endif  // KESTAN_SEARCH_UPKEEP_RIGHTS_H_

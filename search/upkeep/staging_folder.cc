@@ -108,6 +108,8 @@ Status StagingFolder::Create(const std::string& target, const std::string& like)
   }
   if (error != 0) return SystemError(error, path);
   path_ = path;
+  if (rights_) status = RemoveAccessLists(path);
+  if (!status.ok()) return status;
   struct stat64 made = {};
   if (stat64(path.c_str(), &made) != 0 || chmod(path.c_str(), kOwnerOnly) != 0) {
     return SystemError(errno, path);

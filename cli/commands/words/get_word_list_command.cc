@@ -34,7 +34,7 @@ int RunGetWordList(const Values& values) {
       [&] {
         return JsonReport({{"list", list}, {"words", JsonOf(words)}});
       },
-      [&] { return words; });
+      [&]() -> const std::string& { return words; });
   return kDone;
 }
 

@@ -91,5 +91,15 @@ TEST_F(NewFileTest, WhereTheGroupCannotBeSetTheFileIsNotForAnotherGroup) {
   EXPECT_EQ(Made().st_mode & ALLPERMS, 0600u);
 }
 
+TEST_F(NewFileTest, WithoutTheGroupItsMembersGetNoMoreAmongAllOthers) {
+  if (geteuid() != 0) GTEST_SKIP() << "only a superuser makes folders of another group";
+  ASSERT_EQ(chmod((dir_ / ".").c_str(), 0711), 0);
+  MakeFolder(0757);
+  ASSERT_EQ(chown(folder_.c_str(), 1234, 2345), 0);
+  ASSERT_EQ(setgid(65534), 0);
+  ASSERT_EQ(setuid(1235), 0);
+  EXPECT_EQ(Made().st_mode & ALLPERMS, 0644u);
+}
+
 }  // namespace
 }  // namespace kestan::search
