@@ -25,7 +25,7 @@ bool HasAccessList(const std::string& path) {
 // Returns what the files in a folder of this mode can have: whom it does not let in reads none.
 mode_t WithinReach(mode_t folder) {
   mode_t mode = folder;
-  for (const mode_t others : {S_IRWXG, S_IRWXO}) {
+  for (const mode_t others : {mode_t{S_IRWXG}, mode_t{S_IRWXO}}) {
     if ((folder & others & 0111) == 0) mode &= ~others;
   }
   return mode;
