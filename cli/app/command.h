@@ -83,7 +83,7 @@ std::string UsageOf(const Command& command);
 // Options and arguments that many commands have.
 inline Option JsonOption() { return {"--json", "", "report as one line of JSON"}; }
 inline Option QuietOption() { return {"-q,--quiet", "", "say nothing but errors"}; }
-inline Positional IndexArgument() { return {"INDEX", "the index file"}; }
+inline Positional IndexArgument() { return {"INDEX", "the index"}; }
 
 // Returns the format of the report that `values` ask for.
 inline ReportFormat ReportFormatOf(const Values& values) {
