@@ -130,7 +130,7 @@ class IndexReader::Impl {
     bool goes_on = true;
     for (const auto& segment : snapshot_.segments) {
       Status error;
-      const Status status =
+      Status status =
           ForEachWithWords(*segment, [&](Code code, const std::vector<PlacedWord>& words) {
             const auto info = InfoOf(*segment, code);
             error = info.status();

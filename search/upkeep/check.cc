@@ -29,8 +29,8 @@ namespace {
 
 class Checker {
  public:
-  Checker(std::string path, const CheckOptions& options)
-      : folder_(std::move(path)), options_(options) {}
+  Checker(std::string path, CheckOptions options)
+      : folder_(std::move(path)), options_(std::move(options)) {}
 
   Result<CheckReport> CheckFolder() {
     Result<Manifest> manifest = ReadManifest(folder_);
