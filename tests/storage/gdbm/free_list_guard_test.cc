@@ -217,7 +217,8 @@ TEST_F(FreeListGuardTest, FreeSpaceThatComesIntoTheHeaderLaterCounts) {
 
 TEST_F(FreeListGuardTest, TheExtendedFormatHasItsListFurtherBack) {
   PutHeader(gdbm::kExtendedMagic, kListAt + gdbm::kExtensionBytes);
-  const std::int32_t size = kSize - static_cast<std::int32_t>(2 * 16 / sizeof(gdbm::FreeSpace));
+  constexpr std::size_t kLost = gdbm::kExtensionBytes + sizeof(gdbm::FreeSpace) - 1;
+  const std::int32_t size = kSize - static_cast<std::int32_t>(kLost / sizeof(gdbm::FreeSpace));
   PutList(list_at_, {{50, kFirst - 150}}, kFirst, size);
   PutList(kFirst, {{100, kFirst - 100}}, 0, size);
   Watch();
