@@ -141,7 +141,7 @@ Roots DecodeRoots(const std::string& property, const std::string& index) {
     reason = error.what();
   }
   throw CommandError("index " + Quoted(index) + ": what it remembers of its roots is damaged (" +
-                     reason + "); kestan index --reset with the PATHs writes it anew");
+                     reason + "); kestan index --reset with the PATHs replaces it");
 }
 
 Roots RememberedRoots(const kestan::search::IndexReader& reader, const std::string& index) {

@@ -50,7 +50,7 @@ class CommittedIndex {
   Status Merge(const std::vector<std::size_t>& positions,
                const std::function<bool(std::uint64_t bytes)>& advance, std::uint64_t* unreadable);
 
-  // Writes all segments anew, without the positions of words, and commits them and `properties`.
+  // Rewrites all segments without the positions of words, and commits them and `properties`.
   // Only while the segments have no changes. See MergeSegments().
   Status DropPositions(const Properties& properties,
                        const std::function<bool(std::uint64_t bytes)>& advance);

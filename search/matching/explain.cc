@@ -33,7 +33,7 @@ bool NeedsPositions(const Query& query) {
   return query.kind == Kind::kNear || query.kind == Kind::kPhrase;
 }
 
-// What a matcher does not keep is found anew with what it is a part of.
+// What a matcher does not keep is found again with what it is a part of.
 bool IsFoundAnew(const Query& query) {
   return query.kind == Kind::kAnd || query.kind == Kind::kOr || query.kind == Kind::kNot;
 }

@@ -9,7 +9,7 @@
 namespace kestan_tests {
 
 // Returns `count` keys of one length and one hash, at most 65536. gdbm adds up the bytes of a key,
-// each shifted by five bits more than the one before it, until the sixth begins anew: "Ab" and "aa"
+// each shifted by five bits more than the one before it, until the sixth starts over: "Ab" and "aa"
 // make the same sum at the first and at the third of each five bytes.
 inline std::vector<std::string> KeysOfOneHash(std::size_t count) {
   std::vector<std::string> keys;

@@ -54,7 +54,7 @@ RootRequest RequestOf(const IndexOptions& options, std::vector<std::string> path
   return request;
 }
 
-// Returns the roots that the index remembers. Damage is no obstacle to writing them anew.
+// Returns the roots that the index remembers. They may be damaged if the user replaces them all.
 Roots RootsOf(const IndexReader* reader, const std::string& index, const RootRequest& request) {
   if (reader == nullptr) return {};
   try {
@@ -263,7 +263,7 @@ std::vector<Option> IndexCommandOptions() {
           {"--reset", "", "use none of the options that the index remembers"},
           {"--forget", "", "no longer bring the PATHs up to date; with --prune, remove them"},
           {"--stdin0", "", "read the paths from the standard input, each ended by a NUL"},
-          {"--all", "", "index unchanged files anew too"},
+          {"--all", "", "index unchanged files again too"},
           {"--why", "", "name each file that was left out, and the reason"},
           JsonOption(),
           QuietOption()};

@@ -168,7 +168,7 @@ int FreeListGuard::SkipNext() {
   return WriteAt(descriptor_, at, &first_.next, sizeof first_.next) ? 0 : FailToWrite();
 }
 
-// Lets the next call begin anew.
+// Lets the next call start over.
 int FreeListGuard::FailToWrite() {
   first_ = {};
   return GDBM_FILE_WRITE_ERROR;

@@ -34,7 +34,7 @@ class RepairItems {
         std::string(finding.text));
   }
 
-  // Counts the records of an index file that was written anew.
+  // Counts the records of an index file that was rewritten.
   void AddResult(const RepairResult& result) {
     report_.records += result.records;
     report_.dropped += result.dropped;

@@ -30,7 +30,7 @@ namespace {
 
 using kestan::search::Status;
 
-// Work on files below a folder that is made anew for each trial.
+// Work on files below a folder that is made afresh for each trial.
 struct Work {
   std::function<void()> prepare;
   std::function<Status()> run;

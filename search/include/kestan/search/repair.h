@@ -53,7 +53,7 @@ struct RepairReport {
   std::uint64_t half_written = 0;
   std::uint64_t lost = 0;     // documents
   std::uint64_t losses = 0;   // items that are losses
-  std::uint64_t records = 0;  // in the index files that were written anew
+  std::uint64_t records = 0;  // in the index files that were rewritten
   std::uint64_t dropped = 0;  // records that were found, and contradict the others
   bool was_damaged = false;   // a file itself, not only what its records say
 };
