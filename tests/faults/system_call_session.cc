@@ -5,18 +5,11 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "tests/faults/call_log.h"
 #include "tests/faults/shared.h"
 
 namespace kestan_faults {
 namespace {
-
-constexpr std::size_t kMostCalls = 65536;
-
-// The functions that a child calls.
-struct CallLog {
-  std::size_t count = 0;
-  std::array<Function, kMostCalls> functions;
-};
 
 bool StartsWith(std::string_view text, std::string_view start) {
   return text.substr(0, start.size()) == start;

@@ -1,7 +1,6 @@
 // The functions of the C library that libgdbm calls for its files. libgdbm finds these first,
 // because they are the program's own; each asks the watch and then calls the next one. A
 // 32-bit libgdbm calls the names that end in 64, which take 64-bit offsets.
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/mman.h>
@@ -9,32 +8,20 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 
+#include "tests/faults/stand_in.h"
 #include "tests/faults/system_call_watch.h"
 
 namespace {
 
 using kestan_faults::Function;
+using kestan_faults::Next;
+using kestan_faults::Perform;
 using kestan_faults::RuleOn;
 using kestan_faults::Ruling;
-
-// Finds the function that a stand-in replaces: the next one of its name.
-template <typename Signature>
-Signature* Next(const char* name) {
-  return reinterpret_cast<Signature*>(dlsym(RTLD_NEXT, name));
-}
-
-// Performs a call unless it has to fail.
-template <typename Result, typename Action>
-Result Perform(const Ruling& ruling, Result failure, Action action) {
-  if (ruling.error == 0) return action();
-  errno = ruling.error;
-  return failure;
-}
 
 template <typename Action>
 int PerformOn(Function function, int file, Action action) {

@@ -1,7 +1,6 @@
 // More functions of the C library that the search library calls for its files and folders, as
 // system_call_stand_ins.cc has those of libgdbm.
 #include <dirent.h>
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,25 +8,16 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "tests/faults/stand_in.h"
 #include "tests/faults/system_call_watch.h"
 
 namespace {
 
 using kestan_faults::Function;
+using kestan_faults::Next;
+using kestan_faults::Perform;
 using kestan_faults::RuleOn;
 using kestan_faults::Ruling;
-
-template <typename Signature>
-Signature* Next(const char* name) {
-  return reinterpret_cast<Signature*>(dlsym(RTLD_NEXT, name));
-}
-
-template <typename Result, typename Action>
-Result Perform(const Ruling& ruling, Result failure, Action action) {
-  if (ruling.error == 0) return action();
-  errno = ruling.error;
-  return failure;
-}
 
 }  // namespace
 

@@ -4,13 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <string>
 #include <vector>
 
+#include "tests/faults/call_log.h"
 #include "tests/faults/child.h"
 #include "tests/faults/search/upkeep_work.h"
 #include "tests/faults/shared.h"
@@ -19,13 +19,6 @@
 
 namespace kestan_faults {
 namespace {
-
-constexpr std::size_t kMostCalls = 65536;
-
-struct CallLog {
-  std::size_t count = 0;
-  std::array<Function, kMostCalls> functions;
-};
 
 class UpkeepFaultsTest : public testing::Test {
  protected:
