@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "tests/faults/call_log.h"
 #include "tests/faults/search/asked_index.h"
 #include "tests/faults/shared.h"
 
@@ -28,14 +29,6 @@ Result<IndexWriter> OpenMergingWriter(const std::string& folder) {
   options.merge_factor = 3;
   return IndexWriter::Open(folder, options);
 }
-
-constexpr std::size_t kMostCalls = 65536;
-
-// The functions that a child calls.
-struct CallLog {
-  std::size_t count = 0;
-  std::array<Function, kMostCalls> functions;
-};
 
 void AddTo(Transcript* transcript, const char* what, const Status& status) {
   transcript->Add(what, TryTwice([&status] { return status.ToString(); }));
