@@ -4,6 +4,8 @@
 
 #include <kestan/search/status.h>
 
+#include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -38,6 +40,11 @@ class Bytes {
 
 // A file that is open for reading, mapped as a whole where addresses are 64 bits wide, read piece
 // by piece elsewhere. Any number of threads may read it at once.
+//
+// What is not in memory, the disk fetches page by page, but for what is announced to the system
+// before: each read of more than a page, what follows a row of reads, and what WillRead() names.
+// Left to itself, the system fetches as much around a page as the disk is set up for, which may be
+// megabytes.
 class FileBytes {
  public:
   // Opens the file at `path`.
@@ -60,9 +67,16 @@ class FileBytes {
   //   Lifetime  a view ends with this object, unless it is a copy.
   Bytes Read(std::uint64_t offset, std::uint64_t size) const;
 
-  // The same for all bytes of the file, for a caller who looks at few of them: a mapping is not
-  // fetched ahead.
+  // The same for all bytes of the file, of which nothing is announced to the system: for a caller
+  // who looks at few of them, and announces these himself.
   Bytes ReadSparsely() const;
+
+  // What Read() does first: announces a read of bytes of the file that begins now.
+  void BeginRead(std::uint64_t offset, std::uint64_t size) const;
+
+  // Announces a read of these bytes, of which some may lie past the end of the file. What is
+  // announced together is fetched at once, and not one after the other.
+  void WillRead(std::uint64_t offset, std::uint64_t size) const;
 
  private:
   FileBytes(std::string path, Descriptor file, std::uint64_t size)
@@ -75,6 +89,16 @@ class FileBytes {
   std::uint64_t size_;
   std::string memory_;       // the bytes of InMemory()
   char* mapping_ = nullptr;  // null where the file is read piece by piece, or empty
+
+  // Reads that follow each other. Two rows are told apart, such as those of an index and of what it
+  // leads to. Threads that read at once may take each other's for their own, which costs time
+  // alone.
+  struct Row {
+    std::atomic<std::uint64_t> end = 0;          // of the last read; 0 before there is one
+    std::atomic<std::uint64_t> fetched_end = 0;  // of what was announced
+  };
+  mutable std::array<Row, 2> rows_;
+  mutable std::atomic<std::size_t> next_row_ = 0;  // is given up for a new one
 };
 
 }  // namespace kestan::search

@@ -17,6 +17,9 @@
 namespace kestan::search {
 namespace {
 
+// Of so many hits at most, the titles are announced before they are read.
+constexpr std::size_t kMostAnnounced = 1000;
+
 // Makes exceptions errors, which are about no file of their own.
 template <typename Work>
 auto Caught(const Work& work) -> decltype(work()) {
@@ -210,8 +213,17 @@ class IndexReader::Impl {
     return {};
   }
 
+  void AnnounceTitles(const std::vector<RankedDocument>& best) const {
+    if (best.size() > kMostAnnounced) return;
+    for (const RankedDocument& document : best) {
+      const Segment& segment = *snapshot_.segments[document.id.segment];
+      segment.WillReadField(document.id.code, DocumentField::kTitle);
+    }
+  }
+
   Status ListHits(const std::vector<RankedDocument>& best, bool with_titles,
                   std::vector<Hit>* hits) const {
+    if (with_titles) AnnounceTitles(best);
     for (const RankedDocument& document : best) {
       const Segment& segment = *snapshot_.segments[document.id.segment];
       Hit hit;

@@ -167,7 +167,7 @@ class Search {
                                      const std::vector<double>& scores, Scorer* scorer) const {
     const double greatest_bonus = scorer->GreatestBonus();
     const double least = greatest_bonus > 0 ? LeastOfBest(scores) : 0;
-    TopDocuments best(snapshot_, limit_);
+    TopDocuments best(limit_);
     for (std::size_t i = 0; i < codes.size(); ++i) {
       if (scores[i] + greatest_bonus < least) continue;
       const double bonus = greatest_bonus > 0 ? scorer->BonusOf(codes[i]) : 0;
@@ -189,12 +189,12 @@ class Search {
   Result<RankedDocuments> Merged() {
     RankedDocuments ranked;
     for (const SegmentSearch& search : searches_) ranked.total += search.matches->size();
-    TopDocuments best(snapshot_, limit_);
+    TopDocuments best(limit_);
     best.Expect(static_cast<std::size_t>(ranked.total));
     for (const SegmentSearch& search : searches_) {
       for (const RankedDocument& document : search.best) best.Add(document);
     }
-    ranked.best = best.TakeSorted();
+    ranked.best = best.TakeSorted(snapshot_);
     Status status = StatusOfTables();
     if (!status.ok()) return status;
     ranked.terms = MatchedTerms();

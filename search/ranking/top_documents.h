@@ -12,11 +12,11 @@ namespace kestan::search {
 
 // Keeps the documents of the highest scores, which are 0 or more; of equal score, those whose names
 // come first in order of bytes; of equal name, those of the first segment. Reads names only where
-// scores are equal.
+// scores are equal, when it is known which of them matter.
 class TopDocuments {
  public:
-  // Borrows `snapshot`. Keeps `limit` documents; 0: all.
-  TopDocuments(const Snapshot& snapshot, std::size_t limit);
+  // Keeps `limit` documents; 0: all.
+  explicit TopDocuments(std::size_t limit) : limit_(limit) {}
 
   // Makes room for documents, where all are kept.
   void Expect(std::size_t documents) {
@@ -28,19 +28,20 @@ class TopDocuments {
     Keep(document);
   }
 
-  // Returns them, in any order. Nothing may be added after it.
+  // Returns them, in any order, and those of the same score as the last of them. Nothing may be
+  // added after it.
   std::vector<RankedDocument> Take();
 
-  // Returns them, the best first. Nothing may be added after it.
-  std::vector<RankedDocument> TakeSorted();
+  // Returns them, the best first, with names from `snapshot`. Nothing may be added after it.
+  std::vector<RankedDocument> TakeSorted(const Snapshot& snapshot);
 
  private:
   void Keep(const RankedDocument& document);
 
-  const Snapshot& snapshot_;
   const std::size_t limit_;
   bool is_full_ = false;
-  std::vector<RankedDocument> best_;  // a heap with the worst on top, once it is full
+  std::vector<RankedDocument> best_;   // a heap with the lowest score on top, once it is full
+  std::vector<RankedDocument> equal_;  // others of the lowest score in the heap
 };
 
 }  // namespace kestan::search

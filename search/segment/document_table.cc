@@ -160,6 +160,11 @@ Result<FileSummary> DocumentTableWriter::Finish(Syncing syncing) {
 
 // ---- Opening ----
 
+void DocumentTable::WillOpen(const FileBytes& file) {
+  const std::uint64_t parts = file.size() / kPartBytes + 1;
+  file.WillRead(0, kFixedBytes + (parts + 1) * kChecksumBytes);
+}
+
 Result<DocumentTable> DocumentTable::Open(std::shared_ptr<const FileBytes> file) {
   DocumentTable table;
   table.file_ = std::move(file);
@@ -218,13 +223,30 @@ Status DocumentTable::Verify() const {
 bool DocumentTable::CheckPart(std::size_t part) const {
   std::atomic<State>& state = checks_->states[part];
   State found = state.load(std::memory_order_relaxed);
-  if (found == State::kUnread) {
+  if (found == State::kUnread) file_->BeginRead(OffsetOfPart(part), kPartBytes);
+  if (found != State::kValid && found != State::kDamaged) {
     const char* const expected = part_checksums_ + part * kChecksumBytes;
     found = IsChecksumOf(parts_.substr(part * kPartBytes, kPartBytes), expected) ? State::kValid
                                                                                  : State::kDamaged;
     state.store(found, std::memory_order_relaxed);
   }
   return found == State::kValid || Damaged();
+}
+
+std::uint64_t DocumentTable::OffsetOfPart(std::size_t part) const {
+  return file_->size() - parts_.size() + part * kPartBytes;
+}
+
+// Announces those of these bytes of parts_ whose parts were not read or announced before.
+void DocumentTable::WillRead(std::size_t offset, std::size_t bytes) const {
+  const std::size_t first = offset / kPartBytes;
+  const std::size_t end = PartsOf(offset + bytes);
+  std::size_t announced = 0;
+  for (std::size_t part = first; part < end; ++part) {
+    State expected = State::kUnread;
+    if (checks_->states[part].compare_exchange_strong(expected, State::kAnnounced)) ++announced;
+  }
+  if (announced > 0) file_->WillRead(OffsetOfPart(first), (end - first) * kPartBytes);
 }
 
 // Returns whether the parts that hold these bytes of parts_ are sound; there must be such bytes.
@@ -246,13 +268,29 @@ std::size_t DocumentTable::EndOfSoundWords(Code code) const {
   return PartIsSound(part) ? std::min((part + 1) * kWordsInPart, size_) + 1 : 0;
 }
 
+void DocumentTable::WillReadWords(const std::vector<Code>& codes) const {
+  if (codes.empty() || codes.front() == 0 || codes.back() > size_) return;
+  const std::size_t first = std::size_t{codes.front()} - 1;
+  WillRead(first * kWordsBytes, (codes.back() - first) * kWordsBytes);
+}
+
 std::uint32_t DocumentTable::WordsOf(Code code) const {
   if (EndOfSoundWords(code) == 0) return 0;
   return NumberAt<std::uint32_t>(parts_.data() + (std::size_t{code} - 1) * kWordsBytes);
 }
 
-// Returns the bytes of the record of the document, none if it is damaged.
-ByteReader DocumentTable::RecordOf(Code code) const {
+void DocumentTable::WillReadStart(Code code) const {
+  if (code == 0 || code > size_) return;
+  WillRead(StartsAt(size_) + (std::size_t{code} - 1) * kStartBytes, 2 * kStartBytes);
+}
+
+void DocumentTable::WillReadRecord(Code code) const {
+  const std::string_view record = ExtentOf(code);
+  if (!record.empty()) WillRead(OffsetOf(record), record.size());
+}
+
+// Returns where the record of the document is in parts_; nothing if that is damaged.
+std::string_view DocumentTable::ExtentOf(Code code) const {
   if (code == 0 || code > size_) return {};
   const std::size_t at = StartsAt(size_) + (std::size_t{code} - 1) * kStartBytes;
   if (!IsSound(at, 2 * kStartBytes)) return {};
@@ -260,8 +298,14 @@ ByteReader DocumentTable::RecordOf(Code code) const {
   const std::size_t start = NumberAt<std::uint32_t>(parts_.data() + at);
   const std::size_t end = NumberAt<std::uint32_t>(parts_.data() + at + kStartBytes);
   if (start >= end || end > parts_.size() - records) return {};
-  if (!IsSound(records + start, end - start)) return {};
-  return ByteReader(parts_.substr(records + start, end - start));
+  return parts_.substr(records + start, end - start);
+}
+
+// Returns the bytes of the record of the document, none if it is damaged.
+ByteReader DocumentTable::RecordOf(Code code) const {
+  const std::string_view record = ExtentOf(code);
+  if (record.empty() || !IsSound(OffsetOf(record), record.size())) return {};
+  return ByteReader(record);
 }
 
 std::string_view DocumentTable::NameOf(Code code) const {

@@ -69,6 +69,9 @@ class DocumentTableWriter {
 // so from then on.
 class DocumentTable {
  public:
+  // Announces what Open() will read of `file`.
+  static void WillOpen(const FileBytes& file);
+
   // Opens the document table in `file`.
   //   Returns  kDamaged or kVersion.
   static Result<DocumentTable> Open(std::shared_ptr<const FileBytes> file);
@@ -101,11 +104,16 @@ class DocumentTable {
   std::uint32_t AddedOf(Code code) const { return EntryOf(code).added; }
   DocumentEntry EntryOf(Code code) const;
 
+  // Announces that the name of the document will be read, in two steps: all first ones belong
+  // before all second ones. Names that are announced together are fetched from the disk at once.
+  void WillReadStart(Code code) const;
+  void WillReadRecord(Code code) const;
+
   // Finds a document by its name, by halving.
   std::optional<Code> Find(std::string_view name) const;
 
  private:
-  enum class State : std::uint8_t { kUnread, kValid, kDamaged };
+  enum class State : std::uint8_t { kUnread, kAnnounced, kValid, kDamaged };
 
   // What was checked so far, of a table that may be moved.
   struct Checks {
@@ -123,8 +131,15 @@ class DocumentTable {
            CheckPart(part);
   }
   bool CheckPart(std::size_t part) const;
+  void WillRead(std::size_t offset, std::size_t bytes) const;
+  std::uint64_t OffsetOfPart(std::size_t part) const;
+  void WillReadWords(const std::vector<Code>& codes) const;
   std::size_t EndOfSoundWords(Code code) const;
   bool Damaged() const;
+  std::string_view ExtentOf(Code code) const;
+  std::size_t OffsetOf(std::string_view bytes) const {
+    return static_cast<std::size_t>(bytes.data() - parts_.data());
+  }
   ByteReader RecordOf(Code code) const;
   Code CodeAt(std::size_t index) const;
 
@@ -140,6 +155,7 @@ class DocumentTable {
 
 template <typename Visit>
 void DocumentTable::VisitWords(const std::vector<Code>& codes, Visit visit) const {
+  WillReadWords(codes);
   std::size_t sound_end = 0;  // codes below it, from the last one on, are sound
   for (std::size_t i = 0; i < codes.size(); ++i) {
     const std::size_t code = codes[i];

@@ -127,10 +127,12 @@ Result<std::shared_ptr<const Segment::Files>> Segment::OpenFiles(const std::stri
   if (!bytes.ok()) return bytes.status();
   const auto terms_bytes = FileBytes::Open(beside + TermsFile(info), info.terms.bytes);
   if (!terms_bytes.ok()) return terms_bytes.status();
-  Result<TermDictionary> terms = TermDictionary::Open(*terms_bytes);
-  if (!terms.ok()) return terms.status();
   const auto table_bytes = FileBytes::Open(beside + TableFile(info), info.table.bytes);
   if (!table_bytes.ok()) return table_bytes.status();
+  TermDictionary::WillOpen(**terms_bytes);
+  DocumentTable::WillOpen(**table_bytes);
+  Result<TermDictionary> terms = TermDictionary::Open(*terms_bytes);
+  if (!terms.ok()) return terms.status();
   Result<DocumentTable> table = DocumentTable::Open(*table_bytes);
   if (!table.ok()) return table.status();
   if (table->size() != info.documents) {
@@ -266,6 +268,12 @@ Result<std::string> Segment::FieldOf(Code code, DocumentField field) const {
   const Result<Bytes> record = ReadRecord(key, entry.fields[index]);
   if (!record.ok()) return record.status();
   return std::string(record->view());
+}
+
+void Segment::WillReadField(Code code, DocumentField field) const {
+  const RecordPlace place = table().EntryOf(code).fields[static_cast<std::size_t>(field)];
+  const std::uint64_t bytes = std::uint64_t{place.key_bytes} + place.value_bytes;
+  if (place.offset != 0) files_->segment->WillRead(place.offset, bytes);
 }
 
 Result<std::string> Segment::PropertyOf(std::string_view key) const {

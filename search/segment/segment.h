@@ -77,6 +77,10 @@ class Segment {
   // Reads a text of a document; "" for none.
   Result<std::string> FieldOf(Code code, DocumentField field) const;
 
+  // Announces that FieldOf() will read a text; several that are announced together are fetched from
+  // the disk at once.
+  void WillReadField(Code code, DocumentField field) const;
+
   // How many documents live, and how many words they have together.
   std::uint64_t living_documents() const { return living_documents_; }
   std::uint64_t living_words() const { return living_words_; }

@@ -14,6 +14,9 @@ constexpr FileKind kKind = {"KestTerm", 1, "a term dictionary"};
 constexpr std::uint32_t kTermsInBlock = 64;
 constexpr std::size_t kBlockBytes = 2048;  // a block that has so many is full
 
+// Hardly any dictionary has fewer bytes for each byte of its index.
+constexpr std::uint64_t kBytesPerIndexByte = 12;
+
 constexpr std::size_t kOffsetBytes = 8;
 constexpr std::size_t kChecksumBytes = 8;
 constexpr std::size_t kIndexEntryBytes = kOffsetBytes + kChecksumBytes + 4;
@@ -146,6 +149,12 @@ bool TermBlockReader::NextPlace(bool is_next, std::uint32_t value_bytes, RecordP
 
 Status TermDictionary::Damaged() const {
   return {StatusCode::kDamaged, "the term dictionary is damaged", file_->path()};
+}
+
+void TermDictionary::WillOpen(const FileBytes& file) {
+  const std::uint64_t end_bytes = kTrailerBytes + file.size() / kBytesPerIndexByte;
+  if (end_bytes + kFileHeaderBytes < file.size()) file.WillRead(0, kFileHeaderBytes);
+  file.WillRead(file.size() - std::min(end_bytes, file.size()), end_bytes);
 }
 
 Result<TermDictionary> TermDictionary::Open(std::shared_ptr<const FileBytes> file) {

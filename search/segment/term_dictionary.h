@@ -92,6 +92,9 @@ class TermBlockReader {
 // Reads a dictionary. Any number of threads may use it at once.
 class TermDictionary {
  public:
+  // Announces what Open() will read of `file`.
+  static void WillOpen(const FileBytes& file);
+
   // Opens the dictionary in `file`. Reads its index alone.
   //   Returns  kDamaged or kVersion.
   static Result<TermDictionary> Open(std::shared_ptr<const FileBytes> file);

@@ -58,6 +58,20 @@ TEST_F(FileBytesTest, AllBytesCanBeReadSparsely) {
   EXPECT_EQ(FileBytes::InMemory("abc", "path")->ReadSparsely().view(), "abc");
 }
 
+TEST_F(FileBytesTest, AnnouncementsMayReachPastTheEnd) {
+  const auto file = Open("0123456789");
+  const auto in_memory = FileBytes::InMemory("abc", "path");
+  for (const std::uint64_t offset : {std::uint64_t{0}, std::uint64_t{9}, UINT64_MAX}) {
+    for (const std::uint64_t size : {std::uint64_t{0}, std::uint64_t{1}, UINT64_MAX}) {
+      for (const auto& announced : {file, in_memory}) {
+        announced->WillRead(offset, size);
+        announced->BeginRead(offset, size);
+      }
+    }
+  }
+  EXPECT_EQ(Read(*file, 0, 10), "0123456789");
+}
+
 TEST_F(FileBytesTest, AFileOfAnotherSizeIsDamaged) {
   WriteFile(dir_ / "file", "0123456789");
   for (const std::uint64_t size : {0u, 9u, 11u}) {

@@ -244,6 +244,29 @@ TEST_F(DocumentTableTest, VisitsNoWordsWhereTheyAreDamaged) {
   EXPECT_EQ(table->status().code(), StatusCode::kDamaged);
 }
 
+TEST_F(DocumentTableTest, AnnouncedNamesAreReadAsOthers) {
+  const std::vector<Row> rows = SomeRows(2000);
+  ASSERT_TRUE(Write(rows).ok());
+  const Result<DocumentTable> table = Open();
+  const std::vector<Code> codes = {0, 1, 1000, 2000, 2001, 65535};
+  for (const Code code : codes) table->WillReadStart(code);
+  for (const Code code : codes) table->WillReadRecord(code);
+  EXPECT_TRUE(Agrees(*table, rows));
+}
+
+TEST_F(DocumentTableTest, AnAnnouncedPartThatIsDamagedIsNoticed) {
+  const std::vector<Row> rows = SomeRows(10);
+  ASSERT_TRUE(Write(rows).ok());
+  std::string bytes = ReadFile(path_);
+  bytes.back() ^= 1;
+  const Result<DocumentTable> table = OpenBytes(bytes);
+  ASSERT_TRUE(table.ok());
+  table->WillReadStart(1);
+  table->WillReadRecord(1);
+  EXPECT_EQ(table->NameOf(1), "");
+  EXPECT_EQ(table->status().code(), StatusCode::kDamaged);
+}
+
 TEST_F(DocumentTableTest, EveryTruncationIsDamage) {
   ASSERT_TRUE(Write(SomeRows(150)).ok());
   const std::string good = ReadFile(path_);
