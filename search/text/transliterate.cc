@@ -1,9 +1,6 @@
 #include "search/text/transliterate.h"
 
-#include <unicode/translit.h>
-#include <unicode/uchar.h>
-#include <unicode/unistr.h>
-#include <unicode/uscript.h>
+#include <unicode/utf16.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -11,6 +8,7 @@
 #include <memory>
 #include <new>
 
+#include "search/text/icu.h"
 #include "search/text/run_cache.h"
 #include "search/text/utf8.h"
 
@@ -25,61 +23,111 @@ constexpr std::size_t kMaxRunBytes = 4096;
 
 // Removes characters that neither separate words nor are heard: soft hyphens, joiners, marks of
 // direction and of order. ICU would take a set at the very beginning for a filter of all rules.
-constexpr const char16_t* kSilent = u"Any-Null; [\\u00AD\\u200B-\\u200F\\u2060\\uFEFF] Remove; ";
+const std::u16string kSilent = u"Any-Null; [\\u00AD\\u200B-\\u200F\\u2060\\uFEFF] Remove; ";
 
 class Transliterator {
  public:
   // Borrows `rules`, which ICU names.
-  explicit Transliterator(const char16_t* rules) {
+  explicit Transliterator(const std::u16string& rules) {
+    const std::u16string all_rules = kSilent + rules;
     UErrorCode error = U_ZERO_ERROR;
-    transliterator_.reset(icu::Transliterator::createInstance(icu::UnicodeString(kSilent) + rules,
-                                                              UTRANS_FORWARD, error));
+    transliterator_.reset(icu_.utrans_openU(all_rules.data(), Length(all_rules), UTRANS_FORWARD,
+                                            nullptr, 0, nullptr, &error));
     if (error == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
     // Without it every letter beyond ASCII would silently become a blank.
     if (U_FAILURE(error))
       throw TransliterationError("ICU lacks the data for other scripts than ASCII");
   }
 
-  void Apply(icu::UnicodeString* text) const {
-    transliterator_->transliterate(*text);
-    if (text->isBogus()) throw std::bad_alloc();  // the only sign that ICU gives
+  std::u16string Apply(const std::u16string& text) const {
+    std::u16string result;
+    std::int32_t needed = 2 * Length(text);
+    UErrorCode error = U_BUFFER_OVERFLOW_ERROR;
+    while (error == U_BUFFER_OVERFLOW_ERROR) {
+      result = text;
+      result.resize(static_cast<std::size_t>(needed));
+      error = U_ZERO_ERROR;
+      needed = Length(text);
+      std::int32_t limit = needed;
+      icu_.utrans_transUChars(transliterator_.get(), result.data(), &needed, Length(result), 0,
+                              &limit, &error);
+    }
+    if (U_FAILURE(error)) throw std::bad_alloc();  // nothing else can go wrong
+    result.resize(static_cast<std::size_t>(needed));
+    return result;
   }
 
  private:
-  std::unique_ptr<icu::Transliterator> transliterator_;
+  struct Closer {
+    void operator()(UTransliterator* transliterator) const {
+      LoadedIcu().utrans_close(transliterator);
+    }
+  };
+
+  static std::int32_t Length(const std::u16string& text) {
+    return static_cast<std::int32_t>(text.size());
+  }
+
+  const Icu& icu_ = LoadedIcu();
+  std::unique_ptr<UTransliterator, Closer> transliterator_;
 };
 
-// Returns whether all of `text` is in Latin letters or in punctuation, accents among them.
-bool IsLatin(const icu::UnicodeString& text) {
-  for (std::int32_t i = 0; i < text.length(); ++i) {
-    const char16_t unit = text[i];
-    if (unit >= 0x370 && (unit < 0x1e00 || unit >= 0x1f00) && (unit < 0x2000 || unit >= 0x2070)) {
-      return false;
+// Returns the code of the character at `*at`, U+FFFD where there is none, and moves `*at` past it.
+UChar32 NextCode(std::string_view utf8, std::size_t* at) {
+  const std::size_t bytes = CharacterBytes(utf8.substr(*at));
+  const auto byte_at = [&](std::size_t i) { return static_cast<unsigned char>(utf8[*at + i]); };
+  UChar32 code = 0xfffd;
+  if (bytes == 1) code = byte_at(0);
+  if (bytes > 1) code = byte_at(0) & (0x7f >> bytes);
+  for (std::size_t i = 1; i < bytes; ++i) code = code << 6 | (byte_at(i) & 0x3f);
+  *at += std::max<std::size_t>(bytes, 1);
+  return code;
+}
+
+std::u16string Utf16Of(std::string_view utf8) {
+  std::u16string text;
+  for (std::size_t at = 0; at < utf8.size();) {
+    const UChar32 code = NextCode(utf8, &at);
+    if (U_IS_SUPPLEMENTARY(code)) {
+      text += static_cast<char16_t>(U16_LEAD(code));
+      text += static_cast<char16_t>(U16_TRAIL(code));
+    } else {
+      text += static_cast<char16_t>(code);
     }
   }
-  return true;
+  return text;
+}
+
+// Returns whether all of `text` is in Latin letters or in punctuation, accents among them.
+bool IsLatin(const std::u16string& text) {
+  return std::all_of(text.begin(), text.end(), [](char16_t unit) {
+    return unit < 0x370 || (unit >= 0x1e00 && unit < 0x1f00) || (unit >= 0x2000 && unit < 0x2070);
+  });
 }
 
 // Two transliterators: the one for every script takes half a second to make.
-void WriteInLatinLetters(icu::UnicodeString* text) {
-  if (IsLatin(*text)) {
+std::u16string InLatinLetters(const std::u16string& text) {
+  if (IsLatin(text)) {
     static const Transliterator kLatin(u"Latin-ASCII");
     return kLatin.Apply(text);
   }
   static const Transliterator kAny(u"Any-Latin; Latin-ASCII");
-  kAny.Apply(text);
+  return kAny.Apply(text);
 }
+
+std::uint32_t CategoryMask(UChar32 code) { return U_MASK(LoadedIcu().u_charType(code)); }
 
 // Letters that only modify others, and accents left over, do not separate words.
 bool IsModifier(UChar32 character) {
   constexpr std::uint32_t kModifiers = U_GC_LM_MASK | U_GC_M_MASK | U_GC_SK_MASK | U_GC_CF_MASK;
-  return (U_GET_GC_MASK(character) & kModifiers) != 0;
+  return (CategoryMask(character) & kModifiers) != 0;
 }
 
-std::string AsAscii(const icu::UnicodeString& text) {
+std::string AsAscii(const std::u16string& text) {
   std::string ascii;
-  for (std::int32_t i = 0; i < text.length(); i = text.moveIndex32(i, 1)) {
-    const UChar32 character = text.char32At(i);
+  for (std::size_t at = 0; at < text.size();) {
+    UChar32 character = 0;
+    U16_NEXT(text, at, text.size(), character);
     if (character < 0x80) {
       ascii += static_cast<char>(character);
     } else if (!IsModifier(character)) {
@@ -91,15 +139,13 @@ std::string AsAscii(const icu::UnicodeString& text) {
 
 bool IsChineseCharacter(UChar32 code) {
   UErrorCode error = U_ZERO_ERROR;
-  return uscript_getScript(code, &error) == USCRIPT_HAN;
+  return LoadedIcu().uscript_getScript(code, &error) == USCRIPT_HAN;
 }
 
 std::string TransliteratedRun(std::string_view run) {
-  icu::UnicodeString text = icu::UnicodeString::fromUTF8(
-      icu::StringPiece(run.data(), static_cast<std::int32_t>(run.size())));
-  const bool is_word = IsChineseCharacter(text.char32At(0));
-  WriteInLatinLetters(&text);
-  return is_word ? " " + AsAscii(text) + " " : AsAscii(text);
+  const std::string ascii = AsAscii(InLatinLetters(Utf16Of(run)));
+  std::size_t at = 0;
+  return IsChineseCharacter(NextCode(run, &at)) ? " " + ascii + " " : ascii;
 }
 
 // Adds `run`, which is UTF-8, to `ascii`.
@@ -113,19 +159,12 @@ void AppendRun(std::string_view run, std::string* ascii) {
   *ascii += known != nullptr ? *known : cache.Keep(run, TransliteratedRun(run));
 }
 
-// Returns the code of `character`, U+FFFF if it is not one.
-UChar32 CodeOf(std::string_view character) {
-  const auto text = icu::UnicodeString::fromUTF8(
-      icu::StringPiece(character.data(), static_cast<std::int32_t>(character.size())));
-  return text.char32At(0);
-}
-
 // Returns whether a run ends before `code`. ICU takes disproportionately long for long runs, so
 // they end where a word ends, if possible.
 bool EndsLongRun(std::size_t run_bytes, UChar32 code) {
   if (run_bytes < kLongRunBytes) return false;
   if (run_bytes >= kMaxRunBytes) return true;
-  return u_isalpha(code) == 0 && (U_GET_GC_MASK(code) & U_GC_M_MASK) == 0;
+  return LoadedIcu().u_isalpha(code) == 0 && (CategoryMask(code) & U_GC_M_MASK) == 0;
 }
 
 // Moves `*at` past a run of bytes above 127 there. A Chinese character is a run of its own:
@@ -137,7 +176,8 @@ std::string TakeRun(std::string_view utf8, std::size_t* at) {
     const std::size_t bytes = CharacterBytes(utf8.substr(*at));
     // Chinese characters take at least three bytes; the codes of others matter in long runs only.
     const bool matters = bytes >= 3 || run.size() >= kLongRunBytes;
-    const UChar32 code = matters ? CodeOf(utf8.substr(*at, bytes)) : 0;
+    std::size_t end = *at;
+    const UChar32 code = matters ? NextCode(utf8, &end) : 0;
     const bool is_chinese = IsChineseCharacter(code);
     if (EndsLongRun(run.size(), code) || (is_chinese && !run.empty())) break;
     if (bytes == 0) {
