@@ -116,6 +116,13 @@ Result<FileSummary> SummaryOf(const std::string& path) {
   return summary;
 }
 
+Status VerifyFile(const std::string& path, const FileSummary& expected) {
+  const Result<FileSummary> found = SummaryOf(path);
+  if (!found.ok()) return found.status();
+  if (*found == expected) return {};
+  return {StatusCode::kDamaged, "its bytes have changed since it was written", path};
+}
+
 Status SyncFile(const std::string& path) { return SyncPath(path, 0); }
 Status SyncDirectory(const std::string& path) { return SyncPath(path, O_DIRECTORY); }
 

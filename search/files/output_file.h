@@ -71,6 +71,10 @@ class OutputFile {
 //   Returns  its size and checksum; kNotFound or kSystem.
 Result<FileSummary> SummaryOf(const std::string& path);
 
+// Compares the summary of the file at `path` with what it should be.
+//   Returns  kDamaged if it is another one; kNotFound, kSystem.
+Status VerifyFile(const std::string& path, const FileSummary& expected);
+
 // Has the system put the file at `path`, or the entries of a directory, on the disk.
 Status SyncFile(const std::string& path);
 Status SyncDirectory(const std::string& path);

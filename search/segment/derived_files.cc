@@ -89,6 +89,9 @@ class Deriver {
     const auto size = static_cast<std::uint64_t>(file_.store().FileBytes());
     auto bytes = FileBytes::Open(path_, size);
     if (!bytes.ok()) return bytes.status();
+    const Result<FileSummary> summary = SummaryOf(path_);
+    if (!summary.ok()) return summary.status();
+    files_.segment = *summary;
     PlaceFinder finder(std::move(*bytes), is_loose());
     Status status = ReadDocuments();
     if (status.ok()) status = ReadTerms();
@@ -250,6 +253,7 @@ class Deriver {
   Status WriteTable(PlaceFinder* finder) {
     DocumentTableWriter writer;
     writer.CreateInMemory(&files_.table);
+    writer.SetSegment(files_.segment.checksum);
     for (std::size_t i = 1; i < documents_.size(); ++i) {
       const StoredDocument& document = documents_[i];
       DocumentEntry entry;
@@ -302,6 +306,7 @@ class Deriver {
   Status WriteTerms(PlaceFinder* finder) {
     TermDictionaryWriter writer;
     writer.CreateInMemory(&files_.terms);
+    writer.SetSegment(files_.segment.checksum);
     std::size_t records = 0;
     for (const auto& [term, documents] : terms_) {
       const DBDatumPtr value = ValueOf(term);

@@ -20,6 +20,7 @@ namespace kestan::search {
 // words than it did. And where a record was moved by hand, its place is left out, so that searches
 // read it through gdbm.
 struct DerivedFiles {
+  FileSummary segment;  // of the index file
   std::uint32_t documents = 0;
   bool with_positions = true;
   std::string terms;

@@ -9,13 +9,14 @@
 namespace kestan::search {
 namespace {
 
-constexpr FileKind kKind = {"KestDocs", 2, "a document table"};
+constexpr FileKind kKind = {"KestDocs", 3, "a document table"};
 
-// How many words, documents and bytes of records there are.
+// How many words, documents and bytes of records there are, and the checksum of the index file.
 constexpr std::size_t kWordsOffset = kFileHeaderBytes;
 constexpr std::size_t kDocumentsOffset = kWordsOffset + 8;
 constexpr std::size_t kRecordBytesOffset = kDocumentsOffset + 4;
-constexpr std::size_t kFixedBytes = kRecordBytesOffset + 4;
+constexpr std::size_t kSegmentOffset = kRecordBytesOffset + 4;
+constexpr std::size_t kFixedBytes = kSegmentOffset + 8;
 
 constexpr std::size_t kChecksumBytes = 8;
 constexpr std::size_t kPartBytes = 4096;
@@ -151,6 +152,7 @@ Result<FileSummary> DocumentTableWriter::Finish(Syncing syncing) {
   AppendNumber(all_words_, &bytes);
   AppendNumber(static_cast<std::uint32_t>(starts_.size()), &bytes);
   AppendNumber(static_cast<std::uint32_t>(records_.size()), &bytes);
+  AppendNumber(segment_checksum_, &bytes);
   bytes += ChecksumsOfParts(parts);
   AppendChecksumOf(bytes, &bytes);
   file_.Write(bytes);
@@ -182,6 +184,7 @@ Status DocumentTable::Read() {
   if (bytes.size() < kFixedBytes || bytes.size() != file_->size()) return damaged;
   all_words_ = NumberAt<std::uint64_t>(bytes.data() + kWordsOffset);
   size_ = NumberAt<std::uint32_t>(bytes.data() + kDocumentsOffset);
+  segment_checksum_ = NumberAt<std::uint64_t>(bytes.data() + kSegmentOffset);
   if (!SizesAgree(NumberAt<std::uint32_t>(bytes.data() + kRecordBytesOffset))) return damaged;
   const auto checked = static_cast<std::size_t>(parts_.data() - bytes.data()) - kChecksumBytes;
   return IsChecksumOf(bytes.substr(0, checked), bytes.data() + checked) ? Status() : damaged;

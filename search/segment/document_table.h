@@ -45,6 +45,9 @@ class DocumentTableWriter {
   // Adds the document of the next code; the first has code 1. Copies the name.
   void Add(const DocumentEntry& entry);
 
+  // Says which index file these documents belong to, by its checksum; 0 without it.
+  void SetSegment(std::uint64_t checksum) { segment_checksum_ = checksum; }
+
   //   Returns  the first error, and removes the file then; kInvalidArgument for more than kMaxCode
   //            documents.
   Result<FileSummary> Finish(Syncing syncing = Syncing::kNow);
@@ -57,6 +60,7 @@ class DocumentTableWriter {
   OutputFile file_;
   Status status_;
   std::uint64_t all_words_ = 0;
+  std::uint64_t segment_checksum_ = 0;
   std::string words_;                  // of each document
   std::string records_;                // of each document, side by side
   std::vector<std::uint32_t> starts_;  // of the records
@@ -86,6 +90,9 @@ class DocumentTable {
 
   // How many documents the segment was written with; their codes are 1 to size().
   std::size_t size() const { return size_; }
+
+  // The checksum of the index file that the documents belong to; 0 if that was not said.
+  std::uint64_t segment_checksum() const { return segment_checksum_; }
 
   // Returns the sum of the words of all documents.
   std::uint64_t words() const { return all_words_; }
@@ -148,6 +155,7 @@ class DocumentTable {
   std::shared_ptr<Checks> checks_;
   std::size_t size_ = 0;
   std::uint64_t all_words_ = 0;
+  std::uint64_t segment_checksum_ = 0;
   const char* part_checksums_ = nullptr;
   // All that is checked by parts: numbers of words, starts of records, codes by name, records.
   std::string_view parts_;

@@ -33,11 +33,8 @@ Status Contradiction(const std::string& what, const std::string& file) {
   return {StatusCode::kDamaged, "it has other " + what + " than MANIFEST says", file};
 }
 
-Status VerifyFile(const std::string& path, const FileSummary& expected) {
-  const Result<FileSummary> found = SummaryOf(path);
-  if (!found.ok()) return found.status();
-  if (*found == expected) return {};
-  return {StatusCode::kDamaged, "its bytes have changed since it was written", path};
+Status OfAnotherSegment(const std::string& file) {
+  return {StatusCode::kDamaged, "it belongs to another segment", file};
 }
 
 }  // namespace
@@ -48,8 +45,9 @@ struct Segment::Files {
   Files(std::shared_ptr<const FileBytes> bytes, TermDictionary dictionary, DocumentTable documents)
       : segment(std::move(bytes)), terms(std::move(dictionary)), table(std::move(documents)) {}
 
-  // Reads the record of `key` through gdbm, which is opened when it is needed first.
-  //   Returns  kDamaged if there is none.
+  // Reads the record of `key` through gdbm, which is opened when it is needed first. That a record
+  // is not where it should be makes the whole file doubtful, so that its checksum is compared then.
+  //   Returns  kDamaged if there is none, or the file is another one.
   Result<Bytes> Fetch(std::string_view key) const;
 
   // The same for an index file of class Kestan: posting records in order of codes, and, for no
@@ -59,6 +57,7 @@ struct Segment::Files {
   Result<std::string> FetchProperty(std::string_view key) const;
 
   std::shared_ptr<const FileBytes> segment;
+  FileSummary summary;  // that the index file should have; not of one of class Kestan
   TermDictionary terms;
   DocumentTable table;
   bool is_plain = false;     // an index file of class Kestan, without other files
@@ -72,6 +71,8 @@ Result<Bytes> Segment::Files::Fetch(std::string_view key) const {
   }
   const std::lock_guard<std::mutex> lock(mutex);
   if (index_file == nullptr) {
+    const Status status = VerifyFile(segment->path(), summary);
+    if (!status.ok()) return status;
     auto opened = std::make_unique<IndexFile>();
     const StoreError error = opened->Open(segment->path().c_str());
     if (error != StoreError::kNone) return StatusOfIndexFile(error, errno, segment->path());
@@ -138,8 +139,15 @@ Result<std::shared_ptr<const Segment::Files>> Segment::OpenFiles(const std::stri
   if (table->size() != info.documents) {
     return Contradiction("documents", beside + TableFile(info));
   }
-  return std::shared_ptr<const Files>(
-      std::make_shared<Files>(std::move(*bytes), std::move(*terms), std::move(*table)));
+  if (terms->segment_checksum() != info.segment.checksum) {
+    return OfAnotherSegment(beside + TermsFile(info));
+  }
+  if (table->segment_checksum() != info.segment.checksum) {
+    return OfAnotherSegment(beside + TableFile(info));
+  }
+  auto files = std::make_shared<Files>(std::move(*bytes), std::move(*terms), std::move(*table));
+  files->summary = info.segment;
+  return std::shared_ptr<const Files>(std::move(files));
 }
 
 Result<Edits> Segment::ReadEdits(const std::string& folder, const SegmentInfo& info) {

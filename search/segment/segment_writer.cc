@@ -113,6 +113,8 @@ Result<SegmentInfo> SegmentWriter::Finish(Syncing syncing) {
   if (!is_open_ && status_.ok()) status_ = {StatusCode::kInvalidArgument, "no segment is open"};
   if (status_.ok()) status_ = FinishIndexFile(syncing);
   if (!status_.ok()) return status_;
+  terms_.SetSegment(info_.segment.checksum);
+  table_.SetSegment(info_.segment.checksum);
   const Result<FileSummary> terms = terms_.Finish(syncing);
   if (!terms.ok()) return status_ = terms.status();
   info_.terms = *terms;

@@ -8,7 +8,7 @@
 namespace kestan::search {
 namespace {
 
-constexpr FileKind kKind = {"KestTerm", 1, "a term dictionary"};
+constexpr FileKind kKind = {"KestTerm", 2, "a term dictionary"};
 
 // A look-up reads and checks one block: the smaller, the faster, but the larger the index.
 constexpr std::uint32_t kTermsInBlock = 64;
@@ -21,8 +21,9 @@ constexpr std::size_t kOffsetBytes = 8;
 constexpr std::size_t kChecksumBytes = 8;
 constexpr std::size_t kIndexEntryBytes = kOffsetBytes + kChecksumBytes + 4;
 
-// Where the index begins, how many terms and blocks there are, how many bytes separators take.
-constexpr std::size_t kTrailerNumberBytes = 8 + 8 + 4 + 4;
+// Where the index begins, how many terms and blocks there are, how many bytes separators take, and
+// the checksum of the index file.
+constexpr std::size_t kTrailerNumberBytes = 8 + 8 + 4 + 4 + 8;
 constexpr std::size_t kTrailerBytes = kTrailerNumberBytes + kChecksumBytes;
 
 std::size_t SharedBytes(std::string_view left, std::string_view right) {
@@ -104,6 +105,7 @@ std::string TermDictionaryWriter::IndexBytes() const {
   AppendNumber(terms_, &bytes);
   AppendNumber(block_count_, &bytes);
   AppendNumber(static_cast<std::uint32_t>(separators_.size()), &bytes);
+  AppendNumber(segment_checksum_, &bytes);
   AppendChecksumOf(bytes, &bytes);
   return bytes;
 }
@@ -178,6 +180,7 @@ Status TermDictionary::ReadIndex() {
   terms_ = NumberAt<std::uint64_t>(numbers + 8);
   const std::uint64_t blocks = NumberAt<std::uint32_t>(numbers + 16);
   const std::uint64_t separator_bytes = NumberAt<std::uint32_t>(numbers + 20);
+  segment_checksum_ = NumberAt<std::uint64_t>(numbers + 24);
   const std::uint64_t index_bytes = blocks * kIndexEntryBytes + separator_bytes;
   if (index_offset_ < kFileHeaderBytes || index_offset_ > trailer_offset ||
       trailer_offset - index_offset_ != index_bytes) {

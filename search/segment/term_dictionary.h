@@ -39,6 +39,9 @@ class TermDictionaryWriter {
   // Adds a term, which must come after all before it in order of bytes.
   void Add(const TermEntry& entry);
 
+  // Says which index file these terms belong to, by its checksum; 0 without it.
+  void SetSegment(std::uint64_t checksum) { segment_checksum_ = checksum; }
+
   //   Returns  the first error, and removes the file then; kInvalidArgument for terms out of order.
   Result<FileSummary> Finish(Syncing syncing = Syncing::kNow);
 
@@ -58,6 +61,7 @@ class TermDictionaryWriter {
   std::uint32_t terms_in_block_ = 0;
   std::uint32_t block_count_ = 0;
   std::uint64_t terms_ = 0;
+  std::uint64_t segment_checksum_ = 0;
 };
 
 // An entry of a block, before its term is put together.
@@ -100,6 +104,9 @@ class TermDictionary {
   static Result<TermDictionary> Open(std::shared_ptr<const FileBytes> file);
 
   std::uint64_t size() const { return terms_; }
+
+  // The checksum of the index file that the terms belong to; 0 if that was not said.
+  std::uint64_t segment_checksum() const { return segment_checksum_; }
 
   // Finds `term`, byte for byte. The entry's term is a view of `term`.
   //   Returns  nothing if the dictionary lacks it; kDamaged.
@@ -156,6 +163,7 @@ class TermDictionary {
   Bytes index_;
   std::string_view separators_;  // of index_
   std::uint64_t terms_ = 0;
+  std::uint64_t segment_checksum_ = 0;
   std::uint64_t index_offset_ = 0;
   std::size_t blocks_ = 0;
 };

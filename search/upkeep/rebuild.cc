@@ -206,6 +206,7 @@ class Rebuilder {
     const auto found = DocumentTable::Open(std::move(*file));
     const auto expected = DocumentTable::Open(FileBytes::InMemory(derived.table, path));
     if (!found.ok() || !found->Verify().ok() || !expected.ok()) return false;
+    if (found->segment_checksum() != expected->segment_checksum()) return false;
     if (found->size() != expected->size()) return false;
     for (std::size_t i = 1; i <= found->size(); ++i) {
       const auto code = static_cast<Code>(i);

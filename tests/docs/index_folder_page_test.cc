@@ -39,6 +39,7 @@ TEST(IndexFolderPageTest, TheTermDictionaryHasTheBytesOfThePage) {
   ASSERT_TRUE(writer.Create(dir / "1.terms").ok());
   writer.Add({"hello", 2, {1722, 5, 12}});
   writer.Add({"there", 1, {1722 + 5 + 12, 5, 6}});
+  writer.SetSegment(0x0123456789abcdef);
   ASSERT_TRUE(writer.Finish().ok());
   EXPECT_EQ(ReadFile(dir / "1.terms"), BytesOf("terms"));
 }
@@ -49,6 +50,7 @@ TEST(IndexFolderPageTest, TheDocumentTableHasTheBytesOfThePage) {
   ASSERT_TRUE(writer.Create(dir / "1.documents").ok());
   writer.Add({"b.txt", 2, 1001, {RecordPlace{1682, 7, 9}, {}, {}}});
   writer.Add({"a.txt", 1, 1002, {}});
+  writer.SetSegment(0x0123456789abcdef);
   ASSERT_TRUE(writer.Finish().ok());
   EXPECT_EQ(ReadFile(dir / "1.documents"), BytesOf("documents"));
 }

@@ -178,6 +178,7 @@ bool RepairedSegments::IsTableOf(const std::string& path, const FileSummary& exp
   const auto found = DocumentTable::Open(std::move(*file));
   const auto made = DocumentTable::Open(FileBytes::InMemory(derived.table, path));
   if (!found.ok() || !found->Verify().ok() || !made.ok()) return false;
+  if (found->segment_checksum() != made->segment_checksum()) return false;
   if (found->size() != made->size()) return false;
   for (std::size_t i = 1; i <= found->size(); ++i) {
     const auto code = static_cast<Code>(i);

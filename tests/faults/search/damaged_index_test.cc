@@ -265,6 +265,29 @@ TEST_F(DamagedIndexTest, FileThatGoesOnAsAnotherIsNeverBelieved) {
 }
 
 // Segments of the same words in another order, and of the same names, have files of one size.
+// What stands beside an index file says which one, whatever the sizes are.
+TEST_F(DamagedIndexTest, FilesOfAnotherIndexOfTheSameSizeAreRefused) {
+  for (const char* const words : {"cold river bank", "river bank cold"}) {
+    auto writer = OpenWriter(folder_ / std::string(1, *words));
+    ASSERT_TRUE(writer.ok());
+    kestan::search::Document document;
+    document.name = "a";
+    document.words = words;
+    ASSERT_TRUE(writer->Add(document).ok());
+    ASSERT_TRUE(writer->Commit().ok());
+  }
+  for (const char* const kind : {".terms", ".documents"}) {
+    const std::string other = ReadFile(folder_ / "r/1" + kind);
+    std::filesystem::remove_all(work_);
+    std::filesystem::copy(folder_ / "c", work_);
+    ASSERT_EQ(ReadFile(work_ + "/1" + kind).size(), other.size());
+    WriteFile(work_ + "/1" + kind, other);
+    const Status status = IndexReader::Open(work_).status();
+    EXPECT_EQ(status.ToString(), work_ + "/1" + kind + ": it belongs to another segment");
+    EXPECT_EQ(RefusalOf(OpenWriter(work_).status()), "kDamaged");
+  }
+}
+
 TEST_F(DamagedIndexTest, ExchangedFilesAreRefused) {
   const std::string alike = folder_ / "alike";
   {

@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "search/files/numbers.h"
 #include "search/index/manifest/manifest.h"
 #include "tests/search/index/read_index.h"
 #include "tests/support/files.h"
@@ -317,8 +318,10 @@ TEST_F(IndexWriterTest, TheSameDocumentsMakeTheSameSegments) {
     std::string manifest;
     const Manifest read = *ReadManifest(path_);
     for (const SegmentInfo& info : read.segments) {
+      // All but what the dictionary says of the index file, which has times in it.
+      const std::string terms = kestan_tests::ReadFile(path_ + "/" + TermsFile(info));
       manifest += std::to_string(info.number) + " " + std::to_string(info.documents) + " " +
-                  std::to_string(info.terms.checksum) + "\n";
+                  std::to_string(ChecksumOf(terms.substr(0, terms.size() - 16))) + "\n";
     }
     manifests.push_back(manifest);
     EXPECT_EQ(Names().size(), 8'000u);

@@ -113,6 +113,14 @@ TEST_F(DocumentTableTest, SaysWhatWasWritten) {
   EXPECT_TRUE(table->Verify().ok());
 }
 
+TEST_F(DocumentTableTest, SaysToWhichSegmentItBelongs) {
+  DocumentTableWriter writer;
+  ASSERT_TRUE(writer.Create(path_).ok());
+  writer.SetSegment(0x0123456789abcdef);
+  ASSERT_TRUE(writer.Finish().ok());
+  EXPECT_EQ(Open()->segment_checksum(), 0x0123456789abcdefu);
+}
+
 TEST_F(DocumentTableTest, FindsNoNameThatIsNotThere) {
   ASSERT_TRUE(Write(SomeRows(300)).ok());
   const Result<DocumentTable> table = Open();
@@ -195,8 +203,8 @@ TEST_F(DocumentTableTest, WhatIsDamagedIsAsIfItWereNotThere) {
 // Returns where the parts of a whole table begin, the first of which hold the numbers of words.
 std::size_t PartsAt(const std::string& table) {
   std::size_t parts = 1;
-  while (40 + parts * (8 + 4096) < table.size()) ++parts;
-  return 40 + parts * 8;
+  while (48 + parts * (8 + 4096) < table.size()) ++parts;
+  return 48 + parts * 8;
 }
 
 std::string Changed(std::string bytes, std::size_t at) {

@@ -3,6 +3,7 @@
 #define KESTAN_TESTS_SEARCH_SEGMENT_SEGMENT_FILES_H_
 
 #include <kestan/index_builder.h>
+#include <unistd.h>
 
 #include <array>
 #include <cstdint>
@@ -11,8 +12,10 @@
 #include <string>
 #include <vector>
 
+#include "search/segment/document_table.h"
 #include "search/segment/segment.h"
 #include "search/segment/segment_writer.h"
+#include "search/segment/term_dictionary.h"
 
 namespace kestan::search {
 
@@ -77,6 +80,32 @@ inline Result<SegmentInfo> WriteSegment(const std::string& folder, std::uint64_t
   if (!status.ok()) return status;
   FillSegment(documents, with_positions, &writer);
   return writer.Finish();
+}
+
+// Makes the files beside an index file say that they belong to the one of checksum `checksum`, and
+// says so in `info`.
+inline void Rebind(const std::string& folder, std::uint64_t checksum, SegmentInfo* info) {
+  const std::string terms_path = folder + "/" + TermsFile(*info);
+  const std::string table_path = folder + "/" + TableFile(*info);
+  const auto terms = TermDictionary::Open(*FileBytes::Open(terms_path, info->terms.bytes));
+  const auto table = DocumentTable::Open(*FileBytes::Open(table_path, info->table.bytes));
+  unlink(terms_path.c_str());  // what is open stays readable
+  unlink(table_path.c_str());
+  TermDictionaryWriter terms_writer;
+  DocumentTableWriter table_writer;
+  static_cast<void>(terms_writer.Create(terms_path));
+  static_cast<void>(table_writer.Create(table_path));
+  terms_writer.SetSegment(checksum);
+  table_writer.SetSegment(checksum);
+  static_cast<void>(terms->ForEach("", [&](const TermEntry& entry) {
+    terms_writer.Add(entry);
+    return true;
+  }));
+  for (std::size_t code = 1; code <= table->size(); ++code) {
+    table_writer.Add(table->EntryOf(static_cast<Code>(code)));
+  }
+  info->terms = *terms_writer.Finish();
+  info->table = *table_writer.Finish();
 }
 
 // Writes the edits as those number `edit_number` of the segment, and says so in `info`.

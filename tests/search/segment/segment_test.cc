@@ -218,6 +218,7 @@ TEST_F(SegmentTest, WhereTheKeyIsNotAtItsPlaceTheStoreIsAsked) {
   info_.segment = good.segment;
   std::filesystem::rename(folder_ + "2.terms", folder_ + "1.terms");
   std::filesystem::rename(folder_ + "2.documents", folder_ + "1.documents");
+  Rebind(folder_, info_.segment.checksum, &info_);
   const SegmentPtr segment = Open();
   const PlainPostings postings = InvertPlainly(documents_);
   for (int i = 0; i < 2; ++i) {

@@ -76,7 +76,7 @@ TEST_F(TermDictionaryHostileTest, AFileOfAnotherKindIsNamed) {
 
 // A dictionary of one block with these bytes.
 std::string Forged(const std::string& block) {
-  std::string bytes("KestTerm\1\0\0\0\0\0\0\0", 16);
+  std::string bytes("KestTerm\2\0\0\0\0\0\0\0", 16);
   bytes += block;
   std::string index;
   AppendNumber(std::uint64_t{16}, &index);
@@ -86,6 +86,7 @@ std::string Forged(const std::string& block) {
   AppendNumber(std::uint64_t{1}, &index);
   AppendNumber(std::uint32_t{1}, &index);
   AppendNumber(std::uint32_t{0}, &index);
+  AppendNumber(std::uint64_t{0}, &index);
   AppendChecksumOf(index, &index);
   return bytes + index;
 }

@@ -135,6 +135,14 @@ TEST_F(TermDictionaryTest, TermsOutOfOrderAreRefusedAndNothingIsLeft) {
   }
 }
 
+TEST_F(TermDictionaryTest, SaysToWhichSegmentItBelongs) {
+  TermDictionaryWriter writer;
+  ASSERT_TRUE(writer.Create(path_).ok());
+  writer.SetSegment(0x0123456789abcdef);
+  ASSERT_TRUE(writer.Finish().ok());
+  EXPECT_EQ(OpenDictionary(path_)->segment_checksum(), 0x0123456789abcdefu);
+}
+
 TEST_F(TermDictionaryTest, RecordsSideBySideTakeFewBytes) {
   TermMap terms;
   std::uint64_t offset = 1 << 20;
@@ -147,7 +155,7 @@ TEST_F(TermDictionaryTest, RecordsSideBySideTakeFewBytes) {
   // Five bytes a term: shared, length, one letter, documents, value. The first has its whole text
   // and its offset.
   constexpr std::size_t kBlock = 64 * 5 + 4 + 4;
-  EXPECT_EQ(std::filesystem::file_size(path_), 16 + kBlock + 20 + 32);
+  EXPECT_EQ(std::filesystem::file_size(path_), 16 + kBlock + 20 + 40);
 }
 
 TEST_F(TermDictionaryTest, AnswersAsAMapDoesForRandomTerms) {

@@ -11,6 +11,7 @@
 
 #include "search/index/manifest/manifest.h"
 #include "tests/search/index/read_index.h"
+#include "tests/search/segment/segment_files.h"
 #include "tests/support/environment.h"
 #include "tests/support/files.h"
 #include "tests/support/temp_dir.h"
@@ -155,6 +156,21 @@ TEST_F(CheckTest, DerivedFilesOfAnotherSegmentAreReported) {
   WriteFile(Path("1.documents"), ReadFile(Path("3.documents")));
   manifest.segments[0].terms = manifest.segments[1].terms;
   manifest.segments[0].table = manifest.segments[2].table;
+  ASSERT_TRUE(WriteManifest(folder_, manifest).ok());
+  const std::string findings = Findings();
+  EXPECT_NE(findings.find("1.terms"), std::string::npos) << findings;
+  EXPECT_NE(findings.find("1.documents"), std::string::npos) << findings;
+  EXPECT_NE(findings.find("it belongs to another segment"), std::string::npos) << findings;
+}
+
+TEST_F(CheckTest, DerivedFilesThatContradictTheirSegmentAreReported) {
+  auto manifest = *ReadManifest(folder_);
+  WriteFile(Path("1.terms"), ReadFile(Path("2.terms")));
+  WriteFile(Path("1.documents"), ReadFile(Path("3.documents")));
+  SegmentInfo& info = manifest.segments[0];
+  info.terms = manifest.segments[1].terms;
+  info.table = manifest.segments[2].table;
+  Rebind(folder_, info.segment.checksum, &info);
   ASSERT_TRUE(WriteManifest(folder_, manifest).ok());
   const std::string findings = Findings();
   EXPECT_NE(findings.find("1.terms"), std::string::npos) << findings;
