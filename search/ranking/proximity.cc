@@ -2,9 +2,10 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 
-#include "search/matching/operators/matches.h"
+#include "search/matching/operators/gaps.h"
 
 namespace kestan::search {
 namespace {
@@ -45,10 +46,8 @@ int DistanceBesideSame(Positions left, Positions right) {
   return smallest;
 }
 
-}  // namespace
-
 // Each step goes on in the list that is behind, without a branch: which one cannot be predicted.
-int SmallestDistance(Positions left, Positions right) {
+int DistanceByMerging(Positions left, Positions right) {
   left = Known(left);
   right = Known(right);
   int smallest = kNone;
@@ -60,6 +59,25 @@ int SmallestDistance(Positions left, Positions right) {
   }
   if (smallest == 0) smallest = DistanceBesideSame(left, right);  // rare: Cat beside cat
   return smallest < kNone ? smallest : 0;
+}
+
+int DistanceByGaps(PaddedPositions longer, Positions shorter) {
+  Gaps gaps = NoGaps();
+  for (const Position position : shorter) {
+    for (std::size_t i = 0; i < longer.count; i += kLanes) {
+      NarrowGaps(longer.first + i, position, &gaps);
+    }
+  }
+  std::int16_t smallest = kNoGap;
+  for (const std::int16_t gap : gaps) smallest = std::min(smallest, gap);
+  return smallest < kNoGap ? smallest + 1 : 0;
+}
+
+}  // namespace
+
+int SmallestDistance(PaddedPositions left, PaddedPositions right) {
+  if (!AreFew(left) || !AreFew(right)) return DistanceByMerging(left, right);
+  return left.count < right.count ? DistanceByGaps(right, left) : DistanceByGaps(left, right);
 }
 
 }  // namespace kestan::search

@@ -2,13 +2,13 @@
 #ifndef KESTAN_SEARCH_RANKING_PROXIMITY_H_
 #define KESTAN_SEARCH_RANKING_PROXIMITY_H_
 
-#include <kestan/postings.h>
+#include "search/matching/operators/matches.h"
 
 namespace kestan::search {
 
 // Returns how far the nearest positions of two lists, which ascend, are from each other, those in
 // the same place and those that may be anywhere (0) left out; 0 if there are none.
-int SmallestDistance(Positions left, Positions right);
+int SmallestDistance(PaddedPositions left, PaddedPositions right);
 
 }  // namespace kestan::search
 

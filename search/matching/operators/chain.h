@@ -49,8 +49,8 @@ Occurrences MatchChain(const std::vector<Found>& operands, Need need, Keep keep)
   const auto match = [&](Code code) {
     Positions left = first.Of(*operands[0], places[0]);
     for (std::size_t i = 1; i < operands.size() && left.count > 0; ++i) {
-      const Positions after = next.Of(*operands[i], places[i]);
-      kept.resize(std::max(kept.size(), left.count + after.count));
+      const PaddedPositions after = next.Of(*operands[i], places[i]);
+      kept.resize(std::max(kept.size(), left.count + after.padded()));
       left.count = keep(i, left, after, kept.data());
       before.swap(kept);
       left.first = before.data();

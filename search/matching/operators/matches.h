@@ -37,21 +37,22 @@ struct Occurrences {
 // Returns the positions, which ascend, without those that may be anywhere: 0, before all others.
 Positions Known(Positions positions);
 
+// How many positions are worked on at once.
+constexpr std::size_t kLanes = 8;
+
+// Positions with repeats of the last one behind them, up to a multiple of kLanes.
+struct PaddedPositions : Positions {
+  std::size_t padded() const { return (count + kLanes - 1) / kLanes * kLanes; }
+};
+
 // Reads positions in ascending order. A document of more than 65535 words may hold one twice.
 class PositionReader {
  public:
   // Returns the positions of found.codes[index], which must have been asked for. Lent until the
-  // next call and as long as `found` lives.
-  Positions Of(const Occurrences& found, std::size_t index) {
-    if (found.record.view().empty() || found.counts[index] != 1) return OfMany(found, index);
-    only_ = EncodedPositions(found.record.view().data() + found.starts[index], 1)[0];
-    return {&only_, 1};
-  }
+  // next call.
+  PaddedPositions Of(const Occurrences& found, std::size_t index);
 
  private:
-  Positions OfMany(const Occurrences& found, std::size_t index);
-
-  Position only_ = 0;
   std::vector<Position> copy_;
 };
 

@@ -1,8 +1,10 @@
 #include <kestan/postings.h>
 
 #include <algorithm>
+#include <cstdint>
 
 #include "search/matching/operators/chain.h"
+#include "search/matching/operators/gaps.h"
 
 namespace kestan::search {
 namespace {
@@ -41,7 +43,25 @@ std::size_t KeepNearKnown(Positions before, Positions after, int distance, Posit
   return size;
 }
 
-std::size_t KeepNear(Positions before, Positions after, int distance, Position* kept) {
+// The same for few positions.
+std::size_t KeepNearByGaps(Positions before, PaddedPositions after, int distance, Position* kept) {
+  const auto end = static_cast<std::int16_t>(std::min<int>(distance, kNoGap));
+  std::size_t size = 0;
+  std::size_t was_near = 0;
+  for (std::size_t i = 0; i < after.count; i += kLanes) {
+    Gaps gaps = NoGaps();
+    for (const Position position : before) NarrowGaps(after.first + i, position, &gaps);
+    for (std::size_t lane = 0; lane < kLanes; ++lane) {
+      kept[size] = after.first[i + lane];
+      was_near = gaps[lane] < end ? 1 : 0;
+      size += was_near;
+    }
+  }
+  return size - was_near * (after.padded() - after.count);  // what repeats the last one
+}
+
+std::size_t KeepNear(Positions before, PaddedPositions after, int distance, Position* kept) {
+  if (AreFew(before) && AreFew(after)) return KeepNearByGaps(before, after, distance, kept);
   const Positions known = Known(after);
   std::size_t size = known.count;
   if (HasAnywhere(before)) {
@@ -59,7 +79,7 @@ std::size_t KeepNear(Positions before, Positions after, int distance, Position* 
 
 Occurrences Near(const std::vector<Found>& operands, const std::vector<int>& distances, Need need) {
   return MatchChain(operands, need,
-                    [&](std::size_t i, Positions before, Positions after, Position* kept) {
+                    [&](std::size_t i, Positions before, PaddedPositions after, Position* kept) {
                       return KeepNear(before, after, distances[i], kept);
                     });
 }

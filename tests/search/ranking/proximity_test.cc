@@ -3,9 +3,10 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <vector>
+
+#include "tests/search/matching/operators/occurrences.h"
 
 namespace kestan::search {
 namespace {
@@ -13,7 +14,11 @@ namespace {
 using List = std::vector<Position>;
 
 int Distance(const List& left, const List& right) {
-  return SmallestDistance({left.data(), left.size()}, {right.data(), right.size()});
+  const Found first = kestan_tests::At({{1, left}});
+  const Found second = kestan_tests::At({{1, right}});
+  PositionReader first_reader;
+  PositionReader second_reader;
+  return SmallestDistance(first_reader.Of(*first, 0), second_reader.Of(*second, 0));
 }
 
 TEST(ProximityTest, NearestPairCounts) {
@@ -32,6 +37,23 @@ TEST(ProximityTest, WhatMayBeAnywhereIsLeftOut) {
   EXPECT_EQ(Distance({0, 9}, {0, 4}), 5);
 }
 
+TEST(ProximityTest, FewAndManyPositionsAreTheSame) {
+  for (std::size_t count = 1; count < 100; ++count) {
+    List left(count, 7);
+    left.back() = 200;
+    EXPECT_EQ(Distance(left, {1, 220}), count == 1 ? 20 : 6) << count;
+    EXPECT_EQ(Distance({1, 220}, left), count == 1 ? 20 : 6) << count;
+    EXPECT_EQ(Distance(left, left), count == 1 ? 0 : 193) << count;
+  }
+}
+
+TEST(ProximityTest, DistancesOfMoreThan15BitsAreNotCut) {
+  EXPECT_EQ(Distance({1}, {32767}), 32766);
+  EXPECT_EQ(Distance({1}, {32768}), 32767);
+  EXPECT_EQ(Distance({1}, {32769}), 32768);
+  EXPECT_EQ(Distance({1, 2}, {65535}), 65533);
+}
+
 TEST(ProximityTest, NothingIsNearNothing) {
   EXPECT_EQ(Distance({}, {}), 0);
   EXPECT_EQ(Distance({3}, {}), 0);
@@ -39,13 +61,8 @@ TEST(ProximityTest, NothingIsNearNothing) {
 }
 
 RC_GTEST_PROP(ProximityTest, DistanceIsTheSmallestOfAllPairs, ()) {
-  const auto list =
-      rc::gen::map(rc::gen::container<List>(rc::gen::inRange<Position>(0, 60)), [](List positions) {
-        std::sort(positions.begin(), positions.end());
-        return positions;
-      });
-  const List left = *list;
-  const List right = *list;
+  const List left = *kestan_tests::AnyPositions(0);
+  const List right = *kestan_tests::AnyPositions(0);
   int expected = 0;
   for (const int a : left) {
     for (const int b : right) {

@@ -4,6 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -18,10 +22,12 @@ List Read(const Occurrences& found, std::size_t index) {
   return {positions.begin(), positions.end()};
 }
 
-// One posting as a posting record has it.
-Occurrences InRecord(const List& positions) {
+// One posting as a posting record has it, `bytes_behind` before its end.
+Occurrences InRecord(const List& positions, std::size_t bytes_behind = 0) {
   auto record = std::make_shared<std::string>();
   AppendPosting(7, Positions{positions.data(), positions.size()}, record.get());
+  record->append(bytes_behind, '\1');
+  record->shrink_to_fit();
   Occurrences found;
   found.codes = {7};
   found.counts = {static_cast<std::uint32_t>(positions.size())};
@@ -36,6 +42,35 @@ TEST(PositionReaderTest, PositionsOfATermAreReadFromItsRecord) {
 
 TEST(PositionReaderTest, PositionsPastTheWrapAreSortedIn) {
   EXPECT_EQ(Read(InRecord({5, 65535, 5, 9, 2}), 0), (List{2, 5, 5, 9, 65535}));
+}
+
+TEST(PositionReaderTest, RepeatsOfTheLastPositionFillUpEachBlock) {
+  PositionReader reader;
+  for (std::size_t count = 1; count < 40; ++count) {
+    List expected(count);
+    std::iota(expected.begin(), expected.end(), Position{3});
+    for (std::size_t bytes_behind = 0; bytes_behind < 40; bytes_behind += 2) {
+      const Occurrences found = InRecord(expected, bytes_behind);
+      const PaddedPositions read = reader.Of(found, 0);
+      ASSERT_EQ(read.padded(), (count + 7) / 8 * 8);
+      EXPECT_EQ(List(read.begin(), read.end()), expected);
+      const List padding(read.end(), read.first + read.padded());
+      EXPECT_EQ(padding, List(read.padded() - count, expected.back())) << bytes_behind;
+    }
+  }
+}
+
+TEST(PositionReaderTest, PositionsAreSortedWhereverTheyFall) {
+  for (std::size_t count = 2; count < 40; ++count) {
+    List sorted(count);
+    std::iota(sorted.begin(), sorted.end(), Position{3});
+    for (std::size_t start = 1; start < count; ++start) {
+      List rotated = sorted;
+      std::rotate(rotated.begin(), rotated.begin() + static_cast<std::ptrdiff_t>(start),
+                  rotated.end());
+      EXPECT_EQ(Read(InRecord(rotated, 64), 0), sorted) << start;
+    }
+  }
 }
 
 TEST(PositionReaderTest, AppendedPositionsAreThoseOfTheirDocument) {

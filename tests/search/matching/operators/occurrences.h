@@ -2,6 +2,9 @@
 #ifndef KESTAN_TESTS_SEARCH_MATCHING_OPERATORS_OCCURRENCES_H_
 #define KESTAN_TESTS_SEARCH_MATCHING_OPERATORS_OCCURRENCES_H_
 
+#include <rapidcheck.h>
+
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <utility>
@@ -28,6 +31,27 @@ inline Places PlacesIn(const kestan::search::Occurrences& found) {
     places[found.codes[i]].assign(where.begin(), where.end());
   }
   return places;
+}
+
+// Positions in ascending order, few and many, near each other and far, on both sides of the limits
+// of comparing them by gaps.
+inline rc::Gen<std::vector<kestan::Position>> AnyPositions(kestan::Position first) {
+  using List = std::vector<kestan::Position>;
+  const auto between = [](int begin, int end) {
+    return rc::gen::inRange(static_cast<kestan::Position>(begin),
+                            static_cast<kestan::Position>(end));
+  };
+  const auto position = rc::gen::oneOf(between(first, first + 60), between(first, 1000),
+                                       between(32700, 32800), between(65000, 65535));
+  return rc::gen::map(
+      rc::gen::oneOf(rc::gen::container<List>(between(first, first + 60)),
+                     rc::gen::container<List>(between(first, 1000)),
+                     rc::gen::container<List>(position),
+                     rc::gen::scale(0.1, rc::gen::container<List>(between(first, first + 60)))),
+      [](List positions) {
+        std::sort(positions.begin(), positions.end());
+        return positions;
+      });
 }
 
 }  // namespace kestan_tests
