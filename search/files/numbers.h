@@ -3,11 +3,13 @@
 #ifndef KESTAN_SEARCH_FILES_NUMBERS_H_
 #define KESTAN_SEARCH_FILES_NUMBERS_H_
 
+#include <endian.h>
 #include <kestan/checksum.h>
 
 #include <climits>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -24,12 +26,16 @@ void AppendNumber(Number number, std::string* bytes) {
 // Returns the number whose bytes begin at `bytes`; all of them must be there.
 template <typename Number>
 Number NumberAt(const char* bytes) {
-  Number number = 0;
-  for (std::size_t i = 0; i < sizeof(Number); ++i) {
-    const auto byte = static_cast<Number>(static_cast<unsigned char>(bytes[i]));
-    number = static_cast<Number>(number | static_cast<Number>(byte << (CHAR_BIT * i)));
+  Number number;
+  std::memcpy(&number, bytes, sizeof number);
+  if constexpr (sizeof number == sizeof(std::uint16_t)) {
+    return le16toh(number);
+  } else if constexpr (sizeof number == sizeof(std::uint32_t)) {
+    return le32toh(number);
+  } else {
+    static_assert(sizeof number == sizeof(std::uint64_t));
+    return le64toh(number);
   }
-  return number;
 }
 
 // Appends `number` as a varint: seven bits a byte, the lowest first; all bytes but the last have
