@@ -147,18 +147,16 @@ class Search {
     SegmentSearch& search = searches_[i];
     const std::vector<Code>& codes = search.matches->codes;
     Scorer scorer(*snapshot_.segments[i], parameters_, search.clauses);
-    const std::vector<double> scores = scorer.Bm25Scores(codes);
-    search.best = limit_ == 0 ? AllOf(i, codes, scores, scorer.Bonuses(codes))
-                              : BestOf(i, codes, scores, &scorer);
+    search.best = limit_ == 0 ? AllOf(i, codes, scorer.Scores(codes))
+                              : BestOf(i, codes, scorer.Bm25Scores(codes), &scorer);
   }
 
   static std::vector<RankedDocument> AllOf(std::size_t segment, const std::vector<Code>& codes,
-                                           const std::vector<double>& scores,
-                                           const std::vector<double>& bonuses) {
+                                           const std::vector<double>& scores) {
     std::vector<RankedDocument> all;
     all.reserve(codes.size());
     for (std::size_t i = 0; i < codes.size(); ++i) {
-      all.push_back({{static_cast<std::uint32_t>(segment), codes[i]}, scores[i] + bonuses[i]});
+      all.push_back({{static_cast<std::uint32_t>(segment), codes[i]}, scores[i]});
     }
     return all;
   }

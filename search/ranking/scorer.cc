@@ -77,21 +77,29 @@ double Scorer::BonusOf(Code code) {
   return bonus;
 }
 
-std::vector<double> Scorer::Bonuses(const std::vector<Code>& codes) {
-  std::vector<double> bonuses(codes.size());
-  if (!matches_.with_positions) return bonuses;
-  const auto& clauses = matches_.clauses;
-  for (std::size_t i = 0; i + 1 < clauses.size(); ++i) {
-    std::size_t place = 0;
-    const auto add = [&](std::size_t left, std::size_t right) {
-      const Code code = clauses[i]->codes[left];
-      while (place < codes.size() && codes[place] < code) ++place;
-      if (place == codes.size() || codes[place] != code) return;
-      bonuses[place] += BonusOfPair(i, left, right);
-    };
-    ForEachCommon(clauses[i]->codes, clauses[i + 1]->codes, add);
+// Looks for the rarest of the three in the others.
+void Scorer::AddBonuses(std::size_t clause, const std::vector<Code>& codes,
+                        std::vector<double>* bonuses) {
+  const std::vector<Code>& first = matches_.clauses[clause]->codes;
+  const std::vector<Code>& next = matches_.clauses[clause + 1]->codes;
+  const auto is_shorter = [](const auto* a, const auto* b) { return a->size() < b->size(); };
+  const std::vector<Code>& rarest = *std::min({&codes, &first, &next}, is_shorter);
+  const std::vector<Place> in_codes = PlacesOf(rarest, codes);
+  const std::vector<Place> in_first = PlacesOf(rarest, first);
+  const std::vector<Place> in_next = PlacesOf(rarest, next);
+  for (std::size_t i = 0; i < rarest.size(); ++i) {
+    if (in_codes[i] == kNoPlace || in_first[i] == kNoPlace || in_next[i] == kNoPlace) continue;
+    (*bonuses)[in_codes[i]] += BonusOfPair(clause, in_first[i], in_next[i]);
   }
-  return bonuses;
+}
+
+std::vector<double> Scorer::Scores(const std::vector<Code>& codes) {
+  std::vector<double> scores = Bm25Scores(codes);
+  if (!matches_.with_positions) return scores;
+  std::vector<double> bonuses(codes.size());
+  for (std::size_t i = 0; i + 1 < matches_.clauses.size(); ++i) AddBonuses(i, codes, &bonuses);
+  for (std::size_t i = 0; i < scores.size(); ++i) scores[i] += bonuses[i];
+  return scores;
 }
 
 }  // namespace kestan::search

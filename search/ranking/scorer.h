@@ -44,12 +44,13 @@ class Scorer {
   // Returns what nearness adds to the score of the document `code`. Called in ascending order.
   double BonusOf(Code code);
 
-  // Returns the BonusOf() each of `codes`, which ascend, in one pass over each two clauses.
-  std::vector<double> Bonuses(const std::vector<Code>& codes);
+  // Returns the sums of both for `codes`, which ascend.
+  std::vector<double> Scores(const std::vector<Code>& codes);
 
  private:
   void AddClause(std::size_t clause, const std::vector<Code>& codes,
                  const std::vector<double>& length_norms, std::vector<double>* scores) const;
+  void AddBonuses(std::size_t clause, const std::vector<Code>& codes, std::vector<double>* bonuses);
   double PairWeight(std::size_t clause) const;
   double BonusOfPair(std::size_t clause, std::size_t left, std::size_t right);
 

@@ -16,17 +16,19 @@ namespace kestan::search {
 template <typename Match>
 void ForEachCommonPlace(const std::vector<Found>& operands, std::vector<std::size_t>* places,
                         Match match) {
+  const std::vector<Code> common = CommonCodes(operands);
   if (operands.size() == 2) {
-    const std::vector<Code>& left = operands[0]->codes;
-    ForEachCommon(left, operands[1]->codes, [&](std::size_t i, std::size_t j) {
-      (*places)[0] = i;
-      (*places)[1] = j;
-      match(left[i]);
-    });
+    const std::vector<Place> left = PlacesOf(common, operands[0]->codes);
+    const std::vector<Place> right = PlacesOf(common, operands[1]->codes);
+    for (std::size_t i = 0; i < common.size(); ++i) {
+      (*places)[0] = left[i];
+      (*places)[1] = right[i];
+      match(common[i]);
+    }
     return;
   }
   Places next;
-  for (const Code code : CommonCodes(operands)) {
+  for (const Code code : common) {
     for (std::size_t i = 0; i < operands.size(); ++i) {
       (*places)[i] = next.Find(i, *operands[i], code);
     }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "search/matching/operators/matches.h"
@@ -27,10 +28,10 @@ inline std::size_t SeekCode(const std::vector<Code>& codes, std::size_t place, C
   return static_cast<std::size_t>(std::lower_bound(first, last, code) - codes.begin());
 }
 
-// Calls `visit` with the places of each code that both lists have, in ascending order. `visit` may
-// write over what it has been called with.
+// Calls `visit` with the places of each code that both lists have, in ascending order, going
+// through both at once.
 template <typename Visit>
-void ForEachCommon(const std::vector<Code>& left, const std::vector<Code>& right, Visit visit) {
+void MergeCommon(const std::vector<Code>& left, const std::vector<Code>& right, Visit visit) {
   const bool seek_left = left.size() / kMuchLonger > right.size();
   const bool seek_right = right.size() / kMuchLonger > left.size();
   std::size_t i = 0;
@@ -48,6 +49,35 @@ void ForEachCommon(const std::vector<Code>& left, const std::vector<Code>& right
       i += a < b ? 1 : 0;
       j += b < a ? 1 : 0;
     }
+  }
+}
+
+// A place in a list of codes.
+using Place = std::uint16_t;
+constexpr Place kNoPlace = 0xffff;  // no document has code 0: the last place is 65534
+
+// Returns where each of `codes` is in `list`, kNoPlace for those that are not there. Both ascend.
+std::vector<Place> PlacesOf(const std::vector<Code>& codes, const std::vector<Code>& list);
+
+// Returns whether lists of so many codes are so long, and so alike in length, that a table of
+// places finds their common codes faster than a merge, which has to guess which list comes next.
+constexpr bool AreWorthTable(std::size_t left, std::size_t right) {
+  constexpr std::size_t kFewCodes = 1000;
+  constexpr std::size_t kTooMuchLonger = 100;
+  return left + right >= kFewCodes && left / kTooMuchLonger <= right &&
+         right / kTooMuchLonger <= left;
+}
+
+// Calls `visit` with the places of each code that both lists have, in ascending order.
+template <typename Visit>
+void ForEachCommon(const std::vector<Code>& left, const std::vector<Code>& right, Visit visit) {
+  if (!AreWorthTable(left.size(), right.size())) return MergeCommon(left, right, visit);
+  const bool looks_left_up = left.size() <= right.size();
+  const std::vector<Place> places = looks_left_up ? PlacesOf(left, right) : PlacesOf(right, left);
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    const std::size_t place = places[i];
+    if (place == kNoPlace) continue;
+    looks_left_up ? visit(i, place) : visit(place, i);
   }
 }
 

@@ -38,9 +38,12 @@ std::vector<Code> CommonCodes(const std::vector<Found>& operands) {
             [](const Occurrences* a, const Occurrences* b) { return a->size() < b->size(); });
   std::vector<Code> common = rarest_first.front()->codes;
   for (std::size_t i = 1; i < rarest_first.size(); ++i) {
+    const std::vector<Place> places = PlacesOf(common, rarest_first[i]->codes);
     std::size_t kept = 0;
-    ForEachCommon(common, rarest_first[i]->codes,
-                  [&](std::size_t place, std::size_t) { common[kept++] = common[place]; });
+    for (std::size_t j = 0; j < common.size(); ++j) {
+      common[kept] = common[j];
+      kept += places[j] != kNoPlace ? 1 : 0;
+    }
     common.resize(kept);
   }
   return common;
