@@ -21,7 +21,7 @@ using kestan_fuzz::CorrectChecksum;
 using kestan_fuzz::Require;
 using kestan_fuzz::RequireRefusal;
 
-constexpr std::size_t kFixedBytes = 32;
+constexpr std::size_t kFixedBytes = 40;
 constexpr std::size_t kPartBytes = 4096;
 
 void CorrectChecksums(std::string* bytes) {
@@ -42,6 +42,10 @@ void CorrectChecksums(std::string* bytes) {
 }
 
 void AskEverything(const DocumentTable& table) {
+  for (std::size_t i = 0; i <= table.size(); i += 100) {
+    table.WillReadStart(static_cast<Code>(i));
+    table.WillReadRecord(static_cast<Code>(i));
+  }
   for (std::size_t i = 1; i <= table.size(); ++i) {
     const auto code = static_cast<Code>(i);
     const DocumentEntry entry = table.EntryOf(code);

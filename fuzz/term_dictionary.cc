@@ -20,7 +20,7 @@ using kestan_fuzz::CorrectChecksum;
 using kestan_fuzz::Require;
 using kestan_fuzz::RequireRefusal;
 
-constexpr std::size_t kTrailerBytes = 32;
+constexpr std::size_t kTrailerBytes = 40;
 constexpr std::size_t kIndexEntryBytes = 20;
 
 void CorrectChecksums(std::string* bytes) {
