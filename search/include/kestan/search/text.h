@@ -16,7 +16,8 @@ namespace kestan::search {
 // Returns `utf8` in ASCII: "Zürich" becomes "Zurich", "Привет" "Privet". Documents and queries go
 // through it alike. Each Chinese character becomes a word between blanks. What has no counterpart
 // in ASCII becomes a blank; bytes that are not UTF-8 are taken as Latin-1.
-//   Returns  kSystem if ICU has no data for other scripts than ASCII; kOutOfMemory.
+//   Returns  kSystem if ICU cannot be loaded, or has no data for other scripts than ASCII;
+//            kOutOfMemory.
 KESTAN_SEARCH_EXPORT Result<std::string> ToAscii(std::string_view utf8);
 
 // Keeps the words of `text` (less than 2 GB): runs of ASCII letters, without apostrophes, cut after
