@@ -201,14 +201,16 @@ class IndexReader::Impl {
   }
 
   // What is damaged has an empty name; so may a document of class Kestan.
-  Status VisitMatches(const std::vector<RankedDocument>& found,
+  Status VisitMatches(const std::vector<ScoredDocuments>& found,
                       const std::function<bool(const Match&)>& visit) const {
-    for (const RankedDocument& document : found) {
-      const Segment& segment = *snapshot_.segments[document.id.segment];
-      const Match match{segment.NameOf(document.id.code), document.score,
-                        snapshot_.index_of_segment[document.id.segment]};
-      if (match.name.empty() && !segment.status().ok()) return segment.status();
-      if (!visit(match)) break;
+    for (const ScoredDocuments& documents : found) {
+      const Segment& segment = *snapshot_.segments[documents.segment];
+      const std::size_t index = snapshot_.index_of_segment[documents.segment];
+      for (std::size_t i = 0; i < documents.codes.size(); ++i) {
+        const Match match{segment.NameOf(documents.codes[i]), documents.scores[i], index};
+        if (match.name.empty() && !segment.status().ok()) return segment.status();
+        if (!visit(match)) return {};
+      }
     }
     return {};
   }

@@ -46,21 +46,28 @@ Query Without(Query some, Query all) {
   return rest;
 }
 
-// Puts `last`, whose best score is `best`, after `first`, whose scores are raised above it.
-void AppendRaised(const std::vector<RankedDocument>& last, double best,
-                  std::vector<RankedDocument>* first) {
-  for (RankedDocument& document : *first) document.score += best;
-  first->insert(first->end(), last.begin(), last.end());
-}
-
 // Puts `last` after `first`, whose scores are raised above those of `last`.
 void Append(RankedDocuments last, std::size_t limit, RankedDocuments* first) {
-  AppendRaised(last.best, last.best.empty() ? 0 : last.best.front().score, &first->best);
+  const double best = last.best.empty() ? 0 : last.best.front().score;
+  for (RankedDocument& document : first->best) document.score += best;
+  first->best.insert(first->best.end(), last.best.begin(), last.best.end());
   if (limit > 0 && first->best.size() > limit) first->best.resize(limit);
   first->total += last.total;
   std::set<std::string> terms(first->terms.begin(), first->terms.end());
   terms.insert(last.terms.begin(), last.terms.end());
   first->terms.assign(terms.begin(), terms.end());
+}
+
+// The same for documents in no order.
+void Append(const std::vector<ScoredDocuments>& last, std::vector<ScoredDocuments>* first) {
+  double best = 0;
+  for (const ScoredDocuments& documents : last) {
+    for (const double score : documents.scores) best = std::max(best, score);
+  }
+  for (ScoredDocuments& documents : *first) {
+    for (double& score : documents.scores) score += best;
+  }
+  first->insert(first->end(), last.begin(), last.end());
 }
 
 std::string HowManyHaveAll(std::uint64_t documents) {
@@ -149,10 +156,10 @@ Result<Answer> Ask(std::string_view text, const Snapshot& snapshot, const Search
   return Question(text, snapshot, options).Ask();
 }
 
-Result<std::vector<RankedDocument>> AllAnswers(std::string_view text, const Snapshot& snapshot,
-                                               const SearchOptions& options) {
+Result<std::vector<ScoredDocuments>> AllAnswers(std::string_view text, const Snapshot& snapshot,
+                                                const SearchOptions& options) {
   const MaybeQuery all = Parsed(text, OperatorOf(options.words));
-  if (!all) return std::vector<RankedDocument>();
+  if (!all) return std::vector<ScoredDocuments>();
   auto found = ScoredSearch(*all, snapshot, options);
   const bool are_enough = found.ok() && !found->empty() && !IsQuestion(text);
   if (!found.ok() || are_enough || options.words != WordsMean::kBest) return found;
@@ -160,9 +167,7 @@ Result<std::vector<RankedDocument>> AllAnswers(std::string_view text, const Snap
   if (*some == *all) return found;
   const auto rest = ScoredSearch(found->empty() ? *some : Without(*some, *all), snapshot, options);
   if (!rest.ok()) return rest.status();
-  double best = 0;
-  for (const RankedDocument& document : *rest) best = std::max(best, document.score);
-  AppendRaised(*rest, best, &*found);
+  Append(*rest, &*found);
   return found;
 }
 

@@ -30,11 +30,11 @@ struct Answer {
 //   Returns  kDamaged.
 Result<Answer> Ask(std::string_view text, const Snapshot& snapshot, const SearchOptions& options);
 
-// Returns all documents that answer `text`, in no order, with the scores that Ask() gives them
-// without a limit. `options.limit` counts for nothing.
+// Returns all documents that answer `text`, by segments, which come in no order and may come twice,
+// with the scores that Ask() gives them without a limit. `options.limit` counts for nothing.
 //   Returns  kDamaged.
-Result<std::vector<RankedDocument>> AllAnswers(std::string_view text, const Snapshot& snapshot,
-                                               const SearchOptions& options);
+Result<std::vector<ScoredDocuments>> AllAnswers(std::string_view text, const Snapshot& snapshot,
+                                                const SearchOptions& options);
 
 // Returns how many documents answer `text`.
 //   Returns  kDamaged.

@@ -59,7 +59,8 @@ struct SegmentSearch {
   std::unique_ptr<Matcher> matcher;
   ClauseMatches clauses;
   Found matches;
-  std::vector<RankedDocument> best;
+  std::vector<double> scores;        // without a limit
+  std::vector<RankedDocument> best;  // with one
 };
 
 // One search, from the segments to the best documents.
@@ -83,19 +84,17 @@ class Search {
     return Merged();
   }
 
-  // Without a limit, the documents of each segment are as they were found.
-  Result<std::vector<RankedDocument>> Scored() {
+  // Without a limit only.
+  Result<std::vector<ScoredDocuments>> Scored() {
     Status status = Run();
     if (!status.ok()) return status;
-    std::vector<RankedDocument> documents;
-    for (SegmentSearch& search : searches_) {
-      if (documents.empty()) {
-        documents = std::move(search.best);
-      } else {
-        documents.insert(documents.end(), search.best.begin(), search.best.end());
-      }
+    std::vector<ScoredDocuments> scored;
+    for (std::size_t i = 0; i < searches_.size(); ++i) {
+      if (searches_[i].matches->size() == 0) continue;
+      scored.push_back({static_cast<std::uint32_t>(i), searches_[i].matches->codes,
+                        std::move(searches_[i].scores)});
     }
-    return documents;
+    return scored;
   }
 
  private:
@@ -147,18 +146,11 @@ class Search {
     SegmentSearch& search = searches_[i];
     const std::vector<Code>& codes = search.matches->codes;
     Scorer scorer(*snapshot_.segments[i], parameters_, search.clauses);
-    search.best = limit_ == 0 ? AllOf(i, codes, scorer.Scores(codes))
-                              : BestOf(i, codes, scorer.Bm25Scores(codes), &scorer);
-  }
-
-  static std::vector<RankedDocument> AllOf(std::size_t segment, const std::vector<Code>& codes,
-                                           const std::vector<double>& scores) {
-    std::vector<RankedDocument> all;
-    all.reserve(codes.size());
-    for (std::size_t i = 0; i < codes.size(); ++i) {
-      all.push_back({{static_cast<std::uint32_t>(segment), codes[i]}, scores[i]});
+    if (limit_ == 0) {
+      search.scores = scorer.Scores(codes);
+    } else {
+      search.best = BestOf(i, codes, scorer.Bm25Scores(codes), &scorer);
     }
-    return all;
   }
 
   std::vector<RankedDocument> BestOf(std::size_t segment, const std::vector<Code>& codes,
@@ -189,8 +181,12 @@ class Search {
     for (const SegmentSearch& search : searches_) ranked.total += search.matches->size();
     TopDocuments best(limit_);
     best.Expect(static_cast<std::size_t>(ranked.total));
-    for (const SegmentSearch& search : searches_) {
-      for (const RankedDocument& document : search.best) best.Add(document);
+    for (std::size_t i = 0; i < searches_.size(); ++i) {
+      for (const RankedDocument& document : searches_[i].best) best.Add(document);
+      for (std::size_t j = 0; j < searches_[i].scores.size(); ++j) {
+        best.Add({{static_cast<std::uint32_t>(i), searches_[i].matches->codes[j]},
+                  searches_[i].scores[j]});
+      }
     }
     ranked.best = best.TakeSorted(snapshot_);
     Status status = StatusOfTables();
@@ -228,8 +224,8 @@ Result<RankedDocuments> RankedSearch(const Query& query, const Snapshot& snapsho
   return Search(query, snapshot, options).Ranked();
 }
 
-Result<std::vector<RankedDocument>> ScoredSearch(const Query& query, const Snapshot& snapshot,
-                                                 SearchOptions options) {
+Result<std::vector<ScoredDocuments>> ScoredSearch(const Query& query, const Snapshot& snapshot,
+                                                  SearchOptions options) {
   options.limit = 0;
   return Search(query, snapshot, options).Scored();
 }

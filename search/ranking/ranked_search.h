@@ -19,6 +19,13 @@ struct RankedDocument {
   double score = 0;
 };
 
+// Documents of one segment.
+struct ScoredDocuments {
+  std::uint32_t segment = 0;
+  std::vector<Code> codes;     // ascending
+  std::vector<double> scores;  // as many
+};
+
 struct RankedDocuments {
   std::uint64_t total = 0;           // how many match
   std::vector<RankedDocument> best;  // the best first; of equal score, in order of their names
@@ -47,11 +54,11 @@ struct RankedDocuments {
 Result<RankedDocuments> RankedSearch(const Query& query, const Snapshot& snapshot,
                                      const SearchOptions& options);
 
-// Finds all documents that match `query`, in order of segments and codes, with the scores that
-// RankedSearch() gives them. `options.limit` counts for nothing.
-//   Returns  kDamaged.
-Result<std::vector<RankedDocument>> ScoredSearch(const Query& query, const Snapshot& snapshot,
-                                                 SearchOptions options);
+// Finds all documents that match `query`, with the scores that RankedSearch() gives them; those of
+// each segment by themselves, in order of codes. `options.limit` counts for nothing.
+//   Returns  segments in their order, without those where nothing matches; kDamaged.
+Result<std::vector<ScoredDocuments>> ScoredSearch(const Query& query, const Snapshot& snapshot,
+                                                  SearchOptions options);
 
 // Counts the documents that match.
 //   Returns  kDamaged.
