@@ -64,8 +64,9 @@ TEST(PlacesOfTest, AllCodesHaveTheirPlaces) {
 }
 
 TEST(PlacesOfTest, EndsOfTablesAreFound) {
-  for (const std::size_t step : {1, 2, 3, 7, 50, 99, 100, 101, 102, 4095, 4096, 4097}) {
-    for (const std::size_t first : {1, 4095, 4096, 65535}) {
+  const std::vector<std::size_t> steps = {1, 2, 3, 7, 50, 99, 100, 101, 102, 4095, 4096, 4097};
+  for (const std::size_t step : steps) {
+    for (const std::size_t first : {1u, 4095u, 4096u, 65535u}) {
       const Codes codes = Every(step, first, 65535);
       for (const Codes& list : {Every(1, 1, 65535), Every(2, 2, 65535), Every(3, 1, 5000)}) {
         EXPECT_EQ(PlacesOf(codes, list), PlainPlacesOf(codes, list)) << step;
