@@ -172,6 +172,24 @@ void AddInPartsOf(std::size_t size, const std::vector<DocumentOfWords>& document
   }
 }
 
+// Without a limit, nearness is found for all documents at once, else for each of the best.
+TEST(RankedSearchTest, LimitChangesNoScore) {
+  PlainSegments segments;
+  AddInPartsOf(30'000, ManyDocuments(), &segments);
+  for (const std::string text : {"x y", "x OR z", "z OR y OR missing", "x z -zebra"}) {
+    SearchOptions options;
+    options.limit = 0;
+    const RankedDocuments all = Ranked(text, segments.snapshot(), options);
+    options.limit = 10'000;
+    const RankedDocuments best = Ranked(text, segments.snapshot(), options);
+    ASSERT_EQ(best.best.size(), options.limit);
+    for (std::size_t i = 0; i < options.limit; ++i) {
+      ASSERT_EQ(best.best[i].score, all.best[i].score) << text << i;
+      ASSERT_EQ(best.best[i].id.code, all.best[i].id.code) << text << i;
+    }
+  }
+}
+
 TEST(RankedSearchTest, ThreadsChangeNoAnswer) {
   const std::vector<DocumentOfWords> documents = ManyDocuments();
   PlainSegments two;
