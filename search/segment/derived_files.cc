@@ -18,19 +18,16 @@
 #include "search/files/file_bytes.h"
 #include "search/segment/document_table.h"
 #include "search/segment/plain_index.h"
+#include "search/segment/record_keys.h"
 #include "search/segment/term_dictionary.h"
 
 namespace kestan::search {
 namespace {
 
 constexpr std::size_t kRecordsBetweenFlushes = 1000;
-constexpr std::size_t kFamilyBytes = 2;          // what keys have before a name
 constexpr std::uint64_t kNearBytes = 64 << 10;   // how far from its predecessor a record may lie
 constexpr std::uint64_t kWindowBytes = 1 << 20;  // read at a time
 constexpr std::size_t kDocumentRecordBytes = 4 + 4;
-constexpr std::array<std::string_view, 4> kSingleKeys = {"g-code", "g-avail", "g-deleted",
-                                                         "g-opts"};
-constexpr std::array<std::string_view, kDocumentFields> kFamilies = {"t-", "s-", "u-"};
 
 // Finds where records lie, most of which follow each other.
 class PlaceFinder {
@@ -179,8 +176,8 @@ class Deriver {
 
   // A word has no record of its own where its key is that of another one.
   bool IsTerm(std::string_view key, std::string_view value) const {
-    if (key.size() <= kFamilyBytes || key[1] != '-') return true;
-    if (std::find(kSingleKeys.begin(), kSingleKeys.end(), key) != kSingleKeys.end()) return false;
+    if (key.size() == kFamilyBytes || !HasFamilyMark(key)) return true;
+    if (IsSingleKey(key)) return false;
     const std::string_view name = key.substr(kFamilyBytes);
     switch (key[0]) {
       case 'c':
@@ -202,7 +199,7 @@ class Deriver {
     const KnownDocument known = code != codes_.end() ? KnownOf(code->second) : KnownDocument();
     if (!known.is_known) return !ReadPostings(value, [](const PostingCursor&) {});
     for (std::size_t i = 0; i < kDocumentFields; ++i) {
-      if (kFamilies[i].front() == family) return known.fields[i];
+      if (kFieldFamilies[i].front() == family) return known.fields[i];
     }
     return false;
   }
@@ -277,7 +274,7 @@ class Deriver {
   }
 
   RecordPlace PlaceOfField(std::size_t field, const std::string& name, PlaceFinder* finder) {
-    const std::string key = std::string(kFamilies[field]).append(name);
+    const std::string key = std::string(kFieldFamilies[field]).append(name);
     const DBDatumPtr value = ValueOf(key);
     if (value.ptr == nullptr) return {};
     const std::string_view bytes(value.ptr->data, value.ptr->size);

@@ -12,12 +12,10 @@
 #include "search/files/numbers.h"
 #include "search/files/output_file.h"
 #include "search/segment/plain_index.h"
+#include "search/segment/record_keys.h"
 
 namespace kestan::search {
 namespace {
-
-// What the keys of the fields begin with.
-constexpr std::array<std::string_view, kDocumentFields> kFamilies = {"t-", "s-", "u-"};
 
 // Returns whether a posting record of so many documents can have so many bytes: two for each code,
 // with positions two more for their number, and two for each of them.
@@ -272,7 +270,7 @@ Result<std::string> Segment::FieldOf(Code code, DocumentField field) const {
   if (entry.name.empty() && !table().status().ok()) return table().status();
   if (files_->is_plain) return files_->FetchField(field, entry.name);
   if (entry.fields[index].offset == 0) return std::string();
-  const std::string key = std::string(kFamilies[index]).append(entry.name);
+  const std::string key = std::string(kFieldFamilies[index]).append(entry.name);
   const Result<Bytes> record = ReadRecord(key, entry.fields[index]);
   if (!record.ok()) return record.status();
   return std::string(record->view());

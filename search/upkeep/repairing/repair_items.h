@@ -54,6 +54,7 @@ class RepairItems {
       case RepairKind::kLostCode:
       case RepairKind::kTextLost:
       case RepairKind::kSegmentLost:
+      case RepairKind::kWordsLost:
       case RepairKind::kEditsLost:
       case RepairKind::kPropertiesLost:
         return true;

@@ -5,23 +5,19 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <utility>
 
 #include "search/files/descriptor.h"
 #include "search/files/numbers.h"
 #include "search/index/manifest/manifest.h"
-#include "search/index/merging/merger.h"
-#include "search/segment/plain_index.h"
 #include "search/upkeep/file_copy.h"
 #include "search/upkeep/loose_segment.h"
 #include "search/upkeep/repairing/repaired_file.h"
+#include "search/upkeep/repairing/segment_salvage.h"
 
 namespace kestan::search {
 namespace {
-
-constexpr std::array<const char*, kDocumentFields> kFieldNames = {"title", "summary", "host data"};
 
 bool IsAsExpected(const std::string& path, const FileSummary& expected) {
   const Result<FileSummary> found = SummaryOf(path);
@@ -48,25 +44,6 @@ bool IsOfReading(const Status& status, const std::string& target) {
           (status.code() == StatusCode::kNotFound || status.code() == StatusCode::kSystem));
 }
 
-// Applies the edits of a segment to those of one that was made of it, in which documents have the
-// codes `new_codes`.
-void ApplyEdits(const Edits& old_edits, const std::map<Code, Code>& new_codes, Edits* edits) {
-  for (const auto& [code, now] : new_codes) {
-    if (edits->IsRemoved(now)) continue;
-    if (old_edits.IsRemoved(code)) {
-      edits->Remove(now);
-      continue;
-    }
-    const DocumentEdit* const edit = old_edits.EditOf(code);
-    if (edit == nullptr) continue;
-    if (edit->name) edits->Rename(now, *edit->name, edit->renamed);
-    for (std::size_t field = 0; field < kDocumentFields; ++field) {
-      if (!edit->fields[field]) continue;
-      edits->SetField(now, static_cast<DocumentField>(field), *edit->fields[field]);
-    }
-  }
-}
-
 }  // namespace
 
 // ---- One segment ----
@@ -88,15 +65,15 @@ Result<std::optional<SegmentInfo>> RepairedSegments::Take(const DamagedSegment& 
 Status RepairedSegments::Lose(const DamagedSegment& damaged, const std::string& why) {
   const std::string file = Path(SegmentFile(damaged.info));
   items_.Add(RepairKind::kSegmentLost, file, "", why);
-  const std::optional<FoundTable> table = FindTable(damaged);
+  const std::optional<DocumentTable> table = FindTable(damaged);
   if (!table) return {};
-  const FoundEdits found = FindEdits(damaged, table->names.size() - 1);
-  for (std::size_t i = 1; i < table->names.size(); ++i) {
+  const FoundEdits found = FindEdits(damaged, table->size());
+  for (std::size_t i = 1; i <= table->size(); ++i) {
     const auto code = static_cast<Code>(i);
     if (found.edits && found.edits->IsRemoved(code)) continue;
     const DocumentEdit* const edit = found.edits ? found.edits->EditOf(code) : nullptr;
     const bool is_renamed = edit != nullptr && edit->name;
-    items_.Add(RepairKind::kLost, file, is_renamed ? *edit->name : table->names[i],
+    items_.Add(RepairKind::kLost, file, is_renamed ? *edit->name : std::string(table->NameOf(code)),
                "its segment is lost");
   }
   return {};
@@ -219,149 +196,76 @@ RepairedSegments::FoundEdits RepairedSegments::FindEdits(const DamagedSegment& d
 
 // ---- A segment that is salvaged ----
 
-std::optional<RepairedSegments::FoundTable> RepairedSegments::FindTable(
-    const DamagedSegment& damaged) const {
-  const std::string path = Path(TableFile(damaged.info));
-  const Result<FileSummary> summary = SummaryOf(path);
-  if (!summary.ok()) return std::nullopt;
-  if (damaged.is_in_manifest && !(*summary == damaged.info.table)) return std::nullopt;
-  auto file = FileBytes::Open(path, summary->bytes);
-  if (!file.ok()) return std::nullopt;
-  const auto table = DocumentTable::Open(std::move(*file));
+// Opens a file that stands beside the index file of a segment. Nothing if it is not as it was.
+std::shared_ptr<const FileBytes> RepairedSegments::OpenDerived(const DamagedSegment& damaged,
+                                                               const std::string& name,
+                                                               const FileSummary& expected) const {
+  const Result<FileSummary> summary = SummaryOf(Path(name));
+  if (!summary.ok() || (damaged.is_in_manifest && !(*summary == expected))) return nullptr;
+  auto file = FileBytes::Open(Path(name), summary->bytes);
+  return file.ok() ? std::move(*file) : nullptr;
+}
+
+std::optional<DocumentTable> RepairedSegments::FindTable(const DamagedSegment& damaged) const {
+  auto file = OpenDerived(damaged, TableFile(damaged.info), damaged.info.table);
+  if (file == nullptr) return std::nullopt;
+  Result<DocumentTable> table = DocumentTable::Open(std::move(file));
   if (!table.ok() || !table->Verify().ok()) return std::nullopt;
-  FoundTable found;
-  found.names.resize(table->size() + 1);
-  found.known.resize(table->size() + 1);
-  for (std::size_t i = 1; i <= table->size(); ++i) {
-    const DocumentEntry entry = table->EntryOf(static_cast<Code>(i));
-    found.names[i] = entry.name;
-    KnownDocument& known = found.known[i];
-    known.is_known = true;
-    known.words = table->WordsOf(static_cast<Code>(i));
-    for (std::size_t field = 0; field < kDocumentFields; ++field) {
-      known.fields[field] = entry.fields[field].offset != 0;
-    }
-  }
-  return found;
+  return std::move(*table);
+}
+
+std::optional<TermDictionary> RepairedSegments::FindTerms(const DamagedSegment& damaged) const {
+  auto file = OpenDerived(damaged, TermsFile(damaged.info), damaged.info.terms);
+  if (file == nullptr) return std::nullopt;
+  Result<TermDictionary> terms = TermDictionary::Open(std::move(file));
+  const auto pass = [](const TermEntry&) { return true; };
+  if (!terms.ok() || !terms->ForEach("", pass).ok()) return std::nullopt;
+  return std::move(*terms);
+}
+
+// Returns nothing, with the segment reported, where nothing of it is left.
+Result<std::optional<SegmentInfo>> RepairedSegments::LoseSalvaged(const DamagedSegment& damaged,
+                                                                  const std::string& why) {
+  RemoveLooseSegment(target_);
+  Status status = Lose(damaged, why);
+  if (!status.ok()) return status;
+  return std::optional<SegmentInfo>();
 }
 
 Result<std::optional<SegmentInfo>> RepairedSegments::Salvage(const DamagedSegment& damaged,
                                                              std::optional<bool>* with_positions) {
   const std::string path = Path(SegmentFile(damaged.info));
-  std::vector<RepairItem> findings;
-  const TakeRepairItem keep = [&findings](const RepairItem& item) {
-    findings.push_back(item);
+  SegmentSalvage::Sources sources = {
+      path, LooseFile(target_), FindTable(damaged), FindTerms(damaged), {}};
+  const TakeRepairItem keep = [&sources](const RepairItem& item) {
+    sources.findings.push_back(item);
     return true;
   };
   RepairItems found(keep);
   RepairResult result;
-  Status repaired = RepairIndexFile(
+  Status status = RepairIndexFile(
       path, LooseFile(target_), [&](const Finding& finding) { found.Add(path, finding); }, &result);
-  if (repaired.code() == StatusCode::kSystem) return repaired;
-  if (!repaired.ok()) {
-    Status status = Lose(damaged, repaired.message());
-    if (!status.ok()) return status;
-    return std::optional<SegmentInfo>();
-  }
+  if (status.code() == StatusCode::kSystem) return status;
+  if (!status.ok()) return LoseSalvaged(damaged, status.message());
   items_.AddResult(result);
-  const std::optional<FoundTable> table = FindTable(damaged);
-  const Result<SegmentPointer> opened = OpenSalvaged(damaged, table);
-  const bool fits =
-      opened.ok() && (!*with_positions || **with_positions == (*opened)->with_positions());
-  if (!fits) {
-    RemoveLooseSegment(target_);
-    if (!opened.ok() && !IsOfReading(opened.status(), folder_)) return opened.status();
-    Status status = Lose(damaged, opened.ok() ? "other segments differ from it in having positions"
-                                              : opened.status().message());
-    if (!status.ok()) return status;
-    return std::optional<SegmentInfo>();
+  SegmentSalvage salvage(std::move(sources), &items_);
+  status = salvage.Open();
+  if (!status.ok()) return status;
+  const bool is_known = damaged.is_in_manifest && *with_positions;
+  const bool has_positions = is_known ? **with_positions : salvage.with_positions();
+  if (*with_positions && **with_positions != has_positions) {
+    return LoseSalvaged(damaged, "other segments differ from it in having positions");
   }
-  *with_positions = (*opened)->with_positions();
+  *with_positions = has_positions;
   items_.Add(RepairKind::kSegmentSalvaged, path, "", "its index file is damaged");
-  ReportDocuments(path, findings, table, **opened);
-  const auto merged = MergeSegments({*opened}, target_, damaged.info.number, nullptr);
-  if (!merged.ok()) return merged.status();
+  const std::size_t documents =
+      damaged.is_in_manifest ? damaged.info.documents : salvage.documents();
+  const FoundEdits edits = FindEdits(damaged, documents);
+  Taken taken = salvage.Write(target_, damaged.info.number, has_positions,
+                              edits.edits ? &*edits.edits : nullptr);
   RemoveLooseSegment(target_);
   salvaged_.insert(damaged.info.number);
-  if (merged->documents == 0) return std::optional<SegmentInfo>();
-  return std::optional<SegmentInfo>(*merged);
-}
-
-// Opens what the engine has salvaged, with the edits that the segment had. They are known by codes
-// of the segment as it was, so that names lead from these to the documents that are left.
-Result<RepairedSegments::SegmentPointer> RepairedSegments::OpenSalvaged(
-    const DamagedSegment& damaged, const std::optional<FoundTable>& table) {
-  renamed_.clear();
-  removed_.clear();
-  IndexFile file;
-  errno = 0;
-  const StoreError error = file.Open(LooseFile(target_).c_str());
-  if (error != StoreError::kNone) return SystemError(errno, LooseFile(target_));
-  const std::size_t highest = file.CountDocuments().highest_code;
-  const std::size_t documents = damaged.is_in_manifest ? damaged.info.documents
-                                : table                ? table->names.size() - 1
-                                                       : highest;
-  const FoundEdits found = FindEdits(damaged, documents);
-  std::vector<KnownDocument> known(highest + 1);
-  std::map<Code, Code> new_codes;  // of the segment as it was
-  for (std::size_t i = 1; i <= documents; ++i) {
-    const auto code = static_cast<Code>(i);
-    const std::string name = table ? table->names[i] : std::string(file.NameOf(code));
-    if (i % 1000 == 0) file.store().Flush();
-    if (name.empty()) continue;
-    if (found.edits && found.edits->IsRemoved(code)) removed_.insert(name);
-    const DocumentEdit* const edit = found.edits ? found.edits->EditOf(code) : nullptr;
-    if (edit != nullptr && edit->name) renamed_[name] = *edit->name;
-    const Code now = file.CodeOf(name);
-    if (now == 0) continue;
-    new_codes[code] = now;
-    if (table && now < known.size()) known[now] = table->known[i];
-  }
-  if (file.FileError() != StoreError::kNone) {
-    return StatusOfIndexFile(file.FileError(), errno, LooseFile(target_));
-  }
-  file.Close();
-  return OpenLooseSegment(target_, known, [&](Edits* edits) {
-    if (found.edits) ApplyEdits(*found.edits, new_codes, edits);
-  });
-}
-
-// Hands out what the engine has found: documents by the names that they have now, and none that
-// were removed. What the table knows and the index file has lost comes last.
-void RepairedSegments::ReportDocuments(const std::string& file,
-                                       const std::vector<RepairItem>& findings,
-                                       const std::optional<FoundTable>& table,
-                                       const Segment& segment) {
-  std::set<std::string> reported;
-  const auto living_name = [this](const std::string& name) {
-    const auto renamed = renamed_.find(name);
-    return renamed != renamed_.end() ? renamed->second : name;
-  };
-  for (const RepairItem& item : findings) {
-    const bool is_document = item.kind <= RepairKind::kLost;
-    if (is_document && !reported.insert(item.name).second) continue;
-    if (is_document && removed_.count(item.name) != 0) continue;
-    items_.Add(item.kind, item.file, is_document ? living_name(item.name) : item.name, item.text);
-  }
-  if (!table) return;
-  for (std::size_t i = 1; i < table->names.size(); ++i) {
-    const std::string& name = table->names[i];
-    if (removed_.count(name) != 0) continue;
-    const std::optional<Code> code = segment.FindDocument(living_name(name));
-    if (!code) {
-      if (reported.count(name) == 0) {
-        items_.Add(RepairKind::kLost, file, living_name(name), "nothing of it was found");
-      }
-      continue;
-    }
-    const DocumentEdit* const edit = segment.edits().EditOf(*code);
-    for (std::size_t field = 0; field < kDocumentFields; ++field) {
-      const bool is_set_later = edit != nullptr && edit->fields[field];
-      const bool has_it = segment.table().EntryOf(*code).fields[field].offset != 0;
-      if (!table->known[i].fields[field] || has_it || is_set_later) continue;
-      items_.Add(RepairKind::kTextLost, file, living_name(name), kFieldNames[field]);
-    }
-  }
+  return taken;
 }
 
 // ---- All segments ----

@@ -6,7 +6,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -15,8 +14,10 @@
 #include <vector>
 
 #include "search/segment/derived_files.h"
+#include "search/segment/document_table.h"
 #include "search/segment/segment.h"
 #include "search/segment/segment_info.h"
+#include "search/segment/term_dictionary.h"
 #include "search/upkeep/repairing/repair_items.h"
 
 namespace kestan::search {
@@ -46,7 +47,6 @@ class RepairedSegments {
   Result<bool> LeaveOutTwins(SegmentInfo* info, bool with_positions);
 
  private:
-  using SegmentPointer = std::shared_ptr<const Segment>;
   using Taken = Result<std::optional<SegmentInfo>>;
 
   struct FoundEdits {
@@ -54,24 +54,19 @@ class RepairedSegments {
     std::uint64_t number = 0;
   };
 
-  // What was found in the document table: what the index file may have lost.
-  struct FoundTable {
-    std::vector<std::string> names;    // by code
-    std::vector<KnownDocument> known;  // by code
-  };
-
   Taken TakeSound(const DamagedSegment& damaged, std::optional<bool>* with_positions);
   Taken Salvage(const DamagedSegment& damaged, std::optional<bool>* with_positions);
   Status WriteDerived(const DamagedSegment& damaged, const DerivedFiles& derived,
                       SegmentInfo* info);
   FoundEdits FindEdits(const DamagedSegment& damaged, std::size_t documents);
-  std::optional<FoundTable> FindTable(const DamagedSegment& damaged) const;
+  std::shared_ptr<const FileBytes> OpenDerived(const DamagedSegment& damaged,
+                                               const std::string& name,
+                                               const FileSummary& expected) const;
+  std::optional<DocumentTable> FindTable(const DamagedSegment& damaged) const;
+  std::optional<TermDictionary> FindTerms(const DamagedSegment& damaged) const;
   bool IsTableOf(const std::string& path, const FileSummary& expected, bool has_summary,
                  const DerivedFiles& derived) const;
-  Result<SegmentPointer> OpenSalvaged(const DamagedSegment& damaged,
-                                      const std::optional<FoundTable>& table);
-  void ReportDocuments(const std::string& file, const std::vector<RepairItem>& findings,
-                       const std::optional<FoundTable>& table, const Segment& segment);
+  Taken LoseSalvaged(const DamagedSegment& damaged, const std::string& why);
   Status Lose(const DamagedSegment& damaged, const std::string& why);
 
   std::string Path(const std::string& name) const { return folder_ + "/" + name; }
@@ -80,10 +75,8 @@ class RepairedSegments {
   const std::string folder_;
   const std::string target_;
   RepairItems& items_;
-  std::set<std::string, std::less<>> names_;    // that live in the segments seen so far
-  std::set<std::uint64_t> salvaged_;            // numbers of segments
-  std::map<std::string, std::string> renamed_;  // of the segment at hand: stored to living names
-  std::set<std::string> removed_;               // of the segment at hand
+  std::set<std::string, std::less<>> names_;  // that live in the segments seen so far
+  std::set<std::uint64_t> salvaged_;          // numbers of segments
 };
 
 }  // namespace kestan::search

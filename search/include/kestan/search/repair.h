@@ -28,6 +28,7 @@ enum class RepairKind {
   // Of the files of a folder. No name.
   kSegmentSalvaged,  // a damaged index file: what could be read of it is in the new index
   kSegmentLost,      // a loss: nothing of an index file could be read, or it is missing
+  kWordsLost,        // a loss: words of a damaged index file of which nothing was found
   kDerivedFile,      // a term dictionary or document table was made again
   kWordCounts,       // a document table was, and may count fewer words of documents than there are
   kEditsLost,        // a loss: which documents were removed or renamed, and texts set later
