@@ -40,8 +40,16 @@ struct CheckResult {
 //            over its buckets for each.
 KESTAN_EXPORT CheckResult CheckIndex(Database& store, const TakeLine& report);
 
+// Whether a document may have the code of an earlier one, of which postings may be left in records
+// that no shrink purges: those of one-byte words, and of words whose second byte is a hyphen.
+enum class CodeReuse : std::uint8_t {
+  kPossible,  // in any index
+  kNever,     // in a file that IndexBuilder has made and nobody has changed
+};
+
 // The same, with findings as values.
-KESTAN_EXPORT CheckResult CheckIndexWithFindings(Database& store, const TakeFinding& report);
+KESTAN_EXPORT CheckResult CheckIndexWithFindings(Database& store, const TakeFinding& report,
+                                                 CodeReuse reuse = CodeReuse::kPossible);
 
 // Looks whether a change may trust the file of `store`: whether every record that a walk shows is
 // found by its key, and whether header, directory, buckets, records and free space share no byte. A

@@ -43,6 +43,13 @@ Result<std::shared_ptr<const FileBytes>> FileBytes::Open(const std::string& path
   return std::shared_ptr<const FileBytes>(std::move(bytes));
 }
 
+Result<std::shared_ptr<const FileBytes>> FileBytes::OpenUnmapped(const std::string& path) {
+  std::uint64_t size = 0;
+  Result<Descriptor> file = OpenForReading(path, &size);
+  if (!file.ok()) return file.status();
+  return std::shared_ptr<const FileBytes>(new FileBytes(path, std::move(*file), size));
+}
+
 std::shared_ptr<const FileBytes> FileBytes::InMemory(std::string bytes, std::string path) {
   const std::uint64_t size = bytes.size();
   std::shared_ptr<FileBytes> file(new FileBytes(std::move(path), Descriptor(), size));

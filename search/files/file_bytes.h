@@ -52,6 +52,11 @@ class FileBytes {
   //            no regular file.
   static Result<std::shared_ptr<const FileBytes>> Open(const std::string& path, std::uint64_t size);
 
+  // Opens a file of any size, and reads it piece by piece: where the disk fails, its bytes are not
+  // there, and a mapping would end the process.
+  //   Returns  kNotFound or kSystem; kDamaged if it is no regular file.
+  static Result<std::shared_ptr<const FileBytes>> OpenUnmapped(const std::string& path);
+
   // Takes `bytes`, which stand for a file called `path`.
   static std::shared_ptr<const FileBytes> InMemory(std::string bytes, std::string path);
 

@@ -125,10 +125,12 @@ class Checker {
       const Status status = StatusOfIndexFile(error, errno, path);
       return Take(KindOf(status), status);
     }
-    const CheckResult result =
-        kestan::CheckIndexWithFindings(file.store(), [&](const Finding& finding) {
+    const CheckResult result = kestan::CheckIndexWithFindings(
+        file.store(),
+        [&](const Finding& finding) {
           is_as_written ? TakeOfWritten(path, finding) : TakeOf(path, finding);
-        });
+        },
+        is_as_written ? CodeReuse::kNever : CodeReuse::kPossible);
     if (result.file_error == StoreError::kOutOfMemory) {
       out_of_memory_ = StatusOfIndexFile(result.file_error, ENOMEM, path);
     }

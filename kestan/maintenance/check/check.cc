@@ -47,7 +47,7 @@ std::int64_t CheckStructureWithFindings(const Database& store, const TakeFinding
   return static_cast<std::int64_t>(findings.faults());
 }
 
-CheckResult CheckIndexWithFindings(Database& store, const TakeFinding& report) {
+CheckResult CheckIndexWithFindings(Database& store, const TakeFinding& report, CodeReuse reuse) {
   if (store.Flush() == -1) return {0, 0, StoreError::kNotOpen};
   Findings findings(report);
   CheckLayout(store, &findings);
@@ -55,7 +55,7 @@ CheckResult CheckIndexWithFindings(Database& store, const TakeFinding& report) {
   CheckLengths(tables, &findings);
   if (!tables.IsIncomplete()) CheckCodes(tables, &findings);
 
-  PostingCheck postings(tables, &findings);
+  PostingCheck postings(tables, reuse, &findings);
   FormCheck forms(store, tables, &findings);
   RecordIterator record(store, WalkOptions::BoundedMemory());
   for (; record.Valid(); record.Next()) {

@@ -34,8 +34,9 @@ std::uint64_t PositionWeights::OfText(std::uint64_t words) const {
   return rounds * sums_[kMaxPosition] + sums_[static_cast<std::size_t>(words % kMaxPosition)];
 }
 
-PostingCheck::PostingCheck(const IndexTables& tables, Findings* findings)
+PostingCheck::PostingCheck(const IndexTables& tables, CodeReuse reuse, Findings* findings)
     : tables_(tables),
+      reuse_(reuse),
       findings_(*findings),
       known_(CodesInUse(tables)),
       statistics_(kCodes),
@@ -68,7 +69,8 @@ void PostingCheck::CheckPostings(const DBDatum& key, const DBDatum& value) {
   if (HasOddByte(value)) {
     findings_.Fault(word, "odd length: ", std::uint64_t{value.size}, " bytes");
   }
-  const Faults faults = CountFaults({key, value, IsNeverPurged(key), IsFolded(word), false});
+  const bool may_be_old = reuse_ == CodeReuse::kPossible && IsNeverPurged(key);
+  const Faults faults = CountFaults({key, value, may_be_old, IsFolded(word), false});
   const auto report = [&](std::uint64_t count, const char* what) {
     if (count != 0) findings_.Fault(word, what, ": ", count);
   };
@@ -120,13 +122,13 @@ void PostingCheck::CheckCode(const Record& record, Code code, Faults* faults) {
   if (code == 0) return;
   if (is_repeated) ++faults->repeated_codes;
   if (known_[code] || tables_.IsIncomplete()) return;
-  ++(record.is_never_purged && reusable_[code] ? faults->free_codes : faults->unknown_codes);
+  ++(record.may_be_old && reusable_[code] ? faults->free_codes : faults->unknown_codes);
 }
 
 void PostingCheck::CountPositions(const Record& record, const Posting& posting, Faults* faults) {
   DocumentStatistics& statistics = statistics_[posting.code];
   statistics.has_words = true;
-  if (!record.is_never_purged) statistics.has_own_words = true;
+  if (!record.may_be_old) statistics.has_own_words = true;
   if (!tables_.rules.with_positions) return;
   if (posting.positions == kMaxPosition || record.may_be_text) statistics.is_unsure = true;
   if (posting.units >= kUnitsBeforePositions && StatedPositions(record.value, posting) == 0) {
@@ -138,7 +140,7 @@ void PostingCheck::CountPositions(const Record& record, const Posting& posting, 
     if (record.is_folded) statistics.weight += PositionWeights::Of(position);
     if (position == 0) {
       ++faults->zero_positions;
-    } else if (record.is_never_purged) {
+    } else if (record.may_be_old) {
       statistics.doubtful += record.is_folded ? 1 : 0;
     } else {
       if (position <= previous) statistics.descends = true;
@@ -248,7 +250,10 @@ void PostingCheck::CheckPlaces(const String& key, const DocumentStatistics& stat
                     "words of one letter, or with a hyphen, contradict the others: those of "
                     "an earlier document?");
   } else {
-    findings_.Fault(key, "some positions have several words, and others have none");
+    // Of a text that begins again at the first position, several words may share one.
+    const FindingKind kind =
+        statistics.wraps ? FindingKind::kCheckWordsMissing : FindingKind::kCheckFault;
+    findings_.Report(kind, key, "some positions have several words, and others have none");
   }
 }
 

@@ -4,6 +4,7 @@
 
 #include <kestan/format/id_list.h>
 #include <kestan/format/posting_list.h>
+#include <kestan/maintenance/check.h>
 #include <kestan/maintenance/check/tables.h>
 #include <kestan/maintenance/report/findings.h>
 #include <kestan/storage/memory/memory.h>
@@ -32,7 +33,7 @@ class PositionWeights {
 class PostingCheck {
  public:
   // Borrows both. Where the tables are incomplete, no record is judged by them.
-  PostingCheck(const IndexTables& tables, Findings* findings);
+  PostingCheck(const IndexTables& tables, CodeReuse reuse, Findings* findings);
 
   // Checks a record unless it is a document, name, counter, code list or option record.
   void Visit(const DBDatum& key, const DBDatum& value);
@@ -73,7 +74,7 @@ class PostingCheck {
   struct Record {
     const DBDatum& key;
     const DBDatum& value;
-    const bool is_never_purged;
+    const bool may_be_old;  // postings may be those of earlier documents
     const bool is_folded;
     const bool may_be_text;
   };
@@ -91,6 +92,7 @@ class PostingCheck {
   void CheckPlaces(const String& key, const DocumentStatistics& statistics);
 
   const IndexTables& tables_;
+  const CodeReuse reuse_;
   Findings& findings_;
   const PositionWeights weights_;
   CodeSet known_;  // in use, or awaiting a shrink

@@ -29,10 +29,11 @@ bool HasSoundRecords(const std::string& path) {
   IndexFile file;
   if (file.Open(path.c_str()) != StoreError::kNone) return false;
   bool is_sound = true;
-  kestan::CheckIndexWithFindings(file.store(), [&is_sound](const Finding& finding) {
+  const auto take = [&is_sound](const Finding& finding) {
     const bool is_of_words = finding.kind == FindingKind::kCheckWordsMissing;
     is_sound = is_sound && (is_of_words || finding.severity != Severity::kFault);
-  });
+  };
+  kestan::CheckIndexWithFindings(file.store(), take, CodeReuse::kNever);
   return is_sound;
 }
 

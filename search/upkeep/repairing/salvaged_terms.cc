@@ -138,24 +138,38 @@ Status SalvagedTerms::ReadTrusted(std::size_t index, SalvagedPostings* postings,
   Status status = ReadStored(term, postings, &is_sound);
   if (!status.ok() || is_sound) return status;
   *trust = Trust::kDoubted;
-  // Where a key is damaged, its value may not be. Without positions, nothing would contradict it.
-  if (with_positions()) {
-    SalvagedPostings at_place;
-    if (ReadAtPlace(term, false, &at_place)) *postings = std::move(at_place);
-  }
+  if (with_positions() || postings->empty()) ReadDoubted(term, postings);
   if (postings->empty()) *trust = Trust::kNone;
   postings->DoubtAll();
   return {};
 }
 
-bool SalvagedTerms::ReadAtPlace(const Term& term, bool with_key, SalvagedPostings* postings) const {
-  if (term.place.offset == 0 || sources_.damaged == nullptr) return false;
+// Reads what the place of the record has that the engine did not take for one: the value behind a
+// damaged key, or part of a damaged value. Without positions, nothing would contradict the former.
+void SalvagedTerms::ReadDoubted(const Term& term, SalvagedPostings* postings) const {
+  SalvagedPostings at_place;
+  if (with_positions() && ReadAtPlace(term, false, &at_place)) {
+    *postings = std::move(at_place);
+  } else if (postings->empty()) {
+    const std::optional<Bytes> record = RecordAt(term, true);
+    if (record) postings->Read(record->view(), with_positions(), highest());
+  }
+}
+
+// Returns the value at the place of the record; nothing where it has another key and needs its own.
+std::optional<Bytes> SalvagedTerms::RecordAt(const Term& term, bool with_key) const {
+  if (term.place.offset == 0 || sources_.damaged == nullptr) return std::nullopt;
   const std::uint64_t bytes = std::uint64_t{term.place.key_bytes} + term.place.value_bytes;
-  const Bytes record = sources_.damaged->Read(term.place.offset, bytes);
-  if (record.view().size() != bytes) return false;
-  const std::string_view key = record.view().substr(0, term.place.key_bytes);
-  return (!with_key || key == term.term) &&
-         IsSound(term, record.view().substr(term.place.key_bytes), postings);
+  Bytes record = sources_.damaged->Read(term.place.offset, bytes);
+  if (record.view().size() != bytes) return std::nullopt;
+  if (with_key && record.view().substr(0, term.place.key_bytes) != term.term) return std::nullopt;
+  record.RemovePrefix(term.place.key_bytes);
+  return record;
+}
+
+bool SalvagedTerms::ReadAtPlace(const Term& term, bool with_key, SalvagedPostings* postings) const {
+  const std::optional<Bytes> record = RecordAt(term, with_key);
+  return record && IsSound(term, record->view(), postings);
 }
 
 Status SalvagedTerms::ReadStored(const Term& term, SalvagedPostings* postings, bool* is_sound) {

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -82,6 +83,8 @@ class SalvagedTerms {
   void AddFoldedForms();
   Status CountRecords();
   Status ReadTrusted(std::size_t index, SalvagedPostings* postings, Trust* trust);
+  void ReadDoubted(const Term& term, SalvagedPostings* postings) const;
+  std::optional<Bytes> RecordAt(const Term& term, bool with_key) const;
   bool ReadAtPlace(const Term& term, bool with_key, SalvagedPostings* postings) const;
   Status ReadStored(const Term& term, SalvagedPostings* postings, bool* is_sound);
   bool IsSound(const Term& term, std::string_view record, SalvagedPostings* postings) const;

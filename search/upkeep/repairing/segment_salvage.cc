@@ -28,9 +28,7 @@ Status SegmentSalvage::Open() {
   if (error != StoreError::kNone) return SystemError(errno, sources_.salvaged_path);
   highest_ = sources_.table ? static_cast<std::uint32_t>(sources_.table->size())
                             : salvaged_.CountDocuments().highest_code;
-  const Result<FileSummary> summary = SummaryOf(sources_.path);
-  if (!summary.ok()) return {};
-  auto damaged = FileBytes::Open(sources_.path, summary->bytes);
+  auto damaged = FileBytes::OpenUnmapped(sources_.path);
   if (damaged.ok()) damaged_ = std::move(*damaged);
   return {};
 }
