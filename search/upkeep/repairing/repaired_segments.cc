@@ -37,6 +37,49 @@ bool HasSoundRecords(const std::string& path) {
   return is_sound;
 }
 
+// Whether two files say the same, or the same of half of what the second one has.
+enum class Likeness { kSame, kAlike, kOther };
+
+Likeness LikenessOf(std::size_t same, std::size_t first, std::size_t second) {
+  if (same == first && same == second) return Likeness::kSame;
+  return same >= second - same ? Likeness::kAlike : Likeness::kOther;
+}
+
+bool IsSamePlace(const RecordPlace& left, const RecordPlace& right) {
+  return left.offset == right.offset && left.value_bytes == right.value_bytes;
+}
+
+// Words may have been refused, so that a table counts more than there are.
+bool IsSameDocument(const DocumentTable& found, const DocumentTable& made, Code code) {
+  const DocumentEntry left = found.EntryOf(code);
+  const DocumentEntry right = made.EntryOf(code);
+  return left.name == right.name && left.added == right.added &&
+         found.WordsOf(code) >= made.WordsOf(code) &&
+         std::equal(left.fields.begin(), left.fields.end(), right.fields.begin(), IsSamePlace);
+}
+
+Likeness CompareTables(const DocumentTable& found, const DocumentTable& made) {
+  std::size_t same = 0;
+  for (std::size_t i = 1; i <= std::min(found.size(), made.size()); ++i) {
+    if (IsSameDocument(found, made, static_cast<Code>(i))) ++same;
+  }
+  return LikenessOf(same, found.size(), made.size());
+}
+
+Likeness CompareTerms(const TermDictionary& found, const TermDictionary& made) {
+  std::size_t same = 0;
+  const Status status = made.ForEach("", [&](const TermEntry& entry) {
+    const auto other = found.Find(entry.term);
+    const bool is_same = other.ok() && *other && (*other)->documents == entry.documents &&
+                         (*other)->place.value_bytes == entry.place.value_bytes;
+    same += is_same ? 1 : 0;
+    return true;
+  });
+  if (!status.ok()) return Likeness::kOther;
+  return LikenessOf(same, static_cast<std::size_t>(found.size()),
+                    static_cast<std::size_t>(made.size()));
+}
+
 // What cannot be read is lost; what cannot be written, or for lack of memory, ends the repair.
 bool IsOfReading(const Status& status, const std::string& target) {
   const bool is_of_target = status.file().compare(0, target.size(), target) == 0;
@@ -93,6 +136,9 @@ Result<std::optional<SegmentInfo>> RepairedSegments::TakeSound(
     if (!status.ok()) return status;
     return std::optional<SegmentInfo>();
   }
+  if (!damaged.is_in_manifest && IsContradicted(damaged, *derived)) {
+    return Status(StatusCode::kDamaged, "what stands beside it contradicts it", path);
+  }
   *with_positions = derived->with_positions;
   SegmentInfo info;
   info.number = damaged.info.number;
@@ -113,6 +159,20 @@ Result<std::optional<SegmentInfo>> RepairedSegments::TakeSound(
   return std::optional<SegmentInfo>(info);
 }
 
+// Returns whether the document table or the term dictionary is that of the segment, and says
+// something else than its index file. They have checksums; without MANIFEST, the latter has none.
+bool RepairedSegments::IsContradicted(const DamagedSegment& damaged,
+                                      const DerivedFiles& derived) const {
+  const std::optional<DocumentTable> table = FindTable(damaged);
+  const auto made_table = DocumentTable::Open(FileBytes::InMemory(derived.table, ""));
+  if (table && made_table.ok() && CompareTables(*table, *made_table) == Likeness::kAlike) {
+    return true;
+  }
+  const std::optional<TermDictionary> terms = FindTerms(damaged);
+  const auto made_terms = TermDictionary::Open(FileBytes::InMemory(derived.terms, ""));
+  return terms && made_terms.ok() && CompareTerms(*terms, *made_terms) == Likeness::kAlike;
+}
+
 // A table that is whole knows more than its index file: how many words documents have.
 Status RepairedSegments::WriteDerived(const DamagedSegment& damaged, const DerivedFiles& derived,
                                       SegmentInfo* info) {
@@ -126,7 +186,12 @@ Status RepairedSegments::WriteDerived(const DamagedSegment& damaged, const Deriv
   if (!terms.ok()) return terms.status();
   info->terms = *terms;
   const std::string table_path = Path(TableFile(*info));
-  if (IsTableOf(table_path, damaged.info.table, damaged.is_in_manifest, derived)) {
+  const std::optional<DocumentTable> found = FindTable(damaged);
+  const auto derived_table = DocumentTable::Open(FileBytes::InMemory(derived.table, table_path));
+  if (!derived_table.ok()) return derived_table.status();
+  const bool is_its_own =
+      found && (damaged.is_in_manifest || CompareTables(*found, *derived_table) == Likeness::kSame);
+  if (is_its_own) {
     const auto table = CopyFile(table_path, TargetPath(TableFile(*info)), nullptr);
     if (!table.ok()) return table.status();
     info->table = *table;
@@ -144,26 +209,6 @@ Status RepairedSegments::WriteDerived(const DamagedSegment& damaged, const Deriv
                "documents may count fewer words than they have");
   }
   return {};
-}
-
-// Returns whether the document table at `path` is whole and has the documents of `derived`.
-bool RepairedSegments::IsTableOf(const std::string& path, const FileSummary& expected,
-                                 bool has_summary, const DerivedFiles& derived) const {
-  const Result<FileSummary> summary = SummaryOf(path);
-  if (!summary.ok() || (has_summary && !(*summary == expected))) return false;
-  auto file = FileBytes::Open(path, summary->bytes);
-  if (!file.ok()) return false;
-  const auto found = DocumentTable::Open(std::move(*file));
-  const auto made = DocumentTable::Open(FileBytes::InMemory(derived.table, path));
-  if (!found.ok() || !found->Verify().ok() || !made.ok()) return false;
-  if (found->segment_checksum() != made->segment_checksum()) return false;
-  if (found->size() != made->size()) return false;
-  for (std::size_t i = 1; i <= found->size(); ++i) {
-    const auto code = static_cast<Code>(i);
-    if (found->NameOf(code) != made->NameOf(code)) return false;
-    if (found->WordsOf(code) < made->WordsOf(code)) return false;
-  }
-  return true;
 }
 
 RepairedSegments::FoundEdits RepairedSegments::FindEdits(const DamagedSegment& damaged,
@@ -237,7 +282,7 @@ Result<std::optional<SegmentInfo>> RepairedSegments::Salvage(const DamagedSegmen
                                                              std::optional<bool>* with_positions) {
   const std::string path = Path(SegmentFile(damaged.info));
   SegmentSalvage::Sources sources = {
-      path, LooseFile(target_), FindTable(damaged), FindTerms(damaged), {}};
+      path, LooseFile(target_), FindTable(damaged), FindTerms(damaged), damaged.is_in_manifest, {}};
   const TakeRepairItem keep = [&sources](const RepairItem& item) {
     sources.findings.push_back(item);
     return true;

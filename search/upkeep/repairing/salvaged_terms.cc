@@ -46,6 +46,10 @@ Status SalvagedTerms::FindListed() {
   });
   if (!status.ok()) return status;
   for (const Term& term : stored) unknown_ += IndexOf(term.term) == size() ? 1 : 0;
+  has_dictionary_ = sources_.is_confirmed || unknown_ <= stored.size() / 2;
+  if (has_dictionary_) return {};
+  terms_ = std::move(stored);
+  unknown_ = 0;
   return {};
 }
 
@@ -84,7 +88,7 @@ bool SalvagedTerms::IsWord(std::string_view key, std::string_view value,
 }
 
 void SalvagedTerms::AddFoldedForms() {
-  if (sources_.dictionary != nullptr) return;
+  if (has_dictionary_) return;
   std::vector<Term> missing;
   for (const Term& term : terms_) {
     if (IsFolded(term.term) || HasFamilyMark(term.term)) continue;
@@ -105,7 +109,7 @@ Status SalvagedTerms::CountRecords() {
     Status status = ReadTrusted(i, &postings, &trust);
     if (!status.ok()) return status;
     if (trust == Trust::kDoubted) ++doubted_;
-    if (trust == Trust::kNone && sources_.dictionary != nullptr) ++lost_;
+    if (trust == Trust::kNone && has_dictionary_) ++lost_;
   }
   return {};
 }

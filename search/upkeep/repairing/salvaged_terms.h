@@ -26,7 +26,7 @@ namespace kestan::search {
 // believed. Of any other, the postings are doubted.
 //
 // What the dictionary lacks is no word of the segment, if there is a dictionary. One that is
-// damaged counts as none.
+// damaged counts as none, and so does one that nobody confirms and that lacks most of the words.
 class SalvagedTerms {
  public:
   struct Sources {
@@ -34,6 +34,7 @@ class SalvagedTerms {
     std::string salvaged_path;
     std::shared_ptr<const FileBytes> damaged;  // the index file of the segment; may be null
     const TermDictionary* dictionary;          // null: damaged
+    bool is_confirmed;                         // it is that of the segment, as MANIFEST says
     bool with_positions;
     Code highest;  // code of a document
   };
@@ -49,6 +50,7 @@ class SalvagedTerms {
 
   std::size_t size() const { return terms_.size(); }
   std::string_view TermAt(std::size_t index) const { return terms_[index].term; }
+  bool has_dictionary() const { return has_dictionary_; }
   bool with_positions() const { return sources_.with_positions; }
   Code highest() const { return sources_.highest; }
 
@@ -92,6 +94,7 @@ class SalvagedTerms {
 
   const Sources sources_;
   std::vector<Term> terms_;
+  bool has_dictionary_ = false;
   std::size_t lost_ = 0;
   std::size_t doubted_ = 0;
   std::size_t unknown_ = 0;

@@ -26,11 +26,29 @@ Status SegmentSalvage::Open() {
   errno = 0;
   const StoreError error = salvaged_.Open(sources_.salvaged_path.c_str());
   if (error != StoreError::kNone) return SystemError(errno, sources_.salvaged_path);
+  if (sources_.table && !sources_.is_confirmed && !HasNamesOf(*sources_.table)) {
+    sources_.table.reset();
+  }
   highest_ = sources_.table ? static_cast<std::uint32_t>(sources_.table->size())
                             : salvaged_.CountDocuments().highest_code;
   auto damaged = FileBytes::OpenUnmapped(sources_.path);
   if (damaged.ok()) damaged_ = std::move(*damaged);
   return {};
+}
+
+// Returns whether half of the documents that the engine has found are those of the table.
+bool SegmentSalvage::HasNamesOf(const DocumentTable& table) {
+  const std::size_t highest = salvaged_.CountDocuments().highest_code;
+  std::size_t found = 0;
+  std::size_t same = 0;
+  for (std::size_t i = 1; i <= highest; ++i) {
+    const std::string name(salvaged_.NameOf(static_cast<Code>(i)));
+    if (i % kDocumentsBetweenFlushes == 0) salvaged_.store().Flush();
+    if (name.empty()) continue;
+    ++found;
+    if (i <= table.size() && table.NameOf(static_cast<Code>(i)) == name) ++same;
+  }
+  return same >= found - same;
 }
 
 Result<std::optional<SegmentInfo>> SegmentSalvage::Write(const std::string& target,
@@ -40,8 +58,8 @@ Result<std::optional<SegmentInfo>> SegmentSalvage::Write(const std::string& targ
   Status status = ReadDocuments(edits);
   if (!status.ok()) return status;
   SalvagedTerms terms({&salvaged_, sources_.salvaged_path, damaged_,
-                       sources_.dictionary ? &*sources_.dictionary : nullptr, with_positions,
-                       static_cast<Code>(highest_)});
+                       sources_.dictionary ? &*sources_.dictionary : nullptr, sources_.is_confirmed,
+                       with_positions, static_cast<Code>(highest_)});
   status = terms.Find([this](std::string_view key, std::string_view) { return IsOther(key); });
   if (!status.ok()) return status;
   std::vector<std::optional<std::uint32_t>> words;
@@ -50,7 +68,7 @@ Result<std::optional<SegmentInfo>> SegmentSalvage::Write(const std::string& targ
   status = places.Resolve();
   if (status.ok()) status = CountWords(&terms, &places);
   if (!status.ok()) return status;
-  ReportFindings(edits);
+  ReportFindings(edits, terms.has_dictionary());
   ReportWords(terms, places.counts());
   ReportDocuments(terms, places.counts());
   return WriteSegment(target, number, edits, &terms, &places);
@@ -168,14 +186,14 @@ void SegmentSalvage::ReportWords(const SalvagedTerms& terms, const WordPlaces::C
 }
 
 // What the engine says of documents and records is of use where nobody knows better.
-void SegmentSalvage::ReportFindings(const Edits* edits) {
+void SegmentSalvage::ReportFindings(const Edits* edits, bool has_dictionary) {
   for (const RepairItem& item : sources_.findings) {
     const bool is_of_record =
         item.kind == RepairKind::kRestored || item.kind == RepairKind::kDropped;
     const bool is_of_lost = item.kind == RepairKind::kLost || item.kind == RepairKind::kLostCode;
     const bool is_of_removed = item.kind == RepairKind::kLostCode && edits != nullptr &&
                                edits->IsRemoved(static_cast<Code>(std::stoul(item.name)));
-    const bool is_new = (is_of_record && !(sources_.table && sources_.dictionary)) ||
+    const bool is_new = (is_of_record && !(sources_.table && has_dictionary)) ||
                         (is_of_lost && !sources_.table && !is_of_removed);
     if (is_new || item.kind == RepairKind::kFileNote) {
       items_.Add(item.kind, sources_.path, item.name, item.text);
@@ -184,7 +202,7 @@ void SegmentSalvage::ReportFindings(const Edits* edits) {
 }
 
 void SegmentSalvage::ReportDocuments(const SalvagedTerms& terms, const WordPlaces::Counts& counts) {
-  const bool is_whole = sources_.dictionary && terms.lost() == 0 && terms.doubted() == 0 &&
+  const bool is_whole = terms.has_dictionary() && terms.lost() == 0 && terms.doubted() == 0 &&
                         counts.behind == 0 && counts.shared == 0 && counts.forms == 0 &&
                         counts.restored == 0;
   for (const Document& document : documents_) {

@@ -30,7 +30,8 @@ namespace kestan::search {
 // Writes a damaged segment again, so that its records agree with each other.
 //
 // Its documents are those of its document table, if that is whole, else those of the index file
-// that the engine has salvaged. Its words: see SalvagedTerms and WordPlaces. The new segment has
+// that the engine has salvaged; so they are where most names of that file are not in the table,
+// and no MANIFEST confirms it. Its words: see SalvagedTerms and WordPlaces. The new segment has
 // the living documents in order, with their edits.
 class SegmentSalvage {
  public:
@@ -39,6 +40,7 @@ class SegmentSalvage {
     std::string salvaged_path;                 // of what the engine has made of it
     std::optional<DocumentTable> table;        // nothing: damaged
     std::optional<TermDictionary> dictionary;  // nothing: damaged
+    bool is_confirmed;                         // MANIFEST confirms both
     std::vector<RepairItem> findings;          // of the engine
   };
 
@@ -73,13 +75,14 @@ class SegmentSalvage {
     std::uint32_t WordsAtLeast() const;
   };
 
+  bool HasNamesOf(const DocumentTable& table);
   Status ReadDocuments(const Edits* edits);
   Document DocumentOf(Code code);
   void ApplyEdit(const DocumentEdit* edit, Document* document) const;
   bool IsOther(std::string_view key) const;
   Status CountWords(SalvagedTerms* terms, WordPlaces* places);
   void ReportWords(const SalvagedTerms& terms, const WordPlaces::Counts& counts);
-  void ReportFindings(const Edits* edits);
+  void ReportFindings(const Edits* edits, bool has_dictionary);
   void ReportDocuments(const SalvagedTerms& terms, const WordPlaces::Counts& counts);
   void ReportDocument(const Document& document, bool is_whole);
   void Note(const std::string& what, std::uint64_t count);
@@ -92,7 +95,7 @@ class SegmentSalvage {
   Result<std::string> TextOf(Code code, std::size_t field);
   Status StatusOf(int error) const;
 
-  const Sources sources_;
+  Sources sources_;
   RepairItems& items_;
   IndexFile salvaged_;
   std::shared_ptr<const FileBytes> damaged_;  // may be null

@@ -176,6 +176,7 @@ void WordPlaces::KeepForms(const SalvagedPostings& found, const SalvagedPostings
   }
 }
 
+// Of a long text, where positions need not ascend, all that follows the first lack is lacking.
 template <typename Lack>
 void WordPlaces::KeepPositions(Code code, const Positions& found, const Positions& there,
                                SalvagedPostings* kept, Lack lack) const {

@@ -76,6 +76,30 @@ TEST(PostingCheckTest, OldPostingsOfWordsThatAreNeverPurgedAreFaults) {
                    "earlier document?"}));
 }
 
+// "x" stands behind a gap: where codes are never used again it cannot be that of another document.
+TEST(PostingCheckTest, WhereNoCodeIsUsedAgainShortWordsAreLikeOthers) {
+  const TempDir dir;
+  const std::string path = dir / "index";
+  Plant(path, With({{"x", Units({1, 1, 5})}}));
+  Database store;
+  ASSERT_EQ(store.Open(path.c_str(), 0), 0);
+  const auto findings = [&store](kestan::CodeReuse reuse) {
+    std::string found;
+    kestan::CheckIndexWithFindings(
+        store,
+        [&found](const kestan::Finding& finding) {
+          found = std::string(finding.key).append(": ").append(finding.text);
+        },
+        reuse);
+    return found;
+  };
+  EXPECT_EQ(findings(kestan::CodeReuse::kPossible),
+            "d-a: words of one letter, or with a hyphen, contradict the others: those of an "
+            "earlier document?");
+  EXPECT_EQ(findings(kestan::CodeReuse::kNever),
+            "d-a: words missing: at least 2 of 5; left half-written?");
+}
+
 TEST(PostingCheckTest, WordsThatAreNeverPurgedKnowNoCodesAboveTheCounter) {
   EXPECT_EQ(LinesOf(With({{"x", Units({3, 1, 1})}})),
             Lines({"x: entries of codes that no document holds: 1"}));

@@ -49,6 +49,17 @@ TEST_F(FileBytesTest, WhatReachesPastTheEndIsNotThere) {
   EXPECT_EQ(Read(*file, 9, UINT64_MAX), "9");
 }
 
+TEST_F(FileBytesTest, AFileOfAnySizeIsReadWithoutAMapping) {
+  WriteFile(dir_ / "file", "0123456789");
+  const auto file = *FileBytes::OpenUnmapped(dir_ / "file");
+  EXPECT_EQ(file->size(), 10u);
+  EXPECT_EQ(Read(*file, 3, 4), "3456");
+  WriteFile(dir_ / "file", "01");  // which would end a process that reads a mapping of it
+  EXPECT_EQ(Read(*file, 3, 4), "");
+  EXPECT_EQ(FileBytes::OpenUnmapped(dir_ / "none").status().code(), StatusCode::kNotFound);
+  EXPECT_EQ(FileBytes::OpenUnmapped(dir_ / ".").status().code(), StatusCode::kDamaged);
+}
+
 TEST_F(FileBytesTest, AnEmptyFileCanBeRead) { EXPECT_EQ(Read(*Open(""), 0, 5), ""); }
 
 TEST_F(FileBytesTest, AllBytesCanBeReadSparsely) {

@@ -94,6 +94,37 @@ TEST_F(CheckTest, NothingIsFoundInAGoodIndex) {
   EXPECT_EQ(Findings(), "");
 }
 
+// A segment never had earlier documents, whose words a last word of one letter could be.
+TEST_F(CheckTest, WordsOfOneLetterBehindRefusedOnesAreNoFaults) {
+  {
+    auto writer = IndexWriter::Open(folder_);
+    Document document;
+    document.name = "shirt";
+    document.title = "Title";
+    document.words = "t-shirt more a";
+    ASSERT_TRUE(writer->Add(document).ok());
+    ASSERT_TRUE(writer->Commit().ok());
+  }
+  EXPECT_EQ(Findings(), "4.segment d-shirt: words of it have the keys of other records\n");
+  EXPECT_EQ(Check().faults, 0u);
+}
+
+// Where positions begin again at the first one, several words may share one.
+TEST_F(CheckTest, WordsRefusedInALongTextAreNotes) {
+  {
+    auto writer = IndexWriter::Open(folder_);
+    Document document;
+    document.name = "shirt";
+    document.title = "Title";
+    document.words = "t-shirt";
+    for (int i = 0; i < 35'000; ++i) document.words += " more less";
+    ASSERT_TRUE(writer->Add(document).ok());
+    ASSERT_TRUE(writer->Commit().ok());
+  }
+  EXPECT_EQ(Findings(), "4.segment d-shirt: words of it have the keys of other records\n");
+  EXPECT_EQ(Check().faults, 0u);
+}
+
 TEST_F(CheckTest, WordsThatWereRefusedAreNotes) {
   {
     auto writer = IndexWriter::Open(folder_);

@@ -243,6 +243,81 @@ TEST_F(RepairTest, AChangedByteCostsLittleWithoutDerivedFiles) {
   }
 }
 
+// Its positions begin again after the last, so that several of its words share one.
+TEST_F(RepairTest, ADamagedLongTextIsRepaired) {
+  {
+    auto writer = IndexWriter::Open(folder_);
+    Document document;
+    document.name = "long";
+    for (int i = 0; i < 70'000; ++i) {
+      document.words += (i % 3 == 0 ? " More" : " more") + std::string(1, char('a' + i % 26));
+    }
+    ASSERT_TRUE(writer->Add(document).ok());
+    ASSERT_TRUE(writer->Commit().ok());
+  }
+  const std::string good = ReadFile(Path("4.segment"));
+  for (std::size_t at = 512; at + 512 < good.size(); at += good.size() / 23) {
+    SCOPED_TRACE(at);
+    std::string bytes = good;
+    bytes.replace(at, 100, 100, '\x05');
+    WriteFile(Path("4.segment"), bytes);
+    const RepairReport report = Repair();
+    EXPECT_EQ(report.saved + report.words_missing, 12u);
+    if (HasFailure()) return;
+  }
+}
+
+TEST_F(RepairTest, WordsThatAreLostAreReported) {
+  const std::string good = ReadFile(Path("2.segment"));
+  const std::size_t at = good.find("t-shirt");
+  ASSERT_NE(at, std::string::npos);
+  WriteFile(Path("2.segment"), std::string(good).replace(at, 20, 20, '\xff'));
+  const RepairReport report = Repair();
+  EXPECT_EQ(Items(RepairKind::kWordsLost),
+            std::vector<std::string>{"2.segment  words of which nothing was found: 1"});
+  EXPECT_EQ(Items(RepairKind::kSegmentSalvaged).size(), 1u);
+  EXPECT_EQ(report.words_missing, 4u);
+  EXPECT_EQ(report.losses, 5u);
+  EXPECT_EQ(*IndexReader::Open(new_)->Count("hello"), 11u);
+}
+
+TEST_F(RepairTest, AWordBehindADamagedKeyIsFoundByItsPlace) {
+  const auto sayings = Sayings(folder_);
+  const std::string good = ReadFile(Path("2.segment"));
+  const std::size_t at = good.find("t-shirt");
+  ASSERT_NE(at, std::string::npos);
+  WriteFile(Path("2.segment"), std::string(good).replace(at, 7, "d-xhirt"));
+  EXPECT_EQ(Repair().losses, 0u);
+  EXPECT_EQ(Sayings(new_), sayings);
+}
+
+// Without MANIFEST nothing says that the table is that of the segment, but what both say.
+TEST_F(RepairTest, WithoutManifestATableOfAnotherSegmentIsNotBelieved) {
+  const auto names = NamesOf(ReadIndex(folder_));
+  fs::remove(Path("MANIFEST"));
+  for (const char* const ending : {".documents", ".terms"}) {
+    const std::string second = ReadFile(Path(std::string("2") + ending));
+    WriteFile(Path(std::string("2") + ending), ReadFile(Path(std::string("3") + ending)));
+    WriteFile(Path(std::string("3") + ending), second);
+  }
+  Change("3.segment", 0);
+  Repair();
+  EXPECT_EQ(NamesOf(ReadIndex(new_)), names);
+}
+
+// The time of a document is in no other record.
+TEST_F(RepairTest, WithoutManifestTheTableKnowsBetterThanASegmentThatIsDamaged) {
+  const auto sayings = Sayings(folder_);
+  const std::string good = ReadFile(Path("2.segment"));
+  const std::size_t at = good.find("d-n5");
+  ASSERT_NE(at, std::string::npos);
+  fs::remove(Path("MANIFEST"));
+  Change("2.segment", at + 4);
+  Repair();
+  EXPECT_EQ(Items(RepairKind::kSegmentSalvaged).size(), 1u);
+  EXPECT_EQ(Sayings(new_), sayings);
+}
+
 TEST_F(RepairTest, ALostSegmentIsReportedDocumentByDocument) {
   for (const bool missing : {true, false}) {
     if (missing) fs::remove(Path("2.segment"));
