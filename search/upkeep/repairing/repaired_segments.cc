@@ -24,13 +24,15 @@ bool IsAsExpected(const std::string& path, const FileSummary& expected) {
   return found.ok() && *found == expected;
 }
 
-// Returns whether the records of the index file at `path` agree with each other.
-bool HasSoundRecords(const std::string& path) {
+// Returns whether the records of the index file at `path` agree with each other, as far as a check
+// can say: where documents lack words, it does not see whether others share a position.
+bool HasSoundRecords(const std::string& path, bool* lack_words) {
   IndexFile file;
   if (file.Open(path.c_str()) != StoreError::kNone) return false;
   bool is_sound = true;
-  const auto take = [&is_sound](const Finding& finding) {
+  const auto take = [&](const Finding& finding) {
     const bool is_of_words = finding.kind == FindingKind::kCheckWordsMissing;
+    *lack_words = *lack_words || is_of_words;
     is_sound = is_sound && (is_of_words || finding.severity != Severity::kFault);
   };
   kestan::CheckIndexWithFindings(file.store(), take, CodeReuse::kNever);
@@ -96,7 +98,7 @@ Result<std::optional<SegmentInfo>> RepairedSegments::Take(const DamagedSegment& 
                                                           std::optional<bool>* with_positions) {
   const bool is_sound = damaged.is_in_manifest
                             ? IsAsExpected(Path(SegmentFile(damaged.info)), damaged.info.segment)
-                            : HasSoundRecords(Path(SegmentFile(damaged.info)));
+                            : IsSound(damaged);
   if (is_sound) {
     Taken taken = TakeSound(damaged, with_positions);
     if (taken.ok() || !IsOfReading(taken.status(), target_)) return taken;
@@ -104,6 +106,17 @@ Result<std::optional<SegmentInfo>> RepairedSegments::Take(const DamagedSegment& 
   }
   items_.SetDamaged();
   return Salvage(damaged, with_positions);
+}
+
+bool RepairedSegments::IsSound(const DamagedSegment& damaged) {
+  const std::string path = Path(SegmentFile(damaged.info));
+  bool lack_words = false;
+  if (!HasSoundRecords(path, &lack_words)) return false;
+  if (!lack_words) return true;
+  SegmentSalvage words({path, path, FindTable(damaged), FindTerms(damaged), false, {}}, &items_);
+  if (!words.Open().ok()) return false;
+  const Result<bool> agree = words.WordsAgree();
+  return agree.ok() && *agree;
 }
 
 Status RepairedSegments::Lose(const DamagedSegment& damaged, const std::string& why) {

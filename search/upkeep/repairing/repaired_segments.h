@@ -64,6 +64,7 @@ class RepairedSegments {
                                                const FileSummary& expected) const;
   std::optional<DocumentTable> FindTable(const DamagedSegment& damaged) const;
   std::optional<TermDictionary> FindTerms(const DamagedSegment& damaged) const;
+  bool IsSound(const DamagedSegment& damaged);
   bool IsContradicted(const DamagedSegment& damaged, const DerivedFiles& derived) const;
   Taken LoseSalvaged(const DamagedSegment& damaged, const std::string& why);
   Status Lose(const DamagedSegment& damaged, const std::string& why);

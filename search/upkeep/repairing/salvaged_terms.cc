@@ -81,7 +81,7 @@ Status SalvagedTerms::FindStored(const IsOther& is_other) {
 // record is sound.
 bool SalvagedTerms::IsWord(std::string_view key, std::string_view value,
                            const IsOther& is_other) const {
-  if (is_other(key, value)) return false;
+  if (is_other(key)) return false;
   SalvagedPostings postings;
   const bool is_sound = postings.Read(value, with_positions(), highest());
   return is_sound || (!postings.empty() && !HasFamilyMark(key));

@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "search/files/file_bytes.h"
@@ -39,11 +40,11 @@ class SalvagedTerms {
     Code highest;  // code of a document
   };
 
-  // Says of a record whether it belongs to something else than a word.
-  using IsOther = std::function<bool(std::string_view key, std::string_view value)>;
+  // Says of a key whether its record is none of a word.
+  using IsOther = std::function<bool(std::string_view key)>;
 
   // Borrows what `sources` points at.
-  explicit SalvagedTerms(const Sources& sources) : sources_(sources) {}
+  explicit SalvagedTerms(Sources sources) : sources_(std::move(sources)) {}
 
   // Finds the words, and the forms without capitals of words that have some.
   Status Find(const IsOther& is_other);

@@ -51,27 +51,39 @@ bool SegmentSalvage::HasNamesOf(const DocumentTable& table) {
   return same >= found - same;
 }
 
+Result<bool> SegmentSalvage::WordsAgree() {
+  with_positions_ = with_positions();
+  Status status = ResolveWords(nullptr);
+  if (!status.ok()) return status;
+  return !places_->counts().any();
+}
+
 Result<std::optional<SegmentInfo>> SegmentSalvage::Write(const std::string& target,
                                                          std::uint64_t number, bool with_positions,
                                                          const Edits* edits) {
   with_positions_ = with_positions;
+  Status status = ResolveWords(edits);
+  if (status.ok()) status = CountWords();
+  if (!status.ok()) return status;
+  ReportFindings(edits);
+  ReportWords();
+  ReportDocuments();
+  return WriteSegment(target, number, edits);
+}
+
+Status SegmentSalvage::ResolveWords(const Edits* edits) {
   Status status = ReadDocuments(edits);
   if (!status.ok()) return status;
-  SalvagedTerms terms({&salvaged_, sources_.salvaged_path, damaged_,
-                       sources_.dictionary ? &*sources_.dictionary : nullptr, sources_.is_confirmed,
-                       with_positions, static_cast<Code>(highest_)});
-  status = terms.Find([this](std::string_view key, std::string_view) { return IsOther(key); });
+  terms_.emplace(SalvagedTerms::Sources{&salvaged_, sources_.salvaged_path, damaged_,
+                                        sources_.dictionary ? &*sources_.dictionary : nullptr,
+                                        sources_.is_confirmed, with_positions_,
+                                        static_cast<Code>(highest_)});
+  status = terms_->Find([this](std::string_view key) { return IsOther(key); });
   if (!status.ok()) return status;
   std::vector<std::optional<std::uint32_t>> words;
   for (const Document& document : documents_) words.push_back(document.words);
-  WordPlaces places(&terms, std::move(words));
-  status = places.Resolve();
-  if (status.ok()) status = CountWords(&terms, &places);
-  if (!status.ok()) return status;
-  ReportFindings(edits, terms.has_dictionary());
-  ReportWords(terms, places.counts());
-  ReportDocuments(terms, places.counts());
-  return WriteSegment(target, number, edits, &terms, &places);
+  places_.emplace(&*terms_, std::move(words));
+  return places_->Resolve();
 }
 
 // ---- Documents ----
@@ -142,12 +154,12 @@ bool SegmentSalvage::IsOther(std::string_view key) const {
   return false;
 }
 
-Status SegmentSalvage::CountWords(SalvagedTerms* terms, WordPlaces* places) {
+Status SegmentSalvage::CountWords() {
   SalvagedPostings kept;
-  for (std::size_t i = 0; i < terms->size(); ++i) {
-    Status status = places->Read(i, &kept);
+  for (std::size_t i = 0; i < terms_->size(); ++i) {
+    Status status = places_->Read(i, &kept);
     if (!status.ok()) return status;
-    const bool is_folded = IsFolded(terms->TermAt(i));
+    const bool is_folded = IsFolded(terms_->TermAt(i));
     for (const SalvagedPosting& posting : kept) {
       Document& document = documents_[posting.code];
       if (is_folded) document.folded += std::max<std::size_t>(posting.positions, 1);
@@ -172,7 +184,9 @@ void SegmentSalvage::Note(const std::string& what, std::uint64_t count) {
   items_.Add(RepairKind::kFileNote, sources_.path, "", what + ": " + std::to_string(count));
 }
 
-void SegmentSalvage::ReportWords(const SalvagedTerms& terms, const WordPlaces::Counts& counts) {
+void SegmentSalvage::ReportWords() {
+  const SalvagedTerms& terms = *terms_;
+  const WordPlaces::Counts& counts = places_->counts();
   if (terms.lost() > 0) {
     items_.Add(RepairKind::kWordsLost, sources_.path, "",
                "words of which nothing was found: " + std::to_string(terms.lost()));
@@ -186,14 +200,14 @@ void SegmentSalvage::ReportWords(const SalvagedTerms& terms, const WordPlaces::C
 }
 
 // What the engine says of documents and records is of use where nobody knows better.
-void SegmentSalvage::ReportFindings(const Edits* edits, bool has_dictionary) {
+void SegmentSalvage::ReportFindings(const Edits* edits) {
   for (const RepairItem& item : sources_.findings) {
     const bool is_of_record =
         item.kind == RepairKind::kRestored || item.kind == RepairKind::kDropped;
     const bool is_of_lost = item.kind == RepairKind::kLost || item.kind == RepairKind::kLostCode;
     const bool is_of_removed = item.kind == RepairKind::kLostCode && edits != nullptr &&
                                edits->IsRemoved(static_cast<Code>(std::stoul(item.name)));
-    const bool is_new = (is_of_record && !(sources_.table && has_dictionary)) ||
+    const bool is_new = (is_of_record && !(sources_.table && terms_->has_dictionary())) ||
                         (is_of_lost && !sources_.table && !is_of_removed);
     if (is_new || item.kind == RepairKind::kFileNote) {
       items_.Add(item.kind, sources_.path, item.name, item.text);
@@ -201,10 +215,9 @@ void SegmentSalvage::ReportFindings(const Edits* edits, bool has_dictionary) {
   }
 }
 
-void SegmentSalvage::ReportDocuments(const SalvagedTerms& terms, const WordPlaces::Counts& counts) {
-  const bool is_whole = terms.has_dictionary() && terms.lost() == 0 && terms.doubted() == 0 &&
-                        counts.behind == 0 && counts.shared == 0 && counts.forms == 0 &&
-                        counts.restored == 0;
+void SegmentSalvage::ReportDocuments() {
+  const bool is_whole = terms_->has_dictionary() && terms_->lost() == 0 && terms_->doubted() == 0 &&
+                        !places_->counts().any();
   for (const Document& document : documents_) {
     if (document.lives) ReportDocument(document, is_whole);
   }
@@ -230,9 +243,7 @@ void SegmentSalvage::ReportDocument(const Document& document, bool is_whole) {
 
 Result<std::optional<SegmentInfo>> SegmentSalvage::WriteSegment(const std::string& target,
                                                                 std::uint64_t number,
-                                                                const Edits* edits,
-                                                                SalvagedTerms* terms,
-                                                                WordPlaces* places) {
+                                                                const Edits* edits) {
   std::vector<Code> new_codes(documents_.size());
   Code last = 0;
   for (std::size_t i = 1; i < documents_.size(); ++i) {
@@ -240,13 +251,13 @@ Result<std::optional<SegmentInfo>> SegmentSalvage::WriteSegment(const std::strin
   }
   if (last == 0) return std::optional<SegmentInfo>();
   SegmentWriter writer;
-  Status status = writer.Create(target, number, with_positions_, last, terms->size());
+  Status status = writer.Create(target, number, with_positions_, last, terms_->size());
   for (std::size_t i = 1; status.ok() && i < documents_.size(); ++i) {
     const auto code = static_cast<Code>(i);
     if (new_codes[i] == 0) continue;
     status = WriteDocument(code, edits != nullptr ? edits->EditOf(code) : nullptr, &writer);
   }
-  if (status.ok()) status = WriteWords(terms, places, new_codes, &writer);
+  if (status.ok()) status = WriteWords(new_codes, &writer);
   if (!status.ok()) return status;
   const Result<SegmentInfo> info = writer.Finish(Syncing::kLater);
   if (!info.ok()) return info.status();
@@ -306,12 +317,11 @@ Result<std::string> SegmentSalvage::TextOf(Code code, std::size_t field) {
   return std::string();
 }
 
-Status SegmentSalvage::WriteWords(SalvagedTerms* terms, WordPlaces* places,
-                                  const std::vector<Code>& new_codes, SegmentWriter* writer) {
+Status SegmentSalvage::WriteWords(const std::vector<Code>& new_codes, SegmentWriter* writer) {
   SalvagedPostings kept;
   std::string record;
-  for (std::size_t i = 0; i < terms->size(); ++i) {
-    Status status = places->Read(i, &kept);
+  for (std::size_t i = 0; i < terms_->size(); ++i) {
+    Status status = places_->Read(i, &kept);
     if (!status.ok()) return status;
     std::uint32_t documents = 0;
     record.clear();
@@ -322,7 +332,7 @@ Status SegmentSalvage::WriteWords(SalvagedTerms* terms, WordPlaces* places,
       if (with_positions_) AppendPosting(code, kept.PositionsOf(posting), &record);
       if (!with_positions_) AppendPosting(code, &record);
     }
-    if (documents > 0) writer->AddTerm(terms->TermAt(i), documents, record);
+    if (documents > 0) writer->AddTerm(terms_->TermAt(i), documents, record);
   }
   return {};
 }

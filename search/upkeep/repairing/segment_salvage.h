@@ -56,6 +56,10 @@ class SegmentSalvage {
   // Returns whether there are positions, going by what the engine has salvaged.
   bool with_positions() { return salvaged_.KeepsPositions(); }
 
+  // Returns whether no words contradict each other, of a file that was sound otherwise. Once, and
+  // not before Write().
+  Result<bool> WordsAgree();
+
   // Writes segment `number` of the folder `target`, and reports what it has and lacks. `edits`,
   // those of the damaged one, may be null. Once.
   //   Returns  nothing if no document lives.
@@ -80,18 +84,17 @@ class SegmentSalvage {
   Document DocumentOf(Code code);
   void ApplyEdit(const DocumentEdit* edit, Document* document) const;
   bool IsOther(std::string_view key) const;
-  Status CountWords(SalvagedTerms* terms, WordPlaces* places);
-  void ReportWords(const SalvagedTerms& terms, const WordPlaces::Counts& counts);
-  void ReportFindings(const Edits* edits, bool has_dictionary);
-  void ReportDocuments(const SalvagedTerms& terms, const WordPlaces::Counts& counts);
+  Status ResolveWords(const Edits* edits);
+  Status CountWords();
+  void ReportWords();
+  void ReportFindings(const Edits* edits);
+  void ReportDocuments();
   void ReportDocument(const Document& document, bool is_whole);
   void Note(const std::string& what, std::uint64_t count);
   Result<std::optional<SegmentInfo>> WriteSegment(const std::string& target, std::uint64_t number,
-                                                  const Edits* edits, SalvagedTerms* terms,
-                                                  WordPlaces* places);
+                                                  const Edits* edits);
   Status WriteDocument(Code code, const DocumentEdit* edit, SegmentWriter* writer);
-  Status WriteWords(SalvagedTerms* terms, WordPlaces* places, const std::vector<Code>& new_codes,
-                    SegmentWriter* writer);
+  Status WriteWords(const std::vector<Code>& new_codes, SegmentWriter* writer);
   Result<std::string> TextOf(Code code, std::size_t field);
   Status StatusOf(int error) const;
 
@@ -103,6 +106,8 @@ class SegmentSalvage {
   bool with_positions_ = true;
   std::vector<Document> documents_;                        // by code
   std::map<std::string, Code, std::less<>> stored_names_;  // of all documents
+  std::optional<SalvagedTerms> terms_;
+  std::optional<WordPlaces> places_;
 };
 
 }  // namespace kestan::search

@@ -45,6 +45,8 @@ class WordPlaces {
     std::uint64_t shared = 0;
     std::uint64_t forms = 0;
     std::uint64_t restored = 0;
+
+    bool any() const { return behind + shared + forms + restored != 0; }
   };
   const Counts& counts() const { return counts_; }
 

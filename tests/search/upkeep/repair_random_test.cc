@@ -246,7 +246,7 @@ TEST_P(RepairRandomTest, WhatIsLeftAgreesWithItself) {
     EXPECT_EQ(report->saved + report->words_missing + report->half_written, after.size());
     CheckSearches(new_, after);
   }
-  EXPECT_GT(repaired, seeds / 2);
+  EXPECT_TRUE(HasFailure() || repaired > seeds / 2) << repaired;
 }
 
 INSTANTIATE_TEST_SUITE_P(Positions, RepairRandomTest, testing::Bool(),
