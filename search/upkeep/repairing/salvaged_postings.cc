@@ -47,6 +47,17 @@ std::vector<bool> LongestAscent(const std::vector<SalvagedPosting>& postings) {
 
 }  // namespace
 
+bool LooksLikePostings(std::string_view record, bool with_positions) {
+  const bool can_be = record.size() % sizeof(Code) == 0;
+  if (!can_be || record.find('\0') == std::string_view::npos) return false;
+  for (PostingCursor cursor(record, with_positions); cursor.Next();) {
+    const EncodedPositions positions = cursor.positions();
+    if (cursor.code() == 0 || !IsWhole(cursor, with_positions)) return false;
+    if (std::find(positions.begin(), positions.end(), 0) != positions.end()) return false;
+  }
+  return true;
+}
+
 void SalvagedPostings::Clear() {
   postings_.clear();
   positions_.clear();

@@ -18,6 +18,10 @@ struct SalvagedPosting {
   std::size_t positions = 0;
 };
 
+// Returns whether `record` has the shape of postings, of whatever codes, and a NUL, as no title or
+// summary has. A check takes it for the record of a word.
+bool LooksLikePostings(std::string_view record, bool with_positions);
+
 // What can be read of one posting record: in order of codes, of which a damaged record may have one
 // twice.
 class SalvagedPostings {

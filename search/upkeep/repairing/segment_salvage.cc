@@ -305,12 +305,12 @@ Result<std::string> SegmentSalvage::TextOf(Code code, std::size_t field) {
   const DBDatum wanted(key.data(), static_cast<std::uint32_t>(key.size()));
   const int error = salvaged_.store().Get(&value, wanted);
   if (Database::IsReadFailure(error)) return StatusOf(error);
-  SalvagedPostings postings;
-  const bool is_text =
-      value.ptr != nullptr &&
-      (sources_.table || !postings.Read({value.ptr->data, value.ptr->size}, with_positions_,
-                                        static_cast<Code>(highest_)));
-  if (is_text) return std::string(value.ptr->data, value.ptr->size);
+  const std::string_view text = value.ptr != nullptr
+                                    ? std::string_view(value.ptr->data, value.ptr->size)
+                                    : std::string_view();
+  const bool is_word = !sources_.table && (terms_->IndexOf(key) != terms_->size() ||
+                                           LooksLikePostings(text, with_positions_));
+  if (value.ptr != nullptr && !is_word) return std::string(text);
   if (sources_.table) {
     items_.Add(RepairKind::kTextLost, sources_.path, document.name, kFieldNames[field]);
   }

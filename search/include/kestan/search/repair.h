@@ -66,9 +66,10 @@ using TakeRepairItem = std::function<bool(const RepairItem& item)>;
 // Makes a new index at `new_path`, where there must be nothing, of what can be read of the one at
 // `path`, which stays as it is. Of an index file, this is what kestan::RepairIndex() makes. Of a
 // folder, each segment whose index file is damaged is salvaged by itself, and the others are taken
-// over; derived files are made again where they are missing or damaged, and so is MANIFEST. In a
-// segment that was salvaged, CheckIndex() may still find words that contradict each other;
-// elsewhere in the new index it finds no fault.
+// over; derived files are made again where they are missing or damaged, and so is MANIFEST. A
+// segment that was salvaged is written again, so that its words agree with each other, with what
+// its document table and its term dictionary say if they are whole: docs/check-and-repair.md has
+// the rules. Of a folder, CheckIndex() finds no fault in the new index.
 //
 // All or nothing, as CopyIndex() makes an index.
 //   Returns  kAlreadyExists; kNotFound where there is nothing of an index; kBusy while a writer is

@@ -80,5 +80,16 @@ TEST(SalvagedPostingsTest, WithoutPositionsTheyAreLeftOut) {
   EXPECT_EQ(Read(Units({2, 2, 3}), false), "damaged 2 3");
 }
 
+TEST(SalvagedPostingsTest, WhatLooksLikePostingsHasTheirShapeAndANul) {
+  EXPECT_TRUE(LooksLikePostings(Units({7, 1, 5, 300, 2, 9, 8}), true));
+  EXPECT_TRUE(LooksLikePostings(Units({7, 5, 5}), false));
+  EXPECT_FALSE(LooksLikePostings("", true));
+  EXPECT_FALSE(LooksLikePostings("some text!", false));
+  EXPECT_FALSE(LooksLikePostings(Units({7, 2, 5}), true));
+  EXPECT_FALSE(LooksLikePostings(Units({7, 1, 0}), true));
+  EXPECT_FALSE(LooksLikePostings(Units({0, 1, 5}), true));
+  EXPECT_FALSE(LooksLikePostings(Units({7, 1, 5}) + "x", true));
+}
+
 }  // namespace
 }  // namespace kestan::search
