@@ -39,11 +39,16 @@ bool HasSoundRecords(const std::string& path, bool* lack_words) {
   return is_sound;
 }
 
-// Whether two files say the same, or the same of half of what the second one has.
+// Whether two files say the same of the same index file, or the same of half of what the second one
+// has: then the index file has changed since the first one was written.
 enum class Likeness { kSame, kAlike, kOther };
 
-Likeness LikenessOf(std::size_t same, std::size_t first, std::size_t second) {
-  if (same == first && same == second) return Likeness::kSame;
+template <typename File>
+Likeness LikenessOf(std::size_t same, const File& found, const File& made) {
+  const bool is_of_same_file = found.segment_checksum() == made.segment_checksum();
+  const auto first = static_cast<std::size_t>(found.size());
+  const auto second = static_cast<std::size_t>(made.size());
+  if (same == first && same == second && is_of_same_file) return Likeness::kSame;
   return same >= second - same ? Likeness::kAlike : Likeness::kOther;
 }
 
@@ -65,7 +70,7 @@ Likeness CompareTables(const DocumentTable& found, const DocumentTable& made) {
   for (std::size_t i = 1; i <= std::min(found.size(), made.size()); ++i) {
     if (IsSameDocument(found, made, static_cast<Code>(i))) ++same;
   }
-  return LikenessOf(same, found.size(), made.size());
+  return LikenessOf(same, found, made);
 }
 
 Likeness CompareTerms(const TermDictionary& found, const TermDictionary& made) {
@@ -78,8 +83,7 @@ Likeness CompareTerms(const TermDictionary& found, const TermDictionary& made) {
     return true;
   });
   if (!status.ok()) return Likeness::kOther;
-  return LikenessOf(same, static_cast<std::size_t>(found.size()),
-                    static_cast<std::size_t>(made.size()));
+  return LikenessOf(same, found, made);
 }
 
 // What cannot be read is lost; what cannot be written, or for lack of memory, ends the repair.
