@@ -13,6 +13,7 @@
 #include "cli/console/interruption.h"
 #include "cli/console/message.h"
 #include "cli/console/output.h"
+#include "cli/extract/module/loaded_readers.h"
 
 namespace kestan_cli {
 namespace {
@@ -49,6 +50,12 @@ int RunAndReport(const Arguments& arguments) {
   }
 }
 
+// Says once why all documents that needed them were skipped.
+void ReportUnusableReaders() {
+  const std::string problem = ReadersProblem();
+  if (!problem.empty()) ReportProblem(problem);
+}
+
 }  // namespace
 }  // namespace kestan_cli
 
@@ -57,5 +64,7 @@ int main(int argc, char** argv) {
   // Neither a closed pipe nor a limit on file sizes may end the process in the middle of a change.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
-  return kestan_cli::RunAndReport({argv + (argc > 0 ? 1 : 0), argv + argc});
+  const int status = kestan_cli::RunAndReport({argv + (argc > 0 ? 1 : 0), argv + argc});
+  kestan_cli::ReportUnusableReaders();
+  return status;
 }

@@ -15,6 +15,9 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kMostFiles = 20;
 constexpr std::array<std::string_view, 3> kComponents{"kestan", "search", "cli"};
+constexpr std::array<std::string_view, 2> kLibraries{"unicode", "libxml"};
+constexpr std::string_view kModule = "cli/readers";
+constexpr std::string_view kModuleHeader = "cli/readers/readers.h";
 
 std::string TextOf(const fs::path& path) {
   std::ifstream file(path);
@@ -28,15 +31,28 @@ bool IsIn(std::string_view path, std::string_view directory) {
          path[directory.size()] == '/';
 }
 
-bool IsOurs(std::string_view path) {
-  return std::any_of(kComponents.begin(), kComponents.end(),
-                     [&](std::string_view component) { return IsIn(path, component); });
+template <typename Directories>
+bool IsInOneOf(std::string_view path, const Directories& directories) {
+  return std::any_of(directories.begin(), directories.end(),
+                     [&](std::string_view directory) { return IsIn(path, directory); });
 }
 
 // Returns where a file that hosts include as `path` lies.
 std::string SourceOf(const std::string& path) {
   const bool is_of_search = path == "kestan/search.h" || IsIn(path, "kestan/search");
   return is_of_search ? "search/include/" + path : path;
+}
+
+Paths AllIncludesOf(std::string_view text) {
+  constexpr std::string_view kStart = "#include ";
+  Paths includes;
+  std::istringstream lines{std::string(text)};
+  for (std::string line; std::getline(lines, line);) {
+    if (line.compare(0, kStart.size(), kStart) != 0) continue;
+    const std::size_t first = kStart.size() + 1;
+    includes.insert(line.substr(first, line.find_first_of(">\"", first) - first));
+  }
+  return includes;
 }
 
 // Removes what includes nothing that is left, over and over. What stays is in a cycle or includes
@@ -103,17 +119,32 @@ std::optional<std::size_t> HeightOf(const std::string& name, const std::vector<F
   return std::nullopt;
 }
 
+// Reads the sources of `component` and what `includes_of` finds in each.
+Sources ReadComponent(const std::string& root, std::string_view component,
+                      Paths (*includes_of)(std::string_view text)) {
+  Sources sources;
+  for (const auto& entry : fs::recursive_directory_iterator(fs::path(root) / component)) {
+    const std::string extension = entry.path().extension().string();
+    if (extension != ".h" && extension != ".cc") continue;
+    sources[entry.path().lexically_relative(root).string()] = includes_of(TextOf(entry.path()));
+  }
+  return sources;
+}
+
 }  // namespace
 
 Paths IncludesOf(std::string_view text) {
-  constexpr std::string_view kStart = "#include ";
   Paths includes;
-  std::istringstream lines{std::string(text)};
-  for (std::string line; std::getline(lines, line);) {
-    if (line.compare(0, kStart.size(), kStart) != 0) continue;
-    const std::size_t first = kStart.size() + 1;
-    const std::string path = line.substr(first, line.find_first_of(">\"", first) - first);
-    if (IsOurs(path)) includes.insert(SourceOf(path));
+  for (const std::string& path : AllIncludesOf(text)) {
+    if (IsInOneOf(path, kComponents)) includes.insert(SourceOf(path));
+  }
+  return includes;
+}
+
+Paths LibraryIncludesOf(std::string_view text) {
+  Paths includes;
+  for (const std::string& path : AllIncludesOf(text)) {
+    if (IsInOneOf(path, kLibraries)) includes.insert(path);
   }
   return includes;
 }
@@ -121,13 +152,13 @@ Paths IncludesOf(std::string_view text) {
 Sources ReadSources(const std::string& root) {
   Sources sources;
   for (const std::string_view component : kComponents) {
-    for (const auto& entry : fs::recursive_directory_iterator(fs::path(root) / component)) {
-      const std::string extension = entry.path().extension().string();
-      if (extension != ".h" && extension != ".cc") continue;
-      sources[entry.path().lexically_relative(root).string()] = IncludesOf(TextOf(entry.path()));
-    }
+    sources.merge(ReadComponent(root, component, IncludesOf));
   }
   return sources;
+}
+
+Sources ReadLibraryIncludes(const std::string& root) {
+  return ReadComponent(root, "cli", LibraryIncludesOf);
 }
 
 Paths FilesOutsideTests(const std::string& root) {
@@ -190,6 +221,22 @@ std::vector<std::string> FindPrivateHeaders(const Sources& sources, const Paths&
         faults.push_back(path + " includes " + include);
       }
     }
+  }
+  return faults;
+}
+
+std::vector<std::string> FindModuleFaults(const Sources& sources, const Sources& libraries) {
+  std::vector<std::string> faults;
+  for (const auto& [path, includes] : sources) {
+    const bool is_in_module = IsIn(path, kModule);
+    for (const std::string& include : includes) {
+      if (is_in_module == IsIn(include, kModule)) continue;
+      if (is_in_module || include != kModuleHeader) faults.push_back(path + " includes " + include);
+    }
+  }
+  for (const auto& [path, includes] : libraries) {
+    if (IsIn(path, kModule)) continue;
+    for (const std::string& include : includes) faults.push_back(path + " includes " + include);
   }
   return faults;
 }

@@ -24,6 +24,13 @@ Paths IncludesOf(std::string_view text);
 
 Sources ReadSources(const std::string& root);
 
+// Returns the headers of ICU and libxml2 that the lines of `text` include.
+Paths LibraryIncludesOf(std::string_view text);
+
+// The files of cli/ by their paths from the root, each with the headers of ICU and libxml2 that it
+// includes.
+Sources ReadLibraryIncludes(const std::string& root);
+
 // Returns the paths of all files of the project, from the root, but for those of tests/.
 Paths FilesOutsideTests(const std::string& root);
 
@@ -42,6 +49,10 @@ std::vector<std::string> FindClimbs(const Sources& sources, const std::vector<Fl
 // Headers of the engine that search/ or cli/ includes, and of the search library that cli/ does,
 // but no host could.
 std::vector<std::string> FindPrivateHeaders(const Sources& sources, const Paths& installed);
+
+// Includes between cli/readers, which becomes a module, and the rest, but for those of the header
+// that describes the module; and files of the rest that include anything of `libraries`.
+std::vector<std::string> FindModuleFaults(const Sources& sources, const Sources& libraries);
 
 // Directories with more than 20 of these files.
 std::vector<std::string> FindCrowdedDirectories(const Paths& files);

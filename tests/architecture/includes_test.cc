@@ -24,6 +24,7 @@ const std::vector<Floor> kFloors{
     {"search/ranking", "search/snippet"},
     {"search/index"},
     {"search/upkeep"},
+    {"cli/readers"},  // becomes a module
     {"cli/console"},
     {"cli/files"},
     {"cli/extract", "cli/index"},
@@ -66,6 +67,13 @@ TEST_F(ArchitectureTest, InstalledHeadersIncludeInstalledHeadersOnly) {
       EXPECT_EQ(installed.count(include), 1u) << header << " includes " << include;
     }
   }
+}
+
+TEST_F(ArchitectureTest, OnlyTheModuleNeedsTheLibrariesThatItLoads) {
+  const Sources libraries = ReadLibraryIncludes(KESTAN_SOURCE_DIR);
+  EXPECT_EQ(libraries.at("cli/readers/html_parser.cc").count("libxml/HTMLparser.h"), 1u);
+  EXPECT_EQ(libraries.at("cli/readers/charset_decoder.cc").count("unicode/ucnv.h"), 1u);
+  EXPECT_EQ(FindModuleFaults(Read(), libraries), Lines());
 }
 
 TEST_F(ArchitectureTest, NoDirectoryIsCrowded) {
@@ -150,6 +158,30 @@ TEST(FindPrivateHeadersTest, HeaderThatNoHostHasIsFound) {
                                 {"search/query/query.cc", {"search/text/words.h"}}},
                                {}),
             Lines({"cli/app/a.cc includes search/text/words.h"}));
+}
+
+TEST(LibraryIncludesOfTest, OnlyLibrariesOfTheModuleAreFound) {
+  EXPECT_EQ(LibraryIncludesOf("#include <unicode/ucnv.h>\n#include <libxml/parser.h>\n"
+                              "#include <unicodes/a.h>\n#include <string>\n"
+                              "#include \"cli/readers/readers.h\"\n"),
+            (Paths{"libxml/parser.h", "unicode/ucnv.h"}));
+}
+
+TEST(FindModuleFaultsTest, DescriptionOfTheModuleIsForAll) {
+  EXPECT_EQ(FindModuleFaults({{"cli/extract/a.cc", {"cli/readers/readers.h"}},
+                              {"cli/readers/b.cc", {"cli/readers/b.h", "cli/readers/readers.h"}}},
+                             {{"cli/readers/b.cc", {"unicode/ucnv.h"}}, {"cli/main.cc", {}}}),
+            Lines());
+}
+
+TEST(FindModuleFaultsTest, OtherIncludesAcrossItsBoundaryAreFound) {
+  EXPECT_EQ(FindModuleFaults({{"cli/extract/a.cc", {"cli/readers/b.h"}},
+                              {"cli/readers/b.cc", {"cli/console/message.h", "kestan/kestan.h"}}},
+                             {{"cli/extract/a.cc", {"libxml/parser.h"}}}),
+            Lines({"cli/extract/a.cc includes cli/readers/b.h",
+                   "cli/readers/b.cc includes cli/console/message.h",
+                   "cli/readers/b.cc includes kestan/kestan.h",
+                   "cli/extract/a.cc includes libxml/parser.h"}));
 }
 
 TEST(FindCrowdedDirectoriesTest, TwentyFilesAreFewAndTwentyOneMany) {

@@ -63,6 +63,9 @@ class CommandTest : public testing::Test {
  protected:
   using InChild = std::function<void()>;
 
+  // Runs another copy of the command from now on.
+  void UseCommand(const std::string& path) { command_ = path; }
+
   // Runs `kestan` with `arguments`; `prepare` runs in the child before.
   Outcome Run(
       const std::vector<std::string>& arguments, const InChild& prepare = [] {}) {
@@ -118,7 +121,7 @@ class CommandTest : public testing::Test {
   [[noreturn]] void Become(const std::vector<std::string>& arguments, const std::string& out,
                            const std::string& err, const InChild& prepare) {
     // Opened before it gives up privileges: the other user may have no access to the build folder.
-    const int command = open(KESTAN_COMMAND, O_RDONLY | O_CLOEXEC);
+    const int command = open(command_.c_str(), O_RDONLY | O_CLOEXEC);
     std::vector<char*> argv{const_cast<char*>("kestan")};
     for (const std::string& argument : arguments)
       argv.push_back(const_cast<char*>(argument.c_str()));
@@ -132,6 +135,7 @@ class CommandTest : public testing::Test {
   }
 
   TempDir folder_;
+  std::string command_ = KESTAN_COMMAND;
 };
 
 }  // namespace kestan_tests

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs a build into a folder of its own and builds the example hosts against it: with CMake's
 # find_package and with pkg-config, each with the shared and with the static library. Every host must
-# print the same lines.
+# print the same lines. An installed command must start without the libraries of its module, and read a
+# page with them wherever its tree has been moved to.
 #   usage: check_install.sh BUILD SOURCE COMPILER FLAGS GDBM_FOLDER LIBRARY_FOLDER
 set -euo pipefail
 build=$1 source=$2 compiler=$3 gdbm_folder=$5 library_folder=$6
@@ -64,4 +65,28 @@ check_hosts "$source/examples/first_host.cc" kestan::kestan kestan \
 if [ -f "$libraries/pkgconfig/kestan-search.pc" ]; then
   check_hosts "$source/examples/search_host.cc" kestan::search kestan-search \
     $'roses.txt\nviolets.txt'
+fi
+
+# Indexes and finds a page with the command below the prefix $1.
+check_command() {
+  local command=$1/bin/kestan folder=$work/pages printed
+  mkdir "$folder"
+  printf '<meta charset=windows-1251><p>caf&eacute; \xf0\xee\xe7\xfb' >"$folder/page.html"
+  "$command" index --quiet "$folder.index" "$folder"
+  printed=$("$command" search --names-only "$folder.index" 'café розы')
+  [ "$printed" = "$folder/page.html" ] || { echo "$command found: $printed"; exit 1; }
+  rm -r "$folder" "$folder.index"
+}
+
+if [ -f "$build/cli/kestan" ]; then
+  if readelf -d "$prefix/bin/kestan" | grep 'NEEDED.*lib\(icu\|xml2\)'; then
+    echo 'the command is linked with what its module loads'
+    exit 1
+  fi
+  [ -f "$libraries/kestan/kestan-readers.so" ] || { echo 'the module is not installed'; exit 1; }
+  check_command "$prefix"
+  mv "$prefix" "$work/moved"
+  check_command "$work/moved"
+  DESTDIR=$work/stage cmake --install "$build" --prefix /opt/kestan >/dev/null
+  check_command "$work/stage/opt/kestan"
 fi

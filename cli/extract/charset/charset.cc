@@ -2,19 +2,15 @@
 
 #include <kestan/search.h>
 
-#include <unicode/ucnv.h>
-#include <unicode/ucnv_cb.h>
-#include <unicode/utf16.h>
-
-#include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstdint>
-#include <memory>
+#include <exception>
 #include <new>
+#include <utility>
 
 #include "cli/extract/charset/ascii.h"
 #include "cli/extract/charset/latin1.h"
+#include "cli/extract/module/loaded_readers.h"
 #include "cli/files/skip.h"
 
 namespace kestan_cli {
@@ -120,29 +116,6 @@ std::string FromLatin10(std::string_view bytes) {
   return text;
 }
 
-struct CloseConverter {
-  void operator()(UConverter* converter) const { ucnv_close(converter); }
-};
-using OwnedConverter = std::unique_ptr<UConverter, CloseConverter>;
-
-// Handles the invalid bytes that ICU reports. ASCII after a lead byte stays.
-struct Faults {
-  static void Replace(const void* context, UConverterToUnicodeArgs* arguments, const char* bytes,
-                      std::int32_t length, UConverterCallbackReason reason, UErrorCode* error) {
-    if (reason > UCNV_IRREGULAR) return;  // not about invalid bytes
-    *error = U_ZERO_ERROR;
-    *static_cast<bool*>(const_cast<void*>(context)) = true;
-    std::u16string text(1, u'\ufffd');
-    // Two ASCII bytes that stand for one character are not ASCII.
-    const bool may_hold_ascii =
-        reason != UCNV_UNASSIGNED || static_cast<unsigned char>(bytes[0]) >= 0x80;
-    for (std::int32_t i = 0; may_hold_ascii && i < length; ++i) {
-      if (bytes[i] >= ' ' && bytes[i] <= '~') text += static_cast<char16_t>(bytes[i]);
-    }
-    ucnv_cbToUWriteUChars(arguments, text.data(), static_cast<std::int32_t>(text.size()), 0, error);
-  }
-};
-
 // Collects UTF-16 in pieces. A surrogate pair may be split between two.
 class Utf8Builder {
  public:
@@ -157,15 +130,16 @@ class Utf8Builder {
 
  private:
   void AddUnit(char16_t unit) {
-    const bool is_pair = lead_ != 0 && U16_IS_TRAIL(unit);
+    const bool is_trail = (unit & 0xfc00) == 0xdc00;
+    const bool is_pair = lead_ != 0 && is_trail;
     if (lead_ != 0 && !is_pair) AppendCharacter(0xfffd, &text_);
-    const char16_t lead = lead_;
-    lead_ = U16_IS_LEAD(unit) ? unit : 0;
+    const char32_t lead = lead_;
+    lead_ = (unit & 0xfc00) == 0xd800 ? unit : 0;
     if (lead_ != 0) return;
     if (is_pair) {
-      AppendCharacter(static_cast<char32_t>(U16_GET_SUPPLEMENTARY(lead, unit)), &text_);
+      AppendCharacter(0x10000 + ((lead & 0x3ff) << 10) + (unit & 0x3ff), &text_);
     } else {
-      AppendCharacter(U16_IS_TRAIL(unit) ? 0xfffd : unit, &text_);
+      AppendCharacter(is_trail ? 0xfffd : unit, &text_);
     }
   }
 
@@ -173,37 +147,38 @@ class Utf8Builder {
   char16_t lead_ = 0;
 };
 
-// Opens the converter that ICU has under `name`. ICU reports a failed allocation as a missing
-// converter, so it is asked twice.
-//   Returns  nullptr if there is none.
-OwnedConverter OpenConverter(const std::string& name) {
-  OwnedConverter converter;
-  for (int attempt = 0; converter == nullptr && attempt < 2; ++attempt) {
-    UErrorCode error = U_ZERO_ERROR;
-    converter.reset(ucnv_open(name.c_str(), &error));
-    if (error == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
-    if (U_FAILURE(error)) converter.reset();
+// Takes the pieces that a decoder sends. No exception may pass through it.
+struct Decoding {
+  Utf16Sink Sink() {
+    return {this, [](void* decoding, const char16_t* units, std::size_t count) noexcept {
+              static_cast<Decoding*>(decoding)->Add(units, count);
+            }};
   }
-  return converter;
-}
 
-// Reads all of `bytes`, and sets `*faulty` if some are not characters.
-std::string Converted(UConverter* converter, std::string_view bytes, bool* faulty) {
-  UErrorCode error = U_ZERO_ERROR;
-  ucnv_reset(converter);
-  ucnv_setToUCallBack(converter, Faults::Replace, faulty, nullptr, nullptr, &error);
-  std::array<char16_t, 4096> units{};
+  void Add(const char16_t* units, std::size_t count) noexcept {
+    if (lacks_memory) return;
+    try {
+      builder.Add(units, count);
+    } catch (const std::exception&) {
+      lacks_memory = true;
+    }
+  }
+
   Utf8Builder builder;
-  const char* at = bytes.data();
-  do {
-    if (error == U_BUFFER_OVERFLOW_ERROR) error = U_ZERO_ERROR;
-    char16_t* end = units.data();
-    ucnv_toUnicode(converter, &end, units.data() + units.size(), &at, bytes.data() + bytes.size(),
-                   nullptr, 1, &error);
-    builder.Add(units.data(), static_cast<std::size_t>(end - units.data()));
-  } while (error == U_BUFFER_OVERFLOW_ERROR);
-  if (U_FAILURE(error)) throw std::bad_alloc();  // bytes are never an error here
-  return builder.Finish();
+  bool lacks_memory = false;
+};
+
+// Decodes all of `bytes` with ICU's converter `name`, and sets `*is_faulty` if some are not
+// characters.
+//   Returns  nothing if there is no such converter.
+std::optional<std::string> Converted(const std::string& name, std::string_view bytes,
+                                     bool* is_faulty) {
+  Decoding decoding;
+  const ReadStatus status = LoadedReaders().decode_charset(name.c_str(), bytes.data(), bytes.size(),
+                                                           decoding.Sink(), is_faulty);
+  if (decoding.lacks_memory || status == ReadStatus::kNoMemory) throw std::bad_alloc();
+  if (status != ReadStatus::kRead) return std::nullopt;
+  return decoding.builder.Finish();
 }
 
 // Returns `label` trimmed and in lower case; nothing if it holds a character that no label has: ICU
@@ -226,35 +201,15 @@ const Charset* FindCharset(const std::string& label) {
   return nullptr;
 }
 
-bool HoldsAscii(UConverter* converter) {
-  std::string ascii = "\t\n\r";
-  for (char byte = ' '; byte <= '~'; ++byte) {
-    if (byte != '\\' && byte != '~') ascii += byte;  // a yen sign and an overline in Japan
-  }
-  bool faulty = false;
-  return Converted(converter, ascii, &faulty) == ascii && !faulty;
-}
-
-enum class Trust { kNone, kIfFaultless, kFull };
-
-// In an encoding that shifts, one wrong byte changes all the text after it. So such a label is
-// trusted only if every byte is valid.
-Trust TrustIn(UConverter* converter) {
-  const UConverterType type = ucnv_getType(converter);
-  if (type == UCNV_UTF7 || type == UCNV_HZ || type == UCNV_ISO_2022) return Trust::kIfFaultless;
-  const bool has_no_state = type == UCNV_SBCS || type == UCNV_DBCS || type == UCNV_MBCS ||
-                            type == UCNV_LATIN_1 || type == UCNV_US_ASCII;
-  return has_no_state && HoldsAscii(converter) ? Trust::kFull : Trust::kNone;
-}
-
-// Decodes `bytes` as a character set that is not in the table but in ICU.
+// Decodes `bytes` as a character set that is not in the table but in ICU. In an encoding that
+// shifts, such a label is trusted only if every byte is valid.
 std::optional<std::string> FromForeignCharset(const std::string& label, std::string_view bytes) {
-  const OwnedConverter converter = OpenConverter(label);
-  const Trust trust = converter != nullptr ? TrustIn(converter.get()) : Trust::kNone;
-  if (trust == Trust::kNone) return std::nullopt;
-  bool faulty = false;
-  std::string text = Converted(converter.get(), bytes, &faulty);
-  if (faulty && trust == Trust::kIfFaultless) return std::nullopt;
+  const CharsetKind kind = LoadedReaders().examine_charset(label.c_str());
+  if (kind == CharsetKind::kNoMemory) throw std::bad_alloc();
+  if (kind == CharsetKind::kUnusable) return std::nullopt;
+  bool is_faulty = false;
+  std::optional<std::string> text = Converted(label, bytes, &is_faulty);
+  if (is_faulty && kind == CharsetKind::kShifting) return std::nullopt;
   return text;
 }
 
@@ -273,12 +228,10 @@ std::optional<std::string> FromCharset(std::string_view label, std::string_view 
   if (charset->converter == kUntrue) return std::nullopt;
   if (charset->converter == kUtf8) return Utf8OrLatin1(std::string(bytes));
   if (charset->converter == kLatin10) return FromLatin10(bytes);
-  const OwnedConverter converter = OpenConverter(std::string(charset->converter));
-  if (converter == nullptr) {
-    throw SkipFile(SkipKind::kUnreadable, "ICU cannot read the encoding " + normal);
-  }
-  bool faulty = false;
-  return Converted(converter.get(), bytes, &faulty);
+  bool is_faulty = false;
+  auto text = Converted(std::string(charset->converter), bytes, &is_faulty);
+  if (text.has_value()) return text;
+  throw SkipFile(SkipKind::kUnreadable, "ICU cannot read the encoding " + normal);
 }
 
 }  // namespace kestan_cli

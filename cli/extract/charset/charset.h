@@ -17,7 +17,8 @@ bool IsLatin1Label(std::string_view label);
 //   Returns  the text in UTF-8. Nothing if the label cannot be right: it is unknown; it stands for
 //            UTF-16 or another encoding without plain ASCII; or it stands for an encoding that
 //            shifts between alphabets (UTF-7, HZ) and `bytes` are invalid in it.
-//   Throws   SkipFile if ICU lacks an encoding of the web, bad_alloc if it has no memory.
+//   Throws   SkipFile if ICU lacks an encoding of the web or cannot be loaded, bad_alloc if it has
+//            no memory.
 std::optional<std::string> FromCharset(std::string_view label, std::string_view bytes);
 
 }  // namespace kestan_cli

@@ -1,19 +1,12 @@
 #include "cli/extract/html/html.h"
 
-#include <kestan/kestan.h>
 #include <kestan/search.h>
-#include <libxml/HTMLparser.h>
-#include <libxml/parser.h>
-#include <libxml/xmlerror.h>
-#include <libxml/xmlmemory.h>
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstdlib>
-#include <cstring>
-#include <limits>
-#include <memory>
+#include <exception>
+#include <new>
 #include <optional>
 #include <string>
 #include <utility>
@@ -23,6 +16,7 @@
 #include "cli/extract/charset/latin1.h"
 #include "cli/extract/document/document.h"
 #include "cli/extract/html/html_repair.h"
+#include "cli/extract/module/loaded_readers.h"
 #include "cli/files/skip.h"
 
 namespace kestan_cli {
@@ -43,8 +37,6 @@ template <std::size_t kCount>
 bool IsAmong(const std::array<std::string_view, kCount>& names, std::string_view name) {
   return std::find(names.begin(), names.end(), name) != names.end();
 }
-
-const char* Chars(const xmlChar* text) { return reinterpret_cast<const char*>(text); }
 
 // Builds a page from the events of the parser.
 class PageBuilder {
@@ -69,11 +61,6 @@ class PageBuilder {
     (in_title_ ? page_.title : page_.text) += text;
   }
 
-  void EndPage() { is_whole_ = true; }
-
-  // Returns whether the parser has reached the end of the page.
-  bool is_whole() const { return is_whole_; }
-
   HtmlPage Finish() {
     page_.title = Excerpt(page_.title, page_.title.size());
     return std::move(page_);
@@ -89,78 +76,36 @@ class PageBuilder {
   unsigned hidden_depth_ = 0;
   bool in_title_ = false;
   bool has_title_ = false;
-  bool is_whole_ = false;
 };
 
-PageBuilder& BuilderOf(void* context) { return *static_cast<PageBuilder*>(context); }
-
-// Events instead of a tree: memory stays the size of the text, and no depth of nesting matters.
-htmlSAXHandler Handler() {
-  htmlSAXHandler handler{};
-  handler.startElement = [](void* context, const xmlChar* name, const xmlChar**) {
-    BuilderOf(context).Start(Chars(name));
-  };
-  handler.endElement = [](void* context, const xmlChar* name) {
-    BuilderOf(context).End(Chars(name));
-  };
-  handler.characters = [](void* context, const xmlChar* text, int bytes) {
-    BuilderOf(context).Text({Chars(text), static_cast<std::size_t>(bytes)});
-  };
-  handler.endDocument = [](void* context) { BuilderOf(context).EndPage(); };
-  handler.ignorableWhitespace = handler.characters;
-  handler.cdataBlock = handler.characters;
-  return handler;
-}
-
-// Memory for libxml2, which loses text or crashes without it: the process ends first.
-struct ParserMemory {
-  static void* Allocate(std::size_t bytes) { return Reallocate(nullptr, bytes); }
-
-  static void* Reallocate(void* block, std::size_t bytes) {
-    if (bytes > std::numeric_limits<unsigned>::max()) return nullptr;  // no page needs so much
-    return Kestan::SafeRealloc(block, static_cast<unsigned>(bytes));
+// What the parser calls. No exception may pass through it.
+struct Building {
+  template <typename Event>
+  static void Take(void* context, const Event& event) noexcept {
+    auto* const building = static_cast<Building*>(context);
+    if (building->lacks_memory) return;
+    try {
+      event(building->builder);
+    } catch (const std::exception&) {
+      building->lacks_memory = true;
+    }
   }
 
-  static char* Duplicate(const char* text) {
-    const std::size_t bytes = std::strlen(text) + 1;
-    return static_cast<char*>(std::memcpy(Allocate(bytes), text, bytes));
+  HtmlEvents Events() {
+    return {this,
+            [](void* context, const char* element) noexcept {
+              Take(context, [&](PageBuilder& page) { page.Start(element); });
+            },
+            [](void* context, const char* element) noexcept {
+              Take(context, [&](PageBuilder& page) { page.End(element); });
+            },
+            [](void* context, const char* bytes, std::size_t size) noexcept {
+              Take(context, [&](PageBuilder& page) { page.Text({bytes, size}); });
+            }};
   }
 
-  // Installs the functions once, before libxml2 does anything else.
-  static bool IsReady() {
-    static const bool ready = xmlMemSetup(std::free, Allocate, Reallocate, Duplicate) == 0;
-    return ready;
-  }
-};
-
-struct FreeParser {
-  void operator()(htmlParserCtxt* parser) const { htmlFreeParserCtxt(parser); }
-};
-
-void SayNothing(void* /*context*/, const char* /*format*/, ...) {}  // NOLINT(cert-dcl50-cpp)
-
-// Catches the errors of libxml2, which would go to the standard error stream. Broken markup is not
-// one.
-class ParserErrors {
- public:
-  ParserErrors() {
-    xmlSetGenericErrorFunc(nullptr, SayNothing);
-    // The error is constant in some versions of libxml2.
-    xmlSetStructuredErrorFunc(this, [](void* errors, auto* error) {
-      const bool is_markup = error->domain == XML_FROM_HTML || error->domain == XML_FROM_PARSER;
-      auto* const heard = static_cast<ParserErrors*>(errors);
-      if (!is_markup || error->level == XML_ERR_FATAL) heard->is_broken_ = true;
-    });
-  }
-  ~ParserErrors() { xmlSetStructuredErrorFunc(nullptr, nullptr); }
-  ParserErrors(const ParserErrors&) = delete;
-  ParserErrors& operator=(const ParserErrors&) = delete;
-
-  // Returns whether text may be missing.
-  bool is_broken() const { return is_broken_; }
-
- private:
-  bool is_broken_ = false;
+  PageBuilder builder;
+  bool lacks_memory = false;
 };
 
 // Pages in UTF-8 that declare Latin-1 are more frequent than pages in Latin-1 that are valid UTF-8.
@@ -181,24 +126,13 @@ std::string Decoded(std::string_view bytes) {
   return Utf8OrLatin1(std::string(bytes));
 }
 
-auto NotWhole() { return SkipFile(SkipKind::kUnreadable, "the page could not be read whole"); }
-
 // Parses `html`, which is UTF-8 whatever it declares.
 HtmlPage Parsed(const std::string& html) {
-  PageBuilder builder;
-  const ParserErrors errors;
-  const std::unique_ptr<htmlParserCtxt, FreeParser> parser(
-      ParserMemory::IsReady() ? htmlNewParserCtxt() : nullptr);
-  if (parser == nullptr) throw NotWhole();
-  *parser->sax = Handler();
-  parser->userData = &builder;
-  const int options = HTML_PARSE_RECOVER | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING |
-                      HTML_PARSE_NONET | HTML_PARSE_IGNORE_ENC;
-  htmlDocPtr tree = htmlCtxtReadMemory(parser.get(), html.data(), static_cast<int>(html.size()),
-                                       nullptr, "UTF-8", options);
-  xmlFreeDoc(tree);  // null: the handler builds none
-  if (errors.is_broken() || !builder.is_whole()) throw NotWhole();
-  return builder.Finish();
+  Building building;
+  const ReadStatus status = LoadedReaders().parse_html(html.data(), html.size(), building.Events());
+  if (building.lacks_memory || status == ReadStatus::kNoMemory) throw std::bad_alloc();
+  if (status == ReadStatus::kRead) return building.builder.Finish();
+  throw SkipFile(SkipKind::kUnreadable, "the page could not be read whole");
 }
 
 }  // namespace

@@ -16,8 +16,9 @@ struct HtmlPage {
 // with a byte order mark of UTF-8, in a meta element or in an XML declaration. If it declares none
 // that can be true, it is UTF-8, and Latin-1 where bytes are not UTF-8. A page that declares
 // Latin-1 but is valid UTF-8 is UTF-8. Invalid bytes separate words. The result is UTF-8.
-//   Throws   SkipFile if not all of the text could be read, or the page is too large; bad_alloc if
-//            ICU has no memory. If libxml2 has none, the process ends as Kestan::SafeMalloc says.
+//   Throws   SkipFile if not all of the text could be read, the page is too large, or the parser
+//            cannot be loaded; bad_alloc if there is no memory. If libxml2 has none, the process
+//            ends as Kestan::SafeMalloc says.
 HtmlPage ReadHtml(std::string_view bytes);
 
 // Reads a page in UTF-8, whatever encoding it declares. Throws as ReadHtml does.

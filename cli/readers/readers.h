@@ -1,0 +1,75 @@
+// The boundary between the command and `kestan-readers.so`, the module that it loads for the first
+// document that needs ICU or libxml2: a search for plain words starts without them.
+//
+// Nothing else crosses it. Errors are values, and neither side lets an exception through: the types
+// of the functions say so. The module owns nothing that the command frees, nor the other way round.
+// Names are bytes that end with NUL; `bytes` with a size need not. Everything that comes in is
+// borrowed for the time of the call. One thread at a time.
+#ifndef KESTAN_CLI_READERS_READERS_H_
+#define KESTAN_CLI_READERS_READERS_H_
+
+#include <cstddef>
+
+namespace kestan_cli {
+
+enum class ReadStatus { kRead, kUnread, kNoMemory };
+
+// Resizes `block`, which comes from here, to `bytes`; a null block is a new one. std::free() frees
+// it.
+//   Returns  nullptr if there are too many bytes. Without memory it does not return.
+using Reallocate = void* (*)(void* block, std::size_t bytes) noexcept;
+
+// Receives a text in UTF-16, in pieces. A surrogate pair may be split between two.
+struct Utf16Sink {
+  void* context;  // for the function
+  void (*add)(void* context, const char16_t* units, std::size_t count) noexcept;
+};
+
+// Receives the markup and the text of a page as they come. Names of elements are in lower case,
+// text is UTF-8, in pieces.
+struct HtmlEvents {
+  void* context;  // for the functions
+  void (*start)(void* context, const char* element) noexcept;
+  void (*end)(void* context, const char* element) noexcept;
+  void (*text)(void* context, const char* bytes, std::size_t size) noexcept;
+};
+
+enum class CharsetKind {
+  kUnusable,  // unknown to ICU, or ASCII bytes do not stand for themselves
+  kPlain,     // ASCII bytes stand for themselves, wherever they are
+  kShifting,  // one wrong byte changes all the text after it
+  kNoMemory,
+};
+
+struct Readers {
+  // Tells the build: the first member in every version, so that it can be read before the others
+  // are known to be there.
+  const char* version;
+
+  // Has the parser allocate with `reallocate`. To be called before anything is parsed.
+  void (*use_memory)(Reallocate reallocate) noexcept;
+
+  // Returns what kind of character set ICU knows as `name`.
+  CharsetKind (*examine_charset)(const char* name) noexcept;
+
+  // Decodes `bytes` as the character set `name`. Invalid bytes become U+FFFD, but ASCII bytes among
+  // them stay; `*is_faulty` is set if there are any, and never cleared.
+  //   Returns  kUnread if ICU does not know the name; kNoMemory with part of the text in the sink.
+  ReadStatus (*decode_charset)(const char* name, const char* bytes, std::size_t size,
+                               const Utf16Sink& sink, bool* is_faulty) noexcept;
+
+  // Parses a page in UTF-8, whatever encoding it declares and however broken its markup is.
+  //   Returns  kUnread if events may be missing.
+  ReadStatus (*parse_html)(const char* bytes, std::size_t size, const HtmlEvents& events) noexcept;
+};
+
+// The one function that the module exports: its name and its type never change.
+using ReadersEntry = const Readers* (*)() noexcept;
+constexpr const char* kReadersEntry = "KestanReaders";
+
+}  // namespace kestan_cli
+
+// Returns the functions of the module, which live as long as the process.
+extern "C" const kestan_cli::Readers* KestanReaders() noexcept;
+
+#endif  // KESTAN_CLI_READERS_READERS_H_

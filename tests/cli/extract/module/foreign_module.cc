@@ -1,0 +1,2 @@
+// A shared library that is no module of the command.
+extern "C" int AnswerOfForeignModule() { return 42; }
