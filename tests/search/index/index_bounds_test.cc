@@ -103,6 +103,7 @@ class RandomHistory {
   //   Returns  them as a multiple of the bytes of all records that were added.
   double CheckWritten() const {
     const std::uint64_t tiers = TierOf(largest_, {}) + 1;
+    EXPECT_GT(added_, 0u) << "the system does not count what is written";
     EXPECT_LE(written_, (1 + tiers) * added_ + 3 * removed_);
     return static_cast<double>(written_) / static_cast<double>(added_);
   }

@@ -23,18 +23,13 @@ using kestan_tests::PlainSegments;
 constexpr std::uint32_t kSegments = 2;
 constexpr std::uint32_t kDocuments = 9;  // of a segment
 
-// Two segments whose names are in another order than their codes; one name stands in both.
-Snapshot SomeSegments() {
-  static const PlainSegments* const kMade = [] {
-    auto* const segments = new PlainSegments;
-    for (const std::string_view names : {"hbdfacegi", "zyxwahtsr"}) {
-      std::vector<DocumentOfWords> documents;
-      for (const char name : names) documents.push_back(Plain(std::string(1, name), "x"));
-      segments->Add(documents);
-    }
-    return segments;
-  }();
-  return kMade->snapshot();
+// Adds two segments whose names are in another order than their codes; one name stands in both.
+void AddSegments(PlainSegments* segments) {
+  for (const std::string_view names : {"hbdfacegi", "zyxwahtsr"}) {
+    std::vector<DocumentOfWords> documents;
+    for (const char name : names) documents.push_back(Plain(std::string(1, name), "x"));
+    segments->Add(documents);
+  }
 }
 
 bool AreEqual(const std::vector<RankedDocument>& left, const std::vector<RankedDocument>& right) {
@@ -72,7 +67,9 @@ std::vector<RankedDocument> AnyDocuments(const std::vector<int>& scores) {
 
 RC_GTEST_PROP(TopDocumentsTest, KeepsWhatSortingAllOfThemPutsFirst,
               (const std::vector<int>& scores)) {
-  const Snapshot snapshot = SomeSegments();
+  PlainSegments segments;
+  AddSegments(&segments);
+  const Snapshot snapshot = segments.snapshot();
   const std::vector<RankedDocument> documents = AnyDocuments(scores);
   for (std::size_t limit = 0; limit <= documents.size() + 1; ++limit) {
     TopDocuments top(limit);
@@ -83,7 +80,9 @@ RC_GTEST_PROP(TopDocumentsTest, KeepsWhatSortingAllOfThemPutsFirst,
 
 // As a search does that ranks each segment by itself.
 RC_GTEST_PROP(TopDocumentsTest, TheBestOfTheBestAreTheBestOfAll, (const std::vector<int>& scores)) {
-  const Snapshot snapshot = SomeSegments();
+  PlainSegments segments;
+  AddSegments(&segments);
+  const Snapshot snapshot = segments.snapshot();
   const std::vector<RankedDocument> documents = AnyDocuments(scores);
   for (std::size_t limit = 1; limit <= documents.size() + 1; ++limit) {
     std::vector<TopDocuments> of_segments(kSegments, TopDocuments(limit));
