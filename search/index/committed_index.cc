@@ -48,10 +48,7 @@ Status CheckHoldsNothing(const std::string& folder) {
   const Result<std::vector<std::string>> names = NamesIn(folder);
   if (!names.ok()) return names.status();
   for (const std::string& name : *names) {
-    if (IsSegmentFileName(name)) {
-      return {StatusCode::kDamaged, "it is missing, but there are segments of an index",
-              ManifestPath(folder)};
-    }
+    if (IsSegmentFileName(name)) return StatusOfMissingManifest(folder);
     if (name != kLockFile && name != begun) {
       return {StatusCode::kInvalidArgument, "the folder holds other files and no index", folder};
     }

@@ -80,6 +80,7 @@ Result<OpenedIndex> OpenIndex(const std::string& folder, const OpenedIndex* prev
   if (!identity.empty()) return OpenFileAsIndex(folder, std::move(identity), previous);
   for (int attempt = 1;; ++attempt) {
     auto manifest = ReadManifest(folder);
+    if (manifest.status().code() == StatusCode::kNotFound) return StatusOfMissingManifest(folder);
     if (!manifest.ok()) return manifest.status();
     const std::uint64_t generation = manifest->generation;
     auto opened = OpenManifest(folder, std::move(*manifest), previous);

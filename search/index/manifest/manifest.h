@@ -45,6 +45,10 @@ bool IsIndexFolder(const std::string& folder);
 //   Returns  kNotFound if there is none; kDamaged, kVersion, kSystem.
 Result<Manifest> ReadManifest(const std::string& folder);
 
+// Says what it means that the manifest of `folder` is missing.
+//   Returns  kDamaged if there are files of segments; kNotFound if there are none.
+Status StatusOfMissingManifest(const std::string& folder);
+
 // Replaces the manifest: the moment of a commit. After an error either manifest may be there.
 // `needed` and `syncing` are those of ReplaceFile().
 //   Returns  kInvalidArgument for one that is too large, kSystem.

@@ -64,6 +64,13 @@ Result<Manifest> ReadManifest(const std::string& folder) {
   return Status(manifest.status().code(), manifest.status().message(), path);
 }
 
+Status StatusOfMissingManifest(const std::string& folder) {
+  const auto files = SegmentFilesIn(folder);
+  if (!files.ok() || files->empty()) return {StatusCode::kNotFound, "there is no index", folder};
+  return {StatusCode::kDamaged, "it is missing, but there are segments of an index",
+          ManifestPath(folder)};
+}
+
 std::vector<std::string> NewFiles(const std::string& folder, const Manifest& committed,
                                   const Manifest& next) {
   const std::set<std::string> known = NamedFiles(committed);
