@@ -35,6 +35,16 @@ Icu Load() {
   Icu icu = {};
   Find(library, KESTAN_ICU_NAME(u_charType), &icu.u_charType);
   Find(library, KESTAN_ICU_NAME(u_isalpha), &icu.u_isalpha);
+  Find(library, KESTAN_ICU_NAME(ubrk_close), &icu.ubrk_close);
+  Find(library, KESTAN_ICU_NAME(ubrk_first), &icu.ubrk_first);
+  Find(library, KESTAN_ICU_NAME(ubrk_next), &icu.ubrk_next);
+  Find(library, KESTAN_ICU_NAME(ubrk_open), &icu.ubrk_open);
+  Find(library, KESTAN_ICU_NAME(ubrk_setText), &icu.ubrk_setText);
+  Find(library, KESTAN_ICU_NAME(unorm2_getDecomposition), &icu.unorm2_getDecomposition);
+  Find(library, KESTAN_ICU_NAME(unorm2_getNFDInstance), &icu.unorm2_getNFDInstance);
+  Find(library, KESTAN_ICU_NAME(unorm2_getNFKCCasefoldInstance),
+       &icu.unorm2_getNFKCCasefoldInstance);
+  Find(library, KESTAN_ICU_NAME(unorm2_normalize), &icu.unorm2_normalize);
   Find(library, KESTAN_ICU_NAME(uscript_getScript), &icu.uscript_getScript);
   Find(library, KESTAN_ICU_NAME(utrans_close), &icu.utrans_close);
   Find(library, KESTAN_ICU_NAME(utrans_openU), &icu.utrans_openU);

@@ -2,7 +2,9 @@
 #ifndef KESTAN_SEARCH_TEXT_ICU_H_
 #define KESTAN_SEARCH_TEXT_ICU_H_
 
+#include <unicode/ubrk.h>
 #include <unicode/uchar.h>
+#include <unicode/unorm2.h>
 #include <unicode/uscript.h>
 #include <unicode/utrans.h>
 
@@ -13,6 +15,15 @@ namespace kestan::search {
 struct Icu {
   decltype(&::u_charType) u_charType;
   decltype(&::u_isalpha) u_isalpha;
+  decltype(&::ubrk_close) ubrk_close;
+  decltype(&::ubrk_first) ubrk_first;
+  decltype(&::ubrk_next) ubrk_next;
+  decltype(&::ubrk_open) ubrk_open;
+  decltype(&::ubrk_setText) ubrk_setText;
+  decltype(&::unorm2_getDecomposition) unorm2_getDecomposition;
+  decltype(&::unorm2_getNFDInstance) unorm2_getNFDInstance;
+  decltype(&::unorm2_getNFKCCasefoldInstance) unorm2_getNFKCCasefoldInstance;
+  decltype(&::unorm2_normalize) unorm2_normalize;
   decltype(&::uscript_getScript) uscript_getScript;
   decltype(&::utrans_close) utrans_close;
   decltype(&::utrans_openU) utrans_openU;

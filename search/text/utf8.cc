@@ -67,6 +67,15 @@ std::size_t FindNonAscii(std::string_view text, std::size_t from) {
   return from;
 }
 
+char32_t TakeCode(std::string_view text, std::size_t* at) {
+  const std::size_t bytes = CharacterBytes(text.substr(*at));
+  char32_t code = ByteAt(text, (*at)++);
+  if (bytes <= 1) return code;
+  code &= 0x7fu >> bytes;
+  for (std::size_t i = 1; i < bytes; ++i) code = code << 6 | (ByteAt(text, (*at)++) & 0x3f);
+  return code;
+}
+
 std::size_t FindNonUtf8(std::string_view text, std::size_t from) {
   while ((from = FindNonAscii(text, from)) < text.size()) {
     const std::size_t bytes = CharacterBytes(text.substr(from));

@@ -15,6 +15,10 @@ inline bool IsAscii(char byte) { return static_cast<unsigned char>(byte) < 0x80;
 // left. Reads eight bytes at a time.
 std::size_t FindNonAscii(std::string_view text, std::size_t from);
 
+// Returns the code of the character at `*at`, which is inside `text`, and moves `*at` past it. A
+// byte that belongs to no character is taken as one of Latin-1.
+char32_t TakeCode(std::string_view text, std::size_t* at);
+
 }  // namespace kestan::search
 
 #endif  // KESTAN_SEARCH_TEXT_UTF8_H_

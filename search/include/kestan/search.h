@@ -2,11 +2,13 @@
 //
 //   kestan::search::IndexWriter  adds, replaces, removes and renames documents
 //   kestan::search::IndexReader  answers queries
+//   kestan::search::Analyzer     finds the words of texts, for hosts that look at them
 //
 // Errors are values (kestan::search::Status); no function throws.
 #ifndef KESTAN_SEARCH_H_
 #define KESTAN_SEARCH_H_
 
+#include <kestan/search/analyzer.h>
 #include <kestan/search/check.h>
 #include <kestan/search/convert.h>
 #include <kestan/search/copy.h>
