@@ -94,6 +94,13 @@ bool ChangedSegments::HasChanges() const {
                      [](const Changes& changes) { return changes.is_new || changes.edits; });
 }
 
+bool ChangedSegments::HasDocuments() const {
+  for (std::size_t i = 0; i < segments_.size(); ++i) {
+    if (EditsOf(i).removed_count() < segments_[i]->size()) return true;
+  }
+  return false;
+}
+
 const Edits& ChangedSegments::EditsOf(std::size_t segment) const {
   const std::optional<Edits>& edits = changes_[segment].edits;
   return edits ? *edits : segments_[segment]->edits();

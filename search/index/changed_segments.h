@@ -46,6 +46,9 @@ class ChangedSegments {
 
   bool HasChanges() const;
 
+  // Returns whether any document is left.
+  bool HasDocuments() const;
+
   // Writes the edits of all segments that have changed, as files of their own.
   //   Returns  the segments as the next manifest is to name them, those without living documents
   //            left out. Nothing has changed here until Open() takes that manifest.

@@ -1,5 +1,7 @@
 #include "search/index/committed_index.h"
 
+#include <kestan/search/analyzer.h>
+
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -10,6 +12,7 @@
 #include "search/files/descriptor.h"
 #include "search/files/folder_names.h"
 #include "search/files/output_file.h"
+#include "search/index/manifest/analyzer_version.h"
 #include "search/index/merging/merge_policy.h"
 #include "search/index/merging/merger.h"
 
@@ -82,12 +85,15 @@ Status CommittedIndex::Create(bool with_positions) {
   if (!status.ok()) return status;
   Manifest manifest;
   manifest.with_positions = with_positions;
+  manifest.properties.emplace(kAnalyzerProperty, Analyzer::kVersion);
   return WriteManifest(folder_, manifest, {}, syncing_);
 }
 
 Status CommittedIndex::Reload() {
   Result<Manifest> manifest = ReadManifest(folder_);
   if (!manifest.ok()) return manifest.status();
+  const Result<TextRules> rules = RulesOf(folder_, *manifest);
+  if (!rules.ok()) return rules.status();
   Status status = segments_.Open(folder_, *manifest);
   if (!status.ok()) return status;
   manifest_ = std::move(*manifest);

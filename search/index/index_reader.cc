@@ -13,6 +13,8 @@
 #include "search/ranking/ranked_search.h"
 #include "search/segment/snapshot.h"
 #include "search/snippet/snippet.h"
+#include "search/text/analyzer/word_encoding.h"
+#include "search/text/utf8.h"
 
 namespace kestan::search {
 namespace {
@@ -36,6 +38,8 @@ int PercentOf(double score, double best) {
 
 class IndexReader::Impl {
  public:
+  using DocumentVisitor = std::function<bool(const DocumentInfo&, const std::vector<PlacedWord>&)>;
+
   Status Open(const std::vector<std::string>& paths) {
     if (paths.empty()) return {StatusCode::kInvalidArgument, "no index to open"};
     for (const std::string& path : paths) {
@@ -66,10 +70,12 @@ class IndexReader::Impl {
     SearchResults results;
     auto answer = Ask(query, snapshot_, options);
     if (!answer.ok()) return answer.status();
-    results.notes = std::move(answer->notes);
-    results.suggestions = std::move(answer->suggestions);
+    results.notes = Readable(std::move(answer->notes));
+    results.suggestions = Readable(std::move(answer->suggestions));
     results.total = answer->found.total;
-    results.matched_terms = std::move(answer->found.terms);
+    results.matched_terms = Readable(std::move(answer->found.terms));
+    std::sort(results.matched_terms.begin(), results.matched_terms.end());
+    results.analyzer = is_analyzed() ? 1 : 0;
     const Status status = ListHits(answer->found.best, options.with_titles, &results.hits);
     if (!status.ok()) return status;
     return results;
@@ -82,7 +88,9 @@ class IndexReader::Impl {
   }
 
   Result<Explanation> Explain(std::string_view query, const SearchOptions& options) const {
-    return ExplainAnswer(query, snapshot_, options.words);
+    auto explanation = ExplainAnswer(query, snapshot_, options.words);
+    if (explanation.ok()) MakeReadable(&*explanation);
+    return explanation;
   }
 
   Result<std::uint64_t> Count(std::string_view query, const SearchOptions& options) const {
@@ -92,13 +100,14 @@ class IndexReader::Impl {
   Result<std::vector<TermInfo>> Terms(std::string_view prefix, std::size_t limit) const {
     std::vector<TermInfo> terms;
     Status error;
-    const Status status = ForEachTerm(snapshot_, prefix, [&](std::string_view term) {
+    const std::string stored = is_analyzed() ? StoredCharacters(prefix) : std::string(prefix);
+    const Status status = ForEachTerm(snapshot_, stored, [&](std::string_view term) {
       const auto documents = LivingDocumentsWith(snapshot_, term);
       if (!documents.ok()) {
         error = documents.status();
         return false;
       }
-      if (*documents > 0) terms.push_back({std::string(term), *documents});
+      if (*documents > 0) terms.push_back({Readable(std::string(term)), *documents});
       return limit == 0 || terms.size() < limit;
     });
     if (!status.ok()) return status;
@@ -128,8 +137,7 @@ class IndexReader::Impl {
     return Status(StatusCode::kNotFound, "no document of this name");
   }
 
-  Status ForEachDocumentWithWords(
-      const std::function<bool(const DocumentInfo&, const std::vector<PlacedWord>&)>& visit) const {
+  Status ForEachDocumentWithWords(const DocumentVisitor& visit) const {
     bool goes_on = true;
     for (const auto& segment : snapshot_.segments) {
       Status error;
@@ -137,7 +145,7 @@ class IndexReader::Impl {
           ForEachWithWords(*segment, [&](Code code, const std::vector<PlacedWord>& words) {
             const auto info = InfoOf(*segment, code);
             error = info.status();
-            goes_on = error.ok() && visit(*info, words);
+            goes_on = error.ok() && VisitReadable(*info, words, visit);
             return goes_on;
           });
       if (!error.ok()) return error;
@@ -178,6 +186,38 @@ class IndexReader::Impl {
   }
 
  private:
+  bool is_analyzed() const { return snapshot_.rules == TextRules::kAnalyzer; }
+
+  // What comes out of an index is in UTF-8.
+  std::string Readable(std::string text) const {
+    return is_analyzed() ? DecodedWords(text) : std::move(text);
+  }
+
+  std::vector<std::string> Readable(std::vector<std::string> texts) const {
+    for (std::string& text : texts) text = Readable(std::move(text));
+    return texts;
+  }
+
+  void MakeReadable(Explanation* explanation) const {
+    explanation->part = Readable(std::move(explanation->part));
+    for (Explanation& part : explanation->parts) MakeReadable(&part);
+  }
+
+  bool VisitReadable(const DocumentInfo& info, const std::vector<PlacedWord>& words,
+                     const DocumentVisitor& visit) const {
+    const auto is_readable = [](const PlacedWord& word) {
+      return FindNonAscii(word.word, 0) == word.word.size();
+    };
+    if (!is_analyzed() || std::all_of(words.begin(), words.end(), is_readable)) {
+      return visit(info, words);
+    }
+    std::vector<std::string> decoded;
+    decoded.reserve(words.size());
+    std::vector<PlacedWord> placed = words;
+    for (PlacedWord& word : placed) word.word = decoded.emplace_back(DecodedWords(word.word));
+    return visit(info, placed);
+  }
+
   static void AddSizes(const OpenedIndex& index, IndexStatistics* statistics) {
     if (!index.manifest.with_positions) statistics->with_positions = false;
     statistics->bytes += index.bytes;
@@ -192,6 +232,7 @@ class IndexReader::Impl {
   static Snapshot SnapshotOf(const std::vector<OpenedIndex>& indexes) {
     Snapshot snapshot;
     for (std::size_t i = 0; i < indexes.size(); ++i) {
+      if (indexes[i].rules == TextRules::kAnalyzer) snapshot.rules = TextRules::kAnalyzer;
       for (const auto& segment : indexes[i].segments) {
         snapshot.segments.push_back(segment);
         snapshot.index_of_segment.push_back(i);
@@ -331,8 +372,12 @@ Status IndexReader::ForEachDocument(const std::function<bool(const DocumentInfo&
 Result<std::vector<Fragment>> IndexReader::Snippet(const SearchResults& results,
                                                    std::string_view text) {
   return Caught([&]() -> Result<std::vector<Fragment>> {
-    const std::set<std::string> terms(results.matched_terms.begin(), results.matched_terms.end());
-    return MakeSnippet(text, terms);
+    const auto rules = results.analyzer == 0 ? TextRules::kAsciiLetters : TextRules::kAnalyzer;
+    std::set<std::string, std::less<>> terms;
+    for (const std::string& term : results.matched_terms) {
+      terms.insert(results.analyzer == 0 ? term : StoredCharacters(term));
+    }
+    return MakeSnippet(text, terms, rules);
   });
 }
 

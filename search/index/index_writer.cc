@@ -1,5 +1,7 @@
 #include <kestan/search/index_writer.h>
 
+#include <kestan/search/analyzer.h>
+
 #include <algorithm>
 #include <ctime>
 #include <exception>
@@ -9,14 +11,14 @@
 
 #include "search/index/caught.h"
 #include "search/index/committed_index.h"
+#include "search/index/inverting/document_limits.h"
 #include "search/index/inverting/pending_documents.h"
+#include "search/index/manifest/analyzer_version.h"
 #include "search/index/merging/merge_policy.h"
 
 namespace kestan::search {
 namespace {
 
-constexpr std::size_t kMaxNameBytes = 4096;
-constexpr std::size_t kMaxDocumentBytes = std::size_t{1} << 30;
 constexpr unsigned kMostThreads = 64;
 
 std::uint32_t Now() { return static_cast<std::uint32_t>(std::time(nullptr)); }
@@ -24,21 +26,6 @@ std::uint32_t Now() { return static_cast<std::uint32_t>(std::time(nullptr)); }
 unsigned ThreadsOf(const WriterOptions& options) {
   if (options.threads != 0) return std::min(options.threads, kMostThreads);
   return std::clamp(std::thread::hardware_concurrency(), 1U, 4U);
-}
-
-Status CheckName(std::string_view name) {
-  const char* const message = name.empty()                  ? "the name of a document is empty"
-                              : name.size() > kMaxNameBytes ? "the name of a document is too long"
-                              : name.find('\0') != std::string_view::npos
-                                  ? "the name of a document has a NUL"
-                                  : nullptr;
-  return message == nullptr ? Status() : Status(StatusCode::kInvalidArgument, message);
-}
-
-Status CheckDocument(const Document& document) {
-  Status status = CheckName(document.name);
-  if (!status.ok() || BytesOf(document) <= kMaxDocumentBytes) return status;
-  return {StatusCode::kInvalidArgument, "the document has more than 1 GB: " + document.name};
 }
 
 Status NoSuchDocument(std::string_view name) {
@@ -90,6 +77,7 @@ class IndexWriter::Impl {
 
   Status Add(Document document) {
     Status status = CheckDocument(document);
+    if (status.ok() && !document.text.empty()) status = PrepareForText(document.name);
     if (!status.ok()) return status;
     status = RemoveIfThere(document.name);
     if (status.code() == StatusCode::kNotFound) status = {};
@@ -140,6 +128,7 @@ class IndexWriter::Impl {
   }
 
   void SetProperty(std::string_view key, std::string_view value) {
+    if (key == kAnalyzerProperty) return;
     if (value.empty()) {
       const auto found = properties_.find(key);
       if (found != properties_.end()) properties_.erase(found);
@@ -224,6 +213,21 @@ class IndexWriter::Impl {
     } catch (const std::exception&) {
       return;
     }
+  }
+
+  // Words of all documents are to be made by the same rules. Without documents, the index has none
+  // yet.
+  Status PrepareForText(std::string_view name) {
+    if (properties_.find(kAnalyzerProperty) != properties_.end()) return {};
+    const bool is_in_use = !pending_.empty() || index_->segments().HasDocuments();
+    if (!is_in_use) {
+      properties_.emplace(kAnalyzerProperty, Analyzer::kVersion);
+      return {};
+    }
+    return {StatusCode::kVersion,
+            "its words were made by an older version; '" + std::string(name) +
+                "' cannot be added before all documents are removed",
+            index_->folder()};
   }
 
   Status RemoveIfThere(std::string_view name) {

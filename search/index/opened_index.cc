@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "search/index/alike_files.h"
+#include "search/index/manifest/analyzer_version.h"
 
 namespace kestan::search {
 namespace {
@@ -27,6 +28,9 @@ Result<OpenedIndex> OpenManifest(const std::string& folder, Manifest manifest,
   OpenedIndex opened;
   opened.folder = folder;
   opened.manifest = std::move(manifest);
+  const Result<TextRules> rules = RulesOf(folder, opened.manifest);
+  if (!rules.ok()) return rules.status();
+  opened.rules = *rules;
   opened.bytes = opened.manifest.Encode().size();
   for (const SegmentInfo& info : opened.manifest.segments) {
     auto segment = Segment::Open(folder, info, opened.manifest.with_positions,

@@ -11,6 +11,7 @@
 
 #include "search/index/manifest/manifest.h"
 #include "search/segment/segment.h"
+#include "search/text/text_rules.h"
 
 namespace kestan::search {
 
@@ -19,6 +20,7 @@ struct OpenedIndex {
   std::string folder;  // or the path of an index file of class Kestan, which is its one segment
   Manifest manifest;
   std::vector<std::shared_ptr<const Segment>> segments;  // as in the manifest
+  TextRules rules = TextRules::kAsciiLetters;            // by which words are made of text
   std::uint64_t bytes = 0;                               // of all files that the manifest names
   std::string identity;  // of an index file: differs once it was replaced or changed
 };

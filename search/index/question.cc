@@ -25,13 +25,15 @@ DefaultOperator OperatorOf(WordsMean words) {
   }
 }
 
-MaybeQuery Parsed(std::string_view text, DefaultOperator words) {
-  return ParseQuery(text, words, QuotesMean::kPhrase);
+MaybeQuery Parsed(std::string_view text, DefaultOperator words, const Snapshot& snapshot) {
+  return ParseQuery(text, words, QuotesMean::kPhrase, snapshot.rules);
 }
 
 // The query for documents that hold some of the words of `text`.
-MaybeQuery ParsedForSome(std::string_view text) {
-  return Parsed(text, IsQuestion(text) ? DefaultOperator::kOrOfQuestion : DefaultOperator::kOr);
+MaybeQuery ParsedForSome(std::string_view text, const Snapshot& snapshot) {
+  const bool is_question = IsQuestion(text, snapshot.rules);
+  return Parsed(text, is_question ? DefaultOperator::kOrOfQuestion : DefaultOperator::kOr,
+                snapshot);
 }
 
 // The query for what `some` finds and `all` does not.
@@ -104,7 +106,7 @@ class Question {
       : text_(text), snapshot_(snapshot), options_(options) {}
 
   Result<Answer> Ask() {
-    query_ = Parsed(text_, OperatorOf(options_.words));
+    query_ = Parsed(text_, OperatorOf(options_.words), snapshot_);
     if (!query_) {
       answer_.notes.emplace_back("the query holds no letters to search for");
       return std::move(answer_);
@@ -131,9 +133,9 @@ class Question {
   // Goes on with the documents that hold some of the words, where they answer too.
   Status FindSome() {
     const std::uint64_t have_all = answer_.found.total;
-    if (have_all > 0 && !IsQuestion(text_)) return {};
+    if (have_all > 0 && !IsQuestion(text_, snapshot_.rules)) return {};
     Query all = std::move(*query_);
-    query_ = ParsedForSome(text_);
+    query_ = ParsedForSome(text_, snapshot_);
     if (*query_ == all) return {};
     Status status = Find(have_all > 0 ? Without(*query_, std::move(all)) : *query_);
     if (!status.ok() || answer_.found.total == have_all) return status;
@@ -158,12 +160,12 @@ Result<Answer> Ask(std::string_view text, const Snapshot& snapshot, const Search
 
 Result<std::vector<ScoredDocuments>> AllAnswers(std::string_view text, const Snapshot& snapshot,
                                                 const SearchOptions& options) {
-  const MaybeQuery all = Parsed(text, OperatorOf(options.words));
+  const MaybeQuery all = Parsed(text, OperatorOf(options.words), snapshot);
   if (!all) return std::vector<ScoredDocuments>();
   auto found = ScoredSearch(*all, snapshot, options);
-  const bool are_enough = found.ok() && !found->empty() && !IsQuestion(text);
+  const bool are_enough = found.ok() && !found->empty() && !IsQuestion(text, snapshot.rules);
   if (!found.ok() || are_enough || options.words != WordsMean::kBest) return found;
-  const MaybeQuery some = ParsedForSome(text);
+  const MaybeQuery some = ParsedForSome(text, snapshot);
   if (*some == *all) return found;
   const auto rest = ScoredSearch(found->empty() ? *some : Without(*some, *all), snapshot, options);
   if (!rest.ok()) return rest.status();
@@ -173,12 +175,12 @@ Result<std::vector<ScoredDocuments>> AllAnswers(std::string_view text, const Sna
 
 Result<std::uint64_t> CountAnswers(std::string_view text, const Snapshot& snapshot,
                                    WordsMean words) {
-  const MaybeQuery query = Parsed(text, OperatorOf(words));
+  const MaybeQuery query = Parsed(text, OperatorOf(words), snapshot);
   if (!query) return std::uint64_t{0};
   auto have_all = CountMatches(*query, snapshot);
-  const bool are_enough = have_all.ok() && *have_all > 0 && !IsQuestion(text);
+  const bool are_enough = have_all.ok() && *have_all > 0 && !IsQuestion(text, snapshot.rules);
   if (!have_all.ok() || are_enough || words != WordsMean::kBest) return have_all;
-  const MaybeQuery some = ParsedForSome(text);
+  const MaybeQuery some = ParsedForSome(text, snapshot);
   if (*have_all == 0) return CountMatches(*some, snapshot);
   auto rest = CountMatches(Without(*some, *query), snapshot);
   if (rest.ok()) *rest += *have_all;
@@ -187,12 +189,13 @@ Result<std::uint64_t> CountAnswers(std::string_view text, const Snapshot& snapsh
 
 Result<Explanation> ExplainAnswer(std::string_view text, const Snapshot& snapshot,
                                   WordsMean words) {
-  const MaybeQuery all = Parsed(text, OperatorOf(words));
+  const MaybeQuery all = Parsed(text, OperatorOf(words), snapshot);
   if (!all) return Explanation();
   auto explained = ExplainQuery(*all, snapshot);
-  const bool is_answered = explained.ok() && explained->documents > 0 && !IsQuestion(text);
+  const bool is_answered =
+      explained.ok() && explained->documents > 0 && !IsQuestion(text, snapshot.rules);
   if (!explained.ok() || is_answered || words != WordsMean::kBest) return explained;
-  return ExplainQuery(*ParsedForSome(text), snapshot);
+  return ExplainQuery(*ParsedForSome(text, snapshot), snapshot);
 }
 
 }  // namespace kestan::search

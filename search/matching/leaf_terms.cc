@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "search/text/letters.h"
-#include "search/vocabulary/sorted_edit_distance.h"
 #include "search/vocabulary/stem.h"
+#include "search/vocabulary/stored_edit_distance.h"
 
 namespace kestan::search {
 namespace {
@@ -14,8 +14,9 @@ namespace {
 using Kind = Query::Kind;
 using Visit = std::function<Status(const TermEntry&)>;
 
-// Capitals come before all other letters in order of bytes.
-constexpr std::string_view kFirstWithoutCapital = "[";
+// Words that begin with a capital lie between these in order of bytes.
+constexpr std::string_view kFirstCapital = "A";
+constexpr std::string_view kAfterCapitals = "[";
 
 constexpr std::size_t kMinFormLetters = 3;  // a shorter word has no other forms
 
@@ -49,13 +50,19 @@ Status VisitForms(const TermDictionary& terms, const std::string& word, const Vi
 Status ForEachFuzzyTerm(const TermDictionary& terms, std::string_view word, int edits,
                         const std::function<Status(const TermEntry&, int edits)>& visit) {
   const bool exact = HasCapital(word);
-  SortedEditDistance distance(word, edits);
+  StoredEditDistance distance(word, edits);
   Status visited;
-  Status status = terms.ForEach(exact ? "" : kFirstWithoutCapital, [&](const TermEntry& entry) {
+  bool is_at_capitals = false;
+  const auto look = [&](const TermEntry& entry) {
+    is_at_capitals = !exact && entry.term.substr(0, 1) >= kFirstCapital &&
+                     entry.term.substr(0, 1) < kAfterCapitals;
+    if (is_at_capitals) return false;
     const int needed = distance.To(entry.term);
     if (needed <= edits && (exact || !HasCapital(entry.term))) visited = visit(entry, needed);
     return visited.ok();
-  });
+  };
+  Status status = terms.ForEach("", look);
+  if (status.ok() && is_at_capitals) status = terms.ForEach(kAfterCapitals, look);
   return status.ok() ? visited : status;
 }
 

@@ -7,6 +7,7 @@
 
 #include "search/matching/leaf_terms.h"
 #include "search/matching/operators/operators.h"
+#include "search/text/analyzer/word_encoding.h"
 #include "search/text/letters.h"
 #include "search/vocabulary/fuzzy_match.h"
 
@@ -91,16 +92,18 @@ Result<std::optional<std::string>> TakeFirst(std::vector<TermStream>* streams) {
 Result<std::vector<FuzzyMatch>> LivingTermsNear(const Snapshot& snapshot, std::string_view word) {
   std::map<std::string, FuzzyMatch> near;
   for (const auto& segment : snapshot.segments) {
-    Status status = ForEachFuzzyTerm(
-        segment->terms(), word, MaxMistakes(word.size()), [&](const TermEntry& entry, int edits) {
-          if (entry.term.size() < kMinLetters) return Status();
-          const Result<std::uint64_t> documents = LivingDocumentsIn(*segment, entry);
-          if (!documents.ok()) return documents.status();
-          FuzzyMatch& match = near[std::string(entry.term)];
-          match.edits = edits;
-          match.documents += static_cast<std::size_t>(*documents);
-          return Status();
-        });
+    Status status = ForEachFuzzyTerm(segment->terms(), word, MaxMistakes(CountCharacters(word)),
+                                     [&](const TermEntry& entry, int edits) {
+                                       if (CountCharacters(entry.term) < kMinLetters)
+                                         return Status();
+                                       const Result<std::uint64_t> documents =
+                                           LivingDocumentsIn(*segment, entry);
+                                       if (!documents.ok()) return documents.status();
+                                       FuzzyMatch& match = near[std::string(entry.term)];
+                                       match.edits = edits;
+                                       match.documents += static_cast<std::size_t>(*documents);
+                                       return Status();
+                                     });
     if (!status.ok()) return status;
   }
   std::vector<FuzzyMatch> matches;

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "search/query/query_tokens.h"
+#include "search/query/query_words.h"
 #include "search/text/letters.h"
 #include "search/text/stop_words.h"
-#include "search/text/words.h"
 
 namespace kestan::search {
 namespace {
@@ -35,65 +35,24 @@ void AppendIfAny(MaybeQuery query, std::vector<Query>* operands) {
   if (query) operands->push_back(std::move(*query));
 }
 
-// The words of `text` as documents have them.
-std::vector<Query> WordsIn(std::string_view text) {
-  std::vector<Query> queries;
-  for (std::string& word : IndexedWords(text)) {
-    queries.emplace_back();
-    queries.back().word = std::move(word);
-  }
-  return queries;
-}
-
 MaybeQuery WordsInARow(std::vector<Query> words, QuotesMean quotes) {
   if (quotes == QuotesMean::kPhrase) return Combined(Query::Kind::kPhrase, std::move(words));
   for (std::size_t i = 1; i < words.size(); ++i) words[i].distance_words = 1;
   return Combined(Query::Kind::kNear, std::move(words));
 }
 
-// The operator that a word ends with.
-struct Suffix {
-  Query::Kind kind = Query::Kind::kWord;
-  int edits = 0;
-  std::size_t bytes = 0;
-};
-
-Suffix SuffixOf(std::string_view text) {
-  const auto ends_with = [text](std::string_view end) {
-    return text.size() > end.size() && text.substr(text.size() - end.size()) == end;
-  };
-  if (ends_with("*")) return {Query::Kind::kPrefix, 0, 1};
-  if (ends_with("~1")) return {Query::Kind::kFuzzy, 1, 2};
-  if (ends_with("~2")) return {Query::Kind::kFuzzy, 2, 2};
-  if (ends_with("~")) return {Query::Kind::kFuzzy, 1, 1};
-  return {};
-}
-
-// Returns whether `text` ends in a word, so that a suffix after it belongs to that word.
-bool EndsInLetter(std::string_view text) {
-  return !text.empty() &&
-         (IsAsciiLetter(text.back()) || static_cast<unsigned char>(text.back()) >= 0x80);
-}
-
-MaybeQuery WordsOf(const Token& token, QuotesMean quotes) {
-  const Suffix suffix = token.kind == Kind::kWord ? SuffixOf(token.text) : Suffix{};
-  const std::string_view text =
-      std::string_view(token.text).substr(0, token.text.size() - suffix.bytes);
-  std::vector<Query> words = WordsIn(text);
-  if (suffix.bytes > 0 && !words.empty() && EndsInLetter(text)) {
-    words.back().kind = suffix.kind;
-    words.back().edits = suffix.edits;
-  }
-  return WordsInARow(std::move(words), quotes);
+bool IsJoined(const Query& query) {
+  return query.kind == Query::Kind::kPhrase || query.kind == Query::Kind::kNear;
 }
 
 bool IsStop(const Query& query) {
+  if (IsJoined(query)) return AreDividedStopWord(query.operands);
   return query.kind == Query::Kind::kWord && IsStopWord(query.word);
 }
 
 // e.g., i.e.
 bool IsAbbreviation(const Query& query) {
-  if (query.kind != Query::Kind::kPhrase && query.kind != Query::Kind::kNear) return false;
+  if (!IsJoined(query)) return false;
   std::string letters;
   for (const Query& operand : query.operands) letters += operand.word;
   return query.operands.size() == 2 && (letters == "eg" || letters == "ie");
@@ -113,12 +72,26 @@ std::vector<Query> WithoutStopWords(std::vector<Query> words,
   return words;
 }
 
-// Returns `query`, or, of words that punctuation joins, each of them.
-std::vector<Query> Apart(Query query) {
-  const bool is_joined = query.kind == Query::Kind::kPhrase || query.kind == Query::Kind::kNear;
-  if (!is_joined || IsAbbreviation(query)) return {std::move(query)};
-  for (Query& operand : query.operands) operand.distance_words = 0;
-  return std::move(query.operands);
+bool HasOperandsSideBySide(const Query& query) {
+  return query.kind == Query::Kind::kAnd || query.kind == Query::Kind::kOr;
+}
+
+// Adds the parts of a token side by side: of words that punctuation joins each, if `freely`; and
+// each of those that hang together in a script without blanks.
+void AppendApart(Query query, bool freely, std::vector<Query>* words) {
+  if (HasOperandsSideBySide(query)) {
+    for (Query& part : query.operands) AppendApart(std::move(part), freely, words);
+    return;
+  }
+  const bool is_apart =
+      IsJoined(query) && !IsStop(query) && !IsAbbreviation(query) &&
+      (freely || std::all_of(query.operands.begin(), query.operands.end(), IsOfUnspacedScript));
+  if (!is_apart) return words->push_back(std::move(query));
+  for (std::size_t i = 0; i < query.operands.size(); ++i) {
+    if (i > 0 && IsEnding(query.operands[i])) continue;
+    query.operands[i].distance_words = 0;
+    words->push_back(std::move(query.operands[i]));
+  }
 }
 
 // A capital that begins a word may stand for the beginning of a sentence or of a heading. A word
@@ -149,12 +122,14 @@ bool IsOperator(const Token& token) {
 // are no letters.
 class Parser {
  public:
-  Parser(std::vector<Token> tokens, DefaultOperator default_operator, QuotesMean quotes)
+  Parser(std::vector<Token> tokens, DefaultOperator default_operator, QuotesMean quotes,
+         TextRules rules)
       : tokens_(std::move(tokens)),
         default_operator_(default_operator),
         means_or_(default_operator == DefaultOperator::kOr ||
                   default_operator == DefaultOperator::kOrOfQuestion),
         quotes_(quotes),
+        rules_(rules),
         left_out_(tokens_.size()) {}
 
   MaybeQuery ParseOr() {
@@ -174,10 +149,10 @@ class Parser {
     std::vector<Query> excluded;
     do {
       const bool after_or = Take(Kind::kOr);
-      const bool is_lone_word = freely && IsLoneWord();
+      const bool is_lone_word = IsLoneWord();
       MaybeQuery part = ParseAnd();
       if (is_lone_word && part) {
-        for (Query& word : Apart(std::move(*part))) wanted.push_back(std::move(word));
+        AppendApart(std::move(*part), freely, &wanted);
         continue;
       }
       const bool excludes = part && part->kind == Query::Kind::kNot && !after_or;
@@ -193,11 +168,20 @@ class Parser {
     std::vector<Query> operands;
     bool is_question = default_operator_ == DefaultOperator::kAndOfQuestion;
     do {
-      AppendIfAny(ParseNear(), &operands);
+      const bool is_lone_word = IsLoneWord();
+      AppendSideBySide(is_lone_word, ParseNear(), &operands);
       if (Next().kind == Kind::kAnd) is_question = false;
     } while (Take(Kind::kAnd) || (!means_or_ && StartsPart()));
     if (is_question) operands = WithoutStopWords(std::move(operands));
     return Combined(Query::Kind::kAnd, std::move(operands));
+  }
+
+  // Appends `part`, or, of a word that gives words side by side, each of them.
+  void AppendSideBySide(bool is_word, MaybeQuery part, std::vector<Query>* operands) const {
+    if (!is_word || means_or_ || !part || part->kind != Query::Kind::kAnd) {
+      return AppendIfAny(std::move(part), operands);
+    }
+    for (Query& operand : part->operands) operands->push_back(std::move(operand));
   }
 
   MaybeQuery ParseNear() {
@@ -227,11 +211,19 @@ class Parser {
     if (depth_ == kMaxQueryDepth) LeaveOutNesting();
     if (!StartsPart()) return std::nullopt;
     const Token& token = tokens_[next_++];
-    if (token.kind == Kind::kWord || token.kind == Kind::kPhrase) return WordsOf(token, quotes_);
+    if (token.kind == Kind::kWord || token.kind == Kind::kPhrase) return ParseWords(token);
     ++depth_;
     MaybeQuery part = token.kind == Kind::kNot ? ParseNot() : ParseGroup();
     --depth_;
     return part;
+  }
+
+  MaybeQuery ParseWords(const Token& token) const {
+    std::vector<Query> parts;
+    for (QueryWords& words : WordsOf(token, rules_)) {
+      AppendIfAny(WordsInARow(std::move(words), quotes_), &parts);
+    }
+    return Combined(means_or_ ? Query::Kind::kOr : Query::Kind::kAnd, std::move(parts));
   }
 
   void LeaveOutNesting() {
@@ -290,6 +282,7 @@ class Parser {
   const DefaultOperator default_operator_;
   const bool means_or_;  // words side by side mean OR
   const QuotesMean quotes_;
+  const TextRules rules_;
   std::vector<bool> left_out_;  // the closing partners of parentheses that were left out
   std::size_t next_ = 0;
   unsigned depth_ = 0;
@@ -298,20 +291,21 @@ class Parser {
 }  // namespace
 
 std::optional<Query> ParseQuery(std::string_view text, DefaultOperator default_operator,
-                                QuotesMean quotes) {
-  return Parser(TokensOf(text), default_operator, quotes).ParseOr();
+                                QuotesMean quotes, TextRules rules) {
+  return Parser(TokensOf(text), default_operator, quotes, rules).ParseOr();
 }
 
-bool IsQuestion(std::string_view text) {
+bool IsQuestion(std::string_view text, TextRules rules) {
   std::set<std::string> others;
   bool has_stop_words = false;
   for (const Token& token : TokensOf(text)) {
     if (IsOperator(token)) return false;
-    for (Query& word : WordsIn(token.text)) {
-      if (IsStop(word)) {
-        has_stop_words = true;
-      } else {
-        others.insert(std::move(word.word));
+    for (const QueryWords& words : WordsOf(token, rules)) {
+      has_stop_words = has_stop_words || std::any_of(words.begin(), words.end(), IsStop) ||
+                       AreDividedStopWord(words);
+      if (AreDividedStopWord(words)) continue;
+      for (const Query& word : words) {
+        if (!IsStop(word)) others.insert(word.word);
       }
     }
   }

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "search/query/query.h"
+#include "search/text/text_rules.h"
 
 namespace kestan::search {
 
@@ -37,7 +38,8 @@ enum class DefaultOperator {
 // Deeper than kMaxQueryDepth, parentheses are left out and NOT is a word.
 //
 // With kOr, words side by side mean OR, and NOT beside them excludes documents. Among the words so
-// joined, stop words are left out unless all are, and words in lower case become kInflections.
+// joined, stop words are left out unless all are, and words in lower case become kInflections. Of
+// scripts without blanks, words that hang together are words side by side.
 //
 // With kOrOfQuestion also, words that punctuation joins (two-dimensional) are words side by side,
 // words that people ask with (using, anyone, e.g.) are stop words, and a capital that begins a word
@@ -46,13 +48,15 @@ enum class DefaultOperator {
 // With kAndOfQuestion, stop words side by side with others are left out, unless all are stop words.
 //
 //   Returns  nothing if no letters are left.
+//   Throws   TransliterationError, std::bad_alloc.
 std::optional<Query> ParseQuery(std::string_view text,
                                 DefaultOperator default_operator = DefaultOperator::kAnd,
-                                QuotesMean quotes = QuotesMean::kNear);
+                                QuotesMean quotes = QuotesMean::kNear,
+                                TextRules rules = TextRules::kAsciiLetters);
 
 // Returns whether `text` is a question in plain words: no operators, stop words among its words,
 // and at least four different others.
-bool IsQuestion(std::string_view text);
+bool IsQuestion(std::string_view text, TextRules rules = TextRules::kAsciiLetters);
 
 }  // namespace kestan::search
 

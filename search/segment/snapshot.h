@@ -7,13 +7,15 @@
 #include <vector>
 
 #include "search/segment/segment.h"
+#include "search/text/text_rules.h"
 
 namespace kestan::search {
 
 // What is searched together: the segments of one index, or of several. Never changes.
 struct Snapshot {
   std::vector<std::shared_ptr<const Segment>> segments;
-  std::vector<std::size_t> index_of_segment;  // which of the opened indexes each belongs to
+  std::vector<std::size_t> index_of_segment;   // which of the opened indexes each belongs to
+  TextRules rules = TextRules::kAsciiLetters;  // by which queries are read
 
   std::uint64_t living_documents() const;
   std::uint64_t living_words() const;

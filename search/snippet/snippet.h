@@ -3,12 +3,12 @@
 #define KESTAN_SEARCH_SNIPPET_SNIPPET_H_
 
 #include <cstddef>
-#include <set>
-#include <string>
 #include <string_view>
 #include <vector>
 
 #include "search/snippet/fragments.h"
+#include "search/snippet/term_matches.h"
+#include "search/text/text_rules.h"
 
 namespace kestan::search {
 
@@ -17,10 +17,10 @@ constexpr std::size_t kSnippetBytes = 160;
 
 // Returns the part of `text` with the most different words of `matched_terms`, on one line: one
 // blank for each run of white space and of control characters, and "..." where text was left out.
-// Words are compared as they are indexed: as they stand and in lower case.
+// Words are compared as they are indexed by `rules`. Matches that overlap are one fragment.
 //   Returns  nothing if no word matches.
-std::vector<Fragment> MakeSnippet(std::string_view text,
-                                  const std::set<std::string>& matched_terms);
+std::vector<Fragment> MakeSnippet(std::string_view text, const Terms& matched_terms,
+                                  TextRules rules = TextRules::kAsciiLetters);
 
 }  // namespace kestan::search
 

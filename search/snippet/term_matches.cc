@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "search/text/analyzer/analysis.h"
 #include "search/text/letters.h"
 #include "search/text/utf8.h"
 #include "search/text/words.h"
@@ -17,7 +18,7 @@ bool IsLetter(char byte) { return IsAsciiLetter(byte) || !IsAscii(byte); }
 class TermMatcher {
  public:
   // Borrows `terms`.
-  explicit TermMatcher(const std::set<std::string>& terms) : terms_(terms) {}
+  explicit TermMatcher(const Terms& terms) : terms_(terms) {}
 
   // Returns the term, empty if `word` matches none.
   std::string_view Find(std::string_view word) const {
@@ -37,7 +38,7 @@ class TermMatcher {
     return found == terms_.end() ? std::string_view() : std::string_view(*found);
   }
 
-  const std::set<std::string>& terms_;
+  const Terms& terms_;
 };
 
 // Returns where the word that begins at `start` ends. Apostrophes between letters belong to it.
@@ -53,9 +54,24 @@ std::size_t EndOfWord(std::string_view text, std::size_t start) {
   return end;
 }
 
+std::vector<TermMatch> FindAnalyzed(std::string_view text, const Terms& terms) {
+  std::vector<TermMatch> matches;
+  ForEachAnalyzedWord(text, [&](const AnalyzedWord& word) {
+    const auto found = terms.find(word.word);
+    if (found != terms.end()) matches.push_back({word.start, word.end, *found});
+    return true;
+  });
+  // Of a word with a dot before it, the one without comes first.
+  std::stable_sort(
+      matches.begin(), matches.end(),
+      [](const TermMatch& left, const TermMatch& right) { return left.start < right.start; });
+  return matches;
+}
+
 }  // namespace
 
-std::vector<TermMatch> FindTerms(std::string_view text, const std::set<std::string>& terms) {
+std::vector<TermMatch> FindTerms(std::string_view text, const Terms& terms, TextRules rules) {
+  if (rules == TextRules::kAnalyzer) return FindAnalyzed(text, terms);
   const TermMatcher matcher(terms);
   std::vector<TermMatch> matches;
   for (std::size_t at = 0; at < text.size();) {

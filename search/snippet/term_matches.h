@@ -3,10 +3,13 @@
 #define KESTAN_SEARCH_SNIPPET_TERM_MATCHES_H_
 
 #include <cstddef>
+#include <functional>
 #include <set>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "search/text/text_rules.h"
 
 namespace kestan::search {
 
@@ -17,9 +20,15 @@ struct TermMatch {
   std::string_view term;  // borrowed from the set of terms
 };
 
-// Finds the words of `text` (UTF-8) that match any of `terms`, in order. Words are compared as they
-// are indexed: as they stand and in lower case. Borrows `terms`.
-std::vector<TermMatch> FindTerms(std::string_view text, const std::set<std::string>& terms);
+// Words as they are stored.
+using Terms = std::set<std::string, std::less<>>;
+
+// Finds the words of `text` (UTF-8) that match any of `terms`, in the order in which they begin.
+// They may overlap. Words are compared as they are indexed by `rules`; ASCII letters as they stand
+// and in lower case. Borrows `terms`.
+//   Throws   TransliterationError, std::bad_alloc.
+std::vector<TermMatch> FindTerms(std::string_view text, const Terms& terms,
+                                 TextRules rules = TextRules::kAsciiLetters);
 
 }  // namespace kestan::search
 

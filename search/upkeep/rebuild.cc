@@ -1,3 +1,4 @@
+#include <kestan/search/analyzer.h>
 #include <kestan/search/check.h>
 
 #include <algorithm>
@@ -17,6 +18,7 @@
 #include "search/files/output_file.h"
 #include "search/files/writer_lock.h"
 #include "search/index/caught.h"
+#include "search/index/manifest/analyzer_version.h"
 #include "search/index/manifest/manifest.h"
 #include "search/index/manifest/manifest_text.h"
 #include "search/segment/derived_files.h"
@@ -127,6 +129,7 @@ class Rebuilder {
     }
     std::reverse(manifest_.segments.begin(), manifest_.segments.end());
     manifest_.next_segment = segments_.rbegin()->first + 1;
+    manifest_.properties.emplace(kAnalyzerProperty, Analyzer::kVersion);  // as far as is known
     // No index had so many commits, so readers see that it is another state.
     manifest_.generation = static_cast<std::uint64_t>(std::time(nullptr));
     status = WriteManifest(folder_, manifest_);

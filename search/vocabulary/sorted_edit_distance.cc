@@ -4,14 +4,16 @@
 
 namespace kestan::search {
 
-SortedEditDistance::SortedEditDistance(std::string_view word, int limit)
+template <typename Letter>
+SortedEditDistance<Letter>::SortedEditDistance(Word word, int limit)
     : word_(word), limit_(limit), columns_(word.size() + 1), table_(columns_), least_(1) {
   for (std::size_t column = 0; column < columns_; ++column) {
     table_[column] = static_cast<int>(column);
   }
 }
 
-int SortedEditDistance::To(std::string_view other) {
+template <typename Letter>
+int SortedEditDistance<Letter>::To(Word other) {
   const std::size_t common = static_cast<std::size_t>(
       std::mismatch(other_.begin(), other_.end(), other.begin(), other.end()).first -
       other_.begin());
@@ -27,11 +29,13 @@ int SortedEditDistance::To(std::string_view other) {
 
 // Returns whether no word is near that begins like the one that reaches `row`. A swap of neighbours
 // reaches back two rows.
-bool SortedEditDistance::IsTooFar(std::size_t row) const {
+template <typename Letter>
+bool SortedEditDistance<Letter>::IsTooFar(std::size_t row) const {
   return row > 0 && least_[row] > limit_ && least_[row - 1] > limit_;
 }
 
-void SortedEditDistance::FillRow(std::size_t row) {
+template <typename Letter>
+void SortedEditDistance<Letter>::FillRow(std::size_t row) {
   if (table_.size() < (row + 1) * columns_) {
     table_.resize((row + 1) * columns_);
     least_.resize(row + 1);
@@ -44,13 +48,17 @@ void SortedEditDistance::FillRow(std::size_t row) {
   }
 }
 
-int SortedEditDistance::EditsAt(std::size_t row, std::size_t column) const {
-  const char letter = other_[row - 1];
+template <typename Letter>
+int SortedEditDistance<Letter>::EditsAt(std::size_t row, std::size_t column) const {
+  const Letter letter = other_[row - 1];
   const int replaced = At(row - 1, column - 1) + (letter == word_[column - 1] ? 0 : 1);
   const int edits = std::min({replaced, At(row - 1, column) + 1, At(row, column - 1) + 1});
   const bool swapped =
       row > 1 && column > 1 && letter == word_[column - 2] && other_[row - 2] == word_[column - 1];
   return swapped ? std::min(edits, At(row - 2, column - 2) + 1) : edits;
 }
+
+template class SortedEditDistance<char>;
+template class SortedEditDistance<char32_t>;
 
 }  // namespace kestan::search

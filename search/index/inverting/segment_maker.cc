@@ -3,19 +3,18 @@
 #include <algorithm>
 #include <utility>
 
+#include "search/text/analyzer/analysis.h"
 #include "search/text/transliterate.h"
-#include "search/text/words.h"
 
 namespace kestan::search {
 namespace {
 
 // Makes one text of words of the two that a document comes with.
-void CleanText(Document* document) {
+void AnalyzeText(Document* document) {
   if (document->text.empty()) return;
-  std::string words = CleanWords(Transliterated(document->text));
+  std::string words = AnalyzedWords(document->text);
   document->text = {};
-  if (!document->words.empty()) words.append(1, ' ').append(document->words);
-  document->words = std::move(words);
+  document->words = std::move(words += document->words);
 }
 
 // Returns which of the ascending `serials` is `serial`, if any.
@@ -53,7 +52,7 @@ Status SegmentMaker::Add(std::vector<PendingDocument> documents) {
     if (inverter_ == nullptr) inverter_ = std::make_unique<Inverter>(settings_.with_positions);
     bytes_ += BytesOf(pending.document);
     try {
-      CleanText(&pending.document);
+      AnalyzeText(&pending.document);
     } catch (const TransliterationError& error) {
       return {StatusCode::kSystem, error.what(), settings_.folder};
     }

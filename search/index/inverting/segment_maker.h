@@ -61,7 +61,7 @@ class SegmentMaker {
 
   // Adds documents, with serials that ascend from call to call.
   //   Returns  errors of writing a segment, after which it is of no more use; kSystem where texts
-  //            cannot be transliterated.
+  //            cannot be analyzed.
   Status Add(std::vector<PendingDocument> documents);
 
   // Changes one of the documents that were added.

@@ -107,11 +107,12 @@ bool Joins(std::string_view text, std::size_t start, std::size_t end) {
 // Puts words together that hang together.
 class Grouper {
  public:
-  // Borrows `text`.
-  explicit Grouper(std::string_view text) : text_(text) {}
+  // Borrows `text`. With `is_phrase`, all words hang together.
+  explicit Grouper(std::string_view text, bool is_phrase = false)
+      : text_(text), is_phrase_(is_phrase) {}
 
   void Add(const AnalyzedWord& word, WordPart part) {
-    const bool joins = !groups_.empty() && (word.start <= groups_.back().end ||
+    const bool joins = !groups_.empty() && (is_phrase_ || word.start <= groups_.back().end ||
                                             Joins(text_, groups_.back().end, word.start));
     if (!joins) {
       EndGroup();
@@ -138,9 +139,19 @@ class Grouper {
   }
 
   const std::string_view text_;
+  const bool is_phrase_;
   std::vector<WordGroup> groups_;
   WordPart last_part_ = WordPart::kWhole;
 };
+
+std::vector<WordGroup> Grouped(std::string_view utf8, bool is_phrase) {
+  Grouper grouper(utf8, is_phrase);
+  VisitWords(utf8, [&grouper](const AnalyzedWord& word, WordPart part) {
+    grouper.Add(word, part);
+    return true;
+  });
+  return grouper.Finish();
+}
 
 }  // namespace
 
@@ -158,13 +169,11 @@ void ForEachAnalyzedWord(std::string_view utf8,
   VisitWords(utf8, [&visit](const AnalyzedWord& word, WordPart) { return visit(word); });
 }
 
-std::vector<WordGroup> AnalyzedGroups(std::string_view utf8) {
-  Grouper grouper(utf8);
-  VisitWords(utf8, [&grouper](const AnalyzedWord& word, WordPart part) {
-    grouper.Add(word, part);
-    return true;
-  });
-  return grouper.Finish();
+std::vector<WordGroup> AnalyzedGroups(std::string_view utf8) { return Grouped(utf8, false); }
+
+WordGroup AnalyzedPhrase(std::string_view utf8) {
+  std::vector<WordGroup> groups = Grouped(utf8, true);
+  return groups.empty() ? WordGroup() : std::move(groups.front());
 }
 
 }  // namespace kestan::search

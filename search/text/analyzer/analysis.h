@@ -21,6 +21,10 @@ void ForEachAnalyzedWord(std::string_view utf8,
 
 std::vector<WordGroup> AnalyzedGroups(std::string_view utf8);
 
+// Returns all words of `utf8` as one group, whatever stands between them; without words if there
+// are none.
+WordGroup AnalyzedPhrase(std::string_view utf8);
+
 }  // namespace kestan::search
 
 #endif  // KESTAN_SEARCH_TEXT_ANALYZER_ANALYSIS_H_

@@ -1,3 +1,4 @@
+#include <kestan/search/analyzer.h>
 #include <kestan/search/repair.h>
 
 #include <algorithm>
@@ -16,6 +17,7 @@
 #include "search/files/folder_names.h"
 #include "search/files/writer_lock.h"
 #include "search/index/caught.h"
+#include "search/index/manifest/analyzer_version.h"
 #include "search/index/manifest/manifest.h"
 #include "search/index/manifest/manifest_text.h"
 #include "search/upkeep/loose_segment.h"
@@ -100,6 +102,7 @@ class FolderRepairer {
     if (!found.ok()) return found.status();
     if (found->empty()) return {StatusCode::kNotFound, "there is no index", folder_};
     found_ = std::move(*found);
+    manifest_.properties.emplace(kAnalyzerProperty, Analyzer::kVersion);  // as far as is known
     // No index had so many commits, so readers see that it is another state.
     manifest_.generation = static_cast<std::uint64_t>(std::time(nullptr));
     const std::string path = ManifestPath(folder_);

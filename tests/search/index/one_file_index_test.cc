@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/search/index/read_index.h"
 #include "tests/support/environment.h"
 #include "tests/support/files.h"
 #include "tests/support/temp_dir.h"
@@ -165,6 +166,7 @@ class OneFileIndexTest : public testing::Test {
     for (unsigned i = 0; i < 20 + seed % 80; ++i) history.Step();
     history.Close();
     WriteFolder(dir / "folder", history, with_positions);
+    kestan_tests::MakeOlder(dir / "folder");
     const auto file = IndexReader::Open(dir / "index");
     ASSERT_TRUE(file.ok()) << file.status().ToString();
     const auto folder = IndexReader::Open(dir / "folder");

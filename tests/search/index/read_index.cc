@@ -120,4 +120,12 @@ std::set<std::string> NamedFiles(const std::string& folder) {
   return names;
 }
 
+void MakeOlder(const std::string& folder) {
+  auto manifest = kestan::search::ReadManifest(folder);
+  if (!manifest.ok()) throw std::runtime_error(manifest.status().ToString());
+  manifest->properties.erase("analyzer");
+  const auto status = kestan::search::WriteManifest(folder, *manifest);
+  if (!status.ok()) throw std::runtime_error(status.ToString());
+}
+
 }  // namespace kestan_tests

@@ -31,6 +31,9 @@ ReadDocuments ReadIndex(const std::string& folder);
 // Returns the words of `text` as ReadIndex() returns those of a document.
 std::map<std::string, std::vector<unsigned>> WordsOf(const std::string& text);
 
+// Makes the index in `folder` one of the time before the Analyzer: its words are letters of ASCII.
+void MakeOlder(const std::string& folder);
+
 // Returns the names of all files in `folder`, and of those that the manifest names with the
 // manifest and the lock.
 std::set<std::string> FilesIn(const std::string& folder);

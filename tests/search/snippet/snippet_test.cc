@@ -10,7 +10,7 @@ namespace kestan::search {
 namespace {
 
 // A snippet with its matches in brackets.
-std::string Cut(const std::string& text, const std::set<std::string>& terms) {
+std::string Cut(const std::string& text, const Terms& terms) {
   std::string cut;
   for (const Fragment& fragment : MakeSnippet(text, terms)) {
     cut += fragment.matches ? "[" + fragment.text + "]" : fragment.text;

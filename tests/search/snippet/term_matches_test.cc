@@ -9,7 +9,7 @@ namespace kestan::search {
 namespace {
 
 // The matches in `text`, each as text=term.
-std::string Found(const std::string& text, const std::set<std::string>& terms) {
+std::string Found(const std::string& text, const Terms& terms) {
   std::string found;
   for (const TermMatch& match : FindTerms(text, terms)) {
     found +=

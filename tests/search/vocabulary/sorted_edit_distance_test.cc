@@ -13,7 +13,7 @@ namespace kestan::search {
 namespace {
 
 TEST(SortedEditDistanceTest, WordsThatShareABeginningAreEachAsFarAsTheyAre) {
-  SortedEditDistance distance("flow", 2);
+  SortedEditDistance<char> distance("flow", 2);
   EXPECT_EQ(distance.To("flaw"), 1);
   EXPECT_EQ(distance.To("flawed"), 3);
   EXPECT_EQ(distance.To("flow"), 0);
@@ -24,10 +24,10 @@ TEST(SortedEditDistanceTest, WordsThatShareABeginningAreEachAsFarAsTheyAre) {
 }
 
 TEST(SortedEditDistanceTest, EmptyWordsAreAsFarAsTheOtherIsLong) {
-  EXPECT_EQ(SortedEditDistance("", 2).To("ab"), 2);
-  EXPECT_EQ(SortedEditDistance("", 2).To("abc"), 3);
-  EXPECT_EQ(SortedEditDistance("ab", 2).To(""), 2);
-  EXPECT_EQ(SortedEditDistance("", 0).To(""), 0);
+  EXPECT_EQ(SortedEditDistance<char>("", 2).To("ab"), 2);
+  EXPECT_EQ(SortedEditDistance<char>("", 2).To("abc"), 3);
+  EXPECT_EQ(SortedEditDistance<char>("ab", 2).To(""), 2);
+  EXPECT_EQ(SortedEditDistance<char>("", 0).To(""), 0);
 }
 
 RC_GTEST_PROP(SortedEditDistanceTest, DistancesAreThoseOfWordsOneByOne, ()) {
@@ -36,7 +36,7 @@ RC_GTEST_PROP(SortedEditDistanceTest, DistancesAreThoseOfWordsOneByOne, ()) {
   auto others = *rc::gen::container<std::vector<std::string>>(word);
   if (*rc::gen::arbitrary<bool>()) std::sort(others.begin(), others.end());
   const int limit = *rc::gen::inRange(0, 4);
-  SortedEditDistance distance(to, limit);
+  SortedEditDistance<char> distance(to, limit);
   for (const std::string& other : others) {
     RC_ASSERT(distance.To(other) == BoundedEditDistance(to, other, limit));
   }

@@ -6,7 +6,7 @@
 
 namespace kestan::search {
 
-// A part of a snippet. One that matches is a single word.
+// A part of a snippet. One that matches is a word, or words whose characters overlap.
 struct Fragment {
   std::string text;
   bool matches = false;

@@ -1,4 +1,6 @@
 // Searching indexes: kestan::search::IndexReader.
+//
+// Words of an index come in UTF-8: terms, suggestions, notes, explanations, words of documents.
 #ifndef KESTAN_SEARCH_INDEX_READER_H_
 #define KESTAN_SEARCH_INDEX_READER_H_
 
@@ -64,6 +66,7 @@ struct SearchResults {
   std::vector<std::string> notes;        // how the query was read, and what of it was ignored
   std::vector<std::string> suggestions;  // for words that no document has
   std::vector<std::string> matched_terms;  // words of the index that the query matched; sorted
+  int analyzer = 1;  // the version of the Analyzer by which the query was read; 0: ASCII letters
 };
 
 struct TermInfo {
@@ -135,8 +138,9 @@ class KESTAN_SEARCH_EXPORT IndexReader {
   //   Returns  kDamaged.
   Result<Explanation> Explain(std::string_view query, const SearchOptions& options = {}) const;
 
-  // Returns the terms that begin with `prefix`, in order of their bytes, with the number of living
-  // documents that hold each; terms without any are left out. At most `limit`; 0: all.
+  // Returns the terms that begin with `prefix`, in order of their bytes as they are stored (ASCII
+  // first), with the number of living documents that hold each; terms without any are left out. At
+  // most `limit`; 0: all.
   Result<std::vector<TermInfo>> Terms(std::string_view prefix, std::size_t limit = 0) const;
 
   // Finds a document by its name. With several indexes, the first that has it answers.
@@ -162,7 +166,7 @@ class KESTAN_SEARCH_EXPORT IndexReader {
   // Cuts the part out of `text`, the text of a hit in UTF-8, that shows best why it matches: about
   // 160 bytes on one line, one blank for each run of white space, "..." where text was left out.
   //   Returns  an empty list if no matched term of `results` occurs in it; kSystem where the text
-  //            cannot be transliterated.
+  //            cannot be analyzed.
   static Result<std::vector<Fragment>> Snippet(const SearchResults& results, std::string_view text);
 
   // Returns what IndexWriter::SetProperty() has kept in the first index, or what ConvertIndexFile()
