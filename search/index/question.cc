@@ -108,7 +108,9 @@ class Question {
   Result<Answer> Ask() {
     query_ = Parsed(text_, OperatorOf(options_.words), snapshot_);
     if (!query_) {
-      answer_.notes.emplace_back("the query holds no letters to search for");
+      const bool has_digits = snapshot_.rules == TextRules::kAnalyzer;
+      answer_.notes.emplace_back(has_digits ? "the query holds no letters or digits to search for"
+                                            : "the query holds no letters to search for");
       return std::move(answer_);
     }
     if (!snapshot_.with_positions() && NeedsPositions(*query_)) {

@@ -11,28 +11,30 @@
 namespace kestan::search {
 namespace {
 
-constexpr std::array<std::string_view, 166> kEnglish = {  // in order of their bytes
-    "a",       "about",   "above",   "after",      "again",  "all",     "also",    "am",
-    "an",      "and",     "another", "any",        "are",    "arent",   "as",      "at",
-    "be",      "because", "been",    "before",     "being",  "below",   "between", "both",
-    "but",     "by",      "can",     "cannot",     "cant",   "could",   "couldnt", "did",
-    "didnt",   "do",      "does",    "doesnt",     "doing",  "done",    "dont",    "down",
-    "during",  "each",    "either",  "else",       "even",   "ever",    "every",   "few",
-    "for",     "from",    "further", "had",        "hadnt",  "has",     "hasnt",   "have",
-    "havent",  "having",  "he",      "her",        "here",   "hers",    "herself", "him",
-    "himself", "his",     "how",     "however",    "i",      "if",      "im",      "in",
-    "into",    "is",      "isnt",    "it",         "its",    "itself",  "ive",     "just",
-    "like",    "may",     "me",      "might",      "more",   "most",    "much",    "must",
-    "my",      "myself",  "neither", "no",         "nor",    "not",     "now",     "of",
-    "off",     "on",      "once",    "only",       "or",     "other",   "our",     "ours",
-    "out",     "over",    "own",     "same",       "shall",  "she",     "should",  "shouldnt",
-    "since",   "so",      "some",    "such",       "than",   "that",    "thats",   "the",
-    "their",   "theirs",  "them",    "themselves", "then",   "there",   "these",   "they",
-    "this",    "those",   "through", "thus",       "to",     "too",     "under",   "until",
-    "up",      "upon",    "very",    "was",        "wasnt",  "we",      "were",    "werent",
-    "what",    "when",    "where",   "whether",    "which",  "while",   "who",     "whom",
-    "whose",   "why",     "will",    "with",       "within", "without", "wont",    "would",
-    "wouldnt", "yet",     "you",     "your",       "yours",  "yourself"};
+constexpr std::array<std::string_view, 177> kEnglish = {  // in order of their bytes
+    "a",       "about",   "above",   "after",      "again",   "all",     "also",    "am",
+    "an",      "and",     "another", "any",        "are",     "aren",    "arent",   "as",
+    "at",      "be",      "because", "been",       "before",  "being",   "below",   "between",
+    "both",    "but",     "by",      "can",        "cannot",  "cant",    "could",   "couldn",
+    "couldnt", "did",     "didn",    "didnt",      "do",      "does",    "doesn",   "doesnt",
+    "doing",   "done",    "dont",    "down",       "during",  "each",    "either",  "else",
+    "even",    "ever",    "every",   "few",        "for",     "from",    "further", "had",
+    "hadn",    "hadnt",   "has",     "hasn",       "hasnt",   "have",    "havent",  "having",
+    "he",      "her",     "here",    "hers",       "herself", "him",     "himself", "his",
+    "how",     "however", "i",       "if",         "im",      "in",      "into",    "is",
+    "isn",     "isnt",    "it",      "its",        "itself",  "ive",     "just",    "like",
+    "may",     "me",      "might",   "more",       "most",    "much",    "must",    "my",
+    "myself",  "neither", "no",      "nor",        "not",     "now",     "of",      "off",
+    "on",      "once",    "only",    "or",         "other",   "our",     "ours",    "out",
+    "over",    "own",     "same",    "shall",      "she",     "should",  "shouldn", "shouldnt",
+    "since",   "so",      "some",    "such",       "than",    "that",    "thats",   "the",
+    "their",   "theirs",  "them",    "themselves", "then",    "there",   "these",   "they",
+    "this",    "those",   "through", "thus",       "to",      "too",     "under",   "until",
+    "up",      "upon",    "very",    "was",        "wasn",    "wasnt",   "we",      "were",
+    "weren",   "werent",  "what",    "when",       "where",   "whether", "which",   "while",
+    "who",     "whom",    "whose",   "why",        "will",    "with",    "within",  "without",
+    "wont",    "would",   "wouldn",  "wouldnt",    "yet",     "you",     "your",    "yours",
+    "yourself"};
 
 constexpr std::array<std::string_view, 10> kAskedWith = {  // in order of their bytes
     "anyone", "concerning", "etc", "made", "make", "per", "regarding", "use", "used", "using"};

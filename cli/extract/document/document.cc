@@ -67,11 +67,30 @@ std::string StripBase64(std::string_view text) {
   return kept;
 }
 
-std::string StripLines(std::string text) {
-  text = StripBase64(text);
-  const int length = Kestan::StripBadLines(text.data(), static_cast<unsigned>(text.size()));
-  text.resize(static_cast<std::size_t>(length));
+// Returns `text` with a blank, which no encoded data has, in place of each byte beyond ASCII. The
+// engine takes a line with such a byte for encoded data.
+std::string WithoutHighBytes(std::string text) {
+  for (char& byte : text) {
+    if (static_cast<unsigned char>(byte) >= 0x80) byte = ' ';
+  }
   return text;
+}
+
+// Empties the lines that the engine takes for encoded data. It leaves a line feed of each.
+std::string StripLines(std::string_view text) {
+  const std::string lines = StripBase64(text);
+  std::string stripped = WithoutHighBytes(lines);
+  const int length = Kestan::StripBadLines(stripped.data(), static_cast<unsigned>(stripped.size()));
+  stripped.resize(static_cast<std::size_t>(length));
+  const std::vector<std::string_view> kept = LinesOf(stripped);
+  const std::vector<std::string_view> all = LinesOf(lines);
+  std::string made;
+  made.reserve(lines.size());
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    if (i < kept.size() && !kept[i].empty()) made += all[i];
+    made += '\n';
+  }
+  return made;
 }
 
 // Returns `text`, which must be short enough.
@@ -105,12 +124,12 @@ Document MakeDocument(std::string text, TitleRule rule, const WordRules& rules) 
   Document document;
   document.title = Excerpt(titled.title, kMaxTitleBytes);
   document.summary = Excerpt(titled.rest, kMaxSummaryBytes);
-  // After transliteration: the engine takes a line with a byte above 127 for encoded data.
-  if (rules.strip_encoded) text = StripLines(Checked(InAscii(text)));
+  text = Checked(std::move(text));
+  if (rules.strip_encoded) text = StripLines(text);
   if (rules.stop_words.empty()) {
-    document.text = Checked(std::move(text));
+    document.text = std::move(text);
   } else {
-    document.words = WordsIn(Checked(InAscii(text)), rules.stop_words);
+    document.words = Checked(WordsWithout(text, rules.stop_words));
   }
   return document;
 }

@@ -20,18 +20,19 @@ struct Document {
   std::string title;    // at most kMaxTitleBytes
   std::string summary;  // the text after the title, at most kMaxSummaryBytes
   std::string text;     // what is indexed, in UTF-8: the index finds the words in it
-  std::string words;    // what is indexed where stop words are left out; then `text` is empty
+  std::string words;    // what is indexed, as it is stored, where stop words are left out; then
+                        // `text` is empty
   std::string note{};   // why some of the text is missing; empty if none is
 };
 
 // What to leave out of the words.
 struct WordRules {
-  std::string stop_words;      // separated by anything but letters; may be empty
+  std::string stop_words;      // as they are stored, each followed by a blank; may be empty
   bool strip_encoded = false;  // blocks of uuencode and base64
 };
 
-// Makes a document of `text` (UTF-8, no NUL). With stop words, its words are transliterated to
-// ASCII letters, and words of one or two letters are left out too.
+// Makes a document of `text` (UTF-8, no NUL). With stop words, words of one or two letters are left
+// out too.
 //   Throws   SkipFile if the text or the words take more than kMaxTextBytes.
 Document MakeDocument(std::string text, TitleRule rule = TitleRule::kFirstLine,
                       const WordRules& rules = {});

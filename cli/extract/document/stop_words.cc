@@ -2,6 +2,8 @@
 
 #include <optional>
 
+#include <kestan/search.h>
+
 #include "cli/console/message.h"
 #include "cli/extract/charset/decode.h"
 #include "cli/extract/document/document.h"
@@ -29,18 +31,17 @@ std::string ReadWords(const std::string& path) {
   }
   const std::optional<std::string> text = DecodedText(std::move(bytes));
   if (!text.has_value()) throw CommandError("cannot read " + Quoted(path) + ": not a text");
-  return InAscii(*text);
+  return *text;
 }
 
 }  // namespace
 
 std::string StopWords(const std::string& choice) {
   if (choice.empty()) return "";
-  std::string words = choice == "english" ? kestan::search::EnglishStopWords() : ReadWords(choice);
+  const std::string words =
+      choice == "english" ? kestan::search::EnglishStopWords() : ReadWords(choice);
   if (words.size() > kMaxTextBytes) throw TooLarge(choice);
-  words = WordsIn(std::move(words));
-  // Even a blank would make the engine drop short words.
-  return words.find_first_not_of(" \n") == std::string::npos ? "" : words;
+  return WordsIn(words);
 }
 
 }  // namespace kestan_cli

@@ -6,9 +6,9 @@
 
 namespace kestan_cli {
 
-// Returns the stop words that `choice` names, separated by white space: none for "", the built-in
-// list for "english", else those in the file at the path `choice`, in any script. They are spelled
-// as words are indexed: without accents and apostrophes.
+// Returns the stop words that `choice` names, as they are stored, each followed by a blank: none
+// for "", the built-in list for "english", else those in the file at the path `choice`, in any
+// script.
 //   Throws   CommandError if the file cannot be read or is not a text.
 std::string StopWords(const std::string& choice);
 

@@ -1,31 +1,20 @@
-// The words of texts, as the search library makes them.
+// The words of texts, as the index makes them.
 #ifndef KESTAN_CLI_EXTRACT_DOCUMENT_WORDS_H_
 #define KESTAN_CLI_EXTRACT_DOCUMENT_WORDS_H_
 
-#include <kestan/search.h>
-
 #include <string>
 #include <string_view>
-#include <utility>
-
-#include "cli/console/message.h"
 
 namespace kestan_cli {
 
-inline std::string TextOf(kestan::search::Result<std::string> made) {
-  if (!made.ok()) throw CommandError(made.status().message());
-  return std::move(*made);
-}
-
-// Returns `utf8` in ASCII.
+// Returns the words of `utf8` as they are stored, each followed by a blank.
 //   Throws   CommandError.
-inline std::string InAscii(std::string_view utf8) { return TextOf(kestan::search::ToAscii(utf8)); }
+std::string WordsIn(std::string_view utf8);
 
-// Returns the words of `ascii` but for `stop_words`.
+// The same without `stop_words`, which are words as they are stored, and without words of one or
+// two letters of ASCII. Of "don't", both parts go where "dont" is a stop word.
 //   Throws   CommandError.
-inline std::string WordsIn(std::string ascii, const std::string& stop_words = "") {
-  return TextOf(kestan::search::KeepWords(std::move(ascii), stop_words));
-}
+std::string WordsWithout(std::string_view utf8, std::string_view stop_words);
 
 }  // namespace kestan_cli
 

@@ -29,9 +29,10 @@ TEST_P(StatsCommandTest, CountsDocumentsAndWords) {
   Add("a", "cat dog\n");
   Add("b", "dog I bird\n");
   EXPECT_EQ(Fact("documents"), "2");
-  EXPECT_EQ(Fact("words"), "5");  // I is kept as i too
-  EXPECT_EQ(Fact("postings"), "6");
-  EXPECT_EQ(Fact("words in 1 document"), "4");
+  // Class Kestan keeps I as i too.
+  EXPECT_EQ(Fact("words"), IsFolder() ? "4" : "5");
+  EXPECT_EQ(Fact("postings"), IsFolder() ? "5" : "6");
+  EXPECT_EQ(Fact("words in 1 document"), IsFolder() ? "3" : "4");
   EXPECT_EQ(Fact("words in 2 documents"), "1");
 }
 

@@ -30,8 +30,8 @@ TEST_F(StopWordsTest, EnglishOnesAreLeftOutWithShortWords) {
 }
 
 TEST_F(StopWordsTest, FileHoldsWordsInAnyScript) {
-  Write("stop", "Caf\u00e9\nd'or, mat");
-  EXPECT_EQ(Left("The cafe caf\u00e9 dor MAT end", Path("stop")), "The end");
+  Write("stop", "Caf\u00e9\nmat, Привет");
+  EXPECT_EQ(Left("The cafe caf\u00e9 MAT привет 17 end", Path("stop")), "the 17 end");
 }
 
 TEST_F(StopWordsTest, EmptyFileLeavesAllWordsIn) {
