@@ -11,22 +11,23 @@ unsigned ByteAt(std::string_view text, std::size_t at) {
   return static_cast<unsigned char>(text[at]);
 }
 
-// Decodes a character of at most three bytes, as every control character is.
-unsigned CodeOf(std::string_view character) {
-  const unsigned lead = ByteAt(character, 0);
-  if (character.size() == 1) return lead;
-  if (character.size() == 2) return (lead & 0x1f) << 6 | (ByteAt(character, 1) & 0x3f);
-  return (lead & 0x0f) << 12 | (ByteAt(character, 1) & 0x3f) << 6 | (ByteAt(character, 2) & 0x3f);
+char32_t CodeOf(std::string_view character) {
+  if (character.size() == 1) return ByteAt(character, 0);
+  char32_t code = ByteAt(character, 0) & (0x7fU >> character.size());
+  for (std::size_t at = 1; at < character.size(); ++at) {
+    code = code << 6 | (ByteAt(character, at) & 0x3fU);
+  }
+  return code;
 }
 
-bool IsControl(unsigned code) {
+bool IsControl(char32_t code) {
   return code < 0x20 || (code >= 0x7f && code <= 0x9f) || (code >= 0x202a && code <= 0x202e) ||
          (code >= 0x2066 && code <= 0x2069);
 }
 
 std::string AsJson(std::string_view control) {
   constexpr std::string_view kDigits = "0123456789abcdef";
-  const unsigned code = CodeOf(control);
+  const char32_t code = CodeOf(control);
   std::string escaped = "\\u";
   for (const unsigned shift : {12U, 8U, 4U, 0U}) escaped += kDigits[code >> shift & 15];
   return escaped;
@@ -36,8 +37,9 @@ std::string AsJson(std::string_view control) {
 
 Character FirstCharacter(std::string_view text) {
   const std::size_t bytes = CharacterBytes(text);
-  if (bytes == 0) return {1, true};
-  return {bytes, bytes <= 3 && IsControl(CodeOf(text.substr(0, bytes)))};
+  if (bytes == 0) return {1, true, 0xfffd};
+  const char32_t code = CodeOf(text.substr(0, bytes));
+  return {bytes, IsControl(code), code};
 }
 
 std::string EscapeControls(std::string_view text,

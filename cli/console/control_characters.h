@@ -12,6 +12,7 @@ namespace kestan_cli {
 struct Character {
   std::size_t bytes;
   bool is_control;
+  char32_t code;  // U+FFFD for a byte that belongs to none
 };
 
 // Returns the first character of `text`, which is not empty. A byte that belongs to no UTF-8

@@ -46,4 +46,10 @@ std::string Counted(unsigned long long count, const std::string& noun) {
   return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
+std::string WithCommas(unsigned long long number) {
+  std::string text = std::to_string(number);
+  for (std::size_t end = text.size(); end > 3; end -= 3) text.insert(end - 3, ",");
+  return text;
+}
+
 }  // namespace kestan_cli

@@ -39,6 +39,9 @@ std::string ReasonOf(int error);
 // Returns "1 document" or "2 documents": `count` and `noun`, with an s where it needs one.
 std::string Counted(unsigned long long count, const std::string& noun);
 
+// Returns `number` with a comma before every three digits: "1,023".
+std::string WithCommas(unsigned long long number);
+
 // Returns the items one after the other with `separator` between them.
 template <typename Items>
 std::string Joined(const Items& items, std::string_view separator) {

@@ -1,12 +1,12 @@
 #include "cli/console/progress.h"
 
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
+#include "cli/console/columns.h"
 #include "cli/console/diagnostics.h"
 
 namespace kestan_cli {
@@ -14,7 +14,6 @@ namespace {
 
 constexpr std::chrono::milliseconds kBetweenBars{100};
 constexpr std::chrono::seconds kBetweenLines{10};
-constexpr std::size_t kUsualColumns = 80;
 constexpr std::size_t kMaxBar = 40;
 constexpr std::size_t kMinBar = 5;
 constexpr std::uint64_t kMegabyte = 1000000;
@@ -64,12 +63,6 @@ std::string Done(const ProgressState& state, const std::string& between) {
 
 bool IsComplete(const ProgressState& state) {
   return state.files >= state.total_files && state.bytes >= state.total_bytes;
-}
-
-std::size_t ColumnsOfTerminal() {
-  struct winsize size {};
-  if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return kUsualColumns;
-  return size.ws_col;
 }
 
 }  // namespace
@@ -136,7 +129,7 @@ void Progress::ShowWhenDue() {
   next_ = now + Pause();
   if (style_ == ProgressStyle::kBar) {
     // The last column stays free: some terminals start a new line after it.
-    write_("\r" + ProgressBar(state_, ColumnsOfTerminal() - 1) + "\x1b[K");
+    write_("\r" + ProgressBar(state_, ColumnsOfTerminal(STDERR_FILENO) - 1) + "\x1b[K");
     drawn_ = true;
   } else if (!IsComplete(state_)) {  // the report follows at the end
     write_("kestan: " + ProgressWords(state_) + "\n");

@@ -27,12 +27,6 @@ std::string ReportLine(const IndexReport& report) {
          WithCommas(report.segments) + (report.segments == 1 ? " segment\n" : " segments\n");
 }
 
-std::string WithCommas(unsigned long number) {
-  std::string text = std::to_string(number);
-  for (std::size_t end = text.size(); end > 3; end -= 3) text.insert(end - 3, ",");
-  return text;
-}
-
 std::string SkipLine(const Skip& skip) {
   return "skipped " + Quoted(ShownNames()(skip.name)) + ": " + OneLine(skip.reason);
 }

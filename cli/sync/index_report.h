@@ -32,9 +32,6 @@ struct IndexReport {
 // 1,234 documents in 4 segments" as a line.
 std::string ReportLine(const IndexReport& report);
 
-// Returns `number` with a comma before every three digits from the end.
-std::string WithCommas(unsigned long number);
-
 // Returns "skipped 'NAME': REASON", without a line feed. Names are shown as ShownNames shows them.
 std::string SkipLine(const Skip& skip);
 

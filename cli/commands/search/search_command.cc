@@ -1,6 +1,9 @@
 #include "cli/commands/search/search_command.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
@@ -8,9 +11,11 @@
 
 #include "cli/commands/commands.h"
 #include "cli/commands/search/search_report.h"
+#include "cli/console/columns.h"
 #include "cli/console/diagnostics.h"
 #include "cli/console/message.h"
 #include "cli/extract/indexed_text.h"
+#include "cli/files/fingerprint.h"
 #include "cli/index/document_names.h"
 #include "cli/index/index_errors.h"
 #include "cli/index/opened_reader.h"
@@ -40,7 +45,22 @@ bool IsColoured(Colour colour) {
 }
 
 // Returns whether hits are shown with their titles and snippets.
-bool IsRich(const SearchOptions& options) { return options.snippets || OutputIsTerminal(); }
+bool IsRich(const SearchOptions& options) {
+  if (options.format == ReportFormat::kJson || options.nul || options.names_only) return false;
+  return options.snippets || OutputIsTerminal();
+}
+
+// Returns whether a person reads the answer: a screenful of hits, and lines that fit.
+bool IsScreen(const SearchOptions& options) {
+  return IsRich(options) && !options.count && OutputIsTerminal();
+}
+
+constexpr std::size_t kAllHits = 0;
+constexpr std::size_t kHitsOfAScreen = 10;
+
+std::size_t LimitOf(const SearchOptions& options) {
+  return options.limit.value_or(IsScreen(options) ? kHitsOfAScreen : kAllHits);
+}
 
 // One search. Keeps what it found.
 class Search {
@@ -57,6 +77,9 @@ class Search {
       if (!explanation.part.empty()) report.explanation = std::move(explanation);
     }
     if (!CountAlone(&report)) Find(&report);
+    const auto took = std::chrono::steady_clock::now() - start_;
+    report.milliseconds = static_cast<std::uint64_t>(
+        std::chrono::duration_cast<std::chrono::milliseconds>(took).count());
     return report;
   }
 
@@ -68,7 +91,9 @@ class Search {
     shown.hit = hit;
     shown.path = names_(hit.name);
     if (options_.indexes.size() > 1) shown.index = options_.indexes[hit.index];
-    if (with_snippet) shown.snippet = SnippetOf(hit);
+    const auto document = ValueOf(reader_.FindDocument(hit), Index());
+    if (const auto file = FileStateIn(document.host_data)) shown.date = file->mtime_seconds;
+    if (with_snippet) shown.snippet = SnippetOf(document);
     return shown;
   }
 
@@ -77,17 +102,13 @@ class Search {
  private:
   const std::string& Index() const { return options_.indexes.front(); }
 
-  bool NeedsTitles() const {
-    if (options_.format == ReportFormat::kJson) return true;
-    return IsRich(options_) && !options_.nul && !options_.names_only;
-  }
+  bool NeedsTitles() const { return options_.format == ReportFormat::kJson || IsRich(options_); }
 
   kestan::search::SearchOptions SearchIn() const {
     kestan::search::SearchOptions options;
     options.words = options_.words;
-    options.limit = options_.order == HitOrder::kBest ? options_.limit.value_or(0) : 0;
-    const bool shows_none = options_.count || options_.limit == std::size_t{0};
-    if (shows_none) options.limit = 1;
+    options.limit = options_.order == HitOrder::kBest ? LimitOf(options_) : kAllHits;
+    if (options_.count) options.limit = 1;
     options.with_titles = NeedsTitles();
     return options;
   }
@@ -106,8 +127,8 @@ class Search {
     report->suggestions = results_.suggestions;
     if (options_.order == HitOrder::kName) SortByName();
     if (options_.count) results_.hits.clear();
-    const std::size_t limit = options_.limit.value_or(std::numeric_limits<std::size_t>::max());
-    if (results_.hits.size() > limit) results_.hits.resize(limit);
+    const std::size_t limit = LimitOf(options_);
+    if (limit != kAllHits && results_.hits.size() > limit) results_.hits.resize(limit);
   }
 
   void SortByName() {
@@ -115,14 +136,14 @@ class Search {
                      [](const Hit& left, const Hit& right) { return left.name < right.name; });
   }
 
-  std::vector<Fragment> SnippetOf(const Hit& hit) {
-    const auto document = ValueOf(reader_.FindDocument(hit), Index());
+  std::vector<Fragment> SnippetOf(const kestan::search::DocumentInfo& document) {
     const auto text =
         texts_.Read({document.name, document.host_data, document.title, document.summary});
     if (!text) return {};
     return ValueOf(IndexReader::Snippet(results_, *text), Index());
   }
 
+  const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
   const SearchOptions& options_;
   const IndexReader reader_;
   const ShownNames names_;
@@ -140,21 +161,29 @@ void PrintDiagnosticsOf(const SearchReport& report) {
   if (report.total == 0 && !words.empty()) PrintDiagnostic("did you mean: " + words);
 }
 
-void PrintHits(Search& search, const SearchOptions& options) {
-  constexpr std::size_t kBytesAtATime = std::size_t{1} << 16;
-  const bool rich = IsRich(options);
+void PrintRichHits(Search& search, const SearchOptions& options, const SearchReport& report) {
   const bool coloured = IsColoured(options.colour);
+  const bool fits = IsScreen(options);
+  const std::size_t columns = fits ? ColumnsOfTerminal(STDOUT_FILENO) : kAnyColumns;
+  for (const Hit& hit : search.hits()) {
+    // One by one: for each snippet a file is read, and there may be many.
+    ShownHit shown = search.Show(hit, true);
+    if (!fits) shown.date.reset();
+    PrintPainted(RichLines(shown, coloured, columns));
+  }
+  if (fits && report.total > 0) PrintPainted(TotalLine(report, search.hits().size(), coloured));
+}
+
+void PrintPlainHits(const Search& search, const SearchOptions& options) {
+  constexpr std::size_t kBytesAtATime = std::size_t{1} << 16;
   std::string lines;
   for (const Hit& hit : search.hits()) {
     if (options.nul) {
       lines.append(search.PathOf(hit)).push_back('\0');
     } else if (options.names_only) {
       lines.append(search.PathOf(hit)).append("\n");
-    } else if (!rich) {
-      lines += PlainLine(hit.percent, search.PathOf(hit));
     } else {
-      // One by one: for each snippet a file is read, and there may be many.
-      PrintPainted(RichLines(search.Show(hit, true), coloured));
+      lines += PlainLine(hit.percent, search.PathOf(hit));
     }
     if (lines.size() < kBytesAtATime) continue;
     Print(lines);
@@ -172,8 +201,10 @@ void PrintText(Search& search, const SearchOptions& options, const SearchReport&
   PrintDiagnosticsOf(report);
   if (options.count) {
     Print(std::to_string(report.total) + "\n");
+  } else if (IsRich(options)) {
+    PrintRichHits(search, options, report);
   } else {
-    PrintHits(search, options);
+    PrintPlainHits(search, options);
   }
 }
 
@@ -247,7 +278,7 @@ std::vector<Option> SearchCommandOptions() {
       {"-i,--index", "INDEX", "search this index; may be given again, to search several as one"},
       {"--all", "", "words side by side mean AND, without exceptions"},
       {"--any", "", "words side by side mean OR"},
-      {"--limit", "N", "show at most N documents"},
+      {"--limit", "N", "show at most N documents; 0: all. Without it, a terminal shows 10"},
       {"--order", "ORDER", "how documents are sorted", {"best", "name"}},
       {"-l,--names-only", "", "print names only"},
       {"-0,--null", "", "print names only, each ended by a NUL"},

@@ -24,7 +24,7 @@ struct SearchOptions {
   std::string query;                 // arguments joined by blanks
   kestan::search::WordsMean words = kestan::search::WordsMean::kBest;  // --all, --any
   HitOrder order = HitOrder::kBest;                                    // --order
-  std::optional<std::size_t> limit;                                    // --limit: of hits
+  std::optional<std::size_t> limit;                                    // --limit; 0: all hits
   bool names_only = false;                                             // -l
   bool nul = false;                           // -0: names only, each followed by a NUL
   bool count = false;                         // --count: only how many hits there are
@@ -36,7 +36,9 @@ struct SearchOptions {
 };
 
 // Prints the documents that match a query. On a terminal, or with snippets, a hit has its title and
-// a fragment of its file; otherwise it is a line "PERCENT NAME". Unless `colour` says otherwise,
+// a fragment of its file; otherwise it is a line "PERCENT NAME". On a terminal it has its date too,
+// all lines fit, a line with the total is the last, and without a limit there are 10 hits. All are
+// printed otherwise, and where only names are. Unless `colour` says otherwise,
 // only terminals get colours, and only without NO_COLOR in the environment. The standard error
 // stream gets the explanation, notes on the query and, if nothing matches, suggestions; JSON holds
 // these in itself.

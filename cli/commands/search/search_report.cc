@@ -1,22 +1,25 @@
 #include "cli/commands/search/search_report.h"
 
 #include <algorithm>
+#include <array>
+#include <ctime>
 #include <string_view>
 
+#include "cli/commands/search/snippet_lines.h"
+#include "cli/console/columns.h"
 #include "cli/console/message.h"
 
 namespace kestan_cli {
 namespace {
 
 using kestan::search::Explanation;
-using kestan::search::Fragment;
 
 constexpr std::string_view kIndent = "    ";
+constexpr std::size_t kLeastColumns = 20;
 
 // Terminal controls that start a colour, and that end it.
 constexpr std::string_view kFaint = "\x1b[2m";
 constexpr std::string_view kName = "\x1b[36m";
-constexpr std::string_view kBoldMatch = "\x1b[1;31m";
 constexpr std::string_view kEnd = "\x1b[0m";
 
 std::string Painted(std::string_view colour, const std::string& text, bool coloured) {
@@ -24,17 +27,24 @@ std::string Painted(std::string_view colour, const std::string& text, bool colou
   return std::string(colour) + text + std::string(kEnd);
 }
 
-std::string SnippetLine(const std::vector<Fragment>& snippet, bool coloured) {
-  std::string line;
-  for (const Fragment& fragment : snippet) {
-    const std::string text = OneLine(fragment.text);
-    if (!fragment.matches) {
-      line += text;
-    } else {
-      line += coloured ? Painted(kBoldMatch, text, true) : "[" + text + "]";
-    }
-  }
-  return line;
+// Returns the day of a time in seconds since 1970, as the clock of the user has it: 2026-11-20.
+std::string DayOf(std::int64_t seconds) {
+  const auto time = static_cast<std::time_t>(seconds);
+  std::tm parts{};
+  // On some hosts time_t has 32 bits.
+  if (time != seconds || localtime_r(&time, &parts) == nullptr) return "";
+  std::array<char, 32> day{};
+  return {day.data(), std::strftime(day.data(), day.size(), "%Y-%m-%d", &parts)};
+}
+
+// Returns the line with the date and the title; "" without both.
+std::string TitleLine(const ShownHit& hit, bool coloured, std::size_t columns) {
+  const std::string day = hit.date ? DayOf(*hit.date) : "";
+  const std::string title = OneLine(hit.hit.title);
+  if (day.empty()) return FittedStart(title, columns);
+  const std::string gap = title.empty() ? "" : "  ";
+  const std::size_t used = day.size() + gap.size();
+  return Painted(kFaint, day, coloured) + gap + FittedStart(title, columns - used);
 }
 
 void AppendExplanation(const Explanation& explanation, std::size_t depth,
@@ -52,16 +62,25 @@ std::string PlainLine(int percent, const std::string& name) {
   return std::to_string(percent) + " " + name + "\n";
 }
 
-std::string RichLines(const ShownHit& hit, bool coloured) {
+std::string RichLines(const ShownHit& hit, bool coloured, std::size_t columns) {
+  columns = std::max(columns, kLeastColumns);
   const std::string percent = std::to_string(hit.hit.percent);
+  const std::string name = FittedEnd(OneLine(hit.path), columns - percent.size() - 1);
   std::string lines =
-      Painted(kFaint, percent, coloured) + " " + Painted(kName, OneLine(hit.path), coloured) + "\n";
-  const std::string& title = hit.hit.title;
-  if (!title.empty()) lines.append(kIndent).append(OneLine(title)).append("\n");
-  if (!hit.snippet.empty()) {
-    lines.append(kIndent).append(SnippetLine(hit.snippet, coloured)).append("\n");
+      Painted(kFaint, percent, coloured) + " " + Painted(kName, name, coloured) + "\n";
+  const std::size_t room = columns - kIndent.size();
+  const std::string title = TitleLine(hit, coloured, room);
+  if (!title.empty()) lines.append(kIndent).append(title).append("\n");
+  for (const std::string& line : SnippetLines(hit.snippet, coloured, room)) {
+    lines.append(kIndent).append(line).append("\n");
   }
   return lines;
+}
+
+std::string TotalLine(const SearchReport& report, std::size_t shown, bool coloured) {
+  const std::string line = WithCommas(shown) + " of " + WithCommas(report.total) + " in " +
+                           WithCommas(report.milliseconds) + " ms";
+  return Painted(kFaint, line, coloured) + "\n";
 }
 
 std::vector<std::string> ExplanationLines(const Explanation& explanation) {

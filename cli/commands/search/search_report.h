@@ -4,7 +4,9 @@
 
 #include <kestan/search.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,13 +18,15 @@ struct ShownHit {
   kestan::search::Hit hit;
   std::string path;                               // its name as it is shown
   std::string index;                              // which has it; empty if there is only one
+  std::optional<std::int64_t> date;               // of the file, in seconds since 1970, if shown
   std::vector<kestan::search::Fragment> snippet;  // empty if there is none
 };
 
 struct SearchReport {
-  std::string query;           // as the user typed it
-  std::uint64_t total = 0;     // of the hits
-  std::vector<ShownHit> hits;  // those that are shown
+  std::string query;               // as the user typed it
+  std::uint64_t total = 0;         // of the hits
+  std::uint64_t milliseconds = 0;  // to find them
+  std::vector<ShownHit> hits;      // those that are shown
   std::vector<std::string> suggestions;
   std::vector<std::string> notes;
   std::optional<kestan::search::Explanation> explanation;
@@ -31,10 +35,19 @@ struct SearchReport {
 // Returns "PERCENT NAME" and a line feed.
 std::string PlainLine(int percent, const std::string& name);
 
-// Returns a hit on up to three lines: "PERCENT NAME", the title and the snippet, both indented.
-// With `coloured`, each has its terminal colour and matches are bold; without, [matches] are in
-// brackets. Control characters are escaped.
-std::string RichLines(const ShownHit& hit, bool coloured);
+// Lines of any length.
+constexpr std::size_t kAnyColumns = std::numeric_limits<std::size_t>::max();
+
+// Returns a hit on a few lines: "PERCENT NAME"; the date, by the clock of the user, and the title;
+// the snippet. All but the first are indented. With `coloured`, each has its terminal colour and
+// matches are bold; without, [matches] are in brackets. Control characters are escaped.
+//
+// No line is longer than `columns`, as far as there are 20: of a name that is, the end is shown, of
+// a title the start, and of a snippet two lines at most.
+std::string RichLines(const ShownHit& hit, bool coloured, std::size_t columns = kAnyColumns);
+
+// Returns "10 of 1,023 in 3 ms" and a line feed, for `shown` hits.
+std::string TotalLine(const SearchReport& report, std::size_t shown, bool coloured);
 
 // Returns one line for each part of the tree, indented by its depth: what it is, how many documents
 // it matches and how many microseconds it took.

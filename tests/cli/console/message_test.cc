@@ -32,5 +32,13 @@ TEST(MessageTest, OnlyOneIsSingular) {
   EXPECT_EQ(Counted(2, "link"), "2 links");
 }
 
+TEST(MessageTest, LargeNumbersHaveCommas) {
+  EXPECT_EQ(WithCommas(0), "0");
+  EXPECT_EQ(WithCommas(999), "999");
+  EXPECT_EQ(WithCommas(1000), "1,000");
+  EXPECT_EQ(WithCommas(999999), "999,999");
+  EXPECT_EQ(WithCommas(1234567), "1,234,567");
+}
+
 }  // namespace
 }  // namespace kestan_cli

@@ -45,14 +45,6 @@ TEST(IndexReportTest, OneOfEachIsNoPlural) {
   EXPECT_NE(ReportLine(report).find(", 1 document in 1 segment\n"), std::string::npos);
 }
 
-TEST(IndexReportTest, LargeNumbersHaveCommas) {
-  EXPECT_EQ(WithCommas(0), "0");
-  EXPECT_EQ(WithCommas(999), "999");
-  EXPECT_EQ(WithCommas(1000), "1,000");
-  EXPECT_EQ(WithCommas(999999), "999,999");
-  EXPECT_EQ(WithCommas(1234567), "1,234,567");
-}
-
 TEST(IndexReportTest, PathsAreShownAsTheyOpenFromHere) {
   const kestan_tests::TempDir folder;
   std::filesystem::current_path(folder / "");

@@ -3,9 +3,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <array>
+#include <algorithm>
 #include <csignal>
-#include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -45,8 +44,22 @@ TEST_F(SearchOutputTest, LimitShowsTheFirst) {
   EXPECT_EQ(Search({"--limit", "99", "cat"}), Success(kPlain));
 }
 
-TEST_F(SearchOutputTest, LimitOfZeroShowsNoHits) {
-  EXPECT_EQ(Search({"--limit", "0", "cat"}), Success(""));
+TEST_F(SearchOutputTest, LimitOfZeroShowsAll) {
+  EXPECT_EQ(Search({"--limit", "0", "cat"}), Success(kPlain));
+  EXPECT_EQ(Search({"--limit", "0", "--order", "name", "-l", "cat"}), Success("a\nb\n"));
+  EXPECT_EQ(Search({"--limit", "0", "--count", "cat"}), Success("2\n"));
+}
+
+TEST_F(SearchOutputTest, PipesGetAllHits) {
+  for (char name = 'd'; name <= 'p'; ++name) Add(std::string(1, name), "A cow\n");
+  const auto lines = [this](const char* option) {
+    const std::string out = Search({option, "cow"}).out;
+    return std::count(out.begin(), out.end(), '\n');
+  };
+  EXPECT_EQ(lines("--all"), 13);
+  EXPECT_EQ(lines("-l"), 13);
+  EXPECT_EQ(lines("--snippets"), 3 * 13);
+  EXPECT_EQ(SearchJson({"cow"})["hits"].size(), 13u);
 }
 
 TEST_F(SearchOutputTest, CountInJsonShowsNoDocuments) {
@@ -95,51 +108,6 @@ TEST_F(SearchOutputTest, OnlyTerminalsGetColoursUnlessAskedFor) {
   EXPECT_EQ(Search({"--color", "auto", "--snippets", "dog"}).out.find('\x1b'), std::string::npos);
 }
 
-// A terminal on which the command prints.
-class TerminalTest : public SearchOutputTest {
- protected:
-  void SetUp() override {
-    SearchOutputTest::SetUp();
-    master_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-    ASSERT_TRUE(master_ >= 0 && grantpt(master_) == 0 && unlockpt(master_) == 0);
-  }
-  void TearDown() override { close(master_); }
-
-  std::string Shown(const std::vector<std::string>& arguments, const char* no_color = "") {
-    const std::string slave = ptsname(master_);
-    const int held = open(slave.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
-    Search(arguments, [&] {
-      setenv("TERM", "xterm", 1);
-      setenv("NO_COLOR", no_color, 1);
-      dup2(open(slave.c_str(), O_RDWR | O_NOCTTY), STDOUT_FILENO);
-    });
-    close(held);
-    // The system passes a terminal's text on in pieces, some of them after the command has ended.
-    // With the last descriptor of the other side closed, the read after the last piece fails.
-    std::string text;
-    std::array<char, 4096> piece{};
-    for (ssize_t bytes = 0; (bytes = read(master_, piece.data(), piece.size())) > 0;) {
-      text.append(piece.data(), static_cast<std::size_t>(bytes));
-    }
-    return text;
-  }
-
- private:
-  int master_ = -1;
-};
-
-TEST_F(TerminalTest, TerminalsGetTitlesAndColour) {
-  EXPECT_EQ(Shown({"dog"}),
-            "\x1b[2m100\x1b[0m \x1b[36ma\x1b[0m\r\n    A cat and a cat\r\n"
-            "    A cat and a cat and a \x1b[1;31mdog\x1b[0m.\r\n");
-}
-
-TEST_F(TerminalTest, NoColorIsHonoured) {
-  const std::string plain = "100 a\r\n    A cat and a cat\r\n    A cat and a cat and a [dog].\r\n";
-  EXPECT_EQ(Shown({"dog"}, "1"), plain);
-  EXPECT_EQ(Shown({"--color", "never", "dog"}), plain);
-}
-
 TEST_F(SearchOutputTest, ExplanationGoesToTheErrorStream) {
   const Outcome outcome = Search({"--explain", "cat -fish"});
   EXPECT_EQ(outcome.out, kPlain);
@@ -170,8 +138,12 @@ TEST_F(SearchOutputTest, JsonHasHitsAndTotal) {
   EXPECT_EQ(json["schema"], 1);
   EXPECT_EQ(json["query"], "cat");
   EXPECT_EQ(json["total"], 2);
-  EXPECT_EQ(json["hits"],
-            (Json::array({{{"percent", 100}, {"name", Path("a")}, {"title", "A cat and a cat"}}})));
+  struct stat file {};
+  ASSERT_EQ(stat(Path("a").c_str(), &file), 0);
+  EXPECT_EQ(json["hits"], (Json::array({{{"percent", 100},
+                                         {"name", Path("a")},
+                                         {"title", "A cat and a cat"},
+                                         {"date", file.st_mtime}}})));
   EXPECT_FALSE(json.contains("explanation"));
 }
 
