@@ -40,7 +40,7 @@ int RunAndReport(const Arguments& arguments) {
     std::raise(interrupted.signal());
     return kFailed;
   } catch (const BrokenPipe&) {
-    return kFailed;
+    return kDone;
   } catch (const CommandError& error) {
     return Fail(error.what(), error.status());
   } catch (const std::bad_alloc&) {

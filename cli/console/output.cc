@@ -25,6 +25,14 @@ void PrintPainted(std::string_view text) {
   throw CommandError("cannot write to the standard output: " + ReasonOf(errno));
 }
 
+void PrintIfRead(std::string_view text) {
+  try {
+    Print(text);
+  } catch (const BrokenPipe&) {
+    return;
+  }
+}
+
 bool OutputIsTerminal() { return isatty(STDOUT_FILENO) == 1; }
 
 }  // namespace kestan_cli

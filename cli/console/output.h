@@ -9,8 +9,8 @@
 
 namespace kestan_cli {
 
-// Whoever read the standard output has closed it. Ends the command with status kFailed and without
-// a message: nothing is wrong.
+// Whoever read the standard output has closed it. Ends the command with status kDone and without a
+// message: who has seen enough of a list is not told that anything is wrong.
 class BrokenPipe : public std::exception {};
 
 // All output goes through the functions here: most of it comes from files, and no file may control
@@ -25,12 +25,21 @@ void Print(std::string_view text);
 // and what came from files is escaped in it.
 void PrintPainted(std::string_view text);
 
+// Prints `text` as Print does, unless the pipe is closed: for reports on work that goes on without
+// a reader, and whose exit status stands.
+void PrintIfRead(std::string_view text);
+
 bool OutputIsTerminal();
 
 // Prints many lines, several at a time.
 class LinePrinter {
  public:
-  // Adds `line` and a line feed. Throws as Print does.
+  using Printer = void (*)(std::string_view text);
+
+  // Prints with `print`: Print, or PrintIfRead.
+  explicit LinePrinter(Printer print = Print) : print_(print) {}
+
+  // Adds `line` and a line feed. Throws as the printer does.
   void Take(std::string_view line) {
     waiting_.append(line) += '\n';
     if (waiting_.size() >= kBytesAtATime) Finish();
@@ -38,13 +47,14 @@ class LinePrinter {
 
   // Prints the lines that wait.
   void Finish() {
-    Print(waiting_);
+    print_(waiting_);
     waiting_.clear();
   }
 
  private:
   static constexpr std::size_t kBytesAtATime = std::size_t{1} << 16;
 
+  const Printer print_;
   std::string waiting_;
 };
 

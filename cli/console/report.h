@@ -19,11 +19,12 @@ inline ReportFormat ReportFormatOf(bool json, bool quiet) {
 }
 
 // Prints what `json` or what `text` returns, as `format` says. Calls only the one that it needs.
-//   Throws   as Print does.
+// A closed pipe changes nothing: the work is done.
+//   Throws   as PrintIfRead does.
 template <typename Json, typename Text>
 void PrintReport(ReportFormat format, Json json, Text text) {
-  if (format == ReportFormat::kJson) Print(json());
-  if (format == ReportFormat::kText) Print(text());
+  if (format == ReportFormat::kJson) PrintIfRead(json());
+  if (format == ReportFormat::kText) PrintIfRead(text());
 }
 
 }  // namespace kestan_cli

@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -135,16 +136,65 @@ TEST_F(MainTest, FullDiskOfTheOutputIsReported) {
   EXPECT_EQ(Run({"--help"}, full), expected);
 }
 
-TEST_F(MainTest, ClosedPipeEndsTheCommandQuietly) {
+// Runs in the child: nobody reads its output.
+void CloseReader() {
+  int ends[2];
+  if (pipe(ends) != 0) _exit(127);
+  dup2(ends[1], STDOUT_FILENO);
+  close(ends[0]);
+  close(ends[1]);
+}
+
+TEST_F(MainTest, ReaderThatClosesThePipeIsNoError) {
   Add("a", "cat\n");
-  const auto broken = [] {
-    int ends[2];
-    if (pipe(ends) != 0) _exit(127);
-    dup2(ends[1], STDOUT_FILENO);
-    close(ends[0]);
-    close(ends[1]);
-  };
-  EXPECT_EQ(Run({"list", "my.index"}, broken), (Outcome{2, "", ""}));
+  const std::vector<std::vector<std::string>> lists = {{"list", "my.index"},
+                                                       {"list", "my.index", "--json"},
+                                                       {"search", "my.index", "cat"},
+                                                       {"search", "-l", "my.index", "cat"},
+                                                       {"search", "--snippets", "my.index", "cat"},
+                                                       {"search", "--json", "my.index", "cat"},
+                                                       {"search", "--count", "my.index", "cat"},
+                                                       {"words", "my.index"},
+                                                       {"stats", "my.index"},
+                                                       {"check", "my.index"},
+                                                       {"title", "get", "my.index", "a"},
+                                                       {"dump", "my.index"},
+                                                       {"export", "my.index", "json"},
+                                                       {"export", "my.index", "sql"},
+                                                       {"index", "my.index"},
+                                                       {"completion", "bash"},
+                                                       {"search", "--help"},
+                                                       {"--version"},
+                                                       {"--help"}};
+  for (const auto& arguments : lists) {
+    EXPECT_EQ(Run(arguments, CloseReader), Success("")) << testing::PrintToString(arguments);
+  }
+}
+
+TEST_F(MainTest, ReaderMayCloseThePipeInTheMiddle) {
+  std::string words;
+  for (int i = 0; i < 50000; ++i)
+    words += "w" + std::string(1, static_cast<char>('a' + i % 26)) +
+             std::string(1, static_cast<char>('a' + i / 26 % 26)) +
+             std::string(1, static_cast<char>('a' + i / 676 % 26)) +
+             std::string(1, static_cast<char>('a' + i / 17576)) + " ";
+  Add("a", words);
+  const std::string line = "set -o pipefail; " KESTAN_COMMAND " words '" + Path("my.index") +
+                           "' 2>&1 | head -n 1 > '" + Path("first") + "'";
+  EXPECT_EQ(std::system(("bash -c \"" + line + "\"").c_str()), 0);
+  EXPECT_EQ(ReadFile(Path("first")), "waaaa\n");
+}
+
+TEST_F(MainTest, StatusOfWorkStandsWithoutAReader) {
+  Add("a", "cat\n");
+  Write("b.zz", "dog\n");
+  EXPECT_EQ(Run({"index", "my.index", "a", "b.zz", "--converter", "zz=false {}", "-q", "--why"},
+                CloseReader),
+            (Outcome{1, "", ""}));
+  Write("my.index/1.documents", "changed");
+  EXPECT_EQ(Run({"check", "my.index"}, CloseReader), (Outcome{1, "", ""}));
+  EXPECT_EQ(Run({"repair", "my.index", "new.index", "--all"}, CloseReader), Success(""));
+  EXPECT_EQ(Run({"search", "new.index", "cat"}), Success("100 a\n"));
 }
 
 TEST_F(MainTest, DiagnosticsForAClosedStreamNeverReachTheIndex) {

@@ -119,7 +119,7 @@ void PrintIndexReport(const IndexReport& report, const IndexOptions& options) {
   PrintReport(
       options.report, [&] { return ReportJson(report, options.why); },
       [&] { return reasons + ReportLine(report); });
-  if (options.report == ReportFormat::kNone) Print(reasons);
+  if (options.report == ReportFormat::kNone) PrintIfRead(reasons);
 }
 
 // Counts the words that a document has now and none had before.
@@ -163,9 +163,9 @@ void CheckSomethingDone(const IndexChange& change, const IndexOptions& options,
   CountTotals(change, false, options, report);
   if (!options.why) ReportFailures(*report);
   if (options.report == ReportFormat::kJson) {
-    Print(ReportJson(*report, options.why));
+    PrintIfRead(ReportJson(*report, options.why));
   } else if (options.why) {
-    Print(SkipLines(report->skips));
+    PrintIfRead(SkipLines(report->skips));
   }
   throw CommandError(NothingToIndex(report->skips));
 }

@@ -63,7 +63,7 @@ class CheckLines {
   std::string index_;
   const IndexKind kind_;
   const ReportFormat format_;
-  LinePrinter printer_;
+  LinePrinter printer_{PrintIfRead};
   Json lines_ = Json::array();
 };
 

@@ -89,7 +89,7 @@ class RepairLines {
   std::string index_;
   const ReportFormat format_;
   const bool with_saved_;
-  LinePrinter printer_;
+  LinePrinter printer_{PrintIfRead};
   Json lines_ = Json::array();
 };
 

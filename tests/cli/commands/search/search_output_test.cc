@@ -186,17 +186,5 @@ TEST_F(SearchOutputTest, JsonWithoutHitsHasSuggestions) {
   EXPECT_EQ(SearchJson({"42"})["total"], 0);
 }
 
-TEST_F(SearchOutputTest, ClosedPipeEndsTheSearchQuietly) {
-  const auto broken = [] {
-    int ends[2];
-    if (pipe(ends) != 0) _exit(127);
-    dup2(ends[1], STDOUT_FILENO);
-    close(ends[0]);
-    close(ends[1]);
-  };
-  EXPECT_EQ(Search({"--snippets", "cat"}, broken), (Outcome{2, "", ""}));
-  EXPECT_EQ(Search({"--json", "cat"}, broken), (Outcome{2, "", ""}));
-}
-
 }  // namespace
 }  // namespace kestan_tests
