@@ -11,6 +11,8 @@ constexpr std::array kSignals{SIGHUP, SIGINT, SIGTERM};
 volatile std::sig_atomic_t g_signal = 0;  // the one that came; 0: none
 bool g_thrown = false;                    // whether somebody knows of it
 
+int g_objects = 0;  // that exist
+
 std::array<struct sigaction, kSignals.size()> g_earlier{};
 
 // The second signal, of whatever kind, ends the process when the handler returns.
@@ -25,6 +27,7 @@ void Remember(int signal) {
 }  // namespace
 
 Interruption::Interruption() {
+  if (g_objects++ > 0) return;
   g_signal = 0;
   g_thrown = false;
   struct sigaction action {};
@@ -38,8 +41,11 @@ Interruption::Interruption() {
 }
 
 Interruption::~Interruption() {
+  if (--g_objects > 0) return;
   for (std::size_t i = 0; i < kSignals.size(); ++i) sigaction(kSignals[i], &g_earlier[i], nullptr);
-  if (HasCome() && !g_thrown) std::raise(g_signal);
+  const int signal = g_signal;
+  g_signal = 0;  // nothing asks for what begins later to end
+  if (signal != 0 && !g_thrown) std::raise(signal);
 }
 
 bool Interruption::HasCome() { return g_signal != 0; }

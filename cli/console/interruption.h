@@ -22,7 +22,7 @@ class Interrupted : public std::exception {
 // While one exists, SIGHUP, SIGINT and SIGTERM are kept in mind instead of ending the process, so
 // that what was begun can be cleaned up. A second one ends the process at once, and so does the end
 // of the object if nobody was told of the signal. Signals that the process ignores stay ignored.
-// Only one object may exist at a time.
+// Of several at a time, the first to begin is the last to end, and the others do nothing.
 class Interruption {
  public:
   Interruption();

@@ -128,8 +128,10 @@ void Progress::ShowWhenDue() {
   state_.seconds = std::chrono::duration<double>(now - start_).count();
   next_ = now + Pause();
   if (style_ == ProgressStyle::kBar) {
-    // The last column stays free: some terminals start a new line after it.
-    write_("\r" + ProgressBar(state_, ColumnsOfTerminal(STDERR_FILENO) - 1) + "\x1b[K");
+    // Room for "^C" stays free, and one column more: some terminals start a new line after the
+    // last.
+    const std::size_t columns = ColumnsOfTerminal(STDERR_FILENO);
+    write_("\r" + ProgressBar(state_, columns - std::min<std::size_t>(columns, 3)) + "\x1b[K");
     drawn_ = true;
   } else if (!IsComplete(state_)) {  // the report follows at the end
     write_("kestan: " + ProgressWords(state_) + "\n");

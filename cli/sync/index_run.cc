@@ -80,13 +80,13 @@ void CarryOut(ChangePlan plan, const RunRules& rules, IndexChange& change, Progr
               IndexReport* report) {
   report->unchanged += plan.unchanged;
   for (const Candidate& candidate : plan.to_read) {
-    Interruption::Check();
     std::optional<Decision> decision;
     try {
       decision = Decide(candidate, rules.reading(candidate.file.name), plan.all, &plan.vanished);
     } catch (const SkipFile& skip) {
       report->skips.push_back({candidate.file.name, skip.kind(), skip.what()});
     }
+    Interruption::Check();  // which ends converters too
     if (decision.has_value()) Apply(candidate, std::move(*decision), change, report);
     progress.Advance(candidate.file.state.bytes);
   }

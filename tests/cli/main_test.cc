@@ -197,6 +197,50 @@ TEST_F(MainTest, StatusOfWorkStandsWithoutAReader) {
   EXPECT_EQ(Run({"search", "new.index", "cat"}), Success("100 a\n"));
 }
 
+// Writes a converter `slow` that starts another program, and waits for that.
+class ConverterSignalTest : public CommandTest {
+ protected:
+  void SetUp() override {
+    Write("slow",
+          "#!/bin/sh\nif [ -e quick ]; then cat $1; exit; fi\nsleep 60 &\necho $! > id.new\n"
+          "mv id.new id\nwait\n");
+    ASSERT_EQ(chmod(Path("slow").c_str(), 0700), 0);
+    Write("a.zz", "cat\n");
+  }
+
+  // Interrupts the command when the converter waits. Returns the signal that ended the command, and
+  // expects that the program, which belongs to neither, ends too.
+  int InterruptedBy(int signal, std::vector<std::string> arguments) {
+    for (const char* more : {"--converter", "zz=./slow {}"}) arguments.emplace_back(more);
+    const TempDir streams;
+    const pid_t child = Start(arguments, streams);
+    while (!std::filesystem::exists(Path("id"))) usleep(1000);
+    kill(child, signal);
+    int status = 0;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    const pid_t program = std::stoi(ReadFile(Path("id")));
+    for (int i = 0; i < 5000 && kill(program, 0) == 0; ++i) usleep(1000);
+    EXPECT_NE(kill(program, 0), 0);
+    std::filesystem::remove(Path("id"));
+    EXPECT_EQ(BytesOfFile(streams / "out") + BytesOfFile(streams / "err"), "");
+    return WIFSIGNALED(status) ? WTERMSIG(status) : -1;
+  }
+};
+
+TEST_F(ConverterSignalTest, EndsIndexingAndWhatAConverterHasStarted) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    EXPECT_EQ(InterruptedBy(signal, {"index", "my.index", "a.zz"}), signal);
+    EXPECT_FALSE(std::filesystem::exists(Path("my.index")));
+  }
+}
+
+TEST_F(ConverterSignalTest, EndsASearchAndWhatAConverterHasStarted) {
+  Write("quick", "");
+  ASSERT_EQ(Run({"index", "my.index", "a.zz", "--converter", "zz=./slow {}"}).status, 0);
+  std::filesystem::remove(Path("quick"));
+  EXPECT_EQ(InterruptedBy(SIGINT, {"search", "--snippets", "my.index", "cat"}), SIGINT);
+}
+
 TEST_F(MainTest, DiagnosticsForAClosedStreamNeverReachTheIndex) {
   Add("a", "cat\n");
   Write("b.zz", "dog\n");

@@ -7,6 +7,7 @@
 
 #include "cli/commands/commands.h"
 #include "cli/console/diagnostics.h"
+#include "cli/console/interruption.h"
 #include "cli/console/message.h"
 #include "cli/console/progress.h"
 #include "cli/files/paths.h"
@@ -206,6 +207,7 @@ void Carry(Scope& scope, RootRules& rules, const IndexOptions& options, IndexCha
 
 int RunIndex(const std::string& index, const IndexOptions& options) {
   const RootRequest request = RequestOf(options, PathsOf(options));
+  const Interruption interruption;  // a signal must leave neither a converter nor a bar behind
   IndexChange change(index, StyleOfStandardError(options.quiet));
   Scope scope = ScopeOf(options, request, RootsOf(change.before(), index, request), index);
   RootRules rules(scope.files.reading(), index, options.converter_limits, options.max_file_bytes);

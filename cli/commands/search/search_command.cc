@@ -13,6 +13,7 @@
 #include "cli/commands/search/search_report.h"
 #include "cli/console/columns.h"
 #include "cli/console/diagnostics.h"
+#include "cli/console/interruption.h"
 #include "cli/console/message.h"
 #include "cli/extract/indexed_text.h"
 #include "cli/files/fingerprint.h"
@@ -137,10 +138,17 @@ class Search {
   }
 
   std::vector<Fragment> SnippetOf(const kestan::search::DocumentInfo& document) {
-    const auto text =
-        texts_.Read({document.name, document.host_data, document.title, document.summary});
+    const auto text = TextOf(document);
     if (!text) return {};
     return ValueOf(IndexReader::Snippet(results_, *text), Index());
+  }
+
+  // A signal must not leave a converter behind.
+  std::optional<std::string> TextOf(const kestan::search::DocumentInfo& document) {
+    const Interruption interruption;
+    auto text = texts_.Read({document.name, document.host_data, document.title, document.summary});
+    Interruption::Check();
+    return text;
   }
 
   const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();

@@ -16,6 +16,7 @@
 #include <cstring>
 #include <thread>
 
+#include "cli/console/interruption.h"
 #include "cli/console/message.h"
 #include "cli/files/descriptor.h"
 
@@ -28,6 +29,7 @@ constexpr int kCannotStart = 127;
 constexpr std::chrono::microseconds kMaxPause{10000};
 constexpr std::size_t kMaxErrorBytes = 4096;  // what is kept of the standard error stream
 constexpr std::size_t kMaxQuotedErrorBytes = 200;
+constexpr const char* kInterrupted = "was interrupted";
 
 struct Pipe {
   Descriptor reader;
@@ -102,7 +104,7 @@ class Child {
       // The zombie stays, so that no other group can have its number when it is killed.
       const int failed = waitid(P_PID, static_cast<id_t>(id_), &info, WEXITED | WNOHANG | WNOWAIT);
       if (failed == 0 && info.si_pid == id_) break;
-      if (Clock::now() >= deadline) return false;
+      if (Clock::now() >= deadline || Interruption::HasCome()) return false;
       std::this_thread::sleep_for(pause);
       pause = std::min(pause * 2, kMaxPause);
     }
@@ -139,7 +141,7 @@ bool ReadOnce(Descriptor& from, std::string* into, std::uint64_t max_bytes) {
   return true;
 }
 
-// Reads both streams to their ends.
+// Reads both streams to their ends, or until a signal asks this process to end.
 //   Returns  why it stopped before; an empty string if it did not.
 std::string ReadStreams(Pipe& output, Pipe& errors, const CommandLimits& limits,
                         Clock::time_point deadline, Streams* streams) {
@@ -147,6 +149,7 @@ std::string ReadStreams(Pipe& output, Pipe& errors, const CommandLimits& limits,
     std::array<pollfd, 2> waiting{
         {{output.reader.number(), POLLIN, 0},  // NOLINT(misc-include-cleaner)
          {errors.reader.number(), POLLIN, 0}}};
+    if (Interruption::HasCome()) return kInterrupted;
     const int ready = poll(waiting.data(), waiting.size(), MillisecondsUntil(deadline));
     const bool is_read =
         (waiting[0].revents == 0 ||
@@ -229,7 +232,9 @@ CommandOutcome RunLimited(const std::string& path, const std::vector<std::string
   if (child.WaitUntil(deadline, &status)) {
     outcome.failure = FailureOf(status, streams, limits);
   } else {
-    outcome.failure = "took more than " + Counted(limits.seconds, "second");
+    outcome.failure = Interruption::HasCome()
+                          ? kInterrupted
+                          : "took more than " + Counted(limits.seconds, "second");
   }
   if (outcome.failure.empty()) outcome.output = std::move(streams.output);
   return outcome;

@@ -21,7 +21,8 @@ struct CommandOutcome {
 
 // Runs the program at `path`, with `arguments` (the first is its own name), and waits for its end.
 // Its standard input is empty, it inherits no descriptor, and it ends with this process. A program
-// that exceeds a limit is killed with its process group.
+// that exceeds a limit is killed with its process group, and so is one that runs when a signal asks
+// this process to end while there is an Interruption.
 //   Throws   std::bad_alloc only.
 CommandOutcome RunLimited(const std::string& path, const std::vector<std::string>& arguments,
                           const CommandLimits& limits);

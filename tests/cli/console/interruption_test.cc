@@ -54,6 +54,27 @@ TEST(InterruptionTest, CheckThrowsTheSignalThatCame) {
             SIGTERM);
 }
 
+TEST(InterruptionTest, FirstOfSeveralIsTheOneThatCounts) {
+  EXPECT_EQ(EndOf([] {
+              const Interruption outer;
+              { const Interruption inner; }
+              std::raise(SIGINT);
+              { const Interruption inner; }
+              if (!Interruption::HasCome()) return 1;
+              _exit(Interruption::HasCome() ? kKept : 2);
+            }),
+            kKept);
+  EXPECT_EQ(EndOf([] {
+              {
+                const Interruption outer;
+                const Interruption inner;
+                std::raise(SIGINT);
+              }
+              return 1;
+            }),
+            -SIGINT);
+}
+
 TEST(InterruptionTest, SecondSignalEndsTheProcessWhicheverItIs) {
   for (const int second : {SIGINT, SIGTERM}) {
     EXPECT_EQ(EndOf([second] {

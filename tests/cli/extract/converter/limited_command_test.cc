@@ -10,6 +10,7 @@
 #include <string>
 #include <thread>
 
+#include "cli/console/interruption.h"
 #include "tests/cli/command_test.h"
 
 namespace kestan_cli {
@@ -118,6 +119,15 @@ TEST_F(LimitedCommandTest, WhatAProgramLeavesBehindIsEnded) {
   EXPECT_EQ(outcome.output, "done\n");
   std::this_thread::sleep_for(std::chrono::milliseconds(1500));
   EXPECT_FALSE(std::filesystem::exists(file));
+}
+
+TEST_F(LimitedCommandTest, SignalToThisProcessEndsTheProgram) {
+  for (const char* script : {"sleep 100", "exec sleep 100 >&- 2>&-"}) {
+    const Interruption interruption;
+    std::raise(SIGTERM);
+    EXPECT_EQ(Shell(script).failure, "was interrupted");
+    EXPECT_THROW(Interruption::Check(), Interrupted);
+  }
 }
 
 TEST_F(LimitedCommandTest, NoDescriptorsAndNoProcessesAreLeft) {
