@@ -9,8 +9,10 @@
 
 #include "cli/extract/charset/decode.h"
 #include "cli/extract/html/html.h"
+#include "cli/extract/roff/roff.h"
 #include "cli/files/skip.h"
 #include "cli/files/stable_file.h"
+#include "cli/files/temporary_file.h"
 
 namespace kestan_cli {
 namespace {
@@ -29,6 +31,19 @@ std::string ReadText(StableFile& file, std::string_view piece, std::uint64_t max
     bytes += piece;
   } while (file.Read(&piece));
   return bytes;
+}
+
+// Unpacks a file, of which `first` has been read.
+void Unpack(StableFile& file, std::string_view first, const ReadingRules& rules,
+            LoadedFile* loaded) {
+  bool is_first = true;
+  const PieceSource source = [&] {
+    std::string_view piece = first;
+    if (!is_first && !file.Read(&piece)) piece = {};
+    is_first = false;
+    return piece;
+  };
+  UnpackFile(source, rules.converters, rules.max_bytes, false, loaded);
 }
 
 // The converter opens the file by its name, after it was hashed.
@@ -53,18 +68,48 @@ std::string TextOfHtml(const std::string& bytes) {
 
 }  // namespace
 
+void ChooseReading(const Converters& converters, LoadedFile* file) {
+  file->inner_name = NameToReadBy(file->name, file->head.packed, converters);
+  file->converter = nullptr;
+  if (!IsPacked(*file)) {
+    file->head.unpacked = file->head.packed;
+    file->converter = converters.Find(file->name, file->head.packed);
+  }
+}
+
+bool UnpackFile(const PieceSource& source, const Converters& converters, std::uint64_t max_bytes,
+                bool cuts, LoadedFile* file) {
+  UnpackRules rules{max_bytes, cuts, nullptr};
+  rules.check = [&](const std::string& before, std::string_view piece) {
+    if (before.empty()) {
+      file->head.unpacked = piece.substr(0, kHeadBytes);
+      file->converter = converters.Find(file->inner_name, piece);
+    }
+    const bool may_have_nul = file->converter != nullptr ||
+                              StartsAsUtf16(before.empty() ? piece : std::string_view(before));
+    if (!may_have_nul && piece.find('\0') != std::string_view::npos) {
+      throw SkipFile(SkipKind::kBinary, "binary file");
+    }
+  };
+  Unpacked unpacked = Unpack(source, rules);
+  file->bytes = std::move(unpacked.bytes);
+  return unpacked.is_cut;
+}
+
 LoadedFile LoadFile(const std::string& name, const ReadingRules& rules) {
   StableFile file(name);
-  LoadedFile loaded{name, "", {}, nullptr, ""};
+  LoadedFile loaded;
+  loaded.name = name;
   std::string_view piece;
   file.Read(&piece);
-  loaded.head = piece.substr(0, kHeadBytes);
-  loaded.converter = rules.converters.Find(name, piece);
-  if (loaded.converter == nullptr) {
+  loaded.head.packed = piece.substr(0, kHeadBytes);
+  ChooseReading(rules.converters, &loaded);
+  if (IsPacked(loaded)) {
+    Unpack(file, piece, rules, &loaded);
+  } else if (loaded.converter == nullptr) {
     loaded.bytes = ReadText(file, piece, rules.max_bytes);
-  } else {
-    while (file.Read(&piece)) {
-    }
+  }
+  while (file.Read(&piece)) {
   }
   loaded.fingerprint = file.Finish();
   if (!IsReadByName(name, loaded.head, rules)) {
@@ -81,6 +126,11 @@ bool IsReadAlike(const LoadedFile& file, const std::string& name, const Fingerpr
 }
 
 void ConvertFile(LoadedFile* file, const CommandLimits& limits) {
+  if (IsPacked(*file)) {
+    const TemporaryFile unpacked("." + file->converter->extension, file->bytes);
+    file->bytes = Convert(*file->converter, unpacked.path(), limits);
+    return;
+  }
   file->bytes = Convert(*file->converter, file->name, limits);
   CheckUnchanged(*file);
 }
@@ -94,10 +144,11 @@ FileText TextOf(LoadedFile file) {
     text.text = Decoded(std::move(file.bytes), "binary after conversion");
     return text;
   }
-  const Format format = FormatOf(file.name);
+  const Format format = FormatOf(file.inner_name, file.head.unpacked);
   if (format == Format::kHtml) file.bytes = TextOfHtml(file.bytes);
   if (format == Format::kMarkdown) text.title_rule = TitleRule::kMarkdown;
   text.text = Decoded(std::move(file.bytes), "binary file");
+  if (format == Format::kRoff) text.text = TextOfRoff(text.text);
   return text;
 }
 

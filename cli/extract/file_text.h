@@ -2,9 +2,11 @@
 #ifndef KESTAN_CLI_EXTRACT_FILE_TEXT_H_
 #define KESTAN_CLI_EXTRACT_FILE_TEXT_H_
 
+#include <cstdint>
 #include <string>
 
 #include "cli/extract/document/document.h"
+#include "cli/extract/packed/unpack.h"
 #include "cli/extract/reading.h"
 #include "cli/files/fingerprint.h"
 
@@ -13,15 +15,17 @@ namespace kestan_cli {
 // A file that has been read but not decoded.
 struct LoadedFile {
   std::string name;
-  std::string head;  // its first bytes, at most kHeadBytes
+  FileHead head;
   Fingerprint fingerprint;
   const Converter* converter = nullptr;  // that reads it again; the table owns it
-  std::string bytes;                     // empty with a converter
+  std::string bytes;       // unpacked; empty with a converter, but for what it is to convert
+  std::string inner_name;  // by which it is read: without the extensions of compression
 };
 
-// Reads the file `name` to its end; a binary file only until its first NUL.
-//   Throws   SkipFile if it cannot be read, is binary and has no converter, is too large, or
-//            changes meanwhile.
+// Reads the file `name` to its end, and unpacks it if it is compressed; a binary file only until
+// its first NUL.
+//   Throws   SkipFile if it cannot be read or unpacked, is binary and has no converter, is too
+//            large, or changes meanwhile.
 LoadedFile LoadFile(const std::string& name, const ReadingRules& rules);
 
 // Returns whether the document `name` of `fingerprint`, which was made of the same bytes as `file`,
@@ -29,7 +33,20 @@ LoadedFile LoadFile(const std::string& name, const ReadingRules& rules);
 bool IsReadAlike(const LoadedFile& file, const std::string& name, const Fingerprint& fingerprint,
                  const ReadingRules& rules);
 
-// Replaces the bytes of `file`, which has a converter, by those that the converter writes.
+// Chooses the converter of `file`, whose head is known, and the name by which it is read.
+void ChooseReading(const Converters& converters, LoadedFile* file);
+
+// Returns whether `file` is unpacked before anything else. ChooseReading() has said so.
+inline bool IsPacked(const LoadedFile& file) { return file.inner_name != file.name; }
+
+// Unpacks what `source` gives into the bytes of `file`, and chooses how they are read.
+//   Returns  whether more than `max_bytes` are there: then `cuts` must be set.
+//   Throws   SkipFile as LoadFile() does.
+bool UnpackFile(const PieceSource& source, const Converters& converters, std::uint64_t max_bytes,
+                bool cuts, LoadedFile* file);
+
+// Replaces the bytes of `file`, which has a converter, by those that the converter writes. It reads
+// the file itself, or what was unpacked in a temporary one.
 //   Throws   SkipFile if it fails, or if the file changes meanwhile.
 void ConvertFile(LoadedFile* file, const CommandLimits& limits);
 

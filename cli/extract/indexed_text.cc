@@ -21,6 +21,9 @@
 namespace kestan_cli {
 namespace {
 
+// How much of a compressed file is unpacked for a converter.
+constexpr std::size_t kMaxConvertedBytes = std::size_t{1} << 26;
+
 // Returns the fingerprint in a user record. One without a hash was read as the name says.
 std::optional<Fingerprint> RecordedFingerprint(const std::string& user_record) {
   std::optional<Fingerprint> fingerprint = FingerprintIn(user_record);
@@ -49,6 +52,24 @@ void ReadUpTo(std::uint64_t max_bytes, std::FILE* file, std::string* bytes) {
   bytes->resize(static_cast<std::size_t>(max_bytes));
   bytes->resize(had + std::fread(bytes->data() + had, 1, bytes->size() - had, file));
   if (std::ferror(file) != 0) throw SkipFile(SkipKind::kUnreadable, ReasonOf(errno));
+}
+
+// Unpacks the first `max_bytes` of a file, of which the head has been read; all that a converter
+// is to read.
+//   Returns  whether there are more.
+bool UnpackStart(std::FILE* opened, const Converters& converters, std::size_t max_bytes,
+                 LoadedFile* file) {
+  constexpr std::size_t kPieceBytes = std::size_t{1} << 16;
+  std::string piece;
+  bool is_first = true;
+  const PieceSource source = [&]() -> std::string_view {
+    piece = is_first ? file->head.packed : "";
+    if (!is_first) ReadUpTo(kPieceBytes, opened, &piece);
+    is_first = false;
+    return piece;
+  };
+  const bool may_convert = converters.MayConvert(file->inner_name);
+  return UnpackFile(source, converters, may_convert ? kMaxConvertedBytes : max_bytes, true, file);
 }
 
 void DropLastCharacter(std::string* text) {
@@ -121,7 +142,9 @@ std::optional<std::string> IndexedTextReader::TextOfUnchanged(const DocumentReco
                                                               const Fingerprint& fingerprint) {
   const bool is_read_by_name = fingerprint.reading.empty();
   bool is_cut = false;
-  LoadedFile file{document.name, "", fingerprint, nullptr, ""};
+  LoadedFile file;
+  file.name = document.name;
+  file.fingerprint = fingerprint;
   Load(is_read_by_name ? Converters::BuiltIn() : converters_, &file, &is_cut);
   const bool is_read_alike = is_read_by_name || IsReadAlike(file, file.name, fingerprint,
                                                             ReadingRules{converters_, {}, 0, {}});
@@ -136,19 +159,21 @@ std::optional<std::string> IndexedTextReader::TextOfUnchanged(const DocumentReco
 void IndexedTextReader::Load(const Converters& converters, LoadedFile* file, bool* is_cut) {
   const OpenFile opened = OpenForReading(file->name);
   const std::uint64_t bytes = file->fingerprint.state.bytes;
-  ReadUpTo(std::min<std::uint64_t>(bytes, kHeadBytes), opened.get(), &file->head);
-  file->converter = converters.Find(file->name, file->head);
-  std::size_t max_bytes = kMaxShownText;
-  if (file->converter != nullptr) {
-    ConvertInTime(file);
-    *is_cut = file->bytes.size() > max_bytes;
-    file->bytes.resize(std::min(file->bytes.size(), max_bytes));
-    return;
+  ReadUpTo(std::min<std::uint64_t>(bytes, kHeadBytes), opened.get(), &file->head.packed);
+  ChooseReading(converters, file);
+  const bool is_page = FormatOf(file->inner_name) == Format::kHtml;
+  const std::size_t max_bytes = is_page ? kMaxShownPage : kMaxShownText;
+  if (IsPacked(*file)) {
+    *is_cut = UnpackStart(opened.get(), converters, max_bytes, file);
+  } else if (file->converter == nullptr) {
+    *is_cut = bytes > max_bytes;
+    file->bytes = file->head.packed;
+    ReadUpTo(std::min<std::uint64_t>(bytes, max_bytes), opened.get(), &file->bytes);
   }
-  if (FormatOf(file->name) == Format::kHtml) max_bytes = kMaxShownPage;
-  *is_cut = bytes > max_bytes;
-  file->bytes = file->head;
-  ReadUpTo(std::min<std::uint64_t>(bytes, max_bytes), opened.get(), &file->bytes);
+  if (file->converter == nullptr) return;
+  ConvertInTime(file);
+  *is_cut = file->bytes.size() > kMaxShownText;
+  file->bytes.resize(std::min(file->bytes.size(), kMaxShownText));
 }
 
 void IndexedTextReader::ConvertInTime(LoadedFile* file) {

@@ -2,18 +2,33 @@
 
 #include <cstddef>
 
+#include "cli/extract/packed/compressed_name.h"
+#include "cli/extract/roff/roff.h"
 #include "cli/files/fingerprint.h"
 
 namespace kestan_cli {
 namespace {
 
+std::string FormatName(Format format) {
+  switch (format) {
+    case Format::kHtml:
+      return "html";
+    case Format::kMarkdown:
+      return "markdown";
+    case Format::kRoff:
+      return "roff";
+    case Format::kText:
+      break;
+  }
+  return "text";
+}
+
 // Describes the reading in words: what the digits are made of.
-std::string Description(const std::string& name, std::string_view head, const ReadingRules& rules) {
-  const Format format = FormatOf(name);
-  std::string reading = format == Format::kHtml       ? "html"
-                        : format == Format::kMarkdown ? "markdown"
-                                                      : "text";
-  const Converter* const converter = rules.converters.Find(name, head);
+std::string Description(const std::string& name, const FileHead& head, const ReadingRules& rules) {
+  const std::string inner = NameToReadBy(name, head.packed, rules.converters);
+  const Converter* const converter =
+      rules.converters.Find(inner, inner == name ? head.packed : head.unpacked);
+  std::string reading = FormatName(FormatOf(inner, head.unpacked));
   if (converter != nullptr) {
     reading = "converter";
     for (const std::string& word : converter->command) reading += " " + word;
@@ -26,14 +41,15 @@ ReadingRules RulesByName() { return {Converters::BuiltIn(), {}, 0, {}}; }
 
 }  // namespace
 
-Format FormatOf(const std::string& name) {
+Format FormatOf(const std::string& name, std::string_view head) {
   const std::string extension = ExtensionOf(name);
   if (extension == "html" || extension == "htm" || extension == "xhtml") return Format::kHtml;
   if (extension == "md" || extension == "markdown") return Format::kMarkdown;
+  if (IsRoff(name, head)) return Format::kRoff;
   return Format::kText;
 }
 
-std::string ReadingDigits(const std::string& name, std::string_view head,
+std::string ReadingDigits(const std::string& name, const FileHead& head,
                           const ReadingRules& rules) {
   constexpr std::size_t kDigits = 16;
   ContentHash hash;
@@ -41,12 +57,19 @@ std::string ReadingDigits(const std::string& name, std::string_view head,
   return hash.Digits().substr(0, kDigits);
 }
 
-std::string ReadingDigitsByName(const std::string& name, std::string_view head) {
+std::string ReadingDigitsByName(const std::string& name, const FileHead& head) {
   return ReadingDigits(name, head, RulesByName());
 }
 
-bool IsReadByName(const std::string& name, std::string_view head, const ReadingRules& rules) {
+bool IsReadByName(const std::string& name, const FileHead& head, const ReadingRules& rules) {
   return Description(name, head, rules) == Description(name, head, RulesByName());
+}
+
+std::string NameToReadBy(const std::string& name, std::string_view packed_head,
+                         const Converters& converters) {
+  const bool is_packed =
+      IsCompressed(name, packed_head) && converters.Find(name, packed_head) == nullptr;
+  return is_packed ? UnpackedName(name) : name;
 }
 
 }  // namespace kestan_cli

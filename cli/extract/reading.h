@@ -11,10 +11,11 @@
 
 namespace kestan_cli {
 
-enum class Format { kText, kMarkdown, kHtml };
+enum class Format { kText, kMarkdown, kHtml, kRoff };
 
-// Returns the format that the extension of `name` stands for.
-Format FormatOf(const std::string& name);
+// Returns the format of a text that begins with `head`: that for which the extension of `name`
+// stands.
+Format FormatOf(const std::string& name, std::string_view head = {});
 
 // How to read files. Borrows the table.
 struct ReadingRules {
@@ -24,18 +25,28 @@ struct ReadingRules {
   WordRules words;
 };
 
+// The first bytes of a file, at most kHeadBytes.
+struct FileHead {
+  std::string packed;    // as they are in the file
+  std::string unpacked;  // of what is compressed in it; else the same
+};
+
 // Returns 16 hexadecimal digits that stand for how `rules` read the file `name`, which begins with
 // `head`: its format or the command of its converter, and the words left out. Equal digits and
 // equal bytes make equal documents.
-std::string ReadingDigits(const std::string& name, std::string_view head,
-                          const ReadingRules& rules);
+std::string ReadingDigits(const std::string& name, const FileHead& head, const ReadingRules& rules);
 
 // Returns the digits of a file that is read as its name alone says: with the converters that come
 // with the command, and with no words left out.
-std::string ReadingDigitsByName(const std::string& name, std::string_view head);
+std::string ReadingDigitsByName(const std::string& name, const FileHead& head);
 
 // Returns whether the two are the same.
-bool IsReadByName(const std::string& name, std::string_view head, const ReadingRules& rules);
+bool IsReadByName(const std::string& name, const FileHead& head, const ReadingRules& rules);
+
+// Returns the name by which the file is read as `rules` say: without the extensions of compression
+// if it is unpacked.
+std::string NameToReadBy(const std::string& name, std::string_view packed_head,
+                         const Converters& converters);
 
 }  // namespace kestan_cli
 

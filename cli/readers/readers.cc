@@ -1,12 +1,13 @@
 #include "cli/readers/readers.h"
 
 #include "cli/readers/charset_decoder.h"
+#include "cli/readers/decompressor.h"
 #include "cli/readers/html_parser.h"
 
 extern "C" __attribute__((visibility("default"))) const kestan_cli::Readers*
 KestanReaders() noexcept {
-  static constexpr kestan_cli::Readers kReaders{KESTAN_READERS_VERSION, kestan_cli::UseParserMemory,
-                                                kestan_cli::ExamineCharset,
-                                                kestan_cli::DecodeCharset, kestan_cli::ParseHtml};
+  static constexpr kestan_cli::Readers kReaders{
+      KESTAN_READERS_VERSION,    kestan_cli::UseParserMemory, kestan_cli::ExamineCharset,
+      kestan_cli::DecodeCharset, kestan_cli::ParseHtml,       kestan_cli::Decompress};
   return &kReaders;
 }

@@ -25,6 +25,26 @@ struct Utf16Sink {
   void (*add)(void* context, const char16_t* units, std::size_t count) noexcept;
 };
 
+// Gives bytes, in pieces.
+struct ByteSource {
+  void* context;  // for the function
+  // Sets `*bytes` to the next piece, which is valid until the next call.
+  //   Returns  its size; 0 at the end; -1 if there will be no more.
+  long (*next)(void* context, const char** bytes) noexcept;
+};
+
+// Receives bytes, in pieces.
+struct ByteSink {
+  void* context;  // for the function
+  // Returns false if no more are wanted.
+  bool (*add)(void* context, const char* bytes, std::size_t size) noexcept;
+};
+
+// Why something could not be read: the end of a sentence, which ends with NUL.
+struct ReadProblem {
+  char text[200];  // NOLINT(modernize-avoid-c-arrays): the boundary is one of C
+};
+
 // Receives the markup and the text of a page as they come. Names of elements are in lower case,
 // text is UTF-8, in pieces.
 struct HtmlEvents {
@@ -61,6 +81,13 @@ struct Readers {
   // Parses a page in UTF-8, whatever encoding it declares and however broken its markup is.
   //   Returns  kUnread if events may be missing.
   ReadStatus (*parse_html)(const char* bytes, std::size_t size, const HtmlEvents& events) noexcept;
+
+  // Decompresses what gzip, bzip2, xz or zstd has written, and what they have compressed again up
+  // to `max_layers` times. Starts no program.
+  //   Returns  kRead at the end, and where `sink` wants no more; kUnread if the bytes are broken or
+  //            `source` ends early: then `problem` says why.
+  ReadStatus (*decompress)(const ByteSource& source, const ByteSink& sink, int max_layers,
+                           ReadProblem* problem) noexcept;
 };
 
 // The one function that the module exports: its name and its type never change.

@@ -7,6 +7,7 @@
 #include "cli/extract/document/words.h"
 #include "cli/files/skip.h"
 #include "tests/cli/command_test.h"
+#include "tests/support/packed.h"
 
 namespace kestan_cli {
 namespace {
@@ -127,6 +128,58 @@ TEST_F(FileTextTest, FileThatChangesWhileItIsConvertedIsSkipped) {
 
 TEST_F(FileTextTest, TextInAFileNamedLikeAnotherFormatIsText) {
   EXPECT_EQ(Read("a.pdf", "plain text").words, "plain text ");
+}
+
+using kestan_tests::Packed;
+
+TEST_F(FileTextTest, CompressedFileIsReadByItsInnerName) {
+  EXPECT_EQ(Read("a.html.gz", Packed("<title>One</title><p>Two")).title, "One");
+  EXPECT_EQ(Read("a.md.xz", Packed("badge\n# One\n", "xz")).title, "One");
+  EXPECT_EQ(Read("changelog.Debian.zst", Packed("One", "zstd")).text, "One");
+  EXPECT_EQ(Read("ls.1.bz2", Packed(".TH LS 1\n.SH NAME\nls \\- list\n", "bzip2")).title,
+            "ls(1) - list");
+}
+
+TEST_F(FileTextTest, TextInAFileNamedLikeACompressedOneIsText) {
+  EXPECT_EQ(Read("a.gz", "plain text").words, "plain text ");
+}
+
+TEST_F(FileTextTest, LimitsHoldForWhatIsUnpacked) {
+  EXPECT_EQ(Read("a.gz", Packed(std::string(100, 'x'))).text.size(), 100u);
+  EXPECT_EQ(Read("a.gz", Packed(std::string(101, 'x'))).words,
+            "too_large: unpacks to more than 100 bytes");
+}
+
+TEST_F(FileTextTest, CompressedBinaryFileIsBinary) {
+  EXPECT_EQ(Read("a.gz", Packed("text\0"s)).words, "binary: binary file");
+  EXPECT_EQ(Read("a.gz", Packed("\xff\xfez\0"s)).words, "z ");
+}
+
+TEST_F(FileTextTest, BrokenCompressedFileIsUnreadable) {
+  const std::string packed = Packed("some text to be cut");
+  EXPECT_EQ(Read("a.gz", packed.substr(0, packed.size() - 12)).words.rfind("unreadable: ", 0), 0u);
+}
+
+TEST_F(FileTextTest, ConverterReadsWhatWasUnpacked) {
+  EXPECT_EQ(Read("a.cat.gz", Packed("One\nTwo")).words, "One Two ");
+  EXPECT_EQ(Read("a.not.gz", Packed("text")).words, "conversion: false ended with status 1");
+}
+
+TEST_F(FileTextTest, ConverterForCompressedFilesGoesFirst) {
+  const Converters converters{{"gz=wc -c {}"}};
+  const ReadingRules rules{converters, {}, 100, {}};
+  const std::string packed = Packed("text");
+  Write("a.txt.gz", packed);
+  EXPECT_EQ(DocumentOf(LoadFile(Path("a.txt.gz"), rules), rules).text,
+            std::to_string(packed.size()) + " " + Path("a.txt.gz") + "\n");
+}
+
+TEST_F(FileTextTest, CompressedFilesAreReadAlikeIfWhatIsInThemIs) {
+  Write("a.html.gz", Packed("<p>x"));
+  const LoadedFile file = LoadFile(Path("a.html.gz"), rules_);
+  EXPECT_EQ(file.fingerprint.reading, "");
+  EXPECT_TRUE(IsReadAlike(file, "b.htm.gz", file.fingerprint, rules_));
+  EXPECT_FALSE(IsReadAlike(file, "b.txt.gz", file.fingerprint, rules_));
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include "cli/console/message.h"
 #include "cli/files/stable_file.h"
 #include "tests/cli/command_test.h"
+#include "tests/support/packed.h"
 
 namespace kestan_cli {
 namespace {
@@ -145,7 +146,7 @@ TEST_F(IndexedTextReaderTest, TextThatBeginsOtherwiseWasNotReadAlike) {
 TEST_F(IndexedTextReaderTest, DigitsOfTheRecordNeedNoSummary) {
   Write("a.x", "text");
   const Converters converters({"x=cat {}"});
-  const std::string digits = ReadingDigits("a.x", "text", {converters, {}, 0, {}});
+  const std::string digits = ReadingDigits("a.x", {"text", "text"}, {converters, {}, 0, {}});
   DocumentRecords records = RecordsOf("a.x", digits);
   records.summary = "the user's own";
   EXPECT_EQ(Read(records, {"x=cat {}"}), "text");
@@ -241,11 +242,18 @@ TEST_F(ShownTextTest, HitWithoutItsConverterHasNoSnippet) {
 
 TEST_F(ShownTextTest, CompressedFileNeedsTheConverterThatItWasIndexedWith) {
   Write("a", "One\nTwo words\n");
-  ASSERT_EQ(std::system(("gzip " + Path("a")).c_str()), 0);
-  const std::vector<std::string> options{"--converter", "gz=gzip -dc {}"};
-  ASSERT_EQ(Run({"index", "my.index", "a.gz", options[0], options[1]}).status, 0);
+  ASSERT_EQ(std::system(("gzip -S .pk " + Path("a")).c_str()), 0);
+  const std::vector<std::string> options{"--converter", "pk=gzip -dc -S .pk {}"};
+  ASSERT_EQ(Run({"index", "my.index", "a.pk", options[0], options[1]}).status, 0);
   EXPECT_EQ(Snippet("two", options), "    One [Two] words\n");
   EXPECT_EQ(Snippet("two"), "");
+}
+
+TEST_F(ShownTextTest, ManualPageIsUnpackedAndWithoutItsMacros) {
+  Write("x.1.gz",
+        kestan_tests::Packed(".TH X 1\n.SH NAME\nx \\- a page\n.PP\nTwo \\fBwords\\fR\n"));
+  ASSERT_EQ(Run({"index", "my.index", "x.1.gz"}).status, 0);
+  EXPECT_EQ(Snippet("two"), "    x(1) - a page NAME x - a page [Two] words\n");
 }
 
 TEST_F(ShownTextTest, ConvertedFormatThatIsTextIsNotShownRaw) {
@@ -277,6 +285,26 @@ TEST_F(ShownTextTest, ConverterRunsOnceForEachHitAndOnlyForSnippets) {
   EXPECT_FALSE(std::filesystem::exists(Path("runs")));
   Snippet("two words");
   EXPECT_EQ(kestan_tests::BytesOfFile(Path("runs")), "\n");
+}
+
+TEST_F(IndexedTextReaderTest, CompressedFileIsUnpacked) {
+  using kestan_tests::Packed;
+  EXPECT_EQ(ReadNew("a.txt.gz", Packed("text")), "text");
+  EXPECT_EQ(ReadNew("a.html.xz", Packed("<p>text", "xz")), "text\n");
+  std::string words;
+  while (words.size() <= 2 * kMaxShownText) words += std::to_string(words.size()) + " ";
+  const Text text = ReadNew("b.gz", Packed(words));
+  ASSERT_TRUE(text.has_value());
+  EXPECT_EQ(words.compare(0, text->size(), *text), 0);
+  EXPECT_GT(text->size(), kMaxShownText - 20);
+  EXPECT_LE(text->size(), kMaxShownText);
+}
+
+TEST_F(IndexedTextReaderTest, ConverterReadsWhatWasUnpacked) {
+  Write("a.cat.gz", kestan_tests::Packed("text"));
+  DocumentRecords records = RecordsOf("a.cat.gz", kOtherReading);
+  records.title = "text";
+  EXPECT_EQ(Read(records, {"cat=cat {}"}), "text");
 }
 
 }  // namespace

@@ -14,7 +14,7 @@ constexpr const char* kPdfHead = "%PDF-1.4";
 std::string Digits(const std::string& name, const std::string& head, const std::string& converter,
                    const WordRules& words = {}) {
   const Converters converters({converter});
-  return ReadingDigits(name, head, {converters, {}, 0, words});
+  return ReadingDigits(name, {head, head}, {converters, {}, 0, words});
 }
 
 TEST(FormatTest, ExtensionsStandForFormats) {
@@ -31,6 +31,10 @@ TEST(FormatTest, EverythingElseIsText) {
   }
 }
 
+std::string DigitsByName(const std::string& name, const std::string& head) {
+  return ReadingDigitsByName(name, {head, head});
+}
+
 TEST(ReadingTest, DigitsAreSixteenAndStayTheSame) {
   // Indexes keep them.
   EXPECT_EQ(Digits("a.txt", "", "x=cat -u {}", {"", true}), "663470a229a3a834");
@@ -40,10 +44,10 @@ TEST(ReadingTest, DigitsAreSixteenAndStayTheSame) {
 
 TEST(ReadingTest, EveryFormatAndConverterHasOtherDigits) {
   const std::set<std::string> digits{
-      ReadingDigitsByName("a.txt", ""),
-      ReadingDigitsByName("a.html", ""),
-      ReadingDigitsByName("a.md", ""),
-      ReadingDigitsByName("a.pdf", kPdfHead),
+      DigitsByName("a.txt", ""),
+      DigitsByName("a.html", ""),
+      DigitsByName("a.md", ""),
+      DigitsByName("a.pdf", kPdfHead),
       Digits("a.x", "", "x=cat {}"),
       Digits("a.x", "", "x=cat -u {}"),
       Digits("a.txt", "", "x=cat {}", {"stop words", false}),
@@ -54,19 +58,19 @@ TEST(ReadingTest, EveryFormatAndConverterHasOtherDigits) {
 }
 
 TEST(ReadingTest, ConverterCountsOnlyForFilesOfItsFormat) {
-  EXPECT_EQ(ReadingDigitsByName("a.pdf", "plain text"), ReadingDigitsByName("a", ""));
-  EXPECT_EQ(Digits("a.txt", "", "x=cat {}"), ReadingDigitsByName("a.txt", ""));
+  EXPECT_EQ(DigitsByName("a.pdf", "plain text"), DigitsByName("a", ""));
+  EXPECT_EQ(Digits("a.txt", "", "x=cat {}"), DigitsByName("a.txt", ""));
 }
 
 TEST(ReadingTest, ReadingByNameHasNoOptionOfTheUsersThatMatters) {
   const Converters given({"x=cat {}", "pdf=cat {}"});
   const ReadingRules rules{given, {}, 0, {}};
-  EXPECT_TRUE(IsReadByName("a.txt", "", rules));
-  EXPECT_TRUE(IsReadByName("a.html", "", rules));
-  EXPECT_FALSE(IsReadByName("a.x", "", rules));
-  EXPECT_FALSE(IsReadByName("a.pdf", kPdfHead, rules));
-  EXPECT_FALSE(IsReadByName("a.txt", "", {Converters::BuiltIn(), {}, 0, {"word", false}}));
-  EXPECT_FALSE(IsReadByName("a.txt", "", {Converters::BuiltIn(), {}, 0, {"", true}}));
+  EXPECT_TRUE(IsReadByName("a.txt", {"", ""}, rules));
+  EXPECT_TRUE(IsReadByName("a.html", {"", ""}, rules));
+  EXPECT_FALSE(IsReadByName("a.x", {"", ""}, rules));
+  EXPECT_FALSE(IsReadByName("a.pdf", {kPdfHead, kPdfHead}, rules));
+  EXPECT_FALSE(IsReadByName("a.txt", {"", ""}, {Converters::BuiltIn(), {}, 0, {"word", false}}));
+  EXPECT_FALSE(IsReadByName("a.txt", {"", ""}, {Converters::BuiltIn(), {}, 0, {"", true}}));
 }
 
 }  // namespace
