@@ -7,6 +7,7 @@
 #include <string>
 
 #include "cli/app/arguments.h"
+#include "cli/app/help_text.h"
 #include "cli/app/standard_descriptors.h"
 #include "cli/commands/commands.h"
 #include "cli/console/diagnostics.h"
@@ -26,7 +27,7 @@ int Fail(const std::string& what, int status = kFailed) {
 int Run(const Arguments& arguments) {
   const Request request = ReadArguments(AllCommands(), arguments);
   if (request.command == nullptr) {
-    Print(request.text);
+    PrintHelp(request.text);
     return kDone;
   }
   return request.command->run(request.values);

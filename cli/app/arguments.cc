@@ -5,6 +5,9 @@
 #include <memory>
 #include <sstream>
 
+#include "cli/app/command_groups.h"
+#include "cli/app/help_text.h"
+#include "cli/app/suggestion.h"
 #include "cli/console/message.h"
 
 namespace kestan_cli {
@@ -78,6 +81,7 @@ struct Declared {
 };
 
 constexpr const char* kVersionFlag = "--version";
+constexpr const char* kShortVersionFlag = "-V";
 constexpr const char* kCommands = "Commands";  // the heading above them in the help
 
 // Returns the group `group`, added with `purpose` unless it is there.
@@ -170,14 +174,14 @@ Values ValuesOf(const Declared& declared) {
 
 void Prepare(CLI::App* app) {
   app->set_help_flag("-h,--help", "print this help");
-  app->set_version_flag(kVersionFlag, "kestan " KESTAN_VERSION, "print the version");
+  app->set_version_flag("-V,--version", "kestan " KESTAN_VERSION, "print the version");
   app->require_subcommand(1);
   app->footer("Each has --help with an example, and a manual page: man kestan-search.");
   app->get_formatter()->label("TEXT", "");
   app->get_formatter()->label("REQUIRED", "");
   app->get_formatter()->label("OPTIONS", "OPTIONS");
   app->get_formatter()->label("SUBCOMMAND", "COMMAND");
-  app->get_formatter()->column_width(28);
+  app->get_formatter()->column_width(kHelpColumn);
 }
 
 // Returns the help or the version, whichever `request` is for.
@@ -191,15 +195,33 @@ bool LooksLikeOption(const std::string& argument) {
   return argument.size() > 1 && argument.front() == '-';
 }
 
-// Describes `error` in the terms of the help.
-std::string Describe(const CLI::App& app, bool wants_command, const CLI::ParseError& error) {
+std::string NoSuchCommand(const std::string& name, const Arguments& known) {
+  return "no command " + Quoted(name) + DidYouMean(name, known);
+}
+
+Arguments LongNamesOf(const CLI::App& app) {
+  Arguments names;
+  for (const CLI::Option* option : app.get_options()) {
+    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+  }
+  return names;
+}
+
+// Describes an argument of `app` that looks like an option and is none of its own.
+std::string NoSuchOption(const CLI::App& app, const std::string& option) {
+  const std::string meant = DidYouMean(option.substr(0, option.find('=')), LongNamesOf(app));
+  return "no option " + Quoted(option) +
+         (meant.empty() ? "; put -- before what only looks like one" : meant);
+}
+
+// Describes `error`, of the command or the group `last`, in the terms of the help.
+std::string Describe(const CLI::App& app, const CLI::App& last, const CLI::ParseError& error) {
   Arguments left = app.remaining(true);  // the arguments that no slot took
   left.erase(std::remove(left.begin(), left.end(), "--"), left.end());
   const auto option = std::find_if(left.begin(), left.end(), LooksLikeOption);
-  if (option != left.end()) {
-    return "no option " + Quoted(*option) + "; put -- before what only looks like one";
-  }
-  if (wants_command) return left.empty() ? "no command" : "no command " + Quoted(left.front());
+  if (option != left.end()) return NoSuchOption(last, *option);
+  const bool is_group = !last.get_subcommands([](const CLI::App*) { return true; }).empty();
+  if (is_group) return left.empty() ? "no command" : NoSuchCommand(left.front(), {});
   if (!left.empty()) return "one argument too many: " + Quoted(Unguarded(left.back()));
   std::string what = error.what();
   if (error.get_name() != "ArgumentMismatch") return what;
@@ -215,8 +237,7 @@ CommandError Refusal(const CLI::App& app, const CLI::ParseError& error) {
     last = last->get_subcommands().front();
     called += " " + last->get_name();
   }
-  const bool is_group = !last->get_subcommands([](const CLI::App*) { return true; }).empty();
-  return CommandError(Describe(app, is_group, error) + " (see " + called + " --help)");
+  return CommandError(Describe(app, *last, error) + " (see " + called + " --help)");
 }
 
 // Returns whether `word` is the name of the command or of its group, or an alias.
@@ -225,12 +246,44 @@ bool IsNamed(const Command& command, const std::string& word) {
          std::count(command.aliases.begin(), command.aliases.end(), word) != 0;
 }
 
+// Returns the words that may follow `first` in the names of `commands`; with "", those that may be
+// the first.
+Arguments WordsAfter(const std::vector<Command>& commands, const std::string& first) {
+  Arguments words;
+  for (const CommandGroup& group : GroupsOf(commands)) {
+    for (const std::string& word : FirstWords(group)) {
+      if (first.empty()) words.push_back(word);
+    }
+    if (group.name != first || !HasSecondWords(group)) continue;
+    for (const Command* command : group.commands) words.push_back(SecondWord(*command));
+  }
+  return words;
+}
+
+// Refuses a name of no command: otherwise --help after it would be the help on all of them.
+void CheckName(const std::vector<Command>& commands, const Arguments& arguments) {
+  std::string called;
+  for (const std::string& word : arguments) {
+    const Arguments known = WordsAfter(commands, called);
+    const bool is_hidden = called.empty() && CommandNamed(commands, word) != nullptr;
+    if (known.empty() || is_hidden || LooksLikeOption(word)) return;
+    if (std::count(known.begin(), known.end(), word) == 0) {
+      const std::string place = called.empty() ? "" : called + " ";
+      throw CommandError(NoSuchCommand(word, known) + " (see kestan " + place + "--help)");
+    }
+    if (!called.empty()) return;
+    called = word;
+  }
+}
+
 // Returns the commands that have to be declared, which takes time: the one that the arguments name,
 // or the group; none for the version; else all, for the help to list.
 std::vector<const Command*> CommandsFor(const std::vector<Command>& commands,
                                         const Arguments& arguments) {
   std::vector<const Command*> needed;
-  if (arguments == Arguments{kVersionFlag}) return needed;
+  if (arguments == Arguments{kVersionFlag} || arguments == Arguments{kShortVersionFlag}) {
+    return needed;
+  }
   const std::string first = arguments.empty() ? "" : arguments.front();
   for (const Command& command : commands) {
     if (IsNamed(command, first)) needed.push_back(&command);
@@ -243,6 +296,7 @@ std::vector<const Command*> CommandsFor(const std::vector<Command>& commands,
 }  // namespace
 
 Request ReadArguments(const std::vector<Command>& commands, const Arguments& arguments) {
+  CheckName(commands, arguments);
   CLI::App app("Indexes text files and finds words in them.", "kestan");
   Prepare(&app);
   std::vector<Declared> all;

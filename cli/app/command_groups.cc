@@ -7,12 +7,12 @@ namespace {
 
 std::string FirstWord(const std::string& name) { return name.substr(0, name.find(' ')); }
 
-std::string SecondWord(const std::string& name) {
-  const std::size_t blank = name.find(' ');
-  return blank == std::string::npos ? "" : name.substr(blank + 1);
-}
-
 }  // namespace
+
+std::string SecondWord(const Command& command) {
+  const std::size_t blank = command.name.find(' ');
+  return blank == std::string::npos ? "" : command.name.substr(blank + 1);
+}
 
 std::vector<CommandGroup> GroupsOf(const std::vector<Command>& commands) {
   std::vector<CommandGroup> groups;
@@ -26,7 +26,7 @@ std::vector<CommandGroup> GroupsOf(const std::vector<Command>& commands) {
 }
 
 bool HasSecondWords(const CommandGroup& group) {
-  return !SecondWord(group.commands.front()->name).empty();
+  return !SecondWord(*group.commands.front()).empty();
 }
 
 Arguments FirstWords(const CommandGroup& group) {
@@ -37,7 +37,7 @@ Arguments FirstWords(const CommandGroup& group) {
 
 std::string SecondWords(const CommandGroup& group) {
   std::vector<std::string> words;
-  for (const Command* command : group.commands) words.push_back(SecondWord(command->name));
+  for (const Command* command : group.commands) words.push_back(SecondWord(*command));
   return Joined(words, " ");
 }
 

@@ -26,6 +26,9 @@ bool HasSecondWords(const CommandGroup& group);
 // command.
 Arguments FirstWords(const CommandGroup& group);
 
+// Returns the second word of the name of `command`; "" if it has none.
+std::string SecondWord(const Command& command);
+
 // Returns the second words of the names, separated by blanks.
 std::string SecondWords(const CommandGroup& group);
 

@@ -39,7 +39,7 @@ Commands Gather() {
               {GetOptionCommand(), SetOptionCommand(), ClearOptionCommand()}, &all);
   Append({CompactCommand(), ConvertCommand(), CopyCommand()}, &all);
   Append({CheckCommand(), RepairCommand(), DumpCommand(), LoadCommand()}, &all);
-  Append({ExportCommand(), CompletionCommand(), ManualCommand()}, &all);
+  Append({ExportCommand(), HelpCommand(), CompletionCommand(), ManualCommand()}, &all);
   return all;
 }
 

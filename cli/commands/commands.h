@@ -47,6 +47,7 @@ Command LoadCommand();
 
 // cli/commands/help/
 Command CompletionCommand();
+Command HelpCommand();
 Command ManualCommand();
 
 }  // namespace kestan_cli

@@ -1,9 +1,12 @@
 #include "cli/console/diagnostics.h"
 
+#include <unistd.h>
+
 #include <cstddef>
 #include <cstdio>
 #include <string>
 
+#include "cli/console/columns.h"
 #include "cli/console/control_characters.h"
 #include "cli/console/message.h"
 
@@ -25,7 +28,13 @@ std::size_t HarmlessBytes(std::string_view text) {
 
 void ReportProblem(std::string_view what) { PrintDiagnostic("kestan: " + std::string(what)); }
 
-void PrintDiagnostic(std::string_view line) { PrintProgress(OneLine(line) + "\n"); }
+void PrintDiagnostic(std::string_view line) {
+  constexpr std::size_t kIndent = 2;
+  const std::string text = OneLine(line);
+  const bool is_terminal = isatty(STDERR_FILENO) == 1;
+  PrintProgress((is_terminal ? Wrapped(text, ColumnsOfTerminal(STDERR_FILENO), kIndent) : text) +
+                "\n");
+}
 
 void PrintDiagnostics(std::string_view text) {
   while (!text.empty()) {

@@ -6,12 +6,11 @@
 
 namespace kestan_cli {
 
-// Prints "kestan: WHAT" on one line: what is wrong, or what the user should know. Control
-// characters are escaped.
+// Prints "kestan: WHAT" on one line, on a terminal on as many as it takes: what is wrong, or what
+// the user should know. Control characters are escaped.
 void ReportProblem(std::string_view what);
 
-// Prints `line`, which comments on an answer, such as a note on a search. Control characters are
-// escaped.
+// Prints `line`, which comments on an answer, such as a note on a search, in the same way.
 void PrintDiagnostic(std::string_view line);
 
 // Prints `text`, lines of the engine or the store. Keeps line feeds, escapes other control

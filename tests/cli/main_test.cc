@@ -20,6 +20,8 @@ TEST_F(MainTest, VersionIsPrinted) {
   EXPECT_EQ(outcome.err, "");
 }
 
+TEST_F(MainTest, VersionHasAShortOption) { EXPECT_EQ(Run({"-V"}), Run({"--version"})); }
+
 TEST_F(MainTest, HelpNamesEveryCommand) {
   const Outcome outcome = Run({"--help"});
   EXPECT_EQ(outcome.status, 0);
@@ -78,6 +80,20 @@ TEST_F(MainTest, WrongArgumentsAreReportedWithTheHelpToRead) {
             Failure("NAME is required (see kestan title get --help)"));
   EXPECT_EQ(Run({"search", "a", "b", "--order", "x\n"}),
             Failure("--order takes one of best, name, not 'x\\n'"));
+}
+
+TEST_F(MainTest, MisspelledCommandsAndOptionsAreAnsweredWithASuggestion) {
+  EXPECT_EQ(Run({"idnex", "a", "b"}),
+            Failure("no command 'idnex'; did you mean 'index'? (see kestan --help)"));
+  EXPECT_EQ(Run({"idnex", "--help"}), Run({"idnex"}));
+  EXPECT_EQ(Run({"title", "sett", "a", "b", "c"}),
+            Failure("no command 'sett'; did you mean 'set'? (see kestan title --help)"));
+  const Outcome limit =
+      Failure("no option '--limt=3'; did you mean '--limit'? (see kestan search --help)");
+  EXPECT_EQ(Run({"search", "a", "b", "--limt=3"}), limit);
+  EXPECT_EQ(Run({"--versoin"}),
+            Failure("no option '--versoin'; did you mean '--version'? (see kestan --help)"));
+  EXPECT_EQ(Run({"manaul"}), Failure("no command 'manaul' (see kestan --help)"));  // not for users
 }
 
 TEST_F(MainTest, UnknownOptionIsReportedBeforeMissingArguments) {

@@ -1,8 +1,8 @@
 #include <string>
 
-#include "cli/app/bash_completion.h"
-#include "cli/app/fish_completion.h"
-#include "cli/app/zsh_completion.h"
+#include "cli/app/completion/bash_completion.h"
+#include "cli/app/completion/fish_completion.h"
+#include "cli/app/completion/zsh_completion.h"
 #include "cli/commands/commands.h"
 #include "cli/console/message.h"
 #include "cli/console/output.h"
@@ -31,7 +31,7 @@ Command CompletionCommand() {
           {{"SHELL", "bash, zsh or fish"}},
           {},
           "",
-          {"kestan completion bash > ~/.local/share/bash-completion/completions/kestan"},
+          {"eval \"$(kestan completion bash)\""},
           RunCompletion};
 }
 

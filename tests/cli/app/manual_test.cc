@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "cli/commands/commands.h"
-#include "tests/cli/app/completion_test.h"
+#include "tests/cli/app/completion/completion_test.h"
 
 namespace kestan_tests {
 namespace {

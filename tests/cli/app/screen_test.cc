@@ -97,6 +97,22 @@ TEST_F(ScreenTest, IndexingShowsABarUnlessQuiet) {
   EXPECT_EQ(Shown(STDERR_FILENO, quiet), "");
 }
 
+TEST_F(ScreenTest, HelpAndErrorsFitTheTerminal) {
+  const std::string help = Shown(STDOUT_FILENO, {"search", "--help"});
+  EXPECT_NE(help.find("or, where\n                            no document has all, some."),
+            std::string::npos)
+      << help;
+  EXPECT_NE(Run({"search", "--help"}).out.find("where no document has all, some."),
+            std::string::npos);
+  const std::string name(75, 'a');
+  EXPECT_EQ(Shown(STDERR_FILENO, {"list", name}),
+            "kestan: cannot open index\n  '" + name +
+                "':\n"
+                "  no such file or folder; kestan index makes one\n");
+  EXPECT_EQ(Run({"list", name}).err, "kestan: cannot open index '" + name +
+                                         "': no such file or folder; kestan index makes one\n");
+}
+
 // ---- Every command ----
 
 // All bytes that a terminal could treat as a command, except white space, which ends a word.
@@ -176,6 +192,7 @@ class TerminalControlsTest : public ScreenTest, public testing::WithParamInterfa
         {"FILE", "dump"},
         {"FORM", "json"},
         {"SHELL", "bash"},
+        {"COMMAND", "search"},
         {"FOLDER", "."},
         {"--index", "my.index"},
         {"--one-file", "one.index"},

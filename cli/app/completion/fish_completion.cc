@@ -1,6 +1,6 @@
-#include "cli/app/fish_completion.h"
+#include "cli/app/completion/fish_completion.h"
 
-#include "cli/app/shell_words.h"
+#include "cli/app/completion/shell_words.h"
 #include "cli/console/message.h"
 
 namespace kestan_cli {

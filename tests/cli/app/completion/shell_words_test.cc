@@ -1,4 +1,4 @@
-#include "cli/app/shell_words.h"
+#include "cli/app/completion/shell_words.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "cli/app/shell_words.h"
+#include "cli/app/completion/shell_words.h"
 
 #include "cli/console/message.h"
 

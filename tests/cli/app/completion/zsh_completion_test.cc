@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "tests/cli/app/completion_test.h"
+#include "tests/cli/app/completion/completion_test.h"
 
 namespace kestan_tests {
 namespace {

@@ -1,6 +1,6 @@
-#include "cli/app/bash_completion.h"
+#include "cli/app/completion/bash_completion.h"
 
-#include "cli/app/shell_words.h"
+#include "cli/app/completion/shell_words.h"
 
 namespace kestan_cli {
 namespace {

@@ -1,6 +1,6 @@
-#include "cli/app/zsh_completion.h"
+#include "cli/app/completion/zsh_completion.h"
 
-#include "cli/app/shell_words.h"
+#include "cli/app/completion/shell_words.h"
 
 namespace kestan_cli {
 
