@@ -1,6 +1,10 @@
 #include "cli/app/manual.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "cli/app/command_groups.h"
+#include "cli/app/roff.h"
 #include "cli/console/message.h"
 
 namespace kestan_cli {
@@ -12,33 +16,32 @@ constexpr const char* kStatuses =
     "something is wrong: the message says what\n.TP\n75\n"
     "another process is changing the index: try again later\n";
 
-// Escapes what roff would take for markup.
-std::string Roff(const std::string& text) {
-  std::string escaped;
-  bool at_start = true;
-  for (const char letter : text) {
-    if (letter == '\\') {
-      escaped += "\\e";
-    } else if (letter == '-') {
-      escaped += "\\-";
-    } else {
-      if (at_start && (letter == '.' || letter == '\'')) escaped += "\\&";
-      escaped += letter;
-    }
-    at_start = letter == '\n';
-  }
-  return escaped;
-}
-
 // The first of `names` is the title of the page.
-std::string Head(const Arguments& names, const std::string& purpose) {
-  return ".TH " + Roff(names.front()) + " 1\n.SH NAME\n" + Roff(Joined(names, ", ")) + " \\- " +
-         Roff(purpose) + "\n";
+std::string Head(const Arguments& names, const char* section, const std::string& purpose,
+                 const ManualEdition& edition) {
+  return ".TH " + Roff(names.front()) + " " + section + " " + Roff(edition.date) + " \"kestan " +
+         Roff(edition.version) + "\" \"Kestan manual\"\n.SH NAME\n" + Roff(Joined(names, ", ")) +
+         " \\- " + Roff(purpose) + "\n";
 }
 
 std::string Item(const std::string& term, const std::string& text) {
-  return ".TP\n.B " + Roff(term) + "\n" + Roff(text) + "\n";
+  return RoffItem(term, Roff(text));
 }
+
+// Returns the section that refers to `pages`, "kestan-query(7)", without the one it stands in.
+std::string SeeAlso(Arguments pages, const std::string& own) {
+  pages.erase(std::remove(pages.begin(), pages.end(), own), pages.end());
+  std::string section = ".SH SEE ALSO\n";
+  for (const std::string& page : pages) {
+    const std::size_t number = page.find('(');
+    section += ".BR " + Roff(page.substr(0, number)) + " " + page.substr(number) +
+               (&page != &pages.back() ? " ,\n" : "\n");
+  }
+  return section;
+}
+
+const Arguments kMainPages = {"kestan(1)", "kestan-index(1)", "kestan-search(1)",
+                              "kestan-query(7)"};
 
 std::string TermOf(const Option& option) {
   std::string term = option.names;
@@ -88,23 +91,30 @@ Arguments PageNames(const CommandGroup& group) {
   return names;
 }
 
-std::string Overview(const std::vector<Command>& commands) {
-  std::string page = Head({"kestan"}, "index text files and find words in them") +
+std::string Overview(const std::vector<Command>& commands, const ManualEdition& edition) {
+  std::string page = Head({"kestan"}, "1", "index text files and find words in them", edition) +
                      ".SH SYNOPSIS\nkestan COMMAND [OPTIONS] INDEX ...\n.SH COMMANDS\n";
   for (const Command& command : commands) {
     if (!command.hidden) page += Item("kestan " + command.name, command.purpose);
   }
   page += ".PP\nEach has a page of its own: kestan\\-search(1), for one.\n.SH OPTIONS\n" +
-          Item("--help", "after a command: what it takes, with an example");
-  return page + Item("--version", "print the version") + kStatuses;
+          Item("-h, --help", "after a command: what it takes, with an example") +
+          Item("-V, --version", "print the version") + kStatuses;
+  Arguments others;
+  for (const CommandGroup& group : GroupsOf(commands))
+    others.push_back(PageNames(group)[0] + "(1)");
+  others.emplace_back("kestan-query(7)");
+  return page + SeeAlso(std::move(others), "");
 }
 
 }  // namespace
 
-std::map<std::string, std::string> ManualPages(const std::vector<Command>& commands) {
-  std::map<std::string, std::string> pages{{"kestan.1", Overview(commands)}};
+std::map<std::string, std::string> ManualPages(const std::vector<Command>& commands,
+                                               const ManualEdition& edition) {
+  std::map<std::string, std::string> pages{{"kestan.1", Overview(commands, edition)}};
   for (const CommandGroup& group : GroupsOf(commands)) {
-    std::string page = Head(PageNames(group), PurposeOf(group));
+    const Arguments names = PageNames(group);
+    std::string page = Head(names, "1", PurposeOf(group), edition);
     page += ".SH SYNOPSIS\n";
     for (const Command* command : group.commands) {
       page += (command != group.commands.front() ? ".br\n" : "") + Roff(UsageOf(*command)) + "\n";
@@ -112,9 +122,15 @@ std::map<std::string, std::string> ManualPages(const std::vector<Command>& comma
     for (const Command* command : group.commands) {
       page += HasSecondWords(group) ? SectionOf(*command) : Body(*command);
     }
-    for (const std::string& name : PageNames(group)) pages[name + ".1"] = page + kStatuses;
+    page += kStatuses + SeeAlso(kMainPages, names.front() + "(1)");
+    for (const std::string& name : names) pages[name + ".1"] = page;
   }
   return pages;
+}
+
+std::string QueryPage(const std::string& markdown, const ManualEdition& edition) {
+  return Head({"kestan-query"}, "7", "the language of queries of kestan search", edition) +
+         RoffOfMarkdown(markdown) + SeeAlso(kMainPages, "kestan-query(7)");
 }
 
 }  // namespace kestan_cli

@@ -84,6 +84,9 @@ if [ -f "$build/cli/kestan" ]; then
     exit 1
   fi
   [ -f "$libraries/kestan/kestan-readers.so" ] || { echo 'the module is not installed'; exit 1; }
+  for page in man/man1/kestan-search.1 man/man7/kestan-query.7 doc/kestan/README.md doc/kestan/docs/queries.md; do
+    [ -f "$prefix/share/$page" ] || { echo "$page is not installed"; exit 1; }
+  done
   check_command "$prefix"
   mv "$prefix" "$work/moved"
   check_command "$work/moved"

@@ -193,6 +193,7 @@ class TerminalControlsTest : public ScreenTest, public testing::WithParamInterfa
         {"FORM", "json"},
         {"SHELL", "bash"},
         {"COMMAND", "search"},
+        {"QUERIES", "dump"},
         {"FOLDER", "."},
         {"--index", "my.index"},
         {"--one-file", "one.index"},
