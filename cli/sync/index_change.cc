@@ -84,6 +84,7 @@ std::vector<KnownDocument> IndexChange::Documents() const {
 
 void IndexChange::Add(const std::string& name, Document document, const Fingerprint& fingerprint,
                       const std::string& earlier) {
+  CheckWordsAreOfThisVersion();
   kestan::search::Document added;
   added.name = name;
   added.text = std::move(document.text);
@@ -92,7 +93,8 @@ void IndexChange::Add(const std::string& name, Document document, const Fingerpr
   added.summary = std::move(document.summary);
   added.host_data = WithFingerprint(earlier.empty() ? "" : UserRecordOf(earlier), fingerprint);
   OpenedWriter& opened = Writer();
-  if (!earlier.empty() && earlier != name) opened.Check(opened.writer().Remove(earlier));
+  if (!earlier.empty() && earlier != name && !is_emptied_)
+    opened.Check(opened.writer().Remove(earlier));
   opened.Check(opened.writer().Add(std::move(added)));
   has_changes_ = true;
 }
@@ -114,9 +116,15 @@ void IndexChange::UpdateFingerprint(const std::string& name, const Fingerprint& 
 }
 
 void IndexChange::Remove(const std::string& name) {
+  if (is_emptied_) return;
   OpenedWriter& opened = Writer();
   opened.Check(opened.writer().Remove(name));
   has_changes_ = true;
+}
+
+void IndexChange::RemoveAll() {
+  for (const KnownDocument& document : Documents()) Remove(document.name);
+  is_emptied_ = true;
 }
 
 void IndexChange::SetProperty(const std::string& key, const std::string& value) {
@@ -141,6 +149,14 @@ OpenedWriter& IndexChange::Writer() {
     if (is_made_) SyncFolder(ParentOf(path_));
   }
   return writer_.emplace(path_, OpenedWriter::IfMissing::kCreate, style_);
+}
+
+// Words of two versions in one index would not find each other.
+void IndexChange::CheckWordsAreOfThisVersion() const {
+  if (is_emptied_ || !before_.has_value() || before_->Statistics().documents == 0) return;
+  if (!ValueOf(before_->Property("analyzer"), path_).empty()) return;
+  throw CannotChange(path_, "its words were made by an older version; kestan index " +
+                                Quoted(path_) + " --again makes them anew");
 }
 
 std::string IndexChange::UserRecordOf(const std::string& name) const {

@@ -50,6 +50,10 @@ class IndexChange {
 
   void Remove(const std::string& name);
 
+  // Removes all documents, so that those which are added next get words of this version. What was
+  // known of them is still known here.
+  void RemoveAll();
+
   // Keeps `value` as the property `key` of the index; an empty one takes it away.
   void SetProperty(const std::string& key, const std::string& value);
 
@@ -65,12 +69,14 @@ class IndexChange {
  private:
   OpenedWriter& Writer();
   std::string UserRecordOf(const std::string& name) const;
+  void CheckWordsAreOfThisVersion() const;
   void RemoveWhatWasMade() noexcept;
 
   const std::string path_;
   const ProgressStyle style_;
   bool is_made_ = false;  // the folder, by this run
   bool has_changes_ = false;
+  bool is_emptied_ = false;  // by RemoveAll()
   std::optional<OpenedWriter> writer_;
   std::optional<kestan::search::IndexReader> before_;
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <set>
+#include <unordered_set>
 #include <utility>
 
 #include "cli/commands/commands.h"
@@ -128,13 +129,11 @@ unsigned long CountNewWords(const IndexReader* before, const IndexReader& after,
                             const std::string& index) {
   using kestan::search::TermInfo;
   const auto terms = ValueOf(after.Terms(""), index);
-  const auto old_terms =
-      before == nullptr ? std::vector<TermInfo>() : ValueOf(before->Terms(""), index);
-  auto old_term = old_terms.begin();
-  const auto is_new = [&](const TermInfo& info) {
-    while (old_term != old_terms.end() && old_term->term < info.term) ++old_term;
-    return old_term == old_terms.end() || old_term->term != info.term;
-  };
+  std::unordered_set<std::string> old_terms;
+  if (before != nullptr) {
+    for (TermInfo& info : ValueOf(before->Terms(""), index)) old_terms.insert(std::move(info.term));
+  }
+  const auto is_new = [&](const TermInfo& info) { return old_terms.count(info.term) == 0; };
   return static_cast<unsigned long>(std::count_if(terms.begin(), terms.end(), is_new));
 }
 
@@ -184,13 +183,30 @@ void Remember(Roots roots, IndexChange& change) {
   if (property != old) change.SetProperty(kRootsProperty, property);
 }
 
+unsigned long CountOf(const IndexChange& change) {
+  if (change.before() == nullptr) return 0;
+  return static_cast<unsigned long>(change.before()->Statistics().documents);
+}
+
+// Empties the index, of which every root must be there to be read anew.
+void Empty(const Scan& scan, IndexChange& change) {
+  if (!scan.missing.empty()) {
+    throw CommandError("cannot read " + Quoted(*scan.missing.begin()) +
+                       ", so nothing is made anew; --forget takes it from the roots");
+  }
+  if (scan.files.empty()) throw CommandError("there are no files to make the index anew of");
+  change.RemoveAll();
+}
+
 // Carries out what is to be done in `scope`, and adds the outcome for each file to `report`.
 void Carry(Scope& scope, RootRules& rules, const IndexOptions& options, IndexChange& change,
            IndexReport* report) {
   Scan scan = scope.files.FindFiles(change.path());
   ChangePlan plan = PlanChanges(
       scan.files, change.Documents(),
-      [&](const std::string& name) { return scope.files.HasVanished(name); }, options.all);
+      [&](const std::string& name) { return scope.files.HasVanished(name); },
+      options.all || options.again);
+  if (options.again) Empty(scan, change);
   ForgetSkipsOf(plan.vanished, scope.files, &scan.skips);
   report->skips = std::move(scan.skips);
   Progress progress(StyleOfStandardError(options.quiet), plan.to_read.size(), plan.bytes_to_read);
@@ -198,6 +214,7 @@ void Carry(Scope& scope, RootRules& rules, const IndexOptions& options, IndexCha
       [&](const std::string& name) -> const ReadingRules& { return rules.Of(name); },
       [&](const std::string& name) { return scope.files.Prunes(name); }};
   CarryOut(std::move(plan), run_rules, change, progress, report);
+  if (options.again) report->removed = CountOf(change) - report->updated;
   progress.Clear();
   std::sort(report->skips.begin(), report->skips.end(),
             [](const Skip& left, const Skip& right) { return left.name < right.name; });
@@ -206,6 +223,9 @@ void Carry(Scope& scope, RootRules& rules, const IndexOptions& options, IndexCha
 }  // namespace
 
 int RunIndex(const std::string& index, const IndexOptions& options) {
+  if (options.again && (!options.paths.empty() || options.paths_from_stdin)) {
+    throw CommandError("--again is about all that the index remembers: no PATH");
+  }
   const RootRequest request = RequestOf(options, PathsOf(options));
   const Interruption interruption;  // a signal must leave neither a converter nor a bar behind
   IndexChange change(index, StyleOfStandardError(options.quiet));
@@ -247,6 +267,7 @@ int RunIndexCommand(const Values& values) {
   options.reset = values.Has("--reset");
   options.forget = values.Has("--forget");
   options.all = values.Has("--all");
+  options.again = values.Has("--again");
   options.quiet = values.Has("--quiet");
   options.why = values.Has("--why");
   options.report = ReportFormatOf(values);
@@ -266,6 +287,7 @@ std::vector<Option> IndexCommandOptions() {
           {"--forget", "", "no longer bring the PATHs up to date; with --prune, remove them"},
           {"--stdin0", "", "read the paths from the standard input, each ended by a NUL"},
           {"--all", "", "index unchanged files again too"},
+          {"--again", "", "make the whole index anew, as after a new version"},
           {"--why", "", "name each file that was left out, and the reason"},
           JsonOption(),
           QuietOption()};

@@ -23,8 +23,9 @@ struct IndexOptions {
   CommandLimits converter_limits;
   std::uint64_t max_file_bytes = std::uint64_t{1} << 28;  // of a text
   bool all = false;                                       // unchanged files are indexed again
-  bool quiet = false;                                     // no progress
-  bool why = false;  // one line for each file that was left out, even without a report
+  bool again = false;  // into an index that is emptied before, as after a new version
+  bool quiet = false;  // no progress
+  bool why = false;    // one line for each file that was left out, even without a report
   ReportFormat report = ReportFormat::kText;
 };
 
