@@ -194,7 +194,7 @@ TEST(SearchThreadsTest, ReadersSeeOneStateWhileWriterCommitsMergesAndCompacts) {
   EXPECT_GT(met.refreshed, 0u);
 }
 
-TEST(SearchThreadsTest, ThreadsOfWriterTransliterateAtOnce) {
+TEST(SearchThreadsTest, ThreadsOfWriterAnalyzeAtOnce) {
   const TempDir folder;
   auto options = OptionsOf(4);
   options.memory_budget = std::size_t{4} << 20;  // batches of 64 KB, so that all threads have some
@@ -217,7 +217,7 @@ TEST(SearchThreadsTest, ThreadsOfWriterTransliterateAtOnce) {
   const auto count = reader->Count("cafe");
   ASSERT_TRUE(count.ok());
   EXPECT_EQ(*count, kDocuments / 2u);
-  const auto terms = reader->Terms("privet");
+  const auto terms = reader->Terms("\xd0\xbf\xd1\x80\xd0\xb8\xd0\xb2\xd0\xb5\xd1\x82");
   ASSERT_TRUE(terms.ok());
   EXPECT_EQ(terms->size(), kDocuments / 2u);
 }
