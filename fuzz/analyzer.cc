@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "fuzz/support/input.h"
+#include "fuzz/support/reporting.h"
 
 namespace {
 
