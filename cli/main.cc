@@ -14,6 +14,7 @@
 #include "cli/console/interruption.h"
 #include "cli/console/message.h"
 #include "cli/console/output.h"
+#include "cli/extract/module/loaded_mail_reader.h"
 #include "cli/extract/module/loaded_readers.h"
 
 namespace kestan_cli {
@@ -53,8 +54,9 @@ int RunAndReport(const Arguments& arguments) {
 
 // Says once why all documents that needed them were skipped.
 void ReportUnusableReaders() {
-  const std::string problem = ReadersProblem();
-  if (!problem.empty()) ReportProblem(problem);
+  for (const std::string& problem : {ReadersProblem(), MailReaderProblem()}) {
+    if (!problem.empty()) ReportProblem(problem);
+  }
 }
 
 }  // namespace

@@ -9,6 +9,8 @@
 
 #include "cli/extract/charset/decode.h"
 #include "cli/extract/html/html.h"
+#include "cli/extract/mail/mail_name.h"
+#include "cli/extract/mail/mail_text.h"
 #include "cli/extract/roff/roff.h"
 #include "cli/files/skip.h"
 #include "cli/files/stable_file.h"
@@ -60,6 +62,12 @@ std::string Decoded(std::string bytes, const std::string& reason_if_binary) {
   return std::move(*text);
 }
 
+bool IsMessage(const LoadedFile& file) {
+  if (file.is_message) return true;
+  return file.converter == nullptr &&
+         FormatOf(file.inner_name, file.head.unpacked) == Format::kMail;
+}
+
 std::string TextOfHtml(const std::string& bytes) {
   const HtmlPage page =
       StartsAsUtf16(bytes) ? ReadUtf8Html(Decoded(bytes, "binary file")) : ReadHtml(bytes);
@@ -104,6 +112,9 @@ LoadedFile LoadFile(const std::string& name, const ReadingRules& rules) {
   file.Read(&piece);
   loaded.head.packed = piece.substr(0, kHeadBytes);
   ChooseReading(rules.converters, &loaded);
+  loaded.is_mailbox = loaded.converter == nullptr && IsMailbox(loaded.head.packed) &&
+                      FormatOf(name, loaded.head.packed) == Format::kText;
+  if (loaded.is_mailbox) return loaded;
   if (IsPacked(loaded)) {
     Unpack(file, piece, rules, &loaded);
   } else if (loaded.converter == nullptr) {
@@ -116,6 +127,22 @@ LoadedFile LoadFile(const std::string& name, const ReadingRules& rules) {
     loaded.fingerprint.reading = ReadingDigits(name, loaded.head, rules);
   }
   return loaded;
+}
+
+LoadedFile MessageOf(const std::string& name, const std::string& path, std::uint64_t offset,
+                     std::string bytes) {
+  LoadedFile message;
+  message.name = message.inner_name = name;
+  message.head.packed = message.head.unpacked = bytes.substr(0, kHeadBytes);
+  message.is_message = true;
+  ContentHash hash;
+  hash.Add(bytes);
+  message.fingerprint.state.bytes = bytes.size();
+  message.fingerprint.hash = hash.Digits();
+  message.fingerprint.container_bytes = path.size();
+  message.fingerprint.offset = offset;
+  message.bytes = std::move(bytes);
+  return message;
 }
 
 bool IsReadAlike(const LoadedFile& file, const std::string& name, const Fingerprint& fingerprint,
@@ -137,6 +164,11 @@ void ConvertFile(LoadedFile* file, const CommandLimits& limits) {
 
 FileText TextOf(LoadedFile file) {
   FileText text;
+  if (IsMessage(file)) {
+    MailText mail = ReadMail(file.bytes);
+    return {std::move(mail.text), TitleRule::kFirstLine, std::move(mail.note),
+            std::move(mail.facts)};
+  }
   if (IsBrokenUtf16(file.bytes)) {
     text.note = "its UTF-16 has half a character too much or too little";
   }
@@ -157,6 +189,7 @@ Document DocumentOf(LoadedFile file, const ReadingRules& rules) {
   FileText text = TextOf(std::move(file));
   Document document = MakeDocument(std::move(text.text), text.title_rule, rules.words);
   document.note = std::move(text.note);
+  document.mail = std::move(text.mail);
   return document;
 }
 

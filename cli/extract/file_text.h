@@ -18,9 +18,15 @@ struct LoadedFile {
   FileHead head;
   Fingerprint fingerprint;
   const Converter* converter = nullptr;  // that reads it again; the table owns it
-  std::string bytes;       // unpacked; empty with a converter, but for what it is to convert
-  std::string inner_name;  // by which it is read: without the extensions of compression
+  std::string bytes;        // unpacked; empty with a converter, but for what it is to convert
+  std::string inner_name;   // by which it is read: without the extensions of compression
+  bool is_message = false;  // out of a mailbox
+  bool is_mailbox = false;  // nothing but its head was read: it holds any number of documents
 };
+
+// Returns the message `bytes`, which is at `offset` in the mailbox `path` and has the name `name`.
+LoadedFile MessageOf(const std::string& name, const std::string& path, std::uint64_t offset,
+                     std::string bytes);
 
 // Reads the file `name` to its end, and unpacks it if it is compressed; a binary file only until
 // its first NUL.
@@ -55,6 +61,7 @@ struct FileText {
   std::string text;  // UTF-8, without a NUL
   TitleRule title_rule = TitleRule::kFirstLine;
   std::string note{};  // why some of the text is missing; empty if none is
+  MailFacts mail{};    // of a message
 };
 
 // Decodes the bytes of `file`, which has been converted if it has a converter. The title of an HTML

@@ -95,6 +95,32 @@ void CutTo(std::size_t max_bytes, std::string* text) {
   DropCutWord(text);
 }
 
+// Reads a message where the index says that it is in its mailbox.
+//   Returns  nothing if something else is there.
+std::optional<std::string> TextOfMessage(const std::string& name, const Fingerprint& fingerprint) {
+  const std::string path = ContainerOf(name, fingerprint);
+  struct stat status {};
+  if (path.empty() || stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return {};
+  const std::uint64_t bytes = fingerprint.state.bytes;
+  const std::uint64_t end = static_cast<std::uint64_t>(status.st_size);
+  if (bytes > kMaxShownMessage || fingerprint.offset > end || bytes > end - fingerprint.offset) {
+    return {};
+  }
+  try {
+    const OpenFile opened = OpenForReading(path);
+    if (fseeko(opened.get(), static_cast<off_t>(fingerprint.offset), SEEK_SET) != 0) return {};
+    std::string message;
+    ReadUpTo(bytes, opened.get(), &message);
+    LoadedFile file = MessageOf(name, path, fingerprint.offset, std::move(message));
+    if (file.fingerprint.hash != fingerprint.hash) return {};
+    FileText text = TextOf(std::move(file));
+    CutTo(kMaxShownText, &text.text);
+    return std::move(text.text);
+  } catch (const SkipFile&) {
+    return {};
+  }
+}
+
 // Returns whether the index keeps the summary that is made of `text`, or its title if there is no
 // summary. A different text would begin differently.
 bool BeginsAsIndexed(const FileText& text, const DocumentRecords& document) {
@@ -128,6 +154,9 @@ IndexedTextReader::IndexedTextReader(const std::vector<std::string>& converters,
 
 std::optional<std::string> IndexedTextReader::Read(const DocumentRecords& document) {
   const auto fingerprint = RecordedFingerprint(document.user);
+  if (fingerprint.has_value() && fingerprint->container_bytes != 0) {
+    return TextOfMessage(document.name, *fingerprint);
+  }
   if (!fingerprint.has_value() || !IsUnchanged(document.name, fingerprint->state)) {
     return std::nullopt;
   }
@@ -161,8 +190,9 @@ void IndexedTextReader::Load(const Converters& converters, LoadedFile* file, boo
   const std::uint64_t bytes = file->fingerprint.state.bytes;
   ReadUpTo(std::min<std::uint64_t>(bytes, kHeadBytes), opened.get(), &file->head.packed);
   ChooseReading(converters, file);
-  const bool is_page = FormatOf(file->inner_name) == Format::kHtml;
-  const std::size_t max_bytes = is_page ? kMaxShownPage : kMaxShownText;
+  const Format format = FormatOf(file->inner_name, file->head.packed);
+  const bool has_markup = format == Format::kHtml || format == Format::kMail;
+  const std::size_t max_bytes = has_markup ? kMaxShownPage : kMaxShownText;
   if (IsPacked(*file)) {
     *is_cut = UnpackStart(opened.get(), converters, max_bytes, file);
   } else if (file->converter == nullptr) {

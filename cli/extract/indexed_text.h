@@ -15,8 +15,12 @@ namespace kestan_cli {
 // How much of a text is read.
 constexpr std::size_t kMaxShownText = std::size_t{1} << 18;
 
-// How much of an HTML page is read for it: much of a page may be scripts and markup.
+// How much of an HTML page, or of mail, is read for it: much may be scripts, markup and
+// attachments.
 constexpr std::size_t kMaxShownPage = std::size_t{1} << 22;
+
+// The largest message of a mailbox that is read for it, with all that is attached.
+constexpr std::size_t kMaxShownMessage = std::size_t{1} << 25;
 
 // How long converters may take: a search waits for them.
 struct ConverterTime {

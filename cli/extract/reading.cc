@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "cli/extract/mail/mail_name.h"
 #include "cli/extract/packed/compressed_name.h"
 #include "cli/extract/roff/roff.h"
 #include "cli/files/fingerprint.h"
@@ -17,6 +18,8 @@ std::string FormatName(Format format) {
       return "markdown";
     case Format::kRoff:
       return "roff";
+    case Format::kMail:
+      return "mail";
     case Format::kText:
       break;
   }
@@ -46,6 +49,7 @@ Format FormatOf(const std::string& name, std::string_view head) {
   if (extension == "html" || extension == "htm" || extension == "xhtml") return Format::kHtml;
   if (extension == "md" || extension == "markdown") return Format::kMarkdown;
   if (IsRoff(name, head)) return Format::kRoff;
+  if (IsMail(name, head)) return Format::kMail;
   return Format::kText;
 }
 

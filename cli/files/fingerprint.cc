@@ -28,12 +28,36 @@ std::string Hexadecimal(std::uint64_t number) {
   return digits;
 }
 
+std::string TimeOf(const FileState& state) {
+  return std::to_string(state.mtime_seconds) + "." +
+         PaddedTo(kNanosecondDigits, std::to_string(state.mtime_nanoseconds));
+}
+
+// Returns " KEY=\"TEXT\"", with a blank for each control character; nothing for no text.
+std::string QuotedField(const char* key, const std::string& text) {
+  if (text.empty()) return "";
+  std::string field = std::string(" ") + key + "=\"";
+  for (const char byte : text) {
+    if (byte == '"' || byte == '\\') field += '\\';
+    field += static_cast<unsigned char>(byte) < ' ' ? ' ' : byte;
+  }
+  return field + '"';
+}
+
 std::string LineOf(const Fingerprint& fingerprint) {
-  const FileState& state = fingerprint.state;
-  return "size=" + std::to_string(state.bytes) + " mtime=" + std::to_string(state.mtime_seconds) +
-         "." + PaddedTo(kNanosecondDigits, std::to_string(state.mtime_nanoseconds)) +
-         " hash=" + fingerprint.hash +
-         (fingerprint.reading.empty() ? "" : " read=" + fingerprint.reading);
+  std::string line = "size=" + std::to_string(fingerprint.state.bytes) +
+                     " mtime=" + TimeOf(fingerprint.state) + " hash=" + fingerprint.hash;
+  if (!fingerprint.reading.empty()) line += " read=" + fingerprint.reading;
+  if (fingerprint.container_bytes != 0) {
+    line += " in=" + std::to_string(fingerprint.container_bytes) +
+            " at=" + std::to_string(fingerprint.offset);
+  }
+  if (const auto& container = fingerprint.container; container.has_value()) {
+    line += " of=" + std::to_string(container->bytes) + "," + TimeOf(*container);
+  }
+  const MailFacts& mail = fingerprint.mail;
+  if (mail.date.has_value()) line += " date=" + std::to_string(*mail.date);
+  return line + QuotedField("from", mail.from) + QuotedField("to", mail.to);
 }
 
 std::string_view FirstLine(std::string_view text) { return text.substr(0, text.find('\n')); }
@@ -50,8 +74,29 @@ class LineReader {
   }
 
   bool TakeState(FileState* state) {
-    return Take("size=") && TakeNumber(&state->bytes) && Take(" mtime=") &&
-           TakeNumber(&state->mtime_seconds) && Take(".") && TakeNumber(&state->mtime_nanoseconds);
+    return Take("size=") && TakeNumber(&state->bytes) && Take(" mtime=") && TakeTime(state);
+  }
+
+  // These return false if what begins with `key` is no such field; without it, nothing is taken.
+
+  bool TakeReading(std::string* digits) {
+    return !Take(" read=") || TakeDigits(kReadingDigits, digits);
+  }
+
+  bool TakePlace(Fingerprint* fingerprint) {
+    return !Take(" in=") || (TakeNumber(&fingerprint->container_bytes) && Take(" at=") &&
+                             TakeNumber(&fingerprint->offset));
+  }
+
+  bool TakeContainer(std::optional<FileState>* container) {
+    if (!Take(" of=")) return true;
+    FileState& state = container->emplace();
+    return TakeNumber(&state.bytes) && Take(",") && TakeTime(&state);
+  }
+
+  bool TakeMail(MailFacts* mail) {
+    if (Take(" date=") && !TakeNumber(&mail->date.emplace())) return false;
+    return (!Take(" from=") || TakeQuoted(&mail->from)) && (!Take(" to=") || TakeQuoted(&mail->to));
   }
 
   bool TakeDigits(std::size_t count, std::string* digits) {
@@ -64,6 +109,21 @@ class LineReader {
   std::string_view rest() const { return rest_; }
 
  private:
+  bool TakeTime(FileState* state) {
+    return TakeNumber(&state->mtime_seconds) && Take(".") && TakeNumber(&state->mtime_nanoseconds);
+  }
+
+  bool TakeQuoted(std::string* text) {
+    if (!Take("\"")) return false;
+    while (!rest_.empty() && rest_.front() != '"') {
+      if (rest_.front() == '\\') rest_.remove_prefix(1);
+      if (rest_.empty()) return false;
+      *text += rest_.front();
+      rest_.remove_prefix(1);
+    }
+    return Take("\"");
+  }
+
   template <typename Number>
   bool TakeNumber(Number* number) {
     const char* const end = rest_.data() + rest_.size();
@@ -102,9 +162,16 @@ std::optional<Fingerprint> FingerprintIn(std::string_view user_record) {
                            line.TakeDigits(kHashDigits, &found.hash);
   if (!has_content) return std::nullopt;
   if (line.rest().empty()) return found;
-  const bool has_reading = line.Take(" read=") && line.TakeDigits(kReadingDigits, &found.reading);
-  if (!has_reading || !line.rest().empty()) return std::nullopt;
+  const bool is_valid = line.TakeReading(&found.reading) && line.TakePlace(&found) &&
+                        line.TakeContainer(&found.container) && line.TakeMail(&found.mail);
+  if (!is_valid || !line.rest().empty()) return std::nullopt;
   return found;
+}
+
+std::string ContainerOf(const std::string& name, const Fingerprint& fingerprint) {
+  const std::size_t bytes = fingerprint.container_bytes;
+  if (bytes == 0 || bytes >= name.size() || name[bytes] != '#') return "";
+  return name.substr(0, bytes);
 }
 
 std::string WithFingerprint(std::string_view user_record, const Fingerprint& fingerprint) {

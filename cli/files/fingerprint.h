@@ -3,17 +3,32 @@
 //
 //   size=1234 mtime=1700000000.123456789 hash=00112233445566778899aabbccddeeff
 //
-// " read=0123456789abcdef" follows if the file was not read as its name alone says. The lines below
-// belong to the user and stay as they are. A record without such a first line belongs to the user
+// Where they apply, these follow, in this order and each after a blank:
+//
+//   read=0123456789abcdef        the file was not read as its name alone says
+//   in=12                        the document is a part of the file whose path is the first 12
+//   bytes
+//                                of its name; size, time and hash are those of the part
+//   at=3456                      where the part begins in that file
+//   of=1234,1700000000.123456789 the size and the time of that file, in one of its documents
+//   date=1700000000              when a message was sent, in seconds since 1970
+//   from="Ann <ann@example.org>" its sender
+//   to="Bob <bob@example.org>"   and for whom it is
+//
+// Within quotes, a backslash stands before a quote or another one. The lines below belong to the
+// user and stay as they are. A record without such a first line belongs to the user
 // as a whole, and the fingerprint is put before it.
 #ifndef KESTAN_CLI_FILES_FINGERPRINT_H_
 #define KESTAN_CLI_FILES_FINGERPRINT_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include "cli/files/mail_facts.h"
 
 struct XXH3_state_s;
 
@@ -34,7 +49,15 @@ struct Fingerprint {
   std::string hash;  // of the file's bytes: 32 hexadecimal digits
   // How the file was read: 16 hexadecimal digits; empty if its name alone says it.
   std::string reading{};
+  // Of a part of a file, such as a message in a mailbox.
+  std::size_t container_bytes = 0;       // of the path of that file, with which the name begins
+  std::uint64_t offset = 0;              // in that file
+  std::optional<FileState> container{};  // its state, in one of its documents
+  MailFacts mail{};
 };
+
+// Returns the path of the file of which the document `name` is a part; "" if it is none.
+std::string ContainerOf(const std::string& name, const Fingerprint& fingerprint);
 
 // Returns whether the two files hold the same bytes.
 bool HaveSameContent(const Fingerprint& left, const Fingerprint& right);

@@ -26,6 +26,7 @@ struct Candidate {
   FoundFile file;
   bool is_indexed = false;                 // there is a document of its name
   std::optional<Fingerprint> fingerprint;  // of the file that was indexed
+  std::vector<KnownDocument> parts{};      // the documents that were made of its parts
 };
 
 // Documents whose files have vanished. A new file with the same content takes over such a document.
@@ -45,9 +46,13 @@ class VanishedDocuments {
   // Returns the names of those that are left, in order of their bytes.
   const std::set<std::string>& names() const { return names_; }
 
+  // Returns the path of the file that the document `name` was made of, or of a part of it.
+  std::string FileOf(const std::string& name) const;
+
  private:
   std::multimap<std::string, KnownDocument> by_content_;
   std::set<std::string> names_;
+  std::map<std::string, std::string> containers_;  // of parts, by their names
 };
 
 struct ChangePlan {
@@ -58,8 +63,9 @@ struct ChangePlan {
   VanishedDocuments vanished;
 };
 
-// Compares `files` with `documents`, both in order of the bytes of their names. A document that is
-// not among the files has vanished if `has_vanished` says so. With `all`, every file is to be read.
+// Compares `files` with `documents`, both in order of the bytes of their names. A document whose
+// file is not among the files has vanished if `has_vanished` says so of the file. With `all`, every
+// file is to be read.
 ChangePlan PlanChanges(const std::vector<FoundFile>& files,
                        const std::vector<KnownDocument>& documents,
                        const std::function<bool(const std::string&)>& has_vanished, bool all);

@@ -84,6 +84,22 @@ std::vector<KnownDocument> IndexChange::Documents() const {
 
 void IndexChange::Add(const std::string& name, Document document, const Fingerprint& fingerprint,
                       const std::string& earlier) {
+  std::string record = WithFingerprint(earlier.empty() ? "" : UserRecordOf(earlier), fingerprint);
+  CheckWordsAreOfThisVersion();
+  OpenedWriter& opened = Writer();
+  if (!earlier.empty() && earlier != name && !is_emptied_) {
+    opened.Check(opened.writer().Remove(earlier));
+  }
+  AddWithRecord(name, std::move(document), std::move(record));
+}
+
+void IndexChange::AddPart(const std::string& name, Document document,
+                          const Fingerprint& fingerprint, const std::string& noted) {
+  AddWithRecord(name, std::move(document),
+                WithFingerprint(noted.empty() ? "" : UserRecordOf(noted), fingerprint));
+}
+
+void IndexChange::AddWithRecord(const std::string& name, Document document, std::string record) {
   CheckWordsAreOfThisVersion();
   kestan::search::Document added;
   added.name = name;
@@ -91,10 +107,8 @@ void IndexChange::Add(const std::string& name, Document document, const Fingerpr
   added.words = std::move(document.words);
   added.title = std::move(document.title);
   added.summary = std::move(document.summary);
-  added.host_data = WithFingerprint(earlier.empty() ? "" : UserRecordOf(earlier), fingerprint);
+  added.host_data = std::move(record);
   OpenedWriter& opened = Writer();
-  if (!earlier.empty() && earlier != name && !is_emptied_)
-    opened.Check(opened.writer().Remove(earlier));
   opened.Check(opened.writer().Add(std::move(added)));
   has_changes_ = true;
 }

@@ -42,6 +42,11 @@ class IndexChange {
   void Add(const std::string& name, Document document, const Fingerprint& fingerprint,
            const std::string& earlier);
 
+  // Adds `document` as `name`, or in its place, and gives it the lines that the user has written
+  // for `noted`, which stays; "" for none.
+  void AddPart(const std::string& name, Document document, const Fingerprint& fingerprint,
+               const std::string& noted);
+
   // Renames a document, and stores the fingerprint of its file.
   void Move(const std::string& from, const std::string& to, const Fingerprint& fingerprint);
 
@@ -67,6 +72,7 @@ class IndexChange {
   // has asked the process to end.
 
  private:
+  void AddWithRecord(const std::string& name, Document document, std::string record);
   OpenedWriter& Writer();
   std::string UserRecordOf(const std::string& name) const;
   void CheckWordsAreOfThisVersion() const;

@@ -1,10 +1,10 @@
 #include "cli/sync/index_run.h"
 
-#include <optional>
 #include <utility>
 
 #include "cli/console/interruption.h"
 #include "cli/files/skip.h"
+#include "cli/sync/mailbox_run.h"
 
 namespace kestan_cli {
 namespace {
@@ -18,11 +18,10 @@ struct Decision {
   Document document;       // if it is to be added, under a name that it may have been moved to
 };
 
-// Reads a file and decides what to do with it.
+// Decides what to do with a file that has been read.
 //   Throws   SkipFile.
-Decision Decide(const Candidate& candidate, const ReadingRules& rules, bool all,
+Decision Decide(const Candidate& candidate, LoadedFile loaded, const ReadingRules& rules, bool all,
                 VanishedDocuments* vanished) {
-  LoadedFile loaded = LoadFile(candidate.file.name, rules);
   Decision decision;
   decision.fingerprint = loaded.fingerprint;
   const auto is_read_alike = [&](const std::string& name, const Fingerprint& fingerprint) {
@@ -33,6 +32,7 @@ Decision Decide(const Candidate& candidate, const ReadingRules& rules, bool all,
                        is_read_alike(loaded.name, *candidate.fingerprint);
   if (is_same && !all) {
     decision.kind = Decision::Kind::kUpdateFingerprint;
+    decision.fingerprint.mail = candidate.fingerprint->mail;
     return decision;
   }
   const auto is_preferred = [&](const KnownDocument& document) {
@@ -42,8 +42,10 @@ Decision Decide(const Candidate& candidate, const ReadingRules& rules, bool all,
       candidate.is_indexed || all ? nullptr : vanished->Find(loaded.fingerprint, is_preferred);
   if (moved != nullptr && is_preferred(*moved)) {
     decision.kind = Decision::Kind::kMove;
+    decision.fingerprint.mail = moved->fingerprint->mail;
   } else {
     decision.document = DocumentOf(std::move(loaded), rules);
+    decision.fingerprint.mail = decision.document.mail;
   }
   if (moved != nullptr) {
     decision.moved_from = moved->name;
@@ -74,24 +76,39 @@ void Apply(const Candidate& candidate, Decision decision, IndexChange& change,
   ++(candidate.is_indexed || is_moved ? report->updated : report->added);
 }
 
+// Reads a file and carries out what is to be done with it.
+//   Throws   SkipFile.
+void CarryOutOne(const Candidate& candidate, const ReadingRules& rules, bool all,
+                 VanishedDocuments* vanished, IndexChange& change, IndexReport* report) {
+  LoadedFile loaded = LoadFile(candidate.file.name, rules);
+  if (loaded.is_mailbox) {
+    return CarryOutMailbox(candidate, {rules, all, vanished, &change, report});
+  }
+  Decision decision = Decide(candidate, std::move(loaded), rules, all, vanished);
+  Interruption::Check();  // which ends converters too
+  Apply(candidate, std::move(decision), change, report);
+  // It was a mailbox, and is none any more.
+  for (const KnownDocument& part : candidate.parts) change.Remove(part.name);
+  report->removed += candidate.parts.size();
+}
+
 }  // namespace
 
 void CarryOut(ChangePlan plan, const RunRules& rules, IndexChange& change, Progress& progress,
               IndexReport* report) {
   report->unchanged += plan.unchanged;
   for (const Candidate& candidate : plan.to_read) {
-    std::optional<Decision> decision;
+    const std::string& name = candidate.file.name;
     try {
-      decision = Decide(candidate, rules.reading(candidate.file.name), plan.all, &plan.vanished);
+      CarryOutOne(candidate, rules.reading(name), plan.all, &plan.vanished, change, report);
     } catch (const SkipFile& skip) {
-      report->skips.push_back({candidate.file.name, skip.kind(), skip.what()});
+      report->skips.push_back({name, skip.kind(), skip.what()});
     }
     Interruption::Check();  // which ends converters too
-    if (decision.has_value()) Apply(candidate, std::move(*decision), change, report);
     progress.Advance(candidate.file.state.bytes);
   }
   for (const std::string& name : plan.vanished.names()) {
-    if (!rules.prunes(name)) continue;
+    if (!rules.prunes(plan.vanished.FileOf(name))) continue;
     change.Remove(name);
     ++report->removed;
   }

@@ -24,7 +24,8 @@ const std::vector<Floor> kFloors{
     {"search/ranking", "search/snippet"},
     {"search/index"},
     {"search/upkeep"},
-    {"cli/readers"},  // becomes a module
+    {"cli/readers"},      // becomes a module
+    {"cli/mail_reader"},  // becomes another
     {"cli/console"},
     {"cli/files"},
     {"cli/extract", "cli/index"},
@@ -73,6 +74,8 @@ TEST_F(ArchitectureTest, OnlyTheModuleNeedsTheLibrariesThatItLoads) {
   const Sources libraries = ReadLibraryIncludes(KESTAN_SOURCE_DIR);
   EXPECT_EQ(libraries.at("cli/readers/html_parser.cc").count("libxml/HTMLparser.h"), 1u);
   EXPECT_EQ(libraries.at("cli/readers/charset_decoder.cc").count("unicode/ucnv.h"), 1u);
+  EXPECT_EQ(libraries.at("cli/readers/decompressor.cc").count("archive.h"), 1u);
+  EXPECT_EQ(libraries.at("cli/mail_reader/message_reader.cc").count("gmime/gmime.h"), 1u);
   EXPECT_EQ(FindModuleFaults(Read(), libraries), Lines());
 }
 
@@ -172,6 +175,12 @@ TEST(FindModuleFaultsTest, DescriptionOfTheModuleIsForAll) {
                               {"cli/readers/b.cc", {"cli/readers/b.h", "cli/readers/readers.h"}}},
                              {{"cli/readers/b.cc", {"unicode/ucnv.h"}}, {"cli/main.cc", {}}}),
             Lines());
+}
+
+TEST(FindModuleFaultsTest, ModulesSeeEachOthersDescriptionsOnly) {
+  EXPECT_EQ(FindModuleFaults({{"cli/mail_reader/a.cc", {"cli/readers/readers.h"}}}, {}), Lines());
+  EXPECT_EQ(FindModuleFaults({{"cli/mail_reader/a.cc", {"cli/readers/b.h"}}}, {}),
+            Lines({"cli/mail_reader/a.cc includes cli/readers/b.h"}));
 }
 
 TEST(FindModuleFaultsTest, OtherIncludesAcrossItsBoundaryAreFound) {

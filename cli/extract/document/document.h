@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "cli/extract/document/title.h"
+#include "cli/files/mail_facts.h"
 
 namespace kestan_cli {
 
@@ -23,6 +24,7 @@ struct Document {
   std::string words;    // what is indexed, as it is stored, where stop words are left out; then
                         // `text` is empty
   std::string note{};   // why some of the text is missing; empty if none is
+  MailFacts mail{};     // of a message
 };
 
 // What to leave out of the words.

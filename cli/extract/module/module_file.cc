@@ -57,6 +57,27 @@ std::string LoaderError(const std::string& path) {
   return error.compare(0, start.size(), start) == 0 ? error.substr(start.size()) : error;
 }
 
+// Loads the module at `place` and calls its function `entry_name`.
+template <typename Functions, typename Entry>
+const Functions* Open(const ModulePlace& place, const char* entry_name, const std::string& version,
+                      std::string* reason) {
+  const std::string path = place.Path();
+  *reason = ReasonToDistrustModule(place);
+  if (reason->empty()) *reason = ReasonNotToLoad(path);
+  if (!reason->empty()) return nullptr;
+  // Never closed: the libraries keep state to the end of the process.
+  void* const module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  void* const entry = module != nullptr ? dlsym(module, entry_name) : nullptr;
+  if (entry == nullptr) {
+    *reason = OneLine(LoaderError(path));
+    return nullptr;
+  }
+  const Functions* const functions = reinterpret_cast<Entry>(entry)();
+  if (functions->version == version) return functions;
+  *reason = "it is of version " + OneLine(functions->version) + ", this command of " + version;
+  return nullptr;
+}
+
 }  // namespace
 
 std::string ModulePlace::Path() const {
@@ -99,21 +120,12 @@ std::string ReasonNotToLoad(const std::string& path) {
 
 const Readers* OpenModule(const ModulePlace& place, const std::string& version,
                           std::string* reason) {
-  const std::string path = place.Path();
-  *reason = ReasonToDistrustModule(place);
-  if (reason->empty()) *reason = ReasonNotToLoad(path);
-  if (!reason->empty()) return nullptr;
-  // Never closed: ICU and libxml2 keep state to the end of the process.
-  void* const module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-  void* const entry = module != nullptr ? dlsym(module, kReadersEntry) : nullptr;
-  if (entry == nullptr) {
-    *reason = OneLine(LoaderError(path));
-    return nullptr;
-  }
-  const Readers* const readers = reinterpret_cast<ReadersEntry>(entry)();
-  if (readers->version == version) return readers;
-  *reason = "it is of version " + OneLine(readers->version) + ", this command of " + version;
-  return nullptr;
+  return Open<Readers, ReadersEntry>(place, kReadersEntry, version, reason);
+}
+
+const MailReader* OpenMailModule(const ModulePlace& place, const std::string& version,
+                                 std::string* reason) {
+  return Open<MailReader, MailReaderEntry>(place, kMailReaderEntry, version, reason);
 }
 
 }  // namespace kestan_cli

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "cli/mail_reader/mail_reader.h"
 #include "cli/readers/readers.h"
 
 namespace kestan_cli {
@@ -28,11 +29,15 @@ std::string ReasonToDistrustModule(const ModulePlace& place);
 //   Returns  "" if it is one.
 std::string ReasonNotToLoad(const std::string& path);
 
-// Loads the module at `place`, for as long as the process lives, and checks that its version is
-// `version`.
+// Loads the module of readers at `place`, for as long as the process lives, and checks that its
+// version is `version`.
 //   Returns  its functions; nullptr if it cannot be used: then `*reason` says why, on one line.
 const Readers* OpenModule(const ModulePlace& place, const std::string& version,
                           std::string* reason);
+
+// Does the same with the module that reads mail.
+const MailReader* OpenMailModule(const ModulePlace& place, const std::string& version,
+                                 std::string* reason);
 
 }  // namespace kestan_cli
 

@@ -39,6 +39,50 @@ TEST(FingerprintTest, ReadingIsKeptWhereItIsNotThatOfTheName) {
   EXPECT_FALSE(FingerprintIn(ExampleLine() + " read=0123456789abcdef0").has_value());
 }
 
+TEST(FingerprintTest, PartsOfFilesAndMailHaveMore) {
+  Fingerprint part = Example();
+  part.container_bytes = 5;
+  part.offset = 70;
+  part.container = FileState{8, -9, 10};
+  part.mail = {-11, "Ann \"A\\\" <a@b>", "\u00fc"};
+  const std::string line = ExampleLine() +
+                           " in=5 at=70 of=8,-9.000000010 date=-11 "
+                           "from=\"Ann \\\"A\\\\\\\" <a@b>\" to=\"\u00fc\"";
+  EXPECT_EQ(WithFingerprint("", part), line);
+  const auto read = FingerprintIn(line + "\nmine");
+  ASSERT_TRUE(read.has_value());
+  EXPECT_EQ(read->container_bytes, 5u);
+  EXPECT_EQ(read->offset, 70u);
+  EXPECT_EQ(read->container, part.container);
+  EXPECT_EQ(read->mail.date, -11);
+  EXPECT_EQ(read->mail.from, part.mail.from);
+  EXPECT_EQ(read->mail.to, part.mail.to);
+  EXPECT_EQ(WithFingerprint(line + "\nmine", Example()), ExampleLine() + "\nmine");
+}
+
+TEST(FingerprintTest, FieldsThatAreCutAreNone) {
+  for (const char* end :
+       {" in=5", " in=5 at=", " in=x at=1", " of=8", " of=8,1", " date=", " date=x", " from=\"a",
+        " from=a", " from=\"a\\", " to=\"a\" from=\"b\"", " other=1"}) {
+    EXPECT_FALSE(FingerprintIn(ExampleLine() + end).has_value()) << end;
+  }
+}
+
+TEST(FingerprintTest, NoLineFeedComesFromAHeader) {
+  Fingerprint mail = Example();
+  mail.mail.from = "a\nb\tc";
+  EXPECT_EQ(WithFingerprint("", mail), ExampleLine() + " from=\"a b c\"");
+}
+
+TEST(FingerprintTest, ContainerIsTheStartOfTheName) {
+  Fingerprint part = Example();
+  EXPECT_EQ(ContainerOf("d/box#1", part), "");
+  part.container_bytes = 5;
+  EXPECT_EQ(ContainerOf("d/box#1", part), "d/box");
+  EXPECT_EQ(ContainerOf("d/box", part), "");
+  EXPECT_EQ(ContainerOf("d/boxes#1", part), "");
+}
+
 TEST(FingerprintTest, UsersTextStaysBelow) {
   EXPECT_EQ(WithFingerprint("my\nnotes", Example()), ExampleLine() + "\nmy\nnotes");
 }
