@@ -85,7 +85,6 @@ std::vector<KnownDocument> IndexChange::Documents() const {
 void IndexChange::Add(const std::string& name, Document document, const Fingerprint& fingerprint,
                       const std::string& earlier) {
   std::string record = WithFingerprint(earlier.empty() ? "" : UserRecordOf(earlier), fingerprint);
-  CheckWordsAreOfThisVersion();
   OpenedWriter& opened = Writer();
   if (!earlier.empty() && earlier != name && !is_emptied_) {
     opened.Check(opened.writer().Remove(earlier));
