@@ -20,8 +20,9 @@ namespace {
 // Texts repeat short runs, so their words are kept. Longer runs are not, which bounds the memory.
 constexpr std::size_t kMaxKeptBytes = 64;
 
-// Of letters without end no more are looked at: a word has at most kMaxWordCharacters.
-constexpr std::size_t kMaxLetterBytes = 4096;
+// Of letters and marks without end no more are looked at: a word has at most kMaxWordCharacters,
+// and ICU takes time with the square of the marks on one letter.
+constexpr std::size_t kMaxLetterBytes = 1024;
 
 constexpr std::size_t kMaxUnspacedUnits = std::size_t{1} << 16;
 
@@ -55,9 +56,14 @@ std::string StoredWords(const std::u32string& folded) {
   return words;
 }
 
-std::string WordsOfLetters(std::string_view run) {
-  return StoredWords(Folded(Utf16Of(run.substr(0, kMaxLetterBytes))));
+std::u32string FoldedRun(std::string_view run) {
+  // Where a character begins, of which no more than three bytes are before the end.
+  std::size_t cut = std::min(run.size(), kMaxLetterBytes);
+  while (cut < run.size() && cut + 3 > kMaxLetterBytes && ContinuesCharacter(run[cut])) --cut;
+  return Folded(Utf16Of(run.substr(0, cut)));
 }
+
+std::string WordsOfLetters(std::string_view run) { return StoredWords(FoldedRun(run)); }
 
 // Makes pairs of neighbours.
 class Pairs {
@@ -164,10 +170,10 @@ std::size_t RunReader::ReadPairs(std::size_t start) {
     if (end_of_marks == end && IsCommonPaired(code)) {
       pairs.Add(code, at, end);
     } else {
-      for (const char32_t folded : Folded(Utf16Of(text_.substr(at, end_of_marks - at)))) {
+      for (const char32_t folded : FoldedRun(text_.substr(at, end_of_marks - at))) {
         if (folded == kBetweenWords) {
           pairs.EndRun();
-        } else {
+        } else if (folded < 0x80 || ClassOf(folded) != CharacterClass::kMark) {
           pairs.Add(folded, at, end_of_marks);
         }
       }
@@ -194,7 +200,8 @@ std::size_t RunReader::ReadUnspaced(std::size_t start) {
   places.push_back(at);
   std::size_t first = 0;
   for (const std::size_t last : WordEnds(run)) {
-    TakeWords(StoredWords(Folded(run.substr(first, last - first))), places[first], places[last]);
+    const std::u16string word = run.substr(first, std::min(last - first, kMaxLetterBytes));
+    TakeWords(StoredWords(Folded(word)), places[first], places[last]);
     first = last;
   }
   return at;

@@ -1,4 +1,5 @@
-// From text to the words that are indexed, for hosts that prepare texts themselves.
+// Characters of UTF-8, and words in letters of ASCII: those of index files of class Kestan, and of
+// folders from before kestan::search::Analyzer.
 //
 // Any number of threads may call these functions at once.
 #ifndef KESTAN_SEARCH_TEXT_H_
@@ -13,9 +14,9 @@
 
 namespace kestan::search {
 
-// Returns `utf8` in ASCII: "Zürich" becomes "Zurich", "Привет" "Privet". Documents and queries go
-// through it alike. Each Chinese character becomes a word between blanks. What has no counterpart
-// in ASCII becomes a blank; bytes that are not UTF-8 are taken as Latin-1.
+// Returns `utf8` in ASCII: "Zürich" becomes "Zurich", "Привет" "Privet". Each Chinese character
+// becomes a word between blanks. What has no counterpart in ASCII becomes a blank; bytes that are
+// not UTF-8 are taken as Latin-1.
 //   Returns  kSystem if ICU cannot be loaded, or has no data for other scripts than ASCII;
 //            kOutOfMemory.
 KESTAN_SEARCH_EXPORT Result<std::string> ToAscii(std::string_view utf8);
@@ -28,7 +29,7 @@ KESTAN_SEARCH_EXPORT Result<std::string> KeepWords(std::string text,
                                                    const std::string& stop_words = "");
 
 // Returns English words that are too common to tell documents apart, each followed by a blank, in
-// lower case and without apostrophes: as they are indexed.
+// lower case and without apostrophes. Of some with an apostrophe the first part is among them too.
 KESTAN_SEARCH_EXPORT std::string EnglishStopWords();
 
 // Returns whether `byte` is one of a UTF-8 character's bytes after the first.

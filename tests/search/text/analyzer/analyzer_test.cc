@@ -32,6 +32,21 @@ std::string Words(std::string_view utf8) {
   return words;
 }
 
+std::vector<std::string> Split(const std::string& words) {
+  std::vector<std::string> split;
+  std::string word;
+  for (const char byte : words) {
+    if (byte != ' ') {
+      word += byte;
+      continue;
+    }
+    split.push_back(word);
+    word.clear();
+  }
+  EXPECT_EQ(word, "");
+  return split;
+}
+
 // Returns the groups of a query: words with "+" between them, "*" after a prefix.
 std::string Groups(std::string_view utf8) {
   const auto groups = Analyzer().AnalyzeQuery(utf8);
@@ -114,6 +129,24 @@ TEST(AnalyzerTest, WordsAreCutAfter64Characters) {
   EXPECT_EQ(Words("." + std::string(64, 'x')), std::string(64, 'x'));
 }
 
+// Marks without end belong to their letter. Were all of them looked at, this would take minutes.
+TEST(AnalyzerTest, MarksWithoutEndTakeNoTime) {
+  std::string marks;
+  for (int i = 0; i < 200'000; ++i) marks += i % 2 == 0 ? "\u0301" : "\u0323";
+  EXPECT_EQ(Words("e" + marks + " x"), "e x");
+  EXPECT_EQ(Words("é" + marks + " x"), "e x");
+  EXPECT_EQ(Split(Stored("が" + marks)).size(), 1u);
+  EXPECT_FALSE(Stored("ก" + marks).empty());
+  EXPECT_FALSE(Stored("ק" + marks).empty());
+}
+
+TEST(AnalyzerTest, LettersWithoutEndAreCut) {
+  std::string letters;
+  for (int i = 0; i < 2000; ++i)
+    letters += "\xba";  // which continue characters, where there are any
+  EXPECT_EQ(Words(letters), std::string(64, 'o'));
+}
+
 TEST(AnalyzerTest, WordsOfQueriesHangTogetherOverPunctuation) {
   EXPECT_EQ(Groups("covid-19 e-mail"), "covid|19 e|mail");
   EXPECT_EQ(Groups("C++ .NET don't"), "c|c++ net|.net don|t");
@@ -188,21 +221,6 @@ rc::Gen<std::string> AnyText() {
     for (const std::string& each : pieces) text += each;
     return text;
   });
-}
-
-std::vector<std::string> Split(const std::string& words) {
-  std::vector<std::string> split;
-  std::string word;
-  for (const char byte : words) {
-    if (byte != ' ') {
-      word += byte;
-      continue;
-    }
-    split.push_back(word);
-    word.clear();
-  }
-  EXPECT_EQ(word, "");
-  return split;
 }
 
 RC_GTEST_PROP(AnalyzerTest, FoldingOfTheEngineLeavesWordsAsTheyAre, ()) {
