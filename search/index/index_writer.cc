@@ -77,7 +77,7 @@ class IndexWriter::Impl {
 
   Status Add(Document document) {
     Status status = CheckDocument(document);
-    if (status.ok() && !document.text.empty()) status = PrepareForText(document.name);
+    if (status.ok() && !document.text.empty()) status = PrepareForText();
     if (!status.ok()) return status;
     status = RemoveIfThere(document.name);
     if (status.code() == StatusCode::kNotFound) status = {};
@@ -215,19 +215,15 @@ class IndexWriter::Impl {
     }
   }
 
-  // Words of all documents are to be made by the same rules. Without documents, the index has none
-  // yet.
-  Status PrepareForText(std::string_view name) {
-    if (properties_.find(kAnalyzerProperty) != properties_.end()) return {};
-    const bool is_in_use = !pending_.empty() || index_->segments().HasDocuments();
-    if (!is_in_use) {
-      properties_.emplace(kAnalyzerProperty, Analyzer::kVersion);
-      return {};
+  Status PrepareForText() {  // words of all documents are made by the same rules
+    if (properties_.count(kAnalyzerProperty) != 0) return {};
+    if (!pending_.empty() || index_->segments().HasDocuments()) {
+      return {StatusCode::kVersion,
+              "its words were made by an older version; text needs all documents removed",
+              index_->folder()};
     }
-    return {StatusCode::kVersion,
-            "its words were made by an older version; '" + std::string(name) +
-                "' cannot be added before all documents are removed",
-            index_->folder()};
+    properties_.emplace(kAnalyzerProperty, Analyzer::kVersion);
+    return {};
   }
 
   Status RemoveIfThere(std::string_view name) {

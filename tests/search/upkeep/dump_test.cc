@@ -101,7 +101,8 @@ TEST_F(DumpTest, TheDumpDoesNotDependOnTheSegments) {
 
 TEST_F(DumpTest, AnEmptyFolderIsDumpedToo) {
   ASSERT_TRUE(IndexWriter::Open(Path("index"))->Commit().ok());
-  EXPECT_EQ(Dump(Path("index")), WithEnd({"kestan-folder-dump 1", "positions yes", "property analyzer 1", ""}, 0));
+  EXPECT_EQ(Dump(Path("index")),
+            WithEnd({"kestan-folder-dump 1", "positions yes", "property analyzer 1", ""}, 0));
   ASSERT_TRUE(Load(Dump(Path("index")), Path("loaded")).ok());
   EXPECT_TRUE(kestan_tests::ReadIndex(Path("loaded")).empty());
 }
