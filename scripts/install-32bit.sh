@@ -5,7 +5,8 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 packages=(libgdbm6 libgdbm-dev libgtest-dev libgmock-dev librapidcheck-dev
-  libicu72 libicu-dev libxml2 libxml2-dev libxxhash0 libxxhash-dev libarchive13 libarchive-dev)
+  libicu72 libicu-dev libstemmer0d libstemmer-dev libxml2 libxml2-dev libxxhash0 libxxhash-dev
+  libarchive13 libarchive-dev)
 # What libxml2 and libarchive are linked with beside ICU.
 packages+=(liblzma5 zlib1g libacl1 libbz2-1.0 liblz4-1 libnettle8 libzstd1)
 

@@ -7,6 +7,7 @@
 
 #include "search/index/caught.h"
 #include "search/index/document_words.h"
+#include "search/index/manifest/index_language.h"
 #include "search/index/opened_index.h"
 #include "search/index/question.h"
 #include "search/matching/vocabulary.h"
@@ -236,6 +237,7 @@ class IndexReader::Impl {
       for (const auto& segment : indexes[i].segments) {
         snapshot.segments.push_back(segment);
         snapshot.index_of_segment.push_back(i);
+        snapshot.languages.push_back(LanguageOf(indexes[i].manifest));
       }
     }
     return snapshot;

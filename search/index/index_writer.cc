@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <ctime>
 #include <exception>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -14,32 +13,16 @@
 #include "search/index/inverting/document_limits.h"
 #include "search/index/inverting/pending_documents.h"
 #include "search/index/manifest/analyzer_version.h"
+#include "search/index/manifest/index_language.h"
 #include "search/index/merging/merge_policy.h"
 
 namespace kestan::search {
 namespace {
 
-constexpr unsigned kMostThreads = 64;
-
 std::uint32_t Now() { return static_cast<std::uint32_t>(std::time(nullptr)); }
-
-unsigned ThreadsOf(const WriterOptions& options) {
-  if (options.threads != 0) return std::min(options.threads, kMostThreads);
-  return std::clamp(std::thread::hardware_concurrency(), 1U, 4U);
-}
 
 Status NoSuchDocument(std::string_view name) {
   return {StatusCode::kNotFound, "there is no document '" + std::string(name) + "'"};
-}
-
-PendingDocuments::Settings PendingSettings(const CommittedIndex& index,
-                                           const WriterOptions& options) {
-  PendingDocuments::Settings settings;
-  settings.folder = index.folder();
-  settings.with_positions = index.manifest().with_positions;
-  settings.threads = ThreadsOf(options);
-  settings.memory_budget = options.memory_budget;
-  return settings;
 }
 
 }  // namespace
@@ -50,8 +33,10 @@ class IndexWriter::Impl {
       : options_(std::move(options)),
         index_(std::move(index)),
         properties_(index_->manifest().properties),
-        pending_(PendingSettings(*index_, options_)) {
+        pending_(index_->folder(), index_->manifest().with_positions, options_),
+        language_(options_.language) {
     policy_.factor = options_.merge_factor;
+    language_.Start(&properties_);
   }
 
   ~Impl() { RemoveChanges(); }
@@ -83,6 +68,7 @@ class IndexWriter::Impl {
     if (status.code() == StatusCode::kNotFound) status = {};
     if (status.ok() && pending_.HasManyNames()) status = WritePending();
     if (status.ok() && pending_.empty()) pending_.StartAt(NextNumber());
+    if (status.ok() && !index_->segments().HasDocuments()) language_.Add(document);
     if (status.ok()) status = pending_.Add(std::move(document), Now());
     return status.ok() ? status : Fail(status);
   }
@@ -185,6 +171,7 @@ class IndexWriter::Impl {
     pending_.Clear();
     failed_ = index_->Reload();
     properties_ = index_->manifest().properties;
+    language_.Start(&properties_);
     return failed_;
   }
 
@@ -277,6 +264,7 @@ class IndexWriter::Impl {
   }
 
   Status CommitChanges() {
+    language_.Settle(&properties_);
     Status status = WritePending();
     if (status.ok()) status = index_->Commit(properties_);
     return status.ok() ? status : Fail(status);
@@ -334,6 +322,7 @@ class IndexWriter::Impl {
   const std::unique_ptr<CommittedIndex> index_;
   CommittedIndex::Properties properties_;
   PendingDocuments pending_;
+  IndexLanguage language_;
   Status failed_;                 // what stands in the way until Rollback()
   std::vector<Status> warnings_;  // that nobody has taken
 };
@@ -343,6 +332,8 @@ Result<IndexWriter> IndexWriter::Open(const std::string& path, WriterOptions opt
     return Status(StatusCode::kInvalidArgument, "fewer than two segments cannot be merged");
   }
   return kestan::search::Caught(path, [&]() -> Result<IndexWriter> {
+    Status status = CheckLanguage(options.language);
+    if (!status.ok()) return status;
     auto index = CommittedIndex::Open(path, options);
     if (!index.ok()) return index.status();
     return IndexWriter(std::make_unique<Impl>(std::move(*index), std::move(options)));

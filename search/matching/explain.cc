@@ -52,8 +52,8 @@ std::vector<const Query*> PartsOf(const Query& query) {
 class Explainer {
  public:
   explicit Explainer(const Snapshot& snapshot) : with_positions_(snapshot.with_positions()) {
-    for (const auto& segment : snapshot.segments) {
-      matchers_.push_back(std::make_unique<Matcher>(*segment));
+    for (std::size_t i = 0; i < snapshot.segments.size(); ++i) {
+      matchers_.push_back(std::make_unique<Matcher>(*snapshot.segments[i], snapshot.LanguageOf(i)));
     }
   }
 

@@ -1,11 +1,11 @@
 #include "search/matching/leaf_terms.h"
 
-#include <cstddef>
 #include <string>
 #include <string_view>
 
+#include "search/text/analyzer/word_encoding.h"
 #include "search/text/letters.h"
-#include "search/vocabulary/stem.h"
+#include "search/text/utf8.h"
 #include "search/vocabulary/stored_edit_distance.h"
 
 namespace kestan::search {
@@ -17,8 +17,6 @@ using Visit = std::function<Status(const TermEntry&)>;
 // Words that begin with a capital lie between these in order of bytes.
 constexpr std::string_view kFirstCapital = "A";
 constexpr std::string_view kAfterCapitals = "[";
-
-constexpr std::size_t kMinFormLetters = 3;  // a shorter word has no other forms
 
 Status VisitWord(const TermDictionary& terms, std::string_view word, const Visit& visit) {
   const Result<std::optional<TermEntry>> entry = terms.Find(word);
@@ -37,11 +35,43 @@ Status VisitPrefix(const TermDictionary& terms, const std::string& prefix, const
   return status.ok() ? visited : status;
 }
 
-Status VisitForms(const TermDictionary& terms, const std::string& word, const Visit& visit) {
-  const std::string stem = Stem(word);
-  if (stem.size() < kMinFormLetters || HasCapital(word)) return VisitWord(terms, word, visit);
-  return VisitPrefix(terms, std::string(StemPrefix(stem)), [&](const TermEntry& entry) {
-    return Stem(entry.term) == stem ? visit(entry) : Status();
+// Reads words as they are stored.
+class StoredStemmer {
+ public:
+  // Borrows `stemmer`.
+  explicit StoredStemmer(Stemmer* stemmer) : stemmer_(stemmer) {}
+
+  bool HasForms(std::string_view word) { return stemmer_->HasForms(Utf8(word)); }
+
+  // Returns the stem of `word` in UTF-8; "" if the word has no other forms. Lent until the next
+  // call.
+  std::string_view StemOf(std::string_view word) {
+    const std::string_view utf8 = Utf8(word);
+    return stemmer_->HasForms(utf8) ? stemmer_->Stem(utf8) : std::string_view();
+  }
+
+ private:
+  std::string_view Utf8(std::string_view word) {
+    if (FindNonAscii(word, 0) == word.size()) return word;
+    utf8_ = DecodedWords(word);
+    return utf8_;
+  }
+
+  Stemmer* const stemmer_;
+  std::string utf8_;
+};
+
+Status VisitForms(const TermDictionary& terms, const std::string& word, Stemmer* stemmer,
+                  const Visit& visit) {
+  StoredStemmer stored(stemmer);
+  if (HasCapital(word) || !stored.HasForms(word)) return VisitWord(terms, word, visit);
+  Status status = stemmer->Open();
+  if (!status.ok()) return status;
+  const std::string stem(stored.StemOf(word));
+  if (stem.empty()) return VisitWord(terms, word, visit);
+  const std::string prefix = StoredCharacters(stemmer->PrefixOf(stem));
+  return VisitPrefix(terms, prefix, [&](const TermEntry& entry) {
+    return stored.StemOf(entry.term) == stem ? visit(entry) : Status();
   });
 }
 
@@ -66,7 +96,8 @@ Status ForEachFuzzyTerm(const TermDictionary& terms, std::string_view word, int 
   return status.ok() ? visited : status;
 }
 
-Status ForEachTermOf(const TermDictionary& terms, const Query& leaf, const Visit& visit) {
+Status ForEachTermOf(const TermDictionary& terms, const Query& leaf, Stemmer* stemmer,
+                     const Visit& visit) {
   switch (leaf.kind) {
     case Kind::kPrefix:
       return VisitPrefix(terms, leaf.word, visit);
@@ -74,7 +105,7 @@ Status ForEachTermOf(const TermDictionary& terms, const Query& leaf, const Visit
       return ForEachFuzzyTerm(terms, leaf.word, leaf.edits,
                               [&](const TermEntry& entry, int) { return visit(entry); });
     case Kind::kInflections:
-      return VisitForms(terms, leaf.word, visit);
+      return VisitForms(terms, leaf.word, stemmer, visit);
     default:
       return VisitWord(terms, leaf.word, visit);
   }

@@ -100,24 +100,25 @@ Occurrences Matcher::FindLeaf(const Query& leaf, Need need, std::vector<std::str
   terms->clear();
   std::optional<Occurrences> only;
   std::optional<OccurrenceUnion> several;
-  const Status status = ForEachTermOf(segment_.terms(), leaf, [&](const TermEntry& entry) {
-    const Result<TermPostings> postings = segment_.PostingsOf(entry);
-    if (!postings.ok()) return postings.status();
-    Result<Occurrences> found = ReadTerm(*postings, segment_, need);
-    if (!found.ok()) return found.status();
-    if (found->size() == 0) return Status();
-    terms->emplace_back(entry.term);
-    if (several) {
-      several->Add(*found);
-    } else if (only) {
-      several.emplace(segment_.size(), need);
-      several->Add(*only);
-      several->Add(*found);
-    } else {
-      only = std::move(*found);
-    }
-    return Status();
-  });
+  const Status status =
+      ForEachTermOf(segment_.terms(), leaf, &stemmer_, [&](const TermEntry& entry) {
+        const Result<TermPostings> postings = segment_.PostingsOf(entry);
+        if (!postings.ok()) return postings.status();
+        Result<Occurrences> found = ReadTerm(*postings, segment_, need);
+        if (!found.ok()) return found.status();
+        if (found->size() == 0) return Status();
+        terms->emplace_back(entry.term);
+        if (several) {
+          several->Add(*found);
+        } else if (only) {
+          several.emplace(segment_.size(), need);
+          several->Add(*only);
+          several->Add(*found);
+        } else {
+          only = std::move(*found);
+        }
+        return Status();
+      });
   if (!status.ok() && status_.ok()) status_ = status;
   if (several) return several->Take();
   return only ? std::move(*only) : Occurrences();

@@ -12,6 +12,7 @@
 #include "search/matching/operators/matches.h"
 #include "search/query/query.h"
 #include "search/segment/segment.h"
+#include "search/vocabulary/stem.h"
 
 namespace kestan::search {
 
@@ -36,8 +37,9 @@ using Found = std::shared_ptr<const Occurrences>;
 // What a word finds is kept, so that each posting record is read once. One thread at a time.
 class Matcher {
  public:
-  // Borrows `segment`.
-  explicit Matcher(const Segment& segment) : segment_(segment) {}
+  // Borrows both. `language` is that of the words; null for words without other forms.
+  explicit Matcher(const Segment& segment, const Language* language = DefaultLanguage())
+      : segment_(segment), stemmer_(language) {}
   Matcher(const Matcher&) = delete;
   Matcher& operator=(const Matcher&) = delete;
 
@@ -45,7 +47,7 @@ class Matcher {
   //   Returns  never null; after an error, which status() tells, what was found is not complete.
   Found Find(const Query& query, Need need);
 
-  // The first error; kDamaged.
+  // The first error; kDamaged, or kSystem for word forms without libstemmer.
   const Status& status() const { return status_; }
 
   // Returns the terms that `leaf`, a query without operands that was evaluated, stands for: those
@@ -73,6 +75,7 @@ class Matcher {
   Occurrences FindLeaf(const Query& leaf, Need need, std::vector<std::string>* terms);
 
   const Segment& segment_;
+  Stemmer stemmer_;
   Status status_;
   std::map<Query, Known, Less> known_;  // the distance of the node itself, of NEAR above it, is 0
 };

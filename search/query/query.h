@@ -14,7 +14,7 @@ struct Query {
     kWord,         // `word`; no operands, like the next three
     kPrefix,       // every word that begins with `word`
     kFuzzy,        // every word at most `edits` edits away from `word`
-    kInflections,  // `word` and its inflections in English (flow, flows, flowing)
+    kInflections,  // `word` and its other forms in the language of the index (flow, flows)
     kNot,          // one operand
     kNear,         // two operands or more: each within its distance from the one before
     kAnd,          // two operands or more

@@ -76,6 +76,7 @@ class Search {
     parameters_.k1 = InRange(options.k1, kMaxParameter);
     parameters_.b = InRange(options.b, 1);
     parameters_.proximity_bonus = InRange(options.proximity_bonus, kMaxParameter);
+    parameters_.opening_bonus = InRange(options.opening_bonus, kMaxParameter);
   }
 
   Result<RankedDocuments> Ranked() {
@@ -120,11 +121,12 @@ class Search {
   void Match(std::size_t i) {
     SegmentSearch& search = searches_[i];
     const Segment& segment = *snapshot_.segments[i];
-    const bool ranks_pairs = clauses_.size() > 1 && parameters_.proximity_bonus > 0;
-    search.matcher = std::make_unique<Matcher>(segment);
-    search.clauses.with_positions = ranks_pairs && segment.with_positions();
+    const bool ranks_places =
+        clauses_.size() > 1 && (parameters_.proximity_bonus > 0 || parameters_.opening_bonus > 0);
+    search.matcher = std::make_unique<Matcher>(segment, snapshot_.LanguageOf(i));
+    search.clauses.with_positions = ranks_places && segment.with_positions();
     for (const Repeated& clause : clauses_) {
-      const Need need = ranks_pairs ? Need::kPositions : Need::kCounts;
+      const Need need = ranks_places ? Need::kPositions : Need::kCounts;
       search.clauses.clauses.push_back(search.matcher->Find(*clause.query, need));
     }
     search.matches = search.matcher->Find(query_, Need::kCodes);
@@ -160,14 +162,15 @@ class Search {
     TopDocuments best(limit_);
     for (std::size_t i = 0; i < codes.size(); ++i) {
       if (scores[i] + greatest_bonus < least) continue;
-      const double bonus = greatest_bonus > 0 ? scorer->BonusOf(codes[i]) : 0;
+      const double bonus = greatest_bonus > 0 ? scorer->BonusOf(codes[i], scores[i], least) : 0;
       best.Add({{static_cast<std::uint32_t>(segment), codes[i]}, scores[i] + bonus});
     }
     return best.Take();
   }
 
-  // Returns the score that documents need to be among the best of a segment, if nearness adds
-  // nothing to any of them. As it takes nothing away, no document of a lower score in the end is.
+  // Returns the score that documents need to be among the best of a segment, if places of
+  // words add nothing to any of them. As it takes nothing away, no document of a lower score in the
+  // end is.
   double LeastOfBest(const std::vector<double>& scores) const {
     if (scores.size() <= limit_) return 0;
     std::vector<double> best(limit_);
@@ -235,7 +238,7 @@ Result<std::uint64_t> CountMatches(const Query& query, const Snapshot& snapshot)
   std::vector<std::uint64_t> counts(snapshot.segments.size());
   std::vector<Status> statuses(counts.size());
   ParallelFor(counts.size(), ThreadsFor(query, snapshot), [&](std::size_t i) {
-    Matcher matcher(*snapshot.segments[i]);
+    Matcher matcher(*snapshot.segments[i], snapshot.LanguageOf(i));
     counts[i] = matcher.Find(query, Need::kCodes)->size();
     statuses[i] = matcher.status();
   });

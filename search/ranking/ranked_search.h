@@ -43,7 +43,12 @@ struct RankedDocuments {
 //   proximity_bonus * min(idf, next idf) / d²,
 //
 // where d is the smallest distance in words between positions of the two: term pairs as Rasolofo
-// and Savoy weigh them (ECIR 2003), of the nearest pair alone. All figures are those of living
+// and Savoy weigh them (ECIR 2003), of the nearest pair alone; and for each clause among the first
+// 15 words of the document, its title as a rule,
+//
+//   opening_bonus * idf.
+//
+// A query of one clause has no bonuses. All figures are those of living
 // documents, and all sums are made in the order of the query: no merge and no number of threads
 // changes a score. Options out of range are brought into it: k1 and the bonus to 0 to 1000, b to 0
 // to 1.

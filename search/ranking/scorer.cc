@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 
 #include "search/ranking/proximity.h"
 
@@ -11,6 +12,14 @@ namespace {
 bool HasCode(const Occurrences& found, std::size_t place, Code code) {
   return place < found.size() && found.codes[place] == code;
 }
+
+// Returns whether what was found in the document at `place` is among its first words.
+bool IsOpening(const Occurrences& found, std::size_t place) {
+  const Position first = FirstPosition(found, place);
+  return first > 0 && first <= kOpeningWords;
+}
+
+constexpr std::size_t kNowhere = std::numeric_limits<std::size_t>::max();
 
 }  // namespace
 
@@ -49,10 +58,21 @@ double Scorer::PairWeight(std::size_t clause) const {
          std::min(parameters_.idfs[clause], parameters_.idfs[clause + 1]);
 }
 
-double Scorer::GreatestBonus() const {
+// Of a clause that opens the document.
+double Scorer::OpeningWeight(std::size_t clause) const {
+  return parameters_.opening_bonus * parameters_.idfs[clause];
+}
+
+double Scorer::GreatestPairs() const {
   double bonus = 0;
-  if (!matches_.with_positions) return bonus;
   for (std::size_t i = 0; i + 1 < matches_.clauses.size(); ++i) bonus += PairWeight(i);
+  return bonus;
+}
+
+double Scorer::GreatestBonus() const {
+  if (!matches_.with_positions) return 0;
+  double bonus = GreatestPairs();
+  for (std::size_t i = 0; i < matches_.clauses.size(); ++i) bonus += OpeningWeight(i);
   return bonus;
 }
 
@@ -64,22 +84,38 @@ double Scorer::BonusOfPair(std::size_t clause, std::size_t left, std::size_t rig
   return distance > 0 ? PairWeight(clause) / (distance * distance) : 0;
 }
 
-double Scorer::BonusOf(Code code) {
+double Scorer::BonusOf(Code code, double score, double least) {
   double bonus = 0;
   if (!matches_.with_positions) return bonus;
   const auto& clauses = matches_.clauses;
+  document_places_.resize(clauses.size());
+  for (std::size_t i = 0; i < clauses.size(); ++i) {
+    const std::size_t place = places_.Find(i, *clauses[i], code);
+    const bool is_there = HasCode(*clauses[i], place, code);
+    document_places_[i] = is_there ? place : kNowhere;
+    if (is_there && IsOpening(*clauses[i], place)) bonus += OpeningWeight(i);
+  }
+  if (score + bonus + GreatestPairs() < least) return bonus;
   for (std::size_t i = 0; i + 1 < clauses.size(); ++i) {
-    const std::size_t left = places_.Find(i, *clauses[i], code);
-    const std::size_t right = places_.Find(i + 1, *clauses[i + 1], code);
-    if (!HasCode(*clauses[i], left, code) || !HasCode(*clauses[i + 1], right, code)) continue;
-    bonus += BonusOfPair(i, left, right);
+    const std::size_t left = document_places_[i];
+    const std::size_t right = document_places_[i + 1];
+    if (left != kNowhere && right != kNowhere) bonus += BonusOfPair(i, left, right);
   }
   return bonus;
 }
 
+void Scorer::AddOpenings(std::size_t clause, const std::vector<Code>& codes,
+                         std::vector<double>* bonuses) const {
+  const Occurrences& found = *matches_.clauses[clause];
+  const double weight = OpeningWeight(clause);
+  ForEachCommon(codes, found.codes, [&](std::size_t i, std::size_t place) {
+    if (IsOpening(found, place)) (*bonuses)[i] += weight;
+  });
+}
+
 // Looks for the rarest of the three in the others.
-void Scorer::AddBonuses(std::size_t clause, const std::vector<Code>& codes,
-                        std::vector<double>* bonuses) {
+void Scorer::AddPairs(std::size_t clause, const std::vector<Code>& codes,
+                      std::vector<double>* bonuses) {
   const std::vector<Code>& first = matches_.clauses[clause]->codes;
   const std::vector<Code>& next = matches_.clauses[clause + 1]->codes;
   const auto is_shorter = [](const auto* a, const auto* b) { return a->size() < b->size(); };
@@ -97,7 +133,8 @@ std::vector<double> Scorer::Scores(const std::vector<Code>& codes) {
   std::vector<double> scores = Bm25Scores(codes);
   if (!matches_.with_positions) return scores;
   std::vector<double> bonuses(codes.size());
-  for (std::size_t i = 0; i + 1 < matches_.clauses.size(); ++i) AddBonuses(i, codes, &bonuses);
+  for (std::size_t i = 0; i < matches_.clauses.size(); ++i) AddOpenings(i, codes, &bonuses);
+  for (std::size_t i = 0; i + 1 < matches_.clauses.size(); ++i) AddPairs(i, codes, &bonuses);
   for (std::size_t i = 0; i < scores.size(); ++i) scores[i] += bonuses[i];
   return scores;
 }

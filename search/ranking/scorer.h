@@ -18,10 +18,14 @@ struct ScoringParameters {
   double mean_words = 1;     // of living documents
   std::vector<double> idfs;  // of each clause, times how often the query has it
   double proximity_bonus = 0;
+  double opening_bonus = 0;
 };
 
-// The occurrences of each clause in one segment, in the order of the idfs. The nearness of a
-// clause to the next one counts only where positions are known.
+// A document opens with so many words, which are likely to be its title or to say what it is about.
+constexpr Position kOpeningWords = 15;
+
+// The occurrences of each clause in one segment, in the order of the idfs. Where they stand counts
+// only where positions are known.
 struct ClauseMatches {
   std::vector<Found> clauses;
   bool with_positions = false;
@@ -38,11 +42,12 @@ class Scorer {
   // Returns the sums of the BM25 scores of all clauses for `codes`, which ascend.
   std::vector<double> Bm25Scores(const std::vector<Code>& codes) const;
 
-  // Returns the most that nearness can add to a score.
+  // Returns the most that places of words can add to a score.
   double GreatestBonus() const;
 
-  // Returns what nearness adds to the score of the document `code`. Called in ascending order.
-  double BonusOf(Code code);
+  // Returns what the places of words add to `score`, that of the document `code`; if that makes
+  // less than `least`, anything that also does. Called in ascending order.
+  double BonusOf(Code code, double score, double least);
 
   // Returns the sums of both for `codes`, which ascend.
   std::vector<double> Scores(const std::vector<Code>& codes);
@@ -50,14 +55,19 @@ class Scorer {
  private:
   void AddClause(std::size_t clause, const std::vector<Code>& codes,
                  const std::vector<double>& length_norms, std::vector<double>* scores) const;
-  void AddBonuses(std::size_t clause, const std::vector<Code>& codes, std::vector<double>* bonuses);
+  void AddOpenings(std::size_t clause, const std::vector<Code>& codes,
+                   std::vector<double>* bonuses) const;
+  void AddPairs(std::size_t clause, const std::vector<Code>& codes, std::vector<double>* bonuses);
   double PairWeight(std::size_t clause) const;
+  double OpeningWeight(std::size_t clause) const;
+  double GreatestPairs() const;
   double BonusOfPair(std::size_t clause, std::size_t left, std::size_t right);
 
   const Segment& segment_;
   const ScoringParameters& parameters_;
   const ClauseMatches& matches_;
   Places places_;
+  std::vector<std::size_t> document_places_;  // of the one that was looked at last, by clauses
   PositionReader left_;
   PositionReader right_;
 };

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "search/segment/segment.h"
+#include "search/text/language.h"
 #include "search/text/text_rules.h"
 
 namespace kestan::search {
@@ -16,6 +17,12 @@ struct Snapshot {
   std::vector<std::shared_ptr<const Segment>> segments;
   std::vector<std::size_t> index_of_segment;   // which of the opened indexes each belongs to
   TextRules rules = TextRules::kAsciiLetters;  // by which queries are read
+  std::vector<const Language*> languages;      // of each segment, as LanguageOf() gives them
+
+  // Returns the language of the words of the segment `i`; null if words have no other forms there.
+  const Language* LanguageOf(std::size_t i) const {
+    return i < languages.size() ? languages[i] : DefaultLanguage();
+  }
 
   std::uint64_t living_documents() const;
   std::uint64_t living_words() const;

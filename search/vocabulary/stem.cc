@@ -1,113 +1,86 @@
 #include "search/vocabulary/stem.h"
 
-#include <algorithm>
-#include <array>
+#include <kestan/search/text.h>
+
 #include <cstddef>
+#include <new>
+
+#include "search/text/stemmer_library.h"
 
 namespace kestan::search {
 namespace {
-
-constexpr std::size_t kMinLetters = 4;    // of a word that has a stem
-constexpr std::size_t kMinInflected = 3;  // letters before -s, -ed, -ing
-constexpr std::size_t kMinDerived = 4;    // letters before the endings below
-
-// Endings that make one word of another, as they are once a last e is gone and a last y is an i:
-// able, ity, ly. Taken off one after the other: computation, organizational.
-constexpr std::array<std::string_view, 22> kDerivations = {
-    "ment", "ness", "abl", "ibl", "anc", "enc", "ant", "ent", "ion", "ist", "ism",
-    "iti",  "ous",  "ful", "al",  "li",  "iv",  "er",  "or",  "ic",  "at",  "iz"};
-
-bool IsVowel(char letter) {
-  return std::string_view("aeiouy").find(letter) != std::string_view::npos;
-}
 
 bool EndsWith(std::string_view word, std::string_view ending) {
   return word.size() >= ending.size() && word.substr(word.size() - ending.size()) == ending;
 }
 
-// Returns whether `text` has a vowel.
-bool HasVowel(std::string_view text) { return std::any_of(text.begin(), text.end(), IsVowel); }
-
-// Returns whether `text` has a consonant after a vowel, as each stem of a longer word has.
-bool HasSyllable(std::string_view text) {
-  const auto* const vowel = std::find_if(text.begin(), text.end(), IsVowel);
-  return std::any_of(vowel, text.end(), [](char letter) { return !IsVowel(letter); });
+// study and studi, hop(ing) and hope, possib(ility) and possibl, ski(es) and sky; the stems of
+// dying, lying and tying are die, lie and tie.
+unsigned ChangedInEnglish(std::string_view stem) {
+  if (EndsWith(stem, "ie")) return 2;
+  const bool may_change =
+      EndsWith(stem, "i") || EndsWith(stem, "e") || EndsWith(stem, "y") || EndsWith(stem, "bl");
+  return may_change ? 1 : 0;
 }
 
-// ponies, horses. The s of glass, focus and analysis is not an ending.
-void TakeOffPlural(std::string* word) {
-  if (EndsWith(*word, "ies") && word->size() > kMinLetters) {
-    word->replace(word->size() - 3, 3, "y");
-  } else if (EndsWith(*word, "s") && !EndsWith(*word, "ss") && !EndsWith(*word, "us") &&
-             !EndsWith(*word, "is")) {
-    word->pop_back();
+// A double consonant before the last vowels becomes a single one.
+unsigned ChangedInFinnish(std::string_view stem) {
+  unsigned vowels = 0;
+  while (vowels < stem.size() && std::string_view("aeiouy").find(stem[stem.size() - 1 - vowels]) !=
+                                     std::string_view::npos) {
+    ++vowels;
   }
+  return vowels + 1;
 }
 
-// planned, planning: the last letter was doubled for the ending. That of fall, pass and buzz was
-// not.
-void UndoDoubling(std::string* word) {
-  const std::size_t size = word->size();
-  if (size <= kMinInflected || (*word)[size - 2] != word->back()) return;
-  if (std::string_view("lsz").find(word->back()) == std::string_view::npos) word->pop_back();
-}
-
-// studied, needed, needing; but not need.
-void TakeOffTense(std::string* word) {
-  if (EndsWith(*word, "ied") && word->size() > kMinLetters) {
-    word->replace(word->size() - 3, 3, "y");
-    return;
-  }
-  if (EndsWith(*word, "eed")) return;
-  for (const std::string_view ending : {"ing", "ed"}) {
-    if (!EndsWith(*word, ending) || word->size() - ending.size() < kMinInflected) continue;
-    const std::string_view before = std::string_view(*word).substr(0, word->size() - ending.size());
-    if (!HasVowel(before)) continue;
-    word->resize(before.size());
-    UndoDoubling(word);
-    return;
-  }
-}
-
-// The e and the y that come and go before endings: solve, solving; study, studies.
-void FoldLastVowel(std::string* word) {
-  if (word->size() <= kMinInflected) return;
-  if (word->back() == 'e') {
-    word->pop_back();
-  } else if (word->back() == 'y' && !IsVowel((*word)[word->size() - 2])) {
-    word->back() = 'i';
-  }
-}
-
-// Returns whether there was an ending to take off.
-bool TakeOffDerivation(std::string* word) {
-  for (const std::string_view ending : kDerivations) {
-    if (!EndsWith(*word, ending) || word->size() - ending.size() < kMinDerived) continue;
-    const std::string_view before = std::string_view(*word).substr(0, word->size() - ending.size());
-    if (!HasSyllable(before)) continue;
-    word->resize(before.size());
-    FoldLastVowel(word);
-    return true;
-  }
-  return false;
+unsigned ChangedLetters(const Language& language, std::string_view stem) {
+  if (language.code == "en") return ChangedInEnglish(stem);
+  if (language.code == "fi") return ChangedInFinnish(stem);
+  return language.changed_letters;
 }
 
 }  // namespace
 
-std::string Stem(std::string_view word) {
-  std::string stem(word);
-  if (stem.size() < kMinLetters) return stem;
-  TakeOffPlural(&stem);
-  TakeOffTense(&stem);
-  FoldLastVowel(&stem);
-  while (TakeOffDerivation(&stem)) {
-  }
-  return stem;
+void Stemmer::Delete::operator()(sb_stemmer* stemmer) const {
+  LoadedStemmerLibrary().sb_stemmer_delete(stemmer);
 }
 
-std::string_view StemPrefix(std::string_view stem) {
-  if (!stem.empty() && (stem.back() == 'i' || stem.back() == 'y')) stem.remove_suffix(1);
-  return stem;
+Status Stemmer::Open() {
+  if (stemmer_ != nullptr) return {};
+  const StemmerLibrary& library = LoadedStemmerLibrary();
+  if (!library.error.empty()) return {StatusCode::kSystem, library.error};
+  const std::string name(language_->name);
+  stemmer_.reset(library.sb_stemmer_new(name.c_str(), nullptr));
+  if (stemmer_ != nullptr) return {};
+  return {StatusCode::kSystem, "libstemmer knows no word forms of " + name};
+}
+
+bool Stemmer::HasForms(std::string_view word) const {
+  if (language_ == nullptr || word.size() <= CharacterBytes(word)) return false;
+  const Script script = ScriptOf(word);
+  return script != Script::kOther &&
+         (script == language_->script || script == language_->other_script);
+}
+
+std::string_view Stemmer::Stem(std::string_view word) {
+  const StemmerLibrary& library = LoadedStemmerLibrary();
+  const auto* const bytes = reinterpret_cast<const sb_symbol*>(word.data());
+  const sb_symbol* const stem =
+      library.sb_stemmer_stem(stemmer_.get(), bytes, static_cast<int>(word.size()));
+  if (stem == nullptr) throw std::bad_alloc();
+  const auto size = static_cast<std::size_t>(library.sb_stemmer_length(stemmer_.get()));
+  return {reinterpret_cast<const char*>(stem), size};
+}
+
+std::string_view Stemmer::PrefixOf(std::string_view stem) const {
+  unsigned changed = ChangedLetters(*language_, stem);
+  if (changed == kAnyLetters) return "";
+  std::string_view prefix = stem;
+  for (; changed > 0 && !prefix.empty(); --changed) {
+    while (prefix.size() > 1 && ContinuesCharacter(prefix.back())) prefix.remove_suffix(1);
+    prefix.remove_suffix(1);
+  }
+  return prefix.empty() ? stem.substr(0, CharacterBytes(stem)) : prefix;
 }
 
 }  // namespace kestan::search

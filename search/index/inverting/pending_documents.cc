@@ -1,10 +1,18 @@
 #include "search/index/inverting/pending_documents.h"
 
 #include <algorithm>
+#include <thread>
 #include <utility>
 
 namespace kestan::search {
 namespace {
+
+constexpr unsigned kMostThreads = 64;
+
+unsigned ThreadsOf(const WriterOptions& options) {
+  if (options.threads != 0) return std::min(options.threads, kMostThreads);
+  return std::clamp(std::thread::hardware_concurrency(), 1U, 4U);
+}
 
 // A batch is large enough to be worth a thread of its own, and small enough that all threads soon
 // have one. A commit of fewer bytes makes one segment.
@@ -31,6 +39,11 @@ std::size_t ThreadMemory(const PendingDocuments::Settings& settings, std::size_t
 }
 
 }  // namespace
+
+PendingDocuments::PendingDocuments(std::string folder, bool with_positions,
+                                   const WriterOptions& options)
+    : PendingDocuments(
+          {std::move(folder), with_positions, ThreadsOf(options), options.memory_budget}) {}
 
 PendingDocuments::PendingDocuments(Settings settings)
     : settings_(std::move(settings)), batch_bytes_(BatchBytes(settings_)) {}

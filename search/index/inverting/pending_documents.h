@@ -34,6 +34,9 @@ class PendingDocuments {
 
   explicit PendingDocuments(Settings settings);
 
+  // For the segments of an index in `folder`, with the threads and the memory that `options` say.
+  PendingDocuments(std::string folder, bool with_positions, const WriterOptions& options);
+
   // Sets the number of the next segment. Only while nothing is pending.
   void StartAt(std::uint64_t first_number) { first_number_ = first_number; }
 

@@ -34,6 +34,10 @@ struct Occurrences {
   void Append(Code code, Positions where);
 };
 
+// Returns the first of the positions of found.codes[index], which must have been asked for; 0 if
+// that may be anywhere.
+Position FirstPosition(const Occurrences& found, std::size_t index);
+
 // Returns the positions, which ascend, without those that may be anywhere: 0, before all others.
 Positions Known(Positions positions);
 

@@ -16,6 +16,12 @@ using namespace kestan::search;
 using Kind = Query::Kind;
 using Maybe = std::optional<NaiveMatch>;
 
+std::string StemOf(const std::string& word) {
+  Stemmer stemmer(DefaultLanguage());
+  if (!stemmer.HasForms(word) || !stemmer.Open().ok()) return word;
+  return std::string(stemmer.Stem(word));
+}
+
 bool Stands(const Query& leaf, const std::string& term) {
   const bool case_fits = HasCapital(leaf.word) || !HasCapital(term);
   if (leaf.kind == Kind::kPrefix) return case_fits && term.rfind(leaf.word, 0) == 0;
@@ -23,7 +29,7 @@ bool Stands(const Query& leaf, const std::string& term) {
     return case_fits && BoundedEditDistance(leaf.word, term, leaf.edits) <= leaf.edits;
   }
   if (leaf.kind == Kind::kInflections) {
-    return case_fits && Stem(leaf.word) == Stem(term);
+    return case_fits && StemOf(leaf.word) == StemOf(term);
   }
   return term == leaf.word;
 }
@@ -140,9 +146,12 @@ std::vector<NaiveClause> ReadClauses(const std::vector<DocumentOfWords>& living,
 double NaiveScore(const std::vector<NaiveClause>& clauses, std::size_t document,
                   double relative_length, const SearchOptions& options) {
   double score = 0;
+  const bool has_bonuses = clauses.size() > 1;
   for (std::size_t i = 0; i < clauses.size(); ++i) {
     const Maybe& found = clauses[i].found[document];
     if (!found) continue;
+    const int first = *std::min_element(found->positions.begin(), found->positions.end());
+    if (has_bonuses && first > 0 && first <= 15) score += options.opening_bonus * clauses[i].idf;
     const auto tf = static_cast<double>(found->count);
     score += clauses[i].idf * tf * (options.k1 + 1) /
              (tf + options.k1 * (1 - options.b + options.b * relative_length));

@@ -34,13 +34,16 @@ enum class WordsMean {
 
 // The defaults of k1, b and the bonus lie where the answers to the questions of two test
 // collections, of short and of long questions, hardly change with them: k1 from 1.8 to 2.2, b from
-// 0.7 to 0.75, the bonus from 0.25 to 0.5. docs/performance.md has the figures.
+// 0.7 to 0.75, the bonus for nearness from 0.25 to 0.5, that for the beginning from 0.5 to 1.
+// docs/quality.md has the figures. A bonus counts in queries of several words, where positions are
+// kept.
 struct SearchOptions {
   std::size_t limit = 10;  // how many hits to return; total counts all. 0: every match
   WordsMean words = WordsMean::kBest;
   double k1 = 2.0;               // BM25: how slowly further occurrences of a word count less
   double b = 0.75;               // BM25: how much the length of a document counts
   double proximity_bonus = 0.4;  // how much words of the query that stand near each other count
+  double opening_bonus = 0.7;    // how much words count that are among the first 15 of a document
   bool with_titles = true;       // of hits; without them, less is read of each
 };
 

@@ -34,6 +34,12 @@ struct WriterOptions {
   bool create = true;          // make the index where there is none
   bool with_positions = true;  // of a new index: keep where words stand, for NEAR and quotes
 
+  // The language of the words, by which questions find their other forms: its name in English
+  // ("german") or its code ("de"), or "none" for no other forms. "": that of the index; where it
+  // has none yet, it is guessed from the texts of the first commit. The index keeps the name as its
+  // property "language". docs/queries.md has the list.
+  std::string language;
+
   // Merging: segments of about the same size are merged when there are so many of them.
   unsigned merge_factor = 8;
 
@@ -56,7 +62,8 @@ enum class DocumentField : std::uint8_t { kTitle, kSummary, kHostData };
 class KESTAN_SEARCH_EXPORT IndexWriter {
  public:
   // Opens the index folder at `path`, or makes it there.
-  //   Returns  kBusy if another writer has it (the message has the process's number), kNotFound
+  //   Returns  kInvalidArgument for a language that is not known;
+  //            kBusy if another writer has it (the message has the process's number), kNotFound
   //            if there is none and `create` is not set, kDamaged, kVersion, kSystem.
   static Result<IndexWriter> Open(const std::string& path, WriterOptions options = {});
 
