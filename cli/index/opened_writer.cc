@@ -15,14 +15,16 @@ using kestan::search::StatusCode;
 using kestan::search::WriterOptions;
 using kestan::search::WriterProgress;
 
-OpenedWriter::OpenedWriter(std::string path, IfMissing if_missing, ProgressStyle style)
-    : path_(std::move(path)), progress_(style), writer_(Open(if_missing)) {}
+OpenedWriter::OpenedWriter(std::string path, IfMissing if_missing, ProgressStyle style,
+                           const std::string& language)
+    : path_(std::move(path)), progress_(style), writer_(Open(if_missing, language)) {}
 
-IndexWriter OpenedWriter::Open(IfMissing if_missing) {
+IndexWriter OpenedWriter::Open(IfMissing if_missing, const std::string& language) {
   if (if_missing == IfMissing::kFail || KindOfIndex(path_) == IndexKind::kFile) {
     CheckIsFolder(path_);
   }
   WriterOptions options;
+  options.language = language;
   options.create = if_missing == IfMissing::kCreate;
   options.progress = [this](const WriterProgress& progress) { return Show(progress); };
   return ValueOf(IndexWriter::Open(path_, options), path_);

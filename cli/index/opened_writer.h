@@ -20,7 +20,9 @@ class OpenedWriter {
 
   // Opens the index folder at `path`.
   //   Throws   CommandError if it is no folder, is damaged, or another process is changing it.
-  OpenedWriter(std::string path, IfMissing if_missing, ProgressStyle style);
+  // `language`: of the words, as IndexWriter takes it.
+  OpenedWriter(std::string path, IfMissing if_missing, ProgressStyle style,
+               const std::string& language = "");
   OpenedWriter(const OpenedWriter&) = delete;
   OpenedWriter& operator=(const OpenedWriter&) = delete;
 
@@ -49,7 +51,7 @@ class OpenedWriter {
   void DropPositions();
 
  private:
-  kestan::search::IndexWriter Open(IfMissing if_missing);
+  kestan::search::IndexWriter Open(IfMissing if_missing, const std::string& language);
   bool Show(const kestan::search::WriterProgress& progress);
   void Run(kestan::search::Status (kestan::search::IndexWriter::*step)());
 

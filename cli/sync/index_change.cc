@@ -54,13 +54,14 @@ void SyncFolder(const std::string& folder) {
 }  // namespace
 
 // A run that changes nothing needs no permission to.
-IndexChange::IndexChange(std::string path, ProgressStyle style)
-    : path_(std::move(path)), style_(style) {
+IndexChange::IndexChange(std::string path, ProgressStyle style, std::string language)
+    : path_(std::move(path)), style_(style), language_(std::move(language)) {
   if (KindOfIndex(path_) == IndexKind::kNone) return;
   CheckIsFolder(path_);
   if (IsEmpty(path_)) return;
   if (MayWrite(path_)) Writer();
   before_.emplace(ValueOf(IndexReader::Open(path_), path_));
+  has_changes_ = !language_.empty();
 }
 
 IndexChange::~IndexChange() {
@@ -161,7 +162,7 @@ OpenedWriter& IndexChange::Writer() {
     }
     if (is_made_) SyncFolder(ParentOf(path_));
   }
-  return writer_.emplace(path_, OpenedWriter::IfMissing::kCreate, style_);
+  return writer_.emplace(path_, OpenedWriter::IfMissing::kCreate, style_, language_);
 }
 
 // Words of two versions in one index would not find each other.

@@ -21,10 +21,11 @@ namespace kestan_cli {
 class IndexChange {
  public:
   // Takes the lock of the index folder at `path`, if there is one that this user may write, and a
-  // snapshot of it.
+  // snapshot of it. `language` is what its words are to be in, as IndexWriter takes it; "" changes
+  // nothing.
   //   Throws   CommandError if there is something else, it is damaged, or another process is
   //            changing it.
-  IndexChange(std::string path, ProgressStyle style);
+  IndexChange(std::string path, ProgressStyle style, std::string language = "");
   ~IndexChange();
   IndexChange(const IndexChange&) = delete;
   IndexChange& operator=(const IndexChange&) = delete;
@@ -80,6 +81,7 @@ class IndexChange {
 
   const std::string path_;
   const ProgressStyle style_;
+  const std::string language_;
   bool is_made_ = false;  // the folder, by this run
   bool has_changes_ = false;
   bool is_emptied_ = false;  // by RemoveAll()

@@ -228,7 +228,7 @@ int RunIndex(const std::string& index, const IndexOptions& options) {
   }
   const RootRequest request = RequestOf(options, PathsOf(options));
   const Interruption interruption;  // a signal must leave neither a converter nor a bar behind
-  IndexChange change(index, StyleOfStandardError(options.quiet));
+  IndexChange change(index, StyleOfStandardError(options.quiet), options.language);
   Scope scope = ScopeOf(options, request, RootsOf(change.before(), index, request), index);
   RootRules rules(scope.files.reading(), index, options.converter_limits, options.max_file_bytes);
   for (const std::string& path : request.paths) {
@@ -264,6 +264,7 @@ int RunIndexCommand(const Values& values) {
   }
   if (values.Has("--prune")) options.prune = true;
   if (values.Has("--no-prune")) options.prune = false;
+  options.language = values.Text("--language");
   options.reset = values.Has("--reset");
   options.forget = values.Has("--forget");
   options.all = values.Has("--all");
@@ -283,6 +284,8 @@ std::vector<Option> IndexCommandOptions() {
            "have COMMAND, with {} for the file, print the text of files that end in .EXT"},
           {"--stop-words", "LIST", "leave out the words of a file, or of the list \"english\""},
           {"--strip-encoded", "", "leave out blocks of uuencode and base64"},
+          {"--language", "NAME",
+           "find other forms of words as in this language (german or de, say), or in none"},
           {"--reset", "", "use none of the options that the index remembers"},
           {"--forget", "", "no longer bring the PATHs up to date; with --prune, remove them"},
           {"--stdin0", "", "read the paths from the standard input, each ended by a NUL"},

@@ -20,6 +20,7 @@ struct IndexOptions {
   std::optional<bool> prune;  // remove documents whose files are gone; nothing: as it remembers
   bool reset = false;         // of the options, what is not given is not remembered either
   bool forget = false;        // the paths are roots no more
+  std::string language;       // of the words; empty: as the index has it, or a guess
   CommandLimits converter_limits;
   std::uint64_t max_file_bytes = std::uint64_t{1} << 28;  // of a text
   bool all = false;                                       // unchanged files are indexed again

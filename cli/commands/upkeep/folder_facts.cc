@@ -105,6 +105,8 @@ IndexFacts FactsOfFolder(const std::string& path) {
                   {"occurrences", "words of all texts", index.words},
                   {"option_flags", "option flags", FlagsOf(reader, path)}};
   facts.positions_kept = index.with_positions;
+  facts.language = ValueOf(reader.Property("language"), path);
+  if (facts.language.empty()) facts.language = "english";
   facts.sizes = SizesIn(index);
   facts.frequencies = CurveOf(words);
   facts.is_folder = true;

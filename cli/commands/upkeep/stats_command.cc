@@ -24,6 +24,7 @@ std::string TextOf(const IndexFacts& facts) {
     text += std::string(fact.words) + ": " + std::to_string(fact.number) + "\n";
   }
   text += std::string("positions kept: ") + (facts.positions_kept ? "yes" : "no") + "\n";
+  if (facts.is_folder) text += "language: " + OneLine(facts.language) + "\n";
   for (const Fact& fact : facts.sizes) {
     text += std::string(fact.words) + ": " + std::to_string(fact.number) + " bytes\n";
   }
@@ -59,6 +60,7 @@ std::string JsonOf(const IndexFacts& facts) {
   Json report = Json::object();
   for (const Fact& fact : facts.counts) report[fact.name] = fact.number;
   report["positions_kept"] = facts.positions_kept;
+  if (facts.is_folder) report["language"] = facts.language;
   Json sizes = Json::object();
   for (const Fact& fact : facts.sizes) sizes[fact.name] = fact.number;
   report["bytes"] = sizes;

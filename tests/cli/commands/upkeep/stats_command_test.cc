@@ -68,6 +68,17 @@ class FolderStatsTest : public StatsCommandTest {};
 
 INSTANTIATE_TEST_SUITE_P(, FolderStatsTest, testing::Values(Kind::kFolder), NameOfKind);
 
+TEST_P(FolderStatsTest, TheLanguageIsThatOfTheFirstTextsOrTheOneThatWasSaid) {
+  Write("a.txt", "Das ist ein Haus, und es ist nicht aus Holz.\n");
+  EXPECT_EQ(Run({"index", "my.index", "a.txt"}).status, 0);
+  EXPECT_EQ(Fact("language"), "german");
+  EXPECT_EQ(Run({"index", "my.index", "--language=fr"}).status, 0);
+  EXPECT_EQ(Fact("language"), "french");
+  EXPECT_NE(Run({"stats", "my.index", "--json"}).out.find("\"language\":\"french\""),
+            std::string::npos);
+  EXPECT_EQ(Run({"index", "my.index", "--language=klingon"}).status, 2);
+}
+
 TEST_P(FolderStatsTest, RemovedDocumentsCountByThemselves) {
   std::vector<Document> documents{Named("a", "cat dog\n")};
   for (int i = 0; i < 9; ++i) documents.push_back(Named(std::to_string(i), "dog\n"));
