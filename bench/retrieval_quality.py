@@ -9,16 +9,26 @@ answers with what people judged to be relevant. Prints, for each collection and 
   P@10   how many of the first ten answers are relevant, on average
   ms     the time of one command, from its start to its end
 
+  MRR    of the known-item test: the reciprocal rank of the one document that is looked for, on
+         average; 1 if each is the first answer
+
 and ends with an error if any search fails. Questions without relevant documents are left out. With
 --host, also asks the search library through quality_host, which is built with the other workloads:
 with its default settings, and the questions as they stand. Its ms are those of one search, without
-the start of a program.
+the start of a program. With --peers, also asks SQLite FTS5 (porter stemmer, words joined with OR,
+ordered by bm25) and, through xapian_quality_host beside quality_host, Xapian (English stemmer, stop
+words left out).
 
-A collection is a folder with three files of lines, parted by tabs: docs.tsv (name, text),
-queries.tsv (number, question) and qrels.tsv (number, name, grade; below 1 is not relevant).
+The known-item test asks for documents by their titles, 200 of them, spread evenly: of a collection
+whose texts begin with a title that " . " ends, or else that has titles as a third field. --untitled
+takes the titles out of the texts first, so that only what a text says about its title's subject
+leads to it.
+
+A collection is a folder with three files of lines, parted by tabs: docs.tsv (name, text and, if
+there is one, title), queries.tsv (number, question) and qrels.tsv (number, name, grade; below 1 is not relevant).
 
 Example: bench/retrieval_quality.py build/release/cli/kestan \\
-             --host build/release/bench/quality_host COLLECTION...
+             --host build/release/bench/quality_host --peers COLLECTION...
 """
 
 import argparse
@@ -26,12 +36,16 @@ import collections
 import os
 import pathlib
 import re
+import sqlite3
 import subprocess
 import sys
 import tempfile
 import time
 
 KEPT = 1000  # answers looked at; what comes after them hardly counts
+KNOWN_ITEMS = 200
+TITLE_END = " . "
+KNOWN = "titles of "  # what the name of a known-item test begins with
 
 
 def read_lines(path):
@@ -97,19 +111,25 @@ def mean(numbers):
     return sum(numbers) / len(numbers)
 
 
+def reciprocal_rank(answers, relevant):
+    return max((1 / rank for rank, name in enumerate(answers, 1) if name in relevant), default=0)
+
+
 def line_for(collection, way, judged, seconds):
     """Returns a line of the table. `judged` holds a pair for each question: answers, relevant."""
-    average = mean([average_precision(*pair) for pair in judged])
-    first_ten = mean([precision_at_10(*pair) for pair in judged])
-    return (f"{collection.name:10}  {way:42}  {average:.4f}  {first_ten:.4f}  "
-            f"{1000 * mean(seconds):5.1f}")
+    if collection.name.startswith(KNOWN):
+        figures = f"{'':6}  {'':6}  {mean([reciprocal_rank(*pair) for pair in judged]):.4f}"
+    else:
+        average = mean([average_precision(*pair) for pair in judged])
+        figures = f"{average:.4f}  {mean([precision_at_10(*pair) for pair in judged]):.4f}  {'':6}"
+    return f"{collection.name:20}  {way:42}  {figures}  {1000 * mean(seconds):5.1f}"
 
 
 def measure(kestan, collection, folder):
     """Yields a line for each way to ask the command."""
     questions = read_lines(collection / "queries.tsv")
     relevant = read_judgements(collection / "qrels.tsv")
-    make_index(kestan, read_lines(collection / "docs.tsv"), folder)
+    make_index(kestan, [fields[:2] for fields in read_lines(collection / "docs.tsv")], folder)
     asked = [(number, text) for number, text in questions if relevant[number]]
     for way, arguments_of in WAYS.items():
         answers = [ask(kestan, folder, arguments_of(text)) for _, text in asked]
@@ -117,15 +137,86 @@ def measure(kestan, collection, folder):
         yield line_for(collection, way, judged, [seconds for _, seconds in answers])
 
 
-def measure_host(host, collection, folder):
-    """Returns the line for the search library."""
+def measure_host(way, host, collection, index):
+    """Returns the line for a program that answers the questions of a collection."""
     relevant = read_judgements(collection / "qrels.tsv")
-    done = subprocess.run([host, collection, folder / "host.index"], check=True,
-                          stdout=subprocess.PIPE)
+    done = subprocess.run([host, collection, index], check=True, stdout=subprocess.PIPE)
     lines = [line.split("\t") for line in done.stdout.decode().splitlines()]
     judged = [(names, relevant[number]) for number, _, *names in lines if relevant[number]]
     seconds = [int(microseconds) / 1e6 for number, microseconds, *_ in lines if relevant[number]]
-    return line_for(collection, "search library, default settings", judged, seconds)
+    return line_for(collection, way, judged, seconds)
+
+
+def measure_fts5(collection):
+    """Returns the line for SQLite FTS5. Its quotes keep words from being operators."""
+    connection = sqlite3.connect(":memory:")
+    connection.execute("CREATE VIRTUAL TABLE texts USING fts5"
+                       "(name UNINDEXED, text, tokenize = 'porter unicode61')")
+    connection.executemany("INSERT INTO texts VALUES (?, ?)",
+                           [fields[:2] for fields in read_lines(collection / "docs.tsv")])
+    relevant = read_judgements(collection / "qrels.tsv")
+    judged = []
+    seconds = []
+    for number, text in read_lines(collection / "queries.tsv"):
+        if not relevant[number]:
+            continue
+        words = " OR ".join(f'"{word}"' for word in re.findall(r"\w+", text))
+        start = time.perf_counter()
+        found = connection.execute("SELECT name FROM texts WHERE texts MATCH ? ORDER BY bm25(texts)"
+                                   " LIMIT ?", (words, KEPT)).fetchall()
+        seconds.append(time.perf_counter() - start)
+        judged.append(([name for name, in found], relevant[number]))
+    return line_for(collection, f"SQLite {sqlite3.sqlite_version} FTS5, porter, bm25", judged, seconds)
+
+
+def title_of(fields):
+    """Returns the title of a document; "" if it has none or nothing else."""
+    title, end, rest = fields[1].partition(TITLE_END)
+    if end and rest.strip():
+        return title.strip()
+    return fields[2].strip() if len(fields) > 2 else ""
+
+
+def untitled(fields):
+    return [fields[0], fields[1].partition(TITLE_END)[2]] if len(fields) == 2 else fields[:2]
+
+
+def make_known_items(collection, folder, drops_titles):
+    """Writes the known-item test of a collection into `folder`; returns False if it has no titles."""
+    documents = read_lines(collection / "docs.tsv")
+    titled = [fields for fields in documents if title_of(fields)]
+    if len(titled) < KNOWN_ITEMS:
+        return False
+    step = len(titled) // KNOWN_ITEMS
+    chosen = titled[::step][:KNOWN_ITEMS]
+    kept = [untitled(fields) if drops_titles and title_of(fields) else fields
+            for fields in documents]
+    tables = {"docs.tsv": kept,
+              "queries.tsv": [[fields[0], title_of(fields)] for fields in chosen],
+              "qrels.tsv": [[fields[0], fields[0], "1"] for fields in chosen]}
+    folder.mkdir()
+    for name, lines in tables.items():
+        text = "".join("\t".join(line) + "\n" for line in lines)
+        (folder / name).write_text(text, encoding="utf-8")
+    return True
+
+
+def print_all(options, collection, scratch):
+    """Prints a line for each program and way to ask."""
+    folder = scratch / "documents"
+    folder.mkdir(parents=True)
+    for line in measure(os.path.abspath(options.kestan), collection, folder):
+        print(line, flush=True)
+    if options.host:
+        host = os.path.abspath(options.host)
+        print(measure_host("search library, default settings", host, collection,
+                           scratch / "host.index"), flush=True)
+    if options.peers:
+        print(measure_fts5(collection), flush=True)
+        if options.host:
+            xapian = os.path.join(os.path.dirname(host), "xapian_quality_host")
+            print(measure_host("Xapian, English stemmer, stop words left out", xapian, collection,
+                               scratch / "xapian"), flush=True)
 
 
 def main():
@@ -133,19 +224,19 @@ def main():
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("kestan", help="the command")
     parser.add_argument("--host", help="the program that asks the search library")
+    parser.add_argument("--peers", action="store_true", help="ask other engines too")
+    parser.add_argument("--untitled", action="store_true",
+                        help="take the titles of known items out of the texts")
     parser.add_argument("collections", nargs="+", type=pathlib.Path)
     options = parser.parse_args()
-    kestan = os.path.abspath(options.kestan)
-    print(f"{'collection':10}  {'asked':42}  {'MAP':6}  {'P@10':6}  {'ms':>5}")
+    print(f"{'collection':20}  {'asked':42}  {'MAP':6}  {'P@10':6}  {'MRR':6}  {'ms':>5}")
     for collection in options.collections:
         with tempfile.TemporaryDirectory() as scratch:
-            folder = pathlib.Path(scratch) / "documents"
-            folder.mkdir()
-            for line in measure(kestan, collection, folder):
-                print(line, flush=True)
-            if options.host:
-                host = os.path.abspath(options.host)
-                print(measure_host(host, collection, pathlib.Path(scratch)), flush=True)
+            scratch = pathlib.Path(scratch)
+            print_all(options, collection, scratch / "judged")
+            known = scratch / (KNOWN + collection.name)
+            if make_known_items(collection, known, options.untitled):
+                print_all(options, known, scratch / "known")
 
 
 if __name__ == "__main__":
