@@ -7,6 +7,7 @@
 
 #include "search/index/missing_words.h"
 #include "search/matching/explain.h"
+#include "search/query/foreign_syntax.h"
 #include "search/query/query_parser.h"
 
 namespace kestan::search {
@@ -157,7 +158,11 @@ class Question {
 }  // namespace
 
 Result<Answer> Ask(std::string_view text, const Snapshot& snapshot, const SearchOptions& options) {
-  return Question(text, snapshot, options).Ask();
+  auto answer = Question(text, snapshot, options).Ask();
+  if (!answer.ok()) return answer;
+  std::vector<std::string> notes = NotesOnForeignSyntax(text);
+  answer->notes.insert(answer->notes.begin(), notes.begin(), notes.end());
+  return answer;
 }
 
 Result<std::vector<ScoredDocuments>> AllAnswers(std::string_view text, const Snapshot& snapshot,

@@ -68,6 +68,13 @@ TEST_F(AskTest, StopWordsCountOnlyWhereNothingElseIsLeft) {
   EXPECT_EQ(Names("over a"), "all ");
 }
 
+TEST_F(AskTest, SyntaxOfOtherToolsIsNotedFirst) {
+  EXPECT_EQ(Notes("wing | flow"), Lines{"'|': | is no operator; write OR"});
+  EXPECT_EQ(Notes("wing | sand"),
+            (Lines{"'|': | is no operator; write OR",
+                   "no document has all of these words; these have some of them"}));
+}
+
 TEST_F(AskTest, LongQuestionsFindAllWordsFirstAndThenSome) {
   EXPECT_EQ(Names("what is the flow in a boundary layer over the wing"), "all forms few name ");
   EXPECT_EQ(Notes("what is the flow in a boundary layer over the wing"),

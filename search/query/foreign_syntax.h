@@ -1,0 +1,18 @@
+// What people write in queries because another tool reads it.
+#ifndef KESTAN_SEARCH_QUERY_FOREIGN_SYNTAX_H_
+#define KESTAN_SEARCH_QUERY_FOREIGN_SYNTAX_H_
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kestan::search {
+
+// Returns a sentence for each sign of `text` that means something elsewhere and nothing in our
+// language, with what to write instead: NEAR without a number; | & ! and + as operators; * and ? at
+// the start of a word or within. Each sentence comes once. What stands in quotes is text.
+std::vector<std::string> NotesOnForeignSyntax(std::string_view text);
+
+}  // namespace kestan::search
+
+#endif  // KESTAN_SEARCH_QUERY_FOREIGN_SYNTAX_H_
