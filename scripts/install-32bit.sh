@@ -6,9 +6,12 @@ cd "$(dirname "$0")/.."
 
 packages=(libgdbm6 libgdbm-dev libgtest-dev libgmock-dev librapidcheck-dev
   libicu72 libicu-dev libstemmer0d libstemmer-dev libxml2 libxml2-dev libxxhash0 libxxhash-dev
-  libarchive13 libarchive-dev)
+  libarchive13 libarchive-dev libgmime-3.0-0 libgmime-3.0-dev libglib2.0-0 libglib2.0-dev)
 # What libxml2 and libarchive are linked with beside ICU.
 packages+=(liblzma5 zlib1g libacl1 libbz2-1.0 liblz4-1 libnettle8 libzstd1)
+# What gmime is linked with.
+packages+=(libassuan0 libblkid1 libffi8 libgpg-error0 libgpgme11 libidn2-0 libmount1 libpcre2-8-0
+  libselinux1 libunistring2)
 
 # Complete is what was unpacked from this very list.
 root=$PWD/build/32bit-root

@@ -11,6 +11,7 @@
 #include "cli/extract/html/html.h"
 #include "cli/extract/mail/mail_name.h"
 #include "cli/extract/mail/mail_text.h"
+#include "cli/extract/office/office.h"
 #include "cli/extract/roff/roff.h"
 #include "cli/files/skip.h"
 #include "cli/files/stable_file.h"
@@ -20,8 +21,8 @@ namespace kestan_cli {
 namespace {
 
 // Reads on from the first `piece` to the end.
-std::string ReadText(StableFile& file, std::string_view piece, std::uint64_t max_bytes) {
-  const bool may_have_nul = StartsAsUtf16(piece);
+std::string ReadText(StableFile& file, std::string_view piece, std::uint64_t max_bytes,
+                     bool may_have_nul) {
   std::string bytes;
   do {
     if (!may_have_nul && piece.find('\0') != std::string_view::npos) {
@@ -33,6 +34,10 @@ std::string ReadText(StableFile& file, std::string_view piece, std::uint64_t max
     bytes += piece;
   } while (file.Read(&piece));
   return bytes;
+}
+
+bool MayHaveNul(const LoadedFile& file, std::string_view start) {
+  return StartsAsUtf16(start) || FormatOf(file.inner_name, start) == Format::kOffice;
 }
 
 // Unpacks a file, of which `first` has been read.
@@ -94,7 +99,7 @@ bool UnpackFile(const PieceSource& source, const Converters& converters, std::ui
       file->converter = converters.Find(file->inner_name, piece);
     }
     const bool may_have_nul = file->converter != nullptr ||
-                              StartsAsUtf16(before.empty() ? piece : std::string_view(before));
+                              MayHaveNul(*file, before.empty() ? piece : std::string_view(before));
     if (!may_have_nul && piece.find('\0') != std::string_view::npos) {
       throw SkipFile(SkipKind::kBinary, "binary file");
     }
@@ -118,7 +123,7 @@ LoadedFile LoadFile(const std::string& name, const ReadingRules& rules) {
   if (IsPacked(loaded)) {
     Unpack(file, piece, rules, &loaded);
   } else if (loaded.converter == nullptr) {
-    loaded.bytes = ReadText(file, piece, rules.max_bytes);
+    loaded.bytes = ReadText(file, piece, rules.max_bytes, MayHaveNul(loaded, piece));
   }
   while (file.Read(&piece)) {
   }
@@ -177,6 +182,10 @@ FileText TextOf(LoadedFile file) {
     return text;
   }
   const Format format = FormatOf(file.inner_name, file.head.unpacked);
+  if (format == Format::kOffice) {
+    text.text = TextOfOffice(file.inner_name, file.bytes, kMaxTextBytes / 4);
+    return text;
+  }
   if (format == Format::kHtml) file.bytes = TextOfHtml(file.bytes);
   if (format == Format::kMarkdown) text.title_rule = TitleRule::kMarkdown;
   text.text = Decoded(std::move(file.bytes), "binary file");

@@ -192,7 +192,8 @@ void IndexedTextReader::Load(const Converters& converters, LoadedFile* file, boo
   ChooseReading(converters, file);
   const Format format = FormatOf(file->inner_name, file->head.packed);
   const bool has_markup = format == Format::kHtml || format == Format::kMail;
-  const std::size_t max_bytes = has_markup ? kMaxShownPage : kMaxShownText;
+  std::size_t max_bytes = has_markup ? kMaxShownPage : kMaxShownText;
+  if (format == Format::kOffice) max_bytes = kMaxShownMessage;  // the end of it says what is in it
   if (IsPacked(*file)) {
     *is_cut = UnpackStart(opened.get(), converters, max_bytes, file);
   } else if (file->converter == nullptr) {

@@ -3,6 +3,7 @@
 #include <cstddef>
 
 #include "cli/extract/mail/mail_name.h"
+#include "cli/extract/office/office.h"
 #include "cli/extract/packed/compressed_name.h"
 #include "cli/extract/roff/roff.h"
 #include "cli/files/fingerprint.h"
@@ -20,6 +21,8 @@ std::string FormatName(Format format) {
       return "roff";
     case Format::kMail:
       return "mail";
+    case Format::kOffice:
+      return "office";
     case Format::kText:
       break;
   }
@@ -50,6 +53,7 @@ Format FormatOf(const std::string& name, std::string_view head) {
   if (extension == "md" || extension == "markdown") return Format::kMarkdown;
   if (IsRoff(name, head)) return Format::kRoff;
   if (IsMail(name, head)) return Format::kMail;
+  if (IsOffice(name, head)) return Format::kOffice;
   return Format::kText;
 }
 

@@ -11,7 +11,7 @@
 
 namespace kestan_cli {
 
-enum class Format { kText, kMarkdown, kHtml, kRoff, kMail };
+enum class Format { kText, kMarkdown, kHtml, kRoff, kMail, kOffice };
 
 // Returns the format of a text that begins with `head`: that for which the extension of `name`
 // stands.

@@ -3,28 +3,10 @@
 #include <archive.h>
 #include <archive_entry.h>
 
-#include <cerrno>
-#include <cstdio>
-#include <memory>
+#include "cli/readers/archive_problem.h"
 
 namespace kestan_cli {
 namespace {
-
-struct FreeArchive {
-  void operator()(archive* opened) const { archive_read_free(opened); }
-};
-using OwnedArchive = std::unique_ptr<archive, FreeArchive>;
-
-ReadStatus Refuse(const char* reason, ReadProblem* problem) {
-  std::snprintf(problem->text, sizeof problem->text, "%s", reason);
-  return ReadStatus::kUnread;
-}
-
-ReadStatus StatusOfError(archive* opened, ReadProblem* problem) {
-  if (archive_errno(opened) == ENOMEM) return ReadStatus::kNoMemory;
-  const char* const reason = archive_error_string(opened);
-  return Refuse(reason != nullptr ? reason : "broken", problem);
-}
 
 // Has `opened` read what the four programs write. Where libarchive was built without one of them it
 // would start the program.

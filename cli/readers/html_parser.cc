@@ -69,6 +69,10 @@ struct FreeParser {
   void operator()(htmlParserCtxt* parser) const { htmlFreeParserCtxt(parser); }
 };
 
+struct FreeXmlParser {
+  void operator()(xmlParserCtxt* parser) const { xmlFreeParserCtxt(parser); }
+};
+
 void SayNothing(void* /*context*/, const char* /*format*/, ...) {}  // NOLINT(cert-dcl50-cpp)
 
 // Catches the errors of libxml2, which would go to the standard error stream. Broken markup is not
@@ -114,6 +118,22 @@ ReadStatus ParseHtml(const char* bytes, std::size_t size, const HtmlEvents& even
       htmlCtxtReadMemory(parser.get(), bytes, static_cast<int>(size), nullptr, "UTF-8", options);
   xmlFreeDoc(tree);  // null: the handler builds none
   return errors.is_broken() || !page.is_whole ? ReadStatus::kUnread : ReadStatus::kRead;
+}
+
+ReadStatus ParseXml(const char* bytes, std::size_t size, const HtmlEvents& events) noexcept {
+  if (size > std::numeric_limits<int>::max()) return ReadStatus::kUnread;
+  Page page{events};
+  const ParserErrors errors;
+  const std::unique_ptr<xmlParserCtxt, FreeXmlParser> parser(
+      ParserMemory::IsReady() ? xmlNewParserCtxt() : nullptr);
+  if (parser == nullptr) return ReadStatus::kUnread;
+  *parser->sax = Handler();
+  parser->userData = &page;
+  xmlDocPtr tree = xmlCtxtReadMemory(parser.get(), bytes, static_cast<int>(size), nullptr, nullptr,
+                                     XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING);
+  xmlFreeDoc(tree);  // null: the handler builds none
+  return errors.is_broken() || !page.is_whole || parser->wellFormed == 0 ? ReadStatus::kUnread
+                                                                         : ReadStatus::kRead;
 }
 
 }  // namespace kestan_cli

@@ -1,4 +1,4 @@
-// Parses HTML with libxml2.
+// Parses HTML and XML with libxml2.
 #ifndef KESTAN_CLI_READERS_HTML_PARSER_H_
 #define KESTAN_CLI_READERS_HTML_PARSER_H_
 
@@ -13,6 +13,9 @@ void UseParserMemory(Reallocate reallocate) noexcept;
 
 // As Readers::parse_html. Without UseParserMemory it fails.
 ReadStatus ParseHtml(const char* bytes, std::size_t size, const HtmlEvents& events) noexcept;
+
+// As Readers::parse_xml. Without UseParserMemory it fails.
+ReadStatus ParseXml(const char* bytes, std::size_t size, const HtmlEvents& events) noexcept;
 
 }  // namespace kestan_cli
 

@@ -54,6 +54,16 @@ struct HtmlEvents {
   void (*text)(void* context, const char* bytes, std::size_t size) noexcept;
 };
 
+// Receives the members of an archive, one after the other.
+struct MemberEvents {
+  void* context;  // for the functions
+  // Returns whether the bytes of the member are wanted. The name may be anything.
+  bool (*member)(void* context, const char* name) noexcept;
+  // Receives the next bytes of the last member that was wanted.
+  //   Returns  false if nothing more is wanted.
+  bool (*bytes)(void* context, const char* bytes, std::size_t size) noexcept;
+};
+
 enum class CharsetKind {
   kUnusable,  // unknown to ICU, or ASCII bytes do not stand for themselves
   kPlain,     // ASCII bytes stand for themselves, wherever they are
@@ -88,6 +98,17 @@ struct Readers {
   //            `source` ends early: then `problem` says why.
   ReadStatus (*decompress)(const ByteSource& source, const ByteSink& sink, int max_layers,
                            ReadProblem* problem) noexcept;
+
+  // Reads an archive of zip.
+  //   Returns  kRead at the end, and where no more is wanted; kUnread if it is broken: then
+  //            `problem` says why.
+  ReadStatus (*read_zip)(const char* bytes, std::size_t size, const MemberEvents& events,
+                         ReadProblem* problem) noexcept;
+
+  // Parses XML in the encoding that it declares. Names of elements are as they stand there, with
+  // their prefixes. References to entities that the document defines give nothing.
+  //   Returns  kUnread if it is not well-formed or nested too deeply: events may be missing.
+  ReadStatus (*parse_xml)(const char* bytes, std::size_t size, const HtmlEvents& events) noexcept;
 };
 
 // The one function that the module exports: its name and its type never change.

@@ -25,8 +25,6 @@ struct KnownConverter {
 constexpr std::array kKnown{
     KnownConverter{"pdf", "%PDF-", "pdftotext -q -enc UTF-8 {} -"},
     KnownConverter{"ps", "%!", "ps2ascii {}"},
-    KnownConverter{"docx", "PK\x03\x04", "docx2txt {} -"},
-    KnownConverter{"odt", "PK\x03\x04", "odt2txt {}"},
     KnownConverter{"doc", "\xd0\xcf\x11\xe0", "antiword -m UTF-8.txt {}"},
     KnownConverter{"rtf", "{\\rtf", "unrtf --text --nopict --quiet {}"},
     KnownConverter{"djvu", "AT&TFORM", "djvutxt {}"},

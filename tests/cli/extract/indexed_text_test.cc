@@ -300,6 +300,17 @@ TEST_F(IndexedTextReaderTest, CompressedFileIsUnpacked) {
   EXPECT_LE(text->size(), kMaxShownText);
 }
 
+TEST_F(IndexedTextReaderTest, OfficeDocumentIsReadWhole) {
+  const std::string zip = kestan_tests::Archive(
+      "zip", "none",
+      {{"picture", std::string(1 << 20, 'x')}, {"content.xml", "<text:p>text</text:p>"}});
+  EXPECT_EQ(ReadNew("a.odt", zip), "text\n\n");
+}
+
+TEST_F(IndexedTextReaderTest, MailIsRead) {
+  EXPECT_EQ(ReadNew("a.eml", "Subject: One\n\nTwo\n"), "One\nTwo\n");
+}
+
 TEST_F(IndexedTextReaderTest, ConverterReadsWhatWasUnpacked) {
   Write("a.cat.gz", kestan_tests::Packed("text"));
   DocumentRecords records = RecordsOf("a.cat.gz", kOtherReading);
