@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "cli/extract/charset/decode.h"
+#include "cli/extract/charset/unmarked.h"
 #include "cli/extract/html/html.h"
 #include "cli/extract/mail/mail_name.h"
 #include "cli/extract/mail/mail_text.h"
@@ -37,7 +38,8 @@ std::string ReadText(StableFile& file, std::string_view piece, std::uint64_t max
 }
 
 bool MayHaveNul(const LoadedFile& file, std::string_view start) {
-  return StartsAsUtf16(start) || FormatOf(file.inner_name, start) == Format::kOffice;
+  return StartsAsUtf16(start) || !MissingUtf16Mark(start.substr(0, kHeadBytes)).empty() ||
+         FormatOf(file.inner_name, start) == Format::kOffice;
 }
 
 // Unpacks a file, of which `first` has been read.
@@ -61,8 +63,8 @@ void CheckUnchanged(const LoadedFile& file) {
   throw SkipFile(SkipKind::kChanging, "changed while it was converted");
 }
 
-std::string Decoded(std::string bytes, const std::string& reason_if_binary) {
-  std::optional<std::string> text = DecodedText(std::move(bytes));
+std::string Decoded(std::string bytes, const std::string& reason_if_binary, std::string* note) {
+  std::optional<std::string> text = DecodedText(std::move(bytes), note);
   if (!text.has_value()) throw SkipFile(SkipKind::kBinary, reason_if_binary);
   return std::move(*text);
 }
@@ -74,8 +76,9 @@ bool IsMessage(const LoadedFile& file) {
 }
 
 std::string TextOfHtml(const std::string& bytes) {
-  const HtmlPage page =
-      StartsAsUtf16(bytes) ? ReadUtf8Html(Decoded(bytes, "binary file")) : ReadHtml(bytes);
+  std::string ignored;
+  const HtmlPage page = StartsAsUtf16(bytes) ? ReadUtf8Html(Decoded(bytes, "binary file", &ignored))
+                                             : ReadHtml(bytes);
   return page.title.empty() ? page.text : page.title + "\n" + page.text;
 }
 
@@ -169,26 +172,29 @@ void ConvertFile(LoadedFile* file, const CommandLimits& limits) {
 
 FileText TextOf(LoadedFile file) {
   FileText text;
+  const Format format = FormatOf(file.inner_name, file.head.unpacked);
   if (IsMessage(file)) {
     MailText mail = ReadMail(file.bytes);
     return {std::move(mail.text), TitleRule::kFirstLine, std::move(mail.note),
             std::move(mail.facts)};
   }
+  if (file.converter == nullptr && format != Format::kOffice) {
+    file.bytes.insert(0, MissingUtf16Mark(file.head.unpacked));
+  }
   if (IsBrokenUtf16(file.bytes)) {
     text.note = "its UTF-16 has half a character too much or too little";
   }
   if (file.converter != nullptr) {
-    text.text = Decoded(std::move(file.bytes), "binary after conversion");
+    text.text = Decoded(std::move(file.bytes), "binary after conversion", &text.note);
     return text;
   }
-  const Format format = FormatOf(file.inner_name, file.head.unpacked);
   if (format == Format::kOffice) {
     text.text = TextOfOffice(file.inner_name, file.bytes, kMaxTextBytes / 4);
     return text;
   }
   if (format == Format::kHtml) file.bytes = TextOfHtml(file.bytes);
   if (format == Format::kMarkdown) text.title_rule = TitleRule::kMarkdown;
-  text.text = Decoded(std::move(file.bytes), "binary file");
+  text.text = Decoded(std::move(file.bytes), "binary file", &text.note);
   if (format == Format::kRoff) text.text = TextOfRoff(text.text);
   return text;
 }

@@ -71,6 +71,12 @@ enum class CharsetKind {
   kNoMemory,
 };
 
+// What a text seems to be written in.
+struct CharsetGuess {
+  char name[40];   // NOLINT(modernize-avoid-c-arrays): as ICU calls it
+  int confidence;  // of 100
+};
+
 struct Readers {
   // Tells the build: the first member in every version, so that it can be read before the others
   // are known to be there.
@@ -87,6 +93,10 @@ struct Readers {
   //   Returns  kUnread if ICU does not know the name; kNoMemory with part of the text in the sink.
   ReadStatus (*decode_charset)(const char* name, const char* bytes, std::size_t size,
                                const Utf16Sink& sink, bool* is_faulty) noexcept;
+
+  // Guesses the character set of a text.
+  //   Returns  kUnread if nothing can be said.
+  ReadStatus (*guess_charset)(const char* bytes, std::size_t size, CharsetGuess* guess) noexcept;
 
   // Parses a page in UTF-8, whatever encoding it declares and however broken its markup is.
   //   Returns  kUnread if events may be missing.

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "cli/extract/charset/latin1.h"
+#include "cli/extract/charset/unmarked.h"
 
 namespace kestan_cli {
 namespace {
@@ -67,14 +68,17 @@ bool StartsAsUtf16(std::string_view bytes) {
 
 bool IsBrokenUtf16(std::string_view bytes) { return StartsAsUtf16(bytes) && bytes.size() % 2 != 0; }
 
-std::optional<std::string> DecodedText(std::string bytes) {
+std::optional<std::string> DecodedText(std::string bytes, std::string* note) {
+  bool is_marked = true;
   if (StartsAsUtf16(bytes)) {
     bytes = FromUtf16(bytes);
   } else if (bytes.compare(0, kUtf8Mark.size(), kUtf8Mark) == 0) {
     bytes.erase(0, kUtf8Mark.size());
+  } else {
+    is_marked = false;
   }
   if (bytes.find('\0') != std::string::npos) return std::nullopt;
-  return Utf8OrLatin1(std::move(bytes));
+  return is_marked ? Utf8OrLatin1(std::move(bytes)) : FromUnmarked(std::move(bytes), note);
 }
 
 }  // namespace kestan_cli

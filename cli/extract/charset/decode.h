@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace kestan_cli {
 
@@ -15,10 +16,15 @@ bool StartsAsUtf16(std::string_view bytes);
 // all the text after it.
 bool IsBrokenUtf16(std::string_view bytes);
 
-// Decodes `bytes`: as UTF-16 if they begin with its byte order mark, else as Utf8OrLatin1 does.
+// Decodes `bytes`: as UTF-16 if they begin with its byte order mark, as UTF-8 with Latin-1 in it if
+// they begin with that of UTF-8, else as FromUnmarked does.
 //   Returns  the text in UTF-8, without a byte order mark; nothing if it holds a NUL, which
-//            no text does.
-std::optional<std::string> DecodedText(std::string bytes);
+//            no text does. `*note` is set as FromUnmarked() does.
+std::optional<std::string> DecodedText(std::string bytes, std::string* note);
+inline std::optional<std::string> DecodedText(std::string bytes) {
+  std::string note;
+  return DecodedText(std::move(bytes), &note);
+}
 
 }  // namespace kestan_cli
 

@@ -20,14 +20,16 @@ struct KnownConverter {
   const char* extension;
   const char* magic;
   const char* command;
+  const char* package;
 };
 
 constexpr std::array kKnown{
-    KnownConverter{"pdf", "%PDF-", "pdftotext -q -enc UTF-8 {} -"},
-    KnownConverter{"ps", "%!", "ps2ascii {}"},
-    KnownConverter{"doc", "\xd0\xcf\x11\xe0", "antiword -m UTF-8.txt {}"},
-    KnownConverter{"rtf", "{\\rtf", "unrtf --text --nopict --quiet {}"},
-    KnownConverter{"djvu", "AT&TFORM", "djvutxt {}"},
+    KnownConverter{"pdf", "%PDF-", "pdftotext -q -enc UTF-8 {} -", "poppler-utils"},
+    KnownConverter{"ps", "%!", "ps2ascii {}", "ghostscript"},
+    KnownConverter{"doc", "\xd0\xcf\x11\xe0", "antiword -m UTF-8.txt {}", "antiword"},
+    KnownConverter{"doc", "\xd0\xcf\x11\xe0", "catdoc -d utf-8 {}", "catdoc"},
+    KnownConverter{"rtf", "{\\rtf", "unrtf --text --nopict --quiet {}", "unrtf"},
+    KnownConverter{"djvu", "AT&TFORM", "djvutxt {}", "djvulibre-bin"},
 };
 
 // Splits at blanks. Quotes mean nothing, for there is no shell.
@@ -99,7 +101,7 @@ Converters::Converters(const std::vector<std::string>& given) {
     converters_.push_back(ParseConverter(*text));
   }
   for (const KnownConverter& known : kKnown) {
-    converters_.push_back({known.extension, known.magic, WordsOf(known.command)});
+    converters_.push_back({known.extension, known.magic, WordsOf(known.command), known.package});
   }
 }
 
@@ -110,13 +112,18 @@ const Converters& Converters::BuiltIn() {
 
 const Converter* Converters::Find(std::string_view name, std::string_view head) const {
   const std::string extension = ExtensionOf(name);
+  const Converter* missing = nullptr;
   for (const Converter& converter : converters_) {
-    if (converter.extension != extension) continue;
-    if (head.substr(0, kHeadBytes).find(converter.magic) != std::string_view::npos) {
-      return &converter;
-    }
+    const bool is_for_it =
+        converter.extension == extension &&
+        head.substr(0, kHeadBytes).find(converter.magic) != std::string_view::npos;
+    if (!is_for_it) continue;
+    // The user's own is never passed over.
+    const bool is_missing = !converter.package.empty() && FindProgram(converter.command[0]).empty();
+    if (!is_missing) return &converter;
+    if (missing == nullptr) missing = &converter;
   }
-  return nullptr;
+  return missing;
 }
 
 bool Converters::MayConvert(std::string_view name) const {
@@ -130,8 +137,9 @@ std::string Convert(const Converter& converter, const std::string& name,
   const std::string& program = converter.command.front();
   const std::string path = FindProgram(program);
   if (path.empty()) {
+    const std::string remedy = converter.package.empty() ? "" : "; install " + converter.package;
     throw SkipFile(SkipKind::kNoConverter, "no converter for ." + converter.extension + " (" +
-                                               OneLine(program) + " is missing)");
+                                               OneLine(program) + " is missing" + remedy + ")");
   }
   std::vector<std::string> arguments;
   for (const std::string& word : converter.command) arguments.push_back(WithName(word, name));

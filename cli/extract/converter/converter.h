@@ -17,6 +17,7 @@ struct Converter {
   // format, whatever its name says. Empty for any file.
   std::string magic;
   std::vector<std::string> command;  // the program and its arguments; {} stands for the file
+  std::string package{};             // of Debian, that has the program; empty for one of the user's
 };
 
 constexpr std::size_t kHeadBytes = 1024;

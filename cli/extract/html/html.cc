@@ -14,6 +14,7 @@
 #include "cli/extract/charset/charset.h"
 #include "cli/extract/charset/declared_charset.h"
 #include "cli/extract/charset/latin1.h"
+#include "cli/extract/charset/unmarked.h"
 #include "cli/extract/document/document.h"
 #include "cli/extract/html/html_repair.h"
 #include "cli/extract/module/loaded_readers.h"
@@ -123,7 +124,9 @@ std::string Decoded(std::string_view bytes) {
     std::optional<std::string> text = FromCharset(charset, bytes);
     if (text.has_value()) return std::move(*text);
   }
-  return Utf8OrLatin1(std::string(bytes));
+  if (!DeclaredCharsets(bytes).empty()) return Utf8OrLatin1(std::string(bytes));
+  std::string ignored;  // a page without a declaration is most often Latin-1
+  return FromUnmarked(std::string(bytes), &ignored);
 }
 
 // Parses `html`, which is UTF-8 whatever it declares.

@@ -8,6 +8,7 @@
 #include "cli/extract/charset/charset.h"
 #include "cli/extract/charset/decode.h"
 #include "cli/extract/charset/latin1.h"
+#include "cli/extract/charset/unmarked.h"
 
 namespace kestan_cli {
 namespace {
@@ -108,7 +109,8 @@ std::string FromMailCharset(std::string_view charset, std::string bytes) {
     if (IsLatin1Label(charset)) return Utf8OrLatin1(std::move(bytes));
     if (std::optional<std::string> text = FromCharset(charset, bytes)) return std::move(*text);
   }
-  return Utf8OrLatin1(std::move(bytes));
+  std::string ignored;
+  return FromUnmarked(std::move(bytes), &ignored);
 }
 
 std::string DecodedHeader(std::string_view raw) {

@@ -84,6 +84,12 @@ TEST_F(FileTextTest, Utf16OfAnOddLengthIsReadAsFarAsItGoesWithANote) {
   }
 }
 
+TEST_F(FileTextTest, Utf16NeedsNoMark) {
+  EXPECT_EQ(Read("a.txt", "z\0\xfc\0r\0"s).text, "z\u00fcr");
+  EXPECT_EQ(Read("b.txt", "\0z\0\xfc\0r"s).text, "z\u00fcr");
+  EXPECT_EQ(Read("a.html", "<\0p\0>\0\xfc\0"s).text, "\u00fc\n");
+}
+
 TEST_F(FileTextTest, BinaryFilesAreSkippedInEveryFormat) {
   EXPECT_EQ(Read("a", "text\0"s).words, "binary: binary file");
   EXPECT_EQ(Read("a.html", "<p>text\0"s).words, "binary: binary file");

@@ -117,5 +117,29 @@ TEST_F(ConvertTest, FileThatCannotBeRunIsReported) {
             "conversion: " + Path("tool") + " could not be started");
 }
 
+TEST(KnownConvertersTest, ReportNamesThePackageToInstall) {
+  const Converter* const converter = Converters::BuiltIn().Find("a.pdf", "%PDF-1.7");
+  ASSERT_NE(converter, nullptr);
+  setenv("PATH", "/nowhere", 1);
+  try {
+    Convert(*converter, "a.pdf", {});
+    ADD_FAILURE() << "it was converted";
+  } catch (const SkipFile& skip) {
+    EXPECT_STREQ(skip.what(),
+                 "no converter for .pdf (pdftotext is missing; install poppler-utils)");
+  }
+}
+
+TEST(KnownConvertersTest, FirstProgramThatIsThereIsTaken) {
+  const kestan_tests::TempDir folder;
+  const std::string head = "\xd0\xcf\x11\xe0";
+  setenv("PATH", (folder / "").c_str(), 1);
+  EXPECT_EQ(Converters({}).Find("a.doc", head)->command[0], "antiword");
+  kestan_tests::WriteFile(folder / "catdoc", "#!/bin/sh\n");
+  ASSERT_EQ(chmod((folder / "catdoc").c_str(), 0755), 0);
+  EXPECT_EQ(Converters({}).Find("a.doc", head)->command[0], "catdoc");
+  EXPECT_EQ(Converters({"doc=mine {}"}).Find("a.doc", head)->command[0], "mine");
+}
+
 }  // namespace
 }  // namespace kestan_cli

@@ -2,7 +2,7 @@
 #include "cli/readers/readers.h"
 
 extern "C" const kestan_cli::Readers* KestanReaders() noexcept {
-  static constexpr kestan_cli::Readers kReaders{"0.0.0-other", nullptr, nullptr, nullptr,
+  static constexpr kestan_cli::Readers kReaders{"0.0.0-other", nullptr, nullptr, nullptr, nullptr,
                                                 nullptr,       nullptr, nullptr, nullptr};
   return &kReaders;
 }
