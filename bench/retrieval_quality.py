@@ -215,7 +215,7 @@ def print_all(options, collection, scratch):
         print(measure_fts5(collection), flush=True)
         if options.host:
             xapian = os.path.join(os.path.dirname(host), "xapian_quality_host")
-            print(measure_host("Xapian, English stemmer, stop words left out", xapian, collection,
+            print(measure_host("Xapian, English stemmer, stop words", xapian, collection,
                                scratch / "xapian"), flush=True)
 
 

@@ -32,7 +32,7 @@ struct RememberedRoot {
 struct IndexFacts {
   std::vector<Fact> counts;
   bool positions_kept = true;
-  std::string language;  // whose word forms are found, or "none"; only of folders
+  std::string language;     // whose word forms are found, or "none"; only of folders
   std::vector<Fact> sizes;  // in bytes
   std::vector<FrequencyRow> frequencies;
   bool is_folder = false;  // only folders remember roots
