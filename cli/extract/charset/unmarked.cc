@@ -90,7 +90,8 @@ std::string GuessedCharset(std::string_view bytes, std::string* note) {
 }  // namespace
 
 std::string MissingUtf16Mark(std::string_view head) {
-  head = head.substr(0, head.size() / 2 * 2);
+  constexpr std::size_t kLeastBytes = 6;  // fewer may be anything
+  if (head.size() < kLeastBytes || head.size() % 2 != 0) return "";
   bool has_nul[2] = {false, false};  // NOLINT(modernize-avoid-c-arrays)
   for (std::size_t at = 0; at < head.size(); ++at) {
     if (head[at] == '\0') has_nul[at % 2] = true;

@@ -77,7 +77,7 @@ TEST(UnmarkedTest, Utf16WithoutAMarkIsRecognised) {
 
 TEST(UnmarkedTest, OtherBytesAreNotUtf16) {
   for (const std::string& bytes :
-       {""s, "text"s, "<p>text\0"s,
+       {""s, "text"s, "<p>text\0"s, "a\0b"s, "a\0b\0"s, "a\0b\0c\0d"s,
         "\xff\xfe"
         "a\0"s,
         "\0"s, "\0\0"s, "a\0\0b"s, "a\0\1\0"s, "a\0\x00\xd8"s, "a\0\x01\xdc"s, "a\0\xff\xff"s,
