@@ -46,7 +46,7 @@ std::string NoteOnOperator(std::string_view word) {
     return Quoted(word) + ": | is no operator; write OR";
   }
   if (is_all('&')) return Quoted(word) + ": & is no operator; write AND, or nothing";
-  if (is_all('!') || (word[0] == '!' && starts_word)) {
+  if (word[0] == '!' && starts_word) {
     return Quoted(word) + ": ! is no operator; write NOT, or - before the word";
   }
   if (word[0] == '+' && starts_word) {

@@ -201,6 +201,7 @@ class TerminalControlsTest : public ScreenTest, public testing::WithParamInterfa
         {"--exclude", "*" + Orders() + ".txt"},
         {"--converter", "pdf=false {} " + Orders()},
         {"--stop-words", "english"},
+        {"--language", "german"},
         {"--limit", "1"},
         {"--at-least", "1"},
         {"--at-most", "9"}};

@@ -167,7 +167,7 @@ TEST_F(FileTextTest, BrokenCompressedFileIsUnreadable) {
 }
 
 TEST_F(FileTextTest, ConverterReadsWhatWasUnpacked) {
-  EXPECT_EQ(Read("a.cat.gz", Packed("One\nTwo")).words, "One Two ");
+  EXPECT_EQ(Read("a.cat.gz", Packed("One\nTwo")).words, "one two ");
   EXPECT_EQ(Read("a.not.gz", Packed("text")).words, "conversion: false ended with status 1");
 }
 
