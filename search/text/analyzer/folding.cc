@@ -2,6 +2,7 @@
 
 #include <unicode/utf16.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <new>
@@ -19,35 +20,44 @@ void Check(UErrorCode error) {
   if (U_FAILURE(error)) throw TransliterationError("ICU lacks the data to fold letters");
 }
 
-const UNormalizer2* CaseFolding() {
+using Instance = decltype(Icu::unorm2_getNFDInstance);
+
+const UNormalizer2* Normalizer(Instance instance) {
   UErrorCode error = U_ZERO_ERROR;
-  const UNormalizer2* const folding = LoadedIcu().unorm2_getNFKCCasefoldInstance(&error);
+  const UNormalizer2* const normalizer = instance(&error);
   Check(error);
-  return folding;
+  return normalizer;
 }
 
-std::u16string CaseFolded(const std::u16string& run) {
-  const UNormalizer2* const folding = CaseFolding();
-  std::u16string folded(run.size() + 16, u'\0');
+std::u16string Normalized(const UNormalizer2* normalizer, const std::u16string& run) {
+  std::u16string normalized(run.size() + 16, u'\0');
   const auto length_of = [](const std::u16string& text) {
     return static_cast<std::int32_t>(text.size());
   };
   for (;;) {
     UErrorCode error = U_ZERO_ERROR;
     const std::int32_t needed = LoadedIcu().unorm2_normalize(
-        folding, run.data(), length_of(run), folded.data(), length_of(folded), &error);
+        normalizer, run.data(), length_of(run), normalized.data(), length_of(normalized), &error);
     const bool fits = error != U_BUFFER_OVERFLOW_ERROR;
     if (fits) Check(error);
-    folded.resize(static_cast<std::size_t>(needed));
-    if (fits) return folded;
+    normalized.resize(static_cast<std::size_t>(needed));
+    if (fits) return normalized;
   }
+}
+
+// The iota under a Greek letter is an accent. Case folding would make a letter of it, at a place
+// that depends on the order in which the accents were written.
+std::u16string CaseFolded(const std::u16string& run) {
+  constexpr char16_t kIotaBelow = u'\u0345';
+  std::u16string parts = Normalized(Normalizer(LoadedIcu().unorm2_getNFDInstance), run);
+  parts.erase(std::remove(parts.begin(), parts.end(), kIotaBelow), parts.end());
+  return Normalized(Normalizer(LoadedIcu().unorm2_getNFKCCasefoldInstance), parts);
 }
 
 // Returns `letter` without its accents.
 char32_t WithoutAccents(char32_t letter) {
   UErrorCode error = U_ZERO_ERROR;
-  const UNormalizer2* const normalizer = LoadedIcu().unorm2_getNFDInstance(&error);
-  Check(error);
+  const UNormalizer2* const normalizer = Normalizer(LoadedIcu().unorm2_getNFDInstance);
   std::array<char16_t, 32> parts{};  // no decomposition is longer than 18
   const std::int32_t length =
       LoadedIcu().unorm2_getDecomposition(normalizer, static_cast<UChar32>(letter), parts.data(),

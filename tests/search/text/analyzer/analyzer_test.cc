@@ -270,6 +270,11 @@ std::string Decomposed(const std::string& utf8) {
   return decomposed;
 }
 
+TEST(AnalyzerTest, AnIotaBelowIsAnAccentWhereverItIsWritten) {
+  EXPECT_EQ(Stored("\u1fb3"), Stored("\u03b1"));
+  EXPECT_EQ(Stored("\u0e20\u0345\u05b4"), Stored("\u0e20\u05b4\u0345"));
+}
+
 RC_GTEST_PROP(AnalyzerTest, ComposedAndDecomposedTextsHaveTheSameWords, ()) {
   const std::string text = *AnyText();
   RC_PRE(IsUtf8(text));
