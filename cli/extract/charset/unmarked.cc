@@ -17,6 +17,7 @@ namespace kestan_cli {
 namespace {
 
 using kestan::search::FindNonUtf8;
+using kestan::search::IsUtf8;
 
 // Fewer bytes than these say nothing about a language.
 constexpr std::size_t kFewBytes = 8;
@@ -25,6 +26,8 @@ constexpr std::size_t kExaminedBytes = std::size_t{1} << 16;
 
 // Of 100: what ICU says of texts of a few lines in the right character set.
 constexpr int kLeastConfidence = 25;
+
+constexpr const char* kReadAsLatin1 = "its encoding is unknown, and it was read as Latin-1";
 
 bool IsTextUnit(unsigned unit) {
   if (unit < 0x20) return unit == '\t' || unit == '\n' || unit == '\r' || unit == '\f';
@@ -45,12 +48,14 @@ bool IsUtf16(std::string_view bytes, std::size_t low) {
   return true;
 }
 
-// Returns whether more than half of the units in `bytes` are two letters or signs of ASCII.
-bool IsMostlyAscii(std::string_view bytes) {
+// Returns whether more than half of the units in `bytes` are two letters or signs of ASCII. The low
+// byte of each is at `low`; the high one of Hiragana and Katakana is a zero in ASCII.
+bool IsMostlyAscii(std::string_view bytes, std::size_t low) {
   const auto is_ascii = [](char byte) { return byte >= ' ' && byte <= '~'; };
   std::size_t count = 0;
   for (std::size_t at = 0; at + 1 < bytes.size(); at += 2) {
-    if (is_ascii(bytes[at]) && is_ascii(bytes[at + 1])) ++count;
+    const char high_byte = bytes[at + 1 - low];
+    if (high_byte != '0' && is_ascii(high_byte) && is_ascii(bytes[at + low])) ++count;
   }
   return count > bytes.size() / 4;
 }
@@ -64,6 +69,31 @@ bool IsOtherThanUtf8(std::string_view bytes) {
     ++others;
   }
   return others >= kFewBytes && others > high / 2;
+}
+
+// Returns whether `bytes` switch to characters of two bytes, as ISO-2022 does in East Asia.
+bool HasShifts(std::string_view bytes) { return bytes.find("\x1b$") != std::string_view::npos; }
+
+// Returns whether `byte` is no letter, and no sign that stands beside letters, in Latin-1 as
+// Windows has it. In the character sets of DOS and of old Macs such bytes are letters.
+bool IsUnlikelyInWord(char byte) {
+  constexpr std::string_view kUnlikely =
+      "\x81\x82\x83\x84\x86\x87\x88\x89\x8b\x8d\x8e\x8f\x90\x98\x9b\x9d";
+  return kUnlikely.find(byte) != std::string_view::npos;
+}
+
+// Returns whether a quarter of the bytes that are no ASCII stand right after a small letter, where
+// Latin-1 would hardly have them.
+bool IsUnlikelyLatin1(std::string_view bytes) {
+  std::size_t high = 0;
+  std::size_t unlikely = 0;
+  char before = '\0';
+  for (const char byte : bytes) {
+    high += static_cast<unsigned char>(byte) >= 0x80 ? 1 : 0;
+    unlikely += before >= 'a' && before <= 'z' && IsUnlikelyInWord(byte) ? 1 : 0;
+    before = byte;
+  }
+  return unlikely > 0 && unlikely >= high / 4;
 }
 
 // Returns what ICU takes `bytes` for; "" for Latin-1, and where it is not sure: then `*note` says
@@ -81,7 +111,7 @@ std::string GuessedCharset(std::string_view bytes, std::string* note) {
   }
   const std::string charset = &guess.name[0];
   if (guess.confidence < kLeastConfidence) {
-    *note = "its encoding is unknown, and it was read as Latin-1";
+    *note = kReadAsLatin1;
     return "";
   }
   return IsLatin1Label(charset) ? "" : charset;
@@ -97,19 +127,20 @@ std::string MissingUtf16Mark(std::string_view head) {
     if (head[at] == '\0') has_nul[at % 2] = true;
   }
   const bool has_mark = head.substr(0, 2) == "\xff\xfe" || head.substr(0, 2) == "\xfe\xff";
-  if (has_mark || has_nul[0] == has_nul[1] || IsMostlyAscii(head)) return "";
+  if (has_mark || has_nul[0] == has_nul[1]) return "";
   const std::size_t low = has_nul[1] ? 0 : 1;
-  if (!IsUtf16(head, low)) return "";
+  if (IsMostlyAscii(head, low) || !IsUtf16(head, low)) return "";
   return low == 0 ? "\xff\xfe" : "\xfe\xff";
 }
 
 std::string FromUnmarked(std::string bytes, std::string* note) {
-  if (IsOtherThanUtf8(bytes)) {
+  if (IsOtherThanUtf8(bytes) || HasShifts(bytes)) {
     const std::string charset = GuessedCharset(bytes, note);
     if (!charset.empty()) {
       if (std::optional<std::string> text = FromCharset(charset, bytes)) return std::move(*text);
     }
   }
+  if (!IsUtf8(bytes) && IsUnlikelyLatin1(bytes)) *note = kReadAsLatin1;
   return Utf8OrLatin1(std::move(bytes));
 }
 

@@ -13,8 +13,9 @@ namespace kestan_cli {
 std::string MissingUtf16Mark(std::string_view head);
 
 // Decodes `bytes`, which have no byte order mark. UTF-8 stays; a few other bytes are Latin-1. Where
-// there are many, ICU guesses the character set, and `*note` is set if its guess is too uncertain
-// or it cannot be loaded: then they are taken as Latin-1 too. It is never cleared.
+// there are many, or escapes of ISO-2022, ICU guesses the character set. `*note` is set if its
+// guess is too uncertain, it cannot be loaded, or Latin-1 would hardly have the bytes where they
+// stand: then they are taken as Latin-1 all the same. It is never cleared.
 std::string FromUnmarked(std::string bytes, std::string* note);
 
 }  // namespace kestan_cli

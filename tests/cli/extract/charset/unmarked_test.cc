@@ -44,6 +44,23 @@ TEST(UnmarkedTest, FewOtherBytesAreLatin1) {
   EXPECT_EQ(Decoded("\xc4\xd6\xdc\xe4\xf6\xfc\xdf"), "\u00c4\u00d6\u00dc\u00e4\u00f6\u00fc\u00df");
 }
 
+TEST(UnmarkedTest, Iso2022IsRecognisedByItsEscapes) {
+  EXPECT_EQ(Decoded("\x1b$B8cGZ$OG-$G$\"$k\x1b(B\n"),
+            "\u543e\u8f29\u306f\u732b\u3067\u3042\u308b\n");
+  EXPECT_EQ(Decoded("costs \x1b[1m$5\x1b[0m"), "costs \x1b[1m$5\x1b[0m");
+}
+
+TEST(UnmarkedTest, LettersOfDosAndOldMacsAreReported) {
+  const std::string note = "its encoding is unknown, and it was read as Latin-1";
+  Decoded("je me suis couch\x82 de bonne heure", note);
+  Decoded("je me suis couch\x8e de bonne heure", note);
+}
+
+TEST(UnmarkedTest, SignsOfWindowsAreNotReported) {
+  EXPECT_EQ(Decoded("l\x92\xe9t\xe9\x85 \x93oui\x94 \x97 non"),
+            "l\u2019\u00e9t\u00e9\u2026 \u201coui\u201d \u2014 non");
+}
+
 TEST(UnmarkedTest, LongTextInLatin1StaysLatin1) {
   std::string bytes;
   std::string expected;
@@ -73,6 +90,7 @@ TEST(UnmarkedTest, Utf16WithoutAMarkIsRecognised) {
   EXPECT_EQ(MissingUtf16Mark("\0Z\0\xfc\0r\0\n"s), "\xfe\xff");
   EXPECT_EQ(MissingUtf16Mark("Z\0\x3d\xd8\x00\xde"s), "") << "a NUL on each side";
   EXPECT_EQ(MissingUtf16Mark("Z\0\x3d\xd8\x01\xde"s), "\xff\xfe");
+  EXPECT_EQ(MissingUtf16Mark("\x42\x30\x44\x30\x46\x30\n\0"s), "\xff\xfe") << "Hiragana";
 }
 
 TEST(UnmarkedTest, OtherBytesAreNotUtf16) {
