@@ -86,12 +86,13 @@ class RoffReader {
 
   std::string Title() const {
     if (!description_.empty()) return page_ + " - " + description_;
-    if (page_.empty() || name_.empty()) return page_ + name_;
+    if (page_.empty()) return is_called_name_ ? name_ : "";
+    if (name_.empty()) return page_;
     for (const std::string_view dash : {" - ", " \u2013 ", " \u2014 "}) {
       const std::size_t at = name_.find(dash);
       if (at != std::string::npos) return page_ + " - " + name_.substr(at + dash.size());
     }
-    return page_ + " - " + name_;
+    return is_called_name_ ? page_ + " - " + name_ : page_;
   }
 
   void AddText(std::string_view line) {
@@ -187,7 +188,7 @@ class RoffReader {
   void ReadMacro(std::string_view name, const Arguments& arguments) {
     if (name == "TH" || name == "Dt") return ReadHeading(arguments);
     if (name == "SH" || name == "Sh") {
-      in_name_ = name_.empty() && !arguments.empty() && LowerCase(Plain(arguments[0])) == "name";
+      if (!arguments.empty()) BeginSection(LowerCase(Plain(arguments[0])));
       return AddWords(arguments, " ", true);
     }
     if (name == "Nd") description_ = Joined(arguments, " ").substr(0, kMaxStringBytes);
@@ -202,6 +203,16 @@ class RoffReader {
       return AddMdoc(all);
     }
     AddWords(arguments);
+  }
+
+  // The name stands in the section NAME, which in other languages is the first one.
+  void BeginSection(const std::string& heading) {
+    const bool is_name = heading == "name";
+    in_name_ = is_name ? !is_called_name_ : !has_section_;
+    has_section_ = true;
+    if (!in_name_) return;
+    name_.clear();
+    is_called_name_ = is_name;
   }
 
   void ReadHeading(const Arguments& arguments) {
@@ -256,11 +267,13 @@ class RoffReader {
   bool else_is_true_ = true;
   bool in_table_ = false;
   bool in_table_format_ = false;
-  bool in_name_ = false;     // in the section NAME
-  std::string page_;         // "ls(1)"
-  std::string name_;         // "ls - list directory contents"
-  std::string mdoc_name_;    // "ls"
-  std::string description_;  // "list directory contents"
+  bool has_section_ = false;
+  bool in_name_ = false;         // in the section that has the name
+  bool is_called_name_ = false;  // that section is NAME
+  std::string page_;             // "ls(1)"
+  std::string name_;             // "ls - list directory contents"
+  std::string mdoc_name_;        // "ls"
+  std::string description_;      // "list directory contents"
 };
 
 // Returns whether `extension` is that of a section of the manual ("1", "3p", "1ssl"), or of roff.

@@ -37,7 +37,9 @@ TEST(MailboxTest, PiecesDoNotMatter) {
     EXPECT_EQ(messages[2].bytes, three) << piece;
     EXPECT_EQ(messages[2].number, 3u);
     for (const MailboxMessage& message : messages) {
-      EXPECT_EQ(box.substr(message.offset, message.bytes.size()), message.bytes) << piece;
+      EXPECT_EQ(box.substr(static_cast<std::size_t>(message.offset), message.bytes.size()),
+                message.bytes)
+          << piece;
     }
   }
 }

@@ -18,7 +18,18 @@ TEST(RoffTest, ManualPageInMdocHasThemToo) {
       "cat(1) - join files\nNAME\ncat\njoin files\nSYNOPSIS\ncat\n-a\nfile ...\n-b\nText\n");
 }
 
-TEST(RoffTest, TextWithoutHeadingHasNoTitle) { EXPECT_EQ(TextOfRoff(".PP\ntext"), "text\n"); }
+TEST(RoffTest, FirstSectionHasTheNameInOtherLanguages) {
+  EXPECT_EQ(TextOfRoff(".TH LS 1\n.SH NOMBRE\nls \\- lista\n.SH SINOPSIS\nls \\- no\n"),
+            "ls(1) - lista\nNOMBRE\nls - lista\nSINOPSIS\nls - no\n");
+  EXPECT_EQ(TextOfRoff(".TH LS 1\n.SH SYNOPSIS\nls\n"), "ls(1)\nSYNOPSIS\nls\n");
+  EXPECT_EQ(TextOfRoff(".TH LS 1\n.SH OTHER\na \\- b\n.SH NAME\nls \\- list\n"),
+            "ls(1) - list\nOTHER\na - b\nNAME\nls - list\n");
+}
+
+TEST(RoffTest, TextWithoutHeadingHasNoTitle) {
+  EXPECT_EQ(TextOfRoff(".PP\ntext"), "text\n");
+  EXPECT_EQ(TextOfRoff(".SH First\ntext"), "First\ntext\n");
+}
 
 TEST(RoffTest, DefinitionsAreNoText) {
   EXPECT_EQ(TextOfRoff(".de XX\nhidden\n..\n.de YY ZZ\nhidden\n..\n.ZZ\n.ig\nhidden\n..\ntext"),
