@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <string>
+#include <unordered_map>
 
 #include "search/text/letters.h"
 #include "search/text/utf8.h"
@@ -16,12 +18,13 @@ constexpr std::size_t kMostBytes = std::size_t{256} << 10;
 constexpr std::uint64_t kLeastFound = 5;
 constexpr std::uint64_t kLeastShare = 20;
 
-constexpr std::size_t kLongestFrequentWord = 24;  // in bytes; the longest has 21
-
 struct FrequentWords {
   std::string_view language;
   std::string_view words;  // each between blanks, as people write them, with small letters
 };
+
+// Languages, each a bit in the order of kFrequentWords.
+using LanguageSet = std::uint32_t;
 
 // The same number of words would not do: what counts is how much of a text they are. Languages that
 // are alike differ in some.
@@ -119,6 +122,24 @@ std::size_t IndexOf(std::string_view language) {
   return static_cast<std::size_t>(found - kFrequentWords.begin());
 }
 
+using LanguagesOfWords = std::unordered_map<std::string_view, LanguageSet>;
+
+const LanguagesOfWords& Languages() {
+  static const LanguagesOfWords languages = [] {
+    LanguagesOfWords sets;
+    for (std::size_t i = 0; i < kFrequentWords.size(); ++i) {
+      std::string_view words = kFrequentWords[i].words.substr(1);
+      while (!words.empty()) {
+        const std::size_t end = words.find(' ');
+        sets[words.substr(0, end)] |= LanguageSet{1} << i;
+        words.remove_prefix(end + 1);
+      }
+    }
+    return sets;
+  }();
+  return languages;
+}
+
 bool IsWordByte(char byte) { return IsAsciiLetter(byte) || !IsAscii(byte); }
 
 }  // namespace
@@ -139,11 +160,9 @@ void LanguageGuess::Add(std::string_view text) {
 
 void LanguageGuess::Count(std::string_view word) {
   ++words_;
-  if (word.size() > kLongestFrequentWord) return;
-  const std::string lower = " " + LowerCase(word) + " ";
-  for (std::size_t i = 0; i < kFrequentWords.size(); ++i) {
-    if (kFrequentWords[i].words.find(lower) != std::string_view::npos) ++found_[i];
-  }
+  const auto found = Languages().find(LowerCase(word));
+  if (found == Languages().end()) return;
+  for (std::size_t i = 0; i < kFrequentWords.size(); ++i) found_[i] += found->second >> i & 1;
 }
 
 const Language* LanguageGuess::Guess() const {

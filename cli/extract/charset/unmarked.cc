@@ -122,6 +122,7 @@ std::string GuessedCharset(std::string_view bytes, std::string* note) {
 std::string MissingUtf16Mark(std::string_view head) {
   constexpr std::size_t kLeastBytes = 6;  // fewer may be anything
   if (head.size() < kLeastBytes || head.size() % 2 != 0) return "";
+  if (head.find('\0') == std::string_view::npos) return "";
   bool has_nul[2] = {false, false};  // NOLINT(modernize-avoid-c-arrays)
   for (std::size_t at = 0; at < head.size(); ++at) {
     if (head[at] == '\0') has_nul[at % 2] = true;
@@ -134,13 +135,15 @@ std::string MissingUtf16Mark(std::string_view head) {
 }
 
 std::string FromUnmarked(std::string bytes, std::string* note) {
-  if (IsOtherThanUtf8(bytes) || HasShifts(bytes)) {
+  const bool is_utf8 = IsUtf8(bytes);
+  if (is_utf8 && !HasShifts(bytes)) return bytes;
+  if (is_utf8 || IsOtherThanUtf8(bytes)) {
     const std::string charset = GuessedCharset(bytes, note);
     if (!charset.empty()) {
       if (std::optional<std::string> text = FromCharset(charset, bytes)) return std::move(*text);
     }
   }
-  if (!IsUtf8(bytes) && IsUnlikelyLatin1(bytes)) *note = kReadAsLatin1;
+  if (!is_utf8 && IsUnlikelyLatin1(bytes)) *note = kReadAsLatin1;
   return Utf8OrLatin1(std::move(bytes));
 }
 
