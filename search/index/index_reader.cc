@@ -89,13 +89,13 @@ class IndexReader::Impl {
   }
 
   Result<Explanation> Explain(std::string_view query, const SearchOptions& options) const {
-    auto explanation = ExplainAnswer(query, snapshot_, options.words);
+    auto explanation = ExplainAnswer(query, snapshot_, options);
     if (explanation.ok()) MakeReadable(&*explanation);
     return explanation;
   }
 
   Result<std::uint64_t> Count(std::string_view query, const SearchOptions& options) const {
-    return CountAnswers(query, snapshot_, options.words);
+    return CountAnswers(query, snapshot_, options);
   }
 
   Result<std::vector<TermInfo>> Terms(std::string_view prefix, std::size_t limit) const {

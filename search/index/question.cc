@@ -1,6 +1,7 @@
 #include "search/index/question.h"
 
 #include <algorithm>
+#include <chrono>
 #include <optional>
 #include <set>
 #include <utility>
@@ -9,6 +10,7 @@
 #include "search/matching/explain.h"
 #include "search/query/foreign_syntax.h"
 #include "search/query/query_parser.h"
+#include "search/text/white_space.h"
 
 namespace kestan::search {
 namespace {
@@ -30,8 +32,29 @@ MaybeQuery Parsed(std::string_view text, DefaultOperator words, const Snapshot& 
   return ParseQuery(text, words, QuotesMean::kPhrase, snapshot.rules);
 }
 
+bool IsBlank(std::string_view text) {
+  return text.find_first_not_of(kWhiteSpace) == std::string_view::npos;
+}
+
+// The query that nothing fails: NOT, of an OR of nothing.
+Query AllDocuments() {
+  Query nothing;
+  nothing.kind = Query::Kind::kOr;
+  Query all;
+  all.kind = Query::Kind::kNot;
+  all.operands.push_back(std::move(nothing));
+  return all;
+}
+
+// The query for the documents that are to answer first.
+MaybeQuery ParsedAs(std::string_view text, const Snapshot& snapshot, const SearchOptions& options) {
+  if (options.filter && IsBlank(text)) return AllDocuments();
+  return Parsed(text, OperatorOf(options.words), snapshot);
+}
+
 // The query for documents that hold some of the words of `text`.
 MaybeQuery ParsedForSome(std::string_view text, const Snapshot& snapshot) {
+  if (IsBlank(text)) return AllDocuments();
   const bool is_question = IsQuestion(text, snapshot.rules);
   return Parsed(text, is_question ? DefaultOperator::kOrOfQuestion : DefaultOperator::kOr,
                 snapshot);
@@ -107,7 +130,7 @@ class Question {
       : text_(text), snapshot_(snapshot), options_(options) {}
 
   Result<Answer> Ask() {
-    query_ = Parsed(text_, OperatorOf(options_.words), snapshot_);
+    query_ = ParsedAs(text_, snapshot_, options_);
     if (!query_) {
       const bool has_digits = snapshot_.rules == TextRules::kAnalyzer;
       answer_.notes.emplace_back(has_digits ? "the query holds no letters or digits to search for"
@@ -142,10 +165,14 @@ class Question {
     if (*query_ == all) return {};
     Status status = Find(have_all > 0 ? Without(*query_, std::move(all)) : *query_);
     if (!status.ok() || answer_.found.total == have_all) return status;
-    answer_.notes.push_back(have_all > 0
-                                ? HowManyHaveAll(have_all)
-                                : "no document has all of these words; these have some of them");
+    answer_.notes.push_back(have_all > 0 ? HowManyHaveAll(have_all) : NoneHasAll());
     return {};
+  }
+
+  std::string NoneHasAll() const {
+    const std::string none =
+        options_.filter ? "no document that passes the filters has all" : "no document has all";
+    return none + " of these words; these have some of them";
   }
 
   const std::string_view text_;
@@ -167,7 +194,7 @@ Result<Answer> Ask(std::string_view text, const Snapshot& snapshot, const Search
 
 Result<std::vector<ScoredDocuments>> AllAnswers(std::string_view text, const Snapshot& snapshot,
                                                 const SearchOptions& options) {
-  const MaybeQuery all = Parsed(text, OperatorOf(options.words), snapshot);
+  const MaybeQuery all = ParsedAs(text, snapshot, options);
   if (!all) return std::vector<ScoredDocuments>();
   auto found = ScoredSearch(*all, snapshot, options);
   const bool are_enough = found.ok() && !found->empty() && !IsQuestion(text, snapshot.rules);
@@ -181,28 +208,56 @@ Result<std::vector<ScoredDocuments>> AllAnswers(std::string_view text, const Sna
 }
 
 Result<std::uint64_t> CountAnswers(std::string_view text, const Snapshot& snapshot,
-                                   WordsMean words) {
-  const MaybeQuery query = Parsed(text, OperatorOf(words), snapshot);
+                                   const SearchOptions& options) {
+  const MaybeQuery query = ParsedAs(text, snapshot, options);
   if (!query) return std::uint64_t{0};
-  auto have_all = CountMatches(*query, snapshot);
+  auto have_all = CountMatches(*query, snapshot, options.filter);
   const bool are_enough = have_all.ok() && *have_all > 0 && !IsQuestion(text, snapshot.rules);
-  if (!have_all.ok() || are_enough || words != WordsMean::kBest) return have_all;
+  if (!have_all.ok() || are_enough || options.words != WordsMean::kBest) return have_all;
   const MaybeQuery some = ParsedForSome(text, snapshot);
-  if (*have_all == 0) return CountMatches(*some, snapshot);
-  auto rest = CountMatches(Without(*some, *query), snapshot);
+  if (*have_all == 0) return CountMatches(*some, snapshot, options.filter);
+  auto rest = CountMatches(Without(*some, *query), snapshot, options.filter);
   if (rest.ok()) *rest += *have_all;
   return rest;
 }
 
+namespace {
+
+std::uint64_t MicrosecondsOf(const Explanation& explanation) {
+  std::uint64_t all = explanation.microseconds;
+  for (const Explanation& part : explanation.parts) all += MicrosecondsOf(part);
+  return all;
+}
+
+Result<Explanation> ExplainFiltered(const Query& query, const Snapshot& snapshot,
+                                    const DocumentFilter& filter) {
+  auto explained = ExplainQuery(query, snapshot);
+  if (!explained.ok() || !filter) return explained;
+  const auto start = std::chrono::steady_clock::now();
+  const auto documents = CountMatches(query, snapshot, filter);
+  if (!documents.ok()) return documents.status();
+  const auto took = std::chrono::duration_cast<std::chrono::microseconds>(
+      std::chrono::steady_clock::now() - start);
+  Explanation whole;
+  whole.part = "FILTER";
+  whole.documents = *documents;
+  const auto all = static_cast<std::uint64_t>(took.count());
+  whole.microseconds = all - std::min(all, MicrosecondsOf(*explained));
+  if (!(query == AllDocuments())) whole.parts.push_back(std::move(*explained));
+  return whole;
+}
+
+}  // namespace
+
 Result<Explanation> ExplainAnswer(std::string_view text, const Snapshot& snapshot,
-                                  WordsMean words) {
-  const MaybeQuery all = Parsed(text, OperatorOf(words), snapshot);
+                                  const SearchOptions& options) {
+  const MaybeQuery all = ParsedAs(text, snapshot, options);
   if (!all) return Explanation();
-  auto explained = ExplainQuery(*all, snapshot);
+  auto explained = ExplainFiltered(*all, snapshot, options.filter);
   const bool is_answered =
       explained.ok() && explained->documents > 0 && !IsQuestion(text, snapshot.rules);
-  if (!explained.ok() || is_answered || words != WordsMean::kBest) return explained;
-  return ExplainQuery(*ParsedForSome(text, snapshot), snapshot);
+  if (!explained.ok() || is_answered || options.words != WordsMean::kBest) return explained;
+  return ExplainFiltered(*ParsedForSome(text, snapshot), snapshot, options.filter);
 }
 
 }  // namespace kestan::search

@@ -27,6 +27,7 @@ struct Answer {
 // them all, and by chance rather than because they answer it. So a question in plain words
 // (IsQuestion()) is answered by both: first the documents that hold all words, then those that hold
 // some, and a note says how many hold all. Stop words of a query count only where it has no others.
+// With a filter, a blank text finds all documents that pass it.
 //   Returns  kDamaged.
 Result<Answer> Ask(std::string_view text, const Snapshot& snapshot, const SearchOptions& options);
 
@@ -39,11 +40,12 @@ Result<std::vector<ScoredDocuments>> AllAnswers(std::string_view text, const Sna
 // Returns how many documents answer `text`.
 //   Returns  kDamaged.
 Result<std::uint64_t> CountAnswers(std::string_view text, const Snapshot& snapshot,
-                                   WordsMean words);
+                                   const SearchOptions& options);
 
 // Explains the query that found the last of the documents which answer `text`.
 //   Returns  kDamaged.
-Result<Explanation> ExplainAnswer(std::string_view text, const Snapshot& snapshot, WordsMean words);
+Result<Explanation> ExplainAnswer(std::string_view text, const Snapshot& snapshot,
+                                  const SearchOptions& options);
 
 }  // namespace kestan::search
 

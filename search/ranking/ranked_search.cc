@@ -12,6 +12,7 @@
 #include "search/query/clauses.h"
 #include "search/query/distinct.h"
 #include "search/ranking/bm25.h"
+#include "search/ranking/filtering.h"
 #include "search/ranking/parallel.h"
 #include "search/ranking/scorer.h"
 #include "search/ranking/top_documents.h"
@@ -54,11 +55,23 @@ std::size_t ThreadsFor(const Query& query, const Snapshot& snapshot) {
   return postings < kManyDocuments ? 1 : snapshot.segments.size();
 }
 
+// Leaves out what `filter` does not want of the matches in a segment.
+Status Filter(const DocumentFilter& filter, const Snapshot& snapshot, std::size_t segment,
+              Found* matches) {
+  Occurrences wanted;
+  wanted.codes = (*matches)->codes;
+  const std::size_t index = snapshot.index_of_segment[segment];
+  Status status = Filter(filter, *snapshot.segments[segment], index, &wanted.codes);
+  *matches = std::make_shared<const Occurrences>(std::move(wanted));
+  return status;
+}
+
 // What one search does in one segment.
 struct SegmentSearch {
   std::unique_ptr<Matcher> matcher;
   ClauseMatches clauses;
   Found matches;
+  Status status;
   std::vector<double> scores;        // without a limit
   std::vector<RankedDocument> best;  // with one
 };
@@ -70,6 +83,7 @@ class Search {
       : query_(query),
         snapshot_(snapshot),
         limit_(options.limit),
+        filter_(options.filter),
         clauses_(Distinct(ScoringClauses(query))),
         threads_(ThreadsFor(query, snapshot)),
         searches_(snapshot.segments.size()) {
@@ -102,7 +116,7 @@ class Search {
   Status Run() {
     ParallelFor(searches_.size(), threads_, [this](std::size_t i) { Match(i); });
     for (const SegmentSearch& search : searches_) {
-      if (!search.matcher->status().ok()) return search.matcher->status();
+      if (!search.status.ok()) return search.status;
     }
     WeighClauses();
     ParallelFor(searches_.size(), threads_, [this](std::size_t i) { Rank(i); });
@@ -130,6 +144,10 @@ class Search {
       search.clauses.clauses.push_back(search.matcher->Find(*clause.query, need));
     }
     search.matches = search.matcher->Find(query_, Need::kCodes);
+    search.status = search.matcher->status();
+    if (filter_ && search.status.ok()) {
+      search.status = Filter(filter_, snapshot_, i, &search.matches);
+    }
   }
 
   void WeighClauses() {
@@ -214,6 +232,7 @@ class Search {
   const Query& query_;
   const Snapshot& snapshot_;
   const std::size_t limit_;
+  const DocumentFilter& filter_;
   const std::vector<Repeated> clauses_;
   const std::size_t threads_;
   ScoringParameters parameters_;
@@ -233,14 +252,17 @@ Result<std::vector<ScoredDocuments>> ScoredSearch(const Query& query, const Snap
   return Search(query, snapshot, options).Scored();
 }
 
-Result<std::uint64_t> CountMatches(const Query& query, const Snapshot& snapshot) {
-  if (query.kind == Kind::kWord) return LivingDocumentsWith(snapshot, query.word);
+Result<std::uint64_t> CountMatches(const Query& query, const Snapshot& snapshot,
+                                   const DocumentFilter& filter) {
+  if (query.kind == Kind::kWord && !filter) return LivingDocumentsWith(snapshot, query.word);
   std::vector<std::uint64_t> counts(snapshot.segments.size());
   std::vector<Status> statuses(counts.size());
   ParallelFor(counts.size(), ThreadsFor(query, snapshot), [&](std::size_t i) {
     Matcher matcher(*snapshot.segments[i], snapshot.LanguageOf(i));
-    counts[i] = matcher.Find(query, Need::kCodes)->size();
+    Found matches = matcher.Find(query, Need::kCodes);
     statuses[i] = matcher.status();
+    if (filter && statuses[i].ok()) statuses[i] = Filter(filter, snapshot, i, &matches);
+    counts[i] = matches->size();
   });
   for (const Status& status : statuses) {
     if (!status.ok()) return status;

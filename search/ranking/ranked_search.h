@@ -53,6 +53,8 @@ struct RankedDocuments {
 // changes a score. Options out of range are brought into it: k1 and the bonus to 0 to 1000, b to 0
 // to 1.
 //
+// Documents that `options.filter` does not want do not match; they count in the figures above.
+//
 // Keeps the `options.limit` best in a heap. Searches segments in parallel where there is enough to
 // do.
 //   Returns  kDamaged.
@@ -65,9 +67,10 @@ Result<RankedDocuments> RankedSearch(const Query& query, const Snapshot& snapsho
 Result<std::vector<ScoredDocuments>> ScoredSearch(const Query& query, const Snapshot& snapshot,
                                                   SearchOptions options);
 
-// Counts the documents that match.
+// Counts the documents that match, and that `filter` wants if there is one.
 //   Returns  kDamaged.
-Result<std::uint64_t> CountMatches(const Query& query, const Snapshot& snapshot);
+Result<std::uint64_t> CountMatches(const Query& query, const Snapshot& snapshot,
+                                   const DocumentFilter& filter = nullptr);
 
 }  // namespace kestan::search
 

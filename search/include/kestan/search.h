@@ -14,6 +14,7 @@
 #include <kestan/search/copy.h>
 #include <kestan/search/document.h>
 #include <kestan/search/dump.h>
+#include <kestan/search/filtered_document.h>
 #include <kestan/search/index_reader.h>
 #include <kestan/search/index_writer.h>
 #include <kestan/search/repair.h>

@@ -29,7 +29,7 @@ class AskTest : public testing::Test {
   Answer Asked(const std::string& text, const SearchOptions& options = {}) {
     auto answer = Ask(text, segments_.snapshot(), options);
     EXPECT_TRUE(answer.ok());
-    const auto count = CountAnswers(text, segments_.snapshot(), options.words);
+    const auto count = CountAnswers(text, segments_.snapshot(), options);
     EXPECT_TRUE(count.ok());
     EXPECT_EQ(*count, answer->found.total) << text;
     return *answer;

@@ -6,6 +6,7 @@
 
 #include <kestan/search/explanation.h>
 #include <kestan/search/export.h>
+#include <kestan/search/filtered_document.h>
 #include <kestan/search/fragment.h>
 #include <kestan/search/index_writer.h>
 #include <kestan/search/status.h>
@@ -45,6 +46,14 @@ struct SearchOptions {
   double proximity_bonus = 0.4;  // how much words of the query that stand near each other count
   double opening_bonus = 0.7;    // how much words count that are among the first 15 of a document
   bool with_titles = true;       // of hits; without them, less is read of each
+
+  // Which documents are to be found; null: all. One for which it returns false is as if it did not
+  // match: it is in no answer and counts in no total, and where no document that is wanted has all
+  // words, those with some of them answer. Scores are those of a search without it. A blank query
+  // matches all documents then, in order of their names. It is called for documents that match and
+  // no others, more than once for some, and from several threads at once. What it throws is an
+  // error of kSystem.
+  DocumentFilter filter{};
 };
 
 // One answer. It keeps nothing of the reader.
@@ -138,6 +147,7 @@ class KESTAN_SEARCH_EXPORT IndexReader {
 
   // Tells how `query` is read, and what each of its parts finds: of the reading whose documents
   // Search() returns, or returns last where documents with some of the words follow those with all.
+  // Of a filter there is a part "FILTER" above it, with how many documents pass it.
   //   Returns  kDamaged.
   Result<Explanation> Explain(std::string_view query, const SearchOptions& options = {}) const;
 
