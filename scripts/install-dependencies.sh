@@ -5,7 +5,7 @@ set -euo pipefail
 packages=(g++ clang clang-format clang-tidy cmake ninja-build pkg-config libgdbm-dev libcli11-dev
   libclang-rt-dev libgtest-dev librapidcheck-dev g++-multilib libarchive-dev libgmime-3.0-dev locales
   libicu-dev libstemmer-dev libxml2-dev
-  libxxhash-dev nlohmann-json3-dev postgresql)
+  libxxhash-dev nlohmann-json3-dev postgresql zlib1g-dev)
 
 missing=()
 for package in "${packages[@]}"; do

@@ -12,6 +12,10 @@ namespace kestan_cli {
 ReadStatus ReadZip(const char* bytes, std::size_t size, const MemberEvents& events,
                    ReadProblem* problem) noexcept;
 
+// As Readers::read_archive.
+ReadStatus ReadArchive(const ArchiveSource& source, unsigned long long max_bytes,
+                       const ArchiveEvents& events, ReadProblem* problem) noexcept;
+
 }  // namespace kestan_cli
 
 #endif  // KESTAN_CLI_READERS_ARCHIVE_READER_H_

@@ -11,6 +11,7 @@ KestanReaders() noexcept {
   static constexpr kestan_cli::Readers kReaders{
       KESTAN_READERS_VERSION,    kestan_cli::UseParserMemory, kestan_cli::ExamineCharset,
       kestan_cli::DecodeCharset, kestan_cli::GuessCharset,    kestan_cli::ParseHtml,
-      kestan_cli::Decompress,    kestan_cli::ReadZip,         kestan_cli::ParseXml};
+      kestan_cli::Decompress,    kestan_cli::ReadZip,         kestan_cli::ReadArchive,
+      kestan_cli::ParseXml};
   return &kReaders;
 }

@@ -64,6 +64,30 @@ struct MemberEvents {
   bool (*bytes)(void* context, const char* bytes, std::size_t size) noexcept;
 };
 
+// An archive that can be read from any place on.
+struct ArchiveSource {
+  ByteSource bytes;
+  unsigned long long size;  // in bytes
+  // Has the next piece begin at `at`, which is at most `size`.
+  //   Returns  false if that fails.
+  bool (*seek)(void* context, unsigned long long at) noexcept;  // with the context of `bytes`
+};
+
+enum class MemberChoice { kRead, kPass, kStop };
+
+// Receives the members of an archive, one after the other.
+struct ArchiveEvents {
+  void* context;  // for the functions
+  // Says whether the member is wanted. The name may be anything; "" if it cannot be known.
+  MemberChoice (*member)(void* context, const char* name) noexcept;
+  // Receives the next bytes of the last member that was wanted.
+  //   Returns  false if no more of it are wanted: end() is not called then.
+  bool (*bytes)(void* context, const char* bytes, std::size_t size) noexcept;
+  // Says that the member is over: whole if `problem` is null, else it says why it is not.
+  //   Returns  false if no more members are wanted.
+  bool (*end)(void* context, const char* problem) noexcept;
+};
+
 enum class CharsetKind {
   kUnusable,  // unknown to ICU, or ASCII bytes do not stand for themselves
   kPlain,     // ASCII bytes stand for themselves, wherever they are
@@ -103,7 +127,7 @@ struct Readers {
   ReadStatus (*parse_html)(const char* bytes, std::size_t size, const HtmlEvents& events) noexcept;
 
   // Decompresses what gzip, bzip2, xz or zstd has written, and what they have compressed again up
-  // to `max_layers` times. Starts no program.
+  // to `max_layers` times. Compares the checksums that they wrote. Starts no program.
   //   Returns  kRead at the end, and where `sink` wants no more; kUnread if the bytes are broken or
   //            `source` ends early: then `problem` says why.
   ReadStatus (*decompress)(const ByteSource& source, const ByteSink& sink, int max_layers,
@@ -114,6 +138,13 @@ struct Readers {
   //            `problem` says why.
   ReadStatus (*read_zip)(const char* bytes, std::size_t size, const MemberEvents& events,
                          ReadProblem* problem) noexcept;
+
+  // Reads an archive of zip or tar, and one of tar that was compressed once. What is decompressed
+  // of that may take `max_bytes`. Links and folders are passed over.
+  //   Returns  kRead at the end, and where no more is wanted; kUnread if it is broken, is none, or
+  //            exceeds the limit: then `problem` says why.
+  ReadStatus (*read_archive)(const ArchiveSource& source, unsigned long long max_bytes,
+                             const ArchiveEvents& events, ReadProblem* problem) noexcept;
 
   // Parses XML in the encoding that it declares. Names of elements are as they stand there, with
   // their prefixes. References to entities that the document defines give nothing.

@@ -75,6 +75,56 @@ TEST(DecompressorTest, FilesBehindEachOtherAreOneText) {
   EXPECT_EQ(run.unpacked, "one two");
 }
 
+// What is read of a file of gzip, of two behind each other, and of what other programs write.
+const std::string kFirst = "some text to be changed, ";
+const std::string kSecond = "and some more of it";
+
+// libarchive has zstd write no checksum.
+TEST(DecompressorTest, NoChangedByteIsReadAsIfItWereWhole) {
+  for (const char* filter : {"gzip", "bzip2", "xz"}) {
+    for (const bool is_double : {false, true}) {
+      const std::string packed =
+          Packed(kFirst, filter) + (is_double ? Packed(kSecond, filter) : std::string());
+      const std::string text = kFirst + (is_double ? kSecond : "");
+      for (std::size_t at = 0; at < packed.size(); ++at) {
+        for (const int change : {1, 0x10, 0x80, 0xff}) {
+          Trial run{packed};
+          run.packed[at] = static_cast<char>(run.packed[at] ^ change);
+          if (run.Decompress() != ReadStatus::kRead) continue;
+          ASSERT_EQ(run.unpacked, text) << filter << " " << at << " " << change;
+        }
+      }
+    }
+  }
+}
+
+TEST(DecompressorTest, GzipIsReportedWhereverItIsCut) {
+  const std::string packed = Packed(LongText());
+  for (std::size_t left = 0; left < packed.size(); left += left < 40 ? 1 : 997) {
+    Trial run{packed.substr(0, packed.size() - left)};
+    EXPECT_EQ(run.Decompress(), left == 0 ? ReadStatus::kRead : ReadStatus::kUnread) << left;
+  }
+}
+
+TEST(DecompressorTest, ChecksumOfGzipIsComparedInALayerBelow) {
+  std::string packed = Packed(kFirst);
+  packed[packed.size() - 6] ^= 1;
+  Trial run{Packed(packed, "xz")};
+  EXPECT_EQ(run.Decompress(2), ReadStatus::kUnread);
+  EXPECT_STREQ(run.problem.text, "incorrect data check");
+}
+
+TEST(DecompressorTest, ZerosMayFollowGzipAndNothingElse) {
+  Trial zeros{Packed(kFirst) + std::string(1000, '\0'), 7};
+  EXPECT_EQ(zeros.Decompress(), ReadStatus::kRead);
+  EXPECT_EQ(zeros.unpacked, kFirst);
+  for (const std::string& end : {std::string("x"), std::string("\0x", 2), std::string("\x1f")}) {
+    Trial other{Packed(kFirst) + end};
+    EXPECT_EQ(other.Decompress(), ReadStatus::kUnread);
+    EXPECT_STRNE(other.problem.text, "");
+  }
+}
+
 TEST(DecompressorTest, LayersAreCounted) {
   const std::string twice = Packed(Packed("text"), "xz");
   Trial allowed{twice};

@@ -3,6 +3,6 @@
 
 extern "C" const kestan_cli::Readers* KestanReaders() noexcept {
   static constexpr kestan_cli::Readers kReaders{"0.0.0-other", nullptr, nullptr, nullptr, nullptr,
-                                                nullptr,       nullptr, nullptr, nullptr};
+                                                nullptr,       nullptr, nullptr, nullptr, nullptr};
   return &kReaders;
 }
