@@ -8,57 +8,14 @@
 
 #include "search/index/missing_words.h"
 #include "search/matching/explain.h"
+#include "search/matching/reading.h"
 #include "search/query/foreign_syntax.h"
-#include "search/query/query_parser.h"
-#include "search/text/white_space.h"
+#include "search/query/word_notes.h"
 
 namespace kestan::search {
 namespace {
 
 using MaybeQuery = std::optional<Query>;
-
-DefaultOperator OperatorOf(WordsMean words) {
-  switch (words) {
-    case WordsMean::kAll:
-      return DefaultOperator::kAnd;
-    case WordsMean::kAny:
-      return DefaultOperator::kOr;
-    default:
-      return DefaultOperator::kAndOfQuestion;
-  }
-}
-
-MaybeQuery Parsed(std::string_view text, DefaultOperator words, const Snapshot& snapshot) {
-  return ParseQuery(text, words, QuotesMean::kPhrase, snapshot.rules);
-}
-
-bool IsBlank(std::string_view text) {
-  return text.find_first_not_of(kWhiteSpace) == std::string_view::npos;
-}
-
-// The query that nothing fails: NOT, of an OR of nothing.
-Query AllDocuments() {
-  Query nothing;
-  nothing.kind = Query::Kind::kOr;
-  Query all;
-  all.kind = Query::Kind::kNot;
-  all.operands.push_back(std::move(nothing));
-  return all;
-}
-
-// The query for the documents that are to answer first.
-MaybeQuery ParsedAs(std::string_view text, const Snapshot& snapshot, const SearchOptions& options) {
-  if (options.filter && IsBlank(text)) return AllDocuments();
-  return Parsed(text, OperatorOf(options.words), snapshot);
-}
-
-// The query for documents that hold some of the words of `text`.
-MaybeQuery ParsedForSome(std::string_view text, const Snapshot& snapshot) {
-  if (IsBlank(text)) return AllDocuments();
-  const bool is_question = IsQuestion(text, snapshot.rules);
-  return Parsed(text, is_question ? DefaultOperator::kOrOfQuestion : DefaultOperator::kOr,
-                snapshot);
-}
 
 // The query for what `some` finds and `all` does not.
 Query Without(Query some, Query all) {
@@ -127,10 +84,10 @@ Status NameMissingWords(const Query& query, const Snapshot& snapshot, Answer* an
 class Question {
  public:
   Question(std::string_view text, const Snapshot& snapshot, const SearchOptions& options)
-      : text_(text), snapshot_(snapshot), options_(options) {}
+      : snapshot_(snapshot), options_(options), reading_(text, snapshot, options) {}
 
   Result<Answer> Ask() {
-    query_ = ParsedAs(text_, snapshot_, options_);
+    query_ = reading_.AsAsked();
     if (!query_) {
       const bool has_digits = snapshot_.rules == TextRules::kAnalyzer;
       answer_.notes.emplace_back(has_digits ? "the query holds no letters or digits to search for"
@@ -144,11 +101,18 @@ class Question {
     Status status = Find(*query_);
     if (status.ok() && options_.words == WordsMean::kBest) status = FindSome();
     if (status.ok()) status = NameMissingWords(*query_, snapshot_, &answer_);
+    if (status.ok()) status = reading_.status();
     if (!status.ok()) return status;
+    NoteFirst(NotesOnOptionalWords(reading_.optional_words()));
+    NoteFirst(NotesOnIgnoredText(reading_.text(), snapshot_.rules));
     return std::move(answer_);
   }
 
  private:
+  void NoteFirst(const std::vector<std::string>& notes) {
+    answer_.notes.insert(answer_.notes.begin(), notes.begin(), notes.end());
+  }
+
   Status Find(const Query& query) {
     auto found = RankedSearch(query, snapshot_, options_);
     if (!found.ok()) return found.status();
@@ -159,9 +123,9 @@ class Question {
   // Goes on with the documents that hold some of the words, where they answer too.
   Status FindSome() {
     const std::uint64_t have_all = answer_.found.total;
-    if (have_all > 0 && !IsQuestion(text_, snapshot_.rules)) return {};
+    if (have_all > 0 && !reading_.IsQuestion()) return {};
     Query all = std::move(*query_);
-    query_ = ParsedForSome(text_, snapshot_);
+    query_ = reading_.ForSome();
     if (*query_ == all) return {};
     Status status = Find(have_all > 0 ? Without(*query_, std::move(all)) : *query_);
     if (!status.ok() || answer_.found.total == have_all) return status;
@@ -175,9 +139,9 @@ class Question {
     return none + " of these words; these have some of them";
   }
 
-  const std::string_view text_;
   const Snapshot& snapshot_;
   const SearchOptions& options_;
+  Reading reading_;
   MaybeQuery query_;
   Answer answer_;
 };
@@ -194,12 +158,14 @@ Result<Answer> Ask(std::string_view text, const Snapshot& snapshot, const Search
 
 Result<std::vector<ScoredDocuments>> AllAnswers(std::string_view text, const Snapshot& snapshot,
                                                 const SearchOptions& options) {
-  const MaybeQuery all = ParsedAs(text, snapshot, options);
+  Reading reading(text, snapshot, options);
+  const MaybeQuery all = reading.AsAsked();
   if (!all) return std::vector<ScoredDocuments>();
   auto found = ScoredSearch(*all, snapshot, options);
-  const bool are_enough = found.ok() && !found->empty() && !IsQuestion(text, snapshot.rules);
+  const bool are_enough = found.ok() && !found->empty() && !reading.IsQuestion();
+  if (!reading.status().ok()) return reading.status();
   if (!found.ok() || are_enough || options.words != WordsMean::kBest) return found;
-  const MaybeQuery some = ParsedForSome(text, snapshot);
+  const MaybeQuery some = reading.ForSome();
   if (*some == *all) return found;
   const auto rest = ScoredSearch(found->empty() ? *some : Without(*some, *all), snapshot, options);
   if (!rest.ok()) return rest.status();
@@ -209,12 +175,14 @@ Result<std::vector<ScoredDocuments>> AllAnswers(std::string_view text, const Sna
 
 Result<std::uint64_t> CountAnswers(std::string_view text, const Snapshot& snapshot,
                                    const SearchOptions& options) {
-  const MaybeQuery query = ParsedAs(text, snapshot, options);
+  Reading reading(text, snapshot, options);
+  const MaybeQuery query = reading.AsAsked();
   if (!query) return std::uint64_t{0};
   auto have_all = CountMatches(*query, snapshot, options.filter);
-  const bool are_enough = have_all.ok() && *have_all > 0 && !IsQuestion(text, snapshot.rules);
+  const bool are_enough = have_all.ok() && *have_all > 0 && !reading.IsQuestion();
+  if (!reading.status().ok()) return reading.status();
   if (!have_all.ok() || are_enough || options.words != WordsMean::kBest) return have_all;
-  const MaybeQuery some = ParsedForSome(text, snapshot);
+  const MaybeQuery some = reading.ForSome();
   if (*have_all == 0) return CountMatches(*some, snapshot, options.filter);
   auto rest = CountMatches(Without(*some, *query), snapshot, options.filter);
   if (rest.ok()) *rest += *have_all;
@@ -251,13 +219,14 @@ Result<Explanation> ExplainFiltered(const Query& query, const Snapshot& snapshot
 
 Result<Explanation> ExplainAnswer(std::string_view text, const Snapshot& snapshot,
                                   const SearchOptions& options) {
-  const MaybeQuery all = ParsedAs(text, snapshot, options);
+  Reading reading(text, snapshot, options);
+  const MaybeQuery all = reading.AsAsked();
   if (!all) return Explanation();
   auto explained = ExplainFiltered(*all, snapshot, options.filter);
-  const bool is_answered =
-      explained.ok() && explained->documents > 0 && !IsQuestion(text, snapshot.rules);
+  const bool is_answered = explained.ok() && explained->documents > 0 && !reading.IsQuestion();
+  if (!reading.status().ok()) return reading.status();
   if (!explained.ok() || is_answered || options.words != WordsMean::kBest) return explained;
-  return ExplainFiltered(*ParsedForSome(text, snapshot), snapshot, options.filter);
+  return ExplainFiltered(*reading.ForSome(), snapshot, options.filter);
 }
 
 }  // namespace kestan::search

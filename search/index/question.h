@@ -26,7 +26,8 @@ struct Answer {
 // there are none, those that hold some. The more words a question has, the fewer documents hold
 // them all, and by chance rather than because they answer it. So a question in plain words
 // (IsQuestion()) is answered by both: first the documents that hold all words, then those that hold
-// some, and a note says how many hold all. Stop words of a query count only where it has no others.
+// some, and a note says how many hold all. Stop words of a query count only where it has no others;
+// notes name them, and words that are common, ignored or cut.
 // With a filter, a blank text finds all documents that pass it.
 //   Returns  kDamaged.
 Result<Answer> Ask(std::string_view text, const Snapshot& snapshot, const SearchOptions& options);

@@ -60,6 +60,7 @@ class Explainer {
   // Explains the parts first, so that what they find is kept when the whole is measured. Adds what
   // the last look took to `*microseconds`.
   Explanation Explain(const Query& query, Need need, std::uint64_t* microseconds) {
+    if (query.kind == Kind::kOptional) return ExplainOptional(query, need, microseconds);
     Explanation explanation;
     explanation.part = LabelOf(query);
     const Need need_of_parts = NeedsPositions(query) ? Need::kPositions : need;
@@ -87,6 +88,12 @@ class Explainer {
   }
 
  private:
+  Explanation ExplainOptional(const Query& query, Need need, std::uint64_t* microseconds) {
+    Explanation explanation = Explain(query.operands.front(), need, microseconds);
+    explanation.note += explanation.note.empty() ? "not required" : ", not required";
+    return explanation;
+  }
+
   std::string NoteOn(const Query& query) const {
     if (NeedsPositions(query) && !with_positions_) return "taken for AND";
     if (!StandsForWords(query)) return "";

@@ -14,6 +14,16 @@ using Kind = Query::Kind;
 
 const std::vector<std::string> kNoTerms;
 
+// Returns the operands of AND or OR that decide what it finds, each once.
+std::vector<Repeated> DecidingOperands(const Query& query) {
+  std::vector<Repeated> operands = Distinct(query.operands);
+  const auto is_optional = [](const Repeated& operand) {
+    return operand.query->kind == Kind::kOptional;
+  };
+  operands.erase(std::remove_if(operands.begin(), operands.end(), is_optional), operands.end());
+  return operands;
+}
+
 Query WithoutDistance(const Query& query) {
   Query key = query;
   key.distance_words = 0;
@@ -28,6 +38,7 @@ Found Matcher::Find(const Query& query, Need need) {
   if (!segment_.with_positions()) need = std::min(need, Need::kCounts);
   if (query.kind == Kind::kAnd) return FindAnd(query, need);
   if (query.kind == Kind::kOr) return FindOr(query, need);
+  if (query.kind == Kind::kOptional) return Find(query.operands.front(), need);
   if (query.kind == Kind::kNot) {
     const Found operand = Find(query.operands.front(), Need::kCodes);
     return Shared(Subtract(segment_, *operand, need));
@@ -52,13 +63,14 @@ const std::vector<std::string>& Matcher::TermsOf(const Query& leaf) const {
 
 // Where codes are all that is needed, the documents of an operand NOT are not found but left out.
 Found Matcher::FindAnd(const Query& query, Need need) {
-  const auto is_found = [](const Query& operand) { return operand.kind != Kind::kNot; };
+  const std::vector<Repeated> deciding = DecidingOperands(query);
+  const auto is_found = [](const Repeated& operand) { return operand.query->kind != Kind::kNot; };
   const bool excludes =
-      need == Need::kCodes && std::any_of(query.operands.begin(), query.operands.end(), is_found);
+      need == Need::kCodes && std::any_of(deciding.begin(), deciding.end(), is_found);
   std::vector<Found> operands;
   std::vector<Found> excluded;
-  for (const Repeated& operand : Distinct(query.operands)) {
-    if (excludes && !is_found(*operand.query)) {
+  for (const Repeated& operand : deciding) {
+    if (excludes && !is_found(operand)) {
       excluded.push_back(Find(operand.query->operands.front(), Need::kCodes));
     } else {
       operands.push_back(Find(*operand.query, need));
@@ -71,7 +83,7 @@ Found Matcher::FindAnd(const Query& query, Need need) {
 }
 
 Found Matcher::FindOr(const Query& query, Need need) {
-  const std::vector<Repeated> operands = Distinct(query.operands);
+  const std::vector<Repeated> operands = DecidingOperands(query);
   if (operands.size() == 1) return Find(*operands.front().query, need);
   OccurrenceUnion all(segment_.size(), need);
   for (const Repeated& operand : operands) all.Add(*Find(*operand.query, need));

@@ -29,7 +29,8 @@ using Found = std::shared_ptr<const Occurrences>;
 //                positions
 //   "in quotes"  each word one position after the word before
 //
-// Operands of AND and OR that are equal count once. Where AND and OR stand under NEAR, their
+// Operands of AND and OR that are equal count once, and optional ones decide nothing: there must be
+// others. Where AND and OR stand under NEAR, their
 // positions are those of all operands; NOT is near everything. Positions are compared as they are
 // stored: nothing is near or after what stands beyond position 65535. In a segment without
 // positions, NEAR and quotes mean AND.

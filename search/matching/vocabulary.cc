@@ -130,6 +130,20 @@ Result<std::uint64_t> LivingDocumentsWith(const Snapshot& snapshot, std::string_
   return documents;
 }
 
+Result<bool> IsInMostDocuments(const Snapshot& snapshot, std::string_view term) {
+  const std::uint64_t half = snapshot.living_documents() / 2;
+  std::uint64_t documents = 0;  // removed ones among them
+  for (const auto& segment : snapshot.segments) {
+    const Result<std::optional<TermEntry>> entry = segment->terms().Find(term);
+    if (!entry.ok()) return entry.status();
+    if (*entry) documents += (*entry)->documents;
+  }
+  if (documents <= half) return false;
+  const Result<std::uint64_t> living = LivingDocumentsWith(snapshot, term);
+  if (!living.ok()) return living.status();
+  return *living > half;
+}
+
 Status ForEachTerm(const Snapshot& snapshot, std::string_view prefix,
                    const std::function<bool(std::string_view term)>& visit) {
   std::vector<TermStream> streams;

@@ -18,6 +18,10 @@ namespace kestan::search {
 // Returns how many living documents hold `term`, byte for byte.
 Result<std::uint64_t> LivingDocumentsWith(const Snapshot& snapshot, std::string_view term);
 
+// Returns whether more than half of the living documents hold `term`, byte for byte. Reads postings
+// of terms that may be as common only, and only of segments with removed documents.
+Result<bool> IsInMostDocuments(const Snapshot& snapshot, std::string_view term);
+
 // Calls `visit` with each term that begins with `prefix`, once, in order of its bytes, until it
 // returns false. Terms that only removed documents hold are among them.
 Status ForEachTerm(const Snapshot& snapshot, std::string_view prefix,

@@ -7,7 +7,7 @@ using Kind = Query::Kind;
 
 void CollectClauses(const Query& query, std::vector<const Query*>* clauses) {
   if (query.kind == Kind::kNot) return;
-  if (query.kind != Kind::kAnd && query.kind != Kind::kOr) {
+  if (query.kind != Kind::kAnd && query.kind != Kind::kOr && query.kind != Kind::kOptional) {
     clauses->push_back(&query);
     return;
   }

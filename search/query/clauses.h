@@ -8,8 +8,8 @@
 
 namespace kestan::search {
 
-// Returns the clauses of `query` that add to the score of a document: what AND and OR join, without
-// what is under NOT. Each can be evaluated by itself. Borrows `query`.
+// Returns the clauses of `query` that add to the score of a document: what AND and OR join,
+// optional parts too, without what is under NOT. Each can be evaluated by itself. Borrows `query`.
 std::vector<const Query*> ScoringClauses(const Query& query);
 
 }  // namespace kestan::search

@@ -20,6 +20,7 @@ struct Query {
     kAnd,          // two operands or more
     kOr,           // two operands or more
     kPhrase,       // two operands or more, without operands of their own, one right after the other
+    kOptional,     // one operand; among those of AND and OR it scores, and decides nothing
   };
   Kind kind = Kind::kWord;
   std::string word;  // ASCII letters. With a capital it stands for itself, else for any case

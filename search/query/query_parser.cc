@@ -1,6 +1,7 @@
 #include "search/query/query_parser.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <limits>
 #include <set>
@@ -11,7 +12,7 @@
 #include "search/query/query_tokens.h"
 #include "search/query/query_words.h"
 #include "search/text/letters.h"
-#include "search/text/stop_words.h"
+#include "search/text/white_space.h"
 
 namespace kestan::search {
 namespace {
@@ -20,6 +21,7 @@ using Kind = Token::Kind;
 using MaybeQuery = std::optional<Query>;
 
 constexpr std::size_t kMinQuestionWords = 4;
+constexpr std::size_t kManyWords = 8;  // more than a list of words to search for
 
 // Returns a node for `operands`, the only one of them, or nothing.
 MaybeQuery Combined(Query::Kind kind, std::vector<Query> operands) {
@@ -39,37 +41,6 @@ MaybeQuery WordsInARow(std::vector<Query> words, QuotesMean quotes) {
   if (quotes == QuotesMean::kPhrase) return Combined(Query::Kind::kPhrase, std::move(words));
   for (std::size_t i = 1; i < words.size(); ++i) words[i].distance_words = 1;
   return Combined(Query::Kind::kNear, std::move(words));
-}
-
-bool IsJoined(const Query& query) {
-  return query.kind == Query::Kind::kPhrase || query.kind == Query::Kind::kNear;
-}
-
-bool IsStop(const Query& query) {
-  if (IsJoined(query)) return AreDividedStopWord(query.operands);
-  return query.kind == Query::Kind::kWord && IsStopWord(query.word);
-}
-
-// e.g., i.e.
-bool IsAbbreviation(const Query& query) {
-  if (!IsJoined(query)) return false;
-  std::string letters;
-  for (const Query& operand : query.operands) letters += operand.word;
-  return query.operands.size() == 2 && (letters == "eg" || letters == "ie");
-}
-
-bool IsStopOfQuestion(const Query& query) {
-  return IsStop(query) || IsAbbreviation(query) ||
-         (query.kind == Query::Kind::kWord && IsAskedWith(query.word));
-}
-
-// Drops stop words, unless there are no others.
-std::vector<Query> WithoutStopWords(std::vector<Query> words,
-                                    bool (*is_stop)(const Query&) = IsStop) {
-  if (!std::all_of(words.begin(), words.end(), is_stop)) {
-    words.erase(std::remove_if(words.begin(), words.end(), is_stop), words.end());
-  }
-  return words;
 }
 
 bool HasOperandsSideBySide(const Query& query) {
@@ -100,15 +71,12 @@ void FoldFirstLetter(std::string* word) {
   if (!HasCapital(std::string_view(*word).substr(1))) word->front() = LowerCase(word->front());
 }
 
-// Drops the stop words of a question, and expands the other words with their inflections.
-std::vector<Query> AsQuestion(std::vector<Query> words, bool freely) {
-  words = WithoutStopWords(std::move(words), freely ? IsStopOfQuestion : IsStop);
-  for (Query& query : words) {
-    if (freely && query.kind == Query::Kind::kWord) FoldFirstLetter(&query.word);
-    const bool is_inflected = query.kind == Query::Kind::kWord && !HasCapital(query.word);
-    if (is_inflected) query.kind = Query::Kind::kInflections;
-  }
-  return words;
+// Makes `*query` ask for the forms of a word too.
+void Inflect(bool freely, Query* query) {
+  if (query->kind == Query::Kind::kOptional) return Inflect(freely, &query->operands.front());
+  if (query->kind != Query::Kind::kWord) return;
+  if (freely) FoldFirstLetter(&query->word);
+  if (!HasCapital(query->word)) query->kind = Query::Kind::kInflections;
 }
 
 // Returns whether `token` is more than a word, words in quotes or a parenthesis.
@@ -118,18 +86,31 @@ bool IsOperator(const Token& token) {
          token.kind == Kind::kNot;
 }
 
+// Of the Latin, the Greek, the Arabic and the wide script.
+bool EndsInQuestionMark(std::string_view text) {
+  constexpr std::array<std::string_view, 4> kMarks = {"?", "\xcd\xbe", "\xd8\x9f", "\xef\xbc\x9f"};
+  const std::size_t last = text.find_last_not_of(kWhiteSpace);
+  if (last == std::string_view::npos) return false;
+  text = text.substr(0, last + 1);
+  return std::any_of(kMarks.begin(), kMarks.end(), [text](std::string_view mark) {
+    return text.size() >= mark.size() && text.substr(text.size() - mark.size()) == mark;
+  });
+}
+
 // Parses tokens, with one function for each line of the grammar. Each returns nothing where there
 // are no letters.
 class Parser {
  public:
+  // Borrows `is_common`.
   Parser(std::vector<Token> tokens, DefaultOperator default_operator, QuotesMean quotes,
-         TextRules rules)
+         TextRules rules, const IsCommonWord& is_common)
       : tokens_(std::move(tokens)),
         default_operator_(default_operator),
         means_or_(default_operator == DefaultOperator::kOr ||
                   default_operator == DefaultOperator::kOrOfQuestion),
         quotes_(quotes),
         rules_(rules),
+        is_common_(is_common),
         left_out_(tokens_.size()) {}
 
   MaybeQuery ParseOr() {
@@ -140,6 +121,8 @@ class Parser {
     } while (Take(Kind::kOr));
     return Combined(Query::Kind::kOr, std::move(operands));
   }
+
+  OptionalWords TakeOptional() { return std::move(optional_); }
 
  private:
   // Stands for both ParseOr and ParseAnd where words side by side mean OR.
@@ -159,7 +142,10 @@ class Parser {
       AppendIfAny(std::move(part), excludes ? &excluded : &wanted);
     } while (StartsPart() || Next().kind == Kind::kOr);
     std::vector<Query> operands;
-    AppendIfAny(Combined(Query::Kind::kOr, AsQuestion(std::move(wanted), freely)), &operands);
+    wanted = WithOptionalWords(std::move(wanted), freely ? IsStopOfQuestion : IsStop, is_common_,
+                               &optional_);
+    for (Query& query : wanted) Inflect(freely, &query);
+    AppendIfAny(Combined(Query::Kind::kOr, std::move(wanted)), &operands);
     for (Query& query : excluded) operands.push_back(std::move(query));
     return Combined(Query::Kind::kAnd, std::move(operands));
   }
@@ -172,7 +158,9 @@ class Parser {
       AppendSideBySide(is_lone_word, ParseNear(), &operands);
       if (Next().kind == Kind::kAnd) is_question = false;
     } while (Take(Kind::kAnd) || (!means_or_ && StartsPart()));
-    if (is_question) operands = WithoutStopWords(std::move(operands));
+    if (is_question) {
+      operands = WithOptionalWords(std::move(operands), IsStop, is_common_, &optional_);
+    }
     return Combined(Query::Kind::kAnd, std::move(operands));
   }
 
@@ -283,6 +271,8 @@ class Parser {
   const bool means_or_;  // words side by side mean OR
   const QuotesMean quotes_;
   const TextRules rules_;
+  const IsCommonWord& is_common_;
+  OptionalWords optional_;
   std::vector<bool> left_out_;  // the closing partners of parentheses that were left out
   std::size_t next_ = 0;
   unsigned depth_ = 0;
@@ -291,25 +281,32 @@ class Parser {
 }  // namespace
 
 std::optional<Query> ParseQuery(std::string_view text, DefaultOperator default_operator,
-                                QuotesMean quotes, TextRules rules) {
-  return Parser(TokensOf(text), default_operator, quotes, rules).ParseOr();
+                                QuotesMean quotes, TextRules rules, const IsCommonWord& is_common,
+                                OptionalWords* optional) {
+  Parser parser(TokensOf(text), default_operator, quotes, rules, is_common);
+  MaybeQuery query = parser.ParseOr();
+  if (optional != nullptr) *optional = parser.TakeOptional();
+  return query;
 }
 
-bool IsQuestion(std::string_view text, TextRules rules) {
+bool IsQuestion(std::string_view text, TextRules rules, const IsCommonWord& is_common) {
   std::set<std::string> others;
-  bool has_stop_words = false;
+  bool has_optional_words = false;
   for (const Token& token : TokensOf(text)) {
     if (IsOperator(token)) return false;
     for (const QueryWords& words : WordsOf(token, rules)) {
-      has_stop_words = has_stop_words || std::any_of(words.begin(), words.end(), IsStop) ||
-                       AreDividedStopWord(words);
-      if (AreDividedStopWord(words)) continue;
+      const bool is_divided = AreDividedStopWord(words);
+      has_optional_words = has_optional_words || is_divided;
+      if (is_divided) continue;
       for (const Query& word : words) {
-        if (!IsStop(word)) others.insert(word.word);
+        const bool is_optional = IsStop(word) || (is_common && is_common(word.word));
+        has_optional_words = has_optional_words || is_optional;
+        if (!is_optional) others.insert(word.word);
       }
     }
   }
-  return has_stop_words && others.size() >= kMinQuestionWords;
+  if (others.size() < kMinQuestionWords) return false;
+  return has_optional_words || others.size() >= kManyWords || EndsInQuestionMark(text);
 }
 
 }  // namespace kestan::search

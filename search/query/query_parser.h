@@ -5,6 +5,7 @@
 #include <optional>
 #include <string_view>
 
+#include "search/query/optional_words.h"
 #include "search/query/query.h"
 #include "search/text/text_rules.h"
 
@@ -47,16 +48,24 @@ enum class DefaultOperator {
 //
 // With kAndOfQuestion, stop words side by side with others are left out, unless all are stop words.
 //
+// With these three, words for which `is_common` become kOptional, unless all are common that are no
+// stop words. `optional`, unless it is null, is set to the words that were left out or made
+// optional.
+//
 //   Returns  nothing if no letters are left.
 //   Throws   TransliterationError, std::bad_alloc.
 std::optional<Query> ParseQuery(std::string_view text,
                                 DefaultOperator default_operator = DefaultOperator::kAnd,
                                 QuotesMean quotes = QuotesMean::kNear,
-                                TextRules rules = TextRules::kAsciiLetters);
+                                TextRules rules = TextRules::kAsciiLetters,
+                                const IsCommonWord& is_common = {},
+                                OptionalWords* optional = nullptr);
 
-// Returns whether `text` is a question in plain words: no operators, stop words among its words,
-// and at least four different others.
-bool IsQuestion(std::string_view text, TextRules rules = TextRules::kAsciiLetters);
+// Returns whether `text` is a question in plain words: no operators, at least four different words
+// that are neither stop words nor common, and also some that are, or a question mark at the end, or
+// eight of the first kind.
+bool IsQuestion(std::string_view text, TextRules rules = TextRules::kAsciiLetters,
+                const IsCommonWord& is_common = {});
 
 }  // namespace kestan::search
 

@@ -47,6 +47,8 @@ class Printer {
         return PrintList(query, " AND ");
       case Kind::kOr:
         return PrintList(query, " OR ");
+      case Kind::kOptional:
+        return Print(query.operands.front());
       default:
         return PrintWord(query);
     }
@@ -122,6 +124,8 @@ std::string LabelOf(const Query& query) {
       return PrintPhrase(query);
     case Kind::kInflections:
       return query.word + " and its forms";
+    case Kind::kOptional:
+      return LabelOf(query.operands.front());
     default:
       return PrintWord(query);
   }

@@ -68,6 +68,26 @@ TEST_F(AskTest, StopWordsCountOnlyWhereNothingElseIsLeft) {
   EXPECT_EQ(Names("over a"), "all ");
 }
 
+TEST_F(AskTest, StopWordsThatWereLeftOutAreNamed) {
+  EXPECT_EQ(Notes("the wing of the"), Lines{"'the', 'of' say little and were not required"});
+  EXPECT_EQ(Notes("over a"), Lines());
+  EXPECT_EQ(Notes("\"the wing\""), Lines());
+}
+
+TEST_F(AskTest, WhatIsIgnoredOrCutIsNamed) {
+  EXPECT_EQ(Notes("wing 486"), Lines{"'486' holds no letters and was ignored"});
+  EXPECT_EQ(Notes("wing " + std::string(65, 'x')).front(),
+            "'xxxxxxxxxxxxxxxxxxxx...' is too long: its first 64 characters count");
+}
+
+TEST_F(AskTest, AllAndAnySayWhatTheyLeaveOut) {
+  SearchOptions options;
+  options.words = WordsMean::kAny;
+  EXPECT_EQ(Asked("the wing", options).notes, Lines{"'the' says little and was not required"});
+  options.words = WordsMean::kAll;
+  EXPECT_EQ(Asked("the wing", options).notes, Lines());
+}
+
 TEST_F(AskTest, SyntaxOfOtherToolsIsNotedFirst) {
   EXPECT_EQ(Notes("wing | flow"), Lines{"'|': | is no operator; write OR"});
   EXPECT_EQ(Notes("wing | sand"),
@@ -78,7 +98,8 @@ TEST_F(AskTest, SyntaxOfOtherToolsIsNotedFirst) {
 TEST_F(AskTest, LongQuestionsFindAllWordsFirstAndThenSome) {
   EXPECT_EQ(Names("what is the flow in a boundary layer over the wing"), "all forms few name ");
   EXPECT_EQ(Notes("what is the flow in a boundary layer over the wing"),
-            Lines{"1 document has all of these words; those after it have some of them"});
+            (Lines{"'what', 'is', 'the', 'in', 'a', 'over' say little and were not required",
+                   "1 document has all of these words; those after it have some of them"}));
 }
 
 TEST_F(AskTest, DocumentsWithAllWordsHaveHigherScoresThanThoseWithSome) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 namespace kestan::search {
 namespace {
@@ -25,6 +26,8 @@ std::string NameOf(Query::Kind kind) {
       return "fuzzy";
     case Query::Kind::kPhrase:
       return "phrase";
+    case Query::Kind::kOptional:
+      return "optional";
     case Query::Kind::kWord:
       break;
   }
@@ -408,6 +411,58 @@ TEST(IsQuestionTest, QuestionsHaveStopWordsAndFourOthers) {
   EXPECT_FALSE(IsQuestion("the flow over a wing in the flow"));
   EXPECT_FALSE(IsQuestion("what is the flow over a wing and a wing and a layer"));
   EXPECT_FALSE(IsQuestion(""));
+}
+
+bool IsOften(const std::string& word) { return word == "jet" || word == "der"; }
+
+std::string WithCommon(const std::string& text, DefaultOperator default_operator) {
+  const auto query =
+      ParseQuery(text, default_operator, QuotesMean::kPhrase, TextRules::kAsciiLetters, IsOften);
+  return query ? Drawn(*query) : "nothing";
+}
+
+TEST(QueryParserTest, CommonWordsAreOptionalWhereTheyStand) {
+  EXPECT_EQ(WithCommon("hot jet engine", DefaultOperator::kAndOfQuestion),
+            "(and hot (optional jet) engine)");
+  EXPECT_EQ(WithCommon("hot jet engine", DefaultOperator::kOrOfQuestion),
+            "(or (inflections hot) (optional (inflections jet)) (inflections engine))");
+  EXPECT_EQ(WithCommon("hot (der jet wing)", DefaultOperator::kAndOfQuestion),
+            "(and hot (and (optional der) (optional jet) wing))");
+}
+
+TEST(QueryParserTest, OperatorsKeepCommonWords) {
+  for (const char* text : {"hot AND jet", "hot OR jet", "hot NEAR/2 jet", "\"hot jet\""}) {
+    EXPECT_EQ(WithCommon(text, DefaultOperator::kAndOfQuestion).find("optional"), std::string::npos)
+        << text;
+  }
+}
+
+TEST(QueryParserTest, WordsThatWereNotRequiredAreHandedOut) {
+  OptionalWords optional;
+  ParseQuery("the jet over the wing", DefaultOperator::kAndOfQuestion, QuotesMean::kPhrase,
+             TextRules::kAsciiLetters, IsOften, &optional);
+  EXPECT_EQ(optional.stop_words, (std::vector<std::string>{"the", "over"}));
+  EXPECT_EQ(optional.common, std::vector<std::string>{"jet"});
+}
+
+TEST(IsQuestionTest, CommonWordsAreAsGoodAsStopWords) {
+  const char* const text = "der schnelle Vogel fliegt weit";
+  EXPECT_FALSE(IsQuestion(text));
+  EXPECT_TRUE(IsQuestion(text, TextRules::kAsciiLetters, IsOften));
+  EXPECT_FALSE(IsQuestion("der schnelle Vogel fliegt", TextRules::kAsciiLetters, IsOften));
+}
+
+TEST(IsQuestionTest, AQuestionMarkAtTheEndMakesAQuestionOfFourWords) {
+  EXPECT_TRUE(IsQuestion("flow boundary layer wing? "));
+  EXPECT_TRUE(IsQuestion("flow boundary layer wing\xd8\x9f"));
+  EXPECT_FALSE(IsQuestion("boundary layer wing?"));
+  EXPECT_FALSE(IsQuestion("flow? boundary layer wing"));
+}
+
+TEST(IsQuestionTest, EightWordsAreAQuestionInAnyLanguage) {
+  EXPECT_FALSE(IsQuestion("flow wing jet sand layer heat cone"));
+  EXPECT_TRUE(IsQuestion("flow wing jet sand layer heat cone body"));
+  EXPECT_FALSE(IsQuestion("flow wing jet sand layer heat cone cone"));
 }
 
 TEST(IsQuestionTest, OperatorsMakeNoQuestion) {

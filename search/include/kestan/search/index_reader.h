@@ -22,12 +22,15 @@
 namespace kestan::search {
 
 // What words side by side in a query mean. With kBest and kAny, stop words among them count only
-// where there are no others.
+// where there are no others. With kBest, words that stand in more than half of the documents of an
+// index of 100 or more are not required either where there are others, but count for the score.
+// Notes name both.
 enum class WordsMean {
   // All of them; where no document has all, any of them, and a note says so. A question in plain
-  // words, one without operators that has stop words and at least four different others, is
-  // answered by the documents that have all of them first and after those by the ones that have
-  // some; a note says how many have all.
+  // words is answered by the documents that have all of them first and after those by the ones that
+  // have some; a note says how many have all. A question has no operators and at least four
+  // different words that are required, and also some that are not, or a question mark at its end,
+  // or eight required words.
   kBest,
   kAll,
   kAny,

@@ -1,0 +1,23 @@
+// Notes on words of a query that do not decide what is found.
+#ifndef KESTAN_SEARCH_QUERY_WORD_NOTES_H_
+#define KESTAN_SEARCH_QUERY_WORD_NOTES_H_
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "search/query/optional_words.h"
+#include "search/text/text_rules.h"
+
+namespace kestan::search {
+
+// Returns what to say of parts of `text` that hold nothing to search for, other than punctuation,
+// and of words that are too long: a line for all of each kind.
+std::vector<std::string> NotesOnIgnoredText(std::string_view text, TextRules rules);
+
+// Returns what to say of `optional`: a line for each of its lists that is not empty.
+std::vector<std::string> NotesOnOptionalWords(const OptionalWords& optional);
+
+}  // namespace kestan::search
+
+#endif  // KESTAN_SEARCH_QUERY_WORD_NOTES_H_
