@@ -67,6 +67,7 @@ class JsonPageTest : public testing::Test {
   void SetUp() override {
     Shell("mkdir d && echo 'A cat and a dog.\n\nMore cats.' > d/a && echo cat > d/b");
     Shell("printf '\\377\\376a\\0b' > half");
+    Shell("printf 'From: Ann <ann@example.org>\\nSubject: cat\\n\\nA cat.\\n' > d/m.eml");
     Shell("printf 'a\\0b' > d/c && " KESTAN_COMMAND " index my.index d");
   }
 

@@ -6,17 +6,20 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdlib>
+#include <ctime>
 #include <limits>
 #include <utility>
 
 #include "cli/commands/commands.h"
+#include "cli/commands/search/filters/document_facts.h"
+#include "cli/commands/search/filters/query_filters.h"
+#include "cli/commands/search/filters/search_filter.h"
 #include "cli/commands/search/search_report.h"
 #include "cli/console/columns.h"
 #include "cli/console/diagnostics.h"
 #include "cli/console/interruption.h"
 #include "cli/console/message.h"
 #include "cli/extract/indexed_text.h"
-#include "cli/files/fingerprint.h"
 #include "cli/index/document_names.h"
 #include "cli/index/index_errors.h"
 #include "cli/index/opened_reader.h"
@@ -56,6 +59,15 @@ bool IsScreen(const SearchOptions& options) {
   return IsRich(options) && !options.count && OutputIsTerminal();
 }
 
+// Returns the filters of a query as they can be written: "type:pdf NOT path:old".
+std::string FiltersOf(const FilteredQuery& query) {
+  std::string text;
+  for (const QueryFilter& filter : query.filters) {
+    text += (text.empty() ? "" : " ") + std::string(filter.excludes ? "NOT " : "") + filter.text;
+  }
+  return text;
+}
+
 constexpr std::size_t kAllHits = 0;
 constexpr std::size_t kHitsOfAScreen = 10;
 
@@ -67,16 +79,20 @@ std::size_t LimitOf(const SearchOptions& options) {
 class Search {
  public:
   explicit Search(const SearchOptions& options)
-      : options_(options), reader_(OpenReader(options.indexes)), texts_(options.converters) {}
+      : options_(options),
+        query_(TakeFilters(options.query)),
+        filter_(query_.filters, std::time(nullptr)),
+        reader_(OpenReader(options.indexes)),
+        texts_(options.converters) {
+    if (query_.words.empty()) query_.words = filter_.QueryForTitles();
+  }
 
   // Returns the answer, without the hits.
   SearchReport Run() {
     SearchReport report;
     report.query = options_.query;
-    if (options_.explain) {
-      auto explanation = ValueOf(reader_.Explain(options_.query, SearchIn()), Index());
-      if (!explanation.part.empty()) report.explanation = std::move(explanation);
-    }
+    report.notes = query_.notes;
+    if (options_.explain) Explain(&report);
     if (!CountAlone(&report)) Find(&report);
     const auto took = std::chrono::steady_clock::now() - start_;
     report.milliseconds = static_cast<std::uint64_t>(
@@ -93,7 +109,9 @@ class Search {
     shown.path = names_(hit.name);
     if (options_.indexes.size() > 1) shown.index = options_.indexes[hit.index];
     const auto document = ValueOf(reader_.FindDocument(hit), Index());
-    if (const auto file = FileStateIn(document.host_data)) shown.date = file->mtime_seconds;
+    DocumentFacts facts = FactsOf(document.name, document.host_data);
+    shown.date = facts.date;
+    shown.from = std::move(facts.from);
     if (with_snippet) shown.snippet = SnippetOf(document);
     return shown;
   }
@@ -111,20 +129,30 @@ class Search {
     options.limit = options_.order == HitOrder::kBest ? LimitOf(options_) : kAllHits;
     if (options_.count) options.limit = 1;
     options.with_titles = NeedsTitles();
+    if (!filter_.empty()) {
+      options.filter = [this](const auto& document) { return filter_.Passes(document); };
+    }
     return options;
+  }
+
+  void Explain(SearchReport* report) const {
+    auto explanation = ValueOf(reader_.Explain(query_.words, SearchIn()), Index());
+    if (explanation.part.empty()) return;
+    if (!filter_.empty()) explanation.note = FiltersOf(query_);
+    report->explanation = std::move(explanation);
   }
 
   // Counts the documents where nothing else is asked for and there are any: ranking takes longer.
   bool CountAlone(SearchReport* report) const {
     if (!options_.count || options_.format == ReportFormat::kJson) return false;
-    report->total = ValueOf(reader_.Count(options_.query, SearchIn()), Index());
+    report->total = ValueOf(reader_.Count(query_.words, SearchIn()), Index());
     return report->total > 0;
   }
 
   void Find(SearchReport* report) {
-    results_ = ValueOf(reader_.Search(options_.query, SearchIn()), Index());
+    results_ = ValueOf(reader_.Search(query_.words, SearchIn()), Index());
     report->total = results_.total;
-    report->notes = results_.notes;
+    report->notes.insert(report->notes.end(), results_.notes.begin(), results_.notes.end());
     report->suggestions = results_.suggestions;
     if (options_.order == HitOrder::kName) SortByName();
     if (options_.count) results_.hits.clear();
@@ -138,6 +166,7 @@ class Search {
   }
 
   std::vector<Fragment> SnippetOf(const kestan::search::DocumentInfo& document) {
+    if (results_.matched_terms.empty()) return {};
     const auto text = TextOf(document);
     if (!text) return {};
     return ValueOf(IndexReader::Snippet(results_, *text), Index());
@@ -153,6 +182,8 @@ class Search {
 
   const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
   const SearchOptions& options_;
+  FilteredQuery query_;
+  const SearchFilter filter_;
   const IndexReader reader_;
   const ShownNames names_;
   IndexedTextReader texts_;
@@ -176,7 +207,10 @@ void PrintRichHits(Search& search, const SearchOptions& options, const SearchRep
   for (const Hit& hit : search.hits()) {
     // One by one: for each snippet a file is read, and there may be many.
     ShownHit shown = search.Show(hit, true);
-    if (!fits) shown.date.reset();
+    if (!fits) {
+      shown.date.reset();
+      shown.from.clear();
+    }
     PrintPainted(RichLines(shown, coloured, columns));
   }
   if (fits && report.total > 0) PrintPainted(TotalLine(report, search.hits().size(), coloured));
@@ -309,13 +343,15 @@ Command SearchCommand() {
        {"QUERY",
         "words; side by side they mean all of them or, where no document has all, some. Operators, "
         "the tightest first: NOT or -, NEAR/k (at most k words apart), AND, OR; \"words in a "
-        "row\", prefix*, fuzzy~1 and parentheses",
+        "row\", prefix*, fuzzy~1 and parentheses. Filters: path:docs, type:pdf, after:2024-03, "
+        "before:2025, title:linux, from:ann, each also after NOT or -",
         Positional::Count::kAny}},
       SearchCommandOptions(),
       "Put -- before words that are spelled like an option. Exit status: 0 with hits, 1 without, 2 "
       "if something is wrong.",
       {"kestan search my.index 'shell NEAR/3 script NOT (zsh OR fish)'",
-       "kestan search -i notes.index -i mail.index annual report"},
+       "kestan search -i notes.index -i mail.index annual report",
+       "kestan search mail.index 'invoice from:ann after:2024 -type:html'"},
       RunSearchCommand};
   command.takes_dashes = true;
   return command;

@@ -19,6 +19,7 @@ Json JsonOf(const std::vector<Fragment>& snippet) {
 Json JsonOf(const ShownHit& hit) {
   Json json{{"percent", hit.hit.percent}, {"name", hit.hit.name}, {"title", hit.hit.title}};
   if (hit.date) json["date"] = *hit.date;
+  if (!hit.from.empty()) json["from"] = hit.from;
   if (!hit.index.empty()) json["index"] = hit.index;
   if (!hit.snippet.empty()) json["snippet"] = JsonOf(hit.snippet);
   return json;

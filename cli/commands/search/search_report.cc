@@ -16,6 +16,7 @@ using kestan::search::Explanation;
 
 constexpr std::string_view kIndent = "    ";
 constexpr std::size_t kLeastColumns = 20;
+constexpr std::size_t kMostOfSender = 24;  // columns
 
 // Terminal controls that start a colour, and that end it.
 constexpr std::string_view kFaint = "\x1b[2m";
@@ -37,14 +38,30 @@ std::string DayOf(std::int64_t seconds) {
   return {day.data(), std::strftime(day.data(), day.size(), "%Y-%m-%d", &parts)};
 }
 
-// Returns the line with the date and the title; "" without both.
+// Returns the name of the sender `from`, or the address of one without.
+std::string SenderOf(const std::string& from) {
+  const std::size_t open = from.find('<');
+  const std::size_t close = from.find('>', open == std::string::npos ? 0 : open);
+  if (open == std::string::npos || close == std::string::npos) return OneLine(from);
+  std::string name = from.substr(0, open);
+  name.erase(name.find_last_not_of(' ') + 1);
+  return OneLine(name.empty() ? from.substr(open + 1, close - open - 1) : name);
+}
+
+// Returns the line with the date, the sender and the title; "" without them.
 std::string TitleLine(const ShownHit& hit, bool coloured, std::size_t columns) {
-  const std::string day = hit.date ? DayOf(*hit.date) : "";
-  const std::string title = OneLine(hit.hit.title);
-  if (day.empty()) return FittedStart(title, columns);
-  const std::string gap = title.empty() ? "" : "  ";
-  const std::size_t used = day.size() + gap.size();
-  return Painted(kFaint, day, coloured) + gap + FittedStart(title, columns - used);
+  std::string line;
+  const auto add = [&](const std::string& text, std::string_view colour) {
+    const std::string gap = line.empty() ? "" : "  ";
+    if (text.empty() || columns <= gap.size()) return;
+    const std::string fitted = FittedStart(text, columns - gap.size());
+    columns -= gap.size() + ColumnsOf(fitted);
+    line += gap + (colour.empty() ? fitted : Painted(colour, fitted, coloured));
+  };
+  add(hit.date ? DayOf(*hit.date) : "", kFaint);
+  add(FittedStart(SenderOf(hit.from), std::min(columns / 3, kMostOfSender)), kName);
+  add(OneLine(hit.hit.title), "");
+  return line;
 }
 
 void AppendExplanation(const Explanation& explanation, std::size_t depth,

@@ -16,9 +16,11 @@ namespace kestan_cli {
 // A hit and what is shown with it.
 struct ShownHit {
   kestan::search::Hit hit;
-  std::string path;                               // its name as it is shown
-  std::string index;                              // which has it; empty if there is only one
-  std::optional<std::int64_t> date;               // of the file, in seconds since 1970, if shown
+  std::string path;   // its name as it is shown
+  std::string index;  // which has it; empty if there is only one
+  // When a message was sent or, of others, the file was changed; in seconds since 1970, if shown.
+  std::optional<std::int64_t> date;
+  std::string from;                               // the sender of a message; empty if there is none
   std::vector<kestan::search::Fragment> snippet;  // empty if there is none
 };
 
@@ -38,9 +40,10 @@ std::string PlainLine(int percent, const std::string& name);
 // Lines of any length.
 constexpr std::size_t kAnyColumns = std::numeric_limits<std::size_t>::max();
 
-// Returns a hit on a few lines: "PERCENT NAME"; the date, by the clock of the user, and the title;
-// the snippet. All but the first are indented. With `coloured`, each has its terminal colour and
-// matches are bold; without, [matches] are in brackets. Control characters are escaped.
+// Returns a hit on a few lines: "PERCENT NAME"; the date, by the clock of the user, the name of the
+// sender, and the title; the snippet. All but the first are indented. With `coloured`, each has its
+// terminal colour and matches are bold; without, [matches] are in brackets. Control characters are
+// escaped.
 //
 // No line is longer than `columns`, as far as there are 20: of a name that is, the end is shown, of
 // a title the start, and of a snippet two lines at most.

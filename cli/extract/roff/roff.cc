@@ -276,15 +276,14 @@ class RoffReader {
   std::string description_;      // "list directory contents"
 };
 
-// Returns whether `extension` is that of a section of the manual ("1", "3p", "1ssl"), or of roff.
+}  // namespace
+
 bool IsExtensionOfRoff(std::string_view extension) {
   if (extension.empty() || extension.size() > 8) return false;
   const bool is_section = extension[0] >= '1' && extension[0] <= '9' &&
                           (extension.size() == 1 || extension[1] < '0' || extension[1] > '9');
   return is_section || IsAmong("man mdoc roff me ms mm n l tr", extension);
 }
-
-}  // namespace
 
 bool IsRoff(std::string_view name, std::string_view head) {
   if (!IsExtensionOfRoff(ExtensionOf(name))) return false;

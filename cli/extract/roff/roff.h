@@ -7,6 +7,9 @@
 
 namespace kestan_cli {
 
+// Returns whether `extension` is that of a section of the manual ("1", "3p", "1ssl"), or of roff.
+bool IsExtensionOfRoff(std::string_view extension);
+
 // Returns whether a file named `name`, which begins with `head`, is written in roff: it is named as
 // manual pages are ("ls.1", "printf.3p", "x.man"), and its first line with text is a request.
 bool IsRoff(std::string_view name, std::string_view head);

@@ -32,13 +32,16 @@ TEST(SearchJsonTest, HitsHaveTheirFields) {
   report.hits = {Hit(42, "a", "T"), Hit(1, "b", "")};
   report.hits[0].snippet = {{"x ", false}, {"cat", true}};
   report.hits[1].index = "my.index";
+  report.hits[1].date = 5;
+  report.hits[1].from = "Ann";
   const Json json = Read(report);
   EXPECT_EQ(json["total"], 5);
   EXPECT_EQ(json["query"], "cat");
   EXPECT_EQ(json["hits"], Json::parse(R"([
       {"percent": 42, "name": "a", "title": "T",
        "snippet": [{"text": "x ", "match": false}, {"text": "cat", "match": true}]},
-      {"percent": 1, "name": "b", "title": "", "index": "my.index"}])"));
+      {"percent": 1, "name": "b", "title": "", "index": "my.index", "date": 5,
+       "from": "Ann"}])"));
 }
 
 TEST(SearchJsonTest, BytesThatAreNotUtf8AreReplaced) {

@@ -30,6 +30,37 @@ TEST(SearchReportTest, MissingTitleAndSnippetTakeNoLine) {
   EXPECT_EQ(RichLines(Hit(42, "a", ""), false), "42 a\n");
 }
 
+TEST(SearchReportTest, SenderStandsBeforeTheTitle) {
+  ShownHit hit = Hit(1, "a", "Re: wing");
+  hit.from = "Ann Other <ann@example.org>";
+  EXPECT_EQ(RichLines(hit, false), "1 a\n    Ann Other  Re: wing\n");
+  EXPECT_EQ(RichLines(hit, true),
+            "\x1b[2m1\x1b[0m \x1b[36ma\x1b[0m\n    \x1b[36mAnn Other\x1b[0m  Re: wing\n");
+}
+
+TEST(SearchReportTest, SenderWithoutANameIsAnAddress) {
+  ShownHit hit = Hit(1, "a", "");
+  for (const char* const from : {"<ann@example.org>", "ann@example.org", " <ann@example.org> x"}) {
+    hit.from = from;
+    EXPECT_EQ(RichLines(hit, false), "1 a\n    ann@example.org\n") << from;
+  }
+  hit.from = "Ann <";
+  EXPECT_EQ(RichLines(hit, false), "1 a\n    Ann <\n");
+}
+
+TEST(SearchReportTest, LongSenderLeavesRoomForTheTitle) {
+  ShownHit hit = Hit(1, "a", "Re: " + std::string(60, 'w'));
+  hit.from = std::string(60, 'a') + "\x1b";
+  hit.date = 43'200;  // noon in Greenwich
+  EXPECT_EQ(RichLines(hit, false, 64),
+            "1 a\n    1970-01-01  aaaaaaaaaaaaa...  Re: wwwwwwwwwwwwwwwwwwwwwww...\n");
+  for (std::size_t columns = 20; columns < 30; ++columns) {
+    const std::string line = RichLines(hit, false, columns).substr(4);
+    EXPECT_LE(line.find('\n'), columns) << line;
+    EXPECT_NE(line[line.find('\n') - 1], ' ') << line;
+  }
+}
+
 TEST(SearchReportTest, ColoursEndAfterTheirText) {
   EXPECT_EQ(RichLines(HitWithSnippet(), true),
             "\x1b[2m42\x1b[0m \x1b[36md/a\x1b[0m\n    The title\n"

@@ -103,6 +103,14 @@ TEST_F(SearchTerminalTest, DateIsThatOfTheUsersClock) {
   EXPECT_NE(Shown({"dog"}, "1", "EAST-9").find("2020-02-21  A cat"), std::string::npos);
 }
 
+TEST_F(SearchTerminalTest, MessageHasItsOwnDateAndItsSender) {
+  AddOf2020("m.eml",
+            "From: Ann Other <ann@example.org>\nDate: 15 Mar 2024 12:00:00 +0000\n"
+            "Subject: The cow\n\nIt moos.\n");
+  EXPECT_EQ(Shown({"moos"}).substr(0, 52),
+            "100 m.eml\n    2024-03-15  Ann Other  The cow\n    The");
+}
+
 TEST_F(SearchTerminalTest, BestTenAreShownUnlessAskedForMore) {
   for (char name = 'b'; name <= 'n'; ++name) AddOf2020(std::string(1, name), "A cow\n");
   const auto last = [this](const std::vector<std::string>& arguments) {
