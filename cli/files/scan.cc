@@ -15,6 +15,7 @@
 #include "cli/console/interruption.h"
 #include "cli/console/message.h"
 #include "cli/files/descriptor.h"
+#include "cli/files/ignore_rules.h"
 #include "cli/files/paths.h"
 #include "cli/files/stable_file.h"
 
@@ -138,19 +139,40 @@ class Scanner {
     scan_.files.push_back({name, StateOf(status)});
   }
 
+  // A folder that is yet to be walked, and what ignore files say above it.
+  struct Waiting {
+    std::string path;
+    IgnoreRules::Shared rules;
+  };
+
+  // What a folder says of something in it.
+  struct Entry {
+    std::string name;
+    unsigned char type = DT_UNKNOWN;
+  };
+
+  // A folder that is being walked.
+  struct Folder {
+    const ScanRoot& root;
+    std::string start;  // of the paths in it
+    int number;         // of its descriptor
+    IgnoreRules::Shared rules;
+  };
+
   void Walk(const ScanRoot& root) {
-    std::vector<std::string> waiting{root.path};
-    while (!waiting.empty()) {
+    waiting_.push_back({root.path, nullptr});
+    if (!root.takes_ignored) waiting_[0].rules = IgnoreRules::Above(root.path, BaseOf(root));
+    while (!waiting_.empty()) {
       Interruption::Check();
-      const std::string next = std::move(waiting.back());
-      waiting.pop_back();
-      WalkFolder(root, next, &waiting);
+      const Waiting next = std::move(waiting_.back());
+      waiting_.pop_back();
+      WalkFolder(root, next);
     }
   }
 
-  // Adds the files in the folder at `path`, and its folders to `waiting`.
-  void WalkFolder(const ScanRoot& root, const std::string& path,
-                  std::vector<std::string>* waiting) {
+  // Adds the files in the folder, and its folders to those that wait.
+  void WalkFolder(const ScanRoot& root, const Waiting& next) {
+    const std::string& path = next.path;
     const OpenFolder folder = Open(path);
     if (folder == nullptr) {
       if (errno == ENOENT) return;  // removed since its own folder was read
@@ -164,44 +186,78 @@ class Scanner {
         return AddSkip(path, SkipKind::kIndex, "an index that is being made");
       }
     }
-    const std::string start = path.back() == '/' ? path : path + "/";
-    errno = 0;
-    while (const dirent* entry = readdir(folder.get())) {  // NOLINT(concurrency-mt-unsafe)
-      const std::string_view name = static_cast<const char*>(entry->d_name);
-      if (name != "." && name != "..") {
-        FileAway(root, folder.get(), *entry, start + std::string(name), waiting);
-      }
-      errno = 0;
-    }
-    if (errno != 0) AddSkip(path, SkipKind::kUnreadable, ReasonOf(errno));
+    const int error = ReadEntries(folder.get());
+    Folder walked{root, path.back() == '/' ? path : path + "/", dirfd(folder.get()), next.rules};
+    if (!root.takes_ignored) walked.rules = RulesIn(walked, path);
+    for (const Entry& entry : entries_) FileAway(walked, entry);
+    if (error != 0) AddSkip(path, SkipKind::kUnreadable, ReasonOf(error));
   }
 
-  // Looks at what `entry` names, if the folder does not say what it is. Files are always looked at.
-  void FileAway(const ScanRoot& root, DIR* folder, const dirent& entry, const std::string& path,
-                std::vector<std::string>* waiting) {
+  // Reads what is in `folder` into entries_. Returns 0, or the number of an error.
+  int ReadEntries(DIR* folder) {
+    entries_.clear();
+    errno = 0;
+    while (const dirent* entry = readdir(folder)) {  // NOLINT(concurrency-mt-unsafe)
+      const std::string_view name = static_cast<const char*>(entry->d_name);
+      if (name != "." && name != "..") entries_.push_back({std::string(name), entry->d_type});
+      errno = 0;
+    }
+    return errno;
+  }
+
+  // Returns the rules for entries_.
+  IgnoreRules::Shared RulesIn(const Folder& folder, const std::string& path) const {
+    IgnoreRules::Present present;
+    for (const Entry& entry : entries_) {
+      if (entry.name[0] != '.') continue;
+      present.ignore = present.ignore || entry.name == ".ignore";
+      present.git_ignore = present.git_ignore || entry.name == ".gitignore";
+      present.git = present.git || entry.name == ".git";
+    }
+    return IgnoreRules::In(folder.rules, folder.number, path, present);
+  }
+
+  // Looks at what `entry` names, if the folder does not say what it is. Files that are taken are
+  // always looked at.
+  void FileAway(const Folder& folder, const Entry& entry) {
+    const std::string path = folder.start + entry.name;
     if (!borders_.empty() && borders_.count(path) != 0) return;
     struct stat status {};
-    if (entry.d_type == DT_DIR || entry.d_type == DT_LNK) {
-      status.st_mode = entry.d_type == DT_DIR ? S_IFDIR : S_IFLNK;
-    } else if (fstatat(dirfd(folder), static_cast<const char*>(entry.d_name), &status,
-                       AT_SYMLINK_NOFOLLOW) != 0) {
+    if (entry.type == DT_DIR || entry.type == DT_LNK) {
+      status.st_mode = entry.type == DT_DIR ? S_IFDIR : S_IFLNK;
+    } else if (fstatat(folder.number, entry.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
       if (errno == ENOENT) return;  // removed since the folder was read
       return AddSkip(path, SkipKind::kUnreadable, ReasonOf(errno));
     }
-    const std::string& base = BaseOf(root);
-    const std::size_t start = base.size() + (base.back() == '/' ? 0 : 1);
-    const std::string against =
-        root.filter.ReasonAgainst(std::string_view(path).substr(start), S_ISDIR(status.st_mode));
-    if (!against.empty()) return AddSkip(path, SkipKind::kExcluded, against);
-    if (S_ISDIR(status.st_mode)) return waiting->push_back(path);
+    if (IsLeftOut(folder, path, S_ISDIR(status.st_mode))) return;
+    if (S_ISDIR(status.st_mode)) return waiting_.push_back({path, folder.rules});
     if (S_ISREG(status.st_mode)) return AddFile(path, status);
     const bool is_link = S_ISLNK(status.st_mode);
     AddSkip(path, is_link ? SkipKind::kLink : SkipKind::kSpecial,
             is_link ? "symbolic link" : "pipe, socket or device");
   }
 
+  // Returns whether patterns, ignore files or version control leave out what is at `path`, which is
+  // a skip then.
+  bool IsLeftOut(const Folder& folder, const std::string& path, bool is_folder) {
+    const std::string& base = BaseOf(folder.root);
+    const std::size_t start = base.size() + (base.back() == '/' ? 0 : 1);
+    const std::string against =
+        folder.root.filter.ReasonAgainst(std::string_view(path).substr(start), is_folder);
+    if (!against.empty()) {
+      AddSkip(path, SkipKind::kExcluded, against);
+      return true;
+    }
+    if (folder.root.takes_ignored) return false;
+    const std::string reason = ReasonToLeaveOut(folder.rules, folder.number, path, is_folder);
+    if (!reason.empty()) AddSkip(path, SkipKind::kIgnored, reason);
+    return !reason.empty();
+  }
+
   const std::set<std::string>& borders_;
   const std::optional<FileId> index_;
+  std::vector<Waiting> waiting_;
+  std::vector<Entry> entries_;  // of the folder that is being walked
   Scan scan_;
 };
 

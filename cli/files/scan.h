@@ -27,6 +27,7 @@ struct ScanRoot {
   NameFilter filter;  // applies to what is below `path`, not to `path` itself
   MissingPath missing = MissingPath::kThrow;
   std::string filter_base = {};  // at or above `path`: patterns match paths below it; "": `path`
+  bool takes_ignored = false;    // whatever ignore files say
 };
 
 struct Scan {
@@ -38,7 +39,9 @@ struct Scan {
 // Finds the files at and below `roots`, looking at the status of each once. Leaves out the folder
 // of the index at `index_path`, and what is at or below `borders`, unless a root is there too: that
 // belongs to others. Links inside folders are skipped, as are pipes, sockets and devices, the
-// folders of other indexes, folders that cannot be read, and names with a line feed.
+// folders of other indexes, folders that cannot be read, and names with a line feed; below a root
+// that does not take them, also what ignore files leave out (see IgnoreRules) and version control's
+// own. Of a folder that is left out, nothing else is looked at.
 //   Throws   CommandError that names the first root that cannot be examined or is neither a file
 //            nor a folder; a missing one only with MissingPath::kThrow.
 //            Interrupted if a signal has come.

@@ -19,6 +19,7 @@ constexpr std::array kNames{
     KindNames{"special", "special file", "special files"},
     KindNames{"index", "index", "indexes"},
     KindNames{"excluded", "excluded", "excluded"},
+    KindNames{"ignored", "ignored", "ignored"},
     KindNames{"no_converter", "without converter", "without converter"},
     KindNames{"unreadable", "unreadable", "unreadable"},
     KindNames{"conversion", "failed conversion", "failed conversions"},

@@ -15,6 +15,7 @@ enum class SkipKind {
   kSpecial,   // a pipe, a socket or a device
   kIndex,     // a folder that is an index, or becomes one
   kExcluded,  // by the user's patterns
+  kIgnored,   // by ignore files, or as version control's own
   kNoConverter,
   // Those from here on are failures: the user asked for the file, and it is not in the index.
   kUnreadable,

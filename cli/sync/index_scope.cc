@@ -29,7 +29,7 @@ IndexScope IndexScope::OfRoots(const RootChoice& choice, bool prunes) {
     const bool is_named = choice.named.count(path) != 0;
     scope.to_scan_.push_back({path, shown(path), FilterOf(options.reading),
                               is_named ? MissingPath::kThrow : MissingPath::kSkip,
-                              InnermostOf(choice.roots, path)});
+                              InnermostOf(choice.roots, path), options.reading.no_ignore});
   }
   if (!prunes) return scope;
   for (const std::string& path : choice.forgotten) scope.owners_.try_emplace(path);
@@ -44,7 +44,8 @@ IndexScope IndexScope::OfList(const std::vector<std::string>& paths, const RootO
   const NameFilter filter = FilterOf(options.reading);
   for (const std::string& path : paths) {
     scope.owners_.emplace(path, options);
-    scope.to_scan_.push_back({path, shown(path), filter, MissingPath::kSkip});
+    scope.to_scan_.push_back(
+        {path, shown(path), filter, MissingPath::kSkip, "", options.reading.no_ignore});
   }
   scope.reading_ = options.is_given_now ? scope.owners_ : roots;
   scope.targets_ = PathsOf(scope.owners_);
@@ -53,6 +54,9 @@ IndexScope IndexScope::OfList(const std::vector<std::string>& paths, const RootO
 
 Scan IndexScope::FindFiles(const std::string& index) {
   Scan scan = ScanRoots(to_scan_, borders_, index);
+  for (const Skip& skip : scan.skips) {
+    if (skip.kind == SkipKind::kIgnored) ignored_.insert(skip.name);
+  }
   if (borders_.empty()) return scan;  // of a list, what is missing has vanished
   for (const std::string& path : scan.missing) targets_.erase(path);
   for (Skip& skip : scan.skips) {
@@ -64,7 +68,8 @@ Scan IndexScope::FindFiles(const std::string& index) {
 bool IndexScope::HasVanished(const std::string& name) const {
   const std::string owner = InnermostOf(owners_, name);
   if (forgotten_.count(owner) != 0) return true;
-  return targets_.count(owner) != 0 && kestan_cli::HasVanished(name);
+  if (targets_.count(owner) == 0) return false;
+  return IsBelow(InnermostOf(ignored_, name), owner) || kestan_cli::HasVanished(name);
 }
 
 bool IndexScope::Prunes(const std::string& name) const {

@@ -28,8 +28,8 @@ class IndexScope {
   //   Throws   as ScanRoots() does.
   Scan FindFiles(const std::string& index);
 
-  // Returns whether the file of the document `name`, which was not found, is gone, and not merely
-  // out of the scope or out of reach.
+  // Returns whether the file of the document `name`, which was not found, is gone or ignored, and
+  // not merely out of the scope or out of reach.
   bool HasVanished(const std::string& name) const;
 
   // Returns whether the document `name` is removed if its file has vanished.
@@ -43,6 +43,7 @@ class IndexScope {
   Roots reading_;
   std::vector<ScanRoot> to_scan_;
   std::set<std::string> borders_;
+  std::set<std::string> ignored_;    // what was left out of them
   std::set<std::string> targets_;    // of the owners, those that are looked at
   std::set<std::string> forgotten_;  // of the owners, those whose documents all go
 };

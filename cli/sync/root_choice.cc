@@ -1,6 +1,7 @@
 #include "cli/sync/root_choice.h"
 
 #include "cli/console/message.h"
+#include "cli/files/ignore_rules.h"
 #include "cli/files/paths.h"
 #include "cli/index/document_names.h"
 
@@ -17,6 +18,11 @@ RootOptions OptionsFor(const RootRequest& request, const RootOptions& remembered
   return options;
 }
 
+// Returns whether the root `outer` finds what is at `path`, below it.
+bool IsFoundFrom(const std::string& outer, const RootOptions& options, const std::string& path) {
+  return options.reading.no_ignore || ReasonToLeaveOut(outer, path).empty();
+}
+
 // Adds `path`, which the user named, to the targets, and to the roots unless it is a part of one.
 void Name(const std::string& path, const RootRequest& request, RootChoice* choice) {
   choice->named.insert(path);
@@ -26,6 +32,7 @@ void Name(const std::string& path, const RootRequest& request, RootChoice* choic
     RootOptions& options = choice->targets[path];
     options = choice->roots.at(outer);
     options.prune = request.prune.value_or(options.prune);
+    if (!IsFoundFrom(outer, options, path)) choice->roots[path] = options;
   } else {
     RootOptions& options = choice->roots[path];
     options = OptionsFor(request, options);
@@ -50,7 +57,7 @@ void AddRootsBelow(const std::string& path, const RootRequest& request, RootChoi
     RootOptions inner = root->second;
     inner.prune = request.prune.value_or(inner.prune);
     const bool is_new = IsBelow(root->first, path) && choice->named.count(root->first) == 0;
-    if (is_new && is_root && IsReadAlike(inner, outer)) {
+    if (is_new && is_root && IsReadAlike(inner, outer) && IsFoundFrom(path, outer, root->first)) {
       root = choice->roots.erase(root);
       continue;
     }

@@ -31,8 +31,10 @@ struct RootChoice {
 // Puts `request` together with the roots that the index called `index` remembers. A path that the
 // user names is a target, and so are all roots below it; with no path, all roots are. It becomes a
 // root, unless it lies below one and comes without options of reading: then it is a part of that
-// root. Roots below it that are read alike become parts of it too. Options that are given take the
-// place of the remembered ones, of the roots that are named or, with no path, of all.
+// root. Roots below it that are read alike become parts of it too. What a root leaves out as
+// ignored is no part of it: there, such a path becomes or stays a root with the same options.
+// Options that are given take the place of the remembered ones, of the roots that are named or,
+// with no path, of all.
 //   Throws   CommandError for a request that makes no sense.
 RootChoice ChooseRoots(const RootRequest& request, const Roots& remembered,
                        const std::string& index);

@@ -97,11 +97,13 @@ Scope ScopeOf(const IndexOptions& options, const RootRequest& request, const Roo
 
 // ---- Reports ----
 
-// A file that is gone is not a failure if its document is removed.
+// A file that is gone is not a failure if its document is removed. One that is ignored is still
+// there.
 void ForgetSkipsOf(const VanishedDocuments& vanished, const IndexScope& scope,
                    std::vector<Skip>* skips) {
   const auto is_removed = [&](const Skip& skip) {
-    return vanished.names().count(skip.name) != 0 && scope.Prunes(skip.name);
+    return skip.kind != SkipKind::kIgnored && vanished.names().count(skip.name) != 0 &&
+           scope.Prunes(skip.name);
   };
   skips->erase(std::remove_if(skips->begin(), skips->end(), is_removed), skips->end());
 }
@@ -259,6 +261,7 @@ int RunIndexCommand(const Values& values) {
   options.reading.converters = values.All("--converter");
   options.reading.stop_words = values.Text("--stop-words");
   options.reading.strip_encoded = values.Has("--strip-encoded");
+  options.reading.no_ignore = values.Has("--no-ignore");
   if (values.Has("--prune") && values.Has("--no-prune")) {
     throw CommandError("--prune and --no-prune exclude each other");
   }
@@ -280,6 +283,7 @@ std::vector<Option> IndexCommandOptions() {
           {"--no-prune", "", "keep them, from now on"},
           {"--include", "GLOB", "only files that match; may be given more than once"},
           {"--exclude", "GLOB", "no files that match, nor folders; may be given more than once"},
+          {"--no-ignore", "", "also files that .gitignore, .ignore or version control leave out"},
           {"--converter", "EXT=COMMAND",
            "have COMMAND, with {} for the file, print the text of files that end in .EXT"},
           {"--stop-words", "LIST", "leave out the words of a file, or of the list \"english\""},

@@ -253,6 +253,57 @@ TEST_F(ScanTest, BordersAreNotCrossed) {
   EXPECT_EQ(FilesOf(ScanOf({"d", "d/ee"}, {}, "index", borders)), (Names{"d/a", "d/ee"}));
 }
 
+TEST_F(ScanTest, IgnoredFilesAndFoldersAreSkips) {
+  for (const char* name :
+       {"d/.git/HEAD", "d/a.o", "d/a.txt", "d/out/b.txt", "d/e/c.o", "d/e/c.c"}) {
+    Write(name, "text");
+  }
+  Write("d/.gitignore", "*.o\n/out/\n");
+  Write("d/e/.ignore", "c.c\n");
+  const Scan scan = ScanOf({"d"});
+  EXPECT_EQ(FilesOf(scan), (Names{"d/.gitignore", "d/a.txt", "d/e/.ignore"}));
+  const std::string git_ignore = "of '" + Path("d/.gitignore") + "': ";
+  EXPECT_EQ(SkipsOf(scan), (Names{"d/.git: kept by git", "d/a.o: line 1 " + git_ignore + "*.o",
+                                  "d/e/c.c: line 1 of '" + Path("d/e/.ignore") + "': c.c",
+                                  "d/e/c.o: line 1 " + git_ignore + "*.o",
+                                  "d/out: line 2 " + git_ignore + "/out/"}));
+  for (const Skip& skip : scan.skips) EXPECT_EQ(skip.kind, SkipKind::kIgnored);
+}
+
+TEST_F(ScanTest, RootsMayTakeWhatIsIgnored) {
+  for (const char* name : {"d/.git/HEAD", "d/a.o"}) Write(name, "text");
+  Write("d/.gitignore", "*.o\n");
+  const Scan scan = ScanRoots({{Path("d"), "d", {}, MissingPath::kThrow, "", true}}, {}, "index");
+  EXPECT_EQ(FilesOf(scan), (Names{"d/.git/HEAD", "d/.gitignore", "d/a.o"}));
+  EXPECT_EQ(SkipsOf(scan), Names{});
+}
+
+TEST_F(ScanTest, WhatIsNamedIsTakenThoughItIsIgnored) {
+  for (const char* name : {"d/.git/HEAD", "d/out/a.txt", "d/out/a.o"}) Write(name, "text");
+  Write("d/.gitignore", "*.o\nout/\n");
+  EXPECT_EQ(Files({"d/out"}), Names{"d/out/a.txt"});  // patterns of the tree hold in it
+  EXPECT_EQ(Files({"d/out/a.o"}), Names{"d/out/a.o"});
+  EXPECT_EQ(Files({"d/.git"}), Names{"d/.git/HEAD"});
+}
+
+TEST_F(ScanTest, IgnoreFilesAboveTheRootCountToTheTopOfTheWorkTree) {
+  for (const char* name : {"d/.git/HEAD", "d/e/f/a", "d/e/f/b", "d/e/f/c"}) Write(name, "text");
+  Write("d/.gitignore", "/e/f/a\n");
+  Write("d/.ignore", "b\n");
+  Write(".ignore", "c\n");
+  EXPECT_EQ(Files({"d/e"}), Names{"d/e/f/c"});
+  EXPECT_EQ(Files({"d/e/f"}), Names{"d/e/f/c"});
+  const ScanRoot part{Path("d/e/f"), "d/e/f", {}, MissingPath::kThrow, Path("d")};
+  EXPECT_EQ(FilesOf(ScanRoots({part}, {}, "index")), Names{"d/e/f/c"});
+}
+
+TEST_F(ScanTest, PartOfARootIsIgnoredAsTheRootSays) {
+  Write("d/.ignore", "a\n");
+  for (const char* name : {"d/e/a", "d/e/b"}) Write(name, "text");
+  const ScanRoot part{Path("d/e"), "d/e", {}, MissingPath::kThrow, Path("d")};
+  EXPECT_EQ(FilesOf(ScanRoots({part}, {}, "index")), Names{"d/e/b"});
+}
+
 TEST_F(ScanTest, RootOfTheFileSystemMayBeGiven) {
   const Scan scan = ScanOf({"/"}, {{}, {Glob("?*")}});
   EXPECT_EQ(FilesOf(scan), Names{});

@@ -11,7 +11,7 @@ namespace {
 
 TEST(SkipTest, FailuresAreFilesThatShouldHaveBeenIndexed) {
   for (SkipKind kind : {SkipKind::kBinary, SkipKind::kLink, SkipKind::kSpecial, SkipKind::kIndex,
-                        SkipKind::kExcluded, SkipKind::kNoConverter}) {
+                        SkipKind::kExcluded, SkipKind::kIgnored, SkipKind::kNoConverter}) {
     EXPECT_FALSE(IsFailure(kind));
   }
   for (SkipKind kind : {SkipKind::kUnreadable, SkipKind::kConversion, SkipKind::kChanging,

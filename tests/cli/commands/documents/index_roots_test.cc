@@ -47,6 +47,34 @@ class IndexRootsTest : public RunIndexTest {
   }
 };
 
+TEST_F(IndexRootsTest, FilesThatBecomeIgnoredAreRemovedAsOthersThatAreGone) {
+  EXPECT_EQ(IndexPaths({"d"}), Report(3, 0, 0, 0, 0));
+  Write("d/.ignore", "*.log\n/e/\n");
+  EXPECT_EQ(IndexAll(), Report(1, 0, 0, 0, 1, "2 (2 ignored)"));
+  options_.prune = true;
+  EXPECT_EQ(IndexAll(), Report(0, 0, 0, 2, 2, "2 (2 ignored)"));
+  EXPECT_EQ(IndexAll(), Report(0, 0, 0, 0, 2, "2 (2 ignored)"));
+}
+
+TEST_F(IndexRootsTest, TakingIgnoredFilesIsRemembered) {
+  Write("d/.ignore", "*.log\n");
+  options_.reading.no_ignore = true;
+  EXPECT_EQ(IndexPaths({"d"}), Report(4, 0, 0, 0, 0));
+  EXPECT_TRUE(Remembered().begin()->second.reading.no_ignore);
+  EXPECT_EQ(IndexAll(), Report(0, 0, 0, 0, 4));
+  options_.reset = true;
+  EXPECT_EQ(IndexAll(), Report(0, 0, 0, 0, 3, "1 (1 ignored)"));
+}
+
+TEST_F(IndexRootsTest, IgnoredPathThatIsNamedStaysIndexed) {
+  Write("d/.ignore", "*.log\n");
+  options_.prune = true;
+  EXPECT_EQ(IndexPaths({"d"}), Report(3, 0, 0, 0, 0, "1 (1 ignored)"));
+  EXPECT_EQ(IndexPaths({"d/b.log"}), Report(1, 0, 0, 0, 0));
+  EXPECT_EQ(IndexAll(), Report(0, 0, 0, 0, 4));
+  EXPECT_EQ(IndexPaths({"d"}), Report(0, 0, 0, 0, 4));
+}
+
 TEST_F(IndexRootsTest, IndexAloneBringsAllRootsUpToDate) {
   EXPECT_EQ(IndexPaths({"d", "x/y"}), Report(4, 0, 0, 0, 0));
   Write("d/new", "dog\n");

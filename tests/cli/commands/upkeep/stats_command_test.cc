@@ -106,14 +106,15 @@ TEST_P(FolderStatsTest, SizesAreThoseOfTheFiles) {
 TEST_P(FolderStatsTest, RootsAreShownWithTheirOptions) {
   auto writer = kestan::search::IndexWriter::Open(Path("my.index"));
   ASSERT_TRUE(writer.ok());
-  writer->SetProperty("roots",
-                      "{\"version\":1,\"roots\":[{\"path\":\"/n\",\"exclude\":[\"*.log\",[255]],"
-                      "\"stop_words\":\"english\",\"strip_encoded\":true,\"prune\":true},"
-                      "{\"path\":\"/o\"}]}");
+  writer->SetProperty(
+      "roots",
+      "{\"version\":1,\"roots\":[{\"path\":\"/n\",\"exclude\":[\"*.log\",[255]],"
+      "\"stop_words\":\"english\",\"strip_encoded\":true,\"no_ignore\":true,\"prune\":true},"
+      "{\"path\":\"/o\"}]}");
   ASSERT_TRUE(writer->Commit().ok());
   const std::string out = Run({"stats", "my.index"}).out;
   EXPECT_NE(out.find("kept up to date with: /n --exclude=*.log --exclude=\\xff "
-                     "--stop-words=english --strip-encoded --prune\n"
+                     "--stop-words=english --strip-encoded --no-ignore --prune\n"
                      "kept up to date with: /o\n"),
             std::string::npos)
       << out;
