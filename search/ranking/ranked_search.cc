@@ -176,10 +176,11 @@ class Search {
   std::vector<RankedDocument> BestOf(std::size_t segment, const std::vector<Code>& codes,
                                      const std::vector<double>& scores, Scorer* scorer) const {
     const double greatest_bonus = scorer->GreatestBonus();
-    const double least = greatest_bonus > 0 ? LeastOfBest(scores) : 0;
+    const double least_of_all = greatest_bonus > 0 ? LeastOfBest(scores) : 0;
     TopDocuments best(limit_);
     for (std::size_t i = 0; i < codes.size(); ++i) {
-      if (scores[i] + greatest_bonus < least) continue;
+      const double least = std::max(least_of_all, best.least_score());
+      if (!MayReach(scores[i] + greatest_bonus, least)) continue;
       const double bonus = greatest_bonus > 0 ? scorer->BonusOf(codes[i], scores[i], least) : 0;
       best.Add({{static_cast<std::uint32_t>(segment), codes[i]}, scores[i] + bonus});
     }

@@ -13,43 +13,48 @@ bool HasCode(const Occurrences& found, std::size_t place, Code code) {
   return place < found.size() && found.codes[place] == code;
 }
 
-// Returns whether what was found in the document at `place` is among its first words.
-bool IsOpening(const Occurrences& found, std::size_t place) {
-  const Position first = FirstPosition(found, place);
-  return first > 0 && first <= kOpeningWords;
+// Returns whether what is first at this position is among the first words; 0 is anywhere.
+bool IsOpening(Position first) { return first > 0 && first <= kOpeningWords; }
+
+double ScoreOfCount(double weight, std::uint32_t count, double length_norm) {
+  const auto tf = static_cast<double>(count);
+  return weight * tf / (tf + length_norm);
 }
 
 constexpr std::size_t kNowhere = std::numeric_limits<std::size_t>::max();
 
 }  // namespace
 
-std::vector<double> Scorer::Bm25Scores(const std::vector<Code>& codes) const {
+std::vector<double> Scorer::LengthNorms(const std::vector<Code>& codes) const {
   const double fixed = parameters_.k1 * (1 - parameters_.b);
   const double by_word = parameters_.k1 * parameters_.b / parameters_.mean_words;
-  std::vector<double> length_norms(codes.size());
+  std::vector<double> norms(codes.size());
   segment_.table().VisitWords(codes, [&](std::size_t i, std::uint32_t words) {
-    length_norms[i] = fixed + by_word * static_cast<double>(words);
+    norms[i] = fixed + by_word * static_cast<double>(words);
   });
+  return norms;
+}
+
+std::vector<double> Scorer::Bm25Scores(const std::vector<Code>& codes) const {
+  const std::vector<double> length_norms = LengthNorms(codes);
   std::vector<double> scores(codes.size());
   for (std::size_t clause = 0; clause < matches_.clauses.size(); ++clause) {
-    AddClause(clause, codes, length_norms, &scores);
+    const Occurrences& found = *matches_.clauses[clause];
+    const double weight = ClauseWeight(clause);
+    const auto add = [&](std::size_t i, std::size_t place) {
+      scores[i] += ScoreOfCount(weight, found.counts[place], length_norms[i]);
+    };
+    if (&codes == &found.codes) {
+      for (std::size_t i = 0; i < codes.size(); ++i) add(i, i);
+    } else {
+      ForEachCommon(codes, found.codes, add);
+    }
   }
   return scores;
 }
 
-void Scorer::AddClause(std::size_t clause, const std::vector<Code>& codes,
-                       const std::vector<double>& length_norms, std::vector<double>* scores) const {
-  const Occurrences& found = *matches_.clauses[clause];
-  const double weight = parameters_.idfs[clause] * (parameters_.k1 + 1);
-  const auto add = [&](std::size_t i, std::size_t place) {
-    const auto tf = static_cast<double>(found.counts[place]);
-    (*scores)[i] += weight * tf / (tf + length_norms[i]);
-  };
-  if (&codes == &found.codes) {
-    for (std::size_t i = 0; i < codes.size(); ++i) add(i, i);
-  } else {
-    ForEachCommon(codes, found.codes, add);
-  }
+double Scorer::ClauseWeight(std::size_t clause) const {
+  return parameters_.idfs[clause] * (parameters_.k1 + 1);
 }
 
 // Of a clause and the next one.
@@ -93,9 +98,9 @@ double Scorer::BonusOf(Code code, double score, double least) {
     const std::size_t place = places_.Find(i, *clauses[i], code);
     const bool is_there = HasCode(*clauses[i], place, code);
     document_places_[i] = is_there ? place : kNowhere;
-    if (is_there && IsOpening(*clauses[i], place)) bonus += OpeningWeight(i);
+    if (is_there && IsOpening(FirstPositions(*clauses[i])[place])) bonus += OpeningWeight(i);
   }
-  if (score + bonus + GreatestPairs() < least) return bonus;
+  if (!MayReach(score + bonus + GreatestPairs(), least)) return bonus;
   for (std::size_t i = 0; i + 1 < clauses.size(); ++i) {
     const std::size_t left = document_places_[i];
     const std::size_t right = document_places_[i + 1];
@@ -104,37 +109,67 @@ double Scorer::BonusOf(Code code, double score, double least) {
   return bonus;
 }
 
-void Scorer::AddOpenings(std::size_t clause, const std::vector<Code>& codes,
-                         std::vector<double>* bonuses) const {
+// Adds both in one pass: what a clause found is read once.
+void Scorer::AddClause(std::size_t clause, const Link& link,
+                       const std::vector<double>& length_norms, std::vector<double>* scores,
+                       std::vector<double>* bonuses) const {
   const Occurrences& found = *matches_.clauses[clause];
-  const double weight = OpeningWeight(clause);
-  ForEachCommon(codes, found.codes, [&](std::size_t i, std::size_t place) {
-    if (IsOpening(found, place)) (*bonuses)[i] += weight;
-  });
+  const double weight = ClauseWeight(clause);
+  const double opening_weight = OpeningWeight(clause);
+  const FirstPositions firsts(found);
+  const auto add = [&](std::size_t i, std::size_t place) {
+    (*scores)[i] += ScoreOfCount(weight, found.counts[place], length_norms[i]);
+    if (IsOpening(firsts[place])) (*bonuses)[i] += opening_weight;
+  };
+  for (std::size_t i = 0; i < link.places.size(); ++i) {
+    const std::size_t place = link.places[i];
+    if (place == kNoPlace) continue;
+    link.is_of_codes ? add(i, place) : add(place, i);
+  }
 }
 
-// Looks for the rarest of the three in the others.
+Scorer::Link Scorer::LinkOf(std::size_t clause, const std::vector<Code>& codes) const {
+  const std::vector<Code>& found = matches_.clauses[clause]->codes;
+  const bool is_of_codes = codes.size() <= found.size();
+  return {is_of_codes, is_of_codes ? PlacesOf(codes, found) : PlacesOf(found, codes)};
+}
+
+// Looks for the rarest of the three in the others. Links hold what was looked for before.
 void Scorer::AddPairs(std::size_t clause, const std::vector<Code>& codes,
-                      std::vector<double>* bonuses) {
+                      const std::vector<Link>& links, std::vector<double>* bonuses) {
   const std::vector<Code>& first = matches_.clauses[clause]->codes;
   const std::vector<Code>& next = matches_.clauses[clause + 1]->codes;
-  const auto is_shorter = [](const auto* a, const auto* b) { return a->size() < b->size(); };
-  const std::vector<Code>& rarest = *std::min({&codes, &first, &next}, is_shorter);
-  const std::vector<Place> in_codes = PlacesOf(rarest, codes);
-  const std::vector<Place> in_first = PlacesOf(rarest, first);
-  const std::vector<Place> in_next = PlacesOf(rarest, next);
-  for (std::size_t i = 0; i < rarest.size(); ++i) {
-    if (in_codes[i] == kNoPlace || in_first[i] == kNoPlace || in_next[i] == kNoPlace) continue;
-    (*bonuses)[in_codes[i]] += BonusOfPair(clause, in_first[i], in_next[i]);
+  if (links[clause].is_of_codes && links[clause + 1].is_of_codes) {
+    const std::vector<Place>& in_first = links[clause].places;
+    const std::vector<Place>& in_next = links[clause + 1].places;
+    for (std::size_t i = 0; i < codes.size(); ++i) {
+      if (in_first[i] == kNoPlace || in_next[i] == kNoPlace) continue;
+      (*bonuses)[i] += BonusOfPair(clause, in_first[i], in_next[i]);
+    }
+    return;
+  }
+  const bool is_first_rarer = first.size() <= next.size();
+  const std::vector<Place>& in_codes = links[is_first_rarer ? clause : clause + 1].places;
+  const std::vector<Place> in_other =
+      is_first_rarer ? PlacesOf(first, next) : PlacesOf(next, first);
+  for (std::size_t i = 0; i < in_other.size(); ++i) {
+    if (in_codes[i] == kNoPlace || in_other[i] == kNoPlace) continue;
+    (*bonuses)[in_codes[i]] +=
+        is_first_rarer ? BonusOfPair(clause, i, in_other[i]) : BonusOfPair(clause, in_other[i], i);
   }
 }
 
 std::vector<double> Scorer::Scores(const std::vector<Code>& codes) {
-  std::vector<double> scores = Bm25Scores(codes);
-  if (!matches_.with_positions) return scores;
+  if (!matches_.with_positions) return Bm25Scores(codes);
+  const std::vector<double> length_norms = LengthNorms(codes);
+  std::vector<double> scores(codes.size());
   std::vector<double> bonuses(codes.size());
-  for (std::size_t i = 0; i < matches_.clauses.size(); ++i) AddOpenings(i, codes, &bonuses);
-  for (std::size_t i = 0; i + 1 < matches_.clauses.size(); ++i) AddPairs(i, codes, &bonuses);
+  std::vector<Link> links;
+  for (std::size_t i = 0; i < matches_.clauses.size(); ++i) {
+    links.push_back(LinkOf(i, codes));
+    AddClause(i, links.back(), length_norms, &scores, &bonuses);
+  }
+  for (std::size_t i = 0; i + 1 < links.size(); ++i) AddPairs(i, codes, links, &bonuses);
   for (std::size_t i = 0; i < scores.size(); ++i) scores[i] += bonuses[i];
   return scores;
 }

@@ -24,6 +24,13 @@ struct ScoringParameters {
 // A document opens with so many words, which are likely to be its title or to say what it is about.
 constexpr Position kOpeningWords = 15;
 
+// Returns whether a score may be `least` or more, whose parts make `most` if they are added in
+// another order, which rounds otherwise.
+inline bool MayReach(double most, double least) {
+  constexpr double kRounding = 1 + 1e-9;
+  return most * kRounding >= least;
+}
+
 // The occurrences of each clause in one segment, in the order of the idfs. Where they stand counts
 // only where positions are known.
 struct ClauseMatches {
@@ -53,11 +60,20 @@ class Scorer {
   std::vector<double> Scores(const std::vector<Code>& codes);
 
  private:
-  void AddClause(std::size_t clause, const std::vector<Code>& codes,
-                 const std::vector<double>& length_norms, std::vector<double>* scores) const;
-  void AddOpenings(std::size_t clause, const std::vector<Code>& codes,
-                   std::vector<double>* bonuses) const;
-  void AddPairs(std::size_t clause, const std::vector<Code>& codes, std::vector<double>* bonuses);
+  // The places of the shorter list of codes in the longer one: those to be scored and those of a
+  // clause.
+  struct Link {
+    bool is_of_codes = false;  // the ones to be scored are no more than those of the clause
+    std::vector<Place> places;
+  };
+
+  std::vector<double> LengthNorms(const std::vector<Code>& codes) const;
+  Link LinkOf(std::size_t clause, const std::vector<Code>& codes) const;
+  void AddClause(std::size_t clause, const Link& link, const std::vector<double>& length_norms,
+                 std::vector<double>* scores, std::vector<double>* bonuses) const;
+  void AddPairs(std::size_t clause, const std::vector<Code>& codes, const std::vector<Link>& links,
+                std::vector<double>* bonuses);
+  double ClauseWeight(std::size_t clause) const;
   double PairWeight(std::size_t clause) const;
   double OpeningWeight(std::size_t clause) const;
   double GreatestPairs() const;

@@ -28,6 +28,9 @@ class TopDocuments {
     Keep(document);
   }
 
+  // Returns the lowest score that a document which is added now may have to be kept.
+  double least_score() const { return is_full_ ? best_.front().score : 0; }
+
   // Returns them, in any order, and those of the same score as the last of them. Nothing may be
   // added after it.
   std::vector<RankedDocument> Take();

@@ -17,13 +17,6 @@ void Occurrences::Append(Code code, Positions where) {
   starts.push_back(static_cast<std::uint32_t>(positions.size()));
 }
 
-Position FirstPosition(const Occurrences& found, std::size_t index) {
-  const std::string_view record = found.record.view();
-  const std::size_t start = found.starts[index];
-  if (record.empty()) return found.positions[start];
-  return EncodedPositions(record.data() + start, found.counts[index])[0];
-}
-
 Positions Known(Positions positions) {
   if (positions.count == 0 || *positions.first != 0) return positions;
   const Position* const first = std::upper_bound(positions.begin(), positions.end(), Position{0});

@@ -34,9 +34,26 @@ struct Occurrences {
   void Append(Code code, Positions where);
 };
 
-// Returns the first of the positions of found.codes[index], which must have been asked for; 0 if
-// that may be anywhere.
-Position FirstPosition(const Occurrences& found, std::size_t index);
+// Reads the first position of each document, all of which must have been asked for.
+class FirstPositions {
+ public:
+  // Borrows `found`.
+  explicit FirstPositions(const Occurrences& found)
+      : record_(found.record.view().data()),
+        starts_(found.starts.data()),
+        positions_(found.record.view().empty() ? found.positions.data() : nullptr) {}
+
+  // Returns the first position in found.codes[index]; 0 if that may be anywhere.
+  Position operator[](std::size_t index) const {
+    if (positions_ != nullptr) return positions_[starts_[index]];
+    return EncodedPositions(record_ + starts_[index], 1)[0];
+  }
+
+ private:
+  const char* const record_;
+  const std::uint32_t* const starts_;
+  const Position* const positions_;  // null: they are in the record
+};
 
 // Returns the positions, which ascend, without those that may be anywhere: 0, before all others.
 Positions Known(Positions positions);

@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -104,6 +106,73 @@ TEST(RankedSearchTest, BonusMayLiftADocumentIntoTheBest) {
   EXPECT_EQ(Names("x y", segments, options), "a");
   options.proximity_bonus = 10;
   EXPECT_EQ(Names("x y", segments, options), "b");
+}
+
+TEST(RankedSearchTest, WordsThatOpenADocumentCountMore) {
+  const auto at = [](const std::string& name, int place) {
+    std::string text;
+    for (int i = 1; i <= 20; ++i) text += i == place ? "x " : i == 20 ? "y " : "z ";
+    return Plain(name, text);
+  };
+  PlainSegments segments;
+  segments.Add({at("a", 16), at("b", 1), at("c", 15), Plain("d", "z")});
+  SearchOptions options;
+  options.proximity_bonus = 0;
+  const auto best = Ranked("x OR y", segments.snapshot(), options).best;
+  EXPECT_EQ(Names("x OR y", segments, options), "bca");
+  EXPECT_EQ(best[0].score, best[1].score);
+  const double idf = std::log(1 + (4 - 3 + 0.5) / (3 + 0.5));
+  EXPECT_NEAR(best[1].score - best[2].score, options.opening_bonus * idf, 1e-12);
+  options.opening_bonus = 0;
+  EXPECT_EQ(Names("x OR y", segments, options), "abc");
+}
+
+// All bonuses of these are the greatest there are, so that only names tell them apart.
+TEST(RankedSearchTest, BonusesOfEqualDocumentsLoseNoneOfThemToRounding) {
+  const std::string words = "t u v w x";
+  for (int others = 0; others < 60; ++others) {
+    std::vector<DocumentOfWords> documents;
+    for (char name = 'z'; name >= 'a'; --name) documents.push_back(Plain({name}, words));
+    for (int i = 0; i < others; ++i) {
+      documents.push_back(Plain("~" + std::to_string(i), words.substr(i % 5 * 2, 1) + " other"));
+    }
+    PlainSegments segments;
+    segments.Add(documents);
+    SearchOptions options;
+    options.limit = 3;
+    EXPECT_EQ(Names(words, segments, options), "abc") << others;
+  }
+}
+
+// Each way to score does the same: all documents at once, or those alone that may be the best.
+TEST(RankedSearchTest, TheBestAreTheFirstOfAll) {
+  std::mt19937 random(5);
+  for (int i = 0; i < 30; ++i) {
+    std::vector<DocumentOfWords> documents;
+    for (int j = 0; j < 200; ++j) {
+      std::string text;
+      const std::size_t words = 1 + random() % 40;
+      for (std::size_t k = 0; k < words; ++k)
+        text += "abcdefgz"[random() % (2 + random() % 7)] + std::string(" ");
+      documents.push_back(
+          Plain("d" + std::to_string(random() % 1000) + "." + std::to_string(j), text));
+    }
+    PlainSegments segments;
+    segments.Add(documents);
+    for (const std::string query :
+         {"a b", "c OR d OR z", "a OR b OR c OR d", "e f g", "a OR g", "\"a b\" OR c"}) {
+      SearchOptions options;
+      options.limit = 0;
+      const auto all = Ranked(query, segments.snapshot(), options).best;
+      options.limit = 1 + i % 12;
+      const auto best = Ranked(query, segments.snapshot(), options).best;
+      ASSERT_EQ(best.size(), std::min(all.size(), options.limit));
+      for (std::size_t j = 0; j < best.size(); ++j) {
+        EXPECT_EQ(best[j].id.code, all[j].id.code) << query;
+        EXPECT_EQ(best[j].score, all[j].score) << query;
+      }
+    }
+  }
 }
 
 TEST(RankedSearchTest, MatchedTermsAreSortedAndThoseOutsideNot) {

@@ -73,6 +73,17 @@ TEST(PositionReaderTest, PositionsAreSortedWhereverTheyFall) {
   }
 }
 
+TEST(FirstPositionsTest, TheyAreReadWhereverPositionsAre) {
+  EXPECT_EQ(FirstPositions(InRecord({4, 300, 65535}))[0], 4);
+  Occurrences found;
+  const List one = {0, 9};
+  const List two = {300};
+  found.Append(2, {one.data(), one.size()});
+  found.Append(5, {two.data(), two.size()});
+  EXPECT_EQ(FirstPositions(found)[0], 0);
+  EXPECT_EQ(FirstPositions(found)[1], 300);
+}
+
 TEST(PositionReaderTest, AppendedPositionsAreThoseOfTheirDocument) {
   const List first = {3};
   const List second = {1, 2};
