@@ -99,6 +99,12 @@ std::string Checked(std::string text) {
   return text;
 }
 
+// Returns whether the first line of `text` holds its title.
+bool OpensWith(std::string_view title, std::string_view text) {
+  const std::string_view line = SplitAtTitle(text).title;
+  return title.empty() || (title.data() >= line.data() && title.data() < line.data() + line.size());
+}
+
 }  // namespace
 
 std::string Excerpt(std::string_view text, std::size_t max_bytes) {
@@ -124,6 +130,7 @@ Document MakeDocument(std::string text, TitleRule rule, const WordRules& rules) 
   Document document;
   document.title = Excerpt(titled.title, kMaxTitleBytes);
   document.summary = Excerpt(titled.rest, kMaxSummaryBytes);
+  if (!OpensWith(titled.title, text)) text.insert(0, document.title + "\n");
   text = Checked(std::move(text));
   if (rules.strip_encoded) text = StripLines(text);
   if (rules.stop_words.empty()) {

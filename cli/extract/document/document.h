@@ -33,8 +33,9 @@ struct WordRules {
   bool strip_encoded = false;  // blocks of uuencode and base64
 };
 
-// Makes a document of `text` (UTF-8, no NUL). With stop words, words of one or two letters are left
-// out too.
+// Makes a document of `text` (UTF-8, no NUL). A title from further down opens what is indexed too:
+// words that open a document count more in answers. With stop words, words of one or two letters
+// are left out too.
 //   Throws   SkipFile if the text or the words take more than kMaxTextBytes.
 Document MakeDocument(std::string text, TitleRule rule = TitleRule::kFirstLine,
                       const WordRules& rules = {});

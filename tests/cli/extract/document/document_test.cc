@@ -33,6 +33,21 @@ TEST(DocumentTest, SingleLineHasNoSummary) {
   EXPECT_EQ(document.summary, "");
 }
 
+TEST(DocumentTest, ATitleFromFurtherDownOpensTheText) {
+  const std::string badges = "[build] [license]\n\n# Wind tunnels\nText.\n";
+  EXPECT_EQ(MakeDocument(badges, TitleRule::kMarkdown).text, "Wind tunnels\n" + badges);
+  const std::string fields = "---\ndate: today\ntitle: Wind tunnels\n---\nText.\n";
+  EXPECT_EQ(MakeDocument(fields, TitleRule::kMarkdown).text, "Wind tunnels\n" + fields);
+}
+
+TEST(DocumentTest, ATitleThatOpensTheTextIsNotRepeated) {
+  for (const std::string text :
+       {"\n# Wind tunnels\nText.\n", "Wind tunnels\n===\nText.\n", "Text.\n", ""}) {
+    EXPECT_EQ(MakeDocument(text, TitleRule::kMarkdown).text, text);
+    EXPECT_EQ(MakeDocument(text).text, text);
+  }
+}
+
 TEST(DocumentTest, TitleHasAtMost200Bytes) {
   EXPECT_EQ(MakeDocument(std::string(200, 'x')).title, std::string(200, 'x'));
   EXPECT_EQ(MakeDocument(std::string(201, 'x')).title, std::string(200, 'x'));
