@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 namespace kestan_cli {
 namespace {
 
@@ -31,6 +34,39 @@ TEST(PathPatternTest, GlobMatchesTheWholePathOrWhatFollowsASlash) {
   EXPECT_FALSE(Matches("docs/*", "my/docs/b/a.txt"));
   EXPECT_FALSE(Matches("ocs/?.txt", "my/docs/a.txt"));
   EXPECT_FALSE(Matches("*.tx", "my/docs/a.txt"));
+}
+
+TEST(PathPatternTest, GlobMatchesPathsFromTheRoot) {
+  EXPECT_TRUE(Matches("*.txt", "/a.txt"));
+  EXPECT_TRUE(Matches("/*.txt", "/a.txt"));
+  EXPECT_TRUE(Matches("/my/**", "/my/docs/a.txt"));
+  EXPECT_TRUE(Matches("docs/*", "/my/docs/a.txt"));
+  EXPECT_FALSE(Matches("/docs/*", "my/docs/a.txt"));
+}
+
+// The slow, plain twin: the glob, put to each part of the path.
+TEST(PathPatternTest, GlobMatchesWhatItMatchesPartByPart) {
+  const auto by_parts = [](const std::string& pattern, std::string_view path) {
+    const Glob glob(pattern);
+    while (!glob.Matches(path)) {
+      const std::size_t slash = path.find('/');
+      if (slash == std::string_view::npos) return false;
+      path.remove_prefix(slash + 1);
+    }
+    return true;
+  };
+  const std::vector<std::string> parts{"", "a", "b", "/", "a/", "*", "?", "**", "**/", "ab"};
+  for (const std::string& first : parts) {
+    for (const std::string& second : parts) {
+      for (const std::string& third : parts) {
+        const std::string pattern = first + second + third;
+        if (pattern.find_first_of("*?") == std::string::npos) continue;
+        for (const char* const path : {"a", "ab", "/a", "/a/b", "a/b", "a/ab/b", "/b/a/", "//a"}) {
+          EXPECT_EQ(Matches(pattern, path), by_parts(pattern, path)) << pattern << " " << path;
+        }
+      }
+    }
+  }
 }
 
 TEST(PathPatternTest, BytesThatAreNotUtf8AreThemselves) {
