@@ -213,7 +213,7 @@ void PrintRichHits(Search& search, const SearchOptions& options, const SearchRep
     }
     PrintPainted(RichLines(shown, coloured, columns));
   }
-  if (fits && report.total > 0) PrintPainted(TotalLine(report, search.hits().size(), coloured));
+  if (fits) PrintPainted(TotalLine(report, search.hits().size(), coloured));
 }
 
 void PrintPlainHits(const Search& search, const SearchOptions& options) {

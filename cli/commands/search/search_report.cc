@@ -95,8 +95,9 @@ std::string RichLines(const ShownHit& hit, bool coloured, std::size_t columns) {
 }
 
 std::string TotalLine(const SearchReport& report, std::size_t shown, bool coloured) {
-  const std::string line = WithCommas(shown) + " of " + WithCommas(report.total) + " in " +
-                           WithCommas(report.milliseconds) + " ms";
+  const std::string hits =
+      report.total == 0 ? "nothing found" : WithCommas(shown) + " of " + WithCommas(report.total);
+  const std::string line = hits + " in " + WithCommas(report.milliseconds) + " ms";
   return Painted(kFaint, line, coloured) + "\n";
 }
 

@@ -49,7 +49,7 @@ constexpr std::size_t kAnyColumns = std::numeric_limits<std::size_t>::max();
 // a title the start, and of a snippet two lines at most.
 std::string RichLines(const ShownHit& hit, bool coloured, std::size_t columns = kAnyColumns);
 
-// Returns "10 of 1,023 in 3 ms" and a line feed, for `shown` hits.
+// Returns "10 of 1,023 in 3 ms" and a line feed, for `shown` hits; "nothing found in 3 ms" without.
 std::string TotalLine(const SearchReport& report, std::size_t shown, bool coloured);
 
 // Returns one line for each part of the tree, indented by its depth: what it is, how many documents

@@ -131,7 +131,10 @@ TEST_F(SearchTerminalTest, NamesAloneAndCountsAreAsInAPipe) {
   EXPECT_EQ(json["hits"].size(), 13u);
 }
 
-TEST_F(SearchTerminalTest, NothingIsShownOfNoHits) { EXPECT_EQ(Shown({"cow"}), ""); }
+TEST_F(SearchTerminalTest, ATerminalIsToldThatNothingWasFound) {
+  EXPECT_EQ(Shown({"cow"}), "nothing found in N ms\n");
+  EXPECT_EQ(Shown({"-l", "cow"}), "");
+}
 
 TEST_F(SearchTerminalTest, HitWithoutAFileHasNoDate) {
   ASSERT_EQ(Run({"user", "delete", "my.index", "a"}).status, 0);
