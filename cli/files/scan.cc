@@ -125,7 +125,8 @@ class Scanner {
     const std::string reason = is_missing ? "no such file or folder" : ReasonOf(error);
     if (root.missing == MissingPath::kThrow) throw CannotRead(root.shown, reason);
     scan_.missing.insert(root.path);
-    AddSkip(root.path, SkipKind::kUnreadable, reason);
+    scan_.skips.push_back({root.path, SkipKind::kUnreadable, reason,
+                           is_missing ? "check their paths; a disk may not be mounted" : ""});
   }
 
   void AddSkip(const std::string& name, SkipKind kind, const std::string& reason) {

@@ -5,6 +5,7 @@
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace kestan_cli {
@@ -37,19 +38,34 @@ std::string KeyOf(SkipKind kind);
 // Why one file is skipped. The run goes on with the next file.
 class SkipFile : public std::runtime_error {
  public:
-  SkipFile(SkipKind kind, const std::string& reason) : std::runtime_error(reason), kind_(kind) {}
+  SkipFile(SkipKind kind, const std::string& reason, std::string remedy = "")
+      : std::runtime_error(reason), kind_(kind), remedy_(std::move(remedy)) {}
 
   SkipKind kind() const { return kind_; }
+  const std::string& remedy() const { return remedy_; }
 
  private:
   SkipKind kind_;
+  std::string remedy_;
 };
 
 struct Skip {
   std::string name;
   SkipKind kind = SkipKind::kBinary;
-  std::string reason;  // the second half of a sentence: "permission denied"
+  std::string reason;       // the second half of a sentence: "permission denied"
+  std::string remedy = {};  // what helps, without a full stop; "": what helps all of its kind
 };
+
+// Files that were skipped for one reason.
+struct SkipReason {
+  SkipKind kind = SkipKind::kBinary;
+  std::string remedy;       // what a person can do about it: "check their permissions"
+  bool has_remedy = false;  // false: `remedy` says why there is nothing to do
+  unsigned long files = 0;
+};
+
+// Returns the reasons for `skips`, the most frequent first.
+std::vector<SkipReason> ReasonsFor(const std::vector<Skip>& skips);
 
 // Counts `skips` by kind.
 std::map<SkipKind, unsigned long> CountKinds(const std::vector<Skip>& skips);

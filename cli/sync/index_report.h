@@ -2,6 +2,7 @@
 #ifndef KESTAN_CLI_SYNC_INDEX_REPORT_H_
 #define KESTAN_CLI_SYNC_INDEX_REPORT_H_
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -32,6 +33,18 @@ struct IndexReport {
 // 1,234 documents in 4 segments" as a line.
 std::string ReportLine(const IndexReport& report);
 
+// Returns what can be done about the files that were skipped: for each of the three most frequent
+// reasons a line such as "  9 without converter: install poppler-utils, which reads .pdf". Where
+// there are more, those about which nothing can be done come last. "" if nothing was skipped.
+std::string RemedyLines(const std::vector<Skip>& skips);
+
+// Returns ReportLine() and RemedyLines(), in lines of at most `columns` if that is not 0.
+std::string Summary(const IndexReport& report, std::size_t columns);
+
+// Returns a line for each file that should have been indexed, whole or in part, without line feeds;
+// if there are more than `max_lines`, the first of them and one that says how many more there are.
+std::vector<std::string> FailureLines(const IndexReport& report, std::size_t max_lines);
+
 // Returns "skipped 'NAME': REASON", without a line feed. Names are shown as ShownNames shows them.
 std::string SkipLine(const Skip& skip);
 
@@ -45,8 +58,8 @@ std::string NoteLine(const Note& note);
 std::string NoteLines(const std::vector<Note>& notes);
 
 // Returns the report as one line of JSON: the numbers of ReportLine under its words, names as they
-// are stored, "skipped" as
-// an object with a "total" and a number for each kind. "skipped_files" lists the files if
+// are stored, "skipped" as an object with a "total" and a number for each kind, and, if anything
+// was skipped, the "skipped_reasons", the most frequent first. "skipped_files" lists the files if
 // `with_files` is set, and "partial_files" those that were indexed in part, if any. Bytes of names
 // that are not UTF-8 become U+FFFD.
 std::string ReportJson(const IndexReport& report, bool with_files);

@@ -102,7 +102,7 @@ void CarryOut(ChangePlan plan, const RunRules& rules, IndexChange& change, Progr
     try {
       CarryOutOne(candidate, rules.reading(name), plan.all, &plan.vanished, change, report);
     } catch (const SkipFile& skip) {
-      report->skips.push_back({name, skip.kind(), skip.what()});
+      report->skips.push_back({name, skip.kind(), skip.what(), skip.remedy()});
     }
     Interruption::Check();  // which ends converters too
     progress.Advance(candidate.file.state.bytes);

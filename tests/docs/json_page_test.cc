@@ -99,8 +99,8 @@ class JsonPageTest : public testing::Test {
 };
 
 TEST_F(JsonPageTest, NamesTheFieldsOfEveryReport) {
-  ExpectFields("`kestan index`",
-               {"index my.index d --why", "index my.index d", "index half.index half"});
+  ExpectFields("`kestan index`", {"index my.index d --why", "index my.index d",
+                                  "index half.index half", "index other.index d --exclude b"});
   ExpectFields("`kestan search`",
                {"search my.index cat --snippets", "search my.index --explain 'ca*'",
                 "search my.index --explain 'cat OR dog'", "search -i my.index -i my.index cat"});

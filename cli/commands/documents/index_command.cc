@@ -1,5 +1,7 @@
 #include "cli/commands/documents/index_command.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <set>
@@ -7,6 +9,7 @@
 #include <utility>
 
 #include "cli/commands/commands.h"
+#include "cli/console/columns.h"
 #include "cli/console/diagnostics.h"
 #include "cli/console/interruption.h"
 #include "cli/console/message.h"
@@ -110,11 +113,12 @@ void ForgetSkipsOf(const VanishedDocuments& vanished, const IndexScope& scope,
 
 bool IsFailed(const Skip& skip) { return IsFailure(skip.kind); }
 
+// On a terminal, so many that the summary is still to be seen.
 void ReportFailures(const IndexReport& report) {
-  for (const Skip& skip : report.skips) {
-    if (IsFailed(skip)) ReportProblem(SkipLine(skip));
-  }
-  for (const Note& note : report.notes) ReportProblem(NoteLine(note));
+  constexpr std::size_t kLinesOnTerminal = 10;
+  const bool is_terminal = isatty(STDERR_FILENO) == 1;
+  const std::size_t max_lines = is_terminal ? kLinesOnTerminal : std::string::npos;
+  for (const std::string& line : FailureLines(report, max_lines)) ReportProblem(line);
 }
 
 void PrintIndexReport(const IndexReport& report, const IndexOptions& options) {
@@ -122,7 +126,9 @@ void PrintIndexReport(const IndexReport& report, const IndexOptions& options) {
       options.why ? SkipLines(report.skips) + NoteLines(report.notes) : std::string();
   PrintReport(
       options.report, [&] { return ReportJson(report, options.why); },
-      [&] { return reasons + ReportLine(report); });
+      [&] {
+        return reasons + Summary(report, OutputIsTerminal() ? ColumnsOfTerminal(STDOUT_FILENO) : 0);
+      });
   if (options.report == ReportFormat::kNone) PrintIfRead(reasons);
 }
 

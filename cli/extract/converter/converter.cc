@@ -137,9 +137,12 @@ std::string Convert(const Converter& converter, const std::string& name,
   const std::string& program = converter.command.front();
   const std::string path = FindProgram(program);
   if (path.empty()) {
-    const std::string remedy = converter.package.empty() ? "" : "; install " + converter.package;
-    throw SkipFile(SkipKind::kNoConverter, "no converter for ." + converter.extension + " (" +
-                                               OneLine(program) + " is missing" + remedy + ")");
+    const bool is_known = !converter.package.empty();
+    const std::string remedy = "install " + (is_known ? converter.package : OneLine(program));
+    throw SkipFile(SkipKind::kNoConverter,
+                   "no converter for ." + converter.extension + " (" + OneLine(program) +
+                       " is missing" + (is_known ? "; " + remedy : "") + ")",
+                   remedy + ", which reads ." + converter.extension);
   }
   std::vector<std::string> arguments;
   for (const std::string& word : converter.command) arguments.push_back(WithName(word, name));

@@ -5,6 +5,7 @@
 
 #include "cli/console/message.h"
 #include "cli/extract/module/module_file.h"
+#include "cli/files/paths.h"
 #include "cli/files/skip.h"
 
 namespace kestan_cli {
@@ -42,7 +43,9 @@ const MailReader& LoadedMailReader() {
   Loading& loading = TheLoading();
   if (loading.reader == nullptr && loading.problem.empty()) Load(&loading);
   if (loading.reader != nullptr) return *loading.reader;
-  throw SkipFile(SkipKind::kUnreadable, "the module that reads mail cannot be loaded");
+  const std::string module(LastPart(KESTAN_MAIL_READER_PATH));
+  throw SkipFile(SkipKind::kUnreadable, "needs " + module + ", which cannot be loaded",
+                 "install " + module + " again: the last line says what is wrong with it");
 }
 
 std::string MailReaderProblem() { return TheLoading().problem; }

@@ -9,6 +9,7 @@
 
 #include "cli/console/message.h"
 #include "cli/extract/module/module_file.h"
+#include "cli/files/paths.h"
 #include "cli/files/skip.h"
 
 namespace kestan_cli {
@@ -34,15 +35,17 @@ void Load(Loading* loading) {
   std::error_code error;
   const std::string program = std::filesystem::read_symlink(kProgram, error).string();
   if (error) {
-    loading->problem = std::string("cannot find the module that reads HTML: ") + kProgram + ": " +
-                       ReasonOf(error.value());
+    loading->problem =
+        std::string("cannot find the module that reads HTML, packed files and other encodings: ") +
+        kProgram + ": " + ReasonOf(error.value());
     return;
   }
   const ModulePlace place{program, KESTAN_READERS_PATH};
   std::string reason;
   const Readers* const readers = OpenModule(place, KESTAN_READERS_VERSION, &reason);
   if (readers == nullptr) {
-    loading->problem = "cannot load " + Quoted(place.Path()) + ", which reads HTML: " + reason;
+    loading->problem = "cannot load " + Quoted(place.Path()) +
+                       ", which reads HTML, packed files and other encodings: " + reason;
     return;
   }
   UseReaders(*readers);
@@ -54,7 +57,9 @@ const Readers& LoadedReaders() {
   Loading& loading = TheLoading();
   if (loading.readers == nullptr && loading.problem.empty()) Load(&loading);
   if (loading.readers != nullptr) return *loading.readers;
-  throw SkipFile(SkipKind::kUnreadable, "the module that reads HTML cannot be loaded");
+  const std::string module(LastPart(KESTAN_READERS_PATH));
+  throw SkipFile(SkipKind::kUnreadable, "needs " + module + ", which cannot be loaded",
+                 "install " + module + " again: the last line says what is wrong with it");
 }
 
 std::string ReadersProblem() { return TheLoading().problem; }

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "tests/support/temp_dir.h"
 
@@ -45,6 +46,68 @@ TEST(IndexReportTest, OneOfEachIsNoPlural) {
   EXPECT_NE(ReportLine(report).find(", 1 document in 1 segment\n"), std::string::npos);
 }
 
+TEST(IndexReportTest, NumbersHaveCommas) {
+  IndexReport report;
+  report.added = report.unchanged = 1234;
+  EXPECT_EQ(ReportLine(report).substr(0, 12), "added 1,234,");
+  EXPECT_NE(ReportLine(report).find("unchanged 1,234,"), std::string::npos);
+}
+
+// Returns so many skips of one kind.
+std::vector<Skip> Skips(std::size_t count, SkipKind kind, const std::string& remedy = "") {
+  return std::vector<Skip>(count, {"a", kind, "", remedy});
+}
+
+std::vector<Skip> operator+(std::vector<Skip> left, const std::vector<Skip>& right) {
+  left.insert(left.end(), right.begin(), right.end());
+  return left;
+}
+
+TEST(IndexReportTest, RemediesOfTheThreeMostFrequentReasonsAreLines) {
+  const auto skips = Skips(1, SkipKind::kName) + Skips(3, SkipKind::kNoConverter, "install x") +
+                     Skips(2, SkipKind::kNoConverter, "install y") + Skips(4, SkipKind::kIgnored);
+  EXPECT_EQ(RemedyLines(skips),
+            "  4 ignored: .gitignore, .ignore or version control says so; --no-ignore takes them\n"
+            "  3 without converter: install x\n"
+            "  2 without converter: install y\n");
+  EXPECT_EQ(RemedyLines({}), "");
+}
+
+TEST(IndexReportTest, WhatCannotBeHelpedComesLast) {
+  const auto binary = Skips(1000, SkipKind::kBinary);
+  const std::string line = "  1,000 binary files: pictures, programs and the like hold no text\n";
+  const auto two = Skips(3, SkipKind::kChanging) + Skips(2, SkipKind::kTooLarge);
+  EXPECT_EQ(RemedyLines(binary), line);
+  EXPECT_EQ(RemedyLines(binary + two), line +
+                                           "  3 changed meanwhile: run the command again\n"
+                                           "  2 too large: split them; --why names them\n");
+  EXPECT_EQ(RemedyLines(binary + two + Skips(1, SkipKind::kName)),
+            "  3 changed meanwhile: run the command again\n"
+            "  2 too large: split them; --why names them\n"
+            "  1 unusable name: rename them, without line feeds\n");
+}
+
+TEST(IndexReportTest, SummaryFitsATerminal) {
+  EXPECT_EQ(Summary(Example(), 0), ReportLine(Example()) + RemedyLines(Example().skips));
+  EXPECT_EQ(Summary(Example(), 70),
+            "added 1, updated 2, moved 3, removed 4, unchanged 5, skipped 3 (2\n"
+            "    binary files, 1 unusable name), 1,234 documents in 4 segments\n"
+            "  2 binary files: pictures, programs and the like hold no text\n"
+            "  1 unusable name: rename them, without line feeds\n");
+}
+
+TEST(IndexReportTest, FailuresAreNamedUpToALimit) {
+  using Lines = std::vector<std::string>;
+  IndexReport report = Example();
+  report.notes = {{"d/c", "cut"}, {"d/d", "cut"}};
+  const Lines all{"skipped 'd/b\\n': its name holds a line feed", "indexed 'd/c' in part: cut",
+                  "indexed 'd/d' in part: cut"};
+  EXPECT_EQ(FailureLines(report, std::string::npos), all);
+  EXPECT_EQ(FailureLines(report, 3), all);
+  EXPECT_EQ(FailureLines(report, 2),
+            (Lines{all[0], all[1], "1 more like these; --why names them all"}));
+}
+
 TEST(IndexReportTest, PathsAreShownAsTheyOpenFromHere) {
   const kestan_tests::TempDir folder;
   std::filesystem::current_path(folder / "");
@@ -65,7 +128,9 @@ TEST(IndexReportTest, JsonHasTheSame) {
   EXPECT_EQ(
       ReportJson(Example(), false),
       R"({"schema":1,"added":1,"updated":2,"moved":3,"removed":4,"unchanged":5,)"
-      R"("new_words":6,"documents":1234,"segments":4,"skipped":{"total":3,"binary":2,"name":1}})"
+      R"("new_words":6,"documents":1234,"segments":4,"skipped":{"total":3,"binary":2,"name":1},)"
+      R"("skipped_reasons":[{"kind":"binary","files":2},)"
+      R"({"kind":"name","files":1,"remedy":"rename them, without line feeds"}]})"
       "\n");
 }
 
@@ -90,6 +155,12 @@ TEST(IndexReportTest, FilesIndexedInPartAreNamed) {
 TEST(IndexReportTest, NothingToIndexSaysWhatThereWas) {
   EXPECT_EQ(NothingToIndex(Example().skips),
             "nothing to index: no text files, 2 binary files, 0 links, 1 unusable name");
+}
+
+TEST(IndexReportTest, NothingToIndexSaysWhatHelps) {
+  EXPECT_EQ(NothingToIndex(Skips(2, SkipKind::kIgnored)),
+            "nothing to index: no text files, 0 binary files, 0 links, 2 ignored; .gitignore, "
+            ".ignore or version control says so; --no-ignore takes them");
 }
 
 }  // namespace

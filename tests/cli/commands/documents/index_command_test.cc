@@ -33,7 +33,9 @@ TEST_F(IndexCommandTest, ReportsWhatWasDone) {
   std::filesystem::create_symlink("b", Path("d/m"));
   EXPECT_EQ(Run({"index", "my.index", "d"}),
             Success("added 2, updated 0, moved 0, removed 0, unchanged 0, skipped 3 "
-                    "(1 binary file, 2 links), 2 documents in 1 segment\n"));
+                    "(1 binary file, 2 links), 2 documents in 1 segment\n"
+                    "  2 links: not followed; name what they lead to, if it lies elsewhere\n"
+                    "  1 binary file: pictures, programs and the like hold no text\n"));
 }
 
 TEST_F(IndexCommandTest, StoresTitleAndSummary) {
@@ -129,14 +131,15 @@ class BadFileTest : public IndexCommandTest {
   // Runs `kestan index` on the folder `d`, where one file is good, with a new index.
   void ExpectSkip(
       const std::string& what, const std::string& reason, const std::string& skipped,
-      const InChild& prepare = [] {}) {
+      const std::string& remedy, const InChild& prepare = [] {}) {
     Write("d/good", "cat\n");
     OpenFolderToAll(0777);
-    EXPECT_EQ(Run({"index", "my.index", "d"}, prepare),
-              (Outcome{1,
-                       "added 1, updated 0, moved 0, removed 0, unchanged 0, skipped 1 (" +
-                           skipped + "), 1 document in 1 segment\n",
-                       "kestan: skipped '" + what + "': " + reason + "\n"}));
+    EXPECT_EQ(
+        Run({"index", "my.index", "d"}, prepare),
+        (Outcome{1,
+                 "added 1, updated 0, moved 0, removed 0, unchanged 0, skipped 1 (" + skipped +
+                     "), 1 document in 1 segment\n  " + skipped + ": " + remedy + "\n",
+                 "kestan: skipped '" + what + "': " + reason + "\n"}));
     EXPECT_EQ(List(), "d/good\n");
   }
 };
@@ -144,19 +147,22 @@ class BadFileTest : public IndexCommandTest {
 TEST_F(BadFileTest, UnreadableFile) {
   Write("d/bad", "dog\n");
   ASSERT_EQ(chmod(Path("d/bad").c_str(), 0), 0);
-  ExpectSkip("d/bad", "permission denied", "1 unreadable", GiveUpPrivileges);
+  ExpectSkip("d/bad", "permission denied", "1 unreadable", "check their permissions",
+             GiveUpPrivileges);
 }
 
 TEST_F(BadFileTest, UnreadableDirectory) {
   Write("d/bad/a", "dog\n");
   ASSERT_EQ(chmod(Path("d/bad").c_str(), 0), 0);
-  ExpectSkip("d/bad", "permission denied", "1 unreadable", GiveUpPrivileges);
+  ExpectSkip("d/bad", "permission denied", "1 unreadable", "check their permissions",
+             GiveUpPrivileges);
   ASSERT_EQ(chmod(Path("d/bad").c_str(), 0755), 0);
 }
 
 TEST_F(BadFileTest, NameWithALineFeed) {
   Write("d/two\nlines", "dog\n");
-  ExpectSkip("d/two\\nlines", "its name holds a line feed", "1 unusable name");
+  ExpectSkip("d/two\\nlines", "its name holds a line feed", "1 unusable name",
+             "rename them, without line feeds");
 }
 
 TEST_F(BadInputTest, EmptyDirectory) {

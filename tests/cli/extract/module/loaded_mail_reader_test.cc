@@ -31,7 +31,7 @@ TEST_F(LoadedMailReaderTest, WithoutItMailIsSkippedAndAllElseIsRead) {
   Write("d/b.txt", "roses");
   const Outcome outcome = Run({"index", "--quiet", "my.index", "d"});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_NE(outcome.err.find("skipped 'd/a.eml': the module that reads mail cannot be loaded\n"),
+  EXPECT_NE(outcome.err.find("skipped 'd/a.eml': needs kestan-mail.so, which cannot be loaded\n"),
             std::string::npos)
       << outcome;
   EXPECT_NE(outcome.err.find("kestan-mail.so', which reads mail: no such file or folder\n"),

@@ -15,7 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 
 const std::string kPage = "<title>Roses</title><p>all about roses";
-const std::string kSkipped = "the module that reads HTML cannot be loaded\n";
+const std::string kSkipped = "needs kestan-readers.so, which cannot be loaded\n";
 
 // The way from the folder of the command to the module, in the build as where they are installed.
 std::string WayToModule() {
@@ -48,7 +48,8 @@ class LoadedReadersTest : public CommandTest {
 
   // The last line of a run that needed the module.
   std::string Line(const std::string& reason) const {
-    return "kestan: cannot load '" + Module() + "', which reads HTML: " + reason + "\n";
+    return "kestan: cannot load '" + Module() +
+           "', which reads HTML, packed files and other encodings: " + reason + "\n";
   }
 
   Outcome Index() { return Run({"index", "--quiet", "my.index", "d"}); }
@@ -82,7 +83,9 @@ TEST_F(LoadedReadersTest, WithoutItPagesAreSkippedAndOneLineSaysWhatIsMissing) {
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.out,
             "added 1, updated 0, moved 0, removed 0, unchanged 0, skipped 2 (2 unreadable), "
-            "1 document in 1 segment\n");
+            "1 document in 1 segment\n"
+            "  2 unreadable: install kestan-readers.so again: the last line says what is wrong "
+            "with it\n");
   EXPECT_EQ(outcome.err, "kestan: skipped 'd/a.html': " + kSkipped +
                              "kestan: skipped 'd/c.html': " + kSkipped +
                              Line("no such file or folder"));
