@@ -69,6 +69,7 @@ struct Command {
   bool hidden = false;             // left out of help and manual: only the build uses it
   std::string group_purpose = {};  // of a command with two words: the purpose of its group
   Arguments aliases = {};          // other names of a command with one word
+  Arguments starts = {};           // what arguments may begin with, for completion: "type:"
 };
 
 // Returns the long name of an option: "--null" of "-0,--null".

@@ -26,7 +26,14 @@ std::string BashCompletion(const std::vector<Command>& commands) {
          "  if [ \"$COMP_CWORD\" -gt 2 ] || [ \"${words#--}\" != \"$words\" ]; then\n"
          "    [ \"${now#-}\" != \"$now\" ] || words=$values\n"
          "  fi\n"
+         "  if [ -z \"$words\" ] && [ -n \"$now\" ] && [ \"$COMP_CWORD\" -gt 2 ]; then\n"
+         "    case ${COMP_WORDS[COMP_CWORD-1]} in\n"
+         "      -*) ;;\n"
+         "      *) words=$(_kestan_starts \"${COMP_WORDS[1]}\" '') ;;\n"
+         "    esac\n"
+         "  fi\n"
          "  mapfile -t COMPREPLY < <(compgen -W \"$words\" -- \"$now\")\n"
+         "  case ${COMPREPLY[0]} in *:) compopt -o nospace 2>/dev/null ;; esac\n"
          "}\n"
          "complete -o default -F _kestan kestan\n";
 }

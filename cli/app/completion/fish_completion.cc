@@ -31,6 +31,9 @@ std::string FishCompletion(const std::vector<Command>& commands) {
                SecondWords(group) + "' -a '" + SecondWords(group) + "'\n";
     }
     for (const Command* command : group.commands) {
+      if (!command->starts.empty()) {
+        lines += "complete -c kestan -n " + seen + " -a '" + Joined(command->starts, " ") + "'\n";
+      }
       for (const Option& option : command->options) {
         lines += "complete -c kestan -n " + seen + FishOption(option) + "\n";
       }

@@ -55,6 +55,19 @@ std::string CasesOfValues(const std::vector<CommandGroup>& groups) {
   return cases + "  esac\n";
 }
 
+// Returns a case that prints what arguments of the command $1 may begin with.
+std::string CasesOfStarts(const std::vector<CommandGroup>& groups) {
+  std::string cases = "  case \"$1 $2\" in\n";
+  for (const CommandGroup& group : groups) {
+    for (const Command* command : group.commands) {
+      if (command->starts.empty()) continue;
+      cases +=
+          "    " + PatternOf(group, "*") + ") echo \"" + Joined(command->starts, " ") + "\" ;;\n";
+    }
+  }
+  return cases + "  esac\n";
+}
+
 }  // namespace
 
 std::string ShellQuoted(const std::string& text) {
@@ -66,7 +79,7 @@ std::string ShellQuoted(const std::string& text) {
 
 std::string WordFunctions(const std::vector<CommandGroup>& groups) {
   return "_kestan_words() {\n" + CasesOf(groups) + "}\n_kestan_values() {\n" +
-         CasesOfValues(groups) + "}\n";
+         CasesOfValues(groups) + "}\n_kestan_starts() {\n" + CasesOfStarts(groups) + "}\n";
 }
 
 }  // namespace kestan_cli

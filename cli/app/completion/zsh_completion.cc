@@ -21,7 +21,12 @@ std::string ZshCompletion(const std::vector<Command>& commands) {
          "  if (( $#values )); then compadd -a values; return; fi\n"
          "  next=(${=\"$(_kestan_words \"$words[2]\" \"$words[3]\")\"})\n"
          "  if [[ \"$next[1]\" != --* && CURRENT -eq 3 ]]; then compadd -a next; return; fi\n"
-         "  if [[ \"$PREFIX\" == -* ]]; then compadd -a next; else _files; fi\n"
+         "  if [[ \"$PREFIX\" == -* ]]; then compadd -a next; return; fi\n"
+         "  if (( CURRENT > 3 && $#PREFIX )) && [[ \"$words[CURRENT-1]\" != -* ]]; then\n"
+         "    next=(${=\"$(_kestan_starts \"$words[2]\" '')\"})\n"
+         "    compadd -S '' -a next && return\n"
+         "  fi\n"
+         "  _files\n"
          "}\n"
          "compdef _kestan kestan\n";
 }

@@ -354,6 +354,7 @@ Command SearchCommand() {
        "kestan search mail.index 'invoice from:ann after:2024 -type:html'"},
       RunSearchCommand};
   command.takes_dashes = true;
+  command.starts = {"path:", "type:", "after:", "before:", "title:", "from:"};
   return command;
 }
 

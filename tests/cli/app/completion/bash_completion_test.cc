@@ -39,5 +39,14 @@ TEST_F(BashCompletionTest, OffersTheValuesOfAnOption) {
   EXPECT_EQ(Offers("kestan search --color a", 4), "auto always\n");
 }
 
+TEST_F(BashCompletionTest, OffersFiltersWhereAQueryMayStand) {
+  EXPECT_EQ(Offers("kestan search my.index t", 4), "type: title:\n");
+  EXPECT_EQ(Offers("kestan search my.index cat bef", 5), "before:\n");
+  EXPECT_EQ(Offers("kestan search my.index ''", 4), "\n");
+  EXPECT_EQ(Offers("kestan search t", 3), "\n");     // the index
+  EXPECT_EQ(Offers("kestan search -i t", 4), "\n");  // the value of an option
+  EXPECT_EQ(Offers("kestan list my.index t", 4), "\n");
+}
+
 }  // namespace
 }  // namespace kestan_tests

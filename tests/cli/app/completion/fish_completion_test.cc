@@ -14,8 +14,10 @@ TEST_F(FishCompletionTest, OffersWhatMayFollow) {
   WriteCompletion("fish");
   Write("try",
         "source completion; for line in 'kestan se' 'kestan title ' 'kestan title get --j'"
-        " 'kestan search --order b'\ncomplete -C $line | string split -f 1 \\t\nend");
-  EXPECT_EQ(Shell("HOME=. fish --no-config try 2>&1"), "search\ndelete\nget\nset\n--json\nbest\n");
+        " 'kestan search --order b' 'kestan search my.index ty'\ncomplete -C $line | string split "
+        "-f 1 \\t\nend");
+  EXPECT_EQ(Shell("HOME=. fish --no-config try 2>&1"),
+            "search\ndelete\nget\nset\n--json\nbest\ntype:\n");
 }
 
 }  // namespace

@@ -28,6 +28,10 @@ TEST(ShellWordsTest, FunctionsHaveACaseForEachCommandAndEachChoice) {
             "  case \"$1 $2\" in\n"
             "    find\\ --order) echo \"best name\" ;;\n"
             "  esac\n"
+            "}\n"
+            "_kestan_starts() {\n"
+            "  case \"$1 $2\" in\n"
+            "  esac\n"
             "}\n");
 }
 
@@ -44,6 +48,24 @@ TEST(ShellWordsTest, AliasesShareTheCasesOfTheCommand) {
             "_kestan_values() {\n"
             "  case \"$1 $2\" in\n"
             "    find\\ --order|seek\\ --order) echo \"best\" ;;\n"
+            "  esac\n"
+            "}\n"
+            "_kestan_starts() {\n"
+            "  case \"$1 $2\" in\n"
+            "  esac\n"
+            "}\n");
+}
+
+TEST(ShellWordsTest, StartsOfArgumentsHaveACaseForEachCommandThatKnowsSome) {
+  std::vector<Command> commands{{"find", "", {}, {}, "", {}, nullptr},
+                                {"list", "", {}, {}, "", {}, nullptr}};
+  commands[0].starts = {"a:", "b:"};
+  commands[0].aliases = {"seek"};
+  const std::string functions = WordFunctions(GroupsOf(commands));
+  EXPECT_EQ(functions.substr(functions.find("_kestan_starts")),
+            "_kestan_starts() {\n"
+            "  case \"$1 $2\" in\n"
+            "    find\\ *|seek\\ *) echo \"a: b:\" ;;\n"
             "  esac\n"
             "}\n");
 }

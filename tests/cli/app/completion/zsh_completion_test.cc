@@ -14,8 +14,10 @@ TEST_F(ZshCompletionTest, ZshRunsItsFunctions) {
   WriteCompletion("zsh");
   Write("try",
         "compdef() { echo $*; }; . ./completion\n_kestan_words title ''\n"
-        "_kestan_values search --order");
-  EXPECT_EQ(Shell("zsh -f try 2>&1"), "_kestan kestan\nget set delete\nbest name\n");
+        "_kestan_values search --order\n_kestan_starts search ''");
+  EXPECT_EQ(Shell("zsh -f try 2>&1"),
+            "_kestan kestan\nget set delete\nbest name\n"
+            "path: type: after: before: title: from:\n");
 }
 
 }  // namespace
