@@ -120,9 +120,12 @@ LoadedFile LoadFile(const std::string& name, const ReadingRules& rules) {
   file.Read(&piece);
   loaded.head.packed = piece.substr(0, kHeadBytes);
   ChooseReading(rules.converters, &loaded);
-  loaded.is_mailbox = loaded.converter == nullptr && IsMailbox(loaded.head.packed) &&
-                      FormatOf(name, loaded.head.packed) == Format::kText;
-  if (loaded.is_mailbox) return loaded;
+  loaded.is_archive = IsReadAsArchive(name, loaded.head.packed, rules.converters);
+  if (loaded.is_archive && !rules.archives) {
+    throw SkipFile(SkipKind::kArchive, "an archive; --archives reads what is in it");
+  }
+  loaded.is_mailbox = IsReadAsMailbox(loaded);
+  if (loaded.is_archive || loaded.is_mailbox) return loaded;
   if (IsPacked(loaded)) {
     Unpack(file, piece, rules, &loaded);
   } else if (loaded.converter == nullptr) {
@@ -153,6 +156,50 @@ LoadedFile MessageOf(const std::string& name, const std::string& path, std::uint
   return message;
 }
 
+bool IsReadAsMailbox(const LoadedFile& file) {
+  return file.converter == nullptr && IsMailbox(file.head.packed) &&
+         FormatOf(file.name, file.head.packed) == Format::kText;
+}
+
+bool IsBinaryMember(const std::string& name, std::string_view before, std::string_view piece,
+                    const Converters& converters) {
+  if (piece.find('\0') == std::string_view::npos) return false;
+  LoadedFile member;
+  member.name = name;
+  member.head.packed = (before.empty() ? piece : before).substr(0, kHeadBytes);
+  ChooseReading(converters, &member);
+  return member.converter == nullptr && !IsPacked(member) &&
+         !IsReadAsArchive(name, member.head.packed, converters) &&
+         !MayHaveNul(member, member.head.packed);
+}
+
+LoadedFile MemberOf(const std::string& name, const std::string& path, std::string bytes,
+                    const ReadingRules& rules) {
+  LoadedFile member;
+  member.name = name;
+  member.head.packed = bytes.substr(0, kHeadBytes);
+  member.is_member = true;
+  ContentHash hash;
+  hash.Add(bytes);
+  member.fingerprint.state.bytes = bytes.size();
+  member.fingerprint.hash = hash.Digits();
+  member.fingerprint.container_bytes = path.size();
+  ChooseReading(rules.converters, &member);
+  if (!IsPacked(member)) {
+    if (IsBinaryMember(name, {}, bytes, rules.converters)) {
+      throw SkipFile(SkipKind::kBinary, "binary file");
+    }
+    member.bytes = std::move(bytes);
+    return member;
+  }
+  bool is_first = true;
+  const PieceSource source = [&] {
+    return std::exchange(is_first, false) ? std::string_view(bytes) : std::string_view();
+  };
+  UnpackFile(source, rules.converters, rules.max_bytes, false, &member);
+  return member;
+}
+
 bool IsReadAlike(const LoadedFile& file, const std::string& name, const Fingerprint& fingerprint,
                  const ReadingRules& rules) {
   const std::string then =
@@ -161,7 +208,7 @@ bool IsReadAlike(const LoadedFile& file, const std::string& name, const Fingerpr
 }
 
 void ConvertFile(LoadedFile* file, const CommandLimits& limits) {
-  if (IsPacked(*file)) {
+  if (IsPacked(*file) || file->is_member) {
     const TemporaryFile unpacked("." + file->converter->extension, file->bytes);
     file->bytes = Convert(*file->converter, unpacked.path(), limits);
     return;

@@ -21,12 +21,29 @@ struct LoadedFile {
   std::string bytes;        // unpacked; empty with a converter, but for what it is to convert
   std::string inner_name;   // by which it is read: without the extensions of compression
   bool is_message = false;  // out of a mailbox
-  bool is_mailbox = false;  // nothing but its head was read: it holds any number of documents
+  bool is_member = false;   // out of an archive
+  // Of these two, nothing but the head was read: they hold any number of documents.
+  bool is_mailbox = false;
+  bool is_archive = false;
 };
 
 // Returns the message `bytes`, which is at `offset` in the mailbox `path` and has the name `name`.
 LoadedFile MessageOf(const std::string& name, const std::string& path, std::uint64_t offset,
                      std::string bytes);
+
+// Returns the member `bytes` of the archive `path`, which has the name `name`, unpacked if it is
+// compressed.
+//   Throws   SkipFile if it cannot be unpacked, or is binary and has no converter.
+LoadedFile MemberOf(const std::string& name, const std::string& path, std::string bytes,
+                    const ReadingRules& rules);
+
+// Returns whether a member called `name` cannot be text, as far as `piece` tells, which follows
+// `before`.
+bool IsBinaryMember(const std::string& name, std::string_view before, std::string_view piece,
+                    const Converters& converters);
+
+// Returns whether `file`, of which the head is known, is a mailbox.
+bool IsReadAsMailbox(const LoadedFile& file);
 
 // Reads the file `name` to its end, and unpacks it if it is compressed; a binary file only until
 // its first NUL.

@@ -14,6 +14,9 @@
 #include "cli/console/message.h"
 #include "cli/extract/charset/ascii.h"
 #include "cli/extract/document/title.h"
+#include "cli/extract/mail/mail_name.h"
+#include "cli/extract/mail/mailbox.h"
+#include "cli/extract/packed/archive.h"
 #include "cli/files/open_file.h"
 #include "cli/files/skip.h"
 #include "cli/files/stable_file.h"
@@ -97,28 +100,99 @@ void CutTo(std::size_t max_bytes, std::string* text) {
 
 // Reads a message where the index says that it is in its mailbox.
 //   Returns  nothing if something else is there.
-std::optional<std::string> TextOfMessage(const std::string& name, const Fingerprint& fingerprint) {
-  const std::string path = ContainerOf(name, fingerprint);
+std::optional<LoadedFile> LoadMessage(const std::string& name, const std::string& path,
+                                      const Fingerprint& fingerprint) {
   struct stat status {};
-  if (path.empty() || stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return {};
+  if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return {};
   const std::uint64_t bytes = fingerprint.state.bytes;
   const std::uint64_t end = static_cast<std::uint64_t>(status.st_size);
   if (bytes > kMaxShownMessage || fingerprint.offset > end || bytes > end - fingerprint.offset) {
     return {};
   }
-  try {
-    const OpenFile opened = OpenForReading(path);
-    if (fseeko(opened.get(), static_cast<off_t>(fingerprint.offset), SEEK_SET) != 0) return {};
-    std::string message;
-    ReadUpTo(bytes, opened.get(), &message);
-    LoadedFile file = MessageOf(name, path, fingerprint.offset, std::move(message));
-    if (file.fingerprint.hash != fingerprint.hash) return {};
-    FileText text = TextOf(std::move(file));
-    CutTo(kMaxShownText, &text.text);
-    return std::move(text.text);
-  } catch (const SkipFile&) {
-    return {};
+  const OpenFile opened = OpenForReading(path);
+  if (fseeko(opened.get(), static_cast<off_t>(fingerprint.offset), SEEK_SET) != 0) return {};
+  std::string message;
+  ReadUpTo(bytes, opened.get(), &message);
+  LoadedFile file = MessageOf(name, path, fingerprint.offset, std::move(message));
+  if (file.fingerprint.hash != fingerprint.hash) return {};
+  return file;
+}
+
+std::string HashOf(std::string_view bytes) {
+  ContentHash hash;
+  hash.Add(bytes);
+  return hash.Digits();
+}
+
+// Looks for one document among the members of an archive.
+class MemberSearch : public MemberVisitor {
+ public:
+  MemberSearch(const std::string& name, const std::string& path, const Fingerprint& fingerprint,
+               const ReadingRules& rules)
+      : name_(name), path_(path), fingerprint_(fingerprint), rules_(rules) {}
+
+  // Wants what the document may be, or be in: in its name, more than one "#" may follow the path.
+  bool Wants(const std::string& member) override {
+    std::string_view rest = std::string_view(name_).substr(path_.size());
+    while (!rest.empty() && rest.front() == '#') {
+      rest.remove_prefix(1);
+      const bool begins_so = rest.substr(0, member.size()) == member;
+      if (begins_so && (rest.size() == member.size() || rest[member.size()] == '#')) return true;
+    }
+    return false;
   }
+
+  std::string ReasonToSkip(const std::string& /*member*/, const std::string& /*before*/,
+                           std::string_view /*piece*/) override {
+    return "";
+  }
+
+  bool Take(const std::string& /*member*/, std::string bytes) override {
+    if (bytes.size() == fingerprint_.state.bytes && HashOf(bytes) == fingerprint_.hash) {
+      found_ = MemberOf(name_, path_, std::move(bytes), rules_);
+    } else if (IsMailbox(bytes)) {
+      Mailbox mailbox(ArchiveBytesOf(std::string_view(bytes)).next, kMaxShownMessage);
+      for (MailboxMessage message; !found_.has_value() && mailbox.Next(&message);) {
+        if (HashOf(message.bytes) != fingerprint_.hash) continue;
+        found_ = MessageOf(name_, path_, message.offset, std::move(message.bytes));
+      }
+    }
+    return !found_.has_value();
+  }
+
+  void Skip(const std::string& /*member*/, SkipKind /*kind*/,
+            const std::string& /*reason*/) override {}
+
+  std::optional<LoadedFile> Finish() { return std::move(found_); }
+
+ private:
+  const std::string& name_;
+  const std::string& path_;
+  const Fingerprint& fingerprint_;
+  const ReadingRules& rules_;
+  std::optional<LoadedFile> found_;
+};
+
+// Reads the part of the file at `path` that the index has as `name`.
+//   Returns  nothing if it is not there any more, or too far inside.
+std::optional<LoadedFile> LoadPart(const std::string& name, const std::string& path,
+                                   const Fingerprint& fingerprint, const ReadingRules& rules) {
+  StableFile file(path);
+  std::string_view head;
+  file.Read(&head);
+  if (!IsReadAsArchive(path, head.substr(0, kHeadBytes), rules.converters)) {
+    return LoadMessage(name, path, fingerprint);
+  }
+  file.MoveTo(0);
+  ArchiveLimits limits;
+  limits.max_member_bytes = kMaxShownMessage;
+  limits.max_bytes = kMaxConvertedBytes;
+  limits.is_archive = [&](const std::string& member, std::string_view start) {
+    return IsReadAsArchive(member, start, rules.converters);
+  };
+  MemberSearch search(name, path, fingerprint, rules);
+  ReadMembers(ArchiveBytesOf(file), limits, search);
+  return search.Finish();
 }
 
 // Returns whether the index keeps the summary that is made of `text`, or its title if there is no
@@ -154,14 +228,11 @@ IndexedTextReader::IndexedTextReader(const std::vector<std::string>& converters,
 
 std::optional<std::string> IndexedTextReader::Read(const DocumentRecords& document) {
   const auto fingerprint = RecordedFingerprint(document.user);
-  if (fingerprint.has_value() && fingerprint->container_bytes != 0) {
-    return TextOfMessage(document.name, *fingerprint);
-  }
-  if (!fingerprint.has_value() || !IsUnchanged(document.name, fingerprint->state)) {
-    return std::nullopt;
-  }
+  if (!fingerprint.has_value()) return std::nullopt;
+  const bool is_part = fingerprint->container_bytes != 0;
+  if (!is_part && !IsUnchanged(document.name, fingerprint->state)) return std::nullopt;
   try {
-    return TextOfUnchanged(document, *fingerprint);
+    return is_part ? TextOfPart(document, *fingerprint) : TextOfUnchanged(document, *fingerprint);
   } catch (const SkipFile&) {
     return std::nullopt;
   }
@@ -179,6 +250,24 @@ std::optional<std::string> IndexedTextReader::TextOfUnchanged(const DocumentReco
                                                             ReadingRules{converters_, {}, 0, {}});
   FileText text = TextOf(std::move(file));
   if (is_cut) DropCutWord(&text.text);
+  if (!is_read_alike && !BeginsAsIndexed(text, document)) return std::nullopt;
+  CutTo(kMaxShownText, &text.text);
+  return std::move(text.text);
+}
+
+std::optional<std::string> IndexedTextReader::TextOfPart(const DocumentRecords& document,
+                                                         const Fingerprint& fingerprint) {
+  const std::string path = ContainerOf(document.name, fingerprint);
+  if (path.empty()) return std::nullopt;
+  const bool is_read_by_name = fingerprint.reading.empty();
+  const ReadingRules rules{
+      is_read_by_name ? Converters::BuiltIn() : converters_, {}, kMaxShownMessage, {}};
+  std::optional<LoadedFile> file = LoadPart(document.name, path, fingerprint, rules);
+  if (!file.has_value()) return std::nullopt;
+  const bool is_read_alike =
+      is_read_by_name || file->is_message || IsReadAlike(*file, file->name, fingerprint, rules);
+  if (file->converter != nullptr) ConvertInTime(&*file);
+  FileText text = TextOf(std::move(*file));
   if (!is_read_alike && !BeginsAsIndexed(text, document)) return std::nullopt;
   CutTo(kMaxShownText, &text.text);
   return std::move(text.text);

@@ -57,6 +57,8 @@ class IndexedTextReader {
  private:
   std::optional<std::string> TextOfUnchanged(const DocumentRecords& document,
                                              const Fingerprint& fingerprint);
+  std::optional<std::string> TextOfPart(const DocumentRecords& document,
+                                        const Fingerprint& fingerprint);
   void Load(const Converters& converters, LoadedFile* file, bool* is_cut);
   void ConvertInTime(LoadedFile* file);
 

@@ -4,6 +4,7 @@
 
 #include "cli/extract/mail/mail_name.h"
 #include "cli/extract/office/office.h"
+#include "cli/extract/packed/archive_name.h"
 #include "cli/extract/packed/compressed_name.h"
 #include "cli/extract/roff/roff.h"
 #include "cli/files/fingerprint.h"
@@ -71,6 +72,11 @@ std::string ReadingDigitsByName(const std::string& name, const FileHead& head) {
 
 bool IsReadByName(const std::string& name, const FileHead& head, const ReadingRules& rules) {
   return Description(name, head, rules) == Description(name, head, RulesByName());
+}
+
+bool IsReadAsArchive(const std::string& name, std::string_view head, const Converters& converters) {
+  return IsArchive(name, head) && !converters.MayConvert(name) &&
+         !converters.MayConvert(UnpackedName(name));
 }
 
 std::string NameToReadBy(const std::string& name, std::string_view packed_head,

@@ -23,6 +23,7 @@ struct ReadingRules {
   CommandLimits limits;         // of a converter
   std::uint64_t max_bytes = 0;  // of a file that needs none; at most kMaxTextBytes
   WordRules words;
+  bool archives = false;  // whether their members are documents
 };
 
 // The first bytes of a file, at most kHeadBytes.
@@ -42,6 +43,10 @@ std::string ReadingDigitsByName(const std::string& name, const FileHead& head);
 
 // Returns whether the two are the same.
 bool IsReadByName(const std::string& name, const FileHead& head, const ReadingRules& rules);
+
+// Returns whether the file `name`, which begins with `head`, is read as an archive, if its members
+// are documents: it is one, and there is no converter for it.
+bool IsReadAsArchive(const std::string& name, std::string_view head, const Converters& converters);
 
 // Returns the name by which the file is read as `rules` say: without the extensions of compression
 // if it is unpacked.

@@ -9,7 +9,7 @@
 //   in=12                        the document is a part of the file whose path is the first 12
 //   bytes
 //                                of its name; size, time and hash are those of the part
-//   at=3456                      where the part begins in that file
+//   at=3456                      where the part begins in that file; 0 for a member of an archive
 //   of=1234,1700000000.123456789 the size and the time of that file, in one of its documents
 //   date=1700000000              when a message was sent, in seconds since 1970
 //   from="Ann <ann@example.org>" its sender

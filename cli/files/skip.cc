@@ -33,6 +33,7 @@ constexpr std::array kNames{
               ".gitignore, .ignore or version control says so; --no-ignore takes them"},
     KindNames{"no_converter", "without converter", "without converter",
               "install the program that reads them"},
+    KindNames{"archive", "archive", "archives", "--archives reads what is in them"},
     KindNames{"unreadable", "unreadable", "unreadable",
               "they may be damaged; compare them with the originals"},
     KindNames{"conversion", "failed conversion", "failed conversions",

@@ -18,6 +18,7 @@ enum class SkipKind {
   kExcluded,  // by the user's patterns
   kIgnored,   // by ignore files, or as version control's own
   kNoConverter,
+  kArchive,  // whose members are not asked for
   // Those from here on are failures: the user asked for the file, and it is not in the index.
   kUnreadable,
   kConversion,

@@ -79,14 +79,24 @@ bool StableFile::Read(std::string_view* piece) {
   return bytes > 0;
 }
 
-Fingerprint StableFile::Finish() const {
+void StableFile::MoveTo(std::uint64_t at) {
+  if (fseeko(file_.get(), static_cast<off_t>(at), SEEK_SET) != 0) throw Unreadable(errno);
+  bytes_read_ = at;
+}
+
+void StableFile::CheckUnchanged() const {
   struct stat named {};
   if (stat(path_.c_str(), &named) != 0) {
     throw SkipFile(SkipKind::kChanging, "vanished while it was read");
   }
   const struct stat opened = StatusOf(file_.get());
   const bool same = named.st_dev == opened.st_dev && named.st_ino == opened.st_ino;
-  if (!same || StateOf(opened) != state_ || bytes_read_ != state_.bytes) throw Changed();
+  if (!same || StateOf(opened) != state_) throw Changed();
+}
+
+Fingerprint StableFile::Finish() const {
+  CheckUnchanged();
+  if (bytes_read_ != state_.bytes) throw Changed();
   return {state_, hash_.Digits()};
 }
 

@@ -3,6 +3,7 @@
 #define KESTAN_CLI_FILES_STABLE_FILE_H_
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -33,6 +34,13 @@ class StableFile {
   //   Throws   SkipFile if it cannot be read, or has grown since it was opened.
   bool Read(std::string_view* piece);
 
+  // Has Read() go on at `at`, counted from the start. Finish() must not be called any more.
+  //   Throws   SkipFile if that fails.
+  void MoveTo(std::uint64_t at);
+
+  //   Throws   SkipFile if the file has changed since it was opened, or another is at its path.
+  void CheckUnchanged() const;
+
   // Returns the fingerprint of the file after Read() has returned false.
   //   Throws   SkipFile if the file has changed since it was opened, or another is at its path.
   Fingerprint Finish() const;
@@ -42,7 +50,7 @@ class StableFile {
   OpenFile file_;
   FileState state_;
   std::vector<char> piece_;
-  std::uint64_t bytes_read_ = 0;
+  std::uint64_t bytes_read_ = 0;  // as far as the next piece
   ContentHash hash_;
 };
 

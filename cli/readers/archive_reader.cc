@@ -108,7 +108,10 @@ class ArchiveInput {
                           ? input->layers_.Next(&piece)
                           : input->source_.bytes.next(input->source_.bytes.context, &piece);
     *bytes = piece;
-    if (size < 0) return input->Fail(opened, "it cannot be read", 0);
+    if (size < 0) {
+      const char* const reason = &input->layers_.failure().problem.text[0];
+      return input->Fail(opened, *reason != '\0' ? reason : "it cannot be read", 0);
+    }
     input->at_ += static_cast<unsigned long long>(size);
     if (input->is_packed_ && input->at_ > input->max_bytes_) {
       return input->Fail(opened, "it unpacks to more than", input->max_bytes_);

@@ -55,6 +55,38 @@ void AddFile(const FoundFile& file, const KnownDocument* document, Parts* parts,
   plan->to_read.push_back(std::move(candidate));
 }
 
+bool IsFileAmong(const std::vector<FoundFile>& files, const std::string& name) {
+  const auto found = std::lower_bound(
+      files.begin(), files.end(), name,
+      [](const FoundFile& file, const std::string& sought) { return file.name < sought; });
+  return found != files.end() && found->name == name;
+}
+
+bool IsAmong(const std::vector<KnownDocument>& documents, const std::string& name) {
+  return std::any_of(documents.begin(), documents.end(),
+                     [&](const KnownDocument& document) { return document.name == name; });
+}
+
+// Renames the parts of containers that have the names of files.
+//   Returns  the documents in order of their names.
+std::vector<KnownDocument> WithoutNamesOf(const std::vector<FoundFile>& files,
+                                          std::vector<KnownDocument> documents,
+                                          std::vector<PartRename>* renames) {
+  for (KnownDocument& document : documents) {
+    const std::string container = ContainerOf(document);
+    if (container.empty() || !IsFileAmong(files, document.name)) continue;
+    std::string name = document.name;
+    while (IsFileAmong(files, name) || IsAmong(documents, name)) name.insert(container.size(), "#");
+    renames->push_back({document.name, name, *document.fingerprint});
+    document.name = name;
+  }
+  if (renames->empty()) return documents;
+  std::sort(
+      documents.begin(), documents.end(),
+      [](const KnownDocument& left, const KnownDocument& right) { return left.name < right.name; });
+  return documents;
+}
+
 }  // namespace
 
 void VanishedDocuments::Add(const KnownDocument& document) {
@@ -88,10 +120,12 @@ void VanishedDocuments::Take(const KnownDocument& document) {
 }
 
 ChangePlan PlanChanges(const std::vector<FoundFile>& files,
-                       const std::vector<KnownDocument>& documents,
+                       std::vector<KnownDocument> all_documents,
                        const std::function<bool(const std::string&)>& has_vanished, bool all) {
   ChangePlan plan;
   plan.all = all;
+  const std::vector<KnownDocument> documents =
+      WithoutNamesOf(files, std::move(all_documents), &plan.renames);
   Parts parts = PartsAmong(documents);
   auto document = documents.begin();
   const auto pass_documents_before = [&](const FoundFile* file) {

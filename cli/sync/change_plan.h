@@ -55,19 +55,28 @@ class VanishedDocuments {
   std::map<std::string, std::string> containers_;  // of parts, by their names
 };
 
+// A part of a container whose name a file has now.
+struct PartRename {
+  std::string from;
+  std::string to;
+  Fingerprint fingerprint;
+};
+
 struct ChangePlan {
-  std::vector<Candidate> to_read;  // in order of their names
+  std::vector<PartRename> renames;  // before anything else
+  std::vector<Candidate> to_read;   // in order of their names
   std::uint64_t bytes_to_read = 0;
   unsigned long unchanged = 0;
   bool all = false;  // index unchanged files again too
   VanishedDocuments vanished;
 };
 
-// Compares `files` with `documents`, both in order of the bytes of their names. A document whose
-// file is not among the files has vanished if `has_vanished` says so of the file. With `all`, every
-// file is to be read.
+// Compares `files` with `all_documents`, both in order of the bytes of their names. A document
+// whose file is not among the files has vanished if `has_vanished` says so of the file. With `all`,
+// every file is to be read. A document that is a part of a container and has the name of a file
+// gives way to it: it gets a name with one more "#".
 ChangePlan PlanChanges(const std::vector<FoundFile>& files,
-                       const std::vector<KnownDocument>& documents,
+                       std::vector<KnownDocument> all_documents,
                        const std::function<bool(const std::string&)>& has_vanished, bool all);
 
 }  // namespace kestan_cli

@@ -116,6 +116,8 @@ void IndexChange::AddWithRecord(const std::string& name, Document document, std:
 void IndexChange::Move(const std::string& from, const std::string& to,
                        const Fingerprint& fingerprint) {
   const std::string record = WithFingerprint(UserRecordOf(from), fingerprint);
+  renamed_[to] = from;
+  if (is_emptied_) return;
   OpenedWriter& opened = Writer();
   opened.Check(opened.writer().Rename(from, to));
   opened.Check(opened.writer().SetField(to, DocumentField::kHostData, record));
@@ -175,7 +177,8 @@ void IndexChange::CheckWordsAreOfThisVersion() const {
 
 std::string IndexChange::UserRecordOf(const std::string& name) const {
   if (!before_.has_value()) return "";
-  const auto found = before_->FindDocument(name);
+  const auto renamed = renamed_.find(name);
+  const auto found = before_->FindDocument(renamed != renamed_.end() ? renamed->second : name);
   if (found.status().code() == StatusCode::kNotFound) return "";
   CheckStatus(found.status(), path_);
   return found->host_data;

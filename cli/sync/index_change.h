@@ -4,6 +4,7 @@
 
 #include <kestan/search.h>
 
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -48,7 +49,7 @@ class IndexChange {
   void AddPart(const std::string& name, Document document, const Fingerprint& fingerprint,
                const std::string& noted);
 
-  // Renames a document, and stores the fingerprint of its file.
+  // Renames a document, and stores the fingerprint of its file. The user's lines go with it.
   void Move(const std::string& from, const std::string& to, const Fingerprint& fingerprint);
 
   // Stores `fingerprint` for the document `name`, whose file has the same content as before.
@@ -84,7 +85,8 @@ class IndexChange {
   const std::string language_;
   bool is_made_ = false;  // the folder, by this run
   bool has_changes_ = false;
-  bool is_emptied_ = false;  // by RemoveAll()
+  bool is_emptied_ = false;                     // by RemoveAll()
+  std::map<std::string, std::string> renamed_;  // old names by new ones
   std::optional<OpenedWriter> writer_;
   std::optional<kestan::search::IndexReader> before_;
 };

@@ -4,7 +4,7 @@
 
 #include "cli/console/interruption.h"
 #include "cli/files/skip.h"
-#include "cli/sync/mailbox_run.h"
+#include "cli/sync/container_run.h"
 
 namespace kestan_cli {
 namespace {
@@ -81,13 +81,13 @@ void Apply(const Candidate& candidate, Decision decision, IndexChange& change,
 void CarryOutOne(const Candidate& candidate, const ReadingRules& rules, bool all,
                  VanishedDocuments* vanished, IndexChange& change, IndexReport* report) {
   LoadedFile loaded = LoadFile(candidate.file.name, rules);
-  if (loaded.is_mailbox) {
-    return CarryOutMailbox(candidate, {rules, all, vanished, &change, report});
-  }
+  const ContainerTask task{rules, all, vanished, &change, report};
+  if (loaded.is_mailbox) return CarryOutMailbox(candidate, task);
+  if (loaded.is_archive) return CarryOutArchive(candidate, task);
   Decision decision = Decide(candidate, std::move(loaded), rules, all, vanished);
   Interruption::Check();  // which ends converters too
   Apply(candidate, std::move(decision), change, report);
-  // It was a mailbox, and is none any more.
+  // It was a mailbox or an archive, and is none any more.
   for (const KnownDocument& part : candidate.parts) change.Remove(part.name);
   report->removed += candidate.parts.size();
 }
@@ -97,6 +97,10 @@ void CarryOutOne(const Candidate& candidate, const ReadingRules& rules, bool all
 void CarryOut(ChangePlan plan, const RunRules& rules, IndexChange& change, Progress& progress,
               IndexReport* report) {
   report->unchanged += plan.unchanged;
+  for (const PartRename& rename : plan.renames) {
+    change.Move(rename.from, rename.to, rename.fingerprint);
+    ++report->moved;
+  }
   for (const Candidate& candidate : plan.to_read) {
     const std::string& name = candidate.file.name;
     try {

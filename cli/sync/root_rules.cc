@@ -52,8 +52,11 @@ std::string WithAbsoluteProgram(const std::string& converter) {
 
 RootRules::Made::Made(const ReadingOptions& options, CommandLimits limits, std::uint64_t max_bytes)
     : converters(options.converters),
-      rules{converters, limits, max_bytes, {StopWords(options.stop_words), options.strip_encoded}} {
-}
+      rules{converters,
+            limits,
+            max_bytes,
+            {StopWords(options.stop_words), options.strip_encoded},
+            options.archives} {}
 
 RootRules::RootRules(Roots roots, std::string index, CommandLimits converter_limits,
                      std::uint64_t max_file_bytes)

@@ -44,6 +44,7 @@ Json Encoded(const std::string& path, const RootOptions& options) {
   if (!options.reading.stop_words.empty()) json["stop_words"] = Encoded(options.reading.stop_words);
   if (options.reading.strip_encoded) json["strip_encoded"] = true;
   if (options.reading.no_ignore) json["no_ignore"] = true;
+  if (options.reading.archives) json["archives"] = true;
   if (options.prune) json["prune"] = true;
   return json;
 }
@@ -95,6 +96,7 @@ RootOptions OptionsOf(const Json& json) {
   options.reading.stop_words = TextAt(json, "stop_words");
   options.reading.strip_encoded = IsTrueAt(json, "strip_encoded");
   options.reading.no_ignore = IsTrueAt(json, "no_ignore");
+  options.reading.archives = IsTrueAt(json, "archives");
   options.prune = IsTrueAt(json, "prune");
   options.given_in = TextAt(json, "given_in");
   return options;
@@ -122,7 +124,8 @@ Roots Decoded(const std::string& property) {
 bool operator==(const ReadingOptions& left, const ReadingOptions& right) {
   return left.include == right.include && left.exclude == right.exclude &&
          left.converters == right.converters && left.stop_words == right.stop_words &&
-         left.strip_encoded == right.strip_encoded && left.no_ignore == right.no_ignore;
+         left.strip_encoded == right.strip_encoded && left.no_ignore == right.no_ignore &&
+         left.archives == right.archives;
 }
 
 std::string EncodeRoots(const Roots& roots) {

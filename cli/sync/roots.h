@@ -5,8 +5,8 @@
 //   {"version":1,"roots":[{"path":"/home/me/notes","exclude":["*.log"],"prune":true}]}
 //
 // A root has a "path" and, where they were given, "include", "exclude" and "converters" (lists of
-// texts), "given_in" (a text), "stop_words" (a text), "strip_encoded", "no_ignore" and
-// "prune" (true). A text that is not UTF-8 is a list of its bytes as numbers.
+// texts), "given_in" (a text), "stop_words" (a text), "strip_encoded", "no_ignore",
+// "archives" and "prune" (true). A text that is not UTF-8 is a list of its bytes as numbers.
 #ifndef KESTAN_CLI_SYNC_ROOTS_H_
 #define KESTAN_CLI_SYNC_ROOTS_H_
 
@@ -28,6 +28,7 @@ struct ReadingOptions {
   std::string stop_words;               // "english", the absolute path of a file, or "" for none
   bool strip_encoded = false;
   bool no_ignore = false;  // also files that ignore files or version control leave out
+  bool archives = false;   // their members are documents
 };
 
 bool operator==(const ReadingOptions& left, const ReadingOptions& right);

@@ -268,6 +268,7 @@ int RunIndexCommand(const Values& values) {
   options.reading.stop_words = values.Text("--stop-words");
   options.reading.strip_encoded = values.Has("--strip-encoded");
   options.reading.no_ignore = values.Has("--no-ignore");
+  options.reading.archives = values.Has("--archives");
   if (values.Has("--prune") && values.Has("--no-prune")) {
     throw CommandError("--prune and --no-prune exclude each other");
   }
@@ -294,6 +295,7 @@ std::vector<Option> IndexCommandOptions() {
            "have COMMAND, with {} for the file, print the text of files that end in .EXT"},
           {"--stop-words", "LIST", "leave out the words of a file, or of the list \"english\""},
           {"--strip-encoded", "", "leave out blocks of uuencode and base64"},
+          {"--archives", "", "make a document of each file in archives of zip and tar"},
           {"--language", "NAME",
            "find other forms of words as in this language (german or de, say), or in none"},
           {"--reset", "", "use none of the options that the index remembers"},

@@ -69,7 +69,7 @@ RememberedRoot RootOf(const Json& json) {
   if (json.contains("stop_words")) {
     root.options.push_back("--stop-words=" + TextOf(json["stop_words"]));
   }
-  for (const char* flag : {"strip_encoded", "no_ignore", "prune"}) {
+  for (const char* flag : {"strip_encoded", "no_ignore", "archives", "prune"}) {
     std::string option = std::string("--") + flag;
     std::replace(option.begin(), option.end(), '_', '-');
     if (json.contains(flag) && json[flag] == true) root.options.push_back(option);

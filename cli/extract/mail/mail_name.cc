@@ -29,7 +29,7 @@ bool IsInMaildir(std::string_view name) {
   const std::size_t slash = name.rfind('/');
   if (slash == std::string_view::npos) return false;
   const std::string_view folder = name.substr(0, slash);
-  const std::string_view last = folder.substr(folder.rfind('/') + 1);
+  const std::string_view last = folder.substr(folder.find_last_of("/#") + 1);  // # is of archives
   return last == "cur" || last == "new";
 }
 

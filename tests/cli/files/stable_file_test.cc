@@ -38,6 +38,21 @@ class StableFileTest : public kestan_tests::CommandTest {
   Fingerprint fingerprint_;
 };
 
+TEST_F(StableFileTest, ReadingGoesOnWhereItIsAskedTo) {
+  Write("a", "0123456789");
+  StableFile file(Path("a"));
+  std::string_view piece;
+  for (const std::uint64_t at : {7u, 0u, 10u}) {
+    file.MoveTo(at);
+    std::string text;
+    while (file.Read(&piece)) text += piece;
+    EXPECT_EQ(text, std::string("0123456789").substr(at));
+  }
+  file.CheckUnchanged();
+  Write("a", "other");
+  EXPECT_THROW(file.CheckUnchanged(), SkipFile);
+}
+
 TEST_F(StableFileTest, AllBytesAreReadAndHashed) {
   const std::string text = std::string(300000, 'x') + "\r\n\xff" + std::string(1, '\0');
   Write("a", text);

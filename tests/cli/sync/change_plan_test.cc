@@ -47,6 +47,27 @@ TEST(ChangePlanTest, DocumentsWithoutAFingerprintAreRead) {
   EXPECT_TRUE(plan.to_read[0].is_indexed);
 }
 
+// A document that is a part of the file `container`.
+KnownDocument PartOf(const std::string& container, const std::string& name) {
+  Fingerprint fingerprint = Of(3, 0, "m");
+  fingerprint.container_bytes = container.size();
+  fingerprint.container = FileState{7, 1, 0};
+  return {name, fingerprint};
+}
+
+TEST(ChangePlanTest, PartGivesWayToAFileOfItsName) {
+  const std::vector<KnownDocument> documents{
+      PartOf("d/box", "d/box##!"), PartOf("d/box", "d/box#!"), {"d/box#\"", Of(5, 1, "h")}};
+  const ChangePlan plan =
+      Plan({{"d/box", {7, 1, 0}}, {"d/box#!", {5, 1, 0}}, {"d/box#\"", {5, 1, 0}}}, documents);
+  ASSERT_EQ(plan.renames.size(), 1u);
+  EXPECT_EQ(plan.renames[0].from, "d/box#!");
+  EXPECT_EQ(plan.renames[0].to, "d/box###!");
+  EXPECT_EQ(ToRead(plan), Names{"d/box#!"});
+  EXPECT_FALSE(plan.to_read[0].is_indexed);
+  EXPECT_EQ(plan.unchanged, 3u);
+}
+
 TEST(ChangePlanTest, AllFilesAreReadWhereAskedFor) {
   EXPECT_EQ(ToRead(Plan({{"d/a", {7, 1, 0}}}, {{"d/a", Of(7, 1, "h")}}, true)), Names{"d/a"});
 }

@@ -130,10 +130,10 @@ TEST(RankedSearchTest, WordsThatOpenADocumentCountMore) {
 // All bonuses of these are the greatest there are, so that only names tell them apart.
 TEST(RankedSearchTest, BonusesOfEqualDocumentsLoseNoneOfThemToRounding) {
   const std::string words = "t u v w x";
-  for (int others = 0; others < 60; ++others) {
+  for (std::size_t others = 0; others < 60; ++others) {
     std::vector<DocumentOfWords> documents;
     for (char name = 'z'; name >= 'a'; --name) documents.push_back(Plain({name}, words));
-    for (int i = 0; i < others; ++i) {
+    for (std::size_t i = 0; i < others; ++i) {
       documents.push_back(Plain("~" + std::to_string(i), words.substr(i % 5 * 2, 1) + " other"));
     }
     PlainSegments segments;
@@ -147,7 +147,7 @@ TEST(RankedSearchTest, BonusesOfEqualDocumentsLoseNoneOfThemToRounding) {
 // Each way to score does the same: all documents at once, or those alone that may be the best.
 TEST(RankedSearchTest, TheBestAreTheFirstOfAll) {
   std::mt19937 random(5);
-  for (int i = 0; i < 30; ++i) {
+  for (std::size_t i = 0; i < 30; ++i) {
     std::vector<DocumentOfWords> documents;
     for (int j = 0; j < 200; ++j) {
       std::string text;

@@ -1,4 +1,4 @@
-#include "cli/sync/mailbox_run.h"
+#include "cli/sync/container_run.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 namespace kestan_cli {
 namespace {
 
-class MailboxRunTest : public RunIndexTest {
+class ContainerRunTest : public RunIndexTest {
  protected:
   static std::string Message(const std::string& subject) {
     return "From a@b Fri Nov 20 10:11:12 2026\nFrom: Ann <ann@example.org>\nSubject: " + subject +
@@ -17,7 +17,7 @@ class MailboxRunTest : public RunIndexTest {
   }
 };
 
-TEST_F(MailboxRunTest, EachMessageIsADocument) {
+TEST_F(ContainerRunTest, EachMessageIsADocument) {
   Write("d/box", Message("one") + Message("two"));
   EXPECT_EQ(Index(), Report(2, 0, 0, 0, 0));
   EXPECT_EQ(List(), "d/box#1\nd/box#2\n");
@@ -26,7 +26,7 @@ TEST_F(MailboxRunTest, EachMessageIsADocument) {
   EXPECT_EQ(Index(), Report(0, 0, 0, 0, 2));
 }
 
-TEST_F(MailboxRunTest, OnlyNewMessagesAreAdded) {
+TEST_F(ContainerRunTest, OnlyNewMessagesAreAdded) {
   Write("d/box", Message("one"));
   Index();
   Write("d/box", Message("one") + Message("two"));
@@ -34,14 +34,14 @@ TEST_F(MailboxRunTest, OnlyNewMessagesAreAdded) {
   EXPECT_EQ(Index(), Report(0, 0, 0, 0, 2));
 }
 
-TEST_F(MailboxRunTest, UnchangedMailboxIsNotOpened) {
+TEST_F(ContainerRunTest, UnchangedMailboxIsNotOpened) {
   Write("d/box", Message("one") + Message("two"));
   Index();
   std::filesystem::permissions("d/box", std::filesystem::perms::none);
   EXPECT_EQ(Index(), Report(0, 0, 0, 0, 2));
 }
 
-TEST_F(MailboxRunTest, MessageThatIsDeletedIsRemoved) {
+TEST_F(ContainerRunTest, MessageThatIsDeletedIsRemoved) {
   Write("d/box", Message("one") + Message("two") + Message("three"));
   Index();
   AddToRecord("d/box#3", "\nmine");
@@ -53,7 +53,7 @@ TEST_F(MailboxRunTest, MessageThatIsDeletedIsRemoved) {
   EXPECT_EQ(Index(), Report(0, 0, 0, 0, 2));
 }
 
-TEST_F(MailboxRunTest, OlderMailboxThatIsPutBackIsReadAgain) {
+TEST_F(ContainerRunTest, OlderMailboxThatIsPutBackIsReadAgain) {
   namespace fs = std::filesystem;
   Write("d/box", Message("one"));
   Write("keep", Message("one"));
@@ -65,7 +65,7 @@ TEST_F(MailboxRunTest, OlderMailboxThatIsPutBackIsReadAgain) {
   EXPECT_EQ(Index(), Report(0, 0, 0, 1, 1));
 }
 
-TEST_F(MailboxRunTest, RenamedMailboxIsMoved) {
+TEST_F(ContainerRunTest, RenamedMailboxIsMoved) {
   Write("d/box", Message("one") + Message("two"));
   Index();
   AddToRecord("d/box#2", "\nmine");
@@ -77,7 +77,7 @@ TEST_F(MailboxRunTest, RenamedMailboxIsMoved) {
   EXPECT_EQ(Index(), Report(0, 0, 0, 0, 2));
 }
 
-TEST_F(MailboxRunTest, MessagesOfAMailboxThatIsGoneStayUnlessPruned) {
+TEST_F(ContainerRunTest, MessagesOfAMailboxThatIsGoneStayUnlessPruned) {
   Write("d/box", Message("one"));
   Write("d/a", "text");
   Index();
@@ -89,7 +89,7 @@ TEST_F(MailboxRunTest, MessagesOfAMailboxThatIsGoneStayUnlessPruned) {
   EXPECT_EQ(List(), "d/a\n");
 }
 
-TEST_F(MailboxRunTest, MailboxMayBeARoot) {
+TEST_F(ContainerRunTest, MailboxMayBeARoot) {
   Write("d/box", Message("one") + Message("two"));
   options_.paths = {"d/box"};
   EXPECT_EQ(Index(), Report(2, 0, 0, 0, 0));
@@ -101,7 +101,7 @@ TEST_F(MailboxRunTest, MailboxMayBeARoot) {
   EXPECT_EQ(Index(), Report(0, 0, 0, 1, 0));
 }
 
-TEST_F(MailboxRunTest, TextMayBecomeAMailboxAndBack) {
+TEST_F(ContainerRunTest, TextMayBecomeAMailboxAndBack) {
   Write("d/box", "text");
   Index();
   Write("d/box", Message("one"));
@@ -112,7 +112,7 @@ TEST_F(MailboxRunTest, TextMayBecomeAMailboxAndBack) {
   EXPECT_EQ(List(), "d/box\n");
 }
 
-TEST_F(MailboxRunTest, MessageThatIsTooLargeIsNamedAndTriedAgain) {
+TEST_F(ContainerRunTest, MessageThatIsTooLargeIsNamedAndTriedAgain) {
   options_.max_file_bytes = 200;
   Write("d/box", Message("one") + Message(std::string(100, 'x')) + Message("three"));
   const std::string skip = "kestan: skipped 'd/box#2': a message that is too large\n";
@@ -121,7 +121,7 @@ TEST_F(MailboxRunTest, MessageThatIsTooLargeIsNamedAndTriedAgain) {
   EXPECT_EQ(List(), "d/box#1\nd/box#3\n");
 }
 
-TEST_F(MailboxRunTest, AllReadsEveryMessageAgainAndKeepsTheUsersLines) {
+TEST_F(ContainerRunTest, AllReadsEveryMessageAgainAndKeepsTheUsersLines) {
   Write("d/box", Message("one") + Message("two"));
   Index();
   AddToRecord("d/box#1", "\nmine");
@@ -130,7 +130,7 @@ TEST_F(MailboxRunTest, AllReadsEveryMessageAgainAndKeepsTheUsersLines) {
   EXPECT_NE(Info("d/box#1").host_data.find("\nmine"), std::string::npos);
 }
 
-TEST_F(MailboxRunTest, SnippetsAreReadFromTheMailbox) {
+TEST_F(ContainerRunTest, SnippetsAreReadFromTheMailbox) {
   Write("d/box", Message("one") + Message("two"));
   Index();
   const kestan_tests::Outcome outcome = Run({"search", "--snippets", "my.index", "two"});
