@@ -14,7 +14,7 @@ Roots Example() {
   Roots roots;
   roots["/a"];
   RootOptions& options = roots["/b/Z\xc3\xbcrich"];
-  options.reading = {{"*.txt"}, {".git", "a\"b\\"}, {"x=cat {}"}, "/stop", true, true};
+  options.reading = {{"*.txt"}, {".git", "a\"b\\"}, {"x=cat {}"}, "/stop", true, true, true};
   options.prune = true;
   options.given_in = "12 34.5";
   roots["/c/\xff\xfe"].reading.exclude = {"\xff", ""};
