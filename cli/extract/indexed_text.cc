@@ -147,7 +147,7 @@ class MemberSearch : public MemberVisitor {
     return "";
   }
 
-  bool Take(const std::string& /*member*/, std::string bytes) override {
+  bool Take(const std::string& /*member*/, std::string bytes, std::int64_t /*seconds*/) override {
     if (bytes.size() == fingerprint_.state.bytes && HashOf(bytes) == fingerprint_.hash) {
       found_ = MemberOf(name_, path_, std::move(bytes), rules_);
     } else if (IsMailbox(bytes)) {

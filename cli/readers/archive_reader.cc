@@ -177,7 +177,7 @@ MemberChoice ChoiceOf(archive_entry* entry, const ArchiveEvents& events) {
     return MemberChoice::kPass;
   }
   const char* const name = archive_entry_pathname(entry);
-  return events.member(events.context, name != nullptr ? name : "");
+  return events.member(events.context, name != nullptr ? name : "", archive_entry_mtime(entry));
 }
 
 // Sends the bytes of a member that is wanted.

@@ -78,8 +78,9 @@ enum class MemberChoice { kRead, kPass, kStop };
 // Receives the members of an archive, one after the other.
 struct ArchiveEvents {
   void* context;  // for the functions
-  // Says whether the member is wanted. The name may be anything; "" if it cannot be known.
-  MemberChoice (*member)(void* context, const char* name) noexcept;
+  // Says whether the member is wanted. The name may be anything; "" if it cannot be known. It was
+  // last changed at `seconds` since 1970; 0 if that is unknown.
+  MemberChoice (*member)(void* context, const char* name, long long seconds) noexcept;
   // Receives the next bytes of the last member that was wanted.
   //   Returns  false if no more of it are wanted: end() is not called then.
   bool (*bytes)(void* context, const char* bytes, std::size_t size) noexcept;

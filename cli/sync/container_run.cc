@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <optional>
@@ -174,8 +175,9 @@ class Parts {
     if (step.kind == Step::Kind::kKeep) {
       ++report.unchanged;
       const Fingerprint& known = *step.known->fingerprint;
-      const bool is_as_known =
-          known.offset == step.fingerprint.offset && known.container == container;
+      const bool is_as_known = known.offset == step.fingerprint.offset &&
+                               known.state == step.fingerprint.state &&
+                               known.container == container;
       if (!is_as_known) task_.change->UpdateFingerprint(step.name, step.fingerprint);
     } else if (step.kind == Step::Kind::kMove) {
       ++report.moved;
@@ -243,7 +245,7 @@ class ArchiveParts : public MemberVisitor {
     return is_binary ? "binary file" : "";
   }
 
-  bool Take(const std::string& name, std::string bytes) override {
+  bool Take(const std::string& name, std::string bytes, std::int64_t seconds) override {
     LoadedFile seen;
     seen.name = path_ + "#" + name;
     seen.head.packed = bytes.substr(0, kHeadBytes);
@@ -253,7 +255,9 @@ class ArchiveParts : public MemberVisitor {
                    &parts_);
     } else {
       parts_.Take(name, [&](const std::string& full_name) {
-        return MemberOf(full_name, path_, std::move(bytes), rules_);
+        LoadedFile member = MemberOf(full_name, path_, std::move(bytes), rules_);
+        member.fingerprint.state.mtime_seconds = seconds;
+        return member;
       });
     }
     return true;

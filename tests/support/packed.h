@@ -14,6 +14,9 @@ namespace kestan_tests {
 
 using PackedMembers = std::vector<std::pair<std::string, std::string>>;  // names and bytes
 
+// When each member was changed, in seconds since 1970.
+constexpr long kPackedTime = 1700000000;
+
 // Returns an archive of `format` ("zip", "ustar", "raw"), compressed with `filter` ("gzip",
 // "bzip2", "xz", "zstd", "none").
 inline std::string Archive(const char* format, const char* filter, const PackedMembers& members) {
@@ -37,6 +40,7 @@ inline std::string Archive(const char* format, const char* filter, const PackedM
     archive_entry_set_size(entry, static_cast<la_int64_t>(content.size()));
     archive_entry_set_filetype(entry, AE_IFREG);
     archive_entry_set_perm(entry, 0644);
+    archive_entry_set_mtime(entry, kPackedTime, 0);
     // Names that are not of ASCII are a warning.
     EXPECT_GE(archive_write_header(made, entry), ARCHIVE_WARN);
     archive_write_data(made, content.data(), content.size());

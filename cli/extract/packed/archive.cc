@@ -96,9 +96,9 @@ class Reading {
 
   ArchiveEvents Events() {
     return {this,
-            [](void* context, const char* name) noexcept {
+            [](void* context, const char* name, long long seconds) noexcept {
               return Of(context).Caught(MemberChoice::kStop,
-                                        [&] { return Of(context).Begin(name); });
+                                        [&] { return Of(context).Begin(name, seconds); });
             },
             [](void* context, const char* bytes, std::size_t size) noexcept {
               return Of(context).Caught(false, [&] { return Of(context).Add({bytes, size}); });
@@ -108,12 +108,13 @@ class Reading {
             }};
   }
 
-  MemberChoice Begin(const std::string& name) {
+  MemberChoice Begin(const std::string& name, std::int64_t seconds) {
     if (thrown_ != nullptr || is_over_) return MemberChoice::kStop;
     budget_->TakeMember();
     ++number_;
     name_ = start_ + (name.empty() ? "member " + std::to_string(number_) : name);
     member_.clear();
+    seconds_ = seconds;
     return visitor_.Wants(name_) ? MemberChoice::kRead : MemberChoice::kPass;
   }
 
@@ -139,7 +140,7 @@ class Reading {
     } else if (limits_.is_archive(name_, std::string_view(member_).substr(0, kHeadBytes))) {
       ReadInner();
     } else {
-      is_over_ = !visitor_.Take(name_, std::exchange(member_, {}));
+      is_over_ = !visitor_.Take(name_, std::exchange(member_, {}), seconds_);
     }
     return !is_over_;
   }
@@ -170,6 +171,7 @@ class Reading {
   Budget* budget_ = nullptr;
   std::string name_;    // of the current member
   std::string member_;  // what there is of it
+  std::int64_t seconds_ = 0;
   std::uint64_t number_ = 0;
   bool is_over_ = false;
   std::exception_ptr thrown_;

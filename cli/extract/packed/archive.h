@@ -56,9 +56,9 @@ class MemberVisitor {
   virtual std::string ReasonToSkip(const std::string& name, const std::string& before,
                                    std::string_view piece) = 0;
 
-  // Takes a whole member.
+  // Takes a whole member, which was last changed at `seconds` since 1970; 0 if that is unknown.
   //   Returns  false if no more are wanted.
-  virtual bool Take(const std::string& name, std::string bytes) = 0;
+  virtual bool Take(const std::string& name, std::string bytes, std::int64_t seconds) = 0;
 
   // Hears that a member cannot be taken.
   virtual void Skip(const std::string& name, SkipKind kind, const std::string& reason) = 0;

@@ -90,7 +90,7 @@ struct ArchiveTrial {
                                   return Of(context).may_seek;
                                 }};
     const ArchiveEvents events{this,
-                               [](void* context, const char* name) noexcept {
+                               [](void* context, const char* name, long long /*seconds*/) noexcept {
                                  ArchiveTrial& trial = Of(context);
                                  if (std::string(name) == "stop") return MemberChoice::kStop;
                                  if (name == trial.unwanted) return MemberChoice::kPass;

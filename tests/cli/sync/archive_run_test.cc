@@ -66,6 +66,16 @@ TEST_F(ArchiveRunTest, EachMemberIsADocumentReadByItsName) {
   }
 }
 
+TEST_F(ArchiveRunTest, MembersHaveTheirOwnTimes) {
+  Write("d/a.zip", Archive("zip", "none", {{"1", "one"}}));
+  Write("d/a.tar", Archive("ustar", "none", {{"1", "one"}}));
+  Index();
+  for (const char* name : {"d/a.zip#1", "d/a.tar#1"}) {
+    EXPECT_EQ(Info(name).host_data.rfind("size=3 mtime=1700000000.000000000 ", 0), 0u)
+        << Info(name).host_data;
+  }
+}
+
 TEST_F(ArchiveRunTest, UnchangedArchiveIsNotOpened) {
   WriteZip({{"1", "one"}, {"2", "two"}});
   Index();

@@ -26,7 +26,7 @@ class Listing : public MemberVisitor {
     if (IsArchive(name, before.empty() ? piece : std::string_view(before))) return "";
     return piece.find('\0') != std::string_view::npos ? "binary" : "";
   }
-  bool Take(const std::string& name, std::string bytes) override {
+  bool Take(const std::string& name, std::string bytes, std::int64_t /*seconds*/) override {
     text += name + "=" + (bytes.size() > 20 ? std::to_string(bytes.size()) : bytes) + "\n";
     bytes_taken += bytes.size();
     return name != last;
