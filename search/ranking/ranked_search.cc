@@ -1,6 +1,7 @@
 #include "search/ranking/ranked_search.h"
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
 #include <memory>
 #include <numeric>
@@ -154,10 +155,11 @@ class Search {
     const auto documents = static_cast<double>(snapshot_.living_documents());
     const auto words = static_cast<double>(snapshot_.living_words());
     parameters_.mean_words = words > 0 ? words / documents : 1;
+    const double exponent = IdfExponent(clauses_.size());
     for (std::size_t clause = 0; clause < clauses_.size(); ++clause) {
       std::uint64_t found = 0;
       for (const SegmentSearch& search : searches_) found += search.clauses.clauses[clause]->size();
-      const double idf = Idf(static_cast<double>(found), documents);
+      const double idf = std::pow(Idf(static_cast<double>(found), documents), exponent);
       parameters_.idfs.push_back(static_cast<double>(clauses_[clause].times) * idf);
     }
   }

@@ -37,8 +37,9 @@ struct RankedDocuments {
 //
 //   idf * tf * (k1 + 1) / (tf + k1 * (1 - b + b * words / mean words)),
 //
-// where idf = ln(1 + (N - n + 0.5) / (n + 0.5)) and a clause that the query has twice counts twice;
-// and a bonus for each two clauses that follow each other in the query, both in the document,
+// where idf = ln(1 + (N - n + 0.5) / (n + 0.5)), in queries of more than 20 clauses raised to the
+// power IdfExponent(), and a clause that the query has twice counts twice; and a bonus for each two
+// clauses that follow each other in the query, both in the document,
 //
 //   proximity_bonus * min(idf, next idf) / d²,
 //

@@ -18,6 +18,15 @@ TEST(Bm25Test, IdfIsPositiveEvenOfMoreDocumentsThanThereAre) {
   EXPECT_GT(Idf(11, 10), 0);
 }
 
+TEST(Bm25Test, IdfsCountMoreInLongQuestions) {
+  EXPECT_EQ(IdfExponent(1), 1);
+  EXPECT_EQ(IdfExponent(20), 1);
+  EXPECT_GT(IdfExponent(21), 1);
+  EXPECT_DOUBLE_EQ(IdfExponent(40), 1.25);
+  EXPECT_DOUBLE_EQ(IdfExponent(80), 1.5);
+  EXPECT_EQ(IdfExponent(1000), 1.5);
+}
+
 TEST(Bm25Test, ScoreIsThatOfTheFormula) {
   EXPECT_DOUBLE_EQ(Bm25Score(2, 3, 1.5), 2 * 3 * 2.8 / (3 + 1.8 * (0.25 + 0.75 * 1.5)));
   EXPECT_DOUBLE_EQ(Bm25Score(2, 3, 1), 2 * 3 * 2.8 / (3 + 1.8));

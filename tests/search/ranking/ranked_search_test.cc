@@ -54,6 +54,26 @@ TEST(RankedSearchTest, RareWordsCountMore) {
   EXPECT_EQ(Names("other OR rare", segments), "bac");
 }
 
+// Two words of four documents make up for one of a single document, but not in a long query.
+TEST(RankedSearchTest, RareWordsCountStillMoreInLongQuestions) {
+  PlainSegments segments;
+  std::vector<DocumentOfWords> documents = {Plain("r", "rare z"), Plain("c", "p q")};
+  for (int i = 0; i < 18; ++i) {
+    documents.push_back(Plain("~" + std::to_string(i), i < 3 ? "p z" : i < 6 ? "q z" : "z z"));
+  }
+  segments.Add(documents);
+  SearchOptions options;
+  options.proximity_bonus = 0;
+  options.opening_bonus = 0;
+  options.limit = 1;
+  std::string query = "rare OR p OR q";
+  EXPECT_EQ(Names(query, segments, options), "c");
+  for (char first = 'a'; first <= 'z'; ++first) {
+    for (const char* const rest : {"xx", "yy", "zz"}) query += std::string(" OR ") + first + rest;
+  }
+  EXPECT_EQ(Names(query, segments, options), "r");
+}
+
 TEST(RankedSearchTest, EqualScoresAreInOrderOfNamesWhateverTheirSegments) {
   PlainSegments segments;
   segments.Add({Plain("d", "x"), Plain("b", "x")});
@@ -153,7 +173,7 @@ TEST(RankedSearchTest, TheBestAreTheFirstOfAll) {
       std::string text;
       const std::size_t words = 1 + random() % 40;
       for (std::size_t k = 0; k < words; ++k)
-        text += "abcdefgz"[random() % (2 + random() % 7)] + std::string(" ");
+        text += {"abcdefgz"[random() % (2 + random() % 7)], ' '};
       documents.push_back(
           Plain("d" + std::to_string(random() % 1000) + "." + std::to_string(j), text));
     }
@@ -164,7 +184,7 @@ TEST(RankedSearchTest, TheBestAreTheFirstOfAll) {
       SearchOptions options;
       options.limit = 0;
       const auto all = Ranked(query, segments.snapshot(), options).best;
-      options.limit = 1 + i % 12;
+      options.limit = static_cast<std::size_t>(1 + i % 12);
       const auto best = Ranked(query, segments.snapshot(), options).best;
       ASSERT_EQ(best.size(), std::min(all.size(), options.limit));
       for (std::size_t j = 0; j < best.size(); ++j) {
