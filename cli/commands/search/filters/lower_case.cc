@@ -1,10 +1,10 @@
 #include "cli/commands/search/filters/lower_case.h"
 
 #include <kestan/search.h>
-#include <locale.h>
-#include <wctype.h>
 
+#include <clocale>
 #include <cstddef>
+#include <cwctype>
 
 #include "cli/console/ascii.h"
 
