@@ -14,6 +14,7 @@
 
 #include "cli/commands/documents/index_command.h"
 #include "cli/console/message.h"
+#include "cli/files/ignore_rules.h"
 #include "tests/cli/index_folder.h"
 #include "tests/support/temp_dir.h"
 
@@ -32,6 +33,7 @@ struct Step {
     kWrite,
     kRename,
     kDelete,
+    kIgnore,  // some files, from now on
     kIndex,
     kPrune,
     kIndexAll,  // files that have not changed, too
@@ -49,9 +51,9 @@ struct Step {
 };
 
 std::ostream& operator<<(std::ostream& stream, const Step& step) {
-  const char* const names[] = {"write",  "rename",    "delete",     "index",
-                               "prune",  "index all", "index file", "index list",
-                               "remove", "compact",   "visit"};
+  const char* const names[] = {"write",      "rename", "delete",    "ignore",
+                               "index",      "prune",  "index all", "index file",
+                               "index list", "remove", "compact",   "visit"};
   return stream << names[static_cast<int>(step.kind)] << " " << step.file << " " << step.other
                 << " '" << step.text << "'";
 }
@@ -84,6 +86,7 @@ rc::Gen<Step> AnyStep() {
   const auto kind = rc::gen::weightedElement<Kind>({{8, Kind::kWrite},
                                                     {3, Kind::kRename},
                                                     {2, Kind::kDelete},
+                                                    {3, Kind::kIgnore},
                                                     {4, Kind::kIndex},
                                                     {3, Kind::kPrune},
                                                     {1, Kind::kIndexAll},
@@ -133,6 +136,8 @@ class World {
       case Kind::kDelete:
         fs::remove(step.file);
         return;
+      case Kind::kIgnore:
+        return Write(step.text.size() % 2 == 0 ? "d/.ignore" : "d/e/.ignore", IgnoreLines(step));
       case Kind::kIndex:
         return Index("my.index", Paths({}));
       case Kind::kPrune:
@@ -142,6 +147,8 @@ class World {
         options.all = true;
         return Index("my.index", options);
       case Kind::kIndexFile:
+        // It would be a root of its own, which stays where its file is gone.
+        if (!kestan_cli::ReasonToLeaveOut(folder_ / "d", folder_ / step.file).empty()) return;
         return Index("my.index", Paths({step.file}));
       case Kind::kIndexList:
         return IndexList({step.file, step.other});
@@ -188,6 +195,15 @@ class World {
     IndexOptions options;
     options.paths = std::move(paths);
     return options;
+  }
+
+  // Returns lines that leave out a file or a folder, or all of a kind but one.
+  static std::string IgnoreLines(const Step& step) {
+    const fs::path file(step.file);
+    if (step.text.empty()) return "";
+    if (step.file == "d/e/a.txt") return "/e/\n";
+    if (step.other < step.file) return file.filename().string() + "\n";
+    return "*" + file.extension().string() + "\n!" + file.filename().string() + "\n";
   }
 
   // A run may refuse, as where a file is gone that it names.
