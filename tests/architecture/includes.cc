@@ -159,7 +159,7 @@ Paths LibraryIncludesOf(std::string_view text) {
   Paths includes;
   for (const std::string& path : AllIncludesOf(text)) {
     const bool is_libarchive = path == "archive.h" || path == "archive_entry.h";
-    if (is_libarchive || IsInOneOf(path, kLibraries)) includes.insert(path);
+    if (is_libarchive || path == "zlib.h" || IsInOneOf(path, kLibraries)) includes.insert(path);
   }
   return includes;
 }
