@@ -42,7 +42,7 @@ TEST_F(StableFileTest, ReadingGoesOnWhereItIsAskedTo) {
   Write("a", "0123456789");
   StableFile file(Path("a"));
   std::string_view piece;
-  for (const std::uint64_t at : {7u, 0u, 10u}) {
+  for (const std::size_t at : {std::size_t{7}, std::size_t{0}, std::size_t{10}}) {
     file.MoveTo(at);
     std::string text;
     while (file.Read(&piece)) text += piece;
