@@ -36,6 +36,20 @@ std::string TypeOf(std::string_view value) {
   return LowerCaseOfAll(value);
 }
 
+// Returns whether the document `name` is of `type`, or a part of something that is. The first
+// `container_bytes` of the name are the path of the file that it is a part of; 0: it is none.
+bool IsDocumentOfType(std::string_view name, std::size_t container_bytes, std::string_view type) {
+  if (container_bytes == 0) return IsFileOfType(name, type);
+  if (IsFileOfType(name.substr(0, container_bytes), type)) return true;
+  for (std::string_view rest = name.substr(container_bytes); !rest.empty();) {
+    rest.remove_prefix(1);  // "#"
+    const std::string_view part = rest.substr(0, rest.find('#'));
+    if (!part.empty() && IsFileOfType(part, type)) return true;
+    rest.remove_prefix(part.size());
+  }
+  return false;
+}
+
 bool OneIsEnough(FilterKey key) {
   return key == FilterKey::kPath || key == FilterKey::kType || key == FilterKey::kFrom;
 }
@@ -103,8 +117,7 @@ bool SearchFilter::Holds(const Test& test, Read* read) const {
       if (facts.is_mail && (test.value == "mail" || test.value == "text")) {
         return test.value == "mail";
       }
-      if (!facts.container.empty()) return IsFileOfType(facts.container, test.value);
-      return IsFileOfType(read->document.name(), test.value);
+      return IsDocumentOfType(read->document.name(), facts.container.size(), test.value);
     }
     case FilterKey::kAfter:
       return read->Facts().date && *read->Facts().date >= test.day_start;

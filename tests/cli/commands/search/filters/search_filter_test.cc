@@ -94,6 +94,19 @@ TEST_F(SearchFilterTest, MailIsWhatHasASenderOrADateOfItsOwn) {
   EXPECT_EQ(Passing("type:mbox"), "/m/box.mbox#1 ");
 }
 
+TEST_F(SearchFilterTest, PartOfAnArchiveIsOfItsOwnTypeAndOfThatOfTheArchive) {
+  auto writer = IndexWriter::Open(path_);
+  for (const char* const name : {"/a.zip#b.html", "/a.zip#c.tar.gz#d/README", "/a.zip##e.pdf"}) {
+    ASSERT_TRUE(writer->Add(Named(name, "", "1709251200| in=6 at=0")).ok());
+  }
+  ASSERT_TRUE(writer->Commit().ok());
+  EXPECT_EQ(Passing("type:zip"), "/a.zip##e.pdf /a.zip#b.html /a.zip#c.tar.gz#d/README ");
+  EXPECT_EQ(Passing("type:html path:zip"), "/a.zip#b.html ");
+  EXPECT_EQ(Passing("type:text path:zip"), "/a.zip#c.tar.gz#d/README ");
+  EXPECT_EQ(Passing("type:tar"), "/a.zip#c.tar.gz#d/README ");
+  EXPECT_EQ(Passing("type:pdf"), "/a.zip##e.pdf ");
+}
+
 TEST_F(SearchFilterTest, AfterADayIsOnItOrLater) {
   EXPECT_EQ(Passing("after:2024-03-01"), "/d/wing.txt /m/cur/1.host ");
   EXPECT_EQ(Passing("after:today"), "/d/wing.txt /m/cur/1.host ");
