@@ -61,7 +61,7 @@ class Parts {
       ApplyWaiting(std::nullopt);
       waiting_ = std::move(step);
     } catch (const SkipFile& skip) {
-      Report(name, skip.kind(), skip.what());
+      Report(name, skip.kind(), skip.what(), skip.remedy());
     }
   }
 
@@ -85,9 +85,10 @@ class Parts {
   void Abandon() { ApplyWaiting(std::nullopt); }
 
  private:
-  void Report(const std::string& name, SkipKind kind, const std::string& reason) {
+  void Report(const std::string& name, SkipKind kind, const std::string& reason,
+              const std::string& remedy = "") {
     has_failed_ = has_failed_ || IsFailure(kind);
-    task_.report->skips.push_back({name, kind, reason});
+    task_.report->skips.push_back({name, kind, reason, remedy});
   }
 
   // Keeps what is known as `name`, and as parts of that.

@@ -51,7 +51,7 @@ std::string RemedyLines(const std::vector<Skip>& skips) {
 
 std::string Summary(const IndexReport& report, std::size_t columns) {
   constexpr std::size_t kIndent = 4;
-  const std::string lines = ReportLine(report) + RemedyLines(report.skips);
+  std::string lines = ReportLine(report) + RemedyLines(report.skips);
   if (columns == 0) return lines;
   std::string summary;
   for (std::string_view rest = lines; !rest.empty();) {
