@@ -22,13 +22,14 @@ namespace fs = std::filesystem;
 
 using Lines = std::vector<std::string>;
 
-// git reads "x**/y" as "x", then any folders; its documentation says that these stars are one. And
-// "**\/" as one folder or more, which nobody writes.
+// Behind a plain start of a path, git takes the stars of "x**" and "x**/y" for any folders; its
+// documentation says that they are one star. And "**\/" for one folder or more, which nobody
+// writes.
 bool IsReadAsDocumented(const std::string& line) {
   for (std::size_t at = line.find("**"); at != std::string::npos; at = line.find("**", at)) {
     const std::size_t end = std::min(line.find_first_not_of('*', at), line.size());
     const bool is_start = at == 0 || line[at - 1] == '/' || line.substr(0, at) == "!";
-    if (end < line.size() && (!is_start || line[end] == '\\')) return false;
+    if (!is_start || (end < line.size() && line[end] == '\\')) return false;
     at = end;
   }
   return true;
