@@ -56,12 +56,12 @@ bool IsAbbreviation(const Query& query) {
 
 bool IsStop(const Query& query) {
   if (IsJoined(query)) return AreDividedStopWord(query.operands);
-  return query.kind == Kind::kWord && IsStopWord(query.word);
+  return query.kind == Kind::kWord && !query.is_exact && IsStopWord(query.word);
 }
 
 bool IsStopOfQuestion(const Query& query) {
   return IsStop(query) || IsAbbreviation(query) ||
-         (query.kind == Kind::kWord && IsAskedWith(query.word));
+         (query.kind == Kind::kWord && !query.is_exact && IsAskedWith(query.word));
 }
 
 std::vector<Query> WithOptionalWords(std::vector<Query> words, bool (*is_stop)(const Query&),
@@ -72,7 +72,7 @@ std::vector<Query> WithOptionalWords(std::vector<Query> words, bool (*is_stop)(c
   }
   words.erase(std::remove_if(words.begin(), words.end(), is_stop), words.end());
   const auto is_optional = [&](const Query& query) {
-    return is_common && query.kind == Kind::kWord && is_common(query.word);
+    return is_common && query.kind == Kind::kWord && !query.is_exact && is_common(query.word);
   };
   if (AreAll(words, is_optional)) return words;
   for (Query& word : words) {

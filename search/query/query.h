@@ -27,6 +27,7 @@ struct Query {
   std::vector<Query> operands;
   int distance_words = 0;  // of an operand of kNear: how far from the operand before it
   int edits = 0;           // of kFuzzy: 1 or 2
+  bool is_exact = false;   // of kWord: in quotes, or part of what hangs together. Not compared
 };
 
 // What words in quotes mean, and words that punctuation joins (e-mail).

@@ -12,6 +12,7 @@
 #include "search/query/query_tokens.h"
 #include "search/query/query_words.h"
 #include "search/text/letters.h"
+#include "search/text/stop_words.h"
 #include "search/text/white_space.h"
 
 namespace kestan::search {
@@ -61,22 +62,26 @@ void AppendApart(Query query, bool freely, std::vector<Query>* words) {
   for (std::size_t i = 0; i < query.operands.size(); ++i) {
     if (i > 0 && IsEnding(query.operands[i])) continue;
     query.operands[i].distance_words = 0;
+    query.operands[i].is_exact = false;
     words->push_back(std::move(query.operands[i]));
   }
 }
 
 // A capital that begins a word may stand for the beginning of a sentence or of a heading. A word
 // of more capitals is a name.
-void FoldFirstLetter(std::string* word) {
+void FoldFirstLetter(Query* query) {
+  if (query->kind == Query::Kind::kOptional) return FoldFirstLetter(&query->operands.front());
+  if (query->kind != Query::Kind::kWord || query->is_exact) return;
+  std::string* const word = &query->word;
   if (!HasCapital(std::string_view(*word).substr(1))) word->front() = LowerCase(word->front());
 }
 
-// Makes `*query` ask for the forms of a word too.
-void Inflect(bool freely, Query* query) {
-  if (query->kind == Query::Kind::kOptional) return Inflect(freely, &query->operands.front());
-  if (query->kind != Query::Kind::kWord) return;
-  if (freely) FoldFirstLetter(&query->word);
-  if (!HasCapital(query->word)) query->kind = Query::Kind::kInflections;
+// Makes the words of `*query` ask for their forms too, but stop words and those that are exact.
+void AskForForms(Query* query) {
+  for (Query& operand : query->operands) AskForForms(&operand);
+  const bool is_free_word = query->kind == Query::Kind::kWord && !query->is_exact;
+  if (is_free_word && !HasCapital(query->word) && !IsStopWord(query->word))
+    query->kind = Query::Kind::kInflections;
 }
 
 // Returns whether `token` is more than a word, words in quotes or a parenthesis.
@@ -144,7 +149,9 @@ class Parser {
     std::vector<Query> operands;
     wanted = WithOptionalWords(std::move(wanted), freely ? IsStopOfQuestion : IsStop, is_common_,
                                &optional_);
-    for (Query& query : wanted) Inflect(freely, &query);
+    if (freely) {
+      for (Query& query : wanted) FoldFirstLetter(&query);
+    }
     AppendIfAny(Combined(Query::Kind::kOr, std::move(wanted)), &operands);
     for (Query& query : excluded) operands.push_back(std::move(query));
     return Combined(Query::Kind::kAnd, std::move(operands));
@@ -209,6 +216,7 @@ class Parser {
   MaybeQuery ParseWords(const Token& token) const {
     std::vector<Query> parts;
     for (QueryWords& words : WordsOf(token, rules_)) {
+      for (Query& word : words) word.is_exact = token.kind == Kind::kPhrase || words.size() > 1;
       AppendIfAny(WordsInARow(std::move(words), quotes_), &parts);
     }
     return Combined(means_or_ ? Query::Kind::kOr : Query::Kind::kAnd, std::move(parts));
@@ -285,6 +293,7 @@ std::optional<Query> ParseQuery(std::string_view text, DefaultOperator default_o
                                 OptionalWords* optional) {
   Parser parser(TokensOf(text), default_operator, quotes, rules, is_common);
   MaybeQuery query = parser.ParseOr();
+  if (query && default_operator != DefaultOperator::kAnd) AskForForms(&*query);
   if (optional != nullptr) *optional = parser.TakeOptional();
   return query;
 }

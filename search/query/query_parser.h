@@ -39,8 +39,8 @@ enum class DefaultOperator {
 // Deeper than kMaxQueryDepth, parentheses are left out and NOT is a word.
 //
 // With kOr, words side by side mean OR, and NOT beside them excludes documents. Among the words so
-// joined, stop words are left out unless all are, and words in lower case become kInflections. Of
-// scripts without blanks, words that hang together are words side by side.
+// joined, stop words are left out unless all are. Of scripts without blanks, words that hang
+// together are words side by side.
 //
 // With kOrOfQuestion also, words that punctuation joins (two-dimensional) are words side by side,
 // words that people ask with (using, anyone, e.g.) are stop words, and a capital that begins a word
@@ -48,9 +48,10 @@ enum class DefaultOperator {
 //
 // With kAndOfQuestion, stop words side by side with others are left out, unless all are stop words.
 //
-// With these three, words for which `is_common` become kOptional, unless all are common that are no
-// stop words. `optional`, unless it is null, is set to the words that were left out or made
-// optional.
+// With these three, words in lower case become kInflections, but stop words and those that are
+// exact: in quotes, or part of what hangs together. Words for which `is_common` become kOptional,
+// unless all are common that are no stop words. `optional`, unless it is null, is set to the words
+// that were left out or made optional.
 //
 //   Returns  nothing if no letters are left.
 //   Throws   TransliterationError, std::bad_alloc.

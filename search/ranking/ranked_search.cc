@@ -84,6 +84,7 @@ class Search {
       : query_(query),
         snapshot_(snapshot),
         limit_(options.limit),
+        ranks_openings_of_words_(options.words == WordsMean::kBest),
         filter_(options.filter),
         clauses_(Distinct(ScoringClauses(query))),
         threads_(ThreadsFor(query, snapshot)),
@@ -136,8 +137,9 @@ class Search {
   void Match(std::size_t i) {
     SegmentSearch& search = searches_[i];
     const Segment& segment = *snapshot_.segments[i];
-    const bool ranks_places =
-        clauses_.size() > 1 && (parameters_.proximity_bonus > 0 || parameters_.opening_bonus > 0);
+    const bool ranks_places = clauses_.size() > 1
+                                  ? parameters_.proximity_bonus > 0 || parameters_.opening_bonus > 0
+                                  : ranks_openings_of_words_ && parameters_.opening_bonus > 0;
     search.matcher = std::make_unique<Matcher>(segment, snapshot_.LanguageOf(i));
     search.clauses.with_positions = ranks_places && segment.with_positions();
     for (const Repeated& clause : clauses_) {
@@ -235,6 +237,7 @@ class Search {
   const Query& query_;
   const Snapshot& snapshot_;
   const std::size_t limit_;
+  const bool ranks_openings_of_words_;  // in queries of one clause too
   const DocumentFilter& filter_;
   const std::vector<Repeated> clauses_;
   const std::size_t threads_;

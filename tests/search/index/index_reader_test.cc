@@ -116,7 +116,7 @@ TEST_F(IndexReaderTest, WalkOverWordsEndsWhenItIsToldTo) {
 TEST_F(IndexReaderTest, ExplanationIsOfTheReadingThatAnswers) {
   Add("a", {Named("1", "cat"), Named("2", "dog")});
   const IndexReader reader = Opened({"a"});
-  EXPECT_EQ(reader.Explain("cat")->part, "cat");
+  EXPECT_EQ(reader.Explain("cat")->part, "cat and its forms");
   EXPECT_EQ(reader.Explain("cat")->documents, 1u);
   EXPECT_EQ(reader.Explain("cat dog")->part, "OR");  // no document has both
   EXPECT_EQ(reader.Explain("cat dog")->documents, 2u);

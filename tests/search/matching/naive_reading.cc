@@ -146,7 +146,7 @@ std::vector<NaiveClause> ReadClauses(const std::vector<DocumentOfWords>& living,
 double NaiveScore(const std::vector<NaiveClause>& clauses, std::size_t document,
                   double relative_length, const SearchOptions& options) {
   double score = 0;
-  const bool has_bonuses = clauses.size() > 1;
+  const bool has_bonuses = (clauses.size() > 1 || options.words == WordsMean::kBest);
   for (std::size_t i = 0; i < clauses.size(); ++i) {
     const Maybe& found = clauses[i].found[document];
     if (!found) continue;

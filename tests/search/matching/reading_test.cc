@@ -125,8 +125,8 @@ TEST_F(CommonWordsTest, AnExplanationNamesWhatIsNotRequired) {
   ASSERT_TRUE(explained.ok());
   EXPECT_EQ(explained->documents, 2u);
   ASSERT_EQ(explained->parts.size(), 2u);
-  EXPECT_EQ(explained->parts[0].part, "linux");
-  EXPECT_EQ(explained->parts[0].note, "not required");
+  EXPECT_EQ(explained->parts[0].part, "linux and its forms");
+  EXPECT_EQ(explained->parts[0].note, "1 word, not required");
 }
 
 }  // namespace

@@ -307,20 +307,23 @@ TEST(QuestionTest, WordsSideBySideMeanOr) {
 }
 
 TEST(QuestionTest, AndAndNearStayWhatTheyAre) {
-  EXPECT_EQ(Question("wing tail AND flow"), "(or (inflections wing) (and tail flow))");
-  EXPECT_EQ(Question("wing NEAR/3 tail \"a b\""), "(or (near wing 3:tail) (near a 1:b))");
+  EXPECT_EQ(Question("wing tail AND flow"),
+            "(or (inflections wing) (and (inflections tail) (inflections flow)))");
+  EXPECT_EQ(Question("wing NEAR/3 tail \"a b\""),
+            "(or (near (inflections wing) 3:(inflections tail)) (near a 1:b))");
 }
 
 TEST(QuestionTest, NotLeavesOut) {
   EXPECT_EQ(Question("wing -tail flow NOT b"),
-            "(and (or (inflections wing) (inflections flow)) (not tail) (not b))");
-  EXPECT_EQ(Question("-tail -wing"), "(and (not tail) (not wing))");
+            "(and (or (inflections wing) (inflections flow)) (not (inflections tail)) (not "
+            "(inflections b)))");
+  EXPECT_EQ(Question("-tail -wing"), "(and (not (inflections tail)) (not (inflections wing)))");
   EXPECT_EQ(Question("(wing -tail) flow"),
-            "(or (and (inflections wing) (not tail)) (inflections flow))");
+            "(or (and (inflections wing) (not (inflections tail))) (inflections flow))");
 }
 
 TEST(QuestionTest, NotAfterOrIsOneOfThem) {
-  EXPECT_EQ(Question("wing OR NOT tail"), "(or (inflections wing) (not tail))");
+  EXPECT_EQ(Question("wing OR NOT tail"), "(or (inflections wing) (not (inflections tail)))");
 }
 
 TEST(QuestionTest, StopWordsAreLeftOut) {
@@ -328,10 +331,7 @@ TEST(QuestionTest, StopWordsAreLeftOut) {
   EXPECT_EQ(Question("\"to be\" or not"), "(near to 1:be)");
 }
 
-TEST(QuestionTest, StopWordsAloneStay) {
-  EXPECT_EQ(Question("To be or not"),
-            "(or To (inflections be) (inflections or) (inflections not))");
-}
+TEST(QuestionTest, StopWordsAloneStay) { EXPECT_EQ(Question("To be or not"), "(or To be or not)"); }
 
 TEST(QuestionTest, CapitalsHaveNoInflections) {
   EXPECT_EQ(Question("Dewey flow* wing~1"), "(or Dewey (prefix flow) (fuzzy1 wing))");
@@ -369,9 +369,9 @@ TEST(PhraseTest, QuestionsKeepPhrasesWithTheirStopWords) {
 std::string AllOf(const std::string& text) { return Parsed(text, DefaultOperator::kAndOfQuestion); }
 
 TEST(QueryParserTest, AQuestionForAllWordsLeavesStopWordsOut) {
-  EXPECT_EQ(AllOf("the flow of air"), "(and flow air)");
-  EXPECT_EQ(AllOf("the flow -of"), "(and flow (not of))");
-  EXPECT_EQ(AllOf("the flow OR air"), "(or flow air)");
+  EXPECT_EQ(AllOf("the flow of air"), "(and (inflections flow) (inflections air))");
+  EXPECT_EQ(AllOf("the flow -of"), "(and (inflections flow) (not of))");
+  EXPECT_EQ(AllOf("the flow OR air"), "(or (inflections flow) (inflections air))");
 }
 
 TEST(QueryParserTest, AQuestionOfStopWordsAloneKeepsThem) {
@@ -379,9 +379,27 @@ TEST(QueryParserTest, AQuestionOfStopWordsAloneKeepsThem) {
   EXPECT_EQ(AllOf("the"), "the");
 }
 
+TEST(QueryParserTest, WordsInQuotesHaveNoForms) {
+  EXPECT_EQ(AllOf("\"flow\" air"), "(and flow (inflections air))");
+  EXPECT_EQ(AllOf("\"flow\""), "flow");
+  EXPECT_EQ(Question("\"flow\" air"), "(or flow (inflections air))");
+}
+
+TEST(QueryParserTest, StopWordsInQuotesAreRequired) {
+  EXPECT_EQ(AllOf("\"the\" flow"), "(and the (inflections flow))");
+  EXPECT_EQ(Question("\"the\" flow"), "(or the (inflections flow))");
+}
+
+TEST(QueryParserTest, WordsBesideOperatorsHaveForms) {
+  EXPECT_EQ(AllOf("flow AND air"), "(and (inflections flow) (inflections air))");
+  EXPECT_EQ(AllOf("flow NEAR/3 air"), "(near (inflections flow) 3:(inflections air))");
+  EXPECT_EQ(AllOf("flow -air"), "(and (inflections flow) (not (inflections air)))");
+  EXPECT_EQ(AllOf("flow* air~"), "(and (prefix flow) (fuzzy1 air))");
+}
+
 TEST(QueryParserTest, AnOperatorKeepsStopWords) {
-  EXPECT_EQ(AllOf("the AND flow"), "(and the flow)");
-  EXPECT_EQ(AllOf("the NEAR/2 flow"), "(near the 2:flow)");
+  EXPECT_EQ(AllOf("the AND flow"), "(and the (inflections flow))");
+  EXPECT_EQ(AllOf("the NEAR/2 flow"), "(near the 2:(inflections flow))");
 }
 
 std::string Freely(const std::string& text) { return Parsed(text, DefaultOperator::kOrOfQuestion); }
@@ -389,7 +407,7 @@ std::string Freely(const std::string& text) { return Parsed(text, DefaultOperato
 TEST(QueryParserTest, AFreelyReadQuestionTakesJoinedWordsApart) {
   EXPECT_EQ(Freely("wind-tunnel flow"), Freely("wind tunnel flow"));
   EXPECT_EQ(Freely("flow -wind-tunnel"), "(and (inflections flow) (not (near wind 1:tunnel)))");
-  EXPECT_EQ(Freely("a-b AND flow"), "(and (near a 1:b) flow)");
+  EXPECT_EQ(Freely("a-b AND flow"), "(and (near a 1:b) (inflections flow))");
   EXPECT_EQ(Freely("(wind-tunnel) flow"), Freely("(wind tunnel) flow"));
   EXPECT_EQ(Freely("\"wind tunnel\" flow"), "(or (near wind 1:tunnel) (inflections flow))");
 }
@@ -423,11 +441,12 @@ std::string WithCommon(const std::string& text, DefaultOperator default_operator
 
 TEST(QueryParserTest, CommonWordsAreOptionalWhereTheyStand) {
   EXPECT_EQ(WithCommon("hot jet engine", DefaultOperator::kAndOfQuestion),
-            "(and hot (optional jet) engine)");
+            "(and (inflections hot) (optional (inflections jet)) (inflections engine))");
   EXPECT_EQ(WithCommon("hot jet engine", DefaultOperator::kOrOfQuestion),
             "(or (inflections hot) (optional (inflections jet)) (inflections engine))");
   EXPECT_EQ(WithCommon("hot (der jet wing)", DefaultOperator::kAndOfQuestion),
-            "(and hot (and (optional der) (optional jet) wing))");
+            "(and (inflections hot) (and (optional (inflections der)) (optional (inflections jet)) "
+            "(inflections wing)))");
 }
 
 TEST(QueryParserTest, OperatorsKeepCommonWords) {

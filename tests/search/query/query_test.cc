@@ -18,7 +18,7 @@ std::vector<Query> DifferentQueries() {
                            "a b", "a OR b", "a b c", "a (b c)", "(a OR b) c", "(a OR c) c"}) {
     queries.push_back(*ParseQuery(text));
   }
-  queries.push_back(*ParseQuery("a", DefaultOperator::kOr));
+  queries.push_back(*ParseQuery("b", DefaultOperator::kOr));
   return queries;
 }
 

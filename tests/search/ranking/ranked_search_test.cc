@@ -147,6 +147,17 @@ TEST(RankedSearchTest, WordsThatOpenADocumentCountMore) {
   EXPECT_EQ(Names("x OR y", segments, options), "abc");
 }
 
+TEST(RankedSearchTest, AWordByItselfCountsMoreWhereItOpensADocumentUnlessAllWordsAreAskedFor) {
+  std::string late;
+  for (int i = 0; i < 15; ++i) late += "z ";
+  PlainSegments segments;
+  segments.Add({Plain("a", late + "x"), Plain("b", "x " + late), Plain("c", "z")});
+  SearchOptions options;
+  EXPECT_EQ(Names("x", segments, options), "ba");
+  options.words = WordsMean::kAll;
+  EXPECT_EQ(Names("x", segments, options), "ab");
+}
+
 // All bonuses of these are the greatest there are, so that only names tell them apart.
 TEST(RankedSearchTest, BonusesOfEqualDocumentsLoseNoneOfThemToRounding) {
   const std::string words = "t u v w x";

@@ -159,6 +159,7 @@ RC_GTEST_PROP(SplitPropertiesTest, AnswersAreThoseOfANaiveReadingHoweverDocument
     RC_LOG() << ToString(query, QuotesMean::kPhrase) << "\n";
     SearchOptions options;
     options.proximity_bonus = *rc::gen::element(0.0, 0.5, 3.0);
+    options.words = *rc::gen::element(WordsMean::kBest, WordsMean::kAll);
     options.limit = 0;
     const RankedDocuments all = Ranked(query, splits[0].snapshot(), options);
     const Hits expected = HitsOf(all, splits[0].snapshot());

@@ -207,7 +207,7 @@ void CheckSearches(const std::string& path, const ReadDocuments& documents) {
   for (const auto& term : *terms) EXPECT_EQ(term.documents, words[term.term]) << term.term;
   for (const auto& [word, count] : words) {
     if (!CanBeAsked(word) || Folded(word) != word) continue;
-    EXPECT_EQ(*reader->Count(word), count) << word;
+    EXPECT_EQ(*reader->Count("\"" + word + "\""), count) << word;
   }
   std::size_t tried = 0;
   for (const auto& [phrase, count] : phrases) {

@@ -21,8 +21,9 @@
 
 namespace kestan::search {
 
-// What words side by side in a query mean. With kBest and kAny, stop words among them count only
-// where there are no others. With kBest, words that stand in more than half of the documents of an
+// What words side by side in a query mean. With kBest and kAny a word outside quotes stands for its
+// other forms too, in the language of the index, and stop words among them count only where there
+// are no others. With kBest, words that stand in more than half of the documents of an
 // index of 100 or more are not required either where there are others, but count for the score.
 // Notes name both.
 enum class WordsMean {
@@ -32,15 +33,15 @@ enum class WordsMean {
   // different words that are required, and also some that are not, or a question mark at its end,
   // or eight required words.
   kBest,
-  kAll,
+  kAll,  // each as it is written
   kAny,
 };
 
 // The defaults of k1, b and the bonus lie where the answers to the questions of two test
 // collections, of short and of long questions, hardly change with them: k1 from 1.8 to 2.2, b from
 // 0.7 to 0.75, the bonus for nearness from 0.25 to 0.5, that for the beginning from 0.5 to 1.
-// docs/quality.md has the figures. A bonus counts in queries of several words, where positions are
-// kept.
+// docs/quality.md has the figures. A bonus counts where positions are kept, and in queries of
+// several words; with kBest, that for the beginning in others too.
 struct SearchOptions {
   std::size_t limit = 10;  // how many hits to return; total counts all. 0: every match
   WordsMean words = WordsMean::kBest;

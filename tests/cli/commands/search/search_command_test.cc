@@ -45,7 +45,7 @@ INSTANTIATE_TEST_SUITE_P(, SearchCommandTest, kBothKinds, NameOfKind);
 const Outcome kNoHits{1, "", ""};
 
 TEST_P(SearchCommandTest, BestHitIsFirst) {
-  EXPECT_EQ(Search({"cat"}), Success("100 three\n80 one\n49 two\n"));
+  EXPECT_EQ(Search({"cat"}), Success("100 three\n86 one\n66 two\n"));
 }
 
 TEST_P(SearchCommandTest, EqualHitsAreInOrderOfNames) {
