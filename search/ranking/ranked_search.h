@@ -49,7 +49,8 @@ struct RankedDocuments {
 //
 //   opening_bonus * idf.
 //
-// A query of one clause has the latter only with WordsMean::kBest: with the others, which programs
+// A query of one clause has the latter only with WordsMean::kBest, times 1 + 1/p if the first place
+// is p, so that the title "passwd" comes before "update passwd"; with the others, which programs
 // ask with, positions need not be read for it. All figures are those of living
 // documents, and all sums are made in the order of the query: no merge and no number of threads
 // changes a score. Options out of range are brought into it: k1 and the bonus to 0 to 1000, b to 0

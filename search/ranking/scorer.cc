@@ -64,8 +64,10 @@ double Scorer::PairWeight(std::size_t clause) const {
 }
 
 // Of a clause that opens the document.
-double Scorer::OpeningWeight(std::size_t clause) const {
-  return parameters_.opening_bonus * parameters_.idfs[clause];
+double Scorer::OpeningBonus(std::size_t clause, Position first) const {
+  if (!IsOpening(first)) return 0;
+  const double bonus = parameters_.opening_bonus * parameters_.idfs[clause];
+  return matches_.clauses.size() == 1 ? bonus * (1 + 1.0 / first) : bonus;
 }
 
 double Scorer::GreatestPairs() const {
@@ -77,7 +79,7 @@ double Scorer::GreatestPairs() const {
 double Scorer::GreatestBonus() const {
   if (!matches_.with_positions) return 0;
   double bonus = GreatestPairs();
-  for (std::size_t i = 0; i < matches_.clauses.size(); ++i) bonus += OpeningWeight(i);
+  for (std::size_t i = 0; i < matches_.clauses.size(); ++i) bonus += OpeningBonus(i, 1);
   return bonus;
 }
 
@@ -98,7 +100,7 @@ double Scorer::BonusOf(Code code, double score, double least) {
     const std::size_t place = places_.Find(i, *clauses[i], code);
     const bool is_there = HasCode(*clauses[i], place, code);
     document_places_[i] = is_there ? place : kNowhere;
-    if (is_there && IsOpening(FirstPositions(*clauses[i])[place])) bonus += OpeningWeight(i);
+    if (is_there) bonus += OpeningBonus(i, FirstPositions(*clauses[i])[place]);
   }
   if (!MayReach(score + bonus + GreatestPairs(), least)) return bonus;
   for (std::size_t i = 0; i + 1 < clauses.size(); ++i) {
@@ -115,11 +117,10 @@ void Scorer::AddClause(std::size_t clause, const Link& link,
                        std::vector<double>* bonuses) const {
   const Occurrences& found = *matches_.clauses[clause];
   const double weight = ClauseWeight(clause);
-  const double opening_weight = OpeningWeight(clause);
   const FirstPositions firsts(found);
   const auto add = [&](std::size_t i, std::size_t place) {
     (*scores)[i] += ScoreOfCount(weight, found.counts[place], length_norms[i]);
-    if (IsOpening(firsts[place])) (*bonuses)[i] += opening_weight;
+    if (IsOpening(firsts[place])) (*bonuses)[i] += OpeningBonus(clause, firsts[place]);
   };
   for (std::size_t i = 0; i < link.places.size(); ++i) {
     const std::size_t place = link.places[i];

@@ -75,7 +75,7 @@ class Scorer {
                 std::vector<double>* bonuses);
   double ClauseWeight(std::size_t clause) const;
   double PairWeight(std::size_t clause) const;
-  double OpeningWeight(std::size_t clause) const;
+  double OpeningBonus(std::size_t clause, Position first) const;
   double GreatestPairs() const;
   double BonusOfPair(std::size_t clause, std::size_t left, std::size_t right);
 

@@ -151,7 +151,10 @@ double NaiveScore(const std::vector<NaiveClause>& clauses, std::size_t document,
     const Maybe& found = clauses[i].found[document];
     if (!found) continue;
     const int first = *std::min_element(found->positions.begin(), found->positions.end());
-    if (has_bonuses && first > 0 && first <= 15) score += options.opening_bonus * clauses[i].idf;
+    if (has_bonuses && first > 0 && first <= 15) {
+      const double nearness = clauses.size() == 1 ? 1 + 1.0 / first : 1;
+      score += options.opening_bonus * clauses[i].idf * nearness;
+    }
     const auto tf = static_cast<double>(found->count);
     score += clauses[i].idf * tf * (options.k1 + 1) /
              (tf + options.k1 * (1 - options.b + options.b * relative_length));

@@ -158,6 +158,12 @@ TEST(RankedSearchTest, AWordByItselfCountsMoreWhereItOpensADocumentUnlessAllWord
   EXPECT_EQ(Names("x", segments, options), "ab");
 }
 
+TEST(RankedSearchTest, AWordByItselfCountsMostWhereItIsTheFirst) {
+  PlainSegments segments;
+  segments.Add({Plain("a", "z z x"), Plain("b", "z x z"), Plain("c", "x z z"), Plain("d", "z")});
+  EXPECT_EQ(Names("x", segments, {}), "cba");
+}
+
 // All bonuses of these are the greatest there are, so that only names tell them apart.
 TEST(RankedSearchTest, BonusesOfEqualDocumentsLoseNoneOfThemToRounding) {
   const std::string words = "t u v w x";

@@ -36,7 +36,7 @@ class SearchOutputTest : public CommandTest {
   }
 };
 
-const std::string kPlain = "100 a\n84 b\n";
+const std::string kPlain = "100 a\n77 b\n";
 
 TEST_F(SearchOutputTest, LimitShowsTheFirst) {
   EXPECT_EQ(Search({"--limit", "1", "cat"}), Success("100 a\n"));
@@ -97,7 +97,7 @@ TEST_F(SearchOutputTest, ChangedFilesAndFilesWithoutARecordHaveNoSnippet) {
   Write("a", "another cat\n");
   ASSERT_EQ(Run({"user", "delete", "my.index", "b"}).status, 0);
   EXPECT_EQ(Search({"--snippets", "cat"}),
-            Success("100 a\n    A cat and a cat\n84 b\n    Pigs and more\n"));
+            Success("100 a\n    A cat and a cat\n77 b\n    Pigs and more\n"));
 }
 
 TEST_F(SearchOutputTest, OnlyTerminalsGetColoursUnlessAskedFor) {
