@@ -57,9 +57,7 @@ class Parts {
     const std::string name = NameOf(inner);
     if (name.empty()) return;
     try {
-      Step step = Decide(load(name));
-      ApplyWaiting(std::nullopt);
-      waiting_ = std::move(step);
+      Apply(Decide(load(name)));
     } catch (const SkipFile& skip) {
       Report(name, skip.kind(), skip.what(), skip.remedy());
     }
@@ -77,12 +75,12 @@ class Parts {
 
   // Carries out the rest. `state` is that of the container.
   void Finish(const FileState& state) {
-    ApplyWaiting(has_failed_ ? std::nullopt : std::optional(state));
+    Remember(has_failed_ ? std::nullopt : std::optional(state));
     RemoveOthers();
   }
 
-  // Carries out what was decided, when the container cannot be read to its end.
-  void Abandon() { ApplyWaiting(std::nullopt); }
+  // Leaves it at what was carried out, when the container cannot be read to its end.
+  void Abandon() { Remember(std::nullopt); }
 
  private:
   void Report(const std::string& name, SkipKind kind, const std::string& reason,
@@ -165,21 +163,11 @@ class Parts {
     return step;
   }
 
-  // Carries out the last step. `container` is the state of the container, if this part is to
-  // remember it.
-  void ApplyWaiting(const std::optional<FileState>& container) {
-    if (!waiting_.has_value()) return;
-    Step step = std::move(*waiting_);
-    waiting_.reset();
-    step.fingerprint.container = container;
+  void Apply(Step step) {
+    Remember(std::nullopt);
     IndexReport& report = *task_.report;
     if (step.kind == Step::Kind::kKeep) {
       ++report.unchanged;
-      const Fingerprint& known = *step.known->fingerprint;
-      const bool is_as_known = known.offset == step.fingerprint.offset &&
-                               known.state == step.fingerprint.state &&
-                               known.container == container;
-      if (!is_as_known) task_.change->UpdateFingerprint(step.name, step.fingerprint);
     } else if (step.kind == Step::Kind::kMove) {
       ++report.moved;
       task_.change->Move(step.from, step.name, step.fingerprint);
@@ -187,6 +175,27 @@ class Parts {
       ++(step.known != nullptr ? report.updated : report.added);
       if (!step.document.note.empty()) report.notes.push_back({step.name, step.document.note});
       task_.change->AddPart(step.name, std::move(step.document), step.fingerprint, NotedIn(step));
+      step.document = {};
+    }
+    last_ = std::move(step);
+  }
+
+  // Has the document of the last step remember the state `container`, or none.
+  void Remember(const std::optional<FileState>& container) {
+    if (!last_.has_value()) return;
+    Step step = std::move(*last_);
+    last_.reset();
+    step.fingerprint.container = container;
+    if (step.kind == Step::Kind::kKeep) {
+      const Fingerprint& known = *step.known->fingerprint;
+      const bool is_as_known = known.offset == step.fingerprint.offset &&
+                               known.state == step.fingerprint.state &&
+                               known.container == container;
+      if (!is_as_known) task_.change->UpdateFingerprint(step.name, step.fingerprint, step.name);
+    } else if (container.has_value()) {
+      const bool is_moved = step.kind == Step::Kind::kMove;
+      task_.change->UpdateFingerprint(step.name, step.fingerprint,
+                                      is_moved ? step.from : NotedIn(step));
     }
   }
 
@@ -213,7 +222,7 @@ class Parts {
   std::map<std::string, const KnownDocument*> by_name_;
   std::map<std::string, const KnownDocument*> by_hash_;
   std::set<std::string> seen_;
-  std::optional<Step> waiting_;
+  std::optional<Step> last_;  // without its document
   bool has_failed_ = false;
 };
 

@@ -124,8 +124,9 @@ void IndexChange::Move(const std::string& from, const std::string& to,
   has_changes_ = true;
 }
 
-void IndexChange::UpdateFingerprint(const std::string& name, const Fingerprint& fingerprint) {
-  const std::string record = WithFingerprint(UserRecordOf(name), fingerprint);
+void IndexChange::UpdateFingerprint(const std::string& name, const Fingerprint& fingerprint,
+                                    const std::string& noted) {
+  const std::string record = WithFingerprint(noted.empty() ? "" : UserRecordOf(noted), fingerprint);
   OpenedWriter& opened = Writer();
   opened.Check(opened.writer().SetField(name, DocumentField::kHostData, record));
   has_changes_ = true;

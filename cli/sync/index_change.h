@@ -52,8 +52,10 @@ class IndexChange {
   // Renames a document, and stores the fingerprint of its file. The user's lines go with it.
   void Move(const std::string& from, const std::string& to, const Fingerprint& fingerprint);
 
-  // Stores `fingerprint` for the document `name`, whose file has the same content as before.
-  void UpdateFingerprint(const std::string& name, const Fingerprint& fingerprint);
+  // Stores `fingerprint` for the document `name`, whose file has the same content as before. The
+  // lines of the user are those that `noted` had before the change, or none if it is "".
+  void UpdateFingerprint(const std::string& name, const Fingerprint& fingerprint,
+                         const std::string& noted);
 
   void Remove(const std::string& name);
 

@@ -60,7 +60,7 @@ void Apply(const Candidate& candidate, Decision decision, IndexChange& change,
   const bool is_moved = !decision.moved_from.empty();
   switch (decision.kind) {
     case Decision::Kind::kUpdateFingerprint:
-      change.UpdateFingerprint(name, decision.fingerprint);
+      change.UpdateFingerprint(name, decision.fingerprint, name);
       ++report->unchanged;
       return;
     case Decision::Kind::kMove:

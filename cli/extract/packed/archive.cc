@@ -24,6 +24,8 @@ struct Budget {
   std::uint64_t members;
   const std::uint64_t all_bytes = bytes;
   const std::uint64_t all_members = members;
+  std::string too_deep{};          // the first archive that was not opened
+  std::uint64_t too_deep_count{};  // of such archives
 
   void TakeMember() {
     if (members-- != 0) return;
@@ -147,9 +149,8 @@ class Reading {
 
   void ReadInner() {
     if (depth_ == kMaxArchiveDepth) {
-      return visitor_.Skip(name_, SkipKind::kTooLarge,
-                           "it is within " + std::to_string(depth_) +
-                               " archives, and no more are opened within each other");
+      if (budget_->too_deep_count++ == 0) budget_->too_deep = name_;
+      return;
     }
     const std::string inner = std::exchange(member_, {});
     const ArchiveBytes bytes = ArchiveBytesOf(std::string_view(inner));
@@ -177,6 +178,17 @@ class Reading {
   std::exception_ptr thrown_;
 };
 
+// Bombs hold archives by the thousand.
+void TellWhatIsTooDeep(const Budget& budget, MemberVisitor& visitor) {
+  if (budget.too_deep_count == 0) return;
+  std::string reason =
+      "an archive within " + std::to_string(kMaxArchiveDepth) + " others is not opened";
+  if (budget.too_deep_count > 1) {
+    reason += ", nor are " + std::to_string(budget.too_deep_count - 1) + " more in the same file";
+  }
+  visitor.Skip(budget.too_deep, SkipKind::kTooLarge, reason);
+}
+
 }  // namespace
 
 ArchiveBytes ArchiveBytesOf(StableFile& file) {
@@ -203,7 +215,13 @@ void ReadMembers(const ArchiveBytes& bytes, const ArchiveLimits& limits, MemberV
       std::max(kRatioFrom, bytes.size > kMaxArchiveBytes / kMaxRatio ? kMaxArchiveBytes
                                                                      : bytes.size * kMaxRatio);
   Budget budget{std::min(limits.max_bytes, by_ratio), limits.max_members};
-  Reading(bytes, limits, visitor).Run("", 1, &budget);
+  try {
+    Reading(bytes, limits, visitor).Run("", 1, &budget);
+  } catch (const SkipFile&) {
+    TellWhatIsTooDeep(budget, visitor);
+    throw;
+  }
+  TellWhatIsTooDeep(budget, visitor);
 }
 
 }  // namespace kestan_cli

@@ -140,7 +140,7 @@ TEST_F(IndexChangeTest, LinesOfTheUserStay) {
   SetRecord("/a", "mine");
   {
     IndexChange change("my.index", ProgressStyle::kNone);
-    change.UpdateFingerprint("/a", kPrint);
+    change.UpdateFingerprint("/a", kPrint, "/a");
     change.Commit();
   }
   EXPECT_EQ(Info("/a").host_data, kLine + "\nmine");
