@@ -20,16 +20,15 @@ class Layer {
   Layer& operator=(const Layer&) = delete;
 
   // Sets `*bytes` to the next piece, which is valid until the next call.
-  //   Returns  its size; 0 at the end; -1 if there will be no more: then `*problem` says why,
-  //   unless
-  //            the source itself has failed, and `*status` is not kRead.
+  //   Returns  its size; 0 at the end; -1 if there will be no more: then the LayerFailure of its
+  //            stack says why.
   virtual long Next(const char** bytes) noexcept = 0;
 };
 
-// What a stack of layers shares: why the last of them failed.
+// What a stack of layers shares: why the first of them failed. The layers borrow it.
 struct LayerFailure {
   ReadStatus status = ReadStatus::kRead;
-  ReadProblem problem{};
+  ReadProblem problem{};  // empty if the source itself has failed, or there is no memory
 };
 
 // The bytes of a source.
