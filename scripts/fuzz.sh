@@ -35,7 +35,7 @@ targets=("$@")
 [ ${#targets[@]} -gt 0 ] || mapfile -t targets < <(ls fuzz/seeds)
 
 cmake --preset fuzz -B "$build" -DKESTAN_FUZZ_ADDRESSES=$addresses >/dev/null
-cmake --build "$build"
+cmake --build "$build" --target "${targets[@]/#/fuzz_}"
 mkdir -p "$build/findings" "$build/logs" "${targets[@]/#/$corpus/}"
 
 # gdbm asks for as much memory as a damaged file says, up to 4 GiB, and copes when it gets none.
