@@ -105,7 +105,7 @@ std::optional<LoadedFile> LoadMessage(const std::string& name, const std::string
   struct stat status {};
   if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return {};
   const std::uint64_t bytes = fingerprint.state.bytes;
-  const std::uint64_t end = static_cast<std::uint64_t>(status.st_size);
+  const auto end = static_cast<std::uint64_t>(status.st_size);
   if (bytes > kMaxShownMessage || fingerprint.offset > end || bytes > end - fingerprint.offset) {
     return {};
   }

@@ -3,9 +3,8 @@
 #include <archive.h>
 #include <archive_entry.h>
 
-#include <locale.h>  // uselocale()
-
 #include <algorithm>
+#include <clocale>
 #include <cstdint>
 #include <cstdio>
 #include <limits>

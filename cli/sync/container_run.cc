@@ -65,12 +65,13 @@ class Parts {
 
   // Leaves out the part called `inner`. What the index holds of it, and of parts of it, stays.
   void Skip(const std::string& inner, SkipKind kind, const std::string& reason) {
-    std::string marks;
+    const std::size_t path_bytes = candidate_.file.name.size();
+    std::string name = candidate_.file.name + "#" + inner;
+    Report(name, kind, reason);
     for (int i = 0; i < kMaxMarks; ++i) {
-      marks += '#';
-      KeepAll(candidate_.file.name + marks + inner);
+      KeepAll(name);
+      name.insert(path_bytes, 1, '#');
     }
-    Report(candidate_.file.name + "#" + inner, kind, reason);
   }
 
   // Carries out the rest. `state` is that of the container.

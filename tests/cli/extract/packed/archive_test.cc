@@ -122,6 +122,15 @@ TEST(ArchiveTest, MemberThatIsTooLargeIsNamed) {
   }
 }
 
+TEST(ArchiveTest, MemberThatIsEncryptedIsNamedAndTheOthersAreRead) {
+  std::string zip = Zip({{"1", "nobody can read this without the word"}, {"2", "two"}});
+  zip[zip.find("PK\x03\x04") + 6] |= 1;
+  zip[zip.find("PK\x01\x02") + 8] |= 1;
+  const std::string read = List(zip);
+  EXPECT_EQ(read.rfind("(1: unreadable: cannot be unpacked: ", 0), 0u) << read;
+  EXPECT_NE(read.find("2=two\n"), std::string::npos) << read;
+}
+
 TEST(ArchiveTest, AllMembersTogetherAreLimited) {
   ArchiveLimits limits = Limits();
   limits.max_bytes = 10;
