@@ -16,8 +16,8 @@ namespace kestan::search {
 // word, itself; of a prefix, all that begin with it; of a fuzzy word, those within its edits; of
 // inflections, those that have the word's stem, found by `stemmer`. As in documents, a word without
 // capitals stands for terms without any. A prefix costs what it finds; inflections, a look at what
-// begins as the stem does; a fuzzy word, a look at each term without capitals. The entry is lent for
-// the call. Stops when `visit` returns an error, and returns it; kSystem where inflections need
+// begins as the stem does; a fuzzy word, a look at each term without capitals. The entry is lent
+// for the call. Stops when `visit` returns an error, and returns it; kSystem where inflections need
 // libstemmer and it cannot be loaded.
 Status ForEachTermOf(const TermDictionary& terms, const Query& leaf, Stemmer* stemmer,
                      const std::function<Status(const TermEntry&)>& visit);
