@@ -2,11 +2,13 @@
 
 #include <dlfcn.h>
 
+#include <array>
+
 namespace kestan::search {
 namespace {
 
 // The name that Debian gives the library, and the one that others give it.
-constexpr const char* kNames[] = {"libstemmer.so.0d", "libstemmer.so.0"};
+constexpr std::array kNames = {"libstemmer.so.0d", "libstemmer.so.0"};
 
 void* OpenLibrary() {
   for (const char* const name : kNames) {

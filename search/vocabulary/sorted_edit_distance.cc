@@ -14,7 +14,7 @@ SortedEditDistance<Letter>::SortedEditDistance(Word word, int limit)
 
 template <typename Letter>
 int SortedEditDistance<Letter>::To(Word other) {
-  const std::size_t common = static_cast<std::size_t>(
+  const auto common = static_cast<std::size_t>(
       std::mismatch(other_.begin(), other_.end(), other.begin(), other.end()).first -
       other_.begin());
   rows_ = std::min(rows_, common + 1);

@@ -90,7 +90,7 @@ bool Joins(std::string_view text, std::size_t start, std::size_t end) {
                                   IsDigit(text[end]);
   if (is_comma_of_number) return true;
   // Hyphens, apostrophes and middle dots beyond ASCII.
-  constexpr std::string_view kBeyond[] = {
+  constexpr std::array<std::string_view, 18> kBeyond = {
       "\u00ad", "\u00b7", "\u02b9", "\u02ba", "\u02bb", "\u02bc", "\u02bd", "\u02be", "\u02bf",
       "\u2010", "\u2011", "\u2012", "\u2013", "\u2018", "\u2019", "\u2027", "\u2032", "\u30fb"};
   for (std::string_view rest = text.substr(start, end - start); !rest.empty();) {

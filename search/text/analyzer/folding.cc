@@ -65,7 +65,8 @@ char32_t WithoutAccents(char32_t letter) {
   if (length <= 0) return letter;
   Check(error);
   UChar32 base = 0;
-  U16_GET(parts.data(), 0, 0, length, base);
+  const char16_t* const units = parts.data();
+  U16_GET(units, 0, 0, length, base);
   return static_cast<char32_t>(base);
 }
 
