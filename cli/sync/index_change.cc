@@ -173,7 +173,7 @@ void IndexChange::CheckWordsAreOfThisVersion() const {
   if (is_emptied_ || !before_.has_value() || before_->Statistics().documents == 0) return;
   if (!ValueOf(before_->Property("analyzer"), path_).empty()) return;
   throw CannotChange(path_, "its words were made by an older version; kestan index " +
-                                Quoted(path_) + " --again makes them anew");
+                                Quoted(path_) + " --again makes them again");
 }
 
 std::string IndexChange::UserRecordOf(const std::string& name) const {

@@ -196,13 +196,13 @@ unsigned long CountOf(const IndexChange& change) {
   return static_cast<unsigned long>(change.before()->Statistics().documents);
 }
 
-// Empties the index, of which every root must be there to be read anew.
+// Empties the index, of which every root must be there to be read again.
 void Empty(const Scan& scan, IndexChange& change) {
   if (!scan.missing.empty()) {
     throw CommandError("cannot read " + Quoted(*scan.missing.begin()) +
-                       ", so nothing is made anew; --forget takes it from the roots");
+                       ", so nothing is read again; --forget takes it from the roots");
   }
-  if (scan.files.empty()) throw CommandError("there are no files to make the index anew of");
+  if (scan.files.empty()) throw CommandError("there are no files to make the index of");
   change.RemoveAll();
 }
 
@@ -302,7 +302,7 @@ std::vector<Option> IndexCommandOptions() {
           {"--forget", "", "no longer bring the PATHs up to date; with --prune, remove them"},
           {"--stdin0", "", "read the paths from the standard input, each ended by a NUL"},
           {"--all", "", "index unchanged files again too"},
-          {"--again", "", "make the whole index anew, as after a new version"},
+          {"--again", "", "make the whole index again, as after a new version"},
           {"--why", "", "name each file that was left out, and the reason"},
           JsonOption(),
           QuietOption()};

@@ -133,8 +133,8 @@ bool IgnorePattern::TakesOne(const Token& token, char byte) const {
 // Where bytes do not fit, the last star takes one more: an earlier star need not.
 bool IgnorePattern::PartMatches(const Part& part, std::string_view name) const {
   if (part.is_literal) return part.end == name;
-  const bool has_end = name.size() >= part.end.size() &&
-                       name.substr(name.size() - part.end.size()) == part.end;
+  const bool has_end =
+      name.size() >= part.end.size() && name.substr(name.size() - part.end.size()) == part.end;
   if (!has_end) return false;  // as most names, which this finds out soonest
   const std::vector<Token>& tokens = part.tokens;
   const auto is_star = [&](std::size_t i) {

@@ -44,7 +44,7 @@ class IndexAgainTest : public CommandTest {
 
 const char* const kAdvice =
     "cannot change index 'my.index': its words were made by an older version; kestan index "
-    "'my.index' --again makes them anew";
+    "'my.index' --again makes them again";
 
 TEST_F(IndexAgainTest, NothingIsAddedToAnOlderIndex) {
   MakeOlder();
@@ -89,7 +89,7 @@ TEST_F(IndexAgainTest, NothingIsRemovedWhereThereAreNoFiles) {
   std::filesystem::remove(Path("d/a"));
   std::filesystem::remove(Path("d/b"));
   EXPECT_EQ(Run({"index", "my.index", "--again"}),
-            Failure("there are no files to make the index anew of"));
+            Failure("there are no files to make the index of"));
   EXPECT_EQ(Search("cat"), "100 d/a\n");
 }
 
