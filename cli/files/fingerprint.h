@@ -6,9 +6,8 @@
 // Where they apply, these follow, in this order and each after a blank:
 //
 //   read=0123456789abcdef        the file was not read as its name alone says
-//   in=12                        the document is a part of the file whose path is the first 12
-//   bytes
-//                                of its name; size, time and hash are those of the part
+//   in=12                        a part of the file whose path is the first 12 bytes of the name;
+//                                size, time and hash are those of the part
 //   at=3456                      where the part begins in that file; 0 for a member of an archive
 //   of=1234,1700000000.123456789 the size and the time of that file, in one of its documents
 //   date=1700000000              when a message was sent, in seconds since 1970

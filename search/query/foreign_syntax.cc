@@ -55,8 +55,10 @@ std::string NoteOnOperator(std::string_view word) {
   return "";
 }
 
-// The same of * and ? for letters.
+// The same of * and ? for letters. In an address, such as one of a page, they stand for themselves.
 std::string NoteOnWildcard(std::string_view word) {
+  const bool is_address = word.find_first_of("/:=") != std::string_view::npos;
+  if (is_address) return "";
   const std::size_t at = FindWithin(word, "*?");
   if (at == std::string_view::npos) return "";
   const std::string sign(1, word[at]);

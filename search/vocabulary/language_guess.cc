@@ -115,6 +115,8 @@ constexpr std::array<FrequentWords, 28> kFrequentWords = {{
      "ניט זיך וואָס וואס ער זיי א "},
 }};
 
+static_assert(kFrequentWords.size() <= 32, "each language has a bit of a LanguageSet");
+
 std::size_t IndexOf(std::string_view language) {
   const auto* const found =
       std::find_if(kFrequentWords.begin(), kFrequentWords.end(),

@@ -318,7 +318,7 @@ int RunSearchCommand(const Values& values) {
 std::vector<Option> SearchCommandOptions() {
   return {
       {"-i,--index", "INDEX", "search this index; may be given again, to search several as one"},
-      {"--all", "", "words side by side mean AND, without exceptions"},
+      {"--all", "", "words side by side mean AND; each as it is written, without other forms"},
       {"--any", "", "words side by side mean OR"},
       {"--limit", "N", "show at most N documents; 0: all. Without it, a terminal shows 10"},
       {"--order", "ORDER", "how documents are sorted", {"best", "name"}},

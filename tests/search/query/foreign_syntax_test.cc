@@ -68,6 +68,12 @@ TEST(ForeignSyntaxTest, WildcardsStandOnlyAtTheEnd) {
   EXPECT_EQ(NotesOnForeignSyntax("m\xc3\xbc?ler").size(), 1u);
 }
 
+TEST(ForeignSyntaxTest, AddressesHoldNoWildcards) {
+  EXPECT_EQ(NotesOnForeignSyntax("http://example.com/a?b=c"), Notes{});
+  EXPECT_EQ(NotesOnForeignSyntax("example.com/a?b"), Notes{});
+  EXPECT_EQ(NotesOnForeignSyntax("a?b=c"), Notes{});
+}
+
 TEST(ForeignSyntaxTest, EachSignIsNotedOnce) {
   EXPECT_EQ(NotesOnForeignSyntax("a | b | *c").size(), 2u);
 }
