@@ -298,7 +298,7 @@ KESTAN_C_EXPORT int kestan_reader_terms(kestan_terms** out, kestan_reader* reade
 KESTAN_C_EXPORT int kestan_reader_suggest(kestan_terms** out, kestan_reader* reader,
                                           const char* word, size_t word_length, size_t limit);
 
-/* Gives the next word, lent until `terms` is freed.
+/* Gives the next word, lent until the next call or until `terms` is freed.
  *   Returns  KESTAN_ITEROVER after the last.
  */
 KESTAN_C_EXPORT int kestan_terms_next(const kestan_term** out, kestan_terms* terms);

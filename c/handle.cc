@@ -1,0 +1,87 @@
+#include "c/handle.h"
+
+namespace kestan::c {
+namespace {
+
+int CodeOf(const Status& status) {
+  switch (status.code()) {
+    case StatusCode::kOk:
+      return KESTAN_OK;
+    case StatusCode::kNotFound:
+      return KESTAN_ENOTFOUND;
+    case StatusCode::kAlreadyExists:
+      return KESTAN_EEXISTS;
+    case StatusCode::kInvalidArgument:
+      return KESTAN_EINVALID;
+    case StatusCode::kInvalidQuery:
+      return KESTAN_EQUERY;
+    case StatusCode::kBusy:
+      return KESTAN_EBUSY;
+    case StatusCode::kDamaged:
+      return KESTAN_EDAMAGED;
+    case StatusCode::kVersion:
+      return KESTAN_EVERSION;
+    case StatusCode::kSystem:
+      return KESTAN_ESYSTEM;
+    case StatusCode::kOutOfMemory:
+      return KESTAN_ENOMEM;
+    case StatusCode::kInterrupted:
+      return KESTAN_EINTERRUPTED;
+    case StatusCode::kForked:
+      return KESTAN_EFORKED;
+  }
+  return KESTAN_ESYSTEM;
+}
+
+}  // namespace
+
+Error::Error(Status status) : status_(std::move(status)) {
+  view_.code = CodeOf(status_);
+  view_.system_error = status_.system_error();
+  view_.column = status_.column() ? static_cast<std::int64_t>(*status_.column()) : -1;
+  view_.message = status_.message().c_str();
+  view_.message_length = status_.message().size();
+  view_.file = status_.file().c_str();
+  view_.file_length = status_.file().size();
+}
+
+int Handle::Return(Status status) noexcept {
+  const int code = CodeOf(status);
+  if (code == KESTAN_OK) return code;
+  const std::thread::id thread = std::this_thread::get_id();
+  const std::lock_guard<std::mutex> lock(mutex_);
+  try {
+    errors_[thread] = std::make_unique<Error>(std::move(status));
+  } catch (const std::bad_alloc&) {
+    errors_.erase(thread);
+  }
+  return code;
+}
+
+const kestan_error* Handle::last_error() const noexcept {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const auto found = errors_.find(std::this_thread::get_id());
+  return found == errors_.end() ? nullptr : found->second->view();
+}
+
+}  // namespace kestan::c
+
+namespace {
+
+constexpr char kForked[] =
+    "it was opened by the process that forked this one; open the index again";
+
+// Of every handle of a parent process, whose own errors may be locked for ever.
+constexpr kestan_error kForkedError = {
+    KESTAN_EFORKED, 0, -1, kForked, sizeof(kForked) - 1, "", 0,
+};
+
+}  // namespace
+
+int kestan_last_error(const kestan_error** out, const void* handle) {
+  const kestan::c::Handle* const live = kestan::c::FindHandle(handle);
+  if (live == nullptr) return KESTAN_EHANDLE;
+  if (out == nullptr) return KESTAN_EINVALID;
+  *out = live->is_of_parent() ? &kForkedError : live->last_error();
+  return KESTAN_OK;
+}

@@ -1,0 +1,42 @@
+// Queries built by calls.
+#ifndef KESTAN_C_QUERY_HANDLE_H_
+#define KESTAN_C_QUERY_HANDLE_H_
+
+#include <kestan/search/search_query.h>
+
+#include <memory>
+#include <utility>
+
+#include "c/reader_handle.h"
+
+struct kestan_query final : kestan::c::Handle {
+  kestan_query(kestan::search::SearchQuery built,
+               const std::shared_ptr<kestan::c::OpenReader>& made_for)
+      : query(std::move(built)), reader(made_for) {}
+
+  // Returns whether it was made for `other`.
+  bool IsFor(const std::shared_ptr<kestan::c::OpenReader>& other) const {
+    return !reader.owner_before(other) && !other.owner_before(reader);
+  }
+
+  const kestan::search::SearchQuery query;
+  const std::weak_ptr<kestan::c::OpenReader> reader;
+};
+
+namespace kestan::c {
+
+// Runs `call`, which returns a code, with the query of `handle` if it was made for the reader of
+// `live`.
+template <typename Call>
+int WithQuery(kestan_reader& live, const kestan_query* handle, Call call) {
+  return Use(handle, [&](const kestan_query& query) {
+    if (!query.IsFor(live.reader)) {
+      return live.Return(Invalid("the query was made for another reader"));
+    }
+    return call(query.query);
+  });
+}
+
+}  // namespace kestan::c
+
+#endif  // KESTAN_C_QUERY_HANDLE_H_
