@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "c/handle.h"
+#include "c/handles/handle.h"
 
 namespace kestan::c {
 

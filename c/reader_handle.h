@@ -10,7 +10,7 @@
 #include <shared_mutex>
 #include <utility>
 
-#include "c/handle.h"
+#include "c/handles/handle.h"
 
 namespace kestan::c {
 

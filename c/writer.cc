@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "c/handle.h"
+#include "c/handles/handle.h"
 #include "c/input.h"
 
 using kestan::c::Error;

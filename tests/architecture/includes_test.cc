@@ -24,6 +24,9 @@ const std::vector<Floor> kFloors{
     {"search/ranking", "search/snippet"},
     {"search/index"},
     {"search/upkeep"},
+    {"c/include"},  // what programs in C include
+    {"c/handles"},
+    {"c"},
     {"cli/readers"},      // becomes a module
     {"cli/mail_reader"},  // becomes another
     {"cli/console"},

@@ -1,6 +1,6 @@
 // What all handles have in common, and the way of every call from C into C++ and back.
-#ifndef KESTAN_C_HANDLE_H_
-#define KESTAN_C_HANDLE_H_
+#ifndef KESTAN_C_HANDLES_HANDLE_H_
+#define KESTAN_C_HANDLES_HANDLE_H_
 
 #include <kestan/c.h>
 #include <kestan/search/status.h>
@@ -14,7 +14,7 @@
 #include <thread>
 #include <utility>
 
-#include "c/live_handles.h"
+#include "c/handles/live_handles.h"
 
 namespace kestan::c {
 
@@ -129,4 +129,4 @@ inline Status Invalid(std::string message) {
 
 }  // namespace kestan::c
 
-#endif  // KESTAN_C_HANDLE_H_
+#endif  // KESTAN_C_HANDLES_HANDLE_H_

@@ -1,6 +1,6 @@
 // The handles that a host has: made, and not freed yet.
-#ifndef KESTAN_C_LIVE_HANDLES_H_
-#define KESTAN_C_LIVE_HANDLES_H_
+#ifndef KESTAN_C_HANDLES_LIVE_HANDLES_H_
+#define KESTAN_C_HANDLES_LIVE_HANDLES_H_
 
 namespace kestan::c {
 
@@ -25,4 +25,4 @@ unsigned ForkCount() noexcept;
 
 }  // namespace kestan::c
 
-#endif  // KESTAN_C_LIVE_HANDLES_H_
+#endif  // KESTAN_C_HANDLES_LIVE_HANDLES_H_

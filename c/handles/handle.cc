@@ -1,4 +1,4 @@
-#include "c/handle.h"
+#include "c/handles/handle.h"
 
 namespace kestan::c {
 namespace {

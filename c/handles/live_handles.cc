@@ -1,4 +1,4 @@
-#include "c/live_handles.h"
+#include "c/handles/live_handles.h"
 
 #include <pthread.h>
 
@@ -7,7 +7,7 @@
 #include <shared_mutex>
 #include <unordered_map>
 
-#include "c/handle.h"
+#include "c/handles/handle.h"
 
 namespace kestan::c {
 namespace {
