@@ -19,7 +19,7 @@ StatusCode CodeOfError(int error) {
 }  // namespace
 
 Status SystemError(int error, const std::string& file) {
-  return {CodeOfError(error), std::generic_category().message(error), file};
+  return Status::OfSystem(CodeOfError(error), error, std::generic_category().message(error), file);
 }
 
 Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {

@@ -1,16 +1,22 @@
 #include <kestan/search/index_reader.h>
 
 #include <algorithm>
-#include <cmath>
+#include <exception>
 #include <set>
 #include <utility>
 
 #include "search/index/caught.h"
 #include "search/index/document_words.h"
+#include "search/index/documents/document_info.h"
+#include "search/index/documents/document_walk.h"
+#include "search/index/documents/hits.h"
 #include "search/index/manifest/index_language.h"
+#include "search/index/missing_words.h"
 #include "search/index/opened_index.h"
 #include "search/index/question.h"
+#include "search/matching/reading.h"
 #include "search/matching/vocabulary.h"
+#include "search/query/built/lowering.h"
 #include "search/ranking/ranked_search.h"
 #include "search/segment/snapshot.h"
 #include "search/snippet/snippet.h"
@@ -20,19 +26,10 @@
 namespace kestan::search {
 namespace {
 
-// Of so many hits at most, the titles are announced before they are read.
-constexpr std::size_t kMostAnnounced = 1000;
-
 // Makes exceptions errors, which are about no file of their own.
 template <typename Work>
 auto Caught(const Work& work) -> decltype(work()) {
   return Caught("", work);
-}
-
-// Returns the percentages that scores are of the best one.
-int PercentOf(double score, double best) {
-  if (best <= 0) return 100;
-  return std::max(1, static_cast<int>(std::lround(100 * score / best)));
 }
 
 }  // namespace
@@ -67,7 +64,9 @@ class IndexReader::Impl {
     return changed;
   }
 
-  Result<SearchResults> Search(std::string_view query, const SearchOptions& options) const {
+  // `Asked` is std::string_view or SearchQuery, here and below.
+  template <typename Asked>
+  Result<SearchResults> Search(const Asked& query, const SearchOptions& options) const {
     SearchResults results;
     auto answer = Ask(query, snapshot_, options);
     if (!answer.ok()) return answer.status();
@@ -77,24 +76,28 @@ class IndexReader::Impl {
     results.matched_terms = Readable(std::move(answer->found.terms));
     std::sort(results.matched_terms.begin(), results.matched_terms.end());
     results.analyzer = is_analyzed() ? 1 : 0;
-    const Status status = ListHits(answer->found.best, options.with_titles, &results.hits);
+    const Status status =
+        ListHits(answer->found.best, snapshot_, options.with_titles, &results.hits);
     if (!status.ok()) return status;
     return results;
   }
 
-  Status ForEachMatch(std::string_view query, const SearchOptions& options,
+  template <typename Asked>
+  Status ForEachMatch(const Asked& query, const SearchOptions& options,
                       const std::function<bool(const Match&)>& visit) const {
     const auto found = AllAnswers(query, snapshot_, options);
-    return found.ok() ? VisitMatches(*found, visit) : found.status();
+    return found.ok() ? VisitMatches(*found, snapshot_, visit) : found.status();
   }
 
-  Result<Explanation> Explain(std::string_view query, const SearchOptions& options) const {
+  template <typename Asked>
+  Result<Explanation> Explain(const Asked& query, const SearchOptions& options) const {
     auto explanation = ExplainAnswer(query, snapshot_, options);
     if (explanation.ok()) MakeReadable(&*explanation);
     return explanation;
   }
 
-  Result<std::uint64_t> Count(std::string_view query, const SearchOptions& options) const {
+  template <typename Asked>
+  Result<std::uint64_t> Count(const Asked& query, const SearchOptions& options) const {
     return CountAnswers(query, snapshot_, options);
   }
 
@@ -113,6 +116,18 @@ class IndexReader::Impl {
     });
     if (!status.ok()) return status;
     if (!error.ok()) return error;
+    return terms;
+  }
+
+  Result<std::vector<TermInfo>> Suggest(std::string_view word, std::size_t limit) const {
+    const auto query = Lowered(SearchQuery::Word(word), OperatorOf(WordsMean::kBest), rules());
+    if (query.status().code() == StatusCode::kInvalidQuery) return std::vector<TermInfo>();
+    if (!query.ok()) return query.status();
+    const auto suggested = SuggestedWords(*query, snapshot_, limit);
+    if (!suggested.ok()) return suggested.status();
+    std::vector<TermInfo> terms;
+    for (const FuzzyMatch& match : *suggested)
+      terms.push_back({Readable(match.word), match.documents});
     return terms;
   }
 
@@ -156,16 +171,14 @@ class IndexReader::Impl {
   }
 
   Status ForEachDocument(const std::function<bool(const DocumentInfo&)>& visit) const {
-    for (const auto& segment : snapshot_.segments) {
-      for (std::size_t code = 1; code <= segment->size(); ++code) {
-        if (segment->IsRemoved(static_cast<Code>(code))) continue;
-        const auto info = InfoOf(*segment, static_cast<Code>(code));
-        if (!info.ok()) return info.status();
-        if (!visit(*info)) return {};
-      }
+    DocumentWalk walk(snapshot_);
+    while (true) {
+      const auto document = walk.Next();
+      if (!document.ok() || *document == nullptr || !visit(**document)) return document.status();
     }
-    return {};
   }
+
+  const Snapshot& snapshot() const { return snapshot_; }
 
   Result<std::string> Property(std::string_view key) const {
     const OpenedIndex& index = indexes_.front();
@@ -187,6 +200,7 @@ class IndexReader::Impl {
   }
 
  private:
+  TextRules rules() const { return snapshot_.rules; }
   bool is_analyzed() const { return snapshot_.rules == TextRules::kAnalyzer; }
 
   // What comes out of an index is in UTF-8.
@@ -243,67 +257,6 @@ class IndexReader::Impl {
     return snapshot;
   }
 
-  // What is damaged has an empty name; so may a document of class Kestan.
-  Status VisitMatches(const std::vector<ScoredDocuments>& found,
-                      const std::function<bool(const Match&)>& visit) const {
-    for (const ScoredDocuments& documents : found) {
-      const Segment& segment = *snapshot_.segments[documents.segment];
-      const std::size_t index = snapshot_.index_of_segment[documents.segment];
-      for (std::size_t i = 0; i < documents.codes.size(); ++i) {
-        const Match match{segment.NameOf(documents.codes[i]), documents.scores[i], index};
-        if (match.name.empty() && !segment.status().ok()) return segment.status();
-        if (!visit(match)) return {};
-      }
-    }
-    return {};
-  }
-
-  void AnnounceTitles(const std::vector<RankedDocument>& best) const {
-    if (best.size() > kMostAnnounced) return;
-    for (const RankedDocument& document : best) {
-      const Segment& segment = *snapshot_.segments[document.id.segment];
-      segment.WillReadField(document.id.code, DocumentField::kTitle);
-    }
-  }
-
-  Status ListHits(const std::vector<RankedDocument>& best, bool with_titles,
-                  std::vector<Hit>* hits) const {
-    if (with_titles) AnnounceTitles(best);
-    for (const RankedDocument& document : best) {
-      const Segment& segment = *snapshot_.segments[document.id.segment];
-      Hit hit;
-      hit.name = segment.NameOf(document.id.code);
-      if (with_titles) {
-        auto title = segment.FieldOf(document.id.code, DocumentField::kTitle);
-        if (!title.ok()) return title.status();
-        hit.title = std::move(*title);
-      }
-      hit.score = document.score;
-      hit.percent = PercentOf(document.score, best.front().score);
-      hit.index = snapshot_.index_of_segment[document.id.segment];
-      hits->push_back(std::move(hit));
-      if (Status status = segment.status(); !status.ok()) return status;
-    }
-    return {};
-  }
-
-  static Result<DocumentInfo> InfoOf(const Segment& segment, Code code) {
-    DocumentInfo info;
-    info.name = segment.NameOf(code);
-    info.words = segment.table().WordsOf(code);
-    info.added = segment.AddedOf(code);
-    const std::array<std::string*, kDocumentFields> fields = {&info.title, &info.summary,
-                                                              &info.host_data};
-    for (std::size_t i = 0; i < fields.size(); ++i) {
-      auto text = segment.FieldOf(code, static_cast<DocumentField>(i));
-      if (!text.ok()) return text.status();
-      *fields[i] = std::move(*text);
-    }
-    const Status status = segment.status();
-    if (!status.ok()) return status;
-    return info;
-  }
-
   std::vector<OpenedIndex> indexes_;
   Snapshot snapshot_;
 };
@@ -343,6 +296,43 @@ Status IndexReader::ForEachMatch(std::string_view query, const SearchOptions& op
 Result<std::uint64_t> IndexReader::Count(std::string_view query,
                                          const SearchOptions& options) const {
   return Caught([&] { return impl_->Count(query, options); });
+}
+
+Result<SearchResults> IndexReader::Search(const SearchQuery& query,
+                                          const SearchOptions& options) const {
+  return Caught([&] { return impl_->Search(query, options); });
+}
+
+Status IndexReader::ForEachMatch(const SearchQuery& query, const SearchOptions& options,
+                                 const std::function<bool(const Match&)>& visit) const {
+  return Caught([&] { return impl_->ForEachMatch(query, options, visit); });
+}
+
+Result<std::uint64_t> IndexReader::Count(const SearchQuery& query,
+                                         const SearchOptions& options) const {
+  return Caught([&] { return impl_->Count(query, options); });
+}
+
+Result<Explanation> IndexReader::Explain(const SearchQuery& query,
+                                         const SearchOptions& options) const {
+  return Caught([&] { return impl_->Explain(query, options); });
+}
+
+Status IndexReader::CheckQuery(const SearchQuery& query) const {
+  return Caught(
+      [&] { return Lowered(query, DefaultOperator::kAnd, impl_->snapshot().rules).status(); });
+}
+
+Result<std::vector<TermInfo>> IndexReader::Suggest(std::string_view word, std::size_t limit) const {
+  return Caught([&] { return impl_->Suggest(word, limit); });
+}
+
+DocumentCursor IndexReader::Documents() const noexcept {
+  try {
+    return DocumentCursor(std::make_unique<DocumentWalk>(impl_->snapshot()));
+  } catch (const std::exception&) {
+    return DocumentCursor(nullptr);
+  }
 }
 
 Result<std::vector<TermInfo>> IndexReader::Terms(std::string_view prefix, std::size_t limit) const {

@@ -26,23 +26,51 @@ void CollectWords(const Query& query, std::vector<Query>* words) {
   for (const Query& operand : query.operands) CollectWords(operand, words);
 }
 
-}  // namespace
-
-Result<std::vector<MissingWord>> MissingWords(const Query& query, const Snapshot& snapshot) {
+// Returns the first words of `query` that no living document has, at most kMaxMissing.
+Result<std::vector<std::string>> MissingTerms(const Query& query, const Snapshot& snapshot) {
   std::vector<Query> words;
   CollectWords(query, &words);
-  std::vector<MissingWord> missing;
+  std::vector<std::string> missing;
   for (const Query& word : words) {
     if (missing.size() == kMaxMissing) break;
     auto documents = LivingDocumentsWith(snapshot, word.word);
     if (documents.ok() && *documents == 0) documents = CountMatches(word, snapshot);
     if (!documents.ok()) return documents.status();
-    if (*documents > 0) continue;
-    auto suggestions = SuggestionsFor(snapshot, word.word);
-    if (!suggestions.ok()) return suggestions.status();
-    missing.push_back({word.word, std::move(*suggestions)});
+    if (*documents == 0) missing.push_back(word.word);
   }
   return missing;
+}
+
+}  // namespace
+
+Result<std::vector<MissingWord>> MissingWords(const Query& query, const Snapshot& snapshot) {
+  auto terms = MissingTerms(query, snapshot);
+  if (!terms.ok()) return terms.status();
+  std::vector<MissingWord> missing;
+  for (std::string& term : *terms) {
+    auto suggestions = SuggestionsFor(snapshot, term);
+    if (!suggestions.ok()) return suggestions.status();
+    missing.push_back({std::move(term), std::move(*suggestions)});
+  }
+  return missing;
+}
+
+Result<std::vector<FuzzyMatch>> SuggestedWords(const Query& query, const Snapshot& snapshot,
+                                               std::size_t limit) {
+  auto terms = MissingTerms(query, snapshot);
+  if (!terms.ok()) return terms.status();
+  std::vector<FuzzyMatch> suggested;
+  for (const std::string& term : *terms) {
+    auto closest = ClosestTerms(snapshot, term);
+    if (!closest.ok()) return closest.status();
+    for (FuzzyMatch& match : *closest) {
+      if (limit > 0 && suggested.size() == limit) return suggested;
+      const auto is_same = [&match](const FuzzyMatch& known) { return known.word == match.word; };
+      if (std::any_of(suggested.begin(), suggested.end(), is_same)) continue;
+      suggested.push_back(std::move(match));
+    }
+  }
+  return suggested;
 }
 
 std::string NoteOn(const MissingWord& missing) {

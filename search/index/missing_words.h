@@ -4,11 +4,13 @@
 
 #include <kestan/search/status.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
 #include "search/query/query.h"
 #include "search/segment/snapshot.h"
+#include "search/vocabulary/fuzzy_match.h"
 
 namespace kestan::search {
 
@@ -22,6 +24,12 @@ struct MissingWord {
 // (prefix*, fuzzy~) are not among them.
 //   Returns  kDamaged.
 Result<std::vector<MissingWord>> MissingWords(const Query& query, const Snapshot& snapshot);
+
+// Returns words that may be meant by those, each once: for one of them after the other, the
+// likeliest first, all that come into question; `limit` at most, or all if it is 0.
+//   Returns  kDamaged.
+Result<std::vector<FuzzyMatch>> SuggestedWords(const Query& query, const Snapshot& snapshot,
+                                               std::size_t limit);
 
 // Returns the note on `missing`: no document has 'lyer'; did you mean 'layer'?
 std::string NoteOn(const MissingWord& missing);

@@ -9,6 +9,7 @@
 #include "search/index/missing_words.h"
 #include "search/matching/explain.h"
 #include "search/matching/reading.h"
+#include "search/query/built/lowering.h"
 #include "search/query/foreign_syntax.h"
 #include "search/query/word_notes.h"
 
@@ -83,8 +84,9 @@ Status NameMissingWords(const Query& query, const Snapshot& snapshot, Answer* an
 // One query, put to a snapshot in one way after the other.
 class Question {
  public:
-  Question(std::string_view text, const Snapshot& snapshot, const SearchOptions& options)
-      : snapshot_(snapshot), options_(options), reading_(text, snapshot, options) {}
+  // Borrows all three.
+  Question(Reading* reading, const Snapshot& snapshot, const SearchOptions& options)
+      : snapshot_(snapshot), options_(options), reading_(*reading) {}
 
   Result<Answer> Ask() {
     query_ = reading_.AsAsked();
@@ -99,7 +101,7 @@ class Question {
           "the index keeps no positions, so NEAR and quotes are taken for AND");
     }
     Status status = Find(*query_);
-    if (status.ok() && options_.words == WordsMean::kBest) status = FindSome();
+    if (status.ok() && reading_.MayBeForSome()) status = FindSome();
     if (status.ok()) status = NameMissingWords(*query_, snapshot_, &answer_);
     if (status.ok()) status = reading_.status();
     if (!status.ok()) return status;
@@ -141,30 +143,19 @@ class Question {
 
   const Snapshot& snapshot_;
   const SearchOptions& options_;
-  Reading reading_;
+  Reading& reading_;
   MaybeQuery query_;
   Answer answer_;
 };
 
-}  // namespace
-
-Result<Answer> Ask(std::string_view text, const Snapshot& snapshot, const SearchOptions& options) {
-  auto answer = Question(text, snapshot, options).Ask();
-  if (!answer.ok()) return answer;
-  std::vector<std::string> notes = NotesOnForeignSyntax(text);
-  answer->notes.insert(answer->notes.begin(), notes.begin(), notes.end());
-  return answer;
-}
-
-Result<std::vector<ScoredDocuments>> AllAnswers(std::string_view text, const Snapshot& snapshot,
-                                                const SearchOptions& options) {
-  Reading reading(text, snapshot, options);
+Result<std::vector<ScoredDocuments>> AllAnswersOf(Reading& reading, const Snapshot& snapshot,
+                                                  const SearchOptions& options) {
   const MaybeQuery all = reading.AsAsked();
   if (!all) return std::vector<ScoredDocuments>();
   auto found = ScoredSearch(*all, snapshot, options);
   const bool are_enough = found.ok() && !found->empty() && !reading.IsQuestion();
   if (!reading.status().ok()) return reading.status();
-  if (!found.ok() || are_enough || options.words != WordsMean::kBest) return found;
+  if (!found.ok() || are_enough || !reading.MayBeForSome()) return found;
   const MaybeQuery some = reading.ForSome();
   if (*some == *all) return found;
   const auto rest = ScoredSearch(found->empty() ? *some : Without(*some, *all), snapshot, options);
@@ -173,23 +164,20 @@ Result<std::vector<ScoredDocuments>> AllAnswers(std::string_view text, const Sna
   return found;
 }
 
-Result<std::uint64_t> CountAnswers(std::string_view text, const Snapshot& snapshot,
-                                   const SearchOptions& options) {
-  Reading reading(text, snapshot, options);
+Result<std::uint64_t> CountAnswersOf(Reading& reading, const Snapshot& snapshot,
+                                     const SearchOptions& options) {
   const MaybeQuery query = reading.AsAsked();
   if (!query) return std::uint64_t{0};
   auto have_all = CountMatches(*query, snapshot, options.filter);
   const bool are_enough = have_all.ok() && *have_all > 0 && !reading.IsQuestion();
   if (!reading.status().ok()) return reading.status();
-  if (!have_all.ok() || are_enough || options.words != WordsMean::kBest) return have_all;
+  if (!have_all.ok() || are_enough || !reading.MayBeForSome()) return have_all;
   const MaybeQuery some = reading.ForSome();
   if (*have_all == 0) return CountMatches(*some, snapshot, options.filter);
   auto rest = CountMatches(Without(*some, *query), snapshot, options.filter);
   if (rest.ok()) *rest += *have_all;
   return rest;
 }
-
-namespace {
 
 std::uint64_t MicrosecondsOf(const Explanation& explanation) {
   std::uint64_t all = explanation.microseconds;
@@ -215,18 +203,79 @@ Result<Explanation> ExplainFiltered(const Query& query, const Snapshot& snapshot
   return whole;
 }
 
-}  // namespace
-
-Result<Explanation> ExplainAnswer(std::string_view text, const Snapshot& snapshot,
-                                  const SearchOptions& options) {
-  Reading reading(text, snapshot, options);
+Result<Explanation> ExplainAnswerOf(Reading& reading, const Snapshot& snapshot,
+                                    const SearchOptions& options) {
   const MaybeQuery all = reading.AsAsked();
   if (!all) return Explanation();
   auto explained = ExplainFiltered(*all, snapshot, options.filter);
   const bool is_answered = explained.ok() && explained->documents > 0 && !reading.IsQuestion();
   if (!reading.status().ok()) return reading.status();
-  if (!explained.ok() || is_answered || options.words != WordsMean::kBest) return explained;
+  if (!explained.ok() || is_answered || !reading.MayBeForSome()) return explained;
   return ExplainFiltered(*reading.ForSome(), snapshot, options.filter);
+}
+
+// Calls `answer` with the one reading of `query`.
+//   Returns  what that returns, or kInvalidQuery, kOutOfMemory.
+template <typename Answerer>
+auto WithReading(const SearchQuery& query, const Snapshot& snapshot, const SearchOptions& options,
+                 const Answerer& answer) -> decltype(answer(std::declval<Reading&>())) {
+  Result<Query> lowered = Lowered(query, OperatorOf(options.words), snapshot.rules);
+  if (!lowered.ok()) return lowered.status();
+  Reading reading(std::move(*lowered), snapshot, options);
+  return answer(reading);
+}
+
+}  // namespace
+
+Result<Answer> Ask(std::string_view text, const Snapshot& snapshot, const SearchOptions& options) {
+  Reading reading(text, snapshot, options);
+  auto answer = Question(&reading, snapshot, options).Ask();
+  if (!answer.ok()) return answer;
+  std::vector<std::string> notes = NotesOnForeignSyntax(text);
+  answer->notes.insert(answer->notes.begin(), notes.begin(), notes.end());
+  return answer;
+}
+
+Result<Answer> Ask(const SearchQuery& query, const Snapshot& snapshot,
+                   const SearchOptions& options) {
+  return WithReading(query, snapshot, options,
+                     [&](Reading& reading) { return Question(&reading, snapshot, options).Ask(); });
+}
+
+Result<std::vector<ScoredDocuments>> AllAnswers(std::string_view text, const Snapshot& snapshot,
+                                                const SearchOptions& options) {
+  Reading reading(text, snapshot, options);
+  return AllAnswersOf(reading, snapshot, options);
+}
+
+Result<std::vector<ScoredDocuments>> AllAnswers(const SearchQuery& query, const Snapshot& snapshot,
+                                                const SearchOptions& options) {
+  return WithReading(query, snapshot, options,
+                     [&](Reading& reading) { return AllAnswersOf(reading, snapshot, options); });
+}
+
+Result<std::uint64_t> CountAnswers(std::string_view text, const Snapshot& snapshot,
+                                   const SearchOptions& options) {
+  Reading reading(text, snapshot, options);
+  return CountAnswersOf(reading, snapshot, options);
+}
+
+Result<std::uint64_t> CountAnswers(const SearchQuery& query, const Snapshot& snapshot,
+                                   const SearchOptions& options) {
+  return WithReading(query, snapshot, options,
+                     [&](Reading& reading) { return CountAnswersOf(reading, snapshot, options); });
+}
+
+Result<Explanation> ExplainAnswer(std::string_view text, const Snapshot& snapshot,
+                                  const SearchOptions& options) {
+  Reading reading(text, snapshot, options);
+  return ExplainAnswerOf(reading, snapshot, options);
+}
+
+Result<Explanation> ExplainAnswer(const SearchQuery& query, const Snapshot& snapshot,
+                                  const SearchOptions& options) {
+  return WithReading(query, snapshot, options,
+                     [&](Reading& reading) { return ExplainAnswerOf(reading, snapshot, options); });
 }
 
 }  // namespace kestan::search

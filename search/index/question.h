@@ -3,6 +3,7 @@
 #define KESTAN_SEARCH_INDEX_QUESTION_H_
 
 #include <kestan/search/index_reader.h>
+#include <kestan/search/search_query.h>
 #include <kestan/search/status.h>
 
 #include <cstdint>
@@ -28,24 +29,33 @@ struct Answer {
 // (IsQuestion()) is answered by both: first the documents that hold all words, then those that hold
 // some, and a note says how many hold all. Stop words of a query count only where it has no others;
 // notes name them, and words that are common, ignored or cut.
-// With a filter, a blank text finds all documents that pass it.
-//   Returns  kDamaged.
+// With a filter, a blank text finds all documents that pass it. A query that was built by calls is
+// answered by the documents that match it, and by no others.
+//   Returns  kDamaged; of a built query, as the next three, also what Lowered() returns.
 Result<Answer> Ask(std::string_view text, const Snapshot& snapshot, const SearchOptions& options);
+Result<Answer> Ask(const SearchQuery& query, const Snapshot& snapshot,
+                   const SearchOptions& options);
 
-// Returns all documents that answer `text`, by segments, which come in no order and may come twice,
-// with the scores that Ask() gives them without a limit. `options.limit` counts for nothing.
+// Returns all documents that answer the query, by segments, which come in no order and may come
+// twice, with the scores that Ask() gives them without a limit. `options.limit` counts for nothing.
 //   Returns  kDamaged.
 Result<std::vector<ScoredDocuments>> AllAnswers(std::string_view text, const Snapshot& snapshot,
                                                 const SearchOptions& options);
+Result<std::vector<ScoredDocuments>> AllAnswers(const SearchQuery& query, const Snapshot& snapshot,
+                                                const SearchOptions& options);
 
-// Returns how many documents answer `text`.
+// Returns how many documents answer the query.
 //   Returns  kDamaged.
 Result<std::uint64_t> CountAnswers(std::string_view text, const Snapshot& snapshot,
                                    const SearchOptions& options);
+Result<std::uint64_t> CountAnswers(const SearchQuery& query, const Snapshot& snapshot,
+                                   const SearchOptions& options);
 
-// Explains the query that found the last of the documents which answer `text`.
+// Explains the query that found the last of the documents which answer the query.
 //   Returns  kDamaged.
 Result<Explanation> ExplainAnswer(std::string_view text, const Snapshot& snapshot,
+                                  const SearchOptions& options);
+Result<Explanation> ExplainAnswer(const SearchQuery& query, const Snapshot& snapshot,
                                   const SearchOptions& options);
 
 }  // namespace kestan::search

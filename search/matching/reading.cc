@@ -18,9 +18,21 @@ Query AllDocuments() {
   return all;
 }
 
+DefaultOperator OperatorOf(WordsMean words) {
+  switch (words) {
+    case WordsMean::kAll:
+      return DefaultOperator::kAnd;
+    case WordsMean::kAny:
+      return DefaultOperator::kOr;
+    default:
+      return DefaultOperator::kAndOfQuestion;
+  }
+}
+
 std::optional<Query> Reading::AsAsked() {
+  if (built_) return built_;
   if (finds_all_) return AllDocuments();
-  return Parsed(OperatorAsAsked());
+  return Parsed(OperatorOf(words_));
 }
 
 std::optional<Query> Reading::ForSome() {
@@ -29,22 +41,11 @@ std::optional<Query> Reading::ForSome() {
 }
 
 bool Reading::IsQuestion() const {
-  return search::IsQuestion(text_, snapshot_.rules, CommonWords());
+  return !built_ && search::IsQuestion(text_, snapshot_.rules, CommonWords());
 }
 
 bool Reading::IsBlank(std::string_view text) {
   return text.find_first_not_of(kWhiteSpace) == std::string_view::npos;
-}
-
-DefaultOperator Reading::OperatorAsAsked() const {
-  switch (words_) {
-    case WordsMean::kAll:
-      return DefaultOperator::kAnd;
-    case WordsMean::kAny:
-      return DefaultOperator::kOr;
-    default:
-      return DefaultOperator::kAndOfQuestion;
-  }
 }
 
 std::optional<Query> Reading::Parsed(DefaultOperator default_operator) {

@@ -1,4 +1,4 @@
-// The ways to read the text of a query in a snapshot.
+// The ways to read a query in a snapshot.
 #ifndef KESTAN_SEARCH_MATCHING_READING_H_
 #define KESTAN_SEARCH_MATCHING_READING_H_
 
@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "search/query/optional_words.h"
 #include "search/query/query_parser.h"
@@ -22,6 +23,9 @@ constexpr std::uint64_t kMinDocumentsOfCommonWords = 100;
 // Returns the query that every document matches.
 Query AllDocuments();
 
+// Returns how words side by side are read first.
+DefaultOperator OperatorOf(WordsMean words);
+
 // Reads one query. With WordsMean::kBest, words that stand in more than half of the living
 // documents are optional: they say as little as stop words do, in any language, and yet rank. One
 // thread at a time.
@@ -34,15 +38,24 @@ class Reading {
         snapshot_(snapshot),
         words_(options.words),
         finds_all_(options.filter != nullptr && IsBlank(text)) {}
+
+  // A query that was built by calls, which is read in one way. Borrows the snapshot.
+  Reading(Query built, const Snapshot& snapshot, const SearchOptions& options)
+      : snapshot_(snapshot), words_(options.words), built_(std::move(built)) {}
+
   Reading(const Reading&) = delete;
   Reading& operator=(const Reading&) = delete;
 
+  // "" for a query that was built by calls.
   std::string_view text() const { return text_; }
 
   // Returns the query as words side by side mean; nothing if it holds nothing to search for.
   std::optional<Query> AsAsked();
 
-  // Returns the query for documents that hold some of the words; the same.
+  // Returns whether documents that hold some of the words may answer too.
+  bool MayBeForSome() const { return words_ == WordsMean::kBest && !built_; }
+
+  // Returns the query for them, if they may; as AsAsked() does.
   std::optional<Query> ForSome();
 
   // Returns whether it is a question in plain words.
@@ -56,7 +69,6 @@ class Reading {
 
  private:
   static bool IsBlank(std::string_view text);
-  DefaultOperator OperatorAsAsked() const;
   std::optional<Query> Parsed(DefaultOperator default_operator);
   IsCommonWord CommonWords() const;
   bool IsCommon(const std::string& word) const;
@@ -64,7 +76,8 @@ class Reading {
   const std::string_view text_;
   const Snapshot& snapshot_;
   const WordsMean words_;
-  const bool finds_all_;
+  const bool finds_all_ = false;
+  const std::optional<Query> built_;
   OptionalWords optional_;
   mutable std::map<std::string, bool, std::less<>> is_common_;  // of words that were looked up
   mutable Status status_;

@@ -9,7 +9,6 @@
 #include "search/matching/operators/operators.h"
 #include "search/text/analyzer/word_encoding.h"
 #include "search/text/letters.h"
-#include "search/vocabulary/fuzzy_match.h"
 
 namespace kestan::search {
 namespace {
@@ -155,10 +154,15 @@ Status ForEachTerm(const Snapshot& snapshot, std::string_view prefix,
   }
 }
 
-Result<std::vector<std::string>> SuggestionsFor(const Snapshot& snapshot, std::string_view word) {
+Result<std::vector<FuzzyMatch>> ClosestTerms(const Snapshot& snapshot, std::string_view word) {
   Result<std::vector<FuzzyMatch>> matches = LivingTermsNear(snapshot, LowerCase(word));
+  if (matches.ok()) std::sort(matches->begin(), matches->end(), IsCloser);
+  return matches;
+}
+
+Result<std::vector<std::string>> SuggestionsFor(const Snapshot& snapshot, std::string_view word) {
+  Result<std::vector<FuzzyMatch>> matches = ClosestTerms(snapshot, word);
   if (!matches.ok()) return matches.status();
-  std::sort(matches->begin(), matches->end(), IsCloser);
   matches->resize(std::min(matches->size(), kMaxSuggestions));
   std::vector<std::string> words;
   for (FuzzyMatch& match : *matches) words.push_back(std::move(match.word));

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "search/segment/snapshot.h"
+#include "search/vocabulary/fuzzy_match.h"
 
 namespace kestan::search {
 
@@ -27,10 +28,14 @@ Result<bool> IsInMostDocuments(const Snapshot& snapshot, std::string_view term);
 Status ForEachTerm(const Snapshot& snapshot, std::string_view prefix,
                    const std::function<bool(std::string_view term)>& visit);
 
-// Returns up to three terms that may be meant by `word`, which no living document has: the closest,
+// Returns the terms that may be meant by `word`, which no living document has: the closest,
 // among those as close the one that most living documents hold. They have at least two letters and
 // no capitals. A word of one or two letters is taken to have no mistake, one of up to four letters
-// one at most, a longer one two; capitals are no mistakes. Takes a look at each term.
+// one at most, a longer one two; capitals are no mistakes. Takes a look at each term. Documents are
+// counted without removed ones.
+Result<std::vector<FuzzyMatch>> ClosestTerms(const Snapshot& snapshot, std::string_view word);
+
+// Returns the first three of them.
 Result<std::vector<std::string>> SuggestionsFor(const Snapshot& snapshot, std::string_view word);
 
 }  // namespace kestan::search

@@ -3,12 +3,22 @@
 #include <algorithm>
 #include <cstddef>
 #include <tuple>
+#include <utility>
 
 namespace kestan::search {
 
 bool operator==(const Query& left, const Query& right) {
   return left.kind == right.kind && left.word == right.word && left.edits == right.edits &&
          left.distance_words == right.distance_words && left.operands == right.operands;
+}
+
+std::optional<Query> Combined(Query::Kind kind, std::vector<Query> operands) {
+  if (operands.empty()) return std::nullopt;
+  if (operands.size() == 1) return std::move(operands.front());
+  Query query;
+  query.kind = kind;
+  query.operands = std::move(operands);
+  return query;
 }
 
 bool QueryLess::operator()(const Query* left, const Query* right) const {

@@ -2,6 +2,7 @@
 #ifndef KESTAN_SEARCH_QUERY_QUERY_H_
 #define KESTAN_SEARCH_QUERY_QUERY_H_
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -37,6 +38,9 @@ enum class QuotesMean {
 };
 
 bool operator==(const Query& left, const Query& right);
+
+// Returns a node for `operands`, the only one of them, or nothing.
+std::optional<Query> Combined(Query::Kind kind, std::vector<Query> operands);
 
 // Orders queries, for sorted containers.
 struct QueryLess {

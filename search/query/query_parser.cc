@@ -24,24 +24,8 @@ using MaybeQuery = std::optional<Query>;
 constexpr std::size_t kMinQuestionWords = 4;
 constexpr std::size_t kManyWords = 8;  // more than a list of words to search for
 
-// Returns a node for `operands`, the only one of them, or nothing.
-MaybeQuery Combined(Query::Kind kind, std::vector<Query> operands) {
-  if (operands.empty()) return std::nullopt;
-  if (operands.size() == 1) return std::move(operands.front());
-  Query query;
-  query.kind = kind;
-  query.operands = std::move(operands);
-  return query;
-}
-
 void AppendIfAny(MaybeQuery query, std::vector<Query>* operands) {
   if (query) operands->push_back(std::move(*query));
-}
-
-MaybeQuery WordsInARow(std::vector<Query> words, QuotesMean quotes) {
-  if (quotes == QuotesMean::kPhrase) return Combined(Query::Kind::kPhrase, std::move(words));
-  for (std::size_t i = 1; i < words.size(); ++i) words[i].distance_words = 1;
-  return Combined(Query::Kind::kNear, std::move(words));
 }
 
 bool HasOperandsSideBySide(const Query& query) {
@@ -74,14 +58,6 @@ void FoldFirstLetter(Query* query) {
   if (query->kind != Query::Kind::kWord || query->is_exact) return;
   std::string* const word = &query->word;
   if (!HasCapital(std::string_view(*word).substr(1))) word->front() = LowerCase(word->front());
-}
-
-// Makes the words of `*query` ask for their forms too, but stop words and those that are exact.
-void AskForForms(Query* query) {
-  for (Query& operand : query->operands) AskForForms(&operand);
-  const bool is_free_word = query->kind == Query::Kind::kWord && !query->is_exact;
-  if (is_free_word && !HasCapital(query->word) && !IsStopWord(query->word))
-    query->kind = Query::Kind::kInflections;
 }
 
 // Returns whether `token` is more than a word, words in quotes or a parenthesis.
@@ -214,12 +190,8 @@ class Parser {
   }
 
   MaybeQuery ParseWords(const Token& token) const {
-    std::vector<Query> parts;
-    for (QueryWords& words : WordsOf(token, rules_)) {
-      for (Query& word : words) word.is_exact = token.kind == Kind::kPhrase || words.size() > 1;
-      AppendIfAny(WordsInARow(std::move(words), quotes_), &parts);
-    }
-    return Combined(means_or_ ? Query::Kind::kOr : Query::Kind::kAnd, std::move(parts));
+    return Combined(means_or_ ? Query::Kind::kOr : Query::Kind::kAnd,
+                    PartsOf(WordsOf(token, rules_), token.kind == Kind::kPhrase, quotes_));
   }
 
   void LeaveOutNesting() {

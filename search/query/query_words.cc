@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -65,6 +66,12 @@ std::vector<QueryWords> AnalyzedWordsOf(std::string_view text, const WordSuffix&
   return words;
 }
 
+std::optional<Query> WordsInARow(std::vector<Query> words, QuotesMean quotes) {
+  if (quotes == QuotesMean::kPhrase) return Combined(Query::Kind::kPhrase, std::move(words));
+  for (std::size_t i = 1; i < words.size(); ++i) words[i].distance_words = 1;
+  return Combined(Query::Kind::kNear, std::move(words));
+}
+
 }  // namespace
 
 WordSuffix SuffixOf(std::string_view text) {
@@ -83,8 +90,34 @@ std::vector<QueryWords> WordsOf(const Token& token, TextRules rules) {
   const WordSuffix suffix = is_phrase ? WordSuffix() : SuffixOf(token.text);
   const std::string_view text =
       std::string_view(token.text).substr(0, token.text.size() - suffix.bytes);
-  if (rules == TextRules::kAsciiLetters) return LettersOf(text, suffix);
-  return is_phrase ? AnalyzedPhraseOf(text) : AnalyzedWordsOf(text, suffix);
+  return is_phrase ? WordsOfPhrase(text, rules) : WordsOfText(text, suffix, rules);
+}
+
+std::vector<QueryWords> WordsOfText(std::string_view text, const WordSuffix& suffix,
+                                    TextRules rules) {
+  return rules == TextRules::kAsciiLetters ? LettersOf(text, suffix)
+                                           : AnalyzedWordsOf(text, suffix);
+}
+
+std::vector<QueryWords> WordsOfPhrase(std::string_view text, TextRules rules) {
+  return rules == TextRules::kAsciiLetters ? LettersOf(text, {}) : AnalyzedPhraseOf(text);
+}
+
+std::vector<Query> PartsOf(std::vector<QueryWords> words, bool is_phrase, QuotesMean quotes) {
+  std::vector<Query> parts;
+  for (QueryWords& group : words) {
+    for (Query& word : group) word.is_exact = is_phrase || group.size() > 1;
+    auto part = WordsInARow(std::move(group), quotes);
+    if (part) parts.push_back(std::move(*part));
+  }
+  return parts;
+}
+
+void AskForForms(Query* query) {
+  for (Query& operand : query->operands) AskForForms(&operand);
+  const bool is_free_word = query->kind == Query::Kind::kWord && !query->is_exact;
+  if (is_free_word && !HasCapital(query->word) && !IsStopWord(query->word))
+    query->kind = Query::Kind::kInflections;
 }
 
 bool IsEnding(const Query& query) {

@@ -29,6 +29,20 @@ WordSuffix SuffixOf(std::string_view text);
 // if it stands right after that.
 std::vector<QueryWords> WordsOf(const Token& token, TextRules rules);
 
+// The same for `text` outside quotes, after which `suffix` stood.
+std::vector<QueryWords> WordsOfText(std::string_view text, const WordSuffix& suffix,
+                                    TextRules rules);
+
+// The same for `text` in quotes: one list at most.
+std::vector<QueryWords> WordsOfPhrase(std::string_view text, TextRules rules);
+
+// Returns a query for each list of `words`: those that hang together must stand in a row. What is
+// of a phrase, or hangs together, is exact.
+std::vector<Query> PartsOf(std::vector<QueryWords> words, bool is_phrase, QuotesMean quotes);
+
+// Makes the words of `*query` ask for their forms too, but stop words and those that are exact.
+void AskForForms(Query* query);
+
 // Returns whether `words`, which hang together, are a stop word that an apostrophe divides (don't).
 bool AreDividedStopWord(const QueryWords& words);
 

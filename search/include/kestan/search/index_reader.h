@@ -4,11 +4,13 @@
 #ifndef KESTAN_SEARCH_INDEX_READER_H_
 #define KESTAN_SEARCH_INDEX_READER_H_
 
+#include <kestan/search/document_cursor.h>
 #include <kestan/search/explanation.h>
 #include <kestan/search/export.h>
 #include <kestan/search/filtered_document.h>
 #include <kestan/search/fragment.h>
 #include <kestan/search/index_writer.h>
+#include <kestan/search/search_query.h>
 #include <kestan/search/status.h>
 
 #include <cstddef>
@@ -90,15 +92,6 @@ struct TermInfo {
   std::uint64_t documents = 0;  // that hold it
 };
 
-struct DocumentInfo {
-  std::string name;
-  std::uint32_t words = 0;  // how many words it has
-  std::uint32_t added = 0;  // when it was added or last renamed, in seconds since 1970
-  std::string title;
-  std::string summary;
-  std::string host_data;
-};
-
 // A word where it stands in a document. Lent for the call that gives it.
 struct PlacedWord {
   std::string_view word;
@@ -155,10 +148,35 @@ class KESTAN_SEARCH_EXPORT IndexReader {
   //   Returns  kDamaged.
   Result<Explanation> Explain(std::string_view query, const SearchOptions& options = {}) const;
 
+  // The same for a query that was built by calls. It has no text to be misread, so the notes are on
+  // words that no document has, and on an index without positions.
+  //   Returns  what CheckQuery() returns, too.
+  Result<SearchResults> Search(const SearchQuery& query, const SearchOptions& options = {}) const;
+  Status ForEachMatch(const SearchQuery& query, const SearchOptions& options,
+                      const std::function<bool(const Match&)>& visit) const;
+  Result<std::uint64_t> Count(const SearchQuery& query, const SearchOptions& options = {}) const;
+  Result<Explanation> Explain(const SearchQuery& query, const SearchOptions& options = {}) const;
+
+  // Says whether `query` makes sense in this snapshot.
+  //   Returns  kInvalidQuery for a word, a prefix or a phrase without letters or digits; a prefix
+  //            that does not end in one; a distance that is none; an operator without operands;
+  //            more than 200 operators one within the other, where a chain of one operator counts
+  //            as one; more than 1,000,000 parts, each as often as it is there. kOutOfMemory if
+  //            there was no memory to build it.
+  Status CheckQuery(const SearchQuery& query) const;
+
   // Returns the terms that begin with `prefix`, in order of their bytes as they are stored (ASCII
   // first), with the number of living documents that hold each; terms without any are left out. At
   // most `limit`; 0: all.
   Result<std::vector<TermInfo>> Terms(std::string_view prefix, std::size_t limit = 0) const;
+
+  // Returns words of the index that may be meant by `word`, which may be misspelled, the likeliest
+  // first, with the number of living documents that hold each; none if a document has it in one of
+  // its forms. The first three are those that a search for it suggests. At most `limit`; 0: all
+  // that come into question. Of several words, the first ten that no document has, one after the
+  // other. Takes a look at each word of the index.
+  //   Returns  kDamaged.
+  Result<std::vector<TermInfo>> Suggest(std::string_view word, std::size_t limit = 0) const;
 
   // Finds a document by its name. With several indexes, the first that has it answers.
   //   Returns  kNotFound if there is none.
@@ -168,8 +186,10 @@ class KESTAN_SEARCH_EXPORT IndexReader {
   //   Returns  kNotFound if this snapshot has it no longer.
   Result<DocumentInfo> FindDocument(const Hit& hit) const;
 
-  // Calls `visit` with each living document, index by index in the order of addition as far as
-  // merging has kept it. `visit` returns whether to go on.
+  // Returns a cursor before the first living document of this snapshot.
+  DocumentCursor Documents() const noexcept;
+
+  // Calls `visit` with each document of Documents(). `visit` returns whether to go on.
   Status ForEachDocument(const std::function<bool(const DocumentInfo&)>& visit) const;
 
   // The same with the words of each, as they were written, by ascending position and, where several

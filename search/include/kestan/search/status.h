@@ -19,7 +19,10 @@ enum class StatusCode {
   kVersion,          // the index was written by another version, or for another word size
   kSystem,           // the system refused a call
   kOutOfMemory,
-  kInterrupted,  // the progress callback asked to stop
+  kInterrupted,   // the progress callback asked to stop
+  kInvalidQuery,  // a query built by calls makes no sense, or the text of a strict search has a
+                  // mistake
+  kForked,        // the writer was opened by the process that forked this one
 };
 
 // What became of a call: success, or an error with a message for a person.
@@ -34,8 +37,15 @@ class [[nodiscard]] Status {
 
   // An error at the byte `column` of a query, counted from 0.
   static Status InQuery(std::string message, std::size_t column) {
-    Status status(StatusCode::kInvalidArgument, std::move(message));
+    Status status(StatusCode::kInvalidQuery, std::move(message));
     status.column_ = column;
+    return status;
+  }
+
+  // An error for which the system gave the reason `error`, an errno.
+  static Status OfSystem(StatusCode code, int error, std::string message, std::string file) {
+    Status status(code, std::move(message), std::move(file));
+    status.system_error_ = error;
     return status;
   }
 
@@ -45,7 +55,14 @@ class [[nodiscard]] Status {
   // "" for success. The names of files are in file(), not here.
   const std::string& message() const { return message_; }
   const std::string& file() const { return file_; }
+
+  // Of kInvalidQuery: the byte of the query's text where the mistake is, counted from 0.
   std::optional<std::size_t> column() const { return column_; }
+
+  // The errno for which the system refused a call; 0 if no call of the system's is the reason. All
+  // of kSystem have one but those made of an exception that is none of the system's, and errors of
+  // other codes may: that of a folder that is not there is ENOENT.
+  int system_error() const { return system_error_; }
 
   // Returns "FILE: MESSAGE", or the message alone where there is no file.
   std::string ToString() const { return file_.empty() ? message_ : file_ + ": " + message_; }
@@ -55,6 +72,7 @@ class [[nodiscard]] Status {
   std::string message_;
   std::string file_;
   std::optional<std::size_t> column_;
+  int system_error_ = 0;
 };
 
 // A value, or the error that took its place.
