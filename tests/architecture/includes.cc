@@ -14,7 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t kMostFiles = 20;
-constexpr std::array<std::string_view, 3> kComponents{"kestan", "search", "cli"};
+constexpr std::array<std::string_view, 4> kComponents{"kestan", "search", "c", "cli"};
 constexpr std::array<std::string_view, 3> kLibraries{"unicode", "libxml", "gmime"};
 
 // The folders of modules, and what describes each of them to all.
@@ -53,6 +53,7 @@ bool IsInOneOf(std::string_view path, const Directories& directories) {
 
 // Returns where a file that hosts include as `path` lies.
 std::string SourceOf(const std::string& path) {
+  if (path == "kestan/c.h") return "c/include/" + path;
   const bool is_of_search = path == "kestan/search.h" || IsIn(path, "kestan/search");
   return is_of_search ? "search/include/" + path : path;
 }
@@ -178,8 +179,8 @@ Sources ReadLibraryIncludes(const std::string& root) {
 
 Paths FilesOutsideTests(const std::string& root) {
   Paths files;
-  for (const char* part : {"kestan", "search", "cli", "bench", "cmake", "docs", "examples", "fuzz",
-                           "packaging", "scripts"}) {
+  for (const char* part : {"kestan", "search", "c", "cli", "bench", "cmake", "docs", "examples",
+                           "fuzz", "packaging", "scripts"}) {
     for (const auto& entry : fs::recursive_directory_iterator(fs::path(root) / part)) {
       if (entry.is_regular_file()) files.insert(entry.path().lexically_relative(root).string());
     }
@@ -232,7 +233,8 @@ std::vector<std::string> FindPrivateHeaders(const Sources& sources, const Paths&
     for (const std::string& include : includes) {
       const bool is_inside_engine = IsIn(include, "kestan") && installed.count(include) == 0;
       const bool is_inside_search = IsIn(include, "search") && !IsIn(include, "search/include");
-      if (is_inside_engine || (IsIn(path, "cli") && is_inside_search)) {
+      const bool is_host_of_search = IsIn(path, "c") || IsIn(path, "cli");
+      if (is_inside_engine || (is_host_of_search && is_inside_search)) {
         faults.push_back(path + " includes " + include);
       }
     }
