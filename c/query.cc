@@ -17,11 +17,11 @@ namespace {
 constexpr std::size_t kMaxOperands = 100000;
 
 // Hands `query` over if it can be put to the reader.
-int HandOverQuery(SearchQuery query, kestan_reader& live, const IndexReader& index,
+int HandOverQuery(const SearchQuery& query, kestan_reader& live, const IndexReader& index,
                   kestan_query** out) {
   Status status = index.CheckQuery(query);
   if (!status.ok()) return live.Return(std::move(status));
-  return HandOver(std::make_unique<kestan_query>(std::move(query), live.reader), out);
+  return HandOver(std::make_unique<kestan_query>(query, live.reader), out);
 }
 
 // Makes a query of a text.
@@ -51,7 +51,7 @@ int JoinQueries(kestan_query** out, kestan_reader* reader, const kestan_query* c
       });
       if (code != KESTAN_OK) return code;
     }
-    return HandOverQuery(join(std::move(queries)), live, index, out);
+    return HandOverQuery(join(queries), live, index, out);
   });
 }
 
@@ -75,8 +75,8 @@ int kestan_query_phrase(kestan_query** out, kestan_reader* reader, const char* t
 int kestan_query_near(kestan_query** out, kestan_reader* reader, const kestan_query* left,
                       const kestan_query* right, unsigned distance) {
   const kestan_query* const operands[] = {left, right};
-  return JoinQueries(out, reader, operands, 2, [distance](std::vector<SearchQuery> queries) {
-    return SearchQuery::Near(std::move(queries[0]), std::move(queries[1]), distance);
+  return JoinQueries(out, reader, operands, 2, [distance](const std::vector<SearchQuery>& queries) {
+    return SearchQuery::Near(queries[0], queries[1], distance);
   });
 }
 
@@ -91,8 +91,8 @@ int kestan_query_or(kestan_query** out, kestan_reader* reader, const kestan_quer
 }
 
 int kestan_query_not(kestan_query** out, kestan_reader* reader, const kestan_query* operand) {
-  return JoinQueries(out, reader, &operand, 1, [](std::vector<SearchQuery> queries) {
-    return SearchQuery::Not(std::move(queries[0]));
+  return JoinQueries(out, reader, &operand, 1, [](const std::vector<SearchQuery>& queries) {
+    return SearchQuery::Not(queries[0]);
   });
 }
 

@@ -5,14 +5,13 @@
 #include <kestan/search/search_query.h>
 
 #include <memory>
-#include <utility>
 
 #include "c/reader_handle.h"
 
 struct kestan_query final : kestan::c::Handle {
-  kestan_query(kestan::search::SearchQuery built,
+  kestan_query(const kestan::search::SearchQuery& built,
                const std::shared_ptr<kestan::c::OpenReader>& made_for)
-      : query(std::move(built)), reader(made_for) {}
+      : query(built), reader(made_for) {}
 
   // Returns whether it was made for `other`.
   bool IsFor(const std::shared_ptr<kestan::c::OpenReader>& other) const {

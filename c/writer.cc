@@ -2,6 +2,7 @@
 #include <kestan/search/index_writer.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <functional>
 #include <memory>
@@ -83,13 +84,13 @@ Status Read(const kestan_document* document, Document* read) {
   if (document == nullptr) return Invalid("the document is null");
   Status status =
       kestan::c::CheckVersion("the document is", document->version, KESTAN_DOCUMENT_VERSION);
-  const std::pair<Input, std::string*> fields[] = {
+  const std::array<std::pair<Input, std::string*>, 5> fields{{
       {{"the name", document->name, document->name_length}, &read->name},
       {{"the text", document->text, document->text_length}, &read->text},
       {{"the title", document->title, document->title_length}, &read->title},
       {{"the summary", document->summary, document->summary_length}, &read->summary},
       {{"the data", document->data, document->data_length}, &read->host_data},
-  };
+  }};
   for (const auto& [input, field] : fields) {
     if (status.ok()) status = ReadField(input, field);
   }

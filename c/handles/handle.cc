@@ -1,5 +1,7 @@
 #include "c/handles/handle.h"
 
+#include <string_view>
+
 namespace kestan::c {
 namespace {
 
@@ -68,12 +70,12 @@ const kestan_error* Handle::last_error() const noexcept {
 
 namespace {
 
-constexpr char kForked[] =
+constexpr std::string_view kForked =
     "it was opened by the process that forked this one; open the index again";
 
 // Of every handle of a parent process, whose own errors may be locked for ever.
 constexpr kestan_error kForkedError = {
-    KESTAN_EFORKED, 0, -1, kForked, sizeof(kForked) - 1, "", 0,
+    KESTAN_EFORKED, 0, -1, kForked.data(), kForked.size(), "", 0,
 };
 
 }  // namespace

@@ -25,6 +25,8 @@
 #ifndef KESTAN_C_H_
 #define KESTAN_C_H_
 
+/* NOLINTBEGIN(modernize-deprecated-headers, modernize-use-using): it is C. */
+
 #include <stddef.h>
 #include <stdint.h>
 
@@ -538,5 +540,7 @@ KESTAN_C_EXPORT void kestan_report_free(kestan_report* report);
 #ifdef __cplusplus
 }
 #endif
+
+/* NOLINTEND(modernize-deprecated-headers, modernize-use-using) */
 
 #endif /* KESTAN_C_H_ */
