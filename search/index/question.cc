@@ -214,6 +214,17 @@ Result<Explanation> ExplainAnswerOf(Reading& reading, const Snapshot& snapshot,
   return ExplainFiltered(*reading.ForSome(), snapshot, options.filter);
 }
 
+// Calls `answer` with the readings of `text`.
+//   Returns  what that returns, or kInvalidQuery.
+template <typename Answerer>
+auto WithReading(std::string_view text, const Snapshot& snapshot, const SearchOptions& options,
+                 const Answerer& answer) -> decltype(answer(std::declval<Reading&>())) {
+  Reading reading(text, snapshot, options);
+  Status status = reading.Check();
+  if (!status.ok()) return status;
+  return answer(reading);
+}
+
 // Calls `answer` with the one reading of `query`.
 //   Returns  what that returns, or kInvalidQuery, kOutOfMemory.
 template <typename Answerer>
@@ -228,8 +239,9 @@ auto WithReading(const SearchQuery& query, const Snapshot& snapshot, const Searc
 }  // namespace
 
 Result<Answer> Ask(std::string_view text, const Snapshot& snapshot, const SearchOptions& options) {
-  Reading reading(text, snapshot, options);
-  auto answer = Question(&reading, snapshot, options).Ask();
+  auto answer = WithReading(text, snapshot, options, [&](Reading& reading) {
+    return Question(&reading, snapshot, options).Ask();
+  });
   if (!answer.ok()) return answer;
   std::vector<std::string> notes = NotesOnForeignSyntax(text);
   answer->notes.insert(answer->notes.begin(), notes.begin(), notes.end());
@@ -244,8 +256,8 @@ Result<Answer> Ask(const SearchQuery& query, const Snapshot& snapshot,
 
 Result<std::vector<ScoredDocuments>> AllAnswers(std::string_view text, const Snapshot& snapshot,
                                                 const SearchOptions& options) {
-  Reading reading(text, snapshot, options);
-  return AllAnswersOf(reading, snapshot, options);
+  return WithReading(text, snapshot, options,
+                     [&](Reading& reading) { return AllAnswersOf(reading, snapshot, options); });
 }
 
 Result<std::vector<ScoredDocuments>> AllAnswers(const SearchQuery& query, const Snapshot& snapshot,
@@ -256,8 +268,8 @@ Result<std::vector<ScoredDocuments>> AllAnswers(const SearchQuery& query, const 
 
 Result<std::uint64_t> CountAnswers(std::string_view text, const Snapshot& snapshot,
                                    const SearchOptions& options) {
-  Reading reading(text, snapshot, options);
-  return CountAnswersOf(reading, snapshot, options);
+  return WithReading(text, snapshot, options,
+                     [&](Reading& reading) { return CountAnswersOf(reading, snapshot, options); });
 }
 
 Result<std::uint64_t> CountAnswers(const SearchQuery& query, const Snapshot& snapshot,
@@ -268,8 +280,8 @@ Result<std::uint64_t> CountAnswers(const SearchQuery& query, const Snapshot& sna
 
 Result<Explanation> ExplainAnswer(std::string_view text, const Snapshot& snapshot,
                                   const SearchOptions& options) {
-  Reading reading(text, snapshot, options);
-  return ExplainAnswerOf(reading, snapshot, options);
+  return WithReading(text, snapshot, options,
+                     [&](Reading& reading) { return ExplainAnswerOf(reading, snapshot, options); });
 }
 
 Result<Explanation> ExplainAnswer(const SearchQuery& query, const Snapshot& snapshot,

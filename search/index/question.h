@@ -31,28 +31,29 @@ struct Answer {
 // notes name them, and words that are common, ignored or cut.
 // With a filter, a blank text finds all documents that pass it. A query that was built by calls is
 // answered by the documents that match it, and by no others.
-//   Returns  kDamaged; of a built query, as the next three, also what Lowered() returns.
+//   Returns  kDamaged; kInvalidQuery for a text with mistakes if `options.strict`; of a built query
+//            what Lowered() returns, too.
 Result<Answer> Ask(std::string_view text, const Snapshot& snapshot, const SearchOptions& options);
 Result<Answer> Ask(const SearchQuery& query, const Snapshot& snapshot,
                    const SearchOptions& options);
 
 // Returns all documents that answer the query, by segments, which come in no order and may come
 // twice, with the scores that Ask() gives them without a limit. `options.limit` counts for nothing.
-//   Returns  kDamaged.
+//   Returns  errors as Ask() does.
 Result<std::vector<ScoredDocuments>> AllAnswers(std::string_view text, const Snapshot& snapshot,
                                                 const SearchOptions& options);
 Result<std::vector<ScoredDocuments>> AllAnswers(const SearchQuery& query, const Snapshot& snapshot,
                                                 const SearchOptions& options);
 
 // Returns how many documents answer the query.
-//   Returns  kDamaged.
+//   Returns  errors as Ask() does.
 Result<std::uint64_t> CountAnswers(std::string_view text, const Snapshot& snapshot,
                                    const SearchOptions& options);
 Result<std::uint64_t> CountAnswers(const SearchQuery& query, const Snapshot& snapshot,
                                    const SearchOptions& options);
 
 // Explains the query that found the last of the documents which answer the query.
-//   Returns  kDamaged.
+//   Returns  errors as Ask() does.
 Result<Explanation> ExplainAnswer(std::string_view text, const Snapshot& snapshot,
                                   const SearchOptions& options);
 Result<Explanation> ExplainAnswer(const SearchQuery& query, const Snapshot& snapshot,

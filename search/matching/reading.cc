@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "search/matching/vocabulary.h"
+#include "search/query/strict/strict_reading.h"
 #include "search/text/white_space.h"
 
 namespace kestan::search {
@@ -27,6 +28,10 @@ DefaultOperator OperatorOf(WordsMean words) {
     default:
       return DefaultOperator::kAndOfQuestion;
   }
+}
+
+Status Reading::Check() const {
+  return is_strict_ && !finds_all_ ? CheckIsStrict(text_, snapshot_.rules) : Status();
 }
 
 std::optional<Query> Reading::AsAsked() {

@@ -37,6 +37,7 @@ class Reading {
       : text_(text),
         snapshot_(snapshot),
         words_(options.words),
+        is_strict_(options.strict),
         finds_all_(options.filter != nullptr && IsBlank(text)) {}
 
   // A query that was built by calls, which is read in one way. Borrows the snapshot.
@@ -45,6 +46,10 @@ class Reading {
 
   Reading(const Reading&) = delete;
   Reading& operator=(const Reading&) = delete;
+
+  // Returns the first mistake of a text, if those are not wanted; else success.
+  //   Throws   as ParseQuery().
+  Status Check() const;
 
   // "" for a query that was built by calls.
   std::string_view text() const { return text_; }
@@ -76,6 +81,7 @@ class Reading {
   const std::string_view text_;
   const Snapshot& snapshot_;
   const WordsMean words_;
+  const bool is_strict_ = false;
   const bool finds_all_ = false;
   const std::optional<Query> built_;
   OptionalWords optional_;

@@ -69,12 +69,17 @@ std::string NoteOnWildcard(std::string_view word) {
 
 }  // namespace
 
+std::string NoteOnForeignSyntax(std::string_view word) {
+  if (word.empty()) return "";
+  std::string note = NoteOnOperator(word);
+  return note.empty() ? NoteOnWildcard(word) : note;
+}
+
 std::vector<std::string> NotesOnForeignSyntax(std::string_view text) {
   std::vector<std::string> notes;
   for (const Token& token : TokensOf(text)) {
-    if (token.kind != Token::Kind::kWord || token.text.empty()) continue;
-    std::string note = NoteOnOperator(token.text);
-    if (note.empty()) note = NoteOnWildcard(token.text);
+    if (token.kind != Token::Kind::kWord) continue;
+    std::string note = NoteOnForeignSyntax(token.text);
     const bool is_new = std::find(notes.begin(), notes.end(), note) == notes.end();
     if (!note.empty() && is_new) notes.push_back(std::move(note));
   }

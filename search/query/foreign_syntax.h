@@ -8,6 +8,9 @@
 
 namespace kestan::search {
 
+// Returns the sentence for a sign in `word`, which stands outside quotes; "" for none.
+std::string NoteOnForeignSyntax(std::string_view word);
+
 // Returns a sentence for each sign of `text` that means something elsewhere and nothing in our
 // language, with what to write instead: NEAR without a number; | & ! and + as operators; * and ? at
 // the start of a word or within. Each sentence comes once. What stands in quotes is text.

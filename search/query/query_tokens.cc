@@ -17,10 +17,13 @@ constexpr std::string_view kNear = "NEAR/";
 // The quotes of word processors are U+201C to U+201F. In UTF-8 they differ in the last byte only.
 constexpr std::string_view kCurlyQuote = "\xe2\x80";
 
-std::string WithPlainQuotes(std::string_view text) {
+// Puts where each byte stood in `text` into `*offsets`, and the size of `text` at the end, unless
+// that is null.
+std::string WithPlainQuotes(std::string_view text, std::vector<std::size_t>* offsets) {
   std::string plain;
   for (std::size_t i = 0; i < text.size(); ++i) {
     const char last = i + 2 < text.size() ? text[i + 2] : '\0';
+    if (offsets != nullptr) offsets->push_back(i);
     if (text.substr(i, 2) == kCurlyQuote && last >= '\x9c' && last <= '\x9f') {
       plain += '"';
       i += 2;
@@ -28,6 +31,7 @@ std::string WithPlainQuotes(std::string_view text) {
       plain += text[i];
     }
   }
+  if (offsets != nullptr) offsets->push_back(text.size());
   return plain;
 }
 
@@ -54,7 +58,7 @@ Kind KindOf(std::string_view text) {
 // Cuts text into tokens one by one, without looking at operands.
 class Cutter {
  public:
-  explicit Cutter(std::string_view text) : rest_(text) {}
+  explicit Cutter(std::string_view text) : text_(text), rest_(text) {}
 
   std::vector<Token> Cut() {
     while (true) {
@@ -82,7 +86,7 @@ class Cutter {
     if (rest_[0] != '"') return false;
     const std::size_t end = rest_.find('"', 1);
     if (end == std::string_view::npos) return false;
-    tokens_.push_back({Kind::kPhrase, std::string(rest_.substr(1, end - 1))});
+    tokens_.push_back({Kind::kPhrase, std::string(rest_.substr(1, end - 1)), 0, 0, offset()});
     rest_.remove_prefix(end + 1);
     return true;
   }
@@ -97,10 +101,14 @@ class Cutter {
 
   void Add(Kind kind, std::size_t size) {
     const std::string_view text = rest_.substr(0, size);
-    tokens_.push_back({kind, std::string(text), kind == Kind::kNear ? DistanceOf(text) : 0});
+    const int distance = kind == Kind::kNear ? DistanceOf(text) : 0;
+    tokens_.push_back({kind, std::string(text), distance, 0, offset()});
     rest_.remove_prefix(size);
   }
 
+  std::size_t offset() const { return text_.size() - rest_.size(); }
+
+  const std::string_view text_;
   std::string_view rest_;
   std::vector<Token> tokens_;
 };
@@ -124,14 +132,30 @@ std::vector<bool> FindUnmatched(const std::vector<Token>& tokens) {
   return unmatched;
 }
 
-std::vector<Token> WithoutUnmatched(std::vector<Token> tokens) {
+using Mistakes = std::vector<QueryMistake>;
+
+void AddMistake(std::string message, std::size_t offset, Mistakes* mistakes) {
+  if (mistakes != nullptr) mistakes->push_back({std::move(message), offset});
+}
+
+std::vector<Token> WithoutUnmatched(std::vector<Token> tokens, Mistakes* mistakes) {
   const std::vector<bool> unmatched = FindUnmatched(tokens);
   std::vector<Token> kept;
   for (std::size_t i = 0; i < tokens.size(); ++i) {
     const bool loses_operand = IsMinus(tokens[i]) && unmatched[i + 1];
+    if (unmatched[i]) AddMistake("the parenthesis has no partner", tokens[i].offset, mistakes);
     if (!unmatched[i] && !loses_operand) kept.push_back(std::move(tokens[i]));
   }
   return kept;
+}
+
+// A quote in what was taken for a word ends no other one.
+void FindLoneQuotes(const std::vector<Token>& tokens, Mistakes* mistakes) {
+  for (const Token& token : tokens) {
+    const std::size_t quote = token.kind == Kind::kWord ? token.text.find('"') : std::string::npos;
+    if (quote == std::string::npos) continue;
+    AddMistake("the quote has no partner, or stands within a word", token.offset + quote, mistakes);
+  }
 }
 
 void FindPartners(std::vector<Token>* tokens) {
@@ -153,7 +177,7 @@ bool StartsPart(Kind kind) {
 }
 
 // Turns operators that lack an operand into words, from left to right.
-void TurnLoneOperatorsIntoWords(std::vector<Token>* tokens) {
+void TurnLoneOperatorsIntoWords(std::vector<Token>* tokens, Mistakes* mistakes) {
   Kind previous = Kind::kEnd;
   for (std::size_t i = 0; i < tokens->size(); ++i) {
     Token& token = (*tokens)[i];
@@ -161,18 +185,26 @@ void TurnLoneOperatorsIntoWords(std::vector<Token>* tokens) {
         token.kind == Kind::kAnd || token.kind == Kind::kOr || token.kind == Kind::kNear;
     const bool lacks_left = is_binary && !EndsPart(previous);
     const bool takes_right = is_binary || token.kind == Kind::kNot;
-    if (lacks_left || (takes_right && !StartsPart((*tokens)[i + 1].kind))) token.kind = Kind::kWord;
+    if (lacks_left || (takes_right && !StartsPart((*tokens)[i + 1].kind))) {
+      AddMistake(token.text + " lacks an operand", token.offset, mistakes);
+      token.kind = Kind::kWord;
+    }
     previous = token.kind;
   }
 }
 
 }  // namespace
 
-std::vector<Token> TokensOf(std::string_view text) {
-  const std::string plain = WithPlainQuotes(text);
-  std::vector<Token> tokens = WithoutUnmatched(Cutter(plain).Cut());
+std::vector<Token> TokensOf(std::string_view text, std::vector<QueryMistake>* mistakes) {
+  std::vector<std::size_t> offsets;
+  const std::string plain = WithPlainQuotes(text, mistakes != nullptr ? &offsets : nullptr);
+  std::vector<Token> tokens = WithoutUnmatched(Cutter(plain).Cut(), mistakes);
   FindPartners(&tokens);
-  TurnLoneOperatorsIntoWords(&tokens);
+  TurnLoneOperatorsIntoWords(&tokens, mistakes);
+  if (mistakes == nullptr) return tokens;
+  FindLoneQuotes(tokens, mistakes);
+  for (Token& token : tokens) token.offset = offsets[token.offset];
+  for (QueryMistake& mistake : *mistakes) mistake.offset = offsets[mistake.offset];
   return tokens;
 }
 

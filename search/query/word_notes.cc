@@ -4,8 +4,6 @@
 #include <array>
 #include <cstddef>
 
-#include "search/query/query_tokens.h"
-#include "search/query/query_words.h"
 #include "search/text/analyzer/word_encoding.h"
 #include "search/text/analyzer/word_sink.h"
 #include "search/text/utf8.h"
@@ -15,6 +13,7 @@ namespace {
 
 constexpr std::size_t kMaxNamed = 10;            // words in one note
 constexpr std::size_t kMaxShownCharacters = 20;  // of a long word
+constexpr std::size_t kMaxShownBytes = 40;       // of a text, in an error
 
 // Punctuation beyond ASCII that people set apart with blanks: ¿ ¡ « » ؟ 。 、 and wide ones.
 constexpr std::array<std::string_view, 10> kMarks = {
@@ -82,7 +81,22 @@ std::string Shortened(std::string_view text) {
   return std::string(text.substr(0, end)) + "...";
 }
 
-// Returns whether a word of `token` was cut, which then has as many characters as a word may have.
+}  // namespace
+
+std::string Shown(std::string_view text) {
+  std::size_t end = std::min(text.size(), kMaxShownBytes);
+  while (end > 0 && end < text.size() && (static_cast<unsigned char>(text[end]) & 0xc0U) == 0x80) {
+    --end;
+  }
+  std::string shown = "'";
+  for (const char byte : text.substr(0, end)) {
+    const bool is_control = static_cast<unsigned char>(byte) < 0x20 || byte == 0x7f;
+    shown += is_control ? ' ' : byte;
+  }
+  return shown + (end < text.size() ? "...'" : "'");
+}
+
+// A word that was cut has as many characters as a word may have.
 bool HoldsCutWord(const std::vector<QueryWords>& words, const Token& token) {
   return token.text.size() > kMaxWordCharacters &&
          std::any_of(words.begin(), words.end(), [&](const QueryWords& group) {
@@ -92,8 +106,6 @@ bool HoldsCutWord(const std::vector<QueryWords>& words, const Token& token) {
            });
          });
 }
-
-}  // namespace
 
 std::vector<std::string> NotesOnIgnoredText(std::string_view text, TextRules rules) {
   std::vector<std::string> ignored;

@@ -7,9 +7,18 @@
 #include <vector>
 
 #include "search/query/optional_words.h"
+#include "search/query/query_tokens.h"
+#include "search/query/query_words.h"
 #include "search/text/text_rules.h"
 
 namespace kestan::search {
+
+// Returns the beginning of `text` in quotes, for a message: on one line and without a part of a
+// character.
+std::string Shown(std::string_view text);
+
+// Returns whether a word of `token`, whose words are `words`, is longer than those of an index.
+bool HoldsCutWord(const std::vector<QueryWords>& words, const Token& token);
 
 // Returns what to say of parts of `text` that hold nothing to search for, other than punctuation,
 // and of words that are too long: a line for all of each kind.

@@ -10,6 +10,7 @@
 
 #include "search/query/built/built_node.h"
 #include "search/query/query_words.h"
+#include "search/query/word_notes.h"
 #include "search/text/white_space.h"
 
 namespace kestan::search {
@@ -17,22 +18,7 @@ namespace {
 
 using Kind = BuiltNode::Kind;
 
-constexpr std::size_t kMaxShownBytes = 40;  // of a text, in an error
 constexpr WordSuffix kPrefixSuffix = {Query::Kind::kPrefix, 0, 1};
-
-// Returns the beginning of `text` in quotes, on one line and without a part of a character.
-std::string Shown(std::string_view text) {
-  std::size_t end = std::min(text.size(), kMaxShownBytes);
-  while (end > 0 && end < text.size() && (static_cast<unsigned char>(text[end]) & 0xc0U) == 0x80) {
-    --end;
-  }
-  std::string shown = "'";
-  for (const char byte : text.substr(0, end)) {
-    const bool is_control = static_cast<unsigned char>(byte) < 0x20 || byte == 0x7f;
-    shown += is_control ? ' ' : byte;
-  }
-  return shown + (end < text.size() ? "...'" : "'");
-}
 
 std::string NameOf(Kind kind) {
   switch (kind) {

@@ -53,6 +53,15 @@ struct SearchOptions {
   double opening_bonus = 0.7;    // how much words count that are among the first 15 of a document
   bool with_titles = true;       // of hits; without them, less is read of each
 
+  // Whether the text of a query must be read as it is written. If not, what makes no sense is left
+  // out or taken for a word, and notes say so. If so, it is an error of kInvalidQuery with its
+  // column: a parenthesis or a quote without its partner, an operator that lacks an operand, NEAR
+  // without a distance from 1 on, an operator of other tools (docs/queries.md names them), a part
+  // without letters or digits, a suffix that does not stand right after a word, a word of more than
+  // 64 characters, nesting deeper than 200, and a text without words, unless a filter makes that
+  // mean all documents. Words that say little are no mistakes.
+  bool strict = false;
+
   // Which documents are to be found; null: all. One for which it returns false is as if it did not
   // match: it is in no answer and counts in no total, and where no document that is wanted has all
   // words, those with some of them answer. Scores are those of a search without it. A blank query
