@@ -83,6 +83,7 @@ Status Read(const kestan_search_options* options, search::SearchOptions* read) {
     return Invalid("a bonus is less than 0, or no number");
   }
   read->with_titles = options->with_titles != 0;
+  read->strict = options->strict != 0;
   read->limit = options->limit;
   read->k1 = options->k1;
   read->b = options->b;
