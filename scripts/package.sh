@@ -41,7 +41,7 @@ git ls-files -z | tar --create --null --files-from - | tar --extract --directory
 log=$folder/build.log
 (cd "$source" && DEB_BUILD_OPTIONS="parallel=$(nproc) ${DEB_BUILD_OPTIONS:-}" \
   dpkg-buildpackage --no-sign) >"$log" 2>&1 || {
-  tail -n 40 "$log" >&2
+  tail -n 40 "$log" | cut -c 1-200 >&2
   echo "the build failed; all of its output is in $log" >&2
   exit 1
 }

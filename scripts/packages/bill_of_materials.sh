@@ -6,7 +6,7 @@
 # SPDX-FileCopyrightText: 2026 The Kestan authors
 # SPDX-License-Identifier: GPL-3.0-or-later
 set -euo pipefail
-cd "$(dirname "$0")/.."
+cd "$(dirname "$0")/../.."
 
 version=$(sed -n 's/^project(kestan VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
 created=$(date --utc --date="@${SOURCE_DATE_EPOCH:-0}" +%Y-%m-%dT%H:%M:%SZ)
