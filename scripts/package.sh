@@ -38,10 +38,17 @@ source=$folder/kestan-$version
 mkdir "$source"
 git ls-files -z | tar --create --null --files-from - | tar --extract --directory "$source"
 
+options=${DEB_BUILD_OPTIONS:-}
+[[ $options = *parallel=* ]] || options+=" parallel=$(nproc)"
 log=$folder/build.log
-(cd "$source" && DEB_BUILD_OPTIONS="parallel=$(nproc) ${DEB_BUILD_OPTIONS:-}" \
-  dpkg-buildpackage --no-sign) >"$log" 2>&1 || {
-  tail -n 40 "$log" | cut -c 1-200 >&2
+build() (
+  cd "$source"
+  export DEB_BUILD_OPTIONS=$options
+  export PATH=/usr/sbin:/usr/bin:/sbin:/bin  # the tools of Debian, whatever else is installed
+  dpkg-buildpackage --no-sign
+)
+build >"$log" 2>&1 || {
+  tail -n 20 "$log" | cut -c 1-200 >&2
   echo "the build failed; all of its output is in $log" >&2
   exit 1
 }

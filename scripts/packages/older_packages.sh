@@ -17,8 +17,8 @@ for package in "$from"/*.deb; do
   version=$(dpkg-deb --field "$package" Version)
   name=$(dpkg-deb --field "$package" Package)
   dpkg-deb --raw-extract "$package" "$work/$name"
-  # Its own version, and that of the others where they must have the same.
-  sed -i "s/^Version: $version$/&~older/; /^Depends: /s/(= $version)/(= $version~older)/g" \
+  # Its own version, and those of the others that it needs.
+  sed -i "s/^Version: $version$/&~older/; s/\(kestan[a-z0-9-]* (>*= $version\))/\1~older)/g" \
     "$work/$name/DEBIAN/control"
   echo 'gone after an upgrade' >"$work/$name/usr/share/doc/$name/older"
   dpkg-deb --root-owner-group --build "$work/$name" "$to" >/dev/null

@@ -84,4 +84,8 @@ echo "$(wc -l <after) lines about files, the same as before"
 
 say 'the tests of the installed packages'
 install autopkgtest
-autopkgtest "$packages"/*.deb "$source" -- null
+autopkgtest --summary-file=summary "$packages"/*.deb "$source" -- null >tests.log 2>&1 || {
+  cat tests.log
+  fail 'tests of the installed packages fail'
+}
+cat summary
