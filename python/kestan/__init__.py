@@ -28,7 +28,7 @@ from ._errors import (
     VersionError,
 )
 from ._hits import Hit, Hits
-from ._kestan import ffi, lib
+from ._native import ffi, lib
 from ._opening import open
 from ._query import Query
 from ._reader import Reader

@@ -7,7 +7,7 @@ from types import TracebackType
 from typing import Callable, NamedTuple, Optional
 
 from ._errors import check
-from ._kestan import CData, ffi, lib
+from ._native import CData, ffi, lib
 from ._values import name_of, text_of
 
 

@@ -5,7 +5,7 @@ from __future__ import annotations
 from datetime import datetime, timezone
 from typing import NamedTuple
 
-from ._kestan import CData, ffi
+from ._native import CData, ffi
 from ._values import name_of, text_of
 
 

@@ -6,7 +6,7 @@ import errno
 import os
 from typing import Optional
 
-from ._kestan import CData, ffi, lib
+from ._native import CData, ffi, lib
 
 
 class Error(Exception):
@@ -115,9 +115,11 @@ def error_of(code: int, handle: CData) -> Exception:
         return OSError(number or errno.EIO, message, file)
     if code == lib.KESTAN_ENOMEM:
         return MemoryError(message)
+    if file:
+        message = f"{file}: {message}"
     if code not in _KINDS:
         return ValueError(message)
-    error = _KINDS[code](f"{file}: {message}" if file else message)
+    error = _KINDS[code](message)
     error.filename = file
     if isinstance(error, QueryError):
         error.column = column

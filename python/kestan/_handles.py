@@ -8,7 +8,7 @@ from types import TracebackType
 from typing import Callable, Generic, Iterator, Optional, TypeVar
 
 from ._errors import ForkedError, check
-from ._kestan import CData, ffi, lib
+from ._native import CData, ffi, lib
 
 Item = TypeVar("Item")
 

@@ -8,7 +8,7 @@ from typing import Callable, Iterator, Optional, Union, overload
 
 from ._errors import NotFoundError, check
 from ._handles import Turns
-from ._kestan import CData, ffi, lib
+from ._native import CData, ffi, lib
 from ._values import Text, name_of, text_bytes, text_of
 
 

@@ -5,7 +5,7 @@ from __future__ import annotations
 from typing import TYPE_CHECKING, Callable, NoReturn
 
 from ._errors import check
-from ._kestan import CData, ffi, lib
+from ._native import CData, ffi, lib
 from ._values import text_bytes, whole
 
 if TYPE_CHECKING:

@@ -11,7 +11,7 @@ from ._documents import Document, Statistics, Term
 from ._errors import NotFoundError, check, check_opened, check_query
 from ._handles import Handle, Lent
 from ._hits import Hits
-from ._kestan import CData, ffi, lib
+from ._native import CData, ffi, lib
 from ._query import Query, plain_query
 from ._values import Name, Text, limit_of, name_bytes, real, text_bytes
 

@@ -6,7 +6,7 @@ from typing import NamedTuple
 
 from ._errors import check as check_code
 from ._errors import check_opened
-from ._kestan import CData, ffi, lib
+from ._native import CData, ffi, lib
 from ._values import Path, name_of, path_bytes, text_of
 
 

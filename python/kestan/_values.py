@@ -7,7 +7,7 @@ import os
 import sys
 from typing import Any, Optional, Union
 
-from ._kestan import CData, ffi
+from ._native import CData, ffi
 
 Name = Union[str, bytes]
 Text = Union[str, bytes]

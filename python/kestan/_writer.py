@@ -11,7 +11,7 @@ from typing import Any, Callable, Iterable, Optional, Union
 from ._callbacks import Callback, Progress
 from ._errors import check, check_opened, line_of
 from ._handles import Handle
-from ._kestan import CData, ffi, lib
+from ._native import CData, ffi, lib
 from ._values import Name, Text, data_bytes, name_bytes, set_bytes, text_bytes, whole
 
 ProgressFunction = Callable[[Progress], Optional[bool]]
