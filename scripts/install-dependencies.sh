@@ -4,7 +4,8 @@ set -euo pipefail
 
 packages=(g++ clang clang-format clang-tidy cmake ninja-build pkg-config libgdbm-dev libcli11-dev
   libclang-rt-dev libgtest-dev librapidcheck-dev g++-multilib libarchive-dev libgmime-3.0-dev locales
-  libicu-dev libstemmer-dev libxml2-dev
+  libicu-dev libstemmer-dev libxml2-dev mypy python3-cffi python3-dev python3-pytest
+  python3-setuptools python3-wheel
   libxxhash-dev nlohmann-json3-dev postgresql zlib1g-dev)
 
 missing=()

@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-import threading
 from types import TracebackType
 from typing import Callable, NamedTuple, Optional
 
@@ -118,22 +117,11 @@ def _progress(progress: CData, payload: CData) -> int:
     return 1 if stop else 0
 
 
-_thread = threading.local()
-
-
 @ffi.def_extern(name="kestan_python_filter", error=-1, onerror=_keep_error)
 def _filter(document: CData, payload: CData) -> int:
     """Asks the function of a search whether it wants a document."""
     candidate = Candidate(document)
-    was_filtering = is_filtering()
-    _thread.is_filtering = True
     try:
         return 1 if ffi.from_handle(payload).function(candidate) else 0
     finally:
-        _thread.is_filtering = was_filtering
         candidate._document = None
-
-
-def is_filtering() -> bool:
-    """Returns whether this thread is inside the filter of a search."""
-    return getattr(_thread, "is_filtering", False)

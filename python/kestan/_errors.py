@@ -100,11 +100,13 @@ def check_query(code: int, handle: CData, query: bytes, is_text: bool) -> None:
     raise error
 
 
-def check_opened(code: int, handle: CData, path: bytes) -> None:
-    """The same for a call that opens the index at `path`."""
+def check_opened(code: int, handle: CData, *paths: bytes) -> None:
+    """The same for a call that opens the indexes at `paths`."""
     if code == lib.KESTAN_ENOTFOUND:
         message, file, _, _ = _last_error(code, handle)
-        raise FileNotFoundError(errno.ENOENT, message, file or os.fsdecode(path))
+        names = [os.fsdecode(path) for path in paths]
+        inside = (name for name in names if file and f"{file}/".startswith(f"{name}/"))
+        raise FileNotFoundError(errno.ENOENT, message, next(inside, names[0]))
     check(code, handle)
 
 

@@ -6,7 +6,7 @@ import os
 from types import TracebackType
 from typing import Callable, Iterator, Optional, Sequence, Union
 
-from ._callbacks import Callback, Candidate, is_filtering
+from ._callbacks import Callback, Candidate
 from ._documents import Document, Statistics, Term
 from ._errors import NotFoundError, check, check_opened, check_query
 from ._handles import Handle, Lent
@@ -50,7 +50,7 @@ class Reader:
         texts = [ffi.from_buffer("char[]", path) for path in paths]
         code = lib.kestan_reader_open_many(out, texts, lengths, len(paths))
         pointer = ffi.gc(out[0], lib.kestan_reader_free) if out[0] else ffi.NULL
-        check_opened(code, pointer, paths[0])
+        check_opened(code, pointer, *paths)
         reader = cls.__new__(cls)
         reader._handle = Handle(pointer, "reader")
         reader._paths = [os.fsdecode(path) for path in paths]
@@ -80,7 +80,8 @@ class Reader:
         strict   raises QueryError for what would else be left out of the query with a note.
         titles   whether hits have titles; without them, less is read.
         filter   is called with a Candidate for each document that matches, and returns whether it
-                 is to be found; more than once for some, and from several threads.
+                 is to be found; more than once for some, and from several threads. It cannot use
+                 the reader that it filters for.
         k1, b, proximity_bonus, opening_bonus
                  the numbers of the ranking, which docs/quality.md explains.
 
@@ -180,8 +181,6 @@ class Reader:
 
         Waits until the searches of other threads are done.
         """
-        if is_filtering():
-            raise RuntimeError("refresh() in a filter would wait for the search it is part of")
         changed = ffi.new("int*")
         with self._handle as reader:
             check(lib.kestan_reader_refresh(changed, reader), reader)
