@@ -12,10 +12,8 @@ fail() { echo "$1"; exit 1; }
 packaged=$(sed -n '1s/^kestan (\(.*\)) .*/\1/p' "$source/debian/changelog")
 [ "$packaged" = "$version" ] || fail "debian/changelog has version $packaged, CMakeLists.txt $version"
 
-if [ -f "$source/python/pyproject.toml" ]; then
-  packaged=$(sed -n 's/^version = "\(.*\)"/\1/p' "$source/python/pyproject.toml")
-  [ "$packaged" = "$version" ] || fail "python/pyproject.toml has version $packaged, CMakeLists.txt $version"
-fi
+packaged=$(sed -n 's/^version = "\(.*\)"/\1/p' "$source/python/pyproject.toml")
+[ "$packaged" = "$version" ] || fail "python/pyproject.toml has version $packaged, CMakeLists.txt $version"
 
 declared=$(grep -A2 '^KESTAN_C_EXPORT' "$source/c/include/kestan/c.h" | grep -oE 'kestan_[a-z_0-9]+\(' |
   tr -d '(' | sort -u)
