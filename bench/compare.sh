@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Compares Kestan with SQLite FTS5, Xapian, Lucene++ and Groonga: installs what is missing, builds,
 # makes the corpus and the queries, measures, and prints the tables.
 #
@@ -21,7 +22,7 @@ while [ $# -gt 0 ]; do
       shift
       ;;
     *)
-      sed -n '2,10s/^# \{0,1\}//p' "$0" >&2
+      sed -n '3,11s/^# \{0,1\}//p' "$0" >&2
       exit 2
       ;;
   esac

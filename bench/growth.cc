@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Measures whether costs stay flat from 1,000 to 4,000, 16,000 and 65,535 documents: how long a
 // document takes to be added, flushed and shrunk, and a match to be found and listed by each kind
 // of query. Prints a Markdown table of CPU times, medians of three runs.

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """What do hostile documents and hostile queries cost?
 
 Makes an index of 2,000 generated documents in a temporary folder, then runs the real command on

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Measures what happens to text and postings outside of queries: the three stripping functions on
 // 1 MB, adding documents of lower-case and of capitalised words, the flush after them, shrinking
 // after one document in eight was removed, and dropping all positions. Beside the last two stands

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Answers the questions of a test collection through the search library, for retrieval_quality.py.
 //
 //   quality_host COLLECTION INDEX [--any] [--k1 K1] [--b B] [--bonus BONUS] [--opening BONUS]

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Measures each query operation by itself on one index of 16,000 documents of 200 words, the walks
 // over the whole index beside a bare gdbm walk of the same file, and QueryAnd on two words that one
 // document holds 30,000 times each, where positions ascend, and 60,000 times, where they wrap

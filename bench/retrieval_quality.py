@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """How good are the answers to questions in plain words?
 
 Indexes a test collection with the real command, asks its questions, and compares the order of the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Measures the store: getting records from its cache and from the file, putting new records and
 // putting over old ones, flushing records that were changed in place, and writing a whole file at
 // once. Beside getting and putting stands the same work with bare gdbm. The keys and values are the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Answers the questions of a test collection through Xapian, for retrieval_quality.py.
 //
 //   xapian_quality_host COLLECTION INDEX

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Filters of a search that are functions of C.
 #ifndef KESTAN_C_FILTER_H_
 #define KESTAN_C_FILTER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The answer to a search.
 #ifndef KESTAN_C_HITS_HANDLE_H_
 #define KESTAN_C_HITS_HANDLE_H_

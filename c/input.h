@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What comes in from C, checked before it is used.
 #ifndef KESTAN_C_INPUT_H_
 #define KESTAN_C_INPUT_H_

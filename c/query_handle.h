@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Queries built by calls.
 #ifndef KESTAN_C_QUERY_HANDLE_H_
 #define KESTAN_C_QUERY_HANDLE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Readers, and what they share with all that they have made.
 #ifndef KESTAN_C_READER_HANDLE_H_
 #define KESTAN_C_READER_HANDLE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include <kestan/c.h>
 
 int kestan_version(int* major, int* minor, int* patch) {

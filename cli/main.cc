@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The command `kestan`: reads the arguments, runs one command, and turns any error into a message
 // of one line and an exit status.
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Builds for 32-bit x86 on a 64-bit machine, with g++-multilib and the 32-bit libraries that
 # scripts/install-32bit.sh unpacks beside the build, away from the machine's own.
 set(CMAKE_SYSTEM_NAME Linux)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as a text. Whatever they are, the words that the Analyzer finds are such as the
 // engine's folding leaves alone, and stand where it says.
 #include <kestan/search/analyzer.h>

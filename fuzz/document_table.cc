@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as a document table. Whatever it holds, no answer leaves the file, and one that is not
 // there is reported as damage.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any text as a dump for LoadIndex. What it accepts must be what DumpIndex writes for the records
 // that were loaded.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as an index file, opened for reading and for writing and driven through every method.
 //
 // gdbm has faults of its own on such files; support/gdbm_guard.h turns those that raise a signal

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Builds everything, the library first of all, so that libFuzzer sees which branches an input takes
 # and the sanitizers see what it does.
 option(KESTAN_FUZZ_ADDRESSES "Check every access to memory, which takes most of the time" ON)

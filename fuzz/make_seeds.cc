@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Writes the hand-made seeds: make_seeds fuzz/seeds. Those that fuzzing found stay as they are.
 #include <kestan/kestan.h>
 

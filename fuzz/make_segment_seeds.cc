@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Writes the hand-made seeds of the files that belong to a segment: make_segment_seeds fuzz/seeds.
 #include <cstdio>
 #include <filesystem>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any sequence of calls, with hostile records planted between them: the engine answers, prints and
 // stores what the naive model of tests/model does.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as posting records and as the engine's own records, read and rewritten by every method
 // that looks into them. Nothing is compared here (the target `operations` does that); the engine
 // must only stay inside its memory, come to an end, and leave a file that can be opened.

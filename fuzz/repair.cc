@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A small valid index, damaged in its file and records by any bytes, and repaired. There is a new
 // index or one line that says why not; the new one has no fault but words that the damage took,
 // repairing it changes nothing, and the damaged file stays as it was.

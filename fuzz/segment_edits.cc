@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as the edits of a segment. What is read must be what is written again.
 //
 // Input: a byte, then the file. No fuzzer guesses a checksum, so where the byte is odd the right

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes through Kestan::StripBadLines.
 #include <kestan/kestan.h>
 

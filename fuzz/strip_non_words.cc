@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes through Kestan::StripNonWords, which may use one byte more than the text has.
 #include <kestan/kestan.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes through Kestan::StripWords.
 //
 // Input: a byte N, the stop text and N % 4 strings of the stop list, each ended by a NUL, the text.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as a term dictionary. Whatever it holds, reading comes to an end; and where a walk sees
 // terms in order, a look-up finds each of them.
 //

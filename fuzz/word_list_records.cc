@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as the record of a word list, read by Kestan::DBGetWords.
 #include <kestan/kestan.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any text stored as a word list and read back, from the cache and from the file.
 //
 // Input: the text, up to its first NUL.

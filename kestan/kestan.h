@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The one header that a host includes: the engine, and with it the store that it stands on.
 #ifndef KESTAN_KESTAN_H_
 #define KESTAN_KESTAN_H_

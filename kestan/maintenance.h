@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Looking after index files: checking, measuring, comparing, repairing them, carrying them
 // elsewhere.
 #ifndef KESTAN_MAINTENANCE_H_

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Describes the extension module kestan._kestan, which calls libkestan-c, to cffi.
 
 Everything comes from the header <kestan/c.h>. These variables of the environment say where the

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Builds the package: pyproject.toml describes it, this file what is not Python."""
 
 from setuptools import setup

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Runs the tests of the library's directories with counters in the library, and prints which lines and
 # branches of kestan/ they reach. Ends with status 1 if a line is missed, more than 2% of the branches
 # are, or a missed branch has no reason in scripts/coverage_exclusions.txt.

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Prints which lines and branches the tests miss. coverage.sh calls it.
 
     coverage_report.py FOLDER EXCLUSIONS

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Builds the fuzz targets, replays their seeds, and lets libFuzzer search on from there, two targets
 # at a time. Any finding is printed with the file that repeats it, and the script then fails.
 #
@@ -29,7 +30,7 @@ case ${1:-} in
   --seconds) seconds=$2; shift 2 ;;
   --runs) seconds=; runs=$2; shift 2 ;;
   --replay) replay_only=true; shift ;;
-  -*) sed -n '2,14p' "$0" >&2; exit 2 ;;
+  -*) sed -n '3,15p' "$0" >&2; exit 2 ;;
 esac
 targets=("$@")
 [ ${#targets[@]} -gt 0 ] || mapfile -t targets < <(ls fuzz/seeds)

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Unpacks the 32-bit libraries that the 32bit preset links into build/32bit-root. The machine's own
 # packages and package lists stay as they are.
 set -euo pipefail

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Runs clang-tidy on all sources, with the compile commands of the build in build/sanitised.
 #
 #   scripts/lint.sh           the analyzer follows each function for 20,000 steps: half the time of all

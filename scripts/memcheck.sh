@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Runs the tests under valgrind. A test fails if it reads or writes outside its memory, uses a value that
 # was never set, or leaks memory. Takes an hour or two.
 #

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Makes small changes to the library, one at a time, and counts how many of them the tests catch.
 
     scripts/mutate.py [--count N] [--seed N] [--skip N] [--jobs N] [--quick] [FILE...]

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """A copy of the tree in build/mutation/tree, in which mistakes are made, built and tested."""
 
 import contextlib

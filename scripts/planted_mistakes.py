@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Mistakes written by hand, each with the tests that must notice it."""
 
 import re

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Runs every engine of the peer comparison in turn and prints the tables. compare.sh calls it.
 
 Each measurement is a process of its own; what is measured several times is taken in rounds, one

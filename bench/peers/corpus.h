@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The files that make_corpus.py and draw_queries.py write.
 #ifndef KESTAN_BENCH_PEERS_CORPUS_H_
 #define KESTAN_BENCH_PEERS_CORPUS_H_

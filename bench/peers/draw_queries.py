@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Draws the queries of the peer comparison from the words of the corpus.
 
   draw_queries.py WORDS OUT

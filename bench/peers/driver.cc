@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Runs one engine through one measurement and prints what it found as lines of numbers. compare.py
 // calls it; each measurement is a process of its own.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What every engine of the comparison does, so that one driver can time them all.
 #ifndef KESTAN_BENCH_PEERS_ENGINE_H_
 #define KESTAN_BENCH_PEERS_ENGINE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // SQLite FTS5 with content='': the index alone, and a table of names beside it.
 #include "bench/peers/sqlite_engine.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // SQLite FTS5 as it comes: the text and the name are kept beside the index.
 #include "bench/peers/sqlite_engine.h"
 

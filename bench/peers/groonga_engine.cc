@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Groonga with a table of documents whose keys are the names, and a positional index of words that
 // white space separates. An index that is committed once is built after the documents are in, as
 // Groonga advises; otherwise it grows with them.

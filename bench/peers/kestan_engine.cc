@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Kestan as a host uses it: one file, FlushIndex as commit, ShrinkIndex at the end.
 #include <kestan/kestan.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // libkestan-search as a host uses it: an index folder, one thread unless KESTAN_BENCH_THREADS says
 // how many, Compact() at the end.
 #include <kestan/search.h>

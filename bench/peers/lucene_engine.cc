@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Lucene++ with positions; the name of a document is a field of its own. The first query of a
 // process reads the names it lists from the stored fields, later ones from Lucene's cache of that
 // field.

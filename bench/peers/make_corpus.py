@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Makes the corpus of the peer comparison from unpacked Debian documentation packages.
 
   make_corpus.py TREE OUT [--documents N]

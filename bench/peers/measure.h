@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Clocks, memory and sizes.
 #ifndef KESTAN_BENCH_PEERS_MEASURE_H_
 #define KESTAN_BENCH_PEERS_MEASURE_H_

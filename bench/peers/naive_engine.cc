@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Not an engine: the plain reading of every document for every query, which says what the answers
 // are. Its index is a copy of the documents.
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "bench/peers/sqlite_engine.h"
 
 namespace kestan_bench {

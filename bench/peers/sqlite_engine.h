@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What both forms of SQLite FTS5 share: a connection set up for speed, and statements.
 #ifndef KESTAN_BENCH_PEERS_SQLITE_ENGINE_H_
 #define KESTAN_BENCH_PEERS_SQLITE_ENGINE_H_

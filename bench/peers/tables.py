@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Turns what compare.py measured into Markdown tables."""
 
 import statistics

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Xapian with positions; the name of a document is its value 0, which is read in order of
 // documents.
 #include <xapian.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Test collections of documents and questions, as retrieval_quality.py describes them.
 #ifndef KESTAN_BENCH_SUPPORT_COLLECTION_H_
 #define KESTAN_BENCH_SUPPORT_COLLECTION_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What an index file of Kestan holds, without what gdbm needs around it.
 #ifndef KESTAN_BENCH_SUPPORT_KESTAN_RECORDS_H_
 #define KESTAN_BENCH_SUPPORT_KESTAN_RECORDS_H_

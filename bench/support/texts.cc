@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "bench/support/texts.h"
 
 namespace kestan_bench {

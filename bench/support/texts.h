@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Text to index that is the same on every machine and every run.
 #ifndef KESTAN_BENCH_SUPPORT_TEXTS_H_
 #define KESTAN_BENCH_SUPPORT_TEXTS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Shared by the workloads: a temporary directory, and checks that stop a wrong benchmark.
 #ifndef KESTAN_BENCH_SUPPORT_WORKBENCH_H_
 #define KESTAN_BENCH_SUPPORT_WORKBENCH_H_

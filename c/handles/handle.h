@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What all handles have in common, and the way of every call from C into C++ and back.
 #ifndef KESTAN_C_HANDLES_HANDLE_H_
 #define KESTAN_C_HANDLES_HANDLE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "c/handles/live_handles.h"
 
 #include <pthread.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The handles that a host has: made, and not freed yet.
 #ifndef KESTAN_C_HANDLES_LIVE_HANDLES_H_
 #define KESTAN_C_HANDLES_LIVE_HANDLES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reads the command line.
 #ifndef KESTAN_CLI_APP_ARGUMENTS_H_
 #define KESTAN_CLI_APP_ARGUMENTS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The declaration of a command. Its arguments are read, and its help, manual page and completion
 // are generated, from the declaration alone.
 #ifndef KESTAN_CLI_APP_COMMAND_H_

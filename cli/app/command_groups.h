@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The commands by the first words of their names.
 #ifndef KESTAN_CLI_APP_COMMAND_GROUPS_H_
 #define KESTAN_CLI_APP_COMMAND_GROUPS_H_

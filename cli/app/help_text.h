@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The help, as a terminal shows it.
 #ifndef KESTAN_CLI_APP_HELP_TEXT_H_
 #define KESTAN_CLI_APP_HELP_TEXT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The manual pages, generated from the declarations of the commands.
 #ifndef KESTAN_CLI_APP_MANUAL_H_
 #define KESTAN_CLI_APP_MANUAL_H_

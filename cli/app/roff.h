@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Text for manual pages: roff with the macros of man(7).
 #ifndef KESTAN_CLI_APP_ROFF_H_
 #define KESTAN_CLI_APP_ROFF_H_

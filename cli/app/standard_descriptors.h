@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Keeps the descriptors of the standard streams in use.
 #ifndef KESTAN_CLI_APP_STANDARD_DESCRIPTORS_H_
 #define KESTAN_CLI_APP_STANDARD_DESCRIPTORS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What may be meant by a word that is none of those that are known.
 #ifndef KESTAN_CLI_APP_SUGGESTION_H_
 #define KESTAN_CLI_APP_SUGGESTION_H_

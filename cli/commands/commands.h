@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // All commands. Each is declared here and defined in a file of its own.
 #ifndef KESTAN_CLI_COMMANDS_COMMANDS_H_
 #define KESTAN_CLI_COMMANDS_COMMANDS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The letters and the white space of ASCII.
 #ifndef KESTAN_CLI_CONSOLE_ASCII_H_
 #define KESTAN_CLI_CONSOLE_ASCII_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Text that fits a terminal.
 #ifndef KESTAN_CLI_CONSOLE_COLUMNS_H_
 #define KESTAN_CLI_CONSOLE_COLUMNS_H_

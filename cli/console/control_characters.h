@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Finds and escapes control characters, and bytes that are not UTF-8, in text for a terminal.
 #ifndef KESTAN_CLI_CONSOLE_CONTROL_CHARACTERS_H_
 #define KESTAN_CLI_CONSOLE_CONTROL_CHARACTERS_H_

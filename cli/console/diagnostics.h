@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The one way to the standard error stream. No other file writes to it.
 #ifndef KESTAN_CLI_CONSOLE_DIAGNOSTICS_H_
 #define KESTAN_CLI_CONSOLE_DIAGNOSTICS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The exit statuses of the command, as the manual pages list them.
 #ifndef KESTAN_CLI_CONSOLE_EXIT_STATUS_H_
 #define KESTAN_CLI_CONSOLE_EXIT_STATUS_H_

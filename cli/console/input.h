@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The standard input of the command.
 #ifndef KESTAN_CLI_CONSOLE_INPUT_H_
 #define KESTAN_CLI_CONSOLE_INPUT_H_

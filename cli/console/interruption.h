@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Signals that ask the process to end.
 #ifndef KESTAN_CLI_CONSOLE_INTERRUPTION_H_
 #define KESTAN_CLI_CONSOLE_INTERRUPTION_H_

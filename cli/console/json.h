@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // JSON as the command prints it.
 #ifndef KESTAN_CLI_CONSOLE_JSON_H_
 #define KESTAN_CLI_CONSOLE_JSON_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Errors that end the command, and the text that messages are made of. A message stays on one line,
 // whatever the names in it hold.
 #ifndef KESTAN_CLI_CONSOLE_MESSAGE_H_

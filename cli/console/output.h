@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The standard output of the command.
 #ifndef KESTAN_CLI_CONSOLE_OUTPUT_H_
 #define KESTAN_CLI_CONSOLE_OUTPUT_H_

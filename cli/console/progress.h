@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Shows how far a long run has come.
 #ifndef KESTAN_CLI_CONSOLE_PROGRESS_H_
 #define KESTAN_CLI_CONSOLE_PROGRESS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reports of commands: as text, as JSON, or none.
 #ifndef KESTAN_CLI_CONSOLE_REPORT_H_
 #define KESTAN_CLI_CONSOLE_REPORT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What every form in which documents leave an index has to do.
 #ifndef KESTAN_CLI_EXPORT_EXPORT_WRITER_H_
 #define KESTAN_CLI_EXPORT_EXPORT_WRITER_H_

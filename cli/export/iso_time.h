@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Times of an index in the notation of ISO 8601.
 #ifndef KESTAN_CLI_EXPORT_ISO_TIME_H_
 #define KESTAN_CLI_EXPORT_ISO_TIME_H_

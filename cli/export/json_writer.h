@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Documents as the bulk interface of search servers takes them.
 #ifndef KESTAN_CLI_EXPORT_JSON_WRITER_H_
 #define KESTAN_CLI_EXPORT_JSON_WRITER_H_

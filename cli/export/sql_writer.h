@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Documents as a script for PostgreSQL.
 #ifndef KESTAN_CLI_EXPORT_SQL_WRITER_H_
 #define KESTAN_CLI_EXPORT_SQL_WRITER_H_

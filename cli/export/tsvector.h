@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The words of a document as PostgreSQL's type tsvector takes them.
 #ifndef KESTAN_CLI_EXPORT_TSVECTOR_H_
 #define KESTAN_CLI_EXPORT_TSVECTOR_H_

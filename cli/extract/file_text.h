@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // From a file to its text, and to the document made of it.
 #ifndef KESTAN_CLI_EXTRACT_FILE_TEXT_H_
 #define KESTAN_CLI_EXTRACT_FILE_TEXT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The text of a file that was indexed, read again to show where its words stand.
 #ifndef KESTAN_CLI_EXTRACT_INDEXED_TEXT_H_
 #define KESTAN_CLI_EXTRACT_INDEXED_TEXT_H_

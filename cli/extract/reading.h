@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How a file is read: its format, its converter, and what is left out of its words.
 #ifndef KESTAN_CLI_EXTRACT_READING_H_
 #define KESTAN_CLI_EXTRACT_READING_H_

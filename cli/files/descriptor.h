@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A file descriptor that closes itself.
 #ifndef KESTAN_CLI_FILES_DESCRIPTOR_H_
 #define KESTAN_CLI_FILES_DESCRIPTOR_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How the index recognises that a file has changed. The first line of a document's user record is
 // the fingerprint of its file:
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Patterns for the names of files.
 #ifndef KESTAN_CLI_FILES_GLOB_H_
 #define KESTAN_CLI_FILES_GLOB_H_

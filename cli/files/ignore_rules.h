@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which files the ignore files of a tree leave out.
 #ifndef KESTAN_CLI_FILES_IGNORE_RULES_H_
 #define KESTAN_CLI_FILES_IGNORE_RULES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the index keeps of a message beside its words, for whoever asks for mail.
 #ifndef KESTAN_CLI_FILES_MAIL_FACTS_H_
 #define KESTAN_CLI_FILES_MAIL_FACTS_H_

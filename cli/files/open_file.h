@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A stream of the C library that closes itself.
 #ifndef KESTAN_CLI_FILES_OPEN_FILE_H_
 #define KESTAN_CLI_FILES_OPEN_FILE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Paths as users and programs give them, and as documents are named after them.
 #ifndef KESTAN_CLI_FILES_PATHS_H_
 #define KESTAN_CLI_FILES_PATHS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Finds the files to index, without reading them and without touching the index.
 #ifndef KESTAN_CLI_FILES_SCAN_H_
 #define KESTAN_CLI_FILES_SCAN_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Files that are skipped, and why.
 #ifndef KESTAN_CLI_FILES_SKIP_H_
 #define KESTAN_CLI_FILES_SKIP_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reads a file that may change or vanish meanwhile, and notices if it does.
 #ifndef KESTAN_CLI_FILES_STABLE_FILE_H_
 #define KESTAN_CLI_FILES_STABLE_FILE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A file for a program that must open one.
 #ifndef KESTAN_CLI_FILES_TEMPORARY_FILE_H_
 #define KESTAN_CLI_FILES_TEMPORARY_FILE_H_

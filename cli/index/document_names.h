@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The names of documents, as they are stored and as they are shown.
 //
 // Documents that were made of files are named after them by canonical paths: absolute, without

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The errors of index files, as messages to the user.
 #ifndef KESTAN_CLI_INDEX_INDEX_ERRORS_H_
 #define KESTAN_CLI_INDEX_INDEX_ERRORS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Examines an index of one file before it is read, so that damage and other kinds of files are told
 // from indexes that hold little.
 #ifndef KESTAN_CLI_INDEX_INDEX_EXAMINATION_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The two kinds of indexes.
 #ifndef KESTAN_CLI_INDEX_INDEX_KIND_H_
 #define KESTAN_CLI_INDEX_INDEX_KIND_H_

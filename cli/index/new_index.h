@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A new index that is made of another one.
 #ifndef KESTAN_CLI_INDEX_NEW_INDEX_H_
 #define KESTAN_CLI_INDEX_NEW_INDEX_H_

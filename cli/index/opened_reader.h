@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Indexes that are open for reading: folders, and index files of class Kestan.
 #ifndef KESTAN_CLI_INDEX_OPENED_READER_H_
 #define KESTAN_CLI_INDEX_OPENED_READER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A change of an index folder that happens as a whole or not at all.
 #ifndef KESTAN_CLI_INDEX_OPENED_WRITER_H_
 #define KESTAN_CLI_INDEX_OPENED_WRITER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The three texts that an index keeps for a document beside its words.
 #ifndef KESTAN_CLI_INDEX_SIDE_RECORD_H_
 #define KESTAN_CLI_INDEX_SIDE_RECORD_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The boundary between the command and `kestan-mail.so`, the module that it loads for the first
 // mail: gmime takes GLib with it, which nothing else needs. The rules are those of
 // cli/readers/readers.h.

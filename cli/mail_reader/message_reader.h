@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reads mail with gmime.
 #ifndef KESTAN_CLI_MAIL_READER_MESSAGE_READER_H_
 #define KESTAN_CLI_MAIL_READER_MESSAGE_READER_H_

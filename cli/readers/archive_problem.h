@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What libarchive says when it cannot go on.
 #ifndef KESTAN_CLI_READERS_ARCHIVE_PROBLEM_H_
 #define KESTAN_CLI_READERS_ARCHIVE_PROBLEM_H_

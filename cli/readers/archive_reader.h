@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reads archives with libarchive.
 #ifndef KESTAN_CLI_READERS_ARCHIVE_READER_H_
 #define KESTAN_CLI_READERS_ARCHIVE_READER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Decodes character sets with ICU.
 #ifndef KESTAN_CLI_READERS_CHARSET_DECODER_H_
 #define KESTAN_CLI_READERS_CHARSET_DECODER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Guesses character sets with ICU.
 #ifndef KESTAN_CLI_READERS_CHARSET_GUESS_H_
 #define KESTAN_CLI_READERS_CHARSET_GUESS_H_

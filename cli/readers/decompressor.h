@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Decompresses files with libarchive.
 #ifndef KESTAN_CLI_READERS_DECOMPRESSOR_H_
 #define KESTAN_CLI_READERS_DECOMPRESSOR_H_

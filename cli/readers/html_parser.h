@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Parses HTML and XML with libxml2.
 #ifndef KESTAN_CLI_READERS_HTML_PARSER_H_
 #define KESTAN_CLI_READERS_HTML_PARSER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Compressed bytes as layers, each of which reads the one below it.
 #ifndef KESTAN_CLI_READERS_LAYER_H_
 #define KESTAN_CLI_READERS_LAYER_H_

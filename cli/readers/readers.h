@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The boundary between the command and `kestan-readers.so`, the module that it loads for the first
 // document that needs ICU or libxml2: a search for plain words starts without them.
 //

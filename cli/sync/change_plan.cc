@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/sync/change_plan.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What is to be done to bring an index up to date, as far as it shows without reading a file.
 #ifndef KESTAN_CLI_SYNC_CHANGE_PLAN_H_
 #define KESTAN_CLI_SYNC_CHANGE_PLAN_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Brings the documents of a mailbox, or of an archive, up to date: one a message, or a member.
 #ifndef KESTAN_CLI_SYNC_CONTAINER_RUN_H_
 #define KESTAN_CLI_SYNC_CONTAINER_RUN_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The change that one run makes to an index.
 #ifndef KESTAN_CLI_SYNC_INDEX_CHANGE_H_
 #define KESTAN_CLI_SYNC_INDEX_CHANGE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Carries out a plan of changes.
 #ifndef KESTAN_CLI_SYNC_INDEX_RUN_H_
 #define KESTAN_CLI_SYNC_INDEX_RUN_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a run of `kestan index` looks at, and how.
 #ifndef KESTAN_CLI_SYNC_INDEX_SCOPE_H_
 #define KESTAN_CLI_SYNC_INDEX_SCOPE_H_

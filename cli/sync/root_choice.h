@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a run is to bring up to date: what the user asks for, put together with what the index
 // remembers.
 #ifndef KESTAN_CLI_SYNC_ROOT_CHOICE_H_

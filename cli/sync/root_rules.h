@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How the files of each root are read.
 #ifndef KESTAN_CLI_SYNC_ROOT_RULES_H_
 #define KESTAN_CLI_SYNC_ROOT_RULES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whether what an index remembers of its roots may be acted upon.
 //
 // An index folder may come from somebody else, who could have it run commands, or gather files for

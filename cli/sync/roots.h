@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The files and folders that an index is kept up to date with, as it remembers them.
 //
 // They are the property "roots" of the index, an object in JSON:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as an archive, a compressed file or an office document: the first byte says as which.
 // What comes out keeps the limits, and its text is UTF-8.
 #include <kestan/search/text.h>

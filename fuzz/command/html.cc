@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as a page. Its text is UTF-8, and hardly longer than the page.
 #include "cli/extract/html/html.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as a mailbox and, after their first byte, as one message. No byte of the mailbox is
 // lost; the texts are UTF-8 without a NUL.
 #include <kestan/search/text.h>

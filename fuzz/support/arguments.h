@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a call of the engine is given, read from a fuzzer's bytes: often what such calls have in
 // common, so that they meet the same records, and now and then anything.
 #ifndef KESTAN_FUZZ_SUPPORT_ARGUMENTS_H_

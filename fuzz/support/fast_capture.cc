@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // GoogleTest captures the standard error stream in a file on the disk, a new one each time. The
 // linker leads the two calls here instead, where memory does.
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Bytes as a file of the search library.
 #ifndef KESTAN_FUZZ_SUPPORT_FILE_COPY_H_
 #define KESTAN_FUZZ_SUPPORT_FILE_COPY_H_

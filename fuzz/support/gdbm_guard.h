@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Guards a target against gdbm's own faults in files that hold any bytes.
 //
 // In a damaged file gdbm may follow an offset out of its memory, walk in a cycle, or make the file

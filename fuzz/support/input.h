@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A fuzzer's bytes, read as what a target needs. Bytes that are missing read as 0.
 #ifndef KESTAN_FUZZ_SUPPORT_INPUT_H_
 #define KESTAN_FUZZ_SUPPORT_INPUT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Runs a target on files instead of a fuzzer's inventions: replay_TARGET FILE-OR-FOLDER...
 // So the seeds, and every input that was a finding once, are tests of every build.
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How a target reports that the library did something wrong, and how what the library prints is
 // kept out of the way: damaged records make it say much.
 #ifndef KESTAN_FUZZ_SUPPORT_REPORTING_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An index file that each execution makes again, and the engine's buffer as in a new process.
 #ifndef KESTAN_FUZZ_SUPPORT_SCRATCH_INDEX_H_
 #define KESTAN_FUZZ_SUPPORT_SCRATCH_INDEX_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "fuzz/support/small_cache.h"
 
 kestan_tests::GdbmInterposer& kestan_tests::ProgramsInterposer() {

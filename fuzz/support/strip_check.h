@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Compares a stripping function with its naive twin, to the last byte of the buffer.
 #ifndef KESTAN_FUZZ_SUPPORT_STRIP_CHECK_H_
 #define KESTAN_FUZZ_SUPPORT_STRIP_CHECK_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How the records of a new gdbm file are spread over buckets.
 #ifndef KESTAN_BUILDING_BUCKET_PLAN_H_
 #define KESTAN_BUILDING_BUCKET_PLAN_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Writes a whole gdbm file without gdbm.
 #ifndef KESTAN_BUILDING_GDBM_WRITER_H_
 #define KESTAN_BUILDING_GDBM_WRITER_H_

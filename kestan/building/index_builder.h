@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A new index file, written in one go.
 #ifndef KESTAN_BUILDING_INDEX_BUILDER_H_
 #define KESTAN_BUILDING_INDEX_BUILDER_H_

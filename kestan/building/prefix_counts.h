@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How many keys of a file have hashes that begin with the same bits.
 #ifndef KESTAN_BUILDING_PREFIX_COUNTS_H_
 #define KESTAN_BUILDING_PREFIX_COUNTS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include <kestan/engine/kestan.h>
 #include <kestan/storage/memory/diagnostics.h>
 #include <kestan/storage/walk/copy_records.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One index file, read without anything that belongs to the process.
 #ifndef KESTAN_ENGINE_INDEX_FILE_H_
 #define KESTAN_ENGINE_INDEX_FILE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The engine: one class, through which a host indexes documents and asks for words.
 #ifndef KESTAN_ENGINE_KESTAN_H_
 #define KESTAN_ENGINE_KESTAN_H_

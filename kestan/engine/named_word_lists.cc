@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include <kestan/engine/named_word_lists.h>
 
 #include <kestan/format/keys.h>

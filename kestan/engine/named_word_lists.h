@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Word lists by name.
 #ifndef KESTAN_ENGINE_NAMED_WORD_LISTS_H_
 #define KESTAN_ENGINE_NAMED_WORD_LISTS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The option flags, which the index file keeps.
 #include <kestan/engine/kestan.h>
 #include <kestan/format/keys.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What queries and an open index answer, as values.
 #ifndef KESTAN_ENGINE_RESULTS_H_
 #define KESTAN_ENGINE_RESULTS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What belongs to the process, whatever engine objects it has.
 #ifndef KESTAN_ENGINE_SHARED_STATE_H_
 #define KESTAN_ENGINE_SHARED_STATE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A title, a summary and a free-form record for each name.
 #ifndef KESTAN_ENGINE_SIDE_RECORDS_H_
 #define KESTAN_ENGINE_SIDE_RECORDS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The two records of a document: by its name, and by its code. docs/index-file.md has the tables.
 #ifndef KESTAN_FORMAT_DOCUMENT_RECORD_H_
 #define KESTAN_FORMAT_DOCUMENT_RECORD_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Records of document codes: the lists of free and of removed codes, and the code counter.
 // docs/index-file.md has the tables.
 #ifndef KESTAN_FORMAT_ID_LIST_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The keys of an index file, and how the engine fetches what they name.
 #ifndef KESTAN_FORMAT_KEYS_H_
 #define KESTAN_FORMAT_KEYS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The option flags of an index: the record "g-opts", four bytes.
 #ifndef KESTAN_FORMAT_OPTION_FLAGS_H_
 #define KESTAN_FORMAT_OPTION_FLAGS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What postings are made of.
 #ifndef KESTAN_FORMAT_POSTING_H_
 #define KESTAN_FORMAT_POSTING_H_

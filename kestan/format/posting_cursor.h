@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reading the bytes of a posting record.
 #ifndef KESTAN_FORMAT_POSTING_CURSOR_H_
 #define KESTAN_FORMAT_POSTING_CURSOR_H_

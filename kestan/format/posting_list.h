@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The posting record of a word: which documents hold it, and where. docs/index-file.md has the
 // table.
 #ifndef KESTAN_FORMAT_POSTING_LIST_H_

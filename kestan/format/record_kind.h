@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The kind of a record, by its key and, where that is not enough, by its value.
 #ifndef KESTAN_FORMAT_RECORD_KIND_H_
 #define KESTAN_FORMAT_RECORD_KIND_H_

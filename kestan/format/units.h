@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The numbers that records are made of: little-endian on every machine. Bytes that a record lacks
 // read as 0, so that no reader leaves a record, whatever the file holds.
 #ifndef KESTAN_FORMAT_UNITS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include <kestan/format/word_list.h>
 
 #include <kestan/text/white_space.h>

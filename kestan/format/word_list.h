@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Word lists, front-coded: each word as one byte 128 + p and then its bytes from the p-th on, where
 // p counts the leading bytes that it shares with the word before.
 #ifndef KESTAN_FORMAT_WORD_LIST_H_

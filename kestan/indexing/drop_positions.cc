@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include <kestan/indexing/drop_positions.h>
 
 #include <kestan/format/keys.h>

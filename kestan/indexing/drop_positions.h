@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Takes the positions out of an index.
 #ifndef KESTAN_INDEXING_DROP_POSITIONS_H_
 #define KESTAN_INDEXING_DROP_POSITIONS_H_

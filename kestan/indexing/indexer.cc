@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include <kestan/indexing/indexer.h>
 
 #include <kestan/format/document_record.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Adding, removing and renaming documents.
 #ifndef KESTAN_INDEXING_INDEXER_H_
 #define KESTAN_INDEXING_INDEXER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Purges short words, whose postings no shrink purges: words of one byte, and words of two bytes
 // that end in '-'.
 #ifndef KESTAN_INDEXING_SHORT_WORDS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reclaiming what removed documents left.
 #ifndef KESTAN_INDEXING_SHRINK_H_
 #define KESTAN_INDEXING_SHRINK_H_

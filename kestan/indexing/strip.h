@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Cleaning text in place before it is indexed. What is written never passes what was read.
 #ifndef KESTAN_INDEXING_STRIP_H_
 #define KESTAN_INDEXING_STRIP_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The words of one document's text with their positions.
 #ifndef KESTAN_INDEXING_TOKENIZER_H_
 #define KESTAN_INDEXING_TOKENIZER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whether the records of an index agree with each other.
 #ifndef KESTAN_MAINTENANCE_CHECK_H_
 #define KESTAN_MAINTENANCE_CHECK_H_

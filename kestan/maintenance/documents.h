@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The documents of an index as they went in: name, side records, and the words back in their order.
 #ifndef KESTAN_MAINTENANCE_DOCUMENTS_H_
 #define KESTAN_MAINTENANCE_DOCUMENTS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An index as lines of text and back again: the same text on every machine, whatever the file
 // around the records looks like there. docs/dump-format.md describes it.
 #ifndef KESTAN_MAINTENANCE_DUMP_H_

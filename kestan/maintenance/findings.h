@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a check or a repair finds, as values.
 #ifndef KESTAN_MAINTENANCE_FINDINGS_H_
 #define KESTAN_MAINTENANCE_FINDINGS_H_

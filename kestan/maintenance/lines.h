@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Text that comes and goes line by line.
 #ifndef KESTAN_MAINTENANCE_LINES_H_
 #define KESTAN_MAINTENANCE_LINES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A new index from what a damaged one still holds.
 #ifndef KESTAN_MAINTENANCE_REPAIR_H_
 #define KESTAN_MAINTENANCE_REPAIR_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What an index holds, in numbers.
 #ifndef KESTAN_MAINTENANCE_STATISTICS_H_
 #define KESTAN_MAINTENANCE_STATISTICS_H_

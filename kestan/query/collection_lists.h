@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Lists of a whole collection: its documents, and its words by how many documents hold them.
 #ifndef KESTAN_QUERY_COLLECTION_LISTS_H_
 #define KESTAN_QUERY_COLLECTION_LISTS_H_

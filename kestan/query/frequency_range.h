@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A range of document frequencies.
 #ifndef KESTAN_QUERY_FREQUENCY_RANGE_H_
 #define KESTAN_QUERY_FREQUENCY_RANGE_H_

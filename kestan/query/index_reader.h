@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What an open index says of its documents and words, as values.
 #ifndef KESTAN_QUERY_INDEX_READER_H_
 #define KESTAN_QUERY_INDEX_READER_H_

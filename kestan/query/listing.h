@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // From a result set to the lines that a host shows.
 #ifndef KESTAN_QUERY_LISTING_H_
 #define KESTAN_QUERY_LISTING_H_

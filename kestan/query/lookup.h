@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // From a word to its result set.
 #ifndef KESTAN_QUERY_LOOKUP_H_
 #define KESTAN_QUERY_LOOKUP_H_

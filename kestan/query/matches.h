@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A result set as values.
 #ifndef KESTAN_QUERY_MATCHES_H_
 #define KESTAN_QUERY_MATCHES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The names of documents by code, side by side in memory.
 #ifndef KESTAN_QUERY_NAME_TABLE_H_
 #define KESTAN_QUERY_NAME_TABLE_H_

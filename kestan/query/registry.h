@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Result sets by their ids.
 #ifndef KESTAN_QUERY_REGISTRY_H_
 #define KESTAN_QUERY_REGISTRY_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Result sets: the documents that matched, each with a score and the positions where it matched.
 #ifndef KESTAN_QUERY_RESULT_SET_H_
 #define KESTAN_QUERY_RESULT_SET_H_

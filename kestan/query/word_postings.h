@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The postings of one word, as a posting record has them.
 #ifndef KESTAN_QUERY_WORD_POSTINGS_H_
 #define KESTAN_QUERY_WORD_POSTINGS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Detects keys that a walk meets twice.
 #ifndef KESTAN_STORAGE_CYCLE_DETECTOR_H_
 #define KESTAN_STORAGE_CYCLE_DETECTOR_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One gdbm file with a write-back cache in front of it.
 #ifndef KESTAN_STORAGE_DATABASE_H_
 #define KESTAN_STORAGE_DATABASE_H_

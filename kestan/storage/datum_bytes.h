@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Datums and views of the same bytes.
 #ifndef KESTAN_STORAGE_DATUM_BYTES_H_
 #define KESTAN_STORAGE_DATUM_BYTES_H_

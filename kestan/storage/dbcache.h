@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The records of one file that have been read or written since the last flush.
 #ifndef KESTAN_STORAGE_DBCACHE_H_
 #define KESTAN_STORAGE_DBCACHE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Byte strings as keys and values of the store, and counted handles to them.
 #ifndef KESTAN_STORAGE_DBDATUM_H_
 #define KESTAN_STORAGE_DBDATUM_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Marks what the shared library shows to a host; everything else stays hidden inside it.
 #ifndef KESTAN_STORAGE_EXPORT_H_
 #define KESTAN_STORAGE_EXPORT_H_

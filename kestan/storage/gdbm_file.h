@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Guards against damaged files that gdbm does not detect.
 #ifndef KESTAN_STORAGE_GDBM_FILE_H_
 #define KESTAN_STORAGE_GDBM_FILE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Hashing of words and keys, for tables of what strangers wrote.
 #ifndef KESTAN_STORAGE_HASH_H_
 #define KESTAN_STORAGE_HASH_H_

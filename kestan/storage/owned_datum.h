@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Datums that live on the heap and are counted.
 #ifndef KESTAN_STORAGE_OWNED_DATUM_H_
 #define KESTAN_STORAGE_OWNED_DATUM_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include <kestan/storage/store_error.h>
 
 #include <kestan/storage/database.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The error numbers of the store.
 #ifndef KESTAN_STORAGE_STORE_ERROR_H_
 #define KESTAN_STORAGE_STORE_ERROR_H_

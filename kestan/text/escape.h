@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Bytes as printable ASCII text.
 #ifndef KESTAN_TEXT_ESCAPE_H_
 #define KESTAN_TEXT_ESCAPE_H_

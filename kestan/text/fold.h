@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Case folding: bit 5 set in every byte, which makes capital ASCII letters lower case (and '@' a
 // '`').
 #ifndef KESTAN_TEXT_FOLD_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include <kestan/text/scratch_text.h>
 
 #include <kestan/storage/memory/memory.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A growable buffer in which text is handed back to the host, and how text is built in it.
 #ifndef KESTAN_TEXT_SCRATCH_TEXT_H_
 #define KESTAN_TEXT_SCRATCH_TEXT_H_

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Kestan, a small full-text search engine.
 
 >>> import kestan

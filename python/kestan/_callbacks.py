@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """What C calls in Python. An exception stops the call that C is in, and comes out of it."""
 
 from __future__ import annotations

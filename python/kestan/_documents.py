@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """What a reader tells of its documents, its words and itself."""
 
 from __future__ import annotations

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Handles of C: when they are freed, and who may use them."""
 
 from __future__ import annotations

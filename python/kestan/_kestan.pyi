@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The extension module, which cffi builds from <kestan/c.h>."""
 
 from typing import Any, Callable, TypeVar

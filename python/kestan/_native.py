@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The extension module, and the type of what it deals in."""
 
 from __future__ import annotations

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Queries that are built by calls."""
 
 from __future__ import annotations

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Whether the files of an index are whole."""
 
 from __future__ import annotations

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Python's values as C takes them, and back."""
 
 from __future__ import annotations

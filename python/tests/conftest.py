@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """What the tests share: small indexes in a folder that each test has for itself."""
 
 from __future__ import annotations

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """kestan.Reader, but for searching"""
 
 from __future__ import annotations

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Open files that close themselves, and the system's calls as this library wants them.
 #ifndef KESTAN_SEARCH_FILES_DESCRIPTOR_H_
 #define KESTAN_SEARCH_FILES_DESCRIPTOR_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The bytes of a file that nobody changes any more.
 #ifndef KESTAN_SEARCH_FILES_FILE_BYTES_H_
 #define KESTAN_SEARCH_FILES_FILE_BYTES_H_

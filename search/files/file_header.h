@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The first bytes of the binary files that stand beside an index file.
 #ifndef KESTAN_SEARCH_FILES_FILE_HEADER_H_
 #define KESTAN_SEARCH_FILES_FILE_HEADER_H_

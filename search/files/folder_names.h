@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Folders, and what they hold.
 #ifndef KESTAN_SEARCH_FILES_FOLDER_NAMES_H_
 #define KESTAN_SEARCH_FILES_FOLDER_NAMES_H_

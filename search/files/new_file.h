@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Making the files of an index.
 #ifndef KESTAN_SEARCH_FILES_NEW_FILE_H_
 #define KESTAN_SEARCH_FILES_NEW_FILE_H_

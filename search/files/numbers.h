@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Numbers as bytes of files, little-endian on every machine, and reading them back without leaving
 // the bytes.
 #ifndef KESTAN_SEARCH_FILES_NUMBERS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A file that is written from its start to its end.
 #ifndef KESTAN_SEARCH_FILES_OUTPUT_FILE_H_
 #define KESTAN_SEARCH_FILES_OUTPUT_FILE_H_

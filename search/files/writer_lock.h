@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The lock that makes a writer the only one.
 #ifndef KESTAN_SEARCH_FILES_WRITER_LOCK_H_
 #define KESTAN_SEARCH_FILES_WRITER_LOCK_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Index files that could have been exchanged.
 #ifndef KESTAN_SEARCH_INDEX_ALIKE_FILES_H_
 #define KESTAN_SEARCH_INDEX_ALIKE_FILES_H_

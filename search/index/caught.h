@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Exceptions end where the library does.
 #ifndef KESTAN_SEARCH_INDEX_CAUGHT_H_
 #define KESTAN_SEARCH_INDEX_CAUGHT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The segments of an index with the changes that are not committed yet.
 #ifndef KESTAN_SEARCH_INDEX_CHANGED_SEGMENTS_H_
 #define KESTAN_SEARCH_INDEX_CHANGED_SEGMENTS_H_

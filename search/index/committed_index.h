@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An index folder in the hands of its writer.
 #ifndef KESTAN_SEARCH_INDEX_COMMITTED_INDEX_H_
 #define KESTAN_SEARCH_INDEX_COMMITTED_INDEX_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The words of documents, back in their order.
 #ifndef KESTAN_SEARCH_INDEX_DOCUMENT_WORDS_H_
 #define KESTAN_SEARCH_INDEX_DOCUMENT_WORDS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Words of a query that no document has.
 #ifndef KESTAN_SEARCH_INDEX_MISSING_WORDS_H_
 #define KESTAN_SEARCH_INDEX_MISSING_WORDS_H_

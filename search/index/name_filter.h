@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which names are surely not in a segment.
 #ifndef KESTAN_SEARCH_INDEX_NAME_FILTER_H_
 #define KESTAN_SEARCH_INDEX_NAME_FILTER_H_

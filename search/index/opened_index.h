@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An index folder that is open for reading.
 #ifndef KESTAN_SEARCH_INDEX_OPENED_INDEX_H_
 #define KESTAN_SEARCH_INDEX_OPENED_INDEX_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Putting a query to a snapshot: what words side by side mean, and what is said about it.
 #ifndef KESTAN_SEARCH_INDEX_QUESTION_H_
 #define KESTAN_SEARCH_INDEX_QUESTION_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What each part of a query finds.
 #ifndef KESTAN_SEARCH_MATCHING_EXPLAIN_H_
 #define KESTAN_SEARCH_MATCHING_EXPLAIN_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which terms of a segment a query without operands stands for.
 #ifndef KESTAN_SEARCH_MATCHING_LEAF_TERMS_H_
 #define KESTAN_SEARCH_MATCHING_LEAF_TERMS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // From a query and a segment to the documents that match.
 #ifndef KESTAN_SEARCH_MATCHING_MATCHER_H_
 #define KESTAN_SEARCH_MATCHING_MATCHER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The ways to read a query in a snapshot.
 #ifndef KESTAN_SEARCH_MATCHING_READING_H_
 #define KESTAN_SEARCH_MATCHING_READING_H_

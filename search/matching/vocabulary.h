@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The terms of all segments of a snapshot as one vocabulary.
 #ifndef KESTAN_SEARCH_MATCHING_VOCABULARY_H_
 #define KESTAN_SEARCH_MATCHING_VOCABULARY_H_

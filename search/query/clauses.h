@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The parts of a query that are looked at one by one.
 #ifndef KESTAN_SEARCH_QUERY_CLAUSES_H_
 #define KESTAN_SEARCH_QUERY_CLAUSES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Equal queries among many.
 #ifndef KESTAN_SEARCH_QUERY_DISTINCT_H_
 #define KESTAN_SEARCH_QUERY_DISTINCT_H_

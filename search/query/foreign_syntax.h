@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What people write in queries because another tool reads it.
 #ifndef KESTAN_SEARCH_QUERY_FOREIGN_SYNTAX_H_
 #define KESTAN_SEARCH_QUERY_FOREIGN_SYNTAX_H_

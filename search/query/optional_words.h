@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Words of a query that documents need not hold.
 #ifndef KESTAN_SEARCH_QUERY_OPTIONAL_WORDS_H_
 #define KESTAN_SEARCH_QUERY_OPTIONAL_WORDS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Queries as trees.
 #ifndef KESTAN_SEARCH_QUERY_QUERY_H_
 #define KESTAN_SEARCH_QUERY_QUERY_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The query language: from text to a query.
 #ifndef KESTAN_SEARCH_QUERY_QUERY_PARSER_H_
 #define KESTAN_SEARCH_QUERY_QUERY_PARSER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Prints queries.
 #ifndef KESTAN_SEARCH_QUERY_QUERY_PRINTER_H_
 #define KESTAN_SEARCH_QUERY_QUERY_PRINTER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Cuts the text of a query into tokens, which the parser reads without errors.
 #ifndef KESTAN_SEARCH_QUERY_QUERY_TOKENS_H_
 #define KESTAN_SEARCH_QUERY_QUERY_TOKENS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // From a token of a query to its words.
 #ifndef KESTAN_SEARCH_QUERY_QUERY_WORDS_H_
 #define KESTAN_SEARCH_QUERY_QUERY_WORDS_H_

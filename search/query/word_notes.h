@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Notes on words of a query that do not decide what is found.
 #ifndef KESTAN_SEARCH_QUERY_WORD_NOTES_H_
 #define KESTAN_SEARCH_QUERY_WORD_NOTES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // BM25: how much a term that occurs in a document says about the relevance of the document.
 #ifndef KESTAN_SEARCH_RANKING_BM25_H_
 #define KESTAN_SEARCH_RANKING_BM25_H_

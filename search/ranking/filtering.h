@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which of the documents that match a query the host wants to have.
 #ifndef KESTAN_SEARCH_RANKING_FILTERING_H_
 #define KESTAN_SEARCH_RANKING_FILTERING_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Tasks on several threads.
 #ifndef KESTAN_SEARCH_RANKING_PARALLEL_H_
 #define KESTAN_SEARCH_RANKING_PARALLEL_H_

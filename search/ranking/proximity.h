@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How near words of a query stand to each other in a document.
 #ifndef KESTAN_SEARCH_RANKING_PROXIMITY_H_
 #define KESTAN_SEARCH_RANKING_PROXIMITY_H_

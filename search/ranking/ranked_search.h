@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The best documents of a snapshot for a query.
 #ifndef KESTAN_SEARCH_RANKING_RANKED_SEARCH_H_
 #define KESTAN_SEARCH_RANKING_RANKED_SEARCH_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "search/ranking/score_order.h"
 
 #include <algorithm>

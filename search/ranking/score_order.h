@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Sorting documents by their scores.
 #ifndef KESTAN_SEARCH_RANKING_SCORE_ORDER_H_
 #define KESTAN_SEARCH_RANKING_SCORE_ORDER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Scores of the documents of one segment.
 #ifndef KESTAN_SEARCH_RANKING_SCORER_H_
 #define KESTAN_SEARCH_RANKING_SCORER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The best documents of many.
 #ifndef KESTAN_SEARCH_RANKING_TOP_DOCUMENTS_H_
 #define KESTAN_SEARCH_RANKING_TOP_DOCUMENTS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What stands beside the index file of a segment, made again from it.
 #ifndef KESTAN_SEARCH_SEGMENT_DERIVED_FILES_H_
 #define KESTAN_SEARCH_SEGMENT_DERIVED_FILES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The documents of a segment: all that ranking and listing need of them, without opening the
 // segment itself. docs/index-folder.md has every byte.
 #ifndef KESTAN_SEARCH_SEGMENT_DOCUMENT_TABLE_H_

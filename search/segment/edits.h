@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What has changed in a segment since it was written: removed and renamed documents, new titles.
 // docs/index-folder.md has every byte.
 #ifndef KESTAN_SEARCH_SEGMENT_EDITS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "search/segment/plain_index.h"
 
 #include <kestan/index_builder.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An index file that nothing is beside: one that class Kestan has made.
 #ifndef KESTAN_SEARCH_SEGMENT_PLAIN_INDEX_H_
 #define KESTAN_SEARCH_SEGMENT_PLAIN_INDEX_H_

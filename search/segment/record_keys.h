@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The keys of an index file that are none of words.
 #ifndef KESTAN_SEARCH_SEGMENT_RECORD_KEYS_H_
 #define KESTAN_SEARCH_SEGMENT_RECORD_KEYS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A segment that is open for reading.
 #ifndef KESTAN_SEARCH_SEGMENT_SEGMENT_H_
 #define KESTAN_SEARCH_SEGMENT_SEGMENT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What MANIFEST says of a segment.
 #ifndef KESTAN_SEARCH_SEGMENT_SEGMENT_INFO_H_
 #define KESTAN_SEARCH_SEGMENT_SEGMENT_INFO_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Writing a segment: the index file and what is derived from it.
 #ifndef KESTAN_SEARCH_SEGMENT_SEGMENT_WRITER_H_
 #define KESTAN_SEARCH_SEGMENT_SEGMENT_WRITER_H_

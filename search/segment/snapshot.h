@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The segments of one state of an index.
 #ifndef KESTAN_SEARCH_SEGMENT_SNAPSHOT_H_
 #define KESTAN_SEARCH_SEGMENT_SNAPSHOT_H_

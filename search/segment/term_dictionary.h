@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The terms of a segment in order of their bytes, and where their posting records lie.
 // docs/index-folder.md has every byte.
 #ifndef KESTAN_SEARCH_SEGMENT_TERM_DICTIONARY_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Building the fragments of a snippet.
 #ifndef KESTAN_SEARCH_SNIPPET_FRAGMENTS_H_
 #define KESTAN_SEARCH_SNIPPET_FRAGMENTS_H_

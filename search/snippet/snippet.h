@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Cuts the part out of a text that shows best why a query matches.
 #ifndef KESTAN_SEARCH_SNIPPET_SNIPPET_H_
 #define KESTAN_SEARCH_SNIPPET_SNIPPET_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where the terms of a query are in a text.
 #ifndef KESTAN_SEARCH_SNIPPET_TERM_MATCHES_H_
 #define KESTAN_SEARCH_SNIPPET_TERM_MATCHES_H_

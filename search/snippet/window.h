@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which part of a text shows best why a query matches.
 #ifndef KESTAN_SEARCH_SNIPPET_WINDOW_H_
 #define KESTAN_SEARCH_SNIPPET_WINDOW_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // ICU, loaded when a text first needs it.
 #ifndef KESTAN_SEARCH_TEXT_ICU_H_
 #define KESTAN_SEARCH_TEXT_ICU_H_

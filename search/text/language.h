@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The languages whose word forms are known.
 #ifndef KESTAN_SEARCH_TEXT_LANGUAGE_H_
 #define KESTAN_SEARCH_TEXT_LANGUAGE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // ASCII letters and their case. Words are indexed in ASCII letters only.
 #ifndef KESTAN_SEARCH_TEXT_LETTERS_H_
 #define KESTAN_SEARCH_TEXT_LETTERS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Keeps what runs of text were turned into, for texts that repeat them.
 #ifndef KESTAN_SEARCH_TEXT_RUN_CACHE_H_
 #define KESTAN_SEARCH_TEXT_RUN_CACHE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // libstemmer, loaded when word forms are first asked for.
 #ifndef KESTAN_SEARCH_TEXT_STEMMER_LIBRARY_H_
 #define KESTAN_SEARCH_TEXT_STEMMER_LIBRARY_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "search/text/stop_words.h"
 
 #include <kestan/search/text.h>

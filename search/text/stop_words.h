@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Words of questions that say nothing of what is asked for. <kestan/search/text.h> has the list of
 // the common ones.
 #ifndef KESTAN_SEARCH_TEXT_STOP_WORDS_H_

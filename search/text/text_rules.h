@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // By which rules the words of an index were made of text.
 #ifndef KESTAN_SEARCH_TEXT_TEXT_RULES_H_
 #define KESTAN_SEARCH_TEXT_TEXT_RULES_H_

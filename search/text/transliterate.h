@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Writing any script in ASCII letters, so that words with accents are found without them.
 #ifndef KESTAN_SEARCH_TEXT_TRANSLITERATE_H_
 #define KESTAN_SEARCH_TEXT_TRANSLITERATE_H_

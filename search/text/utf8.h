@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The characters of UTF-8 text, one by one, beside what <kestan/search/text.h> has of them.
 #ifndef KESTAN_SEARCH_TEXT_UTF8_H_
 #define KESTAN_SEARCH_TEXT_UTF8_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The white space and the control characters of ASCII.
 #ifndef KESTAN_SEARCH_TEXT_WHITE_SPACE_H_
 #define KESTAN_SEARCH_TEXT_WHITE_SPACE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include <kestan/checksum.h>
 #include <kestan/index_file.h>
 #include <kestan/maintenance.h>

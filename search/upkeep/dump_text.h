@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The words of the dump of a folder. docs/dump-format.md shows one.
 #ifndef KESTAN_SEARCH_UPKEEP_DUMP_TEXT_H_
 #define KESTAN_SEARCH_UPKEEP_DUMP_TEXT_H_

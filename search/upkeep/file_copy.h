@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Making files of known bytes, with their checksums.
 #ifndef KESTAN_SEARCH_UPKEEP_FILE_COPY_H_
 #define KESTAN_SEARCH_UPKEEP_FILE_COPY_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An index folder from its dump.
 #ifndef KESTAN_SEARCH_UPKEEP_FOLDER_LOADER_H_
 #define KESTAN_SEARCH_UPKEEP_FOLDER_LOADER_H_

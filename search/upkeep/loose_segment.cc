@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "search/upkeep/loose_segment.h"
 
 #include "search/files/numbers.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Segments whose index files gdbm has written.
 #ifndef KESTAN_SEARCH_UPKEEP_LOOSE_SEGMENT_H_
 #define KESTAN_SEARCH_UPKEEP_LOOSE_SEGMENT_H_

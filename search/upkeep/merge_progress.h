@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The progress of merging, as the host hears of it.
 #ifndef KESTAN_SEARCH_UPKEEP_MERGE_PROGRESS_H_
 #define KESTAN_SEARCH_UPKEEP_MERGE_PROGRESS_H_

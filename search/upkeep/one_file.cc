@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include <kestan/index_builder.h>
 #include <kestan/search/convert.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Who may read and change an index.
 #ifndef KESTAN_SEARCH_UPKEEP_RIGHTS_H_
 #define KESTAN_SEARCH_UPKEEP_RIGHTS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A folder in which an index comes to be.
 #ifndef KESTAN_SEARCH_UPKEEP_STAGING_FOLDER_H_
 #define KESTAN_SEARCH_UPKEEP_STAGING_FOLDER_H_

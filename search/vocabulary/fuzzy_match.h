@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Words of an index that resemble a given one, and which of them are the closest.
 #ifndef KESTAN_SEARCH_VOCABULARY_FUZZY_MATCH_H_
 #define KESTAN_SEARCH_VOCABULARY_FUZZY_MATCH_H_

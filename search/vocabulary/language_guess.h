@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The language of a text, guessed from its most frequent words.
 #ifndef KESTAN_SEARCH_VOCABULARY_LANGUAGE_GUESS_H_
 #define KESTAN_SEARCH_VOCABULARY_LANGUAGE_GUESS_H_

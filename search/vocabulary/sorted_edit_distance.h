@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How far many words in order are from one.
 #ifndef KESTAN_SEARCH_VOCABULARY_SORTED_EDIT_DISTANCE_H_
 #define KESTAN_SEARCH_VOCABULARY_SORTED_EDIT_DISTANCE_H_

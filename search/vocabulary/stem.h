@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The stems of words, by which a question finds what is said in other forms of its words.
 #ifndef KESTAN_SEARCH_VOCABULARY_STEM_H_
 #define KESTAN_SEARCH_VOCABULARY_STEM_H_

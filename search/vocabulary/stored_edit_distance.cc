@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "search/vocabulary/stored_edit_distance.h"
 
 #include "search/text/analyzer/word_encoding.h"

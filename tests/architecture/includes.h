@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the sources include of each other, and what is wrong with that.
 #ifndef KESTAN_TESTS_ARCHITECTURE_INCLUDES_H_
 #define KESTAN_TESTS_ARCHITECTURE_INCLUDES_H_

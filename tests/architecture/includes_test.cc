@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The floors of docs/architecture.md: includes fall, nothing goes round, and no directory is
 // crowded.
 #include "tests/architecture/includes.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What becomes of a file when the system refuses a call, and of one that is very large. The
 // library's calls of pwrite64, pread64 and close come here.
 #include <kestan/building/gdbm_writer.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Files that gdbm has not written, read and changed by gdbm.
 #include <kestan/building/gdbm_writer.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The same documents through class Kestan and through IndexBuilder make the same records, byte for
 // byte, and indexes that answer and grow alike. More and larger collections:
 //   RC_PARAMS="max_success=2000 max_size=300" building_tests

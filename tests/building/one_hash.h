@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Keys that gdbm gives one hash.
 #ifndef KESTAN_TESTS_BUILDING_ONE_HASH_H_
 #define KESTAN_TESTS_BUILDING_ONE_HASH_H_

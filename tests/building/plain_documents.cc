@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/building/plain_documents.h"
 
 #include <kestan/format/document_record.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Documents that go into an index by two ways: class Kestan and IndexBuilder.
 #ifndef KESTAN_TESTS_BUILDING_PLAIN_DOCUMENTS_H_
 #define KESTAN_TESTS_BUILDING_PLAIN_DOCUMENTS_H_

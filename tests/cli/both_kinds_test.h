@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reading commands, each on an index folder and on an index file of class Kestan.
 #ifndef KESTAN_TESTS_CLI_BOTH_KINDS_TEST_H_
 #define KESTAN_TESTS_CLI_BOTH_KINDS_TEST_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Running the command as a user does, and looking at everything that comes back.
 #ifndef KESTAN_TESTS_CLI_COMMAND_TEST_H_
 #define KESTAN_TESTS_CLI_COMMAND_TEST_H_

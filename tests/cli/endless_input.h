@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Commands whose standard input does not end.
 #ifndef KESTAN_TESTS_CLI_ENDLESS_INPUT_H_
 #define KESTAN_TESTS_CLI_ENDLESS_INPUT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Looking into index folders through the library, whatever the command makes of them.
 #ifndef KESTAN_TESTS_CLI_INDEX_FOLDER_H_
 #define KESTAN_TESTS_CLI_INDEX_FOLDER_H_

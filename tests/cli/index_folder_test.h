@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Index folders that the tests of commands work on.
 #ifndef KESTAN_TESTS_CLI_INDEX_FOLDER_TEST_H_
 #define KESTAN_TESTS_CLI_INDEX_FOLDER_TEST_H_

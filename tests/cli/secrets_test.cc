@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the command writes and prints does not depend on the secret of its hash tables.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Stopping the command at the system calls that it makes.
 #ifndef KESTAN_TESTS_CLI_TRACED_COMMAND_H_
 #define KESTAN_TESTS_CLI_TRACED_COMMAND_H_

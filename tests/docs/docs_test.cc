@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The pages for newcomers say what the library does.
 #include <sstream>
 #include <string>

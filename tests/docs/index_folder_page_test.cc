@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The page of the index folder shows the bytes that the search library writes.
 #include <gtest/gtest.h>
 

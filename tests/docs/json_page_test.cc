@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The page on JSON names the fields that the commands print, and no others.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Every example of the pages for users does what it shows.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An index that is filled with documents to its last code, emptied, shrunk, and filled again.
 #include <algorithm>
 

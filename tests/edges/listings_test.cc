@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Listings that double the scratch buffer again and again.
 #include <algorithm>
 #include <functional>

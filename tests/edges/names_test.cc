@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Names of documents that are long or hold unusual bytes, through the whole life of a document.
 #include <ostream>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Every chain of eight operators, each step of which the model answers alike.
 #include <rapidcheck.h>
 

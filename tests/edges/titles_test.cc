@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Titles around multiples of 4096 bytes, read into scratch buffers that are smaller, just as large,
 // and larger.
 #include "tests/support/index_test.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Words and texts of unusual lengths, through their whole life in an index.
 #include "tests/query/query_test.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Copying an index while it is open.
 #include "tests/support/gdbm_calls.h"
 #include "tests/support/index_test.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the engine holds of the store's records when a method has returned: the list of reusable
 // codes, and nothing else. A record that it held would stay in memory, and once changed it would be
 // written by every flush.

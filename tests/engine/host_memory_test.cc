@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The allocation that hosts may use too.
 #include <gtest/gtest.h>
 #include <kestan/kestan.h>

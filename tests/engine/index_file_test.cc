@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Index files that are read without an engine.
 #include <kestan/index_file.h>
 #include <kestan/storage/store_error.h>

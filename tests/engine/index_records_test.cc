@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The index's own records as they lie in the file after documents were added.
 #include <ctime>
 #include <string>

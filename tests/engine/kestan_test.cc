@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The public class as hosts see it: what it accepts, what it refuses, and how it begins and ends.
 #include <gtest/gtest.h>
 #include <kestan/kestan.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Named word lists: what is stored, what comes back, and the size that the scratch buffer takes.
 #include <clocale>
 #include <string>

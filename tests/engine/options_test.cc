@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The option flags, and what flag 1 does to the words' records.
 #include <climits>
 

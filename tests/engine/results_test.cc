@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Results as values, beside the text of QueryResults.
 #include <kestan/results.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Titles, summaries and user records, and the size that the scratch buffer takes for them.
 #include <ostream>
 #include <string>

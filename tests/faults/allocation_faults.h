@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Stands between a test program and its memory: every malloc, calloc, realloc and aligned
 // allocation of the process comes through here, those of shared libraries too, and can be made to
 // fail.

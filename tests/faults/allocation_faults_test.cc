@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // No memory, at each allocation of a session in turn: once, and from there on.
 //
 // An allocation of the engine's ends the process with one line and ENOMEM; one of gdbm's comes back

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A session in a process of its own, in which an allocation fails.
 #ifndef KESTAN_TESTS_FAULTS_ALLOCATION_TRIAL_H_
 #define KESTAN_TESTS_FAULTS_ALLOCATION_TRIAL_H_

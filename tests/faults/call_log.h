@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The system calls that a child makes, in memory that it shares with its parent.
 #ifndef KESTAN_TESTS_FAULTS_CALL_LOG_H_
 #define KESTAN_TESTS_FAULTS_CALL_LOG_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A process of its own for something that may end it.
 #ifndef KESTAN_TESTS_FAULTS_CHILD_H_
 #define KESTAN_TESTS_FAULTS_CHILD_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The disk fills up during the session. At every step it gets at most 600 bytes more space, until
 // the session succeeds: once as a limit on the size of each file, and once as a disk that takes so
 // many bytes of growth, then a part of a write, and then nothing.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The errors that each function of gdbm may report.
 #ifndef KESTAN_TESTS_FAULTS_GDBM_FAULT_ERRORS_H_
 #define KESTAN_TESTS_FAULTS_GDBM_FAULT_ERRORS_H_

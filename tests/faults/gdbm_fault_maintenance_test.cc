@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Each gdbm call of a session that looks after index files fails: once, and from there on. What is
 // reported as done is done whole, whatever failed.
 #include <gdbm.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the engine may say when gdbm fails.
 #ifndef KESTAN_TESTS_FAULTS_GDBM_FAULT_MESSAGES_H_
 #define KESTAN_TESTS_FAULTS_GDBM_FAULT_MESSAGES_H_

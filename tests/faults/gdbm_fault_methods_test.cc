@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What each method of the engine returns and prints when a gdbm call of its own fails, for every
 // error that the call may report.
 #include <gdbm.h>

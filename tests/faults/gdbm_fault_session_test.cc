@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Each gdbm call of a session fails: once, and from there on.
 //
 // By default a call fails with the likeliest of its errors. With every error that it may report,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // For programs in which system calls fail under gdbm.
 
 // gdbm 1.23 does not free everything when it fails to open a file. The leak check of the sanitised

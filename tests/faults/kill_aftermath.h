@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What is left of an index after something ended badly.
 #ifndef KESTAN_TESTS_FAULTS_KILL_AFTERMATH_H_
 #define KESTAN_TESTS_FAULTS_KILL_AFTERMATH_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A longer session with an index that keeps what it has flushed, to be killed anywhere.
 #ifndef KESTAN_TESTS_FAULTS_KILL_SESSION_H_
 #define KESTAN_TESTS_FAULTS_KILL_SESSION_H_

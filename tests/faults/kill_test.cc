@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A process is killed while it works with an index. What it leaves must open, or fail to open with
 // an error.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // No memory for gdbm, at each of its allocations in a session with an index of many buckets: no
 // document that was there before loses a word.
 #include <gtest/gtest.h>

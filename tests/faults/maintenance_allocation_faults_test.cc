@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // No memory, at each allocation of a session that looks after index files: once, and from there on.
 //
 // An allocation of the library's ends the process as it does in the engine. One of gdbm's comes

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A session that looks after index files: one is checked, measured, read document by document and
 // dumped, its dump is loaded, and a damaged one is repaired. The tests here make something fail in
 // it at each point in turn.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A session with an index that calls every public method of the engine. The tests here make
 // something fail in it, or end its process, at each point in turn.
 #ifndef KESTAN_TESTS_FAULTS_SESSION_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Memory that a child process writes and its parent reads.
 #ifndef KESTAN_TESTS_FAULTS_SHARED_H_
 #define KESTAN_TESTS_FAULTS_SHARED_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What grows by more than it needs, so that it need not grow often, does with what it needs where
 // there is no memory for more.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the functions that stand in for the C library's have in common.
 #ifndef KESTAN_TESTS_FAULTS_STAND_IN_H_
 #define KESTAN_TESTS_FAULTS_STAND_IN_H_

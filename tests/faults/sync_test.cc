@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a flush waits for. Nothing is written through a mapping while a file grows, so a flush must
 // sync the file itself: a mapping that was left behind covers only what the file was once.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The session under a watch of its system calls, and what it may print.
 #ifndef KESTAN_TESTS_FAULTS_SYSTEM_CALL_SESSION_H_
 #define KESTAN_TESTS_FAULTS_SYSTEM_CALL_SESSION_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The functions of the C library that libgdbm calls for its files. libgdbm finds these first,
 // because they are the program's own; each asks the watch and then calls the next one. A
 // 32-bit libgdbm calls the names that end in 64, which take 64-bit offsets.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Each system call that gdbm makes for the files of the session fails, once or from then on, or
 // moves half of its bytes. The session must end as the engine promises, with every descriptor
 // closed, and what it leaves must open, or fail to open with an error.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A witness of the system calls for the files of one folder. A program that links it in defines the
 // functions of the C library that libgdbm calls, so that gdbm's calls pass through it on their way
 // to the system: they can be counted, made to fail, cut short, or be the last of their process.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Posting records, read by a plain twin of the library's reader: units in a row, no more.
 #ifndef KESTAN_TESTS_FORMAT_PLAIN_POSTINGS_H_
 #define KESTAN_TESTS_FORMAT_PLAIN_POSTINGS_H_

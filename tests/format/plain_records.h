@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the tests of record layouts share: plain twins of the readers, and damaged records.
 #ifndef KESTAN_TESTS_FORMAT_PLAIN_RECORDS_H_
 #define KESTAN_TESTS_FORMAT_PLAIN_RECORDS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reading the postings of a record. It meets every truncation of a good record and every changed
 // byte, in memory that ends with the record.
 #include <kestan/format/posting_cursor.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reading, adding and purging postings, and dropping positions. Each reader meets every truncation
 // of a good record and every changed byte, in memory that ends with the record.
 #include <kestan/format/posting_list.h>

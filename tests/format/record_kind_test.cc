@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a record is, by its key and its value.
 #include <kestan/format/record_kind.h>
 

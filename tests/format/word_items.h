@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Word lists as they are stored, built word by word.
 #ifndef KESTAN_TESTS_FORMAT_WORD_ITEMS_H_
 #define KESTAN_TESTS_FORMAT_WORD_ITEMS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The encoding of word lists by itself, against a plain reading of every damaged record.
 #include <kestan/format/word_list.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A good index file, and ways in which a disk or another program can damage it.
 #ifndef KESTAN_TESTS_HOSTILE_FILE_DAMAGE_H_
 #define KESTAN_TESTS_HOSTILE_FILE_DAMAGE_H_

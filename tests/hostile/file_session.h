@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a host does with an index file, damaged or not, in a child process that has little time and
 // little space.
 #ifndef KESTAN_TESTS_HOSTILE_FILE_SESSION_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Shows one process which gdbm function another process is in.
 #ifndef KESTAN_TESTS_HOSTILE_GDBM_ACTIVITY_H_
 #define KESTAN_TESTS_HOSTILE_GDBM_ACTIVITY_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A host outlives every damaged index file: it may be refused or read nonsense, but it is not ended
 // by a signal, ends in time, and takes no more memory than the file can account for.
 //

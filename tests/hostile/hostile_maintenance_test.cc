@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Checking, dumping, counting and repairing outlive every damaged file too: no signal, an end in
 // time, and no more memory than the file can account for, however large it is and whatever it was
 // made for.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Every kind of record, damaged in every way, is read by every method as the model reads it: bytes
 // that are missing are 0, and a count reaches no further than its record.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Ways in which a record can be damaged.
 #ifndef KESTAN_TESTS_HOSTILE_RECORD_DAMAGE_H_
 #define KESTAN_TESTS_HOSTILE_RECORD_DAMAGE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Calls that read every kind of record, made to the engine and to the model alike.
 #ifndef KESTAN_TESTS_HOSTILE_RECORD_SCRIPTS_H_
 #define KESTAN_TESTS_HOSTILE_RECORD_SCRIPTS_H_

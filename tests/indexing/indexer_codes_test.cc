@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Kestan::AddDocumentWords of kestan/indexing/indexer.cc: which code a new document gets.
 #include "tests/indexing/planting.h"
 

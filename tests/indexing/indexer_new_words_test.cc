@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Kestan::AddDocumentWords of kestan/indexing/indexer.cc: the list of new words and its buffer.
 #include "tests/indexing/planting.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Removing and moving documents, and their timestamps, of kestan/indexing/indexer.cc.
 #include <ctime>
 

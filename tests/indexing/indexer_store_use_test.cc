@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the calls of kestan/indexing/ cost in the file, and what they write at once.
 #include <algorithm>
 #include <climits>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Kestan::AddDocumentWords of kestan/indexing/indexer.cc: postings, positions and records.
 #include <ctime>
 

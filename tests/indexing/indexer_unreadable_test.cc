@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Records that are there but cannot be read: nothing may be put in their place.
 #include <gdbm.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Records built from what they mean, and texts of many words, for the tests of indexing and
 // query.
 #ifndef KESTAN_TESTS_INDEXING_PLANTING_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Kestan::ShrinkIndex of kestan/indexing/shrink.cc, in an index whose records are damaged.
 #include <algorithm>
 

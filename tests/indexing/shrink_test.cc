@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Kestan::ShrinkIndex of kestan/indexing/shrink.cc: what it purges, keeps and gives back.
 #include "tests/indexing/planting.h"
 

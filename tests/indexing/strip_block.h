@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A text in a buffer of exactly the promised size, for the tests of the stripping functions.
 #ifndef KESTAN_TESTS_INDEXING_STRIP_BLOCK_H_
 #define KESTAN_TESTS_INDEXING_STRIP_BLOCK_H_

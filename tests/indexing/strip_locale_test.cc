@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The stripping functions of kestan/indexing/strip.cc in a locale that has more letters.
 #include <kestan/kestan.h>
 #include <strings.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Kestan::StripNonWords of kestan/indexing/strip.cc.
 #include <kestan/kestan.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The table of a document's words against a plain map.
 #include <kestan/indexing/tokenizer.h>
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Installs a build into a folder of its own and builds the example hosts against it: with CMake's
 # find_package and with pkg-config, each with the shared and with the static library. Every host must
 # print the same lines. An installed command must start without the libraries of its module, and read a

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Records of any length and content: a check reads no byte outside them and says what it finds in
 // lines that are lines, and the statistics count every record. With sanitizers, this is where a
 // read outside shows.

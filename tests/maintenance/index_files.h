@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Index files for tests that damage them, and a map of what lies where in one.
 #ifndef KESTAN_TESTS_MAINTENANCE_INDEX_FILES_H_
 #define KESTAN_TESTS_MAINTENANCE_INDEX_FILES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the tests of the maintenance parts share: a small valid index to damage, and what a check
 // says.
 #ifndef KESTAN_TESTS_MAINTENANCE_MAINTENANCE_TEST_H_

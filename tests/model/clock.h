@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A clock that stands still until it is set, so that timestamps can be compared byte for byte.
 #ifndef KESTAN_TESTS_MODEL_CLOCK_H_
 #define KESTAN_TESTS_MODEL_CLOCK_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The engine reads damaged records as the model does: what is missing is 0, a count reaches no
 // further than its record. RC_PARAMS="max_success=5000" runs longer.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The engine does what the model does, whatever the order in which a host calls it.
 //
 // Each property runs 100 random scripts. For more of them, and longer ones:

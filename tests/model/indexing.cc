@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/model/model.h"
 #include "tests/model/units.h"
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # The naive model as a library, for all who compare the engine with it.
 if(TARGET kestan_model)
   return()

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A second, naive statement of what the engine does, to be compared with it: maps, strings and
 // loops, with no thought of speed and nothing taken from the library.
 #ifndef KESTAN_TESTS_MODEL_MODEL_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a host can do, as values that RapidCheck makes up, shrinks and prints.
 #ifndef KESTAN_TESTS_MODEL_OPERATIONS_H_
 #define KESTAN_TESTS_MODEL_OPERATIONS_H_

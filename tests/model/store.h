@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The files and the write-back cache, as far as anything of them shows.
 #ifndef KESTAN_TESTS_MODEL_STORE_H_
 #define KESTAN_TESTS_MODEL_STORE_H_

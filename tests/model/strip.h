@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The three functions that clean text, written a second time: each takes a whole text and returns a
 // whole text.
 #ifndef KESTAN_TESTS_MODEL_STRIP_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The stripping functions do what their second telling does, to the last byte of the buffer.
 // RC_PARAMS="max_success=100000" runs longer.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How the model reads and writes the numbers of a record: little-endian units of 16 bits, where
 // bytes that are not there count as 0.
 #ifndef KESTAN_TESTS_MODEL_UNITS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Word lists: stored bytes and what is read back. RC_PARAMS="max_success=5000" runs longer.
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One case of a property: the engine and the model side by side, on files of their own.
 #ifndef KESTAN_TESTS_MODEL_WORLD_H_
 #define KESTAN_TESTS_MODEL_WORLD_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Kestan::CommonWords of kestan/query/collection_lists.cc.
 #include <cmath>
 #include <limits>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How often the walk of kestan/query/collection_lists.cc flushes the store, and what it holds
 // meanwhile: a changed record that somebody holds is written by every flush.
 #include "tests/query/query_test.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The walk of Kestan::ListDocuments and Kestan::CommonWords in
 // kestan/query/collection_lists.cc: its order and the buffer it writes.
 #include <algorithm>

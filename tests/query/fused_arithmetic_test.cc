@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The bounds of CommonWords where the processor multiplies and adds in one step. This program has
 // kestan/query/collection_lists.cc compiled for such a processor, with the options of the library.
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a reader says of the index that an engine has open.
 #include <kestan/query/index_reader.h>
 

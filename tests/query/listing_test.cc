@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Kestan::QueryResults of kestan/query/listing.cc.
 #include <algorithm>
 

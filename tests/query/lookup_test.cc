@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Kestan::QueryWord of kestan/query/lookup.cc.
 #include "tests/query/query_test.h"
 

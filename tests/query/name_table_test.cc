@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Listings show names as they are now, whatever an earlier listing has shown.
 #include <kestan/query/name_table.h>
 

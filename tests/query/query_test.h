@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the tests of queries share: result sets from posting records written in the test, and a look
 // at what lies in a result set.
 #ifndef KESTAN_TESTS_QUERY_QUERY_TEST_H_

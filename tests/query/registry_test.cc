@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Result ids and what they keep alive, of kestan/query/registry.h.
 #include <unistd.h>
 

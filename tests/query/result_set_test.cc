@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A result set by itself: order, documents with one code, and its view.
 #include <kestan/query/result_set.h>
 

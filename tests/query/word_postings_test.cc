@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The postings of one word as a view of their record.
 #include <kestan/query/word_postings.h>
 

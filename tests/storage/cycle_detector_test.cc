@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // When a walk is known to have met a key before.
 #include <kestan/storage/cycle_detector.h>
 

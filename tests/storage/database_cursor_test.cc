@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Walking the keys of the file.
 #include <algorithm>
 #include <array>

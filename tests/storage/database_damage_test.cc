@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Damaged files that gdbm itself would come to grief on.
 #include <gdbm.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How a host learns that a record was not read or did not reach the file.
 #include "tests/storage/database_test.h"
 

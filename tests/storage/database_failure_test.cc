@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The store without a file, and what errors are called.
 #include "tests/storage/database_test.h"
 

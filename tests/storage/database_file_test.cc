@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Opening and closing files, one after the other and side by side.
 #include <sys/stat.h>
 

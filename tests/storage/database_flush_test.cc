@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a flush writes and drops, and the operations that flush.
 #include "tests/storage/database_test.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How the store uses the space that records leave free in its file.
 #include <map>
 #include <string>

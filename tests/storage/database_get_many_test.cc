@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Fetching many values at once.
 #include "tests/storage/database_test.h"
 

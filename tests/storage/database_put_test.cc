@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Storing and deleting records: at once in the file, and what the cache holds afterwards.
 #include <climits>
 

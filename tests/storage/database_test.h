@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the tests of the store share.
 #ifndef KESTAN_TESTS_STORAGE_DATABASE_TEST_H_
 #define KESTAN_TESTS_STORAGE_DATABASE_TEST_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A walk over a healthy file ends only where gdbm's own walk does, whatever happens between its
 // steps.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The hashed cache against a plain ordered map.
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>

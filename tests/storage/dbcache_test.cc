@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The cache by itself, without a file.
 #include <kestan/storage/dbcache.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Handles: who is counted, and when a datum goes. A sanitized build also sees a datum that goes
 // twice, too early or never.
 #include <gtest/gtest.h>

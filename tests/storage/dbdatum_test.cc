@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Datums as byte strings: their ordering code, order and equality.
 #include <kestan/storage/dbdatum.h>
 

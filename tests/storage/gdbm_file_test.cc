@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What an open gdbm file and its name show, and which damage is detected beside gdbm.
 #include <kestan/storage/gdbm_file.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Datums that the library makes itself.
 #include <kestan/storage/owned_datum.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The error numbers that hosts see are those of the gdbm that the library is built with.
 #include <kestan/storage/store_error.h>
 

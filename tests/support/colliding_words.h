@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Words made to share the places of a hash table.
 #ifndef KESTAN_TESTS_SUPPORT_COLLIDING_WORDS_H_
 #define KESTAN_TESTS_SUPPORT_COLLIDING_WORDS_H_

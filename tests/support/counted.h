@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Datums as the store hands them out: on the heap, counted, with bytes from malloc.
 #ifndef KESTAN_TESTS_SUPPORT_COUNTED_H_
 #define KESTAN_TESTS_SUPPORT_COUNTED_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How much a test tries, where its environment says so.
 #ifndef KESTAN_TESTS_SUPPORT_ENVIRONMENT_H_
 #define KESTAN_TESTS_SUPPORT_ENVIRONMENT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whole files as strings of bytes.
 #ifndef KESTAN_TESTS_SUPPORT_FILES_H_
 #define KESTAN_TESTS_SUPPORT_FILES_H_

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Sends the gdbm calls of TARGET through its interposer: tests/support/gdbm_interposer.h.
 function(kestan_interpose_gdbm target)
   target_sources(${target} PRIVATE ${PROJECT_SOURCE_DIR}/tests/support/gdbm_interposer.cc)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Records the gdbm calls of a test program and can make a call fail. It sees the calls of the
 // library and those of the test itself. kestan_watch_gdbm(TARGET) links it in.
 #ifndef KESTAN_TESTS_SUPPORT_GDBM_CALLS_H_

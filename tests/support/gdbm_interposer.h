@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Stands between a program and gdbm. The library's calls of gdbm, and those of the tests, pass
 // through the one GdbmInterposer that the program defines; kestan_interpose_gdbm(TARGET) links it
 // in.

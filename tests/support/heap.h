@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How much memory a process has in use.
 #ifndef KESTAN_TESTS_SUPPORT_HEAP_H_
 #define KESTAN_TESTS_SUPPORT_HEAP_H_

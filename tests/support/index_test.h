@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An engine with an open index for each test, and what else most tests of the library need.
 #ifndef KESTAN_TESTS_SUPPORT_INDEX_TEST_H_
 #define KESTAN_TESTS_SUPPORT_INDEX_TEST_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Gives the parts of the command the readers that are linked into a test program, which loads no
 // module.
 #include "cli/extract/module/loaded_mail_reader.h"

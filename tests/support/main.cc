@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Runs the tests of a program. A test that leaves a descriptor open fails.
 #include <gtest/gtest.h>
 

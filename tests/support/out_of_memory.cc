@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/out_of_memory.h"
 
 #include <sys/resource.h>

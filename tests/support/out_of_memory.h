@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How a test makes memory run out, in the process of a death test only.
 #ifndef KESTAN_TESTS_SUPPORT_OUT_OF_MEMORY_H_
 #define KESTAN_TESTS_SUPPORT_OUT_OF_MEMORY_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Compressed bytes for tests, made by libarchive.
 #ifndef KESTAN_TESTS_SUPPORT_PACKED_H_
 #define KESTAN_TESTS_SUPPORT_PACKED_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The records of a gdbm file, read and written without the library.
 #ifndef KESTAN_TESTS_SUPPORT_STORED_RECORDS_H_
 #define KESTAN_TESTS_SUPPORT_STORED_RECORDS_H_

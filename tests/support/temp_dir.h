@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A temporary directory that removes itself.
 #ifndef KESTAN_TESTS_SUPPORT_TEMP_DIR_H_
 #define KESTAN_TESTS_SUPPORT_TEMP_DIR_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The scratch buffer: the size that it states and the memory that it has.
 #include <kestan/text/scratch_text.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One writer and many readers of one index, in one process. The preset `tsan` runs this under the
 // thread sanitizer.
 //

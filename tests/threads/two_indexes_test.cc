@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The parts of the library below class Kestan: each works on the store that it is given, so threads
 // of one process may work on different index files at the same time.
 #include <kestan/index_file.h>

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-3.0-or-later */
 /* Kestan for C, and for every language that can call C: <kestan/c.h>, -lkestan-c.
  *
  * - Every function but the ones named ..._free returns KESTAN_OK, which is 0, or a negative

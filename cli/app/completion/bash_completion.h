@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Completion of the command line in bash.
 #ifndef KESTAN_CLI_APP_BASH_COMPLETION_H_
 #define KESTAN_CLI_APP_BASH_COMPLETION_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/app/completion/shell_words.h"
 
 #include "cli/console/message.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the generators of shell completions share.
 #ifndef KESTAN_CLI_APP_SHELL_WORDS_H_
 #define KESTAN_CLI_APP_SHELL_WORDS_H_

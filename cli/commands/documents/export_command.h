@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // `kestan export`: prints the documents of an index for another system.
 #ifndef KESTAN_CLI_COMMANDS_DOCUMENTS_EXPORT_COMMAND_H_
 #define KESTAN_CLI_COMMANDS_DOCUMENTS_EXPORT_COMMAND_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // `kestan index`: brings an index up to date with files.
 #ifndef KESTAN_CLI_COMMANDS_DOCUMENTS_INDEX_COMMAND_H_
 #define KESTAN_CLI_COMMANDS_DOCUMENTS_INDEX_COMMAND_H_

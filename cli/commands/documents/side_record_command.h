@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the commands that get, set and delete side records share.
 #ifndef KESTAN_CLI_COMMANDS_DOCUMENTS_SIDE_RECORD_COMMAND_H_
 #define KESTAN_CLI_COMMANDS_DOCUMENTS_SIDE_RECORD_COMMAND_H_

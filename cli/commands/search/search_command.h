@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // `kestan search`: finds documents and prints them.
 #ifndef KESTAN_CLI_COMMANDS_SEARCH_SEARCH_COMMAND_H_
 #define KESTAN_CLI_COMMANDS_SEARCH_SEARCH_COMMAND_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The report of a search as JSON, in a file of its own: the header is slow to compile.
 #include "cli/commands/search/search_report.h"
 #include "cli/console/json.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The result of a search, as text and as JSON.
 #ifndef KESTAN_CLI_COMMANDS_SEARCH_SEARCH_REPORT_H_
 #define KESTAN_CLI_COMMANDS_SEARCH_SEARCH_REPORT_H_

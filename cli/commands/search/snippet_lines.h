@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Snippets that fit a terminal.
 #ifndef KESTAN_CLI_COMMANDS_SEARCH_SNIPPET_LINES_H_
 #define KESTAN_CLI_COMMANDS_SEARCH_SNIPPET_LINES_H_

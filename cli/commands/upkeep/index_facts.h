@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What `kestan stats` tells of an index of either kind.
 #ifndef KESTAN_CLI_COMMANDS_UPKEEP_INDEX_FACTS_H_
 #define KESTAN_CLI_COMMANDS_UPKEEP_INDEX_FACTS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the commands that get, set and clear option flags share.
 #ifndef KESTAN_CLI_COMMANDS_UPKEEP_OPTION_COMMAND_H_
 #define KESTAN_CLI_COMMANDS_UPKEEP_OPTION_COMMAND_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The ASCII characters of names, labels and markup, beside those of cli/console/ascii.h.
 #ifndef KESTAN_CLI_EXTRACT_CHARSET_ASCII_H_
 #define KESTAN_CLI_EXTRACT_CHARSET_ASCII_H_

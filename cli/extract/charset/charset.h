@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Decodes the character sets that web pages name.
 #ifndef KESTAN_CLI_EXTRACT_CHARSET_CHARSET_H_
 #define KESTAN_CLI_EXTRACT_CHARSET_CHARSET_H_

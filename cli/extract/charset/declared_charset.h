@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The character set that a page declares.
 #ifndef KESTAN_CLI_EXTRACT_CHARSET_DECLARED_CHARSET_H_
 #define KESTAN_CLI_EXTRACT_CHARSET_DECLARED_CHARSET_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Decodes the bytes of a text file.
 #ifndef KESTAN_CLI_EXTRACT_CHARSET_DECODE_H_
 #define KESTAN_CLI_EXTRACT_CHARSET_DECODE_H_

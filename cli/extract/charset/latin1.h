@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Decodes bytes that are not UTF-8 as Latin-1.
 #ifndef KESTAN_CLI_EXTRACT_CHARSET_LATIN1_H_
 #define KESTAN_CLI_EXTRACT_CHARSET_LATIN1_H_

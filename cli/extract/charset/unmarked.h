@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Decodes text that does not say in which character set it is.
 #ifndef KESTAN_CLI_EXTRACT_CHARSET_UNMARKED_H_
 #define KESTAN_CLI_EXTRACT_CHARSET_UNMARKED_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Programs that convert files of other formats to text.
 #ifndef KESTAN_CLI_EXTRACT_CONVERTER_CONVERTER_H_
 #define KESTAN_CLI_EXTRACT_CONVERTER_CONVERTER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Runs an untrusted program: without a shell, and within limits.
 #ifndef KESTAN_CLI_EXTRACT_CONVERTER_LIMITED_COMMAND_H_
 #define KESTAN_CLI_EXTRACT_CONVERTER_LIMITED_COMMAND_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Makes the text of a file into what the index keeps of it.
 #ifndef KESTAN_CLI_EXTRACT_DOCUMENT_DOCUMENT_H_
 #define KESTAN_CLI_EXTRACT_DOCUMENT_DOCUMENT_H_

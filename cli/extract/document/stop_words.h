@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The stop words of an index: those that the user chooses to leave out.
 #ifndef KESTAN_CLI_EXTRACT_DOCUMENT_STOP_WORDS_H_
 #define KESTAN_CLI_EXTRACT_DOCUMENT_STOP_WORDS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where a text has its title.
 #ifndef KESTAN_CLI_EXTRACT_DOCUMENT_TITLE_H_
 #define KESTAN_CLI_EXTRACT_DOCUMENT_TITLE_H_

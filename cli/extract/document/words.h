@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The words of texts, as the index makes them.
 #ifndef KESTAN_CLI_EXTRACT_DOCUMENT_WORDS_H_
 #define KESTAN_CLI_EXTRACT_DOCUMENT_WORDS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Extracts the text of HTML pages.
 #ifndef KESTAN_CLI_EXTRACT_HTML_HTML_H_
 #define KESTAN_CLI_EXTRACT_HTML_HTML_H_

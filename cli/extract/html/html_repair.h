@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Repairs HTML where libxml2 would drop text or join words.
 #ifndef KESTAN_CLI_EXTRACT_HTML_HTML_REPAIR_H_
 #define KESTAN_CLI_EXTRACT_HTML_HTML_REPAIR_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The encodings of mail: of its parts, and of the words in its headers.
 #ifndef KESTAN_CLI_EXTRACT_MAIL_ENCODED_WORDS_H_
 #define KESTAN_CLI_EXTRACT_MAIL_ENCODED_WORDS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Mail, by the names of files and their first bytes.
 #ifndef KESTAN_CLI_EXTRACT_MAIL_MAIL_NAME_H_
 #define KESTAN_CLI_EXTRACT_MAIL_MAIL_NAME_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // From the bytes of a message to its text.
 #ifndef KESTAN_CLI_EXTRACT_MAIL_MAIL_TEXT_H_
 #define KESTAN_CLI_EXTRACT_MAIL_MAIL_TEXT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Mailboxes in the mbox format: messages one after the other in one file.
 #ifndef KESTAN_CLI_EXTRACT_MAIL_MAILBOX_H_
 #define KESTAN_CLI_EXTRACT_MAIL_MAILBOX_H_

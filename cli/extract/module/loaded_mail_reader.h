@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The reader of mail, loaded when the first message needs it.
 #ifndef KESTAN_CLI_EXTRACT_MODULE_LOADED_MAIL_READER_H_
 #define KESTAN_CLI_EXTRACT_MODULE_LOADED_MAIL_READER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The readers that need ICU or libxml2, loaded when the first document needs them.
 #ifndef KESTAN_CLI_EXTRACT_MODULE_LOADED_READERS_H_
 #define KESTAN_CLI_EXTRACT_MODULE_LOADED_READERS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Opens the module that holds the readers, if it can be trusted.
 #ifndef KESTAN_CLI_EXTRACT_MODULE_MODULE_FILE_H_
 #define KESTAN_CLI_EXTRACT_MODULE_MODULE_FILE_H_

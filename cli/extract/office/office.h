@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Extracts the text of office documents: zip archives of XML, or of pages.
 #ifndef KESTAN_CLI_EXTRACT_OFFICE_OFFICE_H_
 #define KESTAN_CLI_EXTRACT_OFFICE_OFFICE_H_

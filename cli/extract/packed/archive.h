@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The members of archives, and of archives within them.
 #ifndef KESTAN_CLI_EXTRACT_PACKED_ARCHIVE_H_
 #define KESTAN_CLI_EXTRACT_PACKED_ARCHIVE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Compressed files, by their names and their first bytes.
 #ifndef KESTAN_CLI_EXTRACT_PACKED_COMPRESSED_NAME_H_
 #define KESTAN_CLI_EXTRACT_PACKED_COMPRESSED_NAME_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Decompresses files, within limits.
 #ifndef KESTAN_CLI_EXTRACT_PACKED_UNPACK_H_
 #define KESTAN_CLI_EXTRACT_PACKED_UNPACK_H_

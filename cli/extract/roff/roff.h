@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Extracts the text of manual pages and of other documents in roff.
 #ifndef KESTAN_CLI_EXTRACT_ROFF_ROFF_H_
 #define KESTAN_CLI_EXTRACT_ROFF_ROFF_H_

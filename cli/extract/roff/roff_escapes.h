@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The escapes of roff, which begin with a backslash.
 #ifndef KESTAN_CLI_EXTRACT_ROFF_ROFF_ESCAPES_H_
 #define KESTAN_CLI_EXTRACT_ROFF_ROFF_ESCAPES_H_

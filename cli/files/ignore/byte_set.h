@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sets of bytes in patterns: [a-z], [!0-9], [[:alpha:]_].
 #ifndef KESTAN_CLI_FILES_IGNORE_BYTE_SET_H_
 #define KESTAN_CLI_FILES_IGNORE_BYTE_SET_H_

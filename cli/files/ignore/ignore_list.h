@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The patterns of one ignore file.
 #ifndef KESTAN_CLI_FILES_IGNORE_IGNORE_LIST_H_
 #define KESTAN_CLI_FILES_IGNORE_IGNORE_LIST_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Patterns of ignore files: which files and folders are left out.
 #ifndef KESTAN_CLI_FILES_IGNORE_IGNORE_PATTERN_H_
 #define KESTAN_CLI_FILES_IGNORE_IGNORE_PATTERN_H_

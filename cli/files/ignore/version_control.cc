@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/files/ignore/version_control.h"
 
 #include <fcntl.h>

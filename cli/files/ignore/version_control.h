@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The folders in which version control keeps its own files.
 #ifndef KESTAN_CLI_FILES_IGNORE_VERSION_CONTROL_H_
 #define KESTAN_CLI_FILES_IGNORE_VERSION_CONTROL_H_

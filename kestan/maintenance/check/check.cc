@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include <kestan/maintenance/check.h>
 #include <kestan/maintenance/check/code_check.h>
 #include <kestan/maintenance/check/form_check.h>

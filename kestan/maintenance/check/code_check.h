@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Checks that the system records of an index agree about documents and codes.
 #ifndef KESTAN_MAINTENANCE_CHECK_CODE_CHECK_H_
 #define KESTAN_MAINTENANCE_CHECK_CODE_CHECK_H_

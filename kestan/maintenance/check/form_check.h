@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Checks that the case-folded form of a word is wherever the word is.
 #ifndef KESTAN_MAINTENANCE_CHECK_FORM_CHECK_H_
 #define KESTAN_MAINTENANCE_CHECK_FORM_CHECK_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Checks by the bytes of a gdbm file that a look-up finds every record that a walk shows.
 //
 // A walk takes each key from the place that an element of a bucket names. A look-up starts from the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include <kestan/maintenance/check/posting_check.h>
 
 #include <kestan/format/keys.h>

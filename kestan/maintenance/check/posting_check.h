@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Checks that posting records, word lists and texts agree with the system records of their index.
 #ifndef KESTAN_MAINTENANCE_CHECK_POSTING_CHECK_H_
 #define KESTAN_MAINTENANCE_CHECK_POSTING_CHECK_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Checks that everything in a gdbm file has bytes of its own.
 #ifndef KESTAN_MAINTENANCE_CHECK_SPACE_CHECK_H_
 #define KESTAN_MAINTENANCE_CHECK_SPACE_CHECK_H_

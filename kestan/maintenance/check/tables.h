@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The contents of the system records of an index, in memory.
 #ifndef KESTAN_MAINTENANCE_CHECK_TABLES_H_
 #define KESTAN_MAINTENANCE_CHECK_TABLES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What an index holds: its documents and its words.
 #ifndef KESTAN_MAINTENANCE_DOCUMENTS_CONTENTS_H_
 #define KESTAN_MAINTENANCE_DOCUMENTS_CONTENTS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The places of the words of an index, as its postings give them.
 #ifndef KESTAN_MAINTENANCE_DOCUMENTS_PLACES_H_
 #define KESTAN_MAINTENANCE_DOCUMENTS_PLACES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The words of one document in the order of its text.
 #ifndef KESTAN_MAINTENANCE_DOCUMENTS_WORD_ORDER_H_
 #define KESTAN_MAINTENANCE_DOCUMENTS_WORD_ORDER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a repair does with each salvaged record.
 #ifndef KESTAN_MAINTENANCE_REPAIR_CLASSIFY_RECORDS_H_
 #define KESTAN_MAINTENANCE_REPAIR_CLASSIFY_RECORDS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The document codes of a damaged index and of the new one.
 #ifndef KESTAN_MAINTENANCE_REPAIR_CODES_H_
 #define KESTAN_MAINTENANCE_REPAIR_CODES_H_

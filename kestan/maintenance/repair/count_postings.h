@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the posting records of a damaged index say of its documents.
 #ifndef KESTAN_MAINTENANCE_REPAIR_COUNT_POSTINGS_H_
 #define KESTAN_MAINTENANCE_REPAIR_COUNT_POSTINGS_H_

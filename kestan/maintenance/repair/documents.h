@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which documents an index has, if its document and name records do not agree or are not all there.
 #ifndef KESTAN_MAINTENANCE_REPAIR_DOCUMENTS_H_
 #define KESTAN_MAINTENANCE_REPAIR_DOCUMENTS_H_

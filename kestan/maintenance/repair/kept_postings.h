@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which postings of a salvaged posting record the new index keeps.
 #ifndef KESTAN_MAINTENANCE_REPAIR_KEPT_POSTINGS_H_
 #define KESTAN_MAINTENANCE_REPAIR_KEPT_POSTINGS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Writes the new index of a repair.
 #ifndef KESTAN_MAINTENANCE_REPAIR_REBUILD_H_
 #define KESTAN_MAINTENANCE_REPAIR_REBUILD_H_

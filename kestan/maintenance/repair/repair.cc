@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A repair, from the bytes of a damaged file to a new index:
 //
 // (1) Salvage: find every record that the bytes of the file still hold (salvage/).

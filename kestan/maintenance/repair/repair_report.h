@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a repair says: every sentence of it.
 #ifndef KESTAN_MAINTENANCE_REPAIR_REPAIR_REPORT_H_
 #define KESTAN_MAINTENANCE_REPAIR_REPAIR_REPORT_H_

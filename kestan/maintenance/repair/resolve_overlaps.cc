@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include <kestan/maintenance/repair/resolve_overlaps.h>
 
 #include <kestan/format/keys.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Postings of several words at one position of a document, which contradict each other.
 #ifndef KESTAN_MAINTENANCE_REPAIR_RESOLVE_OVERLAPS_H_
 #define KESTAN_MAINTENANCE_REPAIR_RESOLVE_OVERLAPS_H_

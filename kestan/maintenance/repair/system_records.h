@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The records that an index has one of: code counter, code lists and option flags.
 #ifndef KESTAN_MAINTENANCE_REPAIR_SYSTEM_RECORDS_H_
 #define KESTAN_MAINTENANCE_REPAIR_SYSTEM_RECORDS_H_

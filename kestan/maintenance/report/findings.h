@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Makes findings, hands them out and counts them.
 #ifndef KESTAN_MAINTENANCE_REPORT_FINDINGS_H_
 #define KESTAN_MAINTENANCE_REPORT_FINDINGS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which buckets a damaged gdbm file has, and which of them are the newest.
 #ifndef KESTAN_MAINTENANCE_SALVAGE_BUCKET_MAP_H_
 #define KESTAN_MAINTENANCE_SALVAGE_BUCKET_MAP_H_

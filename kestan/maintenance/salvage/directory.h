@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The directory of a damaged gdbm file, and the buckets that it leads to.
 #ifndef KESTAN_MAINTENANCE_SALVAGE_DIRECTORY_H_
 #define KESTAN_MAINTENANCE_SALVAGE_DIRECTORY_H_

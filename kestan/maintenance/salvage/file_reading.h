@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reads a whole file into memory, as far as the system can read it.
 #ifndef KESTAN_MAINTENANCE_SALVAGE_FILE_READING_H_
 #define KESTAN_MAINTENANCE_SALVAGE_FILE_READING_H_

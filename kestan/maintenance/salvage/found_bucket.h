@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A bucket of a damaged gdbm file, wherever it was found.
 #ifndef KESTAN_MAINTENANCE_SALVAGE_FOUND_BUCKET_H_
 #define KESTAN_MAINTENANCE_SALVAGE_FOUND_BUCKET_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // gdbm's file as plain bytes: where its structures lie, and which bytes are a valid one and not
 // noise.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Buckets and elements that lie in a damaged gdbm file without an entry of the directory that leads
 // to them.
 #ifndef KESTAN_MAINTENANCE_SALVAGE_ORPHANS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What of a damaged posting record can be believed.
 #ifndef KESTAN_MAINTENANCE_SALVAGE_POSTING_SALVAGE_H_
 #define KESTAN_MAINTENANCE_SALVAGE_POSTING_SALVAGE_H_

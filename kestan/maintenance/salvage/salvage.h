@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Every record that can be read from a damaged index file.
 #ifndef KESTAN_MAINTENANCE_SALVAGE_SALVAGE_H_
 #define KESTAN_MAINTENANCE_SALVAGE_SALVAGE_H_

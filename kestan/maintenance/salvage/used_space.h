@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The bytes of a damaged file that are known to be in use, or to be free.
 #ifndef KESTAN_MAINTENANCE_SALVAGE_USED_SPACE_H_
 #define KESTAN_MAINTENANCE_SALVAGE_USED_SPACE_H_

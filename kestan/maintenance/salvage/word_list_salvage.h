@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What is wrong with a word list, and how much of it can be kept.
 #ifndef KESTAN_MAINTENANCE_SALVAGE_WORD_LIST_SALVAGE_H_
 #define KESTAN_MAINTENANCE_SALVAGE_WORD_LIST_SALVAGE_H_

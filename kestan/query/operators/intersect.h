@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // AND, within a distance or not.
 #ifndef KESTAN_QUERY_OPERATORS_INTERSECT_H_
 #define KESTAN_QUERY_OPERATORS_INTERSECT_H_

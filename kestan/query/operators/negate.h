@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // NOT.
 #ifndef KESTAN_QUERY_OPERATORS_NEGATE_H_
 #define KESTAN_QUERY_OPERATORS_NEGATE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Matching the positions of two words in one document.
 #ifndef KESTAN_QUERY_OPERATORS_PROXIMITY_H_
 #define KESTAN_QUERY_OPERATORS_PROXIMITY_H_

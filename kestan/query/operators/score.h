@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Scores that combining adds up.
 #ifndef KESTAN_QUERY_OPERATORS_SCORE_H_
 #define KESTAN_QUERY_OPERATORS_SCORE_H_

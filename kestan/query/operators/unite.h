@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // OR.
 #ifndef KESTAN_QUERY_OPERATORS_UNITE_H_
 #define KESTAN_QUERY_OPERATORS_UNITE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The checksum of dumps and of the files of an index.
 #ifndef KESTAN_STORAGE_CHECKSUM_CRC64_H_
 #define KESTAN_STORAGE_CHECKSUM_CRC64_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Checksums of long strings by carry-less multiplication, where the processor has it.
 #ifndef KESTAN_STORAGE_CHECKSUM_CRC64_FOLDING_H_
 #define KESTAN_STORAGE_CHECKSUM_CRC64_FOLDING_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The tables of the checksum.
 #ifndef KESTAN_STORAGE_CHECKSUM_CRC64_TABLES_H_
 #define KESTAN_STORAGE_CHECKSUM_CRC64_TABLES_H_

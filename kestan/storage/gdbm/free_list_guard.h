@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Keeps gdbm from merging free space with a list of free space that lies right behind it.
 #ifndef KESTAN_STORAGE_GDBM_FREE_LIST_GUARD_H_
 #define KESTAN_STORAGE_GDBM_FREE_LIST_GUARD_H_

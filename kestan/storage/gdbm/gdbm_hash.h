@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // gdbm's hash of a key.
 #ifndef KESTAN_STORAGE_GDBM_GDBM_HASH_H_
 #define KESTAN_STORAGE_GDBM_GDBM_HASH_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The layout of a gdbm file: the one declaration of what is known of it here.
 //
 // Numbers have this machine's size and byte order, and structures its alignment, as in gdbm.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where a record lies in a gdbm file.
 #ifndef KESTAN_STORAGE_GDBM_RECORD_PLACE_H_
 #define KESTAN_STORAGE_GDBM_RECORD_PLACE_H_

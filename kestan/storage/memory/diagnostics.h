@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The diagnostics of the engine.
 #ifndef KESTAN_STORAGE_MEMORY_DIAGNOSTICS_H_
 #define KESTAN_STORAGE_MEMORY_DIAGNOSTICS_H_

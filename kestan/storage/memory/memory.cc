@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include <kestan/storage/memory/memory.h>
 
 #include <kestan/storage/memory/diagnostics.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Memory that is there or ends the process: nothing in the library has a path for "no memory".
 #ifndef KESTAN_STORAGE_MEMORY_MEMORY_H_
 #define KESTAN_STORAGE_MEMORY_MEMORY_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include <kestan/storage/walk/copy_records.h>
 
 #include <kestan/storage/walk/record_iterator.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Copies all records of one store into another.
 #ifndef KESTAN_STORAGE_WALK_COPY_RECORDS_H_
 #define KESTAN_STORAGE_WALK_COPY_RECORDS_H_

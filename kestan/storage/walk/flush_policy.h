@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Bounds what a long run over many records leaves in the store's cache.
 #ifndef KESTAN_STORAGE_WALK_FLUSH_POLICY_H_
 #define KESTAN_STORAGE_WALK_FLUSH_POLICY_H_

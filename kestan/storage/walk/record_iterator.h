@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A walk over all records of a store.
 #ifndef KESTAN_STORAGE_WALK_RECORD_ITERATOR_H_
 #define KESTAN_STORAGE_WALK_RECORD_ITERATOR_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Compares the records of two stores.
 #ifndef KESTAN_STORAGE_WALK_SAME_RECORDS_H_
 #define KESTAN_STORAGE_WALK_SAME_RECORDS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Keeps a small file from filling the memory.
 #ifndef KESTAN_STORAGE_WALK_SIZE_GUARD_H_
 #define KESTAN_STORAGE_WALK_SIZE_GUARD_H_

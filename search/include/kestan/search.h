@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Kestan's search library: an index of any size, searched with ranked answers.
 //
 //   kestan::search::IndexWriter  adds, replaces, removes and renames documents

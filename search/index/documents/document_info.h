@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What an index keeps of a document.
 #ifndef KESTAN_SEARCH_INDEX_DOCUMENTS_DOCUMENT_INFO_H_
 #define KESTAN_SEARCH_INDEX_DOCUMENTS_DOCUMENT_INFO_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // All documents of a snapshot, one after the other.
 #ifndef KESTAN_SEARCH_INDEX_DOCUMENTS_DOCUMENT_WALK_H_
 #define KESTAN_SEARCH_INDEX_DOCUMENTS_DOCUMENT_WALK_H_

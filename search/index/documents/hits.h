@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // From documents that were found to what a search returns of them.
 #ifndef KESTAN_SEARCH_INDEX_DOCUMENTS_HITS_H_
 #define KESTAN_SEARCH_INDEX_DOCUMENTS_HITS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Memory for many small things that are freed at once.
 #ifndef KESTAN_SEARCH_INDEX_INVERTING_ARENA_H_
 #define KESTAN_SEARCH_INDEX_INVERTING_ARENA_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a document may be.
 #ifndef KESTAN_SEARCH_INDEX_INVERTING_DOCUMENT_LIMITS_H_
 #define KESTAN_SEARCH_INDEX_INVERTING_DOCUMENT_LIMITS_H_

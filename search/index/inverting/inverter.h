@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Documents to postings, in memory.
 #ifndef KESTAN_SEARCH_INDEX_INVERTING_INVERTER_H_
 #define KESTAN_SEARCH_INDEX_INVERTING_INVERTER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Threads that make segments of documents.
 #ifndef KESTAN_SEARCH_INDEX_INVERTING_INVERTER_POOL_H_
 #define KESTAN_SEARCH_INDEX_INVERTING_INVERTER_POOL_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Documents that are in no segment yet, by their names.
 #ifndef KESTAN_SEARCH_INDEX_INVERTING_PENDING_DOCUMENTS_H_
 #define KESTAN_SEARCH_INDEX_INVERTING_PENDING_DOCUMENTS_H_

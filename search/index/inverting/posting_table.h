@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The posting records of a segment while they grow.
 #ifndef KESTAN_SEARCH_INDEX_INVERTING_POSTING_TABLE_H_
 #define KESTAN_SEARCH_INDEX_INVERTING_POSTING_TABLE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One thread's way from documents to segments.
 #ifndef KESTAN_SEARCH_INDEX_INVERTING_SEGMENT_MAKER_H_
 #define KESTAN_SEARCH_INDEX_INVERTING_SEGMENT_MAKER_H_

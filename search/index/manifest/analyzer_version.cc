@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "search/index/manifest/analyzer_version.h"
 
 #include <kestan/search/analyzer.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The version of the Analyzer that made the words of an index, as its manifest has it.
 #ifndef KESTAN_SEARCH_INDEX_MANIFEST_ANALYZER_VERSION_H_
 #define KESTAN_SEARCH_INDEX_MANIFEST_ANALYZER_VERSION_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The language of an index, as its manifest has it.
 #ifndef KESTAN_SEARCH_INDEX_MANIFEST_INDEX_LANGUAGE_H_
 #define KESTAN_SEARCH_INDEX_MANIFEST_INDEX_LANGUAGE_H_

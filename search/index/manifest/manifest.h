@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // MANIFEST: which files make an index. docs/index-folder.md shows one.
 #ifndef KESTAN_SEARCH_INDEX_MANIFEST_MANIFEST_H_
 #define KESTAN_SEARCH_INDEX_MANIFEST_MANIFEST_H_

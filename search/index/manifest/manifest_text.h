@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The words of a line of MANIFEST: numbers, checksums, escaped bytes.
 #ifndef KESTAN_SEARCH_INDEX_MANIFEST_MANIFEST_TEXT_H_
 #define KESTAN_SEARCH_INDEX_MANIFEST_MANIFEST_TEXT_H_

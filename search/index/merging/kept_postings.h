@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The postings of a record that are kept, with new codes.
 #ifndef KESTAN_SEARCH_INDEX_MERGING_KEPT_POSTINGS_H_
 #define KESTAN_SEARCH_INDEX_MERGING_KEPT_POSTINGS_H_

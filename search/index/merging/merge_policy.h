@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which segments to merge.
 #ifndef KESTAN_SEARCH_INDEX_MERGING_MERGE_POLICY_H_
 #define KESTAN_SEARCH_INDEX_MERGING_MERGE_POLICY_H_

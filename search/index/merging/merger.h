@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Making one segment of several.
 #ifndef KESTAN_SEARCH_INDEX_MERGING_MERGER_H_
 #define KESTAN_SEARCH_INDEX_MERGING_MERGER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Operands in a row, each at its place beside the one before.
 #ifndef KESTAN_SEARCH_MATCHING_OPERATORS_CHAIN_H_
 #define KESTAN_SEARCH_MATCHING_OPERATORS_CHAIN_H_

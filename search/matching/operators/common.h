@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Documents that several lists have.
 #ifndef KESTAN_SEARCH_MATCHING_OPERATORS_COMMON_H_
 #define KESTAN_SEARCH_MATCHING_OPERATORS_COMMON_H_

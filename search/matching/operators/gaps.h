@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How far a few positions are from a few others.
 #ifndef KESTAN_SEARCH_MATCHING_OPERATORS_GAPS_H_
 #define KESTAN_SEARCH_MATCHING_OPERATORS_GAPS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a query finds in one segment.
 #ifndef KESTAN_SEARCH_MATCHING_OPERATORS_MATCHES_H_
 #define KESTAN_SEARCH_MATCHING_OPERATORS_MATCHES_H_

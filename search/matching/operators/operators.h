@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The operators of queries on what their operands have found in one segment, each in a file of its
 // own.
 #ifndef KESTAN_SEARCH_MATCHING_OPERATORS_OPERATORS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a SearchQuery is made of.
 #ifndef KESTAN_SEARCH_QUERY_BUILT_BUILT_NODE_H_
 #define KESTAN_SEARCH_QUERY_BUILT_BUILT_NODE_H_

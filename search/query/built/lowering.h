@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // From a query built by calls to the query that is searched for.
 #ifndef KESTAN_SEARCH_QUERY_BUILT_LOWERING_H_
 #define KESTAN_SEARCH_QUERY_BUILT_LOWERING_H_

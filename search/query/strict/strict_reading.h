@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Texts of queries that must be read as they are written.
 #ifndef KESTAN_SEARCH_QUERY_STRICT_STRICT_READING_H_
 #define KESTAN_SEARCH_QUERY_STRICT_STRICT_READING_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The words of a text, for the inside of the library: kestan::search::Analyzer throws nothing.
 #ifndef KESTAN_SEARCH_TEXT_ANALYZER_ANALYSIS_H_
 #define KESTAN_SEARCH_TEXT_ANALYZER_ANALYSIS_H_

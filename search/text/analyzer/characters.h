@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which characters words are made of.
 #ifndef KESTAN_SEARCH_TEXT_ANALYZER_CHARACTERS_H_
 #define KESTAN_SEARCH_TEXT_ANALYZER_CHARACTERS_H_

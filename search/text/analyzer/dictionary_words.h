@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The words of scripts that do not separate them: Thai, Lao, Khmer, Myanmar.
 #ifndef KESTAN_SEARCH_TEXT_ANALYZER_DICTIONARY_WORDS_H_
 #define KESTAN_SEARCH_TEXT_ANALYZER_DICTIONARY_WORDS_H_

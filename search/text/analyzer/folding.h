@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What makes words equal that differ in capitals, accents and the ways to write a letter.
 #ifndef KESTAN_SEARCH_TEXT_ANALYZER_FOLDING_H_
 #define KESTAN_SEARCH_TEXT_ANALYZER_FOLDING_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Words with characters beyond ASCII.
 #ifndef KESTAN_SEARCH_TEXT_ANALYZER_RUN_READER_H_
 #define KESTAN_SEARCH_TEXT_ANALYZER_RUN_READER_H_

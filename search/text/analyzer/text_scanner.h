@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Splits text into words, those of ASCII by itself.
 #ifndef KESTAN_SEARCH_TEXT_ANALYZER_TEXT_SCANNER_H_
 #define KESTAN_SEARCH_TEXT_ANALYZER_TEXT_SCANNER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The bytes in which words are stored, all of which the engine's folding leaves as they are.
 #ifndef KESTAN_SEARCH_TEXT_ANALYZER_WORD_ENCODING_H_
 #define KESTAN_SEARCH_TEXT_ANALYZER_WORD_ENCODING_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where the words of a text go.
 #ifndef KESTAN_SEARCH_TEXT_ANALYZER_WORD_SINK_H_
 #define KESTAN_SEARCH_TEXT_ANALYZER_WORD_SINK_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Hands out what a repair finds, and counts it.
 #ifndef KESTAN_SEARCH_UPKEEP_REPAIRING_REPAIR_ITEMS_H_
 #define KESTAN_SEARCH_UPKEEP_REPAIRING_REPAIR_ITEMS_H_

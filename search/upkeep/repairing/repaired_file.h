@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Index files that the engine repairs.
 #ifndef KESTAN_SEARCH_UPKEEP_REPAIRING_REPAIRED_FILE_H_
 #define KESTAN_SEARCH_UPKEEP_REPAIRING_REPAIRED_FILE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Segments of a damaged index on their way into a new one.
 #ifndef KESTAN_SEARCH_UPKEEP_REPAIRING_REPAIRED_SEGMENTS_H_
 #define KESTAN_SEARCH_UPKEEP_REPAIRING_REPAIRED_SEGMENTS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Posting records that may be damaged, one posting after the other.
 #ifndef KESTAN_SEARCH_UPKEEP_REPAIRING_SALVAGED_POSTINGS_H_
 #define KESTAN_SEARCH_UPKEEP_REPAIRING_SALVAGED_POSTINGS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The words that can be read of a damaged segment.
 #ifndef KESTAN_SEARCH_UPKEEP_REPAIRING_SALVAGED_TERMS_H_
 #define KESTAN_SEARCH_UPKEEP_REPAIRING_SALVAGED_TERMS_H_

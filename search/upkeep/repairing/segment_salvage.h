@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Making a segment of what can be read of a damaged one.
 #ifndef KESTAN_SEARCH_UPKEEP_REPAIRING_SEGMENT_SALVAGE_H_
 #define KESTAN_SEARCH_UPKEEP_REPAIRING_SEGMENT_SALVAGE_H_

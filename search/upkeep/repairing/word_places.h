@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Words of a salvaged segment that contradict each other.
 #ifndef KESTAN_SEARCH_UPKEEP_REPAIRING_WORD_PLACES_H_
 #define KESTAN_SEARCH_UPKEEP_REPAIRING_WORD_PLACES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // All commands agree about a damaged index: where `check` finds no fault, `dump` succeeds, and
 // `search`, `list` and `stats` answer as they do on the undamaged file. The one exception is damage
 // that leaves no trace: another text (title, summary, user record, word list) or none, another time

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/app/command_groups.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the command prints if one of its streams is a terminal.
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A real server takes in what an export prints, and answers as the index does.
 #include <algorithm>
 #include <functional>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Running an export within the test and looking at all that it prints.
 #ifndef KESTAN_TESTS_CLI_EXPORT_EXPORT_TEST_H_
 #define KESTAN_TESTS_CLI_EXPORT_EXPORT_TEST_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A document that a test hands to what exports it.
 #ifndef KESTAN_TESTS_CLI_EXPORT_HELD_DOCUMENT_H_
 #define KESTAN_TESTS_CLI_EXPORT_HELD_DOCUMENT_H_

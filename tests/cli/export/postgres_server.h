@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A PostgreSQL server for one test: in a folder of its own, reached through a socket there, gone
 // with the object.
 #ifndef KESTAN_TESTS_CLI_EXPORT_POSTGRES_SERVER_H_

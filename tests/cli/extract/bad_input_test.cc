@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Every decoder, given every change and every truncation of something good. It must end, with a
 // text of bounded size or a reason for none; the sanitizers see to the rest.
 #include <gtest/gtest.h>

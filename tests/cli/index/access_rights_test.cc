@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Owner, group and permissions of an index through its changes, and who is protected from whom.
 #include <fcntl.h>
 #include <grp.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/index/new_index.h"
 
 #include <gtest/gtest.h>

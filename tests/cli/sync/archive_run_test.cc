@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Archives as containers of documents, for cli/sync/container_run.cc.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Names of files and of members that would do harm if anything took them for more than names.
 #include <gtest/gtest.h>
 

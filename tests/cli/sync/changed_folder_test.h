@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Runs that change an index, and whether the index is whole after one of them went wrong.
 #ifndef KESTAN_TESTS_CLI_SYNC_CHANGED_FOLDER_TEST_H_
 #define KESTAN_TESTS_CLI_SYNC_CHANGED_FOLDER_TEST_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An index that was brought up to date step by step answers as one that was made at once.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whatever has happened to the files and to the index: brought up to date, the index answers like a
 // new one of the same files.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Running `kestan index` inside the test's process, with options of all kinds.
 #ifndef KESTAN_TESTS_CLI_SYNC_RUN_INDEX_TEST_H_
 #define KESTAN_TESTS_CLI_SYNC_RUN_INDEX_TEST_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Each allocation of a writer fails, once or with all later ones. There is an error, or the library
 // ends the process with one line; the index is the old one or the new one.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Each allocation fails while the words of queries are found, by ICU too where they go beyond
 // ASCII.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A small index folder, and all that its readers say of it.
 #ifndef KESTAN_TESTS_FAULTS_SEARCH_ASKED_INDEX_H_
 #define KESTAN_TESTS_FAULTS_SEARCH_ASKED_INDEX_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Files of an index that were changed, cut, lost or exchanged, read and written through the public
 // interface: the answers are right, or there is an error, and what is not damaged is not lost.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Work of the search library in which each allocation fails in turn.
 #ifndef KESTAN_TESTS_FAULTS_SEARCH_FAILING_ALLOCATIONS_H_
 #define KESTAN_TESTS_FAULTS_SEARCH_FAILING_ALLOCATIONS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // More functions of the C library that the search library calls for its files and folders, as
 // system_call_stand_ins.cc has those of libgdbm.
 #include <dirent.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A writer that changes an index under a watch of its system calls, in a process of its own.
 #ifndef KESTAN_TESTS_FAULTS_SEARCH_INTERRUPTED_WRITER_H_
 #define KESTAN_TESTS_FAULTS_SEARCH_INTERRUPTED_WRITER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A writer that is killed before each of its system calls, and one whose calls fail, once or until
 // there is room on the disk again: the index is the old one or the new one, nothing is left over,
 // and a writer that got an error is of use after Rollback().

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // System calls fail while an index is opened, made, converted, checked and rebuilt: there is an
 // error, or the result is what it is when nothing fails. Once more without the fault, all is well,
 // and nothing is left over.

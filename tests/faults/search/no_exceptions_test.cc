@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // No exception leaves a public function of the search library: each of their allocations fails,
 // once or with all later ones, and nothing here catches what would come out.
 //

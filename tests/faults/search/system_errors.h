@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which errors a system call may have.
 #ifndef KESTAN_TESTS_FAULTS_SEARCH_SYSTEM_ERRORS_H_
 #define KESTAN_TESTS_FAULTS_SEARCH_SYSTEM_ERRORS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Each allocation fails of what makes a new index of another one, checks and dumps it.
 #include <gtest/gtest.h>
 #include <kestan/search.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What makes a new index of another one, killed before each of its system calls, with each of its
 // calls failing, and on a disk that is full from each write on: the other index stays as it is, and
 // there is no new one or a whole one. Another try removes what is left.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Everything that makes a new index of another one, done on small indexes.
 #ifndef KESTAN_TESTS_FAULTS_SEARCH_UPKEEP_WORK_H_
 #define KESTAN_TESTS_FAULTS_SEARCH_UPKEEP_WORK_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A writer keeps within its memory budget. All that the process allocates is counted while
 // documents with names, titles and many different words are added; files that are mapped are not.
 #include <gtest/gtest.h>

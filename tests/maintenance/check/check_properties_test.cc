@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whatever a host calls in whatever order, as long as it moves no document onto another, a check
 // finds nothing wrong with what the engine leaves, and a repair changes nothing. More and longer
 // scripts:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whole indexes: those that the engine made are valid, and what is wrong with the file is said.
 #include <gdbm.h>
 #include <kestan/maintenance/check.h>

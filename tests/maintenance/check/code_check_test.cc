@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Faults among documents, names and codes.
 #include <kestan/maintenance/check/code_check.h>
 

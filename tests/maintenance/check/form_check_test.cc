@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The case-folded form of a word is wherever the word is.
 #include <kestan/maintenance/check/form_check.h>
 

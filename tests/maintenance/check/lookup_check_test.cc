@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Records that a walk shows and no look-up finds, in files laid out by hand.
 #include <kestan/maintenance/check/lookup_check.h>
 

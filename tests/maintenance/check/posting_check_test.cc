@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Faults in posting records, word lists and texts, and documents with words missing.
 #include <kestan/maintenance/check/posting_check.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Everything in a gdbm file has bytes of its own, however few pieces are looked at together.
 #include <kestan/maintenance/check/space_check.h>
 

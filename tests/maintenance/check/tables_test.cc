@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the tables gather, record by record.
 #include <kestan/maintenance/check/tables.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which documents and words the keys of an index show.
 #include <kestan/maintenance/documents/contents.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What went into an index comes out again, compared with a plain list of the words.
 #include <gtest/gtest.h>
 #include <kestan/maintenance/documents.h>

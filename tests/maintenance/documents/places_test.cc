@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The places of words that postings give.
 #include <kestan/maintenance/documents/places.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The words of a document in the order of its text.
 #include <kestan/maintenance/documents/word_order.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A dump that is not what was written is noticed, wherever it differs.
 #include <fstream>
 #include <string>

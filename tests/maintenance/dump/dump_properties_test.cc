@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whatever bytes records hold, a dump brings them back.
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Dumps of indexes that fuzzing found interesting: damaged files as far as they can be read, and
 // files that hold damaged records and odd texts.
 #include <algorithm>

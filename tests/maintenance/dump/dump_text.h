@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Dumps as one text, for those who test or fuzz them.
 #ifndef KESTAN_TESTS_MAINTENANCE_DUMP_DUMP_TEXT_H_
 #define KESTAN_TESTS_MAINTENANCE_DUMP_DUMP_TEXT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a repair does with each record, and what document and name records say.
 #include <kestan/maintenance/repair/classify_records.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The codes of a new index.
 #include <kestan/maintenance/repair/codes.h>
 

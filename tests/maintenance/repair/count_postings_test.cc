@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What posting records say of the documents whose words they list.
 #include <kestan/maintenance/repair/count_postings.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which documents come of document and name records that do not agree.
 #include <kestan/maintenance/repair/documents.h>
 

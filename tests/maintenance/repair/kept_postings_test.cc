@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which postings of one record a repair keeps.
 #include <kestan/maintenance/repair/kept_postings.h>
 

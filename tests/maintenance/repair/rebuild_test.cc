@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the new index of a repair holds, record by record.
 #include <kestan/maintenance/repair/rebuild.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // New indexes from records that do not agree: what is kept, what is restored, and what is dropped.
 #include "tests/maintenance/repair/repair_test.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Every sentence that a repair says.
 #include <kestan/maintenance/repair/repair_report.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How many documents a repair saves whose own records the damage did not touch.
 //
 // A document's own records are its document and name records and its postings,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // New indexes from damaged ones: which files there are after a repair, and what it reports.
 #include "tests/maintenance/repair/repair_test.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the tests of repairs share.
 #ifndef KESTAN_TESTS_MAINTENANCE_REPAIR_REPAIR_TEST_H_
 #define KESTAN_TESTS_MAINTENANCE_REPAIR_REPAIR_TEST_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // New indexes from records of words whose keys or bytes look like others': hyphens, lists, letters.
 #include "tests/maintenance/repair/repair_test.h"
 

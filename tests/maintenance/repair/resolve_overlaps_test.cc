@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which posting is left out where several words are at one position of a document.
 #include <kestan/maintenance/repair/resolve_overlaps.h>
 

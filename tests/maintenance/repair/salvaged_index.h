@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The salvage of a small index, for tests of single steps of a repair.
 #ifndef KESTAN_TESTS_MAINTENANCE_REPAIR_SALVAGED_INDEX_H_
 #define KESTAN_TESTS_MAINTENANCE_REPAIR_SALVAGED_INDEX_H_

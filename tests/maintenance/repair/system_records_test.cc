@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What is believed of the code counter, the code lists and the option flags.
 #include <kestan/maintenance/repair/system_records.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Findings, and the lines that are made of them.
 #include <kestan/maintenance/report/findings.h>
 

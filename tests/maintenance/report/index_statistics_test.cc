@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Numbers of an index, and whether a shrink gives back what was promised.
 #include <kestan/maintenance/statistics.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which buckets a damaged file is seen to have.
 #include <kestan/maintenance/salvage/bucket_map.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Files in gdbm's format laid out by hand, for tests that need just one fault at one place.
 #ifndef KESTAN_TESTS_MAINTENANCE_SALVAGE_CRAFTED_FILE_H_
 #define KESTAN_TESTS_MAINTENANCE_SALVAGE_CRAFTED_FILE_H_

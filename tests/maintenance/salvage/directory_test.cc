@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The buckets that a directory reaches, and where a directory without a header is found.
 #include <kestan/maintenance/salvage/directory.h>
 

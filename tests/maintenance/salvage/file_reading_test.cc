@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Files of which some bytes cannot be read, and files that change while they are read. The program
 // has the linker lead the library's calls of the system to the stand-ins at the end of this file.
 #include <kestan/maintenance/salvage/file_reading.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What lies in free space has been removed: whether a salvage finds gdbm's lists of it.
 #include <kestan/maintenance/salvage/salvage.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which bytes of a gdbm file are read as its structures.
 #include <kestan/maintenance/salvage/gdbm_layout.h>
 

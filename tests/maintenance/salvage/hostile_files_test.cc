@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Files that were damaged at random, and files made to harm whoever reads them: a repair ends, and
 // what it makes is an index. For more random files than the default:
 //   KESTAN_REPAIR_FLIPS=20000 repair_tests --gtest_filter='RepairOfHostileFiles.*'

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which bytes of a file without a directory are recognised as a bucket.
 #include <gtest/gtest.h>
 #include <kestan/maintenance/salvage/bucket_map.h>

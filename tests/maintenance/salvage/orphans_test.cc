@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Buckets and elements that no entry of the directory leads to.
 #include <kestan/maintenance/salvage/orphans.h>
 

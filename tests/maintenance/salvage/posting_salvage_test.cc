@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Posting records of which some bytes are damaged.
 #include <kestan/maintenance/salvage/posting_salvage.h>
 

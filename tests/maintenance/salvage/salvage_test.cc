@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a salvage finds in whole files, and what it still finds in damaged ones.
 #include <kestan/maintenance/salvage/salvage.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which elements lie in bytes that are known to be in use or free.
 #include <kestan/maintenance/salvage/used_space.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What is wrong with word lists, and how they are repaired.
 #include <kestan/maintenance/salvage/word_list_salvage.h>
 

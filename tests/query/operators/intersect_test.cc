@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // AND, within a distance or not, through Kestan::QueryAnd.
 #include <climits>
 

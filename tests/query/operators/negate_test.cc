@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // NOT through Kestan::QueryNegate.
 #include "tests/query/query_test.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The quick way of matching positions against the slow, plain one: all pairs.
 #include <kestan/query/operators/proximity.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // OR through Kestan::QueryOr.
 #include "tests/query/query_test.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the library announces to the system before it reads: with nothing of an index in memory, a
 // page that was not announced is waited for by itself.
 #include <dlfcn.h>

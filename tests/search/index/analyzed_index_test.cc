@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Indexes whose words the Analyzer has made, from text to answers.
 #include <gtest/gtest.h>
 #include <kestan/kestan.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What merging promises, on real indexes with random histories: how many segments there are, how
 // many bytes are written in all, and how many the folder has.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Searches with a filter of the host.
 #include <gtest/gtest.h>
 #include <kestan/search.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // IndexReader::ForEachMatch(), beside Search() without a limit.
 #include <kestan/search/index_reader.h>
 

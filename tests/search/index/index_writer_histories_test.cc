@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Random histories of a writer, against a map.
 #include <gtest/gtest.h>
 #include <kestan/search/index_writer.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A writer is killed while it commits and merges. What it leaves is one of the states that it
 // committed, the last that it reported or the next, and the next writer removes the rest.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An index file of class Kestan, searched like an index folder.
 #include <gtest/gtest.h>
 #include <kestan/kestan.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/search/index/read_index.h"
 
 #include <kestan/tokenizer.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An index folder read without a reader: all that it says of its documents.
 #ifndef KESTAN_TESTS_SEARCH_INDEX_READ_INDEX_H_
 #define KESTAN_TESTS_SEARCH_INDEX_READ_INDEX_H_

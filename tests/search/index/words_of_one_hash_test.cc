@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Documents with words that were chosen to have one hash of gdbm: more than an index file can hold.
 #include <gtest/gtest.h>
 #include <kestan/search.h>

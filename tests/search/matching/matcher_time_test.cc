@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What long queries cost, by the time of the processor.
 #include <gtest/gtest.h>
 

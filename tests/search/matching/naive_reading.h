@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What queries find, from reading each document word by word.
 #ifndef KESTAN_TESTS_SEARCH_MATCHING_NAIVE_READING_H_
 #define KESTAN_TESTS_SEARCH_MATCHING_NAIVE_READING_H_

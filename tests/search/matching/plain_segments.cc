@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/search/matching/plain_segments.h"
 
 #include <kestan/index_builder.h>

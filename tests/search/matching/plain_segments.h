@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Segments of documents that a test writes down.
 #ifndef KESTAN_TESTS_SEARCH_MATCHING_PLAIN_SEGMENTS_H_
 #define KESTAN_TESTS_SEARCH_MATCHING_PLAIN_SEGMENTS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What must hold of every text that is taken for a query.
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Answers are those of a naive reading, however documents are split over segments.
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Dictionaries made of maps and read into maps.
 #ifndef KESTAN_TESTS_SEARCH_SEGMENT_DICTIONARY_FILES_H_
 #define KESTAN_TESTS_SEARCH_SEGMENT_DICTIONARY_FILES_H_

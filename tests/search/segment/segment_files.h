@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Small segments for tests.
 #ifndef KESTAN_TESTS_SEARCH_SEGMENT_SEGMENT_FILES_H_
 #define KESTAN_TESTS_SEARCH_SEGMENT_SEGMENT_FILES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An index with everything that an index can hold, and all that a reader says of it.
 #ifndef KESTAN_TESTS_SEARCH_UPKEEP_KEPT_INDEX_H_
 #define KESTAN_TESTS_SEARCH_UPKEEP_KEPT_INDEX_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Repairs of indexes with random damage: what comes of them agrees with itself.
 #include <gtest/gtest.h>
 #include <kestan/search.h>

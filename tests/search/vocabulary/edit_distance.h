@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How far apart two words are.
 #ifndef KESTAN_TESTS_SEARCH_VOCABULARY_EDIT_DISTANCE_H_
 #define KESTAN_TESTS_SEARCH_VOCABULARY_EDIT_DISTANCE_H_

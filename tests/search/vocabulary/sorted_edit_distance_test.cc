@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "search/vocabulary/sorted_edit_distance.h"
 
 #include <gtest/gtest.h>

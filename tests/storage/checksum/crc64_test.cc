@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include <kestan/storage/checksum/crc64.h>
 #include <kestan/storage/checksum/crc64_tables.h>
 

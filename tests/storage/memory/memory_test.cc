@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Memory that is there or ends the process.
 #include <kestan/storage/memory/memory.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Copying between stores. tests/engine/copy_index_test.cc has the flushes.
 #include <kestan/storage/walk/copy_records.h>
 

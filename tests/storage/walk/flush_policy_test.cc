@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // When a long run over many records flushes the store.
 #include <kestan/storage/walk/flush_policy.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the index knows of a document beside its words.
 #ifndef KESTAN_CLI_COMMANDS_SEARCH_FILTERS_DOCUMENT_FACTS_H_
 #define KESTAN_CLI_COMMANDS_SEARCH_FILTERS_DOCUMENT_FACTS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Types of documents, as people name them.
 #ifndef KESTAN_CLI_COMMANDS_SEARCH_FILTERS_FILE_TYPE_H_
 #define KESTAN_CLI_COMMANDS_SEARCH_FILTERS_FILE_TYPE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Capitals of all scripts.
 #ifndef KESTAN_CLI_COMMANDS_SEARCH_FILTERS_LOWER_CASE_H_
 #define KESTAN_CLI_COMMANDS_SEARCH_FILTERS_LOWER_CASE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Parts of paths, as people write them.
 #ifndef KESTAN_CLI_COMMANDS_SEARCH_FILTERS_PATH_PATTERN_H_
 #define KESTAN_CLI_COMMANDS_SEARCH_FILTERS_PATH_PATTERN_H_

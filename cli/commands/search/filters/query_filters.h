@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Takes the filters out of a query: "wing type:pdf -path:old" asks for the word "wing".
 #ifndef KESTAN_CLI_COMMANDS_SEARCH_FILTERS_QUERY_FILTERS_H_
 #define KESTAN_CLI_COMMANDS_SEARCH_FILTERS_QUERY_FILTERS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Cuts a query into words, phrases, operators and filters, as the search library cuts it.
 #ifndef KESTAN_CLI_COMMANDS_SEARCH_FILTERS_QUERY_PIECES_H_
 #define KESTAN_CLI_COMMANDS_SEARCH_FILTERS_QUERY_PIECES_H_

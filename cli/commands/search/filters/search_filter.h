@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The filters of a query, put to documents.
 #ifndef KESTAN_CLI_COMMANDS_SEARCH_FILTERS_SEARCH_FILTER_H_
 #define KESTAN_CLI_COMMANDS_SEARCH_FILTERS_SEARCH_FILTER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Words that stand in a row in a short text: a title, a sender.
 #ifndef KESTAN_CLI_COMMANDS_SEARCH_FILTERS_WORD_RUN_H_
 #define KESTAN_CLI_COMMANDS_SEARCH_FILTERS_WORD_RUN_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // From text to the words that are indexed: kestan::search::Analyzer.
 #ifndef KESTAN_SEARCH_ANALYZER_H_
 #define KESTAN_SEARCH_ANALYZER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whether the files of an index are whole, and making again what can be made again.
 #ifndef KESTAN_SEARCH_CHECK_H_
 #define KESTAN_SEARCH_CHECK_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Index files of class Kestan to index folders, and the other way.
 #ifndef KESTAN_SEARCH_CONVERT_H_
 #define KESTAN_SEARCH_CONVERT_H_

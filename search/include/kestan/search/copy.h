@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Copies of an index, and what a compaction of it would give back.
 #ifndef KESTAN_SEARCH_COPY_H_
 #define KESTAN_SEARCH_COPY_H_

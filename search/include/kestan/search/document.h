@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A document as a host hands it in.
 #ifndef KESTAN_SEARCH_DOCUMENT_H_
 #define KESTAN_SEARCH_DOCUMENT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The documents of an index, one after the other: kestan::search::DocumentCursor.
 #ifndef KESTAN_SEARCH_DOCUMENT_CURSOR_H_
 #define KESTAN_SEARCH_DOCUMENT_CURSOR_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Indexes as text that any machine can load. docs/dump-format.md describes it.
 #ifndef KESTAN_SEARCH_DUMP_H_
 #define KESTAN_SEARCH_DUMP_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How a query was read, and what each part of it found.
 #ifndef KESTAN_SEARCH_EXPLANATION_H_
 #define KESTAN_SEARCH_EXPLANATION_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Documents as the filter of a search sees them: kestan::search::FilteredDocument.
 #ifndef KESTAN_SEARCH_FILTERED_DOCUMENT_H_
 #define KESTAN_SEARCH_FILTERED_DOCUMENT_H_

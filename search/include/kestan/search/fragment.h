@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The fragments that a snippet consists of.
 #ifndef KESTAN_SEARCH_FRAGMENT_H_
 #define KESTAN_SEARCH_FRAGMENT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Searching indexes: kestan::search::IndexReader.
 //
 // Words of an index come in UTF-8: terms, suggestions, notes, explanations, words of documents.

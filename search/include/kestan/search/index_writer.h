@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Changing an index: kestan::search::IndexWriter.
 #ifndef KESTAN_SEARCH_INDEX_WRITER_H_
 #define KESTAN_SEARCH_INDEX_WRITER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A new index from what a damaged one still holds.
 #ifndef KESTAN_SEARCH_REPAIR_H_
 #define KESTAN_SEARCH_REPAIR_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Queries that a program builds: kestan::search::SearchQuery.
 #ifndef KESTAN_SEARCH_SEARCH_QUERY_H_
 #define KESTAN_SEARCH_SEARCH_QUERY_H_

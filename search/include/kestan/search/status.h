@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Errors as values.
 #ifndef KESTAN_SEARCH_STATUS_H_
 #define KESTAN_SEARCH_STATUS_H_

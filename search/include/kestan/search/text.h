@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Characters of UTF-8, and words in letters of ASCII: those of index files of class Kestan, and of
 // folders from before kestan::search::Analyzer.
 //

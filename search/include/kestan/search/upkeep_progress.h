@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How far a copy, a conversion or a repair has come.
 #ifndef KESTAN_SEARCH_UPKEEP_PROGRESS_H_
 #define KESTAN_SEARCH_UPKEEP_PROGRESS_H_

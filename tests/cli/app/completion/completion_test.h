@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Runs shells on the completion that the command prints for them.
 #ifndef KESTAN_TESTS_CLI_APP_COMPLETION_TEST_H_
 #define KESTAN_TESTS_CLI_APP_COMPLETION_TEST_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Indexes whose words were made by an older version.
 #include <gtest/gtest.h>
 #include <kestan/checksum.h>

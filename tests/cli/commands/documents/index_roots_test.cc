@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What an index remembers of the paths that it is kept up to date with.
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What `kestan index` shows on a terminal at its end.
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The command is killed, and the index is the old one or the new one.
 #include <sys/syscall.h>
 #include <unistd.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // No run changes an index of which a part is missing or damaged.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Words of one letter: they are found in the documents that have them, and nowhere else, whatever
 // becomes of other documents.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // All of a file's text is indexed, or the file is named with what is missing: for every way of
 // reading files, and every byte in them.
 #include <gtest/gtest.h>

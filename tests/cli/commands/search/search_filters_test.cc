@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Filters in queries, and what is shown of mail, as users see them.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a search shows, and in which form.
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a search shows on a terminal.
 #include <fcntl.h>
 #include <gtest/gtest.h>

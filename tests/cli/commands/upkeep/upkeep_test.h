@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Indexes of both kinds for the commands that keep them up.
 #ifndef KESTAN_TESTS_CLI_COMMANDS_UPKEEP_UPKEEP_TEST_H_
 #define KESTAN_TESTS_CLI_COMMANDS_UPKEEP_UPKEEP_TEST_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Pages read while memory runs out, for every allocation that a page takes.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/extract/html/html_repair.h"
 
 #include <gtest/gtest.h>

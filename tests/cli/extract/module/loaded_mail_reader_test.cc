@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The command as it is built, with the module that reads mail and without.
 #include "cli/extract/module/loaded_mail_reader.h"
 

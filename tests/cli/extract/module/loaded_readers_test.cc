@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The command as it is installed, with its module and without.
 #include "cli/extract/module/loaded_readers.h"
 

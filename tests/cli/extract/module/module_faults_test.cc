@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The module opened while memory runs out, for every allocation that this takes.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A module of another version: all that the command may read of it is that.
 #include "cli/readers/readers.h"
 

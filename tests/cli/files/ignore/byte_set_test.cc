@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/files/ignore/byte_set.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Random lines of ignore files, and random paths that they may match.
 #ifndef KESTAN_TESTS_CLI_FILES_IGNORE_IGNORE_GENERATORS_H_
 #define KESTAN_TESTS_CLI_FILES_IGNORE_IGNORE_GENERATORS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What git itself leaves out, where it is installed, compared with what the command does.
 #include <gtest/gtest.h>
 #include <rapidcheck.h>

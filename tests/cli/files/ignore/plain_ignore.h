@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Ignore files as slowly and as plainly as they can be read, to compare with.
 #ifndef KESTAN_TESTS_CLI_FILES_IGNORE_PLAIN_IGNORE_H_
 #define KESTAN_TESTS_CLI_FILES_IGNORE_PLAIN_IGNORE_H_

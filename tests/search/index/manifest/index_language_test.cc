@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The language of an index, from its documents to its answers.
 #include "search/index/manifest/index_language.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How precisely words of scripts without blanks are found: as pairs of characters, or as the words
 // that ICU's dictionaries tell apart. A small set of texts and questions with their answers.
 #include <gtest/gtest.h>

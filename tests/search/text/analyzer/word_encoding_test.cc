@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "search/text/analyzer/word_encoding.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/commands/search/filters/lower_case.h"
 
 #include <gtest/gtest.h>
