@@ -23,6 +23,10 @@ Status SystemError(int error, const std::string& file) {
   return Status::OfSystem(CodeOfError(error), error, std::generic_category().message(error), file);
 }
 
+Status NoIndexAt(const std::string& path) {
+  return Status::OfSystem(StatusCode::kNotFound, ENOENT, "there is no index", path);
+}
+
 Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
   if (this != &other) {
     Close();

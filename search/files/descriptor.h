@@ -16,6 +16,9 @@ namespace kestan::search {
 // ENOENT, kOutOfMemory for ENOMEM, else kSystem.
 Status SystemError(int error, const std::string& file);
 
+// Returns the error of a folder or a file `path` that is not there.
+Status NoIndexAt(const std::string& path);
+
 // A file descriptor; -1 for none. Closed at the end.
 class Descriptor {
  public:

@@ -76,6 +76,7 @@ void WriterLock::Release() {
   if (!file_.is_open()) return;
   // Nobody is to read the number of a process that holds the lock no more.
   [[maybe_unused]] const int ignored = ftruncate(file_.number(), 0);
+  flock(file_.number(), LOCK_UN);  // a child process may have the file open too
   file_.Close();
 }
 

@@ -24,6 +24,9 @@ class WriterLock {
   WriterLock& operator=(WriterLock&& other) noexcept;
   ~WriterLock() { Release(); }
 
+  // Closes the file in a child process, to whose parent the lock belongs. There it stays.
+  void CloseInChild() noexcept { file_.Close(); }
+
  private:
   explicit WriterLock(Descriptor file) : file_(std::move(file)) {}
   void Release();

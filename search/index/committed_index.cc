@@ -66,7 +66,7 @@ Result<std::unique_ptr<CommittedIndex>> CommittedIndex::Open(const std::string& 
                                                              const WriterOptions& options) {
   const std::string folder = WithoutSlashes(path);
   if (!IsIndexFolder(folder)) {
-    if (!options.create) return Status(StatusCode::kNotFound, "there is no index", folder);
+    if (!options.create) return NoIndexAt(folder);
     Status status = MakeFolder(folder, options.sync);
     if (status.ok()) status = CheckHoldsNothing(folder);  // before the lock adds a file to it
     if (!status.ok() && !IsIndexFolder(folder)) return status;
@@ -88,6 +88,20 @@ Status CommittedIndex::Create(bool with_positions) {
   manifest.with_positions = with_positions;
   manifest.properties.emplace(kAnalyzerProperty, Analyzer::kVersion);
   return WriteManifest(folder_, manifest, {}, syncing_);
+}
+
+std::uint64_t CommittedIndex::NextSegment() const {
+  std::uint64_t number = manifest_.next_segment;
+  for (const auto& segment : segments_.segments()) {
+    number = std::max(number, segment->info().number + 1);
+  }
+  return number;
+}
+
+std::uint64_t CommittedIndex::BytesOf(const std::vector<std::size_t>& positions) const {
+  std::uint64_t bytes = 0;
+  for (const std::size_t position : positions) bytes += manifest_.segments[position].segment.bytes;
+  return bytes;
 }
 
 Status CommittedIndex::Reload() {

@@ -37,6 +37,12 @@ class CommittedIndex {
   const std::string& folder() const { return folder_; }
   const Manifest& manifest() const { return manifest_; }
 
+  // The number of the next new segment.
+  std::uint64_t NextSegment() const;
+
+  // The size of the segments at these positions of the manifest.
+  std::uint64_t BytesOf(const std::vector<std::size_t>& positions) const;
+
   // The segments, with changes that Commit() commits.
   ChangedSegments& segments() { return segments_; }
   const ChangedSegments& segments() const { return segments_; }
@@ -59,6 +65,9 @@ class CommittedIndex {
   // Forgets all changes, and removes their files.
   Status Reload();
 
+  // Closes what a child process need not keep open of its parent's. Nothing else may follow there.
+  void CloseInChild() noexcept { lock_.CloseInChild(); }
+
   // Removes the files of changes. Only Reload() may follow.
   void RemoveFilesOfChanges() const;
 
@@ -72,7 +81,7 @@ class CommittedIndex {
   Status Publish(Manifest next);
 
   const std::string folder_;
-  const WriterLock lock_;
+  WriterLock lock_;
   const Syncing syncing_;  // kLater: never
   Manifest manifest_;
   ChangedSegments segments_;

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "search/files/owning_process.h"
 #include "search/index/caught.h"
 #include "search/index/committed_index.h"
 #include "search/index/inverting/document_limits.h"
@@ -21,6 +22,11 @@ namespace kestan::search {
 namespace {
 
 std::uint32_t Now() { return static_cast<std::uint32_t>(std::time(nullptr)); }
+
+Status WasForked() {
+  return {StatusCode::kForked,
+          "the writer was opened by the process that forked this one; open the index again here"};
+}
 
 Status NoSuchDocument(std::string_view name) {
   return {StatusCode::kNotFound, "there is no document '" + std::string(name) + "'"};
@@ -51,6 +57,7 @@ class IndexWriter::Impl {
   // Calls `action`, whatever happened before.
   template <typename Action>
   Status Caught(const Action& action) {
+    if (IsInChild()) return kestan::search::Caught("", WasForked);
     try {
       return action();
     } catch (const std::exception& error) {
@@ -68,7 +75,7 @@ class IndexWriter::Impl {
     status = RemoveIfThere(document.name);
     if (status.code() == StatusCode::kNotFound) status = {};
     if (status.ok() && pending_.HasManyNames()) status = WritePending();
-    if (status.ok() && pending_.empty()) pending_.StartAt(NextNumber());
+    if (status.ok() && pending_.empty()) pending_.StartAt(index_->NextSegment());
     if (status.ok() && !index_->segments().HasDocuments()) language_.Add(document);
     if (status.ok()) status = pending_.Add(std::move(document), Now());
     return status.ok() ? status : Fail(status);
@@ -137,7 +144,7 @@ class IndexWriter::Impl {
     // The groups are others after a segment was left out.
     for (bool is_done = false; status.ok() && !is_done;) {
       const auto groups = ChooseCompaction(index_->manifest().segments, policy_.left_out);
-      for (const auto& group : groups) progress.all_bytes += BytesOfSegments(group);
+      for (const auto& group : groups) progress.all_bytes += index_->BytesOf(group);
       is_done = true;
       // From the last to the first, so that the positions of the others stay as they are.
       for (auto group = groups.rbegin(); status.ok() && is_done && group != groups.rend();
@@ -157,7 +164,7 @@ class IndexWriter::Impl {
     if (!status.ok() || !index_->manifest().with_positions) return status;
     MergeProgress progress;
     for (const auto& group : GroupNeighbours(index_->manifest().segments)) {
-      progress.all_bytes += BytesOfSegments(group);
+      progress.all_bytes += index_->BytesOf(group);
     }
     status = index_->DropPositions(properties_, [&](std::uint64_t bytes) {
       progress.done_bytes += bytes;
@@ -177,6 +184,13 @@ class IndexWriter::Impl {
   }
 
   std::vector<Status> TakeWarnings() noexcept { return std::exchange(warnings_, {}); }
+
+  // Returns whether this is a copy in a child process, and then closes the lock's file there.
+  bool IsInChild() noexcept {
+    if (process_.IsThisOne()) return false;
+    index_->CloseInChild();
+    return true;
+  }
 
  private:
   // How far all merges of a call have come.
@@ -223,21 +237,12 @@ class IndexWriter::Impl {
     return {};
   }
 
-  std::uint64_t NextNumber() const {
-    std::uint64_t number = index_->manifest().next_segment;
-    for (const auto& segment : index_->segments().segments()) {
-      number = std::max(number, segment->info().number + 1);
-    }
-    return number;
-  }
-
   bool Report(WriterProgress::Phase phase, std::uint64_t done_bytes, std::uint64_t all_bytes) {
-    if (!options_.progress) return true;
     WriterProgress progress;
     progress.phase = phase;
     progress.done_bytes = std::min(done_bytes, all_bytes);
     progress.all_bytes = all_bytes;
-    return options_.progress(progress);
+    return GoesOn(options_.progress, progress);
   }
 
   void WarnOfWordsLeftOut(const SegmentInfo& info) {
@@ -276,7 +281,7 @@ class IndexWriter::Impl {
     for (;;) {
       const auto positions = ChooseMerge(index_->manifest().segments, policy_);
       if (positions.empty()) return {};
-      progress.all_bytes += BytesOfSegments(positions);
+      progress.all_bytes += index_->BytesOf(positions);
       Status left_out;
       Status status = Merge(positions, &progress, &left_out);
       if (!status.ok()) return status;
@@ -284,19 +289,11 @@ class IndexWriter::Impl {
     }
   }
 
-  std::uint64_t BytesOfSegments(const std::vector<std::size_t>& positions) const {
-    std::uint64_t bytes = 0;
-    for (const std::size_t position : positions) {
-      bytes += index_->manifest().segments[position].segment.bytes;
-    }
-    return bytes;
-  }
-
   // Merges these segments. An error of merging takes nothing away from what is committed. One of
   // reading a segment is put into `*left_out`: that segment stays out of merging from now on.
   Status Merge(const std::vector<std::size_t>& positions, MergeProgress* progress,
                Status* left_out) {
-    const std::uint64_t end = progress->done_bytes + BytesOfSegments(positions);
+    const std::uint64_t end = progress->done_bytes + index_->BytesOf(positions);
     const std::uint64_t number = index_->manifest().next_segment;
     std::uint64_t unreadable = 0;
     Status status = index_->Merge(
@@ -318,6 +315,7 @@ class IndexWriter::Impl {
     return {};
   }
 
+  const OwningProcess process_;
   const WriterOptions options_;
   MergePolicy policy_;
   const std::unique_ptr<CommittedIndex> index_;
@@ -343,8 +341,19 @@ Result<IndexWriter> IndexWriter::Open(const std::string& path, WriterOptions opt
 
 IndexWriter::IndexWriter(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
 IndexWriter::IndexWriter(IndexWriter&& other) noexcept = default;
-IndexWriter& IndexWriter::operator=(IndexWriter&& other) noexcept = default;
-IndexWriter::~IndexWriter() = default;
+IndexWriter::~IndexWriter() { LeaveToParent(); }
+
+IndexWriter& IndexWriter::operator=(IndexWriter&& other) noexcept {
+  LeaveToParent();
+  impl_ = std::move(other.impl_);
+  return *this;
+}
+
+// To destroy what a child has would be to wait for threads that it has not, and to remove files of
+// its parent's. Its memory is lost.
+void IndexWriter::LeaveToParent() noexcept {
+  if (impl_ != nullptr && impl_->IsInChild()) static_cast<void>(impl_.release());
+}
 
 Status IndexWriter::Add(Document document) {
   return impl_->Guarded([&] { return impl_->Add(std::move(document)); });

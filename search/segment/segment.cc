@@ -12,6 +12,7 @@
 #include "search/files/descriptor.h"
 #include "search/files/numbers.h"
 #include "search/files/output_file.h"
+#include "search/files/owning_process.h"
 #include "search/segment/plain_index.h"
 #include "search/segment/record_keys.h"
 
@@ -32,6 +33,12 @@ Status Contradiction(const std::string& what, const std::string& file) {
   return {StatusCode::kDamaged, "it has other " + what + " than MANIFEST says", file};
 }
 
+Status WasForked(const std::string& file) {
+  return {StatusCode::kForked,
+          "the index file was opened by the process that forked this one; open it again here",
+          file};
+}
+
 Status OfAnotherSegment(const std::string& file) {
   return {StatusCode::kDamaged, "it belongs to another segment", file};
 }
@@ -43,6 +50,13 @@ Status OfAnotherSegment(const std::string& file) {
 struct Segment::Files {
   Files(std::shared_ptr<const FileBytes> bytes, TermDictionary dictionary, DocumentTable documents)
       : segment(std::move(bytes)), terms(std::move(dictionary)), table(std::move(documents)) {}
+
+  // In a child process, to close the file of an index would take away the lock of its parent.
+  ~Files() {
+    if (!process.IsThisOne()) static_cast<void>(index_file.release());
+  }
+  Files(const Files&) = delete;
+  Files& operator=(const Files&) = delete;
 
   // Reads the record of `key` through gdbm, which is opened when it is needed first. That a record
   // is not where it should be makes the whole file doubtful, so that its checksum is compared then.
@@ -62,6 +76,7 @@ struct Segment::Files {
   bool is_plain = false;     // an index file of class Kestan, without other files
   mutable std::mutex mutex;  // of what follows, which one thread at a time may use
   mutable std::unique_ptr<IndexFile> index_file;
+  mutable OwningProcess process;  // that opened it: others would move its place in the file
 };
 
 Result<Bytes> Segment::Files::Fetch(std::string_view key) const {
@@ -69,6 +84,10 @@ Result<Bytes> Segment::Files::Fetch(std::string_view key) const {
     return StatusOfIndexFile(StoreError::kItemNotFound, 0, segment->path());
   }
   const std::lock_guard<std::mutex> lock(mutex);
+  if (!process.IsThisOne()) {
+    static_cast<void>(index_file.release());
+    process = OwningProcess();
+  }
   if (index_file == nullptr) {
     const Status status = VerifyFile(segment->path(), summary);
     if (!status.ok()) return status;
@@ -88,6 +107,7 @@ Result<Bytes> Segment::Files::Fetch(std::string_view key) const {
 }
 
 Result<std::string> Segment::Files::FetchOrdered(std::string_view term) const {
+  if (!process.IsThisOne()) return WasForked(segment->path());
   const std::lock_guard<std::mutex> lock(mutex);
   std::string record = OrderedRecord(index_file->FindWord(term));
   index_file->store().Flush();
@@ -97,6 +117,7 @@ Result<std::string> Segment::Files::FetchOrdered(std::string_view term) const {
 }
 
 Result<std::string> Segment::Files::FetchField(DocumentField field, std::string_view name) const {
+  if (!process.IsThisOne()) return WasForked(segment->path());
   const std::lock_guard<std::mutex> lock(mutex);
   DBDatumPtr value =
       index_file->FindSideRecord(kSideRecords[static_cast<std::size_t>(field)], name);
@@ -110,6 +131,7 @@ Result<std::string> Segment::Files::FetchField(DocumentField field, std::string_
 }
 
 Result<std::string> Segment::Files::FetchProperty(std::string_view key) const {
+  if (!process.IsThisOne()) return WasForked(segment->path());
   const std::lock_guard<std::mutex> lock(mutex);
   std::string value = kestan::search::PropertyOf(*index_file, key);
   index_file->store().Flush();

@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <functional>
 
+#include "search/index/caught.h"
+
 namespace kestan::search {
 
 // Adds up what merges report, one after the other.
@@ -21,7 +23,7 @@ class MergeProgress {
   // Counts `bytes` more. Returns whether to go on.
   bool Add(std::uint64_t bytes) {
     done_bytes_ = std::min(done_bytes_ + bytes, all_bytes_);
-    return !progress_ || progress_(done_bytes_, all_bytes_);
+    return GoesOn(progress_, done_bytes_, all_bytes_);
   }
 
   // For MergeSegments(), which it must outlive.

@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "search/files/descriptor.h"
 #include "search/files/file_bytes.h"
 #include "search/files/folder_names.h"
 #include "search/files/numbers.h"
@@ -120,7 +121,7 @@ class Rebuilder {
   Status RebuildAll() {
     Status status = FindFiles();
     if (!status.ok()) return status;
-    if (segments_.empty()) return {StatusCode::kNotFound, "there is no index", folder_};
+    if (segments_.empty()) return NoIndexAt(folder_);
     bool is_first = true;
     // The newest first: of a name that lives twice, its document stays.
     for (auto segment = segments_.rbegin(); segment != segments_.rend(); ++segment) {

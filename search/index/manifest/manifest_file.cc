@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "search/files/descriptor.h"
 #include "search/files/folder_names.h"
 #include "search/files/output_file.h"
 
@@ -67,7 +68,7 @@ Result<Manifest> ReadManifest(const std::string& folder) {
 
 Status StatusOfMissingManifest(const std::string& folder) {
   const auto files = SegmentFilesIn(folder);
-  if (!files.ok() || files->empty()) return {StatusCode::kNotFound, "there is no index", folder};
+  if (!files.ok() || files->empty()) return NoIndexAt(folder);
   return {StatusCode::kDamaged, "it is missing, but there are segments of an index",
           ManifestPath(folder)};
 }
@@ -115,7 +116,8 @@ Status RemoveUnnamedFiles(const std::string& folder, const Manifest& manifest) {
     if (named.count(name) != 0) continue;
     const std::string path = PathIn(folder, name);
     if (unlink(path.c_str()) != 0 && errno != ENOENT && status.ok()) {
-      status = Status(StatusCode::kSystem, std::generic_category().message(errno), path);
+      status = Status::OfSystem(StatusCode::kSystem, errno, std::generic_category().message(errno),
+                                path);
     }
   }
   return status;

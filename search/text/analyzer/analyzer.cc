@@ -18,6 +18,8 @@ auto Caught(const Work& work) -> decltype(work()) {
     return Status(StatusCode::kOutOfMemory, "out of memory");
   } catch (const std::exception& error) {
     return Status(StatusCode::kSystem, error.what());
+  } catch (...) {  // by a function of the host's
+    return Status(StatusCode::kSystem, "a function of the host threw what is no std::exception");
   }
 }
 

@@ -15,6 +15,7 @@
 
 #include <unistd.h>
 
+#include "search/files/descriptor.h"
 #include "search/files/folder_names.h"
 #include "search/files/writer_lock.h"
 #include "search/index/caught.h"
@@ -101,7 +102,7 @@ class FolderRepairer {
     if (code != StatusCode::kNotFound && code != StatusCode::kDamaged) return manifest.status();
     Result<std::vector<DamagedSegment>> found = FindSegments(folder_);
     if (!found.ok()) return found.status();
-    if (found->empty()) return {StatusCode::kNotFound, "there is no index", folder_};
+    if (found->empty()) return NoIndexAt(folder_);
     found_ = std::move(*found);
     manifest_.properties.emplace(kAnalyzerProperty, Analyzer::kVersion);  // as far as is known
     // No index had so many commits, so readers see that it is another state.
@@ -176,7 +177,7 @@ Result<RepairReport> Repair(const std::string& path, const std::string& new_path
   std::error_code error;
   const std::filesystem::file_status found = std::filesystem::status(path, error);
   if (found.type() == std::filesystem::file_type::not_found) {
-    return Status(StatusCode::kNotFound, "there is no index", path);
+    return NoIndexAt(path);
   }
   RepairItems items(take);
   const bool is_folder = std::filesystem::is_directory(found);

@@ -15,14 +15,26 @@ namespace {
 
 using kestan_tests::Plain;
 
-// A query in both ways. The text of an operator is in parentheses, but where NEAR makes a chain.
+enum class Kind { kLeaf, kNear, kAnd, kOr };
+
+// A query in both ways. The text of an operator is in parentheses, but where it makes a chain.
 struct Pair {
   SearchQuery built;
-  std::string text;
-  std::string chain;  // of NEAR, without its parentheses; else the same as `text`
+  Kind kind;
+  std::string text;   // without the parentheses around it
+  std::string group;  // with them
+
+  // The text as an operand of `outer`.
+  std::string In(Kind outer) const { return kind == outer ? text : group; }
 };
 
-Pair Leaf(const SearchQuery& built, const std::string& text) { return {built, text, text}; }
+Pair Leaf(const SearchQuery& built, const std::string& text) {
+  return {built, Kind::kLeaf, text, text};
+}
+
+Pair Operator(const SearchQuery& built, Kind kind, const std::string& text) {
+  return {built, kind, text, "(" + text + ")"};
+}
 
 Pair AnyLeaf() {
   const auto word = *rc::gen::element<std::string>("cat", "dogs", "dog", "e-mail", "the", "wing",
@@ -39,39 +51,39 @@ Pair AnyLeaf() {
 
 Pair AnyQuery(int depth);
 
-Pair AnyList(int depth, bool is_and) {
+Pair AnyList(int depth, Kind kind) {
   std::vector<SearchQuery> operands;
   std::string text;
   const int count = *rc::gen::inRange(1, 4);
   for (int i = 0; i < count; ++i) {
     const Pair operand = AnyQuery(depth - 1);
     operands.push_back(operand.built);
-    text += (i == 0 ? "" : is_and ? " AND " : " OR ") + operand.text;
+    text += (i == 0 ? "" : kind == Kind::kAnd ? " AND " : " OR ") + operand.In(kind);
   }
-  text = "(" + text + ")";
-  return Leaf(is_and ? SearchQuery::And(operands) : SearchQuery::Or(operands), text);
+  return Operator(kind == Kind::kAnd ? SearchQuery::And(operands) : SearchQuery::Or(operands), kind,
+                  text);
 }
 
 Pair AnyNear(int depth) {
   const Pair left = AnyQuery(depth - 1);
   const Pair right = AnyQuery(depth - 1);
   const auto distance = *rc::gen::inRange(1U, 6U);
-  const std::string chain = left.chain + " NEAR/" + std::to_string(distance) + " " + right.text;
-  return {SearchQuery::Near(left.built, right.built, distance), "(" + chain + ")", chain};
+  return Operator(SearchQuery::Near(left.built, right.built, distance), Kind::kNear,
+                  left.In(Kind::kNear) + " NEAR/" + std::to_string(distance) + " " + right.group);
 }
 
 Pair AnyQuery(int depth) {
   if (depth == 0) return AnyLeaf();
   switch (*rc::gen::inRange(0, 6)) {
     case 0:
-      return AnyList(depth, true);
+      return AnyList(depth, Kind::kAnd);
     case 1:
-      return AnyList(depth, false);
+      return AnyList(depth, Kind::kOr);
     case 2:
       return AnyNear(depth);
     case 3: {
       const Pair operand = AnyQuery(depth - 1);
-      return Leaf(SearchQuery::Not(operand.built), "(NOT " + operand.text + ")");
+      return Leaf(SearchQuery::Not(operand.built), "(NOT " + operand.group + ")");
     }
     default:
       return AnyLeaf();

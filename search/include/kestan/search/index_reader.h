@@ -123,6 +123,12 @@ struct IndexStatistics {
 
 // A snapshot of one index or of several: no later commit changes it. Any number of threads may use
 // one reader at once; Refresh() is for one thread, while no other uses the reader.
+//
+// A child process that fork() made, while no other thread used the reader, may use its copy of it
+// as its parent does: files of an index folder are read without a place in them that both would
+// move. Of an index file of class Kestan it can destroy its copy; asked, that returns kForked.
+//
+// What a function of the host's throws (a filter, a visitor) is an error of kSystem.
 class KESTAN_SEARCH_EXPORT IndexReader {
  public:
   // Opens the index folder, or the index file of class Kestan, at each of `paths`.

@@ -49,7 +49,8 @@ struct WriterOptions {
   bool sync = true;
 
   // Called now and then during Commit() and Compact(), by the thread that called them. Returns
-  // whether to go on; if not, the call fails with kInterrupted and the index is as it was.
+  // whether to go on; if not, or if it throws, the call fails with kInterrupted and the index is as
+  // it was.
   std::function<bool(const WriterProgress&)> progress;
 };
 
@@ -60,6 +61,10 @@ enum class DocumentField : std::uint8_t { kTitle, kSummary, kHostData };
 // After an error of writing, every call returns that error until Rollback(). After an error of
 // merging the commit stands, and the writer can go on. Use it from one thread at a time; it has
 // threads of its own.
+//
+// A child process that fork() made has a copy that does nothing: each call returns kForked, and its
+// end leaves all to the parent. Open the index in the child once the parent has closed it. Do not
+// call fork() in `progress`.
 class KESTAN_SEARCH_EXPORT IndexWriter {
  public:
   // Opens the index folder at `path`, or makes it there.
@@ -119,6 +124,7 @@ class KESTAN_SEARCH_EXPORT IndexWriter {
  private:
   class Impl;
   explicit IndexWriter(std::unique_ptr<Impl> impl);
+  void LeaveToParent() noexcept;
   std::unique_ptr<Impl> impl_;
 };
 

@@ -15,7 +15,8 @@ struct BuiltNode;
 
 // A query, or a part of one, built by calls. It finds what the text finds that has the same parts
 // with the operators of docs/queries.md and parentheses between them, and nothing in it is taken
-// for an operator: Word("OR") is a word, and so is the one in Word("roses*").
+// for an operator: Word("OR") is a word, and so is the one in Word("roses*"). Chains of one
+// operator are one operator: And({a, And({b, c})}) is a AND b AND c.
 //
 // It keeps copies of the texts, and belongs to no index: how a text is cut into words is decided by
 // the index that it is put to. IndexReader::CheckQuery() says whether it makes sense there.

@@ -23,7 +23,7 @@ enum class StatusCode {
   kInterrupted,   // the progress callback asked to stop
   kInvalidQuery,  // a query built by calls makes no sense, or the text of a strict search has a
                   // mistake
-  kForked,        // the writer was opened by the process that forked this one
+  kForked,        // this process has a copy of what the process opened that forked it
 };
 
 // What became of a call: success, or an error with a message for a person.
@@ -60,9 +60,9 @@ class [[nodiscard]] Status {
   // Of kInvalidQuery: the byte of the query's text where the mistake is, counted from 0.
   std::optional<std::size_t> column() const { return column_; }
 
-  // The errno for which the system refused a call; 0 if no call of the system's is the reason. All
-  // of kSystem have one but those made of an exception that is none of the system's, and errors of
-  // other codes may: that of a folder that is not there is ENOENT.
+  // The errno for which the system refused a call; 0 if no call of the system's is the reason, as
+  // where a library is missing. Errors of other codes than kSystem may have one: that of an index
+  // that is not there is ENOENT.
   int system_error() const { return system_error_; }
 
   // Returns "FILE: MESSAGE", or the message alone where there is no file.

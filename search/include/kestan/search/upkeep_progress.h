@@ -9,7 +9,7 @@
 namespace kestan::search {
 
 // Called now and then, by the thread that called the function. Returns whether to go on; if not,
-// the function fails with kInterrupted and leaves nothing. May be null.
+// or if it throws, the function fails with kInterrupted and leaves nothing. May be null.
 using UpkeepProgress = std::function<bool(std::uint64_t done_bytes, std::uint64_t all_bytes)>;
 
 }  // namespace kestan::search
