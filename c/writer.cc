@@ -30,13 +30,9 @@ struct kestan_writer final : kestan::c::Handle {
   std::vector<Status> warnings;          // that are still to be given, the last one first
   std::unique_ptr<Error> given_warning;  // that was given last
   std::atomic<bool> is_at_work{false};   // a call is running
-  std::atomic<bool> is_freed{false};     // by a callback of that call, which frees it at its end
 };
 
 namespace {
-
-// Longer documents are refused by the library; a length beyond it may be no length at all.
-constexpr std::size_t kMaxFieldBytes = std::size_t{1} << 30;
 
 // Runs `call` unless another call is running.
 template <typename Call>
@@ -49,7 +45,6 @@ int UseAlone(kestan_writer* handle, Call call) noexcept {
       return live.writer ? call(live) : live.Return(Invalid("the writer could not be opened"));
     });
     live.is_at_work = false;
-    if (live.is_freed) delete &live;
     return code;
   });
 }
@@ -76,7 +71,6 @@ Status ReadField(const Input& input, std::string* field) {
   std::string_view view;
   Status status = kestan::c::Read(input, &view);
   if (!status.ok()) return status;
-  if (view.size() > kMaxFieldBytes) return Invalid(input.what + std::string(" has more than 1 GB"));
   *field = view;
   return {};
 }
@@ -124,13 +118,7 @@ int kestan_writer_open(kestan_writer** out, const char* path, size_t path_length
   });
 }
 
-// A callback may free the writer that calls it: the call that is running does it at its end.
-void kestan_writer_free(kestan_writer* writer) {
-  kestan_writer* const live = kestan::c::Find(writer);
-  if (live == nullptr || live->is_of_parent() || !live->is_at_work) return kestan::c::Free(writer);
-  kestan::c::RemoveHandle(live);
-  live->is_freed = true;
-}
+void kestan_writer_free(kestan_writer* writer) { kestan::c::Free(writer); }
 
 int kestan_writer_add(kestan_writer* writer, const kestan_document* document) {
   return Change(writer, [&](IndexWriter& index) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "c/handles/handle.h"
 
+#include <iterator>
+
 #include <string_view>
 
 namespace kestan::c {
@@ -36,6 +38,18 @@ int CodeOf(const Status& status) {
   return KESTAN_ESYSTEM;
 }
 
+// Whether the thread-local objects of this thread are gone.
+thread_local bool is_thread_over = false;
+
+// Stands for this thread: its identifier would be that of a later one too.
+struct ThisThread {
+  ~ThisThread() { is_thread_over = true; }
+
+  std::shared_ptr<const char> token;  // null: it has had no error
+};
+
+thread_local ThisThread this_thread;
+
 }  // namespace
 
 Error::Error(Status status) : status_(std::move(status)) {
@@ -51,9 +65,14 @@ Error::Error(Status status) : status_(std::move(status)) {
 int Handle::Return(Status status) noexcept {
   const int code = CodeOf(status);
   if (code == KESTAN_OK) return code;
-  const std::thread::id thread = std::this_thread::get_id();
+  if (is_thread_over) return code;
+  std::shared_ptr<const char>& thread = this_thread.token;
   const std::lock_guard<std::mutex> lock(mutex_);
   try {
+    if (thread == nullptr) thread = std::make_shared<const char>();
+    for (auto error = errors_.begin(); error != errors_.end();) {
+      error = error->first.expired() ? errors_.erase(error) : std::next(error);
+    }
     errors_[thread] = std::make_unique<Error>(std::move(status));
   } catch (const std::bad_alloc&) {
     errors_.erase(thread);
@@ -62,8 +81,9 @@ int Handle::Return(Status status) noexcept {
 }
 
 const kestan_error* Handle::last_error() const noexcept {
+  if (is_thread_over || this_thread.token == nullptr) return nullptr;
   const std::lock_guard<std::mutex> lock(mutex_);
-  const auto found = errors_.find(std::this_thread::get_id());
+  const auto found = errors_.find(this_thread.token);
   return found == errors_.end() ? nullptr : found->second->view();
 }
 
@@ -82,7 +102,7 @@ constexpr kestan_error kForkedError = {
 }  // namespace
 
 int kestan_last_error(const kestan_error** out, const void* handle) {
-  const kestan::c::Handle* const live = kestan::c::FindHandle(handle);
+  const auto live = kestan::c::FindHandle(handle);
   if (live == nullptr) return KESTAN_EHANDLE;
   if (out == nullptr) return KESTAN_EINVALID;
   *out = live->is_of_parent() ? &kForkedError : live->last_error();

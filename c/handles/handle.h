@@ -12,7 +12,6 @@
 #include <mutex>
 #include <new>
 #include <string>
-#include <thread>
 #include <utility>
 
 #include "c/handles/live_handles.h"
@@ -59,13 +58,14 @@ class Handle {
  private:
   const unsigned fork_count_;
   mutable std::mutex mutex_;
-  std::map<std::thread::id, std::unique_ptr<Error>> errors_;
+  std::map<std::weak_ptr<const char>, std::unique_ptr<Error>, std::owner_less<>>
+      errors_;  // by thread
 };
 
 // Returns the live handle of the type H at this address; null if there is none.
 template <typename H>
-H* Find(const H* handle) noexcept {
-  return dynamic_cast<H*>(FindHandle(handle));
+std::shared_ptr<H> Find(const H* handle) noexcept {
+  return std::dynamic_pointer_cast<H>(FindHandle(handle));
 }
 
 // Runs `call`, which returns a code, for `handle`; what it throws becomes the handle's last error.
@@ -80,21 +80,23 @@ int Guarded(Handle* handle, Call call) noexcept {
   }
 }
 
-// The same with the live handle as an argument of `call`.
+// The same with the live handle as an argument of `call`. It lives on until the call has ended,
+// even if a callback or another thread frees it.
 template <typename H, typename Call>
 int Use(const H* handle, Call call) noexcept {
-  H* const live = Find(handle);
+  const std::shared_ptr<H> live = Find(handle);
   if (live == nullptr) return KESTAN_EHANDLE;
   if (live->is_of_parent()) return KESTAN_EFORKED;
-  return Guarded(live, [&] { return call(*live); });
+  return Guarded(live.get(), [&] { return call(*live); });
 }
 
 // Hands `handle` to the host, which owns it from now on.
 //   Throws  std::bad_alloc.
 template <typename H>
 int HandOver(std::unique_ptr<H> handle, H** out) {
-  AddHandle(handle.get());
-  *out = handle.release();
+  H* const address = handle.get();
+  AddHandle(std::move(handle));
+  *out = address;
   return KESTAN_OK;
 }
 
@@ -114,14 +116,10 @@ int HandOverOpened(H** out, Open open) noexcept {
   }
 }
 
-// Frees `handle` if it is one. In a child of fork() the object is left as it is: what it holds, and
-// locks that other threads of the parent had, are not the child's.
+// Frees `handle` if it is one, as soon as no call uses it.
 template <typename H>
 void Free(H* handle) noexcept {
-  H* const live = Find(handle);
-  if (live == nullptr) return;
-  RemoveHandle(live);
-  if (!live->is_of_parent()) delete live;
+  if (Find(handle) != nullptr) RemoveHandle(handle);
 }
 
 inline Status Invalid(std::string message) {

@@ -4,25 +4,36 @@
 #include <pthread.h>
 
 #include <atomic>
+#include <cstddef>
+#include <map>
 #include <mutex>
-#include <shared_mutex>
-#include <unordered_map>
+#include <new>
+#include <utility>
 
 #include "c/handles/handle.h"
 
 namespace kestan::c {
 namespace {
 
+// Nodes go from one table to the other without an allocation.
 struct LiveHandles {
-  std::shared_mutex mutex;
-  std::unordered_map<const void*, Handle*> handles;
+  std::mutex mutex;
+  std::map<const void*, std::shared_ptr<Handle>> handles;
+  std::map<const void*, std::shared_ptr<Handle>> of_parent;  // that the child has freed
 };
 
 std::atomic<unsigned> fork_count{0};
 
-LiveHandles& Live();
+// It outlives whatever frees its handles when the process ends.
+LiveHandles& Live() noexcept {
+  alignas(LiveHandles) static std::byte memory[sizeof(LiveHandles)];
+  static LiveHandles* const live = new (memory) LiveHandles;
+  return *live;
+}
 
-// The lock is held while the process forks, so that the child finds it free and the table whole.
+// The lock is held while the process forks, so that the child finds the table whole. It is one that
+// a child may release: a lock for readers and writers knows the thread that has it, by a number
+// that another one has in the child.
 void BeforeFork() { Live().mutex.lock(); }
 
 void InParent() { Live().mutex.unlock(); }
@@ -32,32 +43,41 @@ void InChild() {
   Live().mutex.unlock();
 }
 
-// It outlives whatever frees its handles when the process ends.
-LiveHandles& Live() {
-  static LiveHandles* const live = [] {
-    pthread_atfork(BeforeFork, InParent, InChild);
-    return new LiveHandles;
+// From the first handle on, forks are counted.
+void CountForks() {
+  static const bool is_counting = [] {
+    if (pthread_atfork(BeforeFork, InParent, InChild) != 0) throw std::bad_alloc();
+    return true;
   }();
-  return *live;
+  static_cast<void>(is_counting);
 }
 
 }  // namespace
 
-void AddHandle(Handle* handle) {
+void AddHandle(std::shared_ptr<Handle> handle) {
+  CountForks();
   LiveHandles& live = Live();
-  const std::unique_lock<std::shared_mutex> lock(live.mutex);
-  live.handles.emplace(handle, handle);
+  const std::lock_guard<std::mutex> lock(live.mutex);
+  const void* const address = handle.get();
+  live.handles.emplace(address, std::move(handle));
 }
 
-bool RemoveHandle(const void* handle) noexcept {
+void RemoveHandle(const void* address) noexcept {
   LiveHandles& live = Live();
-  const std::unique_lock<std::shared_mutex> lock(live.mutex);
-  return live.handles.erase(handle) > 0;
+  std::shared_ptr<Handle> removed;  // destroyed after the lock is released
+  const std::lock_guard<std::mutex> lock(live.mutex);
+  auto node = live.handles.extract(address);
+  if (node.empty()) return;
+  if (node.mapped()->is_of_parent()) {
+    live.of_parent.insert(std::move(node));
+  } else {
+    removed = std::move(node.mapped());
+  }
 }
 
-Handle* FindHandle(const void* address) noexcept {
+std::shared_ptr<Handle> FindHandle(const void* address) noexcept {
   LiveHandles& live = Live();
-  const std::shared_lock<std::shared_mutex> lock(live.mutex);
+  const std::lock_guard<std::mutex> lock(live.mutex);
   const auto found = live.handles.find(address);
   return found == live.handles.end() ? nullptr : found->second;
 }

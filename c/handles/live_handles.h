@@ -3,22 +3,25 @@
 #ifndef KESTAN_C_HANDLES_LIVE_HANDLES_H_
 #define KESTAN_C_HANDLES_LIVE_HANDLES_H_
 
+#include <memory>
+
 namespace kestan::c {
 
 class Handle;
 
 // Any number of threads may call these functions at once.
 
-// Takes note of `handle`.
+// Keeps `handle` until it is removed.
 //   Throws  std::bad_alloc.
-void AddHandle(Handle* handle);
+void AddHandle(std::shared_ptr<Handle> handle);
 
-// Forgets `handle`, which need not be one.
-//   Returns  whether it was one.
-bool RemoveHandle(const void* handle) noexcept;
+// Forgets the handle at this address, if there is one. It is destroyed when no call uses it. In a
+// child of fork() a handle of the parent is never destroyed: what it holds, and locks that other
+// threads of the parent had, are not the child's.
+void RemoveHandle(const void* address) noexcept;
 
 // Returns the handle at this address; null if there is none.
-Handle* FindHandle(const void* address) noexcept;
+std::shared_ptr<Handle> FindHandle(const void* address) noexcept;
 
 // Returns how many times the process, or those that it comes from, has been a child of fork() since
 // the first handle was made.
