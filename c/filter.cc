@@ -25,8 +25,8 @@ search::DocumentFilter Filter::function() {
 // The search goes on without documents once the function has asked to stop.
 bool Filter::Passes(const search::FilteredDocument& document) {
   if (has_stopped_) return false;
-  const CallbackMark mark(reader_);
   kestan_filtered filtered{document};
+  const CallbackMark mark(reader_, &filtered);
   const int answer = callback_(&filtered, payload_);
   if (answer < 0) has_stopped_ = true;
   return answer > 0;
@@ -40,7 +40,7 @@ namespace {
 template <typename Read>
 int Lend(const char** out, size_t* length, kestan_filtered* document,
          std::string kestan_filtered::*kept, Read read) noexcept {
-  if (document == nullptr) return KESTAN_EHANDLE;
+  if (!kestan::c::CallbackMark::HasDocument(document)) return KESTAN_EHANDLE;
   if (out == nullptr || length == nullptr) return KESTAN_EINVALID;
   try {
     std::string& text = document->*kept;
@@ -76,14 +76,14 @@ int kestan_filtered_data(const char** out, size_t* length, kestan_filtered* docu
 }
 
 int kestan_filtered_added(uint32_t* out, kestan_filtered* document) {
-  if (document == nullptr) return KESTAN_EHANDLE;
+  if (!kestan::c::CallbackMark::HasDocument(document)) return KESTAN_EHANDLE;
   if (out == nullptr) return KESTAN_EINVALID;
   *out = document->document.added();
   return KESTAN_OK;
 }
 
 int kestan_filtered_index(size_t* out, kestan_filtered* document) {
-  if (document == nullptr) return KESTAN_EHANDLE;
+  if (!kestan::c::CallbackMark::HasDocument(document)) return KESTAN_EHANDLE;
   if (out == nullptr) return KESTAN_EINVALID;
   *out = document->document.index();
   return KESTAN_OK;

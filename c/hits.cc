@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <functional>
+#include <cstdint>
 #include <string>
 #include <utility>
 
@@ -19,10 +19,12 @@ kestan_hits::kestan_hits(kestan::search::SearchResults found,
 }
 
 const Hit* kestan_hits::HitOf(const kestan_hit* view) const {
-  const kestan_hit* const begin = views.data();
-  const std::less<> is_before;
-  if (is_before(view, begin) || !is_before(view, begin + views.size())) return nullptr;
-  return &results.hits[static_cast<std::size_t>(view - begin)];
+  // Of an address before the first one, the difference wraps and is larger than all.
+  const std::uintptr_t offset =
+      reinterpret_cast<std::uintptr_t>(view) - reinterpret_cast<std::uintptr_t>(views.data());
+  const std::size_t position = offset / sizeof(kestan_hit);
+  if (offset % sizeof(kestan_hit) != 0 || position >= views.size()) return nullptr;
+  return &results.hits[position];
 }
 
 namespace {

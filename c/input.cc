@@ -1,15 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "c/input.h"
 
-#include <cmath>
-#include <cstdint>
 #include <cstring>
 #include <utility>
 
 namespace kestan::c {
 namespace {
 
-bool IsAtLeastZero(double value) { return std::isfinite(value) && value >= 0; }
+// No text is longer; a length beyond it may be no length at all.
+constexpr std::size_t kMaxBytes = std::size_t{1} << 30;
+
+// Beyond it, scores may be no numbers any more.
+constexpr double kMaxWeight = 1e6;
+
+bool IsWeight(double value) { return value >= 0 && value <= kMaxWeight; }
 
 }  // namespace
 
@@ -20,7 +24,7 @@ Status Read(const Input& input, std::string_view* view) {
     *view = std::string_view(input.bytes, std::strlen(input.bytes));
     return {};
   }
-  if (input.length > PTRDIFF_MAX) return Invalid(what + " has an impossible length");
+  if (input.length > kMaxBytes) return Invalid(what + " has a length of more than 1 GB");
   *view = input.length == 0 ? std::string_view("") : std::string_view(input.bytes, input.length);
   return {};
 }
@@ -78,10 +82,10 @@ Status Read(const kestan_search_options* options, search::SearchOptions* read) {
     default:
       return Invalid("'words' is none of KESTAN_WORDS_BEST, KESTAN_WORDS_ALL, KESTAN_WORDS_ANY");
   }
-  if (!IsAtLeastZero(options->k1)) return Invalid("k1 is less than 0, or no number");
-  if (!IsAtLeastZero(options->b) || options->b > 1) return Invalid("b is not between 0 and 1");
-  if (!IsAtLeastZero(options->proximity_bonus) || !IsAtLeastZero(options->opening_bonus)) {
-    return Invalid("a bonus is less than 0, or no number");
+  if (!IsWeight(options->k1)) return Invalid("k1 is not between 0 and 1,000,000");
+  if (!IsWeight(options->b) || options->b > 1) return Invalid("b is not between 0 and 1");
+  if (!IsWeight(options->proximity_bonus) || !IsWeight(options->opening_bonus)) {
+    return Invalid("a bonus is not between 0 and 1,000,000");
   }
   read->with_titles = options->with_titles != 0;
   read->strict = options->strict != 0;

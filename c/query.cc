@@ -75,6 +75,11 @@ int kestan_query_phrase(kestan_query** out, kestan_reader* reader, const char* t
 
 int kestan_query_near(kestan_query** out, kestan_reader* reader, const kestan_query* left,
                       const kestan_query* right, unsigned distance) {
+  if (distance < 1 || distance > unsigned{std::numeric_limits<int>::max()}) {
+    return kestan::c::AskForHandle(out, reader, [](kestan_reader& live, const IndexReader&) {
+      return live.Return(Invalid("the distance is not between 1 and 2,147,483,647"));
+    });
+  }
   const kestan_query* const operands[] = {left, right};
   return JoinQueries(out, reader, operands, 2, [distance](const std::vector<SearchQuery>& queries) {
     return SearchQuery::Near(queries[0], queries[1], distance);

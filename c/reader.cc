@@ -30,8 +30,8 @@ Status Open(const std::vector<std::string>& paths, kestan_reader* handle) {
 
 namespace kestan::c {
 
-CallbackMark::CallbackMark(const OpenReader* reader) noexcept
-    : reader_(reader), outer_(innermost_callback) {
+CallbackMark::CallbackMark(const OpenReader* reader, const kestan_filtered* document) noexcept
+    : reader_(reader), document_(document), outer_(innermost_callback) {
   innermost_callback = this;
 }
 
@@ -40,6 +40,12 @@ CallbackMark::~CallbackMark() { innermost_callback = outer_; }
 bool CallbackMark::IsSet(const OpenReader* reader) noexcept {
   const CallbackMark* mark = innermost_callback;
   while (mark != nullptr && mark->reader_ != reader) mark = mark->outer_;
+  return mark != nullptr;
+}
+
+bool CallbackMark::HasDocument(const kestan_filtered* document) noexcept {
+  const CallbackMark* mark = innermost_callback;
+  while (mark != nullptr && mark->document_ != document) mark = mark->outer_;
   return mark != nullptr;
 }
 

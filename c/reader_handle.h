@@ -23,11 +23,11 @@ struct OpenReader {
   std::shared_mutex mutex;
 };
 
-// Marks that this thread runs a callback of a search in `reader`, until the mark is destroyed. A
-// callback that used the reader could wait for the search that called it.
+// Marks that this thread runs a callback of a search in `reader` with `document`, until the mark is
+// destroyed. A callback that used the reader could wait for the search that called it.
 class CallbackMark {
  public:
-  explicit CallbackMark(const OpenReader* reader) noexcept;
+  CallbackMark(const OpenReader* reader, const kestan_filtered* document) noexcept;
   CallbackMark(const CallbackMark&) = delete;
   CallbackMark& operator=(const CallbackMark&) = delete;
   ~CallbackMark();
@@ -35,8 +35,12 @@ class CallbackMark {
   // Returns whether this thread runs a callback of a search in `reader`.
   static bool IsSet(const OpenReader* reader) noexcept;
 
+  // Returns whether this thread runs a callback with `document`.
+  static bool HasDocument(const kestan_filtered* document) noexcept;
+
  private:
   const OpenReader* const reader_;
+  const kestan_filtered* const document_;
   const CallbackMark* const outer_;
 };
 
