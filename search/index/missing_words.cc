@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <set>
+#include <string_view>
 #include <utility>
 
 #include "search/matching/vocabulary.h"
@@ -15,24 +17,34 @@ using Kind = Query::Kind;
 
 constexpr std::size_t kMaxMissing = 10;
 
-// Collects the words outside NOT, each once.
-void CollectWords(const Query& query, std::vector<Query>* words) {
-  if (query.kind == Kind::kNot) return;
-  if (query.kind == Kind::kWord || query.kind == Kind::kInflections) {
-    Query word;
-    word.kind = query.kind;
-    word.word = query.word;
-    if (std::find(words->begin(), words->end(), word) == words->end()) words->push_back(word);
+// The words outside NOT, each once, in order.
+class Words {
+ public:
+  // Borrows `query`, whose words it adds.
+  void Collect(const Query& query) {
+    if (query.kind == Kind::kNot) return;
+    const bool is_word = query.kind == Kind::kWord || query.kind == Kind::kInflections;
+    if (is_word && known_.emplace(query.kind, query.word).second) {
+      Query& word = words_.emplace_back();
+      word.kind = query.kind;
+      word.word = query.word;
+    }
+    for (const Query& operand : query.operands) Collect(operand);
   }
-  for (const Query& operand : query.operands) CollectWords(operand, words);
-}
+
+  const std::vector<Query>& words() const { return words_; }
+
+ private:
+  std::set<std::pair<Kind, std::string_view>> known_;
+  std::vector<Query> words_;
+};
 
 // Returns the first words of `query` that no living document has, at most kMaxMissing.
 Result<std::vector<std::string>> MissingTerms(const Query& query, const Snapshot& snapshot) {
-  std::vector<Query> words;
-  CollectWords(query, &words);
+  Words words;
+  words.Collect(query);
   std::vector<std::string> missing;
-  for (const Query& word : words) {
+  for (const Query& word : words.words()) {
     if (missing.size() == kMaxMissing) break;
     auto documents = LivingDocumentsWith(snapshot, word.word);
     if (documents.ok() && *documents == 0) documents = CountMatches(word, snapshot);

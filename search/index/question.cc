@@ -226,12 +226,13 @@ auto WithReading(std::string_view text, const Snapshot& snapshot, const SearchOp
   return answer(reading);
 }
 
-// Calls `answer` with the one reading of `query`.
+// Calls `answer` with the one reading of `query`. Puts words that are cut into `*cut`.
 //   Returns  what that returns, or kInvalidQuery, kOutOfMemory.
 template <typename Answerer>
 auto WithReading(const SearchQuery& query, const Snapshot& snapshot, const SearchOptions& options,
-                 const Answerer& answer) -> decltype(answer(std::declval<Reading&>())) {
-  Result<Query> lowered = Lowered(query, OperatorOf(options.words), snapshot.rules);
+                 const Answerer& answer, std::vector<std::string>* cut = nullptr)
+    -> decltype(answer(std::declval<Reading&>())) {
+  Result<Query> lowered = Lowered(query, OperatorOf(options.words), snapshot.rules, cut);
   if (!lowered.ok()) return lowered.status();
   Reading reading(std::move(*lowered), snapshot, options);
   return answer(reading);
@@ -251,8 +252,13 @@ Result<Answer> Ask(std::string_view text, const Snapshot& snapshot, const Search
 
 Result<Answer> Ask(const SearchQuery& query, const Snapshot& snapshot,
                    const SearchOptions& options) {
-  return WithReading(query, snapshot, options,
-                     [&](Reading& reading) { return Question(&reading, snapshot, options).Ask(); });
+  std::vector<std::string> cut;
+  const auto ask = [&](Reading& reading) { return Question(&reading, snapshot, options).Ask(); };
+  auto answer = WithReading(query, snapshot, options, ask, &cut);
+  if (!answer.ok()) return answer;
+  const std::vector<std::string> notes = NotesOnCutWords(cut);
+  answer->notes.insert(answer->notes.begin(), notes.begin(), notes.end());
+  return answer;
 }
 
 Result<std::vector<ScoredDocuments>> AllAnswers(std::string_view text, const Snapshot& snapshot,

@@ -8,6 +8,7 @@
 #include "search/text/analyzer/word_encoding.h"
 #include "search/text/analyzer/word_sink.h"
 #include "search/text/utf8.h"
+#include "search/text/white_space.h"
 
 namespace kestan::search {
 namespace {
@@ -82,6 +83,16 @@ std::string Shortened(std::string_view text) {
   return std::string(text.substr(0, end)) + "...";
 }
 
+// Returns whether there are more characters than a word may have between two blanks.
+bool HoldsLongRun(std::string_view text) {
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find_first_of(kWhiteSpace), text.size());
+    if (CountCharacters(StoredCharacters(text.substr(0, end))) > kMaxWordCharacters) return true;
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return false;
+}
+
 }  // namespace
 
 std::string Shown(std::string_view text) {
@@ -97,15 +108,29 @@ std::string Shown(std::string_view text) {
   return shown + (end < text.size() ? "...'" : "'");
 }
 
-// A word that was cut has as many characters as a word may have.
+// A word that was cut has as many characters as a word may have, and was written with more.
 bool HoldsCutWord(const std::vector<QueryWords>& words, const Token& token) {
-  return token.text.size() > kMaxWordCharacters &&
-         std::any_of(words.begin(), words.end(), [&](const QueryWords& group) {
-           return std::any_of(group.begin(), group.end(), [&](const Query& word) {
-             return CountCharacters(word.word) == kMaxWordCharacters &&
-                    CountCharacters(StoredCharacters(token.text)) > kMaxWordCharacters;
-           });
-         });
+  if (token.text.size() <= kMaxWordCharacters) return false;
+  const auto has_all = [](const Query& word) {
+    return CountCharacters(word.word) == kMaxWordCharacters;
+  };
+  const auto holds_one = [&](const QueryWords& group) {
+    return std::any_of(group.begin(), group.end(), has_all);
+  };
+  return std::any_of(words.begin(), words.end(), holds_one) && HoldsLongRun(token.text);
+}
+
+void AddIfCut(const std::vector<QueryWords>& words, const Token& token,
+              std::vector<std::string>* cut) {
+  if (HoldsCutWord(words, token)) AddOnce(Shortened(token.text), cut);
+}
+
+std::vector<std::string> NotesOnCutWords(const std::vector<std::string>& cut) {
+  std::vector<std::string> notes;
+  AddNote(Note(cut, " is too long: its first 64 characters count",
+               " are too long: their first 64 characters count"),
+          &notes);
+  return notes;
 }
 
 std::vector<std::string> NotesOnIgnoredText(std::string_view text, TextRules rules) {
@@ -118,7 +143,7 @@ std::vector<std::string> NotesOnIgnoredText(std::string_view text, TextRules rul
       const bool is_long = token.text.size() > kMaxWordCharacters;
       AddOnce(is_long ? Shortened(token.text) : token.text, &ignored);
     }
-    if (HoldsCutWord(words, token)) AddOnce(Shortened(token.text), &cut);
+    AddIfCut(words, token, &cut);
   }
   const bool is_analyzed = rules == TextRules::kAnalyzer;
   std::vector<std::string> notes;
@@ -127,9 +152,7 @@ std::vector<std::string> NotesOnIgnoredText(std::string_view text, TextRules rul
                       : Note(ignored, " holds no letters and was ignored",
                              " hold no letters and were ignored"),
           &notes);
-  AddNote(Note(cut, " is too long: its first 64 characters count",
-               " are too long: their first 64 characters count"),
-          &notes);
+  for (std::string& note : NotesOnCutWords(cut)) notes.push_back(std::move(note));
   return notes;
 }
 

@@ -21,6 +21,13 @@ std::string Shown(std::string_view text);
 // Returns whether a word of `token`, whose words are `words`, is longer than those of an index.
 bool HoldsCutWord(const std::vector<QueryWords>& words, const Token& token);
 
+// Adds the beginning of `token` to `*cut` if so, once.
+void AddIfCut(const std::vector<QueryWords>& words, const Token& token,
+              std::vector<std::string>* cut);
+
+// Returns what to say of those words: a line for all, or nothing.
+std::vector<std::string> NotesOnCutWords(const std::vector<std::string>& cut);
+
 // Returns what to say of parts of `text` that hold nothing to search for, other than punctuation,
 // and of words that are too long: a line for all of each kind.
 std::vector<std::string> NotesOnIgnoredText(std::string_view text, TextRules rules);

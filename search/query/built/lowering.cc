@@ -12,6 +12,7 @@
 #include "search/query/built/built_node.h"
 #include "search/query/query_words.h"
 #include "search/query/word_notes.h"
+#include "search/text/analyzer/word_sink.h"
 #include "search/text/white_space.h"
 
 namespace kestan::search {
@@ -68,6 +69,7 @@ class Lowering {
         rules_(rules) {}
 
   const Status& status() const { return status_; }
+  const std::vector<std::string>& cut() const { return cut_; }
 
   // `depth` is the number of operators around `node`.
   Query Lower(const BuiltNode* node, unsigned depth) {
@@ -123,21 +125,27 @@ class Lowering {
     return std::move(*query);
   }
 
-  std::vector<Query> PartsOfText(const BuiltNode& node) const {
-    if (node.kind == Kind::kPhrase) {
-      return PartsOf(WordsOfPhrase(node.text, rules_), true, QuotesMean::kPhrase);
-    }
+  std::vector<Query> PartsOfText(const BuiltNode& node) {
+    if (node.kind == Kind::kPhrase)
+      return PartsOfRun(node.text, WordsOfPhrase(node.text, rules_), true);
     std::vector<Query> parts;
     const std::vector<std::string_view> runs = RunsOf(node.text);
     for (std::size_t i = 0; i < runs.size(); ++i) {
       const bool is_prefix = node.kind == Kind::kPrefix && i + 1 == runs.size();
       const WordSuffix suffix = is_prefix ? kPrefixSuffix : WordSuffix();
-      for (Query& part :
-           PartsOf(WordsOfText(runs[i], suffix, rules_), false, QuotesMean::kPhrase)) {
+      for (Query& part : PartsOfRun(runs[i], WordsOfText(runs[i], suffix, rules_), false)) {
         parts.push_back(std::move(part));
       }
     }
     return parts;
+  }
+
+  std::vector<Query> PartsOfRun(std::string_view text, std::vector<QueryWords> words,
+                                bool is_phrase) {
+    if (text.size() > kMaxWordCharacters) {
+      AddIfCut(words, {Token::Kind::kWord, std::string(text)}, &cut_);
+    }
+    return PartsOf(std::move(words), is_phrase, QuotesMean::kPhrase);
   }
 
   Query LowerNot(const BuiltNode& node, unsigned depth) {
@@ -212,15 +220,18 @@ class Lowering {
   const TextRules rules_;
   Status status_;
   std::size_t parts_ = 0;
+  std::vector<std::string> cut_;  // the beginnings of words that are too long
 };
 
 }  // namespace
 
-Result<Query> Lowered(const SearchQuery& query, DefaultOperator default_operator, TextRules rules) {
+Result<Query> Lowered(const SearchQuery& query, DefaultOperator default_operator, TextRules rules,
+                      std::vector<std::string>* cut) {
   Lowering lowering(default_operator, rules);
   Query lowered = lowering.Lower(BuiltNode::Of(query), 0);
   if (!lowering.status().ok()) return lowering.status();
   if (default_operator != DefaultOperator::kAnd) AskForForms(&lowered);
+  if (cut != nullptr) *cut = lowering.cut();
   return lowered;
 }
 

@@ -7,6 +7,8 @@
 #include <kestan/search/status.h>
 
 #include <cstddef>
+#include <string>
+#include <vector>
 
 #include "search/query/query.h"
 #include "search/query/query_parser.h"
@@ -20,12 +22,14 @@ constexpr std::size_t kMaxQueryParts = 1'000'000;
 
 // Reads `query` as words outside quotes are read with `default_operator`: kAnd takes them as they
 // are written, the others for all their forms. Chains of one operator become one node.
+// Adds the beginnings of words that are cut to `*cut`, unless that is null.
 //   Returns  kInvalidQuery for a text without words, a prefix that nothing can begin with, a wrong
 //            distance, an operator without operands, more than kMaxQueryDepth operators one within
 //            the other, or more than kMaxQueryParts parts; kOutOfMemory for a query that there was
 //            no memory to build.
 //   Throws   TransliterationError, std::bad_alloc.
-Result<Query> Lowered(const SearchQuery& query, DefaultOperator default_operator, TextRules rules);
+Result<Query> Lowered(const SearchQuery& query, DefaultOperator default_operator, TextRules rules,
+                      std::vector<std::string>* cut = nullptr);
 
 }  // namespace kestan::search
 

@@ -106,6 +106,19 @@ TEST_F(BuiltQuerySearchTest, NotesNameMissingWordsAndSuggestOthers) {
   EXPECT_EQ(found->suggestions, (Lines{"rose", "roses"}));
 }
 
+TEST_F(BuiltQuerySearchTest, NotesNameWordsThatAreCut) {
+  const std::string word(65, 'x');
+  const auto found = Opened().Search(Built::Or({Built::Word(word), Built::Phrase("blue " + word)}));
+  ASSERT_TRUE(found.ok());
+  ASSERT_FALSE(found->notes.empty());
+  EXPECT_EQ(found->notes.front(),
+            "'xxxxxxxxxxxxxxxxxxxx...', 'blue xxxxxxxxxxxxxxx...' are too long: their first 64 "
+            "characters count");
+  const auto fits = Opened().Search(Built::Phrase("roses " + std::string(64, 'x')));
+  ASSERT_TRUE(fits.ok());
+  EXPECT_EQ(fits->notes, Lines());
+}
+
 TEST_F(BuiltQuerySearchTest, IndexWithoutPositionsTakesNearAndPhrasesForAnd) {
   const auto found = Opened("flat").Search(Built::Phrase("dead end"));
   ASSERT_TRUE(found.ok());

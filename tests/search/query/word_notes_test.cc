@@ -39,6 +39,13 @@ TEST(WordNotesTest, WordsOfMoreThan64CharactersAreNamedByTheirBeginning) {
             Lines{"'xxxxxxxxxxxxxxxxxxxx...' is too long: its first 64 characters count"});
 }
 
+TEST(WordNotesTest, WordThatFitsIsNotNamedForThoseBesideItInQuotes) {
+  const std::string word(64, 'x');
+  EXPECT_EQ(NotesOnIgnoredText("\"roses " + word + "\"", TextRules::kAnalyzer),
+            std::vector<std::string>());
+  EXPECT_EQ(NotesOnIgnoredText("\"roses x" + word + "\"", TextRules::kAnalyzer).size(), 1U);
+}
+
 TEST(WordNotesTest, CharactersAreCountedAndNotBytes) {
   std::string word;
   for (int i = 0; i < 64; ++i) word += "\xd0\xb6";

@@ -165,7 +165,7 @@ class KESTAN_SEARCH_EXPORT IndexReader {
   Result<Explanation> Explain(std::string_view query, const SearchOptions& options = {}) const;
 
   // The same for a query that was built by calls. It has no text to be misread, so the notes are on
-  // words that no document has, and on an index without positions.
+  // words that no document has, words that are cut, and an index without positions.
   //   Returns  what CheckQuery() returns, too.
   Result<SearchResults> Search(const SearchQuery& query, const SearchOptions& options = {}) const;
   Status ForEachMatch(const SearchQuery& query, const SearchOptions& options,
