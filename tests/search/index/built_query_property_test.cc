@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "search/index/question.h"
+#include "search/query/strict/strict_reading.h"
 #include "tests/search/matching/plain_segments.h"
 
 namespace kestan::search {
@@ -124,6 +125,7 @@ class BuiltQueryPropertyTest : public testing::Test {
       return;
     }
     RC_ASSERT(of_built.ok());
+    RC_ASSERT(CheckIsStrict(pair.text, snapshot.rules).ok());
     if (but_for_some && of_built->found.total == 0) return;
     RC_LOG(pair.text);
     const auto& expected = of_text->found.best;

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "search/query/built/built_node.h"
 #include "search/query/query_printer.h"
 
 namespace kestan::search {
@@ -130,6 +131,13 @@ TEST(LoweringTest, DistanceIsOneToTheLargestInt) {
 TEST(LoweringTest, OperatorWithoutOperandsIsAnError) {
   EXPECT_EQ(Printed(Built::And({})), "error: AND has no operands");
   EXPECT_EQ(Printed(Built::Or({Cat(), Built::Or({})})), "error: OR has no operands");
+}
+
+TEST(LoweringTest, QueryThatThereWasNoMemoryForIsAnErrorAsAPartToo) {
+  EXPECT_EQ(CodeOf(BuiltNode::NotBuilt()), StatusCode::kOutOfMemory);
+  EXPECT_EQ(CodeOf(Built::Or({Cat(), BuiltNode::NotBuilt()})), StatusCode::kOutOfMemory);
+  EXPECT_EQ(CodeOf(Built::Near(BuiltNode::NotBuilt(), Cat(), 1)), StatusCode::kOutOfMemory);
+  EXPECT_EQ(CodeOf(Built::Not(BuiltNode::NotBuilt())), StatusCode::kOutOfMemory);
 }
 
 TEST(LoweringTest, TwoHundredOperatorsMayBeNestedAndNoMore) {

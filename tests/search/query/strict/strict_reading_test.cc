@@ -2,8 +2,14 @@
 #include "search/query/strict/strict_reading.h"
 
 #include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
 
 #include <string>
+#include <vector>
+
+#include "search/query/foreign_syntax.h"
+#include "search/query/query_parser.h"
+#include "search/query/word_notes.h"
 
 namespace kestan::search {
 namespace {
@@ -124,6 +130,30 @@ TEST(StrictReadingTest, ColumnsCountTheBytesOfCurlyQuotes) {
   EXPECT_EQ(Mistake("caf\xc3\xa9 \xe2\x80\x9c"
                     "big"),
             "6: the quote has no partner, or stands within a word");
+}
+
+RC_GTEST_PROP(StrictReadingPropertyTest, TextWithoutAMistakeIsReadWithoutNotes, ()) {
+  const auto piece = rc::gen::oneOf(
+      rc::gen::element<std::string>("cat", "Dog", "e-mail", "caf\xc3\xa9", "42", "the", "cat",
+                                    "dog"),
+      rc::gen::element<std::string>(" AND ", " OR ", " NOT ", " -", " NEAR/3 ", " NEAR/0 ", " ",
+                                    " "),
+      rc::gen::element<std::string>("(", ")", "\"", "*", "~1", "~", "|", "\xe2\x80\x9c", "?"));
+  std::string text;
+  for (const std::string& each : *rc::gen::container<std::vector<std::string>>(piece)) text += each;
+  for (const TextRules rules : {TextRules::kAsciiLetters, TextRules::kAnalyzer}) {
+    const Status status = CheckIsStrict(text, rules);
+    RC_CLASSIFY(status.ok());
+    if (status.ok()) {
+      RC_ASSERT(NotesOnIgnoredText(text, rules).empty());
+      RC_ASSERT(NotesOnForeignSyntax(text).empty());
+      RC_ASSERT(ParseQuery(text, DefaultOperator::kAnd, QuotesMean::kPhrase, rules).has_value());
+    } else {
+      RC_ASSERT(status.code() == StatusCode::kInvalidQuery);
+      RC_ASSERT(status.column().has_value() && *status.column() <= text.size());
+      RC_ASSERT(!status.message().empty() && status.message().find('\n') == std::string::npos);
+    }
+  }
 }
 
 }  // namespace
