@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-3.0-or-later */
 /* Checking whether an index is whole. */
 #include <stdio.h>
 #include <string.h>

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-3.0-or-later */
 /* Damaged indexes: an error or a right answer, never a wrong one, and the check tells. */
 #include <dirent.h>
 #include <stdio.h>

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-3.0-or-later */
 /* Errors: each code is reached, and the last one is told to the thread that made it. */
 #include <errno.h>
 #include <pthread.h>

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-3.0-or-later */
 /* Filters: callbacks that say which documents are to be found. */
 #include <string.h>
 

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-3.0-or-later */
 /* Processes that fork while indexes are open. */
 #include <pthread.h>
 #include <signal.h>

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-3.0-or-later */
 /* Handles that are none: null, freed, on the stack, or of another type. */
 #include <stdlib.h>
 #include <string.h>

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-3.0-or-later */
 /* A small harness for tests in C. Each test runs in a process of its own, in an empty folder of its
  * own. It fails if an expectation does not hold, if anything is printed, or if a descriptor or the
  * process is lost.

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-3.0-or-later */
 /* Strings and options that make no sense: lengths that lie, zero bytes, other versions. */
 #include <math.h>
 #include <stdlib.h>

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-3.0-or-later */
 /* Calls in the wrong order, and two writers on one index. */
 #include <string.h>
 

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-3.0-or-later */
 /* The index that most tests ask, and short ways to write and to ask. Each call ends the test if it
  * fails where it must not. Texts end with a zero byte.
  */

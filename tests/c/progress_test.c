@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-3.0-or-later */
 /* The progress callback of a writer, which may stop it, and must not use it. */
 #include <string.h>
 

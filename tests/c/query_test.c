@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-3.0-or-later */
 /* Queries built by calls: what they find is what the same text finds. */
 #include <string.h>
 

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-3.0-or-later */
 /* Readers: snapshots, documents, words, statistics. */
 #include <string.h>
 #include <time.h>

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-3.0-or-later */
 /* A system that refuses: no permission, no room. */
 #include <errno.h>
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-3.0-or-later */
 /* Threads: readers are shared, writers are not. */
 #include <pthread.h>
 #include <string.h>

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-3.0-or-later */
 /* Writers: what they do when they are used as they should be. */
 #include <string.h>
 
