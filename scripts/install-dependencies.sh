@@ -3,11 +3,11 @@
 # Installs the Debian packages that building and testing need, if any is missing.
 set -euo pipefail
 
-packages=(g++ clang clang-format clang-tidy cmake ninja-build pkg-config libgdbm-dev libcli11-dev
+packages=(abigail-tools g++ clang clang-format clang-tidy cmake ninja-build pkg-config libgdbm-dev libcli11-dev
   libclang-rt-dev libgtest-dev librapidcheck-dev g++-multilib libarchive-dev libgmime-3.0-dev locales
   libicu-dev libstemmer-dev libxml2-dev mypy python3-cffi python3-dev python3-pytest
   python3-setuptools python3-wheel
-  libxxhash-dev nlohmann-json3-dev postgresql zlib1g-dev)
+  libxxhash-dev nlohmann-json3-dev postgresql valgrind zlib1g-dev)
 
 missing=()
 for package in "${packages[@]}"; do
