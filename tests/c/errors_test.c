@@ -134,6 +134,22 @@ TEST(EveryErrorIsReached) {
   }
 }
 
+/* Programs have them compiled in. */
+TEST(TheNumbersOfCodesNeverChange) {
+  static const int codes[] = {
+      KESTAN_OK,     KESTAN_ENOTFOUND,    KESTAN_EEXISTS,  KESTAN_EINVALID, KESTAN_EHANDLE,
+      KESTAN_EQUERY, KESTAN_EBUSY,        KESTAN_EDAMAGED, KESTAN_EVERSION, KESTAN_ESYSTEM,
+      KESTAN_ENOMEM, KESTAN_EINTERRUPTED, KESTAN_EFORKED};
+  for (size_t i = 0; i < COUNT_OF(codes); ++i) EXPECT_NUMBER(-(int)i, codes[i]);
+  EXPECT_NUMBER(-31, KESTAN_ITEROVER);
+  EXPECT_NUMBER(0, KESTAN_PHASE_WRITING);
+  EXPECT_NUMBER(1, KESTAN_PHASE_MERGING);
+  EXPECT_NUMBER(0, KESTAN_WORDS_BEST);
+  EXPECT_NUMBER(1, KESTAN_WORDS_ALL);
+  EXPECT_NUMBER(2, KESTAN_WORDS_ANY);
+  EXPECT(KESTAN_ZERO_TERMINATED == SIZE_MAX);
+}
+
 TEST(TheLastErrorTellsAllOfIt) {
   MakePoems();
   kestan_reader* const reader = OpenReader("poems");

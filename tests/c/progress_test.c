@@ -143,3 +143,26 @@ TEST(AWriterThatItsCallbackFreesEndsItsCommitAndIsGone) {
   EXPECT_NUMBER(8, CountOf(reader, "new"));
   kestan_reader_free(reader);
 }
+
+static int StopMerging(const kestan_progress* progress, void* payload) {
+  (void)payload;
+  return progress->phase == KESTAN_PHASE_MERGING;
+}
+
+TEST(ACallbackThatStopsMergingLeavesWhatWasCommitted) {
+  MakePoems();
+  kestan_writer_options options = QuickOptions();
+  options.progress = StopMerging;
+  kestan_writer* writer = NULL;
+  REQUIRE_OK(kestan_writer_open(&writer, "poems", 5, &options));
+  AddMany(writer);
+  EXPECT_NUMBER(KESTAN_EINTERRUPTED, kestan_writer_compact(writer));
+  kestan_reader* const reader = OpenReader("poems");
+  EXPECT_NUMBER(8, CountOf(reader, "new"));
+  kestan_statistics statistics = KESTAN_STATISTICS_INIT;
+  EXPECT_NUMBER(KESTAN_OK, kestan_reader_statistics(&statistics, reader));
+  EXPECT_NUMBER(2, statistics.segments);
+  EXPECT_NUMBER(KESTAN_OK, kestan_writer_commit(writer));
+  kestan_reader_free(reader);
+  kestan_writer_free(writer);
+}

@@ -98,8 +98,9 @@ typedef struct kestan_progress {
 } kestan_progress;
 
 /* Called now and then during a commit or a compaction, by the thread that called it. `progress` is
- * lent for the call. Returns 0 to go on. Anything else stops: the index is as it was, and the call
- * returns KESTAN_EINTERRUPTED.
+ * lent for the call. Returns 0 to go on. Anything else stops, and the call returns
+ * KESTAN_EINTERRUPTED: while it is writing, the index is as it was; while it is merging, the
+ * changes are in the index, and its segments are as they were.
  */
 typedef int (*kestan_progress_callback)(const kestan_progress* progress, void* payload);
 
@@ -367,7 +368,9 @@ enum {
   KESTAN_WORDS_ANY = 2   /* any of the words */
 };
 
-/* A document that matches, as a filter sees it; lent for the call, and so are its texts. */
+/* A document that matches, as a filter sees it; lent for the call, and so are its texts. For the
+ * thread of the call.
+ */
 typedef struct kestan_filtered kestan_filtered;
 
 KESTAN_C_EXPORT int kestan_filtered_name(const char** out, size_t* length,
