@@ -45,6 +45,7 @@ build() (
   cd "$source"
   export DEB_BUILD_OPTIONS=$options
   export PATH=/usr/sbin:/usr/bin:/sbin:/bin  # the tools of Debian, whatever else is installed
+  unset CCACHE_BASEDIR CCACHE_NOHASHDIR      # they would put other paths into the line tables
   dpkg-buildpackage --no-sign
 )
 build >"$log" 2>&1 || {
