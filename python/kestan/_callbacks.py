@@ -3,6 +3,9 @@
 
 from __future__ import annotations
 
+import atexit
+import threading
+import time
 from types import TracebackType
 from typing import Callable, NamedTuple, Optional
 
@@ -75,19 +78,41 @@ class Candidate:
         return out[0], length[0]
 
 
+_running: list[Callback] = []
+_orphans: list[BaseException] = []
+_is_ending = False
+
+
 class Callback:
     """A function that C calls, and the exception that it has raised.
 
-    C is handed `ffi.new_handle(callback)`, which must live as long as C may call.
+    C is handed `ffi.new_handle(callback)`, which must live as long as C may call. Calls that may
+    call it are made in a `with callback:` block, which raises what the function has raised.
+
+    A daemon thread that calls back after the interpreter has ended would be ended by it in the
+    middle of C++, which ends the process with an error. So such calls are stopped before that.
     """
 
     def __init__(self, function: Optional[Callable[..., object]]) -> None:
         self.function = function
         self.error: Optional[BaseException] = None
 
+    def __enter__(self) -> None:
+        _running.append(self)
+        if must_stop():
+            self.__exit__()
+
+    def __exit__(self, *_: object) -> None:
+        _running.remove(self)
+        while must_stop():  # as all daemon threads do that want the interpreter from now on
+            time.sleep(3600)
+        self.raise_error()
+
     def raise_error(self) -> None:
         """Raises the exception that the function has raised, if any, and forgets it."""
         error, self.error = self.error, None
+        if error is None and _orphans:
+            error = _orphans.pop()
         if error is not None:
             try:
                 raise error
@@ -102,15 +127,19 @@ def _keep_error(
     _: type[BaseException], error: BaseException, trace: Optional[TracebackType]
 ) -> None:
     """Keeps an exception for the thread that waits for C."""
-    if trace is not None:
-        callback: Callback = ffi.from_handle(trace.tb_frame.f_locals["payload"])
-        callback.error = callback.error or error
+    if trace is None:  # Ctrl-C before the function began
+        _orphans.append(error)
+        return
+    callback: Callback = ffi.from_handle(trace.tb_frame.f_locals["payload"])
+    callback.error = callback.error or error
 
 
 @ffi.def_extern(name="kestan_python_progress", error=1, onerror=_keep_error)
 def _progress(progress: CData, payload: CData) -> int:
     """Lets Python handle signals, such as Ctrl-C, and tells the function if there is one."""
     function = ffi.from_handle(payload).function
+    if must_stop():
+        return 1
     if function is None:
         return 0
     phase = "merging" if progress.phase == lib.KESTAN_PHASE_MERGING else "writing"
@@ -121,8 +150,24 @@ def _progress(progress: CData, payload: CData) -> int:
 @ffi.def_extern(name="kestan_python_filter", error=-1, onerror=_keep_error)
 def _filter(document: CData, payload: CData) -> int:
     """Asks the function of a search whether it wants a document."""
+    if must_stop():
+        return -1
     candidate = Candidate(document)
     try:
         return 1 if ffi.from_handle(payload).function(candidate) else 0
     finally:
         candidate._document = None
+
+
+def must_stop() -> bool:
+    """Returns whether the interpreter is ending, and this is not the thread that ends it."""
+    return _is_ending and threading.current_thread() is not threading.main_thread()
+
+
+@atexit.register
+def _end() -> None:
+    """Waits until no other thread is in a call that calls back; they are stopped at once."""
+    global _is_ending
+    _is_ending = True
+    while _running:
+        time.sleep(0.001)

@@ -31,6 +31,12 @@ class Query:
 
     __slots__ = ("_reader", "_pointer", "_kind", "_parts", "_text")
 
+    _reader: Reader
+    _pointer: CData
+    _kind: str
+    _parts: tuple[Query, ...]
+    _text: str
+
     def __init__(self, *_: object) -> None:
         """Refuses: readers make queries."""
         raise TypeError("queries are made by the methods of a reader: index.word('roses')")

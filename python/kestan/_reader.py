@@ -4,6 +4,7 @@
 from __future__ import annotations
 
 import os
+from contextlib import nullcontext
 from types import TracebackType
 from typing import Callable, Iterator, Optional, Sequence, Union
 
@@ -269,12 +270,11 @@ class Reader:
         else:
             raise TypeError(f"query must be str, bytes or a Query, not {type(query).__name__}")
         with self._handle as reader:
-            if isinstance(query, Query):
-                code = by_query(out, reader, query._pointer, options)
-            else:
-                code = by_text(out, reader, encoded, len(encoded), options)
-            if callback is not None:
-                callback.raise_error()
+            with callback or nullcontext():
+                if isinstance(query, Query):
+                    code = by_query(out, reader, query._pointer, options)
+                else:
+                    code = by_text(out, reader, encoded, len(encoded), options)
             check_query(code, reader, encoded, isinstance(query, str))
 
     def _terms(self, get: Callable[..., int], text: bytes, limit: int) -> Iterator[Term]:

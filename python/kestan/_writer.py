@@ -170,8 +170,11 @@ class Writer:
         """Writes all changes and lets readers see them: all of them, or, on an error, none.
 
         Then segments are merged if there are many; after an error of merging the changes are in
-        the index. Ctrl-C, an exception in the progress function, and its returning False (which
-        raises StoppedError) stop it: the changes are still there for the next commit.
+        the index.
+
+        Ctrl-C, an exception in the progress function, and its returning False, which raises
+        StoppedError, stop it: the index is as it was. The changes are to be made again, after
+        rollback(): until then, all calls raise StoppedError.
         """
         self._run(lib.kestan_writer_commit)
 
@@ -241,10 +244,8 @@ class Writer:
     def _run(self, function: Callable[[CData], int]) -> None:
         """Runs a commit or a compaction, which calls the progress function."""
         with self._handle as writer:
-            code = function(writer)
-            self._callback.raise_error()
-            if code == lib.KESTAN_EINTERRUPTED and self._callback.function is None:
-                raise KeyboardInterrupt  # which came where no function could keep it
+            with self._callback:
+                code = function(writer)
             check(code, writer)
 
 

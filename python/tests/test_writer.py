@@ -258,6 +258,10 @@ def test_a_progress_function_that_returns_false_stops_the_commit(flowers: Path) 
         index.commit()
     assert found(flowers, "tulips") == []
     answers[0] = True
+    with pytest.raises(kestan.StoppedError):  # instead of committing nothing
+        index.commit()
+    index.rollback()
+    index.add("c.txt", "Tulips")
     index.commit()
     index.close()
     assert found(flowers, "tulips") == ["c.txt"]
@@ -272,6 +276,8 @@ def test_an_exception_in_progress_comes_out_of_the_commit(flowers: Path) -> None
     for function in (index.commit, index.compact):
         with pytest.raises(LookupError, match="from progress"):
             function()
+        index.rollback()
+        index.add("c.txt", "Tulips")
     index.close()
     assert found(flowers, "tulips") == []
 
