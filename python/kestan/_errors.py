@@ -24,10 +24,10 @@ class Error(Exception):
 class QueryError(Error):
     """A query cannot be read.
 
-    >>> index.search('"red roses" NEAR', strict=True)
+    >>> index.search('"red roses', strict=True)
     Traceback (most recent call last):
     ...
-    kestan.QueryError: NEAR needs something on both sides
+    kestan.QueryError: the quote has no partner, or stands within a word
     """
 
     column: Optional[int] = None

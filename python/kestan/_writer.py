@@ -134,6 +134,7 @@ class Writer:
         2
         """
         count = 0
+        item: Any
         for item in documents:
             if isinstance(item, tuple) and len(item) == 2:
                 self.add(item[0], item[1])
@@ -153,7 +154,7 @@ class Writer:
         >>> writer.remove("c.txt")
         Traceback (most recent call last):
         ...
-        kestan.NotFoundError: there is no document c.txt
+        kestan.NotFoundError: there is no document 'c.txt'
         """
         key = name_bytes(name)
         with self._handle as writer:

@@ -1,0 +1,47 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""docs/python.md and README.md do what they show."""
+
+from __future__ import annotations
+
+import doctest
+import re
+from pathlib import Path
+
+import pytest
+
+from helpers import PAGE, PYTHON_FOLDER
+
+
+def blocks(page: Path, language: str) -> list[tuple[int, str]]:
+    """Returns the blocks of a page in a language, each after the number of its first line."""
+    text = page.read_text(encoding="utf-8")
+    found = re.finditer(rf"^```{language}\n(.*?)^```$", text, re.MULTILINE | re.DOTALL)
+    return [(text.count("\n", 0, block.start(1)), block.group(1)) for block in found]
+
+
+def test_the_tutorial_prints_what_it_shows(
+        tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
+    monkeypatch.chdir(tmp_path)
+    parser, globs = doctest.DocTestParser(), {"__name__": "__main__"}
+    runner = doctest.DocTestRunner()
+    pages = blocks(PAGE, "pycon")
+    assert len(pages) > 10
+    for line, block in pages:
+        test = parser.get_doctest(block, globs, "python.md", str(PAGE), line)
+        runner.run(test, clear_globs=False)
+        globs = test.globs
+    assert runner.failures == 0
+
+
+def test_the_tutorial_has_no_python_that_is_not_run() -> None:
+    fences = re.findall(r"^```(\w+)$", PAGE.read_text(encoding="utf-8"), re.MULTILINE)
+    assert set(fences) == {"pycon", "sh"}
+
+
+def test_the_readme_prints_what_the_tutorial_promises(
+        tmp_path: Path, monkeypatch: pytest.MonkeyPatch,
+        capsys: pytest.CaptureFixture[str]) -> None:
+    monkeypatch.chdir(tmp_path)
+    [(_, program)] = blocks(PYTHON_FOLDER / "README.md", "python")
+    exec(compile(program, "README.md", "exec"), {"__name__": "__main__"})
+    assert capsys.readouterr().out == "100 a.txt Roses are red\n"
