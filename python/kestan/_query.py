@@ -42,7 +42,9 @@ class Query:
         raise TypeError("queries are made by the methods of a reader: index.word('roses')")
 
     @classmethod
-    def _made(cls, reader: Reader, out: CData, kind: str, parts: tuple[Query, ...], text: str) -> Query:
+    def _made(
+        cls, reader: Reader, out: CData, kind: str, parts: tuple[Query, ...], text: str
+    ) -> Query:
         """Takes the kestan_query at `out`."""
         query = cls.__new__(cls)
         query._reader = reader

@@ -10,7 +10,7 @@ from types import TracebackType
 from typing import Any, Callable, Iterable, Optional, Union
 
 from ._callbacks import Callback, Progress
-from ._errors import check, check_opened, line_of
+from ._errors import check, check_opened, error_of, line_of
 from ._handles import Handle
 from ._native import CData, ffi, lib
 from ._values import Name, Text, data_bytes, name_bytes, set_bytes, text_bytes, whole
@@ -120,8 +120,7 @@ class Writer:
             lent.append(set_bytes(document, "summary", text_bytes(summary, "summary")))
         if data != b"":
             lent.append(set_bytes(document, "data", data_bytes(data, "data")))
-        with self._handle as writer:
-            check(lib.kestan_writer_add(writer, document), writer)
+        self._run(lib.kestan_writer_add, document)
 
     def add_many(self, documents: Iterable[Item]) -> int:
         """Adds documents and returns how many.
@@ -174,8 +173,8 @@ class Writer:
         the index.
 
         Ctrl-C, an exception in the progress function, and its returning False, which raises
-        StoppedError, stop it: the index is as it was. The changes are to be made again, after
-        rollback(): until then, all calls raise StoppedError.
+        StoppedError, stop it: the index is as it was before. If that was while writing, the changes
+        are rolled back: make them again and commit. While merging, they are in the index already.
         """
         self._run(lib.kestan_writer_commit)
 
@@ -242,12 +241,16 @@ class Writer:
                           source=self)
             handle.close()
 
-    def _run(self, function: Callable[[CData], int]) -> None:
-        """Runs a commit or a compaction, which calls the progress function."""
-        with self._handle as writer:
-            with self._callback:
-                code = function(writer)
-            check(code, writer)
+    def _run(self, function: Callable[..., int], *arguments: CData) -> None:
+        """Calls what may call the progress function."""
+        with self._handle as writer, self._callback:
+            code = function(writer, *arguments)
+            if code < 0:
+                error = error_of(code, writer)
+                if code == lib.KESTAN_EINTERRUPTED:
+                    check(lib.kestan_writer_rollback(writer), writer)
+                self._callback.raise_error()
+                raise error
 
 
 def _shape(item: object) -> str:

@@ -27,17 +27,24 @@ def descriptors() -> int:
     return len(os.listdir("/proc/self/fd"))
 
 
-def assert_no_leak(call: Callable[[], Any], times: int, bytes_each: float) -> None:
-    """Calls many times; memory may grow by less than `bytes_each` of them on average."""
-    for _ in range(times // 10):
-        call()
+def growth(call: Callable[[], Any], times: int) -> int:
+    """Calls many times. Returns by how many bytes memory grew."""
     gc.collect()
     before, files = resident_kilobytes(), descriptors()
     for _ in range(times):
         call()
     gc.collect()
     assert descriptors() == files
-    assert (resident_kilobytes() - before) * 1024 <= times * bytes_each + 512 * 1024
+    return (resident_kilobytes() - before) * 1024
+
+
+def assert_no_leak(call: Callable[[], Any], times: int, bytes_each: float) -> None:
+    """Memory may grow by less than `bytes_each` of the calls on average.
+
+    What is leaked grows each time; what allocators keep for later, only once or twice.
+    """
+    growth(call, times // 10)
+    assert any(growth(call, times) <= times * bytes_each for _ in range(3))
 
 
 def test_searches_leak_nothing(reader: kestan.Reader) -> None:

@@ -68,7 +68,8 @@ def test_several_indexes_are_searched_as_one(flowers: Path, tmp_path: Path) -> N
             ("a.txt", 0), ("b.txt", 0), ("c.txt", 1)}
 
 
-def test_a_second_writer_is_told_that_the_index_is_busy(writer: kestan.Writer, flowers: Path) -> None:
+def test_a_second_writer_is_told_that_the_index_is_busy(
+        writer: kestan.Writer, flowers: Path) -> None:
     with pytest.raises(kestan.BusyError) as caught:
         kestan.open(flowers, "w")
     assert caught.value.filename is not None

@@ -180,11 +180,6 @@ except KeyboardInterrupt:
 timer.join()
 with kestan.open("index") as reader:
     print(len(reader), reader.count("red"))
-try:
-    writer.commit()
-except kestan.StoppedError:
-    print("roll back first")
-writer.rollback()
 writer.add_many(many())
 writer.commit()
 writer.close()
@@ -193,7 +188,7 @@ with kestan.open("index") as reader:
 print(kestan.check("index").faults)
 """
     assert ran(program, tmp_path).splitlines() == [
-        "interrupted", "1 1", "roll back first", "8001 8001", "0"]
+        "interrupted", "1 1", "8001 8001", "0"]
 
 
 def test_ctrl_c_inside_a_progress_function_comes_out_of_the_commit(tmp_path: Path) -> None:
