@@ -83,6 +83,25 @@ TEST_F(BuiltQuerySearchTest, AllOperandsOfAndAreRequiredAndNoneIsLeftOut) {
   EXPECT_EQ(Names(Built::Word("the roses")), "");
 }
 
+TEST_F(BuiltQuerySearchTest, NothingFallsBackOnSomeOfTheWordsAsATextDoes) {
+  const IndexReader reader = Opened();
+  EXPECT_EQ(reader.Search("(roses,road)")->total, 3U);
+  EXPECT_EQ(reader.Search(Built::Word("roses,road"))->total, 0U);
+}
+
+TEST_F(BuiltQuerySearchTest, OrFindsWhatAnyOperandFindsWhereATextLeavesSomeOut) {
+  SearchOptions options;
+  options.words = WordsMean::kAny;
+  const IndexReader reader = Opened();
+  EXPECT_EQ(reader.Search("the OR red", options)->total, 1U);
+  EXPECT_EQ(*reader.Count(Built::Or({Built::Word("the"), Built::Word("red")}), options), 3U);
+  EXPECT_EQ(reader.Search("(NOT roses) OR red", options)->total, 0U);
+  EXPECT_EQ(
+      reader.Search(Built::Or({Built::Not(Built::Word("roses")), Built::Word("red")}), options)
+          ->total,
+      4U);
+}
+
 TEST_F(BuiltQuerySearchTest, WordsAreTakenAsTheyAreWrittenIfAllAreWanted) {
   SearchOptions options;
   options.words = WordsMean::kAll;

@@ -22,21 +22,23 @@ struct BuiltNode;
 // the index that it is put to. IndexReader::CheckQuery() says whether it makes sense there.
 //
 // What WordsMean means for it:
-//   kBest  a Word stands for its other forms too, unless it is a stop word, has a capital letter or
-//          is made of words that hang together (e-mail). All operands of And are required. A text
-//          is the same if it joins all its words with AND, but that one falls back on documents
-//          with some of the words where none has all; a built query never does. Of words side by
-//          side in a text, those that say little are not required; in a Word they are.
-//   kAll   words are taken as they are written.
-//   kAny   as kBest, but of a Word that holds several words, any is enough. A text also excludes
-//          what is under NOT beside OR; here Or means any of its operands, Not among them.
+//   kBest  a Word stands for its other forms too, where a word of a text outside quotes does. All
+//          is required. The text finds the same with the same scores, with two exceptions. Where no
+//          document matches, words of it that no blank parts (foo,bar, and all of a script without
+//          blanks) fall back on documents with some of them; a built query falls back on nothing.
+//          And of words side by side, those that say little are not required; in a Word of several
+//          words they are.
+//   kAll   words are taken as they are written. The text finds the same with the same scores.
+//   kAny   as kBest, but of a Word of several words any is enough. Beside OR, a text leaves out
+//          stop words, excludes what is under NOT, and takes words of a script without blanks
+//          apart; Or finds what any of its operands finds.
 //
 // Never changes, so that any number of threads may use one. A copy costs as much as one of a
 // std::shared_ptr.
 class KESTAN_SEARCH_EXPORT SearchQuery {
  public:
   // A word. With punctuation inside (e-mail) it is what it is in a text outside quotes: words in a
-  // row. With blanks inside it is several, which documents must hold all.
+  // row. With blanks inside it is several words, all of which documents must have.
   static SearchQuery Word(std::string_view word) noexcept;
 
   // Every word that begins with `prefix`. Of several words the last is the prefix: "pre-fix" is

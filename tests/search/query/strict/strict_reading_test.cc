@@ -143,7 +143,7 @@ RC_GTEST_PROP(StrictReadingPropertyTest, TextWithoutAMistakeIsReadWithoutNotes, 
   for (const std::string& each : *rc::gen::container<std::vector<std::string>>(piece)) text += each;
   for (const TextRules rules : {TextRules::kAsciiLetters, TextRules::kAnalyzer}) {
     const Status status = CheckIsStrict(text, rules);
-    RC_CLASSIFY(status.ok());
+    RC_CLASSIFY(status.ok(), "without a mistake");
     if (status.ok()) {
       RC_ASSERT(NotesOnIgnoredText(text, rules).empty());
       RC_ASSERT(NotesOnForeignSyntax(text).empty());
