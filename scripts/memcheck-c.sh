@@ -1,0 +1,21 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Runs the tests of the C interface under valgrind, as the release preset has built them. A test fails if it
+# reads or writes outside its memory, uses a value that was never set, or leaks memory. Takes some minutes.
+#
+#   scripts/memcheck-c.sh [TEST...]       TEST is a name as in tests/c/, without c/
+set -euo pipefail
+cd "$(dirname "$0")/.."
+command -v valgrind >/dev/null || { echo 'valgrind is missing' >&2; exit 1; }
+program=build/release/tests/c/c_tests
+[ -x "$program" ] || { echo "build the target c_tests first" >&2; exit 1; }
+
+# Of the children that tests make to see what fork() does, valgrind says nothing: what they have of their
+# parent's is meant to be left. Those that run a test end with valgrind's code themselves.
+mapfile -t tests < <(if [ $# -gt 0 ]; then printf '%s\n' "$@"; else
+  sed -nE 's/^TEST\((\w+)\).*/\1/p' tests/c/*_test.c | grep -vxFf \
+    <(sed -nE 's/^TEST\((\w+)\).*/\1/p' tests/c/allocations_test.c); fi)
+[ ${#tests[@]} -gt 0 ] || { echo 'there are no tests' >&2; exit 1; }
+printf '%s\0' "${tests[@]}" | xargs -0 -n 8 -P "${KESTAN_MEMCHECK_JOBS:-$(nproc)}" \
+  valgrind --quiet --error-exitcode=99 --leak-check=full --show-leak-kinds=definite,possible \
+  --errors-for-leak-kinds=definite,possible --suppressions=scripts/memcheck.supp "$program"
