@@ -106,21 +106,19 @@ class Writer:
 
         >>> writer.add("a.txt", "Roses are red", title="Roses", data=b"page 7")
         """
-        key, words = name_bytes(name), text_bytes(text, "text")
+        words = text_bytes(text, "text")
         document = ffi.new("kestan_document*")
         document.version = lib.KESTAN_DOCUMENT_VERSION
-        lent = [set_bytes(document, "name", key), set_bytes(document, "text", words)]
-        if title:
-            lent.append(set_bytes(document, "title", text_bytes(title, "title")))
-        elif not isinstance(title, (str, bytes)):
-            text_bytes(title, "title")
-        if summary is None:
-            document.summary, document.summary_length = document.text, len(words)
-        else:
-            lent.append(set_bytes(document, "summary", text_bytes(summary, "summary")))
-        if data != b"":
-            lent.append(set_bytes(document, "data", data_bytes(data, "data")))
+        lent = (  # until the call is done
+            set_bytes(document, "name", name_bytes(name)),
+            set_bytes(document, "text", words),
+            set_bytes(document, "title", text_bytes(title, "title")),
+            set_bytes(document, "summary",
+                      words if summary is None else text_bytes(summary, "summary")),
+            set_bytes(document, "data", data_bytes(data, "data")),
+        )
         self._run(lib.kestan_writer_add, document)
+        del lent
 
     def add_many(self, documents: Iterable[Item]) -> int:
         """Adds documents and returns how many.
