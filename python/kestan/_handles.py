@@ -6,12 +6,22 @@ from __future__ import annotations
 import os
 import threading
 from types import TracebackType
-from typing import Callable, Generic, Iterator, Optional, TypeVar
+from typing import Callable, Generic, Iterator, NoReturn, Optional, TypeVar
 
 from ._errors import ForkedError, check
 from ._native import CData, ffi, lib
 
 Item = TypeVar("Item")
+
+
+class Unpicklable:
+    """What belongs to its process: copies would share what is freed once."""
+
+    __slots__ = ()
+
+    def __reduce_ex__(self, _: object) -> NoReturn:
+        raise TypeError(f"a {type(self).__name__} cannot be copied or pickled: "
+                        "open the index in each process")
 
 
 class Handle:

@@ -8,12 +8,12 @@ from html import escape
 from typing import Callable, Iterator, Optional, Union, overload
 
 from ._errors import NotFoundError, check
-from ._handles import Turns
+from ._handles import Turns, Unpicklable
 from ._native import CData, ffi, lib
 from ._values import Text, name_of, text_bytes, text_of
 
 
-class Hit:
+class Hit(Unpicklable):
     """A document that matches. What it tells is fetched when it is looked at."""
 
     __slots__ = ("_hits", "_hit")
@@ -67,6 +67,15 @@ class Hit:
         return "".join(before + part + after if matches else part
                        for part, matches in self._fragments(text))
 
+    def __eq__(self, other: object) -> bool:
+        """Returns whether it is the same hit of the same search."""
+        if not isinstance(other, Hit):
+            return NotImplemented
+        return self._hits is other._hits and bool(self._hit == other._hit)
+
+    def __hash__(self) -> int:
+        return hash(self._hit)
+
     def __repr__(self) -> str:
         """Shows its percentage, its name and its title."""
         title = f" {self.title!r}" if self.title else ""
@@ -91,7 +100,7 @@ class Hit:
         return parts
 
 
-class Hits(Sequence[Hit]):
+class Hits(Unpicklable, Sequence[Hit]):
     """The hits of a search, the best first: a sequence whose items are made when looked at.
 
     It may outlive the reader, whose files stay open as long as there are hits of it.

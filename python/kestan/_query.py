@@ -6,6 +6,7 @@ from __future__ import annotations
 from typing import TYPE_CHECKING, Callable, NoReturn
 
 from ._errors import check
+from ._handles import Unpicklable
 from ._native import CData, ffi, lib
 from ._values import text_bytes, whole
 
@@ -15,7 +16,7 @@ if TYPE_CHECKING:
 _MOST_DISTANCE = 2**32 - 1
 
 
-class Query:
+class Query(Unpicklable):
     """What a program asks for: built by calls, so that nothing has to be quoted.
 
     It is made by the word(), prefix() and phrase() of a reader, is put to that reader only, and

@@ -11,7 +11,7 @@ from typing import Callable, Iterator, Optional, Sequence, Union
 from ._callbacks import Callback, Candidate
 from ._documents import Document, Statistics, Term
 from ._errors import NotFoundError, check, check_opened, check_query
-from ._handles import Handle, Lent
+from ._handles import Handle, Lent, Unpicklable
 from ._hits import Hits
 from ._native import CData, ffi, lib
 from ._query import Query, plain_query
@@ -26,7 +26,7 @@ _WORDS = {
 Filter = Callable[[Candidate], object]
 
 
-class Reader:
+class Reader(Unpicklable):
     """A snapshot of an index, or of several: no later commit changes it.
 
     Any number of threads may use one. It is much like a mapping from names to documents: len(),

@@ -11,7 +11,7 @@ from typing import Any, Callable, Iterable, Optional, Union
 
 from ._callbacks import Callback, Progress
 from ._errors import check, check_opened, error_of, line_of
-from ._handles import Handle
+from ._handles import Handle, Unpicklable
 from ._native import CData, ffi, lib
 from ._values import Name, Text, data_bytes, name_bytes, set_bytes, text_bytes, whole
 
@@ -21,7 +21,7 @@ Item = Union[tuple[Name, Text], tuple[Name, Text, Text], Mapping[str, Any]]
 _MOST_THREADS = 2**32 - 1
 
 
-class Writer:
+class Writer(Unpicklable):
     """The one writer of an index. What it changes is seen by readers after a commit.
 
     A `with` block commits when it ends well; an exception forgets what was not committed. A writer

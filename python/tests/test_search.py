@@ -3,6 +3,8 @@
 
 from __future__ import annotations
 
+import copy
+import pickle
 from collections.abc import Sequence
 from pathlib import Path
 from typing import Any
@@ -64,6 +66,35 @@ def test_hits_are_equal_only_to_themselves(reader: kestan.Reader) -> None:
     hits = reader.search("red")
     assert hits == hits
     assert hits != reader.search("red")
+
+
+def test_a_hit_is_equal_to_itself_however_it_was_reached(reader: kestan.Reader) -> None:
+    hits, others = reader.search("roses"), reader.search("roses")
+    assert hits[0] == hits[-2] == next(iter(hits))
+    assert hits[0] != hits[1]
+    assert hits[0] != others[0]
+    assert hits[0] != "a.txt"
+    assert hits.index(hits[1]) == 1
+    assert hits[1] in hits
+    assert len({hits[0], hits[1], hits[0]}) == 2
+
+
+def test_what_belongs_to_a_process_is_not_copied_or_pickled(
+        reader: kestan.Reader, writer: kestan.Writer) -> None:
+    hits = reader.search("red")
+    for thing in (reader, writer, hits, hits[0], reader.word("red")):
+        for use in (pickle.dumps, copy.copy, copy.deepcopy):
+            with pytest.raises(TypeError, match="open the index in each process"):
+                use(thing)  # type: ignore[operator]
+
+
+def test_documents_and_errors_are_pickled(reader: kestan.Reader) -> None:
+    document = reader["a.txt"]
+    assert pickle.loads(pickle.dumps(document)) == document
+    with pytest.raises(kestan.QueryError) as caught:
+        reader.search('red "roses', strict=True)
+    error = pickle.loads(pickle.dumps(caught.value))
+    assert (str(error), error.column) == (str(caught.value), 4)
 
 
 def test_the_limit_is_how_many_hits_there_are_at_most(many: Path) -> None:
