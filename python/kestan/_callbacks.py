@@ -4,6 +4,7 @@
 from __future__ import annotations
 
 import atexit
+import os
 import threading
 import time
 from types import TracebackType
@@ -103,7 +104,8 @@ class Callback:
             self.__exit__()
 
     def __exit__(self, *_: object) -> None:
-        _running.remove(self)
+        if self in _running:  # or a fork() in the call has emptied it
+            _running.remove(self)
         while must_stop():  # as all daemon threads do that want the interpreter from now on
             time.sleep(3600)
         self.raise_error()
@@ -164,10 +166,17 @@ def must_stop() -> bool:
     return _is_ending and threading.current_thread() is not threading.main_thread()
 
 
+os.register_at_fork(after_in_child=_running.clear)  # the threads are the parent's
+
+
 @atexit.register
 def _end() -> None:
-    """Waits until no other thread is in a call that calls back; they are stopped at once."""
+    """Waits until no other thread is in a call that calls back; they are stopped at once.
+
+    A function of the program that does not return is waited for no longer than 5 seconds.
+    """
     global _is_ending
     _is_ending = True
-    while _running:
+    deadline = time.monotonic() + 5
+    while _running and time.monotonic() < deadline:
         time.sleep(0.001)

@@ -28,7 +28,7 @@ def found(path: os.PathLike[str], query: str) -> list[str]:
 def run_python(program: str, folder: Path, *options: str) -> subprocess.CompletedProcess[str]:
     """Runs a program in a process of its own, in `folder`, where all warnings are shown."""
     return subprocess.run([sys.executable, "-W", "always", *options, "-c", program], cwd=folder,
-                          capture_output=True, text=True, timeout=20, check=False)
+                          capture_output=True, text=True, timeout=60, check=False)
 
 
 def ran(program: str, folder: Path, *options: str) -> str:

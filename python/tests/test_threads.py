@@ -81,7 +81,7 @@ def test_closing_while_others_search_is_safe(flowers: Path) -> None:
         def search(number: int) -> None:
             nonlocal closed
             try:
-                for _ in range(1000):
+                for _ in range(10**6):
                     assert index.search("red")[0].name == "a.txt"
                     len(index)
             except ValueError as error:
