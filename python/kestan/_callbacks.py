@@ -88,7 +88,7 @@ class Callback:
     """A function that C calls, and the exception that it has raised.
 
     C is handed `ffi.new_handle(callback)`, which must live as long as C may call. Calls that may
-    call it are made in a `with callback:` block, which raises what the function has raised.
+    call it are made in a `with callback:` block, and followed by raise_error().
 
     A daemon thread that calls back after the interpreter has ended would be ended by it in the
     middle of C++, which ends the process with an error. So such calls are stopped before that.
@@ -108,7 +108,6 @@ class Callback:
             _running.remove(self)
         while must_stop():  # as all daemon threads do that want the interpreter from now on
             time.sleep(3600)
-        self.raise_error()
 
     def raise_error(self) -> None:
         """Raises the exception that the function has raised, if any, and forgets it."""
@@ -133,7 +132,8 @@ def _keep_error(
         _orphans.append(error)
         return
     callback: Callback = ffi.from_handle(trace.tb_frame.f_locals["payload"])
-    callback.error = callback.error or error
+    if callback.error is None:
+        callback.error = error
 
 
 @ffi.def_extern(name="kestan_python_progress", error=1, onerror=_keep_error)

@@ -275,6 +275,8 @@ class Reader(Unpicklable):
                     code = by_query(out, reader, query._pointer, options)
                 else:
                     code = by_text(out, reader, encoded, len(encoded), options)
+            if callback is not None:
+                callback.raise_error()
             check_query(code, reader, encoded, isinstance(query, str))
 
     def _terms(self, get: Callable[..., int], text: bytes, limit: int) -> Iterator[Term]:

@@ -240,15 +240,19 @@ class Writer(Unpicklable):
             handle.close()
 
     def _run(self, function: Callable[..., int], *arguments: CData) -> None:
-        """Calls what may call the progress function."""
-        with self._handle as writer, self._callback:
-            code = function(writer, *arguments)
+        """Calls what may call the progress function. What that stops is rolled back."""
+        with self._handle as writer:
+            with self._callback:
+                code = function(writer, *arguments)
             if code < 0:
                 error = error_of(code, writer)
+                if code == lib.KESTAN_EINVALID:  # maybe as another thread is in a call
+                    raise error
                 if code == lib.KESTAN_EINTERRUPTED:
                     check(lib.kestan_writer_rollback(writer), writer)
                 self._callback.raise_error()
                 raise error
+            self._callback.raise_error()
 
 
 def _shape(item: object) -> str:
