@@ -7,6 +7,7 @@ import os
 import subprocess
 import sys
 from pathlib import Path
+from typing import Callable
 
 import kestan
 
@@ -17,6 +18,11 @@ PAGE = PYTHON_FOLDER.parent / "docs" / "python.md"
 def names(hits: kestan.Hits) -> list[str]:
     """Returns the names of hits, in order."""
     return [hit.name for hit in hits]
+
+
+def calls(*functions: Callable[[], object]) -> tuple[Callable[[], object], ...]:
+    """Returns the functions, as those without arguments that they are."""
+    return functions
 
 
 def found(path: os.PathLike[str], query: str) -> list[str]:

@@ -39,7 +39,7 @@ def examples() -> list[doctest.DocTest]:
     return [test for test in tests if test.examples]
 
 
-@pytest.mark.parametrize("test", examples(), ids=lambda test: test.name)
+@pytest.mark.parametrize("test", examples(), ids=[test.name for test in examples()])
 def test_the_examples_of_a_docstring_do_what_they_show(
         test: doctest.DocTest, tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
     monkeypatch.chdir(tmp_path)

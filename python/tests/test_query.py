@@ -11,7 +11,7 @@ from typing import Any
 import pytest
 
 import kestan
-from helpers import names
+from helpers import calls, names
 
 
 @pytest.fixture
@@ -93,16 +93,17 @@ def test_a_query_without_words_is_a_query_error(reader: kestan.Reader) -> None:
 
 @pytest.mark.parametrize("wrong", [5, None, ["red"]])
 def test_a_text_of_the_wrong_type_is_named(reader: kestan.Reader, wrong: Any) -> None:
-    for make, argument in ((reader.word, "word"), (reader.prefix, "prefix"),
-                           (reader.phrase, "text"), (reader.suggest, "word"),
-                           (reader.terms, "prefix")):
+    cases: list[tuple[Any, str]] = [
+        (reader.word, "word"), (reader.prefix, "prefix"), (reader.phrase, "text"),
+        (reader.suggest, "word"), (reader.terms, "prefix")]
+    for make, argument in cases:
         with pytest.raises(TypeError, match=f"^{argument} must be str or bytes, not "):
             make(wrong)
 
 
 def test_queries_are_joined_with_queries_only(reader: kestan.Reader) -> None:
     word: Any = reader.word("red")
-    for join in (lambda: word & "roses", lambda: word | 5, lambda: word - None,
+    for join in calls(lambda: word & "roses", lambda: word | 5, lambda: word - None,
                  lambda: "roses" & word, lambda: word.near("roses", 3)):
         with pytest.raises(TypeError):
             join()
@@ -110,7 +111,7 @@ def test_queries_are_joined_with_queries_only(reader: kestan.Reader) -> None:
 
 def test_and_or_and_not_would_drop_a_part_so_they_are_refused(reader: kestan.Reader) -> None:
     word = reader.word("red")
-    for join in (lambda: word and word, lambda: word or word, lambda: not word):
+    for join in calls(lambda: word and word, lambda: word or word, lambda: not word):
         with pytest.raises(TypeError, match="join queries by &, | and ~"):
             join()
 

@@ -12,6 +12,7 @@ from typing import Any
 import pytest
 
 import kestan
+from helpers import calls
 
 
 def test_a_reader_is_much_like_a_mapping(reader: kestan.Reader) -> None:
@@ -88,7 +89,7 @@ def test_a_limit_of_none_is_no_limit(reader: kestan.Reader) -> None:
 @pytest.mark.parametrize("limit, error", [(-1, ValueError), ("5", TypeError), (1.5, TypeError),
                                           (1 << 64, ValueError)])
 def test_a_wrong_limit_is_named(reader: kestan.Reader, limit: Any, error: Any) -> None:
-    for call in (lambda: reader.search("a", limit=limit), lambda: reader.suggest("a", limit),
+    for call in calls(lambda: reader.search("a", limit=limit), lambda: reader.suggest("a", limit),
                  lambda: reader.terms("a", limit)):
         with pytest.raises(error, match="^limit must be"):
             call()
@@ -118,7 +119,7 @@ def test_a_closed_reader_says_so(flowers: Path) -> None:
     word = index.word("rose")
     index.close()
     index.close()
-    for call in (lambda: index.search("a"), lambda: index.count("a"), lambda: index.word("a"),
+    for call in calls(lambda: index.search("a"), lambda: index.count("a"), lambda: index.word("a"),
                  lambda: index.prefix("a"), lambda: index.phrase("a"), lambda: index.suggest("a"),
                  lambda: index.terms("a"), index.documents, index.refresh, index.statistics,
                  lambda: len(index), lambda: "a" in index, lambda: index["a"],

@@ -7,12 +7,12 @@ import copy
 import pickle
 from collections.abc import Sequence
 from pathlib import Path
-from typing import Any
+from typing import Any, Union
 
 import pytest
 
 import kestan
-from helpers import names
+from helpers import calls, names
 
 
 @pytest.fixture
@@ -133,7 +133,8 @@ def test_a_strict_search_refuses_what_it_would_leave_out(reader: kestan.Reader) 
 
 def test_the_column_of_an_error_counts_characters(reader: kestan.Reader) -> None:
     columns = []
-    for query in ("rose NEAR", "röse NEAR", "röse NEAR".encode()):
+    queries: list[Union[str, bytes]] = ["rose NEAR", "röse NEAR", "röse NEAR".encode()]
+    for query in queries:
         with pytest.raises(kestan.QueryError) as caught:
             reader.search(query, strict=True)
         columns.append(caught.value.column)
@@ -165,7 +166,8 @@ def test_a_wrong_number_is_named(reader: kestan.Reader, number: str) -> None:
 
 @pytest.mark.parametrize("wrong", [5, None, ["red"], bytearray(b"red"), Path("red")])
 def test_a_query_of_the_wrong_type_is_a_type_error(reader: kestan.Reader, wrong: Any) -> None:
-    for call in (reader.search, reader.count):
+    asks: list[Any] = [reader.search, reader.count]
+    for call in asks:
         with pytest.raises(TypeError, match="^query must be str, bytes or a Query, not "):
             call(wrong)
 
@@ -213,14 +215,15 @@ def test_a_filter_alone_finds_all_that_passes(reader: kestan.Reader) -> None:
 def test_what_a_filter_was_shown_is_gone_afterwards(reader: kestan.Reader) -> None:
     kept: list[kestan.Candidate] = []
     reader.search("red", filter=kept.append)
-    for call in (lambda: kept[0].name, lambda: kept[0].data, lambda: kept[0].added,
+    for call in calls(lambda: kept[0].name, lambda: kept[0].data, lambda: kept[0].added,
                  lambda: kept[0].index):
         with pytest.raises(ValueError, match="the filter has returned"):
             call()
 
 
 def test_an_exception_in_a_filter_comes_out_of_the_search(reader: kestan.Reader) -> None:
-    for call in (reader.search, reader.count):
+    asks: list[Any] = [reader.search, reader.count]
+    for call in asks:
         with pytest.raises(ZeroDivisionError):
             call("roses", filter=lambda it: 1 / 0)
     assert len(reader.search("roses")) == 2
@@ -231,7 +234,7 @@ def test_a_filter_may_use_other_readers_and_not_its_own(
     with kestan.open(flowers) as other:
         hits = reader.search("roses", filter=lambda it: it.name in names(other.search("red")))
     assert names(hits) == ["a.txt"]
-    for use in (reader.refresh, lambda: reader.search("red"), lambda: len(reader)):
+    for use in calls(reader.refresh, lambda: reader.search("red"), lambda: len(reader)):
         with pytest.raises(ValueError, match="a filter cannot use the reader"):
             reader.search("roses", filter=lambda it: use())
 

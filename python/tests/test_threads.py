@@ -12,7 +12,7 @@ from typing import Callable, Iterator
 import pytest
 
 import kestan
-from helpers import names
+from helpers import calls, names
 
 
 @pytest.fixture(autouse=True)
@@ -127,7 +127,7 @@ def test_a_writer_in_two_threads_at_once_says_so(path: Path) -> None:
     thread = threading.Thread(target=index.commit)
     thread.start()
     assert inside.wait(60)
-    for call in (lambda: index.add("b", "rose"), index.commit, index.rollback, index.warnings):
+    for call in calls(lambda: index.add("b", "rose"), index.commit, index.rollback, index.warnings):
         with pytest.raises(ValueError, match="another call with this writer is running"):
             call()
     index.close()  # lets the commit end

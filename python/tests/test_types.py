@@ -61,6 +61,19 @@ def test_the_package_its_stubs_and_its_build_have_no_error(tmp_path: Path) -> No
     assert done.stdout.startswith("Success"), done.stdout + done.stderr
 
 
+def test_the_tests_have_no_error(tmp_path: Path) -> None:
+    tests = str(PYTHON_FOLDER / "tests")
+    done = mypy(tmp_path, "--config-file", str(PYTHON_FOLDER / "pyproject.toml"), tests)
+    assert done.stdout.startswith("Success"), done.stdout + done.stderr
+
+
+def test_the_stubs_of_the_extension_have_no_error(tmp_path: Path) -> None:
+    done = subprocess.run([sys.executable, "-m", "mypy.stubtest", "kestan._kestan"], cwd=tmp_path,
+                          capture_output=True, text=True, check=False,
+                          env={**os.environ, "MYPYPATH": str(PYTHON_FOLDER)})
+    assert done.stdout.startswith("Success"), done.stdout + done.stderr
+
+
 def test_a_program_has_the_types_that_it_expects(tmp_path: Path) -> None:
     (tmp_path / "program.py").write_text(PROGRAM)
     done = mypy(tmp_path, "program.py")

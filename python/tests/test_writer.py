@@ -11,7 +11,7 @@ from typing import Any, Iterator
 import pytest
 
 import kestan
-from helpers import found
+from helpers import calls, found
 
 
 def test_what_was_added_is_found_after_the_block(path: Path) -> None:
@@ -150,8 +150,9 @@ def test_an_exception_of_the_generator_comes_out(flowers: Path) -> None:
 ])
 def test_an_argument_of_the_wrong_type_is_named(
         flowers: Path, writer: kestan.Writer, arguments: dict[str, Any], argument: str) -> None:
+    good: dict[str, Any] = {"name": "c", "text": "Tulips"}
     with pytest.raises(TypeError, match=f"^{argument} must be .*, not "):
-        writer.add(**{"name": "c", "text": "Tulips", **arguments})
+        writer.add(**(good | arguments))
     writer.commit()
     assert found(flowers, "tulips") == []
 
@@ -225,7 +226,7 @@ def test_a_closed_writer_says_so(flowers: Path) -> None:
     index = kestan.open(flowers, "w")
     index.close()
     index.close()
-    for call in (lambda: index.add("a", "b"), lambda: index.add_many([("a", "b")]),
+    for call in calls(lambda: index.add("a", "b"), lambda: index.add_many([("a", "b")]),
                  lambda: index.remove("a.txt"), lambda: index.rename("a.txt", "c"), index.commit,
                  index.rollback, index.compact, index.warnings, index.__enter__):
         with pytest.raises(ValueError, match="the writer is closed"):
