@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "search/files/owning_process.h"
+#include "search/process/owning_process.h"
 #include "search/index/caught.h"
 #include "search/index/committed_index.h"
 #include "search/index/inverting/document_limits.h"

@@ -12,7 +12,7 @@
 #include "search/files/descriptor.h"
 #include "search/files/numbers.h"
 #include "search/files/output_file.h"
-#include "search/files/owning_process.h"
+#include "search/process/owning_process.h"
 #include "search/segment/plain_index.h"
 #include "search/segment/record_keys.h"
 

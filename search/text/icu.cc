@@ -6,6 +6,7 @@
 
 #include <string>
 
+#include "search/process/first_use.h"
 #include "search/text/transliterate.h"
 
 // The text of a name after ICU's macros have changed it.
@@ -56,8 +57,8 @@ Icu Load() {
 }  // namespace
 
 const Icu& LoadedIcu() {
-  static const Icu kIcu = Load();
-  return kIcu;
+  static FirstUse<Icu> icu;
+  return icu.Get(Load);
 }
 
 }  // namespace kestan::search

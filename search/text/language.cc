@@ -80,10 +80,7 @@ const Language* FindLanguage(std::string_view name_or_code) {
   return found == kLanguages.end() ? nullptr : found;
 }
 
-const Language* DefaultLanguage() {
-  static const Language* const kEnglish = FindLanguage("english");
-  return kEnglish;
-}
+const Language* DefaultLanguage() { return FindLanguage("english"); }
 
 std::string LanguageNames() {
   std::string names;

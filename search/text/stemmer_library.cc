@@ -5,6 +5,8 @@
 
 #include <array>
 
+#include "search/process/first_use.h"
+
 namespace kestan::search {
 namespace {
 
@@ -43,8 +45,8 @@ StemmerLibrary Load() {
 }  // namespace
 
 const StemmerLibrary& LoadedStemmerLibrary() {
-  static const StemmerLibrary kLibrary = Load();
-  return kLibrary;
+  static FirstUse<StemmerLibrary> library;
+  return library.Get(Load);
 }
 
 }  // namespace kestan::search

@@ -9,6 +9,7 @@
 #include <memory>
 #include <new>
 
+#include "search/process/first_use.h"
 #include "search/text/icu.h"
 #include "search/text/run_cache.h"
 #include "search/text/utf8.h"
@@ -109,11 +110,11 @@ bool IsLatin(const std::u16string& text) {
 // Two transliterators: the one for every script takes half a second to make.
 std::u16string InLatinLetters(const std::u16string& text) {
   if (IsLatin(text)) {
-    static const Transliterator kLatin(u"Latin-ASCII");
-    return kLatin.Apply(text);
+    static FirstUse<Transliterator> latin;
+    return latin.Get([] { return Transliterator(u"Latin-ASCII"); }).Apply(text);
   }
-  static const Transliterator kAny(u"Any-Latin; Latin-ASCII");
-  return kAny.Apply(text);
+  static FirstUse<Transliterator> any;
+  return any.Get([] { return Transliterator(u"Any-Latin; Latin-ASCII"); }).Apply(text);
 }
 
 std::uint32_t CategoryMask(UChar32 code) { return U_MASK(LoadedIcu().u_charType(code)); }

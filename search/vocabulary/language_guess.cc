@@ -6,6 +6,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "search/process/first_use.h"
 #include "search/text/letters.h"
 #include "search/text/utf8.h"
 
@@ -128,7 +129,8 @@ std::size_t IndexOf(std::string_view language) {
 using LanguagesOfWords = std::unordered_map<std::string_view, LanguageSet>;
 
 const LanguagesOfWords& Languages() {
-  static const LanguagesOfWords languages = [] {
+  static FirstUse<LanguagesOfWords> languages;
+  return languages.Get([] {
     LanguagesOfWords sets;
     for (std::size_t i = 0; i < kFrequentWords.size(); ++i) {
       std::string_view words = kFrequentWords[i].words.substr(1);
@@ -139,8 +141,7 @@ const LanguagesOfWords& Languages() {
       }
     }
     return sets;
-  }();
-  return languages;
+  });
 }
 
 bool IsWordByte(char byte) { return IsAsciiLetter(byte) || !IsAscii(byte); }

@@ -18,6 +18,7 @@ const std::vector<Floor> kFloors{
     {"kestan/building", "kestan/engine"},
     {"kestan"},          // the headers that hosts include
     {"search/include"},  // what hosts of the search library include
+    {"search/process"},
     {"search/files", "search/text"},
     {"search/segment", "search/vocabulary"},
     {"search/query"},

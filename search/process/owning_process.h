@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What must not be used by a child process.
-#ifndef KESTAN_SEARCH_FILES_OWNING_PROCESS_H_
-#define KESTAN_SEARCH_FILES_OWNING_PROCESS_H_
+#ifndef KESTAN_SEARCH_PROCESS_OWNING_PROCESS_H_
+#define KESTAN_SEARCH_PROCESS_OWNING_PROCESS_H_
 
 #include <unistd.h>
 
@@ -18,4 +19,4 @@ class OwningProcess {
 
 }  // namespace kestan::search
 
-#endif  // KESTAN_SEARCH_FILES_OWNING_PROCESS_H_
+#endif  // KESTAN_SEARCH_PROCESS_OWNING_PROCESS_H_
