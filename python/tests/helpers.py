@@ -40,5 +40,5 @@ def run_python(program: str, folder: Path, *options: str) -> subprocess.Complete
 def ran(program: str, folder: Path, *options: str) -> str:
     """The same; returns what it printed. It must end well and say nothing on standard error."""
     done = run_python(program, folder, *options)
-    assert (done.returncode, done.stderr) == (0, "")
+    assert (done.returncode, done.stderr) == (0, ""), f"{done.returncode}: {done.stderr}"
     return done.stdout

@@ -88,7 +88,7 @@ for _ in range(3):
 for _ in range(50):
     child = os.fork()
     if child == 0:
-        for call in calls(lambda: reader.search("red"), lambda: hits[0].snippet()):
+        for call in (lambda: reader.search("red"), lambda: hits[0].snippet()):
             try:
                 call()
                 os._exit(1)
