@@ -5,12 +5,14 @@ from __future__ import annotations
 
 from collections.abc import Sequence
 from html import escape
-from typing import Callable, Iterator, Optional, Union, overload
+from typing import Callable, Iterable, Iterator, Optional, Union, overload
 
 from ._errors import NotFoundError, check
 from ._handles import Turns, Unpicklable
 from ._native import CData, ffi, lib
 from ._values import Text, name_of, text_bytes, text_of
+
+_HITS_AT_ONCE = 64  # that iterators fetch, for each time that they wait for other threads
 
 
 class Hit(Unpicklable):
@@ -154,17 +156,18 @@ class Hits(Unpicklable, Sequence[Hit]):
     def __getitem__(self, position: Union[int, slice]) -> Union[Hit, list[Hit]]:
         """Returns the hit at `position`, from 0, or from -1 backwards; or the list of a slice."""
         if isinstance(position, slice):
-            return [self._at(at) for at in range(*position.indices(self._count))]
+            return self._some(range(*position.indices(self._count)))
         if not isinstance(position, int):
             raise TypeError(f"hits are numbered by int or slice, not {type(position).__name__}")
         at = position + self._count if position < 0 else position
         if not 0 <= at < self._count:
             raise IndexError(f"there is no hit {position}: there are {self._count}")
-        return self._at(at)
+        return self._some((at,))[0]
 
     def __iter__(self) -> Iterator[Hit]:
         """Iterates over the hits, the best first."""
-        return map(self._at, range(self._count))
+        for first in range(0, self._count, _HITS_AT_ONCE):
+            yield from self._some(range(first, min(first + _HITS_AT_ONCE, self._count)))
 
     def __repr__(self) -> str:
         """Shows how many there are, and the first ones."""
@@ -178,10 +181,16 @@ class Hits(Unpicklable, Sequence[Hit]):
         return (f"<p>{self._count} of {self.total}</p>\n<table>\n<tr><th>percent</th><th>title</th>"
                 f"<th>name</th><th>snippet</th></tr>\n{rows}</table>")
 
-    def _at(self, position: int) -> Hit:
+    def _some(self, positions: Iterable[int]) -> list[Hit]:
+        """Returns the hits at these positions, which there are."""
+        pointer, out, hits = self._pointer, self._out, []
         with self._turns:
-            check(lib.kestan_hits_at(self._out, self._pointer, position), self._pointer)
-            return Hit(self, self._out[0])
+            for position in positions:
+                code = lib.kestan_hits_at(out, pointer, position)
+                if code:
+                    check(code, pointer)
+                hits.append(Hit(self, out[0]))
+        return hits
 
     def _lines(self, get: Callable[[CData, CData, CData, int], int]) -> tuple[str, ...]:
         out, length = ffi.new("const char**"), ffi.new("size_t*")
