@@ -69,7 +69,7 @@ try_in_chroot() {
   git ls-files -z | tar --create --null --files-from - | tar --extract --directory "$work/source"
   # shellcheck disable=SC2016  # "$1", the folder of the new system, is for the shell of the hook
   mmdebstrap --quiet --variant=apt --customize-hook="cp -r '$packages' '$older' '$work/source' \"\$1\"" \
-    --customize-hook='chroot "$1" /source/scripts/packages/try_in_chroot.sh /now /older /source' \
+    --customize-hook='env -i PATH="$PATH" chroot "$1" /source/scripts/packages/try_in_chroot.sh /now /older /source' \
     "$(. /etc/os-release && echo "$VERSION_CODENAME")" /dev/null
 }
 

@@ -9,7 +9,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 set -euo pipefail
 packages=$1 older=$2 source=$3
-export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8
+export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8 PATH=/usr/sbin:/usr/bin:/sbin:/bin
 
 mapfile -t names < <(for package in "$packages"/*.deb; do dpkg-deb --field "$package" Package; done)
 version=$(dpkg-deb --field "$packages"/kestan_*.deb Version)
