@@ -4,10 +4,12 @@
 # find_package and with pkg-config, each with the shared and with the static library. Every host must
 # print the same lines. An installed command must start without the libraries of its module, and read a
 # page with them wherever its tree has been moved to.
-#   usage: check_install.sh BUILD SOURCE COMPILER FLAGS GDBM_FOLDER LIBRARY_FOLDER
+#   usage: check_install.sh BUILD SOURCE COMPILER FLAGS GDBM_FOLDER LIBRARY_FOLDER C_COMPILER C_FLAGS
 set -euo pipefail
 build=$1 source=$2 compiler=$3 gdbm_folder=$5 library_folder=$6
+c_compiler=$7
 read -ra flags <<<"$4"
+read -ra c_flags <<<"$8"
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -66,6 +68,31 @@ check_hosts "$source/examples/first_host.cc" kestan::kestan kestan \
 if [ -f "$libraries/pkgconfig/kestan-search.pc" ]; then
   check_hosts "$source/examples/search_host.cc" kestan::search kestan-search \
     $'roses.txt\nviolets.txt'
+fi
+
+# The host in C, with pkg-config and with CMake.
+if [ -f "$libraries/pkgconfig/kestan-c.pc" ]; then
+  folder=$work/kestan-c
+  mkdir "$folder"
+  read -ra compiling < <(pkg-config --cflags kestan-c)
+  read -ra linking < <(pkg-config --libs kestan-c)
+  "$c_compiler" -std=c99 "${c_flags[@]}" "${compiling[@]}" -c "$source/examples/search.c" -o "$folder/search.o"
+  # shellcheck disable=SC2086  # the link flags are several words
+  "$compiler" "${flags[@]}" "$folder/search.o" "${linking[@]}" $link_flags -o "$folder/pkgconfig"
+  cmake -S "$source/tests/install/c_host" -B "$folder/cmake" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
+    -DCMAKE_C_COMPILER="$c_compiler" -DCMAKE_C_FLAGS="${c_flags[*]}" -DCMAKE_CXX_COMPILER="$compiler" \
+    -DCMAKE_CXX_FLAGS="${flags[*]}" -DCMAKE_EXE_LINKER_FLAGS="$link_flags" \
+    -DHOST_SOURCE="$source/examples/search.c" >/dev/null
+  cmake --build "$folder/cmake" >/dev/null
+  for program in pkgconfig cmake/c_host; do
+    mkdir "$work/run"
+    printed=$(cd "$work/run" && "$folder/$program" roses)
+    rm -r "$work/run"
+    [ "$(wc -l <<<"$printed")" = 2 ] && [[ $printed = '100%  roses.txt (Roses)  Roses are red'* ]] ||
+      { printf 'kestan-c %s printed:\n%s\n' "$program" "$printed"; exit 1; }
+    readelf -d "$folder/$program" | grep -q 'NEEDED.*libkestan-c\.so\.1' ||
+      { echo "$program is not linked with libkestan-c.so.1"; exit 1; }
+  done
 fi
 
 # Indexes and finds a page with the command below the prefix $1.
