@@ -16,6 +16,8 @@ set(KESTAN_LIBRARIES_32BIT
   ${KESTAN_ROOT_32BIT}/usr/lib/i386-linux-gnu:${KESTAN_ROOT_32BIT}/lib/i386-linux-gnu)
 set(CMAKE_EXE_LINKER_FLAGS_INIT
   "-Wl,--disable-new-dtags -Wl,-rpath,${KESTAN_LIBRARIES_32BIT} -Wl,-rpath-link,${KESTAN_LIBRARIES_32BIT}")
+# The search library loads others by itself, and then only its own tag counts.
+set(CMAKE_SHARED_LINKER_FLAGS_INIT ${CMAKE_EXE_LINKER_FLAGS_INIT})
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE BOTH)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE BOTH)

@@ -57,6 +57,7 @@ static void* Ask(void* payload) {
     if (count < 2 || count > 30) return NULL;
     if (kestan_reader_documents(&documents, shared->reader) != KESTAN_OK) return NULL;
     if (kestan_documents_next(&document, documents) != KESTAN_OK) return NULL;
+    kestan_documents_free(documents);
     if (kestan_reader_terms(&terms, shared->reader, "ro", 2, 0) != KESTAN_OK) return NULL;
     if (kestan_terms_next(&term, terms) != KESTAN_OK) return NULL;
     if (kestan_reader_find(&documents, shared->reader, NULL, 1) != KESTAN_EINVALID) return NULL;
