@@ -43,6 +43,8 @@ bool CallbackMark::IsSet(const OpenReader* reader) noexcept {
   return mark != nullptr;
 }
 
+bool CallbackMark::IsAnySet() noexcept { return innermost_callback != nullptr; }
+
 bool CallbackMark::HasDocument(const kestan_filtered* document) noexcept {
   const CallbackMark* mark = innermost_callback;
   while (mark != nullptr && mark->document_ != document) mark = mark->outer_;
@@ -79,6 +81,7 @@ int kestan_reader_refresh(int* changed, kestan_reader* reader) {
     if (kestan::c::CallbackMark::IsSet(open)) {
       return live.Return(Invalid("a filter cannot use the reader that it filters for"));
     }
+    const std::lock_guard<std::mutex> turn(open->turn);
     const std::unique_lock<std::shared_mutex> lock(open->mutex);
     const auto refreshed = open->index.Refresh();
     if (!refreshed.ok()) return live.Return(refreshed.status());

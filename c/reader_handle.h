@@ -7,6 +7,7 @@
 #include <kestan/search/index_reader.h>
 
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <shared_mutex>
 #include <utility>
@@ -15,11 +16,14 @@
 
 namespace kestan::c {
 
-// A reader that is open. Searches hold the lock together, and a refresh by itself.
+// A reader that is open. Searches hold `mutex` together, and a refresh by itself. Each takes its
+// turn before: or a refresh would wait for as long as any thread searches. A search inside of a
+// callback does not, as the refresh may wait for the search that called it.
 struct OpenReader {
   explicit OpenReader(search::IndexReader opened) : index(std::move(opened)) {}
 
   search::IndexReader index;
+  std::mutex turn;
   std::shared_mutex mutex;
 };
 
@@ -34,6 +38,9 @@ class CallbackMark {
 
   // Returns whether this thread runs a callback of a search in `reader`.
   static bool IsSet(const OpenReader* reader) noexcept;
+
+  // Returns whether this thread runs any callback.
+  static bool IsAnySet() noexcept;
 
   // Returns whether this thread runs a callback with `document`.
   static bool HasDocument(const kestan_filtered* document) noexcept;
@@ -60,7 +67,10 @@ int UseSnapshot(Handle* handle, OpenReader* reader, Call call) {
   if (CallbackMark::IsSet(reader)) {
     return handle->Return(Invalid("a filter cannot use the reader that it filters for"));
   }
+  std::unique_lock<std::mutex> turn(reader->turn, std::defer_lock);
+  if (!CallbackMark::IsAnySet()) turn.lock();
   const std::shared_lock<std::shared_mutex> lock(reader->mutex);
+  if (turn.owns_lock()) turn.unlock();
   return call(reader->index);
 }
 

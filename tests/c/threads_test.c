@@ -95,6 +95,34 @@ TEST(AReaderIsRefreshedWhileThreadsAskIt) {
   kestan_reader_free(shared.reader);
 }
 
+/* Does nothing but search, so that at any time some thread does. */
+static void* SearchOnly(void* payload) {
+  Shared* const shared = payload;
+  while (!IsOver(shared)) {
+    uint64_t count = 0;
+    if (kestan_reader_count(&count, shared->reader, "common OR even", 14, NULL) != KESTAN_OK)
+      return NULL;
+  }
+  return shared;
+}
+
+TEST(ARefreshIsNotPutOffByThreadsThatNeverStopSearching) {
+  MakeNumbers("numbers", 2000);
+  Shared shared;
+  memset(&shared, 0, sizeof(shared));
+  shared.reader = OpenReader("numbers");
+  pthread_t threads[kThreads];
+  StartAll(threads, SearchOnly, &shared);
+  alarm(60);
+  for (int i = 0; i < 400; ++i) {
+    EXPECT_NUMBER(KESTAN_OK, kestan_reader_refresh(NULL, shared.reader));
+  }
+  alarm(0);
+  __atomic_store_n(&shared.is_over, 1, __ATOMIC_SEQ_CST);
+  JoinAll(threads, &shared);
+  kestan_reader_free(shared.reader);
+}
+
 /* Adds and commits; counts what was accepted and what was refused. */
 static void* Write(void* payload) {
   Shared* const shared = payload;
