@@ -3,6 +3,7 @@
 
 #include <pthread.h>
 
+#include <array>
 #include <atomic>
 #include <cstddef>
 #include <map>
@@ -26,8 +27,8 @@ std::atomic<unsigned> fork_count{0};
 
 // It outlives whatever frees its handles when the process ends.
 LiveHandles& Live() noexcept {
-  alignas(LiveHandles) static std::byte memory[sizeof(LiveHandles)];
-  static LiveHandles* const live = new (memory) LiveHandles;
+  alignas(LiveHandles) static std::array<std::byte, sizeof(LiveHandles)> memory;
+  static auto* const live = new (memory.data()) LiveHandles;
   return *live;
 }
 
