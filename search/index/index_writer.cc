@@ -9,7 +9,6 @@
 #include <utility>
 #include <vector>
 
-#include "search/process/owning_process.h"
 #include "search/index/caught.h"
 #include "search/index/committed_index.h"
 #include "search/index/inverting/document_limits.h"
@@ -17,6 +16,7 @@
 #include "search/index/manifest/analyzer_version.h"
 #include "search/index/manifest/index_language.h"
 #include "search/index/merging/merge_policy.h"
+#include "search/process/owning_process.h"
 
 namespace kestan::search {
 namespace {
