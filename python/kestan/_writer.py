@@ -16,7 +16,7 @@ from ._native import CData, ffi, lib
 from ._values import Name, Text, data_bytes, name_bytes, set_bytes, text_bytes, whole
 
 ProgressFunction = Callable[[Progress], Optional[bool]]
-Item = Union[tuple[Name, Text], tuple[Name, Text, Text], Mapping[str, Any]]
+Item = Union[tuple[Name, Text], tuple[Name, Text, Text], list[str], Mapping[str, Any]]
 
 _MOST_THREADS = 2**32 - 1
 
@@ -123,8 +123,8 @@ class Writer(Unpicklable):
     def add_many(self, documents: Iterable[Item]) -> int:
         """Adds documents and returns how many.
 
-        Each is a (name, text), a (name, text, title), or a mapping of add()'s arguments. If one
-        cannot be added, those before it are: roll back, or leave the `with` block, to forget them.
+        Each is a (name, text), a (name, text, title), such a list, as csv.reader() gives them, or a
+        mapping of add()'s arguments. If one cannot be added, those before it are: roll back, or leave the `with` block, to forget them.
 
         >>> writer.add_many([("a.txt", "Roses are red", "Roses"),
         ...                  {"name": "b.txt", "text": "Violets are blue", "data": b"page 8"}])
@@ -133,9 +133,9 @@ class Writer(Unpicklable):
         count = 0
         item: Any
         for item in documents:
-            if isinstance(item, tuple) and len(item) == 2:
+            if isinstance(item, (tuple, list)) and len(item) == 2:
                 self.add(item[0], item[1])
-            elif isinstance(item, tuple) and len(item) == 3:
+            elif isinstance(item, (tuple, list)) and len(item) == 3:
                 self.add(item[0], item[1], title=item[2])
             elif isinstance(item, Mapping):
                 self.add(**item)
@@ -257,6 +257,6 @@ class Writer(Unpicklable):
 
 def _shape(item: object) -> str:
     """Returns what a thing is, for a message."""
-    if isinstance(item, tuple):
-        return f"a tuple of {len(item)}"
+    if isinstance(item, (tuple, list)):
+        return f"a {type(item).__name__} of {len(item)}"
     return type(item).__name__

@@ -105,10 +105,12 @@ def test_many_documents_are_tuples_or_mappings(path: Path) -> None:
             ("a", "one"),
             ("b", "two", "Title of b"),
             {"name": "c", "text": "three", "title": "Title of c", "data": b"x"},
-        ]) == 3
+            ["d", "a row of a table"],
+        ]) == 4
     with kestan.open(path) as reader:
         assert [(d.name, d.title, d.data) for d in reader.documents()] == [
-            ("a", "", b""), ("b", "Title of b", b""), ("c", "Title of c", b"x")]
+            ("a", "", b""), ("b", "Title of b", b""), ("c", "Title of c", b"x"),
+            ("d", "", b"")]
 
 
 def test_many_documents_may_come_from_a_generator_and_be_none(path: Path) -> None:
@@ -119,7 +121,7 @@ def test_many_documents_may_come_from_a_generator_and_be_none(path: Path) -> Non
         assert len(reader) == 100
 
 
-@pytest.mark.parametrize("wrong", ["ab", b"ab", ("a",), ("a", "b", "c", "d"), 5, None, ["a", "b"]])
+@pytest.mark.parametrize("wrong", ["ab", b"ab", ("a",), ("a", "b", "c", "d"), 5, None, ["a"]])
 def test_a_document_of_another_shape_is_told_by_its_number(
         writer: kestan.Writer, wrong: Any) -> None:
     with pytest.raises(TypeError, match=r"document 1 must be \(name, text\)"):
