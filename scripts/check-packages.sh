@@ -68,8 +68,9 @@ try_in_chroot() {
   scripts/packages/older_packages.sh "$packages" "$older"
   git ls-files -z | tar --create --null --files-from - | tar --extract --directory "$work/source"
   # shellcheck disable=SC2016  # "$1", the folder of the new system, is for the shell of the hook
+  local try='env -i PATH=/usr/sbin:/usr/bin chroot "$1" /source/scripts/packages/try_in_chroot.sh'
   mmdebstrap --quiet --variant=apt --customize-hook="cp -r '$packages' '$older' '$work/source' \"\$1\"" \
-    --customize-hook='env -i PATH="$PATH" chroot "$1" /source/scripts/packages/try_in_chroot.sh /now /older /source' \
+    --customize-hook="$try /now /older /source" \
     "$(. /etc/os-release && echo "$VERSION_CODENAME")" /dev/null
 }
 
