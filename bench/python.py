@@ -74,7 +74,7 @@ class Kestan:
         return f"{first} -{second}" if kind == "andnot" else f"{first} {joins[kind]} {second}"
 
     def ask(self, query):
-        hits = self.reader.search(query, limit=BEST, words="all")
+        hits = self.reader.search(query, limit=BEST, words="all", titles=False)
         return hits.total, [hit.name for hit in hits]
 
 

@@ -67,6 +67,7 @@ void Ask(const IndexReader& reader, const std::string& query) {
   SearchOptions options;
   options.words = WordsMean::kAll;
   options.limit = 10;
+  options.with_titles = false;  // the names are asked for, as of the others
   double fewest = 0;
   std::size_t total = 0;
   std::string names;
