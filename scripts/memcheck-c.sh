@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: GPL-3.0-or-later
 # Runs the tests of the C interface under valgrind, as the release preset has built them. A test fails if it
-# reads or writes outside its memory, uses a value that was never set, or leaks memory. Takes some minutes.
+# reads or writes outside its memory, uses a value that was never set, or leaks memory. Takes a minute.
 #
-#   scripts/memcheck-c.sh [TEST...]       TEST is a name as in tests/c/, without c/
+#   scripts/memcheck-c.sh [TEST...]       TEST is a name as in tests/c/, without c/; CTest runs all of them
 set -euo pipefail
 cd "$(dirname "$0")/.."
 command -v valgrind >/dev/null || { echo 'valgrind is missing' >&2; exit 1; }
-program=build/release/tests/c/c_tests
+program=${KESTAN_C_TESTS:-build/release/tests/c/c_tests}
 [ -x "$program" ] || { echo "build the target c_tests first" >&2; exit 1; }
 
 # A child that is forked while threads search has lost what was theirs, which valgrind takes for leaks. The
