@@ -42,10 +42,15 @@ def test_the_tutorial_has_no_python_that_is_not_run() -> None:
     assert set(fences) == {"pycon", "sh"}
 
 
-def test_the_readme_prints_what_the_tutorial_promises(
-        tmp_path: Path, monkeypatch: pytest.MonkeyPatch,
+@pytest.mark.parametrize("readme, prints", [
+    (PYTHON_FOLDER / "README.md", "100 a.txt Roses are red\n"),
+    (PYTHON_FOLDER.parent / "README.md",
+     "100 roses.txt Roses are red\n95 violets.txt Violets are blue, roses red\n"),
+])
+def test_a_readme_shows_a_program_that_works(
+        readme: Path, prints: str, tmp_path: Path, monkeypatch: pytest.MonkeyPatch,
         capsys: pytest.CaptureFixture[str]) -> None:
     monkeypatch.chdir(tmp_path)
-    [(_, program)] = blocks(PYTHON_FOLDER / "README.md", "python")
-    exec(compile(program, "README.md", "exec"), {"__name__": "__main__"})
-    assert capsys.readouterr().out == "100 a.txt Roses are red\n"
+    [(_, program)] = blocks(readme, "python")
+    exec(compile(program, str(readme), "exec"), {"__name__": "__main__"})
+    assert capsys.readouterr().out == prints
