@@ -75,7 +75,7 @@ int kestan_reader_open_many(kestan_reader** out, const char* const* paths,
 void kestan_reader_free(kestan_reader* reader) { kestan::c::Free(reader); }
 
 int kestan_reader_refresh(int* changed, kestan_reader* reader) {
-  return kestan::c::Use(reader, [&](kestan_reader& live) {
+  return kestan::c::Use(reader, [&](kestan_reader& live) -> int {
     OpenReader* const open = live.reader.get();
     if (open == nullptr) return live.Return(Invalid("the reader could not be opened"));
     if (kestan::c::CallbackMark::IsSet(open)) {
@@ -86,7 +86,7 @@ int kestan_reader_refresh(int* changed, kestan_reader* reader) {
     const auto refreshed = open->index.Refresh();
     if (!refreshed.ok()) return live.Return(refreshed.status());
     if (changed != nullptr) *changed = *refreshed ? 1 : 0;
-    return KESTAN_OK + 0;
+    return KESTAN_OK;
   });
 }
 
