@@ -41,11 +41,13 @@ int CodeOf(const Status& status) {
 // Whether the thread-local objects of this thread are gone.
 thread_local bool is_thread_over = false;
 
-// Stands for this thread: its identifier would be that of a later one too.
 struct ThisThread {
-  ~ThisThread() { is_thread_over = true; }
+  ~ThisThread() {
+    is_thread_over = true;
+    if (token != nullptr) token->is_over.store(true, std::memory_order_release);
+  }
 
-  std::shared_ptr<const char> token;  // null: it has had no error
+  std::shared_ptr<ThreadToken> token;  // null: it has had no error
 };
 
 thread_local ThisThread this_thread;
@@ -66,12 +68,13 @@ int Handle::Return(Status status) noexcept {
   const int code = CodeOf(status);
   if (code == KESTAN_OK) return code;
   if (is_thread_over) return code;
-  std::shared_ptr<const char>& thread = this_thread.token;
+  std::shared_ptr<ThreadToken>& thread = this_thread.token;
   const std::lock_guard<std::mutex> lock(mutex_);
   try {
-    if (thread == nullptr) thread = std::make_shared<const char>();
+    if (thread == nullptr) thread = std::make_shared<ThreadToken>();
     for (auto error = errors_.begin(); error != errors_.end();) {
-      error = error->first.expired() ? errors_.erase(error) : std::next(error);
+      const bool is_over = error->first->is_over.load(std::memory_order_acquire);
+      error = is_over ? errors_.erase(error) : std::next(error);
     }
     errors_[thread] = std::make_unique<Error>(std::move(status));
   } catch (const std::bad_alloc&) {

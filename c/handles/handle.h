@@ -6,6 +6,7 @@
 #include <kestan/c.h>
 #include <kestan/search/status.h>
 
+#include <atomic>
 #include <exception>
 #include <map>
 #include <memory>
@@ -35,6 +36,11 @@ class Error {
   kestan_error view_;
 };
 
+// Stands for a thread, whose identifier would be that of a later one too.
+struct ThreadToken {
+  std::atomic<bool> is_over{false};
+};
+
 // The base of the types that a host has pointers to. Each thread has its own last error, so that
 // threads which share a handle do not overwrite each other's.
 class Handle {
@@ -58,8 +64,7 @@ class Handle {
  private:
   const unsigned fork_count_;
   mutable std::mutex mutex_;
-  std::map<std::weak_ptr<const char>, std::unique_ptr<Error>, std::owner_less<>>
-      errors_;  // by thread
+  std::map<std::shared_ptr<ThreadToken>, std::unique_ptr<Error>> errors_;  // by thread
 };
 
 // Returns the live handle of the type H at this address; null if there is none.
