@@ -56,7 +56,8 @@ class IndexReader::Impl {
     for (const OpenedIndex& index : indexes_) {
       auto opened = OpenIndex(index.folder, &index);
       if (!opened.ok()) return opened.status();
-      changed = changed || opened->manifest.generation != index.manifest.generation;
+      // Another index may have come to be there, and be as many commits old.
+      changed = changed || opened->manifest.Encode() != index.manifest.Encode();
       indexes.push_back(std::move(*opened));
     }
     Snapshot snapshot = SnapshotOf(indexes);

@@ -141,6 +141,20 @@ TEST_F(IndexReaderTest, IndexWithoutPositionsSaysWhatNearAndQuotesMean) {
   EXPECT_TRUE(reader.Search("cat dog")->notes.empty());
 }
 
+TEST_F(IndexReaderTest, AnotherIndexInItsPlaceIsAChange) {
+  Add("index", {Named("a", "red")});
+  IndexReader reader = Opened({"index"});
+  const auto before = reader.Refresh();
+  ASSERT_TRUE(before.ok()) << before.status().ToString();
+  EXPECT_FALSE(*before);
+  std::filesystem::remove_all(folder_ / "index");
+  Add("index", {Named("b", "red"), Named("c", "red")});  // one commit old, as the first
+  const auto after = reader.Refresh();
+  ASSERT_TRUE(after.ok()) << after.status().ToString();
+  EXPECT_TRUE(*after);
+  EXPECT_EQ(reader.Statistics().documents, 2u);
+}
+
 TEST_F(IndexReaderTest, BytesAreThoseOfTheFiles) {
   Add("a", {Named("1", "cat")});
   Add("a", {Named("2", "cat"), Named("3", "cat"), Named("4", "cat")});
