@@ -116,6 +116,8 @@ def error_of(code: int, handle: CData) -> Exception:
     message, file, number, column = _last_error(code, handle)
     if code == lib.KESTAN_ESYSTEM:
         return OSError(number or errno.EIO, message, file)
+    if code == lib.KESTAN_ENOTFOUND and file:
+        return FileNotFoundError(errno.ENOENT, message, file)
     if code == lib.KESTAN_ENOMEM:
         return MemoryError(message)
     if file:

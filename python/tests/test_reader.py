@@ -5,6 +5,7 @@ from __future__ import annotations
 
 import gc
 import os
+import shutil
 from datetime import datetime, timedelta, timezone
 from pathlib import Path
 from typing import Any
@@ -112,6 +113,14 @@ def test_a_reader_sees_a_commit_after_a_refresh(
     assert "c.txt" not in reader
     assert reader.refresh() is True
     assert "c.txt" in reader
+
+
+def test_an_index_that_is_gone_is_a_missing_file(reader: kestan.Reader, flowers: Path) -> None:
+    shutil.rmtree(flowers)
+    with pytest.raises(FileNotFoundError, match="there is no index") as caught:
+        reader.refresh()
+    assert caught.value.filename == str(flowers)
+    assert len(reader) == 2
 
 
 def test_a_closed_reader_says_so(flowers: Path) -> None:
