@@ -199,6 +199,14 @@ def test_a_check_of_a_damaged_index_names_the_file(flowers: Path) -> None:
     assert all(isinstance(finding.key, bytes) and finding.text for finding in faults)
 
 
+def test_a_check_tells_of_a_lost_manifest(flowers: Path) -> None:
+    (flowers / "MANIFEST").unlink()
+    with pytest.raises(kestan.DamagedError):
+        kestan.open(flowers)
+    report = kestan.check(flowers)
+    assert [finding.file for finding in report.findings] == [str(flowers / "MANIFEST")]
+
+
 def test_a_check_of_no_index_is_a_missing_file(path: Path) -> None:
     with pytest.raises(FileNotFoundError) as caught:
         kestan.check(path)

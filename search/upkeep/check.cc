@@ -35,6 +35,8 @@ class Checker {
 
   Result<CheckReport> CheckFolder() {
     Result<Manifest> manifest = ReadManifest(folder_);
+    const bool is_missing = manifest.status().code() == StatusCode::kNotFound;
+    if (is_missing) manifest = StatusOfMissingManifest(folder_);
     if (!manifest.ok() && manifest.status().code() != StatusCode::kDamaged) {
       return manifest.status();
     }
@@ -45,7 +47,7 @@ class Checker {
       }
       CheckOtherFiles(*manifest);
     } else {
-      Take(Kind::kManifest, manifest.status());
+      Take(is_missing ? Kind::kMissingFile : Kind::kManifest, manifest.status());
     }
     return Finished();
   }

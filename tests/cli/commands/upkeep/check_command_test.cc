@@ -55,6 +55,15 @@ TEST_F(CheckCommandTest, DamagedManifestIsAFault) {
             (Outcome{1, "MANIFEST: it is damaged\n1 fault, 0 notes\n", ""}));
 }
 
+TEST_F(CheckCommandTest, LostManifestIsAFault) {
+  std::filesystem::remove(Path("my.index/MANIFEST"));
+  EXPECT_EQ(Run({"check", "my.index"}),
+            (Outcome{1,
+                     "MANIFEST: it is missing, but there are segments of an index\n"
+                     "1 fault, 0 notes\n",
+                     ""}));
+}
+
 TEST_F(CheckCommandTest, OtherFilesAndFoldersAreNoIndexes) {
   Write("text", "no index");
   std::filesystem::create_directory(Path("folder"));
