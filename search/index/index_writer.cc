@@ -17,6 +17,7 @@
 #include "search/index/manifest/index_language.h"
 #include "search/index/merging/merge_policy.h"
 #include "search/process/owning_process.h"
+#include "search/text/utf8.h"
 
 namespace kestan::search {
 namespace {
@@ -29,7 +30,7 @@ Status WasForked() {
 }
 
 Status NoSuchDocument(std::string_view name) {
-  return {StatusCode::kNotFound, "there is no document '" + std::string(name) + "'"};
+  return {StatusCode::kNotFound, "there is no document " + Quoted(name)};
 }
 
 }  // namespace
@@ -96,7 +97,7 @@ class IndexWriter::Impl {
     const auto taken = index_->segments().Find(to);
     if (!taken.ok()) return Fail(taken.status());
     if (pending_.Has(to) || *taken) {
-      return {StatusCode::kAlreadyExists, "there is a document '" + std::string(to) + "' already"};
+      return {StatusCode::kAlreadyExists, "there is a document " + Quoted(to) + " already"};
     }
     if (is_pending) {
       status = pending_.Rename(from, to, Now());

@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "search/query/query_tokens.h"
+#include "search/text/utf8.h"
 
 namespace kestan::search {
 namespace {
@@ -28,8 +29,6 @@ std::size_t FindWithin(std::string_view word, std::string_view signs) {
   }
   return std::string_view::npos;
 }
-
-std::string Quoted(std::string_view text) { return "'" + std::string(text) + "'"; }
 
 // Returns what to say of an operator of other tools that stands alone or between two words; "" if
 // there is none in `word`.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "search/text/utf8.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -27,6 +28,14 @@ std::size_t BytesAfter(unsigned lead) {
   if (lead >= 0xe0 && lead <= 0xef) return 3;
   if (lead >= 0xf0 && lead <= 0xf4) return 4;
   return 0;
+}
+
+// Whether `character`, or the byte that is none, may stand in a line for a person: control
+// characters are U+0000 to U+001F and U+007F to U+009F.
+bool IsPrintable(std::string_view character) {
+  const unsigned first = ByteAt(character, 0);
+  if (character.size() == 1) return first >= 0x20 && first < 0x7f;
+  return first != 0xc2 || ByteAt(character, 1) >= 0xa0;
 }
 
 }  // namespace
@@ -84,6 +93,25 @@ std::size_t FindNonUtf8(std::string_view text, std::size_t from) {
     from += bytes;
   }
   return from;
+}
+
+std::string Quoted(std::string_view bytes) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::string quoted = "'";
+  for (std::size_t at = 0; at < bytes.size();) {
+    const std::size_t length = std::max<std::size_t>(CharacterBytes(bytes.substr(at)), 1);
+    const std::string_view character = bytes.substr(at, length);
+    if (IsPrintable(character)) {
+      quoted += character;
+    } else {
+      for (std::size_t i = 0; i < length; ++i) {
+        const unsigned byte = ByteAt(character, i);
+        quoted.append({'\\', 'x', kDigits[byte >> 4], kDigits[byte & 15]});
+      }
+    }
+    at += length;
+  }
+  return quoted + "'";
 }
 
 }  // namespace kestan::search

@@ -6,6 +6,7 @@
 #include <kestan/search/text.h>
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace kestan::search {
@@ -19,6 +20,10 @@ std::size_t FindNonAscii(std::string_view text, std::size_t from);
 // Returns the code of the character at `*at`, which is inside `text`, and moves `*at` past it. A
 // byte that belongs to no character is taken as one of Latin-1.
 char32_t TakeCode(std::string_view text, std::size_t* at);
+
+// Returns `bytes`, such as a document's name, in quotes, as a message shows them: one line of
+// UTF-8. Each byte of a control character, and each that is not UTF-8, is \xHH.
+std::string Quoted(std::string_view bytes);
 
 }  // namespace kestan::search
 

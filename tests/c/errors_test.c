@@ -182,6 +182,19 @@ TEST(AnErrorStaysTheLastOneAfterASuccess) {
   kestan_reader_free(reader);
 }
 
+/* A name may hold any bytes but zero, and a message is one line of UTF-8. */
+TEST(ANameInAMessageIsPartOfItsLine) {
+  MakePoems();
+  kestan_writer* const writer = OpenWriter("poems");
+  const kestan_error* error = NULL;
+  EXPECT_NUMBER(KESTAN_ENOTFOUND, kestan_writer_remove(writer, "a\n\x1b\xff\0z", 6));
+  EXPECT_NUMBER(KESTAN_OK, kestan_last_error(&error, writer));
+  REQUIRE(error != NULL);
+  EXPECT_TEXT("there is no document 'a\\x0a\\x1b\\xff\\x00z'", error->message,
+              error->message_length);
+  kestan_writer_free(writer);
+}
+
 TEST(EachHandleHasItsOwnLastError) {
   MakePoems();
   kestan_reader* const reader = OpenReader("poems");

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "search/index/manifest/index_language.h"
 
+#include "search/text/utf8.h"
+
 namespace kestan::search {
 
 const Language* LanguageOf(const Manifest& manifest) {
@@ -11,7 +13,7 @@ const Language* LanguageOf(const Manifest& manifest) {
 Status CheckLanguage(const std::string& wanted) {
   if (wanted.empty() || wanted == kNoLanguage || FindLanguage(wanted) != nullptr) return {};
   return {StatusCode::kInvalidArgument,
-          "no word forms are known of '" + wanted + "', but of " + LanguageNames()};
+          "no word forms are known of " + Quoted(wanted) + ", but of " + LanguageNames()};
 }
 
 void IndexLanguage::Start(Properties* properties) {

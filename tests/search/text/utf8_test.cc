@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
 
 namespace kestan::search {
 namespace {
@@ -21,6 +22,16 @@ TEST(Utf8Test, EveryCharacterIsOneOfItsBytes) {
     ASSERT_EQ(CharacterBytes(text), text.size()) << static_cast<unsigned>(code);
     ASSERT_EQ(CharacterBytes(text + "x"), text.size());
   }
+}
+
+TEST(Utf8Test, QuotedBytesAreOneLineOfUtf8) {
+  EXPECT_EQ(Quoted(""), "''");
+  EXPECT_EQ(Quoted("a b~"), "'a b~'");
+  EXPECT_EQ(Quoted("Z\xc3\xbcrich \xe6\x9d\xb1"), "'Z\xc3\xbcrich \xe6\x9d\xb1'");
+  EXPECT_EQ(Quoted("a\nb\x1b[2J\x7f"), "'a\\x0ab\\x1b[2J\\x7f'");
+  EXPECT_EQ(Quoted(std::string_view("a\0b", 3)), "'a\\x00b'");
+  EXPECT_EQ(Quoted("\xff\xc3"), "'\\xff\\xc3'");
+  EXPECT_EQ(Quoted("\xc2\x9b|\xc2\xa0"), "'\\xc2\\x9b|\xc2\xa0'");
 }
 
 TEST(Utf8Test, EveryTruncationIsNoCharacter) {
