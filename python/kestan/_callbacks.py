@@ -7,6 +7,7 @@ import atexit
 import os
 import threading
 import time
+from datetime import datetime, timezone
 from types import TracebackType
 from typing import Callable, NamedTuple, Optional
 
@@ -55,11 +56,11 @@ class Candidate:
         return ffi.unpack(*self._string(lib.kestan_filtered_data))
 
     @property
-    def added(self) -> int:
-        """When it was added or last renamed, in seconds since 1970."""
+    def added(self) -> datetime:
+        """When it was added or last renamed, in UTC."""
         out = ffi.new("uint32_t*")
         check(lib.kestan_filtered_added(out, self._lent()), self._document)
-        return int(out[0])
+        return datetime.fromtimestamp(out[0], timezone.utc)
 
     @property
     def index(self) -> int:
