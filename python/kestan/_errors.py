@@ -58,7 +58,8 @@ class ExistsError(Error):
 
 
 class StoppedError(Error):
-    """The progress callback has stopped a commit or a compaction: the index is as it was."""
+    """The progress function has stopped a commit or a compaction; Writer.commit() says what then
+    is in the index."""
 
 
 class ForkedError(Error):

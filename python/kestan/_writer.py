@@ -124,7 +124,8 @@ class Writer(Unpicklable):
         """Adds documents and returns how many.
 
         Each is a (name, text), a (name, text, title), such a list, as csv.reader() gives them, or a
-        mapping of add()'s arguments. If one cannot be added, those before it are: roll back, or leave the `with` block, to forget them.
+        mapping of add()'s arguments. If one cannot be added, those before it are: roll back, or let
+        the exception leave the `with` block, to forget them.
 
         >>> writer.add_many([("a.txt", "Roses are red", "Roses"),
         ...                  {"name": "b.txt", "text": "Violets are blue", "data": b"page 8"}])
