@@ -176,9 +176,10 @@ class Hits(Unpicklable, Sequence[Hit]):
         return f"<kestan.Hits {self._count} of {self.total}: [{shown}{more}]>"
 
     def _repr_html_(self) -> str:
-        """Shows the hits as a table, in notebooks."""
+        """Shows the notes, and the hits as a table, in notebooks."""
+        notes = "".join(f"<p>{escape(note)}</p>\n" for note in self.notes)
         rows = "".join(_html_row(hit) for hit in self)
-        return (f"<p>{self._count} of {self.total}</p>\n<table>\n<tr><th>percent</th><th>title</th>"
+        return (f"{notes}<p>{self._count} of {self.total}</p>\n<table>\n<tr><th>percent</th><th>title</th>"
                 f"<th>name</th><th>snippet</th></tr>\n{rows}</table>")
 
     def _some(self, positions: Iterable[int]) -> list[Hit]:

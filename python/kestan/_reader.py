@@ -30,7 +30,7 @@ class Reader(Unpicklable):
     """A snapshot of an index, or of several: no later commit changes it.
 
     Any number of threads may use one. It is much like a mapping from names to documents: len(),
-    `in`, [] and iteration work as there. What it has made may outlive it, and keeps the files open
+    `in`, [], get(), keys() and iteration work as there. What it has made may outlive it, and keeps the files open
     until then.
 
     >>> with kestan.open("notes.index") as index:
@@ -225,6 +225,15 @@ class Reader(Unpicklable):
         if found is None:
             raise NotFoundError(f"there is no document {name!r}")
         return next(_document_iterator(found))
+
+    def get(self, name: Name, default: Optional[Document] = None) -> Optional[Document]:
+        """Returns the document of that name, or `default` if there is none."""
+        found = self._find(name_bytes(name))
+        return default if found is None else next(_document_iterator(found))
+
+    def keys(self) -> Iterator[str]:
+        """Iterates over the names of all documents, so that dict(reader) works."""
+        return iter(self)
 
     def __iter__(self) -> Iterator[str]:
         """Iterates over the names of all documents."""

@@ -35,6 +35,7 @@ class Writer(Unpicklable):
 
     _handle: Handle
     _path: str
+    _process: int
     _callback: Callback
     _payload: CData
 
@@ -81,6 +82,7 @@ class Writer(Unpicklable):
         writer = cls.__new__(cls)
         writer._callback, writer._payload = callback, payload
         writer._path = os.fsdecode(path)
+        writer._process = os.getpid()
         writer._handle = Handle(pointer, "writer")
         return writer
 
@@ -96,7 +98,7 @@ class Writer(Unpicklable):
         """Adds a document, in place of one that has its name.
 
         name     its key, up to 4,096 bytes, like the name of a file.
-        text     split into words; the index keeps the words only.
+        text     split into words, which the index keeps.
         title    comes with hits.
         summary  what snippets are cut from when there is no text at hand. None keeps the text
                  itself; "" keeps nothing, which makes the index smaller.
@@ -131,6 +133,8 @@ class Writer(Unpicklable):
         ...                  {"name": "b.txt", "text": "Violets are blue", "data": b"page 8"}])
         2
         """
+        if self.closed:
+            raise ValueError("the writer is closed")
         count = 0
         item: Any
         for item in documents:
@@ -235,7 +239,7 @@ class Writer(Unpicklable):
 
     def __del__(self) -> None:
         handle = getattr(self, "_handle", None)
-        if handle is not None and not handle.closed:
+        if handle is not None and not handle.closed and os.getpid() == self._process:
             warnings.warn(f"unclosed {self!r}: what was not committed is lost", ResourceWarning,
                           source=self)
             handle.close()

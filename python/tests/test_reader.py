@@ -67,6 +67,15 @@ def test_an_empty_index_has_no_documents(path: Path) -> None:
         assert reader.search("rose").total == 0
 
 
+def test_a_reader_is_read_like_a_mapping(reader: kestan.Reader) -> None:
+    found = reader.get("a.txt")
+    assert found is not None and found.title == reader["a.txt"].title
+    assert reader.get("z.txt") is None
+    assert list(reader.keys()) == list(reader)
+    assert {name: document.title for name, document in dict(reader).items()} == {
+        document.name: document.title for document in reader.documents()}
+
+
 def test_terms_begin_with_the_prefix(reader: kestan.Reader) -> None:
     assert list(reader.terms("r")) == [("red", 1), ("roses", 2)]
     assert list(reader.terms("r", 1)) == [("red", 1)]

@@ -303,6 +303,8 @@ def test_notebooks_get_a_table_in_which_texts_are_no_html(path: Path) -> None:
     assert "&lt;i&gt;\ufffd" in table
     assert "<mark>rose</mark>" in table
     assert "&lt;b&gt;" in table
+    with kestan.open(path) as reader:
+        assert "<p>no document has &#x27;tulip&#x27;" in reader.search("rose OR tulip")._repr_html_()
     table.encode()
 
 

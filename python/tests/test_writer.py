@@ -229,6 +229,7 @@ def test_a_closed_writer_says_so(flowers: Path) -> None:
     index.close()
     index.close()
     for call in calls(lambda: index.add("a", "b"), lambda: index.add_many([("a", "b")]),
+                 lambda: index.add_many([]),
                  lambda: index.remove("a.txt"), lambda: index.rename("a.txt", "c"), index.commit,
                  index.rollback, index.compact, index.warnings, index.__enter__):
         with pytest.raises(ValueError, match="the writer is closed"):
