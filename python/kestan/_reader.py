@@ -30,8 +30,8 @@ class Reader(Unpicklable):
     """A snapshot of an index, or of several: no later commit changes it.
 
     Any number of threads may use one. It is much like a mapping from names to documents: len(),
-    `in`, [], get(), keys() and iteration work as there. What it has made may outlive it, and keeps the files open
-    until then.
+    `in`, [], get(), keys() and iteration work as there. What it has made may outlive it, and keeps
+    the files open until then.
 
     >>> with kestan.open("notes.index") as index:
     ...     len(index), "a.txt" in index, index["a.txt"].title, list(index)
