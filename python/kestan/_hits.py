@@ -179,8 +179,8 @@ class Hits(Unpicklable, Sequence[Hit]):
         """Shows the notes, and the hits as a table, in notebooks."""
         notes = "".join(f"<p>{escape(note)}</p>\n" for note in self.notes)
         rows = "".join(_html_row(hit) for hit in self)
-        return (f"{notes}<p>{self._count} of {self.total}</p>\n<table>\n<tr><th>percent</th><th>title</th>"
-                f"<th>name</th><th>snippet</th></tr>\n{rows}</table>")
+        return (f"{notes}<p>{self._count} of {self.total}</p>\n<table>\n<tr><th>percent</th>"
+                f"<th>title</th><th>name</th><th>snippet</th></tr>\n{rows}</table>")
 
     def _some(self, positions: Iterable[int]) -> list[Hit]:
         """Returns the hits at these positions, which there are."""
