@@ -26,15 +26,16 @@ struct kestan_query final : kestan::c::Handle {
 namespace kestan::c {
 
 // Runs `call`, which returns a code, with the query of `handle` if it was made for the reader of
-// `live`.
+// `live`. What `call` throws is thrown: errors are those of the reader, not of the query.
 template <typename Call>
 int WithQuery(kestan_reader& live, const kestan_query* handle, Call call) {
-  return Use(handle, [&](const kestan_query& query) {
-    if (!query.IsFor(live.reader)) {
-      return live.Return(Invalid("the query was made for another reader"));
-    }
-    return call(query.query);
-  });
+  const std::shared_ptr<const kestan_query> query = Find(handle);
+  if (query == nullptr) return KESTAN_EHANDLE;
+  if (query->is_of_parent()) return KESTAN_EFORKED;
+  if (!query->IsFor(live.reader)) {
+    return live.Return(Invalid("the query was made for another reader"));
+  }
+  return call(query->query);
 }
 
 }  // namespace kestan::c

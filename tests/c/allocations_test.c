@@ -11,6 +11,14 @@
 #include "tests/c/harness.h"
 #include "tests/c/poems.h"
 
+/* Errors of calls with a query are those of the reader. */
+static void ExpectNoErrorOf(const kestan_query* query) {
+  const kestan_error* error = NULL;
+  if (query == NULL) return;
+  EXPECT_NUMBER(KESTAN_OK, kestan_last_error(&error, query));
+  EXPECT(error == NULL);
+}
+
 /* Returns KESTAN_OK, or the first error. Frees all that it has made. */
 static int Ask(kestan_reader* reader) {
   kestan_hits* hits = NULL;
@@ -34,6 +42,8 @@ static int Ask(kestan_reader* reader) {
   if (code == KESTAN_OK) code = kestan_query_and(&both, reader, operands, 1);
   if (code == KESTAN_OK) code = kestan_reader_count_query(&count, reader, both, NULL);
   EXPECT_NUMBER(2, count);
+  ExpectNoErrorOf(query);
+  ExpectNoErrorOf(both);
   kestan_query_free(both);
   kestan_query_free(query);
   kestan_terms_free(terms);

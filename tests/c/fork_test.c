@@ -169,6 +169,24 @@ TEST(AChildOpensTheIndexAgain) {
   kestan_reader_free(reader);
 }
 
+TEST(AQueryOfTheParentIsNoneOfTheChildsReader) {
+  MakePoems();
+  kestan_reader* const reader = OpenReader("poems");
+  kestan_query* query = NULL;
+  REQUIRE(kestan_query_word(&query, reader, "roses", 5) == KESTAN_OK);
+  const pid_t child = fork();
+  if (child == 0) {
+    kestan_reader* const own = OpenReader("poems");
+    uint64_t count = 0;
+    const int code = kestan_reader_count_query(&count, own, query, NULL);
+    kestan_reader_free(own);
+    _exit(code == KESTAN_EFORKED ? 7 : 8);
+  }
+  EXPECT_NUMBER(7, WaitFor(child));
+  kestan_query_free(query);
+  kestan_reader_free(reader);
+}
+
 TEST(AGrandchildHasNoHandleOfItsParentEither) {
   MakePoems();
   const pid_t child = fork();
