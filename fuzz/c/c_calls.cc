@@ -114,7 +114,8 @@ int StopSometimes(const kestan_progress* progress, void* payload) {
   return play->input->Byte() == 1;
 }
 
-// The document's data say what becomes of it. Reads no input: threads call it at once.
+// Finds documents by the last character of their names, and stops the search at a "2". Uses no
+// input, because several threads may call it at the same time.
 int FilterByName(kestan_filtered* document, void* payload) {
   const char* name = nullptr;
   std::size_t length = 0;
